@@ -1,0 +1,93 @@
+#include "SoakCamera.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr quint32 width = 96;
+constexpr quint32 height = 64;
+
+void setLayout(SkPicBufInfo& info, quint32 rows, quint32 channels, EkImageDataType type, quint32 bits) {
+    info = SkPicBufInfo();
+    info.width = width;
+    info.height = rows;
+    info.channels = channels;
+    info.dataType = type;
+    info.bitsPerChannel = bits;
+    info.storageFormat = EkDataStorageFormat::Interleaved;
+    info.lineSize = width * channels * sampleBytes(type);
+}
+
+void setHybrid(SkPicBufInfo& info, CkImageMetadata& metadata, quint32 rows, qint32 phasesCount) {
+    setLayout(info, rows, 3, EkImageDataType::UInt16, 12);
+    info.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    metadata.colorFilterArray = 13;
+    metadata.phasesCount = phasesCount;
+}
+
+} // namespace
+
+void CkVideoSource::describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata) {
+    metadata = CkImageMetadata();
+    metadata.cameraName = QString::number(int(readout));
+    switch (readout) {
+    case AandB4:
+    case AandB2:
+    case AandBSeparate:
+        metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+        metadata.phasesCount = readout == AandB4 ? 4 : readout == AandB2 ? 2 : 1;
+        metadata.phaseSequenceLength = readout == AandBSeparate ? 4 : 0;
+        setLayout(info, height * quint32(metadata.phasesCount), 2, EkImageDataType::UInt16, 12);
+        break;
+    case AminusB4:
+        metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+        metadata.phasesCount = 4;
+        setLayout(info, 4 * height, 1, EkImageDataType::Int16, 12);
+        break;
+    case Hybrid:
+        setHybrid(info, metadata, height, 1);
+        break;
+    case HybridSections:
+        setHybrid(info, metadata, 3 * height, 3);
+        break;
+    default:
+        setLayout(info, height, 1, EkImageDataType::UInt8, 8);
+        break;
+    }
+}
+
+void CkVideoSource::setReadout(Readout readout) {
+    const std::lock_guard lock(m_mutex);
+    m_readout = readout;
+}
+
+std::unique_ptr<CkImageData> CkVideoSource::nextFrame() {
+    const std::lock_guard lock(m_mutex);
+    SkPicBufInfo format;
+    CkImageMetadata record;
+    describe(m_readout, format, record);
+    if (record.phaseSequenceLength > 0) {
+        record.phaseSequenceIndex = qint32(m_uiFrame % 4);
+        record.phaseAngle = 90 * record.phaseSequenceIndex;
+    }
+    SkPicBuf picture;
+    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, format)) {
+        return nullptr;
+    }
+    std::memset(picture.data, int(m_uiFrame % 16), picture.lineSize);
+    picture.additionalData.frameNumber = m_uiFrame++;
+    auto frame = std::make_unique<CkImageData>();
+    frame->setPicBuf(picture);
+    frame->setMetadata(record);
+    return frame;
+}
+
+bool CkVideoSource::sourceImageInfo(SkPicBufInfo& out, CkImageMetadata* pMetadata) const {
+    const std::lock_guard lock(m_mutex);
+    CkImageMetadata record;
+    describe(m_readout, out, record);
+    if (pMetadata != nullptr) {
+        *pMetadata = record;
+    }
+    return true;
+}

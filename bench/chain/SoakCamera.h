@@ -1,0 +1,30 @@
+#pragma once
+
+#include "PushSource.h"
+
+#include <mutex>
+
+/// A camera that switches its readout between frames. Counts as a video for the block because of its class
+/// name, so that separate phases are gathered.
+class CkVideoSource : public PushSource {
+    Q_OBJECT
+
+public:
+    /// Kinds of readout; the name of each is in the metadata of its frames.
+    enum Readout { AandB4, AandB2, AandBSeparate, AminusB4, Hybrid, HybridSections, Grey, ReadoutCount };
+
+    /// Descriptor and metadata of a readout.
+    static void describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata);
+
+    /// From now on frames come in this readout.
+    void setReadout(Readout readout);
+    /// The next frame; only its first row is set.
+    std::unique_ptr<CkImageData> nextFrame();
+
+    bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
+
+private:
+    mutable std::mutex m_mutex;
+    Readout m_readout = AandB4;
+    quint64 m_uiFrame = 0;
+};

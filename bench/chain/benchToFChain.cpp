@@ -1,0 +1,250 @@
+// Frames a second through chains with ToF blocks, on sets of the simulated camera made beforehand. Every
+// benchmark looks at what comes out and stops when it is wrong.
+
+#include "PushSource.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "synth/CkSimWaveSynth.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+
+#include <QCoreApplication>
+#include <atomic>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <ctime>
+#include <thread>
+
+namespace {
+
+using Block = CkToFProcessCnbl;
+using Clock = std::chrono::steady_clock;
+
+constexpr quint32 width = 640;
+constexpr quint32 height = 480;
+constexpr quint32 phases = 4;
+constexpr int setsMadeBeforehand = 8;
+
+double nanoseconds(Clock::duration duration) {
+    return double(std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
+}
+
+/// Processor time of this thread: what other programs take in between does not count.
+double threadNanoseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) * 1e9 + double(now.tv_nsec);
+}
+
+/// Counts and checks the frames of one block's output.
+class CountingSink : public IkFrameSink {
+public:
+    explicit CountingSink(EkImageDataType type) : m_type(type) {}
+
+    int takeFrame(CkImageData* data) override {
+        const std::unique_ptr<CkImageData> frame(data);
+        wrong += frame->picBuf().dataType != m_type || frame->picBuf().width != width;
+        (frames == 0 ? m_cpuAtFirst : m_cpuAtLast) = threadNanoseconds();
+        frames.fetch_add(1, std::memory_order_release);
+        return 0;
+    }
+
+    std::atomic<qint64> frames{0};
+    std::atomic<qint64> wrong{0};
+
+    /// Processor time of the chain's thread from one frame to the next, nanoseconds.
+    double chainCpuNs() const {
+        return (m_cpuAtLast - m_cpuAtFirst) / double(std::max<qint64>(frames - 1, 1));
+    }
+
+private:
+    EkImageDataType m_type;
+    double m_cpuAtFirst = 0.0;
+    double m_cpuAtLast = 0.0;
+};
+
+/// A source with sets of the simulated continuous-wave camera.
+class SimulatedSets : public PushSource {
+public:
+    SimulatedSets() {
+        setFormat(width, phases * height, 2, EkImageDataType::UInt16, 12);
+        metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+        metadata.phasesCount = phases;
+        CkSimRaster raster(SkSimLens{}, CkSimScene::room());
+        CkSimWaveSynth synth;
+        synth.setup(SkSimExposure{}, 20.0);
+        for (int set = 0; set < setsMadeBeforehand; ++set) {
+            sets.push_back(makeFrame(quint64(set)));
+            raster.moveTo(double(set) / 30.0);
+            for (quint32 phase = 0; phase < phases; ++phase) {
+                synth.writePhase(raster, quint64(set), int(phase) * 90, sets.back()->picBuf(),
+                                 phase * height);
+            }
+        }
+    }
+
+    /// Waits until the chain has taken a set.
+    void pushSet(int set) {
+        while (!push(std::unique_ptr<CkImageData>(sets[size_t(set % setsMadeBeforehand)]->share()))) {
+            std::this_thread::yield();
+        }
+    }
+
+    std::vector<std::unique_ptr<CkImageData>> sets;
+};
+
+/// A chain of the simulated sets and one branch for each transform.
+class BenchChain {
+public:
+    explicit BenchChain(const std::vector<int>& transforms) {
+        CkChainManager* const manager = CkChainManager::instance();
+        chain = manager->createChain();
+        source = new SimulatedSets;
+        manager->insertAfter(chain, source, nullptr);
+        for (int transform : transforms) {
+            auto* const block = new Block;
+            block->setTransform(Block::EkTransformType(transform), false);
+            manager->branchAfter(chain, block, source);
+            blocks.push_back(block);
+            sinks.push_back(std::make_unique<CountingSink>(
+                transform == Block::Depth ? EkImageDataType::Float32 : EkImageDataType::UInt16));
+            chain->addSink(block, sinks.back().get());
+        }
+        chain->start();
+    }
+    ~BenchChain() {
+        for (const auto& sink : sinks) {
+            chain->removeSink(sink.get());
+        }
+        CkChainManager::instance()->closeChain(chain);
+    }
+
+    void waitForFrames(qint64 count) const {
+        for (const auto& sink : sinks) {
+            while (sink->frames.load(std::memory_order_acquire) < count) {
+                std::this_thread::yield();
+            }
+        }
+    }
+
+    bool rightFrames() const {
+        for (const auto& sink : sinks) {
+            if (sink->wrong != 0) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// Wall-clock nanoseconds a frame spends in a block.
+    double blockNs(size_t index) const {
+        const SkBlockStatistics statistics = chain->blockStatistics(blocks[index]);
+        return double(statistics.processNs) / double(std::max<quint64>(statistics.framesIn, 1));
+    }
+
+    CkChain* chain = nullptr;
+    SimulatedSets* source = nullptr;
+    std::vector<Block*> blocks;
+    std::vector<std::unique_ptr<CountingSink>> sinks;
+};
+
+/// Streams sets, never more than the chain takes; answers nanoseconds a set.
+double stream(benchmark::State& state, BenchChain& chain) {
+    qint64 sets = 0;
+    const auto begin = Clock::now();
+    for (auto _ : state) {
+        chain.source->pushSet(int(sets++ % setsMadeBeforehand));
+    }
+    chain.waitForFrames(sets);
+    const double spent = nanoseconds(Clock::now() - begin);
+    if (!chain.rightFrames()) {
+        state.SkipWithError("a frame of the wrong format came out");
+    }
+    state.counters["sets/s"] = double(sets) * 1e9 / spent;
+    return spent / double(sets);
+}
+
+void sourceDepthSink(benchmark::State& state) {
+    BenchChain chain({Block::Depth});
+    stream(state, chain);
+    state.counters["block_us"] = chain.blockNs(0) / 1e3;
+}
+
+void sourceThreeBranches(benchmark::State& state) {
+    BenchChain chain({Block::Depth, Block::Amplitude, Block::Intensity});
+    stream(state, chain);
+    state.counters["depth_us"] = chain.blockNs(0) / 1e3;
+    state.counters["amplitude_us"] = chain.blockNs(1) / 1e3;
+    state.counters["intensity_us"] = chain.blockNs(2) / 1e3;
+}
+
+/// Share of the block's time that the kernel takes: the kernel called alone and the block, on the same sets,
+/// on this thread, in turns, in processor time.
+void kernelShareOfDepth(benchmark::State& state) {
+    BenchChain chain({Block::Depth});
+    Block* const block = chain.blocks.front();
+    SkPicBufInfo outInfo;
+    block->queryOutputImageInfo(chain.source->info, outInfo, &chain.source->metadata, nullptr);
+    SkPicBuf result;
+    CkPicBufAPI::AllocPicBufFromHeap(result, outInfo);
+    double kernelNs = 0.0;
+    double blockNs = 0.0;
+    int set = 0;
+    for (auto _ : state) {
+        const auto& source = chain.source->sets[size_t(set++ % setsMadeBeforehand)];
+        CkImageData* const input = source->share();
+        const double begin = threadNanoseconds();
+        const bool done = CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source->picBuf(), result, int(phases));
+        const double between = threadNanoseconds();
+        const std::unique_ptr<IkChainData> output(block->processData(input));
+        const double end = threadNanoseconds();
+        if (!done || !output) {
+            state.SkipWithError("no output");
+            break;
+        }
+        kernelNs += between - begin;
+        blockNs += end - between;
+    }
+    CkPicBufAPI::FreePicBuf(result);
+    const double iterations = double(state.iterations());
+    state.counters["kernel_us"] = kernelNs / iterations / 1e3;
+    state.counters["block_us"] = blockNs / iterations / 1e3;
+    state.counters["share_%"] = 100.0 * kernelNs / blockNs;
+}
+
+/// What a frame costs in the chain itself: the block hands its input on, so that nothing else is left.
+void chainOverhead(benchmark::State& state) {
+    BenchChain chain({Block::ConcatPhases});
+    const double ns = stream(state, chain);
+    state.counters["block_us"] = chain.blockNs(0) / 1e3;
+    state.counters["overhead_us"] = (ns - chain.blockNs(0)) / 1e3;
+    // The same without what other programs take: the thread's own work for a frame.
+    state.counters["overhead_cpu_us"] = (chain.sinks.front()->chainCpuNs() - chain.blockNs(0)) / 1e3;
+}
+
+/// From handing a frame in to having it at the sink, with nothing else under way.
+void chainLatency(benchmark::State& state) {
+    BenchChain chain({Block::ConcatPhases});
+    qint64 sets = 0;
+    for (auto _ : state) {
+        chain.source->pushSet(int(sets++));
+        chain.waitForFrames(sets);
+    }
+}
+
+BENCHMARK(sourceDepthSink)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(sourceThreeBranches)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(kernelShareOfDepth)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(chainOverhead)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(chainLatency)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

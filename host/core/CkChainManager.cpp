@@ -1,0 +1,161 @@
+#include "zuCore/CkChainManager.h"
+
+#include "CkChainPrivate.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkImageSource.h"
+#include "zuCore/CkRTTI.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+
+namespace {
+
+/// Chains end with the application object, while the threads and libraries they use are all still there.
+void closeAllChains() {
+    CkChainManager* const manager = CkChainManager::instance();
+    for (CkChain* chain : manager->chains()) {
+        manager->closeChain(chain);
+    }
+}
+
+bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) {
+    return std::all_of(nodes.begin(), nodes.end(),
+                       [feeder](const auto* node) { return node->block->acceptsDataFrom(feeder); });
+}
+
+} // namespace
+
+CkChainManager::CkChainManager() {
+    // Made first, so that it goes last: camera sources take leave of it.
+    CkRTTI::instance();
+    CkCameraManager::instance();
+    qAddPostRoutine(closeAllChains);
+}
+
+CkChainManager::~CkChainManager() {
+    for (CkChain* chain : std::as_const(m_chains)) {
+        delete chain;
+    }
+}
+
+CkChainManager* CkChainManager::instance() {
+    static CkChainManager manager;
+    return &manager;
+}
+
+CkChain* CkChainManager::createChain() {
+    auto* const chain = new (std::nothrow) CkChain();
+    if (chain != nullptr) {
+        m_chains.append(chain);
+        emit chainCreated(chain);
+    }
+    return chain;
+}
+
+QList<CkChain*> CkChainManager::chains() const {
+    return m_chains;
+}
+
+void CkChainManager::closeChain(CkChain* pChain) {
+    if (!m_chains.contains(pChain) || pChain->m_d->m_bClosing) {
+        return;
+    }
+    pChain->m_d->m_bClosing = true; // who hears of it may call again
+    pChain->stop();
+    emit chainAboutToClose(pChain);
+    m_chains.removeAll(pChain);
+    delete pChain;
+}
+
+bool CkChainManager::insertAfter(CkChain* pChain, CkChainable* pNew, CkChainable* pAfter) {
+    return insert(pChain, pNew, pAfter, false);
+}
+
+bool CkChainManager::branchAfter(CkChain* pChain, CkChainable* pNew, CkChainable* pAfter) {
+    return insert(pChain, pNew, pAfter, true);
+}
+
+bool CkChainManager::insert(CkChain* pChain, CkChainable* pNew, CkChainable* pAfter, bool bBranch) {
+    if (!m_chains.contains(pChain) || pNew == nullptr || pNew->chain() != nullptr) {
+        return false;
+    }
+    CkChain::CkPrivate& chain = *pChain->m_d;
+    bool sinksMoved = false;
+    {
+        const CkChain::CkControlLock control(pChain);
+        if (!pChain->stopped()) {
+            return false;
+        }
+        SkChainNode* const after = pAfter == nullptr ? nullptr : chain.find(pAfter);
+        if (pAfter == nullptr) {
+            if (bBranch || qobject_cast<CkImageSource*>(pNew) == nullptr) {
+                return false;
+            }
+        } else if (after == nullptr || !pNew->acceptsDataFrom(pAfter)) {
+            return false;
+        }
+        const bool takesOver = after != nullptr && !bBranch;
+        if (takesOver && !acceptedByAll(after->successors, pNew)) {
+            return false;
+        }
+        sinksMoved = takesOver && !after->sinks.empty();
+        SkChainNode* const node = chain.addNode(pNew, after);
+        if (takesOver) {
+            chain.moveOutputs(*after, *node);
+        }
+    }
+    emit pChain->structureChanged();
+    if (sinksMoved) {
+        emit pChain->sinksMoved();
+    }
+    return true;
+}
+
+bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlock) {
+    if (!m_chains.contains(pChain) || pBlock == nullptr) {
+        return false;
+    }
+    CkChain::CkPrivate& chain = *pChain->m_d;
+    bool sinksMoved = false;
+    {
+        const CkChain::CkControlLock control(pChain);
+        SkChainNode* const node = chain.find(pBlock);
+        if (!pChain->stopped() || node == nullptr) {
+            return false;
+        }
+        SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
+        if (feeder != nullptr && !acceptedByAll(node->successors, feeder->block)) {
+            return false;
+        }
+        sinksMoved = !node->sinks.empty();
+        if (feeder != nullptr) {
+            chain.moveOutputs(*node, *feeder);
+        }
+        chain.removeNode(node);
+    }
+    if (!bKeepBlock) {
+        delete pBlock;
+    }
+    emit pChain->structureChanged();
+    if (sinksMoved) {
+        emit pChain->sinksMoved();
+    }
+    if (pChain->blocks().isEmpty()) {
+        closeChain(pChain);
+        pChain = nullptr;
+    }
+    return true;
+}
+
+void CkChainManager::deleteChainable(CkChainable* pBlock) {
+    if (pBlock == nullptr) {
+        return;
+    }
+    CkChain* chain = pBlock->chain();
+    if (chain == nullptr) {
+        delete pBlock;
+    } else {
+        remove(chain, pBlock, false);
+    }
+}

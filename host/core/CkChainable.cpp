@@ -1,0 +1,114 @@
+#include "zuCore/CkChainable.h"
+
+#include "CkChainPrivate.h"
+#include "zuCore/CkChain.h"
+
+#include <QDomElement>
+#include <QMetaClassInfo>
+
+CkChainable::CkChainable(int iBlockKind, QObject* pParent) : QObject(pParent), m_iBlockKind(iBlockKind) {}
+
+CkChainable::~CkChainable() {
+    // Blocks are deleted through the chain manager; a chain must not be left with a dangling one all the
+    // same.
+    if (CkChain* const owner = chain()) {
+        owner->m_d->forget(this);
+    }
+}
+
+QString CkChainable::title() const {
+    const int index = metaObject()->indexOfClassInfo("CustomName");
+    return index < 0 ? QString::fromLatin1(metaObject()->className())
+                     : QString::fromUtf8(metaObject()->classInfo(index).value());
+}
+
+bool CkChainable::acceptsDataFrom(CkChainable* pUpstream) {
+    return pUpstream != nullptr;
+}
+
+int CkChainable::buffersCountInMemoryPool() const {
+    return 0;
+}
+
+void CkChainable::setupStart() {}
+
+void CkChainable::setupStop() {}
+
+IkChainData* CkChainable::processData(IkChainData* pData) {
+    return pData;
+}
+
+bool CkChainable::saveSettings(QDomDocument& doc, QDomElement& element) const {
+    Q_UNUSED(doc);
+    element.setAttribute(QStringLiteral("state"), state());
+    return true;
+}
+
+bool CkChainable::loadSettings(const QDomElement& element) {
+    const QString text = element.attribute(QStringLiteral("state"));
+    setState(text.toInt() == Blocked ? Blocked : Ready);
+    return true;
+}
+
+bool CkChainable::hasHelp() const {
+    return false;
+}
+
+void CkChainable::help(QString& sText) {
+    sText.clear();
+}
+
+QWidget* CkChainable::configurationWidget() {
+    return nullptr;
+}
+
+CkChainable* CkChainable::clone() {
+    return nullptr;
+}
+
+CkChain* CkChainable::chain() const {
+    const std::lock_guard lock(m_mutex);
+    return m_pChain;
+}
+
+QList<CkChainable*> CkChainable::precedessors() const {
+    const CkChain* const owner = chain();
+    return owner == nullptr ? QList<CkChainable*>() : owner->precedessors(this);
+}
+
+int CkChainable::state() const {
+    const std::lock_guard lock(m_mutex);
+    return m_iState;
+}
+
+void CkChainable::setState(int iState) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_iState == iState) {
+            return;
+        }
+        m_iState = iState;
+    }
+    emit stateChanged(iState);
+}
+
+QString CkChainable::errorMessage() const {
+    const std::lock_guard lock(m_mutex);
+    return m_sErrorMessage;
+}
+
+void CkChainable::setErrorMessage(const QString& sMessage) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_sErrorMessage == sMessage) {
+            return;
+        }
+        m_sErrorMessage = sMessage;
+    }
+    emit errorMessageChanged(sMessage);
+}
+
+CkMemoryPool* CkChainable::memoryPool() const {
+    const CkChain* const owner = chain();
+    return owner == nullptr ? nullptr : owner->memoryPool();
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QtGlobal>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+/// Recursive lock that is served in the order of asking: a thread that restarts a chain in a loop does not
+/// keep the others waiting for good, as std::recursive_mutex would allow.
+class CkControlMutex {
+public:
+    void lock() {
+        std::unique_lock guard(m_mutex);
+        if (m_uiDepth > 0 && m_owner == std::this_thread::get_id()) {
+            ++m_uiDepth;
+            return;
+        }
+        const quint64 ticket = m_uiNextTicket++;
+        m_served.wait(guard, [&] { return m_uiServing == ticket; });
+        m_owner = std::this_thread::get_id();
+        m_uiDepth = 1;
+    }
+
+    void unlock() {
+        const std::lock_guard guard(m_mutex);
+        if (--m_uiDepth == 0) {
+            m_owner = {};
+            ++m_uiServing;
+            m_served.notify_all();
+        }
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_served;
+    std::thread::id m_owner;
+    quint32 m_uiDepth = 0;
+    quint64 m_uiNextTicket = 0;
+    quint64 m_uiServing = 0;
+};

@@ -1,0 +1,79 @@
+#include "CkFrameQueue.h"
+
+#include "CkChainPrivate.h"
+#include "zuCore/CkImageData.h"
+
+#include <utility>
+
+CkFrameQueue::~CkFrameQueue() {
+    clear();
+}
+
+void CkFrameQueue::clear() {
+    for (const SkItem& item : m_frames) {
+        delete item.frame;
+        item.source->queued = 0;
+    }
+    m_frames.clear();
+}
+
+void CkFrameQueue::open() {
+    const std::lock_guard lock(m_mutex);
+    clear();
+    m_bOpen = true;
+    m_bRenegotiate = false;
+    m_bGrow = false;
+}
+
+void CkFrameQueue::close() {
+    const std::lock_guard lock(m_mutex);
+    m_bOpen = false;
+    clear();
+    m_filled.notify_all();
+}
+
+bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame, bool& bFull) {
+    bFull = false;
+    const std::lock_guard lock(m_mutex);
+    if (!m_bOpen) {
+        return false;
+    }
+    if (source.queued >= FramesPerSource) {
+        bFull = true;
+        return false;
+    }
+    m_frames.push_back({&source, pFrame, false, false, false});
+    ++source.queued;
+    m_filled.notify_one();
+    return true;
+}
+
+void CkFrameQueue::askForRenegotiation() {
+    const std::lock_guard lock(m_mutex);
+    m_bRenegotiate = true;
+    m_filled.notify_one();
+}
+
+void CkFrameQueue::askForGrowth() {
+    const std::lock_guard lock(m_mutex);
+    m_bGrow = true;
+    m_filled.notify_one();
+}
+
+CkFrameQueue::SkItem CkFrameQueue::take() {
+    std::unique_lock lock(m_mutex);
+    m_filled.wait(lock, [this] { return !m_bOpen || m_bRenegotiate || m_bGrow || !m_frames.empty(); });
+    SkItem item;
+    item.stop = !m_bOpen;
+    if (item.stop) {
+        return item;
+    }
+    if (!m_frames.empty()) {
+        item = m_frames.front();
+        m_frames.pop_front();
+        --item.source->queued;
+    }
+    item.renegotiate = std::exchange(m_bRenegotiate, false);
+    item.growPools = std::exchange(m_bGrow, false);
+    return item;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QtGlobal>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+class CkImageData;
+struct SkChainNode;
+
+/// What waits for a chain's thread: frames, a few per source, and wishes. Any thread.
+class CkFrameQueue {
+public:
+    /// Frames of one source that may wait. One would lose frames to every hiccup of the thread; more only add
+    /// latency.
+    static constexpr int FramesPerSource = 2;
+
+    struct SkItem {
+        SkChainNode* source = nullptr;
+        CkImageData* frame = nullptr; ///< null: nothing but wishes
+        bool renegotiate = false;
+        bool growPools = false;
+        bool stop = false;
+    };
+
+    ~CkFrameQueue();
+
+    /// Lets frames in.
+    void open();
+    /// Ends the thread's waiting, deletes what waits and lets nothing in any more.
+    void close();
+
+    /// Takes the frame over when it answers true. False: closed or full; full is told by bFull.
+    bool put(SkChainNode& source, CkImageData* pFrame, bool& bFull);
+    void askForRenegotiation();
+    void askForGrowth();
+
+    /// Waits for something to do. Wishes come before the frame they are answered with.
+    SkItem take();
+
+private:
+    void clear();
+
+    std::mutex m_mutex;
+    std::condition_variable m_filled;
+    std::deque<SkItem> m_frames;
+    bool m_bOpen = false;
+    bool m_bRenegotiate = false;
+    bool m_bGrow = false;
+};

@@ -1,0 +1,30 @@
+#include "zuCore/CkImageSource.h"
+
+#include "CkChainPrivate.h"
+#include "zuCore/CkChain.h"
+
+CkImageSource::CkImageSource(QObject* pParent) : CkImageProvider(0, pParent) {}
+
+CkImageSource::~CkImageSource() = default;
+
+bool CkImageSource::acceptsDataFrom(CkChainable* pUpstream) {
+    return pUpstream == nullptr;
+}
+
+bool CkImageSource::inputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
+    Q_UNUSED(info);
+    Q_UNUSED(pMetadata);
+    return false;
+}
+
+bool CkImageSource::outputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) {
+    return sourceImageInfo(info, pMetadata);
+}
+
+QList<void*> CkImageSource::cameraHandles() const {
+    return {};
+}
+
+bool CkImageSource::deliver(CkImageData* pData) {
+    return CkChain::CkPrivate::deliver(this, pData);
+}

@@ -1,0 +1,168 @@
+#include "zuCore/CkPluginLoader.h"
+
+#include "zuCore/CkPlugin.h"
+#include "zuCore/CkRTTI.h"
+#include "zuCore/zuCoreVersion.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonObject>
+#include <QLibrary>
+#include <QPluginLoader>
+#include <elf.h>
+#include <exception>
+
+namespace {
+
+const auto iidPrefix = QLatin1String("com.orvane.Pictor.");
+
+QString translated(const char* text) {
+    return QCoreApplication::translate("CkPluginLoader", text);
+}
+
+/// True when everything that the library wants mapped into memory is in the file. The system's loader does
+/// not check that; the first access beyond the end of a file that was cut off would end the program.
+bool hasAllSegments(QFile& file) {
+    Elf64_Ehdr header;
+    if (file.read(reinterpret_cast<char*>(&header), sizeof(header)) != qint64(sizeof(header)) ||
+        header.e_ident[EI_CLASS] != ELFCLASS64 || header.e_phentsize != sizeof(Elf64_Phdr)) {
+        return false;
+    }
+    for (quint32 i = 0; i < header.e_phnum; ++i) {
+        Elf64_Phdr segment;
+        const quint64 offset = header.e_phoff + quint64(i) * sizeof(segment);
+        if (offset < header.e_phoff || offset > quint64(file.size()) || !file.seek(qint64(offset)) ||
+            file.read(reinterpret_cast<char*>(&segment), sizeof(segment)) != qint64(sizeof(segment))) {
+            return false;
+        }
+        const quint64 end = segment.p_offset + segment.p_filesz;
+        if (end < segment.p_offset || end > quint64(file.size())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Why the file cannot be a library at all, or empty.
+QString fileRefusal(const QString& fileName) {
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return translated("the file cannot be read.");
+    }
+    if (file.peek(SELFMAG) != QByteArray(ELFMAG)) {
+        return translated("it is not a library.");
+    }
+    return hasAllSegments(file) ? QString()
+                                : translated("it is damaged, cut off, or made for another kind of machine.");
+}
+
+QString identityRefusal(const QPluginLoader& loader) {
+    const QString iid = loader.metaData().value(QLatin1String("IID")).toString();
+    if (iid.isEmpty()) {
+        return translated("it is not a Qt plug-in (%1).").arg(loader.errorString());
+    }
+    return iid.startsWith(iidPrefix) ? QString()
+                                     : translated("it is a plug-in for another program (\"%1\").").arg(iid);
+}
+
+/// Runs plug-in code; what it throws becomes a reason for refusal. The exception is gone when this returns,
+/// so that the library that defined it can be unloaded.
+template <class Function>
+QString guarded(Function function) {
+    try {
+        return function();
+    } catch (const std::exception& error) {
+        return translated("it failed with an exception: %1").arg(QString::fromLocal8Bit(error.what()));
+    } catch (...) {
+        return translated("it failed with an exception.");
+    }
+}
+
+QString pluginRefusal(CkPlugin* plugin) {
+    if (plugin == nullptr) {
+        return translated("it does not have the interface of a viewer plug-in.");
+    }
+    int major = 0;
+    int minor = 0;
+    int patch = 0;
+    plugin->version(major, minor, patch);
+    if (major != g_iZuCoreVersionMajor) {
+        return translated("it was built for version %1.%2.%3 of the framework, this is version %4.")
+            .arg(major)
+            .arg(minor)
+            .arg(patch)
+            .arg(g_iZuCoreVersionMajor);
+    }
+    return plugin->init() ? QString() : translated("it could not be initialised.");
+}
+
+} // namespace
+
+CkPluginLoader::CkPluginLoader(QObject* pParent) : QObject(pParent) {}
+
+// The libraries stay loaded: blocks, widgets and translations of theirs may live until the very end.
+CkPluginLoader::~CkPluginLoader() = default;
+
+CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
+    const QString path = QFileInfo(sFileName).absoluteFilePath();
+    for (const SkLoadedPlugin& loaded : std::as_const(m_plugins)) {
+        if (QFileInfo(loaded.fileName) == QFileInfo(path)) {
+            return loaded.plugin;
+        }
+    }
+    QPluginLoader loader;
+    // All symbols at once: one that is missing refuses the library now instead of ending the program later.
+    loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
+    QString reason = fileRefusal(path);
+    if (reason.isEmpty()) {
+        loader.setFileName(path);
+        reason = identityRefusal(loader);
+    }
+    QObject* object = nullptr;
+    CkPlugin* plugin = nullptr;
+    if (reason.isEmpty()) {
+        reason = guarded([&] {
+            object = loader.instance();
+            if (object == nullptr) {
+                return translated("it cannot be loaded (%1).").arg(loader.errorString());
+            }
+            plugin = qobject_cast<CkPlugin*>(object);
+            return pluginRefusal(plugin);
+        });
+    }
+    if (reason.isEmpty()) {
+        m_plugins.append({path, plugin, object});
+        return plugin;
+    }
+    if (object != nullptr) {
+        CkRTTI::instance()->unregisterPlugin(object);
+    }
+    if (loader.isLoaded()) {
+        guarded([&] {
+            loader.unload();
+            return QString();
+        });
+    }
+    if (psError != nullptr) {
+        *psError = tr("Plug-in \"%1\" was refused: %2").arg(QDir::toNativeSeparators(sFileName), reason);
+    }
+    return nullptr;
+}
+
+QStringList CkPluginLoader::loadFolder(const QString& sFolder) {
+    const QDir folder(sFolder);
+    if (!folder.exists()) {
+        return {tr("There is no plug-in folder \"%1\".").arg(QDir::toNativeSeparators(sFolder))};
+    }
+    QStringList messages;
+    const QStringList names = folder.entryList(QDir::Files, QDir::Name);
+    for (const QString& name : names) {
+        QString error;
+        if (QLibrary::isLibrary(name) && load(folder.filePath(name), &error) == nullptr) {
+            messages.append(error);
+        }
+    }
+    return messages;
+}

@@ -1,0 +1,5 @@
+#include "zuCore/IkCameraDriver.h"
+
+IkCamera::~IkCamera() = default;
+
+IkCameraDriver::~IkCameraDriver() = default;

@@ -1,0 +1,65 @@
+#include "CkFrameSlot.h"
+
+#include "zuCore/CkImageData.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <utility>
+
+namespace {
+QEvent::Type frameEventType() {
+    static const int s_type = QEvent::registerEventType();
+    return QEvent::Type(s_type);
+}
+} // namespace
+
+CkFrameSlot::CkFrameSlot(Receiver receiver) : m_receiver(std::move(receiver)) {}
+
+CkFrameSlot::~CkFrameSlot() = default;
+
+int CkFrameSlot::takeFrame(CkImageData* pData) {
+    std::unique_ptr<CkImageData> frame(pData);
+    if (!frame) {
+        return 0;
+    }
+    bool bReplaced = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_waiting.swap(frame);
+        bReplaced = frame != nullptr;
+    }
+    if (bReplaced) {
+        m_uiDropped.fetch_add(1, std::memory_order_relaxed);
+        return 1;
+    }
+    // Low priority: whoever listens to receivedFrame through the queue comes before the next frame, even when
+    // the event loop is always late. Otherwise a listener on a busy view would never see its frame again.
+    QCoreApplication::postEvent(this, new QEvent(frameEventType()), Qt::LowEventPriority);
+    return 0;
+}
+
+int CkFrameSlot::heldFrames() const {
+    // Waiting, on its way in, shown, and one that a listener with an event loop of its own holds up.
+    return 4;
+}
+
+void CkFrameSlot::clear() {
+    QCoreApplication::removePostedEvents(this, frameEventType());
+    const std::lock_guard lock(m_mutex);
+    m_waiting.reset();
+}
+
+bool CkFrameSlot::event(QEvent* pEvent) {
+    if (pEvent->type() != frameEventType()) {
+        return QObject::event(pEvent);
+    }
+    std::unique_ptr<CkImageData> frame;
+    {
+        const std::lock_guard lock(m_mutex);
+        frame.swap(m_waiting);
+    }
+    if (frame) {
+        m_receiver(std::move(frame));
+    }
+    return true;
+}

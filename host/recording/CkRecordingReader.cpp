@@ -1,0 +1,131 @@
+#include "recording/CkRecordingReader.h"
+
+#include "recording/CkTiffPage.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QCoreApplication>
+
+#include <new>
+
+namespace {
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkRecordingReader", source);
+}
+
+bool refuse(QString* psError, const QString& message) {
+    if (psError != nullptr) {
+        *psError = message;
+    }
+    return false;
+}
+
+} // namespace
+
+CkRecordingReader::CkRecordingReader() = default;
+CkRecordingReader::~CkRecordingReader() = default;
+
+QString CkRecordingReader::fileName() const {
+    return m_file.fileName();
+}
+
+qint64 CkRecordingReader::frameCount() const {
+    return qint64(m_file.pageOffsets().size());
+}
+
+quint64 CkRecordingReader::byteCount() const {
+    return m_file.byteCount();
+}
+
+QString CkRecordingReader::message(qint64 iFrame, const QString& sReason) const {
+    return text("\"%1\", page %2: %3").arg(fileName(), QString::number(quint64(iFrame) + 1), sReason);
+}
+
+bool CkRecordingReader::open(const QString& sFileName, QString* psError, const ProgressFunction& progress) {
+    QString reason;
+    try {
+        if (!m_file.open(sFileName, reason)) {
+            return refuse(psError, text("\"%1\": %2").arg(sFileName, reason));
+        }
+        const CkTiffFile::EkIndex index = m_file.readIndex(progress, reason);
+        if (index == CkTiffFile::EkIndex::Cancelled) {
+            return refuse(psError, text("\"%1\": %2").arg(sFileName, reason));
+        }
+        if (index == CkTiffFile::EkIndex::Damaged) {
+            m_sDamage = message(frameCount(), reason);
+        }
+        if (frameCount() == 0) {
+            return refuse(psError, m_sDamage.isEmpty()
+                                       ? text("\"%1\": The file holds no picture.").arg(sFileName)
+                                       : m_sDamage);
+        }
+        SkFrameDescription first;
+        if (describe(0, first, nullptr)) {
+            m_recording = first.recordingInfo();
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        return refuse(psError, text("\"%1\": There is not enough memory.").arg(sFileName));
+    }
+}
+
+bool CkRecordingReader::describe(qint64 iFrame, SkFrameDescription& description, QString* psError) const {
+    if (iFrame < 0 || iFrame >= frameCount()) {
+        return refuse(psError, message(iFrame, text("There is no such page.")));
+    }
+    QString reason;
+    try {
+        CkTiffPage page(m_file, iFrame);
+        return page.describe(description, reason) || refuse(psError, message(iFrame, reason));
+    } catch (const std::bad_alloc&) {
+        return refuse(psError, message(iFrame, text("There is not enough memory.")));
+    }
+}
+
+std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psError,
+                                                     QJsonObject* pObject) const {
+    if (psError != nullptr) {
+        psError->clear();
+    }
+    if (iFrame < 0 || iFrame >= frameCount()) {
+        refuse(psError, message(iFrame, text("There is no such page.")));
+        return nullptr;
+    }
+    QString reason;
+    try {
+        CkTiffPage page(m_file, iFrame);
+        SkFrameDescription description;
+        if (!page.describe(description, reason)) {
+            refuse(psError, message(iFrame, reason));
+            return nullptr;
+        }
+        SkPicBuf picBuf;
+        if (!CkPicBufAPI::AllocPicBufFromHeap(picBuf, description.info)) {
+            refuse(psError, message(iFrame, text("There is not enough memory.")));
+            return nullptr;
+        }
+        auto frame = std::make_unique<CkImageData>();
+        picBuf.additionalData = description.additionalData;
+        frame->setPicBuf(picBuf);
+        frame->setMetadata(description.metadata);
+        const CkTiffPage::EkResult result = page.readSamples(frame->picBuf(), reason);
+        if (result != CkTiffPage::EkResult::Complete) {
+            refuse(psError, message(iFrame, reason));
+        }
+        if (result == CkTiffPage::EkResult::Failed) {
+            return nullptr;
+        }
+        SkPicBuf& picture = frame->picBuf();
+        if (picture.dataType == EkImageDataType::Float32) {
+            CkPicBufAPI::CalcFloatDataMinMax(picture, picture.minValue, picture.maxValue, false);
+        }
+        if (pObject != nullptr) {
+            *pObject = description.object;
+        }
+        return frame;
+    } catch (const std::bad_alloc&) {
+        refuse(psError, message(iFrame, text("There is not enough memory.")));
+        return nullptr;
+    }
+}

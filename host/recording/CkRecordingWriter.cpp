@@ -1,0 +1,313 @@
+#include "recording/CkRecordingWriter.h"
+
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QtEndian>
+
+#include <tiff.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "Samples are written as they lie in memory.");
+
+constexpr quint64 headerBytes = 16;
+constexpr quint64 linkInHeader = 8;
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkRecordingWriter", source);
+}
+
+quint64 alignedUp(quint64 offset, quint64 alignment) {
+    return (offset + alignment - 1) / alignment * alignment;
+}
+
+quint16 sampleFormat(EkImageDataType dataType) {
+    switch (dataType) {
+    case EkImageDataType::Int8:
+    case EkImageDataType::Int16:
+    case EkImageDataType::Int32:
+    case EkImageDataType::Int64:
+        return SAMPLEFORMAT_INT;
+    case EkImageDataType::Float32:
+    case EkImageDataType::Float64:
+        return SAMPLEFORMAT_IEEEFP;
+    default:
+        return SAMPLEFORMAT_UINT;
+    }
+}
+
+bool isKnown(EkImageDataType dataType) {
+    return dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::Other16;
+}
+
+/// The directory of a page, and what does not fit into its entries, for a place in the file that is known.
+class CkDirectory {
+public:
+    explicit CkDirectory(quint64 uiOffset) : m_uiOffset(uiOffset) {}
+
+    void addShort(quint16 tag, quint16 value, quint32 count = 1) {
+        quint16 values[4];
+        std::fill(values, values + 4, qToLittleEndian(value));
+        quint64 field = 0;
+        std::memcpy(&field, values, sizeof(quint16) * count);
+        addEntry(tag, TIFF_SHORT, count, field);
+    }
+    void addLong(quint16 tag, quint32 value) { addEntry(tag, TIFF_LONG, 1, qToLittleEndian(quint64(value))); }
+    void addLong8(quint16 tag, quint64 value) { addEntry(tag, TIFF_LONG8, 1, qToLittleEndian(value)); }
+    void addText(quint16 tag, const QByteArray& ascii) {
+        const quint64 count = quint64(ascii.size()) + 1;
+        quint64 field = 0;
+        if (count <= sizeof(field)) {
+            std::memcpy(&field, ascii.constData(), size_t(count));
+        } else {
+            field = qToLittleEndian(m_uiOffset + quint64(m_outside.size()));
+            m_outside.append(ascii).append('\0');
+        }
+        addEntry(tag, TIFF_ASCII, count, field);
+    }
+
+    /// Everything to be written at the offset; the directory begins uiDirectory bytes behind it and the link
+    /// to the next one uiLink bytes.
+    QByteArray bytes(quint64& uiDirectory, quint64& uiLink) {
+        const quint64 count = quint64(m_entries.size()) / 20;
+        // The link is then a multiple of 8 and lies in one page of memory: no reader sees half of it.
+        quint64 start = alignedUp(m_uiOffset + quint64(m_outside.size()), 8);
+        start += count % 2 == 0 ? 0 : 4;
+        uiDirectory = start - m_uiOffset;
+        m_outside.append(qsizetype(uiDirectory) - m_outside.size(), '\0');
+        append(m_outside, qToLittleEndian(count));
+        m_outside.append(m_entries);
+        uiLink = quint64(m_outside.size());
+        append(m_outside, quint64(0));
+        return m_outside;
+    }
+
+private:
+    template <typename Value>
+    static void append(QByteArray& bytes, Value value) {
+        bytes.append(reinterpret_cast<const char*>(&value), sizeof(value));
+    }
+    // Tags have to come in ascending order.
+    void addEntry(quint16 tag, quint16 type, quint64 count, quint64 field) {
+        append(m_entries, qToLittleEndian(tag));
+        append(m_entries, qToLittleEndian(type));
+        append(m_entries, qToLittleEndian(count));
+        append(m_entries, field);
+    }
+
+    quint64 m_uiOffset;
+    QByteArray m_entries;
+    QByteArray m_outside;
+};
+
+/// Each sample less its left neighbour, from right to left; wraps around.
+template <typename Sample>
+void predictRow(quint8* row, size_t samples, size_t channels) {
+    for (size_t i = samples; i-- > channels;) {
+        Sample here;
+        Sample left;
+        std::memcpy(&here, row + i * sizeof(Sample), sizeof(Sample));
+        std::memcpy(&left, row + (i - channels) * sizeof(Sample), sizeof(Sample));
+        here = Sample(here - left);
+        std::memcpy(row + i * sizeof(Sample), &here, sizeof(Sample));
+    }
+}
+
+void predictRow(quint8* row, size_t samples, size_t channels, quint32 bytes) {
+    switch (bytes) {
+    case 1:
+        return predictRow<quint8>(row, samples, channels);
+    case 2:
+        return predictRow<quint16>(row, samples, channels);
+    case 4:
+        return predictRow<quint32>(row, samples, channels);
+    default:
+        return predictRow<quint64>(row, samples, channels);
+    }
+}
+
+bool isPredicted(EkRecordingCompression compression, EkImageDataType dataType) {
+    return compression == EkRecordingCompression::Deflate && sampleFormat(dataType) != SAMPLEFORMAT_IEEEFP;
+}
+
+} // namespace
+
+CkRecordingWriter::~CkRecordingWriter() {
+    close();
+}
+
+bool CkRecordingWriter::fail(const QString& sReason) {
+    m_sError = text("\"%1\", page %2: %3").arg(m_sFileName, QString::number(m_iFrames + 1), sReason);
+    return false;
+}
+
+bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOffset) {
+    const auto* next = static_cast<const char*>(pBytes);
+    while (uiBytes > 0) {
+        const ssize_t done = ::pwrite(m_iFile, next, uiBytes, off_t(uiOffset));
+        if (done < 0 && errno == EINTR) {
+            continue;
+        }
+        if (done <= 0) {
+            return fail(text("Writing failed (%1).")
+                            .arg(QString::fromLocal8Bit(std::strerror(done < 0 ? errno : ENOSPC))));
+        }
+        next += done;
+        uiBytes -= size_t(done);
+        uiOffset += quint64(done);
+    }
+    return true;
+}
+
+bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& recording,
+                             EkRecordingCompression compression) {
+    close();
+    m_sFileName = sFileName;
+    m_recording = recording;
+    m_compression = compression;
+    m_iFrames = 0;
+    m_sError.clear();
+    m_iFile =
+        ::open(QFile::encodeName(sFileName).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (m_iFile < 0) {
+        m_sError = text("\"%1\" cannot be written (%2).")
+                       .arg(sFileName, QString::fromLocal8Bit(std::strerror(errno)));
+        return false;
+    }
+    // Little endian, BigTIFF, offsets of 8 bytes, no page yet.
+    const quint8 header[headerBytes] = {'I', 'I', 43, 0, 8};
+    m_uiEnd = headerBytes;
+    m_uiLink = linkInHeader;
+    if (!writeAt(header, sizeof(header), 0)) {
+        const QString reason = m_sError;
+        close();
+        m_sError = reason;
+        return false;
+    }
+    return true;
+}
+
+const quint8* CkRecordingWriter::packedSamples(const SkPicBuf& picBuf, size_t& uiBytes) {
+    const size_t row = size_t(picBuf.width) * picBuf.channels * sampleBytes(picBuf.dataType);
+    uiBytes = row * picBuf.height;
+    if (picBuf.lineSize == row && m_compression == EkRecordingCompression::None) {
+        return picBuf.data;
+    }
+    m_packed.resize(uiBytes);
+    for (quint32 y = 0; y < picBuf.height; ++y) {
+        std::memcpy(m_packed.data() + y * row, picBuf.row(y), row);
+    }
+    return m_packed.data();
+}
+
+QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t uiBytes) {
+    if (isPredicted(m_compression, picBuf.dataType)) {
+        const size_t row = uiBytes / picBuf.height;
+        for (quint32 y = 0; y < picBuf.height; ++y) {
+            predictRow(m_packed.data() + y * row, size_t(picBuf.width) * picBuf.channels, picBuf.channels,
+                       sampleBytes(picBuf.dataType));
+        }
+    }
+    // Qt puts the length in front of an ordinary zlib stream; the page wants the stream alone.
+    return qCompress(m_packed.data(), qsizetype(uiBytes), 1).mid(4);
+}
+
+bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& metadata,
+                              const QJsonObject& object) {
+    if (!isOpen()) {
+        return fail(text("No file is open."));
+    }
+    if (picBuf.data == nullptr || !CkPicBufAPI::isValid(picBuf) || !isKnown(picBuf.dataType) ||
+        picBuf.channels > 4) {
+        return fail(text("A picture of this format cannot be recorded."));
+    }
+    // Checked factor by factor: the product of all may overflow.
+    const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
+    if (row > MaximumPictureBytes || row * picBuf.height > MaximumPictureBytes) {
+        return fail(text("The picture is larger than 1 GiB."));
+    }
+    try {
+        size_t bytes = 0;
+        const quint8* samples = packedSamples(picBuf, bytes);
+        QByteArray stream;
+        if (m_compression == EkRecordingCompression::Deflate) {
+            stream = deflated(picBuf, bytes);
+            if (stream.isEmpty()) {
+                return fail(text("There is not enough memory."));
+            }
+            samples = reinterpret_cast<const quint8*>(stream.constData());
+            bytes = size_t(stream.size());
+        }
+        SkFrameDescription description;
+        description.info = picBuf;
+        description.additionalData = picBuf.additionalData;
+        description.metadata = metadata;
+        description.object = object;
+        const auto channels = quint16(picBuf.channels);
+        const bool first = m_iFrames == 0;
+
+        const quint64 start = alignedUp(m_uiEnd, 16);
+        const quint64 behind = start + bytes;
+        CkDirectory page(behind);
+        page.addLong(TIFFTAG_IMAGEWIDTH, picBuf.width);
+        page.addLong(TIFFTAG_IMAGELENGTH, picBuf.height);
+        page.addShort(TIFFTAG_BITSPERSAMPLE, quint16(8 * sampleBytes(picBuf.dataType)), channels);
+        page.addShort(TIFFTAG_COMPRESSION, m_compression == EkRecordingCompression::None
+                                               ? COMPRESSION_NONE
+                                               : COMPRESSION_ADOBE_DEFLATE);
+        page.addShort(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        page.addText(TIFFTAG_IMAGEDESCRIPTION, description.toText(first ? &m_recording : nullptr));
+        page.addLong8(TIFFTAG_STRIPOFFSETS, start);
+        page.addShort(TIFFTAG_SAMPLESPERPIXEL, channels);
+        page.addLong(TIFFTAG_ROWSPERSTRIP, picBuf.height);
+        page.addLong8(TIFFTAG_STRIPBYTECOUNTS, bytes);
+        page.addShort(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+        if (first) {
+            page.addText(TIFFTAG_SOFTWARE, m_recording.software.toLatin1());
+        }
+        if (isPredicted(m_compression, picBuf.dataType)) {
+            page.addShort(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+        }
+        if (channels > 1) {
+            page.addShort(TIFFTAG_EXTRASAMPLES, EXTRASAMPLE_UNSPECIFIED, channels - 1U);
+        }
+        page.addShort(TIFFTAG_SAMPLEFORMAT, sampleFormat(picBuf.dataType), channels);
+        quint64 directory = 0;
+        quint64 link = 0;
+        const QByteArray tail = page.bytes(directory, link);
+
+        const quint64 pageOffset = qToLittleEndian(behind + directory);
+        if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), behind) ||
+            !writeAt(&pageOffset, sizeof(pageOffset), m_uiLink)) {
+            // What did not become a page gives its space back; without that the file is just longer.
+            [[maybe_unused]] const int code = ::ftruncate(m_iFile, off_t(m_uiEnd));
+            return false;
+        }
+        m_uiLink = behind + link;
+        m_uiEnd = behind + quint64(tail.size());
+        ++m_iFrames;
+        return true;
+    } catch (const std::bad_alloc&) {
+        return fail(text("There is not enough memory."));
+    }
+}
+
+bool CkRecordingWriter::close() {
+    if (m_iFile < 0) {
+        return true;
+    }
+    const int code = ::close(m_iFile);
+    m_iFile = -1;
+    m_packed = {};
+    if (code != 0) {
+        return fail(text("Writing failed (%1).").arg(QString::fromLocal8Bit(std::strerror(errno))));
+    }
+    return true;
+}

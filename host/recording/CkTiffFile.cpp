@@ -1,0 +1,172 @@
+#include "recording/CkTiffFile.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_set>
+
+namespace {
+
+constexpr quint64 maximumEntries = 4096; // of a directory; real ones have two dozen
+constexpr qint64 pagesPerReport = 256;
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkRecordingReader", source);
+}
+
+QString systemReason() {
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+} // namespace
+
+CkTiffFile::~CkTiffFile() {
+    if (m_iFile >= 0) {
+        ::close(m_iFile);
+    }
+}
+
+qint64 CkTiffFile::readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const {
+    if (uiOffset >= m_uiBytes) {
+        return 0;
+    }
+    auto* next = static_cast<char*>(pBytes);
+    quint64 wanted = std::min(uiBytes, m_uiBytes - uiOffset);
+    while (wanted > 0) {
+        const ssize_t done = ::pread(m_iFile, next, wanted, off_t(uiOffset));
+        if (done < 0 && errno == EINTR) {
+            continue;
+        }
+        if (done < 0) {
+            return -1;
+        }
+        if (done == 0) {
+            break; // somebody made the file shorter
+        }
+        next += done;
+        uiOffset += quint64(done);
+        wanted -= quint64(done);
+    }
+    return next - static_cast<char*>(pBytes);
+}
+
+quint64 CkTiffFile::number(const quint8* pBytes, int iBytes) const {
+    quint64 value = 0;
+    for (int i = 0; i < iBytes; ++i) {
+        value = value << 8U | pBytes[m_bBigEndian ? i : iBytes - 1 - i];
+    }
+    return value;
+}
+
+bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
+    m_sFileName = sFileName;
+    // Not to hang on a pipe that nobody writes to.
+    m_iFile = ::open(QFile::encodeName(sFileName).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status = {};
+    if (m_iFile < 0 || ::fstat(m_iFile, &status) != 0) {
+        sReason = text("The file cannot be read (%1).").arg(systemReason());
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        sReason = text("This is no ordinary file.");
+        return false;
+    }
+    m_uiBytes = quint64(status.st_size);
+    quint8 header[16] = {};
+    const qint64 got = readAt(header, sizeof(header), 0);
+    if (got < 0) {
+        sReason = text("The file cannot be read (%1).").arg(systemReason());
+        return false;
+    }
+    const bool little = header[0] == 'I' && header[1] == 'I';
+    const bool big = header[0] == 'M' && header[1] == 'M';
+    m_bBigEndian = big;
+    const quint64 version = number(header + 2, 2);
+    m_bBigTiff = version == 43;
+    const bool wide = m_bBigTiff && got == 16 && number(header + 4, 2) == 8;
+    if (!(little || big) || !(wide || (version == 42 && got >= 8))) {
+        sReason =
+            got == 0 ? text("The file is empty.") : text("This is no recording and no other TIFF file.");
+        return false;
+    }
+    return true;
+}
+
+size_t CkTiffFile::headerFor(quint64 uiPageOffset, quint8* pHeader) const {
+    const quint8 version = m_bBigTiff ? 43 : 42;
+    const int length = m_bBigTiff ? 16 : 8;
+    const int offsetAt = m_bBigTiff ? 8 : 4;
+    std::memset(pHeader, 0, 16);
+    pHeader[0] = pHeader[1] = m_bBigEndian ? 'M' : 'I';
+    pHeader[m_bBigEndian ? 3 : 2] = version;
+    if (m_bBigTiff) {
+        pHeader[m_bBigEndian ? 5 : 4] = 8;
+    }
+    for (int i = offsetAt; i < length; ++i) {
+        const int shift = m_bBigEndian ? length - 1 - i : i - offsetAt;
+        pHeader[i] = quint8(uiPageOffset >> (8 * shift));
+    }
+    return size_t(length);
+}
+
+bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const {
+    const int countBytes = m_bBigTiff ? 8 : 2;
+    const quint64 entryBytes = m_bBigTiff ? 20 : 12;
+    const int linkBytes = m_bBigTiff ? 8 : 4;
+    // One read is enough for the directories of recordings.
+    quint8 block[512];
+    const qint64 got = readAt(block, sizeof(block), uiOffset);
+    if (got < countBytes) {
+        sReason = uiOffset >= m_uiBytes ? text("The file ends before the page begins.")
+                                        : text("The file ends inside the page's directory.");
+        return false;
+    }
+    const quint64 count = number(block, countBytes);
+    if (count == 0 || count > maximumEntries) {
+        sReason = text("There is no directory where the page should have one.");
+        return false;
+    }
+    const quint64 linkAt = quint64(countBytes) + count * entryBytes;
+    quint8 link[8] = {};
+    if (linkAt + quint64(linkBytes) <= quint64(got)) {
+        std::memcpy(link, block + linkAt, size_t(linkBytes));
+    } else if (readAt(link, quint64(linkBytes), uiOffset + linkAt) != linkBytes) {
+        sReason = text("The file ends inside the page's directory.");
+        return false;
+    }
+    uiNext = number(link, linkBytes);
+    return true;
+}
+
+CkTiffFile::EkIndex CkTiffFile::readIndex(const ProgressFunction& progress, QString& sReason) {
+    m_pages.clear();
+    quint8 header[16] = {};
+    readAt(header, sizeof(header), 0);
+    quint64 offset = m_bBigTiff ? number(header + 8, 8) : number(header + 4, 4);
+    std::unordered_set<quint64> seen;
+    while (offset != 0) {
+        if (!seen.insert(offset).second) {
+            sReason = text("The file's pages point to each other in a circle.");
+            return EkIndex::Damaged;
+        }
+        quint64 next = 0;
+        if (!nextPage(offset, next, sReason)) {
+            return EkIndex::Damaged;
+        }
+        m_pages.push_back(offset);
+        offset = next;
+        const auto pages = qint64(m_pages.size());
+        if (progress && (pages % pagesPerReport == 0 || offset == 0) &&
+            !progress(pages, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
+            sReason = text("Opening was cancelled.");
+            return EkIndex::Cancelled;
+        }
+    }
+    return EkIndex::Complete;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+/// A TIFF or BigTIFF file opened for reading, and where its pages are. After open and readIndex any number of
+/// threads may read.
+class CkTiffFile {
+public:
+    /// Pages found so far and the share of the file they lie in, 0 to 1. Answering false ends the search.
+    using ProgressFunction = std::function<bool(qint64 iPages, double fShare)>;
+
+    CkTiffFile() = default;
+    ~CkTiffFile();
+    CkTiffFile(const CkTiffFile&) = delete;
+    CkTiffFile& operator=(const CkTiffFile&) = delete;
+
+    /// False, with sReason, when the file cannot be read or is no TIFF file.
+    bool open(const QString& sFileName, QString& sReason);
+
+    enum class EkIndex { Complete, Damaged, Cancelled };
+    /// Follows the chain of pages. Damaged: pages up to the damage are known, sReason says what is wrong with
+    /// the one behind them.
+    EkIndex readIndex(const ProgressFunction& progress, QString& sReason);
+
+    const std::vector<quint64>& pageOffsets() const { return m_pages; }
+    quint64 byteCount() const { return m_uiBytes; }
+    QString fileName() const { return m_sFileName; }
+
+    /// The file's header with another page as the first one; answers its length, at most 16.
+    size_t headerFor(quint64 uiPageOffset, quint8* pHeader) const;
+
+    /// Bytes read; fewer than asked for at the end of the file, -1 on an error.
+    qint64 readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const;
+
+private:
+    quint64 number(const quint8* pBytes, int iBytes) const;
+    bool nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const;
+
+    int m_iFile = -1;
+    QString m_sFileName;
+    quint64 m_uiBytes = 0;
+    bool m_bBigEndian = false;
+    bool m_bBigTiff = false;
+    std::vector<quint64> m_pages;
+};

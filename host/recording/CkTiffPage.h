@@ -1,0 +1,41 @@
+#pragma once
+
+#include "recording/SkFrameDescription.h"
+
+#include <memory>
+
+class CkTiffFile;
+
+/// One page of a TIFF file, opened without walking through those in front of it. One thread at a time;
+/// several pages of a file may be read by several threads.
+class CkTiffPage {
+public:
+    CkTiffPage(const CkTiffFile& file, qint64 iPage);
+    ~CkTiffPage();
+    CkTiffPage(const CkTiffPage&) = delete;
+    CkTiffPage& operator=(const CkTiffPage&) = delete;
+
+    enum class EkResult { Complete, Partial, Failed };
+
+    /// Format and text of the page. A page of somebody else's has no metadata but its number. False, with
+    /// sReason, when the page cannot be read or its samples have an unsupported form.
+    bool describe(SkFrameDescription& description, QString& sReason);
+
+    /// Reads the samples into a picture of the format told by describe, which has to be called before.
+    /// Partial: what could not be read is 0; sReason says why.
+    EkResult readSamples(SkPicBuf& picBuf, QString& sReason);
+
+private:
+    struct SkClient;
+    struct SkPart;
+
+    bool checkFormat(SkFrameDescription& description, QString& sReason);
+    bool readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSome);
+    EkResult readStrips(SkPicBuf& picBuf);
+    EkResult readTiles(SkPicBuf& picBuf);
+    QString reason(const QString& sFallback) const;
+
+    std::unique_ptr<SkClient> m_client;
+    qint64 m_iPage;
+    bool m_bForeignRgb = false;
+};

@@ -1,0 +1,426 @@
+#include "recording/CkVideoSource.h"
+
+#include "recording/CkRecordingReader.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkImageData.h"
+
+#include <QDomElement>
+#include <QFileInfo>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr qint64 secondNs = 1'000'000'000;
+// A longer pause between two frames is a gap in the recording, not a rate.
+constexpr qint64 longestGapNs = 10 * secondNs;
+constexpr float usualFrameRate = 30.0F;
+
+qint64 timeBetween(const CkRecordingReader& reader, qint64 first) {
+    SkFrameDescription here;
+    SkFrameDescription next;
+    if (!reader.describe(first, here, nullptr) || !reader.describe(first + 1, next, nullptr)) {
+        return 0;
+    }
+    const qint64 from = here.additionalData.timestampNs;
+    const qint64 to = next.additionalData.timestampNs;
+    // The first frame is often the one at time 0; two of them are files without time stamps.
+    if (from >= 0 && to >= from && to != 0 && to - from <= longestGapNs) {
+        return to - from;
+    }
+    const float rate = here.metadata.frameRate > 0.1F ? here.metadata.frameRate : usualFrameRate;
+    return qint64(double(secondNs) / double(rate));
+}
+
+} // namespace
+
+/// What the player's thread and the controls share.
+struct CkVideoSource::SkShared {
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    std::shared_ptr<const CkRecordingReader> reader;
+    SkPicBufInfo info; ///< of the frame delivered last, or of the first one
+    CkImageMetadata metadata;
+    qint64 next = 0;
+    qint64 position = -1;
+    qint64 skipped = 0;
+    int steps = 0;     ///< frames to be delivered though paused
+    quint64 jumps = 0; ///< counts whatever makes a frame that is being read the wrong one
+    bool playing = false;
+    bool loop = false;
+    bool chainRuns = false;
+    bool stop = false;
+    int pace = EveryFrame;
+    Clock::time_point due; ///< of the next frame in real time
+    bool timed = false;    ///< due is set
+
+    bool wanted() const { return reader != nullptr && chainRuns && (playing || steps > 0); }
+};
+
+CkVideoSource::CkVideoSource() : m_d(std::make_unique<SkShared>()), m_thread([this] { run(); }) {}
+
+CkVideoSource::~CkVideoSource() {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        m_d->stop = true;
+        ++m_d->jumps;
+    }
+    m_d->changed.notify_all();
+    m_thread.join();
+}
+
+bool CkVideoSource::openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress) {
+    auto reader = std::make_shared<CkRecordingReader>();
+    if (!reader->open(sFileName, psError, progress)) {
+        return false;
+    }
+    SkFrameDescription first;
+    QString error = reader->damage();
+    // A first page that cannot be shown is no reason not to show the second.
+    for (qint64 frame = 0; frame < reader->frameCount() && !reader->describe(frame, first, &error); ++frame) {
+    }
+    {
+        const std::lock_guard lock(m_d->mutex);
+        m_d->reader = reader;
+        m_d->info = first.info;
+        m_d->metadata = first.metadata;
+        m_d->next = 0;
+        m_d->position = -1;
+        m_d->skipped = 0;
+        m_d->timed = false;
+        ++m_d->jumps;
+    }
+    m_d->changed.notify_all();
+    setErrorMessage(error);
+    emit configurationChanged();
+    return true;
+}
+
+QString CkVideoSource::fileName() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->reader == nullptr ? QString() : m_d->reader->fileName();
+}
+
+std::shared_ptr<const CkRecordingReader> CkVideoSource::recording() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->reader;
+}
+
+qint64 CkVideoSource::frameCount() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->reader == nullptr ? 0 : m_d->reader->frameCount();
+}
+
+qint64 CkVideoSource::position() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->position;
+}
+
+bool CkVideoSource::isPlaying() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->playing;
+}
+
+bool CkVideoSource::isLoop() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->loop;
+}
+
+int CkVideoSource::pace() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->pace;
+}
+
+qint64 CkVideoSource::skippedFrames() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->skipped;
+}
+
+void CkVideoSource::play() {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        if (m_d->playing) {
+            return;
+        }
+        m_d->playing = true;
+        m_d->timed = false;
+        m_d->skipped = 0;
+        if (m_d->reader != nullptr && m_d->next >= m_d->reader->frameCount()) {
+            m_d->next = 0;
+        }
+    }
+    m_d->changed.notify_all();
+    emit playingChanged(true);
+}
+
+void CkVideoSource::pause() {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        if (!m_d->playing) {
+            return;
+        }
+        m_d->playing = false;
+    }
+    m_d->changed.notify_all();
+    emit playingChanged(false);
+}
+
+void CkVideoSource::step() {
+    pause();
+    {
+        const std::lock_guard lock(m_d->mutex);
+        ++m_d->steps;
+    }
+    m_d->changed.notify_all();
+}
+
+bool CkVideoSource::seek(qint64 iFrame) {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        if (m_d->reader == nullptr || iFrame < 0 || iFrame >= m_d->reader->frameCount()) {
+            return false;
+        }
+        m_d->next = iFrame;
+        m_d->timed = false;
+        m_d->steps = m_d->playing ? 0 : 1;
+        ++m_d->jumps;
+    }
+    m_d->changed.notify_all();
+    return true;
+}
+
+void CkVideoSource::setLoop(bool bLoop) {
+    const std::lock_guard lock(m_d->mutex);
+    m_d->loop = bLoop;
+}
+
+void CkVideoSource::setPace(int iPace) {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        m_d->pace = iPace == RealTime ? RealTime : EveryFrame;
+        m_d->timed = false;
+    }
+    m_d->changed.notify_all();
+}
+
+QString CkVideoSource::title() const {
+    const QString file = fileName();
+    return file.isEmpty() ? CkImageSource::title() : QFileInfo(file).fileName();
+}
+
+bool CkVideoSource::sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
+    const std::lock_guard lock(m_d->mutex);
+    if (m_d->info.width == 0) {
+        return false;
+    }
+    info = m_d->info;
+    if (pMetadata != nullptr) {
+        *pMetadata = m_d->metadata;
+    }
+    return true;
+}
+
+void CkVideoSource::setupStart() {
+    CkImageSource::setupStart();
+    {
+        const std::lock_guard lock(m_d->mutex);
+        m_d->chainRuns = true;
+        m_d->timed = false;
+    }
+    m_d->changed.notify_all();
+}
+
+void CkVideoSource::setupStop() {
+    CkImageSource::setupStop();
+    {
+        const std::lock_guard lock(m_d->mutex);
+        m_d->chainRuns = false;
+    }
+    m_d->changed.notify_all();
+}
+
+// ---- the player's thread --------------------------------------------------------------------------
+
+void CkVideoSource::run() {
+    std::unique_lock lock(m_d->mutex);
+    for (;;) {
+        m_d->changed.wait(lock, [this] { return m_d->stop || m_d->wanted(); });
+        if (m_d->stop) {
+            return;
+        }
+        playOne(lock);
+    }
+}
+
+void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
+    const auto reader = m_d->reader;
+    const qint64 count = reader->frameCount();
+    if (m_d->next >= count) {
+        const bool wasPlaying = m_d->playing;
+        if (m_d->loop) {
+            m_d->next = 0;
+            return;
+        }
+        m_d->playing = false;
+        m_d->steps = 0;
+        lock.unlock();
+        if (wasPlaying) {
+            emit playingChanged(false);
+            emit finished();
+        }
+        lock.lock();
+        return;
+    }
+    qint64 frame = m_d->next;
+    const quint64 jumps = m_d->jumps;
+    if (m_d->playing && m_d->pace == RealTime && !waitUntilDue(lock, frame)) {
+        return;
+    }
+    lock.unlock();
+    QString error;
+    const std::unique_ptr<CkImageData> data = reader->read(frame, &error);
+    if (!error.isEmpty()) {
+        setErrorMessage(error);
+    }
+    lock.lock();
+    if (m_d->jumps != jumps || !m_d->wanted()) {
+        return;
+    }
+    if (data == nullptr) {
+        advance(frame); // goes on behind what cannot be read
+        return;
+    }
+    m_d->info = data->picBuf();
+    m_d->metadata = data->metadata();
+    const bool delivered = deliverOne(lock, *data);
+    if (m_d->jumps != jumps || !delivered) {
+        return;
+    }
+    m_d->position = frame;
+    advance(frame);
+    lock.unlock();
+    emit positionChanged(frame);
+    lock.lock();
+}
+
+void CkVideoSource::advance(qint64 iFrame) {
+    m_d->next = iFrame + 1;
+    if (m_d->steps > 0) {
+        --m_d->steps;
+    }
+}
+
+bool CkVideoSource::waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFrame) {
+    const auto reader = m_d->reader;
+    const quint64 jumps = m_d->jumps;
+    const auto interrupted = [this, jumps] {
+        return m_d->stop || m_d->jumps != jumps || !m_d->wanted() || m_d->pace != RealTime;
+    };
+    if (!m_d->timed) {
+        m_d->timed = true;
+        m_d->due = Clock::now();
+    } else if (iFrame > 0) {
+        m_d->due += std::chrono::nanoseconds(timeBetween(*reader, iFrame - 1));
+    }
+    // Whoever is later than the next frame shows that one.
+    while (iFrame + 1 < reader->frameCount()) {
+        const auto nextDue = m_d->due + std::chrono::nanoseconds(timeBetween(*reader, iFrame));
+        if (nextDue > Clock::now() || nextDue == m_d->due) {
+            break;
+        }
+        m_d->due = nextDue;
+        ++iFrame;
+        ++m_d->skipped;
+    }
+    m_d->changed.wait_until(lock, m_d->due, interrupted);
+    if (interrupted()) {
+        m_d->timed = false;
+        return false;
+    }
+    return true;
+}
+
+bool CkVideoSource::deliverOne(std::unique_lock<std::mutex>& lock, CkImageData& frame) {
+    const quint64 jumps = m_d->jumps;
+    const auto interrupted = [this, jumps] { return m_d->stop || m_d->jumps != jumps; };
+    const bool everyFrame = m_d->pace == EveryFrame || !m_d->playing;
+    for (int attempt = 0;; ++attempt) {
+        CkChain* const owner = chain();
+        CkImageData* const own = frame.share();
+        if (owner == nullptr || own == nullptr) {
+            delete own;
+            return false;
+        }
+        lock.unlock();
+        const SkBlockStatistics before = owner->blockStatistics(this);
+        const bool taken = deliver(own);
+        if (!everyFrame) {
+            lock.lock();
+            return true;
+        }
+        SkBlockStatistics after = owner->blockStatistics(this);
+        lock.lock();
+        // The chain has one frame at a time: none is lost to its queue, and two runs are alike.
+        while (taken && after.framesOut == before.framesOut && after.dropped == before.dropped) {
+            m_d->changed.wait_for(lock, 200us, interrupted);
+            if (interrupted()) {
+                return false;
+            }
+            lock.unlock();
+            after = owner->blockStatistics(this);
+            lock.lock();
+            if (!m_d->chainRuns && owner->stopped()) {
+                return false;
+            }
+        }
+        if (after.framesOut != before.framesOut) {
+            return true;
+        }
+        // A frame of another format than the one before is dropped while the chain is set up anew for it.
+        m_d->changed.wait_for(lock, 1ms, interrupted);
+        if (interrupted() || owner->stopped() || attempt == 1000) {
+            return false;
+        }
+    }
+}
+
+// ---- settings ---------------------------------------------------------------------------------------
+
+bool CkVideoSource::saveSettings(QDomDocument& doc, QDomElement& element) const {
+    if (!CkImageSource::saveSettings(doc, element)) {
+        return false;
+    }
+    element.setAttribute(QStringLiteral("file"), fileName());
+    element.setAttribute(QStringLiteral("loop"), isLoop() ? 1 : 0);
+    element.setAttribute(QStringLiteral("pace"), pace());
+    return true;
+}
+
+bool CkVideoSource::loadSettings(const QDomElement& element) {
+    if (!CkImageSource::loadSettings(element)) {
+        return false;
+    }
+    setLoop(element.attribute(QStringLiteral("loop")).toInt() != 0);
+    setPace(element.attribute(QStringLiteral("pace")).toInt());
+    const QString file = element.attribute(QStringLiteral("file"));
+    QString error;
+    if (!file.isEmpty() && !openFile(file, &error)) {
+        setErrorMessage(error);
+    }
+    return true;
+}
+
+CkChainable* CkVideoSource::clone() {
+    auto copy = std::make_unique<CkVideoSource>();
+    const std::shared_ptr<const CkRecordingReader> reader = recording();
+    if (reader != nullptr && !copy->openFile(reader->fileName(), nullptr)) {
+        return nullptr;
+    }
+    copy->setLoop(isLoop());
+    copy->setPace(pace());
+    return copy.release();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+/// What a recording says about itself, on its first page.
+struct SkRecordingInfo {
+    QString chainXml;         ///< the chain that the frames came from; empty when unknown
+    QJsonObject viewSettings; ///< how the frames were looked at; empty when unknown
+    QString software;         ///< who wrote the file, with version
+};
+
+/// Everything a page tells about its frame beside the samples, and its form as JSON.
+///
+/// Numbers are exact: whole numbers are written as such, 64-bit ones above 2^63 and values that are not
+/// finite as texts ("nan", "inf", "-inf"). The text is plain ASCII.
+struct SkFrameDescription {
+    static constexpr char SchemaName[] = "zutof.frame";
+    static constexpr int SchemaVersion = 1;
+
+    SkPicBufInfo info; ///< rows packed
+    SkPicAdditionalData additionalData;
+    CkImageMetadata metadata;
+    /// The object as it was read. Members that this version does not know are kept when it is written again.
+    QJsonObject object;
+
+    /// The text of the page; pRecording for the first one.
+    QByteArray toText(const SkRecordingInfo* pRecording = nullptr) const;
+
+    /// Fills metadata, additional data and the parts of info that samples do not tell (size and sample type
+    /// are left as they are). False, with nothing changed, for a text that is none of ours. Members that are
+    /// missing or of another type count as their defaults, numbers out of range saturate.
+    bool fromText(const QByteArray& text);
+
+    /// Of the first page; empty members where it says nothing.
+    SkRecordingInfo recordingInfo() const;
+};

@@ -1,0 +1,151 @@
+#include "app/CkCommandLine.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+const QString kCamera = QStringLiteral("camera");
+const QString kListCameras = QStringLiteral("list-cameras");
+const QString k3d = QStringLiteral("3d");
+const QString kPluginPath = QStringLiteral("plugin-path");
+const QString kChain = QStringLiteral("chain");
+const QString kFrames = QStringLiteral("frames");
+const QString kScreenshot = QStringLiteral("screenshot");
+const QString kScreenshot3d = QStringLiteral("screenshot-3d");
+const QString kExportPly = QStringLiteral("export-ply");
+const QString kSettings = QStringLiteral("settings");
+const QString kTrigger = QStringLiteral("trigger");
+const QString kSize = QStringLiteral("size");
+
+constexpr int kMaximumFrames = 1'000'000;
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkCommandLine", source);
+}
+
+bool parseSize(const QString& value, QSize& size) {
+    const QStringList parts = value.split(QLatin1Char('x'));
+    if (parts.size() != 2) {
+        return false;
+    }
+    bool widthOk = false;
+    bool heightOk = false;
+    size = QSize(parts[0].toInt(&widthOk), parts[1].toInt(&heightOk));
+    return widthOk && heightOk && size.width() >= 320 && size.height() >= 240 && size.width() <= 16384 &&
+           size.height() <= 16384;
+}
+
+} // namespace
+
+CkCommandLine::CkCommandLine() {
+    m_parser.setApplicationDescription(
+        text("Shows the pictures of industrial cameras, processes them in chains of blocks and, with the\n"
+             "time-of-flight plug-in, turns them into live point clouds."));
+    m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, text("Shows this help and leaves.")});
+    m_parser.addOption(
+        {{QStringLiteral("v"), QStringLiteral("version")}, text("Shows the version and leaves.")});
+    m_parser.addOption(
+        {kCamera,
+         text("Opens camera <N> at start and starts it: its number (from 0, see --list-cameras) "
+              "or its identifier. May be given several times."),
+         QStringLiteral("N")});
+    m_parser.addOption({kListCameras, text("Prints the cameras with their numbers and leaves.")});
+    m_parser.addOption({k3d, text("Opens the 3D view of the first camera beside its picture.")});
+    m_parser.addOption(
+        {kPluginPath,
+         text("Loads plug-ins from this folder, or this one library, too. May be given several "
+              "times."),
+         QStringLiteral("path")});
+    m_parser.addOption(
+        {kChain, text("Opens a chain file. May be given several times."), QStringLiteral("file")});
+    m_parser.addOption({kFrames,
+                        text("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
+                             "were written."),
+                        QStringLiteral("N")});
+    m_parser.addOption(
+        {kScreenshot, text("With --frames: writes a picture of the window."), QStringLiteral("file")});
+    m_parser.addOption({kScreenshot3d, text("With --frames: writes a picture of the 3D scene; implies --3d."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kExportPly, text("With --frames: writes the point cloud as PLY; implies --3d."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kSettings, text("Keeps the settings in this INI file instead of the user's own."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kSize, text("Size of the window, for example 1600x1000."), QStringLiteral("WxH")});
+    m_parser.addOption({kTrigger,
+                        text("Clicks the menu entry or button of this object name once the first frame was "
+                             "shown, for scripts. May be given several times."),
+                        QStringLiteral("name")});
+    m_parser.addPositionalArgument(QStringLiteral("chain"), text("Chain files to open."),
+                                   QStringLiteral("[chain...]"));
+}
+
+CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkViewerOptions& options,
+                                             QString& sError) {
+    options = SkViewerOptions();
+    if (!m_parser.parse(arguments)) {
+        sError = m_parser.errorText();
+        return EkResult::Error;
+    }
+    if (m_parser.isSet(QStringLiteral("help"))) {
+        return EkResult::Help;
+    }
+    if (m_parser.isSet(QStringLiteral("version"))) {
+        return EkResult::Version;
+    }
+    options.cameras = m_parser.values(kCamera);
+    options.listCameras = m_parser.isSet(kListCameras);
+    options.pluginPaths = m_parser.values(kPluginPath);
+    options.chainFiles = m_parser.values(kChain) + m_parser.positionalArguments();
+    options.triggers = m_parser.values(kTrigger);
+    options.settingsFile = m_parser.value(kSettings);
+    options.screenshotFile = m_parser.value(kScreenshot);
+    options.screenshot3dFile = m_parser.value(kScreenshot3d);
+    options.plyFile = m_parser.value(kExportPly);
+    const bool wants3dFile = !options.screenshot3dFile.isEmpty() || !options.plyFile.isEmpty();
+    options.open3dView = m_parser.isSet(k3d) || wants3dFile;
+
+    if (m_parser.isSet(kFrames)) {
+        bool ok = false;
+        options.frames = m_parser.value(kFrames).toInt(&ok);
+        if (!ok || options.frames < 1 || options.frames > kMaximumFrames) {
+            options.frames = 0;
+            sError = text("--frames takes a number from 1 to %1, not \"%2\".")
+                         .arg(kMaximumFrames)
+                         .arg(m_parser.value(kFrames));
+            return EkResult::Error;
+        }
+    } else if (wants3dFile || !options.screenshotFile.isEmpty()) {
+        sError = text("--screenshot, --screenshot-3d and --export-ply need --frames.");
+        return EkResult::Error;
+    }
+    if (m_parser.isSet(kSize) && !parseSize(m_parser.value(kSize), options.windowSize)) {
+        options.windowSize = QSize();
+        sError = text("--size takes width and height, for example 1600x1000, not \"%1\".")
+                     .arg(m_parser.value(kSize));
+        return EkResult::Error;
+    }
+    if (options.open3dView && options.cameras.isEmpty() && options.chainFiles.isEmpty()) {
+        sError = text("--3d needs --camera or --chain.");
+        return EkResult::Error;
+    }
+    return EkResult::Run;
+}
+
+QString CkCommandLine::versionText() {
+    return QStringLiteral("zuviewer " ZU_VIEWER_VERSION);
+}
+
+bool CkCommandLine::isInformationOnly(const QStringList& arguments) {
+    static const QStringList information = {QStringLiteral("-h"), QStringLiteral("--help"),
+                                            QStringLiteral("-v"), QStringLiteral("--version"),
+                                            QStringLiteral("--list-cameras")};
+    for (const QString& argument : arguments) {
+        if (argument == QLatin1String("--")) {
+            return false;
+        }
+        if (information.contains(argument)) {
+            return true;
+        }
+    }
+    return false;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+/// What the viewer was asked to do at start.
+struct SkViewerOptions {
+    QStringList cameras;     ///< numbers in the list of cameras (from 0) or camera identifiers
+    QStringList pluginPaths; ///< folders and libraries, loaded after the program's own plug-in folder
+    QStringList chainFiles;
+    QStringList triggers; ///< object names of menu entries and buttons to click once the first frame is there
+    QString settingsFile; ///< empty: the user's own settings
+    QString screenshotFile;   ///< picture of the main window; needs frames
+    QString screenshot3dFile; ///< picture of the 3D scene; needs frames
+    QString plyFile;          ///< point cloud; needs frames
+    QSize windowSize;         ///< empty: remembered or default
+    int frames = 0;           ///< leave after so many frames were shown; 0: run until closed
+    bool open3dView = false;  ///< open the 3D view of the first camera beside its raw picture
+    bool listCameras = false;
+    bool unattended() const { return frames > 0; }
+};
+
+/// The command line. Any thread; needs no application object but for helpText.
+class CkCommandLine {
+public:
+    enum class EkResult { Run, Help, Version, Error };
+
+    CkCommandLine();
+
+    /// Arguments with the program's name first. Error: sError says what is wrong in one line.
+    EkResult parse(const QStringList& arguments, SkViewerOptions& options, QString& sError);
+
+    /// Needs an application object.
+    QString helpText() const { return m_parser.helpText(); }
+
+    /// "zuviewer 1.0.0".
+    static QString versionText();
+
+    /// Whether help or the version is asked for, which need no screen.
+    static bool isInformationOnly(const QStringList& arguments);
+
+private:
+    QCommandLineParser m_parser;
+};

@@ -1,0 +1,209 @@
+#include "app/CkMainWindow.h"
+
+#include "app/CkStatusBar.h"
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+#include "camera/CkCameraDesk.h"
+#include "camera/CkCameraMenu.h"
+#include "chain/CkChainFile.h"
+#include "chain/CkChainPanel.h"
+#include "image/CkImageView.h"
+#include "log/CkLogPanel.h"
+#include "lut/CkLutPanel.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkChainable.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QGuiApplication>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPolygonF>
+#include <QScreen>
+#include <QSettings>
+#include <QTabWidget>
+
+namespace {
+constexpr int kLeftWidth = 350;
+constexpr int kRightWidth = 360;
+constexpr int kLogHeight = 150;
+
+// A room as a ToF camera sees it: near is warm, far is cold.
+QIcon viewerIcon() {
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x24, 0x2a, 0x4a));
+    painter.drawRoundedRect(2, 2, 60, 60, 10, 10);
+    QLinearGradient depth(14, 50, 50, 14);
+    depth.setColorAt(0.0, QColor(0xf0, 0x50, 0x20));
+    depth.setColorAt(0.5, QColor(0x60, 0xd0, 0x60));
+    depth.setColorAt(1.0, QColor(0x30, 0x60, 0xe0));
+    painter.setBrush(depth);
+    painter.drawPolygon(QPolygonF({{10, 44}, {32, 54}, {54, 44}, {54, 20}, {32, 10}, {10, 20}}));
+    painter.setPen(QPen(QColor(0xff, 0xff, 0xff), 2));
+    painter.drawPolyline(QPolygonF({{10, 20}, {32, 30}, {54, 20}}));
+    painter.drawLine(32, 30, 32, 54);
+    return QIcon(pixmap);
+}
+} // namespace
+
+CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowTitle(QStringLiteral("zuviewer"));
+    setWindowIcon(viewerIcon());
+    setAcceptDrops(true);
+    m_pArea = new CkViewArea(this);
+    setCentralWidget(m_pArea);
+    m_pCameraTabs = new QTabWidget;
+    m_pCameraTabs->setDocumentMode(true);
+    m_pCameraTabs->setUsesScrollButtons(true);
+    m_pCameraTabs->setElideMode(Qt::ElideRight);
+    m_pDesk = new CkCameraDesk(m_pArea, m_pCameraTabs, this);
+    m_pStatusBar = new CkStatusBar(m_pArea, this);
+    setStatusBar(m_pStatusBar);
+    createDocks();
+    createFileMenu();
+    m_menus.append(menuBar()->addMenu(tr("&Camera")));
+    m_pCameraMenu = new CkCameraMenu(m_pDesk, m_menus.last(), this);
+    createViewMenu();
+    m_menus.append(menuBar()->addMenu(tr("&Plug-ins")));
+    createHelpMenu();
+    for (QMenu* menu : m_menus) {
+        menu->setToolTipsVisible(true);
+    }
+
+    const auto openView = [this](CkChainable* pBlock) { openViewOn(pBlock); };
+    connect(m_pChainPanel, &CkChainPanel::viewRequested, this, openView);
+    connect(m_pChainPanel, &CkChainPanel::saveRequested, this, &CkMainWindow::saveChainWithDialog);
+    connect(m_pChainPanel, &CkChainPanel::loadRequested, this, &CkMainWindow::openChainWithDialog);
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkMainWindow::updateActions);
+    connect(m_pArea, &CkViewArea::activeViewChanged, m_pCameraMenu, &CkCameraMenu::refresh);
+    updateActions();
+
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QSize available = screen != nullptr ? screen->availableSize() : QSize(1600, 1000);
+    resize(QSize(1600, 1000).boundedTo(available));
+    resizeDocks({m_docks[0], m_docks[1]}, {kLeftWidth, kRightWidth}, Qt::Horizontal);
+    resizeDocks({m_pLogDock}, {kLogHeight}, Qt::Vertical);
+}
+
+CkMainWindow::~CkMainWindow() {
+    // Panels look at views and chains: the views go while the panels are still there.
+    m_pArea->closeAllViews(false);
+}
+
+QDockWidget* CkMainWindow::addDock(const QString& sName, const QString& sTitle, QWidget* pWidget,
+                                   Qt::DockWidgetArea area) {
+    auto* dock = new QDockWidget(sTitle, this);
+    dock->setObjectName(sName);
+    dock->setWidget(pWidget);
+    addDockWidget(area, dock);
+    m_docks.append(dock);
+    return dock;
+}
+
+void CkMainWindow::createDocks() {
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    addDock(QStringLiteral("dockCameras"), tr("Cameras"), m_pCameraTabs, Qt::LeftDockWidgetArea);
+    m_pChainPanel = new CkChainPanel(m_pArea);
+    addDock(QStringLiteral("dockChain"), tr("Processing Chain"), m_pChainPanel, Qt::RightDockWidgetArea);
+    m_pLutPanel = new CkLutPanel(m_pArea);
+    addDock(QStringLiteral("dockColours"), tr("Colours"), m_pLutPanel, Qt::RightDockWidgetArea);
+    m_pLogPanel = new CkLogPanel;
+    m_pLogDock = addDock(QStringLiteral("dockLog"), tr("Log"), m_pLogPanel, Qt::BottomDockWidgetArea);
+    m_docks[0]->setMinimumWidth(300);
+    m_docks[1]->setMinimumWidth(280);
+}
+
+QMenu* CkMainWindow::menu(int iMenuId) const {
+    return m_menus.value(iMenuId);
+}
+
+bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
+    QStringList known;
+    for (const SkCameraInfo& info : CkCameraManager::instance()->availableCameras()) {
+        known.append(info.id);
+    }
+    for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
+        m_pDesk->openCamera(id, false);
+    }
+    CkChain* chain = CkChainFile::load(sFileName, sError);
+    if (chain == nullptr) {
+        return false;
+    }
+    QList<void*> cameras;
+    const QList<CkChainable*> ends = CkChainFile::ends(chain);
+    for (CkChainable* end : ends) {
+        auto* view = new CkImageView(end);
+        m_pArea->addView(view);
+        cameras += view->cameraHandles();
+    }
+    if (ends.isEmpty()) {
+        CkChainManager::instance()->closeChain(chain);
+        sError = tr("%1: the chain is empty.").arg(sFileName);
+        return false;
+    }
+    chain->start();
+    for (void* handle : cameras) {
+        m_pDesk->start(handle);
+    }
+    addRecent(sFileName);
+    return true;
+}
+
+bool CkMainWindow::saveChainFile(const QString& sFileName, QString& sError) {
+    const CkMdiView* view = m_pArea->activeView();
+    const CkChainable* provider = view != nullptr ? view->dataProvider() : nullptr;
+    if (provider == nullptr || provider->chain() == nullptr) {
+        sError = tr("The active view shows no chain.");
+        return false;
+    }
+    if (!CkChainFile::save(provider->chain(), sFileName, sError)) {
+        return false;
+    }
+    addRecent(sFileName);
+    return true;
+}
+
+void CkMainWindow::openViewOn(CkChainable* pBlock) {
+    if (pBlock != nullptr && pBlock->chain() != nullptr) {
+        m_pArea->addView(new CkImageView(pBlock));
+    }
+}
+
+void CkMainWindow::setFullScreen(bool bOn) {
+    if (bOn != isFullScreen()) {
+        setWindowState(windowState() ^ Qt::WindowFullScreen);
+    }
+    m_pFullScreenAction->setChecked(bOn);
+}
+
+void CkMainWindow::restoreLayout() {
+    const auto settings = CkViewerSettings::open();
+    restoreGeometry(settings->value(CkViewerSettings::keyGeometry()).toByteArray());
+    restoreState(settings->value(CkViewerSettings::keyState()).toByteArray());
+}
+
+void CkMainWindow::saveLayout() const {
+    const auto settings = CkViewerSettings::open();
+    settings->setValue(CkViewerSettings::keyGeometry(), saveGeometry());
+    settings->setValue(CkViewerSettings::keyState(), saveState());
+}
+
+void CkMainWindow::closeEvent(QCloseEvent* pEvent) {
+    if (!m_pArea->closeAllViews(true)) {
+        pEvent->ignore();
+        return;
+    }
+    if (m_bRemember) {
+        saveLayout();
+    }
+    emit closing();
+    pEvent->accept();
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "zuCore/CkChainable.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+class CkCameraDesk;
+class CkCameraMenu;
+class CkChainPanel;
+class CkLogPanel;
+class CkLutPanel;
+class CkStatusBar;
+class CkViewArea;
+class QDockWidget;
+class QMenu;
+class QTabWidget;
+
+/// The viewer's window: views in the middle, cameras on the left, chain and colours on the right, log below.
+/// User-interface thread.
+class CkMainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit CkMainWindow(QWidget* pParent = nullptr);
+    ~CkMainWindow() override;
+
+    CkViewArea* area() const { return m_pArea; }
+    CkCameraDesk* desk() const { return m_pDesk; }
+    CkChainPanel* chainPanel() const { return m_pChainPanel; }
+    CkLutPanel* lutPanel() const { return m_pLutPanel; }
+    CkLogPanel* logPanel() const { return m_pLogPanel; }
+    CkStatusBar* viewStatusBar() const { return m_pStatusBar; }
+    CkCameraMenu* cameraMenu() const { return m_pCameraMenu; }
+
+    /// IkAppDelegate::EkMenuId; null for any other number.
+    QMenu* menu(int iMenuId) const;
+
+    /// Opens a chain file: the cameras it names, its chain, and a picture view on each of its ends; then
+    /// starts them. False, with sError set, when that cannot be.
+    bool openChainFile(const QString& sFileName, QString& sError);
+    /// Chain files opened or saved last, newest first.
+    static QStringList recentChains();
+    /// Saves the active view's chain.
+    bool saveChainFile(const QString& sFileName, QString& sError);
+
+    void setFullScreen(bool bOn);
+
+    /// Window geometry and dock layout, from and to the settings.
+    void restoreLayout();
+    void saveLayout() const;
+    void setRemembersLayout(bool bRemember) { m_bRemember = bRemember; }
+
+    /// Texts for Help > About: one line per loaded plug-in.
+    void setPluginTexts(const QStringList& texts) { m_pluginTexts = texts; }
+
+signals:
+    /// The user closed the window and no view objected.
+    void closing();
+
+protected:
+    void closeEvent(QCloseEvent* pEvent) override;
+    void dragEnterEvent(QDragEnterEvent* pEvent) override;
+    void dropEvent(QDropEvent* pEvent) override;
+
+private:
+    QDockWidget* addDock(const QString& sName, const QString& sTitle, QWidget* pWidget,
+                         Qt::DockWidgetArea area);
+    void createDocks();
+    void createFileMenu();
+    void createViewMenu();
+    void createHelpMenu();
+    void openChainWithDialog();
+    void openChainOrTell(const QString& sFileName);
+    void fillRecentMenu();
+    static void addRecent(const QString& sFileName);
+    void saveChainWithDialog();
+    void openViewOn(CkChainable* pBlock);
+    void showAbout();
+    void updateActions();
+
+    CkViewArea* m_pArea;
+    QTabWidget* m_pCameraTabs;
+    CkCameraDesk* m_pDesk;
+    CkChainPanel* m_pChainPanel = nullptr;
+    CkLutPanel* m_pLutPanel = nullptr;
+    CkLogPanel* m_pLogPanel = nullptr;
+    CkStatusBar* m_pStatusBar = nullptr;
+    CkCameraMenu* m_pCameraMenu = nullptr;
+    QDockWidget* m_pLogDock = nullptr;
+    QList<QDockWidget*> m_docks;
+    QList<QMenu*> m_menus;
+    QMenu* m_pRecentMenu = nullptr;
+    QAction* m_pSaveChainAction = nullptr;
+    QAction* m_pArrangeAction = nullptr;
+    QAction* m_pFullScreenAction = nullptr;
+    QList<QAction*> m_viewActions;    ///< need any active view
+    QList<QAction*> m_pictureActions; ///< need an active picture view
+    QStringList m_pluginTexts;
+    bool m_bRemember = true;
+};

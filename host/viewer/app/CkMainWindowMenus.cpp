@@ -1,0 +1,238 @@
+// The main window's menus and the dialogs behind them.
+
+#include "app/CkCommandLine.h"
+#include "app/CkMainWindow.h"
+#include "app/CkShortcutsDialog.h"
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+#include "camera/CkCameraDesk.h"
+#include "image/CkImageCanvas.h"
+#include "image/CkImageView.h"
+#include "log/CkLogPanel.h"
+#include "zuCore/CkChainable.h"
+
+#include <QDir>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QTimer>
+#include <QUrl>
+
+namespace {
+
+QString chainFilter() {
+    return CkMainWindow::tr("Chain files (*.zuchain);;All files (*)");
+}
+
+constexpr int kRecent = 8;
+
+QString lastDirectory() {
+    return CkViewerSettings::open()->value(CkViewerSettings::keyLastDirectory()).toString();
+}
+
+void setLastDirectory(const QString& fileName) {
+    CkViewerSettings::open()->setValue(CkViewerSettings::keyLastDirectory(),
+                                       QFileInfo(fileName).absolutePath());
+}
+
+} // namespace
+
+void CkMainWindow::createFileMenu() {
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    m_menus.append(file);
+    file->addAction(tr("&Open Chain..."), QKeySequence::Open, this, &CkMainWindow::openChainWithDialog);
+    m_pRecentMenu = file->addMenu(tr("Open &Recent"));
+    m_pRecentMenu->setObjectName(QStringLiteral("menuRecentChains"));
+    connect(file, &QMenu::aboutToShow, this, &CkMainWindow::fillRecentMenu);
+    m_pSaveChainAction =
+        file->addAction(tr("&Save Chain..."), QKeySequence::Save, this, &CkMainWindow::saveChainWithDialog);
+    m_pictureActions.append(
+        file->addAction(tr("Save &Picture..."), QKeySequence(Qt::CTRL | Qt::Key_P), this, [this] {
+            if (auto* view = qobject_cast<CkImageView*>(m_pArea->activeView())) {
+                view->saveWithDialog();
+            }
+        }));
+    file->addSeparator();
+    file->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
+}
+
+void CkMainWindow::createViewMenu() {
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    m_menus.append(view);
+    const auto onCanvas = [this](void (CkImageCanvas::*operation)()) {
+        return [this, operation] {
+            if (const auto* picture = qobject_cast<CkImageView*>(m_pArea->activeView())) {
+                (picture->canvas()->*operation)();
+            }
+        };
+    };
+    m_pictureActions.append(view->addAction(tr("Zoom to &Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
+                                            onCanvas(&CkImageCanvas::zoomToFit)));
+    m_pictureActions.append(view->addAction(tr("&Original Size (1:1)"),
+                                            QKeySequence(Qt::CTRL | Qt::Key_Slash), this,
+                                            onCanvas(&CkImageCanvas::zoomToOriginal)));
+    m_pictureActions.append(view->addAction(tr("Zoom &In"), QKeySequence(Qt::CTRL | Qt::Key_Plus), this,
+                                            onCanvas(&CkImageCanvas::zoomIn)));
+    m_pictureActions.append(view->addAction(tr("Zoom O&ut"), QKeySequence(Qt::CTRL | Qt::Key_Minus), this,
+                                            onCanvas(&CkImageCanvas::zoomOut)));
+    view->addSeparator();
+    m_viewActions.append(
+        view->addAction(tr("&Tile"), QKeySequence(Qt::CTRL | Qt::Key_T), m_pArea, &CkViewArea::tile));
+    m_viewActions.append(
+        view->addAction(tr("C&ascade"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T), this, [this] {
+            m_pArea->cascade();
+            m_pArrangeAction->setChecked(m_pArea->arrangesItself());
+        }));
+    m_pArrangeAction = view->addAction(tr("Arrange Auto&matically"));
+    m_pArrangeAction->setCheckable(true);
+    m_pArrangeAction->setChecked(m_pArea->arrangesItself());
+    m_pArrangeAction->setToolTip(tr("Tile the views whenever one comes or goes"));
+    connect(m_pArrangeAction, &QAction::triggered, m_pArea, &CkViewArea::setArrangesItself);
+    m_viewActions.append(view->addAction(tr("&Next View"), QKeySequence(Qt::CTRL | Qt::Key_PageDown), m_pArea,
+                                         &CkViewArea::activateNextView));
+    m_viewActions.append(view->addAction(tr("&Previous View"), QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+                                         m_pArea, &CkViewArea::activatePreviousView));
+    m_viewActions.append(view->addAction(tr("&Close View"), QKeySequence(Qt::CTRL | Qt::Key_W), this,
+                                         [this] { m_pArea->closeView(m_pArea->activeViewId()); }));
+    view->addSeparator();
+    for (QDockWidget* dock : m_docks) {
+        view->addAction(dock->toggleViewAction());
+    }
+    view->addAction(tr("Search the &Log"), QKeySequence::Find, this, [this] {
+        m_pLogDock->show();
+        m_pLogPanel->focusSearch();
+    });
+    view->addSeparator();
+    m_pFullScreenAction = view->addAction(tr("F&ull Screen"));
+    m_pFullScreenAction->setShortcut(Qt::Key_F11);
+    m_pFullScreenAction->setCheckable(true);
+    connect(m_pFullScreenAction, &QAction::triggered, this, &CkMainWindow::setFullScreen);
+}
+
+void CkMainWindow::createHelpMenu() {
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    m_menus.append(help);
+    help->addAction(tr("&Keyboard and Mouse"), QKeySequence(Qt::Key_F1), this, [this] {
+        auto* dialog = new CkShortcutsDialog(menuBar(), this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->show();
+    });
+    help->addAction(tr("&About"), this, &CkMainWindow::showAbout);
+}
+
+void CkMainWindow::updateActions() {
+    const CkMdiView* view = m_pArea->activeView();
+    const bool picture = qobject_cast<const CkImageView*>(view) != nullptr;
+    const CkChainable* provider = view != nullptr ? view->dataProvider() : nullptr;
+    const bool chain = provider != nullptr && provider->chain() != nullptr;
+    m_pSaveChainAction->setEnabled(chain);
+    m_pSaveChainAction->setToolTip(chain ? tr("Save the active view's chain")
+                                         : tr("The active view shows no chain"));
+    for (QAction* action : m_viewActions) {
+        action->setEnabled(view != nullptr);
+        action->setToolTip(view != nullptr ? QString() : tr("No view is open"));
+    }
+    for (QAction* action : m_pictureActions) {
+        action->setEnabled(picture);
+        action->setToolTip(picture ? QString() : tr("The active view is no picture view"));
+    }
+}
+
+void CkMainWindow::openChainWithDialog() {
+    const QStringList names =
+        QFileDialog::getOpenFileNames(this, tr("Open Chain"), lastDirectory(), chainFilter());
+    for (const QString& name : names) {
+        setLastDirectory(name);
+        openChainOrTell(name);
+    }
+}
+
+void CkMainWindow::openChainOrTell(const QString& sFileName) {
+    QString error;
+    if (!openChainFile(sFileName, error)) {
+        auto* box = new QMessageBox(QMessageBox::Warning, tr("Open Chain"), error, QMessageBox::Ok, this);
+        box->setObjectName(QStringLiteral("openChainBox"));
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setModal(false);
+        box->show();
+    }
+}
+
+QStringList CkMainWindow::recentChains() {
+    return CkViewerSettings::open()->value(CkViewerSettings::keyRecentChains()).toStringList();
+}
+
+void CkMainWindow::addRecent(const QString& sFileName) {
+    const QString path = QFileInfo(sFileName).absoluteFilePath();
+    QStringList recent = recentChains();
+    recent.removeAll(path);
+    recent.prepend(path);
+    CkViewerSettings::open()->setValue(CkViewerSettings::keyRecentChains(), recent.mid(0, kRecent));
+}
+
+void CkMainWindow::fillRecentMenu() {
+    m_pRecentMenu->clear();
+    for (const QString& name : recentChains()) {
+        m_pRecentMenu->addAction(QDir::toNativeSeparators(name), this,
+                                 [this, name] { openChainOrTell(name); });
+    }
+    m_pRecentMenu->setEnabled(!m_pRecentMenu->isEmpty());
+}
+
+void CkMainWindow::dragEnterEvent(QDragEnterEvent* pEvent) {
+    for (const QUrl& url : pEvent->mimeData()->urls()) {
+        if (url.isLocalFile()) {
+            pEvent->acceptProposedAction();
+            return;
+        }
+    }
+}
+
+void CkMainWindow::dropEvent(QDropEvent* pEvent) {
+    QStringList files;
+    for (const QUrl& url : pEvent->mimeData()->urls()) {
+        if (url.isLocalFile()) {
+            files.append(url.toLocalFile());
+        }
+    }
+    pEvent->acceptProposedAction();
+    // The program that the files come from waits until this returns.
+    QTimer::singleShot(0, this, [this, files] {
+        for (const QString& file : files) {
+            openChainOrTell(file);
+        }
+    });
+}
+
+void CkMainWindow::saveChainWithDialog() {
+    QString name = QFileDialog::getSaveFileName(this, tr("Save Chain"), lastDirectory(), chainFilter());
+    if (name.isEmpty()) {
+        return;
+    }
+    if (QFileInfo(name).suffix().isEmpty()) {
+        name += QStringLiteral(".zuchain");
+    }
+    setLastDirectory(name);
+    QString error;
+    if (!saveChainFile(name, error)) {
+        QMessageBox::warning(this, tr("Save Chain"), error);
+    }
+}
+
+void CkMainWindow::showAbout() {
+    QString text = QStringLiteral("<h3>%1</h3>").arg(CkCommandLine::versionText());
+    text += tr("<p>Viewer for industrial cameras.</p><p><b>Plug-ins</b></p>");
+    if (m_pluginTexts.isEmpty()) {
+        text += tr("<p>none</p>");
+    }
+    for (const QString& plugin : m_pluginTexts) {
+        text += QStringLiteral("<p>%1</p>").arg(plugin.toHtmlEscaped());
+    }
+    QMessageBox::about(this, tr("About zuviewer"), text);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "zuCore/CkPluginLoader.h"
+
+#include <QObject>
+#include <QStringList>
+
+class CkImageData;
+
+/// The loaded plug-ins and what they are told. User-interface thread.
+class CkPluginHost : public QObject {
+    Q_OBJECT
+
+public:
+    explicit CkPluginHost(QObject* pParent = nullptr);
+
+    /// The program's own plug-in folder, found from where the program lies: the same in the build tree and
+    /// once installed. Empty when there is none.
+    static QString defaultFolder();
+
+    /// Loads every library of a folder, or a single library. What is refused is written to the log and
+    /// remembered as a problem; the others load all the same.
+    void load(const QString& sPath);
+
+    QList<CkPluginLoader::SkLoadedPlugin> plugins() const { return m_loader.plugins(); }
+    QStringList problems() const { return m_problems; }
+
+    void notifyActiveView(int iViewId);
+    void notifyViewAboutToClose(int iViewId);
+    void notifyNewImage(int iViewId, const CkImageData* pData);
+    void notifyNewCamera(void* pCameraHandle);
+
+private:
+    CkPluginLoader m_loader;
+    QStringList m_problems;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QStatusBar>
+#include <QTimer>
+
+class CkMdiView;
+class CkRateGraph;
+class CkViewArea;
+class QLabel;
+
+/// Pixel under the mouse, frame rate and drops of the active view. User-interface thread.
+class CkStatusBar : public QStatusBar {
+    Q_OBJECT
+
+public:
+    explicit CkStatusBar(CkViewArea* pArea, QWidget* pParent = nullptr);
+
+    QString pixelText() const;
+    QString rateText() const;
+    QString dropText() const;
+
+    /// Frames the active view or its chain lost since the chain was started.
+    static quint64 droppedBehind(const CkMdiView* pView);
+
+private:
+    void follow();
+    void refresh();
+
+    CkViewArea* m_pArea;
+    QLabel* m_pPixel;
+    QLabel* m_pRate;
+    QLabel* m_pDrops;
+    CkRateGraph* m_pGraph;
+    QPointer<CkMdiView> m_view;
+    QPointer<CkMdiView> m_counted;
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    int m_iFrames = 0;
+    quint64 m_uiDropped = 0; ///< at the last refresh
+};

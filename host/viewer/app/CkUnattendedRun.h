@@ -1,0 +1,53 @@
+#pragma once
+
+#include "app/CkCommandLine.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+class CkMainWindow;
+class CkMdiView;
+
+/// A run without a person: waits until enough frames were shown, writes the files asked for, and is finished.
+/// Waits for nothing longer than a limit. Views of plug-ins are asked by name for what only they can do:
+/// "grabScene(QString)" and "savePly(QString)", both answering a bool. User-interface thread.
+class CkUnattendedRun : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr int kFailed = 3;
+
+    CkUnattendedRun(const SkViewerOptions& options, CkMainWindow* pWindow, QObject* pParent = nullptr);
+
+    void start();
+
+    /// How long to wait for each step, in milliseconds.
+    void setPatience(int iMs) { m_iPatienceMs = iMs; }
+
+    /// Writes what the window looks like, native surfaces inside it included where the platform lets that be
+    /// seen.
+    static bool grabWindow(QWidget* pWindow, const QString& sFileName);
+
+signals:
+    void finished(int iExitCode);
+
+private:
+    enum class EkStep { Frames, Cloud, Scene, SceneFile, Window };
+
+    void advance();
+    void next(EkStep step);
+    void fail(const QString& sWhat);
+    CkMdiView* viewWith(const char* pSignature) const;
+    bool call(const char* pMethod, const QString& sFileName) const;
+
+    SkViewerOptions m_options;
+    QPointer<CkMainWindow> m_window;
+    QPointer<CkMdiView> m_counted;
+    QTimer m_timer;
+    QElapsedTimer m_waiting;
+    EkStep m_step = EkStep::Frames;
+    int m_iFrames = 0;
+    int m_iPatienceMs = 30'000;
+};

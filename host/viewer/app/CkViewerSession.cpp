@@ -1,0 +1,205 @@
+#include "app/CkViewerSession.h"
+
+#include "app/CkAppDelegate.h"
+#include "app/CkMainWindow.h"
+#include "app/CkPluginHost.h"
+#include "app/CkUnattendedRun.h"
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+#include "camera/CkCameraDesk.h"
+#include "camera/CkSimCameraDriver.h"
+#include "log/CkLogSink.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkPlugin.h"
+#include "zuCoreGui/CkMdiView.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCoreApplication>
+#include <QMenu>
+#include <QTimer>
+
+CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParent)
+    : QObject(pParent), m_options(options) {
+    CkLogSink::instance()->install();
+    CkViewerSettings::setFileName(options.settingsFile);
+    m_window = std::make_unique<CkMainWindow>();
+    m_delegate = std::make_unique<CkAppDelegate>(m_window.get());
+    IkAppDelegate::setInstance(m_delegate.get());
+    m_plugins = std::make_unique<CkPluginHost>();
+
+    CkViewArea* area = m_window->area();
+    connect(area, &CkViewArea::viewAdded, this, &CkViewerSession::watchView);
+    connect(area, &CkViewArea::activeViewChanged, m_plugins.get(), &CkPluginHost::notifyActiveView);
+    connect(area, &CkViewArea::viewAboutToClose, m_plugins.get(), &CkPluginHost::notifyViewAboutToClose);
+    connect(m_window->desk(), &CkCameraDesk::cameraReady, m_plugins.get(), &CkPluginHost::notifyNewCamera);
+}
+
+CkViewerSession::~CkViewerSession() {
+    m_unattended.reset();
+    m_window->area()->closeAllViews(false);
+    m_window->desk()->closeAllCameras();
+    for (CkChain* chain : CkChainManager::instance()->chains()) {
+        CkChainManager::instance()->closeChain(chain);
+    }
+    // Views and tool areas of plug-ins are deleted while their code is still there.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    m_plugins->disconnect();
+    disconnect(m_window->area(), nullptr, m_plugins.get(), nullptr);
+    disconnect(m_window->desk(), nullptr, m_plugins.get(), nullptr);
+    m_window.reset();
+    m_plugins.reset();
+    IkAppDelegate::setInstance(nullptr);
+}
+
+void CkViewerSession::addBuiltInDrivers() {
+    static bool s_bDone = false;
+    if (!s_bDone) {
+        s_bDone = true;
+        CkCameraManager::instance()->addDriver(std::make_unique<CkSimCameraDriver>());
+    }
+}
+
+QString CkViewerSession::cameraId(const QString& sNumberOrId) {
+    const QList<SkCameraInfo> cameras = CkCameraManager::instance()->availableCameras();
+    for (const SkCameraInfo& info : cameras) {
+        if (info.id == sNumberOrId) {
+            return info.id;
+        }
+    }
+    bool ok = false;
+    const int number = sNumberOrId.toInt(&ok);
+    return ok && number >= 0 && number < cameras.size() ? cameras[number].id : QString();
+}
+
+QString CkViewerSession::cameraList() {
+    QString text;
+    int number = 0;
+    for (const SkCameraInfo& info : CkCameraManager::instance()->availableCameras()) {
+        text += QStringLiteral("%1  %2 (%3)  %4\n").arg(number++).arg(info.name, info.model, info.id);
+    }
+    return text.isEmpty() ? tr("There is no camera.") + QLatin1Char('\n') : text;
+}
+
+void CkViewerSession::watchView(int iViewId) {
+    CkMdiView* view = m_window->area()->view(iViewId);
+    connect(view, &CkMdiView::imageShown, this, [this, view](int iShownId, const CkImageData* pData) {
+        // A closed view may still get the frame that was on its way.
+        if (m_window && m_window->area()->view(iShownId) == view) {
+            m_plugins->notifyNewImage(iShownId, pData);
+        }
+    });
+}
+
+bool CkViewerSession::start() {
+    qInfo("%s", qUtf8Printable(CkCommandLine::versionText()));
+    const QString folder = CkPluginHost::defaultFolder();
+    if (!folder.isEmpty()) {
+        m_plugins->load(folder);
+    }
+    for (const QString& path : m_options.pluginPaths) {
+        m_plugins->load(path);
+    }
+    QStringList texts;
+    for (const CkPluginLoader::SkLoadedPlugin& loaded : m_plugins->plugins()) {
+        texts.append(QStringLiteral("%1: %2").arg(loaded.plugin->name(), loaded.plugin->description()));
+    }
+    m_window->setPluginTexts(texts);
+    m_window->setRemembersLayout(!m_options.unattended());
+    if (!m_options.unattended()) {
+        m_window->restoreLayout();
+    }
+    if (m_options.windowSize.isValid()) {
+        m_window->resize(m_options.windowSize);
+    }
+    m_window->show();
+    bool ok = openCameras();
+    ok = openChains() && ok;
+    if (m_options.open3dView || !m_options.triggers.isEmpty()) {
+        actWhenReady();
+    }
+    if (m_options.unattended()) {
+        m_unattended = std::make_unique<CkUnattendedRun>(m_options, m_window.get());
+        connect(m_unattended.get(), &CkUnattendedRun::finished, this, &CkViewerSession::finished);
+        m_unattended->start();
+    }
+    return ok;
+}
+
+bool CkViewerSession::openCameras() {
+    bool ok = true;
+    for (const QString& wanted : m_options.cameras) {
+        const QString id = cameraId(wanted);
+        if (id.isEmpty()) {
+            qCritical("%s", qUtf8Printable(
+                                tr("There is no camera \"%1\"; there are:\n%2").arg(wanted, cameraList())));
+            ok = false;
+            continue;
+        }
+        void* handle = m_window->desk()->openCamera(id, true);
+        ok = handle != nullptr && m_window->desk()->start(handle) && ok;
+    }
+    return ok;
+}
+
+bool CkViewerSession::openChains() {
+    bool ok = true;
+    for (const QString& fileName : m_options.chainFiles) {
+        QString error;
+        if (!m_window->openChainFile(fileName, error)) {
+            qCritical("%s", qUtf8Printable(error));
+            ok = false;
+        }
+    }
+    return ok;
+}
+
+void CkViewerSession::actWhenReady() {
+    const QList<CkMdiView*> views = m_window->area()->views();
+    if (views.isEmpty()) {
+        return;
+    }
+    // The first frame must be there, so that the actions know what the view shows.
+    CkMdiView* first = views.first();
+    connect(
+        first, &CkMdiView::receivedFrame, this,
+        [this, id = first->viewId()] {
+            // Not in the middle of the frame's delivery: the actions may open boxes.
+            QTimer::singleShot(0, this, [this, id] { act(id); });
+        },
+        Qt::SingleShotConnection);
+}
+
+void CkViewerSession::act(int iViewId) {
+    m_window->area()->setActiveView(iViewId);
+    if (m_options.open3dView && !trigger(QStringLiteral("menuOpenToF3dView"))) {
+        qWarning("%s", qUtf8Printable(tr("No plug-in offers a 3D view.")));
+    }
+    m_window->area()->setActiveView(iViewId);
+    for (const QString& name : m_options.triggers) {
+        if (!trigger(name)) {
+            qWarning("%s", qUtf8Printable(tr("There is nothing named \"%1\" to trigger.").arg(name)));
+        }
+    }
+}
+
+bool CkViewerSession::trigger(const QString& sObjectName) {
+    QList<QObject*> roots = {m_window.get()};
+    for (const CkPluginLoader::SkLoadedPlugin& loaded : m_plugins->plugins()) {
+        roots.append(loaded.object);
+    }
+    for (const QObject* root : roots) {
+        if (auto* action = root->findChild<QAction*>(sObjectName)) {
+            action->trigger();
+            return true;
+        }
+        if (auto* button = root->findChild<QAbstractButton*>(sObjectName)) {
+            button->click();
+            return true;
+        }
+    }
+    return false;
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "app/CkCommandLine.h"
+
+#include <QObject>
+#include <memory>
+
+class CkAppDelegate;
+class CkMainWindow;
+class CkMdiView;
+class CkPluginHost;
+class CkUnattendedRun;
+
+/// The running viewer: the window, the delegate that plug-ins talk to, the plug-ins, and what the command
+/// line asked for. One at a time; user-interface thread.
+class CkViewerSession : public QObject {
+    Q_OBJECT
+
+public:
+    explicit CkViewerSession(const SkViewerOptions& options, QObject* pParent = nullptr);
+    /// Closes views, chains and cameras in the order in which they depend on each other.
+    ~CkViewerSession() override;
+
+    CkMainWindow* window() const { return m_window.get(); }
+    CkPluginHost* plugins() const { return m_plugins.get(); }
+
+    /// Loads the plug-ins, shows the window, opens cameras and chains. False when something that the command
+    /// line named cannot be opened; the rest is open all the same, and the log says what failed.
+    bool start();
+
+    /// The camera drivers that come with the viewer, into the camera manager; once a process.
+    static void addBuiltInDrivers();
+
+    /// The identifier of a camera given by number or identifier; empty for an unknown one.
+    static QString cameraId(const QString& sNumberOrId);
+    /// One line per camera: number, name, model, identifier.
+    static QString cameraList();
+
+signals:
+    /// An unattended run is over; 0 for success.
+    void finished(int iExitCode);
+
+private:
+    void watchView(int iViewId);
+    bool openCameras();
+    bool openChains();
+    void actWhenReady();
+    void act(int iViewId);
+    /// Clicks the menu entry or button of this object name, of the window or of a plug-in. False for none.
+    bool trigger(const QString& sObjectName);
+
+    SkViewerOptions m_options;
+    std::unique_ptr<CkMainWindow> m_window;
+    std::unique_ptr<CkAppDelegate> m_delegate;
+    std::unique_ptr<CkPluginHost> m_plugins;
+    std::unique_ptr<CkUnattendedRun> m_unattended;
+};

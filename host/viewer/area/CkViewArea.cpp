@@ -1,0 +1,345 @@
+#include "area/CkViewArea.h"
+
+#include "area/CkViewWindow.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
+#include "zuCoreGui/CkMdiView.h"
+
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QPainter>
+#include <QTimer>
+#include <algorithm>
+
+namespace {
+
+// Nobody is cut below this part of an equal share before the shares are made to fit.
+constexpr double kLeastShare = 0.8;
+
+double shapeOf(const CkMdiView* view) {
+    // A view that follows another one shows a scene, made for the shape of a screen.
+    const QSize wanted = view != nullptr && view->connectedViewId() < 0 ? view->sizeHint() : QSize(16, 9);
+    return wanted.isEmpty() ? 4.0 / 3.0 : double(wanted.width()) / wanted.height();
+}
+
+QList<double> sharesByShape(const QList<CkViewWindow*>& windows) {
+    QList<double> shares;
+    double total = 0.0;
+    for (const CkViewWindow* window : windows) {
+        shares.append(shapeOf(qobject_cast<const CkMdiView*>(window->widget())));
+        total += shares.last();
+    }
+    const double least = kLeastShare / double(windows.size());
+    double sum = 0.0;
+    for (double& share : shares) {
+        share = std::max(share / total, least);
+        sum += share;
+    }
+    for (double& share : shares) {
+        share /= sum;
+    }
+    return shares;
+}
+
+} // namespace
+
+CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
+    setBackground(QColor(0x3a, 0x3d, 0x42));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
+        // Null also means that another window of the program has the focus; the view stays the active one
+        // then.
+        if (const auto* window = qobject_cast<CkViewWindow*>(pWindow)) {
+            makeActive(window->viewId());
+        }
+    });
+}
+
+CkViewArea::~CkViewArea() {
+    // Activations while the windows go are nobody's business any more.
+    disconnect(this, nullptr, this, nullptr);
+    closeAllViews(false);
+}
+
+qsizetype CkViewArea::indexOf(int iViewId) const {
+    for (qsizetype i = 0; i < m_entries.size(); ++i) {
+        if (m_entries[i].view && m_entries[i].view->viewId() == iViewId) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+void CkViewArea::addView(CkMdiView* pView) {
+    if (pView == nullptr) {
+        return;
+    }
+    const int id = pView->viewId();
+    if (indexOf(id) >= 0) {
+        setActiveView(id);
+        return;
+    }
+    SkEntry entry;
+    entry.view = pView;
+    QWidget* frame = pView;
+    if ((pView->viewCaps() & CkMdiView::NativeWindowCap) != 0) {
+        pView->setParent(window(), Qt::Window);
+        pView->installEventFilter(this);
+    } else {
+        const QSize wanted = pView->testAttribute(Qt::WA_Resized) ? pView->size() : QSize(480, 400);
+        entry.window = new CkViewWindow(id);
+        entry.window->setWidget(pView);
+        entry.window->setWindowIcon(window()->windowIcon());
+        connect(entry.window, &CkViewWindow::closeRequested, this,
+                [this](int iViewId) { closeView(iViewId); });
+        addSubWindow(entry.window);
+        entry.window->resize(wanted + (entry.window->size() - pView->size()).expandedTo(QSize(0, 0)));
+        frame = entry.window;
+    }
+    m_entries.append(entry);
+    frame->setWindowTitle(pView->viewTitle());
+    connect(pView, &CkMdiView::viewTitleChanged, frame, [pView, frame] {
+        if (frame != pView && frame->windowTitle() != pView->viewTitle()) {
+            frame->setWindowTitle(pView->viewTitle());
+        }
+    });
+    emit viewAdded(id);
+    frame->show();
+    makeActive(id);
+    if (entry.window) {
+        setActiveSubWindow(entry.window);
+    }
+    arrangeLater();
+}
+
+CkMdiView* CkViewArea::view(int iViewId) const {
+    const qsizetype index = indexOf(iViewId);
+    return index >= 0 ? m_entries[index].view.data() : nullptr;
+}
+
+QList<CkMdiView*> CkViewArea::views() const {
+    QList<CkMdiView*> result;
+    for (const SkEntry& entry : m_entries) {
+        if (entry.view) {
+            result.append(entry.view);
+        }
+    }
+    return result;
+}
+
+void CkViewArea::setActiveView(int iViewId) {
+    const qsizetype index = indexOf(iViewId);
+    if (index < 0) {
+        return;
+    }
+    const SkEntry entry = m_entries[index];
+    if (entry.window) {
+        setActiveSubWindow(entry.window);
+    } else {
+        entry.view->raise();
+        entry.view->activateWindow();
+    }
+    makeActive(iViewId);
+}
+
+void CkViewArea::makeActive(int iViewId) {
+    if (iViewId == m_iActiveViewId || m_closing.contains(iViewId) || (iViewId >= 0 && indexOf(iViewId) < 0)) {
+        return;
+    }
+    m_iActiveViewId = iViewId;
+    emit activeViewChanged(iViewId);
+}
+
+void CkViewArea::activateSomeView() {
+    if (const auto* window = qobject_cast<CkViewWindow*>(currentSubWindow());
+        window != nullptr && indexOf(window->viewId()) >= 0) {
+        makeActive(window->viewId());
+        return;
+    }
+    for (qsizetype i = m_entries.size(); i-- > 0;) {
+        if (m_entries[i].view && !m_closing.contains(m_entries[i].view->viewId())) {
+            setActiveView(m_entries[i].view->viewId());
+            return;
+        }
+    }
+    makeActive(-1);
+}
+
+bool CkViewArea::closeView(int iViewId, bool bAsk) {
+    CkMdiView* closing = view(iViewId);
+    if (closing == nullptr) {
+        return false;
+    }
+    if (m_closing.contains(iViewId)) {
+        return true;
+    }
+    if (bAsk && closing->containsData() &&
+        QMessageBox::question(
+            window(), tr("Close View"),
+            tr("\"%1\" holds data that is lost when it closes. Close it?").arg(closing->viewTitle())) !=
+            QMessageBox::Yes) {
+        return false;
+    }
+    m_closing.insert(iViewId);
+    for (CkMdiView* follower : views()) {
+        if (follower != closing && follower->connectedViewId() == iViewId &&
+            !closeView(follower->viewId(), bAsk)) {
+            m_closing.remove(iViewId);
+            return false;
+        }
+    }
+    emit viewAboutToClose(iViewId);
+
+    CkChainable* provider = closing->dataProvider();
+    const QPointer<CkChain> chain(provider != nullptr ? provider->chain() : nullptr);
+    const SkEntry entry = m_entries.takeAt(indexOf(iViewId));
+    if (entry.window) {
+        entry.window->closeNow();
+    } else {
+        closing->removeEventFilter(this);
+        closing->hide();
+        closing->deleteLater();
+    }
+    if (m_iActiveViewId == iViewId) {
+        m_iActiveViewId = -1;
+        activateSomeView();
+        if (m_iActiveViewId == -1) {
+            emit activeViewChanged(-1);
+        }
+    }
+    m_closing.remove(iViewId);
+    emit viewClosed(iViewId, chain);
+    arrangeLater();
+    return true;
+}
+
+bool CkViewArea::closeAllViews(bool bAsk) {
+    while (!m_entries.isEmpty()) {
+        if (!m_entries.last().view) {
+            m_entries.removeLast();
+        } else if (!closeView(m_entries.last().view->viewId(), bAsk)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CkViewArea::setArrangesItself(bool bArrange) {
+    m_bArrange = bArrange;
+    arrangeLater();
+}
+
+void CkViewArea::arrangeLater() {
+    if (!m_bArrange || m_bArrangePending) {
+        return;
+    }
+    m_bArrangePending = true;
+    QTimer::singleShot(0, this, [this] {
+        m_bArrangePending = false;
+        // Somebody who looks at one view in full size is not disturbed.
+        if (m_bArrange && !showsOneInFull()) {
+            tile();
+        }
+    });
+}
+
+void CkViewArea::tile() {
+    // Not QMdiArea's own tiling, which puts the active view first: views keep their places.
+    QList<CkViewWindow*> windows;
+    for (const SkEntry& entry : m_entries) {
+        if (entry.window && !entry.window->isMinimized()) {
+            windows.append(entry.window);
+        }
+    }
+    const int count = int(windows.size());
+    if (count == 0) {
+        return;
+    }
+    int columns = 1;
+    while (columns * columns < count) {
+        ++columns;
+    }
+    const int rows = (count + columns - 1) / columns;
+    const QSize space = viewport()->size();
+    for (int row = 0; row < rows; ++row) {
+        // The last row may hold fewer views, which then share its width.
+        const QList<CkViewWindow*> inRow = windows.mid(row * columns, columns);
+        const int top = space.height() * row / rows;
+        const int bottom = space.height() * (row + 1) / rows;
+        // In a single row a tall picture leaves its width to the others; more rows keep their columns in
+        // line.
+        const QList<double> shares = rows == 1 ? sharesByShape(inRow) : QList<double>();
+        double start = 0.0;
+        for (int i = 0; i < inRow.size(); ++i) {
+            const double end = start + (shares.isEmpty() ? 1.0 / double(inRow.size()) : shares[i]);
+            const int left = int(space.width() * start + 0.5);
+            const int right = int(space.width() * end + 0.5);
+            if (inRow[i]->isMaximized()) {
+                inRow[i]->showNormal();
+            }
+            inRow[i]->setGeometry(left, top, right - left, bottom - top);
+            start = end;
+        }
+    }
+}
+
+bool CkViewArea::showsOneInFull() const {
+    for (const SkEntry& entry : m_entries) {
+        if (entry.window && entry.window->isMaximized()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void CkViewArea::cascade() {
+    m_bArrange = false;
+    cascadeSubWindows();
+}
+
+void CkViewArea::activateNextView() {
+    if (!m_entries.isEmpty()) {
+        const qsizetype next = (indexOf(m_iActiveViewId) + 1) % m_entries.size();
+        setActiveView(m_entries[next].view->viewId());
+    }
+}
+
+void CkViewArea::activatePreviousView() {
+    if (!m_entries.isEmpty()) {
+        const qsizetype previous = (indexOf(m_iActiveViewId) + m_entries.size() - 1) % m_entries.size();
+        setActiveView(m_entries[previous].view->viewId());
+    }
+}
+
+bool CkViewArea::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (auto* own = qobject_cast<CkMdiView*>(pWatched); own != nullptr && indexOf(own->viewId()) >= 0) {
+        if (pEvent->type() == QEvent::WindowActivate) {
+            makeActive(own->viewId());
+        } else if (pEvent->type() == QEvent::Close) {
+            static_cast<QCloseEvent*>(pEvent)->ignore();
+            closeView(own->viewId());
+            return true;
+        }
+    }
+    return QMdiArea::eventFilter(pWatched, pEvent);
+}
+
+void CkViewArea::resizeEvent(QResizeEvent* pEvent) {
+    QMdiArea::resizeEvent(pEvent);
+    arrangeLater();
+}
+
+void CkViewArea::paintEvent(QPaintEvent* pEvent) {
+    QMdiArea::paintEvent(pEvent);
+    if (subWindowList().isEmpty()) {
+        QPainter painter(viewport());
+        painter.setPen(QColor(0xb8, 0xbc, 0xc4));
+        QFont large = font();
+        large.setPointSizeF(large.pointSizeF() * 1.2);
+        painter.setFont(large);
+        painter.drawText(
+            viewport()->rect(), Qt::AlignCenter,
+            tr("No view is open.\n\nOpen a camera from the Camera menu, or a chain file with Ctrl+O."));
+    }
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "zuCore/CkChain.h"
+
+#include <QList>
+#include <QMdiArea>
+#include <QPointer>
+#include <QSet>
+
+class CkMdiView;
+class CkViewWindow;
+
+/// The area that holds all views, owns them, and knows which one is active.
+///
+/// A view with a native sub-surface that needs a window of its own (CkMdiView::NativeWindowCap) becomes a
+/// window beside the main window; everything else about it is the same. User-interface thread.
+class CkViewArea : public QMdiArea {
+    Q_OBJECT
+
+public:
+    explicit CkViewArea(QWidget* pParent = nullptr);
+    ~CkViewArea() override;
+
+    /// Takes a view over, shows it and makes it the active one. A view that is there already is only
+    /// activated.
+    void addView(CkMdiView* pView);
+
+    /// Null for an unknown identifier.
+    CkMdiView* view(int iViewId) const;
+    /// In order of opening.
+    QList<CkMdiView*> views() const;
+
+    /// -1: none. Stays when the program loses the focus to another one.
+    int activeViewId() const { return m_iActiveViewId; }
+    CkMdiView* activeView() const { return view(m_iActiveViewId); }
+    void setActiveView(int iViewId);
+
+    /// Closes a view and those that follow it. False for an unknown one, or when the user keeps one that
+    /// holds data; bAsk false closes it anyway. The view is deleted when control returns to the event loop.
+    bool closeView(int iViewId, bool bAsk = true);
+    /// False when the user kept one open.
+    bool closeAllViews(bool bAsk);
+
+    /// Views are tiled by themselves whenever one comes or goes.
+    bool arrangesItself() const { return m_bArrange; }
+    void setArrangesItself(bool bArrange);
+
+public slots:
+    void tile();
+    void cascade();
+    void activateNextView();
+    void activatePreviousView();
+
+signals:
+    void viewAdded(int iViewId);
+    /// -1: no view is active any more.
+    void activeViewChanged(int iViewId);
+    /// The view still exists.
+    void viewAboutToClose(int iViewId);
+    /// The view is gone; the chain it showed, null when there was none or it has gone too.
+    void viewClosed(int iViewId, QPointer<CkChain> chain);
+
+protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
+    void paintEvent(QPaintEvent* pEvent) override;
+
+private:
+    struct SkEntry {
+        QPointer<CkMdiView> view;
+        QPointer<CkViewWindow> window; ///< null for a view with a window of its own
+    };
+
+    qsizetype indexOf(int iViewId) const;
+    void makeActive(int iViewId);
+    void activateSomeView();
+    bool showsOneInFull() const;
+    void arrangeLater();
+
+    QList<SkEntry> m_entries;
+    QSet<int> m_closing;
+    int m_iActiveViewId = -1;
+    bool m_bArrange = true;
+    bool m_bArrangePending = false;
+};

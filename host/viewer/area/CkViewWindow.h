@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QMdiSubWindow>
+
+/// Frame of one view inside the area; asks the area before it closes. User-interface thread.
+class CkViewWindow : public QMdiSubWindow {
+    Q_OBJECT
+
+public:
+    explicit CkViewWindow(int iViewId, QWidget* pParent = nullptr);
+
+    int viewId() const { return m_iViewId; }
+
+    /// Closes without asking any more; the window and its view are deleted later.
+    void closeNow();
+
+signals:
+    /// The user wants to close; the receiver calls closeNow when that is fine.
+    void closeRequested(int iViewId);
+
+protected:
+    void closeEvent(QCloseEvent* pEvent) override;
+
+private:
+    int m_iViewId;
+    bool m_bAgreed = false;
+};

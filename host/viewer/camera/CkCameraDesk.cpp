@@ -1,0 +1,216 @@
+#include "camera/CkCameraDesk.h"
+
+#include "area/CkViewArea.h"
+#include "camera/CkCameraPanel.h"
+#include "image/CkImageView.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkCameraSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+
+#include <QScrollArea>
+#include <QTabWidget>
+
+CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
+    : QObject(pParent), m_pArea(pArea), m_pPanels(pPanels) {
+    CkCameraManager* manager = CkCameraManager::instance();
+    connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraDesk::equip);
+    connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraDesk::clearAway);
+    connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraDesk::cameraGone);
+    connect(manager, &CkCameraManager::cameraLost, this, [](const QString& sName) {
+        qWarning("%s", qUtf8Printable(tr("Camera \"%1\" was lost.").arg(sName)));
+    });
+    // A chain that nobody looks at any more has no reason to run.
+    connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
+        if (!chain) {
+            return;
+        }
+        for (const CkMdiView* view : m_pArea->views()) {
+            const CkChainable* provider = view->dataProvider();
+            if (provider != nullptr && provider->chain() == chain) {
+                return;
+            }
+        }
+        CkChainManager::instance()->closeChain(chain);
+    });
+}
+
+CkCameraDesk::~CkCameraDesk() = default;
+
+void* CkCameraDesk::openCamera(const QString& sId, bool bWithView, QString* psError) {
+    m_bWithView = bWithView;
+    QString error;
+    void* handle = CkCameraManager::instance()->openCamera(sId, &error);
+    m_bWithView = true;
+    if (handle == nullptr) {
+        report(tr("Camera \"%1\" cannot be opened: %2").arg(sId, error));
+        if (psError != nullptr) {
+            *psError = error;
+        }
+    }
+    return handle;
+}
+
+void CkCameraDesk::equip(void* pHandle) {
+    if (m_panels.value(pHandle)) {
+        return;
+    }
+    auto* panel = new CkCameraPanel(pHandle, m_pPanels);
+    m_panels.insert(pHandle, panel);
+    SkCameraInfo info;
+    CkCameraManager::instance()->cameraInfo(pHandle, info);
+    m_pPanels->setCurrentIndex(m_pPanels->addTab(panel, info.name));
+    m_pPanels->setTabToolTip(m_pPanels->indexOf(panel), info.name);
+    connect(panel, &CkCameraPanel::startRequested, this, [this](void* pCamera) { start(pCamera); });
+    connect(panel, &CkCameraPanel::stopRequested, this, &CkCameraDesk::stop);
+    connect(panel, &CkCameraPanel::newViewRequested, this, &CkCameraDesk::openView);
+    if (m_bWithView) {
+        openView(pHandle);
+    }
+    emit cameraReady(pHandle);
+}
+
+int CkCameraDesk::openView(void* pHandle) {
+    CkChainManager* chains = CkChainManager::instance();
+    if (!CkCameraManager::instance()->isOpen(pHandle)) {
+        return -1;
+    }
+    CkChain* chain = chains->createChain();
+    if (chain == nullptr) {
+        report(tr("No new processing chain can be made."));
+        return -1;
+    }
+    auto* source = new CkCameraSource(pHandle);
+    if (!chains->insertAfter(chain, source, nullptr)) {
+        delete source;
+        chains->closeChain(chain);
+        report(tr("The camera cannot be put into a processing chain."));
+        return -1;
+    }
+    auto* view = new CkImageView(source);
+    m_pArea->addView(view);
+    if (CkCameraManager::instance()->isAcquiring(pHandle)) {
+        chain->start();
+    }
+    return view->viewId();
+}
+
+bool CkCameraDesk::start(void* pHandle, QString* psError) {
+    CkCameraManager* manager = CkCameraManager::instance();
+    void* handle = pHandle != nullptr ? pHandle : currentCamera();
+    if (handle == nullptr || !manager->isOpen(handle)) {
+        if (psError != nullptr) {
+            *psError = tr("There is no such camera.");
+        }
+        return false;
+    }
+    const QList<int> views = viewsOf(handle);
+    if (views.isEmpty()) {
+        openView(handle);
+    } else if (!views.contains(m_pArea->activeViewId())) {
+        m_pArea->setActiveView(views.first());
+    }
+    for (CkChain* chain : chainsOf(handle)) {
+        if (!chain->started()) {
+            chain->start();
+        }
+    }
+    QString error;
+    if (!manager->isAcquiring(handle) && !manager->startAcquisition(handle, &error)) {
+        report(tr("The camera cannot be started: %1").arg(error));
+        if (psError != nullptr) {
+            *psError = error;
+        }
+        return false;
+    }
+    return true;
+}
+
+bool CkCameraDesk::stop(void* pHandle) {
+    CkCameraManager* manager = CkCameraManager::instance();
+    void* handle = pHandle != nullptr ? pHandle : currentCamera();
+    if (handle == nullptr || !manager->isOpen(handle)) {
+        return false;
+    }
+    manager->stopAcquisition(handle);
+    for (CkChain* chain : chainsOf(handle)) {
+        chain->stop();
+    }
+    return true;
+}
+
+void CkCameraDesk::closeCamera(void* pHandle) {
+    CkCameraManager::instance()->closeCamera(pHandle);
+}
+
+void CkCameraDesk::unplugCamera(void* pHandle) {
+    CkCameraManager::instance()->unplugCamera(pHandle);
+}
+
+void CkCameraDesk::closeAllCameras() {
+    for (void* handle : CkCameraManager::instance()->openedCameras()) {
+        closeCamera(handle);
+    }
+}
+
+void CkCameraDesk::clearAway(void* pHandle) {
+    // The views go first, while the plug-ins can still ask for the camera behind them.
+    const QList<CkChain*> chains = chainsOf(pHandle);
+    for (const int id : viewsOf(pHandle)) {
+        m_pArea->closeView(id, false);
+    }
+    for (CkChain* chain : chains) {
+        CkChainManager::instance()->closeChain(chain);
+    }
+    if (CkCameraPanel* panel = m_panels.take(pHandle)) {
+        m_pPanels->removeTab(m_pPanels->indexOf(panel));
+        panel->hide();
+        // The click that led here may have come from inside the panel, but its editors must not outlive the
+        // camera.
+        qDeleteAll(panel->findChildren<QScrollArea*>(QString(), Qt::FindDirectChildrenOnly));
+        panel->deleteLater();
+    }
+}
+
+void* CkCameraDesk::currentCamera() const {
+    if (const CkMdiView* view = m_pArea->activeView()) {
+        const QList<void*> handles = view->cameraHandles();
+        if (!handles.isEmpty() && CkCameraManager::instance()->isOpen(handles.first())) {
+            return handles.first();
+        }
+    }
+    const QList<void*> open = CkCameraManager::instance()->openedCameras();
+    return open.size() == 1 ? open.first() : nullptr;
+}
+
+CkCameraPanel* CkCameraDesk::panel(void* pHandle) const {
+    return m_panels.value(pHandle);
+}
+
+QList<CkChain*> CkCameraDesk::chainsOf(void* pHandle) const {
+    QList<CkChain*> result;
+    for (CkChain* chain : CkChainManager::instance()->chains()) {
+        for (CkChainable* block : chain->imageSources()) {
+            const auto* source = qobject_cast<CkImageSource*>(block);
+            if (source != nullptr && source->cameraHandles().contains(pHandle)) {
+                result.append(chain);
+                break;
+            }
+        }
+    }
+    return result;
+}
+
+QList<int> CkCameraDesk::viewsOf(void* pHandle) const {
+    QList<int> result;
+    for (const CkMdiView* view : m_pArea->views()) {
+        if (view->cameraHandles().contains(pHandle)) {
+            result.append(view->viewId());
+        }
+    }
+    return result;
+}
+
+void CkCameraDesk::report(const QString& sText) const {
+    qWarning("%s", qUtf8Printable(sText));
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+class CkCameraPanel;
+class CkChain;
+class CkViewArea;
+class QTabWidget;
+
+/// The open cameras of the viewer: their panels, and the chains and views made for them. User-interface
+/// thread.
+class CkCameraDesk : public QObject {
+    Q_OBJECT
+
+public:
+    /// Panels become tabs of pPanels.
+    CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent = nullptr);
+    ~CkCameraDesk() override;
+
+    /// Opens a camera with a panel and, with bWithView, a picture view on a chain of its own. The handle of
+    /// one that is open already. Null, with psError set, on failure.
+    void* openCamera(const QString& sId, bool bWithView, QString* psError = nullptr);
+
+    /// Opens another picture view with a new chain on a camera. Its identifier, or -1.
+    int openView(void* pHandle);
+
+    /// Starts a camera and every chain it feeds. A camera that nobody looks at gets a view, and one of the
+    /// camera's views is active afterwards. Null: the camera of the active view, or the only open one.
+    bool start(void* pHandle, QString* psError = nullptr);
+    bool stop(void* pHandle);
+
+    /// Closes a camera with its views, chains and panel.
+    void closeCamera(void* pHandle);
+    /// As if the camera had been pulled off.
+    void unplugCamera(void* pHandle);
+    void closeAllCameras();
+
+    /// The camera of the active view, or the only open one, or null.
+    void* currentCamera() const;
+    /// Null for a camera without a panel.
+    CkCameraPanel* panel(void* pHandle) const;
+    QList<CkChain*> chainsOf(void* pHandle) const;
+    /// Identifiers of the views behind which the camera stands, in order of opening.
+    QList<int> viewsOf(void* pHandle) const;
+
+signals:
+    /// The panel of a new camera is there (plug-ins may fill it now).
+    void cameraReady(void* pHandle);
+    void cameraGone();
+
+private:
+    void equip(void* pHandle);
+    void clearAway(void* pHandle);
+    void report(const QString& sText) const;
+
+    CkViewArea* m_pArea;
+    QTabWidget* m_pPanels;
+    QHash<void*, QPointer<CkCameraPanel>> m_panels;
+    bool m_bWithView = true;
+};

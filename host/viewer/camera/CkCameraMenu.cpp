@@ -1,0 +1,144 @@
+#include "camera/CkCameraMenu.h"
+
+#include "camera/CkCameraDesk.h"
+#include "camera/CkCameraPanel.h"
+#include "zuCore/CkCameraManager.h"
+
+#include <QAction>
+#include <QMenu>
+
+namespace {
+
+// The entry that is being triggered may be among them.
+void clearLater(QMenu* menu) {
+    for (QAction* action : menu->actions()) {
+        menu->removeAction(action);
+        action->setShortcut({});
+        action->deleteLater();
+    }
+}
+
+} // namespace
+
+CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
+    : QObject(pParent), m_pDesk(pDesk) {
+    pMenu->setToolTipsVisible(true);
+    m_pOpenMenu = pMenu->addMenu(tr("&Open"));
+    m_pOpenMenu->setObjectName(QStringLiteral("menuOpenCamera"));
+    pMenu->addSeparator();
+    m_pStartAction = pMenu->addAction(tr("&Start"), this, &CkCameraMenu::toggleAcquisition);
+    m_pStartAction->setObjectName(QStringLiteral("actStartCamera"));
+    m_pStartAction->setShortcut(Qt::Key_F5);
+    m_pPauseAction = pMenu->addAction(tr("&Pause"), this, [this] {
+        if (CkCameraPanel* panel = m_pDesk->panel(m_pDesk->currentCamera())) {
+            panel->setPaused(!panel->isPaused());
+            refresh();
+        }
+    });
+    m_pPauseAction->setObjectName(QStringLiteral("actPauseCamera"));
+    m_pPauseAction->setShortcut(Qt::Key_F6);
+    m_pPauseAction->setCheckable(true);
+    m_pStepAction = pMenu->addAction(tr("S&ingle Step"), this, [this] {
+        if (CkCameraPanel* panel = m_pDesk->panel(m_pDesk->currentCamera())) {
+            panel->step();
+            refresh();
+        }
+    });
+    m_pStepAction->setObjectName(QStringLiteral("actStepCamera"));
+    m_pStepAction->setShortcut(Qt::Key_F7);
+    m_pViewAction = pMenu->addAction(tr("&New Picture View"), this,
+                                     [this] { m_pDesk->openView(m_pDesk->currentCamera()); });
+    m_pViewAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    pMenu->addSeparator();
+    m_pCloseMenu = pMenu->addMenu(tr("&Close"));
+    m_pCloseMenu->setObjectName(QStringLiteral("menuCloseCamera"));
+    m_pUnplugMenu = pMenu->addMenu(tr("&Unplug"));
+    m_pUnplugMenu->setObjectName(QStringLiteral("menuUnplugCamera"));
+
+    CkCameraManager* manager = CkCameraManager::instance();
+    connect(manager, &CkCameraManager::availableCamerasChanged, this, &CkCameraMenu::refresh);
+    connect(manager, &CkCameraManager::acquisitionChanged, this, &CkCameraMenu::refresh);
+    connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraMenu::refresh);
+    connect(m_pDesk, &CkCameraDesk::cameraReady, this, &CkCameraMenu::refresh);
+    connect(pMenu, &QMenu::aboutToShow, this, &CkCameraMenu::refresh);
+    refresh();
+}
+
+void CkCameraMenu::refresh() {
+    fillOpenMenu();
+    fillHandleMenus();
+    void* camera = m_pDesk->currentCamera();
+    const bool running = camera != nullptr && CkCameraManager::instance()->isAcquiring(camera);
+    const CkCameraPanel* panel = m_pDesk->panel(camera);
+    const QString none = tr("There is no current camera: open one, or activate one of its views");
+    const QString stopped = camera == nullptr ? none : tr("The camera is stopped");
+    m_pStartAction->setText(running ? tr("&Stop") : tr("&Start"));
+    m_pStartAction->setEnabled(camera != nullptr);
+    m_pStartAction->setToolTip(camera != nullptr ? tr("Start or stop the current camera") : none);
+    m_pPauseAction->setEnabled(running);
+    m_pPauseAction->setChecked(panel != nullptr && panel->isPaused());
+    m_pPauseAction->setToolTip(running ? tr("Hold the camera without stopping it") : stopped);
+    m_pStepAction->setEnabled(running);
+    m_pStepAction->setToolTip(running ? tr("Take one set of pictures and hold") : stopped);
+    m_pViewAction->setEnabled(camera != nullptr);
+    m_pViewAction->setToolTip(camera != nullptr ? tr("Another view of the current camera") : none);
+}
+
+void CkCameraMenu::fillOpenMenu() {
+    clearLater(m_pOpenMenu);
+    CkCameraManager* manager = CkCameraManager::instance();
+    QStringList openIds;
+    for (void* handle : manager->openedCameras()) {
+        SkCameraInfo info;
+        if (manager->cameraInfo(handle, info)) {
+            openIds.append(info.id);
+        }
+    }
+    int number = 0;
+    for (const SkCameraInfo& info : manager->availableCameras()) {
+        QAction* action = m_pOpenMenu->addAction(QStringLiteral("%1 (%2)").arg(info.name, info.serial));
+        action->setData(info.id);
+        action->setCheckable(true);
+        action->setChecked(openIds.contains(info.id));
+        if (++number <= 9) {
+            action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + number)));
+        }
+        connect(action, &QAction::triggered, this, [this, id = info.id] {
+            if (void* handle = m_pDesk->openCamera(id, true)) {
+                m_pDesk->start(handle);
+            }
+            refresh();
+        });
+    }
+    if (number == 0) {
+        m_pOpenMenu->addAction(tr("No camera is plugged in"))->setEnabled(false);
+    }
+}
+
+void CkCameraMenu::fillHandleMenus() {
+    clearLater(m_pCloseMenu);
+    clearLater(m_pUnplugMenu);
+    CkCameraManager* manager = CkCameraManager::instance();
+    for (void* handle : manager->openedCameras()) {
+        SkCameraInfo info;
+        if (!manager->cameraInfo(handle, info)) {
+            continue;
+        }
+        m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pDesk->closeCamera(handle); });
+        m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pDesk->unplugCamera(handle); });
+    }
+    m_pCloseMenu->setEnabled(!m_pCloseMenu->isEmpty());
+    m_pUnplugMenu->setEnabled(!m_pUnplugMenu->isEmpty());
+}
+
+void CkCameraMenu::toggleAcquisition() {
+    void* camera = m_pDesk->currentCamera();
+    if (camera == nullptr) {
+        return;
+    }
+    if (CkCameraManager::instance()->isAcquiring(camera)) {
+        m_pDesk->stop(camera);
+    } else {
+        m_pDesk->start(camera);
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+
+class CkCameraDesk;
+class QAction;
+class QMenu;
+
+/// Fills the Camera menu: the cameras that can be opened, start, pause and step of the current one, closing
+/// and unplugging. User-interface thread.
+class CkCameraMenu : public QObject {
+    Q_OBJECT
+
+public:
+    CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent = nullptr);
+
+    QMenu* openMenu() const { return m_pOpenMenu; }
+    QMenu* closeMenu() const { return m_pCloseMenu; }
+    QMenu* unplugMenu() const { return m_pUnplugMenu; }
+
+public slots:
+    /// Cameras came or went, or another one is the current one.
+    void refresh();
+
+private:
+    void fillOpenMenu();
+    void fillHandleMenus();
+    void toggleAcquisition();
+
+    CkCameraDesk* m_pDesk;
+    QMenu* m_pOpenMenu;
+    QMenu* m_pCloseMenu;
+    QMenu* m_pUnplugMenu;
+    QAction* m_pStartAction;
+    QAction* m_pPauseAction;
+    QAction* m_pStepAction;
+    QAction* m_pViewAction;
+};

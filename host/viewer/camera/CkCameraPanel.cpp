@@ -1,0 +1,156 @@
+#include "camera/CkCameraPanel.h"
+
+#include "camera/CkParamEditor.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkCameraParameters.h"
+
+#include <QFormLayout>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+CkCameraPanel::CkCameraPanel(void* pCameraHandle, QWidget* pParent)
+    : QWidget(pParent), m_pCameraHandle(pCameraHandle) {
+    setObjectName(QStringLiteral("cameraPanel"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(createControls());
+    m_pToolArea = new QVBoxLayout;
+    layout->addLayout(m_pToolArea);
+    auto* line = new QFrame(this);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    layout->addWidget(line);
+    layout->addWidget(createParameters(CkCameraManager::instance()->cameraParameters(pCameraHandle)), 1);
+
+    connect(CkCameraManager::instance(), &CkCameraManager::acquisitionChanged, this,
+            [this](void* pHandle, bool bRunning) {
+                if (pHandle == m_pCameraHandle) {
+                    showRunning(bRunning);
+                }
+            });
+    showRunning(CkCameraManager::instance()->isAcquiring(pCameraHandle));
+}
+
+QWidget* CkCameraPanel::createControls() {
+    auto* controls = new QWidget(this);
+    auto* grid = new QGridLayout(controls);
+    grid->setContentsMargins(0, 0, 0, 0);
+    SkCameraInfo info;
+    CkCameraManager::instance()->cameraInfo(m_pCameraHandle, info);
+    auto* name = new QLabel(QStringLiteral("<b>%1</b>").arg(info.name.toHtmlEscaped()), controls);
+    name->setToolTip(tr("Model %1, serial number %2\nIdentifier %3").arg(info.model, info.serial, info.id));
+    name->setWordWrap(true);
+    m_pStateLabel = new QLabel(controls);
+    m_pStateLabel->setObjectName(QStringLiteral("cameraState"));
+    grid->addWidget(name, 0, 0, 1, 3);
+    grid->addWidget(m_pStateLabel, 0, 3, Qt::AlignRight);
+
+    m_pStartButton = new QPushButton(controls);
+    m_pStartButton->setObjectName(QStringLiteral("btnStart"));
+    m_pPauseButton = new QPushButton(tr("Pause"), controls);
+    m_pPauseButton->setObjectName(QStringLiteral("btnPause"));
+    m_pPauseButton->setCheckable(true);
+    m_pStepButton = new QPushButton(tr("Step"), controls);
+    m_pStepButton->setObjectName(QStringLiteral("btnStep"));
+    auto* view = new QPushButton(tr("New View"), controls);
+    view->setObjectName(QStringLiteral("btnNewView"));
+    view->setToolTip(tr("Open another picture view with a chain of its own on this camera"));
+    grid->addWidget(m_pStartButton, 1, 0);
+    grid->addWidget(m_pPauseButton, 1, 1);
+    grid->addWidget(m_pStepButton, 1, 2);
+    grid->addWidget(view, 1, 3);
+    for (int column = 0; column < 4; ++column) {
+        grid->setColumnStretch(column, 1);
+    }
+    connect(m_pStartButton, &QPushButton::clicked, this, &CkCameraPanel::toggleAcquisition);
+    connect(m_pPauseButton, &QPushButton::toggled, this, &CkCameraPanel::setPaused);
+    connect(m_pStepButton, &QPushButton::clicked, this, &CkCameraPanel::step);
+    connect(view, &QPushButton::clicked, this, [this] { emit newViewRequested(m_pCameraHandle); });
+    return controls;
+}
+
+QWidget* CkCameraPanel::createParameters(CkCameraParameters* pParameters) {
+    auto* content = new QWidget;
+    auto* form = new QFormLayout(content);
+    form->setContentsMargins(0, 4, 6, 4);
+    form->setVerticalSpacing(5);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    if (pParameters != nullptr) {
+        for (CkCameraParam* param : pParameters->params()) {
+            auto* editor = new CkParamEditor(param, content);
+            editor->setObjectName(QStringLiteral("param_") + param->name());
+            auto* label = new QLabel(param->description().displayName, content);
+            label->setToolTip(editor->toolTip());
+            label->setBuddy(editor);
+            form->addRow(label, editor);
+            connect(editor, &CkParamEditor::refused, this, [](const QString& sName) {
+                qWarning("%s", qUtf8Printable(tr("The camera refused the value for \"%1\".").arg(sName)));
+            });
+        }
+    }
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(content);
+    content->setAutoFillBackground(false);
+    scroll->viewport()->setAutoFillBackground(false);
+    return scroll;
+}
+
+void CkCameraPanel::addToolLayout(QLayout* pLayout) {
+    m_pToolArea->addLayout(pLayout);
+}
+
+bool CkCameraPanel::isPaused() const {
+    return m_pPauseButton->isChecked();
+}
+
+void CkCameraPanel::toggleAcquisition() {
+    if (m_bRunning) {
+        emit stopRequested(m_pCameraHandle);
+    } else {
+        emit startRequested(m_pCameraHandle);
+    }
+}
+
+void CkCameraPanel::setPaused(bool bPaused) {
+    if (!m_bRunning) {
+        return;
+    }
+    m_pPauseButton->setChecked(bPaused);
+    CkCameraManager::instance()->setPaused(m_pCameraHandle, bPaused);
+    showRunning(m_bRunning);
+}
+
+void CkCameraPanel::step() {
+    if (m_bRunning) {
+        setPaused(true);
+        CkCameraManager::instance()->step(m_pCameraHandle);
+    }
+}
+
+void CkCameraPanel::showRunning(bool bRunning) {
+    m_bRunning = bRunning;
+    if (!bRunning) {
+        const QSignalBlocker blocker(m_pPauseButton);
+        m_pPauseButton->setChecked(false);
+    }
+    const bool paused = bRunning && m_pPauseButton->isChecked();
+    m_pStartButton->setText(bRunning ? tr("Stop") : tr("Start"));
+    m_pStartButton->setToolTip(bRunning ? tr("Stop the camera and its chains (F5)")
+                                        : tr("Start the camera and its chains (F5)"));
+    const QString why = tr("The camera is stopped");
+    m_pPauseButton->setEnabled(bRunning);
+    m_pPauseButton->setToolTip(bRunning ? tr("Hold the camera without stopping it (F6)") : why);
+    m_pStepButton->setEnabled(bRunning);
+    m_pStepButton->setToolTip(bRunning ? tr("Take one set of pictures and hold (F7)") : why);
+    m_pStateLabel->setText(paused     ? tr("<span style='color:#b07000'>paused</span>")
+                           : bRunning ? tr("<span style='color:#2e8b3d'>running</span>")
+                                      : tr("<span style='color:#777777'>stopped</span>"));
+}

@@ -1,0 +1,162 @@
+#include "camera/CkParamEditor.h"
+
+#include "zuCore/CkCameraParam.h"
+#include "zuCoreGui/CkTuningBar.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kDragDelayMs = 60;
+
+// As many decimals as the step needs, at least two for floats without a usable step.
+int decimalsOf(const CkCameraParam::SkDescription& description) {
+    if (description.kind == CkCameraParam::EkKind::Integer) {
+        return 0;
+    }
+    if (!(description.step > 0.0) || description.step >= 1.0) {
+        return 2;
+    }
+    return std::clamp(int(std::ceil(-std::log10(description.step) - 1e-9)), 1, 6);
+}
+
+} // namespace
+
+CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(pParent), m_pParam(pParam) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(4);
+    const CkCameraParam::SkDescription& description = pParam->description();
+    switch (description.kind) {
+    case CkCameraParam::EkKind::Integer:
+    case CkCameraParam::EkKind::Float:
+        createNumber();
+        break;
+    case CkCameraParam::EkKind::Bool:
+        createFlag();
+        break;
+    case CkCameraParam::EkKind::Enumeration:
+        createList();
+        break;
+    }
+    setToolTip(hint());
+    setEnabled(!description.readOnly);
+    showValue(pParam->paramValue());
+    connect(pParam, &CkCameraParam::valueChanged, this, &CkParamEditor::showValue);
+    m_delay.setSingleShot(true);
+    m_delay.setInterval(kDragDelayMs);
+    connect(&m_delay, &QTimer::timeout, this, [this] {
+        apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
+                  ? CkValue(qint64(std::llround(m_fDelayed)))
+                  : CkValue(m_fDelayed));
+    });
+}
+
+void CkParamEditor::createNumber() {
+    const CkCameraParam::SkDescription& description = m_pParam->description();
+    const bool limited = description.maximum > description.minimum && std::isfinite(description.minimum) &&
+                         std::isfinite(description.maximum);
+    const double step = description.step > 0.0 ? description.step : 1.0;
+    if (limited) {
+        m_pBar = new CkTuningBar(this);
+        m_pBar->setRange(CkValue(description.minimum), CkValue(description.maximum), CkValue(step));
+        layout()->addWidget(m_pBar);
+        connect(m_pBar, &CkTuningBar::valueChanged, this, [this](const CkValue& vValue) {
+            m_fDelayed = vValue.toDouble();
+            const QSignalBlocker blocker(m_pNumber);
+            m_pNumber->setValue(m_fDelayed);
+            m_delay.start();
+        });
+    }
+    m_pNumber = new QDoubleSpinBox(this);
+    m_pNumber->setDecimals(decimalsOf(description));
+    m_pNumber->setRange(limited ? description.minimum : -1e12, limited ? description.maximum : 1e12);
+    m_pNumber->setSingleStep(step);
+    m_pNumber->setKeyboardTracking(false);
+    m_pNumber->setAlignment(Qt::AlignRight);
+    m_pNumber->setMinimumWidth(96);
+    m_pNumber->setMaximumWidth(150);
+    if (!description.unit.isEmpty()) {
+        m_pNumber->setSuffix(QLatin1Char(' ') + description.unit);
+    }
+    layout()->addWidget(m_pNumber);
+    connect(m_pNumber, &QDoubleSpinBox::valueChanged, this, [this](double fValue) {
+        m_delay.stop();
+        apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
+                  ? CkValue(qint64(std::llround(fValue)))
+                  : CkValue(fValue));
+    });
+}
+
+void CkParamEditor::createFlag() {
+    m_pFlag = new QCheckBox(this);
+    layout()->addWidget(m_pFlag);
+    connect(m_pFlag, &QCheckBox::toggled, this, [this](bool bChecked) { apply(CkValue(bChecked)); });
+}
+
+void CkParamEditor::createList() {
+    m_pList = new QComboBox(this);
+    m_pList->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_pList->setMinimumContentsLength(12);
+    for (const CkCameraParam::SkEnumEntry& entry : m_pParam->description().entries) {
+        m_pList->addItem(entry.text, entry.value);
+    }
+    layout()->addWidget(m_pList);
+    connect(m_pList, &QComboBox::activated, this,
+            [this](int iIndex) { apply(CkValue(m_pList->itemData(iIndex).toLongLong())); });
+}
+
+QString CkParamEditor::hint() const {
+    const CkCameraParam::SkDescription& description = m_pParam->description();
+    QString text = description.toolTip.isEmpty() ? description.displayName : description.toolTip;
+    if (m_pNumber != nullptr) {
+        const QString unit = description.unit.isEmpty() ? QString() : QLatin1Char(' ') + description.unit;
+        text += QLatin1Char('\n') + tr("From %1 to %2%3, in steps of %4")
+                                        .arg(description.minimum)
+                                        .arg(description.maximum)
+                                        .arg(unit)
+                                        .arg(description.step);
+    }
+    if (description.readOnly) {
+        text += QLatin1Char('\n') + tr("The camera does not let this be changed.");
+    }
+    return text + QLatin1Char('\n') + tr("Name: %1").arg(description.name);
+}
+
+void CkParamEditor::showValue(const CkValue& vValue) {
+    if (m_pNumber != nullptr && !m_delay.isActive()) {
+        const QSignalBlocker blockNumber(m_pNumber);
+        m_pNumber->setValue(vValue.toDouble());
+        if (m_pBar != nullptr) {
+            m_pBar->setValue(vValue);
+        }
+    } else if (m_pFlag != nullptr) {
+        const QSignalBlocker blocker(m_pFlag);
+        m_pFlag->setChecked(vValue.toBool());
+    } else if (m_pList != nullptr) {
+        showListValue(vValue.toInt64());
+    }
+}
+
+void CkParamEditor::showListValue(qint64 iValue) {
+    int index = m_pList->findData(iValue);
+    if (index < 0) {
+        // A value the list does not know (set by a program, accepted by the camera) is shown as what it is.
+        m_pList->addItem(tr("Other (%1)").arg(iValue), iValue);
+        index = m_pList->count() - 1;
+    }
+    m_pList->setCurrentIndex(index);
+}
+
+void CkParamEditor::apply(const CkValue& vValue) {
+    if (!m_pParam->setParamValue(vValue) || !m_pParam->commit()) {
+        emit refused(m_pParam->description().displayName);
+    }
+    showValue(m_pParam->committedValue());
+}

@@ -1,0 +1,145 @@
+#include "chain/CkChainFile.h"
+
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkChainable.h"
+
+#include <QCoreApplication>
+#include <QDomDocument>
+#include <QFile>
+#include <QSaveFile>
+#include <QXmlStreamReader>
+
+namespace {
+
+// What the chain itself writes is inside; the root only says what kind of file this is.
+const QString kRoot = QStringLiteral("zuchainfile");
+const QString kChain = QStringLiteral("chain");
+constexpr int kVersion = 1;
+// No chain of blocks comes near this; anything larger is something else.
+constexpr qint64 kMaximumBytes = 16 * 1024 * 1024;
+constexpr int kMaximumDepth = 100;
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkChainFile", source);
+}
+
+// The document's own code walks elements by recursion, which a hostile file must not exhaust.
+bool isDeep(QFile& file) {
+    QXmlStreamReader reader(&file);
+    int depth = 0;
+    while (!reader.atEnd() && depth <= kMaximumDepth) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        depth += token == QXmlStreamReader::StartElement ? 1 : token == QXmlStreamReader::EndElement ? -1 : 0;
+    }
+    file.seek(0);
+    return depth > kMaximumDepth;
+}
+
+bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
+        return false;
+    }
+    if (file.size() > kMaximumBytes) {
+        error = text("%1: this is no chain file (too large).").arg(fileName);
+        return false;
+    }
+    if (isDeep(file)) {
+        error = text("%1: this is no chain file (nested too deeply).").arg(fileName);
+        return false;
+    }
+    QString reason;
+    int line = 0;
+    int column = 0;
+    if (!doc.setContent(&file, false, &reason, &line, &column)) {
+        error = text("%1, line %2, column %3: %4").arg(fileName).arg(line).arg(column).arg(reason);
+        return false;
+    }
+    const QDomElement root = doc.documentElement();
+    if (root.tagName() != kRoot || root.firstChildElement(kChain).isNull()) {
+        error = text("%1: this is no chain file.").arg(fileName);
+        return false;
+    }
+    if (root.attribute(QStringLiteral("version")).toInt() > kVersion) {
+        error = text("%1: this chain file was written by a newer version of the program.").arg(fileName);
+        return false;
+    }
+    return true;
+}
+
+// How a source notes its camera is the source's own business; its identifier is unique enough to be found.
+void collectCameras(const QDomElement& element, const QStringList& cameraIds, QStringList& found) {
+    const QDomNamedNodeMap attributes = element.attributes();
+    for (int i = 0; i < attributes.count(); ++i) {
+        const QString value = attributes.item(i).nodeValue();
+        if (cameraIds.contains(value) && !found.contains(value)) {
+            found.append(value);
+        }
+    }
+    for (QDomElement child = element.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        collectCameras(child, cameraIds, found);
+    }
+}
+
+} // namespace
+
+bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString& sError) {
+    QDomDocument doc;
+    doc.appendChild(doc.createProcessingInstruction(QStringLiteral("xml"),
+                                                    QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"")));
+    QDomElement root = doc.createElement(kRoot);
+    root.setAttribute(QStringLiteral("version"), kVersion);
+    QDomElement chain = doc.createElement(kChain);
+    if (pChain == nullptr || !pChain->save(doc, chain)) {
+        sError = text("%1: the chain cannot be described.").arg(sFileName);
+        return false;
+    }
+    root.appendChild(chain);
+    doc.appendChild(root);
+    const QByteArray bytes = doc.toByteArray(2);
+    QSaveFile file(sFileName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        sError = QStringLiteral("%1: %2").arg(sFileName, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+CkChain* CkChainFile::load(const QString& sFileName, QString& sError) {
+    QDomDocument doc;
+    if (!parse(sFileName, doc, sError)) {
+        return nullptr;
+    }
+    CkChain* chain = CkChainManager::instance()->createChain();
+    QString reason = text("no new chain can be made");
+    if (chain == nullptr || !chain->load(doc.documentElement().firstChildElement(kChain), &reason)) {
+        sError = QStringLiteral("%1: %2").arg(sFileName, reason);
+        CkChainManager::instance()->closeChain(chain);
+        return nullptr;
+    }
+    return chain;
+}
+
+QStringList CkChainFile::camerasIn(const QString& sFileName, const QStringList& cameraIds) {
+    QDomDocument doc;
+    QString error;
+    QStringList found;
+    if (!parse(sFileName, doc, error)) {
+        return found;
+    }
+    collectCameras(doc.documentElement(), cameraIds, found);
+    return found;
+}
+
+QList<CkChainable*> CkChainFile::ends(const CkChain* pChain) {
+    QList<CkChainable*> result;
+    for (CkChainable* block : pChain->blocks()) {
+        if (pChain->successors(block).isEmpty()) {
+            result.append(block);
+        }
+    }
+    return result;
+}

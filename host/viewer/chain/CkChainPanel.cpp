@@ -1,0 +1,284 @@
+#include "chain/CkChainPanel.h"
+
+#include "area/CkViewArea.h"
+#include "chain/CkChainEditor.h"
+#include "chain/CkChainTree.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
+#include "zuCore/CkImageSource.h"
+#include "zuCore/CkRTTI.h"
+#include "zuCoreGui/CkMdiView.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int kCounterMs = 500;
+}
+
+CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
+    setObjectName(QStringLiteral("chainPanel"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
+    m_pTitle = new QLabel(this);
+    m_pTitle->setTextFormat(Qt::PlainText);
+    layout->addWidget(m_pTitle);
+    m_pTree = new CkChainTree(this);
+    layout->addWidget(m_pTree, 1);
+
+    m_pAddMenu = new QMenu(this);
+    m_pAddMenu->setToolTipsVisible(true);
+    m_pAddButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
+    m_pAddButton->setMenu(m_pAddMenu);
+    m_pAddButton->setPopupMode(QToolButton::InstantPopup);
+    m_pConfigureButton = addButton(tr("Configure..."), QStringLiteral("btnConfigureBlock"));
+    m_pToggleButton = addButton(tr("Off"), QStringLiteral("btnToggleBlock"));
+    m_pRemoveButton = addButton(tr("Remove"), QStringLiteral("btnRemoveBlock"));
+    m_pHelpButton = addButton(tr("Help"), QStringLiteral("btnHelpBlock"));
+    m_pSaveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
+    QToolButton* load = addButton(tr("Open..."), QStringLiteral("btnLoadChain"));
+    load->setToolTip(tr("Open a chain file with views on its ends (Ctrl+O)"));
+    auto* first = new QHBoxLayout;
+    first->addWidget(m_pAddButton);
+    first->addWidget(m_pConfigureButton);
+    first->addWidget(m_pToggleButton);
+    first->addWidget(m_pRemoveButton);
+    first->addStretch();
+    auto* second = new QHBoxLayout;
+    second->addWidget(m_pHelpButton);
+    second->addStretch();
+    second->addWidget(load);
+    second->addWidget(m_pSaveButton);
+    layout->addLayout(first);
+    layout->addLayout(second);
+
+    connect(m_pConfigureButton, &QToolButton::clicked, this, &CkChainPanel::configureSelected);
+    connect(m_pToggleButton, &QToolButton::clicked, this, &CkChainPanel::toggleSelected);
+    connect(m_pRemoveButton, &QToolButton::clicked, this, &CkChainPanel::removeSelected);
+    connect(m_pHelpButton, &QToolButton::clicked, this, &CkChainPanel::helpSelected);
+    connect(m_pSaveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
+    connect(load, &QToolButton::clicked, this, &CkChainPanel::loadRequested);
+    connect(m_pAddMenu, &QMenu::aboutToShow, this, &CkChainPanel::fillAddMenu);
+    connect(m_pTree, &QTreeWidget::itemSelectionChanged, this, &CkChainPanel::updateButtons);
+    connect(m_pTree, &QTreeWidget::currentItemChanged, this, &CkChainPanel::updateButtons);
+    connect(m_pTree, &QTreeWidget::itemDoubleClicked, this, &CkChainPanel::configureSelected);
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkChainPanel::refresh);
+    m_counters.setInterval(kCounterMs);
+    connect(&m_counters, &QTimer::timeout, this, [this] {
+        if (isVisible()) {
+            m_pTree->refreshCounters();
+            updateButtons();
+        }
+    });
+    m_counters.start();
+    refresh();
+}
+
+CkChainPanel::~CkChainPanel() {
+    // A configuration widget must not outlive the block it configures, nor be left behind by the panel.
+    const QList<QPointer<QDialog>> dialogs = m_dialogs.values();
+    for (const QPointer<QDialog>& dialog : dialogs) {
+        delete dialog;
+    }
+}
+
+QToolButton* CkChainPanel::addButton(const QString& sText, const QString& sName) {
+    auto* button = new QToolButton(this);
+    button->setText(sText);
+    button->setObjectName(sName);
+    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    return button;
+}
+
+void CkChainPanel::refresh() {
+    CkMdiView* view = m_pArea->activeView();
+    if (m_view != view) {
+        if (m_view) {
+            disconnect(m_view, &CkMdiView::dataProviderChanged, this, nullptr);
+        }
+        m_view = view;
+        if (view != nullptr) {
+            connect(view, &CkMdiView::dataProviderChanged, this, &CkChainPanel::refresh,
+                    Qt::QueuedConnection);
+        }
+    }
+    CkChainable* shown = view != nullptr ? view->dataProvider() : nullptr;
+    CkChain* chain = shown != nullptr ? shown->chain() : nullptr;
+    m_pTree->setChain(chain, shown);
+    const QString title = chain != nullptr  ? chain->chainTitle(shown)
+                          : view != nullptr ? tr("The active view shows no chain")
+                                            : tr("No view is active");
+    m_pTitle->setText(m_pTitle->fontMetrics().elidedText(title, Qt::ElideMiddle, 300));
+    m_pTitle->setToolTip(title);
+    updateButtons();
+}
+
+void CkChainPanel::updateButtons() {
+    CkChainable* block = m_pTree->selectedBlock();
+    const bool chain = m_pTree->chain() != nullptr;
+    const bool source = block != nullptr && CkChainEditor::isSource(block);
+    const QString none = tr("Select a block first");
+    m_pAddButton->setEnabled(chain);
+    m_pAddButton->setToolTip(chain ? tr("Add a block behind the selected one")
+                                   : tr("The active view shows no chain"));
+    m_pConfigureButton->setEnabled(block != nullptr);
+    m_pConfigureButton->setToolTip(block != nullptr ? tr("Open the settings of the selected block") : none);
+    const bool off = block != nullptr && block->state() == CkChainable::Blocked;
+    m_pToggleButton->setText(off ? tr("On") : tr("Off"));
+    m_pToggleButton->setEnabled(block != nullptr && !source);
+    m_pToggleButton->setToolTip(block == nullptr ? none
+                                : source         ? tr("A source is switched with its camera")
+                                : off            ? tr("Let the block work again")
+                                                 : tr("Switch the block off: it then delivers nothing"));
+    m_pRemoveButton->setEnabled(block != nullptr && !source);
+    m_pRemoveButton->setToolTip(block == nullptr ? none
+                                : source         ? tr("A source stays as long as its chain")
+                                                 : tr("Take the block out of the chain"));
+    const bool help = block != nullptr && block->hasHelp();
+    m_pHelpButton->setEnabled(help);
+    m_pHelpButton->setToolTip(help               ? tr("Explain the selected block")
+                              : block != nullptr ? tr("This block brings no help")
+                                                 : none);
+    m_pSaveButton->setEnabled(chain);
+    m_pSaveButton->setToolTip(chain ? tr("Save the chain to a file (Ctrl+S)")
+                                    : tr("The active view shows no chain"));
+}
+
+void CkChainPanel::fillAddMenu() {
+    m_pAddMenu->clear();
+    QMenu* branch = nullptr;
+    for (const SkRegisteredClass& entry : CkRTTI::instance()->classes(QStringLiteral("CkChainable"))) {
+        if (entry.metaObject != nullptr && entry.metaObject->inherits(&CkImageSource::staticMetaObject)) {
+            continue;
+        }
+        if (branch == nullptr) {
+            branch = new QMenu(tr("As a branch with its own view"), m_pAddMenu);
+        }
+        m_pAddMenu->addAction(entry.customName, this, [this, id = entry.uniqueId] { addBlock(id, false); })
+            ->setData(entry.uniqueId);
+        branch->addAction(entry.customName, this, [this, id = entry.uniqueId] { addBlock(id, true); })
+            ->setData(entry.uniqueId);
+    }
+    if (branch != nullptr) {
+        m_pAddMenu->addSeparator();
+        m_pAddMenu->addMenu(branch);
+    } else {
+        m_pAddMenu->addAction(tr("No plug-in offers a block"))->setEnabled(false);
+    }
+}
+
+CkChainable* CkChainPanel::addBlock(const QString& sUniqueId, bool bBranch) {
+    CkChainable* after = m_pTree->selectedBlock();
+    if (after == nullptr && m_pArea->activeView() != nullptr) {
+        after = m_pArea->activeView()->dataProvider();
+    }
+    QString error;
+    CkChainable* block = CkChainEditor::createBlock(sUniqueId, error);
+    if (block == nullptr || !(bBranch ? CkChainEditor::branchAfter(block, after, error)
+                                      : CkChainEditor::insertAfter(block, after, error))) {
+        showProblem(error);
+        return nullptr;
+    }
+    if (bBranch) {
+        emit viewRequested(block);
+    }
+    refresh();
+    m_pTree->selectBlock(block);
+    return block;
+}
+
+void CkChainPanel::configureSelected() {
+    CkChainable* block = m_pTree->selectedBlock();
+    if (block == nullptr) {
+        return;
+    }
+    if (QDialog* open = m_dialogs.value(block)) {
+        open->raise();
+        open->activateWindow();
+        return;
+    }
+    QWidget* settings = block->configurationWidget();
+    if (settings == nullptr) {
+        showProblem(tr("\"%1\" has nothing to configure.").arg(block->title()));
+        return;
+    }
+    auto* dialog = new QDialog(window());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setObjectName(QStringLiteral("configureBlockDialog"));
+    dialog->setWindowTitle(settings->windowTitle().isEmpty() ? block->title() : settings->windowTitle());
+    auto* layout = new QVBoxLayout(dialog);
+    layout->addWidget(settings, 1);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);
+    layout->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
+    connect(dialog, &QObject::destroyed, this, [this] {
+        m_dialogs.removeIf([](const auto& entry) { return entry.value().isNull(); });
+        m_pTree->refreshCounters();
+    });
+    // Gone before the block is, so that its widget never sees a block that is half gone.
+    connect(block, &QObject::destroyed, dialog, [dialog] { delete dialog; });
+    m_dialogs.insert(block, dialog);
+    dialog->show();
+}
+
+void CkChainPanel::removeSelected() {
+    CkChainable* block = m_pTree->selectedBlock();
+    if (block == nullptr) {
+        return;
+    }
+    delete m_dialogs.take(block);
+    QString error;
+    if (!CkChainEditor::remove(block, error)) {
+        showProblem(error);
+    }
+    refresh();
+}
+
+void CkChainPanel::helpSelected() {
+    CkChainable* block = m_pTree->selectedBlock();
+    if (block == nullptr || !block->hasHelp()) {
+        return;
+    }
+    QString text;
+    block->help(text);
+    auto* dialog = new QDialog(window());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setObjectName(QStringLiteral("blockHelpDialog"));
+    dialog->setWindowTitle(tr("Help: %1").arg(block->title()));
+    dialog->resize(520, 320);
+    auto* layout = new QVBoxLayout(dialog);
+    auto* browser = new QTextBrowser(dialog);
+    browser->setOpenExternalLinks(true);
+    browser->setHtml(text);
+    layout->addWidget(browser, 1);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);
+    connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
+    layout->addWidget(buttons);
+    dialog->show();
+}
+
+void CkChainPanel::toggleSelected() {
+    CkChainable* block = m_pTree->selectedBlock();
+    if (block != nullptr && !CkChainEditor::isSource(block)) {
+        block->setState(block->state() == CkChainable::Blocked ? CkChainable::Ready : CkChainable::Blocked);
+        m_pTree->refreshCounters();
+        updateButtons();
+    }
+}
+
+void CkChainPanel::showProblem(const QString& sText) {
+    // Not modal: frames go on, and whoever drives the panel goes on too.
+    auto* box =
+        new QMessageBox(QMessageBox::Warning, tr("Processing Chain"), sText, QMessageBox::Ok, window());
+    box->setObjectName(QStringLiteral("chainProblemBox"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QHash>
+#include <QPointer>
+#include <QTreeWidget>
+
+class CkChain;
+class CkChainable;
+
+/// A chain as a tree from its sources down, with a sign for the state, counters, and error texts below the
+/// blocks they belong to. User-interface thread; the blocks may change from any.
+class CkChainTree : public QTreeWidget {
+    Q_OBJECT
+
+public:
+    enum EkColumn : int { BlockColumn, FramesColumn, DroppedColumn, TimeColumn, ColumnCount };
+
+    explicit CkChainTree(QWidget* pParent = nullptr);
+
+    /// Null: nothing to show. pShown is marked as the block that the active view shows.
+    void setChain(CkChain* pChain, CkChainable* pShown);
+    CkChain* chain() const { return m_chain; }
+
+    /// Null when none is selected.
+    CkChainable* selectedBlock() const;
+    void selectBlock(const CkChainable* pBlock);
+
+    /// The row of a block, null when it is not shown.
+    QTreeWidgetItem* itemOf(const CkChainable* pBlock) const;
+    /// "runs", "stopped", "off" or "error", as the block's sign and tool tip say it.
+    QString shownState(const CkChainable* pBlock) const;
+    /// The error text shown below a block; empty for none.
+    QString shownError(const CkChainable* pBlock) const;
+
+    /// Counters and times, without touching the structure.
+    void refreshCounters();
+
+private:
+    void rebuild();
+    void addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent);
+    void refreshBlock(CkChainable* pBlock);
+    void showError(QTreeWidgetItem* pItem, const QString& sError);
+
+    QPointer<CkChain> m_chain;
+    QPointer<CkChainable> m_shown;
+    QHash<const CkChainable*, QTreeWidgetItem*> m_items;
+};

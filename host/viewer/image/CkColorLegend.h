@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QList>
+#include <QRgb>
+#include <QString>
+#include <QWidget>
+
+/// A bar of the colours of a picture with the values they stand for. User-interface thread.
+class CkColorLegend : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkColorLegend(QWidget* pParent = nullptr);
+
+    /// Colours from the lowest to the highest value.
+    void setColours(const QList<QRgb>& colours);
+    void setRange(double fLow, double fHigh, const QString& sTitle, const QString& sUnit);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    /// Values at which the bar is labelled: round numbers, at most iMaximum of them, from low to high.
+    static QList<double> tickValues(double fLow, double fHigh, int iMaximum);
+
+protected:
+    void paintEvent(QPaintEvent* pEvent) override;
+
+private:
+    QList<QRgb> m_colours;
+    QString m_sTitle;
+    QString m_sUnit;
+    double m_fLow = 0.0;
+    double m_fHigh = 1.0;
+};

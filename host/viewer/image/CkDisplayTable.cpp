@@ -1,0 +1,190 @@
+#include "image/CkDisplayTable.h"
+
+#include "image/CkSampleVisitor.h"
+#include "zuCore/CkLut.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+/// Position of a value in the table of colours.
+class Scale {
+public:
+    Scale(const QList<QRgb>& colours, const SkDisplayWindow& window)
+        : m_colours(colours.constData()), m_low(window.low), m_last(double(colours.size()) - 1.0) {
+        const double range = window.high - window.low;
+        // An empty window is a step: everything above its value gets the last colour.
+        m_factor = range > 0.0 && std::isfinite(range) ? m_last / range : std::numeric_limits<double>::max();
+    }
+
+    QRgb colour(double value) const {
+        return m_colours[size_t(std::clamp((value - m_low) * m_factor + 0.5, 0.0, m_last))];
+    }
+
+private:
+    const QRgb* m_colours;
+    double m_low;
+    double m_last;
+    double m_factor;
+};
+
+bool isSaturated(double value, const SkDisplayWindow& full) {
+    return value >= full.high || (full.low < 0.0 && value <= full.low);
+}
+
+template <class T>
+void colourSmall(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& colours,
+                 const SkDisplayWindow& window, bool saturation, QImage& image) {
+    // One entry for each value a sample can have, so that the loop over the pixels is a plain look-up.
+    using Unsigned = std::make_unsigned_t<T>;
+    constexpr size_t count = size_t(1) << (8 * sizeof(T));
+    std::vector<QRgb> direct(count);
+    const Scale scale(colours, window);
+    const SkDisplayWindow full = CkDisplayTable::fullRange(picBuf);
+    for (size_t i = 0; i < count; ++i) {
+        const double value = double(T(Unsigned(i)));
+        direct[i] = saturation && isSaturated(value, full) ? CkDisplayTable::kSaturated : scale.colour(value);
+    }
+    for (quint32 y = 0; y < picBuf.height; ++y) {
+        const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
+        QRgb* target = reinterpret_cast<QRgb*>(image.scanLine(int(y)));
+        for (quint32 x = 0; x < picBuf.width; ++x, sample += picBuf.channels) {
+            target[x] = direct[Unsigned(*sample)];
+        }
+    }
+}
+
+template <class T>
+void colourLarge(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& colours,
+                 const SkDisplayWindow& window, bool saturation, QImage& image) {
+    const Scale scale(colours, window);
+    const SkDisplayWindow full = CkDisplayTable::fullRange(picBuf);
+    const bool mark = saturation && std::is_integral_v<T>;
+    for (quint32 y = 0; y < picBuf.height; ++y) {
+        const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
+        QRgb* target = reinterpret_cast<QRgb*>(image.scanLine(int(y)));
+        for (quint32 x = 0; x < picBuf.width; ++x, sample += picBuf.channels) {
+            const double value = double(*sample);
+            if (!std::isfinite(value)) {
+                target[x] = CkDisplayTable::kInvalid;
+            } else if (mark && isSaturated(value, full)) {
+                target[x] = CkDisplayTable::kSaturated;
+            } else {
+                target[x] = scale.colour(value);
+            }
+        }
+    }
+}
+
+bool isReadable(const SkPicBuf& picBuf) {
+    constexpr quint32 longest = quint32(std::numeric_limits<int>::max()) / 4;
+    return picBuf.data != nullptr && CkPicBufAPI::isValid(picBuf) && picBuf.width <= longest &&
+           picBuf.height <= longest;
+}
+
+bool prepareImage(const SkPicBuf& picBuf, QImage& image) {
+    const QSize size(int(picBuf.width), int(picBuf.height));
+    if (image.size() != size || image.format() != QImage::Format_RGB32) {
+        QImage fresh(size, QImage::Format_RGB32);
+        if (fresh.isNull()) {
+            return false;
+        }
+        image = std::move(fresh);
+    }
+    return true;
+}
+
+} // namespace
+
+SkDisplayWindow CkDisplayTable::fullRange(const SkPicBufInfo& info) {
+    const bool isSigned = info.dataType == EkImageDataType::Int8 || info.dataType == EkImageDataType::Int16 ||
+                          info.dataType == EkImageDataType::Int32 || info.dataType == EkImageDataType::Int64;
+    if (info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64) {
+        return {0.0, 1.0};
+    }
+    const quint32 sampleBits = 8 * sampleBytes(info.dataType);
+    const quint32 bits =
+        info.bitsPerChannel == 0 || info.bitsPerChannel > sampleBits ? sampleBits : info.bitsPerChannel;
+    if (isSigned) {
+        const double half = std::ldexp(1.0, int(bits) - 1);
+        return {-half, half - 1.0};
+    }
+    return {0.0, std::ldexp(1.0, int(bits)) - 1.0};
+}
+
+QList<QRgb> CkDisplayTable::colours(const CkLut& lut) {
+    // A table for bytes without contrast entries is the bare map.
+    CkLut bare(8, 1, false, EkImageDataType::UInt8);
+    bare.setPseudoColorIndex(lut.pseudoColorIndex());
+    QList<QRgb> result;
+    if (!bare.allocRgbTable(0)) {
+        return result;
+    }
+    const double gamma = lut.contrastEntries().isEmpty() ? 1.0 : lut.contrastEntries().first().gamma;
+    const double last = double(bare.rgbTableEntries()) - 1.0;
+    result.reserve(kColours);
+    for (int i = 0; i < kColours; ++i) {
+        const double part = double(i) / (kColours - 1);
+        const double warped = gamma > 0.0 && std::isfinite(gamma) ? std::pow(part, gamma) : part;
+        const quint8* entry = bare.rgbTable() + size_t(warped * last + 0.5) * 4;
+        result.append(qRgb(entry[2], entry[1], entry[0]));
+    }
+    return result;
+}
+
+bool CkDisplayTable::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const QList<QRgb>& colours,
+                                   const SkDisplayWindow& window, bool bSaturation, QImage& image) {
+    if (!isReadable(picBuf) || uiChannel >= picBuf.channels || colours.size() < 2) {
+        return false;
+    }
+    return visitSampleType(picBuf.dataType, [&](auto type) {
+        using T = decltype(type);
+        if (!prepareImage(picBuf, image)) {
+            return false;
+        }
+        if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
+            colourSmall<T>(picBuf, uiChannel, colours, window, bSaturation, image);
+        } else {
+            colourLarge<T>(picBuf, uiChannel, colours, window, bSaturation, image);
+        }
+        return true;
+    });
+}
+
+bool CkDisplayTable::isColourPicture(const SkPicBufInfo& info) {
+    return info.dataType == EkImageDataType::UInt8 && (info.channels == 3 || info.channels == 4) &&
+           info.colorFilterArray == EkColorFilterArray::None;
+}
+
+bool CkDisplayTable::copyColours(const SkPicBuf& picBuf, QImage& image) {
+    if (!isColourPicture(picBuf) || !isReadable(picBuf) || !prepareImage(picBuf, image)) {
+        return false;
+    }
+    for (quint32 y = 0; y < picBuf.height; ++y) {
+        const quint8* sample = picBuf.row(y);
+        QRgb* target = reinterpret_cast<QRgb*>(image.scanLine(int(y)));
+        for (quint32 x = 0; x < picBuf.width; ++x, sample += picBuf.channels) {
+            target[x] = qRgb(sample[2], sample[1], sample[0]);
+        }
+    }
+    return true;
+}
+
+double CkDisplayTable::sampleValue(const SkPicBuf& picBuf, quint32 uiX, quint32 uiY, quint32 uiChannel) {
+    double value = std::numeric_limits<double>::quiet_NaN();
+    if (!isReadable(picBuf) || uiX >= picBuf.width || uiY >= picBuf.height || uiChannel >= picBuf.channels) {
+        return value;
+    }
+    visitSampleType(picBuf.dataType, [&](auto type) {
+        using T = decltype(type);
+        value =
+            double(reinterpret_cast<const T*>(picBuf.row(uiY))[size_t(uiX) * picBuf.channels + uiChannel]);
+        return true;
+    });
+    return value;
+}

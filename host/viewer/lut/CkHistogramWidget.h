@@ -1,0 +1,43 @@
+#pragma once
+
+#include "image/CkDisplayTable.h"
+#include "image/CkPictureStatistics.h"
+
+#include <QWidget>
+
+/// Histogram of a picture with the contrast window over it; the window's ends can be dragged. User-interface
+/// thread.
+class CkHistogramWidget : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkHistogramWidget(QWidget* pParent = nullptr);
+
+    void showStatistics(const SkPictureStatistics& statistics, const SkDisplayWindow& window, bool bEditable);
+    void clear();
+
+    QSize sizeHint() const override { return {240, 96}; }
+    QSize minimumSizeHint() const override { return {120, 72}; }
+
+signals:
+    /// The user dragged an end of the window.
+    void windowDragged(const SkDisplayWindow& window);
+
+protected:
+    void paintEvent(QPaintEvent* pEvent) override;
+    void mousePressEvent(QMouseEvent* pEvent) override;
+    void mouseMoveEvent(QMouseEvent* pEvent) override;
+    void mouseReleaseEvent(QMouseEvent* pEvent) override;
+
+private:
+    double toX(double fValue) const;
+    double toValue(double fX) const;
+    void updateRange();
+
+    SkPictureStatistics m_statistics;
+    SkDisplayWindow m_window;
+    SkDisplayWindow m_range; ///< values at the left and right border
+    int m_iDragged = 0;      ///< -1 low end, 1 high end, 0 none
+    bool m_bEditable = false;
+    bool m_bEmpty = true;
+};

@@ -1,0 +1,278 @@
+#include "lut/CkLutPanel.h"
+
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+#include "image/CkImageView.h"
+#include "image/CkPictureText.h"
+#include "lut/CkHistogramWidget.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkLut.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPixmap>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kShowMs = 150;
+
+QPixmap mapPixmap(int index, const QSize& size) {
+    CkLut lut(8, 1, false, EkImageDataType::UInt8);
+    lut.setPseudoColorIndex(index);
+    const QList<QRgb> colours = CkDisplayTable::colours(lut);
+    QImage image(size, QImage::Format_RGB32);
+    for (int x = 0; x < size.width() && !colours.isEmpty(); ++x) {
+        const QRgb colour = colours[(colours.size() - 1) * x / std::max(1, size.width() - 1)];
+        for (int y = 0; y < size.height(); ++y) {
+            image.setPixel(x, y, colour);
+        }
+    }
+    return QPixmap::fromImage(image);
+}
+
+} // namespace
+
+CkLutPanel::CkLutPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
+    setObjectName(QStringLiteral("lutPanel"));
+    createControls();
+    m_delay.setSingleShot(true);
+    m_delay.setInterval(kShowMs);
+    connect(&m_delay, &QTimer::timeout, this, &CkLutPanel::showWindow);
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkLutPanel::refresh);
+    connect(m_pMapBox, &QComboBox::activated, this, &CkLutPanel::applyMap);
+    connect(m_pAutoBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
+    connect(m_pSaturationBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
+    connect(m_pLow, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
+    connect(m_pHigh, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
+    connect(m_pGamma, &QDoubleSpinBox::valueChanged, this, [this](double fGamma) {
+        if (m_imageView) {
+            m_imageView->setGamma(fGamma);
+        }
+    });
+    connect(m_pFullButton, &QPushButton::clicked, this, [this] {
+        const CkImageData* frame = m_imageView ? m_imageView->currentImage() : nullptr;
+        if (frame != nullptr) {
+            const SkPictureStatistics& seen = m_imageView->statistics();
+            const bool isFloat = frame->picBuf().dataType == EkImageDataType::Float32 ||
+                                 frame->picBuf().dataType == EkImageDataType::Float64;
+            m_imageView->setWindow(isFloat ? SkDisplayWindow{seen.minimum, seen.maximum}
+                                           : CkDisplayTable::fullRange(frame->picBuf()));
+            refresh();
+        }
+    });
+    connect(m_pHistogram, &CkHistogramWidget::windowDragged, this, [this](const SkDisplayWindow& window) {
+        if (m_imageView) {
+            m_imageView->setWindow(window);
+            const QSignalBlocker blocker(m_pAutoBox);
+            m_pAutoBox->setChecked(false);
+        }
+    });
+    refresh();
+}
+
+QComboBox* CkLutPanel::createMapBox() {
+    auto* box = new QComboBox(this);
+    box->setObjectName(QStringLiteral("lutMap"));
+    const QSize size(72, 14);
+    box->setIconSize(size);
+    const QStringList names = CkLut::pseudoColorNames();
+    for (int i = 0; i < names.size(); ++i) {
+        box->addItem(QIcon(mapPixmap(i, size)), names[i]);
+    }
+    return box;
+}
+
+QDoubleSpinBox* CkLutPanel::createNumber(const QString& sName) {
+    auto* number = new QDoubleSpinBox(this);
+    number->setObjectName(sName);
+    number->setRange(-1e12, 1e12);
+    number->setKeyboardTracking(false);
+    number->setAlignment(Qt::AlignRight);
+    // The huge range must not decide the width.
+    number->setMinimumWidth(70);
+    number->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    return number;
+}
+
+void CkLutPanel::createControls() {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
+    auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    layout->addLayout(form);
+    m_pMapBox = createMapBox();
+    form->addRow(tr("Colours"), m_pMapBox);
+    m_pAutoBox = new QCheckBox(tr("Automatic"), this);
+    m_pAutoBox->setObjectName(QStringLiteral("lutAuto"));
+    m_pSaturationBox = new QCheckBox(tr("Mark saturated"), this);
+    m_pSaturationBox->setObjectName(QStringLiteral("lutSaturation"));
+    auto* flags = new QHBoxLayout;
+    flags->addWidget(m_pAutoBox);
+    flags->addWidget(m_pSaturationBox);
+    form->addRow(tr("Contrast"), flags);
+    m_pHistogram = new CkHistogramWidget(this);
+    m_pHistogram->setObjectName(QStringLiteral("lutHistogram"));
+    layout->addWidget(m_pHistogram);
+    m_pLow = createNumber(QStringLiteral("lutLow"));
+    m_pHigh = createNumber(QStringLiteral("lutHigh"));
+    auto* window = new QHBoxLayout;
+    window->addWidget(m_pLow, 1);
+    window->addWidget(new QLabel(tr("to"), this));
+    window->addWidget(m_pHigh, 1);
+    auto* lower = new QFormLayout;
+    lower->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    lower->addRow(tr("Window"), window);
+    m_pGamma = new QDoubleSpinBox(this);
+    m_pGamma->setObjectName(QStringLiteral("lutGamma"));
+    m_pGamma->setRange(0.1, 10.0);
+    m_pGamma->setSingleStep(0.1);
+    m_pGamma->setValue(1.0);
+    m_pGamma->setAlignment(Qt::AlignRight);
+    m_pFullButton = new QPushButton(tr("Full Range"), this);
+    m_pFullButton->setObjectName(QStringLiteral("lutFull"));
+    auto* last = new QHBoxLayout;
+    last->addWidget(m_pGamma, 1);
+    last->addWidget(m_pFullButton, 1);
+    lower->addRow(tr("Gamma"), last);
+    layout->addLayout(lower);
+    m_pSummary = new QLabel(this);
+    m_pSummary->setObjectName(QStringLiteral("lutSummary"));
+    m_pSummary->setWordWrap(true);
+    layout->addWidget(m_pSummary);
+    layout->addStretch();
+}
+
+void CkLutPanel::refresh() {
+    CkMdiView* view = m_pArea->activeView();
+    if (view != m_view) {
+        if (m_imageView) {
+            disconnect(m_imageView, &CkImageView::contrastChanged, this, nullptr);
+        }
+        m_view = view;
+        m_imageView = qobject_cast<CkImageView*>(view);
+        if (m_imageView) {
+            connect(m_imageView, &CkImageView::contrastChanged, this, [this] {
+                if (!m_delay.isActive()) {
+                    m_delay.start();
+                }
+            });
+        }
+    }
+    bool automatic = false;
+    bool saturation = false;
+    const CkLut* lut = view != nullptr ? view->viewLut(&automatic, &saturation, nullptr) : nullptr;
+    m_pMapBox->setEnabled(lut != nullptr);
+    m_pMapBox->setToolTip(lut != nullptr    ? tr("Colours of the active view")
+                          : view != nullptr ? tr("The active view has no colours to choose")
+                                            : tr("No view is active"));
+    if (lut != nullptr) {
+        m_pMapBox->setCurrentIndex(lut->pseudoColorIndex());
+    }
+    m_pAutoBox->setChecked(automatic && m_imageView);
+    m_pSaturationBox->setChecked(saturation && m_imageView);
+    if (m_imageView) {
+        const QSignalBlocker blocker(m_pGamma);
+        m_pGamma->setValue(m_imageView->gamma());
+        setContrastEnabled(!m_imageView->showsColours(), tr("A colour picture is shown as it is"));
+    } else {
+        setContrastEnabled(false, view != nullptr ? tr("The active view sets its contrast itself")
+                                                  : tr("No view is active"));
+    }
+    showWindow();
+}
+
+void CkLutPanel::setContrastEnabled(bool bEnabled, const QString& sWhy) {
+    const auto set = [&](QWidget* pWidget, const QString& sHint) {
+        pWidget->setEnabled(bEnabled);
+        pWidget->setToolTip(bEnabled ? sHint : sWhy);
+    };
+    set(m_pAutoBox, tr("The contrast follows every frame"));
+    set(m_pSaturationBox, tr("Show samples at the end of their range in red"));
+    set(m_pLow, tr("Value shown with the first colour"));
+    set(m_pHigh, tr("Value shown with the last colour"));
+    set(m_pGamma, tr("Below 1 the dark parts become lighter, above 1 darker"));
+    set(m_pFullButton, tr("The whole range of values, without automatic contrast"));
+}
+
+void CkLutPanel::showWindow() {
+    if (!m_imageView || m_imageView->currentImage() == nullptr || m_imageView->showsColours()) {
+        m_pHistogram->clear();
+        m_pSummary->clear();
+        return;
+    }
+    const SkPicBuf& picture = m_imageView->currentImage()->picBuf();
+    const bool isFloat =
+        picture.dataType == EkImageDataType::Float32 || picture.dataType == EkImageDataType::Float64;
+    const SkDisplayWindow window = m_imageView->window();
+    const SkPictureStatistics& statistics = m_imageView->statistics();
+    const double range = std::max(window.high - window.low, 1e-9);
+    const int decimals = isFloat ? std::clamp(3 - int(std::floor(std::log10(range))), 0, 9) : 0;
+    const QString unit = m_imageView->unit();
+    for (QDoubleSpinBox* number : {m_pLow, m_pHigh}) {
+        if (number->hasFocus() && !m_imageView->autoContrast()) {
+            continue;
+        }
+        const QSignalBlocker blocker(number);
+        number->setDecimals(decimals);
+        number->setSingleStep(isFloat ? std::pow(10.0, -std::max(0, decimals - 2)) : 1.0);
+        number->setSuffix(unit.isEmpty() ? QString() : QLatin1Char(' ') + unit);
+        number->setValue(number == m_pLow ? window.low : window.high);
+    }
+    m_pHistogram->showStatistics(statistics, window, true);
+    QString summary =
+        tr("Values %1 to %2").arg(statistics.minimum, 0, 'g', 5).arg(statistics.maximum, 0, 'g', 5);
+    if (!unit.isEmpty()) {
+        summary += QLatin1Char(' ') + unit;
+    }
+    if (statistics.notFinite > 0) {
+        summary += tr(", %1 invalid").arg(statistics.notFinite);
+    }
+    m_pSummary->setText(CkPictureText::format(picture) + QLatin1Char('\n') + summary);
+}
+
+void CkLutPanel::applyMap(int iIndex) {
+    if (!m_view) {
+        return;
+    }
+    bool automatic = false;
+    bool saturation = false;
+    CkLut* lut = m_view->viewLut(&automatic, &saturation, nullptr);
+    if (lut == nullptr) {
+        return;
+    }
+    lut->setPseudoColorIndex(iIndex);
+    lut->allocRgbTable(0);
+    m_view->setViewLut(lut, automatic, saturation, true);
+    const CkImageData* frame = m_imageView ? m_imageView->currentImage() : nullptr;
+    if (frame != nullptr) {
+        const bool isFloat = frame->picBuf().dataType == EkImageDataType::Float32;
+        CkViewerSettings::open()->setValue(CkViewerSettings::keyPseudoColor(isFloat), iIndex);
+    }
+}
+
+void CkLutPanel::applyFlags() {
+    if (!m_imageView) {
+        return;
+    }
+    CkLut* lut = m_imageView->viewLut(nullptr, nullptr, nullptr);
+    m_imageView->setViewLut(lut, m_pAutoBox->isChecked(), m_pSaturationBox->isChecked(), true);
+    CkViewerSettings::open()->setValue(CkViewerSettings::keyAutoContrast(), m_pAutoBox->isChecked());
+}
+
+void CkLutPanel::applyWindow() {
+    if (m_imageView) {
+        m_imageView->setWindow({m_pLow->value(), m_pHigh->value()});
+        const QSignalBlocker blocker(m_pAutoBox);
+        m_pAutoBox->setChecked(false);
+    }
+}

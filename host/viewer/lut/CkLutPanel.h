@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+class CkHistogramWidget;
+class CkImageView;
+class CkMdiView;
+class CkViewArea;
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QPushButton;
+
+/// Controls of the active view's colour table: map, contrast window, gamma, saturation, histogram. Views that
+/// are no picture views only have a map. User-interface thread.
+class CkLutPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkLutPanel(CkViewArea* pArea, QWidget* pParent = nullptr);
+
+public slots:
+    /// Another view became active, or its table was changed by itself.
+    void refresh();
+
+private:
+    void createControls();
+    QComboBox* createMapBox();
+    QDoubleSpinBox* createNumber(const QString& sName);
+    void applyMap(int iIndex);
+    void applyFlags();
+    void applyWindow();
+    void showWindow();
+    void setContrastEnabled(bool bEnabled, const QString& sWhy);
+
+    CkViewArea* m_pArea;
+    QComboBox* m_pMapBox = nullptr;
+    QCheckBox* m_pAutoBox = nullptr;
+    QCheckBox* m_pSaturationBox = nullptr;
+    QDoubleSpinBox* m_pLow = nullptr;
+    QDoubleSpinBox* m_pHigh = nullptr;
+    QDoubleSpinBox* m_pGamma = nullptr;
+    QPushButton* m_pFullButton = nullptr;
+    QLabel* m_pSummary = nullptr;
+    CkHistogramWidget* m_pHistogram = nullptr;
+    QPointer<CkMdiView> m_view;
+    QPointer<CkImageView> m_imageView;
+    QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
+};

@@ -1,0 +1,99 @@
+#include "app/CkCommandLine.h"
+#include "app/CkViewerSession.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QStyleFactory>
+#include <QTranslator>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr int kBadCommandLine = 1;
+constexpr int kNoDisplay = 2;
+
+int report(int code, const QString& text) {
+    std::fprintf(code == 0 ? stdout : stderr, "%s\n", qUtf8Printable(text.trimmed()));
+    return code;
+}
+
+int inform(int argc, char** argv, const QStringList& arguments) {
+    QCoreApplication application(argc, argv);
+    CkCommandLine commandLine;
+    SkViewerOptions options;
+    QString error;
+    switch (commandLine.parse(arguments, options, error)) {
+    case CkCommandLine::EkResult::Help:
+        return report(0, commandLine.helpText());
+    case CkCommandLine::EkResult::Version:
+        return report(0, CkCommandLine::versionText());
+    case CkCommandLine::EkResult::Error:
+        return report(kBadCommandLine, QStringLiteral("zuviewer: ") + error);
+    case CkCommandLine::EkResult::Run:
+        break;
+    }
+    CkViewerSession::addBuiltInDrivers();
+    return report(0, CkViewerSession::cameraList());
+}
+
+// Qt ends the program by abort() when it finds no screen; people get a sentence instead.
+void reportMissingScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
+    if (type == QtFatalMsg) {
+        std::fputs("zuviewer: no window can be opened: there is no display that can be reached (DISPLAY or "
+                   "WAYLAND_DISPLAY).\nWithout a screen, run it under Xvfb: xvfb-run zuviewer ...\n",
+                   stderr);
+        std::_Exit(kNoDisplay);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(QStringLiteral("zuviewer"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Orvane"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZU_VIEWER_VERSION));
+    QStringList given;
+    bool style = qEnvironmentVariableIsSet("QT_STYLE_OVERRIDE");
+    for (int i = 0; i < argc; ++i) {
+        given.append(QString::fromLocal8Bit(argv[i]));
+        style = style || given.last().startsWith(QLatin1String("-style")) ||
+                given.last().startsWith(QLatin1String("--style"));
+    }
+    if (CkCommandLine::isInformationOnly(given)) {
+        return inform(argc, argv, given);
+    }
+
+    const QtMessageHandler usual = qInstallMessageHandler(&reportMissingScreen);
+    QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
+
+    // Standard buttons and file dialogs speak the user's language where Qt's own texts are installed. Only
+    // the first language counts, as for the plug-ins, so that a window does not mix two.
+    QTranslator qtTexts;
+    const QLocale user;
+    if (qtTexts.load(QLocale(user.language(), user.territory()), QStringLiteral("qtbase"),
+                     QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&qtTexts);
+    }
+
+    CkCommandLine commandLine;
+    SkViewerOptions options;
+    QString error;
+    // What is Qt's own (-style, -platform ...) has been taken out by now.
+    if (commandLine.parse(QCoreApplication::arguments(), options, error) != CkCommandLine::EkResult::Run) {
+        return report(kBadCommandLine, QStringLiteral("zuviewer: ") + error);
+    }
+    if (!style) {
+        QApplication::setStyle(QStringLiteral("Fusion"));
+    }
+    CkViewerSession::addBuiltInDrivers();
+    CkViewerSession session(options);
+    QObject::connect(&session, &CkViewerSession::finished, &application, &QCoreApplication::exit,
+                     Qt::QueuedConnection);
+    if (!session.start() && options.unattended()) {
+        return 3;
+    }
+    return QApplication::exec();
+}

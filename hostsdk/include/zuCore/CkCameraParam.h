@@ -1,0 +1,70 @@
+#pragma once
+
+#include "zuCore/CkValue.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+class CkCameraParameters;
+
+/// One parameter of a camera. Lives as long as its camera is open; user-interface thread.
+///
+/// A value is set first (setParamValue) and takes effect when it is committed, alone (commit) or together
+/// with others (CkCameraParameters::addParamCommitToBatch, endCommitBatch).
+class ZUCORE_EXPORT CkCameraParam : public QObject {
+    Q_OBJECT
+
+public:
+    enum class EkKind { Integer, Float, Bool, Enumeration };
+
+    struct SkEnumEntry {
+        qint64 value = 0;
+        QString text;
+    };
+
+    struct SkDescription {
+        QString name;        ///< the driver's name, unique within the camera
+        QString displayName; ///< for people, translated
+        QString toolTip;
+        QString unit; ///< "us", "MHz", "1/s"; empty for none
+        EkKind kind = EkKind::Integer;
+        CkValue value;
+        double minimum = 0.0; ///< inclusive; Integer and Float; no limits unless minimum < maximum
+        double maximum = 0.0;
+        double step = 1.0; ///< values are minimum plus a whole number of steps; 0 or less: any value (Float)
+        QList<SkEnumEntry> entries; ///< Enumeration
+        bool readOnly = false;
+        bool acceptsUnlisted = false; ///< Enumeration: values without an entry are accepted too
+    };
+
+    CkCameraParam(const SkDescription& description, CkCameraParameters* pParent);
+    ~CkCameraParam() override;
+
+    QString name() const { return m_description.name; }
+    const SkDescription& description() const { return m_description; }
+
+    /// The value set last, committed or not.
+    CkValue paramValue() const { return m_pending; }
+    /// The value the camera works with.
+    CkValue committedValue() const { return m_description.value; }
+
+    /// Sets a value, clamped to limits and step, converted to the parameter's kind. False, with the value
+    /// unchanged, when it is read-only, names no entry of an enumeration, or is not a number for a Float.
+    bool setParamValue(const CkValue& vValue);
+
+    /// Sends the set value to the camera now. False, with the old value restored, when the camera refuses.
+    bool commit();
+
+signals:
+    /// The committed value changed, by whomever.
+    void valueChanged(const CkValue& vValue);
+    /// The value that was set but not committed changed.
+    void pendingValueChanged(const CkValue& vValue);
+
+private:
+    friend class CkCameraParameters;
+
+    SkDescription m_description;
+    CkValue m_pending;
+};

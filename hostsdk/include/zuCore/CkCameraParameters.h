@@ -1,0 +1,59 @@
+#pragma once
+
+#include "zuCore/CkCameraParam.h"
+
+#include <QHash>
+#include <QObject>
+#include <functional>
+
+/// What a camera is.
+struct SkCameraInfo {
+    QString id; ///< unique over all drivers, the same each time the camera is plugged in
+    QString name;
+    QString model;
+    QString serial;
+    quint32 sensorType = 0; ///< 13: hybrid ToF sensor
+};
+
+/// The parameters of an open camera. Lives as long as the camera is open; user-interface thread.
+class ZUCORE_EXPORT CkCameraParameters : public QObject {
+    Q_OBJECT
+
+public:
+    /// Called with the parameters whose set values are to reach the camera as one change, in the order in
+    /// which they were added. False when the camera refuses; all of them are then restored.
+    using CommitFunction = std::function<bool(const QList<CkCameraParam*>&)>;
+
+    explicit CkCameraParameters(const SkCameraInfo& info, CommitFunction commit, QObject* pParent = nullptr);
+    ~CkCameraParameters() override;
+
+    const SkCameraInfo& cameraInfo() const { return m_info; }
+
+    /// Takes a new parameter in. Null when the name is taken.
+    CkCameraParam* addParam(const CkCameraParam::SkDescription& description);
+    QList<CkCameraParam*> params() const { return m_params; }
+
+    /// The named parameter or null. bIgnoreCase compares names without regard to case.
+    CkCameraParam* findParam(const QString& sName, bool bIgnoreCase = false) const;
+
+    /// Notes that a set value belongs to the next batch; adding a parameter twice is no error.
+    void addParamCommitToBatch(CkCameraParam* pParam);
+    /// Ends the batch: bCommit sends all its values to the camera in one step, otherwise they are taken back.
+    /// An empty batch is still one (successful) commit.
+    bool endCommitBatch(bool bCommit);
+
+signals:
+    /// After each batch and each single commit that succeeded, with what changed.
+    void committed(const QList<CkCameraParam*>& params);
+
+private:
+    friend class CkCameraParam;
+
+    bool commitParams(const QList<CkCameraParam*>& params);
+    void restoreParams(const QList<CkCameraParam*>& params);
+
+    SkCameraInfo m_info;
+    CommitFunction m_commit;
+    QList<CkCameraParam*> m_params;
+    QList<CkCameraParam*> m_batch;
+};

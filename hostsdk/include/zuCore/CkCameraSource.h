@@ -1,0 +1,39 @@
+#pragma once
+
+#include "zuCore/CkImageSource.h"
+
+#include <QString>
+#include <atomic>
+
+/// Source that delivers the frames of an open camera. The camera's acquisition is started and stopped through
+/// CkCameraManager, not by the chain. When the camera closes, the source stays and delivers nothing.
+class ZUCORE_EXPORT CkCameraSource : public CkImageSource {
+    Q_OBJECT
+    Q_CLASSINFO("CustomName", "Camera")
+    Q_CLASSINFO("UniqueID", "com.orvane.Pictor.CkCameraSource")
+
+public:
+    /// For re-creation from a chain file; the camera is found by the saved identifier, or is the first
+    /// open one.
+    Q_INVOKABLE CkCameraSource();
+    explicit CkCameraSource(void* pCameraHandle);
+    ~CkCameraSource() override;
+
+    QString title() const override;
+    bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
+    QList<void*> cameraHandles() const override;
+    bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
+    bool loadSettings(const QDomElement& element) override;
+    CkChainable* clone() override;
+
+    void* cameraHandle() const;
+    void setCameraHandle(void* pCameraHandle);
+
+private:
+    void connectCamera();
+    void disconnectCamera();
+
+    std::atomic<void*> m_pCameraHandle = nullptr; ///< read by the chain's thread
+    QString m_sCameraId;                          ///< outlives the camera, for the chain's file
+    QString m_sCameraName;
+};

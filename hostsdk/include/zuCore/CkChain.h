@@ -1,0 +1,131 @@
+#pragma once
+
+#include "zuCore/zuCoreGlobal.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <memory>
+
+class CkChainable;
+class CkImageData;
+struct CkImageMetadata;
+class CkImageSource;
+class CkMemoryPool;
+class QDomDocument;
+class QDomElement;
+struct SkPicBufInfo;
+
+/// Takes the frames that leave a block. Implementations are quick: they keep the frame and return.
+class ZUCORE_EXPORT IkFrameSink {
+public:
+    virtual ~IkFrameSink();
+
+    /// Chain thread. Takes over pData. Answers how many frames it had to drop for this one.
+    virtual int takeFrame(CkImageData* pData) = 0;
+
+    /// Pictures that the sink may hold at once, waiting and shown.
+    virtual int heldFrames() const { return 3; }
+};
+
+/// Counters of a block since the chain was last started. Times are wall-clock nanoseconds.
+struct SkBlockStatistics {
+    quint64 framesIn = 0;
+    quint64 framesOut = 0;
+    quint64 dropped = 0; ///< by a full queue in front of a source, an exhausted pool, or a slow sink
+    quint64 processNs = 0;
+};
+
+/// A graph of blocks and the thread that runs it.
+///
+/// Frames run from the sources to the ends, one at a time, in the order of delivery. Structure and life
+/// are changed through CkChainManager and start/stop. Every function may be called from any thread unless
+/// it says otherwise; control calls of several threads are served one after the other.
+class ZUCORE_EXPORT CkChain : public QObject {
+    Q_OBJECT
+
+public:
+    ~CkChain() override;
+
+    /// Negotiates every block's format, reserves its pictures, calls setupStart from the sources down and
+    /// starts the thread. A block that cannot negotiate shows its error and is left without a pool; the
+    /// rest runs. False when the chain has no source or runs already. Not from the chain's own thread.
+    bool start();
+
+    /// Returns when no block is inside processData any more and every setupStop has been called. Frames in
+    /// the queue are dropped. Nothing happens for a stopped chain. Not from the chain's own thread.
+    void stop();
+
+    bool started() const;
+    bool stopped() const;
+
+    /// Holds off start, stop and structural changes by other threads; what the holding thread calls goes
+    /// through. For "stop, change, start" as one step.
+    class ZUCORE_EXPORT CkControlLock {
+    public:
+        explicit CkControlLock(CkChain* pChain);
+        ~CkControlLock();
+        CkControlLock(const CkControlLock&) = delete;
+        CkControlLock& operator=(const CkControlLock&) = delete;
+
+    private:
+        CkChain* m_pChain;
+    };
+
+    /// Sources in the order in which they were put into the chain.
+    QList<CkChainable*> imageSources() const;
+    /// All blocks, each behind its predecessors.
+    QList<CkChainable*> blocks() const;
+    QList<CkChainable*> precedessors(const CkChainable* pBlock) const;
+    QList<CkChainable*> successors(const CkChainable* pBlock) const;
+
+    /// "Source - Block - Block" along the way to pProvider, for window titles.
+    QString chainTitle(const CkChainable* pProvider) const;
+
+    CkMemoryPool* memoryPool() const;
+
+    /// From the next frame on the sink gets its own object of every frame that leaves pBlock. A running
+    /// chain makes room in the block's pool. False when the block is not in the chain.
+    bool addSink(CkChainable* pBlock, IkFrameSink* pSink);
+    /// Returns when the sink is no longer inside takeFrame.
+    void removeSink(IkFrameSink* pSink);
+    /// The block whose frames the sink gets; moves when a block is inserted behind it. Null when unknown.
+    CkChainable* sinkBlock(const IkFrameSink* pSink) const;
+
+    SkBlockStatistics blockStatistics(const CkChainable* pBlock) const;
+
+    /// The format negotiated last for the block's output. False when there is none.
+    bool negotiatedInfo(const CkChainable* pBlock, SkPicBufInfo& info, CkImageMetadata* pMetadata) const;
+
+    /// Before the next frame every block is set up anew, as by stop and start, on the chain's thread. A
+    /// block may ask from within processData; while that changes no format its requests are served ever
+    /// more rarely. A frame that does not have the format negotiated for its source, or whose output does not
+    /// fit the block's pictures, is dropped and asks for this by itself.
+    void requestRenegotiation();
+
+    /// The chain's blocks and connections as an XML element "chain", and back. save fills the element when it
+    /// is a "chain", makes one when it is null, and otherwise appends one to it; load reads the element or
+    /// its child "chain" and replaces the blocks that the chain has (their sinks stay without frames).
+    /// On failure the chain is left as it was and psError says what is wrong and where. User-interface
+    /// thread.
+    bool save(QDomDocument& doc, QDomElement& element) const;
+    bool load(const QDomElement& element, QString* psError);
+
+signals:
+    void runningChanged(bool bRunning);
+    void structureChanged();
+    /// After a sink was moved to another block by an insertion or removal.
+    void sinksMoved();
+
+private:
+    friend class CkChainManager;
+    friend class CkChainable;
+    friend class CkImageProvider;
+    friend class CkImageSource;
+
+    explicit CkChain(QObject* pParent = nullptr);
+
+    class CkPrivate;
+    std::unique_ptr<CkPrivate> m_d;
+};

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "zuCore/IkChainData.h"
+#include "zuCore/zuCoreGlobal.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <mutex>
+
+class CkChain;
+class CkMemoryPool;
+class QDomDocument;
+class QDomElement;
+class QWidget;
+
+/// A block of a processing chain.
+///
+/// Life: constructed and configured on the user-interface thread; put into a chain by CkChainManager, which
+/// then owns it; setupStart, any number of processData on the chain's thread, setupStop. The three are
+/// never called at the same time. Class information "CustomName" and "UniqueID" (Q_CLASSINFO) let the
+/// registry list and re-create a block; such a class needs an invokable default constructor.
+class ZUCORE_EXPORT CkChainable : public QObject {
+    Q_OBJECT
+
+public:
+    /// What the host lets the block do.
+    enum EkState : int {
+        Ready = 0,
+        Blocked = 1, ///< switched off by the user; must not produce output
+    };
+
+    /// iBlockKind: kinds of the host's menus; 41 is an image processing block.
+    explicit CkChainable(int iBlockKind = 0, QObject* pParent = nullptr);
+    ~CkChainable() override;
+
+    int blockKind() const { return m_iBlockKind; }
+
+    /// Short name for panels and window titles.
+    virtual QString title() const;
+
+    /// Whether the block can work on the output of pUpstream; null asks whether it can stand first. The base
+    /// accepts any block, but does not stand first.
+    virtual bool acceptsDataFrom(CkChainable* pUpstream);
+
+    /// Pictures that the block itself may have out of its pool at once. The chain adds what views and
+    /// branches may hold. The base answers 0: the block gets no shelf in the pool.
+    virtual int buffersCountInMemoryPool() const;
+
+    /// Called before the first and after the last frame of a run. Overrides call the base.
+    virtual void setupStart();
+    virtual void setupStop();
+
+    /// Works on one frame; chain thread. Takes over pData (may be null). Result: the same object (passed
+    /// through), a new one after deleting pData, or null for no output, pData deleted by the caller:
+    /// a block that answers null has not deleted its input.
+    virtual IkChainData* processData(IkChainData* pData);
+
+    /// Writes and reads the block's settings as attributes of its element in the chain's file. Overrides
+    /// call the base first. The base keeps whether the block is switched off.
+    virtual bool saveSettings(QDomDocument& doc, QDomElement& element) const;
+    virtual bool loadSettings(const QDomElement& element);
+
+    virtual bool hasHelp() const;
+    /// Rich text for the user.
+    virtual void help(QString& sText);
+
+    /// A new widget to configure the block, owned by the caller; null when there is nothing to configure.
+    virtual QWidget* configurationWidget();
+
+    /// A new block with the same configuration, in no chain, owned by the caller; null when not cloneable.
+    virtual CkChainable* clone();
+
+    /// The chain the block is in, or null. Any thread.
+    CkChain* chain() const;
+
+    /// The blocks that feed this one, in the order they were connected; empty for sources and outside a
+    /// chain. Any thread.
+    QList<CkChainable*> precedessors() const;
+
+    /// EkState. Any thread.
+    int state() const;
+    void setState(int iState);
+
+    /// What the host shows on the block; empty for no error. Any thread.
+    QString errorMessage() const;
+    void setErrorMessage(const QString& sMessage);
+
+    /// The chain's picture memory; null outside a chain. The block's own shelf has the block as its owner.
+    CkMemoryPool* memoryPool() const;
+
+signals:
+    /// Emitted on the thread that changed the message.
+    void errorMessageChanged(const QString& sMessage);
+    void stateChanged(int iState);
+    /// Title or settings have changed.
+    void configurationChanged();
+
+private:
+    friend class CkChain;
+
+    const int m_iBlockKind;
+    mutable std::mutex m_mutex;
+    CkChain* m_pChain = nullptr;
+    int m_iState = Ready;
+    QString m_sErrorMessage;
+};

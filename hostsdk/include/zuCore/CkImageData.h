@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/IkChainData.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <QObject>
+
+/// One frame: a picture with its metadata. Owns its reference to the picture and gives it back when deleted.
+/// Moves between threads freely, but only one thread may hold it at a time; the pixels it shares with
+/// other frames are read only.
+class ZUCORE_EXPORT CkImageData : public QObject, public IkChainData {
+    Q_OBJECT
+
+public:
+    explicit CkImageData(QObject* pParent = nullptr);
+    ~CkImageData() override;
+
+    const SkPicBuf& picBuf() const { return m_picBuf; }
+    SkPicBuf& picBuf() { return m_picBuf; }
+
+    /// Takes over the picture's reference; the one held before is given back.
+    void setPicBuf(const SkPicBuf& picBuf);
+
+    const CkImageMetadata& metadata() const { return m_metadata; }
+    void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; }
+
+    /// Identifier of the frame within its source: the low 31 bits of the frame number, never negative.
+    qint32 frameId() const { return qint32(m_picBuf.additionalData.frameNumber & 0x7fffffffU); }
+
+    /// A new frame on the same pixels (copied when nobody owns them), owned by the caller; null when
+    /// memory is short.
+    CkImageData* share() const override;
+
+private:
+    SkPicBuf m_picBuf;
+    CkImageMetadata m_metadata;
+};

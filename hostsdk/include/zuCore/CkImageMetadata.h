@@ -1,0 +1,42 @@
+#pragma once
+
+#include "zuCore/zuCoreGlobal.h"
+
+#include <QString>
+#include <QStringList>
+
+/// Readout formats of a ToF camera as they appear in CkImageMetadata::tofFormatCode. Exactly these six
+/// are recognised.
+namespace TofFormatCode {
+inline constexpr quint32 RawX2Bits8 = 0x80ab0f08U;
+inline constexpr quint32 RawX2Bits12 = 0x80ab0f0cU;
+inline constexpr quint32 RawX2Bits12Alternate = 0x84ab0f0cU;
+inline constexpr quint32 AminusBBits8 = 0x80a05f08U;
+inline constexpr quint32 AminusBBits12 = 0x80a05f0cU;
+inline constexpr quint32 AminusBBits12Alternate = 0x84a05f0cU;
+} // namespace TofFormatCode
+
+/// Per-image record that travels with a picture. Plain data, copied by value (strings share).
+struct CkImageMetadata {
+    QStringList channelNames;         ///< one per channel: "Phase shift", "Confidence", "Depth", "X1", ...
+    quint32 tofFormatCode = 0;        ///< see TofFormatCode; 0 = none
+    quint32 colorFilterArray = 0;     ///< same code as the descriptor's
+    float modulationFrequency = 0.0F; ///< MHz; 0 = absent
+    qint32 phasesCount = 0;           ///< phases stacked in this picture; 0 or negative = unknown
+    qint32 phaseSequenceLength = 0;   ///< images that make one set; 0 or negative = not a sequence
+    qint32 phaseSequenceIndex = 0;    ///< position in the set, from 0
+    qint32 phaseAngle = 0;            ///< degrees, of an image that holds one phase
+    float hybridPulseDuration = 0.0F; ///< seconds; 0 or negative = default depth range
+    quint32 sectionIndex = 0;         ///< position among the sections of a hybrid measurement, from 0
+    quint32 sectionCount = 0;         ///< sections of a hybrid measurement
+    quint32 sectionMode = 0;          ///< 3: section 0 is a reference that is subtracted from the others
+    float lensFocalLength = 0.0F;     ///< mm; 0 or negative = unknown
+    float exposureTimeUs = 0.0F;      ///< microseconds
+    float frameRate = 0.0F;           ///< sets per second the camera is set to
+    qint64 timestampNs = 0;           ///< host clock at delivery, nanoseconds since the epoch
+    quint64 frameNumber = 0;          ///< counts from 0 at each start of acquisition
+    QString cameraName;
+    QString cameraSerial;
+
+    bool operator==(const CkImageMetadata&) const = default;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "zuCore/CkImageProvider.h"
+
+class CkImageData;
+
+/// First block of a chain: frames enter here. A source never blocks its producer: what the chain cannot take
+/// in time is dropped and counted (CkChain::blockStatistics).
+class ZUCORE_EXPORT CkImageSource : public CkImageProvider {
+    Q_OBJECT
+
+public:
+    explicit CkImageSource(QObject* pParent = nullptr);
+    ~CkImageSource() override;
+
+    /// A source stands first (true for null) and has no input (false for everything else).
+    bool acceptsDataFrom(CkChainable* pUpstream) override;
+    bool inputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
+    /// The same as sourceImageInfo, also while the chain runs: whoever has just set a camera up sees what
+    /// comes next, not what the chain was last set up for.
+    bool outputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) override;
+
+    /// The format of the frames to come. False when unknown. Any thread.
+    virtual bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const = 0;
+
+    /// Cameras behind this source, empty for none.
+    virtual QList<void*> cameraHandles() const;
+
+protected:
+    /// Hands a frame to the chain and takes it over. False when it was dropped: outside a chain, chain
+    /// stopped, or the chain still busy with earlier ones. Any thread.
+    bool deliver(CkImageData* pData);
+};

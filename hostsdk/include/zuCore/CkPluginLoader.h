@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zuCore/zuCoreGlobal.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+class CkPlugin;
+class QPluginLoader;
+
+/// Loads viewer plug-ins. User-interface thread. A library that is broken, foreign or built for another major
+/// version of the framework is refused with a message that names the file and the reason; it never takes
+/// the program down with an exception.
+class ZUCORE_EXPORT CkPluginLoader : public QObject {
+    Q_OBJECT
+
+public:
+    struct SkLoadedPlugin {
+        QString fileName;
+        CkPlugin* plugin = nullptr;
+        QObject* object = nullptr;
+    };
+
+    explicit CkPluginLoader(QObject* pParent = nullptr);
+    ~CkPluginLoader() override;
+
+    /// Loads one library and calls init(). Null, with psError set, on refusal.
+    CkPlugin* load(const QString& sFileName, QString* psError);
+
+    /// Loads every library of a folder, in order of file name; answers the messages of the refused ones.
+    QStringList loadFolder(const QString& sFolder);
+
+    QList<SkLoadedPlugin> plugins() const { return m_plugins; }
+
+private:
+    QList<SkLoadedPlugin> m_plugins;
+};

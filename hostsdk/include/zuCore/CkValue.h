@@ -1,0 +1,42 @@
+#pragma once
+
+#include "zuCore/zuCoreGlobal.h"
+
+#include <QMetaType>
+#include <QString>
+#include <variant>
+
+/// A number, flag or text as it travels between controls and camera parameters. Plain value; conversions
+/// never fail: what cannot be converted gives 0, false or an empty text, numbers out of range saturate.
+class ZUCORE_EXPORT CkValue {
+public:
+    enum class EkType { None, Int, Float, Bool, String };
+
+    CkValue() = default;
+    CkValue(int iValue) : m_value(qint64(iValue)) {}    // NOLINT(google-explicit-constructor)
+    CkValue(qint64 iValue) : m_value(iValue) {}         // NOLINT(google-explicit-constructor)
+    CkValue(double fValue) : m_value(fValue) {}         // NOLINT(google-explicit-constructor)
+    CkValue(float fValue) : m_value(double(fValue)) {}  // NOLINT(google-explicit-constructor)
+    CkValue(bool bValue) : m_value(bValue) {}           // NOLINT(google-explicit-constructor)
+    CkValue(const QString& sValue) : m_value(sValue) {} // NOLINT(google-explicit-constructor)
+
+    EkType type() const { return EkType(m_value.index()); }
+    bool isValid() const { return type() != EkType::None; }
+
+    /// Fractions are cut off towards zero.
+    qint64 toInt64() const;
+    int toInt() const;
+    double toDouble() const;
+    float toFloat() const { return float(toDouble()); }
+    /// Numbers: not 0. Texts: "true" or a number that is not 0.
+    bool toBool() const;
+    /// Numbers in the C locale, floats in the shortest exact form.
+    QString toString() const;
+
+    bool operator==(const CkValue&) const = default;
+
+private:
+    std::variant<std::monostate, qint64, double, bool, QString> m_value;
+};
+
+Q_DECLARE_METATYPE(CkValue)

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <QList>
+#include <functional>
+#include <memory>
+
+class CkImageData;
+
+/// An open camera behind a driver.
+///
+/// Opened, configured, started and stopped on the user-interface thread; delivers frames from a thread of its
+/// own.
+class ZUCORE_EXPORT IkCamera {
+public:
+    /// Takes over the frame. Called from the camera's own thread.
+    using FrameFunction = std::function<void(CkImageData*)>;
+
+    virtual ~IkCamera();
+
+    /// Owned by the camera. Committed values apply from the next frame on, together.
+    virtual CkCameraParameters* parameters() = 0;
+
+    /// Format of the frames to come with the parameters as they are. Any thread.
+    virtual bool frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const = 0;
+
+    /// Starts delivering. False, with psError set, when the camera cannot.
+    virtual bool start(FrameFunction deliver, QString* psError) = 0;
+    /// Returns when no frame is being delivered any more.
+    virtual void stop() = 0;
+    virtual bool isRunning() const = 0;
+
+    /// Holds delivery without stopping (true), or goes on; step delivers one set while held.
+    virtual void setPaused(bool bPaused) = 0;
+    virtual void step() = 0;
+};
+
+/// A family of cameras. One object per driver, registered with CkCameraManager at start.
+class ZUCORE_EXPORT IkCameraDriver {
+public:
+    virtual ~IkCameraDriver();
+
+    virtual QString name() const = 0;
+    /// Cameras that can be opened now.
+    virtual QList<SkCameraInfo> availableCameras() const = 0;
+    /// Null, with psError set, when the camera is not there or cannot be opened.
+    virtual std::unique_ptr<IkCamera> open(const QString& sId, QString* psError) = 0;
+};

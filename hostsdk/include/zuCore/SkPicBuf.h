@@ -1,0 +1,48 @@
+#pragma once
+
+#include "zuCore/EkImageDataType.h"
+#include "zuCore/zuCoreGlobal.h"
+
+class CkPicMemory;
+
+/// Format descriptor of a picture. Plain data; the order of the fields is part of the interface.
+struct SkPicBufInfo {
+    quint32 width = 0;          ///< pixels per row
+    quint32 height = 0;         ///< rows; of a stacked picture the total of all sub-images
+    quint32 lineSize = 0;       ///< bytes from one row to the next, at least width * channels * sample bytes
+    quint32 channels = 0;       ///< interleaved samples per pixel
+    quint32 bitsPerChannel = 0; ///< significant bits of a sample: 8, 12, 16, 32
+    quint32 linePadding = 0; ///< rows are rounded up to a multiple of this many bytes; 0 and 1: packed rows
+    EkImageDataType dataType = EkImageDataType::Unknown;
+    EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown;
+    EkColorFilterArray colorFilterArray = EkColorFilterArray::None;
+    bool layoutFlag = false; ///< false for every raw ToF picture
+};
+
+/// What a frame carries beside its pixels; copied from input to output by every block.
+struct SkPicAdditionalData {
+    quint64 frameNumber = 0; ///< counts from 0 at each start of the camera
+    qint64 timestampNs = 0;  ///< time of exposure on the camera's own clock, nanoseconds
+};
+
+/// A picture: descriptor, pixels and the value range of float pixels.
+///
+/// Plain data without a destructor: copying the structure makes an alias of the same pixels, and exactly
+/// one of the aliases is given to CkPicBufAPI::FreePicBuf. Not synchronised; pixels that several threads
+/// hold are only read.
+struct SkPicBuf : SkPicBufInfo {
+    quint8* data = nullptr; ///< row 0; null when nothing is allocated
+    float minValue = 0.0F;  ///< smallest finite value of a float picture, see CalcFloatDataMinMax
+    float maxValue = 0.0F;  ///< largest finite value of a float picture
+
+    SkPicAdditionalData additionalData;
+
+    /// What keeps the pixels alive, counted; null for pixels that somebody else owns.
+    CkPicMemory* memory = nullptr;
+
+    /// Takes over the additional data (time stamp, counters) of another picture.
+    void copyPicAdditionalData(const SkPicBuf& other) { additionalData = other.additionalData; }
+
+    const quint8* row(quint32 uiRow) const { return data + size_t(uiRow) * lineSize; }
+    quint8* row(quint32 uiRow) { return data + size_t(uiRow) * lineSize; }
+};

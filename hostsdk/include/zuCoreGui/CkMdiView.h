@@ -1,0 +1,91 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+#include "zuCoreGui/zuCoreGuiGlobal.h"
+
+#include <QList>
+#include <QPointer>
+#include <QWidget>
+#include <memory>
+
+class CkChainable;
+class CkImageData;
+class CkLut;
+
+/// A view in the MDI area. Base of image views and of what plug-ins add. User-interface thread.
+///
+/// A view constructed on a block shows that block's frames: the base attaches itself to the block's chain,
+/// keeps the newest frame in a slot of depth one and hands it over (frameArrived) when the event loop comes
+/// to it. When a block is inserted behind the view's block, the view follows to the new block's output.
+/// A view without a block gets its frames in another way (updateWithConnectedImageData).
+class ZUCOREGUI_EXPORT CkMdiView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Bits of viewCaps.
+    enum EkViewCaps : int {
+        NativeWindowCap = 0x40, ///< holds a native sub-surface that wants a window of its own
+    };
+
+    /// Either block may be null. The second one is kept for views that compare two sources.
+    explicit CkMdiView(CkChainable* pProvider = nullptr, CkChainable* pSecond = nullptr);
+    ~CkMdiView() override;
+
+    /// Identifier within the program, from 0, never used again; given at construction.
+    int viewId() const { return m_iViewId; }
+
+    virtual int viewCaps() const;
+    /// The view this one follows, or -1.
+    virtual int connectedViewId() const;
+    /// Whether the view holds data that would be lost when it closes.
+    virtual bool containsData() const;
+    virtual QString viewTitle() const;
+
+    /// The table the view is coloured with (owned by the view, may be null) and its flags: bAutoContrast,
+    /// bShowSaturation, and the bits of the values it is applied to. Null pointers are passed over.
+    virtual CkLut* viewLut(bool* pbFlag1, bool* pbFlag2, unsigned int* puiBits);
+    /// Takes over the table (the one the view has, changed in place, is given as well). A null table only
+    /// stores the flags. bUpdate: show the change at once.
+    virtual void setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate);
+
+    /// The frame that is shown, or null. Valid until the next frame.
+    virtual CkImageData* currentImage();
+    /// The frame received last when its identifier is iFrameId, else null. Valid until the next frame.
+    virtual const CkImageData* imageData(qint32 iFrameId);
+
+    /// The block whose output is shown, or null.
+    virtual CkChainable* dataProvider() const;
+    CkChainable* secondProvider() const;
+    virtual QList<void*> cameraHandles() const;
+
+    /// A view of the same kind on other blocks, handed to the application; null when not possible.
+    virtual CkMdiView* clone(CkChainable* pProvider, CkChainable* pSecond);
+
+    /// A frame of the view that this one follows; stays the caller's.
+    virtual void updateWithConnectedImageData(const CkImageData* pData, bool bForce);
+
+    /// Frames the view could not take in time since it was opened.
+    quint64 droppedFrames() const;
+
+signals:
+    /// A new frame is there: imageData(iFrameId) answers it during the call, and until the next one comes.
+    void receivedFrame(qint32 iFrameId);
+    /// After receivedFrame; for the application, which tells the plug-ins.
+    void imageShown(int iViewId, const CkImageData* pData);
+    /// The block shown changed (insertion, removal), or went away.
+    void dataProviderChanged();
+    void viewTitleChanged();
+
+protected:
+    /// A frame of the view's own block, owned by the view from then on through the base. Overrides call the
+    /// base last, which stores it and emits the signals.
+    virtual void frameArrived(std::unique_ptr<CkImageData> data);
+
+    /// Attaches to another block's frames; null detaches.
+    void setDataProvider(CkChainable* pProvider);
+
+private:
+    class CkPrivate;
+    std::unique_ptr<CkPrivate> m_d;
+    int m_iViewId;
+};

@@ -1,0 +1,85 @@
+// Copies that do not look at sample values.
+
+#include "zuCore/CkPicBufAPI.h"
+
+#include "pictureChecks.h"
+
+#include <cstring>
+
+bool CkPicBufAPI::CopyPicBuf(const SkPicBuf& source, SkPicBuf& target) {
+    if (!hasPixels(source)) {
+        return false;
+    }
+    if (target.data == nullptr) {
+        const SkPicBuf original = source; // the target may be a picture whose pixels were taken away
+        if (!AllocPicBufFromHeap(target, original)) {
+            return false;
+        }
+    }
+    if (!sameSize(source, target) || !CopyRect(target, 0, 0, source, 0, 0, source.width, source.height)) {
+        return false;
+    }
+    target.minValue = source.minValue;
+    target.maxValue = source.maxValue;
+    target.copyPicAdditionalData(source);
+    return true;
+}
+
+bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
+                           quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight) {
+    if (!hasPixels(source) || !hasPixels(target) || !samePixelFormat(source, target)) {
+        return false;
+    }
+    const auto inside = [&](const SkPicBufInfo& info, quint32 x, quint32 y) {
+        return quint64(x) + uiWidth <= info.width && quint64(y) + uiHeight <= info.height;
+    };
+    if (!inside(source, uiSourceX, uiSourceY) || !inside(target, uiTargetX, uiTargetY)) {
+        return false;
+    }
+    if (uiWidth == 0 || uiHeight == 0) {
+        return true;
+    }
+    const size_t pixelBytes = size_t(source.channels) * sampleBytes(source.dataType);
+    const size_t rowBytes = pixelBytes * uiWidth;
+    const quint8* const from = source.row(uiSourceY) + pixelBytes * uiSourceX;
+    quint8* const to = target.row(uiTargetY) + pixelBytes * uiTargetX;
+    // Within one picture rows are moved in the order that reads each before it is overwritten.
+    const bool backwards = std::less<const quint8*>()(from, to);
+    for (quint32 i = 0; i < uiHeight; ++i) {
+        const size_t y = backwards ? uiHeight - 1 - i : i;
+        std::memmove(to + y * target.lineSize, from + y * source.lineSize, rowBytes);
+    }
+    return true;
+}
+
+bool CkPicBufAPI::ExtractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel) {
+    if (!hasPixels(source) || !hasPixels(target) || uiChannel >= source.channels || target.channels != 1 ||
+        target.dataType != source.dataType || !sameSize(source, target) || overlap(source, target)) {
+        return false;
+    }
+    const auto copyRows = [&]<size_t Bytes>() {
+        const size_t step = size_t(source.channels) * Bytes;
+        for (quint32 y = 0; y < source.height; ++y) {
+            const quint8* from = source.row(y) + size_t(uiChannel) * Bytes;
+            quint8* to = target.row(y);
+            for (quint32 x = 0; x < source.width; ++x, from += step, to += Bytes) {
+                std::memcpy(to, from, Bytes);
+            }
+        }
+    };
+    switch (sampleBytes(source.dataType)) {
+    case 1:
+        copyRows.operator()<1>();
+        break;
+    case 2:
+        copyRows.operator()<2>();
+        break;
+    case 4:
+        copyRows.operator()<4>();
+        break;
+    default:
+        copyRows.operator()<8>();
+        break;
+    }
+    return true;
+}

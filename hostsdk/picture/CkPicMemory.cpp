@@ -1,0 +1,71 @@
+#include "CkPicMemory.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+#include <unistd.h>
+#include <utility>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace {
+
+constexpr size_t alignment = 64;
+
+/// Systems promise more memory than they have and end the program that uses it; a picture that can never be
+/// in memory as a whole is refused instead.
+size_t physicalMemory() {
+    static const size_t bytes = [] {
+        const long pages = sysconf(_SC_PHYS_PAGES);
+        const long pageBytes = sysconf(_SC_PAGESIZE);
+        return pages > 0 && pageBytes > 0 ? size_t(pages) * size_t(pageBytes) : size_t(PTRDIFF_MAX);
+    }();
+    return bytes;
+}
+
+} // namespace
+
+CkPicMemory* CkPicMemory::create(size_t uiBytes, bool bClear) noexcept {
+    const size_t overhead = sizeof(CkPicMemory) + alignment - 1;
+    if (uiBytes == 0 || uiBytes > size_t(PTRDIFF_MAX) - overhead || uiBytes > physicalMemory()) {
+        return nullptr;
+    }
+    // calloc takes fresh zero pages from the system, so a large picture costs nothing until it is written.
+    void* const block = bClear ? std::calloc(1, uiBytes + overhead) : std::malloc(uiBytes + overhead);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    const auto behindHeader = reinterpret_cast<std::uintptr_t>(block) + sizeof(CkPicMemory);
+    const auto aligned = (behindHeader + alignment - 1) / alignment * alignment;
+    auto* const pixels = static_cast<quint8*>(block) + (aligned - reinterpret_cast<std::uintptr_t>(block));
+#if defined(__SANITIZE_ADDRESS__)
+    // The slack that alignment leaves would hide writes behind the last row.
+    ASAN_POISON_MEMORY_REGION(pixels + uiBytes, overhead - sizeof(CkPicMemory) - (aligned - behindHeader));
+#endif
+    return new (block) CkPicMemory(pixels, uiBytes);
+}
+
+void CkPicMemory::destroy(CkPicMemory* pMemory) noexcept {
+    pMemory->~CkPicMemory();
+    std::free(pMemory);
+}
+
+void CkPicMemory::release() noexcept {
+    if (m_references.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+        return;
+    }
+    // The shelf's pointer leaves first: takeBack may hand this memory out to another thread at once.
+    const std::shared_ptr<IkPicMemoryShelf> shelf = std::move(m_pShelf);
+    if (shelf) {
+        shelf->takeBack(this);
+    } else {
+        destroy(this);
+    }
+}
+
+void CkPicMemory::handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept {
+    m_references.store(1, std::memory_order_relaxed);
+    m_pShelf = std::move(pShelf);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+
+class CkPicMemory;
+
+/// Where the memory of pooled pictures goes when its last holder lets go. Any thread.
+class IkPicMemoryShelf {
+public:
+    virtual ~IkPicMemoryShelf() = default;
+    virtual void takeBack(CkPicMemory* pMemory) = 0;
+};
+
+/// Counted pixels. Header and pixels are one allocation, so that a picture costs one call of the allocator.
+/// Counting may happen on any thread.
+class CkPicMemory {
+public:
+    /// Memory with one reference; pixels aligned to 64 bytes, zeroed when bClear. Null when it cannot be had.
+    static CkPicMemory* create(size_t uiBytes, bool bClear) noexcept;
+    static void destroy(CkPicMemory* pMemory) noexcept;
+
+    CkPicMemory(const CkPicMemory&) = delete;
+    CkPicMemory& operator=(const CkPicMemory&) = delete;
+
+    quint8* pixels() { return m_pPixels; }
+    size_t bytes() const { return m_uiBytes; }
+
+    void addReference() noexcept { m_references.fetch_add(1, std::memory_order_relaxed); }
+    /// Gives one reference back; the last one sends the memory to its shelf, or frees it.
+    void release() noexcept;
+
+    /// Takes memory without holders into use again: one reference, going back to pShelf.
+    void handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept;
+
+private:
+    CkPicMemory(quint8* pPixels, size_t uiBytes) : m_pPixels(pPixels), m_uiBytes(uiBytes) {}
+    ~CkPicMemory() = default;
+
+    quint8* const m_pPixels;
+    const size_t m_uiBytes;
+    std::atomic<int> m_references{1};
+    std::shared_ptr<IkPicMemoryShelf> m_pShelf;
+};

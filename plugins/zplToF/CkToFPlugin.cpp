@@ -1,0 +1,141 @@
+#include "CkToFPlugin.h"
+
+#include "chain/CkToFProcessCnbl.h"
+#include "integration/CkToFCameraCheck.h"
+#include "integration/CkToFToolArea.h"
+#include "translations/CkToFTranslation.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkRTTI.h"
+#include "zuCore/zuCoreVersion.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QAction>
+#include <QLocale>
+#include <QMenu>
+#include <QVariant>
+
+CkToFPlugin::CkToFPlugin() : m_actions(m_chainHost) {
+    CkToFTranslation::install(QLocale(), this);
+}
+
+CkToFPlugin::~CkToFPlugin() = default;
+
+bool CkToFPlugin::init() {
+    CkRTTI::instance()->registerClass(this, &CkToFProcessCnbl::staticMetaObject,
+                                      QStringLiteral("CkChainable"));
+
+    IkAppDelegate* host = IkAppDelegate::instance();
+    if (QMenu* hostMenu = host != nullptr ? host->mainMenu(IkAppDelegate::PluginMenu) : nullptr) {
+        QMenu* menu = hostMenu->addMenu(tr("Time of Flight Processing (ToF)"));
+        const auto add = [menu](const QString& text, const char* name) {
+            QAction* action = menu->addAction(text);
+            action->setObjectName(QLatin1String(name));
+            action->setEnabled(false);
+            return action;
+        };
+        m_pOpen3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
+        m_pOpenAllViews = add(tr("Open All ToF Processing Views"), "menuOpenAllToFProcessingViews");
+        m_pCalibrate = add(tr("Calibrate distance offset..."), "menuTofCalibrateOffset");
+        connect(m_pOpen3dView, SIGNAL(triggered()), this, SLOT(on_actOpenToF3dView()));
+        connect(m_pOpenAllViews, SIGNAL(triggered()), this, SLOT(on_actOpenAllToFViews()));
+        connect(m_pCalibrate, SIGNAL(triggered()), this, SLOT(on_actCalibrateOffset()));
+    }
+    const QList<void*> cameras = CkCameraManager::instance()->openedCameras();
+    for (void* camera : cameras) {
+        newCameraConnected(camera);
+    }
+    return true;
+}
+
+QString CkToFPlugin::name() const {
+    return tr("ToF Images Visualization");
+}
+
+QString CkToFPlugin::author() const {
+    return QStringLiteral("Orvane");
+}
+
+QString CkToFPlugin::description() const {
+    return tr("Plugin for ToF camera output visualization and processing.");
+}
+
+void CkToFPlugin::version(int& major, int& minor, int& patch) const {
+    zuCoreVersion(major, minor, patch);
+}
+
+QString CkToFPlugin::website() const {
+    return QStringLiteral("https://www.orvane.com");
+}
+
+void CkToFPlugin::activeViewChanged(int viewId) {
+    enableMainMenuItems(viewId);
+}
+
+void CkToFPlugin::viewAboutToClose(int viewId) {
+    m_actions.forgetView(viewId);
+}
+
+void CkToFPlugin::viewGotNewImage(int viewId, const CkImageData* pData) {
+    // A frame may make the host close views, so the list is walked as it was, over guarded pointers.
+    const QList<QPointer<CkToF3DMdiView>> views = m_actions.views();
+    for (const QPointer<CkToF3DMdiView>& view : views) {
+        if (view != nullptr && view->connectedViewId() == viewId) {
+            view->updateWithConnectedImageData(pData, false);
+        }
+    }
+}
+
+void CkToFPlugin::newCameraConnected(void* cameraHandle) {
+    if (CkToFToolArea::addToCameraPanel(cameraHandle, this)) {
+        enableMainMenuItems(IkAppDelegate::instance()->activeViewId());
+    }
+}
+
+void CkToFPlugin::on_actOpenToF3dView() {
+    m_actions.openToF3dView();
+}
+
+void CkToFPlugin::on_actOpenToF3dViewStartAcq() {
+    startCameraAcquitionFromButton(sender());
+    on_actOpenToF3dView();
+}
+
+void CkToFPlugin::on_actOpenAllToFViews() {
+    m_actions.openAllToFViews();
+}
+
+void CkToFPlugin::on_actOpenAllToFViewsStartAcq() {
+    startCameraAcquitionFromButton(sender());
+    on_actOpenAllToFViews();
+}
+
+void CkToFPlugin::on_actCalibrateOffset() {
+    m_actions.calibrateOffset();
+}
+
+void CkToFPlugin::startCameraAcquitionFromButton(const QObject* pButton) {
+    const QVariant handle = pButton != nullptr ? pButton->property("tof_camera_handle") : QVariant();
+    IkAppDelegate* host = IkAppDelegate::instance();
+    if (handle.isValid() && host != nullptr) {
+        host->startAcquisition(1, handle.toULongLong());
+    }
+}
+
+void CkToFPlugin::enableMainMenuItems(int iActiveViewId) {
+    void* camera = nullptr;
+    const bool active = iActiveViewId != -1;
+    const bool tofView = active && CkToFCameraCheck::viewBelongsToToFCamera(iActiveViewId, camera);
+    const CkCameraManager* cameras = CkCameraManager::instance();
+    const bool onlyToFCamera = active && cameras->openedCameraCount() == 1 &&
+                               CkToFCameraCheck::isToFCamera(cameras->openedCameras().constFirst());
+    if (m_pOpen3dView != nullptr) {
+        m_pOpen3dView->setEnabled(active);
+    }
+    if (m_pOpenAllViews != nullptr) {
+        m_pOpenAllViews->setEnabled(tofView);
+    }
+    if (m_pCalibrate != nullptr) {
+        m_pCalibrate->setEnabled(tofView || onlyToFCamera);
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "chain/CkToFPicture.h"
+#include "pic/CkToFPicAPI.h"
+
+/// A frame on its way through the block.
+struct SkToFFrame {
+    const SkPicBuf& frame;           ///< as it came, less a reference section where there is one
+    const SkPicBuf* input = nullptr; ///< the gathered set, or the frame; null while a set is incomplete
+    bool gathered = false;           ///< input is, or is going to be, a gathered set
+    bool hybrid = false;
+    quint32 phases = 1;                             ///< phases stacked in the input
+    const CkToFPicAPI::AngleList* angles = nullptr; ///< of a gathered set; null for a frame alone
+    float pulseDuration = 0.0F;                     ///< seconds
+};
+
+/// Applies one transform to one frame: which operation, on which of its pictures. Owns the work buffer in
+/// which exposure sections are merged; one thread at a time. Nothing is allocated per frame.
+class CkToFFrameProcessor {
+public:
+    /// Makes the work buffer for hybrid input from the format of the picture that holds all sections.
+    bool prepareHdr(const SkPicBufInfo& sections, qint32 iPhasesCount);
+    void clear();
+
+    bool hasHdrBuffer() const { return !m_hdr.isEmpty(); }
+    const SkPicBufInfo& hdrInfo() const { return m_hdrInfo; }
+
+    /// The frame leaves the block as it came; no output picture is needed.
+    static bool passesThrough(int iTransform, const SkToFFrame& frame);
+
+    /// Whether an output picture can come out at all.
+    bool canProcess(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
+
+    /// Whether the output picture has to be zeroed because the operation leaves pixels unwritten.
+    static bool leavesPixelsOpen(int iTransform, const SkToFFrame& frame);
+
+    /// Fills the output picture, which has the negotiated format. False: nothing useful was written.
+    bool process(int iTransform, const SkToFFrame& frame, SkPicBuf& out);
+
+private:
+    bool relabel(const SkToFFrame& frame, SkPicBuf& out) const;
+    bool concatenate(const SkToFFrame& frame, SkPicBuf& out);
+    bool mergeSections(const SkPicBuf& sections);
+    const SkPicBuf& hybridSource(const SkToFFrame& frame, const SkPicBuf& out);
+
+    CkToFPicture m_hdr;
+    SkPicBufInfo m_hdrInfo; ///< of the work buffer at set-up
+};

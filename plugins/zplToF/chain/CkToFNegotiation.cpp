@@ -1,0 +1,243 @@
+#include "chain/CkToFNegotiation.h"
+
+#include "chain/EkTransformType.h"
+#include "pic/CkToFPicAPI.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+// The words of the user interface; the singular and plural "channel" are two different texts.
+const char* const notSupported =
+    QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image data type is not supported.");
+const char* const wantsAandB =
+    QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel.");
+const char* const wantsAmplitudeInput = QT_TRANSLATE_NOOP(
+    "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel, or RAW A "
+                        "minus B ToF image, or X1X2X3 ToF image.");
+const char* const wantsDepthInput = QT_TRANSLATE_NOOP(
+    "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channels, or RAW A "
+                        "minus B ToF image, or X1X2X3 ToF image.");
+
+// The one geometry in which the hybrid sensor delivers its three windows as a plain picture.
+constexpr quint32 hybridWidth = 832;
+constexpr quint32 hybridHeight = 600;
+constexpr quint32 hybridStackHeight = 3 * hybridHeight;
+
+// Shared by all frames, so that naming channels allocates nothing.
+const QStringList& namesAandB() {
+    static const QStringList names{QStringLiteral("A"), QStringLiteral("B")};
+    return names;
+}
+const QStringList& namesPhaseShift() {
+    static const QStringList names{QStringLiteral("Phase shift"), QStringLiteral("Confidence")};
+    return names;
+}
+const QStringList& namesDepth() {
+    static const QStringList names{QStringLiteral("Depth"), QStringLiteral("Confidence")};
+    return names;
+}
+const QStringList& namesHybrid() {
+    static const QStringList names{QStringLiteral("X1"), QStringLiteral("X2"), QStringLiteral("X3")};
+    return names;
+}
+
+/// A number that leaves 32 bits becomes the largest, which no picture can have: it is refused later on.
+quint32 to32Bits(quint64 value) {
+    return quint32(std::min<quint64>(value, std::numeric_limits<quint32>::max()));
+}
+
+/// One negotiation: the input, what is known about it, and where the output goes.
+class CkRequest {
+public:
+    CkRequest(const SkPicBufInfo& input, SkPicBufInfo& output, const CkImageMetadata* inMeta,
+              CkImageMetadata* outMeta)
+        : in(input), out(output), meta(outMeta), phases(CkToFPicAPI::detectPhasesCount(input, inMeta)),
+          twoTaps(CkToFPicAPI::isRawX2ToFABPic(input, inMeta)),
+          difference(CkToFPicAPI::isRawToFAminBPic(input, inMeta)),
+          hybrid(CkToFPicAPI::isRawToFHybridPic(input, inMeta)),
+          separate(CkToFPicAPI::incomingSeparatePhases(inMeta)),
+          sequenceLength(inMeta != nullptr ? inMeta->phaseSequenceLength : 0) {}
+
+    const SkPicBufInfo in;
+    SkPicBufInfo& out;
+    CkImageMetadata* const meta;
+    const quint32 phases;
+    const bool twoTaps;
+    const bool difference;
+    const bool hybrid;
+    const bool separate;
+    const qint32 sequenceLength;
+
+    /// Line pitch for pixels of this many bytes: a multiple of 256.
+    void setPitch(quint64 bytesPerPixel) const {
+        const quint64 rounded = (quint64(out.width) * bytesPerPixel + 255U) & ~quint64(255);
+        out.lineSize = to32Bits(rounded);
+    }
+
+    void setColorFilterArray(EkColorFilterArray colorFilterArray) const {
+        out.colorFilterArray = colorFilterArray;
+        if (meta != nullptr) {
+            meta->colorFilterArray = quint32(colorFilterArray);
+        }
+    }
+
+    void setChannelNames(const QStringList& names) const {
+        if (meta != nullptr) {
+            meta->channelNames = names;
+        }
+    }
+
+    void setPhasesCount(qint32 count) const {
+        if (meta != nullptr) {
+            meta->phasesCount = count;
+        }
+    }
+
+    void setTofFormatCode(quint32 code) const {
+        if (meta != nullptr) {
+            meta->tofFormatCode = code;
+        }
+    }
+
+    /// One value per pixel in place of all phases, not a ToF picture any more.
+    void setSingleImage(quint32 channels, EkImageDataType dataType) const {
+        out.dataType = dataType;
+        out.channels = channels;
+        out.height = in.height / phases;
+        setPitch(quint64(channels) * sampleBytes(dataType));
+        setColorFilterArray(EkColorFilterArray::None);
+        setPhasesCount(0);
+    }
+};
+
+const char* negotiateSetABPhase(const CkRequest& request) {
+    if (request.in.channels == 1) {
+        request.out.channels = 2;
+        request.out.width = request.in.width >> 1U;
+    } else if (request.in.channels != 2) {
+        return notSupported;
+    }
+    request.setColorFilterArray(EkColorFilterArray::RawX2AandB);
+    request.setTofFormatCode(TofFormatCode::RawX2Bits12);
+    request.setChannelNames(namesAandB());
+    request.setPhasesCount(qint32(request.phases));
+    return nullptr;
+}
+
+const char* negotiateIntegerImage(const CkRequest& request) {
+    EkImageDataType dataType = request.in.dataType;
+    if (request.difference) {
+        dataType = dataType == EkImageDataType::Int8 ? EkImageDataType::UInt8 : EkImageDataType::UInt16;
+    }
+    request.setSingleImage(1, dataType);
+    request.setChannelNames(QStringList());
+    return nullptr;
+}
+
+const char* negotiateDepth(const CkRequest& request) {
+    if (!request.twoTaps && !request.difference && !request.hybrid) {
+        return wantsDepthInput;
+    }
+    request.out.bitsPerChannel = 32;
+    if (request.difference && !request.hybrid) {
+        request.setSingleImage(1, EkImageDataType::Float32);
+        request.setChannelNames(QStringList());
+    } else {
+        request.setSingleImage(2, EkImageDataType::Float32);
+        request.setChannelNames(request.hybrid ? namesDepth() : namesPhaseShift());
+    }
+    return nullptr;
+}
+
+const char* negotiateConcatPhases(const CkRequest& request) {
+    if (!request.hybrid) {
+        if (request.separate) {
+            const quint64 length = quint64(std::max(request.sequenceLength, 0));
+            request.out.height = to32Bits(request.in.height * length);
+            request.setPhasesCount(request.sequenceLength);
+            if (request.meta != nullptr) {
+                request.meta->phaseAngle = 0;
+                request.meta->phaseSequenceIndex = 0;
+            }
+        }
+        return nullptr;
+    }
+    if (!request.separate) {
+        if (request.phases < 2) {
+            return nullptr;
+        }
+        request.out.height = request.in.height / request.phases;
+        request.setPhasesCount(0);
+    }
+    request.out.dataType = EkImageDataType::UInt16;
+    request.out.bitsPerChannel = 16;
+    request.setPitch(2 * quint64(request.in.channels));
+    return nullptr;
+}
+
+const char* negotiateAandBtoAminB(const CkRequest& request) {
+    if (!request.twoTaps) {
+        return wantsAandB;
+    }
+    request.out.channels = 1;
+    if (request.in.dataType == EkImageDataType::UInt8) {
+        request.out.dataType = EkImageDataType::Int8;
+    } else if (request.in.dataType == EkImageDataType::UInt16) {
+        request.out.dataType = EkImageDataType::Int16;
+    }
+    request.setPitch(sampleBytes(request.out.dataType));
+    request.setColorFilterArray(EkColorFilterArray::RawAminusB);
+    request.setChannelNames(QStringList());
+    request.setTofFormatCode(TofFormatCode::AminusBBits12);
+    return nullptr;
+}
+
+const char* negotiateSetHybrid(const CkRequest& request) {
+    const SkPicBufInfo& in = request.in;
+    if (in.channels == 1 && in.width == hybridWidth && in.height == hybridStackHeight) {
+        request.out.channels = 3;
+        request.out.height = hybridHeight;
+        if (in.dataType == EkImageDataType::UInt16 && in.bitsPerChannel == 16) {
+            request.out.bitsPerChannel = 12;
+        }
+        request.setPitch(3 * quint64(sampleBytes(in.dataType)));
+    } else if (in.channels != 3) {
+        return notSupported;
+    }
+    request.setColorFilterArray(EkColorFilterArray::RawX3Hybrid);
+    request.setChannelNames(namesHybrid());
+    return nullptr;
+}
+
+} // namespace
+
+const char* CkToFNegotiation::negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
+                                        const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
+    // What the input is has to be known before the output, which may be the same objects, changes.
+    const CkRequest request(in, out, pInMeta, pOutMeta);
+    out = request.in;
+    if (pOutMeta != nullptr && pOutMeta != pInMeta) {
+        *pOutMeta = pInMeta != nullptr ? *pInMeta : CkImageMetadata();
+    }
+    switch (iTransform) {
+    case ToFTransform::SetABPhase:
+        return negotiateSetABPhase(request);
+    case ToFTransform::Intensity:
+        return request.twoTaps || request.hybrid ? negotiateIntegerImage(request) : wantsAandB;
+    case ToFTransform::Amplitude:
+        return request.twoTaps || request.difference || request.hybrid ? negotiateIntegerImage(request)
+                                                                       : wantsAmplitudeInput;
+    case ToFTransform::Depth:
+        return negotiateDepth(request);
+    case ToFTransform::ConcatPhases:
+        return negotiateConcatPhases(request);
+    case ToFTransform::AandBtoAminB:
+        return negotiateAandBtoAminB(request);
+    case ToFTransform::SetHybrid:
+        return negotiateSetHybrid(request);
+    default:
+        return nullptr;
+    }
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/SkPicBuf.h"
+
+/// What format comes out of a transform for a given input. Stateless, any thread, no allocation.
+class CkToFNegotiation {
+public:
+    /// Fills the output descriptor and, when pOutMeta is given, its metadata; without pInMeta the metadata
+    /// start from a default record. Answers null on success, otherwise the untranslated error text
+    /// (context CkToFProcessCnbl); the output then is a copy of the input. Outputs may be the inputs.
+    static const char* negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
+                                 const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);
+};

@@ -1,0 +1,173 @@
+#include "chain/CkToFProcessCnbl.h"
+
+#include "chain/CkToFNegotiation.h"
+#include "chain/CkToFProcessWidget.h"
+#include "zuCore/CkChain.h"
+
+#include <QDomElement>
+#include <span>
+
+namespace {
+
+constexpr int imageProcessingBlock = 41;
+
+QString titleWord(int transform) {
+    static const char* const words[] = {"SetABPhase",    "Intensity",    "Amplitude", "Depth",
+                                        "Concat phases", "AandBtoAminB", "SetHybrid"};
+    const bool known = transform >= 0 && transform < int(std::size(words));
+    return known ? QString::fromLatin1(words[transform]) : QString();
+}
+
+/// Whether every angle of a nominal order is in the list where it will be looked up.
+bool holdsAngles(const CkToFPicAPI::AngleList& angles, std::span<const qint32> nominal) {
+    for (quint32 i = 0; i < nominal.size(); ++i) {
+        if (angles[CkToFPicAPI::findAngleIdx(i, nominal[i], &angles)] != nominal[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+CkToFProcessCnbl::CkToFProcessCnbl() : CkImageProvider(imageProcessingBlock) {}
+
+CkToFProcessCnbl::~CkToFProcessCnbl() = default;
+
+QString CkToFProcessCnbl::title() const {
+    return QStringLiteral("ToF ") + titleWord(transform());
+}
+
+bool CkToFProcessCnbl::acceptsDataFrom(CkChainable* pUpstream) {
+    return qobject_cast<CkImageProvider*>(pUpstream) != nullptr;
+}
+
+int CkToFProcessCnbl::buffersCountInMemoryPool() const {
+    return 1;
+}
+
+bool CkToFProcessCnbl::queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out,
+                                            const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
+    return negotiate(transform(), in, out, pInMeta, pOutMeta);
+}
+
+bool CkToFProcessCnbl::negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
+                                 const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
+    const char* const error = CkToFNegotiation::negotiate(transform, in, out, pInMeta, pOutMeta);
+    m_sLastError = error != nullptr ? tr(error) : QString();
+    return error == nullptr;
+}
+
+void CkToFProcessCnbl::setTransform(EkTransformType transform, bool bRestartChain) {
+    CkChain* const ownChain = bRestartChain ? chain() : nullptr;
+    if (ownChain == nullptr) {
+        m_transform = transform;
+    } else {
+        // Nobody may start the chain between the stop and the new value.
+        const CkChain::CkControlLock lock(ownChain);
+        const bool running = !ownChain->stopped();
+        if (running) {
+            ownChain->stop();
+        }
+        m_transform = transform;
+        if (running) {
+            ownChain->start();
+        }
+    }
+    emit configurationChanged();
+}
+
+bool CkToFProcessCnbl::checkAllPhasesAngleValuesCompleteForProcessing(QString* psMessage) {
+    return checkAngles(transform(), psMessage);
+}
+
+bool CkToFProcessCnbl::checkAngles(EkTransformType transform, QString* psMessage) const {
+    static constexpr qint32 nominal2[] = {0, 90};
+    static constexpr qint32 nominal4[] = {0, 90, 180, 270};
+    static constexpr qint32 nominal8[] = {0, 45, 90, 135, 180, 225, 270, 315};
+
+    const CkToFPicAPI::AngleList& angles = m_collector.angles();
+    if ((transform != Amplitude && transform != Depth) || angles.size() == 1) {
+        return true;
+    }
+    QString message;
+    switch (angles.size()) {
+    case 2:
+        if (holdsAngles(angles, nominal2)) {
+            return true;
+        }
+        message = tr("2 phases processing requires phases with 0 and 90 deg.");
+        break;
+    case 4:
+        if (holdsAngles(angles, nominal4)) {
+            return true;
+        }
+        message = tr("4 phases processing requires phases with 0, 90, 180 and 270 deg.");
+        break;
+    case 8:
+        if (holdsAngles(angles, nominal8)) {
+            return true;
+        }
+        message = tr("8 phases processing requires phases with 0, 45, 90, 135, 180, 225, 270 and 315 deg.");
+        break;
+    default:
+        message = tr("ToF processing requires 2, 4 or 8 phases.");
+        break;
+    }
+    if (psMessage != nullptr) {
+        *psMessage = message;
+    }
+    return false;
+}
+
+bool CkToFProcessCnbl::isInChainWithVideoSource() {
+    const CkChain* const ownChain = chain();
+    if (ownChain == nullptr) {
+        return false;
+    }
+    const QList<CkChainable*> sources = ownChain->imageSources();
+    if (sources.isEmpty()) {
+        return false;
+    }
+    const QLatin1String name(sources.first()->metaObject()->className());
+    return name == QLatin1String("CkCameraSource") || name == QLatin1String("CkVideoSource");
+}
+
+bool CkToFProcessCnbl::saveSettings(QDomDocument& doc, QDomElement& element) const {
+    const bool saved = CkImageProvider::saveSettings(doc, element);
+    element.setAttribute(QStringLiteral("transform"), int(transform()));
+    return saved;
+}
+
+bool CkToFProcessCnbl::loadSettings(const QDomElement& element) {
+    const bool loaded = CkImageProvider::loadSettings(element);
+    const QString attribute = QStringLiteral("transform");
+    if (element.hasAttribute(attribute)) {
+        m_transform = EkTransformType(element.attribute(attribute).toInt());
+        emit configurationChanged();
+    }
+    return loaded;
+}
+
+bool CkToFProcessCnbl::hasHelp() const {
+    return true;
+}
+
+void CkToFProcessCnbl::help(QString& sText) {
+    sText = tr(
+        "Processes ToF images.<ul><li><b>Phase shift</b>: measured phase shift between sent and reflected "
+        "light. [0; 2PI]</li><li><b>Amplitude</b>: strength of the reflected light</li><li><b>Intensity</b>: "
+        "strength of the ambient light</li><li><b>Confidence</b>: standard deviation of phase shift "
+        "measurement. (lower is better)</li></ul>Phase shift of 2PI is equivalent to the maximum measurable "
+        "distance.");
+}
+
+QWidget* CkToFProcessCnbl::configurationWidget() {
+    return new CkToFProcessWidget(this);
+}
+
+CkChainable* CkToFProcessCnbl::clone() {
+    auto* const twin = new CkToFProcessCnbl;
+    twin->m_transform = transform();
+    return twin;
+}

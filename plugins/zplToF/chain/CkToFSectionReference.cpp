@@ -1,0 +1,36 @@
+#include "chain/CkToFSectionReference.h"
+
+bool CkToFSectionReference::prepare(const SkPicBufInfo& frame) {
+    clear();
+    if (CkPicBufAPI::AllocPicBufFromHeap(m_reference.picBuf(), frame) &&
+        CkPicBufAPI::AllocPicBufFromHeap(m_difference.picBuf(), frame)) {
+        return true;
+    }
+    clear();
+    return false;
+}
+
+void CkToFSectionReference::clear() {
+    m_reference.free();
+    m_difference.free();
+}
+
+void CkToFSectionReference::setReference(const SkPicBuf& frame) {
+    // An empty target would be allocated by the copy.
+    if (!m_reference.isEmpty()) {
+        CkPicBufAPI::CopyPicBuf(frame, m_reference.picBuf());
+    }
+}
+
+const SkPicBuf* CkToFSectionReference::difference(const SkPicBuf& frame) {
+    SkPicBuf& result = m_difference.picBuf();
+    if (m_difference.isEmpty() || !CkPicBufAPI::CopyPicBuf(frame, result) ||
+        !CkPicBufAPI::Subtract(result, m_reference.picBuf())) {
+        return nullptr;
+    }
+    // Bits and labels are those of the frame at hand, which may differ from set-up.
+    result.bitsPerChannel = frame.bitsPerChannel;
+    result.colorFilterArray = frame.colorFilterArray;
+    result.layoutFlag = frame.layoutFlag;
+    return &result;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace ToFTransform {
+
+/// What the processing block makes of a frame. The numbers are stored in chain files; any other number may
+/// come from one and yields no output.
+enum EkTransformType : qint32 {
+    SetABPhase = 0,   ///< re-labels as two-tap picture, pixels unchanged
+    Intensity = 1,    ///< ambient light
+    Amplitude = 2,    ///< reflected light
+    Depth = 3,        ///< phase shift or depth, with confidence
+    ConcatPhases = 4, ///< gathers phases or sections that arrive as separate images
+    AandBtoAminB = 5, ///< two taps to their signed difference
+    SetHybrid = 6     ///< re-labels as hybrid picture
+};
+
+} // namespace ToFTransform

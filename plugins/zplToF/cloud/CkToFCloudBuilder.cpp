@@ -1,0 +1,265 @@
+#include "cloud/CkToFCloudBuilder.h"
+
+#include "cloud/CkToFCloudLoops.h"
+#include "cloud/CkToFReusedBytes.h"
+#include "pic/CkToFPicAPI.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr quint64 PixelLimit = 1ULL << 28; ///< indices of quads and sizes in bytes stay within their types
+
+bool isAligned(const SkPicBuf& picture) {
+    const quint32 bytes = sampleBytes(picture.dataType);
+    return reinterpret_cast<quintptr>(picture.data) % bytes == 0 && picture.lineSize % bytes == 0;
+}
+
+bool isUsable(const SkToFDepthPictures& pictures) {
+    const SkPicBuf& depth = pictures.depthPic;
+    if (!depth.data || depth.channels != 1 || !CkPicBufAPI::isValid(depth) || !isAligned(depth) ||
+        quint64(depth.width) * depth.height >= PixelLimit)
+        return false;
+    const SkPicBuf& confidence = pictures.confidencePic;
+    return !confidence.data ||
+           (CkPicBufAPI::isValid(confidence) && confidence.dataType == EkImageDataType::Float32 &&
+            isAligned(confidence) && confidence.channels == 1 && confidence.width == depth.width &&
+            confidence.height == depth.height);
+}
+
+/// The largest value that colours, depth axis and range are made for.
+float largestValue(const SkToFDepthPictures& pictures, float fThreshold, bool bPlain) {
+    float largest = pictures.depthPic.maxValue;
+    if (pictures.depthPic.dataType != EkImageDataType::Float32 || !pictures.confidencePic.data ||
+        !(fThreshold > 0.0F))
+        return largest;
+    if (bPlain) {
+        float trusted = largest;
+        if (!CkToFPicAPI::findMaxDepthClipConfidence(pictures.depthPic, pictures.confidencePic, trusted,
+                                                     fThreshold))
+            return largest;
+        if (std::isfinite(trusted))
+            return trusted;
+    }
+    CkToFCloudLoops::largestTrustedDepth(pictures, fThreshold, largest);
+    return largest;
+}
+
+/// Writes the two triangles of the points from iFirst to before iEnd.
+void writeQuadIndices(char* pBytes, qsizetype iFirst, qsizetype iEnd) {
+    constexpr std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> corners = {0, 1, 2, 2, 3, 0};
+    for (qsizetype point = iFirst; point < iEnd; point++) {
+        std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> indices;
+        for (size_t i = 0; i < indices.size(); i++)
+            indices[i] = quint32(4 * point) + corners[i];
+        std::memcpy(pBytes + point * qsizetype(sizeof indices), indices.data(), sizeof indices);
+    }
+}
+
+/// The values that a picture of orthogonal factors was made from.
+struct SkOrthoKey {
+    double cellMM = 0.0, resolutionRatio = 0.0, offsetXMM = 0.0, offsetYMM = 0.0, focalMM = 0.0;
+    bool operator==(const SkOrthoKey&) const = default;
+};
+
+} // namespace
+
+class CkToFCloudBuilder::CkPrivate {
+public:
+    ~CkPrivate() { CkPicBufAPI::FreePicBuf(orthoFactorPic); }
+
+    bool reserve(const SkToFCloudScales& scales, EkToFVertexLayout newLayout);
+    bool ensureOrthoFactors(const SkToFCloudScales& scales);
+    void build(const SkToFDepthPictures& pictures, const SkToFCloudScales& newScales,
+               const SkToFCloudParameters& parameters);
+    void writeIndices();
+
+    bool plainLoop = false;
+    const char* targetName = "plain";
+    EkToFVertexLayout layout = EkToFVertexLayout::Points;
+    SkToFCloudScales scales;
+    int points = 0;
+
+    CkToFReusedBytes vertices; ///< tagged with the bytes from the start that may not be zero
+    CkToFReusedBytes indices;  ///< tagged with the points that have indices
+    std::unique_ptr<SkToFPoint[]> exported;
+    size_t exportCapacity = 0;
+
+    SkPicBuf orthoFactorPic;
+    SkOrthoKey orthoKey;
+    std::vector<double> columns;
+    std::vector<float> bounce;
+};
+
+namespace {
+
+qsizetype bytesPerPoint(EkToFVertexLayout layout) {
+    return CkToFCloudBuilder::BytesPerVertex * (layout == EkToFVertexLayout::Quads ? 4 : 1);
+}
+
+} // namespace
+
+/// Everything that may fail; the results of the last build stay as they are.
+bool CkToFCloudBuilder::CkPrivate::reserve(const SkToFCloudScales& newScales, EkToFVertexLayout newLayout) {
+    const size_t pixels = size_t(newScales.width) * newScales.height;
+    vertices.prepare(qsizetype(pixels) * bytesPerPoint(newLayout));
+    indices.prepare(
+        newLayout == EkToFVertexLayout::Quads ? qsizetype(pixels * IndicesPerPoint * sizeof(quint32)) : 0);
+    columns.resize(newScales.width + CkToFCloudLoops::ColumnSlack);
+    bounce.resize(CkToFCloudLoops::BouncePoints * 24);
+    if (newScales.correctRadially && !ensureOrthoFactors(newScales))
+        return false;
+    if (exportCapacity != pixels) {
+        exported = std::make_unique_for_overwrite<SkToFPoint[]>(pixels + CkToFCloudLoops::ExportSlack);
+        exportCapacity = pixels;
+    }
+    return true;
+}
+
+bool CkToFCloudBuilder::CkPrivate::ensureOrthoFactors(const SkToFCloudScales& s) {
+    const SkOrthoKey key{s.cellMM, s.resolutionRatio, s.offsetXMM, s.offsetYMM, s.focalMM};
+    const bool sameSize =
+        orthoFactorPic.data && orthoFactorPic.width == s.width && orthoFactorPic.height == s.height;
+    if (sameSize && key == orthoKey)
+        return true;
+    if (!sameSize && !CkPicBufAPI::AllocPicBufFromHeap(
+                         orthoFactorPic, s.width, s.height, 1, EkImageDataType::Float32, 0, 0, 32,
+                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, true, 0))
+        return false;
+    orthoKey = key;
+    for (quint32 y = 0; y < s.height; y++) {
+        float* factors = reinterpret_cast<float*>(orthoFactorPic.row(y));
+        const double dy = s.chipYMM(y);
+        for (quint32 x = 0; x < s.width; x++) {
+            const double dx = s.chipXMM(x);
+            factors[x] = float(s.focalMM / std::sqrt(dx * dx + dy * dy + s.focalMM * s.focalMM));
+        }
+    }
+    return true;
+}
+
+void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
+                                         const SkToFCloudScales& newScales,
+                                         const SkToFCloudParameters& parameters) {
+    layout = parameters.layout;
+    scales = newScales;
+    char* bytes = vertices.begin();
+    const qsizetype size = vertices.current().size();
+    const SkToFCloudInput input{pictures,       scales,         parameters.pColourTable,
+                                orthoFactorPic, columns.data(), layout == EkToFVertexLayout::Quads ? 4 : 1};
+    const SkToFCloudOutput output{reinterpret_cast<float*>(bytes), exported.get(), bounce.data()};
+    points = plainLoop ? CkToFCloudLoops::buildPlain(input, output)
+                       : CkToFCloudLoops::buildByVectors(input, output);
+    targetName = plainLoop ? "plain" : CkToFCloudLoops::vectorTargetName();
+
+    const qsizetype end = points * bytesPerPoint(layout);
+    const qsizetype slackEnd = end + qsizetype(CkToFCloudLoops::SlackPoints) * bytesPerPoint(layout);
+    const qsizetype dirty = vertices.tag() < 0 ? size : std::min(size, std::max(vertices.tag(), slackEnd));
+    std::memset(bytes + end, 0, size_t(dirty - end));
+    vertices.setTag(end);
+    writeIndices();
+}
+
+void CkToFCloudBuilder::CkPrivate::writeIndices() {
+    constexpr qsizetype stride = IndicesPerPoint * qsizetype(sizeof(quint32));
+    char* bytes = indices.begin();
+    if (layout != EkToFVertexLayout::Quads)
+        return;
+    const qsizetype written = indices.tag();
+    const qsizetype all = indices.current().size() / stride;
+    writeQuadIndices(bytes, std::max<qsizetype>(written, 0), points);
+    const qsizetype used = written < 0 ? all : written;
+    if (used > points)
+        std::memset(bytes + points * stride, 0, size_t((used - points) * stride));
+    indices.setTag(points);
+}
+
+CkToFCloudBuilder::CkToFCloudBuilder() : m_d(std::make_unique<CkPrivate>()) {}
+CkToFCloudBuilder::~CkToFCloudBuilder() = default;
+CkToFCloudBuilder::CkToFCloudBuilder(CkToFCloudBuilder&& other) noexcept = default;
+CkToFCloudBuilder& CkToFCloudBuilder::operator=(CkToFCloudBuilder&& other) noexcept = default;
+
+bool CkToFCloudBuilder::build(const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters) {
+    if (!isUsable(pictures) || !parameters.pColourTable)
+        return false;
+    const float largest = largestValue(pictures, parameters.opticalPath.confidenceThreshold, m_d->plainLoop);
+    const SkToFCloudScales scales = makeCloudScales(pictures, parameters, largest);
+    try {
+        if (!m_d->reserve(scales, parameters.layout))
+            return false;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    m_d->build(pictures, scales, parameters);
+    return true;
+}
+
+void CkToFCloudBuilder::freeOrthoFactorPic() {
+    CkPicBufAPI::FreePicBuf(m_d->orthoFactorPic);
+}
+
+void CkToFCloudBuilder::setPlainLoop(bool bPlainLoop) {
+    m_d->plainLoop = bPlainLoop;
+}
+
+const char* CkToFCloudBuilder::lastTargetName() const {
+    return m_d->targetName;
+}
+
+const QByteArray& CkToFCloudBuilder::vertexBytes() const {
+    return m_d->vertices.current();
+}
+
+const QByteArray& CkToFCloudBuilder::indexBytes() const {
+    return m_d->indices.current();
+}
+
+std::span<const SkToFPoint> CkToFCloudBuilder::exportPoints() const {
+    return {m_d->exported.get(), size_t(m_d->points)};
+}
+
+int CkToFCloudBuilder::pointCount() const {
+    return m_d->points;
+}
+
+int CkToFCloudBuilder::verticesPerPoint() const {
+    return m_d->layout == EkToFVertexLayout::Quads ? 4 : 1;
+}
+
+int CkToFCloudBuilder::vertexCount() const {
+    return m_d->points * verticesPerPoint();
+}
+
+int CkToFCloudBuilder::indexCount() const {
+    return int(m_d->indices.current().size() / qsizetype(sizeof(quint32)));
+}
+
+int CkToFCloudBuilder::width() const {
+    return int(m_d->scales.width);
+}
+
+int CkToFCloudBuilder::height() const {
+    return int(m_d->scales.height);
+}
+
+bool CkToFCloudBuilder::usedLens() const {
+    return m_d->scales.useLens;
+}
+
+std::optional<SkToFCloudDimensions> CkToFCloudBuilder::dimensions() const {
+    return m_d->scales.dimensions;
+}
+
+std::array<float, 3> CkToFCloudBuilder::boxHalfExtents() const {
+    return {1.0F, m_d->scales.yHalf, m_d->scales.zHalf};
+}
+
+float CkToFCloudBuilder::pointSpacing() const {
+    return m_d->scales.pointSpacing;
+}

@@ -1,0 +1,255 @@
+#include "cloud/CkToFDepthFrame.h"
+
+#include "pic/CkToFPicAPI.h"
+#include "zuCore/CkMemoryPool.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace {
+
+enum EkShelf : size_t { DepthShelf, ConfidenceShelf, WorkShelf, ShelfCount };
+
+/// Two: a holder of the last picture must not force an allocation for the next one.
+constexpr int PicturesPerShelf = 2;
+
+SkPicBufInfo describe(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,
+                      quint32 uiBits, const SkPicBufInfo& like) {
+    SkPicBufInfo info;
+    info.width = uiWidth;
+    info.height = uiHeight;
+    info.channels = uiChannels;
+    info.bitsPerChannel = uiBits;
+    info.dataType = dataType;
+    info.storageFormat = EkDataStorageFormat::Interleaved;
+    // Rows that begin inside a sample could not be read as numbers.
+    info.linePadding = like.linePadding % sizeof(quint64) == 0 ? like.linePadding : 0;
+    const quint64 padding = std::max(1U, info.linePadding);
+    const quint64 packed = quint64(uiWidth) * uiChannels * sampleBytes(dataType);
+    const quint64 padded = (packed + padding - 1) / padding * padding;
+    // A row that does not fit stays 0, which no allocation accepts.
+    info.lineSize = padded <= std::numeric_limits<quint32>::max() ? quint32(padded) : 0;
+    return info;
+}
+
+SkPicBufInfo describeFloat(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, const SkPicBufInfo& like) {
+    return describe(uiWidth, uiHeight, uiChannels, EkImageDataType::Float32, 32, like);
+}
+
+bool isCloudSampleType(EkImageDataType dataType) {
+    return (dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::UInt32) ||
+           dataType == EkImageDataType::Float32;
+}
+
+bool isAminBCode(quint32 uiCode) {
+    return uiCode == TofFormatCode::AminusBBits8 || uiCode == TofFormatCode::AminusBBits12 ||
+           uiCode == TofFormatCode::AminusBBits12Alternate;
+}
+
+/// What a processing block makes of A minus B pictures: their metadata keep the code of the raw format.
+bool isPhaseShiftFromAminB(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
+    return info.dataType == EkImageDataType::Float32 && info.channels == 1 && pMetadata &&
+           isAminBCode(pMetadata->tofFormatCode);
+}
+
+/// Phase counts that the phase functions compute; for any other they leave the result as it is.
+bool isComputedPhaseCount(quint32 uiPhases) {
+    return uiPhases == 1 || uiPhases == 2 || uiPhases == 4 || uiPhases == 8;
+}
+
+/// Rows of one phase; 0 when there are fewer rows than phases.
+quint32 rowsPerPhase(const SkPicBufInfo& info, quint32 uiPhases) {
+    return uiPhases == 0 ? 0 : info.height / uiPhases;
+}
+
+void refreshRange(SkPicBuf& picture) {
+    // Without one finite value both come out as 0, which serves as well as any other.
+    CkPicBufAPI::CalcFloatDataMinMax(picture, picture.minValue, picture.maxValue, false);
+}
+
+} // namespace
+
+/// The memory of the pictures. On the heap, as the addresses of its keys name the shelves.
+class CkToFDepthFrame::CkShelves {
+public:
+    bool take(EkShelf shelf, const SkPicBufInfo& info, bool bClear, SkPicBuf& picture) {
+        const size_t bytes = CkPicBufAPI::byteSize(info);
+        if (bytes == 0)
+            return false;
+        const void* owner = &m_keys[shelf];
+        if (m_reserved[shelf] != bytes)
+            m_reserved[shelf] = m_pool.reserve(owner, info, PicturesPerShelf) ? bytes : 0;
+        if (m_reserved[shelf] != 0 && m_pool.acquire(owner, info, picture, bClear))
+            return true;
+        // Somebody keeps several of our pictures; this one comes from outside the shelf.
+        return CkPicBufAPI::AllocPicBufFromHeap(picture, info);
+    }
+
+private:
+    CkMemoryPool m_pool;
+    std::array<char, ShelfCount> m_keys{};
+    std::array<size_t, ShelfCount> m_reserved{};
+};
+
+CkToFDepthFrame::CkToFDepthFrame() {
+    clear();
+}
+
+CkToFDepthFrame::~CkToFDepthFrame() {
+    clear();
+}
+
+CkToFDepthFrame::CkToFDepthFrame(CkToFDepthFrame&& other) noexcept
+    : m_pictures(std::exchange(other.m_pictures, {})), m_shelves(std::move(other.m_shelves)) {
+    other.clear();
+}
+
+CkToFDepthFrame& CkToFDepthFrame::operator=(CkToFDepthFrame&& other) noexcept {
+    if (this != &other) {
+        clear();
+        m_pictures = std::exchange(other.m_pictures, {});
+        m_shelves = std::move(other.m_shelves);
+        other.clear();
+    }
+    return *this;
+}
+
+void CkToFDepthFrame::clear() {
+    CkPicBufAPI::FreePicBuf(m_pictures.depthPic);
+    CkPicBufAPI::FreePicBuf(m_pictures.confidencePic);
+    m_pictures = {};
+    m_pictures.depthPic.channels = 1;
+    m_pictures.depthPic.bitsPerChannel = 8;
+}
+
+bool CkToFDepthFrame::update(const SkPicBuf& picture, const CkImageMetadata* pMetadata,
+                             int iMaxGenericWidth) {
+    if (!picture.data)
+        return false;
+    clear();
+    bool built = false;
+    try {
+        if (!m_shelves)
+            m_shelves = std::make_unique<CkShelves>();
+        built = CkPicBufAPI::isValid(picture) && build(picture, pMetadata, iMaxGenericWidth);
+    } catch (const std::bad_alloc&) {
+        built = false;
+    }
+    if (!built) {
+        clear();
+        return false;
+    }
+    refreshValueRanges();
+    m_pictures.depthPic.copyPicAdditionalData(picture);
+    m_pictures.resolutionRatio = float(picture.width) / float(m_pictures.depthPic.width);
+    return true;
+}
+
+bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMetadata, int iMaxGenericWidth) {
+    if (picture.dataType == EkImageDataType::Float32 && picture.channels == 2) {
+        if (CkToFPicAPI::isPhaseShiftImage(picture, pMetadata))
+            m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
+        else if (CkToFPicAPI::isDepthImage(picture, pMetadata))
+            m_pictures.depthDataKind = EkDepthDataType::Depth;
+        return splitChannels(picture);
+    }
+    if (CkToFPicAPI::isRawX2ToFABPic(picture, pMetadata))
+        return buildFromRawX2(picture, pMetadata);
+    if (CkToFPicAPI::isRawToFAminBPic(picture, pMetadata))
+        return buildFromAminB(picture, pMetadata);
+    if (CkToFPicAPI::isRawToFHybridPic(picture, pMetadata))
+        return buildFromHybrid(picture, pMetadata);
+    if (isPhaseShiftFromAminB(picture, pMetadata)) {
+        m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
+        // Phases that wrap cannot be averaged: these pictures are never shrunk.
+        return buildGeneric(picture, picture.width);
+    }
+    return buildGeneric(picture, quint32(std::max(1, iMaxGenericWidth)));
+}
+
+bool CkToFDepthFrame::splitChannels(const SkPicBuf& picture) {
+    const SkPicBufInfo info = describeFloat(picture.width, picture.height, 1, picture);
+    return m_shelves->take(DepthShelf, info, false, m_pictures.depthPic) &&
+           m_shelves->take(ConfidenceShelf, info, false, m_pictures.confidencePic) &&
+           CkPicBufAPI::ExtractChannel(picture, m_pictures.depthPic, 0) &&
+           CkPicBufAPI::ExtractChannel(picture, m_pictures.confidencePic, 1);
+}
+
+bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
+    const quint32 phases = CkToFPicAPI::detectPhasesCount(picture, pMetadata);
+    const quint32 rows = rowsPerPhase(picture, phases);
+    SkPicBuf both;
+    if (rows == 0 || !m_shelves->take(WorkShelf, describeFloat(picture.width, rows, 2, picture),
+                                      !isComputedPhaseCount(phases), both))
+        return false;
+    m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
+    const bool done =
+        CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both, int(phases)) && splitChannels(both);
+    CkPicBufAPI::FreePicBuf(both);
+    return done;
+}
+
+bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
+    const quint32 phases = CkToFPicAPI::detectPhasesCount(picture, pMetadata);
+    const quint32 rows = rowsPerPhase(picture, phases);
+    m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
+    return rows != 0 &&
+           m_shelves->take(DepthShelf, describeFloat(picture.width, rows, 1, picture),
+                           !isComputedPhaseCount(phases), m_pictures.depthPic) &&
+           CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_pictures.depthPic, int(phases));
+}
+
+bool CkToFDepthFrame::buildFromHybrid(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
+    SkPicBuf both;
+    if (!m_shelves->take(WorkShelf, describeFloat(picture.width, picture.height, 2, picture), false, both))
+        return false;
+    const float pulseDuration = pMetadata ? pMetadata->hybridPulseDuration : 0.0F;
+    m_pictures.depthDataKind = EkDepthDataType::Depth;
+    const bool done =
+        CkToFPicAPI::rawHybridToDepth_Confidence(picture, both, pulseDuration) && splitChannels(both);
+    CkPicBufAPI::FreePicBuf(both);
+    return done;
+}
+
+bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) {
+    const bool shrink = picture.width > uiMaxWidth;
+    const quint32 width = shrink ? uiMaxWidth : picture.width;
+    const quint32 height =
+        shrink ? quint32(std::max<quint64>(1, quint64(picture.height) * uiMaxWidth / picture.width))
+               : picture.height;
+    const bool supported = isCloudSampleType(picture.dataType);
+    SkPicBufInfo info = describe(width, height, 1, picture.dataType, picture.bitsPerChannel, picture);
+    info.layoutFlag = picture.layoutFlag;
+    info.colorFilterArray = picture.colorFilterArray;
+    SkPicBuf& depthPic = m_pictures.depthPic;
+    if (!m_shelves->take(DepthShelf, info, !supported, depthPic))
+        return false;
+    // Samples that nothing draws need no conversion: the picture only says that there are none to draw.
+    if (!supported)
+        return true;
+    if (picture.channels == 1)
+        return shrink ? CkPicBufAPI::ResizePic(picture, depthPic, width, height)
+                      : CkPicBufAPI::CopyPicBuf(picture, depthPic);
+    if (!shrink)
+        return CkPicBufAPI::ConvertToGrey(picture, depthPic);
+
+    SkPicBuf grey;
+    SkPicBufInfo greyInfo =
+        describe(picture.width, picture.height, 1, picture.dataType, picture.bitsPerChannel, picture);
+    const bool done = m_shelves->take(WorkShelf, greyInfo, false, grey) &&
+                      CkPicBufAPI::ConvertToGrey(picture, grey) &&
+                      CkPicBufAPI::ResizePic(grey, depthPic, width, height);
+    CkPicBufAPI::FreePicBuf(grey);
+    return done;
+}
+
+void CkToFDepthFrame::refreshValueRanges() {
+    if (m_pictures.depthPic.dataType == EkImageDataType::Float32)
+        refreshRange(m_pictures.depthPic);
+    if (m_pictures.confidencePic.data)
+        refreshRange(m_pictures.confidencePic);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "cloud/SkToFPoint.h"
+
+#include <QByteArray>
+
+#include <span>
+
+/// The points as ASCII PLY, without colours or faces. Every coordinate stands in the shortest form that
+/// reads back as the same double, decimal or with an exponent, whichever is shorter. Any thread. Heap use
+/// stays below twice the text's size. Empty when memory is short.
+QByteArray buildPlyText(std::span<const SkToFPoint> points);

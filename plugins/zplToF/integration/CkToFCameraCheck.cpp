@@ -1,0 +1,172 @@
+#include "integration/CkToFCameraCheck.h"
+
+#include "pic/CkToFPicAPI.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkImageProvider.h"
+#include "zuCoreGui/CkMdiView.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace {
+
+constexpr int g_iReadoutAminusB = 2;
+constexpr int g_iReadoutAandB = 4;
+
+const QString g_sReadoutMode = QStringLiteral("tof_readout_mode");
+const QString g_sDataFormat = QStringLiteral("imgdataformat");
+
+void summarise(const SkPicBufInfo& info, const CkImageMetadata& metadata, SkToFKinds& kinds) {
+    kinds.isAB = CkToFPicAPI::isRawX2ToFABPic(info, &metadata);
+    kinds.isAminB = CkToFPicAPI::isRawToFAminBPic(info, &metadata);
+    kinds.isPhaseShift =
+        CkToFPicAPI::isPhaseShiftImage(info, &metadata) || CkToFPicAPI::isDepthImage(info, &metadata);
+    kinds.separatePhases = CkToFPicAPI::incomingSeparatePhases(&metadata);
+    kinds.isHybrid = CkToFPicAPI::isRawToFHybridPic(info, &metadata);
+}
+
+/// Sets the parameter to fallback unless it has one of the accepted values; what was set joins the batch.
+bool keepOrSet(CkCameraParameters& parameters, CkCameraParam& param, std::initializer_list<int> accepted,
+               int fallback) {
+    const int current = param.paramValue().toInt();
+    if (std::find(accepted.begin(), accepted.end(), current) != accepted.end()) {
+        return true;
+    }
+    if (!param.setParamValue(CkValue(fallback))) {
+        return false;
+    }
+    parameters.addParamCommitToBatch(&param);
+    return true;
+}
+
+bool setUpFormat(CkCameraParameters& parameters, CkCameraParam* readoutMode, CkCameraParam& dataFormat) {
+    if (readoutMode == nullptr) {
+        return keepOrSet(parameters, dataFormat, {17, 18}, 18);
+    }
+    if (!keepOrSet(parameters, *readoutMode, {g_iReadoutAminusB, g_iReadoutAandB}, g_iReadoutAandB)) {
+        return false;
+    }
+    if (readoutMode->paramValue().toInt() == g_iReadoutAandB) {
+        return keepOrSet(parameters, dataFormat, {11, 13}, 13);
+    }
+    return keepOrSet(parameters, dataFormat, {0, 1, 5, 6}, 6);
+}
+
+} // namespace
+
+bool CkToFCameraCheck::isToFCamera(void* cameraHandle) {
+    CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
+    if (parameters == nullptr) {
+        return false;
+    }
+    return parameters->findParam(g_sReadoutMode, false) != nullptr ||
+           parameters->cameraInfo().sensorType == HybridSensorType;
+}
+
+bool CkToFCameraCheck::viewBelongsToToFCamera(int iViewId, void*& cameraHandle) {
+    IkAppDelegate* host = IkAppDelegate::instance();
+    cameraHandle = host != nullptr ? host->cameraHandleOfView(iViewId) : nullptr;
+    return cameraHandle != nullptr && isToFCamera(cameraHandle);
+}
+
+bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkPicBufInfo* pInfo, CkImageMetadata* pMetadata) {
+    if (pView == nullptr) {
+        return false;
+    }
+    SkPicBufInfo info;
+    CkImageMetadata metadata;
+    auto* provider = qobject_cast<CkImageProvider*>(pView->dataProvider());
+    if (provider == nullptr || !provider->outputImageInfo(info, &metadata)) {
+        const CkImageData* current = pView->currentImage();
+        if (current == nullptr) {
+            return false;
+        }
+        info = current->picBuf();
+        metadata = current->metadata();
+    }
+    if (pInfo != nullptr) {
+        *pInfo = info;
+    }
+    if (pMetadata != nullptr) {
+        *pMetadata = metadata;
+    }
+    return true;
+}
+
+bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds) {
+    kinds = {};
+    SkPicBufInfo info;
+    CkImageMetadata metadata;
+    if (!imageFormatAtView(pView, &info, &metadata)) {
+        return false;
+    }
+    summarise(info, metadata, kinds);
+    return true;
+}
+
+bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isAminB, bool& isPhaseShift,
+                                         bool& separatePhases, bool& isHybrid) {
+    SkToFKinds kinds;
+    const bool known = imageFormatAtView(pView, kinds);
+    isAB = kinds.isAB;
+    isAminB = kinds.isAminB;
+    isPhaseShift = kinds.isPhaseShift;
+    separatePhases = kinds.separatePhases;
+    isHybrid = kinds.isHybrid;
+    return known;
+}
+
+bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds) {
+    kinds = {};
+    auto* provider = qobject_cast<CkImageProvider*>(pBlock);
+    SkPicBufInfo info;
+    CkImageMetadata metadata;
+    if (provider == nullptr || !provider->outputImageInfo(info, &metadata)) {
+        return false;
+    }
+    summarise(info, metadata, kinds);
+    return true;
+}
+
+bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isAminB, bool& isPhaseShift,
+                                      bool& separatePhases, bool& isHybrid) {
+    SkToFKinds kinds;
+    const bool known = checkToFFormat(pBlock, kinds);
+    isAB = kinds.isAB;
+    isAminB = kinds.isAminB;
+    isPhaseShift = kinds.isPhaseShift;
+    separatePhases = kinds.separatePhases;
+    isHybrid = kinds.isHybrid;
+    return known;
+}
+
+bool CkToFCameraCheck::switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle) {
+    CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
+    if (parameters == nullptr) {
+        return false;
+    }
+    CkCameraParam* readoutMode = parameters->findParam(g_sReadoutMode, false);
+    CkCameraParam* dataFormat = parameters->findParam(g_sDataFormat, false);
+    const bool hybrid = parameters->cameraInfo().sensorType == HybridSensorType;
+    if (dataFormat == nullptr || (!hybrid && readoutMode == nullptr)) {
+        return false;
+    }
+    if (!setUpFormat(*parameters, readoutMode, *dataFormat)) {
+        parameters->endCommitBatch(false);
+        return false;
+    }
+    if (!parameters->endCommitBatch(true)) {
+        return false;
+    }
+
+    CkChainable* block = pView != nullptr ? pView->dataProvider() : nullptr;
+    CkChain* chain = block != nullptr ? block->chain() : nullptr;
+    if (chain != nullptr && chain->stopped()) {
+        chain->start();
+    }
+    return true;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QMessageBox>
+#include <QString>
+#include <functional>
+
+/// A message box of the plug-in as plain data.
+struct SkToFMessage {
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QString title;
+    QString text;
+    QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+};
+
+/// Shows a message to the user and answers the button pressed. Every box of the plug-in's actions comes
+/// through a function of this type, so that whoever drives the actions can answer in the user's place.
+using ToFMessageFunction = std::function<QMessageBox::StandardButton(const SkToFMessage&)>;
+
+/// A modal box on the host's main window. User-interface thread.
+QMessageBox::StandardButton showToFMessage(const SkToFMessage& message);

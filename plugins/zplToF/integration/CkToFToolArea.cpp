@@ -1,0 +1,50 @@
+#include "integration/CkToFToolArea.h"
+
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkCameraParameters.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPointer>
+#include <QSpacerItem>
+#include <QToolButton>
+#include <QVariant>
+#include <memory>
+
+bool CkToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
+    CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
+    IkAppDelegate* host = IkAppDelegate::instance();
+    if (host == nullptr || parameters == nullptr ||
+        parameters->findParam(QStringLiteral("tof_readout_mode"), false) == nullptr) {
+        return false;
+    }
+    auto* layout = new QHBoxLayout;
+    QList<QPointer<QWidget>> widgets;
+
+    auto* label = new QLabel(tr("ToF Processing:"));
+    layout->addWidget(label);
+    widgets.append(label);
+
+    const auto addButton = [&](const QString& text, const char* name, const char* slot) {
+        auto* button = new QToolButton;
+        button->setText(text);
+        button->setObjectName(QLatin1String(name));
+        button->setProperty("tof_camera_handle", QVariant::fromValue(quint64(quintptr(cameraHandle))));
+        QObject::connect(button, SIGNAL(clicked(bool)), pReceiver, slot);
+        layout->addWidget(button);
+        widgets.append(button);
+    };
+    addButton(tr("Open 3D View"), "btnToF3D", SLOT(on_actOpenToF3dViewStartAcq()));
+    addButton(tr("Open All ToF Processing Views"), "btnToFAllViews", SLOT(on_actOpenAllToFViewsStartAcq()));
+    layout->addSpacerItem(new QSpacerItem(1, 1, QSizePolicy::Expanding, QSizePolicy::Minimum));
+
+    if (!host->addCameraPanelLayout(cameraHandle, parameters, layout, 1)) {
+        // A layout does not own its widgets before it has a parent.
+        for (const QPointer<QWidget>& widget : widgets) {
+            delete widget.data();
+        }
+        delete layout;
+    }
+    return true;
+}

@@ -1,0 +1,9 @@
+#include "pic/kernels/PlainKernels.h"
+
+SkToFKernels plainKernels() {
+    SkToFKernels kernels{};
+    kernels.sName = "plain";
+    addPlainWaveKernels(kernels);
+    addPlainHybridKernels(kernels);
+    return kernels;
+}

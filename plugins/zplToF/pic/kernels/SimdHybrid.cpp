@@ -1,0 +1,215 @@
+#include "pic/kernels/SimdTargets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pic/kernels/SimdHybrid.cpp"
+#include <hwy/foreach_target.h>
+
+#include "pic/kernels/SimdRows-inl.h"
+#include "pic/kernels/SimdSections-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace tofSimd {
+namespace HWY_NAMESPACE {
+#if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
+
+using DD = hn::ScalableTag<double>;
+using VD = hn::Vec<DD>;
+
+template <typename T, bool wantAmplitude>
+struct WindowBlock {
+    static constexpr size_t kPixels = hn::MaxLanes(hn::ScalableTag<T>());
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 3 * sizeof(T);
+    static constexpr size_t kResultBytes = sizeof(T);
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        const hn::ScalableTag<T> d;
+        hn::Vec<hn::ScalableTag<T>> x1, x2, x3;
+        hn::LoadInterleaved3(d, reinterpret_cast<const T*>(rows[0]), x1, x2, x3);
+        const auto low = hn::Min(x1, x3);
+        if constexpr (wantAmplitude) {
+            // x2 + high - 2 low without wider lanes: what x2 has above low is added to high - low and wraps,
+            // what it lacks is taken away down to 0.
+            const auto span = hn::Sub(hn::Max(x1, x3), low);
+            storeBytes(d,
+                       hn::Add(hn::SaturatedSub(span, hn::SaturatedSub(low, x2)), hn::SaturatedSub(x2, low)),
+                       result);
+        } else {
+            storeBytes(d, low, result);
+        }
+    }
+};
+
+template <typename T, bool wantAmplitude>
+void windowRow(const quint8* source, quint8* result, size_t pixels, int) {
+    WindowBlock<T, wantAmplitude> block;
+    forEachBlock(&source, result, pixels, block);
+}
+
+/// Half of a block's quotients in double precision, narrowed.
+struct Quotients {
+    hn::Vec<hn::Rebind<float, DD>> depth;
+    hn::Vec<hn::Rebind<float, DD>> confidence;
+};
+
+using HalfI = hn::Vec<hn::Rebind<int32_t, DD>>;
+
+/// 16-bit samples, their sums and products are exact in double precision; the far flag is 0 or 1.
+HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI ambientSamples, HalfI far,
+                               double range) {
+    const DD d;
+    const hn::Rebind<float, DD> df;
+    const VD first = hn::PromoteTo(d, firstSamples);
+    const VD second = hn::PromoteTo(d, secondSamples);
+    const VD ambient = hn::PromoteTo(d, ambientSamples);
+    const VD sum = hn::Add(first, second);
+    const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
+    const VD confidence = hn::Div(hn::Mul(sum, ambient), hn::Mul(hn::Add(first, first), second));
+    const VD offset = hn::Mul(hn::PromoteTo(d, far), hn::Set(d, range));
+    const VD depth =
+        hn::Add(hn::Div(hn::Mul(hn::Sub(second, ambient), hn::Set(d, range)), reflected), offset);
+    const auto trusted = hn::Le(confidence, hn::Set(d, 0.9));
+    return {hn::DemoteTo(df, hn::IfThenElseZero(trusted, depth)),
+            hn::DemoteTo(df, hn::IfThenElseZero(trusted, confidence))};
+}
+
+template <typename T>
+struct HybridDepthBlock {
+    static constexpr size_t kPixels = kFloats;
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 3 * sizeof(T);
+    static constexpr size_t kResultBytes = 8;
+
+    double range;
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        const DF df;
+        const DI di;
+        const hn::Rebind<T, DF> dt;
+        hn::Vec<hn::Rebind<T, DF>> x1, x2, x3;
+        hn::LoadInterleaved3(dt, reinterpret_cast<const T*>(rows[0]), x1, x2, x3);
+        const VI a = hn::PromoteTo(di, x1);
+        const VI b = hn::PromoteTo(di, x2);
+        const VI c = hn::PromoteTo(di, x3);
+
+        const auto near = hn::Gt(a, c);
+        const VI first = hn::IfThenElse(near, a, b);
+        const VI second = hn::IfThenElse(near, b, c);
+        const VI ambient = hn::Min(a, c);
+        const VI sum = hn::Add(first, second);
+        const VI reflected = hn::Sub(sum, hn::Add(ambient, ambient));
+        const VI aboveAmbient = hn::Sub(second, ambient);
+
+        // Windows 1 and 2 nearly equal below window 3.
+        const auto undecided =
+            hn::And(hn::Lt(hn::Abs(hn::Sub(a, b)), hn::Set(di, 3)), hn::Lt(hn::Max(a, b), c));
+        // Samples are not negative, so a product of 0 means that one of them is 0.
+        const auto measurable =
+            hn::And(hn::And(hn::Gt(reflected, hn::Zero(di)), hn::Gt(hn::Min(first, second), hn::Zero(di))),
+                    hn::Gt(aboveAmbient, hn::Set(di, -1)));
+        const auto valid = hn::RebindMask(df, hn::AndNot(undecided, measurable));
+
+        const hn::Half<DI> dh;
+        const VI far = hn::IfThenZeroElse(near, hn::Set(di, 1));
+        const Quotients low = quotients(hn::LowerHalf(dh, first), hn::LowerHalf(dh, second),
+                                        hn::LowerHalf(dh, ambient), hn::LowerHalf(dh, far), range);
+        const Quotients high = quotients(hn::UpperHalf(dh, first), hn::UpperHalf(dh, second),
+                                         hn::UpperHalf(dh, ambient), hn::UpperHalf(dh, far), range);
+        const VF depth = hn::IfThenElseZero(valid, hn::Combine(df, high.depth, low.depth));
+        const VF confidence = hn::IfThenElseZero(valid, hn::Combine(df, high.confidence, low.confidence));
+        hn::StoreInterleaved2(depth, confidence, df, reinterpret_cast<float*>(result));
+    }
+};
+
+template <typename T>
+void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double range) {
+    HybridDepthBlock<T> block{range};
+    forEachBlock(&source, result, pixels, block);
+}
+
+/// Largest depth of the lanes whose confidence can be trusted.
+struct LargestDepth {
+    VF largest;
+    VF limit;
+
+    HWY_INLINE void include(VF depth, VF confidence) {
+        const auto trusted = hn::And(hn::Gt(confidence, hn::Zero(DF())), hn::Le(confidence, limit));
+        largest = hn::IfThenElse(hn::And(trusted, hn::Gt(depth, largest)), depth, largest);
+    }
+};
+
+struct LargestDepthBlock : LargestDepth {
+    static constexpr size_t kPixels = kFloats;
+    static constexpr size_t kRows = 2;
+    static constexpr size_t kSourceBytes = 4;
+    static constexpr size_t kResultBytes = 0;
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t*) {
+        include(loadBytes(DF(), rows[0]), loadBytes(DF(), rows[1]));
+    }
+};
+
+struct LargestDepthOfPairsBlock : LargestDepth {
+    static constexpr size_t kPixels = kFloats;
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 8;
+    static constexpr size_t kResultBytes = 0;
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t*) {
+        VF depth, confidence;
+        hn::LoadInterleaved2(DF(), reinterpret_cast<const float*>(rows[0]), depth, confidence);
+        include(depth, confidence);
+    }
+};
+
+float largestDepthRow(const quint8* depth, const quint8* confidence, size_t pixels, float limit,
+                      float maximum) {
+    LargestDepthBlock block{{hn::Set(DF(), maximum), hn::Set(DF(), limit)}};
+    const uint8_t* const rows[] = {depth, confidence};
+    forEachBlock(rows, nullptr, pixels, block);
+    return hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+}
+
+float largestDepthOfPairsRow(const quint8* pairs, const quint8*, size_t pixels, float limit, float maximum) {
+    LargestDepthOfPairsBlock block{{hn::Set(DF(), maximum), hn::Set(DF(), limit)}};
+    forEachBlock(&pairs, nullptr, pixels, block);
+    return hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+}
+
+/// Pictures of 32-bit windows stay with the plain loops: their sums and products need lanes of 64 bits, of
+/// which a vector holds few, and sensors deliver 16 bits at most.
+void addHybrid(SkToFKernels& kernels) {
+    kernels.hybridIntensity[0][0] = windowRow<uint8_t, false>;
+    kernels.hybridIntensity[1][1] = windowRow<uint16_t, false>;
+    kernels.hybridAmplitude[0][0] = windowRow<uint8_t, true>;
+    kernels.hybridAmplitude[1][1] = windowRow<uint16_t, true>;
+    kernels.hybridDepth[0] = hybridDepthRow<uint8_t>;
+    kernels.hybridDepth[1] = hybridDepthRow<uint16_t>;
+    kernels.mergeSections[0][1] = mergeSectionsRow<uint8_t, uint16_t>;
+    kernels.mergeSections[0][2] = mergeSectionsRow<uint8_t, uint32_t>;
+    kernels.mergeSections[1][1] = mergeSectionsRow<uint16_t, uint16_t>;
+    kernels.mergeSections[1][2] = mergeSectionsRow<uint16_t, uint32_t>;
+    kernels.largestDepth = largestDepthRow;
+    kernels.largestDepthOfPairs = largestDepthOfPairsRow;
+}
+#else
+void addHybrid(SkToFKernels&) {}
+#endif
+} // namespace HWY_NAMESPACE
+} // namespace tofSimd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tofSimd {
+HWY_EXPORT(addHybrid);
+}
+
+bool addSimdHybridKernels(int64_t target, SkToFKernels& kernels) {
+    using namespace tofSimd;
+    const auto add = TOF_TARGET_ENTRY(addHybrid, target);
+    if (add == nullptr)
+        return false;
+    add(kernels);
+    return true;
+}
+#endif

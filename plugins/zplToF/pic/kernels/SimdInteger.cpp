@@ -1,0 +1,185 @@
+#include "pic/kernels/SimdTargets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pic/kernels/SimdInteger.cpp"
+#include <hwy/foreach_target.h>
+
+#include "pic/kernels/SimdLight-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace tofSimd {
+namespace HWY_NAMESPACE {
+#if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
+
+/// Interleaved taps as whole vectors of lanes twice as wide: A is the low half of each lane. Samples of
+/// type T, sums in lanes of type W.
+template <typename T, typename W>
+struct TapLanes {
+    using Narrow = hn::ScalableTag<T>;
+    using Wide = hn::ScalableTag<W>;
+    using V = hn::Vec<Wide>;
+    static constexpr int bits = 8 * sizeof(T);
+
+    static HWY_INLINE V sum(const uint8_t* bytes) {
+        const V taps = loadBytes(Wide(), bytes);
+        return hn::Add(hn::And(taps, hn::Set(Wide(), W(hwy::LimitsMax<T>()))), hn::ShiftRight<bits>(taps));
+    }
+    /// Modulo the narrow type in the low half of each lane; the high half is left over.
+    static HWY_INLINE V difference(const uint8_t* bytes) {
+        const V taps = loadBytes(Wide(), bytes);
+        return hn::Sub(taps, hn::ShiftRight<bits>(taps));
+    }
+    /// The low halves of two vectors as one.
+    static HWY_INLINE void storeLowHalves(V first, V second, uint8_t* result) {
+        const Narrow d;
+        storeBytes(d, hn::ConcatEven(d, hn::BitCast(d, second), hn::BitCast(d, first)), result);
+    }
+};
+
+using ByteLanes = TapLanes<uint8_t, uint16_t>;
+using WordLanes = TapLanes<uint16_t, uint32_t>;
+
+template <class Taps, int phases>
+struct IntensityBlock {
+    static constexpr size_t kPixels = hn::MaxLanes(typename Taps::Narrow());
+    static constexpr size_t kRows = phases;
+    static constexpr size_t kSourceBytes = 2 * sizeof(hn::TFromD<typename Taps::Narrow>);
+    static constexpr size_t kResultBytes = kSourceBytes / 2;
+    static constexpr int shift = phases == 1 ? 1 : phases == 2 ? 2 : phases == 4 ? 3 : 4;
+
+    static HWY_INLINE typename Taps::V mean(const uint8_t* const* rows, size_t offset) {
+        auto sum = Taps::sum(rows[0] + offset);
+        for (int phase = 1; phase < phases; ++phase)
+            sum = hn::Add(sum, Taps::sum(rows[phase] + offset));
+        return hn::ShiftRight<shift>(sum);
+    }
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        Taps::storeLowHalves(mean(rows, 0), mean(rows, kPixels / 2 * kSourceBytes), result);
+    }
+};
+
+template <class Taps, int phases>
+void intensityRow(const quint8* const* rows, quint8* result, size_t pixels) {
+    IntensityBlock<Taps, phases> block;
+    forEachBlock(rows, result, pixels, block);
+}
+
+template <class Taps>
+struct DifferenceBlock {
+    static constexpr size_t kPixels = hn::MaxLanes(typename Taps::Narrow());
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 2 * sizeof(hn::TFromD<typename Taps::Narrow>);
+    static constexpr size_t kResultBytes = kSourceBytes / 2;
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        Taps::storeLowHalves(Taps::difference(rows[0]),
+                             Taps::difference(rows[0] + kPixels / 2 * kSourceBytes), result);
+    }
+};
+
+template <class Taps>
+void differenceRow(const quint8* source, quint8* result, size_t pixels) {
+    DifferenceBlock<Taps> block;
+    forEachBlock(&source, result, pixels, block);
+}
+
+/// Amplitudes never exceed the range of the samples they come from, so nothing is cut off.
+template <class Source, typename T, int phases>
+struct AmplitudeBlock {
+    static constexpr size_t kPixels = 2 * kFloats;
+    static constexpr size_t kRows = phases;
+    static constexpr size_t kSourceBytes = Source::kBytes;
+    static constexpr size_t kResultBytes = sizeof(T);
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        const Axes<Source, phases> axes(rows);
+        const VI first = amplitudeOf<0>(axes);
+        if constexpr (Source::kParts == 2) {
+            store(first, amplitudeOf<1>(axes), result);
+        } else {
+            const uint8_t* secondRows[kRows];
+            for (size_t row = 0; row < kRows; ++row)
+                secondRows[row] = rows[row] + kFloats * kSourceBytes;
+            store(first, amplitudeOf<0>(Axes<Source, phases>(secondRows)), result);
+        }
+    }
+
+    static HWY_INLINE void store(VI first, VI second, uint8_t* result) {
+        if constexpr (sizeof(T) == 2) {
+            const hn::ScalableTag<uint16_t> d;
+            storeBytes(d, hn::ConcatEven(d, hn::BitCast(d, second), hn::BitCast(d, first)), result);
+        } else {
+            const hn::Rebind<uint8_t, DF> d;
+            storeBytes(d, hn::DemoteTo(d, first), result);
+            storeBytes(d, hn::DemoteTo(d, second), result + kFloats);
+        }
+    }
+};
+
+template <class Source, typename T, int phases>
+void amplitudeRow(const quint8* const* rows, quint8* result, size_t pixels) {
+    AmplitudeBlock<Source, T, phases> block;
+    forEachBlock(rows, result, pixels, block);
+}
+
+template <typename T>
+struct InterleaveBlock {
+    static constexpr size_t kPixels = hn::MaxLanes(hn::ScalableTag<T>());
+    static constexpr size_t kRows = 3;
+    static constexpr size_t kSourceBytes = sizeof(T);
+    static constexpr size_t kResultBytes = 3 * sizeof(T);
+
+    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+        const hn::ScalableTag<T> d;
+        hn::StoreInterleaved3(loadBytes(d, rows[0]), loadBytes(d, rows[1]), loadBytes(d, rows[2]), d,
+                              reinterpret_cast<T*>(result));
+    }
+};
+
+template <typename T>
+void interleaveThreeRow(const quint8* const* rows, quint8* result, size_t pixels) {
+    InterleaveBlock<T> block;
+    forEachBlock(rows, result, pixels, block);
+}
+
+template <int phases, int index>
+void addPhases(SkToFKernels& kernels) {
+    kernels.intensity[0][index] = intensityRow<ByteLanes, phases>;
+    kernels.intensity[1][index] = intensityRow<WordLanes, phases>;
+    kernels.amplitude[0][index] = amplitudeRow<Taps8, uint8_t, phases>;
+    kernels.amplitude[1][index] = amplitudeRow<Taps16, uint16_t, phases>;
+    kernels.amplitudeOfDifference[0][index] = amplitudeRow<Differences8, uint8_t, phases>;
+    kernels.amplitudeOfDifference[1][index] = amplitudeRow<Differences16, uint16_t, phases>;
+}
+
+void addInteger(SkToFKernels& kernels) {
+    addPhases<1, 0>(kernels);
+    addPhases<2, 1>(kernels);
+    addPhases<4, 2>(kernels);
+    addPhases<8, 3>(kernels);
+    kernels.difference[0] = differenceRow<ByteLanes>;
+    kernels.difference[1] = differenceRow<WordLanes>;
+    kernels.interleaveThree[0] = interleaveThreeRow<uint8_t>;
+    kernels.interleaveThree[1] = interleaveThreeRow<uint16_t>;
+}
+#else
+void addInteger(SkToFKernels&) {}
+#endif
+} // namespace HWY_NAMESPACE
+} // namespace tofSimd
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tofSimd {
+HWY_EXPORT(addInteger);
+}
+
+bool addSimdIntegerKernels(int64_t target, SkToFKernels& kernels) {
+    using namespace tofSimd;
+    const auto add = TOF_TARGET_ENTRY(addInteger, target);
+    if (add == nullptr)
+        return false;
+    add(kernels);
+    return true;
+}
+#endif

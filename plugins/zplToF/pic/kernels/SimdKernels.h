@@ -1,0 +1,9 @@
+#pragma once
+
+#include "pic/kernels/SkToFKernels.h"
+
+#include <vector>
+
+/// The vector implementations this processor can run, from the narrowest vectors to the widest; empty on a
+/// processor without any of them.
+std::vector<const SkToFKernels*> simdKernels();

@@ -1,0 +1,36 @@
+#include "view3d/CkToFRenderCapture.h"
+
+#include <Qt3DRender/QRenderCapture>
+#include <Qt3DRender/QSubtreeEnabler>
+
+CkToFRenderCapture::CkToFRenderCapture(Qt3DRender::QFrameGraphNode* pBranch, QObject* pParent)
+    : QObject(pParent), m_enabler(new Qt3DRender::QSubtreeEnabler(pBranch)),
+      m_capture(new Qt3DRender::QRenderCapture(m_enabler)) {
+    m_enabler->setEnabled(false);
+}
+
+Qt3DRender::QRenderCapture* CkToFRenderCapture::capture() const {
+    return m_capture;
+}
+
+Qt3DRender::QRenderCaptureReply* CkToFRenderCapture::request() {
+    if (!m_capture || !m_enabler) {
+        return nullptr;
+    }
+    Qt3DRender::QRenderCaptureReply* reply = m_capture->requestCapture();
+    if (reply == nullptr) {
+        return nullptr;
+    }
+    m_open.append(reply);
+    connect(reply, &Qt3DRender::QRenderCaptureReply::completed, this, &CkToFRenderCapture::settle);
+    connect(reply, &QObject::destroyed, this, &CkToFRenderCapture::settle);
+    m_enabler->setEnabled(true);
+    return reply;
+}
+
+void CkToFRenderCapture::settle() {
+    m_open.removeIf([](const auto& reply) { return !reply || reply->isComplete(); });
+    if (m_open.isEmpty() && m_enabler) {
+        m_enabler->setEnabled(false);
+    }
+}

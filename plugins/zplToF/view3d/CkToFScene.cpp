@@ -1,0 +1,222 @@
+#include "view3d/CkToFScene.h"
+
+#include "cloud/CkToFCloudBuilder.h"
+#include "view3d/CkToFBoundingBox.h"
+#include "view3d/CkToFGlProbe.h"
+#include "view3d/CkToFRenderCapture.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QSurfaceFormat>
+#include <QVector3D>
+#include <QWidget>
+#include <Qt3DCore/QEntity>
+#include <Qt3DExtras/QForwardRenderer>
+#include <Qt3DExtras/QOrbitCameraController>
+#include <Qt3DExtras/QPerVertexColorMaterial>
+#include <Qt3DExtras/QPhongMaterial>
+#include <Qt3DExtras/Qt3DWindow>
+#include <Qt3DRender/QCamera>
+#include <Qt3DRender/QClearBuffers>
+#include <Qt3DRender/QGeometryRenderer>
+#include <Qt3DRender/QParameter>
+#include <Qt3DRender/QRenderCapabilities>
+#include <Qt3DRender/QRenderCapture>
+#include <Qt3DRender/QRenderSettings>
+#include <Qt3DRender/QShaderProgram>
+
+namespace {
+
+// Four samples a pixel are what Qt 3D asks for, also as the default of its contexts. A processor spends more
+// time on them than on the whole rest of the picture, while the program waits.
+void drawWithoutMultisampling(QWindow& window) {
+    QSurfaceFormat format = window.format();
+    format.setSamples(0);
+    window.setFormat(format);
+    QSurfaceFormat::setDefaultFormat(format);
+}
+
+} // namespace
+
+bool CkToFScene::platformUsesPointPrimitives() {
+    return QGuiApplication::platformName() != QLatin1String(WaylandPlatform);
+}
+
+CkToFScene::CkToFScene(bool bUsePointPrimitives) : m_bUsePointPrimitives(bUsePointPrimitives) {}
+
+std::unique_ptr<CkToFScene> CkToFScene::create(bool bUsePointPrimitives, const QColor& clBackground) {
+    if (!CkToFGlProbe::canRender(bUsePointPrimitives)) {
+        return nullptr;
+    }
+    std::unique_ptr<CkToFScene> scene(new CkToFScene(bUsePointPrimitives));
+    return scene->build(clBackground) ? std::move(scene) : nullptr;
+}
+
+CkToFScene::~CkToFScene() {
+    // Until it is assembled nobody else owns the window and the nodes in it.
+    if (!m_container) {
+        delete m_root;
+        delete m_cloudRenderer;
+        delete m_boxRenderer;
+        delete m_window;
+    }
+}
+
+bool CkToFScene::build(const QColor& clBackground) {
+    m_window = new Qt3DExtras::Qt3DWindow;
+    if (m_window->defaultFrameGraph() == nullptr) {
+        return false;
+    }
+    if (CkToFGlProbe::isSoftware()) {
+        drawWithoutMultisampling(*m_window);
+    }
+    logRenderer();
+    // A view that nothing happens in costs nothing; otherwise Qt 3D draws without pause, on this thread.
+    m_window->renderSettings()->setRenderPolicy(Qt3DRender::QRenderSettings::OnDemand);
+    setClearColor(clBackground);
+
+    m_root = new Qt3DCore::QEntity;
+    if (m_bUsePointPrimitives) {
+        createBillboardShaderMaterial(m_root);
+    }
+    m_cloudEntity = new Qt3DCore::QEntity(m_root);
+    m_cloudRenderer = new Qt3DRender::QGeometryRenderer;
+    m_boxEntity = new Qt3DCore::QEntity(m_root);
+    m_boxRenderer = new Qt3DRender::QGeometryRenderer;
+    return true;
+}
+
+Qt3DRender::QMaterial* CkToFScene::createBillboardShaderMaterial(Qt3DCore::QNode* pParent) {
+    m_billboards = SkToFBillboardMaterial::create(pParent);
+    connect(m_billboards.program, &Qt3DRender::QShaderProgram::logChanged, this,
+            &CkToFScene::programLogChanged);
+    return m_billboards.material;
+}
+
+// At critical level, so that the line stands in the host's log whatever its filter.
+void CkToFScene::logRenderer() const {
+    const Qt3DRender::QRenderCapabilities* found = m_window->renderSettings()->renderCapabilities();
+    qCritical().noquote() << QStringLiteral("Starting ToF 3D with OpenGL %1.%2 (glsl %3) on %4, platform: %5")
+                                 .arg(found->majorVersion())
+                                 .arg(found->minorVersion())
+                                 .arg(found->glslVersion(), found->renderer(),
+                                      QGuiApplication::platformName());
+}
+
+QWidget* CkToFScene::assemble(bool bShowBBox) {
+    Qt3DRender::QMaterial* cloudMaterial = m_billboards.material;
+    if (cloudMaterial == nullptr) {
+        cloudMaterial = new Qt3DExtras::QPerVertexColorMaterial(m_root);
+    }
+    m_cloudEntity->addComponent(m_cloudRenderer);
+    m_cloudEntity->addComponent(cloudMaterial);
+
+    auto* boxMaterial = new Qt3DExtras::QPhongMaterial(m_root);
+    boxMaterial->setAmbient(Qt::white);
+    m_boxEntity->addComponent(m_boxRenderer);
+    m_boxEntity->addComponent(boxMaterial);
+    m_boxEntity->setEnabled(bShowBBox);
+
+    setUpCamera();
+    if (auto* clear = m_window->defaultFrameGraph()->findChild<Qt3DRender::QClearBuffers*>()) {
+        m_capture = new CkToFRenderCapture(clear, this);
+    }
+    m_window->setRootEntity(m_root);
+    m_window->installEventFilter(this);
+    m_container = QWidget::createWindowContainer(m_window);
+    return m_container;
+}
+
+void CkToFScene::setUpCamera() {
+    if (Qt3DRender::QCamera* view = camera()) {
+        view->lens()->setPerspectiveProjection(FieldOfView, AspectRatio, 0.1F, 1000.0F);
+        // The window sets the ratio to its own at every resize; the billboards count on ours.
+        connect(view, &Qt3DRender::QCamera::aspectRatioChanged, view,
+                [view] { view->setAspectRatio(AspectRatio); });
+        moveToDefaultPosition();
+    }
+    auto* controller = new Qt3DExtras::QOrbitCameraController(m_root);
+    controller->setCamera(camera());
+}
+
+Qt3DExtras::Qt3DWindow* CkToFScene::window() const {
+    return m_window;
+}
+
+Qt3DRender::QGeometryRenderer* CkToFScene::cloudRenderer() const {
+    return m_cloudRenderer;
+}
+
+Qt3DRender::QGeometryRenderer* CkToFScene::boxRenderer() const {
+    return m_boxRenderer;
+}
+
+Qt3DCore::QEntity* CkToFScene::boxEntity() const {
+    return m_boxEntity;
+}
+
+Qt3DRender::QCamera* CkToFScene::camera() const {
+    return m_window ? m_window->camera() : nullptr;
+}
+
+// A sub-surface of Wayland is drawn without ever being reported as exposed.
+bool CkToFScene::isDrawn() const {
+    return m_window && (platformUsesPointPrimitives() ? m_window->isExposed() : m_window->isVisible());
+}
+
+void CkToFScene::setCloud(const CkToFCloudBuilder& cloud) {
+    if (m_billboards.pointSize != nullptr) {
+        const double size = 2.0 * double(cloud.pointSpacing());
+        m_billboards.pointSize->setValue(QPointF(size, size));
+    }
+    m_cloudGeometry.update(m_cloudRenderer, cloud, m_bRuns);
+}
+
+void CkToFScene::setBox(float fHalfX, float fHalfY, float fHalfZ) {
+    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bRuns);
+}
+
+void CkToFScene::setBoxVisible(bool bVisible) {
+    m_boxEntity->setEnabled(bVisible);
+}
+
+QColor CkToFScene::clearColor() const {
+    return m_window->defaultFrameGraph()->clearColor();
+}
+
+void CkToFScene::setClearColor(const QColor& clColor) {
+    m_window->defaultFrameGraph()->setClearColor(clColor);
+}
+
+void CkToFScene::setViewSize(const QSize& size) {
+    if (m_billboards.windowSize != nullptr && size.width() > 0) {
+        const float shape = float(size.height()) / float(size.width());
+        m_billboards.windowSize->setValue(QPointF(double(shape), 1.0));
+    }
+}
+
+void CkToFScene::moveToDefaultPosition() {
+    if (Qt3DRender::QCamera* view = camera()) {
+        view->setPosition(QVector3D(0.0F, 0.0F, 3.0F));
+        view->setUpVector(QVector3D(0.0F, 1.0F, 0.0F));
+        view->setViewCenter(QVector3D(0.0F, 0.0F, 0.0F));
+    }
+}
+
+Qt3DRender::QRenderCaptureReply* CkToFScene::requestCapture() {
+    return m_capture != nullptr && isDrawn() ? m_capture->request() : nullptr;
+}
+
+// Qt 3D's default renderer hands out what it drew by OpenGL bottom row first; its OpenGL renderer does not.
+QImage CkToFScene::picture(const Qt3DRender::QRenderCaptureReply& reply) const {
+    const bool upsideDown =
+        !m_bUsePointPrimitives && m_window && m_window->surfaceType() == QSurface::OpenGLSurface;
+    return upsideDown ? reply.image().mirrored() : reply.image();
+}
+
+bool CkToFScene::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (pWatched == m_window && pEvent->type() == QEvent::Show) {
+        m_bRuns = true;
+    }
+    return QObject::eventFilter(pWatched, pEvent);
+}

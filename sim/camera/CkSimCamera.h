@@ -1,0 +1,84 @@
+#pragma once
+
+#include "camera/CkSimPainter.h"
+#include "camera/CkSimParameters.h"
+#include "camera/SkSimPlan.h"
+
+#include "zuCore/CkMemoryPool.h"
+#include "zuCore/IkCameraDriver.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+/// A simulated camera. A thread of its own paints and delivers one set of images per period.
+///
+/// Committed settings apply from the next set on. All images of a set show the scene at the same moment of
+/// the camera's clock, which runs from 0 at each start by one period per set, however long a set took: the
+/// pictures depend on settings and set number alone. A set that finds no free picture memory, because its
+/// receivers still hold all of it, is dropped.
+class CkSimCamera : public IkCamera {
+public:
+    CkSimCamera(EkSimCameraKind kind, const SkCameraInfo& info);
+    /// Stops first.
+    ~CkSimCamera() override;
+    CkSimCamera(const CkSimCamera&) = delete;
+    CkSimCamera& operator=(const CkSimCamera&) = delete;
+
+    CkCameraParameters* parameters() override { return &m_parameters; }
+    /// Format of the first image of a set; time stamp and frame number are 0.
+    bool frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
+    bool start(FrameFunction deliver, QString* psError) override;
+    void stop() override;
+    bool isRunning() const override { return m_running; }
+    /// Takes effect after the set that is being delivered; kept over stop and start.
+    void setPaused(bool bPaused) override;
+    void step() override;
+
+    /// True radial distances in metres of a frame, by its additionalData.timestampNs, with the settings as
+    /// they are. An empty target is allocated on the heap; any other must be a one-channel float picture of
+    /// the sensor's size (of one phase or section). False when it is not or memory is short. Any thread.
+    bool trueDistance(qint64 timestampNs, SkPicBuf& target) const;
+
+    /// Sets not delivered, or not to their end, for want of picture memory since the start. Any thread.
+    quint64 droppedSets() const { return m_droppedSets; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool applySettings(const QList<CkCameraParam*>& committing);
+    void run();
+    bool waitForSet(Clock::time_point& due);
+    bool waitUntil(Clock::time_point due);
+    bool reservePictures(const SkPicBufInfo& info);
+    bool deliverSet(const SkSimSettings& settings, const SkSimPlan& plan, Clock::time_point due);
+    bool deliverImage(const SkSimSettings& settings, const SkSimImage& image);
+
+    const EkSimCameraKind m_kind;
+    CkCameraParameters m_parameters;
+    CkSimParameters m_bindings;
+
+    mutable std::mutex m_mutex; ///< guards the members up to m_stopping
+    std::condition_variable m_changed;
+    SkSimSettings m_settings;
+    SkSimPlan m_plan;
+    bool m_paused = false;
+    int m_steps = 0;
+    bool m_stopping = false;
+
+    std::thread m_thread;
+    std::atomic<std::thread::id> m_worker; ///< of the thread that delivers
+    std::atomic<bool> m_running{false};
+    std::atomic<quint64> m_droppedSets{0};
+
+    // Used by the camera's thread alone while it runs.
+    FrameFunction m_deliver;
+    CkSimPainter m_painter;
+    CkMemoryPool m_pool;
+    size_t m_pictureBytes = 0;
+    quint64 m_frameNumber = 0;
+    quint64 m_setNumber = 0;
+    qint64 m_clockNs = 0;
+};

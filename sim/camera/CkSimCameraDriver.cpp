@@ -1,0 +1,62 @@
+#include "camera/CkSimCameraDriver.h"
+
+#include "camera/CkSimCamera.h"
+
+#include <QCoreApplication>
+
+#include <new>
+#include <utility>
+
+const QString CkSimCameraDriver::WAVE_ID = QStringLiteral("sim:wave");
+const QString CkSimCameraDriver::HYBRID_ID = QStringLiteral("sim:hybrid");
+const QString CkSimCameraDriver::GREY_ID = QStringLiteral("sim:grey");
+
+namespace {
+
+constexpr quint32 HYBRID_SENSOR = 13;
+
+QString text(const char* source) {
+    return QCoreApplication::translate("CkSimCameraDriver", source);
+}
+
+QList<std::pair<EkSimCameraKind, SkCameraInfo>> cameras() {
+    return {{EkSimCameraKind::Wave,
+             {CkSimCameraDriver::WAVE_ID, text("Simulated ToF camera"), QStringLiteral("SIM-CW-640"),
+              QStringLiteral("SIM0001"), 0}},
+            {EkSimCameraKind::Hybrid,
+             {CkSimCameraDriver::HYBRID_ID, text("Simulated hybrid ToF camera"), QStringLiteral("SIM-HY-832"),
+              QStringLiteral("SIM0002"), HYBRID_SENSOR}},
+            {EkSimCameraKind::Grey,
+             {CkSimCameraDriver::GREY_ID, text("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
+              QStringLiteral("SIM0003"), 0}}};
+}
+
+} // namespace
+
+QString CkSimCameraDriver::name() const {
+    return text("Simulated cameras");
+}
+
+QList<SkCameraInfo> CkSimCameraDriver::availableCameras() const {
+    QList<SkCameraInfo> infos;
+    for (const auto& [kind, info] : cameras())
+        infos.append(info);
+    return infos;
+}
+
+std::unique_ptr<IkCamera> CkSimCameraDriver::open(const QString& sId, QString* psError) {
+    for (const auto& [kind, info] : cameras()) {
+        if (info.id != sId)
+            continue;
+        try {
+            return std::make_unique<CkSimCamera>(kind, info);
+        } catch (const std::bad_alloc&) {
+            if (psError)
+                *psError = text("Not enough memory to open \"%1\".").arg(info.name);
+            return nullptr;
+        }
+    }
+    if (psError)
+        *psError = text("There is no simulated camera \"%1\".").arg(sId);
+    return nullptr;
+}

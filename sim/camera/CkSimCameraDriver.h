@@ -1,0 +1,17 @@
+#pragma once
+
+#include "zuCore/IkCameraDriver.h"
+
+/// Driver of the simulated cameras: a continuous-wave ToF camera, a hybrid ToF camera and a plain grey one.
+/// They are always there; each can be opened more than once, as unrelated cameras.
+class CkSimCameraDriver : public IkCameraDriver {
+public:
+    static const QString WAVE_ID;
+    static const QString HYBRID_ID;
+    static const QString GREY_ID;
+
+    QString name() const override;
+    QList<SkCameraInfo> availableCameras() const override;
+    /// A CkSimCamera.
+    std::unique_ptr<IkCamera> open(const QString& sId, QString* psError) override;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "camera/SkSimSettings.h"
+#include "synth/SkSimLens.h"
+
+#include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <vector>
+
+enum class EkSimContent { Grey, Phases, Sections, Reference };
+
+/// One image of a set: its format and what is painted into it.
+struct SkSimImage {
+    SkPicBufInfo info;
+    CkImageMetadata metadata; ///< time stamp and frame number are left to the delivery
+    EkSimContent content = EkSimContent::Grey;
+    std::vector<int> parts; ///< phase angles in degrees or section numbers, from top to bottom
+};
+
+/// The images of one set in order of delivery; never empty. All have the same format.
+using SkSimPlan = std::vector<SkSimImage>;
+
+SkSimLens simLens(EkSimCameraKind kind, const SkSimSettings& settings);
+
+/// What a camera with these settings delivers. A readout mode and a data format that do not fit each other
+/// give plain grey pictures, as a camera does that is not set up for ToF.
+SkSimPlan makeSimPlan(EkSimCameraKind kind, const SkSimSettings& settings, const SkCameraInfo& camera);

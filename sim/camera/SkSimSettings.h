@@ -1,0 +1,30 @@
+#pragma once
+
+#include "synth/SkSimExposure.h"
+
+enum class EkSimCameraKind { Wave, Hybrid, Grey };
+
+enum class EkSimScene { Room = 0, Wall = 1 };
+
+/// Everything a simulated camera can be told; each kind uses its share. Plain data; the defaults are those of
+/// the camera parameters.
+struct SkSimSettings {
+    double frameRate = 30.0; ///< sets per second
+    SkSimExposure exposure;
+    EkSimScene scene = EkSimScene::Room;
+    double wallDistanceM = 2.0;
+    double wallReflectivity = 0.8;
+    double focalLengthMm = 3.5;
+    bool reportFocalLength = false; ///< whether the frames tell the focal length
+    int dataFormat = 0;             ///< code of the camera's output format
+    int converterBits = 12;         ///< of the 16-bit formats: 12 or 16
+    bool separateImages = false;    ///< phases or sections one image each instead of stacked
+
+    int readoutMode = 4; ///< 2: A minus B, 4: A and B, any other: no ToF readout
+    double modulationMHz = 20.0;
+    int phases = 4; ///< 1, 2, 4 or 8
+
+    double pulseNs = 40.0;
+    int sections = 1;    ///< 1 to 4
+    int sectionMode = 0; ///< 3: a reference section comes first
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "synth/CkSimRaster.h"
+#include "synth/SkSimExposure.h"
+
+#include "zuCore/SkPicBuf.h"
+
+#include <vector>
+
+/// A pulsed sensor with three integration windows X1, X2, X3 that follow each other, each as long as the
+/// pulse.
+///
+/// With the range r = pulse * c / 2 and u = (distance + offset) / r, window k (0, 1, 2) collects the ambient
+/// light of one window plus max(0, 1 - |u - k|) of the reflected pulse: up to r the pulse falls into X1 and
+/// X2 and X3 sees ambient light only, from r to 2 r it falls into X2 and X3 and X1 sees ambient light only.
+/// One thread at a time.
+class CkSimHybridSynth {
+public:
+    static constexpr double LIGHT_SPEED_M_S = 299792458.0;
+    static constexpr double SIGNAL_ELECTRONS = 45000.0; ///< of a white surface at 1 m, facing, after 1 ms
+    static constexpr double AMBIENT_ELECTRONS = 600.0;  ///< in one window, white, full daylight, after 1 ms
+    static constexpr double READ_NOISE_ELECTRONS = 15.0;
+    /// Dark level that a section shows when a reference section comes with it; plus a pattern that differs
+    /// from pixel to pixel and stays from frame to frame, 0 to DARK_PATTERN_ELECTRONS.
+    static constexpr float DARK_LEVEL_ELECTRONS = 600.0F;
+    static constexpr float DARK_PATTERN_ELECTRONS = 255.0F;
+    /// Share of the window time for which the reference section is exposed. Its subtraction takes the dark
+    /// level away and leaves enough ambient light in the third window to judge a pixel by.
+    static constexpr float REFERENCE_SHARE = 0.5F;
+
+    enum class EkSection {
+        Plain,    ///< the sensor takes its dark level away itself
+        Measured, ///< with dark level, to be taken away by the reference
+        Reference ///< dark level and a share of the ambient light, no pulse
+    };
+
+    static double range(double pulseNs) { return pulseNs * 1e-9 * LIGHT_SPEED_M_S * 0.5; }
+
+    void setup(const SkSimExposure& exposure, double pulseNs);
+
+    /// Exposes a section and writes it as a sub-image from a row on. The target has three channels UInt8 or
+    /// UInt16; its largest count of bitsPerChannel bits stands for a full pixel. Each further section is
+    /// twice as sensitive as the one before. False, with nothing written, for any other target, without
+    /// room, or for a section outside 0 to 15.
+    bool writeSection(const CkSimRaster& raster, quint64 set, int section, EkSection kind, SkPicBuf& target,
+                      quint32 firstRow);
+
+private:
+    void follow(const CkSimRaster& raster);
+    void expose(quint64 set, int section, EkSection kind, int row, int width);
+
+    SkSimExposure m_exposure;
+    double m_pulseNs = 40.0;
+    /// The raster and revision that the maps below belong to; 0: none.
+    quint64 m_raster = 0;
+    quint64 m_revision = 0;
+    std::vector<float> m_ambient; ///< electrons of a window without pulse, section 0
+    std::vector<float> m_pulse[3];
+    std::vector<float> m_window[3];
+    std::vector<float> m_gauss[3];
+};

@@ -1,0 +1,54 @@
+#include "synth/CkSimNoise.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+/// Where the normal distribution has left a probability of 0 to 1/2 to its right.
+double upperQuantile(double probability) {
+    double low = 0.0;
+    double high = 10.0;
+    for (int halving = 0; halving < 48; ++halving) {
+        const double middle = 0.5 * (low + high);
+        if (0.5 * std::erfc(middle / std::numbers::sqrt2) > probability)
+            low = middle;
+        else
+            high = middle;
+    }
+    return 0.5 * (low + high);
+}
+
+std::array<float, 4096> makeQuantiles() {
+    constexpr int count = 4096;
+    std::array<double, count / 2> upper{};
+    double squares = 0.0;
+    for (int slice = 0; slice < count / 2; ++slice) {
+        upper[size_t(slice)] = upperQuantile((slice + 0.5) / count);
+        squares += upper[size_t(slice)] * upper[size_t(slice)];
+    }
+    // Slices cut the tails off; scaled so that the variance is 1 all the same.
+    const double scale = 1.0 / std::sqrt(squares / (count / 2));
+    std::array<float, count> table{};
+    for (int slice = 0; slice < count / 2; ++slice) {
+        const float value = float(upper[size_t(slice)] * scale);
+        table[size_t(slice)] = -value;
+        table[size_t(count - 1 - slice)] = value;
+    }
+    return table;
+}
+
+} // namespace
+
+quint64 CkSimNoise::rowKey(quint64 seed, quint64 set, quint32 exposure, quint32 row) {
+    // Each argument is mixed in after the one before has been scattered, so that no two sums collide.
+    quint64 key = bits(seed, 0);
+    key = bits(key ^ set, 1);
+    key = bits(key ^ exposure, 2);
+    return bits(key ^ row, 3);
+}
+
+const std::array<float, 4096>& CkSimNoise::quantiles() {
+    static const std::array<float, 4096> table = makeQuantiles();
+    return table;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "synth/CkSimRaster.h"
+#include "synth/SkSimExposure.h"
+
+#include "zuCore/SkPicBuf.h"
+
+#include <vector>
+
+/// A continuous-wave sensor: two taps A and B per pixel that are switched with the modulated light.
+///
+/// With S electrons of reflected and N of ambient light, contrast m, and phase shift p of a pixel, the tap A
+/// of the phase angle t collects N / 2 + S / 2 * (1 + m * cos(p - t)), the tap B the rest. From
+/// x = d(0) - d(180) and y = d(90) - d(270), d = A - B, atan2(y, x) gives the phase shift
+/// p = 2 pi * (distance + offset) / unambiguousRange, wrapped. One thread at a time.
+class CkSimWaveSynth {
+public:
+    static constexpr double LIGHT_SPEED_M_MHZ = 299.70254; ///< in air
+    static constexpr double SIGNAL_ELECTRONS = 60000.0; ///< S of a white surface at 1 m, facing, after 1 ms
+    static constexpr double AMBIENT_ELECTRONS = 4000.0; ///< N of a white surface in full daylight after 1 ms
+    static constexpr double CONTRAST = 0.9;
+    static constexpr double READ_NOISE_ELECTRONS = 25.0; ///< standard deviation, each tap
+
+    /// Distance in metres at which the phase shift starts again at 0.
+    static double unambiguousRange(double modulationMHz) { return LIGHT_SPEED_M_MHZ / (2.0 * modulationMHz); }
+
+    void setup(const SkSimExposure& exposure, double modulationMHz);
+
+    /// Exposes the phase of an angle in degrees and writes it as a sub-image from a row on. The format is the
+    /// target's: two channels UInt8 or UInt16 are A and B, one channel Int8 or Int16 is A minus B, of
+    /// bitsPerChannel bits. The largest tap count, 2^bits - 1, stands for a full pixel; a difference is in
+    /// tap counts, but where 8 or 16 bits fill the sample 2^(bits - 1) - 1 stands for a full pixel, for the
+    /// sign needs its room. set and angle choose the noise. False, with nothing written, when the target has
+    /// another format or no room.
+    bool writePhase(const CkSimRaster& raster, quint64 set, int angleDegrees, SkPicBuf& target,
+                    quint32 firstRow);
+
+private:
+    void follow(const CkSimRaster& raster);
+    void expose(int angleDegrees, quint64 set, int row, int width);
+
+    SkSimExposure m_exposure;
+    double m_modulationMHz = 20.0;
+    /// The raster and revision that the maps below belong to; 0: none.
+    quint64 m_raster = 0;
+    quint64 m_revision = 0;
+    std::vector<float> m_mean;   ///< electrons of a tap without modulation
+    std::vector<float> m_cosine; ///< modulation amplitude times cosine of the phase shift
+    std::vector<float> m_sine;
+    std::vector<float> m_tapA;
+    std::vector<float> m_tapB;
+    std::vector<float> m_gaussA;
+    std::vector<float> m_gaussB;
+};

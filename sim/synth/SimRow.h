@@ -1,0 +1,42 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+
+#include <cmath>
+
+/// Row loops that the sensors share. Values are electrons; each loop is plain enough to be vectorised.
+
+/// Electrons that a pixel holds before it saturates.
+inline constexpr float SIM_FULL_WELL = 60000.0F;
+
+/// Adds shot noise (Gaussian approximation of the Poisson distribution) and read noise.
+inline void addSimNoise(float* electrons, const float* gauss, float readVariance, int count) {
+    for (int column = 0; column < count; ++column) {
+        const float mean = electrons[column];
+        electrons[column] = mean + gauss[column] * std::sqrt(mean + readVariance);
+    }
+}
+
+/// Cuts at empty and full pixels.
+inline void saturateSim(float* electrons, int count) {
+    for (int column = 0; column < count; ++column) {
+        float value = electrons[column];
+        value = value < 0.0F ? 0.0F : value;
+        electrons[column] = value > SIM_FULL_WELL ? SIM_FULL_WELL : value;
+    }
+}
+
+/// Counts per electron of a converter whose largest count stands for a full pixel.
+inline float simGain(quint32 bits) {
+    return float((1U << bits) - 1U) / SIM_FULL_WELL;
+}
+
+/// Whether a picture can take a whole sub-image of the size at a row: rows long enough, bits that the sample
+/// type holds.
+inline bool simFits(const SkPicBuf& target, int width, int height, quint32 firstRow) {
+    const quint32 sampleBits = 8 * sampleBytes(target.dataType);
+    return target.data && target.width == quint32(width) && target.bitsPerChannel >= 2 &&
+           target.bitsPerChannel <= sampleBits && target.bitsPerChannel <= 16 && firstRow <= target.height &&
+           target.height - firstRow >= quint32(height) &&
+           target.lineSize >= size_t(target.width) * target.channels * (sampleBits / 8);
+}

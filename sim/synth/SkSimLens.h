@@ -1,0 +1,15 @@
+#pragma once
+
+/// A pinhole camera at the origin that looks along +z; x to the right, y up. Plain data.
+///
+/// The ray of pixel (column, row) has the direction
+/// ((column - width / 2) * cellSizeMm, (height / 2 - row) * cellSizeMm, focalLengthMm), the same lens model
+/// with which a depth picture is turned into points.
+struct SkSimLens {
+    int width = 640;            ///< pixels
+    int height = 480;           ///< pixels
+    double focalLengthMm = 3.5; ///< above 0
+    double cellSizeMm = 0.01;   ///< pitch of the pixels on the sensor, above 0
+
+    bool operator==(const SkSimLens&) const = default;
+};

@@ -1,0 +1,140 @@
+#include "chainFixture.h"
+#include "zuCore/CkMemoryPool.h"
+
+namespace {
+
+using CkChainPoolTest = ChainFixture;
+
+/// Never gives a frame back while it lives.
+class HoardingSink : public IkFrameSink {
+public:
+    int takeFrame(CkImageData* pData) override {
+        m_frames.emplace_back(pData);
+        ++count;
+        return 0;
+    }
+    int heldFrames() const override { return 0; }
+
+    std::atomic<int> count = 0;
+
+private:
+    std::vector<std::unique_ptr<CkImageData>> m_frames;
+};
+
+/// Takes one of three frames and says so.
+class LazySink : public IkFrameSink {
+public:
+    int takeFrame(CkImageData* pData) override {
+        delete pData;
+        ++count;
+        return count % 3 == 1 ? 0 : 1;
+    }
+    std::atomic<int> count = 0;
+};
+
+} // namespace
+
+TEST_F(CkChainPoolTest, APoolOfOneDoesNotStarveBecauseAViewShowsTheLastPicture) {
+    auto* const block = branch(new AddBlock(1), source);
+    KeepingSink view(1, 1);
+    chain->addSink(block, &view);
+    ASSERT_TRUE(chain->start());
+    for (int i = 0; i < 100; ++i) {
+        pushSurely(quint8(i));
+    }
+    ASSERT_TRUE(waitUntil([&] { return block->frames == 100 && view.count() == 100; }));
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 0U);
+    chain->stop();
+    chain->removeSink(&view);
+}
+
+TEST_F(CkChainPoolTest, SinksBehindPassingBlocksHoldTheFirstOnesPictures) {
+    auto* const block = branch(new AddBlock(1), source);
+    auto* const pass = branch(new PassBlock(), block);
+    auto* const pass2 = branch(new PassBlock(), pass);
+    KeepingSink first(4, 4);
+    KeepingSink second(4, 4);
+    chain->addSink(pass, &first);
+    chain->addSink(pass2, &second);
+    ASSERT_TRUE(chain->start());
+    // The block's own, four in each view, one for the block behind it.
+    EXPECT_EQ(chain->memoryPool()->capacity(block), 1 + 4 + 4 + 1);
+    EXPECT_EQ(chain->memoryPool()->capacity(pass), 0) << "no shelf for who makes no pictures";
+    for (int i = 0; i < 50; ++i) {
+        pushSurely(quint8(i));
+    }
+    EXPECT_TRUE(waitUntil([&] { return second.count() == 50; }));
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 0U);
+    chain->stop();
+    chain->removeSink(&first);
+    chain->removeSink(&second);
+}
+
+TEST_F(CkChainPoolTest, ASinkAddedToARunningChainFindsRoom) {
+    auto* const block = branch(new AddBlock(1), source);
+    auto* const pass = branch(new PassBlock(), block);
+    ASSERT_TRUE(chain->start());
+    pushSurely(1);
+    KeepingSink view(5, 5);
+    chain->addSink(pass, &view);
+    EXPECT_TRUE(waitUntil([&] { return chain->memoryPool()->capacity(block) == 1 + 5 + 1; }));
+    for (int i = 0; i < 50; ++i) {
+        pushSurely(quint8(i));
+    }
+    EXPECT_TRUE(waitUntil([&] { return view.count() >= 50; }));
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 0U);
+    chain->stop();
+    chain->removeSink(&view);
+}
+
+TEST_F(CkChainPoolTest, AnExhaustedPoolDropsAndCountsAndRecovers) {
+    auto* const block = branch(new AddBlock(1), source);
+    {
+        HoardingSink hoard;
+        chain->addSink(block, &hoard);
+        ASSERT_TRUE(chain->start());
+        for (int i = 0; i < 10; ++i) {
+            pushSurely(quint8(i));
+        }
+        ASSERT_TRUE(waitUntil([&] { return block->frames == 10; }));
+        EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(block).dropped == 9; }));
+        EXPECT_EQ(hoard.count, 1) << "the one picture of the pool";
+        chain->removeSink(&hoard);
+    }
+    KeepingSink view;
+    chain->addSink(block, &view);
+    pushSurely(1);
+    EXPECT_TRUE(waitUntil([&] { return view.count() == 1; }));
+    chain->stop();
+    chain->removeSink(&view);
+}
+
+TEST_F(CkChainPoolTest, WhatASinkDropsIsCountedOnItsBlock) {
+    // Not on the source: its counter holds what a full queue drops, too.
+    auto* const block = branch(new PassBlock(), source);
+    LazySink sink;
+    chain->addSink(block, &sink);
+    ASSERT_TRUE(chain->start());
+    for (int i = 0; i < 9; ++i) {
+        pushSurely(quint8(i));
+    }
+    ASSERT_TRUE(waitUntil([&] { return sink.count == 9; }));
+    chain->stop();
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 6U);
+    chain->removeSink(&sink);
+}
+
+TEST_F(CkChainPoolTest, PicturesOutliveTheChain) {
+    CkChain* other = manager->createChain();
+    auto* const from = new TestSource();
+    auto* const block = new AddBlock(3);
+    ASSERT_TRUE(manager->insertAfter(other, from, nullptr));
+    ASSERT_TRUE(manager->insertAfter(other, block, from));
+    KeepingSink sink;
+    other->addSink(block, &sink);
+    ASSERT_TRUE(other->start());
+    ASSERT_TRUE(from->push(4));
+    ASSERT_TRUE(waitUntil([&] { return sink.count() == 1; }));
+    manager->closeChain(other);
+    EXPECT_EQ(*sink.pixels().front(), 7);
+}

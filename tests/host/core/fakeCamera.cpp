@@ -1,0 +1,128 @@
+#include "fakeCamera.h"
+
+#include "chainBlocks.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <stdexcept>
+
+namespace {
+
+class FakeCamera : public IkCamera {
+public:
+    FakeCamera(const SkCameraInfo& info, std::shared_ptr<FakeCameraState> state)
+        : m_parameters(info, nullptr), m_state(std::move(state)) {
+        m_state->alive = true;
+    }
+    ~FakeCamera() override {
+        m_state->alive = false;
+        m_state->log << QStringLiteral("deleted");
+    }
+
+    CkCameraParameters* parameters() override { return &m_parameters; }
+    bool frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override {
+        info = byteFormat(m_state->width, 4);
+        if (pMetadata != nullptr) {
+            *pMetadata = CkImageMetadata();
+            pMetadata->cameraName = m_parameters.cameraInfo().name;
+        }
+        return true;
+    }
+    bool start(FrameFunction deliver, QString* psError) override {
+        if (m_state->throwsOnStart) {
+            throw std::runtime_error("camera gone wrong");
+        }
+        if (m_state->refusesStart) {
+            *psError = QStringLiteral("no light");
+            return false;
+        }
+        m_state->log << QStringLiteral("start");
+        m_state->running = true;
+        m_state->deliver = deliver;
+        if (m_state->ownThread) {
+            m_thread = std::thread([this, deliver] {
+                for (quint8 value = 0; m_state->running; ++value) {
+                    deliver(fakeFrame(m_state->width, value));
+                }
+            });
+        }
+        return true;
+    }
+    void stop() override {
+        m_state->log << QStringLiteral("stop");
+        m_state->running = false;
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
+        m_state->deliver = nullptr;
+    }
+    bool isRunning() const override { return m_state->running; }
+    void setPaused(bool bPaused) override {
+        m_state->log << (bPaused ? QStringLiteral("pause") : QStringLiteral("go on"));
+    }
+    void step() override { m_state->log << QStringLiteral("step"); }
+
+private:
+    CkCameraParameters m_parameters;
+    std::shared_ptr<FakeCameraState> m_state;
+    std::thread m_thread;
+};
+
+SkCameraInfo infoOf(const char* number) {
+    SkCameraInfo info;
+    info.id = QStringLiteral("fake:") + QLatin1String(number);
+    info.name = QStringLiteral("Fake ") + QLatin1String(number);
+    return info;
+}
+
+} // namespace
+
+FakeDriver::FakeDriver(std::shared_ptr<FakeCameraState> first, std::shared_ptr<FakeCameraState> second)
+    : m_first(std::move(first)), m_second(std::move(second)) {}
+
+QString FakeDriver::name() const {
+    return QStringLiteral("Fake");
+}
+
+QList<SkCameraInfo> FakeDriver::availableCameras() const {
+    return {infoOf("1"), infoOf("2"), infoOf("broken")};
+}
+
+std::unique_ptr<IkCamera> FakeDriver::open(const QString& sId, QString* psError) {
+    if (sId == QLatin1String("fake:broken")) {
+        *psError = QStringLiteral("lens cap on");
+        return nullptr;
+    }
+    const bool isFirst = sId == QLatin1String("fake:1");
+    return std::make_unique<FakeCamera>(infoOf(isFirst ? "1" : "2"), isFirst ? m_first : m_second);
+}
+
+FakeCameras& FakeCameras::instance() {
+    static FakeCameras cameras = [] {
+        FakeCameras made{std::make_shared<FakeCameraState>(), std::make_shared<FakeCameraState>()};
+        CkCameraManager::instance()->addDriver(std::make_unique<FakeDriver>(made.first, made.second));
+        return made;
+    }();
+    return cameras;
+}
+
+void FakeCameras::reset() const {
+    for (void* handle : CkCameraManager::instance()->openedCameras()) {
+        CkCameraManager::instance()->closeCamera(handle);
+    }
+    for (const auto& state : {first, second}) {
+        state->log.clear();
+        state->refusesStart = state->throwsOnStart = state->ownThread = false;
+        state->width = 8;
+    }
+}
+
+CkImageData* fakeFrame(quint32 width, quint8 value) {
+    SkPicBuf picture;
+    CkPicBufAPI::AllocPicBufFromHeap(picture, byteFormat(width, 4));
+    std::fill_n(picture.data, CkPicBufAPI::byteSize(picture), value);
+    auto frame = std::make_unique<CkImageData>();
+    frame->setPicBuf(picture);
+    return frame.release();
+}

@@ -1,0 +1,3 @@
+extern "C" int answerOfALibraryWithoutQt() {
+    return 42;
+}

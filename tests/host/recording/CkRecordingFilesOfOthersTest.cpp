@@ -1,0 +1,173 @@
+#include "recordingFixture.h"
+
+#include <tiffio.h>
+
+namespace {
+
+/// Files made by libtiff, as other programs make them.
+class CkRecordingFilesOfOthersTest : public RecordingFixture {
+protected:
+    struct SkForm {
+        const char* mode = "w";
+        quint32 channels = 1;
+        uint16_t photometric = PHOTOMETRIC_MINISBLACK;
+        uint16_t planar = PLANARCONFIG_CONTIG;
+        uint16_t compression = COMPRESSION_NONE;
+        uint32_t rowsPerStrip = 3;
+        bool tiled = false;
+        int pages = 1;
+    };
+    static constexpr quint32 Width = 21;
+    static constexpr quint32 Height = 17;
+
+    void make(const QString& file, const SkForm& form) const {
+        TIFF* const tif = TIFFOpen(qPrintable(file), form.mode);
+        ASSERT_NE(tif, nullptr);
+        for (int page = 0; page < form.pages; ++page) {
+            TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, Width);
+            TIFFSetField(tif, TIFFTAG_IMAGELENGTH, Height);
+            TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, 16);
+            TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, form.channels);
+            TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, form.photometric);
+            TIFFSetField(tif, TIFFTAG_PLANARCONFIG, form.planar);
+            TIFFSetField(tif, TIFFTAG_COMPRESSION, form.compression);
+            const bool separate = form.planar == PLANARCONFIG_SEPARATE;
+            const quint32 planes = separate ? form.channels : 1;
+            const quint32 inside = form.channels / planes;
+            if (form.tiled) {
+                TIFFSetField(tif, TIFFTAG_TILEWIDTH, 16);
+                TIFFSetField(tif, TIFFTAG_TILELENGTH, 16);
+            } else {
+                TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
+            }
+            const quint32 block = form.tiled ? 16 : Width;
+            for (quint32 plane = 0; plane < planes; ++plane) {
+                for (quint32 y0 = 0; y0 < Height; y0 += form.tiled ? 16 : 1) {
+                    for (quint32 x0 = 0; x0 < Width; x0 += block) {
+                        std::vector<quint16> values;
+                        for (quint32 y = 0; y < (form.tiled ? 16U : 1U); ++y) {
+                            for (quint32 x = 0; x < block; ++x) {
+                                for (quint32 c = 0; c < inside; ++c) {
+                                    values.push_back(sample(page, x0 + x, y0 + y, plane + c));
+                                }
+                            }
+                        }
+                        if (form.tiled) {
+                            ASSERT_GE(TIFFWriteTile(tif, values.data(), x0, y0, 0, uint16_t(plane)), 0);
+                        } else {
+                            ASSERT_EQ(TIFFWriteScanline(tif, values.data(), y0, uint16_t(plane)), 1);
+                        }
+                    }
+                }
+            }
+            ASSERT_EQ(TIFFWriteDirectory(tif), 1);
+        }
+        TIFFClose(tif);
+    }
+
+    void expectFrames(const QString& file, const SkForm& form) const {
+        CkRecordingReader reader;
+        QString error;
+        ASSERT_TRUE(reader.open(file, &error)) << qPrintable(error);
+        EXPECT_TRUE(reader.damage().isEmpty());
+        ASSERT_EQ(reader.frameCount(), form.pages);
+        for (int page = form.pages; page-- > 0;) {
+            const auto frame = reader.read(page, &error);
+            ASSERT_NE(frame, nullptr) << qPrintable(error);
+            EXPECT_EQ(frame->picBuf().width, Width);
+            EXPECT_EQ(frame->picBuf().channels, form.channels);
+            EXPECT_EQ(frame->picBuf().bitsPerChannel, 16U);
+            EXPECT_TRUE(isFrame(*frame, page));
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(CkRecordingFilesOfOthersTest, FilesOfEveryMakeOpen) {
+    const SkForm forms[] = {
+        {},
+        {.mode = "wb"},
+        {.mode = "w8", .pages = 3},
+        {.channels = 2, .pages = 4},
+        {.channels = 4, .compression = COMPRESSION_LZW},
+        {.mode = "wb", .channels = 2, .compression = COMPRESSION_ADOBE_DEFLATE, .pages = 2},
+        {.channels = 3, .planar = PLANARCONFIG_SEPARATE},
+        {.mode = "wb8", .channels = 2, .tiled = true},
+        {.channels = 3, .planar = PLANARCONFIG_SEPARATE, .compression = COMPRESSION_LZW, .tiled = true},
+        {.rowsPerStrip = 1000},
+        {.compression = COMPRESSION_PACKBITS, .rowsPerStrip = 1},
+    };
+    for (const SkForm& form : forms) {
+        SCOPED_TRACE(&form - forms);
+        ASSERT_NO_FATAL_FAILURE(make(path("other.tif"), form));
+        expectFrames(path("other.tif"), form);
+    }
+}
+
+TEST_F(CkRecordingFilesOfOthersTest, ColoursComeInTheOrderOfTheHouse) {
+    ASSERT_NO_FATAL_FAILURE(make(path("rgb.tif"), {.channels = 3, .photometric = PHOTOMETRIC_RGB}));
+    CkRecordingReader reader;
+    ASSERT_TRUE(reader.open(path("rgb.tif"), nullptr));
+    const auto frame = reader.read(0, nullptr);
+    ASSERT_NE(frame, nullptr);
+    for (quint32 c = 0; c < 3; ++c) {
+        EXPECT_EQ(sampleAt<quint16>(frame->picBuf(), 20, 16, c), sample(0, 20, 16, 2 - c));
+    }
+}
+
+TEST_F(CkRecordingFilesOfOthersTest, WhatIsLeftOfAPictureIsShown) {
+    ASSERT_NO_FATAL_FAILURE(make(path("a.tif"), {}));
+    // libtiff puts the directory behind the samples, others in front: this file is turned round by hand.
+    CkRecordingReader whole;
+    ASSERT_TRUE(whole.open(path("a.tif"), nullptr));
+    QByteArray bytes("II\x2a\0\x08\0\0\0", 8);
+    const auto entry = [&bytes](quint16 tag, quint16 type, quint32 value) {
+        const quint32 count = 1;
+        bytes.append(reinterpret_cast<const char*>(&tag), 2).append(reinterpret_cast<const char*>(&type), 2);
+        bytes.append(reinterpret_cast<const char*>(&count), 4)
+            .append(reinterpret_cast<const char*>(&value), 4);
+    };
+    bytes.append("\x08\0", 2);
+    entry(TIFFTAG_IMAGEWIDTH, TIFF_LONG, Width);
+    entry(TIFFTAG_IMAGELENGTH, TIFF_LONG, Height);
+    entry(TIFFTAG_BITSPERSAMPLE, TIFF_SHORT, 16);
+    entry(TIFFTAG_COMPRESSION, TIFF_SHORT, COMPRESSION_NONE);
+    entry(TIFFTAG_PHOTOMETRIC, TIFF_SHORT, PHOTOMETRIC_MINISBLACK);
+    entry(TIFFTAG_STRIPOFFSETS, TIFF_LONG, 8 + 2 + 8 * 12 + 4);
+    entry(TIFFTAG_ROWSPERSTRIP, TIFF_LONG, Height);
+    entry(TIFFTAG_STRIPBYTECOUNTS, TIFF_LONG, Width * Height * 2);
+    bytes.append(4, '\0');
+    for (quint32 y = 0; y < 10; ++y) { // 10 of 17 rows, and the file ends
+        for (quint32 x = 0; x < Width; ++x) {
+            const quint16 value = sample(0, x, y, 0);
+            bytes.append(reinterpret_cast<const char*>(&value), 2);
+        }
+    }
+    setContents(path("cut.tif"), bytes);
+    CkRecordingReader reader;
+    ASSERT_TRUE(reader.open(path("cut.tif"), nullptr));
+    QString error;
+    const auto frame = reader.read(0, &error);
+    ASSERT_NE(frame, nullptr);
+    EXPECT_THAT(error.toStdString(), ::testing::HasSubstr("cut.tif\", page 1: "));
+    EXPECT_EQ(sampleAt<quint16>(frame->picBuf(), 20, 9), sample(0, 20, 9, 0));
+    EXPECT_EQ(sampleAt<quint16>(frame->picBuf(), 0, 10), 0);
+}
+
+TEST_F(CkRecordingFilesOfOthersTest, FormsThatAreNotSupportedAreNamed) {
+    TIFF* const tif = TIFFOpen(qPrintable(path("bits.tif")), "w");
+    ASSERT_NE(tif, nullptr);
+    TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, 16);
+    TIFFSetField(tif, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, 1);
+    TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    quint8 row[2] = {0xaa, 0x55};
+    TIFFWriteScanline(tif, row, 0);
+    TIFFClose(tif);
+    CkRecordingReader reader;
+    ASSERT_TRUE(reader.open(path("bits.tif"), nullptr));
+    QString error;
+    EXPECT_EQ(reader.read(0, &error), nullptr);
+    EXPECT_THAT(error.toStdString(), ::testing::HasSubstr("1 bits"));
+}

@@ -1,0 +1,244 @@
+#include "recordingFixture.h"
+
+#include "recording/CkVideoSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+
+#include <QDomDocument>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+using Numbers = std::vector<qint64>;
+
+/// Keeps the numbers of the frames that arrive.
+class NumberSink : public IkFrameSink {
+public:
+    int takeFrame(CkImageData* pData) override {
+        const std::unique_ptr<CkImageData> data(pData);
+        const std::lock_guard lock(m_mutex);
+        m_numbers.push_back(qint64(data->metadata().frameNumber));
+        m_widths.push_back(data->picBuf().width);
+        m_arrived.notify_all();
+        return 0;
+    }
+    /// The numbers once there are so many; fewer only after a long time.
+    Numbers waitFor(size_t count) {
+        std::unique_lock lock(m_mutex);
+        m_arrived.wait_for(lock, std::chrono::seconds(60), [&] { return m_numbers.size() >= count; });
+        return m_numbers;
+    }
+    std::vector<quint32> widths() {
+        const std::lock_guard lock(m_mutex);
+        return m_widths;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_arrived;
+    Numbers m_numbers;
+    std::vector<quint32> m_widths;
+};
+
+class CkVideoSourceTest : public RecordingFixture {
+protected:
+    void SetUp() override {
+        m_chain = CkChainManager::instance()->createChain();
+        m_source = new CkVideoSource;
+        ASSERT_TRUE(CkChainManager::instance()->insertAfter(m_chain, m_source, nullptr));
+        ASSERT_TRUE(m_chain->addSink(m_source, &m_sink));
+    }
+    void TearDown() override {
+        m_chain->stop();
+        m_chain->removeSink(&m_sink);
+        CkChainManager::instance()->closeChain(m_chain);
+    }
+    void openFrames(qint64 frames) {
+        record(path("a.tif"), frames);
+        QString error;
+        ASSERT_TRUE(m_source->openFile(path("a.tif"), &error)) << qPrintable(error);
+    }
+    static Numbers counted(qint64 first, qint64 behind) {
+        Numbers numbers;
+        for (qint64 i = first; i < behind; ++i) {
+            numbers.push_back(i);
+        }
+        return numbers;
+    }
+    /// Until the player has told about a frame.
+    void waitForPosition(qint64 position) const {
+        for (int i = 0; i < 60000 && m_source->position() != position; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        ASSERT_EQ(m_source->position(), position);
+    }
+
+    CkChain* m_chain = nullptr;
+    CkVideoSource* m_source = nullptr;
+    NumberSink m_sink;
+};
+
+} // namespace
+
+TEST_F(CkVideoSourceTest, IsKnownByItsName) {
+    EXPECT_STREQ(m_source->metaObject()->className(), "CkVideoSource");
+    EXPECT_TRUE(m_source->acceptsDataFrom(nullptr));
+    SkPicBufInfo info;
+    EXPECT_FALSE(m_source->sourceImageInfo(info, nullptr));
+    openFrames(1);
+    CkImageMetadata meta;
+    ASSERT_TRUE(m_source->sourceImageInfo(info, &meta));
+    EXPECT_EQ(info.width, 6U);
+    EXPECT_EQ(info.lineSize, 24U);
+    EXPECT_EQ(meta.channelNames.size(), 2);
+    EXPECT_EQ(m_source->title(), QStringLiteral("a.tif"));
+}
+
+TEST_F(CkVideoSourceTest, EveryFrameComesOnceAndInOrder) {
+    openFrames(300);
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(300), counted(0, 300));
+    waitForPosition(299);
+    for (int i = 0; i < 60000 && m_source->isPlaying(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_FALSE(m_source->isPlaying());
+    EXPECT_EQ(m_chain->blockStatistics(m_source).dropped, 0U);
+    m_source->play();
+    Numbers twice = counted(0, 300);
+    for (const qint64 number : counted(0, 300)) {
+        twice.push_back(number);
+    }
+    EXPECT_EQ(m_sink.waitFor(600), twice);
+}
+
+TEST_F(CkVideoSourceTest, NothingFlowsBeforeTheChainRuns) {
+    openFrames(3);
+    m_source->play();
+    EXPECT_EQ(m_source->position(), -1);
+    ASSERT_TRUE(m_chain->start());
+    EXPECT_EQ(m_sink.waitFor(3), counted(0, 3));
+}
+
+TEST_F(CkVideoSourceTest, StepsAndJumps) {
+    openFrames(10);
+    ASSERT_TRUE(m_chain->start());
+    m_source->step();
+    waitForPosition(0);
+    m_source->step();
+    waitForPosition(1);
+    EXPECT_TRUE(m_source->seek(7));
+    waitForPosition(7);
+    m_source->step();
+    waitForPosition(8);
+    m_source->step();
+    waitForPosition(9);
+    EXPECT_FALSE(m_source->seek(10));
+    EXPECT_FALSE(m_source->seek(-1));
+    m_source->setLoop(true);
+    m_source->step();
+    waitForPosition(0);
+    EXPECT_EQ(m_sink.waitFor(6), (Numbers{0, 1, 7, 8, 9, 0}));
+    EXPECT_FALSE(m_source->isPlaying());
+}
+
+TEST_F(CkVideoSourceTest, GoesOnWhereItWasPausedAndLoops) {
+    openFrames(5);
+    m_source->setLoop(true);
+    ASSERT_TRUE(m_chain->start());
+    m_source->seek(3);
+    waitForPosition(3);
+    m_source->play();
+    Numbers numbers = m_sink.waitFor(12);
+    m_source->pause();
+    EXPECT_FALSE(m_source->isPlaying());
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        EXPECT_EQ(numbers[i], qint64((3 + i) % 5));
+    }
+}
+
+TEST_F(CkVideoSourceTest, AStoppedChainGoesOnWithTheNextFrame) {
+    openFrames(4);
+    ASSERT_TRUE(m_chain->start());
+    m_source->step();
+    waitForPosition(0);
+    m_chain->stop();
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(4), counted(0, 4));
+}
+
+TEST_F(CkVideoSourceTest, FramesOfAnotherFormatAreNotSkipped) {
+    CkRecordingWriter writer;
+    ASSERT_TRUE(writer.open(path("mixed.tif"), {}));
+    for (qint64 i = 0; i < 12; ++i) {
+        ASSERT_TRUE(writer.write(*picture(i, i % 4 < 2 ? 6 : 9), metadata(i)));
+    }
+    ASSERT_TRUE(writer.close());
+    ASSERT_TRUE(m_source->openFile(path("mixed.tif"), nullptr));
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(12), counted(0, 12));
+    EXPECT_EQ(m_sink.widths(), (std::vector<quint32>{6, 6, 9, 9, 6, 6, 9, 9, 6, 6, 9, 9}));
+}
+
+TEST_F(CkVideoSourceTest, RealTimeKeepsOrderAndAccountsForEveryFrame) {
+    openFrames(12); // 40 ms each
+    m_source->setPace(CkVideoSource::RealTime);
+    ASSERT_TRUE(m_chain->start());
+    const auto begin = std::chrono::steady_clock::now();
+    m_source->play();
+    waitForPosition(11);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(11 * 40));
+    const Numbers numbers = m_sink.waitFor(12 - size_t(m_source->skippedFrames()));
+    EXPECT_EQ(qint64(numbers.size()) + m_source->skippedFrames(), 12);
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    EXPECT_EQ(numbers.front(), 0);
+    EXPECT_EQ(numbers.back(), 11);
+}
+
+TEST_F(CkVideoSourceTest, WhatCannotBeOpenedChangesNothing) {
+    openFrames(2);
+    QString error;
+    EXPECT_FALSE(m_source->openFile(path("missing.tif"), &error));
+    EXPECT_THAT(error.toStdString(), ::testing::HasSubstr("missing.tif"));
+    EXPECT_EQ(m_source->frameCount(), 2);
+    EXPECT_FALSE(m_source->openFile(path("a.tif"), &error, [](qint64, double) { return false; }));
+    EXPECT_EQ(m_source->frameCount(), 2);
+}
+
+TEST_F(CkVideoSourceTest, ADamagedRecordingPlaysAndSaysWhatIsWrong) {
+    record(path("whole.tif"), 4);
+    const QByteArray bytes = contents(path("whole.tif"));
+    setContents(path("cut.tif"), bytes.left(bytes.size() - 3));
+    ASSERT_TRUE(m_source->openFile(path("cut.tif"), nullptr));
+    EXPECT_THAT(m_source->errorMessage().toStdString(), ::testing::HasSubstr("cut.tif\", page 4: "));
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(3), counted(0, 3));
+}
+
+TEST_F(CkVideoSourceTest, SettingsComeBack) {
+    openFrames(2);
+    m_source->setLoop(true);
+    m_source->setPace(CkVideoSource::RealTime);
+    QDomDocument doc;
+    QDomElement element = doc.createElement(QStringLiteral("block"));
+    ASSERT_TRUE(m_source->saveSettings(doc, element));
+    CkVideoSource other;
+    ASSERT_TRUE(other.loadSettings(element));
+    EXPECT_EQ(other.fileName(), path("a.tif"));
+    EXPECT_TRUE(other.isLoop());
+    EXPECT_EQ(other.pace(), int(CkVideoSource::RealTime));
+    const std::unique_ptr<CkChainable> copy(other.clone());
+    ASSERT_NE(qobject_cast<CkVideoSource*>(copy.get()), nullptr);
+    EXPECT_EQ(qobject_cast<CkVideoSource*>(copy.get())->frameCount(), 2);
+
+    element.setAttribute(QStringLiteral("file"), path("gone.tif"));
+    CkVideoSource lost;
+    EXPECT_TRUE(lost.loadSettings(element));
+    EXPECT_THAT(lost.errorMessage().toStdString(), ::testing::HasSubstr("gone.tif"));
+}

@@ -1,0 +1,285 @@
+#include "ViewerFixture.h"
+
+#include "ViewerBlocks.h"
+#include "chain/CkChainFile.h"
+#include "chain/CkChainPanel.h"
+#include "chain/CkChainTree.h"
+#include "zuCore/CkCameraSource.h"
+#include "zuCore/CkRTTI.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QDialog>
+#include <QDropEvent>
+#include <QFile>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTextBrowser>
+#include <QToolButton>
+
+namespace {
+
+const QString kDemo = QStringLiteral("test.CkDemoBlock");
+
+class ChainPanel : public ViewerFixture {
+protected:
+    void SetUp() override {
+        ViewerFixture::SetUp();
+        const QString base = QStringLiteral("CkChainable");
+        ASSERT_TRUE(CkRTTI::instance()->registerClass(nullptr, &CkDemoBlock::staticMetaObject, base));
+        ASSERT_TRUE(CkRTTI::instance()->registerClass(nullptr, &CkPickyBlock::staticMetaObject, base));
+        m_options.cameras = QStringList{"sim:grey"};
+        ASSERT_TRUE(start());
+        ASSERT_TRUE(waitForFrame(firstView()));
+        QCoreApplication::processEvents();
+    }
+
+    CkChainPanel* panel() const { return window()->chainPanel(); }
+    CkChainTree* tree() const { return panel()->tree(); }
+    CkChain* chain() const { return firstView()->dataProvider()->chain(); }
+    static void settle() {
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+    }
+    static void click(QWidget* parent, const char* name) {
+        auto* button = parent->findChild<QToolButton*>(QLatin1String(name));
+        ASSERT_NE(button, nullptr) << name;
+        ASSERT_TRUE(button->isEnabled()) << name;
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+};
+
+TEST_F(ChainPanel, ShowsTheActiveViewsChain) {
+    CkChainable* source = firstView()->dataProvider();
+    ASSERT_NE(tree()->itemOf(source), nullptr);
+    EXPECT_EQ(tree()->itemOf(source)->text(CkChainTree::BlockColumn), source->title());
+    EXPECT_EQ(tree()->shownState(source), "runs");
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            tree()->refreshCounters();
+            return tree()->itemOf(source)->text(CkChainTree::FramesColumn).toInt() > 0;
+        },
+        20'000));
+    area()->closeView(firstView()->viewId());
+    settle();
+    EXPECT_EQ(tree()->topLevelItemCount(), 0);
+    EXPECT_FALSE(panel()->findChild<QToolButton*>("btnAddBlock")->isEnabled());
+    EXPECT_FALSE(panel()->findChild<QToolButton*>("btnAddBlock")->toolTip().isEmpty());
+}
+
+TEST_F(ChainPanel, AddMenuOffersRegisteredBlocksAndInsertsOne) {
+    emit panel()->addMenu()->aboutToShow();
+    QAction* demo = nullptr;
+    for (QAction* action : panel()->addMenu()->actions()) {
+        if (action->text() == "Demo block") {
+            demo = action;
+        }
+    }
+    ASSERT_NE(demo, nullptr);
+    demo->trigger();
+    auto* block = qobject_cast<CkDemoBlock*>(firstView()->dataProvider());
+    ASSERT_NE(block, nullptr);
+    EXPECT_TRUE(chain()->started());
+    settle();
+    EXPECT_EQ(tree()->selectedBlock(), block);
+    EXPECT_EQ(tree()->itemOf(block)->parent(), tree()->itemOf(chain()->imageSources().first()));
+    // Frames still come, now through the block.
+    QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
+    EXPECT_TRUE(frames.wait(20'000));
+}
+
+TEST_F(ChainPanel, BranchGetsAViewOfItsOwn) {
+    CkChainable* block = panel()->addBlock(kDemo, true);
+    ASSERT_NE(block, nullptr);
+    ASSERT_EQ(area()->views().size(), 2);
+    EXPECT_EQ(area()->views().last()->dataProvider(), block);
+    EXPECT_NE(firstView()->dataProvider(), block);
+    EXPECT_TRUE(waitForFrame(area()->views().last()));
+}
+
+TEST_F(ChainPanel, BlockThatDoesNotFitIsRefusedWithABoxAndTheChainGoesOn) {
+    const qsizetype before = chain()->blocks().size();
+    EXPECT_EQ(panel()->addBlock("test.CkPickyBlock", false), nullptr);
+    auto* box = window()->findChild<QMessageBox*>("chainProblemBox");
+    ASSERT_NE(box, nullptr);
+    EXPECT_FALSE(box->text().isEmpty());
+    box->close();
+    EXPECT_EQ(chain()->blocks().size(), before);
+    EXPECT_TRUE(chain()->started());
+    EXPECT_EQ(panel()->addBlock("no.such.class", false), nullptr);
+}
+
+TEST_F(ChainPanel, ErrorTextStandsOnTheBlockWhileItLasts) {
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    settle();
+    EXPECT_EQ(tree()->shownError(block), "");
+    block->m_bFail = true;
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return tree()->shownError(block) == "The demo block fails."; }, 20'000));
+    EXPECT_EQ(tree()->shownState(block), "error");
+    block->m_bFail = false;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tree()->shownError(block).isEmpty(); }, 20'000));
+    EXPECT_EQ(tree()->shownState(block), "runs");
+}
+
+TEST_F(ChainPanel, ConfigureHelpSwitchAndRemove) {
+    CkChainable* block = panel()->addBlock(kDemo, false);
+    settle();
+    tree()->selectBlock(block);
+    click(panel(), "btnConfigureBlock");
+    auto* dialog = window()->findChild<QDialog*>("configureBlockDialog");
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_NE(dialog->findChild<QWidget*>("demoSettings"), nullptr);
+    click(panel(), "btnConfigureBlock");
+    EXPECT_EQ(window()->findChildren<QDialog*>("configureBlockDialog").size(), 1);
+
+    click(panel(), "btnHelpBlock");
+    auto* help = window()->findChild<QDialog*>("blockHelpDialog");
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->findChild<QTextBrowser*>()->toPlainText(), "Helps to test.");
+    help->close();
+
+    click(panel(), "btnToggleBlock");
+    EXPECT_EQ(block->state(), CkChainable::Blocked);
+    settle();
+    EXPECT_EQ(tree()->shownState(block), "off");
+    click(panel(), "btnToggleBlock");
+    EXPECT_EQ(block->state(), CkChainable::Ready);
+
+    CkChainable* source = chain()->imageSources().first();
+    click(panel(), "btnRemoveBlock");
+    settle();
+    EXPECT_EQ(chain()->blocks(), QList<CkChainable*>{source});
+    EXPECT_EQ(firstView()->dataProvider(), source);
+    EXPECT_TRUE(chain()->started());
+    // Its settings dialog has gone with the block.
+    EXPECT_EQ(window()->findChild<QDialog*>("configureBlockDialog"), nullptr);
+    tree()->selectBlock(source);
+    EXPECT_FALSE(panel()->findChild<QToolButton*>("btnRemoveBlock")->isEnabled());
+}
+
+TEST_F(ChainPanel, SettingsDialogGoesWhenTheChainCloses) {
+    CkChainable* block = panel()->addBlock(kDemo, false);
+    tree()->selectBlock(block);
+    panel()->configureSelected();
+    ASSERT_NE(window()->findChild<QDialog*>("configureBlockDialog"), nullptr);
+    area()->closeView(firstView()->viewId());
+    EXPECT_EQ(window()->findChild<QDialog*>("configureBlockDialog"), nullptr);
+}
+
+TEST_F(ChainPanel, ChainFileBringsTheSameBlocksBackWithTheirSettings) {
+    auto* first = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(first, nullptr);
+    first->m_iSetting = 17;
+    settle();
+    tree()->selectBlock(chain()->imageSources().first());
+    auto* branch = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, true));
+    ASSERT_NE(branch, nullptr);
+    branch->m_iSetting = 23;
+    const QString file = m_folder.filePath("test.zuchain");
+    QString error;
+    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    desk()->closeAllCameras();
+    ASSERT_TRUE(area()->views().isEmpty());
+
+    // The camera is opened again for the file.
+    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    ASSERT_EQ(CkChainManager::instance()->chains().size(), 1);
+    const CkChain* loaded = CkChainManager::instance()->chains().first();
+    QList<int> settings;
+    for (const CkChainable* block : loaded->blocks()) {
+        if (const auto* demo = qobject_cast<const CkDemoBlock*>(block)) {
+            settings.append(demo->m_iSetting);
+        }
+    }
+    EXPECT_EQ(settings, QList<int>({17, 23}));
+    ASSERT_EQ(area()->views().size(), 2);
+    for (CkMdiView* view : area()->views()) {
+        EXPECT_TRUE(waitForFrame(view));
+    }
+}
+
+TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
+    void* wave = desk()->openCamera("sim:wave", false);
+    ASSERT_NE(wave, nullptr);
+    CkChain* both = chain();
+    both->stop();
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(both, new CkCameraSource(wave), nullptr));
+    const QString file = m_folder.filePath("two.zuchain");
+    QString error;
+    ASSERT_TRUE(CkChainFile::save(both, file, error)) << qPrintable(error);
+    desk()->closeAllCameras();
+
+    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    const QList<void*> cameras = CkCameraManager::instance()->openedCameras();
+    EXPECT_EQ(cameras.size(), 2);
+    for (void* camera : cameras) {
+        EXPECT_TRUE(CkCameraManager::instance()->isAcquiring(camera));
+        EXPECT_NE(desk()->panel(camera), nullptr);
+    }
+    ASSERT_EQ(area()->views().size(), 2);
+    for (CkMdiView* view : area()->views()) {
+        EXPECT_TRUE(waitForFrame(view));
+    }
+}
+
+TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
+    const QString file = m_folder.filePath("drop.zuchain");
+    QString error;
+    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    QMimeData content;
+    content.setUrls({QUrl::fromLocalFile(file), QUrl::fromLocalFile(m_folder.filePath("none.zuchain"))});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window(), &drop);
+    EXPECT_TRUE(drop.isAccepted());
+    settle();
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 2);
+    auto* box = window()->findChild<QMessageBox*>("openChainBox");
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->text().contains("none.zuchain"));
+    box->close();
+    EXPECT_EQ(CkMainWindow::recentChains(), QStringList{file});
+    emit window()->menu(IkAppDelegate::FileMenu)->aboutToShow();
+    auto* recent = window()->findChild<QMenu*>("menuRecentChains");
+    ASSERT_EQ(recent->actions().size(), 1);
+    recent->actions().first()->trigger();
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
+}
+
+TEST_F(ChainPanel, UnusableChainFilesAreRefusedWithTheirName) {
+    const auto write = [this](const char* name, const QByteArray& content) {
+        const QString fileName = m_folder.filePath(QLatin1String(name));
+        QFile file(fileName);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return fileName;
+    };
+    const qsizetype before = CkChainManager::instance()->chains().size();
+    const QStringList files = {
+        write("empty.zuchain", ""),
+        write("text.zuchain", "no xml at all"),
+        write("foreign.zuchain", "<svg version=\"1\"/>"),
+        write("newer.zuchain", "<zuchainfile version=\"9\"><chain/></zuchainfile>"),
+        write("hollow.zuchain", "<zuchainfile version=\"1\"><chain/></zuchainfile>"),
+        write("unknown.zuchain",
+              "<zuchainfile version=\"1\"><chain><block class=\"x\"/></chain></zuchainfile>"),
+        write("deep.zuchain", "<zuchainfile version=\"1\"><chain>" + QByteArray("<a>").repeated(500'000)),
+        m_folder.filePath("missing.zuchain")};
+    for (const QString& file : files) {
+        QString error;
+        EXPECT_FALSE(window()->openChainFile(file, error)) << qPrintable(file);
+        EXPECT_TRUE(error.contains(QFileInfo(file).fileName())) << qPrintable(error);
+    }
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), before);
+    QString error;
+    EXPECT_FALSE(window()->saveChainFile(m_folder.filePath("no/such/folder/a.zuchain"), error));
+    EXPECT_TRUE(error.contains("a.zuchain"));
+}
+
+} // namespace

@@ -1,0 +1,68 @@
+#include "log/CkLogModel.h"
+#include "log/CkLogPanel.h"
+#include "log/CkLogSink.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+QStringList shown(const CkLogPanel& panel) {
+    QStringList texts;
+    for (int row = 0; row < panel.filter()->rowCount(); ++row) {
+        texts.append(panel.filter()->index(row, CkLogModel::TextColumn).data().toString());
+    }
+    return texts;
+}
+
+class Log : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CkLogSink::instance()->install();
+        m_panel.model()->clear();
+    }
+    void TearDown() override { CkLogSink::instance()->uninstall(); }
+    CkLogPanel m_panel;
+};
+
+TEST_F(Log, ShowsWhatEveryThreadLogs) {
+    qInfo("from the window's thread");
+    std::thread([] { qWarning("from another thread"); }).join();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown(m_panel), QStringList({"from the window's thread", "from another thread"}));
+    const QModelIndex level = m_panel.filter()->index(1, CkLogModel::LevelColumn);
+    EXPECT_EQ(level.data().toString(), CkLogModel::levelText(2));
+}
+
+TEST_F(Log, LevelsAndSearchNarrowTheList) {
+    qDebug("alpha debug");
+    qInfo("beta info");
+    qWarning("Alpha warning");
+    qCritical("beta error");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown(m_panel).size(), 4);
+    auto* level = m_panel.findChild<QComboBox*>("logLevel");
+    auto* search = m_panel.findChild<QLineEdit*>("logSearch");
+    level->setCurrentIndex(2);
+    EXPECT_EQ(shown(m_panel), QStringList({"Alpha warning", "beta error"}));
+    search->setText("alpha");
+    EXPECT_EQ(shown(m_panel), QStringList({"Alpha warning"}));
+    level->setCurrentIndex(0);
+    EXPECT_EQ(shown(m_panel), QStringList({"alpha debug", "Alpha warning"}));
+}
+
+TEST_F(Log, KeepsANumberOfEntriesAndNoMore) {
+    for (int i = 0; i < CkLogSink::kKept + 5; ++i) {
+        SkLogEntry entry;
+        entry.text = QString::number(i);
+        m_panel.model()->add(entry);
+    }
+    EXPECT_EQ(m_panel.model()->rowCount(), CkLogSink::kKept);
+    EXPECT_EQ(m_panel.model()->index(0, CkLogModel::TextColumn).data(Qt::DisplayRole).toString(), "5");
+}
+
+} // namespace

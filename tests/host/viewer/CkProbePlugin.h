@@ -1,0 +1,31 @@
+#pragma once
+
+#include "zuCore/CkPlugin.h"
+
+#include <QObject>
+#include <QStringList>
+
+/// A plug-in that writes down what the viewer tells it, for tests to read from the property "calls", and that
+/// puts a button named "probeButton" into every camera's panel.
+class CkProbePlugin : public QObject, public CkPlugin {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "com.orvane.Pictor.CkProbePlugin")
+    Q_INTERFACES(CkPlugin)
+    Q_PROPERTY(QStringList calls MEMBER m_calls)
+
+public:
+    bool init() override;
+    QString name() const override { return QStringLiteral("Probe"); }
+    QString author() const override { return QStringLiteral("Orvane"); }
+    QString description() const override { return QStringLiteral("Writes down what it is told."); }
+    void version(int& major, int& minor, int& patch) const override;
+    QString website() const override { return QStringLiteral("https://www.orvane.com"); }
+
+    void activeViewChanged(int viewId) override;
+    void viewAboutToClose(int viewId) override;
+    void viewGotNewImage(int viewId, const CkImageData* pData) override;
+    void newCameraConnected(void* cameraHandle) override;
+
+private:
+    QStringList m_calls;
+};

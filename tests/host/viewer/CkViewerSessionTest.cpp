@@ -1,0 +1,347 @@
+#include "ViewerFixture.h"
+
+#include "app/CkRateGraph.h"
+#include "app/CkShortcutsDialog.h"
+#include "app/CkStatusBar.h"
+#include "app/CkUnattendedRun.h"
+#include "app/CkViewerSettings.h"
+#include "camera/CkCameraMenu.h"
+#include "camera/CkCameraPanel.h"
+#include "image/CkImageCanvas.h"
+#include "lut/CkLutPanel.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkLut.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+
+namespace {
+
+class ViewerSession : public ViewerFixture {};
+
+TEST_F(ViewerSession, StartsEmptyAndAnswersForIt) {
+    ASSERT_TRUE(start());
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    ASSERT_NE(delegate, nullptr);
+    EXPECT_EQ(delegate->activeViewId(), -1);
+    EXPECT_EQ(delegate->mdiView(3), nullptr);
+    EXPECT_FALSE(delegate->closeView(3));
+    EXPECT_EQ(delegate->openImageView(nullptr), -1);
+    EXPECT_EQ(delegate->cameraHandleOfView(0), nullptr);
+    EXPECT_FALSE(delegate->startAcquisition(1, 0));
+    EXPECT_FALSE(delegate->startAcquisition(1, 12345));
+    EXPECT_FALSE(delegate->addCameraPanelLayout(reinterpret_cast<void*>(5), nullptr, nullptr, 1));
+    EXPECT_EQ(delegate->mainWindow(), window());
+    for (int id = 0; id <= 4; ++id) {
+        EXPECT_NE(delegate->mainMenu(id), nullptr) << id;
+    }
+    EXPECT_EQ(delegate->mainMenu(5), nullptr);
+    EXPECT_EQ(delegate->mainMenu(-1), nullptr);
+    EXPECT_EQ(delegate->mainMenu(IkAppDelegate::PluginMenu)->title(), "&Plug-ins");
+    m_session.reset();
+    EXPECT_EQ(IkAppDelegate::instance(), nullptr);
+}
+
+TEST_F(ViewerSession, OpenedCameraIsShownWithPanelRateAndPixelValue) {
+    m_options.cameras = QStringList{"2"};
+    ASSERT_TRUE(start());
+    void* camera = CkCameraManager::instance()->openedCameras().value(0);
+    ASSERT_NE(camera, nullptr);
+    EXPECT_TRUE(CkCameraManager::instance()->isAcquiring(camera));
+    CkCameraPanel* panel = desk()->panel(camera);
+    ASSERT_NE(panel, nullptr);
+    for (const CkCameraParam* param : CkCameraManager::instance()->cameraParameters(camera)->params()) {
+        EXPECT_NE(panel->findChild<QWidget*>(QStringLiteral("param_") + param->name()), nullptr)
+            << qPrintable(param->name());
+    }
+    CkImageView* view = firstView();
+    ASSERT_TRUE(waitForFrame(view));
+    EXPECT_EQ(area()->activeViewId(), view->viewId());
+    EXPECT_EQ(IkAppDelegate::instance()->cameraHandleOfView(view->viewId()), camera);
+    EXPECT_FALSE(view->shownImage().isNull());
+
+    CkStatusBar* status = window()->viewStatusBar();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return status->rateText().section(' ', 0, 0).toDouble() > 0.0; }, 20'000));
+    EXPECT_TRUE(status->dropText().contains("dropped"));
+    EXPECT_GE(status->findChild<CkRateGraph*>()->count(), 1);
+    QTest::mouseMove(view->canvas(), view->canvas()->fromPicture(QPointF(30.5, 20.5)).toPoint());
+    emit view->canvas()->pixelHovered(QPoint(30, 20));
+    EXPECT_TRUE(status->pixelText().startsWith("x 30, y 20:")) << qPrintable(status->pixelText());
+}
+
+TEST_F(ViewerSession, StartStopPauseAndStepAreInThePanel) {
+    ASSERT_TRUE(start());
+    void* camera = openGrey();
+    ASSERT_NE(camera, nullptr);
+    CkCameraManager* manager = CkCameraManager::instance();
+    CkCameraPanel* panel = desk()->panel(camera);
+    auto* startButton = panel->findChild<QPushButton*>("btnStart");
+    auto* stepButton = panel->findChild<QPushButton*>("btnStep");
+    EXPECT_FALSE(manager->isAcquiring(camera));
+    EXPECT_FALSE(stepButton->isEnabled());
+    EXPECT_FALSE(stepButton->toolTip().isEmpty());
+    QTest::mouseClick(startButton, Qt::LeftButton);
+    EXPECT_TRUE(manager->isAcquiring(camera));
+    EXPECT_EQ(startButton->text(), "Stop");
+    ASSERT_TRUE(waitForFrame(firstView()));
+    QTest::mouseClick(stepButton, Qt::LeftButton);
+    EXPECT_TRUE(panel->isPaused());
+    QTest::qWait(200);
+    const qint32 held = firstView()->currentImage()->frameId();
+    QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
+    QTest::mouseClick(stepButton, Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !frames.isEmpty(); }, 20'000));
+    EXPECT_NE(firstView()->currentImage()->frameId(), held);
+    QTest::mouseClick(startButton, Qt::LeftButton);
+    EXPECT_FALSE(manager->isAcquiring(camera));
+    EXPECT_FALSE(panel->isPaused());
+    for (const CkChain* chain : desk()->chainsOf(camera)) {
+        EXPECT_TRUE(chain->stopped());
+    }
+}
+
+TEST_F(ViewerSession, PluginIsToldOfEverythingInOrder) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    ASSERT_TRUE(start());
+    ASSERT_FALSE(m_session->plugins()->plugins().isEmpty());
+    const QObject* probe = m_session->plugins()->plugins().last().object;
+    const auto calls = [probe] { return probe->property("calls").toStringList(); };
+    EXPECT_EQ(calls().last(), "init");
+    const qsizetype before = calls().size();
+    void* camera = openGrey();
+    const int id = firstView()->viewId();
+    // The panel is there before the plug-in hears of the camera.
+    EXPECT_TRUE(calls().mid(before).contains("camera with panel"));
+    EXPECT_NE(desk()->panel(camera)->findChild<QWidget*>("probeButton"), nullptr);
+    EXPECT_TRUE(calls().contains(QStringLiteral("active %1").arg(id)));
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    EXPECT_TRUE(calls().last().startsWith(QStringLiteral("image %1 ").arg(id))) << qPrintable(calls().last());
+    ASSERT_TRUE(IkAppDelegate::instance()->closeView(id));
+    EXPECT_TRUE(calls().contains(QStringLiteral("closing %1 alive").arg(id)));
+    EXPECT_EQ(calls().last(), "active -1");
+    EXPECT_EQ(IkAppDelegate::instance()->mdiView(id), nullptr);
+}
+
+TEST_F(ViewerSession, BrokenPluginsAreNamedAndTheRestStarts) {
+    const QString folder = m_folder.filePath("plugins");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile broken(folder + "/libbroken.so");
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("this is no library");
+    broken.close();
+    QFile truncated(folder + "/libtruncated.so");
+    QFile whole(QStringLiteral(ZU_PROBE_PLUGIN));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly) && truncated.open(QIODevice::WriteOnly));
+    truncated.write(whole.read(3000));
+    truncated.close();
+    ASSERT_TRUE(QFile::copy(ZU_PROBE_PLUGIN, folder + "/libzprobe.so"));
+    m_options.pluginPaths = QStringList{folder, m_folder.filePath("nowhere")};
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    const QString problems = m_session->plugins()->problems().join('\n');
+    EXPECT_TRUE(problems.contains("libbroken.so")) << qPrintable(problems);
+    EXPECT_TRUE(problems.contains("libtruncated.so")) << qPrintable(problems);
+    EXPECT_TRUE(problems.contains("nowhere")) << qPrintable(problems);
+    EXPECT_EQ(m_session->plugins()->problems().size(), 3);
+    EXPECT_TRUE(m_session->plugins()->plugins().last().fileName.endsWith("libzprobe.so"));
+    EXPECT_TRUE(waitForFrame(firstView()));
+}
+
+TEST_F(ViewerSession, UnknownCameraIsReportedAndTheViewerLives) {
+    m_options.cameras = QStringList{"17", "no-such-camera"};
+    EXPECT_FALSE(start());
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
+    EXPECT_EQ(CkViewerSession::cameraId("0"), "sim:wave");
+    EXPECT_EQ(CkViewerSession::cameraId("sim:hybrid"), "sim:hybrid");
+    EXPECT_EQ(CkViewerSession::cameraId("-1"), "");
+    EXPECT_TRUE(CkViewerSession::cameraList().contains("sim:grey"));
+}
+
+TEST_F(ViewerSession, UnpluggingARunningCameraClearsPanelViewsAndChains) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    ASSERT_TRUE(start());
+    void* grey = openGrey();
+    void* wave = desk()->openCamera("sim:wave", true);
+    ASSERT_TRUE(desk()->start(grey));
+    ASSERT_TRUE(desk()->start(wave));
+    desk()->openView(wave);
+    EXPECT_EQ(desk()->viewsOf(wave).size(), 2);
+    for (CkMdiView* view : area()->views()) {
+        ASSERT_TRUE(waitForFrame(view));
+    }
+    QMenu* unplug = window()->cameraMenu()->unplugMenu();
+    window()->cameraMenu()->refresh();
+    ASSERT_EQ(unplug->actions().size(), 2);
+    unplug->actions().last()->trigger();
+    EXPECT_FALSE(CkCameraManager::instance()->isOpen(wave));
+    EXPECT_EQ(desk()->panel(wave), nullptr);
+    EXPECT_EQ(area()->views().size(), 1);
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+    EXPECT_EQ(area()->activeViewId(), firstView()->viewId());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(waitForFrame(firstView()));
+    desk()->unplugCamera(wave);
+    desk()->unplugCamera(grey);
+    EXPECT_TRUE(area()->views().isEmpty());
+    EXPECT_EQ(area()->activeViewId(), -1);
+}
+
+TEST_F(ViewerSession, ClosingTheLastViewOfAChainClosesTheChain) {
+    ASSERT_TRUE(start());
+    void* camera = openGrey();
+    CkChainable* source = firstView()->dataProvider();
+    const int second = IkAppDelegate::instance()->openImageView(source);
+    ASSERT_GE(second, 0);
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+    ASSERT_TRUE(area()->closeView(firstView()->viewId()));
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+    ASSERT_TRUE(area()->closeView(second));
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+    EXPECT_TRUE(CkCameraManager::instance()->isOpen(camera));
+    // Starting a camera that nobody looks at opens a view on it.
+    ASSERT_TRUE(IkAppDelegate::instance()->startAcquisition(1, 0));
+    EXPECT_TRUE(waitForFrame(firstView()));
+    EXPECT_TRUE(IkAppDelegate::instance()->startAcquisition(0, quint64(quintptr(camera))));
+    EXPECT_FALSE(CkCameraManager::instance()->isAcquiring(camera));
+}
+
+TEST_F(ViewerSession, CloseButtonOfAViewWindowClosesTheView) {
+    ASSERT_TRUE(start());
+    openGrey();
+    const int id = firstView()->viewId();
+    ASSERT_EQ(area()->subWindowList().size(), 1);
+    area()->subWindowList().first()->close();
+    EXPECT_EQ(area()->view(id), nullptr);
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+}
+
+TEST_F(ViewerSession, StartingACameraActivatesOneOfItsViews) {
+    ASSERT_TRUE(start());
+    void* grey = openGrey();
+    desk()->openCamera("sim:wave", true);
+    EXPECT_NE(IkAppDelegate::instance()->cameraHandleOfView(area()->activeViewId()), grey);
+    ASSERT_TRUE(IkAppDelegate::instance()->startAcquisition(1, quint64(quintptr(grey))));
+    EXPECT_EQ(IkAppDelegate::instance()->cameraHandleOfView(area()->activeViewId()), grey);
+}
+
+TEST_F(ViewerSession, LutPanelColoursTheActiveViewAndIsRemembered) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    CkImageView* view = firstView();
+    ASSERT_TRUE(waitForFrame(view));
+    auto* maps = window()->lutPanel()->findChild<QComboBox*>("lutMap");
+    ASSERT_TRUE(maps->isEnabled());
+    EXPECT_EQ(maps->currentIndex(), 0);
+    const auto isGrey = [view] {
+        const QImage& image = view->shownImage();
+        for (int x = 0; x < image.width(); x += 7) {
+            const QRgb pixel = image.pixel(x, image.height() / 2);
+            if (qRed(pixel) != qGreen(pixel) || qGreen(pixel) != qBlue(pixel)) {
+                return false;
+            }
+        }
+        return true;
+    };
+    EXPECT_TRUE(isGrey());
+    const int jet = maps->findText("Jet");
+    ASSERT_GT(jet, 0);
+    maps->setCurrentIndex(jet);
+    emit maps->activated(jet);
+    EXPECT_EQ(view->viewLut(nullptr, nullptr, nullptr)->pseudoColorIndex(), jet);
+    EXPECT_FALSE(isGrey());
+    // A new table for such pictures starts with what the user chose.
+    const std::unique_ptr<CkLut> lut(
+        IkAppDelegate::instance()->createLut(view->currentImage()->picBuf(), {}));
+    EXPECT_EQ(lut->pseudoColorIndex(), jet);
+    EXPECT_EQ(CkViewerSettings::open()->value(CkViewerSettings::keyPseudoColor(false)).toInt(), jet);
+}
+
+TEST_F(ViewerSession, SettingsAndLastDirectoryLiveInTheGivenFile) {
+    ASSERT_TRUE(start());
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    EXPECT_EQ(delegate->lastDirectory(), "");
+    delegate->setLastDirectory("/some/where");
+    EXPECT_EQ(delegate->lastDirectory(), "/some/where");
+    const std::unique_ptr<QSettings> first(delegate->settings());
+    const std::unique_ptr<QSettings> second(delegate->settings());
+    EXPECT_NE(first.get(), second.get());
+    EXPECT_EQ(first->fileName(), m_options.settingsFile);
+}
+
+TEST_F(ViewerSession, TilingShowsEveryViewWithoutOverlap) {
+    ASSERT_TRUE(start());
+    void* camera = openGrey();
+    for (int more = 0; more < 4; ++more) {
+        desk()->openView(camera);
+    }
+    IkAppDelegate::instance()->refreshViewArea();
+    const QList<QMdiSubWindow*> windows = area()->subWindowList();
+    ASSERT_EQ(windows.size(), 5);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_TRUE(area()->viewport()->rect().contains(windows[i]->geometry())) << i;
+        EXPECT_GE(windows[i]->width(), 190) << i;
+        for (int k = i + 1; k < 5; ++k) {
+            EXPECT_FALSE(windows[i]->geometry().intersects(windows[k]->geometry())) << i << ' ' << k;
+        }
+    }
+}
+
+TEST_F(ViewerSession, EveryShortcutIsListedAndUnique) {
+    ASSERT_TRUE(start());
+    const auto shortcuts = CkShortcutsDialog::collect(window()->menuBar());
+    QStringList keys;
+    for (const auto& [key, meaning] : shortcuts) {
+        EXPECT_FALSE(keys.contains(key)) << qPrintable(key + ": " + meaning);
+        keys.append(key);
+    }
+    for (const char* wanted : {"F5", "F6", "F7", "F11", "Ctrl+O", "Ctrl+S", "Ctrl+T", "Ctrl+W", "Ctrl+1"}) {
+        EXPECT_TRUE(keys.contains(QLatin1String(wanted))) << wanted;
+    }
+}
+
+TEST_F(ViewerSession, UnattendedRunWritesItsPictureAndEndsWithZero) {
+    m_options.cameras = QStringList{"sim:grey"};
+    m_options.frames = 3;
+    m_options.screenshotFile = m_folder.filePath("window.png");
+    ASSERT_TRUE(start());
+    QSignalSpy finished(m_session.get(), &CkViewerSession::finished);
+    ASSERT_TRUE(finished.wait(30'000));
+    EXPECT_EQ(finished.first().first().toInt(), 0);
+    const QImage shot(m_options.screenshotFile);
+    EXPECT_EQ(shot.size(), QSize(1500, 950));
+}
+
+TEST_F(ViewerSession, UnattendedRunWithoutFramesOrCloudFails) {
+    SkViewerOptions options;
+    options.frames = 2;
+    ASSERT_TRUE(start());
+    CkUnattendedRun idle(options, window());
+    idle.setPatience(300);
+    QSignalSpy finished(&idle, &CkUnattendedRun::finished);
+    idle.start();
+    ASSERT_TRUE(finished.wait(20'000));
+    EXPECT_EQ(finished.first().first().toInt(), CkUnattendedRun::kFailed);
+
+    options.plyFile = m_folder.filePath("cloud.ply");
+    ASSERT_TRUE(desk()->start(openGrey()));
+    CkUnattendedRun noCloud(options, window());
+    noCloud.setPatience(1500);
+    QSignalSpy failed(&noCloud, &CkUnattendedRun::finished);
+    noCloud.start();
+    ASSERT_TRUE(failed.wait(20'000));
+    EXPECT_EQ(failed.first().first().toInt(), CkUnattendedRun::kFailed);
+    EXPECT_FALSE(QFile::exists(options.plyFile));
+}
+
+} // namespace

@@ -1,0 +1,204 @@
+#include "CalibrationFixture.h"
+
+#include "camera/CkSimCameraDriver.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkCameraParam.h"
+#include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkCameraSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+
+#include <cmath>
+
+// The whole way: a camera with a built-in error in front of a wall, its chain, the view on it, the
+// calibration on the view, and a 3D view that shows the wall afterwards.
+
+namespace {
+constexpr int s_iPatience = 60000; // ms
+constexpr double s_fWall = 1.25;   // m
+constexpr double s_fError = 0.2;   // m
+constexpr int s_iMiddle = 3;       // half the side of the square that is calibrated on
+
+class CalibrationEndToEndTest : public CalibrationTest {
+protected:
+    static void SetUpTestSuite() {
+        CkCameraManager::instance()->addDriver(std::make_unique<CkSimCameraDriver>());
+    }
+
+    void SetUp() override {
+        QString sError;
+        camera = CkCameraManager::instance()->openCamera(CkSimCameraDriver::WAVE_ID, &sError);
+        ASSERT_NE(camera, nullptr) << sError.toStdString();
+        CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(camera);
+        const std::pair<const char*, double> values[] = {{"sim_scene", 1},
+                                                         {"sim_wall_distance", s_fWall},
+                                                         {"sim_distance_offset", s_fError},
+                                                         {"tof_modulation_frequency", 20}};
+        for (const auto& [name, fValue] : values) {
+            CkCameraParam* param = parameters->findParam(QLatin1String(name));
+            ASSERT_NE(param, nullptr) << name;
+            ASSERT_TRUE(param->setParamValue(CkValue(fValue))) << name;
+            ASSERT_TRUE(param->commit()) << name;
+        }
+        ASSERT_NEAR(parameters->findParam("sim_distance_offset")->committedValue().toDouble(), s_fError,
+                    1e-9);
+
+        chain = CkChainManager::instance()->createChain();
+        auto* source = new CkCameraSource(camera);
+        ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
+        block = new CkToFProcessCnbl;
+        block->setTransform(CkToFProcessCnbl::Depth, false);
+        ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, block, source));
+        shown = std::make_unique<CkMdiView>(block);
+        delegate.registerView(shown.get());
+        ASSERT_TRUE(chain->start());
+        ASSERT_TRUE(CkCameraManager::instance()->startAcquisition(camera, &sError)) << sError.toStdString();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return shown->currentImage() != nullptr; }, s_iPatience));
+    }
+
+    void TearDown() override {
+        dialog.reset();
+        CkCameraManager::instance()->closeCamera(camera);
+        CkChainManager::instance()->closeChain(chain);
+        shown.reset();
+    }
+
+    void calibrate(const QString& sDistance, bool bInches) {
+        open(shown.get());
+        typeDistance(sDistance);
+        if (bInches) {
+            chooseInches();
+        }
+        click(QDialogButtonBox::Ok);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, s_iPatience));
+        EXPECT_EQ(dialog->result(), QDialog::Accepted);
+        ASSERT_EQ(driver.boxes.size(), 1);
+        EXPECT_EQ(driver.boxes[0].title, "Result");
+    }
+
+    struct SkWall {
+        double fDistance; // mean, m
+        double fScatter;  // standard deviation of one pixel, m
+        int iPixels;
+    };
+
+    // The middle of the wall as a 3D view shows it that is opened now.
+    SkWall wallIn3d() {
+        delegate.store("ToF.OptCompensateDistorsion", true);
+        delegate.store("ToF.OptConfidenceThreshold", 1e6F);
+        CkToF3DMdiView view3d(shown->viewId(), -1, nullptr, nullptr);
+        CkImageData* frame = shown->currentImage();
+        view3d.updateWithConnectedImageData(frame, true);
+        view3d.updatePointCloudGeometry();
+        const quint32 uiWidth = frame->picBuf().width;
+        const quint32 uiHeight = frame->picBuf().height;
+        EXPECT_EQ(view3d.cloud().exportPoints().size(), size_t(uiWidth) * uiHeight)
+            << "no pixel may be left out";
+        double fSum = 0.0;
+        double fSquares = 0.0;
+        int iPixels = 0;
+        for (quint32 y = uiHeight / 2 - s_iMiddle; y < uiHeight / 2 + s_iMiddle; ++y) {
+            for (quint32 x = uiWidth / 2 - s_iMiddle; x < uiWidth / 2 + s_iMiddle; ++x) {
+                const double fZ = double(view3d.cloud().exportPoints()[size_t(y) * uiWidth + x].z) / 1000.0;
+                fSum += fZ;
+                fSquares += fZ * fZ;
+                ++iPixels;
+            }
+        }
+        const double fMean = fSum / iPixels;
+        return {fMean, std::sqrt(std::max(0.0, fSquares / iPixels - fMean * fMean)), iPixels};
+    }
+
+    // Five standard deviations of the difference of two means: of the five calibration frames and of the one
+    // that is shown, over the scatter that the frame itself has; and 1 mm for what is no noise: whole numbers
+    // from the converter, rays that are not quite the axis, single precision.
+    static double noiseBound(const SkWall& wall) {
+        return 5.0 * wall.fScatter * std::sqrt(1.0 / (5.0 * wall.iPixels) + 1.0 / wall.iPixels) + 0.001;
+    }
+
+    void expectWallAtItsPlace() {
+        const SkWall wall = wallIn3d();
+        EXPECT_NEAR(wall.fDistance, s_fWall, noiseBound(wall))
+            << "scatter of a pixel " << wall.fScatter << " m";
+        // The bound says something: it is far below the error that the calibration took out.
+        EXPECT_LT(noiseBound(wall), s_fError / 4.0);
+    }
+
+    void* camera = nullptr;
+    CkChain* chain = nullptr;
+    CkToFProcessCnbl* block = nullptr;
+    std::unique_ptr<CkMdiView> shown;
+};
+} // namespace
+
+TEST_F(CalibrationEndToEndTest, TheWallStandsAtItsDistanceAfterCalibratingInCentimetres) {
+    delegate.store(key, 0.0F);
+    const SkWall before = wallIn3d();
+    EXPECT_NEAR(before.fDistance, s_fWall + s_fError, noiseBound(before));
+    calibrate("125", false);
+    EXPECT_TRUE(driver.boxes[0].text.contains(" cm\n")) << driver.boxes[0].text.toStdString();
+    EXPECT_NEAR(delegate.stored(key).toDouble(), -s_fError, noiseBound(before));
+    expectWallAtItsPlace();
+}
+
+TEST_F(CalibrationEndToEndTest, TheWallStandsAtItsDistanceAfterCalibratingInInches) {
+    calibrate("49.2126", true); // 1.25 / 0.0254
+    EXPECT_TRUE(driver.boxes[0].text.contains(" inches\n")) << driver.boxes[0].text.toStdString();
+    expectWallAtItsPlace();
+}
+
+TEST_F(CalibrationEndToEndTest, AnAbortHalfWayLeavesTheOffsetAlone) {
+    delegate.store(key, 0.125F);
+    open(shown.get());
+    chooseFrames(9);
+    typeDistance("125");
+    click(QDialogButtonBox::Ok);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return progress().startsWith("Progresss: 3"); }, s_iPatience));
+    click(QDialogButtonBox::Cancel);
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    const QString sAtCancel = progress();
+    QTest::qWait(200);
+    EXPECT_EQ(progress(), sAtCancel);
+    EXPECT_EQ(delegate.stored(key).toFloat(), 0.125F);
+    EXPECT_TRUE(driver.boxes.isEmpty());
+}
+
+TEST_F(CalibrationEndToEndTest, FramesOfAWrongKindInBetweenDoNotSpoilTheResult) {
+    open(shown.get());
+    chooseFrames(9);
+    typeDistance("125");
+    click(QDialogButtonBox::Ok);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return progress().startsWith("Progresss: 2"); }, s_iPatience));
+    // Amplitude pictures for a while; the first box that tells so switches back.
+    bool bSwitched = false;
+    driver.onBox = [&](QMessageBox* pBox) {
+        if (!bSwitched && pBox->icon() == QMessageBox::Critical) {
+            bSwitched = true;
+            block->setTransform(CkToFProcessCnbl::Depth, true);
+        }
+        QTest::keyClick(pBox, Qt::Key_Return);
+    };
+    block->setTransform(CkToFProcessCnbl::Amplitude, true);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, s_iPatience));
+    ASSERT_GE(driver.boxes.size(), 2);
+    EXPECT_EQ(driver.boxes.first().text, wrongKind);
+    EXPECT_EQ(driver.boxes.last().title, "Result");
+    expectWallAtItsPlace();
+}
+
+TEST_F(CalibrationEndToEndTest, TheCameraMayBePulledOffWhileMeasuring) {
+    open(shown.get());
+    chooseFrames(9);
+    click(QDialogButtonBox::Ok);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return progress().startsWith("Progresss: 2"); }, s_iPatience));
+    CkCameraManager::instance()->unplugCamera(camera);
+    CkChainManager::instance()->closeChain(chain);
+    shown.reset();
+    QTest::qWait(50);
+    EXPECT_TRUE(dialog->isVisible());
+    click(QDialogButtonBox::Cancel);
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    EXPECT_TRUE(driver.boxes.isEmpty());
+}

@@ -1,0 +1,185 @@
+#include "chain/CkToFPhaseCollector.h"
+#include "PaddedPicture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Prepared = CkToFPhaseCollector::EkPrepared;
+
+PaddedPicture image(quint8 value, quint32 width = 5, quint32 height = 3) {
+    PaddedPicture picture(width, height, 2, EkImageDataType::UInt8);
+    picture.fill<quint8>([value](quint32, quint32, quint32) { return value; });
+    return picture;
+}
+
+SkPicBufInfo format(quint32 width = 5, quint32 height = 3) {
+    SkPicBufInfo info;
+    info.width = width;
+    info.height = height;
+    info.channels = 2;
+    info.lineSize = 2 * width;
+    info.bitsPerChannel = 8;
+    info.dataType = EkImageDataType::UInt8;
+    return info;
+}
+
+bool add(CkToFPhaseCollector& collector, quint8 value, qint64 count, qint64 index, qint32 angle) {
+    PaddedPicture picture = image(value);
+    return collector.add(*picture, {count, index}, angle);
+}
+
+std::vector<int> rows(const SkPicBuf& picture) {
+    std::vector<int> values;
+    for (quint32 y = 0; y < picture.height; ++y) {
+        values.push_back(sampleAt<quint8>(picture, picture.width - 1, y, 1));
+    }
+    return values;
+}
+
+TEST(CkToFPhaseCollector, StacksImagesByTheirIndexWhateverTheOrder) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 3), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 10, 3, 0, 0));
+    EXPECT_FALSE(add(collector, 30, 3, 2, 180));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, 180}));
+    EXPECT_TRUE(add(collector, 20, 3, 1, 90));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, 90, 180}));
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{10, 10, 10, 20, 20, 20, 30, 30, 30}));
+}
+
+TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    EXPECT_TRUE(add(collector, 2, 2, 1, 90));
+    EXPECT_TRUE(add(collector, 3, 2, 1, 91));
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 3, 3, 3}));
+    EXPECT_FALSE(add(collector, 4, 2, 0, 0));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
+}
+
+TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    for (qint64 index : {qint64(2), qint64(-1), qint64(1) << 40, -(qint64(1) << 40)}) {
+        EXPECT_FALSE(add(collector, 99, 2, index, 45));
+        EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
+    }
+    EXPECT_TRUE(add(collector, 2, 2, 1, 90));
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
+}
+
+TEST(CkToFPhaseCollector, AnotherCountKeepsTheImagesThatFit) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 4), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 1, 4, 0, 0));
+    EXPECT_FALSE(add(collector, 3, 4, 2, 180));
+    EXPECT_TRUE(add(collector, 2, 2, 1, 90)) << "of two images both are there";
+    EXPECT_EQ(collector.set().height, 6U);
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
+    EXPECT_FALSE(add(collector, 4, 4, 3, 270));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, 90, -1000, 270})) << "grown again";
+}
+
+TEST(CkToFPhaseCollector, ASetThatDoesNotFitTheBufferIsNotGathered) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    EXPECT_FALSE(add(collector, 9, 3, 1, 90));
+    EXPECT_FALSE(add(collector, 9, 2000000000, 1, 90));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
+    EXPECT_TRUE(add(collector, 2, 2, 1, 90));
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
+    EXPECT_FALSE(add(collector, 9, 2000000000, 0, 0));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000})) << "index 0 begins a new set";
+    EXPECT_FALSE(add(collector, 9, 0, 0, 0));
+    EXPECT_TRUE(collector.angles().empty());
+    EXPECT_FALSE(add(collector, 9, -5, 0, 0));
+}
+
+TEST(CkToFPhaseCollector, ImagesThatDoNotFitTheBufferAreNotStored) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    PaddedPicture wide = image(9, 6, 3);
+    PaddedPicture high = image(9, 5, 4);
+    PaddedPicture otherType(5, 3, 1, EkImageDataType::UInt16);
+    EXPECT_FALSE(collector.add(*wide, {2, 1}, 90));
+    EXPECT_FALSE(collector.add(*high, {2, 1}, 90));
+    EXPECT_FALSE(collector.add(*otherType, {2, 1}, 90));
+    EXPECT_FALSE(collector.add(SkPicBuf(), {2, 1}, 90));
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
+    EXPECT_TRUE(add(collector, 2, 2, 1, 90));
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
+}
+
+TEST(CkToFPhaseCollector, SmallerImagesStandAtTheirOwnHeight) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    PaddedPicture first = image(1, 4, 2);
+    PaddedPicture second = image(2, 4, 2);
+    EXPECT_FALSE(collector.add(*first, {2, 0}, 0));
+    EXPECT_TRUE(collector.add(*second, {2, 1}, 90));
+    EXPECT_EQ(collector.set().width, 4U);
+    EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 2, 2}));
+}
+
+TEST(CkToFPhaseCollector, WithoutABufferNothingIsKept) {
+    CkToFPhaseCollector collector;
+    EXPECT_FALSE(collector.hasBuffer());
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    EXPECT_FALSE(add(collector, 1, 1, 0, 0));
+    EXPECT_TRUE(collector.angles().empty());
+    ASSERT_EQ(collector.prepare(format(), 1), Prepared::Ready);
+    EXPECT_TRUE(add(collector, 1, 1, 0, 0));
+    collector.clear();
+    EXPECT_FALSE(collector.hasBuffer());
+    EXPECT_TRUE(collector.angles().empty());
+    EXPECT_EQ(collector.set().data, nullptr);
+}
+
+TEST(CkToFPhaseCollector, NeverTakesMoreThanOneGiB) {
+    CkToFPhaseCollector collector;
+    EXPECT_EQ(collector.prepare(format(), 0), Prepared::NothingToGather);
+    EXPECT_EQ(collector.prepare(format(), -3), Prepared::NothingToGather);
+    EXPECT_EQ(collector.prepare(SkPicBufInfo(), 4), Prepared::NothingToGather);
+    EXPECT_EQ(collector.prepare(format(), 2000000000), Prepared::TooLarge);
+    EXPECT_EQ(collector.prepare(format(), std::numeric_limits<qint64>::max()), Prepared::TooLarge);
+    // 32768 x 16384 x 2 bytes are exactly 1 GiB; the list of angles is what is too much.
+    EXPECT_EQ(collector.prepare(format(32768, 16384), 1), Prepared::TooLarge);
+    EXPECT_EQ(collector.prepare(format(32768, 16383), 1), Prepared::Ready);
+    EXPECT_EQ(collector.prepare(format(32768, 16383), 2), Prepared::TooLarge);
+    EXPECT_FALSE(collector.hasBuffer());
+    EXPECT_EQ(collector.prepare(format(65536, 65535), 1), Prepared::TooLarge);
+    // One row of 2 bytes and 4 bytes for its angle: 178956970 images fill 1 GiB.
+    EXPECT_EQ(collector.prepare(format(1, 1), 178956971), Prepared::TooLarge);
+    EXPECT_EQ(collector.prepare(format(1, 1), 178956970), Prepared::Ready);
+}
+
+TEST(CkToFPhaseCollector, PlaceCountsSectionsWithoutTheirReference) {
+    CkImageMetadata metadata;
+    metadata.phaseSequenceLength = 4;
+    metadata.phaseSequenceIndex = 2;
+    metadata.sectionCount = 5;
+    metadata.sectionIndex = 1;
+    const auto expectPlace = [&](bool hybrid, qint64 count, qint64 index) {
+        const auto place = CkToFPhaseCollector::SkPlace::of(metadata, hybrid);
+        EXPECT_EQ(place.count, count);
+        EXPECT_EQ(place.index, index);
+    };
+    expectPlace(false, 4, 2);
+    expectPlace(true, 5, 1);
+    metadata.sectionMode = 3;
+    expectPlace(false, 4, 2);
+    expectPlace(true, 4, 0);
+    metadata.sectionCount = 0;
+    metadata.sectionIndex = 0;
+    expectPlace(true, -1, -1);
+    metadata.sectionCount = 0xffffffffU;
+    metadata.sectionIndex = 0xffffffffU;
+    expectPlace(true, 0xfffffffeLL, 0xfffffffeLL);
+}
+
+} // namespace

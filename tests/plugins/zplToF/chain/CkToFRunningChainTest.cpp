@@ -1,0 +1,220 @@
+// The block on a chain's own thread.
+
+#include "ToFChainRig.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkRTTI.h"
+
+#include <QDomDocument>
+#include <QElapsedTimer>
+#include <atomic>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+using Block = CkToFProcessCnbl;
+
+/// Looks at every frame that comes out.
+class Sink : public IkFrameSink {
+public:
+    using Check = std::function<bool(const CkImageData&)>;
+    explicit Sink(Check goodFrame) : m_goodFrame(std::move(goodFrame)) {}
+
+    int takeFrame(CkImageData* data) override {
+        const std::unique_ptr<CkImageData> frame(data);
+        wrong += !m_goodFrame(*frame);
+        ++frames;
+        lastId = frame->frameId();
+        return 0;
+    }
+
+    std::atomic<int> frames{0};
+    std::atomic<int> wrong{0};
+    std::atomic<int> lastId{-1};
+
+private:
+    Check m_goodFrame;
+};
+
+/// Lets the chain work until the condition holds; false after ten seconds.
+template <typename Condition>
+bool waitFor(const Condition& condition) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > 10000) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+/// 4 phases, 8 x 8 pixels: d0 = 100, d90 = 0, d180 = -100, d270 = 0.
+std::unique_ptr<CkImageData> fourPhases(const ToFChainRig& rig) {
+    static constexpr int a[] = {200, 150, 100, 150};
+    static constexpr int b[] = {100, 150, 200, 150};
+    return rig.frame([](quint32, quint32 y, quint32 c) { return c == 0 ? a[y / 8] : b[y / 8]; });
+}
+
+/// Whether a frame is wholly the result of one transform of fourPhases.
+bool isWhole(const CkImageData& data) {
+    const SkPicBuf& picture = data.picBuf();
+    const CkImageMetadata& metadata = data.metadata();
+    const int last = valueAt(picture, picture.width - 1, picture.height - 1);
+    if (picture.dataType == EkImageDataType::Float32) { // Depth: phase 0
+        return picture.height == 8 && picture.channels == 2 &&
+               metadata.channelNames.value(0) == "Phase shift" && metadata.phasesCount == 0 && last == 0 &&
+               picture.maxValue > 0.0F;
+    }
+    if (picture.dataType == EkImageDataType::Int16) { // AandBtoAminB: the phase of 270 degrees
+        return picture.height == 32 && picture.channels == 1 && metadata.colorFilterArray == 9 &&
+               metadata.phasesCount == 4 && last == 0 && valueAt(picture, 0, 0) == 100;
+    }
+    if (picture.channels == 2) { // SetABPhase or Concat phases: the input
+        return picture.height == 32 && metadata.phasesCount == 4 && last == 150;
+    }
+    // Amplitude: 200 / 4; Intensity: the mean of all samples.
+    return picture.height == 8 && picture.dataType == EkImageDataType::UInt16 && metadata.phasesCount == 0 &&
+           (last == 50 || last == 150);
+}
+
+TEST(RunningChain, FramesComeOutInOrder) {
+    ToFChainRig rig;
+    rig.useAandB(8, 32, 4);
+    Sink sink(isWhole);
+    ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+    rig.start(Block::Depth);
+    for (int i = 0; i < 100; ++i) {
+        auto frame = fourPhases(rig);
+        frame->picBuf().additionalData.frameNumber = quint64(i);
+        ASSERT_TRUE(rig.source->push(std::move(frame)));
+        ASSERT_TRUE(waitFor([&] { return sink.lastId == i; }));
+    }
+    EXPECT_EQ(sink.frames, 100);
+    EXPECT_EQ(sink.wrong, 0);
+    rig.chain->removeSink(&sink);
+}
+
+TEST(RunningChain, SetTransformHammeredFromOtherThreadsLeavesNoMixedFrame) {
+    ToFChainRig rig;
+    rig.useAandB(8, 32, 4);
+    Sink sink(isWhole);
+    ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+    rig.start(Block::Amplitude);
+    const std::unique_ptr<CkImageData> pattern = fourPhases(rig);
+    std::atomic<bool> stop{false};
+    std::thread camera([&] {
+        while (!stop) {
+            rig.source->push(std::unique_ptr<CkImageData>(pattern->share()));
+            std::this_thread::yield();
+        }
+    });
+    std::vector<std::thread> users;
+    for (int user = 0; user < 2; ++user) {
+        users.emplace_back([&, user] {
+            for (int i = 0; i < 150; ++i) {
+                rig.block->setTransform(Block::EkTransformType((i * (user + 1) + user) % 7), i % 5 != 4);
+            }
+        });
+    }
+    for (std::thread& user : users) {
+        user.join();
+    }
+    // The last word has to hold.
+    rig.block->setTransform(Block::Depth, true);
+    EXPECT_TRUE(rig.chain->started());
+    const int before = sink.frames;
+    EXPECT_TRUE(waitFor([&] { return sink.frames > before + 5; }));
+    stop = true;
+    camera.join();
+    rig.stop();
+    EXPECT_EQ(sink.wrong, 0);
+    rig.chain->removeSink(&sink);
+}
+
+TEST(RunningChain, SetTransformReturnsWhenTheChainRunsWithTheNewTransform) {
+    ToFChainRig rig;
+    rig.useAandB(8, 32, 4);
+    rig.start(Block::Amplitude);
+    for (int i = 0; i < 20; ++i) {
+        const auto transform = i % 2 == 0 ? Block::Depth : Block::Amplitude;
+        std::thread user([&] { rig.block->setTransform(transform, true); });
+        user.join();
+        EXPECT_TRUE(rig.chain->started());
+        SkPicBufInfo info;
+        ASSERT_TRUE(rig.chain->negotiatedInfo(rig.block, info, nullptr));
+        EXPECT_EQ(info.channels, transform == Block::Depth ? 2U : 1U);
+    }
+}
+
+TEST(RunningChain, FramesOfANewSizeMakeTheChainRenegotiate) {
+    ToFChainRig rig;
+    rig.useAandB(8, 32, 4);
+    std::atomic<quint32> expectedWidth{8};
+    Sink sink([&](const CkImageData& data) { return data.picBuf().width == expectedWidth; });
+    ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+    rig.start(Block::Depth);
+    ASSERT_TRUE(rig.source->push(fourPhases(rig)));
+    ASSERT_TRUE(waitFor([&] { return sink.frames == 1; }));
+    // The pool has no room for frames a hundred times as large; the source has been told of them.
+    expectedWidth = 800;
+    rig.useAandB(800, 32, 4);
+    EXPECT_TRUE(waitFor([&] {
+        rig.source->push(fourPhases(rig));
+        return sink.frames > 1;
+    }));
+    EXPECT_EQ(sink.wrong, 0);
+    EXPECT_TRUE(rig.chain->started());
+    rig.chain->removeSink(&sink);
+}
+
+TEST(RunningChain, ASourceThatDescribesItsFramesWronglyDoesNotStallTheChain) {
+    ToFChainRig rig;
+    rig.useAandB(8, 32, 4);
+    rig.start(Block::Depth);
+    ToFChainRig wide;
+    wide.useAandB(800, 32, 4);
+    for (int i = 0; i < 200; ++i) {
+        rig.source->push(fourPhases(wide));
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    Sink sink(isWhole);
+    ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+    EXPECT_TRUE(waitFor([&] {
+        rig.source->push(fourPhases(rig));
+        return sink.frames > 0;
+    }));
+    rig.chain->removeSink(&sink);
+}
+
+TEST(RunningChain, AChainSavedAndLoadedHasTheSameBlocksWithTheSameTransforms) {
+    CkRTTI::instance()->registerClass(nullptr, &Block::staticMetaObject, "CkChainable");
+    CkRTTI::instance()->registerClass(nullptr, &CkVideoSource::staticMetaObject, "CkChainable");
+    CkRTTI::instance()->registerClass(nullptr, &CkBellSource::staticMetaObject, "CkChainable");
+    ToFChainRig rig;
+    rig.block->setTransform(Block::ConcatPhases, false);
+    auto* const second = new Block;
+    second->setTransform(Block::Depth, false);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain, second, rig.block));
+    QDomDocument doc;
+    QDomElement element = doc.createElement("chain");
+    doc.appendChild(element);
+    ASSERT_TRUE(rig.chain->save(doc, element));
+    QDomDocument parsed;
+    ASSERT_TRUE(parsed.setContent(doc.toString()));
+    CkChain* const loaded = CkChainManager::instance()->createChain();
+    QString error;
+    ASSERT_TRUE(loaded->load(parsed.documentElement(), &error)) << error.toStdString();
+    std::vector<int> transforms;
+    for (CkChainable* block : loaded->blocks()) {
+        if (const auto* tof = qobject_cast<Block*>(block)) {
+            transforms.push_back(tof->transform());
+        }
+    }
+    EXPECT_EQ(transforms, (std::vector<int>{Block::ConcatPhases, Block::Depth}));
+    CkChainManager::instance()->closeChain(loaded);
+}
+
+} // namespace

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "PushSource.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "zuCore/CkChain.h"
+
+#include <functional>
+#include <memory>
+#include <semaphore>
+
+/// A source that counts as a video because of its class name.
+class CkVideoSource : public PushSource {
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE CkVideoSource() = default;
+};
+
+/// A second source whose frames go nowhere: handing one in runs something on the chain's thread.
+class CkBellSource : public PushSource {
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE CkBellSource() { setFormat(1, 1, 1, EkImageDataType::UInt8, 8); }
+};
+
+/// What became of a frame.
+struct ToFResult {
+    std::unique_ptr<CkImageData> output; ///< null for no output; the input itself when it passed through
+    bool passedThrough = false;
+
+    bool empty() const { return output == nullptr; }
+    const SkPicBuf& picture() const { return output->picBuf(); }
+};
+
+/// A chain of a source and a ToF block. Frames are handed to the block one by one, on the chain's thread, so
+/// that nothing happens beside them.
+class ToFChainRig {
+public:
+    explicit ToFChainRig(std::unique_ptr<PushSource> pushSource = std::make_unique<CkVideoSource>());
+    ~ToFChainRig();
+    ToFChainRig(const ToFChainRig&) = delete;
+    ToFChainRig& operator=(const ToFChainRig&) = delete;
+
+    CkChain* chain = nullptr;
+    PushSource* source = nullptr;
+    CkToFProcessCnbl* block = nullptr;
+
+    /// Two interleaved taps of 16-bit samples, 12 bits used.
+    void useAandB(quint32 width, quint32 height, qint32 phases);
+    void useAminusB(quint32 width, quint32 height, qint32 phases);
+    void useHybrid(quint32 width, quint32 height, qint32 phases);
+    /// Images of a set one by one.
+    void useSequence(qint32 length);
+
+    void start(int transform);
+    void stop();
+
+    using Samples = std::function<int(quint32 x, quint32 y, quint32 c)>;
+    /// A frame of the source's present format and metadata, of 8 or 16-bit samples.
+    std::unique_ptr<CkImageData> frame(const Samples& samples) const;
+    std::unique_ptr<CkImageData> frame(int value) const;
+    /// One image of a sequence.
+    std::unique_ptr<CkImageData> phase(qint32 index, qint32 angle, int a, int b) const;
+    /// One image of a sectioned measurement.
+    std::unique_ptr<CkImageData> section(quint32 index, const Samples& samples) const;
+
+    ToFResult process(std::unique_ptr<CkImageData> frame);
+    /// Runs something on the thread of the started chain and waits for it.
+    void onChainThread(const std::function<void()>& action);
+
+private:
+    /// Stands for a view, so that the pool has pictures for results that the test keeps.
+    class View : public IkFrameSink {
+        int takeFrame(CkImageData* data) override;
+    };
+    View m_view;
+
+    class Bell : public IkFrameSink {
+    public:
+        int takeFrame(CkImageData* data) override;
+        const std::function<void()>* action = nullptr;
+        std::binary_semaphore done{0};
+    };
+    Bell m_bell;
+    CkBellSource* m_pBellSource = nullptr;
+};
+
+/// The same value in every pixel and channel of a picture's rows, or -1 where they differ.
+std::vector<int> rowValues(const SkPicBuf& picture);
+/// A sample of a picture of any integer type of up to 32 bits, or a float's integer part.
+int valueAt(const SkPicBuf& picture, quint32 x, quint32 y, quint32 c = 0);

@@ -1,0 +1,109 @@
+#include "ToFRig.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkChainManager.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString g_needs = QStringLiteral("ToF 3D view works with (A and B) RAWX2 image or (A-B) RAW image "
+                                       "containing all phases, or the image with ToF "
+                                       "phase-shift and confidence, or X1X2X3 RAWX3 image.");
+const QString g_question =
+    g_needs + QStringLiteral("\n\nDo you want to update the camera parameters automatically?");
+const QString g_addBefore =
+    QStringLiteral("Please add ToF Processing into the chain before the current view.");
+
+TEST(ToFOpen3dView, NoActiveViewDoesNothing) {
+    ToFRig rig;
+    rig.app.activeView = -1;
+    rig.actions.openToF3dView();
+    rig.actions.openAllToFViews();
+    EXPECT_TRUE(rig.boxes.empty());
+    EXPECT_TRUE(rig.app.calls.isEmpty());
+    EXPECT_TRUE(rig.actions.views().isEmpty());
+}
+
+TEST(ToFOpen3dView, ViewOfANonToFCameraShowsTheWarningAndStillOpens) {
+    FakeCamera camera({-1, 13});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Warning);
+    EXPECT_EQ(rig.boxes[0].title, "Invalid input image");
+    EXPECT_EQ(rig.boxes[0].text, g_needs);
+    EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Ok);
+    EXPECT_EQ(rig.actions.views().size(), 1);
+}
+
+TEST(ToFOpen3dView, SeparatePhasesBehindAToFBlockAskForABlockBeforeAndOpenNothing) {
+    FakeCamera camera({4, 13});
+    ToFRig rig;
+    rig.open(FakeKind::AB, true, &camera);
+    // A block that changes nothing in the format: the phases still come one by one at the view.
+    auto* block = new CkToFProcessCnbl;
+    block->setTransform(CkToFProcessCnbl::EkTransformType(5), false);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, rig.source));
+    ASSERT_EQ(rig.view->dataProvider(), block);
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Warning);
+    EXPECT_EQ(rig.boxes[0].title, "ToF 3D view expects ToF image containing all phases");
+    EXPECT_EQ(rig.boxes[0].text, g_addBefore);
+    EXPECT_TRUE(rig.actions.views().isEmpty());
+    EXPECT_EQ(rig.chain()->blocks().size(), 2);
+}
+
+TEST(ToFOpen3dView, AnswerNoLeavesCameraAndChainUntouchedAndOpens) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.answer = QMessageBox::No;
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Question);
+    EXPECT_EQ(rig.boxes[0].title, "Invalid input image");
+    EXPECT_EQ(rig.boxes[0].text, g_question);
+    EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Yes | QMessageBox::No);
+    EXPECT_EQ(rig.boxes[0].defaultButton, QMessageBox::Yes);
+    EXPECT_EQ(camera.log().commits, 0);
+    EXPECT_TRUE(rig.chain()->stopped());
+    EXPECT_EQ(rig.chain()->blocks().size(), 1);
+    EXPECT_EQ(rig.actions.views().size(), 1);
+}
+
+TEST(ToFOpen3dView, AnswerYesThatChangesNothingSwitchesTheToFBlockToDepth) {
+    FakeCamera camera({4, 13});
+    ToFRig rig;
+    rig.open(FakeKind::AB, false, &camera);
+    auto* block = new CkToFProcessCnbl; // "Amplitude": what the view shows is no ToF data any more
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, rig.source));
+    rig.answer = QMessageBox::Yes;
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].text, g_question);
+    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_TRUE(rig.chain()->started()) << "setting up starts a stopped chain";
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(rig.actions.views().size(), 1);
+}
+
+TEST(ToFOpen3dView, ActiveThreeDViewStandsForTheViewItFollows) {
+    ToFRig rig;
+    rig.open(FakeKind::PhaseShift);
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.actions.views().size(), 1);
+    rig.app.activeView = rig.actions.views()[0]->viewId();
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.actions.views().size(), 2);
+    EXPECT_EQ(rig.actions.views()[1]->connectedViewId(), rig.view->viewId());
+
+    rig.app.closeView(rig.view->viewId());
+    rig.view = nullptr;
+    rig.actions.openToF3dView();
+    EXPECT_EQ(rig.actions.views().size(), 2) << "the followed view no longer exists";
+}
+
+} // namespace

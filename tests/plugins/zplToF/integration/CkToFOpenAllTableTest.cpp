@@ -1,0 +1,183 @@
+#include "ActionTable.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkChainManager.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+enum class Failure { Nothing, Remove, CloseView, CreateChain, InsertAfter, BranchAfter, OpenView };
+
+struct Combination {
+    FakeKind kind;
+    CameraKind camera;
+    Failure failure = Failure::Nothing;
+    bool separate = false;
+    bool running = false;
+    bool sceneIsActive = false; ///< the active view is a 3D view that follows the image view
+    bool yes = true;
+
+    bool isNoToFPicture() const { return kind == FakeKind::Unknown || kind == FakeKind::Grey; }
+    bool asks() const { return isNoToFPicture() && isToF(camera); }
+    /// Grey pictures become ToF pictures when their camera is set up; what was unknown stays so.
+    bool goesOn() const { return !isNoToFPicture() || (kind == FakeKind::Grey && isToF(camera) && yes); }
+};
+
+/// Every combination of which each part counts: an answer only where there is a question, failures only where
+/// the action gets that far.
+std::vector<Combination> combinations() {
+    std::vector<Combination> all;
+    const auto add = [&all](Combination made) {
+        for (const bool running : {false, true}) {
+            made.running = running;
+            all.push_back(made);
+        }
+    };
+    for (const FakeKind kind : {FakeKind::Unknown, FakeKind::Grey, FakeKind::AB, FakeKind::AminB,
+                                FakeKind::PhaseShift, FakeKind::Hybrid}) {
+        for (const CameraKind camera :
+             {CameraKind::None, CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid}) {
+            add({kind, camera});
+            if (Combination{kind, camera}.asks()) {
+                add({kind, camera, Failure::Nothing, false, false, false, false});
+            }
+        }
+        if (kind == FakeKind::Unknown) {
+            continue;
+        }
+        for (const Failure failure : {Failure::Remove, Failure::CloseView, Failure::CreateChain,
+                                      Failure::InsertAfter, Failure::BranchAfter, Failure::OpenView}) {
+            add({kind, CameraKind::ToF, failure});
+        }
+        add({kind, CameraKind::ToF, Failure::Nothing, true});
+        add({kind, CameraKind::ToF, Failure::Nothing, false, false, true});
+    }
+    return all;
+}
+
+struct Outcome {
+    QStringList boxes;
+    CameraKind setUp = CameraKind::None;
+    bool replaced = false; ///< the old view and chain are gone
+    bool sourceLives = true;
+    bool running = false;  ///< the chain that has the source
+    QList<int> transforms; ///< of that chain
+    int imageViews = 0;    ///< opened
+    int scenes = 0;        ///< opened
+};
+
+Outcome expectedOutcome(const Combination& given) {
+    const QString needs = QStringLiteral(
+        "ToF processing needs (A and B) RAWX2, or (A minus B) RAW image, or X1X2X3 RAWX3 image.");
+    Outcome outcome;
+    outcome.running = given.running;
+    if (given.asks()) {
+        outcome.boxes << line(QMessageBox::Question, "Invalid input image", withQuestion(needs),
+                              QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes);
+        outcome.setUp = given.yes ? given.camera : CameraKind::None;
+        outcome.running = given.running || given.yes;
+    } else if (given.isNoToFPicture()) {
+        outcome.boxes << line(QMessageBox::Critical, "Invalid input image", needs, QMessageBox::Ok,
+                              QMessageBox::Ok);
+    }
+    if (!given.goesOn() || given.failure == Failure::Remove) {
+        return outcome;
+    }
+    outcome.replaced = true;
+    outcome.sourceLives = given.failure != Failure::CreateChain && given.failure != Failure::InsertAfter;
+    if (!outcome.sourceLives) {
+        return outcome;
+    }
+    outcome.running = true;
+    if (given.failure != Failure::BranchAfter && given.failure != Failure::OpenView) {
+        const bool hasIntensity =
+            given.kind == FakeKind::AB || given.kind == FakeKind::Hybrid || given.kind == FakeKind::Grey;
+        outcome.transforms = hasIntensity ? QList<int>{3, 2, 1} : QList<int>{3, 2};
+        outcome.imageViews = int(outcome.transforms.size());
+        outcome.scenes = 1;
+    }
+    return outcome;
+}
+
+void letFail(ToFRig& rig, Failure failure) {
+    switch (failure) {
+    case Failure::Nothing:
+        break;
+    case Failure::Remove:
+        rig.chainHost.failing << QStringLiteral("remove");
+        break;
+    case Failure::CloseView:
+        rig.app.closingSucceeds = false;
+        break;
+    case Failure::CreateChain:
+        rig.chainHost.failing << QStringLiteral("createChain");
+        break;
+    case Failure::InsertAfter:
+        rig.chainHost.failing << QStringLiteral("insertAfter");
+        break;
+    case Failure::BranchAfter:
+        rig.chainHost.failing << QStringLiteral("branchAfter");
+        break;
+    case Failure::OpenView:
+        rig.app.makeImageView = [](CkChainable*) -> CkMdiView* { return nullptr; };
+        break;
+    }
+}
+
+class OpenAllTable : public ::testing::TestWithParam<Combination> {};
+
+TEST_P(OpenAllTable, BoxesChainsCameraAndViews) {
+    const Combination& given = GetParam();
+    const Outcome expected = expectedOutcome(given);
+    const TableCameras cameras;
+    const int sourcesBefore = FakeSource::alive;
+    ToFRig rig;
+    rig.open(given.kind, given.separate, cameras.of(given.camera));
+    if (given.sceneIsActive) {
+        auto* scene = new CkToF3DMdiView(rig.view->viewId(), -1, nullptr, nullptr);
+        rig.app.addMdiView(scene);
+        rig.app.activeView = scene->viewId();
+    }
+    rig.app.addedViews.clear();
+    rig.app.calls.clear();
+    rig.answer = given.yes ? QMessageBox::Yes : QMessageBox::Cancel;
+    letFail(rig, given.failure);
+    if (given.running) {
+        ASSERT_TRUE(rig.chain()->start());
+    }
+    const QPointer<CkMdiView> oldView = rig.view;
+    const QPointer<CkChain> oldChain = rig.chain();
+    const int oldViewId = rig.view->viewId();
+    CkChainable* const source = rig.source;
+    rig.actions.openAllToFViews();
+    rig.view = oldView;
+
+    EXPECT_EQ(rig.boxLines(), expected.boxes);
+    EXPECT_EQ(cameras.state(), TableCameras::expectedState(expected.setUp));
+    EXPECT_EQ(oldChain.isNull(), expected.replaced);
+    EXPECT_EQ(rig.app.calls.count(QStringLiteral("closeView %1").arg(oldViewId)), expected.replaced ? 1 : 0);
+    EXPECT_EQ(oldView.isNull(), expected.replaced && given.failure != Failure::CloseView);
+    EXPECT_EQ(FakeSource::alive, sourcesBefore + (expected.sourceLives ? 1 : 0));
+
+    const QList<CkChain*> chains = CkChainManager::instance()->chains();
+    ASSERT_EQ(chains.size(), expected.sourceLives ? 1 : 0);
+    if (expected.sourceLives) {
+        EXPECT_EQ(source->chain(), chains[0]);
+        EXPECT_EQ(chains[0]->started(), expected.running);
+        EXPECT_EQ(ToFRig::transforms(chains[0]), expected.transforms);
+        EXPECT_EQ(chains[0]->successors(source).size(), expected.transforms.size());
+        EXPECT_EQ(chains[0]->blocks().size(), 1 + expected.transforms.size());
+    }
+    const QStringList opened = rig.app.calls.filter(QStringLiteral("openImageView"));
+    EXPECT_EQ(opened.size() - opened.count(QStringLiteral("openImageView -1")), expected.imageViews);
+    ASSERT_EQ(rig.actions.views().size(), expected.scenes);
+    EXPECT_EQ(rig.app.addedViews.size(), expected.scenes);
+    if (expected.scenes == 1) {
+        EXPECT_EQ(QStringLiteral("openImageView %1").arg(rig.actions.views()[0]->connectedViewId()),
+                  opened.first());
+    }
+    EXPECT_EQ(rig.app.calls.contains("refreshViewArea"), expected.replaced && expected.sourceLives);
+}
+INSTANTIATE_TEST_SUITE_P(ToFOpenAllViews, OpenAllTable, ::testing::ValuesIn(combinations()));
+
+} // namespace

@@ -1,0 +1,235 @@
+#include "ToFRig.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkChainManager.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString g_needs =
+    QStringLiteral("ToF processing needs (A and B) RAWX2, or (A minus B) RAW image, or X1X2X3 RAWX3 image.");
+const QString g_question =
+    g_needs + QStringLiteral("\n\nDo you want to update the camera parameters automatically?");
+
+int imageViews(const FakeAppDelegate& app) {
+    return int(app.calls.filter(QStringLiteral("openImageView")).size());
+}
+
+CkChain* onlyChain() {
+    const QList<CkChain*> chains = CkChainManager::instance()->chains();
+    return chains.size() == 1 ? chains.first() : nullptr;
+}
+
+TEST(ToFOpenAllViews, AandBSourceGetsDepthAmplitudeIntensityAndOneThreeDView) {
+    FakeCamera camera({4, 13});
+    ToFRig rig;
+    rig.open(FakeKind::AB, false, &camera);
+    rig.actions.openAllToFViews();
+    CkChain* chain = onlyChain();
+    ASSERT_NE(chain, nullptr);
+    EXPECT_EQ(ToFRig::transforms(chain), (QList<int>{3, 2, 1}));
+    EXPECT_EQ(imageViews(rig.app), 3);
+    ASSERT_EQ(rig.actions.views().size(), 1);
+    // The 3D view follows the image view of the "Depth" branch.
+    const CkMdiView* depthView = rig.app.mdiView(rig.actions.views()[0]->connectedViewId());
+    ASSERT_NE(depthView, nullptr);
+    const auto* block = qobject_cast<CkToFProcessCnbl*>(depthView->dataProvider());
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(int(block->transform()), 3);
+    EXPECT_TRUE(chain->started());
+    EXPECT_EQ(rig.app.calls.last(), "refreshViewArea");
+    EXPECT_TRUE(rig.boxes.empty());
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, AminusBSourceGetsOnlyDepthAndAmplitude) {
+    ToFRig rig;
+    rig.open(FakeKind::AminB);
+    rig.actions.openAllToFViews();
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2}));
+    EXPECT_EQ(imageViews(rig.app), 2);
+    EXPECT_EQ(rig.actions.views().size(), 1);
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, HybridSourceGetsItsThreeBranches) {
+    ToFRig rig;
+    rig.open(FakeKind::Hybrid);
+    rig.actions.openAllToFViews();
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2, 1}));
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, ReplacesTheActiveViewAndItsChainAndMovesTheSource) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    ASSERT_TRUE(rig.chain()->start());
+    const QPointer<CkMdiView> oldView = rig.view;
+    CkChainable* source = rig.source;
+    rig.actions.openAllToFViews();
+    EXPECT_TRUE(oldView.isNull());
+    EXPECT_EQ(rig.chain(), nullptr) << "the old chain is gone";
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(source->chain(), onlyChain());
+    EXPECT_EQ(onlyChain()->imageSources(), QList<CkChainable*>{source});
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, BranchesAreFedByTheSourceItself) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    CkChainable* source = rig.source;
+    rig.actions.openAllToFViews();
+    ASSERT_NE(onlyChain(), nullptr);
+    const QList<CkChainable*> blocks = onlyChain()->blocks();
+    ASSERT_EQ(blocks.size(), 4);
+    for (CkChainable* block : blocks.mid(1)) {
+        EXPECT_EQ(block->precedessors(), QList<CkChainable*>{source});
+    }
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, NotAToFCameraIsToldAndNothingHappens) {
+    FakeCamera camera({-1, 13});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.actions.openAllToFViews();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Critical);
+    EXPECT_EQ(rig.boxes[0].title, "Invalid input image");
+    EXPECT_EQ(rig.boxes[0].text, g_needs);
+    EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Ok);
+    EXPECT_EQ(rig.chain()->blocks(), QList<CkChainable*>{rig.source});
+    EXPECT_TRUE(rig.actions.views().isEmpty());
+}
+
+TEST(ToFOpenAllViews, AnswerYesSetsTheCameraUpAndGoesOn) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.answer = QMessageBox::Yes;
+    rig.actions.openAllToFViews();
+    ASSERT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Question);
+    EXPECT_EQ(rig.boxes[0].text, g_question);
+    EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Yes | QMessageBox::Cancel);
+    EXPECT_EQ(rig.boxes[0].defaultButton, QMessageBox::Yes);
+    EXPECT_EQ(camera.log().commits, 1);
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2, 1}));
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, AnswerCancelLeavesEverything) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.answer = QMessageBox::Cancel;
+    rig.actions.openAllToFViews();
+    EXPECT_EQ(camera.log().commits, 0);
+    EXPECT_EQ(rig.chain()->blocks().size(), 1);
+    EXPECT_EQ(imageViews(rig.app), 0);
+}
+
+TEST(ToFOpenAllViews, CameraThatRefusesEndsTheActionQuietly) {
+    FakeCamera camera({3, 5, 0, true});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.answer = QMessageBox::Yes;
+    rig.actions.openAllToFViews();
+    EXPECT_EQ(rig.boxes.size(), 1U);
+    EXPECT_EQ(rig.chain()->blocks().size(), 1);
+    EXPECT_EQ(imageViews(rig.app), 0);
+}
+
+TEST(ToFOpenAllViews, ViewWithoutABlockOrAChainIsLeftAlone) {
+    ToFRig rig;
+    CkMdiView lonely;
+    rig.app.registerView(&lonely);
+    rig.app.activeView = lonely.viewId();
+    rig.actions.openAllToFViews();
+    EXPECT_TRUE(rig.boxes.empty());
+    EXPECT_TRUE(rig.app.calls.isEmpty());
+}
+
+TEST(ToFOpenAllViews, FailedRemovalLeavesTheChainRunning) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    ASSERT_TRUE(rig.chain()->start());
+    rig.chainHost.failing << QStringLiteral("remove");
+    rig.actions.openAllToFViews();
+    ASSERT_NE(rig.chain(), nullptr);
+    EXPECT_TRUE(rig.chain()->started());
+    EXPECT_EQ(rig.source->chain(), rig.chain());
+    EXPECT_EQ(imageViews(rig.app), 0);
+}
+
+TEST(ToFOpenAllViews, NoNewChainDeletesTheSource) {
+    const int alive = FakeSource::alive;
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    rig.chainHost.failing << QStringLiteral("createChain");
+    rig.actions.openAllToFViews();
+    rig.view = nullptr;
+    EXPECT_EQ(FakeSource::alive, alive);
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+    EXPECT_TRUE(rig.chainHost.calls.contains("deleteChainable"));
+    EXPECT_EQ(imageViews(rig.app), 0);
+}
+
+TEST(ToFOpenAllViews, SourceThatDoesNotFitTheNewChainIsDeletedWithIt) {
+    const int alive = FakeSource::alive;
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    rig.chainHost.failing << QStringLiteral("insertAfter");
+    rig.actions.openAllToFViews();
+    rig.view = nullptr;
+    EXPECT_EQ(FakeSource::alive, alive);
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+}
+
+TEST(ToFOpenAllViews, BranchThatCannotBeAddedIsDeletedAndTheActionGoesOn) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    rig.chainHost.failing << QStringLiteral("branchAfter");
+    rig.actions.openAllToFViews();
+    rig.view = nullptr;
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(onlyChain()->blocks().size(), 1);
+    EXPECT_EQ(rig.chainHost.calls.count("branchAfter"), 3);
+    EXPECT_EQ(rig.chainHost.calls.count("deleteChainable"), 3);
+    EXPECT_TRUE(rig.actions.views().isEmpty());
+    EXPECT_TRUE(onlyChain()->started());
+}
+
+TEST(ToFOpenAllViews, BranchWithoutAViewIsTakenOutAgainAndTheNextOneFollows) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    int opened = 0;
+    rig.app.makeImageView = [&opened](CkChainable* block) -> CkMdiView* {
+        return ++opened == 1 ? nullptr : new CkMdiView(block);
+    };
+    rig.actions.openAllToFViews();
+    rig.view = nullptr;
+    ASSERT_NE(onlyChain(), nullptr);
+    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{2, 1}));
+    EXPECT_TRUE(rig.actions.views().isEmpty()) << "the 3D view belongs to the first branch";
+}
+
+TEST(ToFOpenAllViews, ActiveThreeDViewStandsForTheViewItFollows) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.actions.views().size(), 1);
+    rig.app.activeView = rig.actions.views()[0]->viewId();
+    const QPointer<CkMdiView> followed = rig.view;
+    rig.actions.openAllToFViews();
+    rig.view = nullptr;
+    EXPECT_TRUE(followed.isNull());
+    EXPECT_EQ(rig.actions.views().size(), 2);
+}
+
+} // namespace

@@ -1,0 +1,363 @@
+#include "../view3d/ViewRig.h"
+#include "LocaleScope.h"
+#include "ModalDriver.h"
+#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "zuCoreGui/CkColorPickerLabel.h"
+#include "zuCoreGui/CkTuningBar.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <dlfcn.h>
+
+// The 3D view with its settings dialog, opened and worked as a person does.
+
+namespace {
+QStringList s_writes;
+
+// Resident memory in KiB, as the kernel counts it.
+qint64 residentKiB() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:")) {
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+        }
+    }
+    return -1;
+}
+
+class ViewAndDialogTest : public ViewTest {
+protected:
+    ViewAndDialogTest() { s_writes.clear(); }
+
+    // Opens the dialog; work is done in it, and has to close it.
+    void withDialog(CkToF3DMdiView& view, std::function<void()> work) {
+        s_writes.clear();
+        driver.expectWindow([this, work](QWidget* pWindow) {
+            dialog = qobject_cast<CkToFOpticalPathSettingsDlg*>(pWindow);
+            ASSERT_NE(dialog, nullptr);
+            QApplication::setActiveWindow(dialog);
+            work();
+            if (dialog != nullptr && dialog->isVisible()) {
+                ADD_FAILURE() << "the dialog was left open";
+                dialog->reject();
+            }
+        });
+        action(view, "Settings...")->trigger();
+        EXPECT_EQ(driver.pending(), 0);
+        EXPECT_TRUE(dialog.isNull());
+    }
+
+    template <class Widget = QWidget>
+    Widget* child(const char* name) {
+        return dialog->findChild<Widget*>(QLatin1String(name));
+    }
+
+    void type(const char* name, const QString& sText) {
+        auto* edit = child<QLineEdit>(name);
+        edit->setFocus();
+        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(edit, sText);
+    }
+
+    void toggle(const char* name) {
+        QTest::mouseClick(child(name), Qt::LeftButton, Qt::NoModifier, QPoint(8, child(name)->height() / 2));
+    }
+
+    void click(QDialogButtonBox::StandardButton button) {
+        QTest::mouseClick(child<QDialogButtonBox>("buttonBox")->button(button), Qt::LeftButton);
+    }
+
+    // Without the colouring, which the view stores by itself with its first frame.
+    QStringList storedKeys() {
+        QStringList keys = QSettings(m_host.settingsFile(), QSettings::IniFormat).allKeys();
+        keys.removeAll("ToF.LUTPseudoColor");
+        keys.sort();
+        return keys;
+    }
+
+    // A view that starts on a frame: the kind of its data decides on the threshold it starts with.
+    std::unique_ptr<CkToF3DMdiView> openOn(std::unique_ptr<CkImageData> frame) {
+        m_host.registerView(&m_source);
+        m_source.shown = std::move(frame);
+        return open();
+    }
+
+    // A wall at a quarter of the range; the confidence grows from 0.5 at the left to 2 at the right.
+    static std::unique_ptr<CkImageData> wall(quint64 uiFrameNumber = 0) {
+        return TestFrame::phase(
+            16, 12,
+            [](int x, int) {
+                return DepthPixel{1.5707964F, 0.5F + 0.1F * float(x)};
+            },
+            uiFrameNumber);
+    }
+
+    LocaleScope locale{QLocale(QLocale::English, QLocale::UnitedStates)};
+    ModalDriver driver;
+    QPointer<CkToFOpticalPathSettingsDlg> dialog;
+};
+
+const QStringList s_dialogKeys = {"ToF.OptCompensateDistorsion", "ToF.OptLensFocalLengthMM",
+                                  "ToF.OptChipCellSizeMM",       "ToF.OptCenterOffsetMM",
+                                  "ToF.OptModulationFreq",       "ToF.OptConfidenceThreshold",
+                                  "ToF.OptRealDistandeOffsetM",  "ToF.OptOrthoRadialCorrection",
+                                  "ToF.RegulateInputFps",        "ToF.MaxInputFps"};
+} // namespace
+
+// Stands before the library's own function, writes the key down and calls that one: the file itself does not
+// tell in which order its keys were written.
+void QSettings::setValue(QAnyStringView key, const QVariant& value) {
+    s_writes << key.toString();
+    using Function = void (*)(QSettings*, QAnyStringView, const QVariant&);
+    static const auto s_real =
+        reinterpret_cast<Function>(dlsym(RTLD_NEXT, "_ZN9QSettings8setValueE14QAnyStringViewRK8QVariant"));
+    s_real(this, key, value);
+}
+
+TEST_F(ViewAndDialogTest, OkWritesTheSettingsInTheirOrder) {
+    auto view = openOn(wall());
+    withDialog(*view, [this] { click(QDialogButtonBox::Ok); });
+    EXPECT_EQ(s_writes, s_dialogKeys);
+}
+
+TEST_F(ViewAndDialogTest, OkStoresEveryValueApplyAndCancelNone) {
+    for (const auto button : {QDialogButtonBox::Cancel, QDialogButtonBox::Apply, QDialogButtonBox::Ok}) {
+        auto view = openOn(wall());
+        withDialog(*view, [&] {
+            toggle("chkCompensate");
+            type("edModulationFreq", "20");
+            type("edOptCenterOffsetX", "0.5");
+            type("edOptCenterOffsetY", "-0.75");
+            type("edLensFocalLength", "8");
+            type("edChipCellSize", "12.5");
+            type("edRealDistOffset", "0.25");
+            toggle("chkOrthoDistance");
+            toggle("chkRegInputFps");
+            type("edRegInputFps", "7");
+            click(button);
+            if (button == QDialogButtonBox::Apply) {
+                EXPECT_TRUE(dialog->isVisible());
+                click(QDialogButtonBox::Cancel);
+            }
+        });
+        const SkToFViewSettings& options = view->options();
+        const bool bTaken = button != QDialogButtonBox::Cancel;
+        EXPECT_EQ(options.opticalPath.compensateDistortion, bTaken);
+        EXPECT_EQ(options.opticalPath.modulationFreqMHz, bTaken ? 20.0F : 30.0F);
+        EXPECT_EQ(options.opticalPath.centerOffsetMM, bTaken ? QPointF(0.5, -0.75) : QPointF());
+        EXPECT_EQ(options.opticalPath.lensFocalLengthMM, bTaken ? 8.0F : 3.5F);
+        EXPECT_EQ(options.opticalPath.chipCellSizeMM, bTaken ? 0.0125F : 0.01F);
+        EXPECT_EQ(options.opticalPath.realDistanceOffsetM, bTaken ? 0.25F : -1.5F);
+        EXPECT_EQ(options.regulateInputFps, bTaken);
+        EXPECT_EQ(options.maxInputFps, bTaken ? 7.0F : 5.0F);
+        // Apply leaves the orthogonal correction alone.
+        EXPECT_EQ(options.opticalPath.orthoRadialCorrection, button != QDialogButtonBox::Ok);
+        if (button != QDialogButtonBox::Ok) {
+            EXPECT_EQ(storedKeys(), QStringList());
+        }
+    }
+    EXPECT_EQ(m_host.stored("ToF.OptCompensateDistorsion").toBool(), true);
+    EXPECT_EQ(m_host.stored("ToF.OptLensFocalLengthMM").toFloat(), 8.0F);
+    EXPECT_EQ(m_host.stored("ToF.OptChipCellSizeMM").toFloat(), 0.0125F);
+    EXPECT_EQ(m_host.stored("ToF.OptCenterOffsetMM").toPointF(), QPointF(0.5, -0.75));
+    EXPECT_EQ(m_host.stored("ToF.OptModulationFreq").toFloat(), 20.0F);
+    EXPECT_EQ(m_host.stored("ToF.OptConfidenceThreshold").toFloat(), 10.0F);
+    EXPECT_EQ(m_host.stored("ToF.OptRealDistandeOffsetM").toFloat(), 0.25F);
+    EXPECT_EQ(m_host.stored("ToF.OptOrthoRadialCorrection").toBool(), false);
+    EXPECT_EQ(m_host.stored("ToF.RegulateInputFps").toBool(), true);
+    EXPECT_EQ(m_host.stored("ToF.MaxInputFps").toFloat(), 7.0F);
+    EXPECT_EQ(m_host.settingsAlive(), 0);
+}
+
+TEST_F(ViewAndDialogTest, TypingAbcAsTheFocalLengthKeepsTheOldOneAndStillSavesAllKeys) {
+    auto view = openOn(wall());
+    withDialog(*view, [this] {
+        toggle("chkCompensate");
+        type("edLensFocalLength", "abc");
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_EQ(view->options().opticalPath.lensFocalLengthMM, 3.5F);
+    QStringList keys = s_dialogKeys;
+    keys.sort();
+    EXPECT_EQ(storedKeys(), keys);
+}
+
+TEST_F(ViewAndDialogTest, ValuesThatNobodyTouchedKeepTheirLastDigit) {
+    m_host.store("ToF.OptRealDistandeOffsetM", -3.3462819F);
+    m_host.store("ToF.OptChipCellSizeMM", 0.0056789F);
+    m_host.store("ToF.OptLensFocalLengthMM", 4.0123456F);
+    auto view = openOn(wall());
+    withDialog(*view, [this] {
+        click(QDialogButtonBox::Apply);
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_EQ(view->options().opticalPath.realDistanceOffsetM, -3.3462819F);
+    EXPECT_EQ(view->options().opticalPath.chipCellSizeMM, 0.0056789F);
+    EXPECT_EQ(m_host.stored("ToF.OptRealDistandeOffsetM").toFloat(), -3.3462819F);
+    EXPECT_EQ(m_host.stored("ToF.OptChipCellSizeMM").toFloat(), 0.0056789F);
+    EXPECT_EQ(m_host.stored("ToF.OptLensFocalLengthMM").toFloat(), 4.0123456F);
+}
+
+TEST_F(ViewAndDialogTest, PhaseDataWithoutConfidenceHaveARangeOfZeroOtherDataOfOne) {
+    auto view = open();
+    auto frame = TestFrame::generic(8, 6, [](int, int) { return 1.0F; });
+    CkImageMetadata metadata = frame->metadata();
+    metadata.channelNames = QStringList{QStringLiteral("Phase shift")};
+    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    frame->setMetadata(metadata);
+    give(*view, frame);
+    ASSERT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::PhaseShift);
+    withDialog(*view, [this] {
+        EXPECT_FALSE(child("lbConfThreshold")->isEnabled());
+        EXPECT_FALSE(child("tbConfThreshold")->isEnabled());
+        EXPECT_FALSE(child("lbConfThresholdValue")->isEnabled());
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->minimum(), 0.0);
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->maximum(), 0.0);
+        EXPECT_TRUE(child("edModulationFreq")->isVisible());
+        click(QDialogButtonBox::Cancel);
+    });
+
+    give(*view, wall());
+    withDialog(*view, [this] {
+        EXPECT_TRUE(child("tbConfThreshold")->isEnabled());
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->maximum(), double(0.5F + 0.1F * 15.0F));
+        click(QDialogButtonBox::Cancel);
+    });
+
+    give(*view, TestFrame::depth(8, 6, [](int, int) { return DepthPixel{1.0F, 0.5F}; }));
+    withDialog(*view, [this] {
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->minimum(), 0.0);
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->maximum(), 1.0);
+        EXPECT_FALSE(child("edModulationFreq")->isVisible());
+        click(QDialogButtonBox::Cancel);
+    });
+
+    give(*view, TestFrame::bytes(8, 6, [](int x, int) { return x; }));
+    ASSERT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::Generic);
+    withDialog(*view, [this] {
+        EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->maximum(), 1.0);
+        click(QDialogButtonBox::Cancel);
+    });
+}
+
+TEST_F(ViewAndDialogTest, OrthogonalDistanceChangesTheCloudWithOkButNotWithApply) {
+    m_host.store("ToF.OptCompensateDistorsion", true);
+    m_host.store("ToF.OptChipCellSizeMM", 0.5F); // a wide angle
+    auto view = openOn(wall());
+    show(*view);
+    view->updatePointCloudGeometry();
+    const QByteArray before = view->cloud().vertexBytes();
+    ASSERT_GT(view->cloud().pointCount(), 0);
+    withDialog(*view, [&] {
+        toggle("chkOrthoDistance");
+        click(QDialogButtonBox::Apply);
+        EXPECT_EQ(view->cloud().vertexBytes(), before);
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_NE(view->cloud().vertexBytes(), before);
+    EXPECT_FALSE(view->options().opticalPath.orthoRadialCorrection);
+}
+
+TEST_F(ViewAndDialogTest, CancelAfterMovingTheThresholdKeepsItInTheViewUnsaved) {
+    auto view = openOn(wall());
+    show(*view);
+    ASSERT_EQ(view->cloud().pointCount(), 16 * 12);
+    withDialog(*view, [&] {
+        // From 10 the bar stands at its end, 2; three steps down are 1.7.
+        for (int i = 0; i < 3; ++i) {
+            QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
+        }
+        EXPECT_EQ(child<QLabel>("lbConfThresholdValue")->text(), "1.70");
+        EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.7F, 1e-6F);
+        // 0.5 + 0.1 x up to 1.7: columns 0 to 11, and 12 itself within rounding.
+        EXPECT_LT(view->cloud().pointCount(), 14 * 12);
+        click(QDialogButtonBox::Cancel);
+    });
+    EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.7F, 1e-6F);
+    EXPECT_FALSE(m_host.stored("ToF.OptConfidenceThreshold").isValid());
+    EXPECT_TRUE(s_writes.isEmpty());
+}
+
+TEST_F(ViewAndDialogTest, BoxAndColourActAtOnceAndAreSavedByTheView) {
+    auto view = openOn(wall());
+    show(*view);
+    withDialog(*view, [&] {
+        toggle("chkBoundingBox");
+        EXPECT_FALSE(view->options().showBBox);
+        EXPECT_EQ(m_host.stored("ToF.ShowBBox").toBool(), false);
+        driver.expectWindow([](QWidget* pWindow) {
+            auto* colors = qobject_cast<QColorDialog*>(pWindow);
+            ASSERT_NE(colors, nullptr);
+            EXPECT_EQ(colors->currentColor(), QColor(0x30, 0x30, 0x80));
+            colors->setCurrentColor(QColor(255, 0, 0));
+            QTest::mouseClick(colors->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok),
+                              Qt::LeftButton);
+        });
+        QTest::mouseClick(child("pickBgColor"), Qt::LeftButton);
+        EXPECT_EQ(m_host.stored("ToF.BgColor").toUInt(), 0xff0000U);
+        click(QDialogButtonBox::Cancel);
+    });
+    EXPECT_EQ(s_writes, (QStringList{"ToF.ShowBBox", "ToF.BgColor"}));
+    withDialog(*view, [this] {
+        EXPECT_EQ(child<CkColorPickerLabel>("pickBgColor")->pickerColor(), QColor(255, 0, 0));
+        EXPECT_FALSE(child<QCheckBox>("chkBoundingBox")->isChecked());
+        click(QDialogButtonBox::Cancel);
+    });
+}
+
+TEST_F(ViewAndDialogTest, FramesGoOnAndControlsActWhileTheDialogIsOpenAndMemoryStaysFlat) {
+    const auto frameAt = [](quint64 uiFrame) {
+        return TestFrame::phase(
+            320, 240,
+            [uiFrame](int x, int) {
+                return DepthPixel{0.5F + float(uiFrame % 5), 0.005F * float(x)};
+            },
+            uiFrame);
+    };
+    auto view = openOn(frameAt(0));
+    show(*view, QSize(192, 160));
+    withDialog(*view, [&] {
+        qint64 iSettled = 0;
+        int iFewest = 320 * 240;
+        int iMost = 0;
+        for (quint64 uiFrame = 1; uiFrame <= 90; ++uiFrame) {
+            give(*view, frameAt(uiFrame));
+            ASSERT_NE(view->currentImage(), nullptr);
+            EXPECT_EQ(view->currentImage()->frameId(), qint32(uiFrame));
+            if (uiFrame % 5 == 0) {
+                QTest::keyClick(child("tbConfThreshold"), uiFrame % 10 == 0 ? Qt::Key_End : Qt::Key_Home);
+                QTest::keyClick(child("tbConfThreshold"), Qt::Key_Right);
+                click(QDialogButtonBox::Apply);
+            }
+            iFewest = qMin(iFewest, view->cloud().pointCount());
+            iMost = qMax(iMost, view->cloud().pointCount());
+            QCoreApplication::processEvents();
+            if (uiFrame == 30) {
+                iSettled = residentKiB();
+            }
+        }
+        // Depth and confidence of a frame take 600 KiB, its cloud 1800 more: 60 of them 141 MiB.
+        EXPECT_LT(residentKiB() - iSettled, 30 * 1024);
+        EXPECT_LT(iFewest, 320 * 240 / 10);
+        EXPECT_GT(iMost, 320 * 240 * 9 / 10);
+        click(QDialogButtonBox::Cancel);
+    });
+}
+
+TEST_F(ViewAndDialogTest, TheViewMayCloseWhileItsDialogIsOpen) {
+    auto view = openOn(wall());
+    driver.expectWindow([&](QWidget*) { view.reset(); });
+    view->showOpticalPathDlg();
+    EXPECT_EQ(driver.pending(), 0);
+    EXPECT_EQ(view, nullptr);
+    EXPECT_EQ(storedKeys(), QStringList());
+}

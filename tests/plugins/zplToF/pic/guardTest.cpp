@@ -1,0 +1,249 @@
+#include "picOperations.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+// Bad pictures: a false result and nothing written.
+
+namespace {
+
+using Type = EkImageDataType;
+using Angles = CkToFPicAPI::AngleList;
+constexpr quint32 huge = std::numeric_limits<quint32>::max();
+
+class Guard : public ::testing::TestWithParam<PicOperation> {
+protected:
+    static constexpr quint32 width = 20;
+    static constexpr quint32 height = 3;
+    static constexpr int phases = 4;
+
+    Guard() {
+        const PicOperation& operation = GetParam();
+        source = std::make_unique<TestPicture>(width, operation.stackedPhases ? height * 4 : height,
+                                               operation.sourceChannels, operation.sourceType, 0, 4);
+        if (operation.sourceChannels == 3 && operation.resultChannels != 3)
+            source->pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        result = std::make_unique<TestPicture>(width, height, operation.resultChannels, operation.resultType,
+                                               0, 4);
+        result->pic.minValue = -1.0F;
+        result->pic.maxValue = 99.0F;
+    }
+
+    bool run(const Angles* angles = nullptr) {
+        return GetParam().run(source->pic, result->pic, phases, angles);
+    }
+
+    /// The call is refused with this change and nothing is written; the change is taken back.
+    template <class Change>
+    void expectRefused(const char* what, const Change& change) {
+        const SkPicBuf sourceBefore = source->pic;
+        const SkPicBuf resultBefore = result->pic;
+        const std::vector<quint8> pixels = result->store;
+        const std::vector<quint8> sourcePixels = source->store;
+        change(source->pic, result->pic);
+        const quint32 bits = result->pic.bitsPerChannel;
+        EXPECT_FALSE(run()) << what;
+        EXPECT_EQ(result->store, pixels) << what;
+        EXPECT_EQ(source->store, sourcePixels) << what;
+        EXPECT_EQ(result->pic.minValue, -1.0F) << what;
+        EXPECT_EQ(result->pic.maxValue, 99.0F) << what;
+        EXPECT_EQ(result->pic.bitsPerChannel, bits) << what;
+        source->pic = sourceBefore;
+        result->pic = resultBefore;
+    }
+
+    std::unique_ptr<TestPicture> source;
+    std::unique_ptr<TestPicture> result;
+};
+
+INSTANTIATE_TEST_SUITE_P(Operations, Guard, ::testing::ValuesIn(everyPicOperation()),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_P(Guard, TheUnchangedPicturesAreProcessed) {
+    EXPECT_TRUE(run());
+}
+
+TEST_P(Guard, NullData) {
+    expectRefused("source", [](SkPicBuf& s, SkPicBuf&) { s.data = nullptr; });
+    expectRefused("result", [](SkPicBuf&, SkPicBuf& r) { r.data = nullptr; });
+}
+
+TEST_P(Guard, ZeroAndAbsurdSizes) {
+    const bool emptyIsDone = GetParam().name.rfind("TestImage", 0) == 0;
+    if (!emptyIsDone) {
+        expectRefused("no result width", [](SkPicBuf&, SkPicBuf& r) { r.width = 0; });
+        expectRefused("no result height", [](SkPicBuf&, SkPicBuf& r) { r.height = 0; });
+    }
+    expectRefused("no source width", [](SkPicBuf& s, SkPicBuf&) { s.width = 0; });
+    expectRefused("no source height", [](SkPicBuf& s, SkPicBuf&) { s.height = 0; });
+    expectRefused("no source channels", [](SkPicBuf& s, SkPicBuf&) { s.channels = 0; });
+    expectRefused("no result channels", [](SkPicBuf&, SkPicBuf& r) { r.channels = 0; });
+    expectRefused("huge width", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width = huge; });
+    expectRefused("huge result height", [](SkPicBuf&, SkPicBuf& r) { r.height = huge; });
+    expectRefused("huge channels", [](SkPicBuf& s, SkPicBuf&) { s.channels = huge; });
+    // A product of width, channels and sample bytes that is small again in 32 or 64 bits.
+    expectRefused("width that wraps", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width = 0x80000000U; });
+    expectRefused("end beyond the address space", [](SkPicBuf& s, SkPicBuf&) {
+        s.data = reinterpret_cast<quint8*>(std::numeric_limits<quintptr>::max() - 4);
+    });
+}
+
+TEST_P(Guard, ShortRows) {
+    expectRefused("source", [](SkPicBuf& s, SkPicBuf&) {
+        s.lineSize = s.width * s.channels * sampleBytes(s.dataType) - 1;
+    });
+    expectRefused("result", [](SkPicBuf&, SkPicBuf& r) {
+        r.lineSize = r.width * r.channels * sampleBytes(r.dataType) - 1;
+    });
+    expectRefused("none", [](SkPicBuf& s, SkPicBuf&) { s.lineSize = 0; });
+}
+
+TEST_P(Guard, ForeignSampleTypes) {
+    for (const quint32 type : {0U, 5U, 7U, 8U, 10U, 11U, 12U, 255U, huge}) {
+        expectRefused("source", [type](SkPicBuf& s, SkPicBuf&) { s.dataType = Type(type); });
+        expectRefused("result", [type](SkPicBuf&, SkPicBuf& r) { r.dataType = Type(type); });
+    }
+}
+
+TEST_P(Guard, WrongResultChannels) {
+    for (const quint32 channels : {1U, 2U, 3U, 4U}) {
+        if (channels != GetParam().resultChannels)
+            expectRefused("channels", [channels](SkPicBuf&, SkPicBuf& r) {
+                r.channels = channels;
+                r.width = 2;
+            });
+    }
+}
+
+TEST_P(Guard, ResultWiderOrHigherThanTheSource) {
+    expectRefused("wider", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width - 1; });
+    expectRefused("higher", [](SkPicBuf& s, SkPicBuf& r) { s.height = r.height - 1; });
+}
+
+TEST_P(Guard, OverlappingPictures) {
+    expectRefused("the same", [](SkPicBuf& s, SkPicBuf& r) { r.data = s.data; });
+    expectRefused("last byte", [](SkPicBuf& s, SkPicBuf& r) {
+        const size_t rowBytes = size_t(s.width) * s.channels * sampleBytes(s.dataType);
+        r.data = s.data + size_t(s.height - 1) * s.lineSize + rowBytes - 1;
+    });
+}
+
+TEST_P(Guard, StackHigherThanTheSource) {
+    if (!GetParam().stackedPhases) {
+        EXPECT_EQ(source->pic.height, result->pic.height);
+        return;
+    }
+    const bool merge = GetParam().name.rfind("Merge", 0) == 0;
+    const quint32 tooFew = merge ? 2 * height - 1
+                           : GetParam().sourceChannels == 1 && GetParam().resultChannels == 3
+                               ? 3 * height - 1
+                               : 4 * height - 1;
+    expectRefused("stack", [tooFew](SkPicBuf& s, SkPicBuf&) { s.height = tooFew; });
+}
+
+TEST_P(Guard, AngleBeyondTheStack) {
+    const std::string& name = GetParam().name;
+    const bool usesAngles = GetParam().phaseShift || name.rfind("Amplitude", 0) == 0;
+    const Angles far{0, 180, 270, 45, 90};
+    const std::vector<quint8> pixels = result->store;
+    EXPECT_EQ(run(&far), !usesAngles);
+    if (usesAngles) {
+        EXPECT_EQ(result->store, pixels);
+        EXPECT_EQ(result->pic.maxValue, 99.0F);
+    }
+}
+
+TEST(UnsupportedPhases, WriteNothingButRefreshTheRange) {
+    for (const int phases : {3, 0, -1, 5, 16, std::numeric_limits<int>::min()}) {
+        TestPicture source(6, 32, 2, Type::UInt16);
+        TestPicture result(6, 2, 2, Type::Float32);
+        result.set(1, 1, 0, 4.5F);
+        result.set(2, 1, 1, -2.5F);
+        const std::vector<quint8> pixels = result.store;
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, phases)) << phases;
+        EXPECT_EQ(result.store, pixels);
+        EXPECT_EQ(result.pic.minValue, -2.5F);
+        EXPECT_EQ(result.pic.maxValue, 4.5F);
+        TestPicture grey(6, 2, 1, Type::UInt16);
+        const std::vector<quint8> greyPixels = grey.store;
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, grey.pic, phases));
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, grey.pic, phases));
+        EXPECT_EQ(grey.store, greyPixels);
+    }
+}
+
+TEST(UnsupportedPhases, MoreThanTheSourceHoldsAreRefused) {
+    TestPicture source(6, 32, 2, Type::UInt16);
+    TestPicture result(6, 2, 2, Type::Float32);
+    for (const int phases : {17, 1000, std::numeric_limits<int>::max()})
+        EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, phases));
+}
+
+TEST(DifferenceGuard, DifferencePictureOfTheSameSizeIsLeftAlone) {
+    TestPicture source(6, 4, 2, Type::UInt16);
+    source.put(0, 0, 0, 5);
+    source.pic.layoutFlag = true; // no two-tap picture any more
+    TestPicture result(6, 4, 1, Type::Int16);
+    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic));
+    EXPECT_EQ(result.at(0, 0), 0);
+    // Of another size it is converted all the same.
+    TestPicture smaller(6, 3, 1, Type::Int16);
+    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, smaller.pic));
+    EXPECT_EQ(smaller.at(0, 0), 5);
+}
+
+TEST(DifferenceGuard, RowsTooShortForTwoSamplesAPixelAreRefused) {
+    TestPicture source(10, 4, 1, Type::UInt8);
+    TestPicture result(6, 4, 1, Type::Int8);
+    const std::vector<quint8> pixels = result.store;
+    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic));
+    EXPECT_EQ(result.store, pixels);
+    TestPicture narrower(5, 4, 1, Type::Int8);
+    source.put(8, 3, 0, 9);
+    source.put(9, 3, 0, 4);
+    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, narrower.pic));
+    EXPECT_EQ(narrower.at(4, 3), 5);
+}
+
+TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
+    TestPicture depth(4, 3, 1, Type::Float32);
+    TestPicture confidence(4, 3, 1, Type::Float32);
+    TestPicture pairs(4, 3, 2, Type::Float32);
+    for (quint32 x = 0; x < 4; ++x) {
+        depth.set(x, 0, 0, 2.0F);
+        confidence.set(x, 0, 0, 0.1F);
+        pairs.set(x, 0, 0, 2.0F);
+        pairs.set(x, 0, 1, 0.1F);
+    }
+    float maximum = 7.0F;
+    const auto refused = [&](const SkPicBuf& d, const SkPicBuf& c, const SkPicBuf& p) {
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(d, c, maximum, 1.0F));
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(p, maximum, 1.0F));
+        EXPECT_EQ(maximum, 7.0F);
+    };
+    for (int kind = 0; kind < 5; ++kind) {
+        SkPicBuf d = depth.pic;
+        SkPicBuf p = pairs.pic;
+        for (SkPicBuf* picture : {&d, &p}) {
+            if (kind == 0)
+                picture->data = nullptr;
+            else if (kind == 1)
+                picture->dataType = Type::UInt32;
+            else if (kind == 2)
+                picture->channels = 3;
+            else if (kind == 3)
+                picture->lineSize -= 1;
+            else
+                picture->height = 0;
+        }
+        refused(d, confidence.pic, p);
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(confidence.pic, d, maximum, 1.0F));
+    }
+    TestPicture other(3, 3, 1, Type::Float32);
+    EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, other.pic, maximum, 1.0F));
+    EXPECT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, maximum, 1.0F));
+    EXPECT_EQ(maximum, 2.0F);
+}
+
+} // namespace

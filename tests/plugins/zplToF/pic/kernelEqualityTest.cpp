@@ -1,0 +1,249 @@
+#include "picOperations.h"
+
+#include "zuCore/CkPicBufAPI.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <hwy/highway.h>
+#include <set>
+#include <thread>
+
+// Every vector implementation against the plain loops, byte for byte; only phase angles may differ.
+
+namespace {
+
+using Angles = CkToFPicAPI::AngleList;
+
+struct Layout {
+    quint32 extraLineBytes;
+    size_t misalignment;
+};
+
+std::vector<Angles> angleLists(int phases) {
+    std::vector<Angles> lists{{}};
+    if (phases == 2)
+        lists.insert(lists.end(), {{90, 0}, {0, 180}, {90, 90}});
+    else if (phases == 4)
+        lists.insert(lists.end(), {{180, 0, 270, 90}, {90, 0, 0, 7, 270}, {270, 180, 90, 0}});
+    else if (phases == 8)
+        lists.insert(lists.end(), {{315, 270, 225, 180, 135, 90, 45, 0}, {0, 90, 180, 270}});
+    return lists;
+}
+
+/// The raw bytes are equal, but for angles that are at most 2 units apart.
+void expectEqualResults(const PicOperation& operation, const TestPicture& plain, const TestPicture& simd,
+                        int phases) {
+    EXPECT_TRUE(simd.guardsIntact());
+    EXPECT_EQ(plain.pic.bitsPerChannel, simd.pic.bitsPerChannel);
+    if (!operation.phaseShift || phases == 1) {
+        ASSERT_EQ(plain.store, simd.store);
+        EXPECT_EQ(plain.pic.minValue, simd.pic.minValue);
+        EXPECT_EQ(plain.pic.maxValue, simd.pic.maxValue);
+        return;
+    }
+    for (quint32 y = 0; y < plain.pic.height; ++y) {
+        for (quint32 x = 0; x < plain.pic.width; ++x) {
+            ASSERT_LE(ulpDistance(plain.get<float>(x, y), simd.get<float>(x, y)), 2) << x << ' ' << y;
+            if (plain.pic.channels == 2) {
+                ASSERT_EQ(plain.get<quint32>(x, y, 1), simd.get<quint32>(x, y, 1)) << x << ' ' << y;
+            }
+        }
+    }
+    // The value range is that of the angles actually written.
+    float minimum = 0.0F;
+    float maximum = 0.0F;
+    CkPicBufAPI::CalcFloatDataMinMax(simd.pic, minimum, maximum, false);
+    EXPECT_EQ(simd.pic.minValue, minimum);
+    EXPECT_EQ(simd.pic.maxValue, maximum);
+}
+
+void compare(const PicOperation& operation, const SkToFKernels& kernels, int phases, quint32 width,
+             Layout layout, const Angles& angles, std::mt19937& random) {
+    SCOPED_TRACE(operation.name + " on " + kernels.sName + ", phases " + std::to_string(phases) + ", width " +
+                 std::to_string(width) + ", extra " + std::to_string(layout.extraLineBytes) + ", list of " +
+                 std::to_string(angles.size()));
+    constexpr quint32 height = 2;
+    // One sub-image more than the phases, because some lists have an entry more.
+    const quint32 stacked = operation.stackedPhases ? height * quint32(std::max(phases, 3) + 1) : height;
+    const quint32 sampleBits = 8 * sampleBytes(operation.sourceType);
+    const quint32 bits = sampleBits == 16 && random() % 2 == 0 ? 12 : sampleBits;
+
+    TestPicture source(width, stacked, operation.sourceChannels, operation.sourceType, bits,
+                       layout.extraLineBytes, layout.misalignment);
+    if (operation.sourceChannels == 3 && operation.resultChannels != 3)
+        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    fillRandom(source, random, bits);
+    const std::vector<quint8> sourceBefore = source.store;
+
+    TestPicture plain(width, height, operation.resultChannels, operation.resultType, 0, layout.extraLineBytes,
+                      layout.misalignment);
+    TestPicture simd(width, height, operation.resultChannels, operation.resultType, 0, layout.extraLineBytes,
+                     layout.misalignment);
+    {
+        const PinnedKernels pinned(CkToFKernelChoice::plain());
+        ASSERT_TRUE(operation.run(source.pic, plain.pic, phases, &angles));
+    }
+    {
+        const PinnedKernels pinned(kernels);
+        ASSERT_TRUE(operation.run(source.pic, simd.pic, phases, &angles));
+    }
+    EXPECT_EQ(source.store, sourceBefore);
+    expectEqualResults(operation, plain, simd, phases);
+}
+
+class KernelEquality : public ::testing::TestWithParam<PicOperation> {};
+
+INSTANTIATE_TEST_SUITE_P(Operations, KernelEquality, ::testing::ValuesIn(everyPicOperation()),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_P(KernelEquality, EveryWidthPhasesLayoutAndAngleList) {
+    std::mt19937 random(20240607);
+    std::vector<quint32> widths;
+    for (quint32 width = 1; width <= 40; ++width)
+        widths.push_back(width);
+    widths.insert(widths.end(), {64, 65, 129, 640});
+    const std::vector<int> phaseCounts =
+        GetParam().stackedPhases ? std::vector<int>{1, 2, 3, 4, 8} : std::vector<int>{1};
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        for (const int phases : phaseCounts) {
+            for (const quint32 width : widths) {
+                for (const Layout layout : {Layout{0, 0}, Layout{3, 1}, Layout{64, 8}}) {
+                    for (const Angles& angles : angleLists(phases)) {
+                        compare(GetParam(), *kernels, phases, width, layout, angles, random);
+                        if (HasFatalFailure())
+                            return;
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(KernelEqualityOfMerge, ManySectionsAndThresholds) {
+    std::mt19937 random(7);
+    for (const quint32 sections : {2U, 3U, 4U, 17U, 18U, 33U, 40U}) {
+        for (const quint32 bits : {0U, 7U, 8U, 12U, 16U, 31U, 40U, 63U, 64U, 4000000000U}) {
+            TestPicture source(37, 2 * sections, 3, EkImageDataType::UInt16, 16, 2);
+            fillRandom(source, random, 14);
+            source.pic.bitsPerChannel = bits;
+            for (const auto type : {EkImageDataType::UInt16, EkImageDataType::UInt32}) {
+                TestPicture plain(37, 2, 3, type, 0, 6);
+                CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
+                ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, plain.pic));
+                for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+                    TestPicture simd(37, 2, 3, type, 0, 6);
+                    const PinnedKernels pinned(*kernels);
+                    ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, simd.pic));
+                    ASSERT_EQ(plain.store, simd.store) << kernels->sName << ' ' << sections << ' ' << bits;
+                }
+            }
+        }
+    }
+}
+
+TEST(KernelEqualityOfDepthSearch, EveryWidth) {
+    std::mt19937 random(11);
+    const auto number = [&random] { return float(random() % 4000) / 1000.0F - 1.0F; };
+    for (quint32 width = 1; width <= 70; ++width) {
+        TestPicture pairs(width, 3, 2, EkImageDataType::Float32, 0, 1);
+        TestPicture depth(width, 3, 1, EkImageDataType::Float32, 0, 2);
+        TestPicture confidence(width, 3, 1, EkImageDataType::Float32, 0, 3);
+        float expected = -1.0F;
+        for (quint32 y = 0; y < 3; ++y) {
+            for (quint32 x = 0; x < width; ++x) {
+                const float metres = number();
+                const float trust = number();
+                pairs.set(x, y, 0, metres);
+                pairs.set(x, y, 1, trust);
+                depth.set(x, y, 0, metres);
+                confidence.set(x, y, 0, trust);
+                if (trust > 0.0F && trust <= 0.25F && metres > expected)
+                    expected = metres;
+            }
+        }
+        for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+            const PinnedKernels pinned(*kernels);
+            float first = -7.0F;
+            float second = -7.0F;
+            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(pairs.pic, first, 0.25F), expected >= 0.0F);
+            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, second, 0.25F),
+                      expected >= 0.0F);
+            EXPECT_EQ(first, expected >= 0.0F ? expected : -7.0F) << kernels->sName;
+            EXPECT_EQ(second, first);
+        }
+    }
+}
+
+TEST(KernelChoice, EveryInstructionSetOfThisProcessorIsAvailable) {
+    std::set<std::string> names;
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available())
+        names.insert(kernels->sName);
+    EXPECT_TRUE(names.count("plain"));
+    for (const int64_t target : {HWY_SSE4, HWY_AVX2, HWY_AVX3}) {
+        EXPECT_EQ(names.count(hwy::TargetName(target)) == 1, (hwy::SupportedTargets() & target) != 0)
+            << hwy::TargetName(target);
+    }
+}
+
+int spiedCalls = 0;
+SkToFKernels::StackedRow spiedKernel = nullptr;
+
+void spy(const quint8* const* rows, quint8* result, size_t pixels) {
+    ++spiedCalls;
+    spiedKernel(rows, result, pixels);
+}
+
+TEST(KernelChoice, PinnedKernelsAreTheOnesThatRun) {
+    TestPicture source(40, 8, 2, EkImageDataType::UInt16);
+    std::set<SkToFKernels::StackedRow> distinct;
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        SkToFKernels watched = *kernels;
+        spiedKernel = watched.amplitude[1][2];
+        distinct.insert(spiedKernel);
+        watched.amplitude[1][2] = spy;
+        spiedCalls = 0;
+        const PinnedKernels pinned(watched);
+        TestPicture result(40, 2, 1, EkImageDataType::UInt16);
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, 4));
+        EXPECT_EQ(spiedCalls, 2) << kernels->sName;
+    }
+    // No two implementations share the code that was watched.
+    EXPECT_EQ(distinct.size(), CkToFKernelChoice::available().size());
+}
+
+TEST(KernelChoice, AutomaticChoiceFollowsTheEnvironment) {
+    const char* wanted = std::getenv("ZU_TOF_KERNELS");
+    const SkToFKernels* named = wanted == nullptr ? nullptr : CkToFKernelChoice::find(wanted);
+    const SkToFKernels* expected = named != nullptr ? named : CkToFKernelChoice::available().back();
+    EXPECT_EQ(&CkToFKernelChoice::active(), expected);
+    EXPECT_EQ(CkToFKernelChoice::find("no such kernels"), nullptr);
+    CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
+    EXPECT_STREQ(CkToFKernelChoice::active().sName, "plain");
+    CkToFKernelChoice::pin(nullptr);
+    EXPECT_EQ(&CkToFKernelChoice::active(), expected);
+}
+
+TEST(KernelChoice, OperationsRunOnManyThreads) {
+    std::mt19937 random(3);
+    TestPicture source(333, 40, 2, EkImageDataType::UInt16);
+    fillRandom(source, random, 12);
+    TestPicture expected(333, 10, 2, EkImageDataType::Float32);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, expected.pic, 4));
+    std::vector<std::thread> threads;
+    std::vector<int> equal(4, 0);
+    for (size_t index = 0; index < equal.size(); ++index) {
+        threads.emplace_back([&, index] {
+            for (int round = 0; round < 20; ++round) {
+                TestPicture result(333, 10, 2, EkImageDataType::Float32);
+                CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4);
+                equal[index] += result.store == expected.store;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(equal, std::vector<int>(4, 20));
+}
+
+} // namespace

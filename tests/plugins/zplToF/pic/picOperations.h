@@ -1,0 +1,25 @@
+#pragma once
+
+#include "picTestSupport.h"
+
+#include <functional>
+#include <ostream>
+#include <string>
+
+/// One operation with one pairing of sample types, as the comparing tests run it.
+struct PicOperation {
+    std::string name;
+    EkImageDataType sourceType;
+    quint32 sourceChannels;
+    EkImageDataType resultType;
+    quint32 resultChannels;
+    bool stackedPhases; ///< the source is phases times as high as the result
+    bool phaseShift;    ///< channel 0 of the result is an angle
+    std::function<bool(const SkPicBuf&, SkPicBuf&, int, const CkToFPicAPI::AngleList*)> run;
+};
+
+std::vector<PicOperation> everyPicOperation();
+
+inline void PrintTo(const PicOperation& operation, std::ostream* stream) {
+    *stream << operation.name;
+}

@@ -1,0 +1,254 @@
+#include "cloud/CkToFCloudBuilder.h"
+#include "view3d/3dMdiView.h"
+#include "view3d/CkToFBoundingBox.h"
+#include "view3d/CkToFCloudGeometry.h"
+#include "view3d/CkToFColorTable.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QSignalSpy>
+#include <Qt3DCore/QAttribute>
+#include <Qt3DCore/QBuffer>
+#include <Qt3DCore/QGeometry>
+#include <Qt3DRender/QGeometryRenderer>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <vector>
+
+using Qt3DCore::QAttribute;
+using Qt3DRender::QGeometryRenderer;
+
+namespace {
+
+QAttribute* attribute(const QGeometryRenderer& renderer, const char* name) {
+    return CkToF3DMdiView::getSceneAttribute(&renderer, QLatin1String(name));
+}
+
+template <typename T>
+std::vector<T> contents(const QAttribute* attribute) {
+    const QByteArray bytes = attribute->buffer()->data();
+    std::vector<T> values(size_t(bytes.size()) / sizeof(T));
+    std::memcpy(values.data(), bytes.constData(), values.size() * sizeof(T));
+    return values;
+}
+
+/// Clouds of grey pictures of one byte, all pixels drawn.
+class CloudMaker {
+public:
+    explicit CloudMaker(EkToFVertexLayout layout) : m_layout(layout) { m_colors.update(0); }
+    ~CloudMaker() { CkPicBufAPI::FreePicBuf(m_pictures.depthPic); }
+
+    const CkToFCloudBuilder& make(quint32 width, quint32 height, quint8 value) {
+        SkPicBuf& picture = m_pictures.depthPic;
+        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, 1, EkImageDataType::UInt8, 0, 0,
+                                                     8, EkDataStorageFormat::Interleaved,
+                                                     EkColorFilterArray::None, false, false, 0));
+        for (quint32 y = 0; y < height; ++y) {
+            std::memset(picture.row(y), value, width);
+        }
+        SkToFCloudParameters parameters;
+        parameters.pColourTable = m_colors.colors();
+        parameters.layout = m_layout;
+        EXPECT_TRUE(m_cloud.build(m_pictures, parameters));
+        return m_cloud;
+    }
+
+private:
+    EkToFVertexLayout m_layout;
+    CkToFColorTable m_colors;
+    SkToFDepthPictures m_pictures;
+    CkToFCloudBuilder m_cloud;
+};
+
+// ---- attributes by name
+// ------------------------------------------------------------------------------------
+
+TEST(CkToFSceneAttributeTest, ANameThatDiffersOnlyInLetterCaseIsNotFound) {
+    QGeometryRenderer renderer;
+    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F, false);
+    EXPECT_NE(attribute(renderer, "vertexPosition"), nullptr);
+    EXPECT_EQ(attribute(renderer, "vertexposition"), nullptr);
+    EXPECT_EQ(attribute(renderer, "VertexPosition"), nullptr);
+    EXPECT_EQ(attribute(renderer, "vertexColor"), nullptr);
+}
+
+TEST(CkToFSceneAttributeTest, NothingIsFoundWithoutRendererOrGeometry) {
+    const QGeometryRenderer renderer;
+    EXPECT_EQ(CkToF3DMdiView::getSceneAttribute(nullptr, QStringLiteral("vertexPosition")), nullptr);
+    EXPECT_EQ(attribute(renderer, "vertexPosition"), nullptr);
+}
+
+TEST(CkToFSceneAttributeTest, TheIndexBufferIsCalledSceneIndexBuffer) {
+    EXPECT_EQ(CkToF3DMdiView::indexBufferName(), QStringLiteral("sceneIndexBuffer"));
+}
+
+// ---- bounding box
+// ------------------------------------------------------------------------------------------
+
+TEST(CkToFBoundingBoxTest, CornersAndEdges) {
+    QGeometryRenderer renderer;
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
+
+    const QAttribute* positions = attribute(renderer, "vertexPosition");
+    ASSERT_NE(positions, nullptr);
+    const std::vector<float> corners = {-1.0F,  -0.75F, -0.5F, 1.0F,  -0.75F, -0.5F,  1.0F,  0.75F,
+                                        -0.5F,  -1.0F,  0.75F, -0.5F, -1.0F,  -0.75F, 0.5F,  1.0F,
+                                        -0.75F, 0.5F,   1.0F,  0.75F, 0.5F,   -1.0F,  0.75F, 0.5F};
+    EXPECT_EQ(contents<float>(positions), corners);
+    EXPECT_EQ(positions->vertexBaseType(), QAttribute::Float);
+    EXPECT_EQ(positions->vertexSize(), 3U);
+    EXPECT_EQ(positions->count(), 8U);
+    EXPECT_EQ(positions->byteOffset(), 0U);
+    EXPECT_EQ(positions->byteStride(), 0U);
+    EXPECT_EQ(positions->attributeType(), QAttribute::VertexAttribute);
+
+    const QAttribute* edges = attribute(renderer, "sceneIndexBuffer");
+    ASSERT_NE(edges, nullptr);
+    const std::vector<quint16> pairs = {0, 1, 1, 2, 2, 3, 3, 0, 4, 5, 5, 6,
+                                        6, 7, 7, 4, 0, 4, 1, 5, 2, 6, 3, 7};
+    EXPECT_EQ(contents<quint16>(edges), pairs);
+    EXPECT_EQ(edges->vertexBaseType(), QAttribute::UnsignedShort);
+    EXPECT_EQ(edges->vertexSize(), 1U);
+    EXPECT_EQ(edges->count(), 24U);
+    EXPECT_EQ(edges->attributeType(), QAttribute::IndexAttribute);
+
+    EXPECT_EQ(renderer.instanceCount(), 1);
+    EXPECT_EQ(renderer.primitiveType(), QGeometryRenderer::Lines);
+    EXPECT_EQ(renderer.vertexCount(), 24);
+}
+
+TEST(CkToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
+    for (const bool running : {false, true}) {
+        QGeometryRenderer renderer;
+        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, running);
+        const auto* geometry = renderer.geometry();
+        const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
+        const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
+        const QByteArray indices = indexBuffer->data();
+
+        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, running);
+        EXPECT_EQ(renderer.geometry(), geometry);
+        EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
+        EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
+        EXPECT_EQ(renderer.findChildren<Qt3DCore::QBuffer*>().size(), 2);
+        EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), vertexBuffer);
+        EXPECT_EQ(attribute(renderer, "sceneIndexBuffer")->buffer(), indexBuffer);
+        EXPECT_EQ(indexBuffer->data(), indices);
+        EXPECT_EQ(vertexBuffer->data().size(), 96);
+        EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.25F);
+    }
+}
+
+TEST(CkToFBoundingBoxTest, ZeroExtentsPutEveryCornerAtTheOrigin) {
+    QGeometryRenderer renderer;
+    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F, false);
+    for (const float coordinate : contents<float>(attribute(renderer, "vertexPosition"))) {
+        EXPECT_EQ(coordinate, 0.0F);
+    }
+}
+
+// ---- cloud
+// -------------------------------------------------------------------------------------------------
+
+TEST(CkToFCloudGeometryTest, PointsHaveOneVertexEachAndNoIndices) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(4, 3, 7), false);
+
+    const QAttribute* positions = attribute(renderer, "vertexPosition");
+    const QAttribute* colors = attribute(renderer, "vertexColor");
+    ASSERT_NE(positions, nullptr);
+    ASSERT_NE(colors, nullptr);
+    EXPECT_EQ(attribute(renderer, "sceneIndexBuffer"), nullptr);
+    for (const QAttribute* each : {positions, colors}) {
+        EXPECT_EQ(each->count(), 12U);
+        EXPECT_EQ(each->byteStride(), 24U);
+        EXPECT_EQ(each->vertexBaseType(), QAttribute::Float);
+        EXPECT_EQ(each->vertexSize(), 3U);
+        EXPECT_EQ(each->attributeType(), QAttribute::VertexAttribute);
+        EXPECT_EQ(each->buffer(), positions->buffer());
+    }
+    EXPECT_EQ(positions->byteOffset(), 0U);
+    EXPECT_EQ(colors->byteOffset(), 12U);
+    EXPECT_EQ(positions->buffer()->data().size(), 12 * 24);
+    EXPECT_EQ(renderer.primitiveType(), QGeometryRenderer::Points);
+    EXPECT_EQ(renderer.instanceCount(), 1);
+    EXPECT_EQ(renderer.vertexCount(), 12);
+}
+
+TEST(CkToFCloudGeometryTest, QuadsHaveFourVerticesAndSixIndicesEach) {
+    CloudMaker clouds(EkToFVertexLayout::Quads);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(2, 1, 7), false);
+
+    const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
+    ASSERT_NE(indices, nullptr);
+    EXPECT_EQ(indices->attributeType(), QAttribute::IndexAttribute);
+    EXPECT_EQ(indices->vertexBaseType(), QAttribute::UnsignedInt);
+    EXPECT_EQ(indices->vertexSize(), 1U);
+    EXPECT_EQ(indices->byteStride(), 0U);
+    EXPECT_EQ(indices->byteOffset(), 0U);
+    EXPECT_EQ(indices->count(), 12U);
+    const std::vector<quint32> expected = {0, 1, 2, 2, 3, 0, 4, 5, 6, 6, 7, 4};
+    EXPECT_EQ(contents<quint32>(indices), expected);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->count(), 8U);
+    EXPECT_EQ(renderer.primitiveType(), QGeometryRenderer::Triangles);
+    EXPECT_EQ(renderer.vertexCount(), 12);
+}
+
+TEST(CkToFCloudGeometryTest, TheSameCountIsUpdatedInPlaceOnceTheSceneRuns) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(4, 3, 0), true);
+    const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
+    const QAttribute* positions = attribute(renderer, "vertexPosition");
+    QSignalSpy countChanges(positions, &QAttribute::countChanged);
+
+    geometry.update(&renderer, clouds.make(4, 3, 255), true);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), buffer);
+    EXPECT_EQ(countChanges.count(), 0);
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], 1.0F);
+    // Qt keeps what was changed in place until the scene takes it up.
+    EXPECT_EQ(buffer->property("QT3D_updateData").toList().size(), 1);
+}
+
+TEST(CkToFCloudGeometryTest, NothingPilesUpBeforeTheSceneRuns) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    for (int i = 0; i < 10; ++i) {
+        geometry.update(&renderer, clouds.make(4, 3, quint8(10 * i)), false);
+    }
+    const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
+    EXPECT_TRUE(buffer->property("QT3D_updateData").toList().isEmpty());
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], float(90.0 / 255.0));
+}
+
+TEST(CkToFCloudGeometryTest, AnotherSizeReplacesTheBuffersContents) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(4, 3, 0), true);
+    geometry.update(&renderer, clouds.make(2, 2, 0), true);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->count(), 4U);
+    EXPECT_EQ(attribute(renderer, "vertexColor")->count(), 4U);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer()->data().size(), 4 * 24);
+    EXPECT_EQ(renderer.vertexCount(), 4);
+    EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
+}
+
+TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithEverySizeOfThePicture) {
+    CloudMaker clouds(EkToFVertexLayout::Quads);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(4, 3, 0), true);
+    geometry.update(&renderer, clouds.make(2, 2, 0), true);
+    const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
+    EXPECT_EQ(indices->count(), 24U);
+    EXPECT_EQ(contents<quint32>(indices).size(), 24U);
+    EXPECT_EQ(renderer.vertexCount(), 24);
+}
+
+} // namespace

@@ -1,0 +1,58 @@
+// On its own, as it replaces the allocation functions of the whole program.
+
+#include "ViewRig.h"
+#include "cloud/HeapWatch.h"
+
+#include "view3d/CkToFScene.h"
+#include <Qt3DCore/QAttribute>
+#include <Qt3DCore/QBuffer>
+
+namespace {
+
+constexpr size_t Small = 4096;
+constexpr int Width = 320;
+constexpr int Height = 240;
+
+class ToF3DViewMemoryTest : public ViewTest {};
+
+/// Pixels that are dropped differ from frame to frame, and so does their number if wanted.
+std::unique_ptr<CkImageData> frameNumber(int i, bool sameCount) {
+    return TestFrame::phase(
+        Width, Height,
+        [=](int x, int y) {
+            const bool dropped = y == i || (!sameCount && y < 10 * i);
+            return DepthPixel{1.0F + float((x + 7 * i) % 50) * 0.1F, dropped ? 99.0F : 0.1F};
+        },
+        quint64(i));
+}
+
+/// What the buffer of Qt 3D takes is as large as the vertices; everything else in a frame must be small.
+TEST_F(ToF3DViewMemoryTest, AFrameAllocatesNothingLargeBeyondWhatQtsBufferTakes) {
+    m_host.store(QStringLiteral("ToF.OptCompensateDistorsion"), true);
+    for (const bool sameCount : {true, false}) {
+        std::vector<std::unique_ptr<CkImageData>> frames;
+        for (int i = 0; i < 4; ++i) {
+            frames.push_back(frameNumber(i, sameCount));
+        }
+        const auto view = open();
+        show(*view, QSize(300, 260));
+        const auto bufferSize = size_t(Width) * Height * CkToFCloudBuilder::BytesPerVertex;
+        for (int i = 0; i < 32; ++i) {
+            const CkImageData* frame = frames[size_t(i % 4)].get();
+            {
+                const HeapWatch watch(bufferSize);
+                view->updateWithConnectedImageData(frame, false);
+                if (i >= 12) {
+                    EXPECT_LE(watch.largest(), Small) << "frame " << i;
+                    EXPECT_LE(watch.leftOut(), 2U) << "frame " << i;
+                }
+            }
+            // The scene takes the buffers up between frames.
+            letEventsHappen(20);
+        }
+        EXPECT_EQ(size_t(view->cloud().vertexBytes().size()), bufferSize);
+        EXPECT_GT(view->cloud().pointCount(), Width * Height / 2);
+    }
+}
+
+} // namespace

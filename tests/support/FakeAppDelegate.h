@@ -1,0 +1,91 @@
+#pragma once
+
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QHash>
+#include <QPointer>
+#include <QSettings>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+class CkMdiView;
+class QLayout;
+class QMenu;
+class QWidget;
+
+/// The application as tests see it: settings in a temporary file, views in a table, answers that a test sets
+/// and calls that it reads afterwards. Registers itself as the instance for as long as it lives.
+class FakeAppDelegate : public IkAppDelegate {
+public:
+    FakeAppDelegate();
+    ~FakeAppDelegate() override;
+
+    // ---- what tests set ------------------------------------------------------------------------------
+
+    /// Makes a view known under its identifier; the view stays the test's. Deleted views drop out by
+    /// themselves.
+    void registerView(CkMdiView* pView);
+    void unregisterView(int iViewId);
+
+    QPointer<QWidget> window;         ///< answer of mainWindow
+    bool provideMenus = true;         ///< false: mainMenu answers null
+    int activeView = -1;              ///< answer of activeViewId; changed by setActiveView
+    QHash<int, void*> viewCameras;    ///< cameraHandleOfView; without an entry the view's first camera
+    QList<void*> camerasWithoutPanel; ///< addCameraPanelLayout answers false
+    bool acquisitionSucceeds = true;  ///< answer of startAcquisition
+    bool closingSucceeds = true;      ///< answer of closeView for known views, which it then deletes
+    /// Behind openImageView. Default: a plain CkMdiView on the block, registered and owned by the delegate.
+    std::function<CkMdiView*(CkChainable*)> makeImageView;
+    bool provideLuts = true; ///< false: createLut answers null
+    QString directory;       ///< answer of lastDirectory; changed by setLastDirectory
+    std::function<void(int, quint64)> onStartAcquisition; ///< called inside startAcquisition
+
+    // ---- what tests read -----------------------------------------------------------------------------
+
+    /// "setActiveView 3", "startAcquisition 1 0", "leaveFullScreen", ... in order of the calls. Questions
+    /// (settings, mainWindow, mdiView, ...) are not recorded.
+    QStringList calls;
+    int settingsHandedOut = 0;
+    /// Settings objects handed out and not deleted yet.
+    int settingsAlive() const { return *m_settingsAlive; }
+    QString settingsFile() const;
+    /// The stored value as a new reader sees it; invalid when there is none.
+    QVariant stored(const QString& sKey) const;
+    void store(const QString& sKey, const QVariant& value);
+    /// Views that came through addMdiView, newest last.
+    QList<QPointer<CkMdiView>> addedViews;
+    /// Widgets that took over the layouts of addCameraPanelLayout, by camera.
+    QHash<void*, QWidget*> cameraPanels;
+
+    // ---- IkAppDelegate -------------------------------------------------------------------------------
+
+    QSettings* settings() override;
+    QWidget* mainWindow() override;
+    QMenu* mainMenu(int iMenuId) override;
+    void leaveFullScreen() override;
+    int activeViewId() override;
+    void setActiveView(int iViewId) override;
+    CkMdiView* mdiView(int iViewId) override;
+    void addMdiView(CkMdiView* pView) override;
+    int openImageView(CkChainable* pBlock) override;
+    bool closeView(int iViewId) override;
+    void refreshViewArea() override;
+    void* cameraHandleOfView(int iViewId) override;
+    bool addCameraPanelLayout(void* pCameraHandle, CkCameraParameters* pParameters, QLayout* pLayout,
+                              int iFlag) override;
+    bool startAcquisition(int iStart, quint64 uiCameraHandle) override;
+    CkLut* createLut(const SkPicBufInfo& info, const QList<void*>& cameraHandles) override;
+    void refreshLutControls() override;
+    void viewLutChanged(CkMdiView* pView) override;
+    QString lastDirectory() override;
+    void setLastDirectory(const QString& sDirectory) override;
+
+private:
+    QTemporaryDir m_folder;
+    std::shared_ptr<int> m_settingsAlive = std::make_shared<int>(0);
+    QHash<int, QPointer<CkMdiView>> m_views;
+    QList<QPointer<CkMdiView>> m_ownViews;
+    QHash<int, QMenu*> m_menus;
+};

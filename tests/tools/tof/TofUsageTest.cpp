@@ -1,0 +1,137 @@
+#include "tofFixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QRegularExpression>
+
+namespace {
+
+class TofUsageTest : public TofFixture {};
+
+const char* const commands[] = {"info", "record", "process", "cloud", "image"};
+
+} // namespace
+
+TEST_F(TofUsageTest, HelpOfEachCommandShowsExamples) {
+    const SkRun overview = tof("--help");
+    EXPECT_EQ(overview.code, 0);
+    for (const char* command : commands) {
+        EXPECT_TRUE(overview.out.contains(QLatin1String("\n  ") + QLatin1String(command))) << command;
+        const SkRun run = runIn(m_folder.path(), {QString::fromLatin1(command), QStringLiteral("--help")});
+        EXPECT_EQ(run.code, 0);
+        EXPECT_TRUE(run.out.startsWith(QStringLiteral("Usage: tof %1 ").arg(QLatin1String(command))))
+            << command;
+        EXPECT_TRUE(run.out.contains(QStringLiteral("\nExamples:\n  tof %1 ").arg(QLatin1String(command))))
+            << command;
+        EXPECT_TRUE(run.err.isEmpty());
+    }
+    EXPECT_EQ(tof("--version").out, QStringLiteral("tof 1.0.0\n"));
+}
+
+TEST_F(TofUsageTest, ManualAndCompletionKnowEveryOption) {
+    const auto source = [](const char* name) {
+        QFile file(QStringLiteral(TOF_SOURCES "/") + QLatin1String(name));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    };
+    const QString manual = source("tof.1").replace(QLatin1String("\\-"), QLatin1String("-"));
+    const QString completion = source("tof.bash");
+    int options = 0;
+    for (const char* command : commands) {
+        const SkRun run = runIn(m_folder.path(), {QString::fromLatin1(command), QStringLiteral("--help")});
+        const QRegularExpression option(QStringLiteral("^  (--[a-z0-9-]+)"),
+                                        QRegularExpression::MultilineOption);
+        for (const QRegularExpressionMatch& match : option.globalMatch(run.out)) {
+            const QRegularExpression whole(match.captured(1) + QStringLiteral("(?![a-z0-9-])"));
+            EXPECT_TRUE(manual.contains(whole)) << qPrintable(match.captured(1));
+            EXPECT_TRUE(completion.contains(whole)) << qPrintable(match.captured(1));
+            ++options;
+        }
+    }
+    EXPECT_EQ(options, 3 + 5 + 2 + 15 + 5);
+}
+
+TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
+    recordFloats("a.tif", {{1, 2}}, {});
+    for (const char* line : {"",
+                             "dance",
+                             "info",
+                             "info a.tif b.tif",
+                             "info --dance a.tif",
+                             "process a.tif b.tif",
+                             "process --transform dance a.tif b.tif",
+                             "process --transform depth a.tif",
+                             "record --frames 0 b.tif",
+                             "record --frames many b.tif",
+                             "record --camera none b.tif",
+                             "record --set speed=1 b.tif",
+                             "record --set framerate b.tif",
+                             "record --set framerate=fast b.tif",
+                             "cloud --frame -1 a.tif b.ply",
+                             "cloud --focal-length 0 a.tif b.ply",
+                             "cloud --confidence nan a.tif b.ply",
+                             "cloud --center-offset 1 a.tif b.ply",
+                             "cloud --lens --no-lens a.tif b.ply",
+                             "cloud --settings-file none.ini a.tif b.ply",
+                             "image --map Dance a.tif b.png",
+                             "image --format jpeg a.tif b.png",
+                             "image --range 1 a.tif b.png",
+                             "image --channel x a.tif b.png"}) {
+        const SkRun run = tof(line);
+        EXPECT_EQ(run.code, 2) << line;
+        EXPECT_TRUE(run.err.startsWith(QLatin1String("tof: "))) << line;
+        EXPECT_TRUE(run.out.isEmpty()) << line;
+    }
+    EXPECT_FALSE(QFile::exists(path("b.tif")));
+}
+
+TEST_F(TofUsageTest, InputsThatCannotBeReadAreCode3) {
+    setContents("text.tif", "no picture");
+    for (const char* line : {"info text.tif", "info none.tif", "process --transform depth text.tif b.tif",
+                             "cloud text.tif b.ply", "image text.tif b.png"}) {
+        const SkRun run = tof(line);
+        EXPECT_EQ(run.code, 3) << line;
+        EXPECT_TRUE(run.err.contains(QLatin1String(".tif"))) << line;
+    }
+}
+
+TEST_F(TofUsageTest, OutputsThatCannotBeWrittenAreCode5) {
+    recordTaps("a.tif", 1);
+    for (const char* line :
+         {"process --transform depth a.tif no/b.tif", "cloud a.tif no/b.ply", "image a.tif no/b.png",
+          "image --format tiff a.tif no/b.tif", "record --frames 1 no/b.tif"}) {
+        const SkRun run = tof(line);
+        EXPECT_EQ(run.code, 5) << line;
+        EXPECT_TRUE(run.err.contains(QLatin1String("no/b"))) << line;
+    }
+}
+
+TEST_F(TofUsageTest, TheInputIsNeverOverwritten) {
+    recordTaps("a.tif", 1);
+    const QByteArray before = contents("a.tif");
+    ASSERT_TRUE(QFile::link(path("a.tif"), path("link.tif")));
+    EXPECT_EQ(tof("process --transform depth a.tif ./a.tif").code, 2);
+    EXPECT_EQ(tof("process --transform depth a.tif link.tif").code, 2);
+    EXPECT_EQ(tof("image --format tiff a.tif a.tif").code, 2);
+    EXPECT_NE(tof("cloud --frame 0 a.tif a.tif").code, 0);
+    EXPECT_EQ(contents("a.tif"), before);
+}
+
+TEST_F(TofUsageTest, InfoShowsWhatIsInARecording) {
+    recordTaps("a.tif", 3);
+    const SkRun text = tof("info a.tif");
+    EXPECT_EQ(text.code, 0);
+    EXPECT_TRUE(text.out.contains(QLatin1String("Frames:       3\n")));
+    EXPECT_TRUE(
+        text.out.contains(QLatin1String("20 x 480, 2 channel(s), unsigned 16 bit, 12 significant bits")));
+    EXPECT_EQ(tof("info --chain a.tif").out, QStringLiteral("<chain/>\n"));
+
+    const SkRun json = tof("info --json --frames a.tif");
+    const QJsonObject root = QJsonDocument::fromJson(json.out.toUtf8()).object();
+    EXPECT_EQ(root["frameCount"].toInt(), 3);
+    ASSERT_EQ(root["frames"].toArray().size(), 3);
+    EXPECT_EQ(root["frames"][2]["metadata"]["frameNumber"].toInt(), 2);
+    EXPECT_EQ(root["frames"][2]["room"].toInt(), 2);
+
+    recordFloats("b.tif", {{1}}, {});
+    EXPECT_EQ(tof("info --chain b.tif").code, 6);
+}

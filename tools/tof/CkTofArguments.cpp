@@ -1,0 +1,104 @@
+#include "tof/CkTofArguments.h"
+
+#include "tof/CkTofConsole.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+CkTofArguments::CkTofArguments(const QString& sUsage, const QString& sDescription,
+                               const QStringList& examples)
+    : m_sUsage(sUsage), m_examples(examples) {
+    m_parser.setApplicationDescription(sDescription);
+    m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this help.")});
+}
+
+void CkTofArguments::addFlag(const QString& sName, const QString& sDescription) {
+    m_parser.addOption({sName, sDescription});
+}
+
+void CkTofArguments::addValue(const QString& sName, const QString& sValue, const QString& sDescription) {
+    m_parser.addOption({sName, sDescription, sValue});
+}
+
+void CkTofArguments::addArgument(const QString& sName, const QString& sDescription) {
+    m_parser.addPositionalArgument(sName, sDescription);
+    ++m_iArguments;
+}
+
+std::optional<int> CkTofArguments::parse(const QStringList& arguments) {
+    const QString hint =
+        QStringLiteral("See \"tof %1 --help\".").arg(m_sUsage.section(QLatin1Char(' '), 0, 0));
+    if (!m_parser.parse(arguments)) {
+        CkTofConsole::error(m_parser.errorText() + QLatin1Char(' ') + hint);
+        return TofUsage;
+    }
+    if (m_parser.isSet(QStringLiteral("help"))) {
+        // The parser's own first line names the program with its folder and no command.
+        const QString body = m_parser.helpText().section(QLatin1Char('\n'), 1).trimmed();
+        CkTofConsole::print(QStringLiteral("Usage: tof %1\n%2\n\nExamples:\n  %3")
+                                .arg(m_sUsage, body, m_examples.join(QStringLiteral("\n  "))));
+        return TofSuccess;
+    }
+    const qsizetype given = m_parser.positionalArguments().size();
+    if (given != m_iArguments) {
+        CkTofConsole::error((given < m_iArguments ? QStringLiteral("Something is missing: tof %1. ")
+                                                  : QStringLiteral("There is too much: tof %1. "))
+                                .arg(m_sUsage) +
+                            hint);
+        return TofUsage;
+    }
+    return std::nullopt;
+}
+
+bool CkTofArguments::readNumber(const QString& sName, double fMinimum, double& fValue) const {
+    if (!has(sName)) {
+        return true;
+    }
+    bool ok = false;
+    const double number = QLocale::c().toDouble(value(sName), &ok);
+    if (!ok || !std::isfinite(number) || number < fMinimum) {
+        CkTofConsole::error(
+            QStringLiteral("--%1 wants a number%2, not \"%3\".")
+                .arg(sName,
+                     std::isfinite(fMinimum) ? QStringLiteral(" of at least %1").arg(fMinimum) : QString(),
+                     value(sName)));
+        return false;
+    }
+    fValue = number;
+    return true;
+}
+
+bool CkTofArguments::readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const {
+    if (!has(sName)) {
+        return true;
+    }
+    bool ok = false;
+    const qint64 number = value(sName).toLongLong(&ok);
+    if (!ok || number < iMinimum) {
+        CkTofConsole::error(QStringLiteral("--%1 wants a whole number of at least %2, not \"%3\".")
+                                .arg(sName, QString::number(iMinimum), value(sName)));
+        return false;
+    }
+    iValue = number;
+    return true;
+}
+
+bool CkTofArguments::readPair(const QString& sName, double& fFirst, double& fSecond) const {
+    if (!has(sName)) {
+        return true;
+    }
+    const QStringList parts = value(sName).split(QLatin1Char(','));
+    bool first = false;
+    bool second = false;
+    const double a = QLocale::c().toDouble(parts.value(0), &first);
+    const double b = QLocale::c().toDouble(parts.value(1), &second);
+    if (parts.size() != 2 || !first || !second || !std::isfinite(a) || !std::isfinite(b)) {
+        CkTofConsole::error(QStringLiteral("--%1 wants two numbers with a comma between, not \"%2\".")
+                                .arg(sName, value(sName)));
+        return false;
+    }
+    fFirst = a;
+    fSecond = b;
+    return true;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <optional>
+
+/// Options and arguments of one command. What is wrong with them goes to the standard error.
+class CkTofArguments {
+public:
+    /// sUsage: the line behind "Usage: tof "; sExamples: one command a line.
+    CkTofArguments(const QString& sUsage, const QString& sDescription, const QStringList& examples);
+
+    void addFlag(const QString& sName, const QString& sDescription);
+    void addValue(const QString& sName, const QString& sValue, const QString& sDescription);
+    void addArgument(const QString& sName, const QString& sDescription);
+
+    /// What to exit with at once (help was shown or something is wrong), or nothing when the command may run.
+    std::optional<int> parse(const QStringList& arguments);
+
+    bool has(const QString& sName) const { return m_parser.isSet(sName); }
+    QString value(const QString& sName) const { return m_parser.value(sName); }
+    QStringList values(const QString& sName) const { return m_parser.values(sName); }
+    QString argument(int iIndex) const { return m_parser.positionalArguments().value(iIndex); }
+
+    /// Leaves value alone when the option was not given. False, with a message, when it is no finite number
+    /// of at least fMinimum, or a list of another length.
+    bool readNumber(const QString& sName, double fMinimum, double& fValue) const;
+    bool readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const;
+    bool readPair(const QString& sName, double& fFirst, double& fSecond) const;
+
+private:
+    QCommandLineParser m_parser;
+    QString m_sUsage;
+    QStringList m_examples;
+    int m_iArguments = 0;
+};

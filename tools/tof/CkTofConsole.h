@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+/// Exit codes of the program; part of its interface.
+enum EkTofExit : int {
+    TofSuccess = 0,
+    TofUsage = 2,        ///< wrong options or arguments
+    TofInput = 3,        ///< the input cannot be read at all
+    TofDamaged = 4,      ///< parts of the input cannot be read; the rest was worked on
+    TofOutput = 5,       ///< the output cannot be written
+    TofNotApplicable = 6 ///< the command makes nothing of this input
+};
+
+/// Where results, errors and progress go. Results to the standard output, the others to the standard error;
+/// progress only where a person watches. One thread.
+class CkTofConsole {
+public:
+    static void print(const QString& sText);
+    static void error(const QString& sText);
+
+    /// Shows a bar while it lives, unless the standard error is no terminal.
+    class CkProgress {
+    public:
+        explicit CkProgress(const QString& sTask);
+        ~CkProgress();
+        CkProgress(const CkProgress&) = delete;
+        CkProgress& operator=(const CkProgress&) = delete;
+        void show(qint64 iDone, qint64 iTotal);
+
+    private:
+        QString m_sTask;
+        bool m_bTerminal;
+        int m_iShown = -1; ///< per cent
+    };
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "chain/CkToFFrameProcessor.h"
+#include "chain/CkToFPhaseCollector.h"
+#include "chain/CkToFSectionReference.h"
+
+#include <QString>
+
+#include <memory>
+
+class CkImageData;
+
+/// Applies one ToF transform to the frames of a group, as the processing block of a chain does. One thread at
+/// a time; one object a group.
+class CkTofPipeline {
+public:
+    /// iTransform: a ToFTransform::EkTransformType.
+    explicit CkTofPipeline(int iTransform) : m_iTransform(iTransform) {}
+
+    enum class EkResult {
+        Frame,     ///< a frame came out
+        Waiting,   ///< the set is not complete yet
+        Impossible ///< the transform makes nothing of this frame
+    };
+    /// sReason is set when nothing can come out.
+    EkResult process(const CkImageData& data, std::unique_ptr<CkImageData>& result, QString& sReason);
+
+private:
+    void prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
+    bool gather(const CkImageMetadata& metadata, SkToFFrame& frame);
+    bool hasAllAngles(QString& sReason) const;
+
+    int m_iTransform;
+    bool m_bPrepared = false;
+    SkPicBufInfo m_prepared;
+    CkToFPhaseCollector m_collector;
+    CkToFSectionReference m_reference;
+    CkToFFrameProcessor m_processor;
+};

@@ -1,0 +1,307 @@
+#include "chain/EkTransformType.h"
+#include "cloud/CkToFCloudBuilder.h"
+#include "cloud/CkToFDepthFrame.h"
+#include "cloud/CkToFPlyText.h"
+#include "tof/CkTofArguments.h"
+#include "tof/CkTofInput.h"
+#include "tof/CkTofPipeline.h"
+#include "tof/TofCommands.h"
+#include "tof/TofInOrder.h"
+
+#include "view3d/CkToFViewSettings.h"
+#include "zuCore/CkImageData.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QSettings>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// What the options make of a cloud.
+struct SkCloudOptions {
+    SkToFOpticalPath path;
+    double zoom = 1.0;
+    qint64 maxWidth = 640;
+    bool frequencyGiven = false; ///< an option wins over what the camera says
+    bool focalLengthGiven = false;
+};
+
+bool readSettings(const CkTofArguments& options, SkToFOpticalPath& path) {
+    const QString file = options.value(QStringLiteral("settings-file"));
+    if (!file.isEmpty() && !QFileInfo(file).isReadable()) {
+        CkTofConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
+        return false;
+    }
+    const std::unique_ptr<QSettings> settings =
+        file.isEmpty() ? std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                                     QStringLiteral("Orvane"), QStringLiteral("zuviewer"))
+                       : std::make_unique<QSettings>(file, QSettings::IniFormat);
+    namespace Key = ToFSettingsKey;
+    const auto number = [&settings](const char* key, float& value) {
+        bool ok = false;
+        const float read = settings->value(QLatin1String(key)).toFloat(&ok);
+        value = ok && std::isfinite(read) ? read : value;
+    };
+    const auto flag = [&settings](const char* key, bool& value) {
+        const QString text = settings->value(QLatin1String(key)).toString().trimmed().toLower();
+        if (text == QLatin1String("true") || text == QLatin1String("1")) {
+            value = true;
+        } else if (text == QLatin1String("false") || text == QLatin1String("0")) {
+            value = false;
+        }
+    };
+    flag(Key::CompensateDistortion, path.compensateDistortion);
+    flag(Key::OrthoRadialCorrection, path.orthoRadialCorrection);
+    number(Key::LensFocalLengthMM, path.lensFocalLengthMM);
+    number(Key::ChipCellSizeMM, path.chipCellSizeMM);
+    number(Key::ModulationFreqMHz, path.modulationFreqMHz);
+    number(Key::ConfidenceThreshold, path.confidenceThreshold);
+    number(Key::RealDistanceOffsetM, path.realDistanceOffsetM);
+    const QVariant offset = settings->value(QLatin1String(Key::CenterOffsetMM));
+    if (offset.typeId() == QMetaType::QPointF) {
+        const QPointF point = offset.toPointF();
+        path.centerOffsetMM =
+            std::isfinite(point.x()) && std::isfinite(point.y()) ? point : path.centerOffsetMM;
+    }
+    return true;
+}
+
+bool readOptions(const CkTofArguments& options, SkCloudOptions& cloud) {
+    SkToFOpticalPath& path = cloud.path;
+    const bool settings =
+        options.has(QStringLiteral("from-settings")) || options.has(QStringLiteral("settings-file"));
+    if (settings && !readSettings(options, path)) {
+        return false;
+    }
+    const struct {
+        const char* on;
+        const char* off;
+        bool* value;
+    } flags[] = {{"lens", "no-lens", &path.compensateDistortion},
+                 {"ortho", "no-ortho", &path.orthoRadialCorrection}};
+    for (const auto& flag : flags) {
+        const bool on = options.has(QLatin1String(flag.on));
+        const bool off = options.has(QLatin1String(flag.off));
+        if (on && off) {
+            CkTofConsole::error(QStringLiteral("--%1 and --%2 exclude each other.")
+                                    .arg(QLatin1String(flag.on), QLatin1String(flag.off)));
+            return false;
+        }
+        *flag.value = on || (*flag.value && !off);
+    }
+    // Smallest float above 0: lengths, frequencies and thresholds of 0 mean nothing.
+    const double above0 = double(std::numeric_limits<float>::min());
+    const double any = -std::numeric_limits<double>::infinity();
+    const struct {
+        const char* name;
+        double minimum;
+        float* value;
+    } numbers[] = {{"focal-length", above0, &path.lensFocalLengthMM},
+                   {"cell-size", above0, &path.chipCellSizeMM},
+                   {"frequency", above0, &path.modulationFreqMHz},
+                   {"confidence", above0, &path.confidenceThreshold},
+                   {"offset", any, &path.realDistanceOffsetM}};
+    for (const auto& number : numbers) {
+        double value = double(*number.value);
+        if (!options.readNumber(QLatin1String(number.name), number.minimum, value)) {
+            return false;
+        }
+        if (options.has(QLatin1String(number.name))) {
+            *number.value = float(value);
+        }
+    }
+    cloud.frequencyGiven = options.has(QStringLiteral("frequency"));
+    cloud.focalLengthGiven = options.has(QStringLiteral("focal-length"));
+    double x = path.centerOffsetMM.x();
+    double y = path.centerOffsetMM.y();
+    if (!options.readPair(QStringLiteral("center-offset"), x, y)) {
+        return false;
+    }
+    path.centerOffsetMM = QPointF(x, y);
+    return options.readNumber(QStringLiteral("z-zoom"), above0, cloud.zoom) &&
+           options.readNumber(QStringLiteral("max-width"), 1, cloud.maxWidth);
+}
+
+struct SkClouds {
+    std::vector<QByteArray> texts;
+    QStringList errors;
+};
+
+/// The points of a picture as text; empty when it gives none.
+QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const quint8* colours) {
+    CkToFDepthFrame depth;
+    const int width = int(std::min<qint64>(cloud.maxWidth, std::numeric_limits<int>::max()));
+    if (!depth.update(data.picBuf(), &data.metadata(), width)) {
+        return {};
+    }
+    SkToFCloudParameters parameters;
+    parameters.opticalPath = cloud.path;
+    parameters.opticalPath.takeOverCameraValues(data.metadata());
+    if (cloud.frequencyGiven) {
+        parameters.opticalPath.modulationFreqMHz = cloud.path.modulationFreqMHz;
+    }
+    if (cloud.focalLengthGiven) {
+        parameters.opticalPath.lensFocalLengthMM = cloud.path.lensFocalLengthMM;
+    }
+    parameters.zZoom = float(cloud.zoom);
+    parameters.pColourTable = colours;
+    CkToFCloudBuilder builder;
+    if (!builder.build(depth.pictures(), parameters)) {
+        return {};
+    }
+    return buildPlyText(builder.exportPoints());
+}
+
+SkClouds groupClouds(const CkRecordingReader& reader, const SkTofGroup& group, const SkCloudOptions& cloud,
+                     const quint8* colours) {
+    SkClouds done;
+    CkTofPipeline gathering(ToFTransform::Depth);
+    for (qint64 page = group.first; page < group.first + group.count; ++page) {
+        QString error;
+        std::unique_ptr<CkImageData> data = reader.read(page, &error);
+        if (!error.isEmpty()) {
+            done.errors.append(error);
+        }
+        if (data == nullptr) {
+            continue;
+        }
+        QString reason;
+        if (CkToFPicAPI::incomingSeparatePhases(&data->metadata())) {
+            std::unique_ptr<CkImageData> depth;
+            const auto result = gathering.process(*data, depth, reason);
+            if (result == CkTofPipeline::EkResult::Waiting) {
+                continue;
+            }
+            data = std::move(depth);
+        }
+        const QByteArray text = data != nullptr ? cloudText(*data, cloud, colours) : QByteArray();
+        if (text.isEmpty()) {
+            done.errors.append(QStringLiteral("\"%1\", page %2: %3")
+                                   .arg(reader.fileName())
+                                   .arg(page + 1)
+                                   .arg(reason.isEmpty()
+                                            ? QStringLiteral("No cloud can be made of this picture.")
+                                            : reason));
+        } else {
+            done.texts.push_back(text);
+        }
+    }
+    return done;
+}
+
+/// False, after saying why, when the file cannot be written; it is then as it was.
+bool writeFile(const QString& name, const QByteArray& text) {
+    QSaveFile file(name);
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
+        return true;
+    }
+    CkTofConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
+    return false;
+}
+
+/// room.ply, 7 -> room-00007.ply
+QString numbered(const QString& name, qint64 number) {
+    const QFileInfo info(name);
+    const QString suffix = info.suffix().isEmpty() ? QString() : QLatin1Char('.') + info.suffix();
+    const QString base = name.left(name.size() - suffix.size());
+    return QStringLiteral("%1-%2%3").arg(base).arg(number, 5, 10, QLatin1Char('0')).arg(suffix);
+}
+
+void addOptions(CkTofArguments& options) {
+    const auto value = [&options](const char* name, const char* what, const char* about) {
+        options.addValue(QLatin1String(name), QLatin1String(what), QLatin1String(about));
+    };
+    const auto flag = [&options](const char* name, const char* about) {
+        options.addFlag(QLatin1String(name), QLatin1String(about));
+    };
+    value("frame", "N",
+          "Only this frame or set, counted from 0, into the file named. Without it every one is written "
+          "into a file with its number: room-00000.ply.");
+    flag("from-settings", "Starts from the settings of the viewer.");
+    value("settings-file", "FILE", "The same from another settings file.");
+    flag("lens", "Uses the lens model: points in millimetres.");
+    flag("no-lens", "No lens model: points in units of the picture's half width (the default).");
+    value("focal-length", "MM", "Focal length in mm; otherwise what the camera says, or 3.5.");
+    value("cell-size", "MM", "Pitch of a sensor cell in mm; 0.01 by default.");
+    value("center-offset", "X,Y",
+          "Optical axis from the picture's centre in mm on the chip; 0,0 by default.");
+    value("frequency", "MHZ", "Modulation frequency in MHz; otherwise what the camera says, or 30.");
+    value("confidence", "VALUE",
+          "Drops pixels of a higher confidence value (lower is better); 10 by default.");
+    value("offset", "M", "Metres added to every distance; -1.5 by default.");
+    flag("ortho", "Corrects distances along the ray to distances along the axis (the default).");
+    flag("no-ortho", "Leaves distances along the ray.");
+    value("z-zoom", "FACTOR", "Stretches the depth axis of clouds without lens model; 1 by default.");
+    value("max-width", "PIXELS", "Shrinks pictures that are no ToF pictures to this width; 640 by default.");
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
+    options.addArgument(QStringLiteral("CLOUD"), QStringLiteral("PLY file to write."));
+}
+
+} // namespace
+
+int tofCloud(const QStringList& arguments) {
+    CkTofArguments options(
+        QStringLiteral("cloud [options] RECORDING CLOUD"),
+        QStringLiteral("Makes point clouds (ASCII PLY) of raw ToF, phase shift and depth pictures."),
+        {QStringLiteral("tof cloud --lens --offset 0 --frame 0 room.tif room.ply"),
+         QStringLiteral("tof cloud --from-settings room.tif clouds/room.ply"),
+         QStringLiteral("tof cloud --lens --focal-length 4 --cell-size 0.01 "
+                        "--center-offset 0.1,-0.05 depth.tif depth.ply")});
+    addOptions(options);
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    SkCloudOptions cloud;
+    qint64 wanted = -1;
+    if (!readOptions(options, cloud) || !options.readNumber(QStringLiteral("frame"), 0, wanted)) {
+        return TofUsage;
+    }
+    CkTofInput input;
+    if (!input.open(options.argument(0))) {
+        return TofInput;
+    }
+    std::vector<SkTofGroup> groups = input.groups();
+    if (wanted >= qint64(groups.size())) {
+        CkTofConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                                .arg(wanted)
+                                .arg(input.reader().fileName())
+                                .arg(groups.size()));
+        return TofNotApplicable;
+    }
+    if (wanted >= 0) {
+        groups = {groups[size_t(wanted)]};
+    }
+    // Colours do not reach the file; the builder wants a table all the same.
+    const std::vector<quint8> colours(size_t(256) * 4, 255);
+    bool writes = true;
+    qint64 number = 0;
+    {
+        CkTofConsole::CkProgress progress(QStringLiteral("Clouds"));
+        inOrder(
+            qint64(groups.size()),
+            [&](qint64 i) { return groupClouds(input.reader(), groups[size_t(i)], cloud, colours.data()); },
+            [&](qint64 i, SkClouds&& done) {
+                for (const QString& error : std::as_const(done.errors)) {
+                    input.complain(error);
+                }
+                for (const QByteArray& text : done.texts) {
+                    const QString name = wanted >= 0 ? options.argument(1) : numbered(options.argument(1), i);
+                    writes = writes && !input.isInput(name) && writeFile(name, text);
+                    ++number;
+                }
+                progress.show(i + 1, qint64(groups.size()));
+                return writes;
+            });
+    }
+    if (!writes) {
+        return TofOutput;
+    }
+    if (number == 0) {
+        CkTofConsole::error(QStringLiteral("No cloud came out; nothing was written."));
+        return TofNotApplicable;
+    }
+    return input.exitCode();
+}

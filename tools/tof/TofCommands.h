@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QStringList>
+
+// The commands. The first argument is the command's name; each answers the exit code.
+
+int tofInfo(const QStringList& arguments);
+int tofRecord(const QStringList& arguments);
+int tofProcess(const QStringList& arguments);
+int tofCloud(const QStringList& arguments);
+int tofImage(const QStringList& arguments);

@@ -1,0 +1,139 @@
+#include "tof/CkTofArguments.h"
+#include "tof/CkTofInput.h"
+#include "tof/TofCommands.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+QString typeName(EkImageDataType dataType) {
+    switch (dataType) {
+    case EkImageDataType::Int8:
+        return QStringLiteral("signed 8 bit");
+    case EkImageDataType::UInt8:
+        return QStringLiteral("unsigned 8 bit");
+    case EkImageDataType::Int16:
+        return QStringLiteral("signed 16 bit");
+    case EkImageDataType::UInt16:
+        return QStringLiteral("unsigned 16 bit");
+    case EkImageDataType::Int32:
+        return QStringLiteral("signed 32 bit");
+    case EkImageDataType::UInt32:
+        return QStringLiteral("unsigned 32 bit");
+    case EkImageDataType::Int64:
+        return QStringLiteral("signed 64 bit");
+    case EkImageDataType::UInt64:
+        return QStringLiteral("unsigned 64 bit");
+    case EkImageDataType::Float32:
+        return QStringLiteral("float 32 bit");
+    case EkImageDataType::Float64:
+        return QStringLiteral("float 64 bit");
+    default:
+        return QStringLiteral("unknown");
+    }
+}
+
+void printJson(const CkRecordingReader& reader, bool bEachFrame, CkTofInput& input) {
+    QJsonArray frames;
+    const qint64 count = bEachFrame ? reader.frameCount() : 1;
+    for (qint64 page = 0; page < count; ++page) {
+        SkFrameDescription description;
+        QString error;
+        if (reader.describe(page, description, &error)) {
+            // What the file says, completed for files of others.
+            frames.append(QJsonDocument::fromJson(description.toText()).object());
+        } else {
+            frames.append(QJsonValue::Null);
+            input.complain(error);
+        }
+    }
+    const SkRecordingInfo& info = reader.recordingInfo();
+    const QJsonObject root{{QStringLiteral("file"), reader.fileName()},
+                           {QStringLiteral("bytes"), qint64(reader.byteCount())},
+                           {QStringLiteral("frameCount"), reader.frameCount()},
+                           {QStringLiteral("software"), info.software},
+                           {QStringLiteral("damage"), reader.damage()},
+                           {QStringLiteral("frames"), frames}};
+    CkTofConsole::print(QString::fromUtf8(QJsonDocument(root).toJson()).trimmed());
+}
+
+void printText(const CkRecordingReader& reader, CkTofInput& input) {
+    const auto line = [](const char* name, const QString& value) {
+        if (!value.isEmpty()) {
+            CkTofConsole::print(QLatin1String(name).toString().leftJustified(14) + value);
+        }
+    };
+    line("File:", reader.fileName());
+    line("Size:", QStringLiteral("%1 bytes").arg(reader.byteCount()));
+    line("Frames:", QString::number(reader.frameCount()));
+    line("Written by:", reader.recordingInfo().software);
+    SkFrameDescription first;
+    QString error;
+    if (!reader.describe(0, first, &error)) {
+        input.complain(error);
+        return;
+    }
+    const SkPicBufInfo& info = first.info;
+    const CkImageMetadata& metadata = first.metadata;
+    line("Pictures:", QStringLiteral("%1 x %2, %3 channel(s), %4, %5 significant bits")
+                          .arg(info.width)
+                          .arg(info.height)
+                          .arg(info.channels)
+                          .arg(typeName(info.dataType))
+                          .arg(info.bitsPerChannel));
+    line("Channels:", metadata.channelNames.join(QStringLiteral(", ")));
+    line("Camera:", QStringLiteral("%1 %2").arg(metadata.cameraName, metadata.cameraSerial).trimmed());
+    if (metadata.modulationFrequency > 0) {
+        line("Modulation:", QStringLiteral("%1 MHz").arg(double(metadata.modulationFrequency)));
+    }
+    if (metadata.phasesCount > 0) {
+        line("Phases:", QStringLiteral("%1 in a picture").arg(metadata.phasesCount));
+    }
+    if (metadata.phaseSequenceLength > 0) {
+        line("Sequence:", QStringLiteral("%1 pictures a set").arg(metadata.phaseSequenceLength));
+    }
+    if (metadata.frameRate > 0) {
+        line("Frame rate:", QStringLiteral("%1 sets per second").arg(double(metadata.frameRate)));
+    }
+    SkFrameDescription last;
+    if (reader.describe(reader.frameCount() - 1, last, nullptr)) {
+        const qint64 ns = last.additionalData.timestampNs - first.additionalData.timestampNs;
+        line("Duration:", ns > 0 ? QStringLiteral("%1 s").arg(double(ns) * 1e-9, 0, 'f', 3) : QString());
+    }
+}
+
+} // namespace
+
+int tofInfo(const QStringList& arguments) {
+    CkTofArguments options(QStringLiteral("info [options] RECORDING"),
+                           QStringLiteral("Shows what is in a recording or any other TIFF file."),
+                           {QStringLiteral("tof info room.tif"),
+                            QStringLiteral("tof info --json --frames room.tif > room.json"),
+                            QStringLiteral("tof info --chain room.tif > chain.xml")});
+    options.addFlag(QStringLiteral("json"), QStringLiteral("As JSON, with all metadata of the first frame."));
+    options.addFlag(QStringLiteral("frames"), QStringLiteral("With --json: of every frame."));
+    options.addFlag(QStringLiteral("chain"), QStringLiteral("Only the chain that was recorded, as XML."));
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to look into."));
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    CkTofInput input;
+    if (!input.open(options.argument(0))) {
+        return TofInput;
+    }
+    const CkRecordingReader& reader = input.reader();
+    if (options.has(QStringLiteral("chain"))) {
+        if (reader.recordingInfo().chainXml.isEmpty()) {
+            CkTofConsole::error(QStringLiteral("\"%1\" tells of no chain.").arg(reader.fileName()));
+            return TofNotApplicable;
+        }
+        CkTofConsole::print(reader.recordingInfo().chainXml);
+    } else if (options.has(QStringLiteral("json"))) {
+        printJson(reader, options.has(QStringLiteral("frames")), input);
+    } else {
+        printText(reader, input);
+    }
+    return input.exitCode();
+}

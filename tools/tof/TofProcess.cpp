@@ -1,0 +1,148 @@
+#include "chain/EkTransformType.h"
+#include "recording/CkRecordingWriter.h"
+#include "tof/CkTofArguments.h"
+#include "tof/CkTofInput.h"
+#include "tof/CkTofPipeline.h"
+#include "tof/TofCommands.h"
+#include "tof/TofInOrder.h"
+
+#include "zuCore/CkImageData.h"
+
+namespace {
+
+/// What came out of one group.
+struct SkProcessed {
+    struct SkFrame {
+        std::unique_ptr<CkImageData> data;
+        QJsonObject object;
+    };
+    std::vector<SkFrame> frames;
+    QStringList errors;
+    QString refusal; ///< of the transform
+};
+
+int transformOf(const QString& name) {
+    static const char* const names[] = {"ab", "intensity", "amplitude", "depth", "concat", "aminb", "hybrid"};
+    for (int i = 0; i < int(std::size(names)); ++i) {
+        if (name == QLatin1String(names[i])) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+SkProcessed processGroup(const CkRecordingReader& reader, const SkTofGroup& group, int transform) {
+    SkProcessed done;
+    CkTofPipeline pipeline(transform);
+    for (qint64 page = group.first; page < group.first + group.count; ++page) {
+        QString error;
+        QJsonObject object;
+        const std::unique_ptr<CkImageData> data = reader.read(page, &error, &object);
+        if (!error.isEmpty()) {
+            done.errors.append(error);
+        }
+        if (data == nullptr) {
+            continue;
+        }
+        SkProcessed::SkFrame frame;
+        QString reason;
+        switch (pipeline.process(*data, frame.data, reason)) {
+        case CkTofPipeline::EkResult::Frame:
+            frame.object = object;
+            done.frames.push_back(std::move(frame));
+            break;
+        case CkTofPipeline::EkResult::Impossible:
+            done.refusal =
+                QStringLiteral("\"%1\", page %2: %3").arg(reader.fileName()).arg(page + 1).arg(reason);
+            break;
+        case CkTofPipeline::EkResult::Waiting:
+            break;
+        }
+    }
+    return done;
+}
+
+} // namespace
+
+int tofProcess(const QStringList& arguments) {
+    CkTofArguments options(
+        QStringLiteral("process --transform NAME [options] RECORDING RESULT"),
+        QStringLiteral(
+            "Applies a ToF transform to every frame. Images that arrive one phase or section at a time "
+            "are gathered into sets."),
+        {QStringLiteral("tof process --transform depth room.tif depth.tif"),
+         QStringLiteral("tof process --transform amplitude --compress room.tif amplitude.tif"),
+         QStringLiteral("tof process --transform concat separate.tif stacked.tif")});
+    options.addValue(
+        QStringLiteral("transform"), QStringLiteral("NAME"),
+        QStringLiteral(
+            "depth (phase shift in radians, or depth in metres of a hybrid camera; with confidence), "
+            "amplitude, intensity, concat (gathers phases or sections), aminb (A minus B), ab (labels as "
+            "A and B), hybrid (labels as X1X2X3)."));
+    options.addFlag(QStringLiteral("compress"), QStringLiteral("Compresses the result without loss."));
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
+    options.addArgument(QStringLiteral("RESULT"), QStringLiteral("File to write."));
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    const int transform = transformOf(options.value(QStringLiteral("transform")));
+    if (transform < 0) {
+        CkTofConsole::error(
+            QStringLiteral("--transform wants depth, amplitude, intensity, concat, aminb, ab or "
+                           "hybrid, not \"%1\".")
+                .arg(options.value(QStringLiteral("transform"))));
+        return TofUsage;
+    }
+    CkTofInput input;
+    if (!input.open(options.argument(0))) {
+        return TofInput;
+    }
+    if (input.isInput(options.argument(1))) {
+        return TofUsage;
+    }
+    const CkRecordingReader& reader = input.reader();
+    const std::vector<SkTofGroup> groups = input.groups();
+    CkRecordingWriter writer;
+    bool writes = true;
+    qint64 refused = 0;
+    SkRecordingInfo recording = reader.recordingInfo();
+    recording.software = tofSoftware();
+    const auto open = [&] {
+        return writer.isOpen() ||
+               writer.open(options.argument(1), recording,
+                           options.has(QStringLiteral("compress")) ? EkRecordingCompression::Deflate
+                                                                   : EkRecordingCompression::None);
+    };
+    {
+        CkTofConsole::CkProgress progress(QStringLiteral("Processing"));
+        inOrder(
+            qint64(groups.size()),
+            [&](qint64 i) { return processGroup(reader, groups[size_t(i)], transform); },
+            [&](qint64 i, SkProcessed&& done) {
+                for (const QString& error : std::as_const(done.errors)) {
+                    input.complain(error);
+                }
+                if (!done.refusal.isEmpty()) {
+                    ++refused;
+                    input.complain(done.refusal);
+                }
+                for (const SkProcessed::SkFrame& frame : done.frames) {
+                    writes = writes && open() &&
+                             writer.write(frame.data->picBuf(), frame.data->metadata(), frame.object);
+                }
+                progress.show(i + 1, qint64(groups.size()));
+                return writes;
+            });
+    }
+    const qint64 written = writer.frameCount();
+    if (!writes || !writer.close()) {
+        CkTofConsole::error(writer.errorMessage());
+        return TofOutput;
+    }
+    if (written == 0) {
+        CkTofConsole::error(QStringLiteral("No frame came out%1; nothing was written.")
+                                .arg(refused == 0 ? QStringLiteral(" (no set is complete)") : QString()));
+        return TofNotApplicable;
+    }
+    return input.exitCode();
+}

@@ -1,0 +1,77 @@
+#include "tof/CkTofConsole.h"
+#include "tof/CkTofInput.h"
+#include "tof/TofCommands.h"
+
+#include <QCoreApplication>
+
+#include <new>
+
+namespace {
+
+const char* const overview = R"(Usage: tof COMMAND [options] ...
+Works on recordings of time-of-flight cameras, without a window.
+
+Commands:
+  info     Shows what is in a recording.
+  record   Records frames of a simulated camera.
+  process  Applies a ToF transform to a recording.
+  cloud    Makes point clouds (PLY) of a recording.
+  image    Makes a picture (PNG, 16-bit PNG or float TIFF) of a frame.
+
+Options:
+  -h, --help     Shows this help; "tof COMMAND --help" that of a command.
+  -v, --version  Shows the version.
+
+Exit codes:
+  0  All went well.
+  2  Wrong options or arguments.
+  3  The input cannot be read at all.
+  4  Parts of the input cannot be read; the rest was worked on.
+  5  The output cannot be written.
+  6  The command makes nothing of this input.
+
+Examples:
+  tof record --camera wave --frames 100 room.tif
+  tof process --transform depth room.tif depth.tif
+  tof cloud --lens --frame 0 depth.tif room.ply)";
+
+int run(const QStringList& arguments) {
+    const struct {
+        const char* name;
+        int (*command)(const QStringList&);
+    } commands[] = {{"info", tofInfo},
+                    {"record", tofRecord},
+                    {"process", tofProcess},
+                    {"cloud", tofCloud},
+                    {"image", tofImage}};
+    const QString name = arguments.value(1);
+    for (const auto& entry : commands) {
+        if (name == QLatin1String(entry.name)) {
+            return entry.command(arguments.mid(1));
+        }
+    }
+    if (name == QLatin1String("-h") || name == QLatin1String("--help")) {
+        CkTofConsole::print(QString::fromLatin1(overview));
+        return TofSuccess;
+    }
+    if (name == QLatin1String("-v") || name == QLatin1String("--version")) {
+        CkTofConsole::print(tofSoftware());
+        return TofSuccess;
+    }
+    CkTofConsole::error(name.isEmpty()
+                            ? QStringLiteral("Which command? See \"tof --help\".")
+                            : QStringLiteral("There is no command \"%1\". See \"tof --help\".").arg(name));
+    return TofUsage;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    try {
+        return run(QCoreApplication::arguments());
+    } catch (const std::bad_alloc&) {
+        CkTofConsole::error(QStringLiteral("There is not enough memory."));
+        return TofOutput;
+    }
+}

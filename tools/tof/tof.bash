@@ -1,0 +1,34 @@
+# Completion of tof for bash.
+_tof() {
+    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]}
+    COMPREPLY=()
+    if [ "$COMP_CWORD" -eq 1 ]; then
+        COMPREPLY=($(compgen -W "info record process cloud image --help --version" -- "$cur"))
+        return
+    fi
+    case $prev in
+    --transform) COMPREPLY=($(compgen -W "depth amplitude intensity concat aminb ab hybrid" -- "$cur")); return ;;
+    --camera) COMPREPLY=($(compgen -W "wave hybrid grey" -- "$cur")); return ;;
+    --format) COMPREPLY=($(compgen -W "png png16 tiff" -- "$cur")); return ;;
+    --frames)
+        # A number for record, no value for info.
+        [ "$command" = record ] && return ;;
+    --frame | --set | --channel | --map | --range | --focal-length | --cell-size | --center-offset | \
+        --frequency | --confidence | --offset | --z-zoom | --max-width) return ;;
+    esac
+    if [[ $cur == -* ]]; then
+        local options=--help
+        case $command in
+        info) options+=" --json --frames --chain" ;;
+        record) options+=" --camera --frames --set --compress --list" ;;
+        process) options+=" --transform --compress" ;;
+        cloud) options+=" --frame --from-settings --settings-file --lens --no-lens --focal-length --cell-size
+            --center-offset --frequency --confidence --offset --ortho --no-ortho --z-zoom --max-width" ;;
+        image) options+=" --frame --format --channel --map --range" ;;
+        esac
+        COMPREPLY=($(compgen -W "$options" -- "$cur"))
+        return
+    fi
+    COMPREPLY=($(compgen -f -- "$cur"))
+}
+complete -o filenames -F _tof tof
