@@ -1,0 +1,17 @@
+#include "recordingFuzz.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+    // A picture may have two thousand times the bytes of its file.
+    if (size > 16 * 1024) {
+        return -1;
+    }
+    const std::string broken = checkRecording(bytes, size);
+    if (!broken.empty()) {
+        std::fprintf(stderr, "%s\n", broken.c_str());
+        std::abort();
+    }
+    return 0;
+}

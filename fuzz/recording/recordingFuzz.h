@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// Opens the bytes as a recording and reads it, or, when they begin with a brace, reads them as the text of a
+/// page. Empty when every promise was kept, otherwise what was broken: a refusal says why and names the file,
+/// a frame has the format its description tells, every sample of it can be read, a text that was read and
+/// written again says the same.
+std::string checkRecording(const uint8_t* bytes, size_t size);
