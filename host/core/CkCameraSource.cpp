@@ -2,6 +2,7 @@
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
+#include "zuCore/CkImageData.h"
 
 #include <QDomElement>
 
@@ -82,8 +83,19 @@ void CkCameraSource::setCameraHandle(void* pCameraHandle) {
 }
 
 void CkCameraSource::connectCamera() {
+    m_uiNextFrame = 0;
     CkCameraManager::instance()->addFrameReceiver(m_pCameraHandle, this,
-                                                  [this](CkImageData* frame) { deliver(frame); });
+                                                  [this](CkImageData* frame) { receive(frame); });
+}
+
+void CkCameraSource::receive(CkImageData* pFrame) {
+    const quint64 number = pFrame->picBuf().additionalData.frameNumber;
+    // Smaller numbers are those of a camera that was started again, or does not count.
+    if (number > m_uiNextFrame && m_uiNextFrame > 0) {
+        noteLost(number - m_uiNextFrame);
+    }
+    m_uiNextFrame = number + 1;
+    deliver(pFrame);
 }
 
 void CkCameraSource::disconnectCamera() {

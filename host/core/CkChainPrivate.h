@@ -75,6 +75,7 @@ public:
     bool start();
     void stop();
     static bool deliver(CkImageSource* pSource, CkImageData* pFrame);
+    static void noteLost(CkImageSource* pSource, quint64 uiFrames);
 
     // ---- structure; changes need the control lock and a stopped chain ---------------------------------
     SkChainNode* find(const CkChainable* pBlock) const; ///< with the graph lock

@@ -101,13 +101,11 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
             CkPrivate& chain = *block->m_pChain->m_d;
             const std::lock_guard graph(chain.m_graph);
             SkChainNode* const node = chain.find(pSource);
-            bool full = false;
-            taken = node != nullptr && chain.m_queue.put(*node, pFrame, full);
-            if (taken || full) {
+            taken = node != nullptr && chain.m_queue.put(*node, pFrame);
+            // A stopped chain asks for no frames; one that is about to start or stop loses them.
+            if (node != nullptr && (taken || chain.m_life != EkLife::Stopped)) {
                 ++node->framesIn;
-            }
-            if (full) {
-                ++node->dropped;
+                node->dropped += taken ? 0 : 1;
             }
         }
     }
@@ -115,6 +113,21 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
         delete pFrame;
     }
     return taken;
+}
+
+void CkChain::CkPrivate::noteLost(CkImageSource* pSource, quint64 uiFrames) {
+    CkChainable* const block = pSource;
+    const std::lock_guard lock(block->m_mutex);
+    if (block->m_pChain == nullptr) {
+        return;
+    }
+    CkPrivate& chain = *block->m_pChain->m_d;
+    const std::lock_guard graph(chain.m_graph);
+    SkChainNode* const node = chain.find(pSource);
+    if (node != nullptr && chain.m_life != EkLife::Stopped) {
+        node->framesIn += uiFrames;
+        node->dropped += uiFrames;
+    }
 }
 
 void CkChain::CkPrivate::run() {
@@ -190,6 +203,7 @@ void CkChain::CkPrivate::process(SkChainNode& node, IkChainData* pData) {
         result = block->processData(pData);
     } catch (...) {
         inputIsOurs = !input.isNull();
+        ++node.dropped;
         showError(block, CkChain::tr("The block failed on a frame."));
     }
     const std::chrono::nanoseconds spent = std::chrono::steady_clock::now() - begin;
@@ -271,6 +285,7 @@ void CkChain::CkPrivate::passOn(SkChainNode& node, IkChainData* pData) {
         SkChainNode& successor = *node.successors[i];
         IkChainData* const own = i + 1 == count ? pData : pData->share();
         if (own == nullptr) {
+            ++successor.framesIn;
             ++successor.dropped;
             continue;
         }

@@ -13,6 +13,7 @@ void CkFrameQueue::clear() {
     for (const SkItem& item : m_frames) {
         delete item.frame;
         item.source->queued = 0;
+        ++item.source->dropped;
     }
     m_frames.clear();
 }
@@ -32,14 +33,9 @@ void CkFrameQueue::close() {
     m_filled.notify_all();
 }
 
-bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame, bool& bFull) {
-    bFull = false;
+bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {
     const std::lock_guard lock(m_mutex);
-    if (!m_bOpen) {
-        return false;
-    }
-    if (source.queued >= FramesPerSource) {
-        bFull = true;
+    if (!m_bOpen || source.queued >= FramesPerSource) {
         return false;
     }
     m_frames.push_back({&source, pFrame, false, false, false});

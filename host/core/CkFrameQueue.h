@@ -27,11 +27,11 @@ public:
 
     /// Lets frames in.
     void open();
-    /// Ends the thread's waiting, deletes what waits and lets nothing in any more.
+    /// Ends the thread's waiting, deletes what waits, counting it as dropped, and lets nothing in any more.
     void close();
 
-    /// Takes the frame over when it answers true. False: closed or full; full is told by bFull.
-    bool put(SkChainNode& source, CkImageData* pFrame, bool& bFull);
+    /// Takes the frame over when it answers true. False: closed or full.
+    bool put(SkChainNode& source, CkImageData* pFrame);
     void askForRenegotiation();
     void askForGrowth();
 

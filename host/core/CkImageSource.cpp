@@ -28,3 +28,7 @@ QList<void*> CkImageSource::cameraHandles() const {
 bool CkImageSource::deliver(CkImageData* pData) {
     return CkChain::CkPrivate::deliver(this, pData);
 }
+
+void CkImageSource::noteLost(quint64 uiFrames) {
+    CkChain::CkPrivate::noteLost(this, uiFrames);
+}

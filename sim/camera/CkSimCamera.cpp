@@ -208,6 +208,7 @@ bool CkSimCamera::reservePictures(const SkPicBufInfo& info) {
 bool CkSimCamera::deliverSet(const SkSimSettings& settings, const SkSimPlan& plan, Clock::time_point due) {
     if (!m_painter.moveTo(settings, double(m_clockNs) * 1e-9) || !reservePictures(plan.front().info)) {
         ++m_droppedSets;
+        m_frameNumber += plan.size();
         return true;
     }
     const std::chrono::nanoseconds interval(periodNs(settings) / qint64(plan.size()));
@@ -216,6 +217,7 @@ bool CkSimCamera::deliverSet(const SkSimSettings& settings, const SkSimPlan& pla
             return false;
         if (!deliverImage(settings, plan[index])) {
             ++m_droppedSets;
+            m_frameNumber += plan.size() - index;
             break;
         }
     }

@@ -3,51 +3,27 @@
 #include "zuCore/SkPicBuf.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <functional>
+#include <type_traits>
 #include <vector>
 
+/// The code of a C++ sample type.
 template <typename T>
-struct SampleTypeOf;
-template <>
-struct SampleTypeOf<qint8> {
-    static constexpr auto value = EkImageDataType::Int8;
-};
-template <>
-struct SampleTypeOf<quint8> {
-    static constexpr auto value = EkImageDataType::UInt8;
-};
-template <>
-struct SampleTypeOf<qint16> {
-    static constexpr auto value = EkImageDataType::Int16;
-};
-template <>
-struct SampleTypeOf<quint16> {
-    static constexpr auto value = EkImageDataType::UInt16;
-};
-template <>
-struct SampleTypeOf<qint32> {
-    static constexpr auto value = EkImageDataType::Int32;
-};
-template <>
-struct SampleTypeOf<quint32> {
-    static constexpr auto value = EkImageDataType::UInt32;
-};
-template <>
-struct SampleTypeOf<qint64> {
-    static constexpr auto value = EkImageDataType::Int64;
-};
-template <>
-struct SampleTypeOf<quint64> {
-    static constexpr auto value = EkImageDataType::UInt64;
-};
-template <>
-struct SampleTypeOf<float> {
-    static constexpr auto value = EkImageDataType::Float32;
-};
-template <>
-struct SampleTypeOf<double> {
-    static constexpr auto value = EkImageDataType::Float64;
+struct SampleTypeOf {
+    static constexpr EkImageDataType value = [] {
+        if constexpr (std::is_floating_point_v<T>) {
+            return sizeof(T) == 4 ? EkImageDataType::Float32 : EkImageDataType::Float64;
+        } else {
+            constexpr EkImageDataType asSigned[] = {EkImageDataType::Int8, EkImageDataType::Int16,
+                                                    EkImageDataType::Int32, EkImageDataType::Int64};
+            constexpr EkImageDataType asUnsigned[] = {EkImageDataType::UInt8, EkImageDataType::UInt16,
+                                                      EkImageDataType::UInt32, EkImageDataType::UInt64};
+            constexpr int size = std::countr_zero(sizeof(T));
+            return std::is_signed_v<T> ? asSigned[size] : asUnsigned[size];
+        }
+    }();
 };
 
 /// A picture in memory of the test's own, rows longer than their pixels by an odd number of bytes, sentinels

@@ -6,7 +6,8 @@
 #include <atomic>
 
 /// Source that delivers the frames of an open camera. The camera's acquisition is started and stopped through
-/// CkCameraManager, not by the chain. When the camera closes, the source stays and delivers nothing.
+/// CkCameraManager, not by the chain. When the camera closes, the source stays and delivers nothing. Gaps in
+/// the camera's frame numbers are counted as dropped frames.
 class ZUCORE_EXPORT CkCameraSource : public CkImageSource {
     Q_OBJECT
     Q_CLASSINFO("CustomName", "Camera")
@@ -32,8 +33,10 @@ public:
 private:
     void connectCamera();
     void disconnectCamera();
+    void receive(CkImageData* pFrame);
 
     std::atomic<void*> m_pCameraHandle = nullptr; ///< read by the chain's thread
     QString m_sCameraId;                          ///< outlives the camera, for the chain's file
     QString m_sCameraName;
+    quint64 m_uiNextFrame = 0; ///< number that the camera's next frame should have, 0 for any; its thread
 };

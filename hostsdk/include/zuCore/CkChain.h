@@ -33,7 +33,9 @@ public:
 struct SkBlockStatistics {
     quint64 framesIn = 0;
     quint64 framesOut = 0;
-    quint64 dropped = 0; ///< by a full queue in front of a source, an exhausted pool, or a slow sink
+    /// Lost before a source's chain had them, in a full queue or one that a stop found filled, for want of
+    /// a free picture, to a format that does not fit, a block that failed, or a slow sink.
+    quint64 dropped = 0;
     quint64 processNs = 0;
 };
 

@@ -30,4 +30,7 @@ protected:
     /// Hands a frame to the chain and takes it over. False when it was dropped: outside a chain, chain
     /// stopped, or the chain still busy with earlier ones. Any thread.
     bool deliver(CkImageData* pData);
+
+    /// Counts frames that were lost on their way here as dropped, unless the chain is stopped. Any thread.
+    void noteLost(quint64 uiFrames);
 };

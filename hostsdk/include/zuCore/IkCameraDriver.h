@@ -16,7 +16,8 @@ class CkImageData;
 /// own.
 class ZUCORE_EXPORT IkCamera {
 public:
-    /// Takes over the frame. Called from the camera's own thread.
+    /// Takes over the frame. Called from the camera's own thread. Frames that the camera has to leave out for
+    /// want of memory or bandwidth leave a gap in additionalData.frameNumber, by which they are counted.
     using FrameFunction = std::function<void(CkImageData*)>;
 
     virtual ~IkCamera();

@@ -63,6 +63,34 @@ TEST_F(CkCameraSourceTest, DeliversTheCamerasFramesToItsChain) {
     EXPECT_EQ(sink.count(), count);
 }
 
+TEST_F(CkCameraSourceTest, GapsInTheFrameNumbersCountAsDropped) {
+    void* const handle = manager->openCamera(QStringLiteral("fake:1"));
+    auto* const source = new CkCameraSource(handle);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
+    ASSERT_TRUE(manager->startAcquisition(handle));
+    quint64 delivered = 0;
+    const auto deliver = [&](quint64 number) {
+        CkImageData* const frame = fakeFrame(8, 1);
+        frame->picBuf().additionalData.frameNumber = number;
+        cameras.first->deliver(frame);
+        ++delivered;
+        // One by one, so that the chain itself drops none.
+        return waitUntil([&] { return chain->blockStatistics(source).framesOut == delivered; });
+    };
+    ASSERT_TRUE(chain->start());
+    EXPECT_TRUE(deliver(7)) << "a camera may have run for a while";
+    EXPECT_TRUE(deliver(8));
+    EXPECT_EQ(chain->blockStatistics(source).dropped, 0U);
+    EXPECT_TRUE(deliver(12));
+    EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
+    EXPECT_EQ(chain->blockStatistics(source).framesIn, 6U);
+    EXPECT_TRUE(deliver(0)) << "started again";
+    EXPECT_TRUE(deliver(0)) << "a camera that does not count";
+    EXPECT_TRUE(deliver(1));
+    EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
+    chain->stop();
+}
+
 TEST_F(CkCameraSourceTest, TheSourceMayGoWhileTheCameraDelivers) {
     void* const handle = manager->openCamera(QStringLiteral("fake:1"));
     cameras.first->ownThread = true;

@@ -39,7 +39,7 @@ TEST_F(CkChainNegotiationTest, AStoppedChainAnswersFromTheSourceDown) {
     auto* const block = branch(new AddBlock(1), source);
     auto* const behind = branch(new PassBlock(), block);
     block->dividesRows = true;
-    source->announce(byteFormat(8, 12), phases(4));
+    source->announce(packedFormat(8, 12), phases(4));
     SkPicBufInfo info;
     CkImageMetadata metadata;
     ASSERT_TRUE(behind->outputImageInfo(info, &metadata));
@@ -51,7 +51,7 @@ TEST_F(CkChainNegotiationTest, AStoppedChainAnswersFromTheSourceDown) {
     EXPECT_FALSE(chain->negotiatedInfo(block, info, nullptr)) << "never started";
     EXPECT_FALSE(source->inputImageInfo(info, nullptr));
 
-    source->announce(byteFormat(8, 12), phases(2));
+    source->announce(packedFormat(8, 12), phases(2));
     ASSERT_TRUE(behind->outputImageInfo(info, nullptr));
     EXPECT_EQ(info.height, 6U);
     source->announceNothing();
@@ -65,7 +65,7 @@ TEST_F(CkChainNegotiationTest, SetupFindsItsInputFormatNegotiated) {
     auto* const block = branch(new AddBlock(1), source);
     auto* const behind = branch(new AddBlock(1), block);
     block->dividesRows = true;
-    source->announce(byteFormat(8, 12), phases(4));
+    source->announce(packedFormat(8, 12), phases(4));
     ASSERT_TRUE(chain->start());
     EXPECT_TRUE(behind->inputKnownAtStart);
     EXPECT_EQ(behind->inputAtStart.height, 3U);
@@ -125,7 +125,7 @@ TEST_F(CkChainNegotiationTest, AFrameOfAnotherFormatIsDroppedAndTheChainFollows)
     ASSERT_TRUE(chain->start());
     pushSurely(1);
     ASSERT_TRUE(waitUntil([&] { return sink.count() == 1; }));
-    source->announce(byteFormat(32, 20));
+    source->announce(packedFormat(32, 20));
     pushSurely(2);
     ASSERT_TRUE(waitUntil([&] { return block->starts == 2; }));
     EXPECT_EQ(chain->blockStatistics(source).dropped, 1U);
@@ -144,7 +144,7 @@ TEST_F(CkChainNegotiationTest, FramesAreBelievedMoreThanASourceThatInsists) {
     KeepingSink sink;
     chain->addSink(block, &sink);
     ASSERT_TRUE(chain->start());
-    const SkPicBufInfo real = byteFormat(6, 6);
+    const SkPicBufInfo real = packedFormat(6, 6);
     for (int i = 0; i < 20; ++i) {
         EXPECT_TRUE(waitUntil([&] { return source->pushFormat(real, {}, 9); }));
     }
@@ -166,7 +166,7 @@ TEST_F(CkChainNegotiationTest, ASourceThatKnowsNothingIsNegotiatedByItsFirstFram
     ASSERT_TRUE(chain->start());
     EXPECT_FALSE(block->inputKnownAtStart);
     EXPECT_TRUE(waitUntil([&] {
-        source->pushFormat(byteFormat(5, 5), {}, 1);
+        source->pushFormat(packedFormat(5, 5), {}, 1);
         return sink.count() > 0;
     }));
     EXPECT_TRUE(block->inputKnownAtStart);
@@ -177,7 +177,7 @@ TEST_F(CkChainNegotiationTest, ASourceThatKnowsNothingIsNegotiatedByItsFirstFram
 TEST_F(CkChainNegotiationTest, AnOutputThatNoLongerFitsThePoolNegotiatesAnew) {
     auto* const block = branch(new AddBlock(1), source);
     block->dividesRows = true;
-    source->announce(byteFormat(8, 8), phases(4));
+    source->announce(packedFormat(8, 8), phases(4));
     KeepingSink sink;
     chain->addSink(block, &sink);
     ASSERT_TRUE(chain->start());
@@ -186,10 +186,10 @@ TEST_F(CkChainNegotiationTest, AnOutputThatNoLongerFitsThePoolNegotiatesAnew) {
     EXPECT_EQ(sink.lastInfo().height, 2U);
 
     // Only the metadata changes, and the source still announces the old ones.
-    EXPECT_TRUE(waitUntil([&] { return source->pushFormat(byteFormat(8, 8), phases(2), 2); }));
+    EXPECT_TRUE(waitUntil([&] { return source->pushFormat(packedFormat(8, 8), phases(2), 2); }));
     ASSERT_TRUE(waitUntil([&] { return block->starts == 2; }));
     EXPECT_EQ(chain->blockStatistics(block).dropped, 1U);
-    EXPECT_TRUE(waitUntil([&] { return source->pushFormat(byteFormat(8, 8), phases(2), 2); }));
+    EXPECT_TRUE(waitUntil([&] { return source->pushFormat(packedFormat(8, 8), phases(2), 2); }));
     ASSERT_TRUE(waitUntil([&] { return sink.count() == 2; }));
     EXPECT_EQ(sink.lastInfo().height, 4U);
     chain->stop();
@@ -199,7 +199,7 @@ TEST_F(CkChainNegotiationTest, AnOutputThatNoLongerFitsThePoolNegotiatesAnew) {
 TEST_F(CkChainNegotiationTest, AnOutputWithoutRowsIsNoPictureAndNoCrash) {
     auto* const block = branch(new AddBlock(1), source);
     block->dividesRows = true;
-    source->announce(byteFormat(8, 8), phases(100));
+    source->announce(packedFormat(8, 8), phases(100));
     ASSERT_TRUE(chain->start());
     for (int i = 0; i < 10; ++i) {
         pushSurely(1);
@@ -244,7 +244,7 @@ TEST_F(CkChainNegotiationTest, ABlockWhoseFramesNeverHaveTheAnnouncedSizeIsPutUp
 TEST_F(CkChainNegotiationTest, AskedFromOutsideItHappensWithoutAFrame) {
     auto* const block = branch(new AddBlock(1), source);
     ASSERT_TRUE(chain->start());
-    source->announce(byteFormat(10, 10));
+    source->announce(packedFormat(10, 10));
     chain->requestRenegotiation();
     EXPECT_TRUE(waitUntil([&] { return block->starts == 2; }));
     EXPECT_EQ(block->stops, 1);

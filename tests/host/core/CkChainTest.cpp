@@ -2,6 +2,7 @@
 #include "zuCore/CkMemoryPool.h"
 
 #include <QDomDocument>
+#include <thread>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -88,6 +89,27 @@ TEST_F(CkChainTest, WhatComesTooFastIsDroppedAndCounted) {
     EXPECT_TRUE(waitUntil([&] { return block->frames == 3; }));
 }
 
+TEST_F(CkChainTest, FramesThatAStopFindsWaitingAreDroppedAndCounted) {
+    auto* const block = branch(new AddBlock(0), source);
+    block->gate.close();
+    ASSERT_TRUE(chain->start());
+    ASSERT_TRUE(source->push(0));
+    ASSERT_TRUE(waitUntil([&] { return block->gate.waiting() == 1; }));
+    ASSERT_TRUE(source->push(1));
+    ASSERT_TRUE(source->push(2));
+    std::thread stopper([&] { chain->stop(); });
+    EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(source).dropped == 2; }));
+    EXPECT_FALSE(source->push(3)) << "the chain is about to stop";
+    EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
+    block->gate.open();
+    stopper.join();
+    EXPECT_FALSE(source->push(4)) << "nobody asks a stopped chain for frames";
+    const SkBlockStatistics statistics = chain->blockStatistics(source);
+    EXPECT_EQ(statistics.framesIn, 4U);
+    EXPECT_EQ(statistics.framesOut, 1U);
+    EXPECT_EQ(statistics.dropped, 3U);
+}
+
 TEST_F(CkChainTest, StatisticsCountFromTheLastStart) {
     KeepingSink sink;
     chain->addSink(source, &sink);
@@ -146,6 +168,8 @@ TEST_F(CkChainTest, AnExceptionOfABlockShowsOnItAndTheRestGoesOn) {
     ASSERT_TRUE(waitUntil([&] { return sink.count() == 2; }));
     chain->stop();
     EXPECT_FALSE(bad->errorMessage().isEmpty());
+    EXPECT_EQ(chain->blockStatistics(bad).dropped, 2U);
+    EXPECT_EQ(chain->blockStatistics(good).dropped, 0U);
     EXPECT_TRUE(good->errorMessage().isEmpty());
     chain->removeSink(&sink);
 }

@@ -7,7 +7,7 @@
 #include <thread>
 
 bool waitUntil(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) {
             return false;
@@ -15,18 +15,6 @@ bool waitUntil(const std::function<bool()>& condition) {
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
     return true;
-}
-
-SkPicBufInfo byteFormat(quint32 width, quint32 height) {
-    SkPicBufInfo info;
-    info.width = width;
-    info.height = height;
-    info.lineSize = width;
-    info.channels = 1;
-    info.bitsPerChannel = 8;
-    info.dataType = EkImageDataType::UInt8;
-    info.storageFormat = EkDataStorageFormat::Interleaved;
-    return info;
 }
 
 void Gate::close() {
@@ -52,7 +40,7 @@ int Gate::waiting() const {
     return m_iWaiting;
 }
 
-TestSource::TestSource() : m_info(byteFormat(8, 4)) {}
+TestSource::TestSource() : m_info(packedFormat(8, 4)) {}
 
 bool TestSource::sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
     const std::lock_guard lock(m_mutex);

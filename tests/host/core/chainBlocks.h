@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PackedFormat.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"
@@ -13,11 +14,8 @@
 #include <mutex>
 #include <vector>
 
-/// Waits up to ten seconds for something that other threads do.
+/// Waits up to half a minute for something that other threads do.
 bool waitUntil(const std::function<bool()>& condition);
-
-/// Packed 8-bit pictures.
-SkPicBufInfo byteFormat(quint32 width, quint32 height);
 
 /// Closed, it holds everybody who passes.
 class Gate {

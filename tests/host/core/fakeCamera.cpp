@@ -22,7 +22,7 @@ public:
 
     CkCameraParameters* parameters() override { return &m_parameters; }
     bool frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override {
-        info = byteFormat(m_state->width, 4);
+        info = packedFormat(m_state->width, 4);
         if (pMetadata != nullptr) {
             *pMetadata = CkImageMetadata();
             pMetadata->cameraName = m_parameters.cameraInfo().name;
@@ -120,7 +120,7 @@ void FakeCameras::reset() const {
 
 CkImageData* fakeFrame(quint32 width, quint8 value) {
     SkPicBuf picture;
-    CkPicBufAPI::AllocPicBufFromHeap(picture, byteFormat(width, 4));
+    CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(width, 4));
     std::fill_n(picture.data, CkPicBufAPI::byteSize(picture), value);
     auto frame = std::make_unique<CkImageData>();
     frame->setPicBuf(picture);

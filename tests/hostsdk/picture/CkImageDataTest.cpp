@@ -1,4 +1,5 @@
 #include "zuCore/CkImageData.h"
+#include "PackedFormat.h"
 #include "PaddedPicture.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -9,25 +10,15 @@
 
 namespace {
 
-SkPicBufInfo describe(quint32 width, quint32 height) {
-    SkPicBufInfo info;
-    info.width = width;
-    info.height = height;
-    info.lineSize = width;
-    info.channels = 1;
-    info.dataType = EkImageDataType::UInt8;
-    return info;
-}
-
 TEST(CkImageData, GivesItsPictureBackWhenDeletedAndWhenReplaced) {
     const int owner = 0;
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(&owner, describe(4, 4), 2));
+    ASSERT_TRUE(pool.reserve(&owner, packedFormat(4, 4), 2));
     {
         CkImageData data;
         for (int i = 0; i < 3; ++i) {
             SkPicBuf picBuf;
-            ASSERT_TRUE(pool.acquire(&owner, describe(4, 4), picBuf, false));
+            ASSERT_TRUE(pool.acquire(&owner, packedFormat(4, 4), picBuf, false));
             data.setPicBuf(picBuf);
             EXPECT_EQ(pool.freeCount(&owner), 1);
         }
@@ -40,7 +31,7 @@ TEST(CkImageData, GivesItsPictureBackWhenDeletedAndWhenReplaced) {
 TEST(CkImageData, ShareIsASecondFrameOnTheSamePixels) {
     CkImageData data;
     SkPicBuf picBuf;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picBuf, describe(4, 4)));
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picBuf, packedFormat(4, 4)));
     picBuf.additionalData = {7, 8};
     data.setPicBuf(picBuf);
     CkImageMetadata metadata;
@@ -89,7 +80,7 @@ TEST(CkImageData, IsDeletedWithItsParent) {
     auto parent = std::make_unique<QObject>();
     const QPointer<CkImageData> data(new CkImageData(parent.get()));
     SkPicBuf picBuf;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picBuf, describe(4, 4)));
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picBuf, packedFormat(4, 4)));
     data->setPicBuf(picBuf);
     parent.reset();
     EXPECT_TRUE(data.isNull());

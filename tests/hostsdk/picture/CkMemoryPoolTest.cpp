@@ -1,5 +1,5 @@
 #include "zuCore/CkMemoryPool.h"
-#include "PaddedPicture.h"
+#include "PackedFormat.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <atomic>
@@ -9,39 +9,28 @@
 
 namespace {
 
-SkPicBufInfo describe(quint32 width, quint32 height) {
-    SkPicBufInfo info;
-    info.width = width;
-    info.height = height;
-    info.lineSize = width;
-    info.channels = 1;
-    info.bitsPerChannel = 8;
-    info.dataType = EkImageDataType::UInt8;
-    return info;
-}
-
 const int owners[2] = {};
 const void* const firstOwner = &owners[0];
 const void* const secondOwner = &owners[1];
 
 TEST(CkMemoryPool, HandsOutAsManyAsReservedAndTakesThemBack) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(10, 6), 2));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(10, 6), 2));
     EXPECT_EQ(pool.capacity(firstOwner), 2);
     EXPECT_EQ(pool.freeCount(firstOwner), 2);
     EXPECT_EQ(pool.bytesPerPicture(firstOwner), 60U);
     SkPicBuf a;
     SkPicBuf b;
     SkPicBuf c;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, a, describe(10, 6), false));
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, b, describe(10, 6), false));
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, a, packedFormat(10, 6), false));
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, b, packedFormat(10, 6), false));
     EXPECT_NE(a.data, b.data);
     EXPECT_EQ(pool.freeCount(firstOwner), 0);
-    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, c, describe(10, 6), false));
+    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, c, packedFormat(10, 6), false));
     EXPECT_EQ(c.data, nullptr);
     CkPicBufAPI::FreePicBuf(a);
     EXPECT_EQ(pool.freeCount(firstOwner), 1);
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, c, describe(10, 6), false));
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, c, packedFormat(10, 6), false));
     CkPicBufAPI::FreePicBuf(b);
     CkPicBufAPI::FreePicBuf(c);
     EXPECT_EQ(pool.freeCount(firstOwner), 2);
@@ -49,27 +38,27 @@ TEST(CkMemoryPool, HandsOutAsManyAsReservedAndTakesThemBack) {
 
 TEST(CkMemoryPool, StartsZeroedAndClearsOnRequest) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 2), 1));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
     SkPicBuf picBuf;
-    ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), picBuf, false));
+    ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, false));
     EXPECT_TRUE(std::all_of(picBuf.data, picBuf.data + 16, [](quint8 byte) { return byte == 0; }));
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(picBuf.data) % 64, 0U);
     std::memset(picBuf.data, 9, 16);
     CkPicBufAPI::FreePicBuf(picBuf);
-    ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), picBuf, false));
+    ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, false));
     EXPECT_EQ(picBuf.data[3], 9) << "what the last user left";
-    ASSERT_FALSE(pool.acquire(secondOwner, describe(8, 2), picBuf, true));
-    ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), picBuf, true));
+    ASSERT_FALSE(pool.acquire(secondOwner, packedFormat(8, 2), picBuf, true));
+    ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, true));
     EXPECT_TRUE(std::all_of(picBuf.data, picBuf.data + 16, [](quint8 byte) { return byte == 0; }));
     CkPicBufAPI::FreePicBuf(picBuf);
 }
 
 TEST(CkMemoryPool, SharedPicturesComeBackWithTheLastHolder) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 2), 1));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
     SkPicBuf picBuf;
     SkPicBuf twin;
-    ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), picBuf, false));
+    ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, false));
     ASSERT_TRUE(CkPicBufAPI::SharePicBuf(picBuf, twin));
     CkPicBufAPI::FreePicBuf(picBuf);
     EXPECT_EQ(pool.freeCount(firstOwner), 0);
@@ -79,15 +68,15 @@ TEST(CkMemoryPool, SharedPicturesComeBackWithTheLastHolder) {
 
 TEST(CkMemoryPool, AnyDescriptorOfTheSameByteSizeFits) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 4), 1));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 4), 1));
     SkPicBuf picBuf;
-    ASSERT_TRUE(pool.acquire(firstOwner, describe(16, 2), picBuf, false));
+    ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(16, 2), picBuf, false));
     EXPECT_EQ(picBuf.width, 16U);
     EXPECT_EQ(picBuf.lineSize, 16U);
     CkPicBufAPI::FreePicBuf(picBuf);
-    EXPECT_FALSE(pool.acquire(firstOwner, describe(8, 5), picBuf, false));
-    EXPECT_FALSE(pool.acquire(firstOwner, describe(8, 3), picBuf, false));
-    SkPicBufInfo impossible = describe(8, 4);
+    EXPECT_FALSE(pool.acquire(firstOwner, packedFormat(8, 5), picBuf, false));
+    EXPECT_FALSE(pool.acquire(firstOwner, packedFormat(8, 3), picBuf, false));
+    SkPicBufInfo impossible = packedFormat(8, 4);
     impossible.lineSize = 7;
     EXPECT_FALSE(pool.acquire(firstOwner, impossible, picBuf, false));
     EXPECT_EQ(pool.freeCount(firstOwner), 1);
@@ -95,8 +84,8 @@ TEST(CkMemoryPool, AnyDescriptorOfTheSameByteSizeFits) {
 
 TEST(CkMemoryPool, OwnersDoNotShareShelves) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 4), 1));
-    ASSERT_TRUE(pool.reserve(secondOwner, describe(4, 4), 3));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 4), 1));
+    ASSERT_TRUE(pool.reserve(secondOwner, packedFormat(4, 4), 3));
     EXPECT_EQ(pool.capacity(firstOwner), 1);
     EXPECT_EQ(pool.capacity(secondOwner), 3);
     pool.release(firstOwner);
@@ -104,8 +93,8 @@ TEST(CkMemoryPool, OwnersDoNotShareShelves) {
     EXPECT_EQ(pool.bytesPerPicture(firstOwner), 0U);
     EXPECT_EQ(pool.capacity(secondOwner), 3);
     SkPicBuf picBuf;
-    EXPECT_FALSE(pool.acquire(firstOwner, describe(8, 4), picBuf, false));
-    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(nullptr, firstOwner, picBuf, describe(8, 4), false));
+    EXPECT_FALSE(pool.acquire(firstOwner, packedFormat(8, 4), picBuf, false));
+    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(nullptr, firstOwner, picBuf, packedFormat(8, 4), false));
 }
 
 TEST(CkMemoryPool, PicturesOutliveTheirShelfAndThePool) {
@@ -113,12 +102,12 @@ TEST(CkMemoryPool, PicturesOutliveTheirShelfAndThePool) {
     SkPicBuf ofPool;
     {
         CkMemoryPool pool;
-        ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 2), 1));
-        ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), ofShelf, false));
-        ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 2), 1)) << "in place of the old shelf";
+        ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
+        ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), ofShelf, false));
+        ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1)) << "in place of the old shelf";
         ofShelf.data[15] = 1;
         EXPECT_EQ(pool.freeCount(firstOwner), 1);
-        ASSERT_TRUE(pool.acquire(firstOwner, describe(8, 2), ofPool, false));
+        ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), ofPool, false));
         EXPECT_NE(ofPool.data, ofShelf.data);
     }
     ofPool.data[15] = 2;
@@ -130,18 +119,18 @@ TEST(CkMemoryPool, PicturesOutliveTheirShelfAndThePool) {
 
 TEST(CkMemoryPool, RefusesSizesThatCannotBeHad) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(8, 2), 1));
-    EXPECT_FALSE(pool.reserve(firstOwner, describe(8, 0), 1));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
+    EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(8, 0), 1));
     EXPECT_EQ(pool.capacity(firstOwner), 0) << "the owner is left without a shelf";
-    EXPECT_FALSE(pool.reserve(firstOwner, describe(0xffffffffU, 0xffffffffU), 1));
-    EXPECT_FALSE(pool.reserve(firstOwner, describe(8, 2), -1));
-    EXPECT_TRUE(pool.reserve(firstOwner, describe(8, 2), 0));
+    EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(0xffffffffU, 0xffffffffU), 1));
+    EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(8, 2), -1));
+    EXPECT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 0));
     EXPECT_EQ(pool.capacity(firstOwner), 0);
 }
 
 TEST(CkMemoryPool, ManyThreadsTakeAndGiveBackWhileShelvesChange) {
     CkMemoryPool pool;
-    ASSERT_TRUE(pool.reserve(firstOwner, describe(32, 2), 3));
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(32, 2), 3));
     std::atomic<bool> stop{false};
     std::atomic<int> mixedUp{0};
     std::vector<std::thread> threads;
@@ -149,7 +138,7 @@ TEST(CkMemoryPool, ManyThreadsTakeAndGiveBackWhileShelvesChange) {
         threads.emplace_back([&, t] {
             while (!stop) {
                 SkPicBuf picBuf;
-                if (pool.acquire(firstOwner, describe(32, 2), picBuf, false)) {
+                if (pool.acquire(firstOwner, packedFormat(32, 2), picBuf, false)) {
                     std::memset(picBuf.data, t, 64);
                     mixedUp += !std::all_of(picBuf.data, picBuf.data + 64, [t](quint8 b) { return b == t; });
                     CkPicBufAPI::FreePicBuf(picBuf);
@@ -158,7 +147,7 @@ TEST(CkMemoryPool, ManyThreadsTakeAndGiveBackWhileShelvesChange) {
         });
     }
     for (int i = 0; i < 500; ++i) {
-        ASSERT_TRUE(pool.reserve(firstOwner, describe(32, 2), 1 + i % 3));
+        ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(32, 2), 1 + i % 3));
     }
     stop = true;
     for (std::thread& thread : threads) {
