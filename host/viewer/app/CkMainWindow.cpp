@@ -126,28 +126,34 @@ QMenu* CkMainWindow::menu(int iMenuId) const {
 }
 
 bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
+    CkCameraManager* manager = CkCameraManager::instance();
     QStringList known;
-    for (const SkCameraInfo& info : CkCameraManager::instance()->availableCameras()) {
+    for (const SkCameraInfo& info : manager->availableCameras()) {
         known.append(info.id);
     }
+    const QList<void*> openBefore = manager->openedCameras();
     for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
         m_pDesk->openCamera(id, false);
     }
     CkChain* chain = CkChainFile::load(sFileName, sError);
+    if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
+        CkChainManager::instance()->closeChain(chain);
+        chain = nullptr;
+        sError = tr("%1: the chain is empty.").arg(sFileName);
+    }
     if (chain == nullptr) {
+        for (void* handle : manager->openedCameras()) {
+            if (!openBefore.contains(handle)) {
+                m_pDesk->closeCamera(handle);
+            }
+        }
         return false;
     }
     QList<void*> cameras;
-    const QList<CkChainable*> ends = CkChainFile::ends(chain);
-    for (CkChainable* end : ends) {
+    for (CkChainable* end : CkChainFile::ends(chain)) {
         auto* view = new CkImageView(end);
         m_pArea->addView(view);
         cameras += view->cameraHandles();
-    }
-    if (ends.isEmpty()) {
-        CkChainManager::instance()->closeChain(chain);
-        sError = tr("%1: the chain is empty.").arg(sFileName);
-        return false;
     }
     chain->start();
     for (void* handle : cameras) {

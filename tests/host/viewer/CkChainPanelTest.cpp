@@ -252,6 +252,26 @@ TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
 }
 
+TEST_F(ChainPanel, AChainFileThatCannotBeLoadedLeavesNoCameraOpen) {
+    const QString fileName = m_folder.filePath("unknown.zuchain");
+    QFile file(fileName);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        "<zuchainfile version=\"1\"><chain version=\"1\">"
+        "<block class=\"com.orvane.Pictor.CkCameraSource\" id=\"0\" predecessors=\"\" camera=\"sim:wave\"/>"
+        "<block class=\"com.orvane.Pictor.CkCameraSource\" id=\"1\" predecessors=\"\" camera=\"sim:grey\"/>"
+        "<block class=\"not.there\" id=\"2\" predecessors=\"0\"/></chain></zuchainfile>");
+    file.close();
+    const QList<void*> before = CkCameraManager::instance()->openedCameras();
+    ASSERT_EQ(before.size(), 1);
+    QString error;
+    EXPECT_FALSE(window()->openChainFile(fileName, error));
+    EXPECT_TRUE(error.contains("not.there")) << qPrintable(error);
+    EXPECT_EQ(CkCameraManager::instance()->openedCameras(), before);
+    EXPECT_NE(desk()->panel(before.first()), nullptr);
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+}
+
 TEST_F(ChainPanel, UnusableChainFilesAreRefusedWithTheirName) {
     const auto write = [this](const char* name, const QByteArray& content) {
         const QString fileName = m_folder.filePath(QLatin1String(name));
