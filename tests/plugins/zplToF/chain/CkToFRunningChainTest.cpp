@@ -37,13 +37,13 @@ private:
     Check m_goodFrame;
 };
 
-/// Lets the chain work until the condition holds; false after ten seconds.
+/// Lets the chain work until the condition holds; false after half a minute.
 template <typename Condition>
 bool waitFor(const Condition& condition) {
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
-        if (timer.elapsed() > 10000) {
+        if (timer.elapsed() > 30000) {
             return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
