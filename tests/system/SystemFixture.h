@@ -59,9 +59,9 @@ protected:
         ASSERT_TRUE(action->isEnabled()) << objectName;
         QMenuBar* bar = window()->menuBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(host->menuAction()).center());
-        ASSERT_TRUE(QTest::qWaitFor([host] { return host->isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitFor([host] { return host->isVisible(); }, 30'000));
         QTest::mouseClick(host, Qt::LeftButton, {}, host->actionGeometry(menu->menuAction()).center());
-        ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }, 30'000));
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
     }
 

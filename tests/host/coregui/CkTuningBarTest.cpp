@@ -169,6 +169,6 @@ TEST_F(CkTuningBarTest, ShowsValueFocusAndDisabledState) {
     bar.setEnabled(true);
     QApplication::setActiveWindow(&bar);
     bar.setFocus();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return bar.hasFocus(); }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return bar.hasFocus(); }, 30000));
     EXPECT_NE(lower, picture());
 }
