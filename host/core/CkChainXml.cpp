@@ -86,12 +86,13 @@ bool CkChainReader::readBlock(const QDomElement& element) {
     if (!object) {
         return fail(element, CkRTTI::instance()->lastError());
     }
-    SkReadBlock read;
-    read.block.reset(qobject_cast<CkChainable*>(object.get()));
-    if (!read.block) {
+    auto* const block = qobject_cast<CkChainable*>(object.get());
+    if (block == nullptr) {
         return fail(element, CkChain::tr("class \"%1\" is no block of a chain.").arg(className));
     }
-    object.release(); // the same object, now held as a block
+    SkReadBlock read;
+    static_cast<void>(object.release()); // the same object, from here on held as a block
+    read.block.reset(block);
     if (!readFeeders(element, read)) {
         return false;
     }

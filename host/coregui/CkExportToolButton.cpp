@@ -33,7 +33,7 @@ QString askForFile(QWidget* pParent, const QString& sFilter) {
         dialog->setDirectory(delegate->lastDirectory());
     }
     const bool bAccepted = dialog->exec() == QDialog::Accepted;
-    const QString sFile = dialog && bAccepted ? dialog->selectedFiles().value(0) : QString();
+    QString sFile = dialog && bAccepted ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
     if (!sFile.isEmpty() && IkAppDelegate::instance() != nullptr) {
         IkAppDelegate::instance()->setLastDirectory(QFileInfo(sFile).absolutePath());
