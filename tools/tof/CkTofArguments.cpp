@@ -84,6 +84,31 @@ bool CkTofArguments::readNumber(const QString& sName, qint64 iMinimum, qint64& i
     return true;
 }
 
+bool CkTofArguments::readNumbers(const QString& sName, double fMinimum, double fMaximum,
+                                 std::vector<double>& values) const {
+    if (!has(sName)) {
+        return true;
+    }
+    std::vector<double> numbers;
+    for (const QString& part : value(sName).split(QLatin1Char(','))) {
+        bool ok = false;
+        const double number = QLocale::c().toDouble(part, &ok);
+        // Not the other way round: what is no number is out of every range.
+        if (!ok || !(number >= fMinimum && number <= fMaximum)) {
+            CkTofConsole::error(
+                QStringLiteral("--%1 wants numbers from %2 to %3 with commas between, not \"%4\".")
+                    .arg(sName)
+                    .arg(fMinimum)
+                    .arg(fMaximum)
+                    .arg(value(sName)));
+            return false;
+        }
+        numbers.push_back(number);
+    }
+    values = numbers;
+    return true;
+}
+
 bool CkTofArguments::readPair(const QString& sName, double& fFirst, double& fSecond) const {
     if (!has(sName)) {
         return true;

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <vector>
 
 /// Options and arguments of one command. What is wrong with them goes to the standard error.
 class CkTofArguments {
@@ -27,6 +28,9 @@ public:
     /// of at least fMinimum, or a list of another length.
     bool readNumber(const QString& sName, double fMinimum, double& fValue) const;
     bool readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const;
+    /// A list of numbers with commas between, each from fMinimum to fMaximum.
+    bool readNumbers(const QString& sName, double fMinimum, double fMaximum,
+                     std::vector<double>& values) const;
     bool readPair(const QString& sName, double& fFirst, double& fSecond) const;
 
 private:

@@ -5,11 +5,12 @@
 /// Exit codes of the program; part of its interface.
 enum EkTofExit : int {
     TofSuccess = 0,
-    TofUsage = 2,        ///< wrong options or arguments
-    TofInput = 3,        ///< the input cannot be read at all
-    TofDamaged = 4,      ///< parts of the input cannot be read; the rest was worked on
-    TofOutput = 5,       ///< the output cannot be written
-    TofNotApplicable = 6 ///< the command makes nothing of this input
+    TofUsage = 2,         ///< wrong options or arguments
+    TofInput = 3,         ///< the input cannot be read at all
+    TofDamaged = 4,       ///< parts of the input cannot be read; the rest was worked on
+    TofOutput = 5,        ///< the output cannot be written
+    TofNotApplicable = 6, ///< the command makes nothing of this input
+    TofExceeded = 7       ///< the results are there, and exceed a limit that was given
 };
 
 /// Where results, errors and progress go. Results to the standard output, the others to the standard error;

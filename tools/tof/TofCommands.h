@@ -9,3 +9,4 @@ int tofRecord(const QStringList& arguments);
 int tofProcess(const QStringList& arguments);
 int tofCloud(const QStringList& arguments);
 int tofImage(const QStringList& arguments);
+int tofAccuracy(const QStringList& arguments);

@@ -17,6 +17,7 @@ Commands:
   process  Applies a ToF transform to a recording.
   cloud    Makes point clouds (PLY) of a recording.
   image    Makes a picture (PNG, 16-bit PNG or float TIFF) of a frame.
+  accuracy Measures how exact distances are, on simulated cameras; writes a report.
 
 Options:
   -h, --help     Shows this help; "tof COMMAND --help" that of a command.
@@ -29,6 +30,7 @@ Exit codes:
   4  Parts of the input cannot be read; the rest was worked on.
   5  The output cannot be written.
   6  The command makes nothing of this input.
+  7  A result exceeds a limit that was given.
 
 Examples:
   tof record --camera wave --frames 100 room.tif
@@ -39,11 +41,8 @@ int run(const QStringList& arguments) {
     const struct {
         const char* name;
         int (*command)(const QStringList&);
-    } commands[] = {{"info", tofInfo},
-                    {"record", tofRecord},
-                    {"process", tofProcess},
-                    {"cloud", tofCloud},
-                    {"image", tofImage}};
+    } commands[] = {{"info", tofInfo},   {"record", tofRecord}, {"process", tofProcess},
+                    {"cloud", tofCloud}, {"image", tofImage},   {"accuracy", tofAccuracy}};
     const QString name = arguments.value(1);
     for (const auto& entry : commands) {
         if (name == QLatin1String(entry.name)) {

@@ -3,18 +3,26 @@ _tof() {
     local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]}
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        COMPREPLY=($(compgen -W "info record process cloud image --help --version" -- "$cur"))
+        COMPREPLY=($(compgen -W "info record process cloud image accuracy --help --version" -- "$cur"))
         return
     fi
     case $prev in
     --transform) COMPREPLY=($(compgen -W "depth amplitude intensity concat aminb ab hybrid" -- "$cur")); return ;;
-    --camera) COMPREPLY=($(compgen -W "wave hybrid grey" -- "$cur")); return ;;
+    --camera)
+        local cameras="wave hybrid grey"
+        [ "$command" = accuracy ] && cameras="wave hybrid wave,hybrid"
+        COMPREPLY=($(compgen -W "$cameras" -- "$cur"))
+        return
+        ;;
+    --phases) COMPREPLY=($(compgen -W "2 4 8 2,4,8" -- "$cur")); return ;;
+    --bits) COMPREPLY=($(compgen -W "8 12 16 8,12" -- "$cur")); return ;;
     --format) COMPREPLY=($(compgen -W "png png16 tiff" -- "$cur")); return ;;
     --frames)
-        # A number for record, no value for info.
-        [ "$command" = record ] && return ;;
+        # A number for record and accuracy, no value for info.
+        [ "$command" != info ] && return ;;
     --frame | --set | --channel | --map | --range | --focal-length | --cell-size | --center-offset | \
-        --frequency | --confidence | --offset | --z-zoom | --max-width) return ;;
+        --frequency | --confidence | --offset | --z-zoom | --max-width | --pulse | --distance | --reflectivity | \
+        --ambient | --exposure | --size | --seed | --max-bias | --max-std | --max-ratio | --min-valid) return ;;
     esac
     if [[ $cur == -* ]]; then
         local options=--help
@@ -25,6 +33,9 @@ _tof() {
         cloud) options+=" --frame --from-settings --settings-file --lens --no-lens --focal-length --cell-size
             --center-offset --frequency --confidence --offset --ortho --no-ortho --z-zoom --max-width" ;;
         image) options+=" --frame --format --channel --map --range" ;;
+        accuracy) options+=" --camera --frequency --pulse --distance --reflectivity --ambient --phases --bits
+            --exposure --frames --size --seed --no-noise --confidence --csv --max-bias --max-std --max-ratio
+            --min-valid" ;;
         esac
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
         return

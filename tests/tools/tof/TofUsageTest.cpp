@@ -8,7 +8,7 @@ namespace {
 
 class TofUsageTest : public TofFixture {};
 
-const char* const commands[] = {"info", "record", "process", "cloud", "image"};
+const char* const commands[] = {"info", "record", "process", "cloud", "image", "accuracy"};
 
 } // namespace
 
@@ -47,7 +47,7 @@ TEST_F(TofUsageTest, ManualAndCompletionKnowEveryOption) {
             ++options;
         }
     }
-    EXPECT_EQ(options, 3 + 5 + 2 + 15 + 5);
+    EXPECT_EQ(options, 3 + 5 + 2 + 15 + 5 + 19);
 }
 
 TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
