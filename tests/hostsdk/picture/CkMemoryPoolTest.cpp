@@ -3,6 +3,7 @@
 #include "zuCore/CkPicBufAPI.h"
 
 #include <atomic>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>
