@@ -49,10 +49,19 @@ void takeOverCellSize(float& cellSizeMM, float micrometres) {
     }
 }
 
+// "JPEG (*.jpg)" gives "jpg".
+QString suffixOf(const QString& nameFilter) {
+    return nameFilter.section(QLatin1String("*."), 1).section(QLatin1Char(')'), 0, 0);
+}
+
 // What QFileDialog::getSaveFileName does, which itself does not survive that its parent is closed meanwhile.
-QString askForFile(QWidget* parent, const QString& title, const QString& directory, const QString& filter) {
-    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, directory, filter);
+// A name without an extension gets the one of the chosen filter, for the extension decides the format.
+QString askForFile(QWidget* parent, const QString& title, const QString& directory, const QString& filters) {
+    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, directory, filters);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(suffixOf(dialog->selectedNameFilter()));
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog,
+                     [dialog](const QString& filter) { dialog->setDefaultSuffix(suffixOf(filter)); });
     const bool accepted = dialog->exec() == QDialog::Accepted;
     const QString name = accepted && dialog ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
@@ -60,12 +69,11 @@ QString askForFile(QWidget* parent, const QString& title, const QString& directo
 }
 
 // Whoever waits for the file finds none, or the whole.
-void saveImage(const QImage& image, const QString& fileName) {
+bool saveImage(const QImage& image, const QString& fileName) {
     QSaveFile file(fileName);
     const QByteArray format = QFileInfo(fileName).suffix().toLatin1();
-    if (!image.isNull() && file.open(QIODevice::WriteOnly) && image.save(&file, format.constData())) {
-        file.commit();
-    }
+    return !image.isNull() && file.open(QIODevice::WriteOnly) && image.save(&file, format.constData()) &&
+           file.commit();
 }
 
 } // namespace
@@ -317,24 +325,38 @@ void CkToF3DMdiView::onScreenshotRequestCompleted() {
     }
     reply->deleteLater();
     const QImage image = m_scene ? m_scene->picture(*reply) : QImage();
-    if (image.isNull()) {
-        return;
-    }
     const QString directory = host != nullptr ? host->lastDirectory() : QString();
     const QString name = askForFile(this, tr("Save Screenshot to File"), directory,
                                     QStringLiteral("PNG (*.png);;JPEG (*.jpg);;BMP Bitmaps (*.bmp)"));
+    // The view may be gone by now; then there is no name.
     if (name.isEmpty()) {
         return;
     }
-    image.save(name);
+    if (!saveImage(image, name)) {
+        qCritical().noquote()
+            << QStringLiteral("CkToF3DMdiView::onScreenshotRequestCompleted(): %1")
+                   .arg(image.isNull()
+                            ? QStringLiteral("nothing was captured, \"%1\" is not written").arg(name)
+                            : QStringLiteral("\"%1\" could not be written; choose a folder "
+                                             "that can be written to, and an extension "
+                                             "of .png, .jpg or .bmp")
+                                  .arg(name));
+    }
     if (host != nullptr) {
         host->setLastDirectory(QFileInfo(name).absolutePath());
     }
 }
 
 void CkToF3DMdiView::exportPointCould() {
-    CkExportToolButton::exportText(buildPlyText(m_cloud.exportPoints()), CkExportToolButton::File, this,
-                                   QStringLiteral("PLY (*.ply)"));
+    const QByteArray text = buildPlyText(m_cloud.exportPoints());
+    if (text.isEmpty()) {
+        qCritical().noquote() << QStringLiteral(
+                                     "CkToF3DMdiView::exportPointCould(): not enough memory for the "
+                                     "text of %1 points")
+                                     .arg(m_cloud.pointCount());
+        return;
+    }
+    CkExportToolButton::exportText(text, CkExportToolButton::File, this, QStringLiteral("PLY (*.ply)"));
 }
 
 bool CkToF3DMdiView::grabScene(const QString& sFileName) {

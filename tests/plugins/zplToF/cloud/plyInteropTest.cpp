@@ -1,4 +1,4 @@
-// Exported clouds as another program reads them: the converter of the Point Cloud Library.
+// Exported clouds as other programs read them: each one converts the PLY into a plain list of its own.
 
 #include "CloudRig.h"
 #include "cloud/CkToFDepthFrame.h"
@@ -12,61 +12,135 @@
 
 namespace {
 
-/// The points of a PCD text file in the order of the file.
-std::vector<SkToFPoint> readPcd(const QString& fileName) {
+/// A program that reads PLY, and how it writes what it has read.
+struct Reader {
+    const char* name;
+    const char* outputSuffix;
+    /// Program and arguments.
+    QStringList (*command)(const QString& ply, const QString& output);
+    double relative; ///< what its digits keep of a number: a part of it, ...
+    double absolute; ///< ... and an amount
+};
+
+const Reader readers[] = {
+#ifdef PLY2PCD
+    {"PointCloudLibrary", "pcd",
+     [](const QString& ply, const QString& output) {
+         return QStringList{QStringLiteral(PLY2PCD), QStringLiteral("-format"), QStringLiteral("0"), ply,
+                            output};
+     },
+     1e-7, 1e-12},
+#endif
+#ifdef CLOUDCOMPARE
+    {"CloudCompare", "asc",
+     [](const QString& ply, const QString&) {
+         return QString(CLOUDCOMPARE " -SILENT -NO_TIMESTAMP -C_EXPORT_FMT ASC -PREC 12 -SEP SPACE -O %1 "
+                                     "-SAVE_CLOUDS")
+             .arg(ply)
+             .split(QLatin1Char(' '));
+     },
+     1e-7, 1e-12},
+#endif
+#ifdef MESHLABSERVER
+    // It asks for OpenGL even to convert a file.
+    {"MeshLab", "xyz",
+     [](const QString& ply, const QString& output) {
+         return QStringList{QStringLiteral(XVFB_RUN),
+                            QStringLiteral("-a"),
+                            QStringLiteral(MESHLABSERVER),
+                            QStringLiteral("-i"),
+                            ply,
+                            QStringLiteral("-o"),
+                            output};
+     },
+     1e-7, 5.1e-7},
+#endif
+};
+
+/// The points of a text with one point a line, behind a header if it has one.
+std::vector<SkToFPoint> readPoints(const QString& fileName) {
     QFile file(fileName);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << fileName.toStdString();
     std::vector<SkToFPoint> points;
-    qsizetype announced = -1;
-    bool data = false;
     while (!file.atEnd()) {
         const QList<QByteArray> words = file.readLine().simplified().split(' ');
-        if (data) {
-            EXPECT_GE(words.size(), 3);
-            points.push_back({words.value(0).toFloat(), words.value(1).toFloat(), words.value(2).toFloat()});
-        } else if (words[0] == "FIELDS") {
-            EXPECT_EQ(words.mid(1, 3), QList<QByteArray>({"x", "y", "z"}));
-        } else if (words[0] == "POINTS") {
-            announced = words.value(1).toLongLong();
-        } else if (words[0] == "DATA") {
-            EXPECT_EQ(words.value(1), "ascii");
-            data = true;
+        bool isNumber[3] = {};
+        const SkToFPoint point = {words.value(0).toFloat(&isNumber[0]), words.value(1).toFloat(&isNumber[1]),
+                                  words.value(2).toFloat(&isNumber[2])};
+        if (isNumber[0] && isNumber[1] && isNumber[2]) {
+            points.push_back(point);
+        } else {
+            EXPECT_TRUE(points.empty()) << words.join(' ').toStdString();
         }
     }
-    EXPECT_EQ(announced, qsizetype(points.size()));
     return points;
 }
 
-/// PCD texts hold eight digits.
-void expectNear(float read, float written) {
-    EXPECT_LE(std::fabs(double(read) - double(written)), 1e-7 * std::fabs(double(written)) + 1e-12)
-        << read << " for " << written;
-}
-
-void expectReadBack(std::span<const SkToFPoint> points) {
-    QTemporaryDir folder;
-    const QString ply = folder.filePath(QStringLiteral("cloud.ply"));
-    const QString pcd = folder.filePath(QStringLiteral("cloud.pcd"));
-    QFile file(ply);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    const QByteArray text = buildPlyText(points);
-    ASSERT_EQ(file.write(text), text.size());
-    file.close();
-
-    QProcess converter;
-    converter.start(QStringLiteral(PLY2PCD), {QStringLiteral("-format"), QStringLiteral("0"), ply, pcd});
-    ASSERT_TRUE(converter.waitForFinished(120000));
-    ASSERT_EQ(converter.exitCode(), 0) << converter.readAllStandardError().toStdString();
-    const std::vector<SkToFPoint> read = readPcd(pcd);
-    ASSERT_EQ(read.size(), points.size());
-    for (size_t i = 0; i < read.size() && !testing::Test::HasFailure(); ++i) {
-        expectNear(read[i].x, points[i].x);
-        expectNear(read[i].y, points[i].y);
-        expectNear(read[i].z, points[i].z);
+struct Extents {
+    explicit Extents(std::span<const SkToFPoint> points) {
+        for (const SkToFPoint& point : points) {
+            const std::array<float, 3> values = {point.x, point.y, point.z};
+            for (size_t i = 0; i < values.size(); ++i) {
+                least[i] = std::min(least[i], values[i]);
+                most[i] = std::max(most[i], values[i]);
+            }
+        }
     }
-}
+    std::array<float, 3> least = {Infinite, Infinite, Infinite};
+    std::array<float, 3> most = {-Infinite, -Infinite, -Infinite};
+};
 
-TEST(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {
+class PlyInterop : public testing::TestWithParam<Reader> {
+protected:
+    static bool isNear(float read, float written) {
+        const double allowed = GetParam().relative * std::fabs(double(written)) + GetParam().absolute;
+        return std::fabs(double(read) - double(written)) <= allowed;
+    }
+
+    void expectReadBack(std::span<const SkToFPoint> points) {
+        const QTemporaryDir folder;
+        const QString ply = folder.filePath(QStringLiteral("cloud.ply"));
+        const QString output = folder.filePath(QStringLiteral("cloud.") + GetParam().outputSuffix);
+        QFile file(ply);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        const QByteArray text = buildPlyText(points);
+        ASSERT_EQ(file.write(text), text.size());
+        file.close();
+
+        const QStringList command = GetParam().command(ply, output);
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        // MeshLab gets a display of its own; the others need none.
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), output.endsWith(QLatin1String("xyz"))
+                                                                  ? QStringLiteral("xcb")
+                                                                  : QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("HOME"), folder.path());
+        program.setProcessEnvironment(environment);
+        program.setProcessChannelMode(QProcess::MergedChannels);
+        program.start(command[0], command.mid(1));
+        ASSERT_TRUE(program.waitForFinished(120000)) << command.join(' ').toStdString();
+        ASSERT_EQ(program.exitCode(), 0) << program.readAll().toStdString();
+
+        const std::vector<SkToFPoint> read = readPoints(output);
+        ASSERT_EQ(read.size(), points.size());
+        const Extents before(points);
+        const Extents after(read);
+        for (size_t i = 0; i < 3; ++i) {
+            EXPECT_TRUE(isNear(after.least[i], before.least[i])) << after.least[i];
+            EXPECT_TRUE(isNear(after.most[i], before.most[i])) << after.most[i];
+        }
+        for (size_t i = 0; i < read.size(); ++i) {
+            ASSERT_TRUE(isNear(read[i].x, points[i].x)) << i << ": " << read[i].x << " for " << points[i].x;
+            ASSERT_TRUE(isNear(read[i].y, points[i].y)) << i << ": " << read[i].y << " for " << points[i].y;
+            ASSERT_TRUE(isNear(read[i].z, points[i].z)) << i << ": " << read[i].z << " for " << points[i].z;
+        }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Readers, PlyInterop, testing::ValuesIn(readers),
+                         [](const auto& reader) { return std::string(reader.param.name); });
+
+TEST_P(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {
     HeapPicture input(640, 480, 2, EkImageDataType::Float32);
     for (quint32 y = 0; y < 480; y++)
         for (quint32 x = 0; x < 640; x++) {
@@ -85,7 +159,7 @@ TEST(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {
     expectReadBack(builder.exportPoints());
 }
 
-TEST(PlyInterop, SmallLargeAndNegativeNumbersAreReadBack) {
+TEST_P(PlyInterop, SmallLargeAndNegativeNumbersAreReadBack) {
     const std::array<SkToFPoint, 4> points = {
         {{1.5F, -2.0F, 0.25F}, {1e-7F, -3.4e-5F, 123456.789F}, {-1e20F, 2e10F, 0.0F}, {1.0F, 1e6F, 1e-3F}}};
     expectReadBack(points);

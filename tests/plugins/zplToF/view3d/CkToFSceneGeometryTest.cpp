@@ -12,6 +12,7 @@
 #include <Qt3DRender/QGeometryRenderer>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <vector>
 
 using Qt3DCore::QAttribute;
@@ -49,6 +50,26 @@ public:
         parameters.pColourTable = m_colors.colors();
         parameters.layout = m_layout;
         EXPECT_TRUE(m_cloud.build(m_pictures, parameters));
+        return m_cloud;
+    }
+
+    /// Only the first so many pixels are drawn.
+    const CkToFCloudBuilder& makePartly(quint32 width, quint32 height, quint32 points) {
+        SkPicBuf& picture = m_pictures.depthPic;
+        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, 1, EkImageDataType::Float32, 0,
+                                                     0, 32, EkDataStorageFormat::Interleaved,
+                                                     EkColorFilterArray::None, false, false, 0));
+        for (quint32 i = 0; i < width * height; ++i) {
+            reinterpret_cast<float*>(picture.row(i / width))[i % width] =
+                i < points ? 1.0F : std::numeric_limits<float>::quiet_NaN();
+        }
+        picture.minValue = 1.0F;
+        picture.maxValue = 1.0F;
+        SkToFCloudParameters parameters;
+        parameters.pColourTable = m_colors.colors();
+        parameters.layout = m_layout;
+        EXPECT_TRUE(m_cloud.build(m_pictures, parameters));
+        EXPECT_EQ(m_cloud.pointCount(), int(points));
         return m_cloud;
     }
 
@@ -248,6 +269,22 @@ TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithEverySizeOfThePicture) {
     const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
     EXPECT_EQ(indices->count(), 24U);
     EXPECT_EQ(contents<quint32>(indices).size(), 24U);
+    EXPECT_EQ(renderer.vertexCount(), 24);
+}
+
+TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithAnotherSizeOfAsManyPoints) {
+    CloudMaker clouds(EkToFVertexLayout::Quads);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.makePartly(2, 1, 2), true);
+    geometry.update(&renderer, clouds.makePartly(4, 1, 2), true);
+    const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
+    EXPECT_EQ(indices->count(), 24U);
+    // Every pixel is counted, the last two draw nothing.
+    const std::vector<quint32> expected = {0, 1, 2, 2, 3, 0, 4, 5, 6, 6, 7, 4,
+                                           0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(contents<quint32>(indices), expected);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer()->data().size(), 4 * 4 * 24);
     EXPECT_EQ(renderer.vertexCount(), 24);
 }
 

@@ -4,7 +4,10 @@
 #include <QAction>
 #include <Qt3DCore/QEntity>
 #include <Qt3DExtras/Qt3DWindow>
+#include <Qt3DInput/QAction>
 #include <Qt3DRender/QCamera>
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -126,6 +129,20 @@ TEST_F(ToF3DViewActionTest, AFrameBeforeTheLimitIsDroppedAForcedOneNever) {
     EXPECT_EQ(view->depthFrame().depthPic().maxValue, 1.0F);
     view->updateWithConnectedImageData(phaseOf(3.0F).get(), true);
     EXPECT_EQ(view->depthFrame().depthPic().maxValue, 3.0F);
+}
+
+TEST_F(ToF3DViewActionTest, ANewResolutionIsShownWhateverTheLimit) {
+    m_host.store(QStringLiteral("ToF.RegulateInputFps"), true);
+    m_host.store(QStringLiteral("ToF.MaxInputFps"), 0.001F);
+    m_source.shown = TestFrame::bytes(64, 32, [](int x, int) { return 3 * x; });
+    const auto view = open();
+    give(*view, m_source.shown);
+    letEventsHappen(5);
+    QAction narrow(QStringLiteral("16"), nullptr);
+    QObject::connect(&narrow, SIGNAL(triggered()), view.get(), SLOT(onDepthResChanged()));
+    narrow.trigger();
+    EXPECT_EQ(view->depthFrame().depthPic().width, 16U);
+    EXPECT_EQ(view->cloud().pointCount(), 16 * 8);
 }
 
 TEST_F(ToF3DViewActionTest, TheCamerasOwnLensAndFrequencyWinAndAreNotStored) {
@@ -273,6 +290,19 @@ TEST_F(ToF3DViewActionTest, TheBoxIsHiddenStoredAndShownAtItsNewSize) {
     EXPECT_EQ(m_host.settingsAlive(), 0);
 }
 
+TEST_F(ToF3DViewActionTest, TheBoxOf640x480IsTwoWideAndOneAndAHalfHigh) {
+    m_source.shown = TestFrame::bytes(640, 480, [](int x, int) { return x % 200; });
+    const auto view = open();
+    const auto* positions =
+        CkToF3DMdiView::getSceneAttribute(view->scene()->boxRenderer(), QStringLiteral("vertexPosition"));
+    std::array<float, 24> corners{};
+    ASSERT_EQ(positions->buffer()->data().size(), 96);
+    std::memcpy(corners.data(), positions->buffer()->data().constData(), 96);
+    // The first corner, and the seventh, which lies opposite.
+    EXPECT_EQ(corners[18] - corners[0], 2.0F);
+    EXPECT_EQ(corners[19] - corners[1], 1.5F);
+}
+
 TEST_F(ToF3DViewActionTest, TheBackgroundIsStoredAsAnUnsignedNumber) {
     const auto view = open();
     view->selectBgColor(0xff8001U);
@@ -325,21 +355,49 @@ TEST_F(ToF3DViewActionTest, AMousePressMakesTheViewActiveOnce) {
     EXPECT_EQ(m_host.calls.size(), 1);
 }
 
+/// The mouse buttons as the orbit controller sees them.
+QList<Qt3DInput::QAction*> controllerButtons(const CkToF3DMdiView& view) {
+    const auto entities = view.scene()->cloudRenderer()->entities();
+    return entities[0]->parentNode()->findChildren<Qt3DInput::QAction*>();
+}
+
+TEST_F(ToF3DViewActionTest, AMousePressMakesTheViewActiveBeforeTheOrbitControllerHandlesIt) {
+    const auto view = open();
+    show(*view);
+    m_host.calls.clear();
+    const QList<Qt3DInput::QAction*> buttons = controllerButtons(*view);
+    ASSERT_FALSE(buttons.isEmpty());
+    for (const Qt3DInput::QAction* button : buttons) {
+        QObject::connect(button, &Qt3DInput::QAction::activeChanged, button,
+                         [this] { m_host.calls << QStringLiteral("controller"); });
+    }
+    QTest::mousePress(view->scene()->window(), Qt::LeftButton, {}, QPoint(50, 50));
+    ASSERT_TRUE(waitFor([&] { return m_host.calls.contains(QStringLiteral("controller")); }));
+    EXPECT_EQ(m_host.calls, QStringList({QStringLiteral("setActiveView %1").arg(view->viewId()),
+                                         QStringLiteral("controller")}));
+    QTest::mouseRelease(view->scene()->window(), Qt::LeftButton, {}, QPoint(50, 50));
+}
+
 TEST_F(ToF3DViewActionTest, DefaultPositionAfterOrbiting) {
     const auto view = open();
     show(*view);
     Qt3DRender::QCamera* camera = view->scene()->camera();
     EXPECT_EQ(camera->position(), QVector3D(0, 0, 3));
     QWindow* window = view->scene()->window();
-    // The controller reads the mouse once a frame, so the pointer moves slowly.
+    // The controller reads the mouse once a frame and turns with what moved since the last one.
     QTest::mousePress(window, Qt::RightButton, {}, QPoint(200, 200));
-    for (int i = 0; i < 20 && camera->position() == QVector3D(0, 0, 3); ++i) {
-        QTest::mouseMove(window, QPoint(200 + 5 * i, 200 + 3 * i));
-        letEventsHappen(40);
-    }
-    QTest::mouseRelease(window, Qt::RightButton, {}, QPoint(300, 260));
-    ASSERT_TRUE(waitFor([&] { return camera->position() != QVector3D(0, 0, 3); }));
-    letEventsHappen(100);
+    int x = 200;
+    ASSERT_TRUE(waitFor([&] {
+        x = x < 400 ? x + 5 : 200;
+        QTest::mouseMove(window, QPoint(x, 200));
+        return camera->position() != QVector3D(0, 0, 3);
+    }));
+    QTest::mouseRelease(window, Qt::RightButton, {}, QPoint(x, 200));
+    const QList<Qt3DInput::QAction*> buttons = controllerButtons(*view);
+    ASSERT_TRUE(waitFor([&] {
+        return std::none_of(buttons.begin(), buttons.end(),
+                            [](const auto* button) { return button->isActive(); });
+    }));
 
     action(*view, QStringLiteral("Default position"))->trigger();
     EXPECT_EQ(camera->position(), QVector3D(0, 0, 3));

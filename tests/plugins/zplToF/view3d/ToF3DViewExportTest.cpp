@@ -1,9 +1,12 @@
 #include "ViewActionRig.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QImageReader>
 #include <Qt3DExtras/Qt3DWindow>
+#include <Qt3DRender/QRenderCapture>
 #include <limits>
 
 namespace {
@@ -54,6 +57,78 @@ TEST_F(ToF3DViewExportTest, ACancelledScreenshotWritesNothing) {
     EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
     EXPECT_EQ(m_host.directory, m_folder.path());
     EXPECT_EQ(m_host.calls.filter(QStringLiteral("setLastDirectory")).size(), 0);
+}
+
+TEST_F(ToF3DViewExportTest, AScreenshotNamedWithoutAnExtensionIsWrittenInTheChosenFormat) {
+    const auto view = open();
+    show(*view);
+    m_driver.expectWindow([&](QWidget* window) {
+        auto* formats = window->findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+        ASSERT_NE(formats, nullptr);
+        QTest::keyClick(formats, Qt::Key_End);
+        EXPECT_EQ(formats->currentText(), QStringLiteral("BMP Bitmaps (*.bmp)"));
+        chooseFile(window, inFolder(QStringLiteral("shot")));
+    });
+    action(*view, QStringLiteral("Screenshot"))->trigger();
+    const QString file = inFolder(QStringLiteral("shot.bmp"));
+    ASSERT_TRUE(waitFor([&] { return m_driver.pending() == 0 && QFile::exists(file); }));
+    EXPECT_EQ(QImageReader(file).format(), QByteArray("bmp"));
+    EXPECT_EQ(QImage(file).size(), view->scene()->window()->size());
+}
+
+QStringList criticalMessages;
+
+void collect(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtCriticalMsg) {
+        criticalMessages << text;
+    }
+}
+
+TEST_F(ToF3DViewExportTest, AScreenshotThatCannotBeWrittenIsLoggedAndLeavesNoFile) {
+    const auto view = open();
+    show(*view);
+    const QString file = inFolder(QStringLiteral("shot.nosuchformat"));
+    m_driver.expectWindow([&](QWidget* window) { chooseFile(window, file); });
+    criticalMessages.clear();
+    const QtMessageHandler before = qInstallMessageHandler(collect);
+    view->saveScreenshot();
+    EXPECT_TRUE(waitFor([&] { return !criticalMessages.isEmpty(); }));
+    qInstallMessageHandler(before);
+    ASSERT_EQ(criticalMessages.size(), 1);
+    EXPECT_TRUE(
+        criticalMessages[0].startsWith(QLatin1String("CkToF3DMdiView::onScreenshotRequestCompleted(): ")));
+    EXPECT_TRUE(criticalMessages[0].contains(file)) << criticalMessages[0].toStdString();
+    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+    EXPECT_EQ(m_host.directory, m_folder.path());
+}
+
+/// A capture that failed has no picture. The dialog opens all the same; no file comes of it, and the log says
+/// so.
+TEST_F(ToF3DViewExportTest, ACaptureWithoutAPictureLeavesNoFile) {
+    const auto view = open();
+    show(*view);
+    Qt3DRender::QRenderCaptureReply* reply = view->scene()->requestCapture();
+    ASSERT_NE(reply, nullptr);
+    ASSERT_TRUE(reply->image().isNull());
+    QObject::connect(reply, SIGNAL(completed()), view.get(), SLOT(onScreenshotRequestCompleted()));
+    const QString file = inFolder(QStringLiteral("shot.png"));
+    bool shown = false;
+    m_driver.expectWindow([&](QWidget* window) {
+        // The reply may go only when Qt has done with it, and its own signal is not for the view.
+        QObject::disconnect(reply, nullptr, view.get(), nullptr);
+        EXPECT_TRUE(waitFor([&] { return reply->isComplete(); }));
+        shown = true;
+        chooseFile(window, file);
+    });
+    criticalMessages.clear();
+    const QtMessageHandler before = qInstallMessageHandler(collect);
+    emit reply->completed();
+    qInstallMessageHandler(before);
+    EXPECT_TRUE(shown);
+    ASSERT_EQ(criticalMessages.size(), 1);
+    EXPECT_TRUE(criticalMessages[0].contains(file)) << criticalMessages[0].toStdString();
+    EXPECT_FALSE(QFile::exists(file));
+    EXPECT_EQ(m_host.directory, m_folder.path());
 }
 
 TEST_F(ToF3DViewExportTest, AHiddenViewTakesNoScreenshot) {

@@ -10,6 +10,7 @@
 #include <Qt3DExtras/QPerVertexColorMaterial>
 #include <Qt3DExtras/Qt3DWindow>
 #include <Qt3DRender/QGeometryRenderer>
+#include <Qt3DRender/QParameter>
 #include <Qt3DRender/QRenderCapture>
 #include <limits>
 
@@ -59,9 +60,29 @@ TEST_F(ToF3DViewWaylandTest, TheCloudIsDrawnAsQuadsWithThePerVertexColorMaterial
         CkToF3DMdiView::getSceneAttribute(scene.cloudRenderer(), QStringLiteral("sceneIndexBuffer"));
     ASSERT_NE(indices, nullptr);
     EXPECT_EQ(indices->count(), 6U * 40U * 30U);
-    // A resize has nothing to adjust.
+}
+
+TEST_F(ToF3DViewWaylandTest, AResizeChangesNoParameter) {
+    m_source.shown = TestFrame::generic(4, 3, [](int x, int) { return float(x); });
+    const auto view = open();
+    show(*view, QSize(800, 600));
+    const auto parameters =
+        view->scene()->window()->findChildren<Qt3DRender::QParameter*>() +
+        view->scene()->cloudRenderer()->entities()[0]->parentNode()->findChildren<Qt3DRender::QParameter*>();
+    ASSERT_FALSE(parameters.isEmpty());
+    const auto state = [&] {
+        QStringList texts;
+        for (const Qt3DRender::QParameter* parameter : parameters) {
+            EXPECT_NE(parameter->name(), QStringLiteral("parWindowSize"));
+            EXPECT_NE(parameter->name(), QStringLiteral("parPointSize"));
+            texts << parameter->name() + QLatin1Char('=') + parameter->value().toString();
+        }
+        return texts;
+    };
+    const QStringList before = state();
     view->resize(900, 700);
-    letEventsHappen(20);
+    ASSERT_TRUE(waitFor([&] { return view->scene()->window()->width() == 900; }));
+    EXPECT_EQ(state(), before);
 }
 
 TEST_F(ToF3DViewWaylandTest, AGrabShowsTheCloud) {

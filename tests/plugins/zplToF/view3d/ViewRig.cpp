@@ -133,7 +133,7 @@ QAction* ViewTest::action(const CkToF3DMdiView& view, const QString& text) {
 }
 
 bool ViewTest::waitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 10000);
+    return QTest::qWaitFor(condition, 30000);
 }
 
 void ViewTest::letEventsHappen(int milliseconds) {

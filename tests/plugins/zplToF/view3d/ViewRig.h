@@ -63,7 +63,7 @@ protected:
     void give(CkToF3DMdiView& view, const std::unique_ptr<CkImageData>& frame);
 
     static QAction* action(const CkToF3DMdiView& view, const QString& text);
-    /// Lets events happen until the condition holds; false after ten seconds.
+    /// Lets events happen until the condition holds; false after 30 seconds.
     static bool waitFor(const std::function<bool()>& condition);
     static void letEventsHappen(int milliseconds);
 
