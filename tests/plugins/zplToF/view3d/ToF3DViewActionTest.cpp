@@ -136,6 +136,7 @@ TEST_F(ToF3DViewActionTest, ANewResolutionIsShownWhateverTheLimit) {
     m_host.store(QStringLiteral("ToF.MaxInputFps"), 0.001F);
     m_source.shown = TestFrame::bytes(64, 32, [](int x, int) { return 3 * x; });
     const auto view = open();
+    show(*view);
     give(*view, m_source.shown);
     letEventsHappen(5);
     QAction narrow(QStringLiteral("16"), nullptr);
@@ -361,9 +362,15 @@ QList<Qt3DInput::QAction*> controllerButtons(const CkToF3DMdiView& view) {
     return entities[0]->parentNode()->findChildren<Qt3DInput::QAction*>();
 }
 
+/// Until Qt 3D has drawn a frame, nobody hands the mouse to its controllers.
+void waitForInput(const QImage& drawn) {
+    ASSERT_FALSE(drawn.isNull());
+}
+
 TEST_F(ToF3DViewActionTest, AMousePressMakesTheViewActiveBeforeTheOrbitControllerHandlesIt) {
     const auto view = open();
     show(*view);
+    waitForInput(capture(*view));
     m_host.calls.clear();
     const QList<Qt3DInput::QAction*> buttons = controllerButtons(*view);
     ASSERT_FALSE(buttons.isEmpty());
@@ -381,6 +388,7 @@ TEST_F(ToF3DViewActionTest, AMousePressMakesTheViewActiveBeforeTheOrbitControlle
 TEST_F(ToF3DViewActionTest, DefaultPositionAfterOrbiting) {
     const auto view = open();
     show(*view);
+    waitForInput(capture(*view));
     Qt3DRender::QCamera* camera = view->scene()->camera();
     EXPECT_EQ(camera->position(), QVector3D(0, 0, 3));
     QWindow* window = view->scene()->window();

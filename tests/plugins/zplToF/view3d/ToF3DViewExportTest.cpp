@@ -122,9 +122,10 @@ TEST_F(ToF3DViewExportTest, ACaptureWithoutAPictureLeavesNoFile) {
     });
     criticalMessages.clear();
     const QtMessageHandler before = qInstallMessageHandler(collect);
-    emit reply->completed();
+    // From the event loop, as Qt does.
+    QMetaObject::invokeMethod(reply, &Qt3DRender::QRenderCaptureReply::completed, Qt::QueuedConnection);
+    EXPECT_TRUE(waitFor([&] { return shown && !criticalMessages.isEmpty(); }));
     qInstallMessageHandler(before);
-    EXPECT_TRUE(shown);
     ASSERT_EQ(criticalMessages.size(), 1);
     EXPECT_TRUE(criticalMessages[0].contains(file)) << criticalMessages[0].toStdString();
     EXPECT_FALSE(QFile::exists(file));

@@ -47,6 +47,9 @@ std::unique_ptr<CkImageData> frameNumber(int i) {
 
 class ToF3DViewLifeTest : public ViewTest {};
 
+// What a view leaves behind is 16 kB of Qt 3D's: the text of the renderer's capabilities that the backend of
+// QRenderSettings makes and nobody frees (heaptrack, 200 views: 3.29 of 3.9 MB in all, none from our code).
+
 TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNothing) {
     ASSERT_TRUE(environmentSet);
     std::vector<std::unique_ptr<CkImageData>> frames;
@@ -55,16 +58,20 @@ TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNo
     }
     double early = 0.0;
     for (int round = 0; round < 200; ++round) {
-        const auto view = open();
-        give(*view, frames[size_t(round % 6)]);
-        show(*view, QSize(240, 200));
-        for (int i = 0; i < 3; ++i) {
-            give(*view, frames[size_t((round + i) % 6)]);
-            letEventsHappen(5);
-        }
-        // Closed with a frame and a capture still on their way.
-        if (round % 2 == 0) {
-            view->saveScreenshot();
+        {
+            const auto view = open();
+            give(*view, frames[size_t(round % 6)]);
+            show(*view, QSize(240, 200));
+            for (int i = 0; i < 3; ++i) {
+                give(*view, frames[size_t((round + i) % 6)]);
+                letEventsHappen(5);
+            }
+            // Closed with a frame and a capture still on their way. Whoever lets events happen before the
+            // view is gone waits for ever: the capture comes, and its file dialog with it, which nobody
+            // answers.
+            if (round % 2 == 0) {
+                view->saveScreenshot();
+            }
         }
         if (round == 100) {
             early = residentMegabytes();
