@@ -1,9 +1,13 @@
 #include "benchPictures.h"
 
+#include "zuCore/CkPicBufAPI.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -52,14 +56,23 @@ BenchPicture wavePicture(quint32 phases, EkImageDataType type, bool difference) 
 
 BenchPicture::BenchPicture(quint32 width, quint32 height, quint32 channels, EkImageDataType type,
                            quint32 bits) {
-    pic.width = width;
-    pic.height = height;
-    pic.channels = channels;
-    pic.dataType = type;
-    pic.bitsPerChannel = bits;
-    pic.lineSize = (width * channels * sampleBytes(type) + 255) / 256 * 256;
-    store.resize(size_t(pic.lineSize) * height);
-    pic.data = store.data();
+    SkPicBufInfo info;
+    info.width = width;
+    info.height = height;
+    info.channels = channels;
+    info.dataType = type;
+    info.bitsPerChannel = bits;
+    info.lineSize = (width * channels * sampleBytes(type) + 255) / 256 * 256;
+    if (!CkPicBufAPI::AllocPicBufFromHeap(pic, info))
+        throw std::bad_alloc();
+    // Every page is there before the clock runs.
+    std::memset(pic.data, 0, bytes());
+}
+
+BenchPicture::BenchPicture(BenchPicture&& other) noexcept : pic(std::exchange(other.pic, SkPicBuf())) {}
+
+BenchPicture::~BenchPicture() {
+    CkPicBufAPI::FreePicBuf(pic, true);
 }
 
 BenchPicture twoTapPicture(quint32 phases, EkImageDataType type) {

@@ -2,14 +2,17 @@
 
 #include "zuCore/SkPicBuf.h"
 
-#include <vector>
-
-/// A picture that owns its pixels, with rows padded to 256 bytes like those of the processing chain.
+/// A picture that owns its pixels, with rows padded to 256 bytes and allocated like those of the processing
+/// chain.
 struct BenchPicture {
     BenchPicture(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits);
+    BenchPicture(BenchPicture&& other) noexcept;
+    BenchPicture& operator=(BenchPicture&&) = delete;
+    ~BenchPicture();
+
+    size_t bytes() const { return size_t(pic.lineSize) * pic.height; }
 
     SkPicBuf pic;
-    std::vector<quint8> store;
 };
 
 /// Two taps, 12-bit (or 8-bit) data of a sloping scene with noise; every fiftieth pixel is dark.

@@ -36,7 +36,7 @@ struct Case {
 /// Equal bytes; phase angles within a millionth of the plain loop's.
 bool sameResult(const Case& which, const BenchPicture& expected, const BenchPicture& actual) {
     if (!which.phaseShift)
-        return expected.store == actual.store;
+        return std::memcmp(expected.pic.data, actual.pic.data, expected.bytes()) == 0;
     for (quint32 y = 0; y < expected.pic.height; ++y) {
         const auto* first = reinterpret_cast<const float*>(expected.pic.row(y));
         const auto* second = reinterpret_cast<const float*>(actual.pic.row(y));

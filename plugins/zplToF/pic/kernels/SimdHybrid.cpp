@@ -17,25 +17,28 @@ using VD = hn::Vec<DD>;
 
 template <typename T, bool wantAmplitude>
 struct WindowBlock {
-    static constexpr size_t kPixels = hn::MaxLanes(hn::ScalableTag<T>());
+    static constexpr size_t kPixels = kTriplePixels<T>;
     static constexpr size_t kRows = 1;
     static constexpr size_t kSourceBytes = 3 * sizeof(T);
     static constexpr size_t kResultBytes = sizeof(T);
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
-        const hn::ScalableTag<T> d;
-        hn::Vec<hn::ScalableTag<T>> x1, x2, x3;
-        hn::LoadInterleaved3(d, reinterpret_cast<const T*>(rows[0]), x1, x2, x3);
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
+        const auto windows = Triples<T>::load(rows[0]);
+        storeBytes(TripleTag<T>(), Triples<T>::ordered(valueOf(windows)), result);
+    }
+
+    static HWY_INLINE TripleVec<T> valueOf(const Triples<T>& windows) {
+        const auto x1 = windows.template samplesOf<0>();
+        const auto x3 = windows.template samplesOf<2>();
         const auto low = hn::Min(x1, x3);
         if constexpr (wantAmplitude) {
             // x2 + high - 2 low without wider lanes: what x2 has above low is added to high - low and wraps,
             // what it lacks is taken away down to 0.
+            const auto x2 = windows.template samplesOf<1>();
             const auto span = hn::Sub(hn::Max(x1, x3), low);
-            storeBytes(d,
-                       hn::Add(hn::SaturatedSub(span, hn::SaturatedSub(low, x2)), hn::SaturatedSub(x2, low)),
-                       result);
+            return hn::Add(hn::SaturatedSub(span, hn::SaturatedSub(low, x2)), hn::SaturatedSub(x2, low));
         } else {
-            storeBytes(d, low, result);
+            return low;
         }
     }
 };
@@ -82,7 +85,7 @@ struct HybridDepthBlock {
 
     double range;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
         const DF df;
         const DI di;
         const hn::Rebind<T, DF> dt;
@@ -144,7 +147,7 @@ struct LargestDepthBlock : LargestDepth {
     static constexpr size_t kSourceBytes = 4;
     static constexpr size_t kResultBytes = 0;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t*) {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t*) {
         include(loadBytes(DF(), rows[0]), loadBytes(DF(), rows[1]));
     }
 };
@@ -155,7 +158,7 @@ struct LargestDepthOfPairsBlock : LargestDepth {
     static constexpr size_t kSourceBytes = 8;
     static constexpr size_t kResultBytes = 0;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t*) {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t*) {
         VF depth, confidence;
         hn::LoadInterleaved2(DF(), reinterpret_cast<const float*>(rows[0]), depth, confidence);
         include(depth, confidence);

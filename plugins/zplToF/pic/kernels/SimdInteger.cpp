@@ -4,7 +4,7 @@
 #define HWY_TARGET_INCLUDE "pic/kernels/SimdInteger.cpp"
 #include <hwy/foreach_target.h>
 
-#include "pic/kernels/SimdLight-inl.h"
+#include "pic/kernels/SimdAmplitude-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tofSimd {
@@ -47,14 +47,14 @@ struct IntensityBlock {
     static constexpr size_t kResultBytes = kSourceBytes / 2;
     static constexpr int shift = phases == 1 ? 1 : phases == 2 ? 2 : phases == 4 ? 3 : 4;
 
-    static HWY_INLINE typename Taps::V mean(const uint8_t* const* rows, size_t offset) {
-        auto sum = Taps::sum(rows[0] + offset);
+    static HWY_INLINE typename Taps::V mean(BlockRows rows) {
+        auto sum = Taps::sum(rows[0]);
         for (int phase = 1; phase < phases; ++phase)
-            sum = hn::Add(sum, Taps::sum(rows[phase] + offset));
+            sum = hn::Add(sum, Taps::sum(rows[phase]));
         return hn::ShiftRight<shift>(sum);
     }
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
-        Taps::storeLowHalves(mean(rows, 0), mean(rows, kPixels / 2 * kSourceBytes), result);
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
+        Taps::storeLowHalves(mean(rows), mean(rows.from(kPixels / 2 * kSourceBytes)), result);
     }
 };
 
@@ -71,7 +71,7 @@ struct DifferenceBlock {
     static constexpr size_t kSourceBytes = 2 * sizeof(hn::TFromD<typename Taps::Narrow>);
     static constexpr size_t kResultBytes = kSourceBytes / 2;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
         Taps::storeLowHalves(Taps::difference(rows[0]),
                              Taps::difference(rows[0] + kPixels / 2 * kSourceBytes), result);
     }
@@ -83,45 +83,6 @@ void differenceRow(const quint8* source, quint8* result, size_t pixels) {
     forEachBlock(&source, result, pixels, block);
 }
 
-/// Amplitudes never exceed the range of the samples they come from, so nothing is cut off.
-template <class Source, typename T, int phases>
-struct AmplitudeBlock {
-    static constexpr size_t kPixels = 2 * kFloats;
-    static constexpr size_t kRows = phases;
-    static constexpr size_t kSourceBytes = Source::kBytes;
-    static constexpr size_t kResultBytes = sizeof(T);
-
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
-        const Axes<Source, phases> axes(rows);
-        const VI first = amplitudeOf<0>(axes);
-        if constexpr (Source::kParts == 2) {
-            store(first, amplitudeOf<1>(axes), result);
-        } else {
-            const uint8_t* secondRows[kRows];
-            for (size_t row = 0; row < kRows; ++row)
-                secondRows[row] = rows[row] + kFloats * kSourceBytes;
-            store(first, amplitudeOf<0>(Axes<Source, phases>(secondRows)), result);
-        }
-    }
-
-    static HWY_INLINE void store(VI first, VI second, uint8_t* result) {
-        if constexpr (sizeof(T) == 2) {
-            const hn::ScalableTag<uint16_t> d;
-            storeBytes(d, hn::ConcatEven(d, hn::BitCast(d, second), hn::BitCast(d, first)), result);
-        } else {
-            const hn::Rebind<uint8_t, DF> d;
-            storeBytes(d, hn::DemoteTo(d, first), result);
-            storeBytes(d, hn::DemoteTo(d, second), result + kFloats);
-        }
-    }
-};
-
-template <class Source, typename T, int phases>
-void amplitudeRow(const quint8* const* rows, quint8* result, size_t pixels) {
-    AmplitudeBlock<Source, T, phases> block;
-    forEachBlock(rows, result, pixels, block);
-}
-
 template <typename T>
 struct InterleaveBlock {
     static constexpr size_t kPixels = hn::MaxLanes(hn::ScalableTag<T>());
@@ -129,7 +90,7 @@ struct InterleaveBlock {
     static constexpr size_t kSourceBytes = sizeof(T);
     static constexpr size_t kResultBytes = 3 * sizeof(T);
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
         const hn::ScalableTag<T> d;
         hn::StoreInterleaved3(loadBytes(d, rows[0]), loadBytes(d, rows[1]), loadBytes(d, rows[2]), d,
                               reinterpret_cast<T*>(result));
@@ -146,10 +107,10 @@ template <int phases, int index>
 void addPhases(SkToFKernels& kernels) {
     kernels.intensity[0][index] = intensityRow<ByteLanes, phases>;
     kernels.intensity[1][index] = intensityRow<WordLanes, phases>;
-    kernels.amplitude[0][index] = amplitudeRow<Taps8, uint8_t, phases>;
-    kernels.amplitude[1][index] = amplitudeRow<Taps16, uint16_t, phases>;
-    kernels.amplitudeOfDifference[0][index] = amplitudeRow<Differences8, uint8_t, phases>;
-    kernels.amplitudeOfDifference[1][index] = amplitudeRow<Differences16, uint16_t, phases>;
+    kernels.amplitude[0][index] = amplitudeRow<Taps8, phases>;
+    kernels.amplitude[1][index] = amplitudeRow<Taps16, phases>;
+    kernels.amplitudeOfDifference[0][index] = amplitudeRow<Differences8, phases>;
+    kernels.amplitudeOfDifference[1][index] = amplitudeRow<Differences16, phases>;
 }
 
 void addInteger(SkToFKernels& kernels) {

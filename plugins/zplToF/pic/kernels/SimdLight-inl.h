@@ -24,7 +24,7 @@ struct Axes {
     V differenceOfDiagonals;
 
     // Written out: an implicit constructor would not be compiled for the instruction set.
-    HWY_INLINE explicit Axes(const uint8_t* const* rows)
+    HWY_INLINE explicit Axes(BlockRows rows)
         : x(Source::difference(rows[0])), y(x), sumOfDiagonals(x), differenceOfDiagonals(x) {
         if constexpr (phases == 2) {
             y = Source::difference(rows[1]);
@@ -152,7 +152,7 @@ HWY_INLINE VI amplitudeOf(const Axes<Source, phases>& axes) {
 }
 
 template <class Source, int phases>
-HWY_INLINE typename Source::V sampleSum(const uint8_t* const* rows) {
+HWY_INLINE typename Source::V sampleSum(BlockRows rows) {
     auto sum = Source::emptySum(phases);
     for (int phase = 0; phase < phases; ++phase)
         sum = Source::addSum(sum, rows[phase]);

@@ -27,6 +27,16 @@ using VU = hn::Vec<DU>;
 /// Pixels of a block of floats.
 constexpr size_t kFloats = hn::MaxLanes(DF());
 
+/// Where a block of pixels begins in each of its rows. One offset for all of them: the compiler would make
+/// vectors of an array of pointers, and take them apart again.
+struct BlockRows {
+    const uint8_t* const* rows;
+    size_t offset;
+
+    HWY_INLINE const uint8_t* operator[](size_t row) const { return rows[row] + offset; }
+    HWY_INLINE BlockRows from(size_t bytes) const { return {rows, offset + bytes}; }
+};
+
 /// Calls block(rows, result) for blocks of Block::kPixels pixels until the row is done.
 ///
 /// The last block is moved back so that it ends with the row: its first pixels are worked out twice, with
@@ -55,14 +65,11 @@ HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t
     uint8_t* const target = isShort ? shortResult : result;
     const size_t end = isShort ? kPixels : pixels;
 
-    const uint8_t* now[kRows];
-    for (size_t pixel = 0;;) {
-        for (size_t row = 0; row < kRows; ++row)
-            now[row] = at[row] + pixel * kSource;
-        block(now, target + pixel * kResult);
-        if (pixel + kPixels >= end)
-            break;
-        pixel = std::min(pixel + kPixels, end - kPixels);
+    // The inner loop runs twice when the last block has to be moved back.
+    const size_t last = end - kPixels;
+    for (size_t pixel = 0; pixel < end;) {
+        for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
+            block(BlockRows{at, pixel * kSource}, target + pixel * kResult);
     }
     if (isShort && kResult > 0)
         std::memcpy(result, shortResult, pixels * kResult);
@@ -114,6 +121,16 @@ struct Taps16 {
     static HWY_INLINE V emptySum(int phases) { return hn::Set(DI(), phases * 0x10000); }
     static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return add(sum, bytes, aPlusB); }
 
+    /// Bits in use.
+    static HWY_INLINE VS16 magnitude(const uint8_t* bytes) { return loadBytes(DS16(), bytes); }
+    /// Of samples of 15 bits at most.
+    static HWY_INLINE V smallDifference(const uint8_t* bytes) {
+        V unused = hn::Zero(DI());
+        return hn::ReorderWidenMulAccumulate(DI(), loadBytes(DS16(), bytes),
+                                             hn::BitCast(DS16(), hn::Set(DU(), aMinusB)), hn::Zero(DI()),
+                                             unused);
+    }
+
 private:
     // Factors of B and A, high half first.
     static constexpr uint32_t aMinusB = 0xFFFF0001U;
@@ -128,34 +145,50 @@ private:
     }
 };
 
+/// Unsigned even bytes times the low byte of the signed factors plus odd bytes times the high one.
+HWY_INLINE VS16 pairSums(const uint8_t* bytes, int16_t factors) {
+    const auto taps = loadBytes(hn::ScalableTag<uint8_t>(), bytes);
+#if HWY_TARGET == HWY_SSE4
+    return VS16{_mm_maddubs_epi16(taps.raw, _mm_set1_epi16(factors))};
+#elif HWY_TARGET == HWY_AVX2
+    return VS16{_mm256_maddubs_epi16(taps.raw, _mm256_set1_epi16(factors))};
+#elif HWY_TARGET == HWY_AVX3
+    return VS16{_mm512_maddubs_epi16(taps.raw, _mm512_set1_epi16(factors))};
+#else
+    const auto pairs = hn::BitCast(hn::ScalableTag<uint16_t>(), taps);
+    const VS16 even = hn::BitCast(DS16(), hn::And(pairs, hn::Set(hn::ScalableTag<uint16_t>(), 0xFF)));
+    const VS16 odd = hn::BitCast(DS16(), hn::ShiftRight<8>(pairs));
+    return hn::Add(hn::Mul(even, hn::Set(DS16(), int8_t(factors))),
+                   hn::Mul(odd, hn::Set(DS16(), int8_t(factors >> 8))));
+#endif
+}
+
 /// Interleaved taps of 8 bits; the sums of sixteen of them still fit into 16 bits.
 struct Taps8 {
     static constexpr size_t kBytes = 2;
     static constexpr size_t kParts = 2;
     using V = VS16;
 
-    static HWY_INLINE V difference(const uint8_t* bytes) {
-        const auto taps = loadBytes(DU16(), bytes);
-        return hn::BitCast(DS16(), hn::Sub(tapA(taps), hn::ShiftRight<8>(taps)));
-    }
+    static HWY_INLINE V difference(const uint8_t* bytes) { return pairSums(bytes, aMinusB); }
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
         return hn::Sub(difference(plus), difference(minus));
     }
     static HWY_INLINE V emptySum(int) { return hn::Zero(DS16()); }
-    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) {
-        const auto taps = loadBytes(DU16(), bytes);
-        return hn::Add(sum, hn::BitCast(DS16(), hn::Add(tapA(taps), hn::ShiftRight<8>(taps))));
-    }
+    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return hn::Add(sum, pairSums(bytes, aPlusB)); }
 
 private:
-    using DU16 = hn::ScalableTag<uint16_t>;
-    static HWY_INLINE hn::Vec<DU16> tapA(hn::Vec<DU16> taps) { return hn::And(taps, hn::Set(DU16(), 0xFF)); }
+    // Factors of B and A, high byte first.
+    static constexpr int16_t aMinusB = -0x00FF;
+    static constexpr int16_t aPlusB = 0x0101;
 };
 
 struct Differences16 {
     static constexpr size_t kBytes = 2;
     static constexpr size_t kParts = 1;
     using V = VI;
+
+    static HWY_INLINE VS16 magnitude(const uint8_t* bytes) { return hn::Abs(loadBytes(DS16(), bytes)); }
+    static HWY_INLINE V smallDifference(const uint8_t* bytes) { return difference(bytes); }
 
     static HWY_INLINE V difference(const uint8_t* bytes) {
         return hn::PromoteTo(DI(), loadBytes(hn::Rebind<int16_t, DI>(), bytes));

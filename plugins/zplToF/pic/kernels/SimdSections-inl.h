@@ -8,7 +8,7 @@
 #endif
 
 #include "pic/kernels/CkToFKernelChoice.h"
-#include "pic/kernels/SimdRows-inl.h"
+#include "pic/kernels/SimdTriples-inl.h"
 
 #include <type_traits>
 
@@ -17,43 +17,23 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-// A pixel is three neighbouring lanes, so three vectors hold whole pixels. 16 lanes at most, because the
-// flags of three vectors then fit into 64 bits.
-using DS = hn::CappedTag<uint16_t, 16>;
-using VS = hn::Vec<DS>;
+using DS = TripleTag<uint16_t>;
+using VS = TripleVec<uint16_t>;
+using Samples = Triples<uint16_t>;
 constexpr size_t kSectionLanes = hn::MaxLanes(DS());
 
-/// The flags of one vector, exactly as wide as its mask: a wider read would wait for the store.
-using LaneFlags = std::conditional_t<kSectionLanes == 16, uint16_t, uint8_t>;
-
-/// One flag per lane of three vectors.
-HWY_INLINE uint64_t flagsOf(hn::Mask<DS> mask) {
-    uint8_t bytes[8];
-    hn::StoreMaskBits(DS(), mask, bytes);
-    LaneFlags flags;
-    std::memcpy(&flags, bytes, sizeof(flags));
-    return flags;
-}
-
-HWY_INLINE hn::Mask<DS> maskOf(uint64_t flags) {
-    uint8_t bytes[8] = {};
-    const auto used = LaneFlags(flags);
-    std::memcpy(bytes, &used, sizeof(used));
-    return hn::LoadMaskBits(DS(), bytes);
-}
-
-/// Flags all three samples of every pixel that has a flagged one.
-HWY_INLINE uint64_t wholePixels(uint64_t flags) {
-    constexpr uint64_t firstSamples = 0x1249249249249249ULL;
-    return ((flags | flags >> 1 | flags >> 2) & firstSamples) * 7;
-}
-
-HWY_INLINE VS loadSamples(const uint8_t* row, size_t sample, uint8_t) {
-    return hn::PromoteTo(DS(), loadBytes(hn::Rebind<uint8_t, DS>(), row + sample));
-}
-
-HWY_INLINE VS loadSamples(const uint8_t* row, size_t sample, uint16_t) {
-    return loadBytes(DS(), row + 2 * sample);
+/// The samples of a block of pixels, widened to 16 bits.
+template <typename T>
+HWY_INLINE Samples loadSamples(const uint8_t* row) {
+    if constexpr (sizeof(T) == 2) {
+        return Samples::load(row);
+    } else {
+        const hn::Rebind<uint8_t, DS> narrow;
+        const auto widened = [&](size_t part) HWY_ATTR {
+            return hn::PromoteTo(DS(), loadBytes(narrow, row + part * kSectionLanes));
+        };
+        return Samples::inParts(widened(0), widened(1), widened(2));
+    }
 }
 
 template <typename R>
@@ -68,24 +48,34 @@ struct Merged {
     VS value;
     VS shift;
 
-    // Written out: an implicit constructor would not be compiled for the instruction set.
-    HWY_INLINE Merged() : value(hn::Zero(DS())), shift(hn::Zero(DS())) {}
+    HWY_INLINE Merged(VS samples, uint32_t sectionShift)
+        : value(shifted(samples, sectionShift)), shift(hn::Set(DS(), kept(sectionShift))) {}
 
-    HWY_INLINE void take(hn::Mask<DS> mask, VS samples, uint32_t sectionShift) {
-        constexpr uint32_t bits = 8 * sizeof(R);
-        const VS kept = sectionShift < bits ? samples : hn::Zero(DS());
-        const int by = int(sectionShift < bits ? sectionShift : 0);
-        if constexpr (sizeof(R) == 2) {
-            value = hn::IfThenElse(mask, hn::ShiftLeftSame(kept, by), value);
-        } else {
-            value = hn::IfThenElse(mask, kept, value);
-            shift = hn::IfThenElse(mask, hn::Set(DS(), uint16_t(by)), shift);
-        }
+    HWY_INLINE void take(VS mask, VS samples, uint32_t sectionShift) {
+        value = hn::IfVecThenElse(mask, shifted(samples, sectionShift), value);
+        if constexpr (sizeof(R) == 4)
+            shift = hn::IfVecThenElse(mask, hn::Set(DS(), kept(sectionShift)), shift);
     }
-    HWY_INLINE void store(uint8_t* result, Used<R>& used) const {
+
+private:
+    static constexpr uint32_t bits = 8 * sizeof(R);
+
+    static HWY_INLINE uint16_t kept(uint32_t sectionShift) {
+        return uint16_t(sectionShift < bits ? sectionShift : 0);
+    }
+    static HWY_INLINE VS shifted(VS samples, uint32_t sectionShift) {
+        const VS inRange = sectionShift < bits ? samples : hn::Zero(DS());
+        return sizeof(R) == 2 ? hn::ShiftLeftSame(inRange, int(kept(sectionShift))) : inRange;
+    }
+};
+
+template <typename R>
+HWY_INLINE void storeSamples(const Samples& values, const Samples& shifts, uint8_t* result, Used<R>& used) {
+    const auto store = [&](size_t part, VS value, VS shift) HWY_ATTR {
+        uint8_t* const at = result + part * kSectionLanes * sizeof(R);
         if constexpr (sizeof(R) == 2) {
             used = hn::Or(used, value);
-            storeBytes(DS(), value, result);
+            storeBytes(DS(), value, at);
         } else {
             const hn::Half<DS> half;
             const UsedLanes<R> wide;
@@ -94,58 +84,51 @@ struct Merged {
             const Used<R> high = hn::Shl(hn::PromoteTo(wide, hn::UpperHalf(half, value)),
                                          hn::PromoteTo(wide, hn::UpperHalf(half, shift)));
             used = hn::Or(used, hn::Or(low, high));
-            storeBytes(wide, low, result);
-            storeBytes(wide, high, result + kSectionLanes * 2);
+            storeBytes(wide, low, at);
+            storeBytes(wide, high, at + kSectionLanes * 2);
         }
-    }
-};
+    };
+    const Samples value = values.inSequence();
+    const Samples shift = sizeof(R) == 2 ? shifts : shifts.inSequence();
+    store(0, value.first, shift.first);
+    store(1, value.second, shift.second);
+    store(2, value.third, shift.third);
+}
 
-/// The samples of a block of whole pixels, and which of them belong to a pixel below the threshold.
-template <typename T>
-struct SectionBlock {
-    VS samples[3];
-    uint64_t usable;
-
-    HWY_INLINE SectionBlock(const uint8_t* row, VS limit) {
-        uint64_t saturated = 0;
-        for (size_t part = 0; part < 3; ++part) {
-            samples[part] = loadSamples(row, part * kSectionLanes, T());
-            saturated |= flagsOf(hn::Eq(hn::Max(samples[part], limit), samples[part]))
-                         << (part * kSectionLanes);
-        }
-        usable = ~wholePixels(saturated);
-    }
-};
-
-template <typename R>
-HWY_INLINE void storeMerged(const Merged<R> (&merged)[3], uint8_t* result, Used<R>& used) {
-    for (size_t part = 0; part < 3; ++part)
-        merged[part].store(result + part * kSectionLanes * sizeof(R), used);
+/// Which pixels have all samples below the threshold, which is not 0.
+HWY_INLINE hn::Mask<DS> usablePixels(const Samples& samples, VS largestUsable) {
+    const VS largest =
+        hn::Max(hn::Max(samples.samplesOf<0>(), samples.samplesOf<1>()), samples.samplesOf<2>());
+    return hn::Eq(hn::Min(largest, largestUsable), largest);
 }
 
 template <typename T, typename R>
 HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uint32_t sections,
-                           uint16_t threshold, uint8_t* result, Used<R>& used) {
-    constexpr uint64_t allSamples = (uint64_t(1) << (3 * kSectionLanes)) - 1;
-    const VS limit = hn::Set(DS(), threshold);
-    Merged<R> merged[3];
-    uint64_t open = allSamples;
-    for (uint32_t section = sections - 1; section > 0; --section) {
-        const SectionBlock<T> block(firstSection + section * sectionBytes, limit);
-        const uint64_t taken = open & block.usable;
-        open &= ~taken;
-        for (size_t part = 0; part < 3; ++part)
-            merged[part].take(maskOf(taken >> (part * kSectionLanes)), block.samples[part],
-                              sections - 1 - section);
-        if (section > 1 && open == 0)
-            return storeMerged(merged, result, used);
+                           VS largestUsable, uint8_t* result, Used<R>& used) {
+    const Samples last = loadSamples<T>(firstSection + (sections - 1) * sectionBytes);
+    const auto lastUsable = usablePixels(last, largestUsable);
+    if (hn::AllTrue(DS(), lastUsable)) {
+        const VS unshifted = hn::Zero(DS());
+        return storeSamples<R>(last, {unshifted, unshifted, unshifted}, result, used);
     }
-    // Once section 1 was looked at, section 0 is mixed in unasked: where pixels differ from their neighbours,
-    // a mispredicted branch costs more than the loads it may save.
-    for (size_t part = 0; part < 3; ++part)
-        merged[part].take(maskOf(open >> (part * kSectionLanes)),
-                          loadSamples(firstSection, part * kSectionLanes, T()), sections - 1);
-    storeMerged(merged, result, used);
+    // The more sensitive sections overwrite what the others left.
+    const Samples base = loadSamples<T>(firstSection);
+    Merged<R> first(base.first, sections - 1);
+    Merged<R> second(base.second, sections - 1);
+    Merged<R> third(base.third, sections - 1);
+    const auto take = [&](const Samples& samples, hn::Mask<DS> usable, uint32_t shift) HWY_ATTR {
+        const Samples taken = Samples::spread(hn::VecFromMask(DS(), usable));
+        first.take(taken.first, samples.first, shift);
+        second.take(taken.second, samples.second, shift);
+        third.take(taken.third, samples.third, shift);
+    };
+    for (uint32_t section = 1; section < sections - 1; ++section) {
+        const Samples samples = loadSamples<T>(firstSection + section * sectionBytes);
+        take(samples, usablePixels(samples, largestUsable), sections - 1 - section);
+    }
+    take(last, lastUsable, 0);
+    storeSamples<R>({first.value, second.value, third.value}, {first.shift, second.shift, third.shift},
+                    result, used);
 }
 
 /// A row of at least one block. A number of sections that the compiler knows needs no loop over them.
@@ -154,20 +137,20 @@ HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, ui
                             uint16_t threshold, uint8_t* result, size_t pixels, Used<R>& used) {
     constexpr size_t kPixels = kSectionLanes;
     const uint32_t sections = knownSections != 0 ? knownSections : anySections;
-    for (size_t pixel = 0;;) {
-        mergeBlock<T, R>(firstSection + pixel * 3 * sizeof(T), sectionBytes, sections, threshold,
-                         result + pixel * 3 * sizeof(R), used);
-        if (pixel + kPixels >= pixels)
-            break;
-        pixel = std::min(pixel + kPixels, pixels - kPixels);
+    const VS largestUsable = hn::Set(DS(), uint16_t(threshold - 1));
+    const size_t last = pixels - kPixels;
+    for (size_t pixel = 0; pixel < pixels;) {
+        for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
+            mergeBlock<T, R>(firstSection + pixel * 3 * sizeof(T), sectionBytes, sections, largestUsable,
+                             result + pixel * 3 * sizeof(R), used);
     }
 }
 
 template <typename T, typename R>
 void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
                       quint8* result, size_t pixels, quint32& usedBits) {
-    if (pixels < kSectionLanes) {
-        // Short rows of any number of sections are not worth copying.
+    if (pixels < kSectionLanes || threshold == 0) {
+        // Short rows of any number of sections are not worth copying, and below 0 there is nothing.
         CkToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
             firstSection, sectionBytes, sections, threshold, result, pixels, usedBits);
         for (size_t sample = 0; sample < 3 * pixels; ++sample) {

@@ -71,7 +71,7 @@ struct PhaseConfidenceBlock {
 
     HWY_INLINE PhaseConfidenceBlock() : smallestSignal(phaseRange.minimum) {}
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) {
         const Axes<Source, phases> axes(rows);
         const auto sum = sampleSum<Source, phases>(rows);
         putPart<0>(axes, sum, result);
@@ -116,7 +116,7 @@ struct PhaseBlock {
     Range range;
 
     HWY_INLINE PhaseBlock() {}
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) {
         const Axes<Source, phases> axes(rows);
         putPart<0>(axes, result);
         if constexpr (Source::kParts == 2)
@@ -146,7 +146,7 @@ struct FillDarkBlock {
 
     VF worst;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) {
         const DF d;
         const VF pairs = loadBytes(d, rows[0]);
         const auto dark = hn::Eq(pairs, hn::Zero(d));
@@ -166,7 +166,7 @@ struct AngleBlock {
     static constexpr size_t kSourceBytes = 4;
     static constexpr size_t kResultBytes = 4;
 
-    HWY_INLINE void operator()(const uint8_t* const* rows, uint8_t* result) const {
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
         storeBytes(DF(), phaseShift(loadBytes(DF(), rows[1]), loadBytes(DF(), rows[0])), result);
     }
 };
