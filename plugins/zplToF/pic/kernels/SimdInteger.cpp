@@ -15,8 +15,8 @@ namespace HWY_NAMESPACE {
 /// type T, sums in lanes of type W.
 template <typename T, typename W>
 struct TapLanes {
-    using Narrow = hn::ScalableTag<T>;
-    using Wide = hn::ScalableTag<W>;
+    using Narrow = hn::CappedTag<T, 32 / sizeof(T)>;
+    using Wide = hn::CappedTag<W, 32 / sizeof(W)>;
     using V = hn::Vec<Wide>;
     static constexpr int bits = 8 * sizeof(T);
 

@@ -17,127 +17,155 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-using DS = TripleTag<uint16_t>;
-using VS = TripleVec<uint16_t>;
-using Samples = Triples<uint16_t>;
-constexpr size_t kSectionLanes = hn::MaxLanes(DS());
-
-/// The samples of a block of pixels, widened to 16 bits.
-template <typename T>
-HWY_INLINE Samples loadSamples(const uint8_t* row) {
-    if constexpr (sizeof(T) == 2) {
-        return Samples::load(row);
-    } else {
-        const hn::Rebind<uint8_t, DS> narrow;
-        const auto widened = [&](size_t part) HWY_ATTR {
-            return hn::PromoteTo(DS(), loadBytes(narrow, row + part * kSectionLanes));
-        };
-        return Samples::inParts(widened(0), widened(1), widened(2));
-    }
-}
-
-template <typename R>
-using UsedLanes = std::conditional_t<sizeof(R) == 2, DS, hn::Rebind<uint32_t, hn::Half<DS>>>;
+/// Lanes that merged samples of type T are finished in on their way to type R.
+template <typename T, typename R>
+using MergedLane = std::conditional_t<sizeof(R) == sizeof(T), T, hwy::MakeWide<T>>;
+template <typename T, typename R>
+using MergedTag = hn::Repartition<MergedLane<T, R>, TripleTag<T>>;
 /// Bits in use by the merged samples so far.
-template <typename R>
-using Used = hn::Vec<UsedLanes<R>>;
+template <typename T, typename R>
+using Used = hn::Vec<MergedTag<T, R>>;
 
-/// Merged samples of one vector; a wide result keeps its shift for later, when its lanes are wide.
-template <typename R>
+/// Merged samples of one vector; a wide result keeps its factor for later, when its lanes are wide.
+template <typename T, typename R>
 struct Merged {
-    VS value;
-    VS shift;
+    using V = TripleVec<T>;
+    V value;
+    V factor;
 
-    HWY_INLINE Merged(VS samples, uint32_t sectionShift)
-        : value(shifted(samples, sectionShift)), shift(hn::Set(DS(), kept(sectionShift))) {}
+    HWY_INLINE Merged(V samples, uint32_t sectionShift)
+        : value(shifted(samples, sectionShift)), factor(factorOf(sectionShift)) {}
 
-    HWY_INLINE void take(VS mask, VS samples, uint32_t sectionShift) {
+    HWY_INLINE void take(V mask, V samples, uint32_t sectionShift) {
         value = hn::IfVecThenElse(mask, shifted(samples, sectionShift), value);
-        if constexpr (sizeof(R) == 4)
-            shift = hn::IfVecThenElse(mask, hn::Set(DS(), kept(sectionShift)), shift);
+        if constexpr (sizeof(R) > sizeof(T))
+            factor = hn::IfVecThenElse(mask, factorOf(sectionShift), factor);
     }
 
 private:
-    static constexpr uint32_t bits = 8 * sizeof(R);
-
-    static HWY_INLINE uint16_t kept(uint32_t sectionShift) {
-        return uint16_t(sectionShift < bits ? sectionShift : 0);
+    static HWY_INLINE V factorOf(uint32_t sectionShift) {
+        return hn::Set(TripleTag<T>(), T(T(1) << sectionShift));
     }
-    static HWY_INLINE VS shifted(VS samples, uint32_t sectionShift) {
-        const VS inRange = sectionShift < bits ? samples : hn::Zero(DS());
-        return sizeof(R) == 2 ? hn::ShiftLeftSame(inRange, int(kept(sectionShift))) : inRange;
+    static HWY_INLINE V shifted(V samples, uint32_t sectionShift) {
+        if constexpr (sizeof(R) > sizeof(T))
+            return samples;
+        else
+            return hn::ShiftLeftSame(samples, int(sectionShift));
     }
 };
 
-template <typename R>
-HWY_INLINE void storeSamples(const Samples& values, const Samples& shifts, uint8_t* result, Used<R>& used) {
-    const auto store = [&](size_t part, VS value, VS shift) HWY_ATTR {
-        uint8_t* const at = result + part * kSectionLanes * sizeof(R);
-        if constexpr (sizeof(R) == 2) {
-            used = hn::Or(used, value);
-            storeBytes(DS(), value, at);
-        } else {
-            const hn::Half<DS> half;
-            const UsedLanes<R> wide;
-            const Used<R> low = hn::Shl(hn::PromoteTo(wide, hn::LowerHalf(half, value)),
-                                        hn::PromoteTo(wide, hn::LowerHalf(half, shift)));
-            const Used<R> high = hn::Shl(hn::PromoteTo(wide, hn::UpperHalf(half, value)),
-                                         hn::PromoteTo(wide, hn::UpperHalf(half, shift)));
-            used = hn::Or(used, hn::Or(low, high));
-            storeBytes(wide, low, at);
-            storeBytes(wide, high, at + kSectionLanes * 2);
-        }
-    };
-    const Samples value = values.inSequence();
-    const Samples shift = sizeof(R) == 2 ? shifts : shifts.inSequence();
-    store(0, value.first, shift.first);
-    store(1, value.second, shift.second);
-    store(2, value.third, shift.third);
-}
+template <typename T, typename R>
+struct MergedBlock {
+    Merged<T, R> first;
+    Merged<T, R> second;
+    Merged<T, R> third;
 
-/// Which pixels have all samples below the threshold, which is not 0.
-HWY_INLINE hn::Mask<DS> usablePixels(const Samples& samples, VS largestUsable) {
-    const VS largest =
-        hn::Max(hn::Max(samples.samplesOf<0>(), samples.samplesOf<1>()), samples.samplesOf<2>());
-    return hn::Eq(hn::Min(largest, largestUsable), largest);
+    HWY_INLINE MergedBlock(const Triples<T>& samples, uint32_t sectionShift)
+        : first(samples.first, sectionShift), second(samples.second, sectionShift),
+          third(samples.third, sectionShift) {}
+
+    HWY_INLINE void take(TripleVec<T> usable, const Triples<T>& samples, uint32_t sectionShift) {
+        const auto taken = Triples<T>::spread(usable);
+        first.take(taken.first, samples.first, sectionShift);
+        second.take(taken.second, samples.second, sectionShift);
+        third.take(taken.third, samples.third, sectionShift);
+    }
+
+    HWY_INLINE void store(uint8_t* result, Used<T, R>& used) const {
+        if constexpr (sizeof(R) == sizeof(T)) {
+            constexpr size_t bytes = kTriplePixels<T> * sizeof(T);
+            const Triples<T> values = Triples<T>{first.value, second.value, third.value}.inSequence();
+            used = hn::Or(used, hn::Or(values.first, hn::Or(values.second, values.third)));
+            storeBytes(TripleTag<T>(), values.first, result);
+            storeBytes(TripleTag<T>(), values.second, result + bytes);
+            storeBytes(TripleTag<T>(), values.third, result + 2 * bytes);
+        } else {
+            storeWide<0>(first, result, used);
+            storeWide<1>(second, result, used);
+            storeWide<2>(third, result, used);
+        }
+    }
+
+private:
+    using D = MergedTag<T, R>;
+    using V = hn::Vec<D>;
+
+    /// The products of a vector; each 128 bits of it become 256.
+    template <size_t part>
+    static HWY_INLINE void storeWide(const Merged<T, R>& merged, uint8_t* result, Used<T, R>& used) {
+        const D d;
+        const TripleTag<T> narrow;
+        V low;
+        V high;
+        if constexpr (sizeof(T) == 1) {
+            const auto zero = hn::Zero(narrow);
+            low = hn::Mul(hn::ZipLower(d, merged.value, zero), hn::ZipLower(d, merged.factor, zero));
+            high = hn::Mul(hn::ZipUpper(d, merged.value, zero), hn::ZipUpper(d, merged.factor, zero));
+        } else {
+            const auto lowBits = hn::Mul(merged.value, merged.factor);
+            const auto highBits = hn::MulHigh(merged.value, merged.factor);
+            low = hn::ZipLower(d, lowBits, highBits);
+            high = hn::ZipUpper(d, lowBits, highBits);
+        }
+        used = hn::Or(used, hn::Or(low, high));
+        if constexpr (kTriplePixels < T >> kPartPixels<T>) {
+            storeSamples(hn::ConcatLowerLower(d, high, low), result, part * kPartPixels<T>);
+            storeSamples(hn::ConcatUpperUpper(d, high, low), result, (part + 3) * kPartPixels<T>);
+        } else {
+            storeSamples(low, result, part * kPartPixels<T>);
+            storeSamples(high, result, part * kPartPixels<T> + kPartPixels<T> / 2);
+        }
+    }
+
+    static HWY_INLINE void storeSamples(V values, uint8_t* result, size_t sample) {
+        uint8_t* const at = result + sample * sizeof(R);
+        if constexpr (sizeof(R) == sizeof(MergedLane<T, R>)) {
+            storeBytes(D(), values, at);
+        } else {
+            const hn::Half<D> half;
+            const hn::Repartition<R, D> wide;
+            storeBytes(wide, hn::PromoteTo(wide, hn::LowerHalf(half, values)), at);
+            storeBytes(wide, hn::PromoteTo(wide, hn::UpperHalf(half, values)),
+                       at + hn::MaxLanes(wide) * sizeof(R));
+        }
+    }
+};
+
+/// Which pixels have no sample above the largest usable one, in the mixed order.
+template <typename T>
+HWY_INLINE TripleVec<T> usablePixels(const Triples<T>& samples, TripleVec<T> largestUsable) {
+    const auto largest = hn::Max(hn::Max(samples.template samplesOf<0>(), samples.template samplesOf<1>()),
+                                 samples.template samplesOf<2>());
+    return hn::VecFromMask(TripleTag<T>(), hn::Eq(hn::Min(largest, largestUsable), largest));
 }
 
 template <typename T, typename R>
 HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uint32_t sections,
-                           VS largestUsable, uint8_t* result, Used<R>& used) {
-    const Samples last = loadSamples<T>(firstSection + (sections - 1) * sectionBytes);
-    const auto lastUsable = usablePixels(last, largestUsable);
-    if (hn::AllTrue(DS(), lastUsable)) {
-        const VS unshifted = hn::Zero(DS());
-        return storeSamples<R>(last, {unshifted, unshifted, unshifted}, result, used);
-    }
-    // The more sensitive sections overwrite what the others left.
-    const Samples base = loadSamples<T>(firstSection);
-    Merged<R> first(base.first, sections - 1);
-    Merged<R> second(base.second, sections - 1);
-    Merged<R> third(base.third, sections - 1);
-    const auto take = [&](const Samples& samples, hn::Mask<DS> usable, uint32_t shift) HWY_ATTR {
-        const Samples taken = Samples::spread(hn::VecFromMask(DS(), usable));
-        first.take(taken.first, samples.first, shift);
-        second.take(taken.second, samples.second, shift);
-        third.take(taken.third, samples.third, shift);
-    };
+                           TripleVec<T> largestUsable, uint8_t* result, Used<T, R>& used) {
+    const auto last = Triples<T>::load(firstSection + (sections - 1) * sectionBytes);
+    const auto lastUsable = usablePixels<T>(last, largestUsable);
+    if (hn::AllTrue(TripleTag<T>(), hn::MaskFromVec(lastUsable)))
+        return MergedBlock<T, R>(last, 0).store(result, used);
+
+    // The more sensitive sections overwrite what the others left: where pixels differ from their neighbours,
+    // a mispredicted branch costs more than the loads it may save.
+    MergedBlock<T, R> merged(Triples<T>::load(firstSection), sections - 1);
     for (uint32_t section = 1; section < sections - 1; ++section) {
-        const Samples samples = loadSamples<T>(firstSection + section * sectionBytes);
-        take(samples, usablePixels(samples, largestUsable), sections - 1 - section);
+        const auto samples = Triples<T>::load(firstSection + section * sectionBytes);
+        merged.take(usablePixels<T>(samples, largestUsable), samples, sections - 1 - section);
     }
-    take(last, lastUsable, 0);
-    storeSamples<R>({first.value, second.value, third.value}, {first.shift, second.shift, third.shift},
-                    result, used);
+    merged.take(lastUsable, last, 0);
+    merged.store(result, used);
 }
 
 /// A row of at least one block. A number of sections that the compiler knows needs no loop over them.
 template <typename T, typename R, uint32_t knownSections>
 HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, uint32_t anySections,
-                            uint16_t threshold, uint8_t* result, size_t pixels, Used<R>& used) {
-    constexpr size_t kPixels = kSectionLanes;
+                            uint16_t threshold, uint8_t* result, size_t pixels, Used<T, R>& used) {
+    constexpr size_t kPixels = kTriplePixels<T>;
     const uint32_t sections = knownSections != 0 ? knownSections : anySections;
-    const VS largestUsable = hn::Set(DS(), uint16_t(threshold - 1));
+    const auto largestUsable =
+        hn::Set(TripleTag<T>(), T(std::min<uint32_t>(threshold - 1U, hwy::LimitsMax<T>())));
     const size_t last = pixels - kPixels;
     for (size_t pixel = 0; pixel < pixels;) {
         for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
@@ -149,8 +177,9 @@ HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, ui
 template <typename T, typename R>
 void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
                       quint8* result, size_t pixels, quint32& usedBits) {
-    if (pixels < kSectionLanes || threshold == 0) {
-        // Short rows of any number of sections are not worth copying, and below 0 there is nothing.
+    // Short rows are not worth copying, below 0 there is no sample, and more sections than a sample has bits
+    // need factors wider than it.
+    if (pixels < kTriplePixels<T> || threshold == 0 || sections > 8 * sizeof(T)) {
         CkToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
             firstSection, sectionBytes, sections, threshold, result, pixels, usedBits);
         for (size_t sample = 0; sample < 3 * pixels; ++sample) {
@@ -160,7 +189,8 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
         }
         return;
     }
-    Used<R> used = hn::Zero(UsedLanes<R>());
+    const MergedTag<T, R> d;
+    Used<T, R> used = hn::Zero(d);
     if (sections == 2)
         mergeBlocks<T, R, 2>(firstSection, sectionBytes, 2, threshold, result, pixels, used);
     else if (sections == 3)
@@ -169,9 +199,9 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
         mergeBlocks<T, R, 4>(firstSection, sectionBytes, 4, threshold, result, pixels, used);
     else
         mergeBlocks<T, R, 0>(firstSection, sectionBytes, sections, threshold, result, pixels, used);
-    alignas(64) R lanes[hn::MaxLanes(UsedLanes<R>())];
-    hn::Store(used, UsedLanes<R>(), lanes);
-    for (const R lane : lanes)
+    alignas(64) MergedLane<T, R> lanes[hn::MaxLanes(d)];
+    hn::Store(used, d, lanes);
+    for (const auto lane : lanes)
         usedBits |= lane;
 }
 #endif

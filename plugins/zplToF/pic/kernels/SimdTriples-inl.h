@@ -122,7 +122,7 @@ private:
     /// Every third lane of one vector, from the given one, and the others of another vector.
     template <size_t lane>
     static HWY_INLINE V everyThird(V those, V others) {
-#if HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_AVX2
+#if HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3
         // A blend by a constant runs on twice as many ports as one by a vector.
         if constexpr (sizeof(T) == 2) {
             constexpr int lanes = lane == 0 ? 0x49 : lane == 1 ? 0x92 : 0x24;

@@ -120,25 +120,52 @@ TEST_P(KernelEquality, EveryWidthPhasesLayoutAndAngleList) {
     }
 }
 
+void compareMerge(const TestPicture& source, EkImageDataType resultType) {
+    TestPicture plain(source.pic.width, 2, 3, resultType, 0, 6);
+    {
+        const PinnedKernels pinned(CkToFKernelChoice::plain());
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, plain.pic));
+    }
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        TestPicture simd(source.pic.width, 2, 3, resultType, 0, 6);
+        const PinnedKernels pinned(*kernels);
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, simd.pic));
+        ASSERT_EQ(plain.store, simd.store) << kernels->sName;
+        ASSERT_EQ(plain.pic.bitsPerChannel, simd.pic.bitsPerChannel) << kernels->sName;
+    }
+}
+
 TEST(KernelEqualityOfMerge, ManySectionsAndThresholds) {
     std::mt19937 random(7);
-    for (const quint32 sections : {2U, 3U, 4U, 17U, 18U, 33U, 40U}) {
-        for (const quint32 bits : {0U, 7U, 8U, 12U, 16U, 31U, 40U, 63U, 64U, 4000000000U}) {
-            TestPicture source(37, 2 * sections, 3, EkImageDataType::UInt16, 16, 2);
-            fillRandom(source, random, 14);
-            source.pic.bitsPerChannel = bits;
-            for (const auto type : {EkImageDataType::UInt16, EkImageDataType::UInt32}) {
-                TestPicture plain(37, 2, 3, type, 0, 6);
-                CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
-                ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, plain.pic));
-                for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
-                    TestPicture simd(37, 2, 3, type, 0, 6);
-                    const PinnedKernels pinned(*kernels);
-                    ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, simd.pic));
-                    ASSERT_EQ(plain.store, simd.store) << kernels->sName << ' ' << sections << ' ' << bits;
+    for (const auto sourceType : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
+        for (const quint32 sections : {2U, 3U, 4U, 5U, 8U, 9U, 16U, 17U, 18U, 33U, 40U}) {
+            for (const quint32 bits : {0U, 1U, 5U, 7U, 8U, 9U, 12U, 16U, 31U, 40U, 63U, 64U, 4000000000U}) {
+                SCOPED_TRACE(std::to_string(sections) + " sections, bits " + std::to_string(bits));
+                TestPicture source(69, 2 * sections, 3, sourceType, 8, 2);
+                fillRandom(source, random, sourceType == EkImageDataType::UInt8 ? 8 : 14);
+                source.pic.bitsPerChannel = bits;
+                for (const auto resultType : {EkImageDataType::UInt16, EkImageDataType::UInt32}) {
+                    compareMerge(source, resultType);
+                    if (HasFatalFailure())
+                        return;
                 }
             }
         }
+    }
+}
+
+// A block of pixels that all can use the most sensitive section takes a way of its own.
+TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
+    std::mt19937 random(8);
+    for (const auto sourceType : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
+        TestPicture source(200, 6, 3, sourceType, 8);
+        fillRandom(source, random, 7);
+        for (quint32 y = 0; y < source.pic.height; ++y) {
+            for (quint32 x = 90; x < 97; ++x)
+                source.put(x, y, x % 3, 229 + (x + y) % 20);
+        }
+        compareMerge(source, EkImageDataType::UInt16);
+        compareMerge(source, EkImageDataType::UInt32);
     }
 }
 
