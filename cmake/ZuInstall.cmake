@@ -1,11 +1,11 @@
 # What `cmake --install` puts where: libraries, plug-in and viewer, and the SDK for plug-ins of others
-# (headers and the package files that find_package(ZuHostSdk) reads).
+# (headers and the package files that find_package(ZuHostSdk) reads). ZuPackages makes packages of the components.
 include(CMakePackageConfigHelpers)
 
 set(zu_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ZuHostSdk")
 
 install(TARGETS zuHostSdk zuCore EXPORT ZuHostSdkTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT core
   NAMELINK_COMPONENT sdk)
 set_target_properties(zuCore PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 

@@ -7,8 +7,10 @@ packages_build=(g++ cmake ninja-build qt6-base-dev qt6-3d-dev libqt6opengl6-dev 
     qt6-tools-dev-tools qt6-l10n-tools libgl-dev libhwy-dev libtiff-dev)
 packages_run=(libgl1-mesa-dri qt6-qpa-plugins qt6-wayland qt6-translations-l10n fonts-dejavu-core)
 packages_headless=(xvfb xauth)
-packages_test=(libgtest-dev libgmock-dev libbenchmark-dev weston xdotool binutils file)
-packages_ci=(clang clang-format clang-tidy libclang-rt-14-dev)
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev weston xdotool binutils file desktop-file-utils)
+# For those who make packages, the reference of the SDK, the pictures of the guide; neither run nor test needs them.
+packages_release=(dpkg-dev fakeroot debootstrap doxygen xdotool imagemagick librsvg2-bin)
+packages_ci=(clang clang-format clang-tidy libclang-rt-14-dev doxygen)
 
 say() { printf '%s\n' "$*"; }
 fail() { printf '%s\n' "$*" >&2; exit 1; }

@@ -2,6 +2,7 @@
 #include "app/CkViewerSession.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QStyleFactory>
@@ -17,6 +18,24 @@ constexpr int kNoDisplay = 2;
 int report(int code, const QString& text) {
     std::fprintf(code == 0 ? stdout : stderr, "%s\n", qUtf8Printable(text.trimmed()));
     return code;
+}
+
+/// Qt takes its own options out by itself only where windows are to be opened.
+QStringList withoutWindowOptions(const QStringList& given) {
+    static const QStringList withValue = {
+        QStringLiteral("platform"), QStringLiteral("platformpluginpath"), QStringLiteral("platformtheme"),
+        QStringLiteral("style"),    QStringLiteral("stylesheet"),         QStringLiteral("display"),
+        QStringLiteral("geometry")};
+    QStringList left;
+    for (qsizetype i = 0; i < given.size(); ++i) {
+        const QString name = given[i].startsWith(QLatin1String("--")) ? given[i].mid(2) : given[i].mid(1);
+        if (given[i].startsWith(QLatin1Char('-')) && withValue.contains(name)) {
+            ++i;
+        } else {
+            left.append(given[i]);
+        }
+    }
+    return left;
 }
 
 int inform(int argc, char** argv, const QStringList& arguments) {
@@ -36,6 +55,14 @@ int inform(int argc, char** argv, const QStringList& arguments) {
     }
     CkViewerSession::addBuiltInDrivers();
     return report(0, CkViewerSession::cameraList());
+}
+
+QIcon programIcon() {
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+        icon.addFile(QStringLiteral(":/icons/zuviewer-%1.png").arg(size));
+    }
+    return icon;
 }
 
 // Qt ends the program by abort() when it finds no screen; people get a sentence instead.
@@ -62,7 +89,7 @@ int main(int argc, char** argv) {
                 given.last().startsWith(QLatin1String("--style"));
     }
     if (CkCommandLine::isInformationOnly(given)) {
-        return inform(argc, argv, given);
+        return inform(argc, argv, withoutWindowOptions(given));
     }
 
     const QtMessageHandler usual = qInstallMessageHandler(&reportMissingScreen);
@@ -77,6 +104,10 @@ int main(int argc, char** argv) {
                      QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(&qtTexts);
     }
+
+    QApplication::setWindowIcon(programIcon());
+    // Wayland knows windows by the name of their menu entry.
+    QGuiApplication::setDesktopFileName(QStringLiteral("zuviewer"));
 
     CkCommandLine commandLine;
     SkViewerOptions options;
