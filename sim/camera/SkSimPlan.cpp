@@ -46,6 +46,7 @@ SkPicBufInfo describe(const SkSimLens& lens, size_t parts, quint32 channels, EkI
 
 std::vector<int> phaseAngles(int phases) {
     std::vector<int> angles;
+    angles.reserve(size_t(phases));
     // Two phases are a quarter turn apart, not half a turn: half a turn would only repeat the first with its
     // taps exchanged.
     const int step = phases == 8 ? 45 : 90;

@@ -21,16 +21,17 @@ double upperQuantile(double probability) {
 
 std::array<float, 4096> makeQuantiles() {
     constexpr int count = 4096;
-    std::array<double, count / 2> upper{};
+    constexpr int half = count / 2;
+    std::array<double, half> upper{};
     double squares = 0.0;
-    for (int slice = 0; slice < count / 2; ++slice) {
+    for (int slice = 0; slice < half; ++slice) {
         upper[size_t(slice)] = upperQuantile((slice + 0.5) / count);
         squares += upper[size_t(slice)] * upper[size_t(slice)];
     }
     // Slices cut the tails off; scaled so that the variance is 1 all the same.
-    const double scale = 1.0 / std::sqrt(squares / (count / 2));
+    const double scale = 1.0 / std::sqrt(squares / half);
     std::array<float, count> table{};
-    for (int slice = 0; slice < count / 2; ++slice) {
+    for (int slice = 0; slice < half; ++slice) {
         const float value = float(upper[size_t(slice)] * scale);
         table[size_t(slice)] = -value;
         table[size_t(count - 1 - slice)] = value;

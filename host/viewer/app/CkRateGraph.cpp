@@ -33,8 +33,8 @@ void CkRateGraph::paintEvent(QPaintEvent*) {
     const double scale = (height() - 2) / most;
     for (qsizetype i = 0; i < m_samples.size(); ++i) {
         const int left = 1 + 2 * int(kSeconds - m_samples.size() + i);
-        const int shown = int(m_samples[i].frames * scale + 0.5);
-        const int lost = int(m_samples[i].dropped * scale + 0.5);
+        const int shown = qRound(m_samples[i].frames * scale);
+        const int lost = qRound(m_samples[i].dropped * scale);
         painter.fillRect(left, height() - 1 - shown, 2, shown, QColor(0x3a, 0x78, 0xc8));
         painter.fillRect(left, height() - 1 - shown - lost, 2, lost, QColor(0xd0, 0x50, 0x40));
     }

@@ -273,8 +273,8 @@ void CkViewArea::tile() {
         double start = 0.0;
         for (int i = 0; i < inRow.size(); ++i) {
             const double end = start + (shares.isEmpty() ? 1.0 / double(inRow.size()) : shares[i]);
-            const int left = int(space.width() * start + 0.5);
-            const int right = int(space.width() * end + 0.5);
+            const int left = qRound(space.width() * start);
+            const int right = qRound(space.width() * end);
             if (inRow[i]->isMaximized()) {
                 inRow[i]->showNormal();
             }

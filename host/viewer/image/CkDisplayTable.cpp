@@ -131,7 +131,7 @@ QList<QRgb> CkDisplayTable::colours(const CkLut& lut) {
     for (int i = 0; i < kColours; ++i) {
         const double part = double(i) / (kColours - 1);
         const double warped = gamma > 0.0 && std::isfinite(gamma) ? std::pow(part, gamma) : part;
-        const quint8* entry = bare.rgbTable() + size_t(warped * last + 0.5) * 4;
+        const quint8* entry = bare.rgbTable() + size_t(std::lround(warped * last)) * 4;
         result.append(qRgb(entry[2], entry[1], entry[0]));
     }
     return result;
