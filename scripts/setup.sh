@@ -1,7 +1,8 @@
 # Shared by run, test and .ci/run (sourced): packages, build folder, display servers.
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
-build_dir=${BUILD_DIR:-$source_dir/build/release}
+# As a full path: cmake is called from the source folder, everything else from where the user stands.
+build_dir=$(readlink -m -- "${BUILD_DIR:-$source_dir/build/release}")
 
 packages_build=(g++ cmake ninja-build qt6-base-dev qt6-3d-dev libqt6opengl6-dev qt6-tools-dev
     qt6-tools-dev-tools qt6-l10n-tools libgl-dev libhwy-dev libtiff-dev)
