@@ -118,6 +118,7 @@ int CkToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFClo
             points += written;
         }
     }
+    steps->finishWriting();
     return int(points);
 }
 

@@ -4,6 +4,7 @@
 
 #include "cloud/CkToFCloudVectorSteps.h"
 
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -188,30 +189,103 @@ struct Places {
     hn::Vec<Quad> first, second, third, fourth;
 };
 
-/// Writes vertices and export points without a branch: a dropped pixel is written too, and overwritten by
-/// the next one. Every store is a full vector, the part of it that is too much likewise.
-template <bool Quads>
-class PointWriter {
+/// The four corners of a quad with the same colour, 24 floats in a row. Minus zero leaves every number as it
+/// is, zero would turn minus zero into zero.
+#if HWY_MAX_BYTES >= 32
+
+class Corners {
 public:
-    HWY_INLINE PointWriter(float* pVertices, float* pExport, float fEdge, const SkToFColours& colours)
-        : m_vertices(pVertices), m_export(pExport), m_colours(colours) {
+    HWY_INLINE explicit Corners(float fEdge) {
+        // x, y, z at 0 to 2, red, green, blue at 4 to 6.
+        HWY_ALIGN static const qint32 order[24] = {0, 1, 2, 4, 5, 6, 0, 1, 2, 4, 5, 6,
+                                                   0, 1, 2, 4, 5, 6, 0, 1, 2, 4, 5, 6};
+        HWY_ALIGN float offsets[24];
+        std::fill_n(offsets, 24, -0.0F);
+        offsets[1] = offsets[7] = -fEdge;
+        offsets[6] = offsets[12] = fEdge;
+        for (int i = 0; i < 3; i++) {
+            m_order[i] = hn::SetTableIndices(Eight(), order + 8 * i);
+            m_offsets[i] = hn::Load(Eight(), offsets + 8 * i);
+        }
+    }
+
+    /// Quads are more than the caches hold: unless they stand in odd places, they go past them.
+    static bool canStream(const float* pOut) {
+        return reinterpret_cast<uintptr_t>(pOut) % (4 * sizeof(float)) == 0;
+    }
+
+    template <bool Streamed>
+    HWY_INLINE void write(hn::Vec<Quad> place, hn::Vec<Quad> rgb, float* out) const {
+        const Eight d8;
+        const auto both = hn::Combine(d8, rgb, place);
+        for (int i = 0; i < 3; i++) {
+            const auto part = hn::Add(hn::TableLookupLanes(both, m_order[i]), m_offsets[i]);
+            if constexpr (Streamed) {
+                hn::Stream(hn::LowerHalf(part), Quad(), out + 8 * i);
+                hn::Stream(hn::UpperHalf(Quad(), part), Quad(), out + 8 * i + 4);
+            } else {
+                hn::StoreU(part, d8, out + 8 * i);
+            }
+        }
+    }
+
+private:
+    using Eight = hn::CappedTag<float, 8>;
+    using Order = decltype(hn::SetTableIndices(Eight(), static_cast<const qint32*>(nullptr)));
+    Order m_order[3];
+    hn::Vec<Eight> m_offsets[3];
+};
+
+#else
+
+class Corners {
+public:
+    HWY_INLINE explicit Corners(float fEdge) {
         const Quad dq;
-        // Minus zero leaves every number as it is; zero would turn minus zero into zero.
         HWY_ALIGN const float corners[3][4] = {
             {-0.0F, -fEdge, -0.0F, 0.0F}, {fEdge, -fEdge, -0.0F, 0.0F}, {fEdge, -0.0F, -0.0F, 0.0F}};
         for (int i = 0; i < 3; i++)
-            m_corners[i] = hn::Load(dq, corners[i]);
+            m_offsets[i] = hn::Load(dq, corners[i]);
     }
+
+    static bool canStream(const float*) { return false; }
+
+    template <bool Streamed>
+    HWY_INLINE void write(hn::Vec<Quad> place, hn::Vec<Quad> rgb, float* out) const {
+        const Quad dq;
+        for (int i = 0; i < 3; i++)
+            store(out + 6 * i, hn::Add(place, m_offsets[i]), rgb);
+        store(out + 18, place, rgb);
+    }
+
+private:
+    HWY_INLINE static void store(float* out, hn::Vec<Quad> place, hn::Vec<Quad> rgb) {
+        const Quad dq;
+        hn::StoreU(place, dq, out);
+        hn::StoreU(rgb, dq, out + 3);
+    }
+
+    hn::Vec<Quad> m_offsets[3];
+};
+
+#endif
+
+/// Writes vertices and export points without a branch: a dropped pixel is written too, and overwritten by
+/// the next one. Every store is a full vector, the part of it that is too much likewise.
+template <bool Quads, bool Streamed>
+class PointWriter {
+public:
+    HWY_INLINE PointWriter(float* pVertices, float* pExport, float fEdge, const SkToFColours& colours)
+        : m_vertices(pVertices), m_export(pExport), m_colours(colours), m_corners(fEdge) {}
 
     HWY_INLINE void write(hn::Vec<Quad> scene, hn::Vec<Quad> exported, qint32 iColour, quint32 uiKept) {
         const Quad dq;
         const auto rgb = hn::Load(dq, m_colours[size_t(iColour)].data());
         if constexpr (Quads) {
-            for (int i = 0; i < 3; i++)
-                store(m_vertices + 6 * i, hn::Add(scene, m_corners[i]), rgb);
-            store(m_vertices + 18, scene, rgb);
+            m_corners.template write<Streamed>(scene, rgb, m_vertices);
         } else {
-            store(m_vertices, scene, rgb);
+            hn::StoreU(scene, dq, m_vertices);
+            hn::StoreU(rgb, dq, m_vertices + 3);
         }
         hn::StoreU(exported, dq, m_export);
         m_vertices += uiKept * (Quads ? 24U : 6U);
@@ -221,23 +295,17 @@ public:
     HWY_INLINE float* exportEnd() const { return m_export; }
 
 private:
-    HWY_INLINE static void store(float* out, hn::Vec<Quad> place, hn::Vec<Quad> rgb) {
-        const Quad dq;
-        hn::StoreU(place, dq, out);
-        hn::StoreU(rgb, dq, out + 3);
-    }
-
     float* m_vertices;
     float* m_export;
     const SkToFColours& m_colours;
-    hn::Vec<Quad> m_corners[3];
+    const Corners m_corners;
 };
 
 /// Answers the number of points written.
-template <bool Quads>
+template <bool Quads, bool Streamed = false>
 size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChip, float fEdge,
                   const SkToFColours& colours, float* pVertices, float* pExport) {
-    PointWriter<Quads> writer(pVertices, pExport, fEdge, colours);
+    PointWriter<Quads, Streamed> writer(pVertices, pExport, fEdge, colours);
     for (size_t i = 0; i < uiPixels; i += 4) {
         const Places scene(chunk.sceneX + i, chunk.sceneY + i, chunk.sceneZ + i);
         const Places exported = bExportChip ? Places(chunk.x + i, chunk.y + i, chunk.z + i) : scene;
@@ -261,9 +329,14 @@ void computeChunk(const SkToFCloudInput& input, const SkToFCloudChunkSource& sou
 size_t writePoints(const SkToFCloudInput& input, const SkToFCloudChunk& chunk, size_t uiPixels,
                    const SkToFColours& colours, float* pVertices, float* pExport) {
     const SkToFCloudScales& s = input.scales;
-    return input.verticesPerPoint == 1
-               ? writeChunk<false>(chunk, uiPixels, s.useLens, s.pointSpacing, colours, pVertices, pExport)
-               : writeChunk<true>(chunk, uiPixels, s.useLens, s.pointSpacing, colours, pVertices, pExport);
+    const auto write = input.verticesPerPoint == 1     ? writeChunk<false>
+                       : Corners::canStream(pVertices) ? writeChunk<true, true>
+                                                       : writeChunk<true>;
+    return write(chunk, uiPixels, s.useLens, s.pointSpacing, colours, pVertices, pExport);
+}
+
+void finishWriting() {
+    hwy::FlushStream();
 }
 
 float largestOfRow(const float* pDepths, const float* pConfidences, size_t uiPixels, float fLimit,
@@ -285,8 +358,12 @@ float largestOfRow(const float* pDepths, const float* pConfidences, size_t uiPix
 } // namespace
 
 const SkToFCloudSteps* Steps() {
-    static const SkToFCloudSteps steps = {hwy::TargetName(HWY_TARGET), hn::Lanes(Floats()), computeChunk,
-                                          writePoints, largestOfRow};
+    static const SkToFCloudSteps steps = {hwy::TargetName(HWY_TARGET),
+                                          hn::Lanes(Floats()),
+                                          computeChunk,
+                                          writePoints,
+                                          finishWriting,
+                                          largestOfRow};
     return &steps;
 }
 

@@ -35,6 +35,8 @@ struct SkToFCloudSteps {
     /// Answers the number of points written.
     size_t (*write)(const SkToFCloudInput& input, const SkToFCloudChunk& chunk, size_t uiPixels,
                     const SkToFColours& colours, float* pVertices, float* pExport);
+    /// After the last write: what went past the caches has arrived, for other threads as well.
+    void (*finishWriting)();
     /// Largest finite depth among the pixels of confidence in (0, fLimit], at least fStart.
     float (*largestOfRow)(const float* pDepths, const float* pConfidences, size_t uiPixels, float fLimit,
                           float fStart);
