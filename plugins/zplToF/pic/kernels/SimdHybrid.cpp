@@ -49,6 +49,64 @@ void windowRow(const quint8* source, quint8* result, size_t pixels, int) {
     forEachBlock(&source, result, pixels, block);
 }
 
+/// Windows of 32 bits, which are signed. The amplitude needs up to 34 bits: its low 32 come from sums that
+/// wrap, and bit 32 from their carry.
+template <typename R, bool wantAmplitude>
+struct WideWindowBlock {
+    static constexpr size_t kPixels = kFloats;
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 12;
+    static constexpr size_t kResultBytes = sizeof(R);
+
+    int shift;
+
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
+        const DI di;
+        VI x1, x2, x3;
+        hn::LoadInterleaved3(di, reinterpret_cast<const int32_t*>(rows[0]), x1, x2, x3);
+        const VI low = hn::Min(x1, x3);
+        if constexpr (wantAmplitude)
+            store(amplitude(low, x2, hn::Max(x1, x3)), result);
+        else
+            // More than 31 places leave nothing but the sign, as 31 do.
+            store(hn::BitCast(DU(), shift == 0 ? low : hn::ShiftRightSame(low, std::min(shift, 31))), result);
+    }
+
+private:
+    HWY_INLINE VU amplitude(VI low, VI x2, VI high) const {
+        const DU d;
+        const VU span = hn::Sub(hn::BitCast(d, high), hn::BitCast(d, low));
+        const VU lack = hn::Sub(hn::BitCast(d, low), hn::BitCast(d, x2));
+        const auto lacking = hn::RebindMask(d, hn::Gt(low, x2));
+        const VU value = hn::Sub(span, lack);
+        const VU remaining = hn::IfThenZeroElse(hn::And(lacking, hn::Lt(span, lack)), value);
+        if (shift == 0)
+            return remaining;
+        const auto carried = hn::AndNot(lacking, hn::Lt(value, span));
+        const VU carry =
+            hn::IfThenElseZero(carried, hn::Set(d, shift > 32 ? 0U : uint32_t(1ULL << (32 - shift))));
+        return hn::Or(shift > 31 ? hn::Zero(d) : hn::ShiftRightSame(remaining, shift), carry);
+    }
+
+    /// The low bits of every lane.
+    static HWY_INLINE void store(VU values, uint8_t* result) {
+        if constexpr (sizeof(R) == 4) {
+            storeBytes(DU(), values, result);
+        } else {
+            // Demoting saturates, so what is cut off is cleared first.
+            const hn::Rebind<R, DI> narrow;
+            const VU kept = hn::And(values, hn::Set(DU(), uint32_t(hwy::LimitsMax<R>())));
+            storeBytes(narrow, hn::DemoteTo(narrow, hn::BitCast(DI(), kept)), result);
+        }
+    }
+};
+
+template <typename R, bool wantAmplitude>
+void wideWindowRow(const quint8* source, quint8* result, size_t pixels, int shift) {
+    WideWindowBlock<R, wantAmplitude> block{shift};
+    forEachBlock(&source, result, pixels, block);
+}
+
 /// Half of a block's quotients in double precision, narrowed.
 struct Quotients {
     hn::Vec<hn::Rebind<float, DD>> depth;
@@ -130,6 +188,56 @@ void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double 
     forEachBlock(&source, result, pixels, block);
 }
 
+/// Windows of 32 bits, which are signed. Doubles hold them and their sums exactly, and round a product once,
+/// as the conversion of the whole product does.
+struct WideHybridDepthBlock {
+    static constexpr size_t kPixels = hn::MaxLanes(DD());
+    static constexpr size_t kRows = 1;
+    static constexpr size_t kSourceBytes = 12;
+    static constexpr size_t kResultBytes = 8;
+
+    double range;
+
+    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
+        const DD d;
+        const hn::Rebind<int32_t, DD> di;
+        hn::Vec<hn::Rebind<int32_t, DD>> x1, x2, x3;
+        hn::LoadInterleaved3(di, reinterpret_cast<const int32_t*>(rows[0]), x1, x2, x3);
+        const VD a = hn::PromoteTo(d, x1);
+        const VD b = hn::PromoteTo(d, x2);
+        const VD c = hn::PromoteTo(d, x3);
+
+        const auto near = hn::Gt(a, c);
+        const VD first = hn::IfThenElse(near, a, b);
+        const VD second = hn::IfThenElse(near, b, c);
+        const VD ambient = hn::Min(a, c);
+        const VD sum = hn::Add(first, second);
+        const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
+        const VD aboveAmbient = hn::Sub(second, ambient);
+        // A whole number has no negative zero, a product of 0 with a negative ambient light has: 0 is added.
+        const VD zero = hn::Zero(d);
+        const VD confidence =
+            hn::Div(hn::Add(hn::Mul(sum, ambient), zero), hn::Mul(hn::Add(first, first), second));
+        const VD offset = hn::IfThenZeroElse(near, hn::Set(d, range));
+        const VD depth = hn::Add(hn::Div(hn::Mul(aboveAmbient, hn::Set(d, range)), reflected), offset);
+
+        const auto undecided =
+            hn::And(hn::Le(hn::Abs(hn::Sub(a, b)), hn::Set(d, 2.0)), hn::Lt(hn::Max(a, b), c));
+        const auto measurable = hn::And(hn::And(hn::Gt(reflected, zero), hn::Ge(aboveAmbient, zero)),
+                                        hn::And(hn::Ne(first, zero), hn::Ne(second, zero)));
+        const auto valid = hn::And(hn::AndNot(undecided, measurable), hn::Le(confidence, hn::Set(d, 0.9)));
+        const hn::Rebind<float, DD> df;
+        hn::StoreInterleaved2(hn::DemoteTo(df, hn::IfThenElseZero(valid, depth)),
+                              hn::DemoteTo(df, hn::IfThenElseZero(valid, confidence)), df,
+                              reinterpret_cast<float*>(result));
+    }
+};
+
+void wideHybridDepthRow(const quint8* source, quint8* result, size_t pixels, double range) {
+    WideHybridDepthBlock block{range};
+    forEachBlock(&source, result, pixels, block);
+}
+
 /// Largest depth of the lanes whose confidence can be trusted.
 struct LargestDepth {
     VF largest;
@@ -179,15 +287,20 @@ float largestDepthOfPairsRow(const quint8* pairs, const quint8*, size_t pixels, 
     return hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
 }
 
-/// Pictures of 32-bit windows stay with the plain loops: their sums and products need lanes of 64 bits, of
-/// which a vector holds few, and sensors deliver 16 bits at most.
 void addHybrid(SkToFKernels& kernels) {
     kernels.hybridIntensity[0][0] = windowRow<uint8_t, false>;
     kernels.hybridIntensity[1][1] = windowRow<uint16_t, false>;
     kernels.hybridAmplitude[0][0] = windowRow<uint8_t, true>;
     kernels.hybridAmplitude[1][1] = windowRow<uint16_t, true>;
+    kernels.hybridIntensity[2][0] = wideWindowRow<uint8_t, false>;
+    kernels.hybridIntensity[2][1] = wideWindowRow<uint16_t, false>;
+    kernels.hybridIntensity[2][2] = wideWindowRow<uint32_t, false>;
+    kernels.hybridAmplitude[2][0] = wideWindowRow<uint8_t, true>;
+    kernels.hybridAmplitude[2][1] = wideWindowRow<uint16_t, true>;
+    kernels.hybridAmplitude[2][2] = wideWindowRow<uint32_t, true>;
     kernels.hybridDepth[0] = hybridDepthRow<uint8_t>;
     kernels.hybridDepth[1] = hybridDepthRow<uint16_t>;
+    kernels.hybridDepth[2] = wideHybridDepthRow;
     kernels.mergeSections[0][1] = mergeSectionsRow<uint8_t, uint16_t>;
     kernels.mergeSections[0][2] = mergeSectionsRow<uint8_t, uint32_t>;
     kernels.mergeSections[1][1] = mergeSectionsRow<uint16_t, uint16_t>;

@@ -6,6 +6,8 @@
 
 #include <cstdlib>
 #include <hwy/highway.h>
+#include <limits>
+#include <memory>
 #include <set>
 #include <thread>
 
@@ -166,6 +168,75 @@ TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
         }
         compareMerge(source, EkImageDataType::UInt16);
         compareMerge(source, EkImageDataType::UInt32);
+    }
+}
+
+/// Every triple of these values as a row of pixels.
+TestPicture* windowsNearZeroAndLimits() {
+    constexpr qint32 low = std::numeric_limits<qint32>::min();
+    constexpr qint32 high = std::numeric_limits<qint32>::max();
+    const std::vector<qint32> values{low, low + 1, -65536, -9, -7, -2,    -1,       0,
+                                     1,   2,       3,      7,  9,  70000, high - 1, high};
+    const quint32 count = quint32(values.size());
+    auto* picture = new TestPicture(count * count * count, 1, 3, EkImageDataType::UInt32);
+    picture->pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    for (quint32 x = 0; x < picture->pic.width; ++x) {
+        picture->set(x, 0, 0, values[x % count]);
+        picture->set(x, 0, 1, values[x / count % count]);
+        picture->set(x, 0, 2, values[x / count / count]);
+    }
+    return picture;
+}
+
+TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
+    const std::unique_ptr<TestPicture> source(windowsNearZeroAndLimits());
+    TestPicture plain(source->pic.width, 1, 2, EkImageDataType::Float32);
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        TestPicture simd(source->pic.width, 1, 2, EkImageDataType::Float32);
+        const PinnedKernels pinned(*kernels);
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source->pic, simd.pic, 0.0F));
+        if (kernels == &CkToFKernelChoice::plain())
+            plain.store = simd.store;
+        EXPECT_EQ(plain.store, simd.store) << kernels->sName;
+    }
+    // 7 and -7 have no sum: their product with the ambient light is 0, divided by a negative number.
+    TestPicture opposed(40, 1, 3, EkImageDataType::UInt32);
+    opposed.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    for (quint32 x = 0; x < 40; ++x) {
+        opposed.set<qint32>(x, 0, 0, 7);
+        opposed.set<qint32>(x, 0, 1, -7);
+        opposed.set<qint32>(x, 0, 2, -9);
+    }
+    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        TestPicture depth(40, 1, 2, EkImageDataType::Float32);
+        const PinnedKernels pinned(*kernels);
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(opposed.pic, depth.pic, 0.0F));
+        EXPECT_EQ(depth.get<float>(39, 0, 0), float(2.0 * 11.99169832 / 18.0));
+        EXPECT_EQ(depth.get<quint32>(39, 0, 1), 0x80000000U) << kernels->sName;
+    }
+}
+
+TEST(KernelEqualityOfWideWindows, AmplitudesOf33BitsAndEveryShift) {
+    const std::unique_ptr<TestPicture> source(windowsNearZeroAndLimits());
+    for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16, EkImageDataType::UInt32}) {
+        // All 32 bits are in use, so the shift is 32 less the result's bits.
+        for (const quint32 resultBits : {0U, 1U, 8U, 12U, 16U, 31U, 32U}) {
+            SCOPED_TRACE(std::to_string(8 * sampleBytes(type)) + " bits, " + std::to_string(resultBits));
+            for (const bool amplitude : {false, true}) {
+                const auto run = [&](const SkToFKernels& kernels) {
+                    const PinnedKernels pinned(kernels);
+                    TestPicture result(source->pic.width, 1, 1, type);
+                    result.pic.bitsPerChannel = resultBits;
+                    EXPECT_TRUE(amplitude ? CkToFPicAPI::rawHybridToAmplitude(source->pic, result.pic)
+                                          : CkToFPicAPI::rawHybridToIntensity(source->pic, result.pic));
+                    return result.store;
+                };
+                const std::vector<quint8> plain = run(CkToFKernelChoice::plain());
+                for (const SkToFKernels* kernels : CkToFKernelChoice::available())
+                    ASSERT_EQ(plain, run(*kernels))
+                        << kernels->sName << (amplitude ? " amplitude" : " intensity");
+            }
+        }
     }
 }
 
