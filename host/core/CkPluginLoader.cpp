@@ -4,7 +4,6 @@
 #include "zuCore/CkRTTI.h"
 #include "zuCore/zuCoreVersion.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -17,10 +16,6 @@
 namespace {
 
 const auto iidPrefix = QLatin1String("com.orvane.Pictor.");
-
-QString translated(const char* text) {
-    return QCoreApplication::translate("CkPluginLoader", text);
-}
 
 /// True when everything that the library wants mapped into memory is in the file. The system's loader does
 /// not check that; the first access beyond the end of a file that was cut off would end the program.
@@ -49,22 +44,24 @@ bool hasAllSegments(QFile& file) {
 QString fileRefusal(const QString& fileName) {
     QFile file(fileName);
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return translated("the file cannot be read.");
+        return CkPluginLoader::tr("the file cannot be read.");
     }
     if (file.peek(SELFMAG) != QByteArray(ELFMAG)) {
-        return translated("it is not a library.");
+        return CkPluginLoader::tr("it is not a library.");
     }
-    return hasAllSegments(file) ? QString()
-                                : translated("it is damaged, cut off, or made for another kind of machine.");
+    return hasAllSegments(file)
+               ? QString()
+               : CkPluginLoader::tr("it is damaged, cut off, or made for another kind of machine.");
 }
 
 QString identityRefusal(const QPluginLoader& loader) {
     const QString iid = loader.metaData().value(QLatin1String("IID")).toString();
     if (iid.isEmpty()) {
-        return translated("it is not a Qt plug-in (%1).").arg(loader.errorString());
+        return CkPluginLoader::tr("it is not a Qt plug-in (%1).").arg(loader.errorString());
     }
-    return iid.startsWith(iidPrefix) ? QString()
-                                     : translated("it is a plug-in for another program (\"%1\").").arg(iid);
+    return iid.startsWith(iidPrefix)
+               ? QString()
+               : CkPluginLoader::tr("it is a plug-in for another program (\"%1\").").arg(iid);
 }
 
 /// Runs plug-in code; what it throws becomes a reason for refusal. The exception is gone when this returns,
@@ -74,28 +71,29 @@ QString guarded(Function function) {
     try {
         return function();
     } catch (const std::exception& error) {
-        return translated("it failed with an exception: %1").arg(QString::fromLocal8Bit(error.what()));
+        return CkPluginLoader::tr("it failed with an exception: %1")
+            .arg(QString::fromLocal8Bit(error.what()));
     } catch (...) {
-        return translated("it failed with an exception.");
+        return CkPluginLoader::tr("it failed with an exception.");
     }
 }
 
 QString pluginRefusal(CkPlugin* plugin) {
     if (plugin == nullptr) {
-        return translated("it does not have the interface of a viewer plug-in.");
+        return CkPluginLoader::tr("it does not have the interface of a viewer plug-in.");
     }
     int major = 0;
     int minor = 0;
     int patch = 0;
     plugin->version(major, minor, patch);
     if (major != g_iZuCoreVersionMajor) {
-        return translated("it was built for version %1.%2.%3 of the framework, this is version %4.")
+        return CkPluginLoader::tr("it was built for version %1.%2.%3 of the framework, this is version %4.")
             .arg(major)
             .arg(minor)
             .arg(patch)
             .arg(g_iZuCoreVersionMajor);
     }
-    return plugin->init() ? QString() : translated("it could not be initialised.");
+    return plugin->init() ? QString() : CkPluginLoader::tr("it could not be initialised.");
 }
 
 } // namespace
@@ -126,7 +124,7 @@ CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
         reason = guarded([&] {
             object = loader.instance();
             if (object == nullptr) {
-                return translated("it cannot be loaded (%1).").arg(loader.errorString());
+                return CkPluginLoader::tr("it cannot be loaded (%1).").arg(loader.errorString());
             }
             plugin = qobject_cast<CkPlugin*>(object);
             return pluginRefusal(plugin);

@@ -9,9 +9,9 @@
 
 namespace {
 
-QString translated(const char* text) {
-    return QCoreApplication::translate("CkRTTI", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRTTI)
+};
 
 QString classInformation(const QMetaObject* metaObject, const char* key) {
     const int index = metaObject->indexOfClassInfo(key);
@@ -51,16 +51,16 @@ CkRTTI* CkRTTI::instance() {
 
 bool CkRTTI::registerClass(QObject* pPlugin, const QMetaObject* pMetaObject, const QString& sBaseClassName) {
     if (pMetaObject == nullptr) {
-        m_sLastError = translated("No class was given to register.");
+        m_sLastError = Texts::tr("No class was given to register.");
         return false;
     }
     const QString className = QString::fromLatin1(pMetaObject->className());
     if (!inheritsClass(pMetaObject, sBaseClassName)) {
-        m_sLastError = translated("Class \"%1\" does not inherit \"%2\".").arg(className, sBaseClassName);
+        m_sLastError = Texts::tr("Class \"%1\" does not inherit \"%2\".").arg(className, sBaseClassName);
         return false;
     }
     if (!hasDefaultConstructor(pMetaObject)) {
-        m_sLastError = translated("Class \"%1\" has no invokable default constructor.").arg(className);
+        m_sLastError = Texts::tr("Class \"%1\" has no invokable default constructor.").arg(className);
         return false;
     }
     const QString id = uniqueId(pMetaObject);
@@ -69,7 +69,7 @@ bool CkRTTI::registerClass(QObject* pPlugin, const QMetaObject* pMetaObject, con
             continue;
         }
         if (known.metaObject != pMetaObject) {
-            m_sLastError = translated("Identifier \"%1\" of class \"%2\" is taken by class \"%3\".")
+            m_sLastError = Texts::tr("Identifier \"%1\" of class \"%2\" is taken by class \"%3\".")
                                .arg(id, className, QLatin1String(known.metaObject->className()));
             return false;
         }
@@ -107,7 +107,7 @@ QObject* CkRTTI::create(const QString& sUniqueIdOrClassName) const {
         });
     }
     if (found == m_classes.cend()) {
-        m_sLastError = translated("There is no class \"%1\".").arg(sUniqueIdOrClassName);
+        m_sLastError = Texts::tr("There is no class \"%1\".").arg(sUniqueIdOrClassName);
         return nullptr;
     }
     // A plug-in's constructor may throw; the host goes on without the object.
@@ -117,7 +117,7 @@ QObject* CkRTTI::create(const QString& sUniqueIdOrClassName) const {
         }
     } catch (...) {
     }
-    m_sLastError = translated("An object of class \"%1\" could not be made.").arg(sUniqueIdOrClassName);
+    m_sLastError = Texts::tr("An object of class \"%1\" could not be made.").arg(sUniqueIdOrClassName);
     return nullptr;
 }
 

@@ -1,12 +1,10 @@
 #include "app/CkCommandLine.h"
+#include "app/CkViewerLanguage.h"
 #include "app/CkViewerSession.h"
 
 #include <QApplication>
 #include <QIcon>
-#include <QLibraryInfo>
-#include <QLocale>
 #include <QStyleFactory>
-#include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
 
@@ -40,6 +38,7 @@ QStringList withoutWindowOptions(const QStringList& given) {
 
 int inform(int argc, char** argv, const QStringList& arguments) {
     QCoreApplication application(argc, argv);
+    CkViewerLanguage::apply(CkViewerLanguage::wanted(arguments));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;
@@ -96,19 +95,11 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
 
-    // Standard buttons and file dialogs speak the user's language where Qt's own texts are installed. Only
-    // the first language counts, as for the plug-ins, so that a window does not mix two.
-    QTranslator qtTexts;
-    const QLocale user;
-    if (qtTexts.load(QLocale(user.language(), user.territory()), QStringLiteral("qtbase"),
-                     QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QCoreApplication::installTranslator(&qtTexts);
-    }
-
     QApplication::setWindowIcon(programIcon());
     // Wayland knows windows by the name of their menu entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("zuviewer"));
 
+    CkViewerLanguage::apply(CkViewerLanguage::wanted(QCoreApplication::arguments()));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;

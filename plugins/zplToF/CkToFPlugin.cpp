@@ -15,6 +15,18 @@
 #include <QMenu>
 #include <QVariant>
 
+namespace {
+
+// The host may have taken the menu, and the entry with it, away. What is disabled says why.
+void enable(QAction* action, bool enabled, const QString& why) {
+    if (action != nullptr) {
+        action->setEnabled(enabled);
+        action->setToolTip(enabled ? QString() : why);
+    }
+}
+
+} // namespace
+
 CkToFPlugin::CkToFPlugin() : m_actions(m_chainHost) {
     CkToFTranslation::install(QLocale(), this);
 }
@@ -31,7 +43,7 @@ bool CkToFPlugin::init() {
         const auto add = [menu](const QString& text, const char* name) {
             QAction* action = menu->addAction(text);
             action->setObjectName(QLatin1String(name));
-            action->setEnabled(false);
+            enable(action, false, tr("No view is active"));
             return action;
         };
         m_pOpen3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
@@ -129,13 +141,9 @@ void CkToFPlugin::enableMainMenuItems(int iActiveViewId) {
     const CkCameraManager* cameras = CkCameraManager::instance();
     const bool onlyToFCamera = active && cameras->openedCameraCount() == 1 &&
                                CkToFCameraCheck::isToFCamera(cameras->openedCameras().constFirst());
-    if (m_pOpen3dView != nullptr) {
-        m_pOpen3dView->setEnabled(active);
-    }
-    if (m_pOpenAllViews != nullptr) {
-        m_pOpenAllViews->setEnabled(tofView);
-    }
-    if (m_pCalibrate != nullptr) {
-        m_pCalibrate->setEnabled(tofView || onlyToFCamera);
-    }
+    const QString noView = tr("No view is active");
+    const QString noCamera = active ? tr("The active view does not show a ToF camera") : noView;
+    enable(m_pOpen3dView, active, noView);
+    enable(m_pOpenAllViews, tofView, noCamera);
+    enable(m_pCalibrate, tofView || onlyToFCamera, noCamera);
 }

@@ -3,8 +3,6 @@
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
-#include <QCoreApplication>
-
 #include <cmath>
 #include <memory>
 #include <system_error>
@@ -51,9 +49,9 @@ bool CkSimCamera::start(FrameFunction deliver, QString* psError) {
         return false;
     };
     if (m_running)
-        return refuse(QCoreApplication::translate("CkSimCamera", "The camera is already running."));
+        return refuse(CkSimCamera::tr("The camera is already running."));
     if (!deliver)
-        return refuse(QCoreApplication::translate("CkSimCamera", "Nobody receives the camera's frames."));
+        return refuse(CkSimCamera::tr("Nobody receives the camera's frames."));
     stop();
     {
         const std::lock_guard lock(m_mutex);
@@ -71,7 +69,7 @@ bool CkSimCamera::start(FrameFunction deliver, QString* psError) {
     } catch (const std::system_error&) {
         m_running = false;
         m_deliver = nullptr;
-        return refuse(QCoreApplication::translate("CkSimCamera", "The camera's thread cannot be started."));
+        return refuse(CkSimCamera::tr("The camera's thread cannot be started."));
     }
     return true;
 }

@@ -7,6 +7,8 @@
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/IkCameraDriver.h"
 
+#include <QCoreApplication>
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -20,6 +22,8 @@
 /// pictures depend on settings and set number alone. A set that finds no free picture memory, because its
 /// receivers still hold all of it, is dropped.
 class CkSimCamera : public IkCamera {
+    Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
+
 public:
     CkSimCamera(EkSimCameraKind kind, const SkCameraInfo& info);
     /// Stops first.

@@ -15,26 +15,26 @@ namespace {
 
 constexpr quint32 HYBRID_SENSOR = 13;
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkSimCameraDriver", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkSimCameraDriver)
+};
 
 QList<std::pair<EkSimCameraKind, SkCameraInfo>> cameras() {
     return {{EkSimCameraKind::Wave,
-             {CkSimCameraDriver::WAVE_ID, text("Simulated ToF camera"), QStringLiteral("SIM-CW-640"),
+             {CkSimCameraDriver::WAVE_ID, Texts::tr("Simulated ToF camera"), QStringLiteral("SIM-CW-640"),
               QStringLiteral("SIM0001"), 0}},
             {EkSimCameraKind::Hybrid,
-             {CkSimCameraDriver::HYBRID_ID, text("Simulated hybrid ToF camera"), QStringLiteral("SIM-HY-832"),
-              QStringLiteral("SIM0002"), HYBRID_SENSOR}},
+             {CkSimCameraDriver::HYBRID_ID, Texts::tr("Simulated hybrid ToF camera"),
+              QStringLiteral("SIM-HY-832"), QStringLiteral("SIM0002"), HYBRID_SENSOR}},
             {EkSimCameraKind::Grey,
-             {CkSimCameraDriver::GREY_ID, text("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
+             {CkSimCameraDriver::GREY_ID, Texts::tr("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
               QStringLiteral("SIM0003"), 0}}};
 }
 
 } // namespace
 
 QString CkSimCameraDriver::name() const {
-    return text("Simulated cameras");
+    return Texts::tr("Simulated cameras");
 }
 
 QList<SkCameraInfo> CkSimCameraDriver::availableCameras() const {
@@ -52,11 +52,11 @@ std::unique_ptr<IkCamera> CkSimCameraDriver::open(const QString& sId, QString* p
             return std::make_unique<CkSimCamera>(kind, info);
         } catch (const std::bad_alloc&) {
             if (psError)
-                *psError = text("Not enough memory to open \"%1\".").arg(info.name);
+                *psError = Texts::tr("Not enough memory to open \"%1\".").arg(info.name);
             return nullptr;
         }
     }
     if (psError)
-        *psError = text("There is no simulated camera \"%1\".").arg(sId);
+        *psError = Texts::tr("There is no simulated camera \"%1\".").arg(sId);
     return nullptr;
 }

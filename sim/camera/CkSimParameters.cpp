@@ -10,9 +10,9 @@ namespace {
 using SkDescription = CkCameraParam::SkDescription;
 using EkKind = CkCameraParam::EkKind;
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkSimCamera", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
+};
 
 /// A parameter: how people see it, how it is read from settings and written to them.
 struct SkBinding {
@@ -56,143 +56,153 @@ using Settings = SkSimSettings;
 
 void addWaveBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back(
-        {choice("tof_readout_mode", text("ToF readout mode"),
-                text("What the sensor reads out. Any other value delivers plain grey pictures."),
-                {{0, text("Grey, no ToF")}, {2, text("A minus B")}, {4, text("A and B")}}, true),
+        {choice("tof_readout_mode", Texts::tr("ToF readout mode"),
+                Texts::tr("What the sensor reads out. Any other value delivers plain grey pictures."),
+                {{0, Texts::tr("Grey, no ToF")}, {2, Texts::tr("A minus B")}, {4, Texts::tr("A and B")}},
+                true),
          [](const Settings& s) { return CkValue(s.readoutMode); },
          [](Settings& s, const CkValue& v) { s.readoutMode = v.toInt(); }});
-    bindings.push_back({choice("imgdataformat", text("Image data format"),
-                               text("Format of the frames. One that does not fit the readout mode delivers "
-                                    "plain grey pictures."),
-                               {{0, text("A minus B, 8 bit")},
-                                {1, text("A minus B, 16 bit")},
-                                {5, text("A minus B, 8 bit, second code")},
-                                {6, text("A minus B, 16 bit, second code")},
-                                {11, text("A and B, 8 bit")},
-                                {13, text("A and B, 12 bit in 16")}},
-                               true),
-                        [](const Settings& s) { return CkValue(s.dataFormat); },
-                        [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
-    bindings.push_back({number("tof_modulation_frequency", text("Modulation frequency"),
-                               text("Frequency of the modulated light. Distances repeat every 149.85 m "
-                                    "divided by it in MHz."),
+    bindings.push_back(
+        {choice("imgdataformat", Texts::tr("Image data format"),
+                Texts::tr("Format of the frames. One that does not fit the readout mode delivers "
+                          "plain grey pictures."),
+                {{0, Texts::tr("A minus B, 8 bit")},
+                 {1, Texts::tr("A minus B, 16 bit")},
+                 {5, Texts::tr("A minus B, 8 bit, second code")},
+                 {6, Texts::tr("A minus B, 16 bit, second code")},
+                 {11, Texts::tr("A and B, 8 bit")},
+                 {13, Texts::tr("A and B, 12 bit in 16")}},
+                true),
+         [](const Settings& s) { return CkValue(s.dataFormat); },
+         [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
+    bindings.push_back({number("tof_modulation_frequency", Texts::tr("Modulation frequency"),
+                               Texts::tr("Frequency of the modulated light. Distances repeat every 149.85 m "
+                                         "divided by it in MHz."),
                                "MHz", 1.0, 120.0, 0.01),
                         [](const Settings& s) { return CkValue(s.modulationMHz); },
                         [](Settings& s, const CkValue& v) { s.modulationMHz = v.toDouble(); }});
-    bindings.push_back({choice("tof_phases", text("Phases"), text("Phase images of one measurement."),
-                               {{1, text("1 (0 degrees)")},
-                                {2, text("2 (0, 90 degrees)")},
-                                {4, text("4 (every 90 degrees)")},
-                                {8, text("8 (every 45 degrees)")}}),
-                        [](const Settings& s) { return CkValue(s.phases); },
-                        [](Settings& s, const CkValue& v) { s.phases = v.toInt(); }});
     bindings.push_back(
-        {choice("tof_phase_images", text("Phase images"), text("How the phases of one measurement arrive."),
-                {{0, text("Stacked in one image")}, {1, text("Separate images")}}),
-         [](const Settings& s) { return CkValue(int(s.separateImages)); },
-         [](Settings& s, const CkValue& v) { s.separateImages = v.toInt() == 1; }});
+        {choice("tof_phases", Texts::tr("Phases"), Texts::tr("Phase images of one measurement."),
+                {{1, Texts::tr("1 (0 degrees)")},
+                 {2, Texts::tr("2 (0, 90 degrees)")},
+                 {4, Texts::tr("4 (every 90 degrees)")},
+                 {8, Texts::tr("8 (every 45 degrees)")}}),
+         [](const Settings& s) { return CkValue(s.phases); },
+         [](Settings& s, const CkValue& v) { s.phases = v.toInt(); }});
+    bindings.push_back({choice("tof_phase_images", Texts::tr("Phase images"),
+                               Texts::tr("How the phases of one measurement arrive."),
+                               {{0, Texts::tr("Stacked in one image")}, {1, Texts::tr("Separate images")}}),
+                        [](const Settings& s) { return CkValue(int(s.separateImages)); },
+                        [](Settings& s, const CkValue& v) { s.separateImages = v.toInt() == 1; }});
 }
 
 void addHybridBindings(std::vector<SkBinding>& bindings) {
-    bindings.push_back({choice("imgdataformat", text("Image data format"),
-                               text("Format of the frames. Any other value delivers plain grey pictures."),
-                               {{0, text("Grey, 8 bit")},
-                                {1, text("Grey, 16 bit")},
-                                {17, text("X1X2X3, 8 bit")},
-                                {18, text("X1X2X3, 12 bit in 16")}},
-                               true),
-                        [](const Settings& s) { return CkValue(s.dataFormat); },
-                        [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
-    bindings.push_back({number("hybrid_pulse_duration", text("Pulse duration"),
-                               text("Length of the light pulse and of each window. Distances up to 0.29979 m "
-                                    "per ns are measured."),
-                               "ns", 1.0, 200.0, 0.1),
-                        [](const Settings& s) { return CkValue(s.pulseNs); },
-                        [](Settings& s, const CkValue& v) { s.pulseNs = v.toDouble(); }});
     bindings.push_back(
-        {number("hybrid_sections", text("HDR sections"),
-                text("Exposures of one measurement, each twice as sensitive as the one before."), "", 1.0,
-                4.0, 1.0, EkKind::Integer),
+        {choice("imgdataformat", Texts::tr("Image data format"),
+                Texts::tr("Format of the frames. Any other value delivers plain grey pictures."),
+                {{0, Texts::tr("Grey, 8 bit")},
+                 {1, Texts::tr("Grey, 16 bit")},
+                 {17, Texts::tr("X1X2X3, 8 bit")},
+                 {18, Texts::tr("X1X2X3, 12 bit in 16")}},
+                true),
+         [](const Settings& s) { return CkValue(s.dataFormat); },
+         [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
+    bindings.push_back(
+        {number("hybrid_pulse_duration", Texts::tr("Pulse duration"),
+                Texts::tr("Length of the light pulse and of each window. Distances up to 0.29979 m "
+                          "per ns are measured."),
+                "ns", 1.0, 200.0, 0.1),
+         [](const Settings& s) { return CkValue(s.pulseNs); },
+         [](Settings& s, const CkValue& v) { s.pulseNs = v.toDouble(); }});
+    bindings.push_back(
+        {number("hybrid_sections", Texts::tr("HDR sections"),
+                Texts::tr("Exposures of one measurement, each twice as sensitive as the one before."), "",
+                1.0, 4.0, 1.0, EkKind::Integer),
          [](const Settings& s) { return CkValue(s.sections); },
          [](Settings& s, const CkValue& v) { s.sections = v.toInt(); }});
-    bindings.push_back({choice("hybrid_section_images", text("Section images"),
-                               text("How the sections of one measurement arrive."),
-                               {{0, text("Stacked in one image")}, {1, text("Separate images")}}),
+    bindings.push_back({choice("hybrid_section_images", Texts::tr("Section images"),
+                               Texts::tr("How the sections of one measurement arrive."),
+                               {{0, Texts::tr("Stacked in one image")}, {1, Texts::tr("Separate images")}}),
                         [](const Settings& s) { return CkValue(int(s.separateImages)); },
                         [](Settings& s, const CkValue& v) { s.separateImages = v.toInt() == 1; }});
-    bindings.push_back({choice("hybrid_section_mode", text("Section mode"),
-                               text("With a reference, section 0 holds the dark level and background light "
-                                    "that is subtracted from the others."),
-                               {{0, text("Measurement only")}, {3, text("Reference first")}}),
-                        [](const Settings& s) { return CkValue(s.sectionMode); },
-                        [](Settings& s, const CkValue& v) { s.sectionMode = v.toInt(); }});
+    bindings.push_back(
+        {choice("hybrid_section_mode", Texts::tr("Section mode"),
+                Texts::tr("With a reference, section 0 holds the dark level and background light "
+                          "that is subtracted from the others."),
+                {{0, Texts::tr("Measurement only")}, {3, Texts::tr("Reference first")}}),
+         [](const Settings& s) { return CkValue(s.sectionMode); },
+         [](Settings& s, const CkValue& v) { s.sectionMode = v.toInt(); }});
 }
 
 /// What every camera has that measures distances.
 void addToFBindings(std::vector<SkBinding>& bindings) {
-    bindings.push_back({choice("sim_converter_bits", text("Converter"),
-                               text("Bits of the 16-bit formats. 16 bits show the accuracy of the "
-                                    "processing rather than that of the sensor."),
-                               {{12, text("12 bit")}, {16, text("16 bit")}}),
+    bindings.push_back({choice("sim_converter_bits", Texts::tr("Converter"),
+                               Texts::tr("Bits of the 16-bit formats. 16 bits show the accuracy of the "
+                                         "processing rather than that of the sensor."),
+                               {{12, Texts::tr("12 bit")}, {16, Texts::tr("16 bit")}}),
                         [](const Settings& s) { return CkValue(s.converterBits); },
                         [](Settings& s, const CkValue& v) { s.converterBits = v.toInt(); }});
     bindings.push_back(
-        {number("sim_distance_offset", text("Built-in offset"),
-                text("Constant error that the camera adds to every distance."), "m", -5.0, 5.0, 0.001),
+        {number("sim_distance_offset", Texts::tr("Built-in offset"),
+                Texts::tr("Constant error that the camera adds to every distance."), "m", -5.0, 5.0, 0.001),
          [](const Settings& s) { return CkValue(s.exposure.distanceOffsetM); },
          [](Settings& s, const CkValue& v) { s.exposure.distanceOffsetM = v.toDouble(); }});
     bindings.push_back(
-        {number("lens_focal_length", text("Focal length"),
-                text("Of the simulated lens; the pitch of the pixels is 10 um."), "mm", 1.0, 50.0, 0.01),
+        {number("lens_focal_length", Texts::tr("Focal length"),
+                Texts::tr("Of the simulated lens; the pitch of the pixels is 10 um."), "mm", 1.0, 50.0, 0.01),
          [](const Settings& s) { return CkValue(s.focalLengthMm); },
          [](Settings& s, const CkValue& v) { s.focalLengthMm = v.toDouble(); }});
-    bindings.push_back({flag("lens_report", text("Report focal length"),
-                             text("Send the focal length with every frame. Views then use it in place of "
-                                  "their own setting.")),
-                        [](const Settings& s) { return CkValue(s.reportFocalLength); },
-                        [](Settings& s, const CkValue& v) { s.reportFocalLength = v.toBool(); }});
+    bindings.push_back(
+        {flag("lens_report", Texts::tr("Report focal length"),
+              Texts::tr("Send the focal length with every frame. Views then use it in place of "
+                        "their own setting.")),
+         [](const Settings& s) { return CkValue(s.reportFocalLength); },
+         [](Settings& s, const CkValue& v) { s.reportFocalLength = v.toBool(); }});
 }
 
 void addCommonBindings(std::vector<SkBinding>& bindings) {
+    bindings.push_back({number("framerate", Texts::tr("Frame rate"), Texts::tr("Measurements per second."),
+                               "1/s", 0.1, 200.0, 0.1),
+                        [](const Settings& s) { return CkValue(s.frameRate); },
+                        [](Settings& s, const CkValue& v) { s.frameRate = v.toDouble(); }});
     bindings.push_back(
-        {number("framerate", text("Frame rate"), text("Measurements per second."), "1/s", 0.1, 200.0, 0.1),
-         [](const Settings& s) { return CkValue(s.frameRate); },
-         [](Settings& s, const CkValue& v) { s.frameRate = v.toDouble(); }});
-    bindings.push_back({number("exposure", text("Exposure"),
-                               text("Time for which light is collected in one exposure. Near things need a "
-                                    "shorter one: 0.4 m saturates after 200 us."),
-                               "us", 1.0, 20000.0, 1.0),
-                        [](const Settings& s) { return CkValue(s.exposure.timeUs); },
-                        [](Settings& s, const CkValue& v) { s.exposure.timeUs = v.toDouble(); }});
-    bindings.push_back({choice("sim_scene", text("Scene"), text("What stands in front of the camera."),
-                               {{0, text("Room with moving sphere")}, {1, text("Flat wall")}}),
-                        [](const Settings& s) { return CkValue(int(s.scene)); },
-                        [](Settings& s, const CkValue& v) {
-                            s.scene = v.toInt() == 1 ? EkSimScene::Wall : EkSimScene::Room;
-                        }});
+        {number("exposure", Texts::tr("Exposure"),
+                Texts::tr("Time for which light is collected in one exposure. Near things need a "
+                          "shorter one: 0.4 m saturates after 200 us."),
+                "us", 1.0, 20000.0, 1.0),
+         [](const Settings& s) { return CkValue(s.exposure.timeUs); },
+         [](Settings& s, const CkValue& v) { s.exposure.timeUs = v.toDouble(); }});
     bindings.push_back(
-        {number("sim_wall_distance", text("Wall distance"),
-                text("Distance of the flat wall along the optical axis."), "m", 0.05, 30.0, 0.001),
+        {choice("sim_scene", Texts::tr("Scene"), Texts::tr("What stands in front of the camera."),
+                {{0, Texts::tr("Room with moving sphere")}, {1, Texts::tr("Flat wall")}}),
+         [](const Settings& s) { return CkValue(int(s.scene)); },
+         [](Settings& s, const CkValue& v) {
+             s.scene = v.toInt() == 1 ? EkSimScene::Wall : EkSimScene::Room;
+         }});
+    bindings.push_back(
+        {number("sim_wall_distance", Texts::tr("Wall distance"),
+                Texts::tr("Distance of the flat wall along the optical axis."), "m", 0.05, 30.0, 0.001),
          [](const Settings& s) { return CkValue(s.wallDistanceM); },
          [](Settings& s, const CkValue& v) { s.wallDistanceM = v.toDouble(); }});
     bindings.push_back(
-        {number("sim_wall_reflectivity", text("Wall reflectivity"),
-                text("Share of the light that the flat wall sends back."), "%", 1.0, 100.0, 1.0),
+        {number("sim_wall_reflectivity", Texts::tr("Wall reflectivity"),
+                Texts::tr("Share of the light that the flat wall sends back."), "%", 1.0, 100.0, 1.0),
          [](const Settings& s) { return CkValue(s.wallReflectivity * 100.0); },
          [](Settings& s, const CkValue& v) { s.wallReflectivity = v.toDouble() / 100.0; }});
     bindings.push_back(
-        {number("sim_ambient", text("Ambient light"),
-                text("Brightness of the lamps. 100 % is ordinary room light."), "%", 0.0, 1000.0, 1.0),
+        {number("sim_ambient", Texts::tr("Ambient light"),
+                Texts::tr("Brightness of the lamps. 100 % is ordinary room light."), "%", 0.0, 1000.0, 1.0),
          [](const Settings& s) { return CkValue(s.exposure.ambient * 100.0); },
          [](Settings& s, const CkValue& v) { s.exposure.ambient = v.toDouble() / 100.0; }});
-    bindings.push_back({flag("sim_noise", text("Noise"), text("Shot noise and read noise of the sensor.")),
-                        [](const Settings& s) { return CkValue(s.exposure.noise); },
-                        [](Settings& s, const CkValue& v) { s.exposure.noise = v.toBool(); }});
     bindings.push_back(
-        {number("sim_seed", text("Noise seed"), text("The same seed gives the same noise in every frame."),
-                "", 0.0, 1000000.0, 1.0, EkKind::Integer),
-         [](const Settings& s) { return CkValue(qint64(s.exposure.seed)); },
-         [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
+        {flag("sim_noise", Texts::tr("Noise"), Texts::tr("Shot noise and read noise of the sensor.")),
+         [](const Settings& s) { return CkValue(s.exposure.noise); },
+         [](Settings& s, const CkValue& v) { s.exposure.noise = v.toBool(); }});
+    bindings.push_back({number("sim_seed", Texts::tr("Noise seed"),
+                               Texts::tr("The same seed gives the same noise in every frame."), "", 0.0,
+                               1000000.0, 1.0, EkKind::Integer),
+                        [](const Settings& s) { return CkValue(qint64(s.exposure.seed)); },
+                        [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
 }
 
 /// Settings that a camera of the kind starts with: ready for ToF.

@@ -119,6 +119,7 @@ CkLut* CkAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {
 void CkAppDelegate::refreshLutControls() {
     if (m_window) {
         m_window->lutPanel()->refresh();
+        m_window->updateActions();
     }
 }
 

@@ -1,6 +1,6 @@
 #include "app/CkCommandLine.h"
 
-#include <QCoreApplication>
+#include "app/CkViewerLanguage.h"
 
 namespace {
 
@@ -16,12 +16,10 @@ const QString kExportPly = QStringLiteral("export-ply");
 const QString kSettings = QStringLiteral("settings");
 const QString kTrigger = QStringLiteral("trigger");
 const QString kSize = QStringLiteral("size");
+const QString kLanguage = QStringLiteral("language");
+const QString kClean = QStringLiteral("clean");
 
 constexpr int kMaximumFrames = 1'000'000;
-
-QString text(const char* source) {
-    return QCoreApplication::translate("CkCommandLine", source);
-}
 
 bool parseSize(const QString& value, QSize& size) {
     const QStringList parts = value.split(QLatin1Char('x'));
@@ -38,44 +36,58 @@ bool parseSize(const QString& value, QSize& size) {
 } // namespace
 
 CkCommandLine::CkCommandLine() {
-    m_parser.setApplicationDescription(
-        text("Shows the pictures of industrial cameras, processes them in chains of blocks and, with the\n"
-             "time-of-flight plug-in, turns them into live point clouds."));
-    m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, text("Shows this help and leaves.")});
+    m_parser.setApplicationDescription(CkCommandLine::tr(
+        "Shows the pictures of industrial cameras, processes them in chains of blocks and, with the\n"
+        "time-of-flight plug-in, turns them into live point clouds."));
     m_parser.addOption(
-        {{QStringLiteral("v"), QStringLiteral("version")}, text("Shows the version and leaves.")});
+        {{QStringLiteral("h"), QStringLiteral("help")}, CkCommandLine::tr("Shows this help and leaves.")});
+    m_parser.addOption({{QStringLiteral("v"), QStringLiteral("version")},
+                        CkCommandLine::tr("Shows the version and leaves.")});
     m_parser.addOption(
         {kCamera,
-         text("Opens camera <N> at start and starts it: its number (from 0, see --list-cameras) "
-              "or its identifier. May be given several times."),
+         CkCommandLine::tr("Opens camera <N> at start and starts it: its number (from 0, see --list-cameras) "
+                           "or its identifier. May be given several times."),
          QStringLiteral("N")});
-    m_parser.addOption({kListCameras, text("Prints the cameras with their numbers and leaves.")});
-    m_parser.addOption({k3d, text("Opens the 3D view of the first camera beside its picture.")});
+    m_parser.addOption(
+        {kListCameras, CkCommandLine::tr("Prints the cameras with their numbers and leaves.")});
+    m_parser.addOption({k3d, CkCommandLine::tr("Opens the 3D view of the first camera beside its picture.")});
     m_parser.addOption(
         {kPluginPath,
-         text("Loads plug-ins from this folder, or this one library, too. May be given several "
-              "times."),
+         CkCommandLine::tr("Loads plug-ins from this folder, or this one library, too. May be given several "
+                           "times."),
          QStringLiteral("path")});
+    m_parser.addOption({kChain, CkCommandLine::tr("Opens a chain file. May be given several times."),
+                        QStringLiteral("file")});
     m_parser.addOption(
-        {kChain, text("Opens a chain file. May be given several times."), QStringLiteral("file")});
-    m_parser.addOption({kFrames,
-                        text("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
-                             "were written."),
-                        QStringLiteral("N")});
+        {kFrames,
+         CkCommandLine::tr("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
+                           "were written."),
+         QStringLiteral("N")});
+    m_parser.addOption({kScreenshot, CkCommandLine::tr("With --frames: writes a picture of the window."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kScreenshot3d,
+                        CkCommandLine::tr("With --frames: writes a picture of the 3D scene; implies --3d."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kExportPly,
+                        CkCommandLine::tr("With --frames: writes the point cloud as PLY; implies --3d."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kSettings,
+                        CkCommandLine::tr("Keeps the settings in this INI file instead of the user's own."),
+                        QStringLiteral("file")});
     m_parser.addOption(
-        {kScreenshot, text("With --frames: writes a picture of the window."), QStringLiteral("file")});
-    m_parser.addOption({kScreenshot3d, text("With --frames: writes a picture of the 3D scene; implies --3d."),
-                        QStringLiteral("file")});
-    m_parser.addOption({kExportPly, text("With --frames: writes the point cloud as PLY; implies --3d."),
-                        QStringLiteral("file")});
-    m_parser.addOption({kSettings, text("Keeps the settings in this INI file instead of the user's own."),
-                        QStringLiteral("file")});
-    m_parser.addOption({kSize, text("Size of the window, for example 1600x1000."), QStringLiteral("WxH")});
-    m_parser.addOption({kTrigger,
-                        text("Clicks the menu entry or button of this object name once the first frame was "
-                             "shown, for scripts. May be given several times."),
-                        QStringLiteral("name")});
-    m_parser.addPositionalArgument(QStringLiteral("chain"), text("Chain files to open."),
+        {kSize, CkCommandLine::tr("Size of the window, for example 1600x1000."), QStringLiteral("WxH")});
+    m_parser.addOption(
+        {kTrigger,
+         CkCommandLine::tr("Clicks the menu entry or button of this object name once the first frame was "
+                           "shown, for scripts. May be given several times."),
+         QStringLiteral("name")});
+    m_parser.addOption({kLanguage,
+                        CkCommandLine::tr("Language of the texts: en or de. By default the user's own."),
+                        QStringLiteral("code")});
+    m_parser.addOption(
+        {kClean,
+         CkCommandLine::tr("Starts without the cameras, the views and the layout of the last session.")});
+    m_parser.addPositionalArgument(QStringLiteral("chain"), CkCommandLine::tr("Chain files to open."),
                                    QStringLiteral("[chain...]"));
 }
 
@@ -96,6 +108,7 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
     options.listCameras = m_parser.isSet(kListCameras);
     options.pluginPaths = m_parser.values(kPluginPath);
     options.chainFiles = m_parser.values(kChain) + m_parser.positionalArguments();
+    options.cleanStart = m_parser.isSet(kClean);
     options.triggers = m_parser.values(kTrigger);
     options.settingsFile = m_parser.value(kSettings);
     options.screenshotFile = m_parser.value(kScreenshot);
@@ -109,23 +122,29 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
         options.frames = m_parser.value(kFrames).toInt(&ok);
         if (!ok || options.frames < 1 || options.frames > kMaximumFrames) {
             options.frames = 0;
-            sError = text("--frames takes a number from 1 to %1, not \"%2\".")
+            sError = CkCommandLine::tr("--frames takes a number from 1 to %1, not \"%2\".")
                          .arg(kMaximumFrames)
                          .arg(m_parser.value(kFrames));
             return EkResult::Error;
         }
     } else if (wants3dFile || !options.screenshotFile.isEmpty()) {
-        sError = text("--screenshot, --screenshot-3d and --export-ply need --frames.");
+        sError = CkCommandLine::tr("--screenshot, --screenshot-3d and --export-ply need --frames.");
         return EkResult::Error;
     }
     if (m_parser.isSet(kSize) && !parseSize(m_parser.value(kSize), options.windowSize)) {
         options.windowSize = QSize();
-        sError = text("--size takes width and height, for example 1600x1000, not \"%1\".")
+        sError = CkCommandLine::tr("--size takes width and height, for example 1600x1000, not \"%1\".")
                      .arg(m_parser.value(kSize));
         return EkResult::Error;
     }
+    if (m_parser.isSet(kLanguage) && !CkViewerLanguage::codes().contains(m_parser.value(kLanguage))) {
+        sError =
+            CkCommandLine::tr("--language takes %1, not \"%2\".")
+                .arg(CkViewerLanguage::codes().join(CkCommandLine::tr(" or ")), m_parser.value(kLanguage));
+        return EkResult::Error;
+    }
     if (options.open3dView && options.cameras.isEmpty() && options.chainFiles.isEmpty()) {
-        sError = text("--3d needs --camera or --chain.");
+        sError = CkCommandLine::tr("--3d needs --camera or --chain.");
         return EkResult::Error;
     }
     return EkResult::Run;

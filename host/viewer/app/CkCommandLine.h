@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -19,11 +20,14 @@ struct SkViewerOptions {
     int frames = 0;           ///< leave after so many frames were shown; 0: run until closed
     bool open3dView = false;  ///< open the 3D view of the first camera beside its raw picture
     bool listCameras = false;
+    bool cleanStart = false; ///< nothing of the last session comes back
     bool unattended() const { return frames > 0; }
 };
 
 /// The command line. Any thread; needs no application object but for helpText.
 class CkCommandLine {
+    Q_DECLARE_TR_FUNCTIONS(CkCommandLine)
+
 public:
     enum class EkResult { Run, Help, Version, Error };
 

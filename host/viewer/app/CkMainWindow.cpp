@@ -14,10 +14,12 @@
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
+#include "zuCoreGui/IkAppDelegate.h"
 
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPolygonF>
@@ -50,6 +52,18 @@ QIcon viewerIcon() {
     painter.drawLine(32, 30, 32, 54);
     return QIcon(pixmap);
 }
+
+QList<QAction*> leavesOf(const QMenu* menu) {
+    QList<QAction*> leaves;
+    for (QAction* action : menu->actions()) {
+        if (action->menu() != nullptr) {
+            leaves += leavesOf(action->menu());
+        } else if (!action->isSeparator()) {
+            leaves.append(action);
+        }
+    }
+    return leaves;
+}
 } // namespace
 
 CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
@@ -71,9 +85,11 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     m_menus.append(menuBar()->addMenu(tr("&Camera")));
     m_pCameraMenu = new CkCameraMenu(m_pDesk, m_menus.last(), this);
     createViewMenu();
+    createPictureMenu();
+    createChainMenu();
     m_menus.append(menuBar()->addMenu(tr("&Plug-ins")));
     createHelpMenu();
-    for (QMenu* menu : m_menus) {
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>()) {
         menu->setToolTipsVisible(true);
     }
 
@@ -90,6 +106,7 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     resize(QSize(1600, 1000).boundedTo(available));
     resizeDocks({m_docks[0], m_docks[1]}, {kLeftWidth, kRightWidth}, Qt::Horizontal);
     resizeDocks({m_pLogDock}, {kLogHeight}, Qt::Vertical);
+    m_defaultState = saveState();
 }
 
 CkMainWindow::~CkMainWindow() {
@@ -119,6 +136,20 @@ void CkMainWindow::createDocks() {
     m_pLogDock = addDock(QStringLiteral("dockLog"), tr("Log"), m_pLogPanel, Qt::BottomDockWidgetArea);
     m_docks[0]->setMinimumWidth(300);
     m_docks[1]->setMinimumWidth(280);
+}
+
+void CkMainWindow::equipPluginMenu() {
+    // Plug-ins do not know each other; the window gives out what is free.
+    int number = 0;
+    for (QMenu* menu : menu(IkAppDelegate::PluginMenu)->findChildren<QMenu*>()) {
+        menu->setToolTipsVisible(true);
+    }
+    for (QAction* action : leavesOf(menu(IkAppDelegate::PluginMenu))) {
+        if (action->shortcut().isEmpty() && number < 9) {
+            action->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key(Qt::Key_1 + number)));
+            ++number;
+        }
+    }
 }
 
 QMenu* CkMainWindow::menu(int iMenuId) const {
@@ -194,21 +225,46 @@ void CkMainWindow::restoreLayout() {
     const auto settings = CkViewerSettings::open();
     restoreGeometry(settings->value(CkViewerSettings::keyGeometry()).toByteArray());
     restoreState(settings->value(CkViewerSettings::keyState()).toByteArray());
+    m_pFullScreenAction->setChecked(isFullScreen());
+    m_pArea->setArrangesItself(settings->value(CkViewerSettings::keyArrange(), true).toBool());
+    m_pArrangeAction->setChecked(m_pArea->arrangesItself());
 }
 
 void CkMainWindow::saveLayout() const {
     const auto settings = CkViewerSettings::open();
     settings->setValue(CkViewerSettings::keyGeometry(), saveGeometry());
     settings->setValue(CkViewerSettings::keyState(), saveState());
+    settings->setValue(CkViewerSettings::keyArrange(), m_pArea->arrangesItself());
+    settings->setValue(CkViewerSettings::keySession(), CkSessionMemory::describe(*this));
+}
+
+void CkMainWindow::resetLayout() {
+    restoreState(m_defaultState);
+    m_pArea->setArrangesItself(true);
+    m_pArrangeAction->setChecked(true);
+}
+
+CkSessionMemory::SkRestored CkMainWindow::restoreSession() {
+    const auto settings = CkViewerSettings::open();
+    if (!settings->value(CkViewerSettings::keyReopenCameras(), true).toBool()) {
+        return {};
+    }
+    const CkSessionMemory::SkRestored restored =
+        CkSessionMemory::restore(*this, settings->value(CkViewerSettings::keySession()).toByteArray());
+    for (const QString& problem : restored.problems) {
+        qWarning("%s", qUtf8Printable(problem));
+    }
+    return restored;
 }
 
 void CkMainWindow::closeEvent(QCloseEvent* pEvent) {
+    // While the views are still there to be remembered.
+    if (m_bRemember) {
+        saveLayout();
+    }
     if (!m_pArea->closeAllViews(true)) {
         pEvent->ignore();
         return;
-    }
-    if (m_bRemember) {
-        saveLayout();
     }
     emit closing();
     pEvent->accept();

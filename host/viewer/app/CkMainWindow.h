@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CkSessionMemory.h"
 #include "zuCore/CkChainable.h"
 
 #include <QMainWindow>
@@ -36,6 +37,10 @@ public:
     /// IkAppDelegate::EkMenuId; null for any other number.
     QMenu* menu(int iMenuId) const;
 
+    /// Gives the entries that plug-ins have put into their menu shortcuts, where they have none. Once the
+    /// plug-ins are loaded.
+    void equipPluginMenu();
+
     /// Opens a chain file: the cameras it names, its chain, and a picture view on each of its ends; then
     /// starts them. False, with sError set, when that cannot be.
     bool openChainFile(const QString& sFileName, QString& sError);
@@ -46,9 +51,17 @@ public:
 
     void setFullScreen(bool bOn);
 
-    /// Window geometry and dock layout, from and to the settings.
+    /// What the active view is or shows has changed: enables what can be done with it.
+    void updateActions();
+
+    /// Window geometry and dock layout, from and to the settings. Saving remembers the open cameras, too.
     void restoreLayout();
     void saveLayout() const;
+    /// Panels as in a new installation; the views stay.
+    void resetLayout();
+    /// Opens the cameras and views of the last session again, unless the user does not want that. Writes to
+    /// the log what could not be opened.
+    CkSessionMemory::SkRestored restoreSession();
     void setRemembersLayout(bool bRemember) { m_bRemember = bRemember; }
 
     /// Texts for Help > About: one line per loaded plug-in.
@@ -69,7 +82,10 @@ private:
     void createDocks();
     void createFileMenu();
     void createViewMenu();
+    void createPictureMenu();
+    void createChainMenu();
     void createHelpMenu();
+    void updatePictureActions();
     void openChainWithDialog();
     void openChainOrTell(const QString& sFileName);
     void fillRecentMenu();
@@ -77,7 +93,6 @@ private:
     void saveChainWithDialog();
     void openViewOn(CkChainable* pBlock);
     void showAbout();
-    void updateActions();
 
     CkViewArea* m_pArea;
     QTabWidget* m_pCameraTabs;
@@ -94,8 +109,14 @@ private:
     QAction* m_pSaveChainAction = nullptr;
     QAction* m_pArrangeAction = nullptr;
     QAction* m_pFullScreenAction = nullptr;
-    QList<QAction*> m_viewActions;    ///< need any active view
-    QList<QAction*> m_pictureActions; ///< need an active picture view
+    QAction* m_pAutoContrastAction = nullptr;
+    QAction* m_pSaturatedAction = nullptr;
+    QAction* m_pLegendAction = nullptr;
+    QList<QAction*> m_viewActions;     ///< need any active view
+    QList<QAction*> m_pictureActions;  ///< need an active picture view
+    QList<QAction*> m_contrastActions; ///< need one that is coloured by a table
+    QList<QAction*> m_channelActions;  ///< need one of several channels
     QStringList m_pluginTexts;
+    QByteArray m_defaultState;
     bool m_bRemember = true;
 };

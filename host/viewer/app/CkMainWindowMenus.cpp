@@ -6,7 +6,6 @@
 #include "app/CkViewerSettings.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
-#include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
 #include "zuCore/CkChainable.h"
@@ -50,14 +49,9 @@ void CkMainWindow::createFileMenu() {
     m_pRecentMenu = file->addMenu(tr("Open &Recent"));
     m_pRecentMenu->setObjectName(QStringLiteral("menuRecentChains"));
     connect(file, &QMenu::aboutToShow, this, &CkMainWindow::fillRecentMenu);
+    fillRecentMenu();
     m_pSaveChainAction =
         file->addAction(tr("&Save Chain..."), QKeySequence::Save, this, &CkMainWindow::saveChainWithDialog);
-    m_pictureActions.append(
-        file->addAction(tr("Save &Picture..."), QKeySequence(Qt::CTRL | Qt::Key_P), this, [this] {
-            if (auto* view = qobject_cast<CkImageView*>(m_pArea->activeView())) {
-                view->saveWithDialog();
-            }
-        }));
     file->addSeparator();
     file->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
@@ -65,23 +59,6 @@ void CkMainWindow::createFileMenu() {
 void CkMainWindow::createViewMenu() {
     QMenu* view = menuBar()->addMenu(tr("&View"));
     m_menus.append(view);
-    const auto onCanvas = [this](void (CkImageCanvas::*operation)()) {
-        return [this, operation] {
-            if (const auto* picture = qobject_cast<CkImageView*>(m_pArea->activeView())) {
-                (picture->canvas()->*operation)();
-            }
-        };
-    };
-    m_pictureActions.append(view->addAction(tr("Zoom to &Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), this,
-                                            onCanvas(&CkImageCanvas::zoomToFit)));
-    m_pictureActions.append(view->addAction(tr("&Original Size (1:1)"),
-                                            QKeySequence(Qt::CTRL | Qt::Key_Slash), this,
-                                            onCanvas(&CkImageCanvas::zoomToOriginal)));
-    m_pictureActions.append(view->addAction(tr("Zoom &In"), QKeySequence(Qt::CTRL | Qt::Key_Plus), this,
-                                            onCanvas(&CkImageCanvas::zoomIn)));
-    m_pictureActions.append(view->addAction(tr("Zoom O&ut"), QKeySequence(Qt::CTRL | Qt::Key_Minus), this,
-                                            onCanvas(&CkImageCanvas::zoomOut)));
-    view->addSeparator();
     m_viewActions.append(
         view->addAction(tr("&Tile"), QKeySequence(Qt::CTRL | Qt::Key_T), m_pArea, &CkViewArea::tile));
     m_viewActions.append(
@@ -90,6 +67,7 @@ void CkMainWindow::createViewMenu() {
             m_pArrangeAction->setChecked(m_pArea->arrangesItself());
         }));
     m_pArrangeAction = view->addAction(tr("Arrange Auto&matically"));
+    m_pArrangeAction->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_T));
     m_pArrangeAction->setCheckable(true);
     m_pArrangeAction->setChecked(m_pArea->arrangesItself());
     m_pArrangeAction->setToolTip(tr("Tile the views whenever one comes or goes"));
@@ -101,9 +79,16 @@ void CkMainWindow::createViewMenu() {
     m_viewActions.append(view->addAction(tr("&Close View"), QKeySequence(Qt::CTRL | Qt::Key_W), this,
                                          [this] { m_pArea->closeView(m_pArea->activeViewId()); }));
     view->addSeparator();
-    for (QDockWidget* dock : m_docks) {
-        view->addAction(dock->toggleViewAction());
+    for (qsizetype i = 0; i < m_docks.size(); ++i) {
+        QAction* toggle = m_docks[i]->toggleViewAction();
+        if (i < 9) {
+            toggle->setShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + i)));
+        }
+        view->addAction(toggle);
     }
+    view->addAction(tr("&Default Layout"), QKeySequence(Qt::ALT | Qt::Key_0), this,
+                    &CkMainWindow::resetLayout)
+        ->setToolTip(tr("Put the panels back where they were in the beginning"));
     view->addAction(tr("Search the &Log"), QKeySequence::Find, this, [this] {
         m_pLogDock->show();
         m_pLogPanel->focusSearch();
@@ -123,7 +108,7 @@ void CkMainWindow::createHelpMenu() {
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         dialog->show();
     });
-    help->addAction(tr("&About"), this, &CkMainWindow::showAbout);
+    help->addAction(tr("&About"), QKeySequence(Qt::SHIFT | Qt::Key_F1), this, &CkMainWindow::showAbout);
 }
 
 void CkMainWindow::updateActions() {
@@ -140,8 +125,11 @@ void CkMainWindow::updateActions() {
     }
     for (QAction* action : m_pictureActions) {
         action->setEnabled(picture);
-        action->setToolTip(picture ? QString() : tr("The active view is no picture view"));
+        action->setToolTip(picture           ? QString()
+                           : view != nullptr ? tr("The active view is no picture view")
+                                             : tr("No view is open"));
     }
+    updatePictureActions();
 }
 
 void CkMainWindow::openChainWithDialog() {
@@ -183,6 +171,8 @@ void CkMainWindow::fillRecentMenu() {
                                  [this, name] { openChainOrTell(name); });
     }
     m_pRecentMenu->setEnabled(!m_pRecentMenu->isEmpty());
+    m_pRecentMenu->menuAction()->setToolTip(m_pRecentMenu->isEmpty() ? tr("No file was opened yet")
+                                                                     : tr("Files opened or saved last"));
 }
 
 void CkMainWindow::dragEnterEvent(QDragEnterEvent* pEvent) {

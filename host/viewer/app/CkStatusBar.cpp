@@ -3,6 +3,7 @@
 #include "app/CkRateGraph.h"
 #include "area/CkViewArea.h"
 #include "image/CkImageView.h"
+#include "image/CkPictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 
@@ -105,7 +106,7 @@ void CkStatusBar::refresh() {
     // The counters start again with the chain.
     const quint64 lost = dropped >= m_uiDropped ? dropped - m_uiDropped : dropped;
     m_pGraph->add(rate, seconds > 0.0 ? double(lost) / seconds : 0.0);
-    m_pRate->setText(tr("%1 frames/s").arg(rate, 0, 'f', 1));
+    m_pRate->setText(tr("%1 frames/s").arg(CkPictureText::locale().toString(rate, 'f', 1)));
     m_pDrops->setText(tr("%1 dropped").arg(dropped));
     m_iFrames = 0;
     m_uiDropped = dropped;

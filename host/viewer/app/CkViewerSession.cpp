@@ -108,8 +108,10 @@ bool CkViewerSession::start() {
         texts.append(QStringLiteral("%1: %2").arg(loaded.plugin->name(), loaded.plugin->description()));
     }
     m_window->setPluginTexts(texts);
+    m_window->equipPluginMenu();
     m_window->setRemembersLayout(!m_options.unattended());
-    if (!m_options.unattended()) {
+    const bool remembers = !m_options.unattended() && !m_options.cleanStart;
+    if (remembers) {
         m_window->restoreLayout();
     }
     if (m_options.windowSize.isValid()) {
@@ -118,6 +120,12 @@ bool CkViewerSession::start() {
     m_window->show();
     bool ok = openCameras();
     ok = openChains() && ok;
+    // Whoever names cameras or files gets these and no others.
+    if (remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty()) {
+        for (const int id : m_window->restoreSession().viewsWith3d) {
+            whenReady(id, [this, id] { open3dView(id); });
+        }
+    }
     if (m_options.open3dView || !m_options.triggers.isEmpty()) {
         actWhenReady();
     }
@@ -157,26 +165,38 @@ bool CkViewerSession::openChains() {
     return ok;
 }
 
-void CkViewerSession::actWhenReady() {
-    const QList<CkMdiView*> views = m_window->area()->views();
-    if (views.isEmpty()) {
-        return;
-    }
+void CkViewerSession::whenReady(int iViewId, const std::function<void()>& what) {
     // The first frame must be there, so that the actions know what the view shows.
-    CkMdiView* first = views.first();
     connect(
-        first, &CkMdiView::receivedFrame, this,
-        [this, id = first->viewId()] {
+        m_window->area()->view(iViewId), &CkMdiView::receivedFrame, this,
+        [this, what] {
             // Not in the middle of the frame's delivery: the actions may open boxes.
-            QTimer::singleShot(0, this, [this, id] { act(id); });
+            QTimer::singleShot(0, this, what);
         },
         Qt::SingleShotConnection);
 }
 
-void CkViewerSession::act(int iViewId) {
+void CkViewerSession::actWhenReady() {
+    const QList<CkMdiView*> views = m_window->area()->views();
+    if (!views.isEmpty()) {
+        const int id = views.first()->viewId();
+        whenReady(id, [this, id] { act(id); });
+    }
+}
+
+void CkViewerSession::open3dView(int iViewId) {
+    if (m_window->area()->view(iViewId) == nullptr) {
+        return;
+    }
     m_window->area()->setActiveView(iViewId);
-    if (m_options.open3dView && !trigger(QStringLiteral("menuOpenToF3dView"))) {
+    if (!trigger(QStringLiteral("menuOpenToF3dView"))) {
         qWarning("%s", qUtf8Printable(tr("No plug-in offers a 3D view.")));
+    }
+}
+
+void CkViewerSession::act(int iViewId) {
+    if (m_options.open3dView) {
+        open3dView(iViewId);
     }
     m_window->area()->setActiveView(iViewId);
     for (const QString& name : m_options.triggers) {

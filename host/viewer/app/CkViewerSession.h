@@ -3,6 +3,7 @@
 #include "app/CkCommandLine.h"
 
 #include <QObject>
+#include <functional>
 #include <memory>
 
 class CkAppDelegate;
@@ -44,6 +45,9 @@ private:
     void watchView(int iViewId);
     bool openCameras();
     bool openChains();
+    /// Calls a function once a view has shown its first frame.
+    void whenReady(int iViewId, const std::function<void()>& what);
+    void open3dView(int iViewId);
     void actWhenReady();
     void act(int iViewId);
     /// Clicks the menu entry or button of this object name, of the window or of a plug-in. False for none.

@@ -12,6 +12,9 @@ class QSettings;
 /// |------------------------------|------------|----------------|------------------|
 /// | Viewer/Geometry              | byte array | none           | main window      |
 /// | Viewer/State                 | byte array | none           | main window      |
+/// | Viewer/Arrange              | bool       | true           | main window      |
+/// | Viewer/Session              | byte array | empty          | main window      |
+/// | Viewer/ReopenCameras        | bool       | true           | Camera menu      |
 /// | Viewer/LastDirectory         | string     | empty          | file dialogs     |
 /// | Viewer/PseudoColorInteger    | int        | 0 (grey)       | colour panel     |
 /// | Viewer/PseudoColorFloat      | int        | see .cpp       | colour panel     |
@@ -26,6 +29,10 @@ public:
 
     static QString keyGeometry() { return QStringLiteral("Viewer/Geometry"); }
     static QString keyState() { return QStringLiteral("Viewer/State"); }
+    static QString keyArrange() { return QStringLiteral("Viewer/Arrange"); }
+    /// See CkSessionMemory.
+    static QString keySession() { return QStringLiteral("Viewer/Session"); }
+    static QString keyReopenCameras() { return QStringLiteral("Viewer/ReopenCameras"); }
     static QString keyLastDirectory() { return QStringLiteral("Viewer/LastDirectory"); }
     static QString keyRecentChains() { return QStringLiteral("Viewer/RecentChains"); }
     static QString keyAutoContrast() { return QStringLiteral("Viewer/AutoContrast"); }

@@ -1,11 +1,13 @@
 #include "camera/CkCameraMenu.h"
 
+#include "app/CkViewerSettings.h"
 #include "camera/CkCameraDesk.h"
 #include "camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"
 
 #include <QAction>
 #include <QMenu>
+#include <QSettings>
 
 namespace {
 
@@ -50,10 +52,23 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
                                      [this] { m_pDesk->openView(m_pDesk->currentCamera()); });
     m_pViewAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     pMenu->addSeparator();
-    m_pCloseMenu = pMenu->addMenu(tr("&Close"));
+    m_pCloseAction = pMenu->addAction(tr("Close &Current"), this,
+                                      [this] { m_pDesk->closeCamera(m_pDesk->currentCamera()); });
+    m_pCloseAction->setObjectName(QStringLiteral("actCloseCamera"));
+    m_pCloseAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
+    m_pCloseMenu = pMenu->addMenu(tr("C&lose"));
     m_pCloseMenu->setObjectName(QStringLiteral("menuCloseCamera"));
     m_pUnplugMenu = pMenu->addMenu(tr("&Unplug"));
     m_pUnplugMenu->setObjectName(QStringLiteral("menuUnplugCamera"));
+    pMenu->addSeparator();
+    QAction* reopen = pMenu->addAction(tr("&Reopen at Start"));
+    reopen->setObjectName(QStringLiteral("actReopenCameras"));
+    reopen->setCheckable(true);
+    reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
+    reopen->setToolTip(tr("Open the cameras and views of this session again when the viewer is started"));
+    connect(reopen, &QAction::toggled, this,
+            [](bool bOn) { CkViewerSettings::open()->setValue(CkViewerSettings::keyReopenCameras(), bOn); });
 
     CkCameraManager* manager = CkCameraManager::instance();
     connect(manager, &CkCameraManager::availableCamerasChanged, this, &CkCameraMenu::refresh);
@@ -80,6 +95,8 @@ void CkCameraMenu::refresh() {
     m_pPauseAction->setToolTip(running ? tr("Hold the camera without stopping it") : stopped);
     m_pStepAction->setEnabled(running);
     m_pStepAction->setToolTip(running ? tr("Take one set of pictures and hold") : stopped);
+    m_pCloseAction->setEnabled(camera != nullptr);
+    m_pCloseAction->setToolTip(camera != nullptr ? tr("Close the current camera with its views") : none);
     m_pViewAction->setEnabled(camera != nullptr);
     m_pViewAction->setToolTip(camera != nullptr ? tr("Another view of the current camera") : none);
 }
@@ -111,7 +128,9 @@ void CkCameraMenu::fillOpenMenu() {
         });
     }
     if (number == 0) {
-        m_pOpenMenu->addAction(tr("No camera is plugged in"))->setEnabled(false);
+        QAction* none = m_pOpenMenu->addAction(tr("No camera is plugged in"));
+        none->setEnabled(false);
+        none->setToolTip(tr("Plug in a camera; it appears here by itself"));
     }
 }
 
@@ -127,8 +146,10 @@ void CkCameraMenu::fillHandleMenus() {
         m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pDesk->closeCamera(handle); });
         m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pDesk->unplugCamera(handle); });
     }
-    m_pCloseMenu->setEnabled(!m_pCloseMenu->isEmpty());
-    m_pUnplugMenu->setEnabled(!m_pUnplugMenu->isEmpty());
+    for (QMenu* menu : {m_pCloseMenu, m_pUnplugMenu}) {
+        menu->setEnabled(!menu->isEmpty());
+        menu->menuAction()->setToolTip(menu->isEmpty() ? tr("No camera is open") : QString());
+    }
 }
 
 void CkCameraMenu::toggleAcquisition() {

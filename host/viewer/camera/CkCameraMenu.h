@@ -35,4 +35,5 @@ private:
     QAction* m_pPauseAction;
     QAction* m_pStepAction;
     QAction* m_pViewAction;
+    QAction* m_pCloseAction;
 };

@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QHBoxLayout>
+#include <QLocale>
 #include <QSignalBlocker>
 #include <algorithm>
 #include <cmath>
@@ -24,6 +25,15 @@ int decimalsOf(const CkCameraParam::SkDescription& description) {
         return 2;
     }
     return std::clamp(int(std::ceil(-std::log10(description.step) - 1e-9)), 1, 6);
+}
+
+// Drivers write micro as "u", people do not.
+QString unitText(const CkCameraParam::SkDescription& description) {
+    if (description.unit.isEmpty()) {
+        return {};
+    }
+    const bool micro = description.unit == QLatin1String("us") || description.unit == QLatin1String("um");
+    return QLatin1Char(' ') + (micro ? QChar(0xb5) + description.unit.mid(1) : description.unit);
 }
 
 } // namespace
@@ -82,9 +92,7 @@ void CkParamEditor::createNumber() {
     m_pNumber->setAlignment(Qt::AlignRight);
     m_pNumber->setMinimumWidth(96);
     m_pNumber->setMaximumWidth(150);
-    if (!description.unit.isEmpty()) {
-        m_pNumber->setSuffix(QLatin1Char(' ') + description.unit);
-    }
+    m_pNumber->setSuffix(unitText(description));
     layout()->addWidget(m_pNumber);
     connect(m_pNumber, &QDoubleSpinBox::valueChanged, this, [this](double fValue) {
         m_delay.stop();
@@ -116,12 +124,13 @@ QString CkParamEditor::hint() const {
     const CkCameraParam::SkDescription& description = m_pParam->description();
     QString text = description.toolTip.isEmpty() ? description.displayName : description.toolTip;
     if (m_pNumber != nullptr) {
-        const QString unit = description.unit.isEmpty() ? QString() : QLatin1Char(' ') + description.unit;
+        const QString unit = unitText(description);
+        const QLocale number;
         text += QLatin1Char('\n') + tr("From %1 to %2%3, in steps of %4")
-                                        .arg(description.minimum)
-                                        .arg(description.maximum)
+                                        .arg(number.toString(description.minimum, 'g', 10))
+                                        .arg(number.toString(description.maximum, 'g', 10))
                                         .arg(unit)
-                                        .arg(description.step);
+                                        .arg(number.toString(description.step, 'g', 10));
     }
     if (description.readOnly) {
         text += QLatin1Char('\n') + tr("The camera does not let this be changed.");

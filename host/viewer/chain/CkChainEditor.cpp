@@ -6,14 +6,9 @@
 #include "zuCore/CkImageSource.h"
 #include "zuCore/CkRTTI.h"
 
-#include <QCoreApplication>
 #include <QPointer>
 
 namespace {
-
-QString text(const char* source) {
-    return QCoreApplication::translate("CkChainEditor", source);
-}
 
 template <class Change>
 bool changeStopped(CkChain* chain, Change change) {
@@ -34,7 +29,7 @@ using Operation = bool (CkChainManager::*)(CkChain*, CkChainable*, CkChainable*)
 bool add(Operation operation, CkChainable* block, CkChainable* after, QString& error) {
     CkChain* chain = after != nullptr ? after->chain() : nullptr;
     if (chain == nullptr) {
-        error = text("The block to build on is in no chain any more.");
+        error = CkChainEditor::tr("The block to build on is in no chain any more.");
         delete block;
         return false;
     }
@@ -42,7 +37,8 @@ bool add(Operation operation, CkChainable* block, CkChainable* after, QString& e
     const bool done =
         changeStopped(chain, [&] { return (CkChainManager::instance()->*operation)(chain, block, after); });
     if (!done) {
-        error = text("\"%1\" cannot work on the output of \"%2\", or what follows cannot work on its output.")
+        error = CkChainEditor::tr(
+                    "\"%1\" cannot work on the output of \"%2\", or what follows cannot work on its output.")
                     .arg(title, after->title());
         CkChainManager::instance()->deleteChainable(block);
     }
@@ -55,7 +51,7 @@ CkChainable* CkChainEditor::createBlock(const QString& sUniqueId, QString& sErro
     QObject* object = CkRTTI::instance()->create(sUniqueId);
     auto* block = qobject_cast<CkChainable*>(object);
     if (block == nullptr) {
-        sError = object != nullptr ? text("\"%1\" is no processing block.").arg(sUniqueId)
+        sError = object != nullptr ? CkChainEditor::tr("\"%1\" is no processing block.").arg(sUniqueId)
                                    : CkRTTI::instance()->lastError();
         delete object;
     }
@@ -73,7 +69,8 @@ bool CkChainEditor::branchAfter(CkChainable* pBlock, CkChainable* pAfter, QStrin
 bool CkChainEditor::remove(CkChainable* pBlock, QString& sError) {
     CkChain* chain = pBlock->chain();
     if (chain == nullptr || isSource(pBlock)) {
-        sError = text("A source cannot be taken out of its chain; close the chain's views instead.");
+        sError =
+            CkChainEditor::tr("A source cannot be taken out of its chain; close the chain's views instead.");
         return false;
     }
     const QString title = pBlock->title();
@@ -82,7 +79,8 @@ bool CkChainEditor::remove(CkChainable* pBlock, QString& sError) {
         return CkChainManager::instance()->remove(owner, pBlock, false);
     });
     if (!done) {
-        sError = text("\"%1\" cannot be removed: what it feeds cannot work without it.").arg(title);
+        sError =
+            CkChainEditor::tr("\"%1\" cannot be removed: what it feeds cannot work without it.").arg(title);
     }
     return done;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 class CkChain;
@@ -9,6 +10,8 @@ class CkChainable;
 /// afterwards. User-interface thread. Every function answers whether the change was made; if not, sError says
 /// why and the chain is as it was.
 class CkChainEditor {
+    Q_DECLARE_TR_FUNCTIONS(CkChainEditor)
+
 public:
     /// A new block of a registered class, owned by the caller; null with sError set.
     static CkChainable* createBlock(const QString& sUniqueId, QString& sError);

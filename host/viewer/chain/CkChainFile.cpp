@@ -4,7 +4,6 @@
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
 
-#include <QCoreApplication>
 #include <QDomDocument>
 #include <QFile>
 #include <QSaveFile>
@@ -19,10 +18,6 @@ constexpr int kVersion = 1;
 // No chain of blocks comes near this; anything larger is something else.
 constexpr qint64 kMaximumBytes = 16 * 1024 * 1024;
 constexpr int kMaximumDepth = 100;
-
-QString text(const char* source) {
-    return QCoreApplication::translate("CkChainFile", source);
-}
 
 // The document's own code walks elements by recursion, which a hostile file must not exhaust.
 bool isDeep(QFile& file) {
@@ -43,27 +38,28 @@ bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
         return false;
     }
     if (file.size() > kMaximumBytes) {
-        error = text("%1: this is no chain file (too large).").arg(fileName);
+        error = CkChainFile::tr("%1: this is no chain file (too large).").arg(fileName);
         return false;
     }
     if (isDeep(file)) {
-        error = text("%1: this is no chain file (nested too deeply).").arg(fileName);
+        error = CkChainFile::tr("%1: this is no chain file (nested too deeply).").arg(fileName);
         return false;
     }
     QString reason;
     int line = 0;
     int column = 0;
     if (!doc.setContent(&file, false, &reason, &line, &column)) {
-        error = text("%1, line %2, column %3: %4").arg(fileName).arg(line).arg(column).arg(reason);
+        error = CkChainFile::tr("%1, line %2, column %3: %4").arg(fileName).arg(line).arg(column).arg(reason);
         return false;
     }
     const QDomElement root = doc.documentElement();
     if (root.tagName() != kRoot || root.firstChildElement(kChain).isNull()) {
-        error = text("%1: this is no chain file.").arg(fileName);
+        error = CkChainFile::tr("%1: this is no chain file.").arg(fileName);
         return false;
     }
     if (root.attribute(QStringLiteral("version")).toInt() > kVersion) {
-        error = text("%1: this chain file was written by a newer version of the program.").arg(fileName);
+        error = CkChainFile::tr("%1: this chain file was written by a newer version of the program.")
+                    .arg(fileName);
         return false;
     }
     return true;
@@ -94,7 +90,7 @@ bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString&
     root.setAttribute(QStringLiteral("version"), kVersion);
     QDomElement chain = doc.createElement(kChain);
     if (pChain == nullptr || !pChain->save(doc, chain)) {
-        sError = text("%1: the chain cannot be described.").arg(sFileName);
+        sError = CkChainFile::tr("%1: the chain cannot be described.").arg(sFileName);
         return false;
     }
     root.appendChild(chain);
@@ -114,7 +110,7 @@ CkChain* CkChainFile::load(const QString& sFileName, QString& sError) {
         return nullptr;
     }
     CkChain* chain = CkChainManager::instance()->createChain();
-    QString reason = text("no new chain can be made");
+    QString reason = CkChainFile::tr("no new chain can be made");
     if (chain == nullptr || !chain->load(doc.documentElement().firstChildElement(kChain), &reason)) {
         sError = QStringLiteral("%1: %2").arg(sFileName, reason);
         CkChainManager::instance()->closeChain(chain);

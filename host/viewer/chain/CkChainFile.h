@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -9,6 +10,8 @@ class CkChainable;
 
 /// Chains as files (XML). Stateless; user-interface thread.
 class CkChainFile {
+    Q_DECLARE_TR_FUNCTIONS(CkChainFile)
+
 public:
     /// False, with sError naming the file and the reason; a file that was there before is then untouched.
     static bool save(const CkChain* pChain, const QString& sFileName, QString& sError);

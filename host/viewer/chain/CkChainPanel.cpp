@@ -9,6 +9,7 @@
 #include "zuCore/CkRTTI.h"
 #include "zuCoreGui/CkMdiView.h"
 
+#include <QAction>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -33,36 +34,44 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
     m_pTree = new CkChainTree(this);
     layout->addWidget(m_pTree, 1);
 
-    m_pAddMenu = new QMenu(this);
+    m_pAddMenu = new QMenu(tr("&Add Block"), this);
+    m_pAddMenu->setObjectName(QStringLiteral("menuAddBlock"));
     m_pAddMenu->setToolTipsVisible(true);
     m_pAddButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
     m_pAddButton->setMenu(m_pAddMenu);
     m_pAddButton->setPopupMode(QToolButton::InstantPopup);
-    m_pConfigureButton = addButton(tr("Configure..."), QStringLiteral("btnConfigureBlock"));
-    m_pToggleButton = addButton(tr("Off"), QStringLiteral("btnToggleBlock"));
-    m_pRemoveButton = addButton(tr("Remove"), QStringLiteral("btnRemoveBlock"));
-    m_pHelpButton = addButton(tr("Help"), QStringLiteral("btnHelpBlock"));
+    m_pConfigureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
+    m_pConfigureAction->setIconText(tr("Configure..."));
+    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_E);
+    m_pToggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
+    m_pToggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
+    m_pRemoveAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);
+    m_pRemoveAction->setIconText(tr("Remove"));
+    m_pRemoveAction->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    m_pHelpAction = addAction(tr("&Help for Block"), this, &CkChainPanel::helpSelected);
+    m_pHelpAction->setIconText(tr("Help"));
+    m_pHelpAction->setShortcut(Qt::CTRL | Qt::Key_F1);
+    QToolButton* configure = addButtonFor(m_pConfigureAction, QStringLiteral("btnConfigureBlock"));
+    QToolButton* toggle = addButtonFor(m_pToggleAction, QStringLiteral("btnToggleBlock"));
+    QToolButton* remove = addButtonFor(m_pRemoveAction, QStringLiteral("btnRemoveBlock"));
+    QToolButton* help = addButtonFor(m_pHelpAction, QStringLiteral("btnHelpBlock"));
     m_pSaveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
     QToolButton* load = addButton(tr("Open..."), QStringLiteral("btnLoadChain"));
     load->setToolTip(tr("Open a chain file with views on its ends (Ctrl+O)"));
     auto* first = new QHBoxLayout;
     first->addWidget(m_pAddButton);
-    first->addWidget(m_pConfigureButton);
-    first->addWidget(m_pToggleButton);
-    first->addWidget(m_pRemoveButton);
+    first->addWidget(configure);
+    first->addWidget(toggle);
+    first->addWidget(remove);
     first->addStretch();
     auto* second = new QHBoxLayout;
-    second->addWidget(m_pHelpButton);
+    second->addWidget(help);
     second->addStretch();
     second->addWidget(load);
     second->addWidget(m_pSaveButton);
     layout->addLayout(first);
     layout->addLayout(second);
 
-    connect(m_pConfigureButton, &QToolButton::clicked, this, &CkChainPanel::configureSelected);
-    connect(m_pToggleButton, &QToolButton::clicked, this, &CkChainPanel::toggleSelected);
-    connect(m_pRemoveButton, &QToolButton::clicked, this, &CkChainPanel::removeSelected);
-    connect(m_pHelpButton, &QToolButton::clicked, this, &CkChainPanel::helpSelected);
     connect(m_pSaveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
     connect(load, &QToolButton::clicked, this, &CkChainPanel::loadRequested);
     connect(m_pAddMenu, &QMenu::aboutToShow, this, &CkChainPanel::fillAddMenu);
@@ -97,6 +106,16 @@ QToolButton* CkChainPanel::addButton(const QString& sText, const QString& sName)
     return button;
 }
 
+QToolButton* CkChainPanel::addButtonFor(QAction* pAction, const QString& sName) {
+    QToolButton* button = addButton(pAction->iconText(), sName);
+    button->setDefaultAction(pAction);
+    return button;
+}
+
+QList<QAction*> CkChainPanel::blockActions() const {
+    return {m_pConfigureAction, m_pToggleAction, m_pRemoveAction, m_pHelpAction};
+}
+
 void CkChainPanel::refresh() {
     CkMdiView* view = m_pArea->activeView();
     if (m_view != view) {
@@ -125,25 +144,29 @@ void CkChainPanel::updateButtons() {
     const bool chain = m_pTree->chain() != nullptr;
     const bool source = block != nullptr && CkChainEditor::isSource(block);
     const QString none = tr("Select a block first");
+    const QString addHint =
+        chain ? tr("Add a block behind the selected one") : tr("The active view shows no chain");
     m_pAddButton->setEnabled(chain);
-    m_pAddButton->setToolTip(chain ? tr("Add a block behind the selected one")
-                                   : tr("The active view shows no chain"));
-    m_pConfigureButton->setEnabled(block != nullptr);
-    m_pConfigureButton->setToolTip(block != nullptr ? tr("Open the settings of the selected block") : none);
+    m_pAddButton->setToolTip(addHint);
+    m_pAddMenu->menuAction()->setEnabled(chain);
+    m_pAddMenu->menuAction()->setToolTip(addHint);
+    m_pConfigureAction->setEnabled(block != nullptr);
+    m_pConfigureAction->setToolTip(block != nullptr ? tr("Open the settings of the selected block") : none);
     const bool off = block != nullptr && block->state() == CkChainable::Blocked;
-    m_pToggleButton->setText(off ? tr("On") : tr("Off"));
-    m_pToggleButton->setEnabled(block != nullptr && !source);
-    m_pToggleButton->setToolTip(block == nullptr ? none
+    m_pToggleAction->setText(off ? tr("Switch Block &On") : tr("Switch Block &Off"));
+    m_pToggleAction->setIconText(off ? tr("On") : tr("Off"));
+    m_pToggleAction->setEnabled(block != nullptr && !source);
+    m_pToggleAction->setToolTip(block == nullptr ? none
                                 : source         ? tr("A source is switched with its camera")
                                 : off            ? tr("Let the block work again")
                                                  : tr("Switch the block off: it then delivers nothing"));
-    m_pRemoveButton->setEnabled(block != nullptr && !source);
-    m_pRemoveButton->setToolTip(block == nullptr ? none
+    m_pRemoveAction->setEnabled(block != nullptr && !source);
+    m_pRemoveAction->setToolTip(block == nullptr ? none
                                 : source         ? tr("A source stays as long as its chain")
                                                  : tr("Take the block out of the chain"));
     const bool help = block != nullptr && block->hasHelp();
-    m_pHelpButton->setEnabled(help);
-    m_pHelpButton->setToolTip(help               ? tr("Explain the selected block")
+    m_pHelpAction->setEnabled(help);
+    m_pHelpAction->setToolTip(help               ? tr("Explain the selected block")
                               : block != nullptr ? tr("This block brings no help")
                                                  : none);
     m_pSaveButton->setEnabled(chain);
@@ -170,7 +193,9 @@ void CkChainPanel::fillAddMenu() {
         m_pAddMenu->addSeparator();
         m_pAddMenu->addMenu(branch);
     } else {
-        m_pAddMenu->addAction(tr("No plug-in offers a block"))->setEnabled(false);
+        QAction* none = m_pAddMenu->addAction(tr("No plug-in offers a block"));
+        none->setEnabled(false);
+        none->setToolTip(tr("Blocks come with plug-ins, and none is loaded"));
     }
 }
 

@@ -10,6 +10,7 @@
 class CkChainTree;
 class CkMdiView;
 class CkViewArea;
+class QAction;
 class QDialog;
 class QLabel;
 class QMenu;
@@ -26,6 +27,8 @@ public:
 
     CkChainTree* tree() const { return m_pTree; }
     QMenu* addMenu() const { return m_pAddMenu; }
+    /// What the panel's buttons do, for a menu: configure, switch, remove, explain the selected block.
+    QList<QAction*> blockActions() const;
 
     /// Puts a new block of a class behind the selected block (or the view's one), or beside what follows
     /// there, with a picture view of its own. Null, after telling the user why, when that cannot be.
@@ -47,6 +50,7 @@ signals:
 
 private:
     QToolButton* addButton(const QString& sText, const QString& sName);
+    QToolButton* addButtonFor(QAction* pAction, const QString& sName);
     void fillAddMenu();
     void updateButtons();
     void showProblem(const QString& sText);
@@ -56,10 +60,10 @@ private:
     QLabel* m_pTitle;
     QMenu* m_pAddMenu;
     QToolButton* m_pAddButton;
-    QToolButton* m_pConfigureButton;
-    QToolButton* m_pToggleButton;
-    QToolButton* m_pRemoveButton;
-    QToolButton* m_pHelpButton;
+    QAction* m_pConfigureAction;
+    QAction* m_pToggleAction;
+    QAction* m_pRemoveAction;
+    QAction* m_pHelpAction;
     QToolButton* m_pSaveButton;
     QTimer m_counters;
     QPointer<CkMdiView> m_view;

@@ -217,7 +217,7 @@ void CkChainTree::refreshCounters() {
                                                                   : QBrush(palette().color(QPalette::Text)));
         const double ms =
             statistics.framesIn > 0 ? double(statistics.processNs) / 1e6 / double(statistics.framesIn) : 0.0;
-        item->setText(TimeColumn, QString::number(ms, 'f', ms < 10.0 ? 2 : 1));
+        item->setText(TimeColumn, CkPictureText::locale().toString(ms, 'f', ms < 10.0 ? 2 : 1));
         SkPicBufInfo info;
         QString hint = tr("%1: %2").arg(block->title(), shownState(block));
         if (m_chain->negotiatedInfo(block, info, nullptr)) {

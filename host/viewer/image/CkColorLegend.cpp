@@ -1,5 +1,7 @@
 #include "image/CkColorLegend.h"
 
+#include "image/CkPictureText.h"
+
 #include <QPainter>
 #include <cmath>
 
@@ -77,12 +79,12 @@ void CkColorLegend::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(bar.adjusted(-1, -1, 0, 0));
     painter.setPen(palette().color(QPalette::WindowText));
-    for (const double value : tickValues(m_fLow, m_fHigh, qMax(2, bar.height() / (2 * line)))) {
+    for (const double value : tickValues(m_fLow, m_fHigh, qMax(2, bar.height() / (3 * line)))) {
         const int y = bar.bottom() - int((value - m_fLow) / (m_fHigh - m_fLow) * (bar.height() - 1));
         painter.drawLine(bar.right() + 1, y, bar.right() + 4, y);
         // Rounding noise of the ticks must not show as "-1.4e-17".
         const double shown = std::abs(value) < (m_fHigh - m_fLow) * 1e-9 ? 0.0 : value;
         painter.drawText(QRect(bar.right() + 7, y - line / 2, width(), line),
-                         Qt::AlignLeft | Qt::AlignVCenter, QString::number(shown, 'g', 5));
+                         Qt::AlignLeft | Qt::AlignVCenter, CkPictureText::locale().toString(shown, 'g', 5));
     }
 }

@@ -69,7 +69,8 @@ CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
     });
     connect(m_pCanvas, &CkImageCanvas::zoomChanged, this, [this](double fZoom, bool bFit) {
         m_pFitAction->setChecked(bFit);
-        m_pZoomLabel->setText(QStringLiteral(" %1 % ").arg(fZoom * 100.0, 0, 'f', fZoom < 0.1 ? 1 : 0));
+        m_pZoomLabel->setText(QStringLiteral(" %1 % ").arg(
+            CkPictureText::locale().toString(fZoom * 100.0, 'f', fZoom < 0.1 ? 1 : 0)));
     });
 
     bool automatic = true;
@@ -125,6 +126,26 @@ void CkImageView::setAutoContrast(bool bAuto) {
     emit contrastChanged();
 }
 
+void CkImageView::setFullRange() {
+    if (const CkImageData* frame = currentImage()) {
+        setWindow(isFloat(frame->picBuf()) ? SkDisplayWindow{m_statistics.minimum, m_statistics.maximum}
+                                           : CkDisplayTable::fullRange(frame->picBuf()));
+    }
+}
+
+bool CkImageView::marksSaturated() const {
+    bool saturation = false;
+    const_cast<CkImageView*>(this)->viewLut(nullptr, &saturation, nullptr);
+    return saturation;
+}
+
+void CkImageView::setMarksSaturated(bool bMark) {
+    bool automatic = false;
+    CkLut* lut = viewLut(&automatic, nullptr, nullptr);
+    setViewLut(lut, automatic, bMark, true);
+    emit contrastChanged();
+}
+
 double CkImageView::gamma() const {
     const CkLut* lut = const_cast<CkImageView*>(this)->viewLut(nullptr, nullptr, nullptr);
     return lut == nullptr || lut->contrastEntries().isEmpty() ? 1.0 : lut->contrastEntries().first().gamma;
@@ -161,7 +182,7 @@ void CkImageView::setWindow(const SkDisplayWindow& window) {
 QString CkImageView::unit() const {
     CkImageMetadata metadata;
     metadata.channelNames = m_channelNames;
-    return m_iChannel < 0 ? QString() : CkPictureText::channelUnit(metadata, quint32(m_iChannel));
+    return m_iChannel < 0 ? QString() : CkPictureText::channelUnit(m_format, metadata, quint32(m_iChannel));
 }
 
 void CkImageView::setChannel(int iChannel) {
@@ -174,6 +195,29 @@ void CkImageView::setChannel(int iChannel) {
     m_pChannelBox->setCurrentIndex(m_pChannelBox->findData(channel));
     refresh();
     emit contrastChanged();
+    // Colours have no contrast to set, single channels do.
+    if (IkAppDelegate* delegate = IkAppDelegate::instance()) {
+        delegate->viewLutChanged(this);
+    }
+}
+
+int CkImageView::channelCount() const {
+    return m_pChannelBox->count();
+}
+
+void CkImageView::stepChannel(int iStep) {
+    const int count = m_pChannelBox->count();
+    if (count > 1) {
+        setChannel(m_pChannelBox->itemData((m_pChannelBox->currentIndex() + iStep + count) % count).toInt());
+    }
+}
+
+bool CkImageView::showsLegend() const {
+    return m_pLegendAction->isChecked();
+}
+
+void CkImageView::setShowsLegend(bool bShow) {
+    m_pLegendAction->setChecked(bShow);
 }
 
 void CkImageView::frameArrived(std::unique_ptr<CkImageData> frame) {

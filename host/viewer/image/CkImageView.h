@@ -38,6 +38,13 @@ public:
     /// Channel shown; -1: all, as colours.
     int channel() const { return m_iChannel; }
     void setChannel(int iChannel);
+    /// Entries of the list of channels, "all as colours" included; 0 before the first picture.
+    int channelCount() const;
+    /// The next (1) or previous (-1) entry of the list of channels, round and round.
+    void stepChannel(int iStep);
+
+    bool showsLegend() const;
+    void setShowsLegend(bool bShow);
 
     /// The values at the ends of the colours, in the unit of the channel.
     SkDisplayWindow window() const { return m_window; }
@@ -45,6 +52,11 @@ public:
     void setWindow(const SkDisplayWindow& window);
     void setAutoContrast(bool bAuto);
     bool autoContrast() const;
+    /// The whole range of the picture's values by hand: all that an integer can hold, or what a float picture
+    /// holds at the moment.
+    void setFullRange();
+    void setMarksSaturated(bool bMark);
+    bool marksSaturated() const;
     void setGamma(double fGamma);
     double gamma() const;
 
@@ -57,10 +69,14 @@ public:
     /// The picture as it is on the screen, at its own size; colours it when that has not been done yet.
     const QImage& shownImage();
 
-    /// Writes the picture: as seen (any format that the name's ending tells), or, for integer pictures of up
-    /// to 16 bits, one channel as measured into a 16-bit grey PNG. False, with psError set, on failure.
+    /// Forms in which a picture is written as it was measured; see CkPictureFile for what is in the files.
+    enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
+
+    /// Writes the picture as seen (any format that the name's ending tells, at the picture's own size), or as
+    /// measured: the channel shown, or all of them. False, with psError set, on failure.
     bool saveAsSeen(const QString& sFileName, QString* psError);
-    bool saveAsMeasured(const QString& sFileName, QString* psError);
+    bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError);
+    /// Whether there is a single channel to save; colour pictures only have all of them.
     bool canSaveAsMeasured();
     /// Asks for the file.
     void saveWithDialog();
@@ -84,6 +100,7 @@ private:
     void updateLegend();
     void refresh();
     void hoverPixel(const QPoint& pixel);
+    bool writeAsSeen(const QString& sFileName, QString& sError);
 
     CkImageCanvas* m_pCanvas = nullptr;
     CkColorLegend* m_pLegend = nullptr;

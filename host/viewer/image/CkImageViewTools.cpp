@@ -3,34 +3,43 @@
 #include "image/CkColorLegend.h"
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
-#include "image/CkPictureText.h"
+#include "image/CkPictureFile.h"
+#include "image/CkToolIcons.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
+#include <QSaveFile>
 #include <QToolBar>
 #include <algorithm>
 
 void CkImageView::createToolBar() {
     m_pToolBar = new QToolBar(this);
-    m_pToolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    m_pFitAction = m_pToolBar->addAction(tr("Fit"), m_pCanvas, &CkImageCanvas::zoomToFit);
+    // Signs where there are some, texts elsewhere.
+    m_pToolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    m_pToolBar->setIconSize(QSize(16, 16));
+    m_pFitAction =
+        m_pToolBar->addAction(CkToolIcons::fit(palette()), tr("Fit"), m_pCanvas, &CkImageCanvas::zoomToFit);
+    // The main window's menus have the same with shortcuts, for the active view.
+    m_pFitAction->setObjectName(QStringLiteral("toolFit"));
     m_pFitAction->setCheckable(true);
     m_pFitAction->setChecked(true);
-    m_pFitAction->setToolTip(tr("Show the whole picture (double click on the picture)"));
+    m_pFitAction->setToolTip(tr("Show the whole picture (Ctrl+0, double click on the picture)"));
     m_pToolBar->addAction(QStringLiteral("1:1"), m_pCanvas, &CkImageCanvas::zoomToOriginal)
-        ->setToolTip(tr("One screen pixel for each picture pixel (double click on the picture)"));
+        ->setToolTip(tr("One screen pixel for each picture pixel (Ctrl+/, double click on the picture)"));
     m_pToolBar->addAction(QStringLiteral("\u2212"), m_pCanvas, &CkImageCanvas::zoomOut)
-        ->setToolTip(tr("Smaller (mouse wheel)"));
+        ->setToolTip(tr("Smaller (Ctrl+-, mouse wheel)"));
     m_pToolBar->addAction(QStringLiteral("+"), m_pCanvas, &CkImageCanvas::zoomIn)
-        ->setToolTip(tr("Larger (mouse wheel)"));
+        ->setToolTip(tr("Larger (Ctrl++, mouse wheel)"));
     m_pZoomLabel = new QLabel(m_pToolBar);
     m_pZoomLabel->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral(" 6400 % ")));
     m_pToolBar->addWidget(m_pZoomLabel);
@@ -41,14 +50,14 @@ void CkImageView::createToolBar() {
     m_pToolBar->addWidget(m_pChannelBox);
     connect(m_pChannelBox, &QComboBox::activated, this,
             [this](int iIndex) { setChannel(m_pChannelBox->itemData(iIndex).toInt()); });
-    m_pLegendAction = m_pToolBar->addAction(tr("Legend"));
+    m_pLegendAction = m_pToolBar->addAction(CkToolIcons::legend(palette()), tr("Legend"));
     m_pLegendAction->setCheckable(true);
     m_pLegendAction->setChecked(true);
-    m_pLegendAction->setToolTip(tr("Show what the colours stand for"));
+    m_pLegendAction->setToolTip(tr("Show what the colours stand for (Ctrl+L)"));
     connect(m_pLegendAction, &QAction::toggled, this,
             [this](bool bOn) { m_pLegend->setVisible(bOn && m_iChannel >= 0); });
-    m_pToolBar->addAction(tr("Save"), this, &CkImageView::saveWithDialog)
-        ->setToolTip(tr("Save the picture to a file"));
+    m_pToolBar->addAction(CkToolIcons::save(palette()), tr("Save"), this, &CkImageView::saveWithDialog)
+        ->setToolTip(tr("Save the picture to a file (Ctrl+P)"));
 }
 
 void CkImageView::contextMenuEvent(QContextMenuEvent* pEvent) {
@@ -63,43 +72,51 @@ void CkImageView::contextMenuEvent(QContextMenuEvent* pEvent) {
 
 bool CkImageView::canSaveAsMeasured() {
     const CkImageData* frame = currentImage();
-    if (frame == nullptr || m_iChannel < 0) {
-        return false;
-    }
-    const EkImageDataType type = frame->picBuf().dataType;
-    return type == EkImageDataType::UInt8 || type == EkImageDataType::UInt16;
+    return frame != nullptr && frame->picBuf().data != nullptr && m_iChannel >= 0;
 }
 
 bool CkImageView::saveAsSeen(const QString& sFileName, QString* psError) {
-    QImageWriter writer(sFileName);
-    const bool ok = !shownImage().isNull() && writer.write(m_image);
+    QString error;
+    const bool ok = writeAsSeen(sFileName, error);
     if (!ok && psError != nullptr) {
-        *psError = m_image.isNull() ? tr("There is no picture to save.")
-                                    : tr("%1: %2").arg(sFileName, writer.errorString());
+        *psError = error;
     }
     return ok;
 }
 
-bool CkImageView::saveAsMeasured(const QString& sFileName, QString* psError) {
-    if (!canSaveAsMeasured()) {
-        if (psError != nullptr) {
-            *psError = tr("Only integer pictures of up to 16 bits without a sign can be saved as measured.");
-        }
+bool CkImageView::writeAsSeen(const QString& sFileName, QString& sError) {
+    if (shownImage().isNull()) {
+        sError = tr("There is no picture to save.");
         return false;
     }
-    const SkPicBuf& picture = currentImage()->picBuf();
-    QImage grey(int(picture.width), int(picture.height), QImage::Format_Grayscale16);
-    for (int y = 0; y < grey.height(); ++y) {
-        auto* line = reinterpret_cast<quint16*>(grey.scanLine(y));
-        for (int x = 0; x < grey.width(); ++x) {
-            line[x] =
-                quint16(CkDisplayTable::sampleValue(picture, quint32(x), quint32(y), quint32(m_iChannel)));
-        }
+    QSaveFile file(sFileName);
+    QImageWriter writer(&file, QFileInfo(sFileName).suffix().toLatin1());
+    if (!file.open(QIODevice::WriteOnly) || !writer.write(m_image) || !file.commit()) {
+        const bool byFile = file.error() != QFileDevice::NoError;
+        sError = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(sFileName),
+                                              byFile ? file.errorString() : writer.errorString());
+        return false;
     }
-    QImageWriter writer(sFileName, "png");
-    const bool ok = writer.write(grey);
+    return true;
+}
+
+bool CkImageView::saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) {
+    const CkImageData* frame = currentImage();
+    QString error = tr("There is no picture to save.");
+    bool ok = false;
+    if (frame != nullptr && frame->picBuf().data != nullptr && form == EkMeasured::Png16) {
+        ok = m_iChannel < 0 ? false
+                            : CkPictureFile::savePng16(frame->picBuf(), frame->metadata(),
+                                                       quint32(m_iChannel), sFileName, error);
+        if (m_iChannel < 0) {
+            error = tr("A colour picture has no single channel to save; choose a channel first.");
+        }
+    } else if (frame != nullptr && frame->picBuf().data != nullptr) {
+        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_iChannel;
+        ok = CkPictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), channel, sFileName, error);
+    }
     if (!ok && psError != nullptr) {
-        *psError = tr("%1: %2").arg(sFileName, writer.errorString());
+        *psError = error;
     }
     return ok;
 }
@@ -108,23 +125,48 @@ void CkImageView::saveWithDialog() {
     if (shownImage().isNull()) {
         return;
     }
-    IkAppDelegate* delegate = IkAppDelegate::instance();
-    const QString folder = delegate != nullptr ? delegate->lastDirectory() : QString();
-    const QString measured = tr("16-bit PNG, as measured (*.png)");
-    QString filters = tr("PNG, as seen (*.png);;JPEG, as seen (*.jpg)");
+    struct SkChoice {
+        QString filter;
+        QString suffix;
+        int form; ///< -1 as seen, else EkMeasured
+    };
+    QList<SkChoice> choices = {{tr("PNG, as seen (*.png)"), QStringLiteral("png"), -1},
+                               {tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), -1}};
+    const CkImageData* frame = currentImage();
     if (canSaveAsMeasured()) {
-        filters += QStringLiteral(";;") + measured;
+        choices.append(
+            {tr("16-bit PNG, as measured, %1 (*.png)")
+                 .arg(CkPictureFile::scaleText(frame->picBuf(), frame->metadata(), quint32(m_iChannel))),
+             QStringLiteral("png"), int(EkMeasured::Png16)});
+        choices.append(
+            {tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_pChannelBox->currentText()),
+             QStringLiteral("tif"), int(EkMeasured::FloatTiff)});
     }
+    if (frame != nullptr && (frame->picBuf().channels > 1 || !canSaveAsMeasured())) {
+        choices.append({tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"),
+                        int(EkMeasured::FloatTiffOfAll)});
+    }
+    QStringList filters;
+    for (const SkChoice& choice : choices) {
+        filters.append(choice.filter);
+    }
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    // The camera may be unplugged, and the view with it, while the dialog is open.
+    const QPointer<CkImageView> self(this);
     QString filter;
-    QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"), folder, filters, &filter);
-    if (name.isEmpty()) {
+    QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"),
+                                                delegate != nullptr ? delegate->lastDirectory() : QString(),
+                                                filters.join(QStringLiteral(";;")), &filter);
+    if (!self || name.isEmpty()) {
         return;
     }
+    const SkChoice& choice = choices[std::max<qsizetype>(0, filters.indexOf(filter))];
     if (QFileInfo(name).suffix().isEmpty()) {
-        name += filter.contains(QLatin1String("jpg")) ? QStringLiteral(".jpg") : QStringLiteral(".png");
+        name += QLatin1Char('.') + choice.suffix;
     }
     QString error;
-    if (!(filter == measured ? saveAsMeasured(name, &error) : saveAsSeen(name, &error))) {
+    if (!(choice.form < 0 ? saveAsSeen(name, &error)
+                          : saveAsMeasured(name, EkMeasured(choice.form), &error))) {
         QMessageBox::warning(this, tr("Save Picture"), error);
     } else if (delegate != nullptr) {
         delegate->setLastDirectory(QFileInfo(name).absolutePath());

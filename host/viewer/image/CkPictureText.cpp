@@ -2,8 +2,8 @@
 
 #include "image/CkDisplayTable.h"
 
-#include <QLocale>
 #include <QStringList>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -19,11 +19,26 @@ bool isSigned(EkImageDataType dataType) {
 
 } // namespace
 
+QString CkPictureText::translated(const QString& sName) {
+    // What the time-of-flight plug-in and the simulated cameras call their channels, and the colour maps.
+    static const char* const s_known[] = {QT_TR_NOOP("Phase shift"),   QT_TR_NOOP("Confidence"),
+                                          QT_TR_NOOP("Depth"),         QT_TR_NOOP("Grey"),
+                                          QT_TR_NOOP("Inverted grey"), QT_TR_NOOP("Rainbow"),
+                                          QT_TR_NOOP("Hot"),           QT_TR_NOOP("Violet to yellow"),
+                                          QT_TR_NOOP("Spectrum"),      QT_TR_NOOP("Blue to red")};
+    for (const char* name : s_known) {
+        if (sName == QLatin1String(name)) {
+            return tr(name);
+        }
+    }
+    return sName;
+}
+
 QString CkPictureText::channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata,
                                    quint32 uiChannel) {
     if (int(uiChannel) < metadata.channelNames.size() &&
         metadata.channelNames.size() == qsizetype(info.channels)) {
-        return metadata.channelNames[int(uiChannel)];
+        return translated(metadata.channelNames[int(uiChannel)]);
     }
     if (info.colorFilterArray == EkColorFilterArray::RawX2AandB && info.channels == 2) {
         return uiChannel == 0 ? QStringLiteral("A") : QStringLiteral("B");
@@ -41,12 +56,24 @@ QString CkPictureText::channelName(const SkPicBufInfo& info, const CkImageMetada
     return info.channels == 1 ? tr("Value") : tr("Channel %1").arg(uiChannel + 1);
 }
 
-QString CkPictureText::channelUnit(const CkImageMetadata& metadata, quint32 uiChannel) {
+QString CkPictureText::channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                   quint32 uiChannel) {
     const QString name = metadata.channelNames.value(int(uiChannel));
     if (name == QLatin1String("Phase shift")) {
         return QStringLiteral("rad");
     }
-    return name == QLatin1String("Depth") ? QStringLiteral("m") : QString();
+    if (name == QLatin1String("Depth")) {
+        return QStringLiteral("m");
+    }
+    const bool counts =
+        info.channels > 0 && !isFloat(info.dataType) && !CkDisplayTable::isColourPicture(info);
+    return counts ? tr("counts") : QString();
+}
+
+QLocale CkPictureText::locale() {
+    QLocale user;
+    user.setNumberOptions(user.numberOptions() | QLocale::OmitGroupSeparator);
+    return user;
 }
 
 QString CkPictureText::number(const SkPicBufInfo& info, double fValue) {
@@ -56,7 +83,7 @@ QString CkPictureText::number(const SkPicBufInfo& info, double fValue) {
     if (std::isinf(fValue)) {
         return fValue > 0 ? QStringLiteral("+Inf") : QStringLiteral("-Inf");
     }
-    return isFloat(info.dataType) ? QString::number(fValue, 'g', 5) : QString::number(fValue, 'f', 0);
+    return isFloat(info.dataType) ? locale().toString(fValue, 'g', 5) : locale().toString(fValue, 'f', 0);
 }
 
 QString CkPictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iX, int iY) {
@@ -64,12 +91,19 @@ QString CkPictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& meta
         quint32(iY) >= picBuf.height) {
         return {};
     }
+    const quint32 shown = std::min(picBuf.channels, 8U);
+    const QString first = channelUnit(picBuf, metadata, 0);
+    bool same = true;
+    for (quint32 channel = 1; channel < shown; ++channel) {
+        same = same && channelUnit(picBuf, metadata, channel) == first;
+    }
     QStringList values;
-    for (quint32 channel = 0; channel < picBuf.channels && channel < 8; ++channel) {
+    for (quint32 channel = 0; channel < shown; ++channel) {
         const double value = CkDisplayTable::sampleValue(picBuf, quint32(iX), quint32(iY), channel);
         QString entry = channelName(picBuf, metadata, channel) + QLatin1Char(' ') + number(picBuf, value);
-        const QString unit = channelUnit(metadata, channel);
-        if (!unit.isEmpty()) {
+        const QString unit = channelUnit(picBuf, metadata, channel);
+        // A unit that all share is said once, behind the last one.
+        if (!unit.isEmpty() && (!same || channel + 1 == shown)) {
             entry += QLatin1Char(' ') + unit;
         }
         values.append(entry);

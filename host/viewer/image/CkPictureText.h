@@ -4,17 +4,22 @@
 #include "zuCore/SkPicBuf.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 /// What the viewer writes about pictures. Stateless; any thread.
 class CkPictureText {
     Q_DECLARE_TR_FUNCTIONS(CkPictureText)
 
 public:
-    /// Name of a channel: what the picture says, else what its sensor arrangement tells, else a number.
+    /// Name of a channel: what the picture says (well-known names in the user's language), else what its
+    /// sensor arrangement tells, else a number.
     static QString channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
 
-    /// Unit of a channel's values: "rad", "m" or empty.
-    static QString channelUnit(const CkImageMetadata& metadata, quint32 uiChannel);
+    /// Unit of a channel's values: "rad", "m", counts for whole numbers of a sensor, or empty.
+    static QString channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
+
+    /// How numbers are written: as the user's language wants it, without marks between thousands.
+    static QLocale locale();
 
     /// A value with as many digits as are worth reading.
     static QString number(const SkPicBufInfo& info, double fValue);
@@ -24,4 +29,8 @@ public:
 
     /// Size, channels, bits and kind of samples.
     static QString format(const SkPicBufInfo& info);
+
+    /// A name that the program and its plug-ins give themselves ("Depth", "Grey" ...) in the user's language;
+    /// any other as it is.
+    static QString translated(const QString& sName);
 };

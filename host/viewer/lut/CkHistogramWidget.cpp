@@ -1,5 +1,7 @@
 #include "lut/CkHistogramWidget.h"
 
+#include "image/CkPictureText.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPolygonF>
@@ -93,9 +95,10 @@ void CkHistogramWidget::mousePressEvent(QMouseEvent* pEvent) {
 
 void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
     if (m_iDragged == 0) {
-        setToolTip(m_bEmpty ? tr("Histogram of the active view")
-                            : tr("Histogram of the active view; at the mouse: %1")
-                                  .arg(toValue(pEvent->position().x()), 0, 'g', 5));
+        setToolTip(m_bEmpty
+                       ? tr("Histogram of the active view")
+                       : tr("Histogram of the active view; at the mouse: %1")
+                             .arg(CkPictureText::locale().toString(toValue(pEvent->position().x()), 'g', 5)));
         return;
     }
     const double value = toValue(std::clamp(pEvent->position().x(), 0.0, double(width())));

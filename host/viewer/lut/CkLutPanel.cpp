@@ -60,13 +60,8 @@ CkLutPanel::CkLutPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), 
         }
     });
     connect(m_pFullButton, &QPushButton::clicked, this, [this] {
-        const CkImageData* frame = m_imageView ? m_imageView->currentImage() : nullptr;
-        if (frame != nullptr) {
-            const SkPictureStatistics& seen = m_imageView->statistics();
-            const bool isFloat = frame->picBuf().dataType == EkImageDataType::Float32 ||
-                                 frame->picBuf().dataType == EkImageDataType::Float64;
-            m_imageView->setWindow(isFloat ? SkDisplayWindow{seen.minimum, seen.maximum}
-                                           : CkDisplayTable::fullRange(frame->picBuf()));
+        if (m_imageView) {
+            m_imageView->setFullRange();
             refresh();
         }
     });
@@ -87,7 +82,7 @@ QComboBox* CkLutPanel::createMapBox() {
     box->setIconSize(size);
     const QStringList names = CkLut::pseudoColorNames();
     for (int i = 0; i < names.size(); ++i) {
-        box->addItem(QIcon(mapPixmap(i, size)), names[i]);
+        box->addItem(QIcon(mapPixmap(i, size)), CkPictureText::translated(names[i]));
     }
     return box;
 }
@@ -229,8 +224,10 @@ void CkLutPanel::showWindow() {
         number->setValue(number == m_pLow ? window.low : window.high);
     }
     m_pHistogram->showStatistics(statistics, window, true);
+    const QLocale locale = CkPictureText::locale();
     QString summary =
-        tr("Values %1 to %2").arg(statistics.minimum, 0, 'g', 5).arg(statistics.maximum, 0, 'g', 5);
+        tr("Values %1 to %2")
+            .arg(locale.toString(statistics.minimum, 'g', 5), locale.toString(statistics.maximum, 'g', 5));
     if (!unit.isEmpty()) {
         summary += QLatin1Char(' ') + unit;
     }

@@ -380,6 +380,14 @@ Sollen die Kameraparameter automatisch angepasst werden?</translation>
         <source>Open 3D View</source>
         <translation>3D-Ansicht öffnen</translation>
     </message>
+    <message>
+        <source>No view is active</source>
+        <translation>Es ist keine Ansicht aktiv</translation>
+    </message>
+    <message>
+        <source>The active view does not show a ToF camera</source>
+        <translation>Die aktive Ansicht zeigt keine ToF-Kamera</translation>
+    </message>
 </context>
 <context>
     <name>CkToFProcessCnbl</name>

@@ -53,6 +53,17 @@ TEST(CommandLine, FilesOfThe3dViewImplyIt) {
     EXPECT_TRUE(parse({"--camera", "0", "--frames", "1", "--screenshot-3d", "c.png"}).options.open3dView);
 }
 
+TEST(CommandLine, LanguageAndCleanStart) {
+    EXPECT_FALSE(parse({}).options.cleanStart);
+    const Parsed clean = parse({"--clean", "--language", "de"});
+    ASSERT_EQ(clean.result, Result::Run) << qPrintable(clean.error);
+    EXPECT_TRUE(clean.options.cleanStart);
+    const Parsed unknown = parse({"--language", "fr"});
+    EXPECT_EQ(unknown.result, Result::Error);
+    EXPECT_TRUE(unknown.error.contains("en or de")) << qPrintable(unknown.error);
+    EXPECT_TRUE(unknown.error.contains("\"fr\"")) << qPrintable(unknown.error);
+}
+
 TEST(CommandLine, HelpAndVersionWin) {
     EXPECT_EQ(parse({"--help"}).result, Result::Help);
     EXPECT_EQ(parse({"-h", "--frames", "nonsense"}).result, Result::Help);

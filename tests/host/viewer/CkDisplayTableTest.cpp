@@ -236,9 +236,20 @@ TEST(PictureText, NamesChannelsUnitsAndValues) {
     EXPECT_TRUE(CkPictureText::pixel(frame->picBuf(), metadata, 2, 0).isEmpty());
     EXPECT_TRUE(CkPictureText::pixel(frame->picBuf(), metadata, -1, 0).isEmpty());
     metadata.channelNames = QStringList{"Depth", "Confidence"};
-    EXPECT_EQ(CkPictureText::channelUnit(metadata, 0), "m");
-    EXPECT_EQ(CkPictureText::channelUnit(metadata, 1), "");
+    EXPECT_EQ(CkPictureText::channelUnit(frame->picBuf(), metadata, 0), "m");
+    EXPECT_EQ(CkPictureText::channelUnit(frame->picBuf(), metadata, 1), "");
     EXPECT_EQ(CkPictureText::number(frame->picBuf(), std::numeric_limits<double>::quiet_NaN()), "NaN");
+}
+
+TEST(PictureText, CountsAreSaidOnceForAllChannels) {
+    auto frame = makeFrame<quint16>(EkImageDataType::UInt16, 2, 1, 2, 12, [](quint32 x, quint32, quint32 c) {
+        return quint16(1000 * (c + 1) + x);
+    });
+    frame->picBuf().colorFilterArray = EkColorFilterArray::RawX2AandB;
+    EXPECT_EQ(CkPictureText::pixel(frame->picBuf(), {}, 1, 0), "x 1, y 0:  A 1001,  B 2001 counts");
+    auto colour = makeFrame<quint8>(EkImageDataType::UInt8, 1, 1, 3, 8,
+                                    [](quint32, quint32, quint32 c) { return quint8(c); });
+    EXPECT_EQ(CkPictureText::pixel(colour->picBuf(), {}, 0, 0), "x 0, y 0:  Blue 0,  Green 1,  Red 2");
 }
 
 TEST(PictureText, KnowsRawPicturesWithoutNames) {

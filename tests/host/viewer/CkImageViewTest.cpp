@@ -6,6 +6,7 @@
 #include "zuCore/CkLut.h"
 
 #include <QComboBox>
+#include <QFile>
 #include <QImage>
 #include <QMouseEvent>
 #include <QSignalSpy>
@@ -156,11 +157,11 @@ TEST(ImageView, TellsThePixelUnderTheMouse) {
                      Qt::NoModifier);
     QCoreApplication::sendEvent(canvas, &move);
     ASSERT_EQ(texts.size(), 1);
-    EXPECT_EQ(texts.last().first().toString(), "x 20, y 7:  Value 1020");
+    EXPECT_EQ(texts.last().first().toString(), "x 20, y 7:  Value 1020 counts");
     // The text follows the frames while the mouse rests.
     view.feed(makeFrame<quint16>(EkImageDataType::UInt16, 64, 48, 1, 12,
                                  [](quint32, quint32, quint32) { return quint16(7); }));
-    EXPECT_EQ(texts.last().first().toString(), "x 20, y 7:  Value 7");
+    EXPECT_EQ(texts.last().first().toString(), "x 20, y 7:  Value 7 counts");
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(canvas, &leave);
     EXPECT_EQ(texts.last().first().toString(), "");
@@ -176,16 +177,25 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     ASSERT_TRUE(view.saveAsSeen(folder.filePath("seen.png"), &error)) << qPrintable(error);
     EXPECT_EQ(QImage(folder.filePath("seen.png")).convertToFormat(QImage::Format_RGB32), view.shownImage());
     ASSERT_TRUE(view.canSaveAsMeasured());
-    ASSERT_TRUE(view.saveAsMeasured(folder.filePath("raw.png"), &error)) << qPrintable(error);
+    using EkMeasured = CkImageView::EkMeasured;
+    ASSERT_TRUE(view.saveAsMeasured(folder.filePath("raw.png"), EkMeasured::Png16, &error))
+        << qPrintable(error);
     const QImage raw(folder.filePath("raw.png"));
     ASSERT_EQ(raw.format(), QImage::Format_Grayscale16);
     EXPECT_EQ(reinterpret_cast<const quint16*>(raw.constScanLine(5))[17], 1017);
     EXPECT_FALSE(view.saveAsSeen(folder.filePath("no/such/folder/a.png"), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("a.png"))) << qPrintable(error);
-    view.feed(makeFrame<float>(EkImageDataType::Float32, 8, 8, 1, 32,
-                               [](quint32, quint32, quint32) { return 1.0F; }));
+    // A colour picture has a channel to save only once one was chosen.
+    view.feed(makeFrame<quint8>(EkImageDataType::UInt8, 8, 8, 3, 8,
+                                [](quint32 x, quint32, quint32 c) { return quint8(10 * x + c); }));
     EXPECT_FALSE(view.canSaveAsMeasured());
-    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("float.png"), &error));
+    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
+    EXPECT_FALSE(QFile::exists(folder.filePath("colour.png")));
+    EXPECT_TRUE(view.saveAsMeasured(folder.filePath("colour.tif"), EkMeasured::FloatTiffOfAll, &error));
+    view.setChannel(2);
+    ASSERT_TRUE(view.saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
+    const QImage red(folder.filePath("colour.png"));
+    EXPECT_EQ(reinterpret_cast<const quint16*>(red.constScanLine(0))[7], 72);
 }
 
 TEST(ImageCanvas, ZoomKeepsThePointUnderTheMouseAndStaysInLimits) {

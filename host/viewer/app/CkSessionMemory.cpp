@@ -1,0 +1,236 @@
+#include "app/CkSessionMemory.h"
+
+#include "app/CkMainWindow.h"
+#include "area/CkViewArea.h"
+#include "camera/CkCameraDesk.h"
+#include "image/CkImageView.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkImageSource.h"
+
+#include <QDomDocument>
+#include <QMdiSubWindow>
+#include <QSet>
+
+namespace {
+
+constexpr int kVersion = 1;
+
+QString word(const char* text) {
+    return QString::fromLatin1(text);
+}
+
+bool isFedByCamerasOnly(const CkChain* chain) {
+    const QList<CkChainable*> sources = chain->imageSources();
+    for (const CkChainable* block : sources) {
+        const auto* source = qobject_cast<const CkImageSource*>(block);
+        if (source == nullptr || source->cameraHandles().isEmpty()) {
+            return false;
+        }
+    }
+    return !sources.isEmpty();
+}
+
+QMdiSubWindow* frameOf(const CkMdiView* view) {
+    return qobject_cast<QMdiSubWindow*>(view->parentWidget());
+}
+
+void describePlace(const CkMdiView* view, QDomElement& element) {
+    if (const QMdiSubWindow* frame = frameOf(view)) {
+        const QRect place = frame->isMaximized() ? frame->normalGeometry() : frame->geometry();
+        element.setAttribute(word("x"), place.x());
+        element.setAttribute(word("y"), place.y());
+        element.setAttribute(word("width"), place.width());
+        element.setAttribute(word("height"), place.height());
+        element.setAttribute(word("maximized"), int(frame->isMaximized()));
+    }
+}
+
+void restorePlace(const CkMdiView* view, const QDomElement& element) {
+    QMdiSubWindow* frame = frameOf(view);
+    const QRect place(element.attribute(word("x")).toInt(), element.attribute(word("y")).toInt(),
+                      element.attribute(word("width")).toInt(), element.attribute(word("height")).toInt());
+    if (frame == nullptr || place.isEmpty()) {
+        return;
+    }
+    frame->setGeometry(place);
+    if (element.attribute(word("maximized")).toInt() != 0) {
+        frame->showMaximized();
+    }
+}
+
+/// Reads the text and opens what it names.
+class CkRestorer {
+    Q_DECLARE_TR_FUNCTIONS(CkSessionMemory)
+
+public:
+    explicit CkRestorer(CkMainWindow& window) : m_window(window) {}
+
+    void restore(const QDomElement& root) {
+        const QString camera = word("camera");
+        const QString chain = word("chain");
+        const QString view = word("view");
+        for (QDomElement e = root.firstChildElement(camera); !e.isNull(); e = e.nextSiblingElement(camera)) {
+            openCamera(e);
+        }
+        for (QDomElement e = root.firstChildElement(chain); !e.isNull(); e = e.nextSiblingElement(chain)) {
+            openChain(e);
+        }
+        for (QDomElement e = root.firstChildElement(view); !e.isNull(); e = e.nextSiblingElement(view)) {
+            openView(e);
+        }
+        start();
+    }
+
+    CkSessionMemory::SkRestored m_restored;
+
+private:
+    void openCamera(const QDomElement& element) {
+        const QString id = element.attribute(word("id"));
+        QString error;
+        void* handle = m_window.desk()->openCamera(id, false, &error);
+        if (handle == nullptr) {
+            m_restored.problems.append(tr("Camera \"%1\" of the last session: %2").arg(id, error));
+            m_missing.append(id);
+        } else if (element.attribute(word("running")).toInt() != 0) {
+            m_running.append(handle);
+        }
+    }
+
+    void openChain(const QDomElement& element) {
+        const QDomElement content = element.firstChildElement(word("chain"));
+        CkChainManager* chains = CkChainManager::instance();
+        CkChain* chain = needsMissingCamera(content) ? nullptr : chains->createChain();
+        QString error;
+        if (chain != nullptr && !chain->load(content, &error)) {
+            m_restored.problems.append(tr("A chain of the last session: %1").arg(error));
+            chains->closeChain(chain);
+            chain = nullptr;
+        }
+        m_chains.append(chain);
+    }
+
+    // Its source would take another camera instead.
+    bool needsMissingCamera(const QDomElement& chain) const {
+        for (QDomElement e = chain.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
+            if (m_missing.contains(e.attribute(word("camera")))) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void openView(const QDomElement& element) {
+        CkChain* chain = m_chains.value(element.attribute(word("chain")).toInt());
+        CkChainable* block =
+            chain != nullptr ? chain->blocks().value(element.attribute(word("block")).toInt()) : nullptr;
+        if (block == nullptr) {
+            return;
+        }
+        auto* view = new CkImageView(block);
+        m_window.area()->addView(view);
+        restorePlace(view, element);
+        m_shown.append(chain);
+        if (element.attribute(word("has3d")).toInt() != 0) {
+            m_restored.viewsWith3d.append(view->viewId());
+        }
+        if (element.attribute(word("active")).toInt() != 0) {
+            m_iActive = view->viewId();
+        }
+    }
+
+    void start() {
+        for (CkChain* chain : m_chains) {
+            if (chain != nullptr && !m_shown.contains(chain)) {
+                CkChainManager::instance()->closeChain(chain);
+            }
+        }
+        for (void* handle : m_running) {
+            m_window.desk()->start(handle);
+        }
+        if (m_iActive >= 0) {
+            m_window.area()->setActiveView(m_iActive);
+        }
+    }
+
+    CkMainWindow& m_window;
+    QList<CkChain*> m_chains; ///< null for those that cannot be opened, so that the numbers hold
+    QList<CkChain*> m_shown;
+    QList<void*> m_running;
+    QStringList m_missing;
+    int m_iActive = -1;
+};
+
+} // namespace
+
+QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
+    QDomDocument doc;
+    QDomElement root = doc.createElement(word("session"));
+    root.setAttribute(word("version"), kVersion);
+    doc.appendChild(root);
+    CkCameraManager* cameras = CkCameraManager::instance();
+    for (void* handle : cameras->openedCameras()) {
+        SkCameraInfo info;
+        if (cameras->cameraInfo(handle, info)) {
+            QDomElement camera = doc.createElement(word("camera"));
+            camera.setAttribute(word("id"), info.id);
+            camera.setAttribute(word("running"), int(cameras->isAcquiring(handle)));
+            root.appendChild(camera);
+        }
+    }
+    if (root.firstChildElement().isNull()) {
+        return {};
+    }
+    QList<const CkChain*> chains;
+    QSet<int> followed;
+    for (const CkMdiView* view : window.area()->views()) {
+        if (view->connectedViewId() >= 0) {
+            followed.insert(view->connectedViewId());
+        }
+    }
+    for (const CkMdiView* view : window.area()->views()) {
+        const CkChainable* block = view->dataProvider();
+        const CkChain* chain = block != nullptr ? block->chain() : nullptr;
+        if (qobject_cast<const CkImageView*>(view) == nullptr || chain == nullptr ||
+            !isFedByCamerasOnly(chain)) {
+            continue;
+        }
+        if (!chains.contains(chain)) {
+            QDomElement element = doc.createElement(word("chain"));
+            QDomElement content = doc.createElement(word("chain"));
+            if (!chain->save(doc, content)) {
+                continue;
+            }
+            element.appendChild(content);
+            root.appendChild(element);
+            chains.append(chain);
+        }
+        QDomElement element = doc.createElement(word("view"));
+        element.setAttribute(word("chain"), int(chains.indexOf(chain)));
+        element.setAttribute(word("block"), int(chain->blocks().indexOf(const_cast<CkChainable*>(block))));
+        element.setAttribute(word("has3d"), int(followed.contains(view->viewId())));
+        element.setAttribute(word("active"), int(view->viewId() == window.area()->activeViewId()));
+        describePlace(view, element);
+        root.appendChild(element);
+    }
+    return doc.toByteArray(1);
+}
+
+CkSessionMemory::SkRestored CkSessionMemory::restore(CkMainWindow& window, const QByteArray& text) {
+    CkRestorer restorer(window);
+    if (text.isEmpty()) {
+        return restorer.m_restored;
+    }
+    QDomDocument doc;
+    const bool parsed = doc.setContent(text, false);
+    const QDomElement root = doc.documentElement();
+    if (!parsed || root.tagName() != QLatin1String("session") ||
+        root.attribute(word("version")).toInt() > kVersion) {
+        restorer.m_restored.problems.append(
+            tr("What was open in the last session cannot be read; the viewer starts empty."));
+        return restorer.m_restored;
+    }
+    restorer.restore(root);
+    return restorer.m_restored;
+}

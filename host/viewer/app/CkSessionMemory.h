@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QList>
+#include <QStringList>
+
+class CkMainWindow;
+
+/// What is open in the window, as a text that the next session can open again: the cameras, whether they ran,
+/// the chains they feed, and the views on these with their places. Stateless; user-interface thread.
+class CkSessionMemory {
+    Q_DECLARE_TR_FUNCTIONS(CkSessionMemory)
+
+public:
+    struct SkRestored {
+        /// What could not be opened again, in words; everything else is open.
+        QStringList problems;
+        /// Picture views that were followed by a 3D view. Opening that one is the plug-in's business.
+        QList<int> viewsWith3d;
+    };
+
+    /// Empty when no camera is open. Chains with a source that is no camera are left out.
+    static QByteArray describe(const CkMainWindow& window);
+
+    /// A text of somebody else's, or of a newer version, is a problem and opens nothing.
+    static SkRestored restore(CkMainWindow& window, const QByteArray& text);
+};

@@ -1,0 +1,1897 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en_US">
+<context>
+    <name>CkCameraDesk</name>
+    <message>
+        <source>Camera &quot;%1&quot; was lost.</source>
+        <translation>Die Verbindung zur Kamera „%1“ ist abgerissen.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; cannot be opened: %2</source>
+        <translation>Die Kamera „%1“ lässt sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>No new processing chain can be made.</source>
+        <translation>Es kann keine neue Verarbeitungskette angelegt werden.</translation>
+    </message>
+    <message>
+        <source>The camera cannot be put into a processing chain.</source>
+        <translation>Die Kamera kann nicht in eine Verarbeitungskette eingefügt werden.</translation>
+    </message>
+    <message>
+        <source>There is no such camera.</source>
+        <translation>Diese Kamera gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>The camera cannot be started: %1</source>
+        <translation>Die Kamera lässt sich nicht starten: %1</translation>
+    </message>
+</context>
+<context>
+    <name>CkCameraManager</name>
+    <message>
+        <source>There is no camera &quot;%1&quot;.</source>
+        <translation>Es gibt keine Kamera „%1“.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; cannot be opened.</source>
+        <translation>Die Kamera „%1“ lässt sich nicht öffnen.</translation>
+    </message>
+    <message>
+        <source>The camera is not open.</source>
+        <translation>Die Kamera ist nicht geöffnet.</translation>
+    </message>
+    <message>
+        <source>The camera cannot be started.</source>
+        <translation>Die Kamera lässt sich nicht starten.</translation>
+    </message>
+</context>
+<context>
+    <name>CkCameraMenu</name>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Start</source>
+        <translation>&amp;Starten</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>&amp;Anhalten</translation>
+    </message>
+    <message>
+        <source>S&amp;ingle Step</source>
+        <translation>&amp;Einzelbild</translation>
+    </message>
+    <message>
+        <source>&amp;New Picture View</source>
+        <translation>&amp;Neue Bildansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Unplug</source>
+        <translation>Ab&amp;ziehen</translation>
+    </message>
+    <message>
+        <source>There is no current camera: open one, or activate one of its views</source>
+        <translation>Es ist keine Kamera ausgewählt: Öffnen Sie eine, oder aktivieren Sie eine ihrer Ansichten</translation>
+    </message>
+    <message>
+        <source>The camera is stopped</source>
+        <translation>Die Kamera ist gestoppt</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Stoppen</translation>
+    </message>
+    <message>
+        <source>Start or stop the current camera</source>
+        <translation>Die ausgewählte Kamera starten oder stoppen</translation>
+    </message>
+    <message>
+        <source>Hold the camera without stopping it</source>
+        <translation>Die Kamera anhalten, ohne sie zu stoppen</translation>
+    </message>
+    <message>
+        <source>Take one set of pictures and hold</source>
+        <translation>Einen Satz Bilder aufnehmen und anhalten</translation>
+    </message>
+    <message>
+        <source>Another view of the current camera</source>
+        <translation>Eine weitere Ansicht der ausgewählten Kamera</translation>
+    </message>
+    <message>
+        <source>No camera is plugged in</source>
+        <translation>Keine Kamera angeschlossen</translation>
+    </message>
+    <message>
+        <source>Close &amp;Current</source>
+        <translation>Ausgewählte schl&amp;ießen</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Reopen at Start</source>
+        <translation>Beim Start &amp;wieder öffnen</translation>
+    </message>
+    <message>
+        <source>Open the cameras and views of this session again when the viewer is started</source>
+        <translation>Die Kameras und Ansichten dieser Sitzung beim nächsten Start wieder öffnen</translation>
+    </message>
+    <message>
+        <source>Close the current camera with its views</source>
+        <translation>Die ausgewählte Kamera mit ihren Ansichten schließen</translation>
+    </message>
+    <message>
+        <source>Plug in a camera; it appears here by itself</source>
+        <translation>Schließen Sie eine Kamera an; sie erscheint hier von selbst</translation>
+    </message>
+    <message>
+        <source>No camera is open</source>
+        <translation>Es ist keine Kamera geöffnet</translation>
+    </message>
+</context>
+<context>
+    <name>CkCameraPanel</name>
+    <message>
+        <source>Model %1, serial number %2
+Identifier %3</source>
+        <translation>Modell %1, Seriennummer %2
+Kennung %3</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>Einzelbild</translation>
+    </message>
+    <message>
+        <source>New View</source>
+        <translation>Neue Ansicht</translation>
+    </message>
+    <message>
+        <source>Open another picture view with a chain of its own on this camera</source>
+        <translation>Eine weitere Bildansicht mit eigener Kette für diese Kamera öffnen</translation>
+    </message>
+    <message>
+        <source>The camera refused the value for &quot;%1&quot;.</source>
+        <translation>Die Kamera hat den Wert für „%1“ abgelehnt.</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Starten</translation>
+    </message>
+    <message>
+        <source>Stop the camera and its chains (F5)</source>
+        <translation>Die Kamera und ihre Ketten stoppen (F5)</translation>
+    </message>
+    <message>
+        <source>Start the camera and its chains (F5)</source>
+        <translation>Die Kamera und ihre Ketten starten (F5)</translation>
+    </message>
+    <message>
+        <source>The camera is stopped</source>
+        <translation>Die Kamera ist gestoppt</translation>
+    </message>
+    <message>
+        <source>Hold the camera without stopping it (F6)</source>
+        <translation>Die Kamera anhalten, ohne sie zu stoppen (F6)</translation>
+    </message>
+    <message>
+        <source>Take one set of pictures and hold (F7)</source>
+        <translation>Einen Satz Bilder aufnehmen und anhalten (F7)</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#b07000&apos;&gt;paused&lt;/span&gt;</source>
+        <translation>&lt;span style=&apos;color:#b07000&apos;&gt;angehalten&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#2e8b3d&apos;&gt;running&lt;/span&gt;</source>
+        <translation>&lt;span style=&apos;color:#2e8b3d&apos;&gt;läuft&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#777777&apos;&gt;stopped&lt;/span&gt;</source>
+        <translation>&lt;span style=&apos;color:#777777&apos;&gt;gestoppt&lt;/span&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>CkCameraSource</name>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+</context>
+<context>
+    <name>CkChain</name>
+    <message>
+        <source>The output of the block has no pixels.</source>
+        <translation>Die Ausgabe des Blocks hat keine Pixel.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the pictures of the block.</source>
+        <translation>Der Speicher reicht für die Bilder des Blocks nicht aus.</translation>
+    </message>
+    <message>
+        <source>The block cannot be set up: %1</source>
+        <translation>Der Block kann nicht eingerichtet werden: %1</translation>
+    </message>
+    <message>
+        <source>The block cannot be set up.</source>
+        <translation>Der Block kann nicht eingerichtet werden.</translation>
+    </message>
+    <message>
+        <source>The block failed while it was stopped.</source>
+        <translation>Der Block ist beim Stoppen gescheitert.</translation>
+    </message>
+    <message>
+        <source>The block failed on a frame.</source>
+        <translation>Der Block ist an einem Bild gescheitert.</translation>
+    </message>
+    <message>
+        <source>The block cannot work on the format of its input.</source>
+        <translation>Der Block kann das Format seiner Eingabe nicht verarbeiten.</translation>
+    </message>
+    <message>
+        <source>Element &quot;%1&quot;</source>
+        <translation>Element „%1“</translation>
+    </message>
+    <message>
+        <source> number %1</source>
+        <translation> Nummer %1</translation>
+    </message>
+    <message>
+        <source> in line %1</source>
+        <translation> in Zeile %1</translation>
+    </message>
+    <message>
+        <source>this is no chain.</source>
+        <translation>das ist keine Kette.</translation>
+    </message>
+    <message>
+        <source>version &quot;%1&quot; is not known.</source>
+        <translation>Version „%1“ ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>only blocks are known here.</source>
+        <translation>hier sind nur Blöcke bekannt.</translation>
+    </message>
+    <message>
+        <source>the chain has more than %1 blocks.</source>
+        <translation>die Kette hat mehr als %1 Blöcke.</translation>
+    </message>
+    <message>
+        <source>identifier &quot;%1&quot; is empty, in use or not one word.</source>
+        <translation>die Kennung „%1“ ist leer, vergeben oder nicht ein einziges Wort.</translation>
+    </message>
+    <message>
+        <source>class &quot;%1&quot; is no block of a chain.</source>
+        <translation>die Klasse „%1“ ist kein Block einer Kette.</translation>
+    </message>
+    <message>
+        <source>the settings of class &quot;%1&quot; cannot be read.</source>
+        <translation>die Einstellungen der Klasse „%1“ sind nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>there is no block &quot;%1&quot; before it.</source>
+        <translation>davor steht kein Block „%1“.</translation>
+    </message>
+    <message>
+        <source>it does not accept the data of block &quot;%1&quot;.</source>
+        <translation>er nimmt die Daten von Block „%1“ nicht an.</translation>
+    </message>
+    <message>
+        <source>it is no source and has no predecessor.</source>
+        <translation>er ist keine Quelle und hat keinen Vorgänger.</translation>
+    </message>
+    <message>
+        <source>The chain runs; stop it first.</source>
+        <translation>Die Kette läuft; stoppen Sie sie zuerst.</translation>
+    </message>
+</context>
+<context>
+    <name>CkChainEditor</name>
+    <message>
+        <source>The block to build on is in no chain any more.</source>
+        <translation>Der Block, an den angebaut werden soll, gehört zu keiner Kette mehr.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or what follows cannot work on its output.</source>
+        <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder was folgt, kann dessen Ausgabe nicht verarbeiten.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no processing block.</source>
+        <translation>„%1“ ist kein Verarbeitungsblock.</translation>
+    </message>
+    <message>
+        <source>A source cannot be taken out of its chain; close the chain&apos;s views instead.</source>
+        <translation>Eine Quelle lässt sich nicht aus ihrer Kette nehmen; schließen Sie stattdessen die Ansichten der Kette.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be removed: what it feeds cannot work without it.</source>
+        <translation>„%1“ lässt sich nicht entfernen: Was der Block speist, kann ohne ihn nicht arbeiten.</translation>
+    </message>
+</context>
+<context>
+    <name>CkChainFile</name>
+    <message>
+        <source>%1: this is no chain file (too large).</source>
+        <translation>%1: Das ist keine Kettendatei (zu groß).</translation>
+    </message>
+    <message>
+        <source>%1: this is no chain file (nested too deeply).</source>
+        <translation>%1: Das ist keine Kettendatei (zu tief verschachtelt).</translation>
+    </message>
+    <message>
+        <source>%1, line %2, column %3: %4</source>
+        <translation>%1, Zeile %2, Spalte %3: %4</translation>
+    </message>
+    <message>
+        <source>%1: this is no chain file.</source>
+        <translation>%1: Das ist keine Kettendatei.</translation>
+    </message>
+    <message>
+        <source>%1: this chain file was written by a newer version of the program.</source>
+        <translation>%1: Diese Kettendatei stammt von einer neueren Version des Programms.</translation>
+    </message>
+    <message>
+        <source>%1: the chain cannot be described.</source>
+        <translation>%1: Die Kette lässt sich nicht beschreiben.</translation>
+    </message>
+    <message>
+        <source>no new chain can be made</source>
+        <translation>es kann keine neue Kette angelegt werden</translation>
+    </message>
+</context>
+<context>
+    <name>CkChainPanel</name>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Configure...</source>
+        <translation>Einstellen...</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>Save...</source>
+        <translation>Speichern...</translation>
+    </message>
+    <message>
+        <source>Open...</source>
+        <translation>Öffnen...</translation>
+    </message>
+    <message>
+        <source>Open a chain file with views on its ends (Ctrl+O)</source>
+        <translation>Eine Kettendatei mit Ansichten an ihren Enden öffnen (Strg+O)</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain</source>
+        <translation>Die aktive Ansicht zeigt keine Kette</translation>
+    </message>
+    <message>
+        <source>No view is active</source>
+        <translation>Es ist keine Ansicht aktiv</translation>
+    </message>
+    <message>
+        <source>Select a block first</source>
+        <translation>Wählen Sie zuerst einen Block aus</translation>
+    </message>
+    <message>
+        <source>Add a block behind the selected one</source>
+        <translation>Einen Block hinter dem ausgewählten einfügen</translation>
+    </message>
+    <message>
+        <source>Open the settings of the selected block</source>
+        <translation>Die Einstellungen des ausgewählten Blocks öffnen</translation>
+    </message>
+    <message>
+        <source>On</source>
+        <translation>Ein</translation>
+    </message>
+    <message>
+        <source>A source is switched with its camera</source>
+        <translation>Eine Quelle wird mit ihrer Kamera geschaltet</translation>
+    </message>
+    <message>
+        <source>Let the block work again</source>
+        <translation>Den Block wieder arbeiten lassen</translation>
+    </message>
+    <message>
+        <source>Switch the block off: it then delivers nothing</source>
+        <translation>Den Block ausschalten: Er liefert dann nichts</translation>
+    </message>
+    <message>
+        <source>A source stays as long as its chain</source>
+        <translation>Eine Quelle bleibt so lange wie ihre Kette</translation>
+    </message>
+    <message>
+        <source>Take the block out of the chain</source>
+        <translation>Den Block aus der Kette nehmen</translation>
+    </message>
+    <message>
+        <source>Explain the selected block</source>
+        <translation>Den ausgewählten Block erklären</translation>
+    </message>
+    <message>
+        <source>This block brings no help</source>
+        <translation>Dieser Block bringt keine Hilfe mit</translation>
+    </message>
+    <message>
+        <source>Save the chain to a file (Ctrl+S)</source>
+        <translation>Die Kette in eine Datei speichern (Strg+S)</translation>
+    </message>
+    <message>
+        <source>As a branch with its own view</source>
+        <translation>Als Abzweig mit eigener Ansicht</translation>
+    </message>
+    <message>
+        <source>No plug-in offers a block</source>
+        <translation>Kein Plug-in bietet einen Block an</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; has nothing to configure.</source>
+        <translation>An „%1“ gibt es nichts einzustellen.</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Hilfe: %1</translation>
+    </message>
+    <message>
+        <source>Processing Chain</source>
+        <translation>Verarbeitungskette</translation>
+    </message>
+    <message>
+        <source>&amp;Add Block</source>
+        <translation>Block &amp;hinzufügen</translation>
+    </message>
+    <message>
+        <source>&amp;Configure Block...</source>
+        <translation>Block &amp;einstellen...</translation>
+    </message>
+    <message>
+        <source>Switch Block &amp;Off</source>
+        <translation>Block &amp;ausschalten</translation>
+    </message>
+    <message>
+        <source>&amp;Remove Block</source>
+        <translation>Block ent&amp;fernen</translation>
+    </message>
+    <message>
+        <source>&amp;Help for Block</source>
+        <translation>Hi&amp;lfe zum Block</translation>
+    </message>
+    <message>
+        <source>Switch Block &amp;On</source>
+        <translation>Block &amp;einschalten</translation>
+    </message>
+    <message>
+        <source>Blocks come with plug-ins, and none is loaded</source>
+        <translation>Blöcke kommen mit Plug-ins, und keines ist geladen</translation>
+    </message>
+</context>
+<context>
+    <name>CkChainTree</name>
+    <message>
+        <source>Block</source>
+        <translation>Block</translation>
+    </message>
+    <message>
+        <source>Frames</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Dropped</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation>ms</translation>
+    </message>
+    <message>
+        <source>Frames that left the block since the chain was started</source>
+        <translation>Bilder, die den Block seit dem Start der Kette verlassen haben</translation>
+    </message>
+    <message>
+        <source>Frames that were lost at the block since the chain was started</source>
+        <translation>Bilder, die am Block seit dem Start der Kette verloren gingen</translation>
+    </message>
+    <message>
+        <source>Mean time the block took for a frame, in milliseconds</source>
+        <translation>Mittlere Zeit des Blocks für ein Bild, in Millisekunden</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>aus</translation>
+    </message>
+    <message>
+        <source>error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>runs</source>
+        <translation>läuft</translation>
+    </message>
+    <message>
+        <source>stopped</source>
+        <translation>gestoppt</translation>
+    </message>
+    <message>
+        <source>%1 (off)</source>
+        <translation>%1 (aus)</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>The active view shows this block.</source>
+        <translation>Die aktive Ansicht zeigt diesen Block.</translation>
+    </message>
+</context>
+<context>
+    <name>CkCommandLine</name>
+    <message>
+        <source>Shows the pictures of industrial cameras, processes them in chains of blocks and, with the
+time-of-flight plug-in, turns them into live point clouds.</source>
+        <translation>Zeigt die Bilder von Industriekameras, verarbeitet sie in Ketten von Blöcken und macht daraus mit
+dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
+    </message>
+    <message>
+        <source>Shows this help and leaves.</source>
+        <translation>Zeigt diese Hilfe und beendet sich.</translation>
+    </message>
+    <message>
+        <source>Shows the version and leaves.</source>
+        <translation>Zeigt die Version und beendet sich.</translation>
+    </message>
+    <message>
+        <source>Opens camera &lt;N&gt; at start and starts it: its number (from 0, see --list-cameras) or its identifier. May be given several times.</source>
+        <translation>Öffnet beim Start die Kamera &lt;N&gt; und startet sie: ihre Nummer (ab 0, siehe --list-cameras) oder ihre Kennung. Darf mehrmals angegeben werden.</translation>
+    </message>
+    <message>
+        <source>Prints the cameras with their numbers and leaves.</source>
+        <translation>Gibt die Kameras mit ihren Nummern aus und beendet sich.</translation>
+    </message>
+    <message>
+        <source>Opens the 3D view of the first camera beside its picture.</source>
+        <translation>Öffnet die 3D-Ansicht der ersten Kamera neben ihrem Bild.</translation>
+    </message>
+    <message>
+        <source>Loads plug-ins from this folder, or this one library, too. May be given several times.</source>
+        <translation>Lädt zusätzlich Plug-ins aus diesem Ordner oder diese eine Bibliothek. Darf mehrmals angegeben werden.</translation>
+    </message>
+    <message>
+        <source>Opens a chain file. May be given several times.</source>
+        <translation>Öffnet eine Kettendatei. Darf mehrmals angegeben werden.</translation>
+    </message>
+    <message>
+        <source>Leaves with exit code 0 after &lt;N&gt; frames were shown, after the files asked for were written.</source>
+        <translation>Beendet sich mit Code 0, nachdem &lt;N&gt; Bilder gezeigt und die verlangten Dateien geschrieben wurden.</translation>
+    </message>
+    <message>
+        <source>With --frames: writes a picture of the window.</source>
+        <translation>Mit --frames: schreibt ein Bild des Fensters.</translation>
+    </message>
+    <message>
+        <source>With --frames: writes a picture of the 3D scene; implies --3d.</source>
+        <translation>Mit --frames: schreibt ein Bild der 3D-Szene; schließt --3d ein.</translation>
+    </message>
+    <message>
+        <source>With --frames: writes the point cloud as PLY; implies --3d.</source>
+        <translation>Mit --frames: schreibt die Punktwolke als PLY; schließt --3d ein.</translation>
+    </message>
+    <message>
+        <source>Keeps the settings in this INI file instead of the user&apos;s own.</source>
+        <translation>Führt die Einstellungen in dieser INI-Datei statt in der des Benutzers.</translation>
+    </message>
+    <message>
+        <source>Size of the window, for example 1600x1000.</source>
+        <translation>Größe des Fensters, zum Beispiel 1600x1000.</translation>
+    </message>
+    <message>
+        <source>Clicks the menu entry or button of this object name once the first frame was shown, for scripts. May be given several times.</source>
+        <translation>Klickt den Menüeintrag oder Knopf mit diesem Objektnamen an, sobald das erste Bild gezeigt wurde, für Skripte. Darf mehrmals angegeben werden.</translation>
+    </message>
+    <message>
+        <source>Chain files to open.</source>
+        <translation>Kettendateien, die geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>--frames takes a number from 1 to %1, not &quot;%2&quot;.</source>
+        <translation>--frames erwartet eine Zahl von 1 bis %1, nicht „%2“.</translation>
+    </message>
+    <message>
+        <source>--screenshot, --screenshot-3d and --export-ply need --frames.</source>
+        <translation>--screenshot, --screenshot-3d und --export-ply brauchen --frames.</translation>
+    </message>
+    <message>
+        <source>--size takes width and height, for example 1600x1000, not &quot;%1&quot;.</source>
+        <translation>--size erwartet Breite und Höhe, zum Beispiel 1600x1000, nicht „%1“.</translation>
+    </message>
+    <message>
+        <source>--language takes %1, not &quot;%2&quot;.</source>
+        <translation>--language erwartet %1, nicht „%2“.</translation>
+    </message>
+    <message>
+        <source> or </source>
+        <translation> oder </translation>
+    </message>
+    <message>
+        <source>--3d needs --camera or --chain.</source>
+        <translation>--3d braucht --camera oder --chain.</translation>
+    </message>
+    <message>
+        <source>Language of the texts: en or de. By default the user&apos;s own.</source>
+        <translation>Sprache der Texte: en oder de. Sonst die des Benutzers.</translation>
+    </message>
+    <message>
+        <source>Starts without the cameras, the views and the layout of the last session.</source>
+        <translation>Startet ohne die Kameras, die Ansichten und die Anordnung der letzten Sitzung.</translation>
+    </message>
+</context>
+<context>
+    <name>CkExportToolButton</name>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Copy to clipboard</source>
+        <translation>In die Zwischenablage kopieren</translation>
+    </message>
+    <message>
+        <source>Save to file...</source>
+        <translation>In Datei speichern...</translation>
+    </message>
+    <message>
+        <source>The file &quot;%1&quot; could not be written.
+%2</source>
+        <translation>Die Datei „%1“ konnte nicht geschrieben werden.
+%2</translation>
+    </message>
+</context>
+<context>
+    <name>CkHistogramWidget</name>
+    <message>
+        <source>no picture</source>
+        <translation>kein Bild</translation>
+    </message>
+    <message>
+        <source>Histogram of the active view</source>
+        <translation>Histogramm der aktiven Ansicht</translation>
+    </message>
+    <message>
+        <source>Histogram of the active view; at the mouse: %1</source>
+        <translation>Histogramm der aktiven Ansicht; an der Maus: %1</translation>
+    </message>
+</context>
+<context>
+    <name>CkImageView</name>
+    <message>
+        <source>No picture yet. Start the camera to see one.</source>
+        <translation>Noch kein Bild. Starten Sie die Kamera, um eines zu sehen.</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>Colour</source>
+        <translation>Farbe</translation>
+    </message>
+    <message>
+        <source>Channel that is shown</source>
+        <translation>Gezeigter Kanal</translation>
+    </message>
+    <message>
+        <source>This picture has only one channel</source>
+        <translation>Dieses Bild hat nur einen Kanal</translation>
+    </message>
+    <message>
+        <source>Pictures of this format cannot be shown:
+%1</source>
+        <translation>Bilder dieses Formats können nicht gezeigt werden:
+%1</translation>
+    </message>
+    <message>
+        <source>Fit</source>
+        <translation>Einpassen</translation>
+    </message>
+    <message>
+        <source>There is no picture yet</source>
+        <translation>Es ist noch kein Bild da</translation>
+    </message>
+    <message>
+        <source>Legend</source>
+        <translation>Legende</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>Save Picture...</source>
+        <translation>Bild speichern...</translation>
+    </message>
+    <message>
+        <source>There is no picture to save.</source>
+        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild speichern</translation>
+    </message>
+    <message>
+        <source>Show the whole picture (Ctrl+0, double click on the picture)</source>
+        <translation>Das ganze Bild zeigen (Strg+0, Doppelklick auf das Bild)</translation>
+    </message>
+    <message>
+        <source>One screen pixel for each picture pixel (Ctrl+/, double click on the picture)</source>
+        <translation>Ein Bildschirmpixel je Bildpixel (Strg+/, Doppelklick auf das Bild)</translation>
+    </message>
+    <message>
+        <source>Smaller (Ctrl+-, mouse wheel)</source>
+        <translation>Kleiner (Strg+-, Mausrad)</translation>
+    </message>
+    <message>
+        <source>Larger (Ctrl++, mouse wheel)</source>
+        <translation>Größer (Strg++, Mausrad)</translation>
+    </message>
+    <message>
+        <source>Show what the colours stand for (Ctrl+L)</source>
+        <translation>Zeigen, wofür die Farben stehen (Strg+L)</translation>
+    </message>
+    <message>
+        <source>Save the picture to a file (Ctrl+P)</source>
+        <translation>Das Bild in eine Datei speichern (Strg+P)</translation>
+    </message>
+    <message>
+        <source>A colour picture has no single channel to save; choose a channel first.</source>
+        <translation>Ein Farbbild hat keinen einzelnen Kanal zum Speichern; wählen Sie zuerst einen Kanal.</translation>
+    </message>
+    <message>
+        <source>PNG, as seen (*.png)</source>
+        <translation>PNG, wie gezeigt (*.png)</translation>
+    </message>
+    <message>
+        <source>JPEG, as seen (*.jpg)</source>
+        <translation>JPEG, wie gezeigt (*.jpg)</translation>
+    </message>
+    <message>
+        <source>16-bit PNG, as measured, %1 (*.png)</source>
+        <translation>PNG mit 16 Bit, wie gemessen, %1 (*.png)</translation>
+    </message>
+    <message>
+        <source>Float TIFF, as measured, channel &quot;%1&quot; (*.tif)</source>
+        <translation>Float-TIFF, wie gemessen, Kanal „%1“ (*.tif)</translation>
+    </message>
+    <message>
+        <source>Float TIFF, as measured, all channels (*.tif)</source>
+        <translation>Float-TIFF, wie gemessen, alle Kanäle (*.tif)</translation>
+    </message>
+</context>
+<context>
+    <name>CkLogModel</name>
+    <message>
+        <source>Debug</source>
+        <translation>Debug</translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Stufe</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Meldung</translation>
+    </message>
+</context>
+<context>
+    <name>CkLogPanel</name>
+    <message>
+        <source>Copy log lines</source>
+        <translation>Meldungen kopieren</translation>
+    </message>
+    <message>
+        <source>Everything</source>
+        <translation>Alles</translation>
+    </message>
+    <message>
+        <source>Errors</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>%1 and above</source>
+        <translation>Ab %1</translation>
+    </message>
+    <message>
+        <source>Least important messages that are shown</source>
+        <translation>Am wenigsten wichtige Meldungen, die gezeigt werden</translation>
+    </message>
+    <message>
+        <source>Search (Ctrl+F)</source>
+        <translation>Suchen (Strg+F)</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+</context>
+<context>
+    <name>CkLutPanel</name>
+    <message>
+        <source>Colours</source>
+        <translation>Farben</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>Mark saturated</source>
+        <translation>Sättigung zeigen</translation>
+    </message>
+    <message>
+        <source>Contrast</source>
+        <translation>Kontrast</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>bis</translation>
+    </message>
+    <message>
+        <source>Window</source>
+        <translation>Bereich</translation>
+    </message>
+    <message>
+        <source>Full Range</source>
+        <translation>Voller Bereich</translation>
+    </message>
+    <message>
+        <source>Gamma</source>
+        <translation>Gamma</translation>
+    </message>
+    <message>
+        <source>Colours of the active view</source>
+        <translation>Farben der aktiven Ansicht</translation>
+    </message>
+    <message>
+        <source>The active view has no colours to choose</source>
+        <translation>Die aktive Ansicht hat keine Farben zur Auswahl</translation>
+    </message>
+    <message>
+        <source>No view is active</source>
+        <translation>Es ist keine Ansicht aktiv</translation>
+    </message>
+    <message>
+        <source>A colour picture is shown as it is</source>
+        <translation>Ein Farbbild wird gezeigt, wie es ist</translation>
+    </message>
+    <message>
+        <source>The active view sets its contrast itself</source>
+        <translation>Die aktive Ansicht stellt ihren Kontrast selbst ein</translation>
+    </message>
+    <message>
+        <source>The contrast follows every frame</source>
+        <translation>Der Kontrast folgt jedem Bild</translation>
+    </message>
+    <message>
+        <source>Show samples at the end of their range in red</source>
+        <translation>Werte am Ende ihres Bereichs rot zeigen</translation>
+    </message>
+    <message>
+        <source>Value shown with the first colour</source>
+        <translation>Wert, der mit der ersten Farbe gezeigt wird</translation>
+    </message>
+    <message>
+        <source>Value shown with the last colour</source>
+        <translation>Wert, der mit der letzten Farbe gezeigt wird</translation>
+    </message>
+    <message>
+        <source>Below 1 the dark parts become lighter, above 1 darker</source>
+        <translation>Unter 1 werden die dunklen Stellen heller, über 1 dunkler</translation>
+    </message>
+    <message>
+        <source>The whole range of values, without automatic contrast</source>
+        <translation>Der ganze Wertebereich, ohne automatischen Kontrast</translation>
+    </message>
+    <message>
+        <source>Values %1 to %2</source>
+        <translation>Werte von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>, %1 invalid</source>
+        <translation>, %1 ungültig</translation>
+    </message>
+</context>
+<context>
+    <name>CkMainWindow</name>
+    <message>
+        <source>&amp;Camera</source>
+        <translation>&amp;Kamera</translation>
+    </message>
+    <message>
+        <source>&amp;Plug-ins</source>
+        <translation>Pl&amp;ug-ins</translation>
+    </message>
+    <message>
+        <source>Cameras</source>
+        <translation>Kameras</translation>
+    </message>
+    <message>
+        <source>Processing Chain</source>
+        <translation>Verarbeitungskette</translation>
+    </message>
+    <message>
+        <source>Colours</source>
+        <translation>Farben</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <translation>Protokoll</translation>
+    </message>
+    <message>
+        <source>%1: the chain is empty.</source>
+        <translation>%1: Die Kette ist leer.</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain.</source>
+        <translation>Die aktive Ansicht zeigt keine Kette.</translation>
+    </message>
+    <message>
+        <source>Chain files (*.zuchain);;All files (*)</source>
+        <translation>Kettendateien (*.zuchain);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Open Chain...</source>
+        <translation>Kette ö&amp;ffnen...</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;Save Chain...</source>
+        <translation>Kette &amp;speichern...</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;Fit</source>
+        <translation>Ein&amp;passen</translation>
+    </message>
+    <message>
+        <source>&amp;Original Size (1:1)</source>
+        <translation>&amp;Originalgröße (1:1)</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>Ver&amp;größern</translation>
+    </message>
+    <message>
+        <source>Zoom O&amp;ut</source>
+        <translation>Ver&amp;kleinern</translation>
+    </message>
+    <message>
+        <source>&amp;Tile</source>
+        <translation>&amp;Nebeneinander</translation>
+    </message>
+    <message>
+        <source>C&amp;ascade</source>
+        <translation>&amp;Überlappend</translation>
+    </message>
+    <message>
+        <source>Arrange Auto&amp;matically</source>
+        <translation>Auto&amp;matisch anordnen</translation>
+    </message>
+    <message>
+        <source>Tile the views whenever one comes or goes</source>
+        <translation>Die Ansichten neu anordnen, sobald eine dazukommt oder geschlossen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Next View</source>
+        <translation>Nä&amp;chste Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Previous View</source>
+        <translation>&amp;Vorige Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Close View</source>
+        <translation>Ansicht &amp;schließen</translation>
+    </message>
+    <message>
+        <source>Search the &amp;Log</source>
+        <translation>Protokoll &amp;durchsuchen</translation>
+    </message>
+    <message>
+        <source>F&amp;ull Screen</source>
+        <translation>V&amp;ollbild</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Keyboard and Mouse</source>
+        <translation>&amp;Tastatur und Maus</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>&amp;Über</translation>
+    </message>
+    <message>
+        <source>Save the active view&apos;s chain</source>
+        <translation>Die Kette der aktiven Ansicht speichern</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain</source>
+        <translation>Die aktive Ansicht zeigt keine Kette</translation>
+    </message>
+    <message>
+        <source>No view is open</source>
+        <translation>Es ist keine Ansicht offen</translation>
+    </message>
+    <message>
+        <source>The active view is no picture view</source>
+        <translation>Die aktive Ansicht ist keine Bildansicht</translation>
+    </message>
+    <message>
+        <source>Open Chain</source>
+        <translation>Kette öffnen</translation>
+    </message>
+    <message>
+        <source>Save Chain</source>
+        <translation>Kette speichern</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;Viewer for industrial cameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</source>
+        <translation>&lt;p&gt;Betrachter für Industriekameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;none&lt;/p&gt;</source>
+        <translation>&lt;p&gt;keine&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>About zuviewer</source>
+        <translation>Über zuviewer</translation>
+    </message>
+    <message>
+        <source>&amp;Default Layout</source>
+        <translation>&amp;Ausgangsanordnung</translation>
+    </message>
+    <message>
+        <source>Put the panels back where they were in the beginning</source>
+        <translation>Die Paneele dorthin zurückstellen, wo sie am Anfang waren</translation>
+    </message>
+    <message>
+        <source>No file was opened yet</source>
+        <translation>Es wurde noch keine Datei geöffnet</translation>
+    </message>
+    <message>
+        <source>Files opened or saved last</source>
+        <translation>Zuletzt geöffnete oder gespeicherte Dateien</translation>
+    </message>
+    <message>
+        <source>&amp;Picture</source>
+        <translation>&amp;Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Automatic Contrast</source>
+        <translation>&amp;Automatischer Kontrast</translation>
+    </message>
+    <message>
+        <source>&amp;Mark Saturated</source>
+        <translation>Sä&amp;ttigung zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Legend</source>
+        <translation>&amp;Legende</translation>
+    </message>
+    <message>
+        <source>&amp;Next Channel</source>
+        <translation>&amp;Nächster Kanal</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Channel</source>
+        <translation>Vo&amp;riger Kanal</translation>
+    </message>
+    <message>
+        <source>&amp;Save Picture...</source>
+        <translation>Bild &amp;speichern...</translation>
+    </message>
+    <message>
+        <source>A colour picture is shown as it is</source>
+        <translation>Ein Farbbild wird gezeigt, wie es ist</translation>
+    </message>
+    <message>
+        <source>The picture has only one channel</source>
+        <translation>Das Bild hat nur einen Kanal</translation>
+    </message>
+    <message>
+        <source>C&amp;hain</source>
+        <translation>K&amp;ette</translation>
+    </message>
+    <message>
+        <source>Full &amp;Range</source>
+        <translation>&amp;Voller Bereich</translation>
+    </message>
+</context>
+<context>
+    <name>CkParamEditor</name>
+    <message>
+        <source>From %1 to %2%3, in steps of %4</source>
+        <translation>Von %1 bis %2%3, in Schritten von %4</translation>
+    </message>
+    <message>
+        <source>The camera does not let this be changed.</source>
+        <translation>Die Kamera lässt das nicht ändern.</translation>
+    </message>
+    <message>
+        <source>Name: %1</source>
+        <translation>Name: %1</translation>
+    </message>
+    <message>
+        <source>Other (%1)</source>
+        <translation>Anderer (%1)</translation>
+    </message>
+</context>
+<context>
+    <name>CkPictureFile</name>
+    <message>
+        <source>plus 32768</source>
+        <translation>plus 32768</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>unverändert</translation>
+    </message>
+    <message>
+        <source>65536 steps for 2 pi</source>
+        <translation>65536 Stufen für 2 Pi</translation>
+    </message>
+    <message>
+        <source>1 step = 0.001 %1</source>
+        <translation>1 Stufe = 0,001 %1</translation>
+    </message>
+    <message>
+        <source>There is no picture to save.</source>
+        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the picture.</source>
+        <translation>Der Speicher reicht für das Bild nicht aus.</translation>
+    </message>
+</context>
+<context>
+    <name>CkPictureText</name>
+    <message>
+        <source>Blue</source>
+        <translation>Blau</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>Grün</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>Rot</translation>
+    </message>
+    <message>
+        <source>Alpha</source>
+        <translation>Alpha</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Channel %1</source>
+        <translation>Kanal %1</translation>
+    </message>
+    <message>
+        <source>float</source>
+        <translation>Gleitkomma</translation>
+    </message>
+    <message>
+        <source>signed</source>
+        <translation>mit Vorzeichen</translation>
+    </message>
+    <message>
+        <source>unsigned</source>
+        <translation>ohne Vorzeichen</translation>
+    </message>
+    <message>
+        <source>1 channel</source>
+        <translation>1 Kanal</translation>
+    </message>
+    <message>
+        <source>%1 channels</source>
+        <translation>%1 Kanäle</translation>
+    </message>
+    <message>
+        <source>%1 x %2, %3, %4 bit %5</source>
+        <translation>%1 x %2, %3, %4 Bit %5</translation>
+    </message>
+    <message>
+        <source>Phase shift</source>
+        <translation>Phasenverschiebung</translation>
+    </message>
+    <message>
+        <source>Confidence</source>
+        <translation>Konfidenz</translation>
+    </message>
+    <message>
+        <source>Depth</source>
+        <translation>Tiefe</translation>
+    </message>
+    <message>
+        <source>Grey</source>
+        <translation>Grau</translation>
+    </message>
+    <message>
+        <source>counts</source>
+        <translation>Counts</translation>
+    </message>
+    <message>
+        <source>Inverted grey</source>
+        <translation>Grau, umgekehrt</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hot</source>
+        <translation>Glut</translation>
+    </message>
+    <message>
+        <source>Violet to yellow</source>
+        <translation>Violett bis Gelb</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>Spektrum</translation>
+    </message>
+    <message>
+        <source>Blue to red</source>
+        <translation>Blau bis Rot</translation>
+    </message>
+</context>
+<context>
+    <name>CkPluginHost</name>
+    <message>
+        <source>%1: there is no such plug-in or folder.</source>
+        <translation>%1: Dieses Plug-in oder diesen Ordner gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>Plug-in &quot;%1&quot; %2.%3.%4 loaded from %5</source>
+        <translation>Plug-in „%1“ %2.%3.%4 geladen aus %5</translation>
+    </message>
+</context>
+<context>
+    <name>CkPluginLoader</name>
+    <message>
+        <source>the file cannot be read.</source>
+        <translation>die Datei ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>it is not a library.</source>
+        <translation>es ist keine Bibliothek.</translation>
+    </message>
+    <message>
+        <source>it is damaged, cut off, or made for another kind of machine.</source>
+        <translation>es ist beschädigt, abgeschnitten oder für eine andere Art von Rechner gemacht.</translation>
+    </message>
+    <message>
+        <source>it is not a Qt plug-in (%1).</source>
+        <translation>es ist kein Qt-Plug-in (%1).</translation>
+    </message>
+    <message>
+        <source>it is a plug-in for another program (&quot;%1&quot;).</source>
+        <translation>es ist ein Plug-in für ein anderes Programm („%1“).</translation>
+    </message>
+    <message>
+        <source>it failed with an exception: %1</source>
+        <translation>es ist mit einer Ausnahme gescheitert: %1</translation>
+    </message>
+    <message>
+        <source>it failed with an exception.</source>
+        <translation>es ist mit einer Ausnahme gescheitert.</translation>
+    </message>
+    <message>
+        <source>it does not have the interface of a viewer plug-in.</source>
+        <translation>es hat nicht die Schnittstelle eines Plug-ins für diesen Betrachter.</translation>
+    </message>
+    <message>
+        <source>it was built for version %1.%2.%3 of the framework, this is version %4.</source>
+        <translation>es ist für Version %1.%2.%3 des Rahmenwerks gebaut, dies ist Version %4.</translation>
+    </message>
+    <message>
+        <source>it could not be initialised.</source>
+        <translation>es ließ sich nicht initialisieren.</translation>
+    </message>
+    <message>
+        <source>it cannot be loaded (%1).</source>
+        <translation>es lässt sich nicht laden (%1).</translation>
+    </message>
+    <message>
+        <source>Plug-in &quot;%1&quot; was refused: %2</source>
+        <translation>Das Plug-in „%1“ wurde abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>There is no plug-in folder &quot;%1&quot;.</source>
+        <translation>Es gibt keinen Plug-in-Ordner „%1“.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRTTI</name>
+    <message>
+        <source>No class was given to register.</source>
+        <translation>Es wurde keine Klasse zum Registrieren angegeben.</translation>
+    </message>
+    <message>
+        <source>Class &quot;%1&quot; does not inherit &quot;%2&quot;.</source>
+        <translation>Die Klasse „%1“ erbt nicht von „%2“.</translation>
+    </message>
+    <message>
+        <source>Class &quot;%1&quot; has no invokable default constructor.</source>
+        <translation>Die Klasse „%1“ hat keinen aufrufbaren Standardkonstruktor.</translation>
+    </message>
+    <message>
+        <source>Identifier &quot;%1&quot; of class &quot;%2&quot; is taken by class &quot;%3&quot;.</source>
+        <translation>Die Kennung „%1“ der Klasse „%2“ ist von der Klasse „%3“ belegt.</translation>
+    </message>
+    <message>
+        <source>There is no class &quot;%1&quot;.</source>
+        <translation>Es gibt keine Klasse „%1“.</translation>
+    </message>
+    <message>
+        <source>An object of class &quot;%1&quot; could not be made.</source>
+        <translation>Ein Objekt der Klasse „%1“ ließ sich nicht anlegen.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRateGraph</name>
+    <message>
+        <source>Frames of the active view in each second of the last minute: shown (blue) and lost (red)</source>
+        <translation>Bilder der aktiven Ansicht in jeder Sekunde der letzten Minute: gezeigte (blau) und verlorene (rot)</translation>
+    </message>
+</context>
+<context>
+    <name>CkSessionMemory</name>
+    <message>
+        <source>Camera &quot;%1&quot; of the last session: %2</source>
+        <translation>Kamera „%1“ der letzten Sitzung: %2</translation>
+    </message>
+    <message>
+        <source>A chain of the last session: %1</source>
+        <translation>Eine Kette der letzten Sitzung: %1</translation>
+    </message>
+    <message>
+        <source>What was open in the last session cannot be read; the viewer starts empty.</source>
+        <translation>Was in der letzten Sitzung offen war, ist nicht lesbar; der Betrachter startet leer.</translation>
+    </message>
+</context>
+<context>
+    <name>CkShortcutsDialog</name>
+    <message>
+        <source>Keyboard and Mouse</source>
+        <translation>Tastatur und Maus</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>Taste</translation>
+    </message>
+    <message>
+        <source>What it does</source>
+        <translation>Wirkung</translation>
+    </message>
+    <message>
+        <source>Mouse wheel</source>
+        <translation>Mausrad</translation>
+    </message>
+    <message>
+        <source>In a picture: zoom about the mouse</source>
+        <translation>Im Bild: Vergrößerung um die Maus herum</translation>
+    </message>
+    <message>
+        <source>Drag, arrow keys</source>
+        <translation>Ziehen, Pfeiltasten</translation>
+    </message>
+    <message>
+        <source>In a picture: move it</source>
+        <translation>Im Bild: verschieben</translation>
+    </message>
+    <message>
+        <source>Double click</source>
+        <translation>Doppelklick</translation>
+    </message>
+    <message>
+        <source>In a picture: whole picture or 1:1</source>
+        <translation>Im Bild: ganzes Bild oder 1:1</translation>
+    </message>
+    <message>
+        <source>Right click</source>
+        <translation>Rechtsklick</translation>
+    </message>
+    <message>
+        <source>In a picture: what can be done with it</source>
+        <translation>Im Bild: was sich damit machen lässt</translation>
+    </message>
+    <message>
+        <source>In a 3D view: distance along the ray or the axis</source>
+        <translation>In einer 3D-Ansicht: Abstand entlang des Strahls oder der Achse</translation>
+    </message>
+    <message>
+        <source>Left button, drag</source>
+        <translation>Linke Taste, ziehen</translation>
+    </message>
+    <message>
+        <source>In a 3D view: move the scene</source>
+        <translation>In einer 3D-Ansicht: Szene verschieben</translation>
+    </message>
+    <message>
+        <source>Right button, drag</source>
+        <translation>Rechte Taste, ziehen</translation>
+    </message>
+    <message>
+        <source>In a 3D view: turn the scene</source>
+        <translation>In einer 3D-Ansicht: Szene drehen</translation>
+    </message>
+    <message>
+        <source>In a 3D view: nearer or further away</source>
+        <translation>In einer 3D-Ansicht: näher heran oder weiter weg</translation>
+    </message>
+</context>
+<context>
+    <name>CkSimCamera</name>
+    <message>
+        <source>The camera is already running.</source>
+        <translation>Die Kamera läuft bereits.</translation>
+    </message>
+    <message>
+        <source>Nobody receives the camera&apos;s frames.</source>
+        <translation>Niemand nimmt die Bilder der Kamera entgegen.</translation>
+    </message>
+    <message>
+        <source>The camera&apos;s thread cannot be started.</source>
+        <translation>Der Thread der Kamera lässt sich nicht starten.</translation>
+    </message>
+    <message>
+        <source>ToF readout mode</source>
+        <translation>ToF-Auslesemodus</translation>
+    </message>
+    <message>
+        <source>What the sensor reads out. Any other value delivers plain grey pictures.</source>
+        <translation>Was der Sensor ausliest. Jeder andere Wert liefert einfache Graubilder.</translation>
+    </message>
+    <message>
+        <source>Grey, no ToF</source>
+        <translation>Grau, kein ToF</translation>
+    </message>
+    <message>
+        <source>A minus B</source>
+        <translation>A minus B</translation>
+    </message>
+    <message>
+        <source>A and B</source>
+        <translation>A und B</translation>
+    </message>
+    <message>
+        <source>Image data format</source>
+        <translation>Bilddatenformat</translation>
+    </message>
+    <message>
+        <source>Format of the frames. One that does not fit the readout mode delivers plain grey pictures.</source>
+        <translation>Format der Bilder. Eines, das nicht zum Auslesemodus passt, liefert einfache Graubilder.</translation>
+    </message>
+    <message>
+        <source>A minus B, 8 bit</source>
+        <translation>A minus B, 8 Bit</translation>
+    </message>
+    <message>
+        <source>A minus B, 16 bit</source>
+        <translation>A minus B, 16 Bit</translation>
+    </message>
+    <message>
+        <source>A minus B, 8 bit, second code</source>
+        <translation>A minus B, 8 Bit, zweiter Code</translation>
+    </message>
+    <message>
+        <source>A minus B, 16 bit, second code</source>
+        <translation>A minus B, 16 Bit, zweiter Code</translation>
+    </message>
+    <message>
+        <source>A and B, 8 bit</source>
+        <translation>A und B, 8 Bit</translation>
+    </message>
+    <message>
+        <source>A and B, 12 bit in 16</source>
+        <translation>A und B, 12 Bit in 16</translation>
+    </message>
+    <message>
+        <source>Modulation frequency</source>
+        <translation>Modulationsfrequenz</translation>
+    </message>
+    <message>
+        <source>Frequency of the modulated light. Distances repeat every 149.85 m divided by it in MHz.</source>
+        <translation>Frequenz des modulierten Lichts. Abstände wiederholen sich alle 149,85 m geteilt durch sie in MHz.</translation>
+    </message>
+    <message>
+        <source>Phases</source>
+        <translation>Phasen</translation>
+    </message>
+    <message>
+        <source>Phase images of one measurement.</source>
+        <translation>Phasenbilder einer Messung.</translation>
+    </message>
+    <message>
+        <source>1 (0 degrees)</source>
+        <translation>1 (0 Grad)</translation>
+    </message>
+    <message>
+        <source>2 (0, 90 degrees)</source>
+        <translation>2 (0, 90 Grad)</translation>
+    </message>
+    <message>
+        <source>4 (every 90 degrees)</source>
+        <translation>4 (alle 90 Grad)</translation>
+    </message>
+    <message>
+        <source>8 (every 45 degrees)</source>
+        <translation>8 (alle 45 Grad)</translation>
+    </message>
+    <message>
+        <source>Phase images</source>
+        <translation>Phasenbilder</translation>
+    </message>
+    <message>
+        <source>How the phases of one measurement arrive.</source>
+        <translation>Wie die Phasen einer Messung ankommen.</translation>
+    </message>
+    <message>
+        <source>Stacked in one image</source>
+        <translation>Gestapelt in einem Bild</translation>
+    </message>
+    <message>
+        <source>Separate images</source>
+        <translation>Einzelne Bilder</translation>
+    </message>
+    <message>
+        <source>Format of the frames. Any other value delivers plain grey pictures.</source>
+        <translation>Format der Bilder. Jeder andere Wert liefert einfache Graubilder.</translation>
+    </message>
+    <message>
+        <source>Grey, 8 bit</source>
+        <translation>Grau, 8 Bit</translation>
+    </message>
+    <message>
+        <source>Grey, 16 bit</source>
+        <translation>Grau, 16 Bit</translation>
+    </message>
+    <message>
+        <source>X1X2X3, 8 bit</source>
+        <translation>X1X2X3, 8 Bit</translation>
+    </message>
+    <message>
+        <source>X1X2X3, 12 bit in 16</source>
+        <translation>X1X2X3, 12 Bit in 16</translation>
+    </message>
+    <message>
+        <source>Pulse duration</source>
+        <translation>Pulsdauer</translation>
+    </message>
+    <message>
+        <source>Length of the light pulse and of each window. Distances up to 0.29979 m per ns are measured.</source>
+        <translation>Länge des Lichtpulses und jedes Fensters. Gemessen werden Abstände bis 0,29979 m je ns.</translation>
+    </message>
+    <message>
+        <source>HDR sections</source>
+        <translation>HDR-Abschnitte</translation>
+    </message>
+    <message>
+        <source>Exposures of one measurement, each twice as sensitive as the one before.</source>
+        <translation>Belichtungen einer Messung, jede doppelt so empfindlich wie die vorige.</translation>
+    </message>
+    <message>
+        <source>Section images</source>
+        <translation>Abschnittsbilder</translation>
+    </message>
+    <message>
+        <source>How the sections of one measurement arrive.</source>
+        <translation>Wie die Abschnitte einer Messung ankommen.</translation>
+    </message>
+    <message>
+        <source>Section mode</source>
+        <translation>Abschnittsmodus</translation>
+    </message>
+    <message>
+        <source>With a reference, section 0 holds the dark level and background light that is subtracted from the others.</source>
+        <translation>Mit Referenz enthält Abschnitt 0 Dunkelpegel und Hintergrundlicht, die von den anderen abgezogen werden.</translation>
+    </message>
+    <message>
+        <source>Measurement only</source>
+        <translation>Nur Messung</translation>
+    </message>
+    <message>
+        <source>Reference first</source>
+        <translation>Referenz zuerst</translation>
+    </message>
+    <message>
+        <source>Converter</source>
+        <translation>Wandler</translation>
+    </message>
+    <message>
+        <source>Bits of the 16-bit formats. 16 bits show the accuracy of the processing rather than that of the sensor.</source>
+        <translation>Bits der 16-Bit-Formate. 16 Bit zeigen eher die Genauigkeit der Verarbeitung als die des Sensors.</translation>
+    </message>
+    <message>
+        <source>12 bit</source>
+        <translation>12 Bit</translation>
+    </message>
+    <message>
+        <source>16 bit</source>
+        <translation>16 Bit</translation>
+    </message>
+    <message>
+        <source>Built-in offset</source>
+        <translation>Eingebauter Versatz</translation>
+    </message>
+    <message>
+        <source>Constant error that the camera adds to every distance.</source>
+        <translation>Konstanter Fehler, den die Kamera zu jedem Abstand addiert.</translation>
+    </message>
+    <message>
+        <source>Focal length</source>
+        <translation>Brennweite</translation>
+    </message>
+    <message>
+        <source>Of the simulated lens; the pitch of the pixels is 10 um.</source>
+        <translation>Die des simulierten Objektivs; das Pixelraster beträgt 10 µm.</translation>
+    </message>
+    <message>
+        <source>Report focal length</source>
+        <translation>Brennweite melden</translation>
+    </message>
+    <message>
+        <source>Send the focal length with every frame. Views then use it in place of their own setting.</source>
+        <translation>Die Brennweite mit jedem Bild senden. Ansichten verwenden sie dann statt ihrer eigenen Einstellung.</translation>
+    </message>
+    <message>
+        <source>Frame rate</source>
+        <translation>Bildrate</translation>
+    </message>
+    <message>
+        <source>Measurements per second.</source>
+        <translation>Messungen pro Sekunde.</translation>
+    </message>
+    <message>
+        <source>Exposure</source>
+        <translation>Belichtung</translation>
+    </message>
+    <message>
+        <source>Time for which light is collected in one exposure. Near things need a shorter one: 0.4 m saturates after 200 us.</source>
+        <translation>Zeit, in der bei einer Belichtung Licht gesammelt wird. Nahes braucht eine kürzere: 0,4 m sättigt nach 200 µs.</translation>
+    </message>
+    <message>
+        <source>Scene</source>
+        <translation>Szene</translation>
+    </message>
+    <message>
+        <source>What stands in front of the camera.</source>
+        <translation>Was vor der Kamera steht.</translation>
+    </message>
+    <message>
+        <source>Room with moving sphere</source>
+        <translation>Raum mit bewegter Kugel</translation>
+    </message>
+    <message>
+        <source>Flat wall</source>
+        <translation>Ebene Wand</translation>
+    </message>
+    <message>
+        <source>Wall distance</source>
+        <translation>Wandabstand</translation>
+    </message>
+    <message>
+        <source>Distance of the flat wall along the optical axis.</source>
+        <translation>Abstand der ebenen Wand entlang der optischen Achse.</translation>
+    </message>
+    <message>
+        <source>Wall reflectivity</source>
+        <translation>Wandreflexion</translation>
+    </message>
+    <message>
+        <source>Share of the light that the flat wall sends back.</source>
+        <translation>Anteil des Lichts, den die ebene Wand zurückwirft.</translation>
+    </message>
+    <message>
+        <source>Ambient light</source>
+        <translation>Umgebungslicht</translation>
+    </message>
+    <message>
+        <source>Brightness of the lamps. 100 % is ordinary room light.</source>
+        <translation>Helligkeit der Lampen. 100 % ist gewöhnliches Raumlicht.</translation>
+    </message>
+    <message>
+        <source>Noise</source>
+        <translation>Rauschen</translation>
+    </message>
+    <message>
+        <source>Shot noise and read noise of the sensor.</source>
+        <translation>Schrotrauschen und Ausleserauschen des Sensors.</translation>
+    </message>
+    <message>
+        <source>Noise seed</source>
+        <translation>Startwert des Rauschens</translation>
+    </message>
+    <message>
+        <source>The same seed gives the same noise in every frame.</source>
+        <translation>Derselbe Startwert ergibt in jedem Bild dasselbe Rauschen.</translation>
+    </message>
+</context>
+<context>
+    <name>CkSimCameraDriver</name>
+    <message>
+        <source>Simulated ToF camera</source>
+        <translation>Simulierte ToF-Kamera</translation>
+    </message>
+    <message>
+        <source>Simulated hybrid ToF camera</source>
+        <translation>Simulierte Hybrid-ToF-Kamera</translation>
+    </message>
+    <message>
+        <source>Simulated grey camera</source>
+        <translation>Simulierte Grauwertkamera</translation>
+    </message>
+    <message>
+        <source>Simulated cameras</source>
+        <translation>Simulierte Kameras</translation>
+    </message>
+    <message>
+        <source>Not enough memory to open &quot;%1&quot;.</source>
+        <translation>Der Speicher reicht nicht aus, um „%1“ zu öffnen.</translation>
+    </message>
+    <message>
+        <source>There is no simulated camera &quot;%1&quot;.</source>
+        <translation>Es gibt keine simulierte Kamera „%1“.</translation>
+    </message>
+</context>
+<context>
+    <name>CkStatusBar</name>
+    <message>
+        <source>Frames that the active view showed in the last second</source>
+        <translation>Bilder, die die aktive Ansicht in der letzten Sekunde gezeigt hat</translation>
+    </message>
+    <message>
+        <source>Frames that the active view or its chain lost since the chain was started</source>
+        <translation>Bilder, die die aktive Ansicht oder ihre Kette seit dem Start der Kette verloren hat</translation>
+    </message>
+    <message>
+        <source>- frames/s</source>
+        <translation>- Bilder/s</translation>
+    </message>
+    <message>
+        <source>%1 dropped</source>
+        <translation>%1 verloren</translation>
+    </message>
+    <message>
+        <source>%1 frames/s</source>
+        <translation>%1 Bilder/s</translation>
+    </message>
+</context>
+<context>
+    <name>CkUnattendedRun</name>
+    <message>
+        <source>Only %1 of %2 frames were shown.</source>
+        <translation>Nur %1 von %2 Bildern wurden gezeigt.</translation>
+    </message>
+    <message>
+        <source>%1: there is no point cloud to write.</source>
+        <translation>%1: Es ist keine Punktwolke zum Schreiben da.</translation>
+    </message>
+    <message>
+        <source>%1: there is no 3D scene to take a picture of.</source>
+        <translation>%1: Es ist keine 3D-Szene für ein Bild da.</translation>
+    </message>
+    <message>
+        <source>%1: the picture of the 3D scene did not come.</source>
+        <translation>%1: Das Bild der 3D-Szene ist ausgeblieben.</translation>
+    </message>
+    <message>
+        <source>%1: the picture of the window cannot be written.</source>
+        <translation>%1: Das Bild des Fensters lässt sich nicht schreiben.</translation>
+    </message>
+</context>
+<context>
+    <name>CkViewArea</name>
+    <message>
+        <source>Close View</source>
+        <translation>Ansicht schließen</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; holds data that is lost when it closes. Close it?</source>
+        <translation>„%1“ enthält Daten, die beim Schließen verloren gehen. Trotzdem schließen?</translation>
+    </message>
+    <message>
+        <source>No view is open.
+
+Open a camera from the Camera menu, or a chain file with Ctrl+O.</source>
+        <translation>Es ist keine Ansicht offen.
+
+Öffnen Sie eine Kamera im Menü „Kamera“ oder eine Kettendatei mit Strg+O.</translation>
+    </message>
+</context>
+<context>
+    <name>CkViewerSession</name>
+    <message>
+        <source>There is no camera.</source>
+        <translation>Es gibt keine Kamera.</translation>
+    </message>
+    <message>
+        <source>There is no camera &quot;%1&quot;; there are:
+%2</source>
+        <translation>Es gibt keine Kamera „%1“; vorhanden sind:
+%2</translation>
+    </message>
+    <message>
+        <source>No plug-in offers a 3D view.</source>
+        <translation>Kein Plug-in bietet eine 3D-Ansicht an.</translation>
+    </message>
+    <message>
+        <source>There is nothing named &quot;%1&quot; to trigger.</source>
+        <translation>Es gibt nichts mit dem Namen „%1“ auszulösen.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,147 @@
+#include "ViewerControls.h"
+#include "app/CkShortcutsDialog.h"
+#include "zuCore/CkImageData.h"
+
+#include <QAction>
+#include <QSet>
+#include <QShortcut>
+#include <QTreeWidget>
+
+// Every control of the window: reached by a key, and never disabled without a reason.
+
+namespace {
+
+class Controls : public ControlsFixture {};
+
+TEST_F(Controls, EveryMenuEntryHasAShortcut) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    int checked = 0;
+    for (const SkEntry& entry : menuEntries()) {
+        if (entry.action->menu() != nullptr || isListed(entry)) {
+            continue;
+        }
+        ++checked;
+        EXPECT_FALSE(entry.action->shortcut().isEmpty()) << qPrintable(entry.path);
+    }
+    EXPECT_GT(checked, 30);
+}
+
+TEST_F(Controls, NoTwoShortcutsAreInConflict) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    m_options.cameras = QStringList{"sim:grey", "sim:wave"};
+    ASSERT_TRUE(start());
+    menuEntries();
+    QHash<QKeySequence, QString> taken;
+    for (const QAction* action : window()->findChildren<QAction*>()) {
+        // Those of a single widget work only while it has the focus.
+        const bool everywhere = action->shortcutContext() == Qt::WindowShortcut ||
+                                action->shortcutContext() == Qt::ApplicationShortcut;
+        for (const QKeySequence& key : action->shortcuts()) {
+            if (everywhere && !isOfTheToolkit(action)) {
+                EXPECT_FALSE(taken.contains(key)) << qPrintable(key.toString()) << ": "
+                                                  << qPrintable(action->text() + ", " + taken.value(key));
+                taken.insert(key, action->text());
+            }
+        }
+    }
+    for (const QShortcut* shortcut : window()->findChildren<QShortcut*>()) {
+        EXPECT_FALSE(taken.contains(shortcut->key())) << qPrintable(shortcut->key().toString());
+        taken.insert(shortcut->key(), "shortcut");
+    }
+    EXPECT_GT(taken.size(), 30);
+}
+
+TEST_F(Controls, TheHelpListsEveryShortcutOfTheMenus) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    CkShortcutsDialog dialog(window()->menuBar());
+    QStringList listed;
+    const auto* tree = dialog.findChild<QTreeWidget*>();
+    ASSERT_NE(tree, nullptr);
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+        listed.append(tree->topLevelItem(i)->text(0));
+    }
+    for (const SkEntry& entry : menuEntries()) {
+        if (!entry.action->shortcut().isEmpty()) {
+            EXPECT_TRUE(listed.contains(entry.action->shortcut().toString(QKeySequence::NativeText)))
+                << qPrintable(entry.path);
+        }
+    }
+}
+
+TEST_F(Controls, NoTwoEntriesOfAMenuShareALetter) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    QHash<QString, QString> taken;
+    for (const SkEntry& entry : menuEntries()) {
+        const QString text = entry.action->text();
+        const qsizetype at = text.indexOf('&');
+        if (at < 0) {
+            continue;
+        }
+        const QString key = entry.path.left(entry.path.size() - text.size()) + text[at + 1].toLower();
+        EXPECT_FALSE(taken.contains(key)) << qPrintable(entry.path + " and " + taken.value(key));
+        taken.insert(key, text);
+    }
+}
+
+TEST_F(Controls, WhatIsDisabledSaysWhyInEveryState) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    ASSERT_TRUE(start());
+    expectReasons("empty");
+    void* camera = openGrey();
+    expectReasons("camera open");
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    expectReasons("camera runs");
+    desk()->stop(camera);
+    expectReasons("camera stopped");
+    ASSERT_TRUE(area()->closeView(firstView()->viewId()));
+    expectReasons("view closed");
+    // A view that is no picture view.
+    area()->addView(new CkMdiView);
+    expectReasons("other view");
+    desk()->closeCamera(camera);
+    expectReasons("camera closed");
+}
+
+TEST_F(Controls, PictureMenuWorksOnTheActiveView) {
+    m_options.cameras = QStringList{"sim:wave"};
+    ASSERT_TRUE(start());
+    CkImageView* view = firstView();
+    ASSERT_TRUE(waitForFrame(view));
+    view->shownImage();
+    const auto trigger = [this](const char* text) {
+        for (const SkEntry& entry : menuEntries()) {
+            if (entry.path == QLatin1String("&Picture > ") + QLatin1String(text)) {
+                ASSERT_TRUE(entry.action->isEnabled()) << text;
+                const_cast<QAction*>(entry.action)->trigger();
+                return;
+            }
+        }
+        ADD_FAILURE() << text;
+    };
+    EXPECT_TRUE(view->autoContrast());
+    trigger("&Automatic Contrast");
+    EXPECT_FALSE(view->autoContrast());
+    trigger("Full &Range");
+    EXPECT_EQ(view->window(), CkDisplayTable::fullRange(view->currentImage()->picBuf()));
+    trigger("&Automatic Contrast");
+    EXPECT_TRUE(view->autoContrast());
+    trigger("&Mark Saturated");
+    EXPECT_TRUE(view->marksSaturated());
+    trigger("&Legend");
+    EXPECT_FALSE(view->showsLegend());
+    ASSERT_EQ(view->channelCount(), 2);
+    trigger("&Next Channel");
+    EXPECT_EQ(view->channel(), 1);
+    trigger("&Next Channel");
+    EXPECT_EQ(view->channel(), 0);
+    trigger("&Previous Channel");
+    EXPECT_EQ(view->channel(), 1);
+}
+
+} // namespace

@@ -1,0 +1,106 @@
+#include "LocaleScope.h"
+#include "ViewerFixture.h"
+#include "app/CkStatusBar.h"
+#include "app/CkViewerLanguage.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QDialogButtonBox>
+#include <QDockWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSet>
+#include <QSignalSpy>
+#include <QToolButton>
+
+// The whole program in German: its own texts, the libraries', the plug-in's and Qt's.
+
+namespace {
+
+QString utf8(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+class German : public ViewerFixture {
+protected:
+    static void SetUpTestSuite() { EXPECT_EQ(CkViewerLanguage::apply("de").language(), QLocale::German); }
+};
+
+TEST_F(German, MenusAndPanelsSpeakIt) {
+    ASSERT_TRUE(start());
+    QStringList titles;
+    for (const QAction* action : window()->menuBar()->actions()) {
+        titles.append(action->text());
+    }
+    EXPECT_TRUE(titles.contains("&Datei"));
+    EXPECT_TRUE(titles.contains("&Kamera"));
+    EXPECT_TRUE(titles.contains("&Hilfe"));
+    EXPECT_EQ(window()->findChild<QDockWidget*>("dockLog")->windowTitle(), "Protokoll");
+    // Names by which scripts and plug-ins find things stay.
+    EXPECT_NE(window()->findChild<QAction*>("actStartCamera"), nullptr);
+    EXPECT_EQ(window()->windowTitle(), "zuviewer");
+}
+
+TEST_F(German, PluginAndToolkitSpeakItToo) {
+    m_options.pluginPaths = QStringList{ZU_TOF_PLUGIN};
+    m_options.cameras = QStringList{"sim:wave"};
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    QStringList texts;
+    for (const QToolButton* button : window()->findChildren<QToolButton*>()) {
+        texts.append(button->text());
+    }
+    EXPECT_TRUE(texts.contains(utf8("3D-Ansicht öffnen"))) << qPrintable(texts.join(", "));
+    EXPECT_EQ(window()->findChild<QPushButton*>("btnStart")->text(), "Stoppen");
+    const QDialogButtonBox box(QDialogButtonBox::Cancel);
+    EXPECT_EQ(box.button(QDialogButtonBox::Cancel)->text(), "Abbrechen");
+}
+
+TEST_F(German, NumbersFollowTheLanguage) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    const CkStatusBar* status = window()->viewStatusBar();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return status->rateText().contains(','); }, 30'000))
+        << qPrintable(status->rateText());
+    EXPECT_TRUE(status->rateText().endsWith("Bilder/s")) << qPrintable(status->rateText());
+}
+
+TEST_F(German, NoTwoEntriesOfAMenuShareALetter) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    const auto check = [](const QString& title, const QList<QAction*>& actions) {
+        QSet<QChar> taken;
+        for (const QAction* action : actions) {
+            const qsizetype at = action->text().indexOf('&');
+            if (at >= 0) {
+                const QChar letter = action->text()[at + 1].toLower();
+                EXPECT_FALSE(taken.contains(letter)) << qPrintable(title + ": " + action->text());
+                taken.insert(letter);
+            }
+        }
+    };
+    check("menu bar", window()->menuBar()->actions());
+    for (QAction* action : window()->menuBar()->actions()) {
+        emit action->menu()->aboutToShow();
+        check(action->text(), action->menu()->actions());
+    }
+}
+
+TEST(ViewerLanguage, IsReadFromTheCommandLineBeforeAnythingElse) {
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language", "de", "--help"}), "de");
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--3d", "--language=en"}), "en");
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language", "fr"}), "");
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language"}), "");
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--", "--language", "de"}), "");
+    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer"}), "");
+}
+
+TEST(ViewerLanguage, KeepsTheRegionOfWhoSpeaksTheLanguageAnyway) {
+    const LocaleScope vienna{QLocale(QLocale::German, QLocale::Austria)};
+    EXPECT_EQ(CkViewerLanguage::apply("de").territory(), QLocale::Austria);
+    EXPECT_EQ(CkViewerLanguage::apply("en").language(), QLocale::English);
+}
+
+} // namespace

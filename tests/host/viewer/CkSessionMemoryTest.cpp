@@ -1,0 +1,184 @@
+#include "app/CkSessionMemory.h"
+
+#include "ViewerBlocks.h"
+#include "ViewerFixture.h"
+#include "app/CkViewerSettings.h"
+#include "zuCore/CkRTTI.h"
+
+#include <QAction>
+#include <QDockWidget>
+#include <QMdiSubWindow>
+#include <QSettings>
+
+namespace {
+
+class SessionMemory : public ViewerFixture {
+protected:
+    /// As the user does it: the window asks the views, remembers, closes.
+    void endSession() {
+        ASSERT_TRUE(window()->close());
+        m_session.reset();
+    }
+
+    static bool runs(const char* id) {
+        for (void* handle : CkCameraManager::instance()->openedCameras()) {
+            SkCameraInfo info;
+            if (CkCameraManager::instance()->cameraInfo(handle, info) && info.id == QLatin1String(id)) {
+                return CkCameraManager::instance()->isAcquiring(handle);
+            }
+        }
+        ADD_FAILURE() << id << " is not open";
+        return false;
+    }
+
+    QString remembered() const {
+        return QString::fromUtf8(
+            CkViewerSettings::open()->value(CkViewerSettings::keySession()).toByteArray());
+    }
+};
+
+TEST_F(SessionMemory, CamerasAndViewsComeBackAsTheyWere) {
+    ASSERT_TRUE(start());
+    void* grey = openGrey();
+    void* wave = desk()->openCamera("sim:wave", true);
+    ASSERT_TRUE(desk()->start(wave));
+    desk()->openView(grey);
+    EXPECT_EQ(area()->views().size(), 3);
+    const CkMdiView* active = area()->views().at(1);
+    area()->setActiveView(active->viewId());
+    endSession();
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
+
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 2);
+    EXPECT_FALSE(runs("sim:grey"));
+    EXPECT_TRUE(runs("sim:wave"));
+    ASSERT_EQ(area()->views().size(), 3);
+    EXPECT_EQ(area()->activeView(), area()->views().at(1));
+    EXPECT_TRUE(waitForFrame(area()->views().at(1)));
+    // Each view stands on the chain it stood on.
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
+}
+
+TEST_F(SessionMemory, BlocksOfTheChainsAndTheirSettingsComeBack) {
+    CkRTTI::instance()->registerClass(nullptr, &CkDemoBlock::staticMetaObject, QStringLiteral("CkChainable"));
+    ASSERT_TRUE(start());
+    openGrey();
+    CkChainable* source = firstView()->dataProvider();
+    auto* block = new CkDemoBlock;
+    block->m_iSetting = 77;
+    CkChain* chain = source->chain();
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, block, source));
+    area()->addView(new CkImageView(source));
+    ASSERT_EQ(area()->views().at(0)->dataProvider(), block);
+    ASSERT_EQ(area()->views().at(1)->dataProvider(), source);
+    endSession();
+
+    ASSERT_TRUE(start());
+    ASSERT_EQ(area()->views().size(), 2);
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+    const auto* restored = qobject_cast<CkDemoBlock*>(area()->views().at(0)->dataProvider());
+    ASSERT_NE(restored, nullptr);
+    EXPECT_EQ(restored->m_iSetting, 77);
+    EXPECT_EQ(restored->chain()->precedessors(const_cast<CkDemoBlock*>(restored)).value(0),
+              area()->views().at(1)->dataProvider());
+    m_session.reset();
+}
+
+TEST_F(SessionMemory, PanelsAndPlacesComeBack) {
+    ASSERT_TRUE(start());
+    openGrey();
+    auto* log = window()->findChild<QDockWidget*>("dockLog");
+    ASSERT_NE(log, nullptr);
+    log->hide();
+    area()->setArrangesItself(false);
+    QMdiSubWindow* frame = area()->subWindowList().value(0);
+    frame->setGeometry(31, 17, 420, 333);
+    endSession();
+
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(window()->findChild<QDockWidget*>("dockLog")->isHidden());
+    EXPECT_FALSE(area()->arrangesItself());
+    ASSERT_EQ(area()->subWindowList().size(), 1);
+    EXPECT_EQ(area()->subWindowList().first()->geometry(), QRect(31, 17, 420, 333));
+    window()->resetLayout();
+    EXPECT_FALSE(window()->findChild<QDockWidget*>("dockLog")->isHidden());
+    EXPECT_TRUE(area()->arrangesItself());
+}
+
+TEST_F(SessionMemory, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
+    ASSERT_TRUE(start());
+    openGrey();
+    endSession();
+    const QString before = remembered();
+    ASSERT_TRUE(before.contains("sim:grey"));
+
+    m_options.cleanStart = true;
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
+    m_session.reset();
+    m_options.cleanStart = false;
+    m_options.cameras = QStringList{"sim:hybrid"};
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
+    m_session.reset();
+    // Neither of them was closed by its user, so both remembered nothing.
+    EXPECT_EQ(remembered(), before);
+    m_options.cameras.clear();
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
+    auto* reopen = window()->findChild<QAction*>("actReopenCameras");
+    ASSERT_NE(reopen, nullptr);
+    EXPECT_TRUE(reopen->isChecked());
+    reopen->trigger();
+    m_session.reset();
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
+    EXPECT_FALSE(window()->findChild<QAction*>("actReopenCameras")->isChecked());
+}
+
+TEST_F(SessionMemory, UnattendedRunsNeitherReadNorWrite) {
+    ASSERT_TRUE(start());
+    openGrey();
+    endSession();
+    const QString before = remembered();
+    m_options.frames = 1000;
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
+    endSession();
+    EXPECT_EQ(remembered(), before);
+}
+
+TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
+    ASSERT_TRUE(start());
+    desk()->openCamera("sim:wave", true);
+    openGrey();
+    endSession();
+    QString text = remembered();
+    text.replace("sim:wave", "sim:pulled-off");
+    m_options.cleanStart = true;
+    ASSERT_TRUE(start());
+    const CkSessionMemory::SkRestored restored = CkSessionMemory::restore(*window(), text.toUtf8());
+    ASSERT_EQ(restored.problems.size(), 1);
+    EXPECT_TRUE(restored.problems.first().contains("sim:pulled-off"))
+        << qPrintable(restored.problems.first());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
+    ASSERT_EQ(area()->views().size(), 1);
+    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
+}
+
+TEST_F(SessionMemory, NonsenseOpensNothingAndSaysSo) {
+    ASSERT_TRUE(start());
+    for (const char* text : {"no xml", "<session version=\"99\"/>", "<other/>"}) {
+        EXPECT_EQ(CkSessionMemory::restore(*window(), text).problems.size(), 1) << text;
+    }
+    EXPECT_TRUE(CkSessionMemory::restore(*window(), QByteArray()).problems.isEmpty());
+    const QByteArray hollow =
+        "<session version='1'><chain/><chain><chain version='1'/></chain>"
+        "<view chain='0' block='0'/><view chain='1' block='3'/><view chain='-1'/></session>";
+    CkSessionMemory::restore(*window(), hollow);
+    EXPECT_TRUE(area()->views().isEmpty());
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+}
+
+} // namespace

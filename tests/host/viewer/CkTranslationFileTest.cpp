@@ -1,0 +1,29 @@
+#include "TranslationFile.h"
+
+namespace {
+const QString s_sources = QStringLiteral(ZU_SOURCES);
+const QString s_file = s_sources + QStringLiteral("/host/viewer/translations/zuviewer_de.ts");
+} // namespace
+
+TEST(ViewerTranslationFile, IsInStepWithTheSources) {
+    const TranslationFile file(s_file);
+    // As scripts/update-translations.sh does it.
+    file.expectInStepWith({s_sources + "/hostsdk", s_sources + "/host", s_sources + "/sim/camera"},
+                          ZU_LUPDATE);
+    EXPECT_EQ(file.translationOf("CkMainWindow", "&File"), "&Datei");
+    EXPECT_EQ(file.translationOf("CkExportToolButton", "Save to file..."), "In Datei speichern...");
+    EXPECT_EQ(file.translationOf("CkSimCamera", "Exposure"), "Belichtung");
+}
+
+TEST(ViewerTranslationFile, EveryTextIsTranslatedOnce) {
+    TranslationFile(s_file).expectWhole();
+}
+
+TEST(ViewerTranslationFile, PlacesLinesTagsAndEndsAreThoseOfTheSource) {
+    TranslationFile(s_file).expectSameShape();
+}
+
+TEST(ViewerTranslationFile, OnlyNamesAndUnitsReadTheSameInBothLanguages) {
+    TranslationFile(s_file).expectSameOnly(
+        {"ms", "%1: %2", "Block", "Alpha", "Debug", "Info", "Gamma", "plus 32768", "Name: %1", "A minus B"});
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "ViewerFixture.h"
+#include "camera/CkCameraMenu.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+/// Walks the controls of the whole window: menu entries, actions, buttons, fields.
+class ControlsFixture : public ViewerFixture {
+protected:
+    struct SkEntry {
+        const QAction* action;
+        QString path;
+        QString menuName;
+    };
+
+    static void collect(const QMenu* menu, const QString& path, QList<SkEntry>& entries) {
+        for (const QAction* action : menu->actions()) {
+            const QString text = path + " > " + action->text();
+            if (action->menu() != nullptr) {
+                entries.append({action, text, action->menu()->objectName()});
+                collect(action->menu(), text, entries);
+            } else if (!action->isSeparator()) {
+                entries.append({action, text, menu->objectName()});
+            }
+        }
+    }
+
+    QList<SkEntry> menuEntries() const {
+        // What is filled in only when a menu opens counts as well.
+        for (QMenu* menu : window()->findChildren<QMenu*>()) {
+            emit menu->aboutToShow();
+        }
+        QList<SkEntry> entries;
+        for (const QAction* action : window()->menuBar()->actions()) {
+            collect(action->menu(), action->text(), entries);
+        }
+        return entries;
+    }
+
+    /// Of menus that list what is there at the moment: their entries come and go.
+    static bool isListed(const SkEntry& entry) {
+        static const QStringList s_lists = {"menuRecentChains", "menuCloseCamera", "menuUnplugCamera",
+                                            "menuOpenCamera", "menuAddBlock"};
+        for (const QString& name : s_lists) {
+            if (entry.menuName == name) {
+                return true;
+            }
+        }
+        const auto* parent = qobject_cast<const QMenu*>(entry.action->parent());
+        return parent != nullptr && parent->parent() != nullptr &&
+               s_lists.contains(parent->parent()->objectName());
+    }
+
+    void expectReasons(const char* state) {
+        window()->cameraMenu()->refresh();
+        for (const SkEntry& entry : menuEntries()) {
+            if (!entry.action->isEnabled()) {
+                EXPECT_TRUE(saysMore(entry.action)) << state << ": " << qPrintable(entry.path);
+            }
+        }
+        for (const QAction* action : window()->findChildren<QAction*>()) {
+            if (!action->isEnabled() && !action->isSeparator() && !isOfTheToolkit(action)) {
+                EXPECT_TRUE(saysMore(action))
+                    << state << ": " << qPrintable(action->text()) << qPrintable(action->objectName());
+            }
+        }
+        for (const QWidget* widget : window()->findChildren<QWidget*>()) {
+            const bool control = qobject_cast<const QAbstractButton*>(widget) != nullptr ||
+                                 qobject_cast<const QComboBox*>(widget) != nullptr ||
+                                 qobject_cast<const QAbstractSpinBox*>(widget) != nullptr ||
+                                 qobject_cast<const QLineEdit*>(widget) != nullptr;
+            if (control && !widget->isEnabled() && !isOfTheToolkit(widget)) {
+                // A tool tip that a control lacks comes from what it stands in.
+                const QWidget* told = widget;
+                while (told != nullptr && told->toolTip().isEmpty() && !told->isWindow()) {
+                    told = told->parentWidget();
+                }
+                EXPECT_TRUE(told != nullptr && !told->toolTip().isEmpty())
+                    << state << ": " << widget->metaObject()->className() << ' '
+                    << qPrintable(widget->objectName());
+            }
+        }
+    }
+
+    /// An action without a tool tip of its own answers with its text.
+    static bool saysMore(const QAction* action) {
+        QString text = action->text();
+        text.remove('&');
+        if (text.endsWith("...")) {
+            text.chop(3);
+        }
+        return action->toolTip() != text && !action->toolTip().isEmpty();
+    }
+
+    /// Parts that Qt builds into its own widgets: arrows of tab bars, undo of text fields, window menus.
+    static bool isOfTheToolkit(const QObject* object) {
+        for (const QObject* o = object; o != nullptr; o = o->parent()) {
+            if (o->objectName().startsWith("qt_") ||
+                qobject_cast<const QMdiSubWindow*>(o->parent()) != nullptr) {
+                return qobject_cast<const CkMdiView*>(o) == nullptr;
+            }
+            if (qobject_cast<const CkMdiView*>(o) != nullptr) {
+                return false;
+            }
+        }
+        const QObject* parent = object->parent();
+        return parent != nullptr && (parent->inherits("QTabBar") || parent->inherits("QLineEdit"));
+    }
+};
