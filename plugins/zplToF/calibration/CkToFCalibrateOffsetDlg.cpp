@@ -7,6 +7,7 @@
 #include "zuCoreGui/CkMdiView.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QKeyEvent>
 #include <QLocale>
 #include <QPushButton>
 #include <QSettings>
@@ -18,6 +19,20 @@ constexpr int s_iInches = 1;
 constexpr float s_fCmPerInch = 2.54F;
 constexpr float s_fCmPerMetre = 100.0F;
 constexpr float s_fInchesPerMetre = 39.37008F;
+
+// Tells a box that was dismissed, with Escape or its close button, from one that was acknowledged: with a single
+// button the two have the same result.
+class CkDismissal : public QObject {
+public:
+    bool bHappened = false;
+
+    bool eventFilter(QObject*, QEvent* pEvent) override {
+        bHappened = bHappened || pEvent->type() == QEvent::Close ||
+                    (pEvent->type() == QEvent::KeyPress &&
+                     static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Cancel));
+        return false;
+    }
+};
 } // namespace
 
 CkToFCalibrateOffsetDlg::CkToFCalibrateOffsetDlg(CkMdiView* pView, QWidget* pParent)
@@ -42,8 +57,8 @@ float CkToFCalibrateOffsetDlg::sumCentralPhaseShiftPixels(const SkPicBuf* pImage
 }
 
 void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
-    m_iFramesToAverage = m_ui->spinAveraging->value();
-    if (m_iFramesToAverage <= 0) {
+    const int iFramesToAverage = m_ui->spinAveraging->value();
+    if (iFramesToAverage <= 0) {
         accept();
         return;
     }
@@ -53,10 +68,10 @@ void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
         fDistance *= s_fCmPerInch;
     }
     if (!bNumber || !std::isfinite(fDistance)) {
-        m_iFramesToAverage = 0;
         showError(tr("Please set the distance as decimal number."));
         return;
     }
+    m_iFramesToAverage = iFramesToAverage;
     m_fDistance = fDistance;
     m_estimator.reset();
     m_uiFramesDone = 0;
@@ -75,15 +90,22 @@ void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
     if (frame == nullptr) {
         return;
     }
+    bool bDismissed = false;
     if (m_estimator.addPicture(frame->picBuf(), &frame->metadata())) {
         m_fModulationFreq = frame->metadata().modulationFrequency;
         ++m_uiFramesDone;
     } else if (!showError(
-                   tr("Unexpected image format received. Calibration expects phase shift image as input."))) {
+                   tr("Unexpected image format received. Calibration expects phase shift image as input."),
+                   &bDismissed)) {
         return;
     }
     if (m_iFramesToAverage == 0) {
         return; // closed while the box was open
+    }
+    // A camera that sends nothing else opens the next box before anyone can get at Cancel.
+    if (bDismissed) {
+        reject();
+        return;
     }
     m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_uiFramesDone).arg(m_iFramesToAverage));
     // Frames go on arriving while a box is open; the last one is settled by the call that opened the box.
@@ -131,8 +153,8 @@ void CkToFCalibrateOffsetDlg::finish() {
     accept();
 }
 
-bool CkToFCalibrateOffsetDlg::showError(const QString& sText) {
-    return showBox(QMessageBox::Critical, tr("Error"), sText);
+bool CkToFCalibrateOffsetDlg::showError(const QString& sText, bool* pbDismissed) {
+    return showBox(QMessageBox::Critical, tr("Error"), sText, pbDismissed);
 }
 
 bool CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result) {
@@ -146,17 +168,23 @@ bool CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& r
 }
 
 // The static functions of QMessageBox do not survive that their parent is deleted while they run.
-bool CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText) {
+bool CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText,
+                                      bool* pbDismissed) {
     if (m_bBoxOpen) {
         return true;
     }
     m_bBoxOpen = true;
     const QPointer<CkToFCalibrateOffsetDlg> self(this);
     const QPointer<QMessageBox> box(new QMessageBox(icon, sTitle, sText, QMessageBox::Ok, this));
+    CkDismissal dismissal;
+    box->installEventFilter(&dismissal);
     box->exec();
     delete box;
     if (!self) {
         return false;
+    }
+    if (pbDismissed != nullptr) {
+        *pbDismissed = dismissal.bHappened;
     }
     m_bBoxOpen = false;
     return true;

@@ -15,7 +15,8 @@ class CkToFCalibrateOffsetDlg;
 /// Dialog "Calibrate ToF Distance Offset": measures a wall at a known distance on the frames of a view and
 /// stores the difference as the distance offset of the 3D view. User-interface thread.
 ///
-/// OK starts measuring; the dialog closes by itself when it is done. Cancel ends it at any time. The view may
+/// OK starts measuring; the dialog closes by itself when it is done. Cancel ends it at any time, and so does
+/// Escape in the box that tells of a wrong frame, which may be followed by the next one at once. The view may
 /// close meanwhile; no frame comes any more then.
 class CkToFCalibrateOffsetDlg : public QDialog {
     Q_OBJECT
@@ -40,9 +41,10 @@ private:
     void stopMeasuring();
     void finish();
     // False when the dialog itself was deleted while the box was open: nothing of it may be touched then.
-    bool showError(const QString& sText);
+    bool showError(const QString& sText, bool* pbDismissed = nullptr);
     bool showResult(const CkToFOffsetEstimator::SkResult& result);
-    bool showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText);
+    bool showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText,
+                 bool* pbDismissed = nullptr);
     void storeOffset(float fOffset);
 
     std::unique_ptr<Ui::CkToFCalibrateOffsetDlg> m_ui;

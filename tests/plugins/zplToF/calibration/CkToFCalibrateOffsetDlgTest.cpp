@@ -45,12 +45,14 @@ TEST_F(CkToFCalibrateOffsetDlgTest, EveryControlHasItsNameTextAndRange) {
     for (const char* name : {"spinAveraging", "edDistance", "cbUnit"}) {
         EXPECT_FALSE(child(name)->toolTip().isEmpty()) << name;
     }
-    const QMetaObject* metaObject = dialog->metaObject();
-    EXPECT_EQ(metaObject->method(metaObject->methodOffset()).methodSignature(), "on_buttonBox_accepted()");
-    const QMetaMethod received = metaObject->method(metaObject->methodOffset() + 1);
-    EXPECT_EQ(received.name(), "on_viewFrameReceived");
-    ASSERT_EQ(received.parameterCount(), 1);
-    EXPECT_EQ(received.parameterType(0), int(QMetaType::Int));
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, SlotsHaveTheirTexts) {
+    const QMetaObject& metaObject = CkToFCalibrateOffsetDlg::staticMetaObject;
+    EXPECT_EQ(metaObject.methodCount() - metaObject.methodOffset(), 2);
+    const int iFirst = metaObject.methodOffset();
+    EXPECT_EQ(metaObject.indexOfSlot("on_buttonBox_accepted()"), iFirst);
+    EXPECT_EQ(metaObject.indexOfSlot("on_viewFrameReceived(qint32)"), iFirst + 1);
 }
 
 TEST_F(CkToFCalibrateOffsetDlgTest, TheTabKeyVisitsTheControlsFromTopToBottom) {
@@ -241,6 +243,54 @@ TEST_F(CkToFCalibrateOffsetDlgTest, WhileABoxIsOpenFurtherWrongFramesOpenNoSecon
     EXPECT_EQ(driver.boxes.size(), 1);
     EXPECT_EQ(progress(), "Progresss: 0 / 3");
     EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, ACameraThatSendsOnlyWrongFramesIsLeftByEscapeInTheBox) {
+    open();
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [&](QMessageBox* pBox) {
+        QTest::keyClick(pBox, driver.boxes.size() < 3 ? Qt::Key_Return : Qt::Key_Escape);
+    };
+    for (int i = 0; i < 5; ++i) {
+        feed(greyFrame());
+    }
+    EXPECT_EQ(driver.boxes.size(), 3);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    EXPECT_EQ(delegate.settingsHandedOut, 0);
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, ClosingTheBoxOfAWrongFrameCancelsToo) {
+    open();
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [](QMessageBox* pBox) { pBox->close(); };
+    feed(greyFrame());
+    EXPECT_EQ(driver.boxes.size(), 1);
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, EscapeInTheBoxOfABadDistanceLeavesTheDialogOpen) {
+    open();
+    typeDistance("abc");
+    driver.onBox = [](QMessageBox* pBox) { QTest::keyClick(pBox, Qt::Key_Escape); };
+    click(QDialogButtonBox::Ok);
+    EXPECT_EQ(driver.boxes.size(), 1);
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, ABadDistanceInCodeDoesNotDisturbAMeasurementUnderWay) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    feed(phaseFrame(s_fPi));
+    child<QLineEdit>("edDistance")->setText("abc");
+    dialog->on_buttonBox_accepted();
+    ASSERT_EQ(driver.boxes.size(), 1);
+    EXPECT_EQ(driver.boxes[0].text, "Please set the distance as decimal number.");
+    feedPhases(2, s_fPi);
+    EXPECT_EQ(progress(), "Progresss: 3 / 3");
+    EXPECT_NEAR(delegate.stored(key).toFloat(), -3.3462819F, s_fRounding);
 }
 
 TEST_F(CkToFCalibrateOffsetDlgTest, TheLastFrameBehindAnOpenBoxIsSettledAfterwards) {
