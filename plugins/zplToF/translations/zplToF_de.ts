@@ -233,7 +233,7 @@ Je größer er ist, desto breiter die Punktwolke.</translation>
     </message>
     <message>
         <source>Real distance offset:</source>
-        <translation>Wahrer Abstandsversatz:</translation>
+        <translation>Abstandsversatz:</translation>
     </message>
     <message>
         <source>Offset in m that is added to every measured distance.
