@@ -49,6 +49,12 @@ bool CkToFPlugin::init() {
         m_pOpen3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
         m_pOpenAllViews = add(tr("Open All ToF Processing Views"), "menuOpenAllToFProcessingViews");
         m_pCalibrate = add(tr("Calibrate distance offset..."), "menuTofCalibrateOffset");
+        // Cameras come and go without a change of the active view.
+        connect(menu, &QMenu::aboutToShow, this, [this] {
+            if (IkAppDelegate* now = IkAppDelegate::instance()) {
+                enableMainMenuItems(now->activeViewId());
+            }
+        });
         connect(m_pOpen3dView, SIGNAL(triggered()), this, SLOT(on_actOpenToF3dView()));
         connect(m_pOpenAllViews, SIGNAL(triggered()), this, SLOT(on_actOpenAllToFViews()));
         connect(m_pCalibrate, SIGNAL(triggered()), this, SLOT(on_actCalibrateOffset()));

@@ -4,6 +4,7 @@
 #include "chain/CkToFProcessCnbl.h"
 #include "view3d/3dMdiView.h"
 #include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
 #include "zuCoreGui/CkMdiView.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
@@ -12,8 +13,22 @@
 namespace {
 
 void runCalibrationDialog(CkMdiView* view, QWidget* parent) {
-    CkToFCalibrateOffsetDlg dialog(view, parent);
-    dialog.exec();
+    // The main window may go while the dialog is open, and takes the dialog along.
+    const QPointer<CkToFCalibrateOffsetDlg> dialog(new CkToFCalibrateOffsetDlg(view, parent));
+    dialog->exec();
+    delete dialog;
+}
+
+// A running chain negotiates a camera's new format with its next frame. Whoever asks a block at once what it
+// delivers would still be told of the old one.
+void negotiateAnew(const CkMdiView& view) {
+    const CkChainable* block = view.dataProvider();
+    CkChain* chain = block != nullptr ? block->chain() : nullptr;
+    if (chain != nullptr && chain->started()) {
+        const CkChain::CkControlLock lock(chain);
+        chain->stop();
+        chain->start();
+    }
 }
 
 } // namespace
@@ -33,7 +48,10 @@ void CkToFActions::forgetView(int iViewId) {
 
 CkMdiView* CkToFActions::activeImageView() {
     IkAppDelegate* host = IkAppDelegate::instance();
-    const int active = host != nullptr ? host->activeViewId() : -1;
+    if (host == nullptr) {
+        return nullptr;
+    }
+    const int active = host->activeViewId();
     CkMdiView* view = active != -1 ? host->mdiView(active) : nullptr;
     if (qobject_cast<CkToF3DMdiView*>(view) != nullptr) {
         view = host->mdiView(view->connectedViewId());
@@ -92,7 +110,9 @@ void CkToFActions::offerToFFormatFor3d(CkMdiView& view, bool bFormatKnown, bool 
         guarded == nullptr) {
         return;
     }
-    CkToFCameraCheck::switchCameraTo3dFormat(guarded, cameraHandle);
+    if (CkToFCameraCheck::switchCameraTo3dFormat(guarded, cameraHandle)) {
+        negotiateAnew(*guarded);
+    }
     CkToFCameraCheck::imageFormatAtView(guarded, kinds);
     if (!kinds.any()) {
         CkChainable* block = CkToFChainEditor::firstToFBlock(guarded->dataProvider());
@@ -177,12 +197,13 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view) {
         return false;
     }
     QPointer<CkMdiView> guarded = &view;
-    const bool cancelled =
+    const bool goesOn =
         showMessage(QMessageBox::Question, title, askToUpdate(text), QMessageBox::Yes | QMessageBox::Cancel,
-                    QMessageBox::Yes) == QMessageBox::Cancel;
-    if (cancelled || guarded == nullptr || !CkToFCameraCheck::switchCameraTo3dFormat(guarded, camera)) {
+                    QMessageBox::Yes) == QMessageBox::Yes;
+    if (!goesOn || guarded == nullptr || !CkToFCameraCheck::switchCameraTo3dFormat(guarded, camera)) {
         return false;
     }
+    negotiateAnew(*guarded);
     CkToFCameraCheck::imageFormatAtView(guarded, kinds);
     return kinds.anyRaw();
 }

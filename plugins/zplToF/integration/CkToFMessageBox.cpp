@@ -2,13 +2,22 @@
 
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QPointer>
+
 QMessageBox::StandardButton showToFMessage(const SkToFMessage& message) {
     IkAppDelegate* host = IkAppDelegate::instance();
-    QMessageBox box(message.icon, message.title, message.text, message.buttons,
-                    host != nullptr ? host->mainWindow() : nullptr);
-    box.setWindowModality(Qt::ApplicationModal);
+    // The main window may go while the box is open, and takes the box along.
+    const QPointer<QMessageBox> box(new QMessageBox(message.icon, message.title, message.text,
+                                                    message.buttons,
+                                                    host != nullptr ? host->mainWindow() : nullptr));
+    box->setWindowModality(Qt::ApplicationModal);
     if (message.defaultButton != QMessageBox::NoButton) {
-        box.setDefaultButton(message.defaultButton);
+        box->setDefaultButton(message.defaultButton);
     }
-    return QMessageBox::StandardButton(box.exec());
+    const int pressed = box->exec();
+    if (!box) {
+        return QMessageBox::NoButton;
+    }
+    delete box;
+    return QMessageBox::StandardButton(pressed);
 }

@@ -17,5 +17,6 @@ struct SkToFMessage {
 /// through a function of this type, so that whoever drives the actions can answer in the user's place.
 using ToFMessageFunction = std::function<QMessageBox::StandardButton(const SkToFMessage&)>;
 
-/// A modal box on the host's main window. User-interface thread.
+/// A modal box on the host's main window; NoButton when the window went while it was open. User-interface
+/// thread.
 QMessageBox::StandardButton showToFMessage(const SkToFMessage& message);

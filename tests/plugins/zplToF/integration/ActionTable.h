@@ -1,8 +1,12 @@
 #pragma once
 
 #include "ToFRig.h"
+#include "chain/CkToFProcessCnbl.h"
+#include "view3d/3dMdiView.h"
+#include "zuCore/CkChainManager.h"
 
 #include <QTextStream>
+#include <gtest/gtest.h>
 
 /// What the tables of the three actions have in common.
 
@@ -10,6 +14,133 @@ enum class CameraKind { None, NotToF, ToF, Hybrid };
 
 inline bool isToF(CameraKind kind) {
     return kind == CameraKind::ToF || kind == CameraKind::Hybrid;
+}
+
+/// What the active view is.
+enum class ViewOn {
+    Nothing,         ///< there is none
+    Source,          ///< an image view on the source of the chain
+    Block,           ///< on a block behind the source that is no ToF block
+    Amplitude,       ///< on a ToF block
+    BehindAmplitude, ///< on a block behind it
+    Depth,           ///< on a ToF block
+    Raw,             ///< on a ToF block that makes A minus B of A and B and leaves the phases as they come
+    BehindRaw,       ///< on a block behind it
+    Scene,           ///< a 3D view that follows an image view on the source
+    LonelyScene,     ///< a 3D view whose image view has gone
+    OwnImage,        ///< a view without a block that holds an image of its own, or none
+};
+
+inline bool hasBlock(ViewOn on) {
+    return on != ViewOn::Nothing && on != ViewOn::LonelyScene && on != ViewOn::OwnImage;
+}
+
+/// The blocks behind the source: p passes on, a digit is a ToF block with that transform.
+inline const char* shapeBehind(ViewOn on) {
+    switch (on) {
+    case ViewOn::Block:
+        return "p";
+    case ViewOn::Amplitude:
+        return "2";
+    case ViewOn::BehindAmplitude:
+        return "2p";
+    case ViewOn::Depth:
+        return "3";
+    case ViewOn::Raw:
+        return "5";
+    case ViewOn::BehindRaw:
+        return "5p";
+    default:
+        return "";
+    }
+}
+
+inline bool isRaw(FakeKind kind) {
+    return kind == FakeKind::AB || kind == FakeKind::AminB || kind == FakeKind::Hybrid;
+}
+
+/// What is left of a source's pictures where the view looks at them. A block that refuses its input has no
+/// output that is known.
+inline FakeKind shownKind(ViewOn on, FakeKind source) {
+    switch (on) {
+    case ViewOn::Amplitude:
+    case ViewOn::BehindAmplitude:
+        return isRaw(source) ? FakeKind::Grey : FakeKind::Unknown;
+    case ViewOn::Depth:
+        return isRaw(source) ? FakeKind::PhaseShift : FakeKind::Unknown;
+    case ViewOn::Raw:
+    case ViewOn::BehindRaw:
+        return source == FakeKind::AB ? FakeKind::AminB : FakeKind::Unknown;
+    default:
+        return source;
+    }
+}
+
+/// What the source delivers once its camera was set up; only cameras that sent grey pictures change.
+inline FakeKind kindAfterSetUp(FakeKind kind, CameraKind camera) {
+    if (kind != FakeKind::Grey) {
+        return kind;
+    }
+    return camera == CameraKind::Hybrid ? FakeKind::Hybrid : FakeKind::AB;
+}
+
+/// Puts the blocks of a shape behind the rig's source; the rig's view ends on the last.
+inline void buildShape(ToFRig& rig, const char* shape) {
+    CkChainable* last = rig.source;
+    for (const char* letter = shape; *letter != '\0'; ++letter) {
+        CkChainable* block = nullptr;
+        if (*letter == 'p') {
+            block = new PassBlock;
+        } else {
+            auto* tof = new CkToFProcessCnbl;
+            tof->setTransform(CkToFProcessCnbl::EkTransformType(*letter - '0'), false);
+            block = tof;
+        }
+        ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, last));
+        last = block;
+    }
+    ASSERT_EQ(rig.view->dataProvider(), last);
+}
+
+inline QString shapeOf(const CkChain* chain) {
+    QString shape;
+    const QList<CkChainable*> blocks = chain->blocks();
+    for (CkChainable* block : blocks.mid(1)) {
+        const auto* tof = qobject_cast<CkToFProcessCnbl*>(block);
+        shape += tof != nullptr ? QString::number(int(tof->transform())) : QStringLiteral("p");
+    }
+    return shape;
+}
+
+/// A chain of a source of this kind, the blocks that belong to the view, and the active view. Its image view
+/// is there in any case.
+inline void openOn(ToFRig& rig, ViewOn on, FakeKind kind, bool separate, const FakeCamera* camera) {
+    rig.open(kind, separate, camera);
+    ASSERT_NO_FATAL_FAILURE(buildShape(rig, shapeBehind(on)));
+    CkMdiView* active = nullptr;
+    if (on == ViewOn::Nothing) {
+        rig.app.activeView = -1;
+    } else if (on == ViewOn::Scene || on == ViewOn::LonelyScene) {
+        const int gone = 1 << 30;
+        active = new CkToF3DMdiView(on == ViewOn::Scene ? rig.view->viewId() : gone, -1, nullptr, nullptr);
+    } else if (on == ViewOn::OwnImage) {
+        auto* holder = new ViewWithImage;
+        SkPicBuf picture;
+        CkImageMetadata metadata;
+        if (describe(kind, separate, picture, metadata)) {
+            holder->image = std::make_unique<CkImageData>();
+            holder->image->setPicBuf(picture);
+            holder->image->setMetadata(metadata);
+        }
+        active = holder;
+        rig.app.viewCameras[active->viewId()] = camera != nullptr ? camera->handle() : nullptr;
+    }
+    if (active != nullptr) {
+        rig.app.addMdiView(active);
+        rig.app.activeView = active->viewId();
+    }
+    rig.app.addedViews.clear();
+    rig.app.calls.clear();
 }
 
 /// One camera of every kind, none of them set up for ToF yet.

@@ -110,6 +110,18 @@ TEST(ToFCalibrateAction, CameraThatCannotBeSetUpIsToldInTheseWords) {
     }
 }
 
+TEST(ToFCalibrateAction, CameraThatDoesNotStartIsSetUpAllTheSame) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.app.acquisitionSucceeds = false;
+    rig.actions.calibrateOffset();
+    EXPECT_EQ(camera.value("tof_readout_mode"), 4);
+    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_EQ(rig.calibrated.size(), 1);
+    EXPECT_TRUE(rig.boxes.empty());
+}
+
 TEST(ToFCalibrateAction, CameraThatWasUnpluggedMeanwhileIsNone) {
     FakeCamera camera({4, 13});
     ToFRig rig;

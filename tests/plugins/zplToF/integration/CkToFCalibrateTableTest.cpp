@@ -1,13 +1,8 @@
 #include "ActionTable.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "zuCore/CkChainManager.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
-/// Blocks behind the source: p passes on, a digit is a ToF block with that transform. The view shows the
-/// last.
+/// Blocks behind the source, of which the view shows the last.
 struct ChainShape {
     const char* before;
     const char* after; ///< with the block that the action puts in
@@ -19,50 +14,25 @@ const ChainShape g_shapes[] = {
     {"2pp", "2p3p", true}, {"2", "3", false}, {"3", "3", false},   {"p1", "p3", false},
 };
 
-using Combination = std::tuple<ChainShape, FakeKind, CameraKind, bool, bool, bool>;
-
-void build(ToFRig& rig, const char* shape) {
-    CkChainable* last = rig.source;
-    for (const char* letter = shape; *letter != '\0'; ++letter) {
-        CkChainable* block = nullptr;
-        if (*letter == 'p') {
-            block = new PassBlock;
-        } else {
-            auto* tof = new CkToFProcessCnbl;
-            tof->setTransform(CkToFProcessCnbl::EkTransformType(*letter - '0'), false);
-            block = tof;
-        }
-        ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, last));
-        last = block;
-    }
-    ASSERT_EQ(rig.view->dataProvider(), last);
-}
-
-QString shapeOf(const CkChain* chain) {
-    QString shape;
-    const QList<CkChainable*> blocks = chain->blocks();
-    for (CkChainable* block : blocks.mid(1)) {
-        const auto* tof = qobject_cast<CkToFProcessCnbl*>(block);
-        shape += tof != nullptr ? QString::number(int(tof->transform())) : QStringLiteral("p");
-    }
-    return shape;
-}
+/// The last one: the active view is a 3D view that follows the image view.
+using Combination = std::tuple<ChainShape, FakeKind, CameraKind, bool, bool, bool, bool>;
 
 class CalibrateTable : public ::testing::TestWithParam<Combination> {};
 
 TEST_P(CalibrateTable, BoxesChainCameraAndDialog) {
-    const auto& [shape, kind, camera, separate, insertionFails, running] = GetParam();
+    const auto& [shape, kind, camera, separate, insertionFails, running, sceneIsActive] = GetParam();
     const TableCameras cameras;
     ToFRig rig;
-    rig.open(kind, separate, cameras.of(camera));
-    ASSERT_NO_FATAL_FAILURE(build(rig, shape.before));
+    ASSERT_NO_FATAL_FAILURE(
+        openOn(rig, sceneIsActive ? ViewOn::Scene : ViewOn::Source, kind, separate, cameras.of(camera)));
+    ASSERT_NO_FATAL_FAILURE(buildShape(rig, shape.before));
+    CkMdiView* const active = rig.app.mdiView(rig.app.activeView);
     if (insertionFails) {
         rig.chainHost.failing << QStringLiteral("insertAfter");
     }
     if (running) {
         ASSERT_TRUE(rig.chain()->start());
     }
-    rig.app.calls.clear();
     rig.actions.calibrateOffset();
 
     EXPECT_EQ(rig.app.calls, QStringList{"startAcquisition 1 0"});
@@ -88,7 +58,7 @@ TEST_P(CalibrateTable, BoxesChainCameraAndDialog) {
     EXPECT_EQ(rig.chainHost.calls.count("insertAfter"), shape.inserts ? 1 : 0);
     EXPECT_TRUE(rig.chain()->started());
     EXPECT_EQ(cameras.state(), TableCameras::expectedState(camera));
-    EXPECT_EQ(rig.calibrated, QList<QPointer<CkMdiView>>{rig.view});
+    EXPECT_EQ(rig.calibrated, QList<QPointer<CkMdiView>>{active});
 }
 INSTANTIATE_TEST_SUITE_P(ToFCalibrateAction, CalibrateTable,
                          ::testing::Combine(::testing::ValuesIn(g_shapes),
@@ -96,6 +66,48 @@ INSTANTIATE_TEST_SUITE_P(ToFCalibrateAction, CalibrateTable,
                                                               FakeKind::AminB, FakeKind::Hybrid),
                                             ::testing::Values(CameraKind::None, CameraKind::NotToF,
                                                               CameraKind::ToF, CameraKind::Hybrid),
-                                            ::testing::Bool(), ::testing::Bool(), ::testing::Bool()));
+                                            ::testing::Bool(), ::testing::Bool(), ::testing::Bool(),
+                                            ::testing::Values(false)));
+INSTANTIATE_TEST_SUITE_P(
+    ToFCalibrateActionOn3dView, CalibrateTable,
+    ::testing::Combine(::testing::ValuesIn(g_shapes), ::testing::Values(FakeKind::Grey, FakeKind::AB),
+                       ::testing::Values(CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid),
+                       ::testing::Bool(), ::testing::Bool(), ::testing::Bool(), ::testing::Values(true)));
+
+class CalibrateWithoutAChain
+    : public ::testing::TestWithParam<std::tuple<ViewOn, FakeKind, CameraKind, bool>> {};
+
+TEST_P(CalibrateWithoutAChain, BoxesCameraAndDialog) {
+    const auto& [on, kind, camera, running] = GetParam();
+    const TableCameras cameras;
+    ToFRig rig;
+    ASSERT_NO_FATAL_FAILURE(openOn(rig, on, kind, false, cameras.of(camera)));
+    CkMdiView* const active = rig.app.mdiView(rig.app.activeView);
+    if (running) {
+        ASSERT_TRUE(rig.chain()->start());
+    }
+    rig.actions.calibrateOffset();
+
+    EXPECT_EQ(rig.app.calls, QStringList{"startAcquisition 1 0"});
+    // The view without a block still has a camera; the others have lost theirs.
+    const bool isTold = on == ViewOn::OwnImage && isToF(camera);
+    EXPECT_EQ(rig.boxLines(),
+              QStringList{line(QMessageBox::Critical, "Error",
+                               isTold ? QStringLiteral("Cannot insert ToF processing to chain.")
+                                      : QStringLiteral("Active camera is not the ToF camera."),
+                               QMessageBox::Ok, QMessageBox::Ok)});
+    EXPECT_EQ(rig.calibrated, isTold ? QList<QPointer<CkMdiView>>{active} : QList<QPointer<CkMdiView>>());
+    EXPECT_EQ(cameras.state(), TableCameras::expectedState(isTold ? camera : CameraKind::None));
+    EXPECT_EQ(shapeOf(rig.chain()), "");
+    EXPECT_EQ(rig.chain()->started(), running) << "not the chain of the active view";
+    EXPECT_TRUE(rig.chainHost.calls.isEmpty());
+}
+INSTANTIATE_TEST_SUITE_P(
+    ToFCalibrateAction, CalibrateWithoutAChain,
+    ::testing::Combine(::testing::Values(ViewOn::Nothing, ViewOn::LonelyScene, ViewOn::OwnImage),
+                       ::testing::Values(FakeKind::Unknown, FakeKind::Grey, FakeKind::AB),
+                       ::testing::Values(CameraKind::None, CameraKind::NotToF, CameraKind::ToF,
+                                         CameraKind::Hybrid),
+                       ::testing::Bool()));
 
 } // namespace

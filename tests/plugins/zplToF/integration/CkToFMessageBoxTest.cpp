@@ -53,6 +53,16 @@ TEST_F(ToFMessageBox, EscapeMeansCancel) {
     EXPECT_EQ(buttons, QMessageBox::Yes | QMessageBox::Cancel);
 }
 
+TEST_F(ToFMessageBox, MainWindowThatGoesWhileTheBoxIsOpenMeansNoButton) {
+    auto* own = new QWidget;
+    app.window = own;
+    driver.onBox = [own](QMessageBox*) { delete own; };
+    EXPECT_EQ(showToFMessage({QMessageBox::Question, "Invalid input image", "Update?",
+                              QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes}),
+              QMessageBox::NoButton);
+    EXPECT_EQ(driver.boxes.size(), 1);
+}
+
 TEST_F(ToFMessageBox, ErrorHasOneButton) {
     key = Qt::Key_Escape;
     EXPECT_EQ(showToFMessage({QMessageBox::Critical, "Error", "No.", QMessageBox::Ok, QMessageBox::Ok}),

@@ -1,53 +1,55 @@
 #include "ActionTable.h"
-#include "view3d/3dMdiView.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
 struct Combination {
+    ViewOn on;
     FakeKind kind;
     CameraKind camera;
     bool separate = false;
     bool running = false;
-    bool sceneIsActive = false; ///< the active view is a 3D view that follows the image view
     bool yes = true;
     bool inserts = true;
 
-    bool asks() const { return kind == FakeKind::Grey && isToF(camera); }
-    /// What the view shows once the question, if any, was answered is single raw phases of a ToF camera.
-    bool needsGathering() const {
-        const bool raw = kind == FakeKind::AB || kind == FakeKind::AminB ||
-                         (kind == FakeKind::Grey && camera == CameraKind::ToF && yes);
-        return raw && separate && camera == CameraKind::ToF;
+    bool opensNothing() const { return on == ViewOn::Nothing || on == ViewOn::LonelyScene; }
+    FakeKind shown() const { return shownKind(on, kind); }
+    bool asks() const { return !opensNothing() && shown() == FakeKind::Grey && isToF(camera); }
+    bool warns() const {
+        return !opensNothing() && (shown() == FakeKind::Unknown || (shown() == FakeKind::Grey && !asks()));
     }
+    /// After the question, if there was one.
+    FakeKind shownInTheEnd() const {
+        // An image that a view holds stays as it is.
+        const bool changes = asks() && yes && hasBlock(on);
+        return changes ? shownKind(on, kindAfterSetUp(kind, camera)) : shown();
+    }
+    bool needsGathering() const {
+        const FakeKind seen = shownInTheEnd();
+        return !opensNothing() && (seen == FakeKind::AB || seen == FakeKind::AminB) && separate &&
+               isToF(camera);
+    }
+    bool triesToInsert() const { return needsGathering() && hasBlock(on) && on != ViewOn::Raw; }
 };
 
 /// Every combination of which each answer counts: an answer only where there is a question, a failing
 /// insertion only where something is inserted, single phases only of pictures that have phases.
 std::vector<Combination> combinations() {
     std::vector<Combination> all;
-    for (const FakeKind kind : {FakeKind::Unknown, FakeKind::Grey, FakeKind::AB, FakeKind::AminB,
-                                FakeKind::PhaseShift, FakeKind::Hybrid}) {
-        const bool phases = kind == FakeKind::Grey || kind == FakeKind::AB || kind == FakeKind::AminB;
-        for (const CameraKind camera :
-             {CameraKind::None, CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid}) {
-            if (camera == CameraKind::Hybrid && kind != FakeKind::Grey && kind != FakeKind::Hybrid) {
-                continue;
-            }
-            for (int bits = 0; bits < 32; ++bits) {
-                const Combination made{kind,
-                                       camera,
-                                       (bits & 1) != 0,
-                                       (bits & 2) != 0,
-                                       (bits & 4) != 0,
-                                       (bits & 8) == 0,
-                                       (bits & 16) == 0};
-                const bool counts = (phases || !made.separate) && (made.asks() || made.yes) &&
-                                    (made.needsGathering() || made.inserts) &&
-                                    (!made.sceneIsActive || (camera == CameraKind::ToF && !made.running));
-                if (counts) {
-                    all.push_back(made);
+    for (const ViewOn on : {ViewOn::Nothing, ViewOn::Source, ViewOn::Block, ViewOn::Amplitude,
+                            ViewOn::BehindAmplitude, ViewOn::Depth, ViewOn::Raw, ViewOn::BehindRaw,
+                            ViewOn::Scene, ViewOn::LonelyScene, ViewOn::OwnImage}) {
+        for (const FakeKind kind : {FakeKind::Unknown, FakeKind::Grey, FakeKind::AB, FakeKind::AminB,
+                                    FakeKind::PhaseShift, FakeKind::Depth, FakeKind::Hybrid}) {
+            const bool phases = kind == FakeKind::Grey || kind == FakeKind::AB || kind == FakeKind::AminB;
+            for (const CameraKind camera :
+                 {CameraKind::None, CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid}) {
+                for (int bits = 0; bits < 16; ++bits) {
+                    const Combination made{
+                        on, kind, camera, (bits & 1) != 0, (bits & 2) != 0, (bits & 4) == 0, (bits & 8) == 0};
+                    if ((phases || !made.separate) && (made.asks() || made.yes) &&
+                        (made.triesToInsert() || made.inserts)) {
+                        all.push_back(made);
+                    }
                 }
             }
         }
@@ -58,7 +60,7 @@ std::vector<Combination> combinations() {
 struct Outcome {
     QStringList boxes;
     int views = 1;
-    QList<int> transforms;
+    QString shape;
     bool running = false;
     CameraKind setUp = CameraKind::None;
 };
@@ -69,19 +71,28 @@ Outcome expectedOutcome(const Combination& given) {
         "or the image with ToF phase-shift and confidence, or X1X2X3 RAWX3 image.");
     Outcome outcome;
     outcome.running = given.running;
-    if (given.asks()) {
-        outcome.boxes << line(QMessageBox::Question, "Invalid input image", withQuestion(needs),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
-        if (given.yes) {
-            outcome.setUp = given.camera;
-            outcome.running = true;
-        }
-    } else if (given.kind == FakeKind::Unknown || given.kind == FakeKind::Grey) {
+    outcome.shape = shapeBehind(given.on);
+    if (given.opensNothing()) {
+        outcome.views = 0;
+        return outcome;
+    }
+    if (given.warns()) {
         outcome.boxes << line(QMessageBox::Warning, "Invalid input image", needs, QMessageBox::Ok,
                               QMessageBox::Ok);
     }
-    if (given.needsGathering() && given.inserts) {
-        outcome.transforms = {3};
+    if (given.asks()) {
+        outcome.boxes << line(QMessageBox::Question, "Invalid input image", withQuestion(needs),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    }
+    if (given.asks() && given.yes) {
+        outcome.setUp = given.camera;
+        outcome.running = outcome.running || hasBlock(given.on);
+        if (given.shownInTheEnd() == FakeKind::Grey) {
+            outcome.shape.replace(QLatin1Char('2'), QLatin1Char('3'));
+        }
+    }
+    if (given.needsGathering() && given.triesToInsert() && given.inserts) {
+        outcome.shape += QLatin1Char('3');
         outcome.running = true;
     } else if (given.needsGathering()) {
         outcome.boxes << line(
@@ -100,13 +111,8 @@ TEST_P(Open3dViewTable, BoxesChainCameraAndViews) {
     const Outcome expected = expectedOutcome(given);
     const TableCameras cameras;
     ToFRig rig;
-    rig.open(given.kind, given.separate, cameras.of(given.camera));
-    if (given.sceneIsActive) {
-        auto* scene = new CkToF3DMdiView(rig.view->viewId(), -1, nullptr, nullptr);
-        rig.app.addMdiView(scene);
-        rig.app.addedViews.clear();
-        rig.app.activeView = scene->viewId();
-    }
+    ASSERT_NO_FATAL_FAILURE(openOn(rig, given.on, given.kind, given.separate, cameras.of(given.camera)));
+    const int followed = given.on == ViewOn::OwnImage ? rig.app.activeView : rig.view->viewId();
     rig.answer = given.yes ? QMessageBox::Yes : QMessageBox::No;
     if (!given.inserts) {
         rig.chainHost.failing << QStringLiteral("insertAfter");
@@ -121,11 +127,10 @@ TEST_P(Open3dViewTable, BoxesChainCameraAndViews) {
     ASSERT_EQ(rig.app.addedViews.size(), expected.views);
     if (expected.views == 1) {
         EXPECT_EQ(rig.actions.views()[0], rig.app.addedViews[0]);
-        EXPECT_EQ(rig.actions.views()[0]->connectedViewId(), rig.view->viewId());
+        EXPECT_EQ(rig.actions.views()[0]->connectedViewId(), followed);
     }
-    EXPECT_EQ(rig.chainHost.calls.count("insertAfter"), given.needsGathering() ? 1 : 0);
-    EXPECT_EQ(ToFRig::transforms(rig.chain()), expected.transforms);
-    EXPECT_EQ(rig.chain()->blocks().size(), 1 + expected.transforms.size());
+    EXPECT_EQ(rig.chainHost.calls.count("insertAfter"), given.triesToInsert() ? 1 : 0);
+    EXPECT_EQ(shapeOf(rig.chain()), expected.shape);
     EXPECT_EQ(rig.chain()->started(), expected.running);
     EXPECT_EQ(cameras.state(), TableCameras::expectedState(expected.setUp));
 }

@@ -1,26 +1,29 @@
 #include "ActionTable.h"
-#include "view3d/3dMdiView.h"
-#include "zuCore/CkChainManager.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
 enum class Failure { Nothing, Remove, CloseView, CreateChain, InsertAfter, BranchAfter, OpenView };
 
 struct Combination {
+    ViewOn on;
     FakeKind kind;
     CameraKind camera;
     Failure failure = Failure::Nothing;
     bool separate = false;
     bool running = false;
-    bool sceneIsActive = false; ///< the active view is a 3D view that follows the image view
     bool yes = true;
 
-    bool isNoToFPicture() const { return kind == FakeKind::Unknown || kind == FakeKind::Grey; }
-    bool asks() const { return isNoToFPicture() && isToF(camera); }
-    /// Grey pictures become ToF pictures when their camera is set up; what was unknown stays so.
-    bool goesOn() const { return !isNoToFPicture() || (kind == FakeKind::Grey && isToF(camera) && yes); }
+    bool isNoToFPicture() const {
+        const FakeKind shown = shownKind(on, kind);
+        return shown == FakeKind::Unknown || shown == FakeKind::Grey;
+    }
+    bool asks() const { return hasBlock(on) && isNoToFPicture() && isToF(camera); }
+    bool isSetUp() const { return asks() && yes; }
+    FakeKind sourceInTheEnd() const { return isSetUp() ? kindAfterSetUp(kind, camera) : kind; }
+    /// What was unknown, or comes out of a block that makes grey pictures, stays so.
+    bool goesOn() const {
+        return hasBlock(on) && (!isNoToFPicture() || (isSetUp() && isRaw(shownKind(on, sourceInTheEnd()))));
+    }
 };
 
 /// Every combination of which each part counts: an answer only where there is a question, failures only where
@@ -30,16 +33,26 @@ std::vector<Combination> combinations() {
     const auto add = [&all](Combination made) {
         for (const bool running : {false, true}) {
             made.running = running;
-            all.push_back(made);
+            for (const bool yes : {true, false}) {
+                made.yes = yes;
+                if (yes || made.asks()) {
+                    all.push_back(made);
+                }
+            }
         }
     };
     for (const FakeKind kind : {FakeKind::Unknown, FakeKind::Grey, FakeKind::AB, FakeKind::AminB,
-                                FakeKind::PhaseShift, FakeKind::Hybrid}) {
-        for (const CameraKind camera :
-             {CameraKind::None, CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid}) {
-            add({kind, camera});
-            if (Combination{kind, camera}.asks()) {
-                add({kind, camera, Failure::Nothing, false, false, false, false});
+                                FakeKind::PhaseShift, FakeKind::Depth, FakeKind::Hybrid}) {
+        const bool phases = kind == FakeKind::Grey || kind == FakeKind::AB || kind == FakeKind::AminB;
+        for (const ViewOn on : {ViewOn::Nothing, ViewOn::Source, ViewOn::Block, ViewOn::Amplitude,
+                                ViewOn::BehindAmplitude, ViewOn::Depth, ViewOn::Raw, ViewOn::BehindRaw,
+                                ViewOn::Scene, ViewOn::LonelyScene, ViewOn::OwnImage}) {
+            for (const CameraKind camera :
+                 {CameraKind::None, CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid}) {
+                add({on, kind, camera});
+                if (phases) {
+                    add({on, kind, camera, Failure::Nothing, true});
+                }
             }
         }
         if (kind == FakeKind::Unknown) {
@@ -47,10 +60,11 @@ std::vector<Combination> combinations() {
         }
         for (const Failure failure : {Failure::Remove, Failure::CloseView, Failure::CreateChain,
                                       Failure::InsertAfter, Failure::BranchAfter, Failure::OpenView}) {
-            add({kind, CameraKind::ToF, failure});
+            add({ViewOn::Source, kind, CameraKind::ToF, failure});
+            if (kind == FakeKind::AB) {
+                add({ViewOn::Depth, kind, CameraKind::ToF, failure});
+            }
         }
-        add({kind, CameraKind::ToF, Failure::Nothing, true});
-        add({kind, CameraKind::ToF, Failure::Nothing, false, false, true});
     }
     return all;
 }
@@ -60,10 +74,10 @@ struct Outcome {
     CameraKind setUp = CameraKind::None;
     bool replaced = false; ///< the old view and chain are gone
     bool sourceLives = true;
-    bool running = false;  ///< the chain that has the source
-    QList<int> transforms; ///< of that chain
-    int imageViews = 0;    ///< opened
-    int scenes = 0;        ///< opened
+    bool running = false; ///< the chain that has the source
+    QString shape;        ///< of that chain
+    int imageViews = 0;   ///< opened
+    int scenes = 0;       ///< opened
 };
 
 Outcome expectedOutcome(const Combination& given) {
@@ -71,6 +85,10 @@ Outcome expectedOutcome(const Combination& given) {
         "ToF processing needs (A and B) RAWX2, or (A minus B) RAW image, or X1X2X3 RAWX3 image.");
     Outcome outcome;
     outcome.running = given.running;
+    outcome.shape = shapeBehind(given.on);
+    if (!hasBlock(given.on)) {
+        return outcome;
+    }
     if (given.asks()) {
         outcome.boxes << line(QMessageBox::Question, "Invalid input image", withQuestion(needs),
                               QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes);
@@ -89,11 +107,12 @@ Outcome expectedOutcome(const Combination& given) {
         return outcome;
     }
     outcome.running = true;
+    outcome.shape.clear();
     if (given.failure != Failure::BranchAfter && given.failure != Failure::OpenView) {
-        const bool hasIntensity =
-            given.kind == FakeKind::AB || given.kind == FakeKind::Hybrid || given.kind == FakeKind::Grey;
-        outcome.transforms = hasIntensity ? QList<int>{3, 2, 1} : QList<int>{3, 2};
-        outcome.imageViews = int(outcome.transforms.size());
+        const FakeKind source = given.sourceInTheEnd();
+        const bool hasIntensity = source == FakeKind::AB || source == FakeKind::Hybrid;
+        outcome.shape = hasIntensity ? QStringLiteral("321") : QStringLiteral("32");
+        outcome.imageViews = int(outcome.shape.size());
         outcome.scenes = 1;
     }
     return outcome;
@@ -132,14 +151,7 @@ TEST_P(OpenAllTable, BoxesChainsCameraAndViews) {
     const TableCameras cameras;
     const int sourcesBefore = FakeSource::alive;
     ToFRig rig;
-    rig.open(given.kind, given.separate, cameras.of(given.camera));
-    if (given.sceneIsActive) {
-        auto* scene = new CkToF3DMdiView(rig.view->viewId(), -1, nullptr, nullptr);
-        rig.app.addMdiView(scene);
-        rig.app.activeView = scene->viewId();
-    }
-    rig.app.addedViews.clear();
-    rig.app.calls.clear();
+    ASSERT_NO_FATAL_FAILURE(openOn(rig, given.on, given.kind, given.separate, cameras.of(given.camera)));
     rig.answer = given.yes ? QMessageBox::Yes : QMessageBox::Cancel;
     letFail(rig, given.failure);
     if (given.running) {
@@ -164,9 +176,10 @@ TEST_P(OpenAllTable, BoxesChainsCameraAndViews) {
     if (expected.sourceLives) {
         EXPECT_EQ(source->chain(), chains[0]);
         EXPECT_EQ(chains[0]->started(), expected.running);
-        EXPECT_EQ(ToFRig::transforms(chains[0]), expected.transforms);
-        EXPECT_EQ(chains[0]->successors(source).size(), expected.transforms.size());
-        EXPECT_EQ(chains[0]->blocks().size(), 1 + expected.transforms.size());
+        EXPECT_EQ(shapeOf(chains[0]), expected.shape);
+        if (expected.replaced) {
+            EXPECT_EQ(chains[0]->successors(source).size(), expected.shape.size()) << "all fed by the source";
+        }
     }
     const QStringList opened = rig.app.calls.filter(QStringLiteral("openImageView"));
     EXPECT_EQ(opened.size() - opened.count(QStringLiteral("openImageView -1")), expected.imageViews);

@@ -155,6 +155,30 @@ TEST(ToFOpenAllViews, ViewWithoutABlockOrAChainIsLeftAlone) {
     EXPECT_TRUE(rig.app.calls.isEmpty());
 }
 
+TEST(ToFOpenAllViews, ChainWithoutASourceIsLeftAlone) {
+    ToFRig rig;
+    rig.open(FakeKind::AB);
+    CkChain* chain = rig.chain();
+    auto* block = new PassBlock;
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, block, rig.source));
+    ASSERT_TRUE(CkChainManager::instance()->remove(chain, rig.source, true));
+    delete rig.source;
+    ViewWithImage view(block); // what it shows is left from before
+    view.image = std::make_unique<CkImageData>();
+    SkPicBuf picture;
+    CkImageMetadata metadata;
+    describe(FakeKind::AB, false, picture, metadata);
+    view.image->setPicBuf(picture);
+    view.image->setMetadata(metadata);
+    rig.app.registerView(&view);
+    rig.app.activeView = view.viewId();
+    rig.actions.openAllToFViews();
+    EXPECT_TRUE(rig.boxes.empty());
+    EXPECT_TRUE(rig.app.calls.isEmpty());
+    EXPECT_EQ(rig.chain()->blocks(), QList<CkChainable*>{block});
+    EXPECT_TRUE(rig.chainHost.calls.isEmpty());
+}
+
 TEST(ToFOpenAllViews, FailedRemovalLeavesTheChainRunning) {
     ToFRig rig;
     rig.open(FakeKind::AB);

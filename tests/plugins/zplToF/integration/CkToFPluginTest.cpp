@@ -149,6 +149,27 @@ TEST_F(ToFPlugin, OneToFCameraAndAViewOfSomethingElseLeaveCalibrationEnabled) {
     EXPECT_EQ(enabled(), (QList<bool>{true, false, false})) << "two cameras are open";
 }
 
+TEST_F(ToFPlugin, MenuThatOpensKnowsOfCamerasThatCameOrWentMeanwhile) {
+    FakeCamera camera({4, 13});
+    ASSERT_TRUE(plugin.init());
+    app.activeView = 1;
+    app.viewCameras[1] = nullptr;
+    FakeCamera second({-1, 13});
+    plugin.activeViewChanged(1);
+    ASSERT_EQ(enabled(), (QList<bool>{true, false, false}));
+    auto* menu = qobject_cast<QMenu*>(action("menuTofCalibrateOffset")->parent());
+    ASSERT_NE(menu, nullptr);
+    second.close();
+    emit menu->aboutToShow();
+    EXPECT_EQ(enabled(), (QList<bool>{true, false, true}));
+    app.viewCameras[1] = camera.handle();
+    emit menu->aboutToShow();
+    EXPECT_EQ(enabled(), (QList<bool>{true, true, true}));
+    camera.close(); // its view is still there, with a handle that has gone
+    emit menu->aboutToShow();
+    EXPECT_EQ(enabled(), (QList<bool>{true, false, false}));
+}
+
 TEST_F(ToFPlugin, OnlyCameraThatIsNoToFCameraEnablesNoCalibration) {
     FakeCamera camera({-1, 13});
     ASSERT_TRUE(plugin.init());
