@@ -248,6 +248,53 @@ TEST_P(WaveKnownAnswers, AmplitudeAroundEveryStepOf16BitSamples) {
     }
 }
 
+/// Samples of 14 bits, now and then the limits of them and of 16 bits: blocks of pixels that take a short cut
+/// lie beside blocks that must not.
+void fillAround14Bits(TestPicture& source, std::mt19937& random) {
+    const bool taps = source.pic.channels == 2;
+    const std::vector<qint64> limits =
+        taps ? std::vector<qint64>{16383, 16384, 32767, 32768, 65535}
+             : std::vector<qint64>{16383, 16384, 32767, -16383, -16384, -16385, -32768};
+    for (quint32 y = 0; y < source.pic.height; ++y) {
+        for (quint32 x = 0; x < source.pic.width; ++x) {
+            for (quint32 channel = 0; channel < source.pic.channels; ++channel) {
+                const qint64 sample = taps ? random() % 16384 : qint64(random() % 32767) - 16383;
+                source.put(x, y, channel, random() % 128 == 0 ? limits[random() % limits.size()] : sample);
+            }
+        }
+    }
+}
+
+TEST_P(WaveKnownAnswers, AmplitudeAround14Bits) {
+    constexpr quint32 width = 1021;
+    constexpr quint32 height = 60;
+    std::mt19937 random(14);
+    for (const quint32 channels : {1U, 2U}) {
+        TestPicture source(width, 4 * height, channels,
+                           channels == 2 ? EkImageDataType::UInt16 : EkImageDataType::Int16);
+        fillAround14Bits(source, random);
+        const auto difference = [&](quint32 x, quint32 y, quint32 phase) {
+            const quint32 row = phase * height + y;
+            return source.at(x, row, 0) - (channels == 2 ? source.at(x, row, 1) : 0);
+        };
+        for (const int phases : {2, 4}) {
+            TestPicture result(width, height, 1, EkImageDataType::UInt16);
+            ASSERT_TRUE(channels == 2 ? CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, phases)
+                                      : CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, phases));
+            for (quint32 y = 0; y < height; ++y) {
+                for (quint32 x = 0; x < width; ++x) {
+                    const bool four = phases == 4;
+                    const qint64 along = difference(x, y, 0) - (four ? difference(x, y, 2) : 0);
+                    const qint64 across = difference(x, y, 1) - (four ? difference(x, y, 3) : 0);
+                    ASSERT_EQ(result.get<quint16>(x, y),
+                              integerRoot(along * along + across * across) / phases)
+                        << along << ' ' << across;
+                }
+            }
+        }
+    }
+}
+
 TEST_P(WaveKnownAnswers, EightBitSinglePhaseTenAndThirty) {
     TestPicture source(1, 1, 2, EkImageDataType::UInt8);
     setTaps(source, 0, {{10, 30}});
