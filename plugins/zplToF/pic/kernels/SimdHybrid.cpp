@@ -316,16 +316,5 @@ void addHybrid(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace tofSimd {
-HWY_EXPORT(addHybrid);
-}
-
-bool addSimdHybridKernels(int64_t target, SkToFKernels& kernels) {
-    using namespace tofSimd;
-    const auto add = TOF_TARGET_ENTRY(addHybrid, target);
-    if (add == nullptr)
-        return false;
-    add(kernels);
-    return true;
-}
+TOF_EXPORT_KERNELS(addSimdHybridKernels, addHybrid)
 #endif

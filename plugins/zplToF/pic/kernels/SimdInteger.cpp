@@ -131,16 +131,5 @@ void addInteger(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace tofSimd {
-HWY_EXPORT(addInteger);
-}
-
-bool addSimdIntegerKernels(int64_t target, SkToFKernels& kernels) {
-    using namespace tofSimd;
-    const auto add = TOF_TARGET_ENTRY(addInteger, target);
-    if (add == nullptr)
-        return false;
-    add(kernels);
-    return true;
-}
+TOF_EXPORT_KERNELS(addSimdIntegerKernels, addInteger)
 #endif

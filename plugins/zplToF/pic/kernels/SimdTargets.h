@@ -13,8 +13,19 @@ bool addSimdWaveKernels(int64_t target, SkToFKernels& kernels);
 bool addSimdIntegerKernels(int64_t target, SkToFKernels& kernels);
 bool addSimdHybridKernels(int64_t target, SkToFKernels& kernels);
 
-/// Picks the entry of one instruction set from a dispatch table of Highway, or null.
-#define TOF_TARGET_ENTRY(FUNCTION, TARGET)                                                                   \
-    HWY_DISPATCH_TABLE(FUNCTION)                                                                             \
-    [hwy::Num0BitsBelowLS1Bit_Nonzero64(                                                                     \
-        uint64_t(HWY_CHOSEN_TARGET_SHIFT((TARGET)&HWY_TARGETS) | HWY_CHOSEN_TARGET_MASK_SCALAR))]
+/// Defines NAME, one of the functions above, by FUNCTION, of which every instruction set has its own: Highway
+/// keeps them in a table, which has no entry for a set that was not built in.
+#define TOF_EXPORT_KERNELS(NAME, FUNCTION)                                                                   \
+    namespace tofSimd {                                                                                      \
+    HWY_EXPORT(FUNCTION);                                                                                    \
+    }                                                                                                        \
+    bool NAME(int64_t target, SkToFKernels& kernels) {                                                       \
+        using namespace tofSimd;                                                                             \
+        const auto index = hwy::Num0BitsBelowLS1Bit_Nonzero64(                                               \
+            uint64_t(HWY_CHOSEN_TARGET_SHIFT((target)&HWY_TARGETS) | HWY_CHOSEN_TARGET_MASK_SCALAR));        \
+        const auto add = HWY_DISPATCH_TABLE(FUNCTION)[index];                                                \
+        if (add == nullptr)                                                                                  \
+            return false;                                                                                    \
+        add(kernels);                                                                                        \
+        return true;                                                                                         \
+    }

@@ -201,16 +201,5 @@ void addWave(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace tofSimd {
-HWY_EXPORT(addWave);
-}
-
-bool addSimdWaveKernels(int64_t target, SkToFKernels& kernels) {
-    using namespace tofSimd;
-    const auto add = TOF_TARGET_ENTRY(addWave, target);
-    if (add == nullptr)
-        return false;
-    add(kernels);
-    return true;
-}
+TOF_EXPORT_KERNELS(addSimdWaveKernels, addWave)
 #endif
