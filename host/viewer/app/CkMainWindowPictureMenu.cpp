@@ -21,7 +21,7 @@ CkImageView* pictureOf(const CkViewArea* area) {
 } // namespace
 
 void CkMainWindow::createPictureMenu() {
-    QMenu* menu = menuBar()->addMenu(tr("&Picture"));
+    QMenu* menu = menuBar()->addMenu(tr("P&icture"));
     menu->setToolTipsVisible(true);
     const auto add = [this, menu](const QString& sText, const QKeySequence& key, auto what) {
         QAction* action = menu->addAction(sText, key, this, [this, what] {
@@ -85,7 +85,7 @@ void CkMainWindow::updatePictureActions() {
 }
 
 void CkMainWindow::createChainMenu() {
-    QMenu* menu = menuBar()->addMenu(tr("C&hain"));
+    QMenu* menu = menuBar()->addMenu(tr("Chai&n"));
     menu->setToolTipsVisible(true);
     menu->addMenu(m_pChainPanel->addMenu());
     menu->addActions(m_pChainPanel->blockActions());

@@ -64,7 +64,7 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     QAction* reopen = pMenu->addAction(tr("&Reopen at Start"));
     reopen->setObjectName(QStringLiteral("actReopenCameras"));
     reopen->setCheckable(true);
-    reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
     reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
     reopen->setToolTip(tr("Open the cameras and views of this session again when the viewer is started"));
     connect(reopen, &QAction::toggled, this,

@@ -42,7 +42,7 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
     m_pAddButton->setPopupMode(QToolButton::InstantPopup);
     m_pConfigureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
     m_pConfigureAction->setIconText(tr("Configure..."));
-    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_E);
+    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_B);
     m_pToggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
     m_pToggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
     m_pRemoveAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);

@@ -1123,7 +1123,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Zuletzt geöffnete oder gespeicherte Dateien</translation>
     </message>
     <message>
-        <source>&amp;Picture</source>
+        <source>P&amp;icture</source>
         <translation>&amp;Bild</translation>
     </message>
     <message>
@@ -1159,7 +1159,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Das Bild hat nur einen Kanal</translation>
     </message>
     <message>
-        <source>C&amp;hain</source>
+        <source>Chai&amp;n</source>
         <translation>K&amp;ette</translation>
     </message>
     <message>
@@ -1265,7 +1265,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Phase shift</source>
-        <translation>Phasenverschiebung</translation>
+        <translation>Phase</translation>
     </message>
     <message>
         <source>Confidence</source>
