@@ -21,8 +21,6 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
-#include <QPolygonF>
 #include <QScreen>
 #include <QSettings>
 #include <QTabWidget>
@@ -31,27 +29,6 @@ namespace {
 constexpr int kLeftWidth = 350;
 constexpr int kRightWidth = 360;
 constexpr int kLogHeight = 150;
-
-// A room as a ToF camera sees it: near is warm, far is cold.
-QIcon viewerIcon() {
-    QPixmap pixmap(64, 64);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0x24, 0x2a, 0x4a));
-    painter.drawRoundedRect(2, 2, 60, 60, 10, 10);
-    QLinearGradient depth(14, 50, 50, 14);
-    depth.setColorAt(0.0, QColor(0xf0, 0x50, 0x20));
-    depth.setColorAt(0.5, QColor(0x60, 0xd0, 0x60));
-    depth.setColorAt(1.0, QColor(0x30, 0x60, 0xe0));
-    painter.setBrush(depth);
-    painter.drawPolygon(QPolygonF({{10, 44}, {32, 54}, {54, 44}, {54, 20}, {32, 10}, {10, 20}}));
-    painter.setPen(QPen(QColor(0xff, 0xff, 0xff), 2));
-    painter.drawPolyline(QPolygonF({{10, 20}, {32, 30}, {54, 20}}));
-    painter.drawLine(32, 30, 32, 54);
-    return QIcon(pixmap);
-}
 
 QList<QAction*> leavesOf(const QMenu* menu) {
     QList<QAction*> leaves;
@@ -69,7 +46,6 @@ QList<QAction*> leavesOf(const QMenu* menu) {
 CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("zuviewer"));
-    setWindowIcon(viewerIcon());
     setAcceptDrops(true);
     m_pArea = new CkViewArea(this);
     setCentralWidget(m_pArea);
