@@ -16,33 +16,33 @@ class ZUCORE_EXPORT CkCameraParam : public QObject {
     Q_OBJECT
 
 public:
-    enum class EkKind { Integer, Float, Bool, Enumeration };
-
+    /** What a value is. */ enum class EkKind { Integer, Float, Bool, Enumeration };
+    /// A choice of an enumeration.
     struct SkEnumEntry {
-        qint64 value = 0;
-        QString text;
+        qint64 value = 0; ///< what the camera is given
+        QString text;     ///< for people, translated
     };
-
+    /// What a parameter is made of.
     struct SkDescription {
-        QString name;        ///< the driver's name, unique within the camera
-        QString displayName; ///< for people, translated
-        QString toolTip;
-        QString unit; ///< "us", "MHz", "1/s"; empty for none
-        EkKind kind = EkKind::Integer;
-        CkValue value;
-        double minimum = 0.0; ///< inclusive; Integer and Float; no limits unless minimum < maximum
-        double maximum = 0.0;
+        QString name;                  ///< the driver's name, unique within the camera
+        QString displayName;           ///< for people, translated
+        QString toolTip;               ///< for people, translated; may be empty
+        QString unit;                  ///< "us", "MHz", "1/s"; empty for none
+        EkKind kind = EkKind::Integer; ///< of value and limits
+        CkValue value;                 ///< committed last
+        double minimum = 0.0;          ///< inclusive; Integer and Float; no limits unless minimum < maximum
+        double maximum = 0.0;          ///< inclusive
         double step = 1.0; ///< values are minimum plus a whole number of steps; 0 or less: any value (Float)
-        QList<SkEnumEntry> entries; ///< Enumeration
-        bool readOnly = false;
+        QList<SkEnumEntry> entries;   ///< Enumeration
+        bool readOnly = false;        ///< the camera refuses other values
         bool acceptsUnlisted = false; ///< Enumeration: values without an entry are accepted too
     };
 
-    CkCameraParam(const SkDescription& description, CkCameraParameters* pParent);
+    CkCameraParam(const SkDescription& description, CkCameraParameters* pParent); ///< The parent owns it.
     ~CkCameraParam() override;
 
-    QString name() const { return m_description.name; }
-    const SkDescription& description() const { return m_description; }
+    QString name() const { return m_description.name; }                ///< The driver's.
+    const SkDescription& description() const { return m_description; } ///< With the committed value.
 
     /// The value set last, committed or not.
     CkValue paramValue() const { return m_pending; }

@@ -8,10 +8,10 @@
 
 /// What a camera is.
 struct SkCameraInfo {
-    QString id; ///< unique over all drivers, the same each time the camera is plugged in
-    QString name;
-    QString model;
-    QString serial;
+    QString id;             ///< unique over all drivers, the same each time the camera is plugged in
+    QString name;           ///< for people
+    QString model;          ///< the maker's
+    QString serial;         ///< empty when the camera has none
     quint32 sensorType = 0; ///< 13: hybrid ToF sensor
 };
 
@@ -27,11 +27,11 @@ public:
     explicit CkCameraParameters(const SkCameraInfo& info, CommitFunction commit, QObject* pParent = nullptr);
     ~CkCameraParameters() override;
 
-    const SkCameraInfo& cameraInfo() const { return m_info; }
+    const SkCameraInfo& cameraInfo() const { return m_info; } ///< Of the camera they belong to.
 
     /// Takes a new parameter in. Null when the name is taken.
     CkCameraParam* addParam(const CkCameraParam::SkDescription& description);
-    QList<CkCameraParam*> params() const { return m_params; }
+    QList<CkCameraParam*> params() const { return m_params; } ///< In the driver's order.
 
     /// The named parameter or null. bIgnoreCase compares names without regard to case.
     CkCameraParam* findParam(const QString& sName, bool bIgnoreCase = false) const;

@@ -17,18 +17,18 @@ public:
     /// For re-creation from a chain file; the camera is found by the saved identifier, or is the first
     /// open one.
     Q_INVOKABLE CkCameraSource();
-    explicit CkCameraSource(void* pCameraHandle);
+    explicit CkCameraSource(void* pCameraHandle); ///< Frames of this camera; null for none yet.
     ~CkCameraSource() override;
 
     QString title() const override;
     bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
     QList<void*> cameraHandles() const override;
     bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
-    bool loadSettings(const QDomElement& element) override;
+    bool loadSettings(const QDomElement& element) override; ///< The named camera, else the first one.
     CkChainable* clone() override;
 
-    void* cameraHandle() const;
-    void setCameraHandle(void* pCameraHandle);
+    void* cameraHandle() const;                ///< Null when it was closed.
+    void setCameraHandle(void* pCameraHandle); ///< Null for none.
 
 private:
     void connectCamera();

@@ -31,12 +31,12 @@ public:
 
 /// Counters of a block since the chain was last started. Times are wall-clock nanoseconds.
 struct SkBlockStatistics {
-    quint64 framesIn = 0;
-    quint64 framesOut = 0;
+    quint64 framesIn = 0;  ///< frames that came to the block
+    quint64 framesOut = 0; ///< frames that left it
     /// Lost before a source's chain had them, in a full queue or one that a stop found filled, for want of
     /// a free picture, to a format that does not fit, a block that failed, or a slow sink.
     quint64 dropped = 0;
-    quint64 processNs = 0;
+    quint64 processNs = 0; ///< spent in processData
 };
 
 /// A graph of blocks and the thread that runs it.
@@ -59,14 +59,14 @@ public:
     /// the queue are dropped. Nothing happens for a stopped chain. Not from the chain's own thread.
     void stop();
 
-    bool started() const;
-    bool stopped() const;
+    bool started() const; ///< Between start and stop.
+    bool stopped() const; ///< No thread of the chain is at work.
 
     /// Holds off start, stop and structural changes by other threads; what the holding thread calls goes
     /// through. For "stop, change, start" as one step.
     class ZUCORE_EXPORT CkControlLock {
     public:
-        explicit CkControlLock(CkChain* pChain);
+        explicit CkControlLock(CkChain* pChain); ///< Waits for its turn.
         ~CkControlLock();
         CkControlLock(const CkControlLock&) = delete;
         CkControlLock& operator=(const CkControlLock&) = delete;
@@ -79,13 +79,13 @@ public:
     QList<CkChainable*> imageSources() const;
     /// All blocks, each behind its predecessors.
     QList<CkChainable*> blocks() const;
-    QList<CkChainable*> precedessors(const CkChainable* pBlock) const;
-    QList<CkChainable*> successors(const CkChainable* pBlock) const;
+    QList<CkChainable*> precedessors(const CkChainable* pBlock) const; ///< Feeders, in order of connection.
+    QList<CkChainable*> successors(const CkChainable* pBlock) const;   ///< Blocks that it feeds.
 
     /// "Source - Block - Block" along the way to pProvider, for window titles.
     QString chainTitle(const CkChainable* pProvider) const;
 
-    CkMemoryPool* memoryPool() const;
+    CkMemoryPool* memoryPool() const; ///< Never null.
 
     /// From the next frame on the sink gets its own object of every frame that leaves pBlock. A running
     /// chain makes room in the block's pool. False when the block is not in the chain.
@@ -95,7 +95,7 @@ public:
     /// The block whose frames the sink gets; moves when a block is inserted behind it. Null when unknown.
     CkChainable* sinkBlock(const IkFrameSink* pSink) const;
 
-    SkBlockStatistics blockStatistics(const CkChainable* pBlock) const;
+    SkBlockStatistics blockStatistics(const CkChainable* pBlock) const; ///< Zeros for a foreign block.
 
     /// The format negotiated last for the block's output. False when there is none.
     bool negotiatedInfo(const CkChainable* pBlock, SkPicBufInfo& info, CkImageMetadata* pMetadata) const;
@@ -112,11 +112,11 @@ public:
     /// On failure the chain is left as it was and psError says what is wrong and where. User-interface
     /// thread.
     bool save(QDomDocument& doc, QDomElement& element) const;
-    bool load(const QDomElement& element, QString* psError);
+    bool load(const QDomElement& element, QString* psError); ///< See save.
 
 signals:
-    void runningChanged(bool bRunning);
-    void structureChanged();
+    void runningChanged(bool bRunning); ///< After start, before stop returns.
+    void structureChanged();            ///< Blocks or connections changed.
     /// After a sink was moved to another block by an insertion or removal.
     void sinksMoved();
 

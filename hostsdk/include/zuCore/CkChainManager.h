@@ -14,11 +14,11 @@ class ZUCORE_EXPORT CkChainManager : public QObject {
     Q_OBJECT
 
 public:
-    static CkChainManager* instance();
+    static CkChainManager* instance(); ///< Never null.
 
     /// A new empty chain, owned by the manager; null when none can be made.
     CkChain* createChain();
-    QList<CkChain*> chains() const;
+    QList<CkChain*> chains() const; ///< In the order in which they were made.
 
     /// Stops the chain, deletes its blocks and the chain itself. Unknown chains are ignored.
     void closeChain(CkChain* pChain);
@@ -44,7 +44,7 @@ public:
     void deleteChainable(CkChainable* pBlock);
 
 signals:
-    void chainCreated(CkChain* pChain);
+    void chainCreated(CkChain* pChain); ///< It has no block yet.
     /// The chain is stopped and still whole.
     void chainAboutToClose(CkChain* pChain);
 

@@ -34,7 +34,7 @@ public:
     explicit CkChainable(int iBlockKind = 0, QObject* pParent = nullptr);
     ~CkChainable() override;
 
-    int blockKind() const { return m_iBlockKind; }
+    int blockKind() const { return m_iBlockKind; } ///< As given at construction.
 
     /// Short name for panels and window titles.
     virtual QString title() const;
@@ -49,7 +49,7 @@ public:
 
     /// Called before the first and after the last frame of a run. Overrides call the base.
     virtual void setupStart();
-    virtual void setupStop();
+    virtual void setupStop(); ///< See setupStart.
 
     /// Works on one frame; chain thread. Takes over pData (may be null). Result: the same object (passed
     /// through), a new one after deleting pData, or null for no output, pData deleted by the caller:
@@ -59,9 +59,9 @@ public:
     /// Writes and reads the block's settings as attributes of its element in the chain's file. Overrides
     /// call the base first. The base keeps whether the block is switched off.
     virtual bool saveSettings(QDomDocument& doc, QDomElement& element) const;
-    virtual bool loadSettings(const QDomElement& element);
+    virtual bool loadSettings(const QDomElement& element); ///< See saveSettings.
 
-    virtual bool hasHelp() const;
+    virtual bool hasHelp() const; ///< Whether help has a text.
     /// Rich text for the user.
     virtual void help(QString& sText);
 
@@ -80,11 +80,11 @@ public:
 
     /// EkState. Any thread.
     int state() const;
-    void setState(int iState);
+    void setState(int iState); ///< EkState; emits stateChanged. Any thread.
 
     /// What the host shows on the block; empty for no error. Any thread.
     QString errorMessage() const;
-    void setErrorMessage(const QString& sMessage);
+    void setErrorMessage(const QString& sMessage); ///< Empty for no error. Any thread.
 
     /// The chain's picture memory; null outside a chain. The block's own shelf has the block as its owner.
     CkMemoryPool* memoryPool() const;
@@ -92,7 +92,7 @@ public:
 signals:
     /// Emitted on the thread that changed the message.
     void errorMessageChanged(const QString& sMessage);
-    void stateChanged(int iState);
+    void stateChanged(int iState); ///< EkState; on the thread that changed it.
     /// Title or settings have changed.
     void configurationChanged();
 

@@ -13,17 +13,17 @@ class ZUCORE_EXPORT CkImageData : public QObject, public IkChainData {
     Q_OBJECT
 
 public:
-    explicit CkImageData(QObject* pParent = nullptr);
+    explicit CkImageData(QObject* pParent = nullptr); ///< Without a picture.
     ~CkImageData() override;
 
-    const SkPicBuf& picBuf() const { return m_picBuf; }
-    SkPicBuf& picBuf() { return m_picBuf; }
+    const SkPicBuf& picBuf() const { return m_picBuf; } ///< Stays this object's.
+    SkPicBuf& picBuf() { return m_picBuf; } ///< To write pixels; only while nobody else holds them.
 
     /// Takes over the picture's reference; the one held before is given back.
     void setPicBuf(const SkPicBuf& picBuf);
 
-    const CkImageMetadata& metadata() const { return m_metadata; }
-    void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; }
+    const CkImageMetadata& metadata() const { return m_metadata; }               ///< Of this frame.
+    void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; } ///< A copy is kept.
 
     /// Identifier of the frame within its source: the low 31 bits of the frame number, never negative.
     qint32 frameId() const { return qint32(m_picBuf.additionalData.frameNumber & 0x7fffffffU); }

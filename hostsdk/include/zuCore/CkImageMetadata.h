@@ -8,12 +8,12 @@
 /// Readout formats of a ToF camera as they appear in CkImageMetadata::tofFormatCode. Exactly these six
 /// are recognised.
 namespace TofFormatCode {
-inline constexpr quint32 RawX2Bits8 = 0x80ab0f08U;
-inline constexpr quint32 RawX2Bits12 = 0x80ab0f0cU;
-inline constexpr quint32 RawX2Bits12Alternate = 0x84ab0f0cU;
-inline constexpr quint32 AminusBBits8 = 0x80a05f08U;
-inline constexpr quint32 AminusBBits12 = 0x80a05f0cU;
-inline constexpr quint32 AminusBBits12Alternate = 0x84a05f0cU;
+inline constexpr quint32 RawX2Bits8 = 0x80ab0f08U;             ///< A and B, 8 bit
+inline constexpr quint32 RawX2Bits12 = 0x80ab0f0cU;            ///< A and B, 12 bit in 16
+inline constexpr quint32 RawX2Bits12Alternate = 0x84ab0f0cU;   ///< another code of the same
+inline constexpr quint32 AminusBBits8 = 0x80a05f08U;           ///< A minus B, 8 bit, signed
+inline constexpr quint32 AminusBBits12 = 0x80a05f0cU;          ///< A minus B, 12 bit in 16, signed
+inline constexpr quint32 AminusBBits12Alternate = 0x84a05f0cU; ///< another code of the same
 } // namespace TofFormatCode
 
 /// Per-image record that travels with a picture. Plain data, copied by value (strings share).
@@ -35,8 +35,8 @@ struct CkImageMetadata {
     float frameRate = 0.0F;           ///< sets per second the camera is set to
     qint64 timestampNs = 0;           ///< host clock at delivery, nanoseconds since the epoch
     quint64 frameNumber = 0;          ///< counts from 0 at each start of acquisition
-    QString cameraName;
-    QString cameraSerial;
+    QString cameraName;               ///< for people; empty: unknown
+    QString cameraSerial;             ///< empty: unknown
 
     bool operator==(const CkImageMetadata&) const = default;
 };

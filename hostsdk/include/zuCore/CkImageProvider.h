@@ -9,7 +9,7 @@ class ZUCORE_EXPORT CkImageProvider : public CkChainable {
     Q_OBJECT
 
 public:
-    explicit CkImageProvider(int iBlockKind = 0, QObject* pParent = nullptr);
+    explicit CkImageProvider(int iBlockKind = 0, QObject* pParent = nullptr); ///< See CkChainable.
     ~CkImageProvider() override;
 
     /// What the block makes of an input format. outMeta may be null; inMeta too. The base copies both

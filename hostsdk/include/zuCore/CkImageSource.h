@@ -10,7 +10,7 @@ class ZUCORE_EXPORT CkImageSource : public CkImageProvider {
     Q_OBJECT
 
 public:
-    explicit CkImageSource(QObject* pParent = nullptr);
+    explicit CkImageSource(QObject* pParent = nullptr); ///< In no chain yet.
     ~CkImageSource() override;
 
     /// A source stands first (true for null) and has no input (false for everything else).

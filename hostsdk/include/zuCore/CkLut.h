@@ -12,11 +12,11 @@ class ZUCORE_EXPORT CkLut {
 public:
     /// Maps [inLow, inHigh] to [outLow, outHigh] with ((v - inLow) / (inHigh - inLow)) ^ gamma.
     struct CkCompContrast {
-        quint32 inLow = 0;
-        quint32 inHigh = 255;
-        quint32 outLow = 0;
-        quint32 outHigh = 255;
-        double gamma = 1.0;
+        quint32 inLow = 0;     ///< first value of the window
+        quint32 inHigh = 255;  ///< last value of the window
+        quint32 outLow = 0;    ///< what inLow becomes
+        quint32 outHigh = 255; ///< what inHigh becomes
+        double gamma = 1.0;    ///< 1 is a straight line
 
         bool operator==(const CkCompContrast&) const = default;
     };
@@ -25,21 +25,21 @@ public:
     /// layout flag and a sample type. Without contrast entries the whole range 0 .. 2^bits - 1 is mapped.
     CkLut(quint32 uiBits, quint32 uiPixelStep, bool bLayoutFlag, EkImageDataType dataType);
 
-    quint32 bitsPerChannel() const { return m_uiBits; }
-    quint32 pixelStep() const { return m_uiPixelStep; }
-    bool layoutFlag() const { return m_bLayoutFlag; }
-    EkImageDataType dataType() const { return m_dataType; }
+    quint32 bitsPerChannel() const { return m_uiBits; }     ///< Significant bits, as constructed.
+    quint32 pixelStep() const { return m_uiPixelStep; }     ///< Samples from pixel to pixel.
+    bool layoutFlag() const { return m_bLayoutFlag; }       ///< As constructed.
+    EkImageDataType dataType() const { return m_dataType; } ///< Of the samples, as constructed.
 
     /// Number and names of the pseudo-colour maps; 0 is grey.
     static int pseudoColorCount();
-    static QStringList pseudoColorNames();
+    static QStringList pseudoColorNames(); ///< Not translated.
 
-    int pseudoColorIndex() const { return m_iPseudoColorIndex; }
+    int pseudoColorIndex() const { return m_iPseudoColorIndex; } ///< 0 is grey.
     /// Indices outside the maps count as 0.
     void setPseudoColorIndex(int iIndex);
 
-    QList<CkCompContrast>& contrastEntries() { return m_contrastEntries; }
-    const QList<CkCompContrast>& contrastEntries() const { return m_contrastEntries; }
+    QList<CkCompContrast>& contrastEntries() { return m_contrastEntries; } ///< The first one counts.
+    const QList<CkCompContrast>& contrastEntries() const { return m_contrastEntries; } ///< Empty: all values.
 
     /// Builds the colour table, 4 bytes an entry in the order blue, green, red, 255. uiBytes is the size
     /// asked for; it is rounded to what one entry for each of min(2^bits, 65536) values needs (256 for

@@ -20,7 +20,7 @@ public:
 
     /// Takes the owner's shelf away; pictures still held stay valid until they are freed.
     void release(const void* pOwner);
-    void releaseAll();
+    void releaseAll(); ///< The same for every owner.
 
     /// Hands out a picture of the descriptor. False when the owner has no shelf, when none is free, or when
     /// the descriptor needs another byte size than the shelf holds. Pixels are what the last user left

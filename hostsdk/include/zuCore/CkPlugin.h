@@ -16,13 +16,13 @@ public:
     /// Called once after loading. False: the plug-in cannot work; it is unloaded.
     virtual bool init() = 0;
 
-    virtual QString name() const = 0;
-    virtual QString author() const = 0;
-    virtual QString description() const = 0;
+    virtual QString name() const = 0;        ///< For people.
+    virtual QString author() const = 0;      ///< For people.
+    virtual QString description() const = 0; ///< A sentence, for people.
     /// The framework version the plug-in was built with (zuCoreVersion). Another major version than the
     /// host's is refused.
     virtual void version(int& major, int& minor, int& patch) const = 0;
-    virtual QString website() const = 0;
+    virtual QString website() const = 0; ///< Address, or empty.
 
     /// viewId -1: no view is active.
     virtual void activeViewChanged(int viewId) = 0;
@@ -30,7 +30,7 @@ public:
     virtual void viewAboutToClose(int viewId) = 0;
     /// pData stays the host's and is valid during the call.
     virtual void viewGotNewImage(int viewId, const CkImageData* pData) = 0;
-    virtual void newCameraConnected(void* cameraHandle) = 0;
+    virtual void newCameraConnected(void* cameraHandle) = 0; ///< See CkCameraManager.
 };
 
 Q_DECLARE_INTERFACE(CkPlugin, "com.orvane.CkPlugin")

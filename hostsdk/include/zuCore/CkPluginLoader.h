@@ -16,13 +16,13 @@ class ZUCORE_EXPORT CkPluginLoader : public QObject {
     Q_OBJECT
 
 public:
-    struct SkLoadedPlugin {
-        QString fileName;
-        CkPlugin* plugin = nullptr;
-        QObject* object = nullptr;
+    /** A plug-in at work. */ struct SkLoadedPlugin {
+        QString fileName;           ///< the library, with its path
+        CkPlugin* plugin = nullptr; ///< stays the loader's
+        QObject* object = nullptr;  ///< the same one as a QObject
     };
 
-    explicit CkPluginLoader(QObject* pParent = nullptr);
+    explicit CkPluginLoader(QObject* pParent = nullptr); ///< Loads nothing yet.
     ~CkPluginLoader() override;
 
     /// Loads one library and calls init(). Null, with psError set, on refusal.
@@ -31,7 +31,7 @@ public:
     /// Loads every library of a folder, in order of file name; answers the messages of the refused ones.
     QStringList loadFolder(const QString& sFolder);
 
-    QList<SkLoadedPlugin> plugins() const { return m_plugins; }
+    QList<SkLoadedPlugin> plugins() const { return m_plugins; } ///< In order of loading.
 
 private:
     QList<SkLoadedPlugin> m_plugins;

@@ -9,17 +9,17 @@
 
 /// A class that the host can create.
 struct SkRegisteredClass {
-    QString uniqueId;   ///< class information "UniqueID", or the class name without one
-    QString customName; ///< class information "CustomName", or the class name without one
-    QString baseClassName;
-    const QMetaObject* metaObject = nullptr;
-    QObject* plugin = nullptr; ///< who registered it; null for the host itself
+    QString uniqueId;      ///< class information "UniqueID", or the class name without one
+    QString customName;    ///< class information "CustomName", or the class name without one
+    QString baseClassName; ///< under which it was registered
+    const QMetaObject* metaObject = nullptr; ///< never null in the registry
+    QObject* plugin = nullptr;               ///< who registered it; null for the host itself
 };
 
 /// Registry of creatable classes. User-interface thread.
 class ZUCORE_EXPORT CkRTTI {
 public:
-    static CkRTTI* instance();
+    static CkRTTI* instance(); ///< Never null.
 
     /// Makes a class creatable under a base class name. False, with lastError set, when the class does not
     /// inherit that base, cannot be default-constructed through its meta-object, or its unique identifier
@@ -35,7 +35,7 @@ public:
     /// lastError set, when there is none.
     QObject* create(const QString& sUniqueIdOrClassName) const;
 
-    QString lastError() const { return m_sLastError; }
+    QString lastError() const { return m_sLastError; } ///< Of the last call that failed; translated.
 
     /// Unique identifier of an object's class, as registered or from its class information.
     static QString uniqueId(const QMetaObject* pMetaObject);

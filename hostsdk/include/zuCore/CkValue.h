@@ -10,7 +10,7 @@
 /// never fail: what cannot be converted gives 0, false or an empty text, numbers out of range saturate.
 class ZUCORE_EXPORT CkValue {
 public:
-    enum class EkType { None, Int, Float, Bool, String };
+    /** What a value holds. */ enum class EkType { None, Int, Float, Bool, String };
 
     CkValue() = default;
     CkValue(int iValue) : m_value(qint64(iValue)) {}    // NOLINT(google-explicit-constructor)
@@ -20,14 +20,14 @@ public:
     CkValue(bool bValue) : m_value(bValue) {}           // NOLINT(google-explicit-constructor)
     CkValue(const QString& sValue) : m_value(sValue) {} // NOLINT(google-explicit-constructor)
 
-    EkType type() const { return EkType(m_value.index()); }
-    bool isValid() const { return type() != EkType::None; }
+    EkType type() const { return EkType(m_value.index()); } ///< None: nothing was set.
+    bool isValid() const { return type() != EkType::None; } ///< Holds anything at all.
 
     /// Fractions are cut off towards zero.
     qint64 toInt64() const;
-    int toInt() const;
-    double toDouble() const;
-    float toFloat() const { return float(toDouble()); }
+    int toInt() const;                                  ///< Saturates.
+    double toDouble() const;                            ///< 0 for a text that is no number.
+    float toFloat() const { return float(toDouble()); } ///< toDouble in single precision.
     /// Numbers: not 0. Texts: "true" or a number that is not 0.
     bool toBool() const;
     /// Numbers in the C locale, floats in the shortest exact form.

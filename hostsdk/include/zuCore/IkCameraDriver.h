@@ -32,11 +32,11 @@ public:
     virtual bool start(FrameFunction deliver, QString* psError) = 0;
     /// Returns when no frame is being delivered any more.
     virtual void stop() = 0;
-    virtual bool isRunning() const = 0;
+    virtual bool isRunning() const = 0; ///< Between start and stop, paused or not.
 
     /// Holds delivery without stopping (true), or goes on; step delivers one set while held.
     virtual void setPaused(bool bPaused) = 0;
-    virtual void step() = 0;
+    virtual void step() = 0; ///< See setPaused.
 };
 
 /// A family of cameras. One object per driver, registered with CkCameraManager at start.
@@ -44,7 +44,7 @@ class ZUCORE_EXPORT IkCameraDriver {
 public:
     virtual ~IkCameraDriver();
 
-    virtual QString name() const = 0;
+    virtual QString name() const = 0; ///< For people.
     /// Cameras that can be opened now.
     virtual QList<SkCameraInfo> availableCameras() const = 0;
     /// Null, with psError set, when the camera is not there or cannot be opened.

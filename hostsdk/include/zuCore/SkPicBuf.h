@@ -13,10 +13,10 @@ struct SkPicBufInfo {
     quint32 channels = 0;       ///< interleaved samples per pixel
     quint32 bitsPerChannel = 0; ///< significant bits of a sample: 8, 12, 16, 32
     quint32 linePadding = 0; ///< rows are rounded up to a multiple of this many bytes; 0 and 1: packed rows
-    EkImageDataType dataType = EkImageDataType::Unknown;
-    EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown;
-    EkColorFilterArray colorFilterArray = EkColorFilterArray::None;
-    bool layoutFlag = false; ///< false for every raw ToF picture
+    EkImageDataType dataType = EkImageDataType::Unknown;              ///< of a sample
+    EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown; ///< the host's are interleaved
+    EkColorFilterArray colorFilterArray = EkColorFilterArray::None;   ///< None: no colour filter
+    bool layoutFlag = false;                                          ///< false for every raw ToF picture
 };
 
 /// What a frame carries beside its pixels; copied from input to output by every block.
@@ -35,7 +35,7 @@ struct SkPicBuf : SkPicBufInfo {
     float minValue = 0.0F;  ///< smallest finite value of a float picture, see CalcFloatDataMinMax
     float maxValue = 0.0F;  ///< largest finite value of a float picture
 
-    SkPicAdditionalData additionalData;
+    SkPicAdditionalData additionalData; ///< of the frame
 
     /// What keeps the pixels alive, counted; null for pixels that somebody else owns.
     CkPicMemory* memory = nullptr;
@@ -43,6 +43,6 @@ struct SkPicBuf : SkPicBufInfo {
     /// Takes over the additional data (time stamp, counters) of another picture.
     void copyPicAdditionalData(const SkPicBuf& other) { additionalData = other.additionalData; }
 
-    const quint8* row(quint32 uiRow) const { return data + size_t(uiRow) * lineSize; }
-    quint8* row(quint32 uiRow) { return data + size_t(uiRow) * lineSize; }
+    const quint8* row(quint32 uiRow) const { return data + size_t(uiRow) * lineSize; } ///< Row 0 first.
+    quint8* row(quint32 uiRow) { return data + size_t(uiRow) * lineSize; }             ///< To write to.
 };

@@ -15,7 +15,7 @@ public:
 
     /// Emits nothing. Opaque.
     void setPickerColor(const QColor& clColor);
-    QColor pickerColor() const { return m_clColor; }
+    QColor pickerColor() const { return m_clColor; } ///< The colour shown.
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

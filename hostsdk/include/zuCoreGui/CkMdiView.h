@@ -34,12 +34,12 @@ public:
     /// Identifier within the program, from 0, never used again; given at construction.
     int viewId() const { return m_iViewId; }
 
-    virtual int viewCaps() const;
+    virtual int viewCaps() const; ///< EkViewCaps; the base answers 0.
     /// The view this one follows, or -1.
     virtual int connectedViewId() const;
     /// Whether the view holds data that would be lost when it closes.
     virtual bool containsData() const;
-    virtual QString viewTitle() const;
+    virtual QString viewTitle() const; ///< The window's own, else the chain's up to the block.
 
     /// The table the view is coloured with (owned by the view, may be null) and its flags: bAutoContrast,
     /// bShowSaturation, and the bits of the values it is applied to. Null pointers are passed over.
@@ -55,8 +55,8 @@ public:
 
     /// The block whose output is shown, or null.
     virtual CkChainable* dataProvider() const;
-    CkChainable* secondProvider() const;
-    virtual QList<void*> cameraHandles() const;
+    CkChainable* secondProvider() const;        ///< Or null.
+    virtual QList<void*> cameraHandles() const; ///< Cameras that the view shows; empty for none.
 
     /// A view of the same kind on other blocks, handed to the application; null when not possible.
     virtual CkMdiView* clone(CkChainable* pProvider, CkChainable* pSecond);
@@ -74,7 +74,7 @@ signals:
     void imageShown(int iViewId, const CkImageData* pData);
     /// The block shown changed (insertion, removal), or went away.
     void dataProviderChanged();
-    void viewTitleChanged();
+    void viewTitleChanged(); ///< viewTitle answers something else.
 
 protected:
     /// A frame of the view's own block, owned by the view from then on through the base. Overrides call the

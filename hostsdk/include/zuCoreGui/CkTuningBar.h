@@ -18,11 +18,11 @@ public:
     void setRange(const CkValue& vMinimum, const CkValue& vMaximum, const CkValue& vStep);
     /// Clamped to a usable range. Emits nothing.
     void setValue(const CkValue& vValue);
-    CkValue value() const { return {m_fValue}; }
-    double minimum() const { return m_fMinimum; }
-    double maximum() const { return m_fMaximum; }
-    double step() const { return m_fStep; }
-    bool hasUsableRange() const;
+    CkValue value() const { return {m_fValue}; }  ///< A floating-point number.
+    double minimum() const { return m_fMinimum; } ///< As set by setRange.
+    double maximum() const { return m_fMaximum; } ///< As set by setRange.
+    double step() const { return m_fStep; }       ///< As set by setRange.
+    bool hasUsableRange() const;                  ///< Whether the bar can be moved at all.
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -23,7 +23,7 @@ public:
 
     /// Null outside an application.
     static IkAppDelegate* instance();
-    static void setInstance(IkAppDelegate* pDelegate);
+    static void setInstance(IkAppDelegate* pDelegate); ///< The host, at start and end; stays the caller's.
 
     /// Menus of the main window by identifier.
     enum EkMenuId : int { FileMenu = 0, CameraMenu = 1, ViewMenu = 2, PluginMenu = 3, HelpMenu = 4 };
@@ -35,11 +35,11 @@ public:
     virtual QWidget* mainWindow() = 0;
     /// Null for an unknown identifier.
     virtual QMenu* mainMenu(int iMenuId) = 0;
-    virtual void leaveFullScreen() = 0;
+    virtual void leaveFullScreen() = 0; ///< Nothing in a normal window.
 
     /// -1: none.
     virtual int activeViewId() = 0;
-    virtual void setActiveView(int iViewId) = 0;
+    virtual void setActiveView(int iViewId) = 0; ///< -1: none. Unknown ones are passed over.
     /// Null for an unknown identifier.
     virtual CkMdiView* mdiView(int iViewId) = 0;
     /// Takes a new view into the MDI area and shows it; the area owns it.
@@ -70,5 +70,5 @@ public:
 
     /// Folder of the last file dialog; empty when there was none.
     virtual QString lastDirectory() = 0;
-    virtual void setLastDirectory(const QString& sDirectory) = 0;
+    virtual void setLastDirectory(const QString& sDirectory) = 0; ///< Kept for the next file dialog.
 };
