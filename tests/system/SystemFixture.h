@@ -2,6 +2,7 @@
 
 #include "ViewerFixture.h"
 #include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkChainable.h"
 
 #include <QAction>
 #include <QApplication>
@@ -49,20 +50,31 @@ protected:
         ASSERT_TRUE(param(camera, name)->commit()) << name;
     }
 
-    /// Opens the plug-in's sub-menu of the menu bar and clicks an entry.
+    /// Opens the menus on the way to one, as a person does.
+    void openMenu(QMenu* menu) {
+        if (auto* above = qobject_cast<QMenu*>(menu->parentWidget())) {
+            ASSERT_NO_FATAL_FAILURE(openMenu(above));
+            QTest::mouseClick(above, Qt::LeftButton, {}, above->actionGeometry(menu->menuAction()).center());
+        } else {
+            QMenuBar* bar = window()->menuBar();
+            QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu->menuAction()).center());
+        }
+        ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }, 30'000));
+    }
+    void clickEntry(QMenu* menu, QAction* entry) {
+        ASSERT_TRUE(entry->isEnabled()) << qPrintable(entry->text());
+        ASSERT_NO_FATAL_FAILURE(openMenu(menu));
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
+    }
+    QAction* pluginAction(const char* objectName) const {
+        return window()->menu(3)->findChild<QAction*>(QLatin1String(objectName));
+    }
     void clickPluginMenu(const char* objectName) {
-        QMenu* host = window()->menu(3);
-        auto* action = host->findChild<QAction*>(QLatin1String(objectName));
+        QAction* action = pluginAction(objectName);
         ASSERT_NE(action, nullptr) << objectName;
         auto* menu = qobject_cast<QMenu*>(action->parent());
         ASSERT_NE(menu, nullptr);
-        ASSERT_TRUE(action->isEnabled()) << objectName;
-        QMenuBar* bar = window()->menuBar();
-        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(host->menuAction()).center());
-        ASSERT_TRUE(QTest::qWaitFor([host] { return host->isVisible(); }, 30'000));
-        QTest::mouseClick(host, Qt::LeftButton, {}, host->actionGeometry(menu->menuAction()).center());
-        ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); }, 30'000));
-        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+        clickEntry(menu, action);
     }
 
     void clickToolButton(const char* objectName) {
@@ -79,6 +91,17 @@ protected:
             }
         }
         return found;
+    }
+
+    /// Titles of the blocks behind the source of the only chain.
+    static QStringList blockTitles() {
+        const QList<CkChain*> chains = CkChainManager::instance()->chains();
+        EXPECT_EQ(chains.size(), 1);
+        QStringList titles;
+        for (const CkChainable* block : chains.value(0)->blocks()) {
+            titles << block->title();
+        }
+        return titles.mid(1);
     }
 
     /// Waits for more frames of a view.

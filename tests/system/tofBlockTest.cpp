@@ -1,0 +1,76 @@
+#include "SystemFixture.h"
+#include "chain/CkChainPanel.h"
+#include "chain/CkChainTree.h"
+
+#include <QRadioButton>
+#include <QTextBrowser>
+
+// The processing block in the viewer's chain panel.
+
+namespace {
+
+const QString g_tofBlock = QStringLiteral("com.orvane.Pictor.CkToFProcessCnbl");
+
+class ToFBlock : public SystemFixture {};
+
+TEST_F(ToFBlock, BlockIsAddedConfiguredExplainedAndSavedFromThePanel) {
+    ASSERT_TRUE(start());
+    void* camera = openWaveCamera();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    CkChainPanel* panel = window()->chainPanel();
+    CkChainable* block = panel->addBlock(g_tofBlock, false);
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block->title(), "ToF Amplitude");
+    QCoreApplication::processEvents();
+    panel->tree()->selectBlock(block);
+    panel->configureSelected();
+    auto* dialog = window()->findChild<QDialog*>("configureBlockDialog");
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->windowTitle(), "ToF Image Processing");
+    const QList<QRadioButton*> choices = dialog->findChildren<QRadioButton*>();
+    ASSERT_EQ(choices.size(), 7);
+    for (QRadioButton* choice : choices) {
+        if (choice->text().startsWith("Phase shift (depth)")) {
+            choice->click();
+        }
+    }
+    EXPECT_EQ(block->title(), "ToF Depth");
+    EXPECT_TRUE(block->chain()->started());
+    dialog->close();
+    panel->helpSelected();
+    auto* help = window()->findChild<QDialog*>("blockHelpDialog");
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->findChild<QTextBrowser*>()->toPlainText().startsWith("Processes ToF images."));
+    help->close();
+
+    const QString file = m_folder.filePath("depth.zuchain");
+    QString error;
+    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    desk()->closeAllCameras();
+    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    EXPECT_EQ(blockTitles(), QStringList{"ToF Depth"});
+    EXPECT_TRUE(waitForFrame(firstView()));
+}
+
+TEST_F(ToFBlock, ErrorOfTheBlockShowsWhileTheCameraSendsTheWrongPictures) {
+    ASSERT_TRUE(start());
+    void* camera = openWaveCamera();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    CkChainPanel* panel = window()->chainPanel();
+    CkChainable* block = panel->addBlock(g_tofBlock, false);
+    ASSERT_NE(block, nullptr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->tree()->shownError(block), "");
+    set(camera, "tof_readout_mode", 0);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return panel->tree()->shownError(block).startsWith("The input image must be RAWX2 image"); },
+        30'000));
+    set(camera, "tof_readout_mode", 4);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panel->tree()->shownError(block).isEmpty(); }, 30'000));
+    QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
+    EXPECT_TRUE(frames.wait(30'000));
+}
+
+} // namespace
