@@ -15,7 +15,7 @@ protected:
     void SetUp() override {
         picker.setPickerColor(QColor(48, 48, 128));
         picker.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&picker));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&picker, 30000));
     }
 
     // Types a colour into the dialog's field for it and accepts, or leaves with Escape.
@@ -117,7 +117,7 @@ TEST(CkColorPickerLabelLifeTest, MayBeDeletedWhileItsDialogIsOpen) {
     auto window = std::make_unique<QWidget>();
     auto* picker = new CkColorPickerLabel(window.get());
     window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get(), 30000));
     driver.expectWindow([picker](QWidget*) { delete picker; });
     QTest::mouseClick(picker, Qt::LeftButton);
     EXPECT_EQ(driver.pending(), 0);

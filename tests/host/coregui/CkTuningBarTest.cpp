@@ -16,7 +16,7 @@ protected:
         bar.setRange(CkValue(0.0), CkValue(2.0), CkValue(0.25));
         bar.setValue(CkValue(1.0));
         bar.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&bar));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&bar, 30000));
         bar.setFocus();
     }
 

@@ -56,7 +56,7 @@ protected:
     void open(CkMdiView* pView) {
         dialog = std::make_unique<CkToFCalibrateOffsetDlg>(pView, nullptr);
         dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get(), 30000));
         QApplication::setActiveWindow(dialog.get());
     }
     void open() { open(view.get()); }

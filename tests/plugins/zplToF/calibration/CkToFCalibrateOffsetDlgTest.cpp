@@ -58,6 +58,7 @@ TEST_F(CkToFCalibrateOffsetDlgTest, SlotsHaveTheirTexts) {
 TEST_F(CkToFCalibrateOffsetDlgTest, TheTabKeyVisitsTheControlsFromTopToBottom) {
     open();
     child("spinAveraging")->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return child("spinAveraging")->hasFocus(); }, 30000));
     QStringList visited;
     for (int i = 0; i < 3; ++i) {
         visited << QApplication::focusWidget()->objectName();

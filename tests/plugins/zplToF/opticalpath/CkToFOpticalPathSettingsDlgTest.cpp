@@ -119,6 +119,7 @@ TEST_F(CkToFOpticalPathSettingsDlgTest, EveryInputExplainsItselfAndSoDoesItsLabe
 TEST_F(CkToFOpticalPathSettingsDlgTest, TheTabKeyVisitsTheControlsInOrder) {
     open();
     child("chkCompensate")->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return child("chkCompensate")->hasFocus(); }, 30000));
     QStringList visited;
     for (int i = 0; i < 10; ++i) {
         visited << QApplication::focusWidget()->objectName();

@@ -43,7 +43,7 @@ protected:
             depthDataType, modulationFreq, confidence, threshold, thresholdMin, thresholdMax, compensate,
             focalLength, center, cellSize, distOffset, ortho, bbox, bgColor, limitFps, maxFps);
         dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get(), 30000));
         QApplication::setActiveWindow(dialog.get());
     }
 
