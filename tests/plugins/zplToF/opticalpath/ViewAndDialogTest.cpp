@@ -329,7 +329,7 @@ TEST_F(ViewAndDialogTest, FramesGoOnAndControlsActWhileTheDialogIsOpenAndMemoryS
         qint64 iSettled = 0;
         int iFewest = 320 * 240;
         int iMost = 0;
-        for (quint64 uiFrame = 1; uiFrame <= 90; ++uiFrame) {
+        for (quint64 uiFrame = 1; uiFrame <= 450; ++uiFrame) {
             give(*view, frameAt(uiFrame));
             ASSERT_NE(view->currentImage(), nullptr);
             EXPECT_EQ(view->currentImage()->frameId(), qint32(uiFrame));
@@ -341,12 +341,14 @@ TEST_F(ViewAndDialogTest, FramesGoOnAndControlsActWhileTheDialogIsOpenAndMemoryS
             iFewest = qMin(iFewest, view->cloud().pointCount());
             iMost = qMax(iMost, view->cloud().pointCount());
             QCoreApplication::processEvents();
-            if (uiFrame == 30) {
+            // By then allocators that hold memory back, those of sanitizers among them, have all they want.
+            if (uiFrame == 150) {
                 iSettled = residentKiB();
             }
         }
-        // Depth and confidence of a frame take 600 KiB, its cloud 1800 more: 60 of them 141 MiB.
-        EXPECT_LT(residentKiB() - iSettled, 30 * 1024);
+        // Depth and confidence of a frame take 600 KiB, its cloud 1800 more: 300 of them 175 and 527 MiB.
+        // What the renderer has in hand at one moment and not at the other is some ten clouds.
+        EXPECT_LT(residentKiB() - iSettled, 100 * 1024);
         EXPECT_LT(iFewest, 320 * 240 / 10);
         EXPECT_GT(iMost, 320 * 240 * 9 / 10);
         click(QDialogButtonBox::Cancel);
