@@ -101,7 +101,7 @@ BenchPicture differencePicture(quint32 phases, EkImageDataType type) {
 BenchPicture hybridPicture(quint32 sections, EkImageDataType type) {
     constexpr quint32 width = 832;
     constexpr quint32 height = 600;
-    const bool wide = sampleBytes(type) == 2;
+    const bool wide = sampleBytes(type) > 1;
     const double full = wide ? 4095.0 : 255.0;
     BenchPicture picture(width, height * sections, 3, type, wide ? 12 : 8);
     picture.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;

@@ -124,6 +124,8 @@ std::vector<Case> everyCase() {
         cases.push_back(
             {"hybrid depth" + bits, hybrid, 1, 2, Type::Float32, false,
              [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToDepth_Confidence(s, r, 0.0F); }});
+        cases.push_back({"hybrid intensity" + bits, hybrid, 1, 1, taps, false,
+                         [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToIntensity(s, r); }});
         cases.push_back({"hybrid amplitude" + bits, hybrid, 1, 1, taps, false,
                          [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToAmplitude(s, r); }});
         const auto merge = [](const SkPicBuf& s, SkPicBuf& r) {
@@ -134,6 +136,12 @@ std::vector<Case> everyCase() {
         cases.push_back({"HDR merge of noise, 3 sections" + bits + " to 16", share(noisePicture(3, taps)), 3,
                          3, Type::UInt16, false, merge});
     }
+    const auto wide = share(hybridPicture(1, Type::UInt32));
+    cases.push_back(
+        {"hybrid depth, 32-bit", wide, 1, 2, Type::Float32, false,
+         [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToDepth_Confidence(s, r, 0.0F); }});
+    cases.push_back({"hybrid amplitude, 32-bit", wide, 1, 1, Type::UInt32, false,
+                     [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToAmplitude(s, r); }});
     return cases;
 }
 
