@@ -49,7 +49,7 @@ HWY_INLINE VS16 narrowAmplitude(BlockRows rows) {
         const VI high = hn::ShiftRight<kSquareShift<phases>>(pairProducts(highPairs, highPairs));
         const auto root = [](VI squares) HWY_ATTR {
             const VF value = hn::ConvertTo(DF(), squares);
-            return roundedInteger(hn::Mul(value, hn::ApproximateReciprocalSqrt(value)));
+            return roundedProduct(value, hn::ApproximateReciprocalSqrt(value));
         };
         const VS16 squares = hn::ReorderDemote2To(d, low, high);
         const VS16 nearest = hn::ReorderDemote2To(d, root(low), root(high));
@@ -123,9 +123,9 @@ private:
         const DS16 d;
         const VS16 pairs = hn::OddEven(hn::BitCast(d, hn::ShiftLeft<16>(y)), hn::BitCast(d, x));
         const VI squares = pairProducts(pairs, pairs);
-        const VF scaled = hn::Mul(hn::Sqrt(hn::ConvertTo(DF(), squares)), hn::Set(DF(), 1.0F / phases));
+        const VF root = hn::Sqrt(hn::ConvertTo(DF(), squares));
         // Less than 0.01 off, so the nearest integer is the result or one more.
-        const VI integer = roundedInteger(scaled);
+        const VI integer = roundedProduct(root, hn::Set(DF(), 1.0F / phases));
         const VS16 words = hn::BitCast(d, integer);
         const auto above = hn::Gt(pairProducts(words, words), hn::ShiftRight<kSquareShift<phases>>(squares));
         return hn::Add(integer, hn::VecFromMask(DI(), above));

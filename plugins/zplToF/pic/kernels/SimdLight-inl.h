@@ -105,6 +105,12 @@ HWY_INLINE VI roundedInteger(VF value) {
     return hn::Sub(hn::BitCast(DI(), hn::Add(value, ones)), hn::BitCast(DI(), ones));
 }
 
+/// The same of a product.
+HWY_INLINE VI roundedProduct(VF value, VF factor) {
+    const VF ones = hn::Set(DF(), 12582912.0F);
+    return hn::Sub(hn::BitCast(DI(), hn::MulAdd(value, factor, ones)), hn::BitCast(DI(), ones));
+}
+
 /// Length of the light vector divided by the phases, towards zero, as the plain loop rounds it.
 template <class Source, int phases>
 HWY_INLINE VI scaledLength(const Light& light) {
