@@ -1,5 +1,6 @@
 #include "ViewerFixture.h"
 
+#include "PushSource.h"
 #include "ViewerBlocks.h"
 #include "chain/CkChainFile.h"
 #include "chain/CkChainPanel.h"
@@ -250,6 +251,45 @@ TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
     ASSERT_EQ(recent->actions().size(), 1);
     recent->actions().first()->trigger();
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
+}
+
+/// Too slow for two of three frames, as it says.
+class SlowSink : public IkFrameSink {
+public:
+    int takeFrame(CkImageData* pData) override {
+        delete pData;
+        return ++m_iFrames % 3 == 0 ? 0 : 1;
+    }
+
+private:
+    int m_iFrames = 0;
+};
+
+TEST(ChainTree, ShowsHowManyFramesEachBlockPassedOnAndLost) {
+    CkChain* const chain = CkChainManager::instance()->createChain();
+    auto* const source = new PushSource;
+    source->setFormat(4, 4, 1, EkImageDataType::UInt8, 8);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
+    SlowSink sink;
+    ASSERT_TRUE(chain->addSink(source, &sink));
+    CkChainTree tree;
+    tree.setChain(chain, source);
+    const QTreeWidgetItem* const item = tree.itemOf(source);
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->text(CkChainTree::DroppedColumn), "0");
+    ASSERT_TRUE(chain->start());
+    for (quint64 frame = 0; frame < 6; ++frame) {
+        // One by one: a full queue would lose frames of its own.
+        ASSERT_TRUE(source->push(frame));
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return chain->blockStatistics(source).framesOut == frame + 1; }, 30'000));
+    }
+    chain->stop();
+    tree.refreshCounters();
+    EXPECT_EQ(item->text(CkChainTree::FramesColumn), "6");
+    EXPECT_EQ(item->text(CkChainTree::DroppedColumn), "4");
+    chain->removeSink(&sink);
+    CkChainManager::instance()->closeChain(chain);
 }
 
 TEST_F(ChainPanel, AChainFileThatCannotBeLoadedLeavesNoCameraOpen) {
