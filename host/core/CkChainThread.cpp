@@ -1,4 +1,5 @@
 #include "CkChainPrivate.h"
+#include "SkFrameNotes.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"
@@ -195,7 +196,9 @@ void CkChain::CkPrivate::process(SkChainNode& node, IkChainData* pData) {
     }
     const CkMemoryPool::SkRefusals before = m_pool.refusals(block);
     // Only there to know after an exception whether the input still lives.
-    const QPointer<QObject> input(dynamic_cast<CkImageData*>(pData));
+    const auto* const inputFrame = dynamic_cast<CkImageData*>(pData);
+    const QPointer<const QObject> input(inputFrame);
+    const SkFrameNotes notes = SkFrameNotes::of(inputFrame);
     IkChainData* result = nullptr;
     bool inputIsOurs = true;
     const auto begin = std::chrono::steady_clock::now();
@@ -219,6 +222,9 @@ void CkChain::CkPrivate::process(SkChainNode& node, IkChainData* pData) {
         ++node.dropped;
         delete result;
         return;
+    }
+    if (auto* const frame = dynamic_cast<CkImageData*>(result); frame != nullptr && !notes.names.isEmpty()) {
+        notes.give(*frame);
     }
     passOn(node, result);
 }

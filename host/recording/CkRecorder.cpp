@@ -141,7 +141,8 @@ void CkRecorder::run() {
         m_bWriting = true;
         const bool broken = !m_state.error.isEmpty();
         lock.unlock();
-        const bool written = !broken && m_writer.write(frame->picBuf(), frame->metadata());
+        const bool written =
+            !broken && m_writer.write(frame->picBuf(), frame->metadata(), CkForeignMembers::of(*frame));
         frame.reset();
         lock.lock();
         m_bWriting = false;

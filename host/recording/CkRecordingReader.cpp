@@ -109,6 +109,9 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         picBuf.additionalData = description.additionalData;
         frame->setPicBuf(picBuf);
         frame->setMetadata(description.metadata);
+        if (!description.object.isEmpty()) {
+            CkForeignMembers::give(*frame, description.foreignMembers());
+        }
         const CkTiffPage::EkResult result = page.readSamples(frame->picBuf(), reason);
         if (result != CkTiffPage::EkResult::Complete) {
             refuse(psError, message(iFrame, reason));

@@ -1,13 +1,14 @@
 #include "recording/CkVideoSource.h"
 
-#include "recording/CkRecordingReader.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 
 #include <QDomElement>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 
 using namespace std::chrono_literals;
 
@@ -20,7 +21,7 @@ constexpr qint64 secondNs = 1'000'000'000;
 constexpr qint64 longestGapNs = 10 * secondNs;
 constexpr float usualFrameRate = 30.0F;
 
-qint64 timeBetween(const CkRecordingReader& reader, qint64 first) {
+qint64 timeBetween(const IkFrameFile& reader, qint64 first) {
     SkFrameDescription here;
     SkFrameDescription next;
     if (!reader.describe(first, here, nullptr) || !reader.describe(first + 1, next, nullptr)) {
@@ -42,9 +43,10 @@ qint64 timeBetween(const CkRecordingReader& reader, qint64 first) {
 struct CkVideoSource::SkShared {
     mutable std::mutex mutex;
     std::condition_variable changed;
-    std::shared_ptr<const CkRecordingReader> reader;
-    SkPicBufInfo info; ///< of the frame delivered last, or of the first one
+    std::shared_ptr<const IkFrameFile> reader;
+    SkPicBufInfo info; ///< of the frame delivered last, or of the first one, as it lies in the file
     CkImageMetadata metadata;
+    SkDepthScale scale;
     qint64 next = 0;
     qint64 position = -1;
     qint64 skipped = 0;
@@ -55,6 +57,7 @@ struct CkVideoSource::SkShared {
     bool chainRuns = false;
     bool stop = false;
     int pace = EveryFrame;
+    std::function<void(const std::function<bool()>&)> afterFrame;
     Clock::time_point due; ///< of the next frame in real time
     bool timed = false;    ///< due is set
 
@@ -74,18 +77,29 @@ CkVideoSource::~CkVideoSource() {
 }
 
 bool CkVideoSource::openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress) {
-    auto reader = std::make_shared<CkRecordingReader>();
-    if (!reader->open(sFileName, psError, progress)) {
+    const std::shared_ptr<const IkFrameFile> reader = CkFrameFiles::open(sFileName, psError, progress);
+    if (reader == nullptr) {
         return false;
     }
+    useFile(reader);
+    return true;
+}
+
+void CkVideoSource::shareFile(const CkVideoSource& other) {
+    if (const std::shared_ptr<const IkFrameFile> file = other.recording()) {
+        useFile(file);
+    }
+}
+
+void CkVideoSource::useFile(const std::shared_ptr<const IkFrameFile>& file) {
     SkFrameDescription first;
-    QString error = reader->damage();
+    QString error = file->damage();
     // A first page that cannot be shown is no reason not to show the second.
-    for (qint64 frame = 0; frame < reader->frameCount() && !reader->describe(frame, first, &error); ++frame) {
+    for (qint64 frame = 0; frame < file->frameCount() && !file->describe(frame, first, &error); ++frame) {
     }
     {
         const std::lock_guard lock(m_d->mutex);
-        m_d->reader = reader;
+        m_d->reader = file;
         m_d->info = first.info;
         m_d->metadata = first.metadata;
         m_d->next = 0;
@@ -97,7 +111,6 @@ bool CkVideoSource::openFile(const QString& sFileName, QString* psError, const P
     m_d->changed.notify_all();
     setErrorMessage(error);
     emit configurationChanged();
-    return true;
 }
 
 QString CkVideoSource::fileName() const {
@@ -105,9 +118,32 @@ QString CkVideoSource::fileName() const {
     return m_d->reader == nullptr ? QString() : m_d->reader->fileName();
 }
 
-std::shared_ptr<const CkRecordingReader> CkVideoSource::recording() const {
+std::shared_ptr<const IkFrameFile> CkVideoSource::recording() const {
     const std::lock_guard lock(m_d->mutex);
     return m_d->reader;
+}
+
+void CkVideoSource::setDepthScale(const SkDepthScale& scale) {
+    {
+        const std::lock_guard lock(m_d->mutex);
+        if (m_d->scale == scale) {
+            return;
+        }
+        m_d->scale = scale;
+        ++m_d->jumps;
+    }
+    m_d->changed.notify_all();
+    emit configurationChanged();
+}
+
+void CkVideoSource::setAfterFrame(std::function<void(const std::function<bool()>&)> afterFrame) {
+    const std::lock_guard lock(m_d->mutex);
+    m_d->afterFrame = std::move(afterFrame);
+}
+
+SkDepthScale CkVideoSource::depthScale() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->scale;
 }
 
 qint64 CkVideoSource::frameCount() const {
@@ -221,6 +257,13 @@ bool CkVideoSource::sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetada
     if (pMetadata != nullptr) {
         *pMetadata = m_d->metadata;
     }
+    if (m_d->scale.isActive() && SkDepthScale::fits(info)) {
+        info = SkDepthScale::scaledInfo(info);
+        if (pMetadata != nullptr) {
+            pMetadata->channelNames = QStringList{QStringLiteral("Depth")};
+            pMetadata->colorFilterArray = 0;
+        }
+    }
     return true;
 }
 
@@ -280,11 +323,16 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
     if (m_d->playing && m_d->pace == RealTime && !waitUntilDue(lock, frame)) {
         return;
     }
+    const SkDepthScale scale = m_d->scale;
     lock.unlock();
     QString error;
     const std::unique_ptr<CkImageData> data = reader->read(frame, &error);
     if (!error.isEmpty()) {
         setErrorMessage(error);
+    }
+    std::unique_ptr<CkImageData> depth;
+    if (data != nullptr && scale.isActive()) {
+        depth = scale.scaled(*data);
     }
     lock.lock();
     if (m_d->jumps != jumps || !m_d->wanted()) {
@@ -296,14 +344,21 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
     }
     m_d->info = data->picBuf();
     m_d->metadata = data->metadata();
-    const bool delivered = deliverOne(lock, *data);
+    const bool delivered = deliverOne(lock, depth != nullptr ? *depth : *data);
     if (m_d->jumps != jumps || !delivered) {
         return;
     }
     m_d->position = frame;
     advance(frame);
+    const auto afterFrame = m_d->pace == EveryFrame ? m_d->afterFrame : nullptr;
     lock.unlock();
     emit positionChanged(frame);
+    if (afterFrame) {
+        afterFrame([this, jumps] {
+            const std::lock_guard guard(m_d->mutex);
+            return m_d->stop || m_d->jumps != jumps;
+        });
+    }
     lock.lock();
 }
 
@@ -397,6 +452,12 @@ bool CkVideoSource::saveSettings(QDomDocument& doc, QDomElement& element) const 
     element.setAttribute(QStringLiteral("file"), fileName());
     element.setAttribute(QStringLiteral("loop"), isLoop() ? 1 : 0);
     element.setAttribute(QStringLiteral("pace"), pace());
+    const SkDepthScale scale = depthScale();
+    if (scale.isActive()) {
+        element.setAttribute(QStringLiteral("metresPerCount"),
+                             QString::number(scale.metresPerCount, 'g', 17));
+        element.setAttribute(QStringLiteral("zeroIsNothing"), scale.zeroIsNothing ? 1 : 0);
+    }
     return true;
 }
 
@@ -406,6 +467,12 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
     }
     setLoop(element.attribute(QStringLiteral("loop")).toInt() != 0);
     setPace(element.attribute(QStringLiteral("pace")).toInt());
+    SkDepthScale scale;
+    const double metres = element.attribute(QStringLiteral("metresPerCount")).toDouble();
+    scale.metresPerCount = std::isfinite(metres) ? std::max(metres, 0.0) : 0.0;
+    scale.zeroIsNothing =
+        element.attribute(QStringLiteral("zeroIsNothing"), QStringLiteral("1")).toInt() != 0;
+    setDepthScale(scale);
     const QString file = element.attribute(QStringLiteral("file"));
     QString error;
     if (!file.isEmpty() && !openFile(file, &error)) {
@@ -416,11 +483,9 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
 
 CkChainable* CkVideoSource::clone() {
     auto copy = std::make_unique<CkVideoSource>();
-    const std::shared_ptr<const CkRecordingReader> reader = recording();
-    if (reader != nullptr && !copy->openFile(reader->fileName(), nullptr)) {
-        return nullptr;
-    }
+    copy->shareFile(*this);
     copy->setLoop(isLoop());
     copy->setPace(pace());
+    copy->setDepthScale(depthScale());
     return copy.release();
 }

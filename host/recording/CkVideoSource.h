@@ -1,14 +1,13 @@
 #pragma once
 
+#include "recording/IkFrameFile.h"
+#include "recording/SkDepthScale.h"
 #include "zuCore/CkImageSource.h"
 
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
-
-class CkRecordingReader;
 
 /// Plays a recording into a chain. Frames flow while the chain runs and playback is on; seeking and stepping
 /// deliver one frame while it is paused.
@@ -24,7 +23,7 @@ public:
         EveryFrame = 0, ///< as fast as the chain goes; it is given each frame once, in order
         RealTime = 1    ///< at the times at which the frames were taken; late ones are skipped
     };
-    using ProgressFunction = std::function<bool(qint64 iFrames, double fShare)>;
+    using ProgressFunction = IkFrameFile::ProgressFunction;
 
     Q_INVOKABLE CkVideoSource();
     ~CkVideoSource() override;
@@ -33,9 +32,19 @@ public:
     /// 0. False, with psError, when there is nothing to play or progress answered false. A damaged file opens
     /// with its readable frames, and its damage becomes the block's error message.
     bool openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
+    /// Plays the file that another source has open, from its beginning.
+    void shareFile(const CkVideoSource& other);
     QString fileName() const;
     /// The recording, or null. Stays valid for whoever holds it.
-    std::shared_ptr<const CkRecordingReader> recording() const;
+    std::shared_ptr<const IkFrameFile> recording() const;
+
+    /// Called on the player's thread behind each frame that it delivers when every frame counts; may wait
+    /// for whoever shows the frames, until interrupted answers true.
+    void setAfterFrame(std::function<void(const std::function<bool()>& interrupted)> afterFrame);
+
+    /// Plays one-channel pictures as depths in metres; other frames stay as they are. From the next frame on.
+    void setDepthScale(const SkDepthScale& scale);
+    SkDepthScale depthScale() const;
 
     qint64 frameCount() const; ///< 0 without a recording
     /// The frame delivered last; -1 before the first one.
@@ -74,6 +83,7 @@ signals:
 private:
     struct SkShared;
 
+    void useFile(const std::shared_ptr<const IkFrameFile>& file);
     void run();
     void playOne(std::unique_lock<std::mutex>& lock);
     bool waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFrame);

@@ -1,7 +1,11 @@
 #include "recording/SkFrameDescription.h"
 
+#include "zuCore/CkImageData.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QStringList>
+#include <QVariant>
 
 #include <cmath>
 #include <limits>
@@ -163,6 +167,19 @@ QByteArray toAscii(const QByteArray& utf8) {
     return ascii;
 }
 
+QStringList recordingNames() {
+    return {QStringLiteral("chain"), QStringLiteral("view"), QStringLiteral("software")};
+}
+
+QJsonObject without(QJsonObject object, const QStringList& names) {
+    for (const QString& name : names) {
+        object.remove(name);
+    }
+    return object;
+}
+
+constexpr char foreignProperty[] = "zuForeignMembers";
+
 } // namespace
 
 QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
@@ -194,6 +211,13 @@ QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
         recording.insert(QLatin1String("view"), pRecording->viewSettings);
         recording.insert(QLatin1String("software"), pRecording->software);
         root.insert(QLatin1String("recording"), recording);
+    } else {
+        // A frame that was the first one of another file.
+        const QJsonObject rest = without(root.value(QLatin1String("recording")).toObject(), recordingNames());
+        root.remove(QLatin1String("recording"));
+        if (!rest.isEmpty()) {
+            root.insert(QLatin1String("recording"), rest);
+        }
     }
     return toAscii(QJsonDocument(root).toJson(QJsonDocument::Compact));
 }
@@ -233,4 +257,28 @@ SkRecordingInfo SkFrameDescription::recordingInfo() const {
     return {recording.value(QLatin1String("chain")).toString(),
             recording.value(QLatin1String("view")).toObject(),
             recording.value(QLatin1String("software")).toString()};
+}
+
+QJsonObject SkFrameDescription::foreignMembers() const {
+    static const QJsonObject known = QJsonDocument::fromJson(SkFrameDescription().toText()).object();
+    QJsonObject foreign = without(object, known.keys());
+    for (const QLatin1String part :
+         {QLatin1String("picture"), QLatin1String("metadata"), QLatin1String("recording")}) {
+        const QStringList names =
+            part == QLatin1String("recording") ? recordingNames() : known.value(part).toObject().keys();
+        const QJsonObject rest = without(object.value(part).toObject(), names);
+        foreign.remove(part);
+        if (!rest.isEmpty()) {
+            foreign.insert(part, rest);
+        }
+    }
+    return foreign;
+}
+
+QJsonObject CkForeignMembers::of(const CkImageData& frame) {
+    return frame.property(foreignProperty).toJsonObject();
+}
+
+void CkForeignMembers::give(CkImageData& frame, const QJsonObject& members) {
+    frame.setProperty(foreignProperty, members.isEmpty() ? QVariant() : QVariant(members));
 }

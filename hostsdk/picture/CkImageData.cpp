@@ -2,6 +2,8 @@
 
 #include "zuCore/CkPicBufAPI.h"
 
+#include <QVariant>
+
 #include <memory>
 #include <new>
 
@@ -38,5 +40,8 @@ CkImageData* CkImageData::share() const {
         twin->m_picBuf = m_picBuf;
     }
     twin->m_metadata = m_metadata;
+    for (const QByteArray& name : dynamicPropertyNames()) {
+        twin->setProperty(name.constData(), property(name.constData()));
+    }
     return twin.release();
 }

@@ -87,8 +87,9 @@ CkCommandLine::CkCommandLine() {
     m_parser.addOption(
         {kClean,
          CkCommandLine::tr("Starts without the cameras, the views and the layout of the last session.")});
-    m_parser.addPositionalArgument(QStringLiteral("chain"), CkCommandLine::tr("Chain files to open."),
-                                   QStringLiteral("[chain...]"));
+    m_parser.addPositionalArgument(QStringLiteral("file"),
+                                   CkCommandLine::tr("Recordings, pictures and chain files to open."),
+                                   QStringLiteral("[file...]"));
 }
 
 CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkViewerOptions& options,
@@ -107,7 +108,8 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
     options.cameras = m_parser.values(kCamera);
     options.listCameras = m_parser.isSet(kListCameras);
     options.pluginPaths = m_parser.values(kPluginPath);
-    options.chainFiles = m_parser.values(kChain) + m_parser.positionalArguments();
+    options.chainFiles = m_parser.values(kChain);
+    options.files = m_parser.positionalArguments();
     options.cleanStart = m_parser.isSet(kClean);
     options.triggers = m_parser.values(kTrigger);
     options.settingsFile = m_parser.value(kSettings);
@@ -143,8 +145,9 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
                 .arg(CkViewerLanguage::codes().join(CkCommandLine::tr(" or ")), m_parser.value(kLanguage));
         return EkResult::Error;
     }
-    if (options.open3dView && options.cameras.isEmpty() && options.chainFiles.isEmpty()) {
-        sError = CkCommandLine::tr("--3d needs --camera or --chain.");
+    if (options.open3dView && options.cameras.isEmpty() && options.chainFiles.isEmpty() &&
+        options.files.isEmpty()) {
+        sError = CkCommandLine::tr("--3d needs --camera, --chain or a file.");
         return EkResult::Error;
     }
     return EkResult::Run;

@@ -11,6 +11,7 @@ struct SkViewerOptions {
     QStringList cameras;     ///< numbers in the list of cameras (from 0) or camera identifiers
     QStringList pluginPaths; ///< folders and libraries, loaded after the program's own plug-in folder
     QStringList chainFiles;
+    QStringList files;    ///< of any kind that the viewer opens
     QStringList triggers; ///< object names of menu entries and buttons to click once the first frame is there
     QString settingsFile; ///< empty: the user's own settings
     QString screenshotFile;   ///< picture of the main window; needs frames

@@ -10,6 +10,8 @@
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
 #include "lut/CkLutPanel.h"
+#include "recording/CkRecordingPanel.h"
+#include "recording/CkRecordingRoom.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -24,6 +26,7 @@
 #include <QScreen>
 #include <QSettings>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 namespace {
 constexpr int kLeftWidth = 350;
@@ -48,7 +51,6 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     setWindowTitle(QStringLiteral("zuviewer"));
     setAcceptDrops(true);
     m_pArea = new CkViewArea(this);
-    setCentralWidget(m_pArea);
     m_pCameraTabs = new QTabWidget;
     m_pCameraTabs->setDocumentMode(true);
     m_pCameraTabs->setUsesScrollButtons(true);
@@ -57,12 +59,15 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     m_pStatusBar = new CkStatusBar(m_pArea, this);
     setStatusBar(m_pStatusBar);
     createDocks();
+    createRecordings();
+    createFileOpener();
     createFileMenu();
     m_menus.append(menuBar()->addMenu(tr("&Camera")));
     m_pCameraMenu = new CkCameraMenu(m_pDesk, m_menus.last(), this);
     createViewMenu();
     createPictureMenu();
     createChainMenu();
+    createRecordingMenu();
     m_menus.append(menuBar()->addMenu(tr("&Plug-ins")));
     createHelpMenu();
     for (QMenu* menu : menuBar()->findChildren<QMenu*>()) {
@@ -126,6 +131,21 @@ void CkMainWindow::equipPluginMenu() {
             ++number;
         }
     }
+}
+
+void CkMainWindow::createRecordings() {
+    m_pRecordings = new CkRecordingRoom(this);
+    auto* centre = new QWidget(this);
+    auto* column = new QVBoxLayout(centre);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_pArea, 1);
+    column->addWidget(m_pRecordings->bar());
+    setCentralWidget(centre);
+    QDockWidget* dock = addDock(QStringLiteral("dockRecordings"), tr("Recordings"), m_pRecordings->panel(),
+                                Qt::BottomDockWidgetArea);
+    dock->hide();
+    connect(m_pRecordings, &CkRecordingRoom::panelWanted, dock, &QWidget::show);
 }
 
 QMenu* CkMainWindow::menu(int iMenuId) const {

@@ -9,8 +9,10 @@
 class CkCameraDesk;
 class CkCameraMenu;
 class CkChainPanel;
+class CkFileOpener;
 class CkLogPanel;
 class CkLutPanel;
+class CkRecordingRoom;
 class CkStatusBar;
 class CkViewArea;
 class QDockWidget;
@@ -40,6 +42,14 @@ public:
     /// Gives the entries that plug-ins have put into their menu shortcuts, where they have none. Once the
     /// plug-ins are loaded.
     void equipPluginMenu();
+
+    CkRecordingRoom* recordings() const { return m_pRecordings; }
+
+    /// Opens files of every kind that the viewer knows.
+    CkFileOpener* fileOpener() const { return m_pOpener; }
+
+    /// Opens a file; a box says why it cannot be.
+    void openOrTell(const QString& sFileName);
 
     /// Opens a chain file: the cameras it names, its chain, and a picture view on each of its ends; then
     /// starts them. False, with sError set, when that cannot be.
@@ -87,7 +97,10 @@ private:
     void createHelpMenu();
     void updatePictureActions();
     void openChainWithDialog();
-    void openChainOrTell(const QString& sFileName);
+    void openRecordingWithDialog();
+    void createFileOpener();
+    void createRecordings();
+    void createRecordingMenu();
     void fillRecentMenu();
     static void addRecent(const QString& sFileName);
     void saveChainWithDialog();
@@ -97,6 +110,8 @@ private:
     CkViewArea* m_pArea;
     QTabWidget* m_pCameraTabs;
     CkCameraDesk* m_pDesk;
+    CkFileOpener* m_pOpener = nullptr;
+    CkRecordingRoom* m_pRecordings = nullptr;
     CkChainPanel* m_pChainPanel = nullptr;
     CkLutPanel* m_pLutPanel = nullptr;
     CkLogPanel* m_pLogPanel = nullptr;

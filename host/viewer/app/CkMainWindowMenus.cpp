@@ -6,8 +6,10 @@
 #include "app/CkViewerSettings.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
+#include "files/CkFileOpener.h"
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
+#include "recording/CkRecordingRoom.h"
 #include "zuCore/CkChainable.h"
 
 #include <QDir>
@@ -46,6 +48,9 @@ void CkMainWindow::createFileMenu() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     m_menus.append(file);
     file->addAction(tr("&Open Chain..."), QKeySequence::Open, this, &CkMainWindow::openChainWithDialog);
+    file->addAction(tr("Open R&ecording..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), this,
+                    &CkMainWindow::openRecordingWithDialog)
+        ->setObjectName(QStringLiteral("actOpenRecording"));
     m_pRecentMenu = file->addMenu(tr("Open &Recent"));
     m_pRecentMenu->setObjectName(QStringLiteral("menuRecentChains"));
     connect(file, &QMenu::aboutToShow, this, &CkMainWindow::fillRecentMenu);
@@ -100,6 +105,13 @@ void CkMainWindow::createViewMenu() {
     connect(m_pFullScreenAction, &QAction::triggered, this, &CkMainWindow::setFullScreen);
 }
 
+void CkMainWindow::createRecordingMenu() {
+    // Not one of the menus that plug-ins know by number.
+    QMenu* recording = menuBar()->addMenu(tr("&Recording"));
+    recording->setObjectName(QStringLiteral("menuRecording"));
+    m_pRecordings->fillMenu(recording, m_pArea);
+}
+
 void CkMainWindow::createHelpMenu() {
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     m_menus.append(help);
@@ -137,14 +149,36 @@ void CkMainWindow::openChainWithDialog() {
         QFileDialog::getOpenFileNames(this, tr("Open Chain"), lastDirectory(), chainFilter());
     for (const QString& name : names) {
         setLastDirectory(name);
-        openChainOrTell(name);
+        openOrTell(name);
     }
 }
 
-void CkMainWindow::openChainOrTell(const QString& sFileName) {
+void CkMainWindow::openRecordingWithDialog() {
+    const QStringList names = QFileDialog::getOpenFileNames(
+        this, tr("Open Recording"), lastDirectory(), m_pOpener->dialogFilter(QStringLiteral("recording")));
+    for (const QString& name : names) {
+        setLastDirectory(name);
+        openOrTell(name);
+    }
+}
+
+void CkMainWindow::createFileOpener() {
+    m_pOpener = new CkFileOpener(this);
+    SkFileKind chain;
+    chain.id = QStringLiteral("chain");
+    chain.title = tr("Chain files");
+    chain.suffixes = QStringList{QStringLiteral("zuchain")};
+    chain.recognises = [](const QByteArray& bytes) { return bytes.contains("<zuchainfile"); };
+    chain.open = [this](const QString& name, QString& error) { return openChainFile(name, error); };
+    m_pOpener->addKind(chain);
+    m_pRecordings->addFileKinds(m_pOpener);
+    connect(m_pOpener, &CkFileOpener::opened, this, &CkMainWindow::addRecent);
+}
+
+void CkMainWindow::openOrTell(const QString& sFileName) {
     QString error;
-    if (!openChainFile(sFileName, error)) {
-        auto* box = new QMessageBox(QMessageBox::Warning, tr("Open Chain"), error, QMessageBox::Ok, this);
+    if (!m_pOpener->open(sFileName, error) && !error.isEmpty()) {
+        auto* box = new QMessageBox(QMessageBox::Warning, tr("Open"), error, QMessageBox::Ok, this);
         box->setObjectName(QStringLiteral("openChainBox"));
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->setModal(false);
@@ -167,8 +201,7 @@ void CkMainWindow::addRecent(const QString& sFileName) {
 void CkMainWindow::fillRecentMenu() {
     m_pRecentMenu->clear();
     for (const QString& name : recentChains()) {
-        m_pRecentMenu->addAction(QDir::toNativeSeparators(name), this,
-                                 [this, name] { openChainOrTell(name); });
+        m_pRecentMenu->addAction(QDir::toNativeSeparators(name), this, [this, name] { openOrTell(name); });
     }
     m_pRecentMenu->setEnabled(!m_pRecentMenu->isEmpty());
     m_pRecentMenu->menuAction()->setToolTip(m_pRecentMenu->isEmpty() ? tr("No file was opened yet")
@@ -195,7 +228,7 @@ void CkMainWindow::dropEvent(QDropEvent* pEvent) {
     // The program that the files come from waits until this returns.
     QTimer::singleShot(0, this, [this, files] {
         for (const QString& file : files) {
-            openChainOrTell(file);
+            openOrTell(file);
         }
     });
 }

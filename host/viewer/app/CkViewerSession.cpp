@@ -8,7 +8,9 @@
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
 #include "camera/CkSimCameraDriver.h"
+#include "files/CkFileOpener.h"
 #include "log/CkLogSink.h"
+#include "recording/CkRecordingRoom.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -110,6 +112,7 @@ bool CkViewerSession::start() {
     m_window->setPluginTexts(texts);
     m_window->equipPluginMenu();
     m_window->setRemembersLayout(!m_options.unattended());
+    m_window->recordings()->setAsks(!m_options.unattended());
     const bool remembers = !m_options.unattended() && !m_options.cleanStart;
     if (remembers) {
         m_window->restoreLayout();
@@ -119,9 +122,10 @@ bool CkViewerSession::start() {
     }
     m_window->show();
     bool ok = openCameras();
-    ok = openChains() && ok;
+    ok = openFiles() && ok;
     // Whoever names cameras or files gets these and no others.
-    if (remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty()) {
+    if (remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty() &&
+        m_options.files.isEmpty()) {
         for (const int id : m_window->restoreSession().viewsWith3d) {
             whenReady(id, [this, id] { open3dView(id); });
         }
@@ -153,11 +157,18 @@ bool CkViewerSession::openCameras() {
     return ok;
 }
 
-bool CkViewerSession::openChains() {
+bool CkViewerSession::openFiles() {
     bool ok = true;
     for (const QString& fileName : m_options.chainFiles) {
         QString error;
         if (!m_window->openChainFile(fileName, error)) {
+            qCritical("%s", qUtf8Printable(error));
+            ok = false;
+        }
+    }
+    for (const QString& fileName : m_options.files) {
+        QString error;
+        if (!m_window->fileOpener()->open(fileName, error)) {
             qCritical("%s", qUtf8Printable(error));
             ok = false;
         }

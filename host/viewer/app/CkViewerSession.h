@@ -25,7 +25,7 @@ public:
     CkMainWindow* window() const { return m_window.get(); }
     CkPluginHost* plugins() const { return m_plugins.get(); }
 
-    /// Loads the plug-ins, shows the window, opens cameras and chains. False when something that the command
+    /// Loads the plug-ins, shows the window, opens cameras and files. False when something that the command
     /// line named cannot be opened; the rest is open all the same, and the log says what failed.
     bool start();
 
@@ -44,7 +44,7 @@ signals:
 private:
     void watchView(int iViewId);
     bool openCameras();
-    bool openChains();
+    bool openFiles();
     /// Calls a function once a view has shown its first frame.
     void whenReady(int iViewId, const std::function<void()>& what);
     void open3dView(int iViewId);

@@ -340,6 +340,7 @@ void CkViewArea::paintEvent(QPaintEvent* pEvent) {
         painter.setFont(large);
         painter.drawText(
             viewport()->rect(), Qt::AlignCenter,
-            tr("No view is open.\n\nOpen a camera from the Camera menu, or a chain file with Ctrl+O."));
+            tr("No view is open.\n\nOpen a camera from the Camera menu, a recording with Ctrl+Shift+O,\n"
+               "a chain file with Ctrl+O, or drop files here."));
     }
 }

@@ -614,10 +614,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Klickt den Menüeintrag oder Knopf mit diesem Objektnamen an, sobald das erste Bild gezeigt wurde, für Skripte. Darf mehrmals angegeben werden.</translation>
     </message>
     <message>
-        <source>Chain files to open.</source>
-        <translation>Kettendateien, die geöffnet werden.</translation>
-    </message>
-    <message>
         <source>--frames takes a number from 1 to %1, not &quot;%2&quot;.</source>
         <translation>--frames erwartet eine Zahl von 1 bis %1, nicht „%2“.</translation>
     </message>
@@ -638,16 +634,103 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation> oder </translation>
     </message>
     <message>
-        <source>--3d needs --camera or --chain.</source>
-        <translation>--3d braucht --camera oder --chain.</translation>
-    </message>
-    <message>
         <source>Language of the texts: en or de. By default the user&apos;s own.</source>
         <translation>Sprache der Texte: en oder de. Sonst die des Benutzers.</translation>
     </message>
     <message>
         <source>Starts without the cameras, the views and the layout of the last session.</source>
         <translation>Startet ohne die Kameras, die Ansichten und die Anordnung der letzten Sitzung.</translation>
+    </message>
+    <message>
+        <source>Recordings, pictures and chain files to open.</source>
+        <translation>Aufnahmen, Bilder und Kettendateien, die geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>--3d needs --camera, --chain or a file.</source>
+        <translation>--3d braucht --camera, --chain oder eine Datei.</translation>
+    </message>
+</context>
+<context>
+    <name>CkDepthImportDialog</name>
+    <message>
+        <source>Import Picture</source>
+        <translation>Bild einlesen</translation>
+    </message>
+    <message>
+        <source>The file does not say what its samples mean.</source>
+        <translation>Die Datei sagt nicht, was ihre Werte bedeuten.</translation>
+    </message>
+    <message>
+        <source>&amp;Depths</source>
+        <translation>&amp;Tiefen</translation>
+    </message>
+    <message>
+        <source>A grey &amp;picture, samples as they are</source>
+        <translation>Ein &amp;Graubild, Werte wie sie sind</translation>
+    </message>
+    <message>
+        <source>Millimetres</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>Tenths of a millimetre</source>
+        <translation>Zehntelmillimeter</translation>
+    </message>
+    <message>
+        <source>Centimetres</source>
+        <translation>Zentimeter</translation>
+    </message>
+    <message>
+        <source>Metres</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>1/256 metre</source>
+        <translation>1/256 Meter</translation>
+    </message>
+    <message>
+        <source>1/5000 metre</source>
+        <translation>1/5000 Meter</translation>
+    </message>
+    <message>
+        <source>Another scale</source>
+        <translation>Anderer Maßstab</translation>
+    </message>
+    <message>
+        <source>&amp;Unit of a count:</source>
+        <translation>&amp;Einheit einer Stufe:</translation>
+    </message>
+    <message>
+        <source> mm</source>
+        <translation> mm</translation>
+    </message>
+    <message>
+        <source>A count of &amp;1 is:</source>
+        <translation>Eine Stufe von &amp;1 ist:</translation>
+    </message>
+    <message>
+        <source>&amp;0 means that nothing was measured</source>
+        <translation>&amp;0 heißt, dass nichts gemessen wurde</translation>
+    </message>
+    <message>
+        <source>Such pixels become &quot;not a number&quot; and make no points in 3D views</source>
+        <translation>Solche Pixel werden zu „keine Zahl“ und ergeben keine Punkte in 3D-Ansichten</translation>
+    </message>
+    <message>
+        <source>This picture then has:</source>
+        <translation>Dieses Bild hat dann:</translation>
+    </message>
+    <message>
+        <source>Choose &quot;Another scale&quot; to type one</source>
+        <translation>„Anderer Maßstab“ wählen, um einen einzugeben</translation>
+    </message>
+    <message>
+        <source>no value but 0</source>
+        <translation>keinen Wert außer 0</translation>
+    </message>
+    <message>
+        <source>%1 m to %2 m</source>
+        <translation>%1 m bis %2 m</translation>
     </message>
 </context>
 <context>
@@ -673,6 +756,33 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
 %2</source>
         <translation>Die Datei „%1“ konnte nicht geschrieben werden.
 %2</translation>
+    </message>
+</context>
+<context>
+    <name>CkFileOpener</name>
+    <message>
+        <source>&quot;%1&quot; is a folder; open the files in it.</source>
+        <translation>„%1“ ist ein Ordner; öffnen Sie die Dateien darin.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no ordinary file.</source>
+        <translation>„%1“ ist keine gewöhnliche Datei.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be read: %2.</source>
+        <translation>„%1“ kann nicht gelesen werden: %2.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is of no kind that can be opened here (%2).</source>
+        <translation>„%1“ ist von keiner Art, die hier geöffnet werden kann (%2).</translation>
+    </message>
+    <message>
+        <source>Everything that can be opened (%1)</source>
+        <translation>Alles, was geöffnet werden kann (%1)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
     </message>
 </context>
 <context>
@@ -1166,6 +1276,30 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>Full &amp;Range</source>
         <translation>&amp;Voller Bereich</translation>
     </message>
+    <message>
+        <source>Recordings</source>
+        <translation>Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Open R&amp;ecording...</source>
+        <translation>&amp;Aufnahme öffnen...</translation>
+    </message>
+    <message>
+        <source>&amp;Recording</source>
+        <translation>Au&amp;fnahme</translation>
+    </message>
+    <message>
+        <source>Open Recording</source>
+        <translation>Aufnahme öffnen</translation>
+    </message>
+    <message>
+        <source>Chain files</source>
+        <translation>Kettendateien</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
 </context>
 <context>
     <name>CkParamEditor</name>
@@ -1309,6 +1443,63 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
+    <name>CkPlaybackBar</name>
+    <message>
+        <source>Position in the recording</source>
+        <translation>Stelle in der Aufnahme</translation>
+    </message>
+    <message>
+        <source>Frame </source>
+        <translation>Bild </translation>
+    </message>
+    <message>
+        <source>Number of the frame that is shown, from 0; type one to go there</source>
+        <translation>Nummer des gezeigten Bildes, ab 0; eine eingeben, um dorthin zu springen</translation>
+    </message>
+    <message>
+        <source>Time of the frame since the first one, and length of the recording</source>
+        <translation>Zeit des Bildes seit dem ersten und Länge der Aufnahme</translation>
+    </message>
+    <message>
+        <source>Every frame</source>
+        <translation>Jedes Bild</translation>
+    </message>
+    <message>
+        <source>Real time</source>
+        <translation>Echtzeit</translation>
+    </message>
+    <message>
+        <source>Every frame: as fast as the chain goes, nothing left out.
+Real time: as it was recorded; frames that come too late are left out.</source>
+        <translation>Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.
+Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</translation>
+    </message>
+    <message>
+        <source> of %1</source>
+        <translation> von %1</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>An&amp;halten</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>Ab&amp;spielen</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#c02020&apos;&gt;&lt;b&gt;Damaged&lt;/b&gt;&lt;/span&gt;</source>
+        <translation>&lt;span style=&apos;color:#c02020&apos;&gt;&lt;b&gt;Beschädigt&lt;/b&gt;&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>%1 left out</source>
+        <translation>%1 ausgelassen</translation>
+    </message>
+    <message>
+        <source>Frames that came too late since playback was started</source>
+        <translation>Bilder, die seit dem Beginn der Wiedergabe zu spät kamen</translation>
+    </message>
+</context>
+<context>
     <name>CkPluginHost</name>
     <message>
         <source>%1: there is no such plug-in or folder.</source>
@@ -1406,6 +1597,293 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>Frames of the active view in each second of the last minute: shown (blue) and lost (red)</source>
         <translation>Bilder der aktiven Ansicht in jeder Sekunde der letzten Minute: gezeigte (blau) und verlorene (rot)</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordButton</name>
+    <message>
+        <source>Stop Recording</source>
+        <translation>Aufnahme beenden</translation>
+    </message>
+    <message>
+        <source>Record...</source>
+        <translation>Aufnehmen...</translation>
+    </message>
+    <message>
+        <source>Write what waits and close the file</source>
+        <translation>Schreibt, was noch wartet, und schließt die Datei</translation>
+    </message>
+    <message>
+        <source>Record the camera&apos;s pictures as they are delivered, from the moment the camera runs</source>
+        <translation>Nimmt die Bilder der Kamera auf, wie sie geliefert werden, sobald die Kamera läuft</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingDesk</name>
+    <message>
+        <source>Recording</source>
+        <translation>Aufnahme</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is being recorded to; choose another file.</source>
+        <translation>In „%1“ wird gerade aufgenommen; wählen Sie eine andere Datei.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is open here and would be lost; choose another file, or close its views.</source>
+        <translation>„%1“ ist hier geöffnet und ginge verloren; wählen Sie eine andere Datei oder schließen Sie ihre Ansichten.</translation>
+    </message>
+    <message>
+        <source>Recording &quot;%1&quot; to %2</source>
+        <translation>Nehme „%1“ auf in %2</translation>
+    </message>
+    <message>
+        <source>%1: %2 frames recorded, %3 dropped</source>
+        <translation>%1: %2 Bilder aufgenommen, %3 verloren</translation>
+    </message>
+    <message>
+        <source>The recording ended early.
+
+%1
+
+The %2 frames in front of it are in the file and can be opened. %3 frames were lost.</source>
+        <translation>Die Aufnahme endete vorzeitig.
+
+%1
+
+Die %2 Bilder davor stehen in der Datei und können geöffnet werden. %3 Bilder gingen verloren.</translation>
+    </message>
+    <message>
+        <source>Recordings (*.tif)</source>
+        <translation>Aufnahmen (*.tif)</translation>
+    </message>
+    <message>
+        <source>Recordings, compressed without loss, slower (*.tif)</source>
+        <translation>Aufnahmen, verlustfrei gepackt, langsamer (*.tif)</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Aufnehmen</translation>
+    </message>
+    <message>
+        <source>What was to be recorded has been closed.</source>
+        <translation>Was aufgenommen werden sollte, wurde geschlossen.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingJob</name>
+    <message>
+        <source>&quot;%1&quot;: there is nothing to record: the view shows no chain.</source>
+        <translation>„%1“: Es gibt nichts aufzunehmen: Die Ansicht zeigt keine Kette.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingNotes</name>
+    <message>
+        <source>it is too large</source>
+        <translation>sie ist zu groß</translation>
+    </message>
+    <message>
+        <source>The chain in the recording cannot be read: %1.</source>
+        <translation>Die Kette in der Aufnahme kann nicht gelesen werden: %1.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingOpening</name>
+    <message>
+        <source>Opening &quot;%1&quot;...</source>
+        <translation>Öffne „%1“...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Open Recording</source>
+        <translation>Aufnahme öffnen</translation>
+    </message>
+    <message>
+        <source>Opening &quot;%1&quot;: %2 frames so far</source>
+        <translation>Öffne „%1“: bisher %2 Bilder</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; was recorded with a processing chain:
+
+%2
+
+Open it with this chain?</source>
+        <translation>„%1“ wurde mit einer Verarbeitungskette aufgenommen:
+
+%2
+
+Mit dieser Kette öffnen?</translation>
+    </message>
+    <message>
+        <source>With the &amp;Chain</source>
+        <translation>Mit der &amp;Kette</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures Only</source>
+        <translation>Nur die &amp;Bilder</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is opened without its chain: %2</source>
+        <translation>„%1“ wird ohne ihre Kette geöffnet: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: no new processing chain can be made.</source>
+        <translation>„%1“: Es kann keine neue Verarbeitungskette angelegt werden.</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingPanel</name>
+    <message>
+        <source>Nothing is being recorded.</source>
+        <translation>Es wird nichts aufgenommen.</translation>
+    </message>
+    <message>
+        <source>%1 frames, %2, %3</source>
+        <translation>%1 Bilder, %2, %3</translation>
+    </message>
+    <message>
+        <source>, %1 in the queue</source>
+        <translation>, %1 in der Warteschlange</translation>
+    </message>
+    <message>
+        <source>%1
+recorded to %2</source>
+        <translation>%1
+aufgenommen in %2</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Write what waits and close the file</source>
+        <translation>Schreibt, was noch wartet, und schließt die Datei</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Play this recording</source>
+        <translation>Diese Aufnahme abspielen</translation>
+    </message>
+    <message>
+        <source>Take this line away; the file stays</source>
+        <translation>Diese Zeile entfernen; die Datei bleibt</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Nimmt auf</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Writing what waits</source>
+        <translation>Schreibt, was noch wartet</translation>
+    </message>
+    <message>
+        <source>%1 dropped</source>
+        <translation>%1 verloren</translation>
+    </message>
+    <message>
+        <source>The file is being closed</source>
+        <translation>Die Datei wird geschlossen</translation>
+    </message>
+    <message>
+        <source>The file holds no frame</source>
+        <translation>Die Datei enthält kein Bild</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingRoom</name>
+    <message>
+        <source>&amp;Record the Source...</source>
+        <translation>&amp;Quelle aufnehmen...</translation>
+    </message>
+    <message>
+        <source>Record the &amp;View...</source>
+        <translation>&amp;Ansicht aufnehmen...</translation>
+    </message>
+    <message>
+        <source>Stop &amp;All Recordings</source>
+        <translation>Alle Aufnahmen &amp;beenden</translation>
+    </message>
+    <message>
+        <source>&amp;First Frame</source>
+        <translation>&amp;Erstes Bild</translation>
+    </message>
+    <message>
+        <source>Step &amp;Back</source>
+        <translation>Schritt &amp;zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>Ab&amp;spielen</translation>
+    </message>
+    <message>
+        <source>&amp;Step Forward</source>
+        <translation>Schritt &amp;vor</translation>
+    </message>
+    <message>
+        <source>&amp;Last Frame</source>
+        <translation>&amp;Letztes Bild</translation>
+    </message>
+    <message>
+        <source>L&amp;oop</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Every Frame</source>
+        <translation>&amp;Jedes Bild</translation>
+    </message>
+    <message>
+        <source>Real &amp;Time</source>
+        <translation>Ech&amp;tzeit</translation>
+    </message>
+    <message>
+        <source>Recordings and TIFF pictures</source>
+        <translation>Aufnahmen und TIFF-Bilder</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain</source>
+        <translation>Die aktive Ansicht zeigt keine Kette</translation>
+    </message>
+    <message>
+        <source>Record &quot;%1&quot; as it is delivered</source>
+        <translation>„%1“ aufnehmen, wie es geliefert wird</translation>
+    </message>
+    <message>
+        <source>Record what the active view is given, after all processing</source>
+        <translation>Aufnehmen, was die aktive Ansicht nach aller Verarbeitung bekommt</translation>
+    </message>
+    <message>
+        <source>Write what waits and close the files</source>
+        <translation>Schreibt, was noch wartet, und schließt die Dateien</translation>
+    </message>
+    <message>
+        <source>Nothing is being recorded</source>
+        <translation>Es wird nichts aufgenommen</translation>
+    </message>
+    <message>
+        <source>The active view shows no recording</source>
+        <translation>Die aktive Ansicht zeigt keine Aufnahme</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %1 frames</source>
+        <translation>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %1 Bilder</translation>
+    </message>
+    <message>
+        <source>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 dropped&lt;/b&gt;</source>
+        <translation>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 verloren&lt;/b&gt;</translation>
     </message>
 </context>
 <context>
@@ -1832,6 +2310,21 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
+    <name>CkStillPicture</name>
+    <message>
+        <source>&quot;%1&quot;, page 1: %2</source>
+        <translation>„%1“, Seite 1: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: there is only one picture.</source>
+        <translation>„%1“: Es gibt nur ein Bild.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: There is not enough memory.</source>
+        <translation>„%1“: Der Speicher reicht nicht aus.</translation>
+    </message>
+</context>
+<context>
     <name>CkUnattendedRun</name>
     <message>
         <source>Only %1 of %2 frames were shown.</source>
@@ -1867,10 +2360,12 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>No view is open.
 
-Open a camera from the Camera menu, or a chain file with Ctrl+O.</source>
+Open a camera from the Camera menu, a recording with Ctrl+Shift+O,
+a chain file with Ctrl+O, or drop files here.</source>
         <translation>Es ist keine Ansicht offen.
 
-Öffnen Sie eine Kamera im Menü „Kamera“ oder eine Kettendatei mit Strg+O.</translation>
+Öffnen Sie eine Kamera im Menü „Kamera“, eine Aufnahme mit Strg+Umschalt+O,
+eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
 </context>
 <context>

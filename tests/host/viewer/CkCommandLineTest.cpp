@@ -38,7 +38,8 @@ TEST(CommandLine, ReadsEverything) {
     EXPECT_EQ(parsed.options.cameras, QStringList({"0", "sim:grey"}));
     EXPECT_TRUE(parsed.options.open3dView);
     EXPECT_EQ(parsed.options.pluginPaths, QStringList({"/p"}));
-    EXPECT_EQ(parsed.options.chainFiles, QStringList({"a.zuchain", "b.zuchain"}));
+    EXPECT_EQ(parsed.options.chainFiles, QStringList({"a.zuchain"}));
+    EXPECT_EQ(parsed.options.files, QStringList({"b.zuchain"}));
     EXPECT_EQ(parsed.options.frames, 7);
     EXPECT_TRUE(parsed.options.unattended());
     EXPECT_EQ(parsed.options.screenshotFile, "w.png");

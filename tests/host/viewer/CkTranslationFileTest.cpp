@@ -24,6 +24,6 @@ TEST(ViewerTranslationFile, PlacesLinesTagsAndEndsAreThoseOfTheSource) {
 }
 
 TEST(ViewerTranslationFile, OnlyNamesAndUnitsReadTheSameInBothLanguages) {
-    TranslationFile(s_file).expectSameOnly(
-        {"ms", "%1: %2", "Block", "Alpha", "Debug", "Info", "Gamma", "plus 32768", "Name: %1", "A minus B"});
+    TranslationFile(s_file).expectSameOnly({"ms", "%1: %2", "Block", "Alpha", "Debug", "Info", "Gamma",
+                                            "plus 32768", "Name: %1", "A minus B", " mm"});
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+
+#include <memory>
+
+class CkImageData;
+
+/// How the samples of a picture of others become depths.
+struct SkDepthScale {
+    double metresPerCount = 0.0; ///< 0: the samples stay as they are
+    bool zeroIsNothing = true;   ///< a sample of 0 says that nothing was measured, and becomes "not a number"
+
+    bool operator==(const SkDepthScale&) const = default;
+
+    bool isActive() const { return metresPerCount > 0.0; }
+
+    /// Whether pictures of this format can be scaled: one channel of a known sample type.
+    static bool fits(const SkPicBufInfo& info);
+
+    /// The format of the scaled picture: one float channel.
+    static SkPicBufInfo scaledInfo(const SkPicBufInfo& info);
+
+    /// The picture in metres, channel "Depth", owned by the caller, with all else as it was. Null when it
+    /// does not fit or memory is short.
+    std::unique_ptr<CkImageData> scaled(const CkImageData& frame) const;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "recording/SkDepthScale.h"
+
+#include <QDialog>
+
+class CkImageData;
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QRadioButton;
+
+/// Asks what the samples of a picture of others mean: a grey picture, or depths and in which unit.
+/// User-interface thread.
+class CkDepthImportDialog : public QDialog {
+    Q_OBJECT
+
+public:
+    /// The first frame gives the range that the dialog shows and its first proposal.
+    CkDepthImportDialog(const QString& sFileName, const CkImageData& first, QWidget* pParent = nullptr);
+
+    /// Whether pictures of this format may hold depths: one channel of more than 8 bits.
+    static bool isWorthAsking(const SkPicBufInfo& info);
+
+    /// Integers: millimetres. Floats: metres, unless the largest value is beyond 100.
+    static SkDepthScale proposal(const SkPicBufInfo& info, double fLargest);
+
+    /// Not active for a grey picture.
+    SkDepthScale scale() const;
+    void setScale(const SkDepthScale& scale);
+
+private:
+    double metresPerCount() const;
+    void adaptToUnit();
+    void showRange();
+
+    double m_fSmallest = 0.0; ///< without zeros
+    double m_fLargest = 0.0;
+    bool m_bHasZeros = false;
+    QRadioButton* m_pPicture = nullptr;
+    QRadioButton* m_pDepth = nullptr;
+    QComboBox* m_pUnit = nullptr;
+    QDoubleSpinBox* m_pMillimetres = nullptr;
+    QCheckBox* m_pZero = nullptr;
+    QLabel* m_pRange = nullptr;
+    QWidget* m_pDetails = nullptr;
+};

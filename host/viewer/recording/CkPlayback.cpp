@@ -1,0 +1,145 @@
+#include "recording/CkPlayback.h"
+
+#include "area/CkViewArea.h"
+#include "recording/CkFrameGate.h"
+#include "recording/CkVideoSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCoreGui/CkMdiView.h"
+
+#include <algorithm>
+
+CkPlayback::CkPlayback(CkViewArea* pArea, QObject* pParent)
+    : QObject(pParent), m_pArea(pArea), m_pGate(new CkFrameGate(this)) {
+    connect(pArea, &CkViewArea::activeViewChanged, this, &CkPlayback::follow);
+    connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, &CkPlayback::watch);
+}
+
+CkVideoSource* CkPlayback::sourceOf(const CkViewArea& area, const CkMdiView* pView) {
+    if (pView != nullptr && pView->dataProvider() == nullptr && pView->connectedViewId() >= 0) {
+        pView = area.view(pView->connectedViewId());
+    }
+    CkChainable* block = pView != nullptr ? pView->dataProvider() : nullptr;
+    while (block != nullptr) {
+        if (auto* source = qobject_cast<CkVideoSource*>(block)) {
+            return source;
+        }
+        const QList<CkChainable*> before = block->precedessors();
+        block = before.isEmpty() ? nullptr : before.first();
+    }
+    return nullptr;
+}
+
+CkVideoSource* CkPlayback::source() const {
+    return m_source;
+}
+
+void CkPlayback::watch(CkChain* pChain) {
+    const QPointer<CkChain> chain(pChain);
+    // At once: the first frame may follow at any time.
+    const auto wait = [this, chain] {
+        for (CkChainable* block : chain ? chain->imageSources() : QList<CkChainable*>()) {
+            if (auto* source = qobject_cast<CkVideoSource*>(block)) {
+                source->setAfterFrame(m_pGate->function());
+            }
+        }
+    };
+    connect(pChain, &CkChain::structureChanged, this, wait);
+    const auto showAgain = [this, chain](bool bRunning) {
+        for (CkChainable* block : chain&& bRunning ? chain->imageSources() : QList<CkChainable*>()) {
+            auto* source = qobject_cast<CkVideoSource*>(block);
+            if (source != nullptr && !source->isPlaying()) {
+                source->seek(std::max<qint64>(source->position(), 0));
+            }
+        }
+        follow();
+    };
+    // Not before all of the start is over, which may be one of several in a row.
+    connect(pChain, &CkChain::runningChanged, this, showAgain, Qt::QueuedConnection);
+}
+
+void CkPlayback::follow() {
+    CkVideoSource* source = sourceOf(*m_pArea, m_pArea->activeView());
+    if (source == m_source) {
+        return;
+    }
+    m_source = source;
+    emit sourceChanged();
+}
+
+std::optional<qint64> CkPlayback::timeOf(qint64 iFrame) const {
+    const std::shared_ptr<const IkFrameFile> file = m_source ? m_source->recording() : nullptr;
+    SkFrameDescription first;
+    SkFrameDescription there;
+    SkFrameDescription last;
+    if (file == nullptr || !file->describe(0, first, nullptr) || !file->describe(iFrame, there, nullptr) ||
+        !file->describe(file->frameCount() - 1, last, nullptr) ||
+        last.additionalData.timestampNs <= first.additionalData.timestampNs) {
+        return std::nullopt;
+    }
+    return there.additionalData.timestampNs - first.additionalData.timestampNs;
+}
+
+void CkPlayback::togglePlaying() {
+    if (!m_source) {
+        return;
+    }
+    if (m_source->isPlaying()) {
+        m_source->pause();
+        return;
+    }
+    // Somebody stopped the chain, and wants to see something now.
+    if (CkChain* chain = m_source->chain(); chain != nullptr && chain->stopped()) {
+        chain->start();
+    }
+    m_source->play();
+}
+
+void CkPlayback::stepForward() {
+    if (m_source) {
+        m_source->step();
+    }
+}
+
+void CkPlayback::stepBack() {
+    if (!m_source) {
+        return;
+    }
+    m_source->pause();
+    const qint64 before = m_source->position() - 1;
+    if (before >= 0) {
+        m_source->seek(before);
+    } else if (m_source->isLoop()) {
+        m_source->seek(m_source->frameCount() - 1);
+    }
+}
+
+void CkPlayback::goToFirst() {
+    goTo(0);
+}
+
+void CkPlayback::goToLast() {
+    if (m_source) {
+        goTo(m_source->frameCount() - 1);
+    }
+}
+
+void CkPlayback::goTo(qint64 iFrame) {
+    if (m_source) {
+        m_source->seek(iFrame);
+    }
+}
+
+void CkPlayback::setLoop(bool bLoop) {
+    if (m_source && m_source->isLoop() != bLoop) {
+        m_source->setLoop(bLoop);
+        emit settingsChanged();
+    }
+}
+
+void CkPlayback::setPace(int iPace) {
+    if (m_source && m_source->pace() != iPace) {
+        m_source->setPace(iPace);
+        emit settingsChanged();
+    }
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include <optional>
+
+class CkChain;
+class CkFrameGate;
+class CkMdiView;
+class CkVideoSource;
+class CkViewArea;
+
+/// The recording behind the active view, and what can be done with it. User-interface thread.
+///
+/// Also shows the present frame of a paused recording anew whenever its chain is started, so that blocks and
+/// views that were added have something to show.
+class CkPlayback : public QObject {
+    Q_OBJECT
+
+public:
+    explicit CkPlayback(CkViewArea* pArea, QObject* pParent = nullptr);
+
+    /// The recording that the view's pictures come from; null when they come from elsewhere. A view that
+    /// follows another one has that one's.
+    static CkVideoSource* sourceOf(const CkViewArea& area, const CkMdiView* pView);
+
+    /// Of the active view; null when it shows no recording.
+    CkVideoSource* source() const;
+
+    /// Time of a frame since the first one, in nanoseconds; nothing for recordings without time stamps.
+    std::optional<qint64> timeOf(qint64 iFrame) const;
+
+public slots:
+    void togglePlaying();
+    void stepForward();
+    void stepBack();
+    void goToFirst();
+    void goToLast();
+    void goTo(qint64 iFrame);
+    void setLoop(bool bLoop);
+    void setPace(int iPace);
+
+signals:
+    /// The active view shows another recording, or none.
+    void sourceChanged();
+    /// Loop or pace were changed here.
+    void settingsChanged();
+
+private:
+    void follow();
+    void watch(CkChain* pChain);
+
+    CkViewArea* m_pArea;
+    CkFrameGate* m_pGate;
+    QPointer<CkVideoSource> m_source;
+};

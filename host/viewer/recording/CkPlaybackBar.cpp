@@ -1,0 +1,183 @@
+#include "recording/CkPlaybackBar.h"
+
+#include "recording/CkPlayback.h"
+#include "recording/CkVideoSource.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStyle>
+#include <QToolButton>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int kRefreshMs = 40;
+constexpr qint64 kMillisecond = 1'000'000;
+
+int asInt(qint64 value) {
+    return int(std::clamp<qint64>(value, 0, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent)
+    : QWidget(pParent), m_pPlayback(pPlayback), m_actions(actions) {
+    setObjectName(QStringLiteral("playbackBar"));
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(6, 3, 6, 3);
+    layout->setSpacing(4);
+    for (QAction* action : {actions.first, actions.back, actions.play, actions.forward, actions.last}) {
+        layout->addWidget(addButton(action));
+    }
+    m_pSlider = new QSlider(Qt::Horizontal, this);
+    m_pSlider->setObjectName(QStringLiteral("playbackSlider"));
+    m_pSlider->setMinimumWidth(80);
+    m_pSlider->setToolTip(tr("Position in the recording"));
+    layout->addWidget(m_pSlider, 1);
+    m_pNumber = new QSpinBox(this);
+    m_pNumber->setObjectName(QStringLiteral("playbackNumber"));
+    m_pNumber->setPrefix(tr("Frame "));
+    m_pNumber->setKeyboardTracking(false);
+    m_pNumber->setAlignment(Qt::AlignRight);
+    m_pNumber->setToolTip(tr("Number of the frame that is shown, from 0; type one to go there"));
+    layout->addWidget(m_pNumber);
+    m_pTime = new QLabel(this);
+    m_pTime->setObjectName(QStringLiteral("playbackTime"));
+    m_pTime->setToolTip(tr("Time of the frame since the first one, and length of the recording"));
+    layout->addWidget(m_pTime);
+    layout->addWidget(addButton(actions.loop));
+    m_pPace = new QComboBox(this);
+    m_pPace->setObjectName(QStringLiteral("playbackPace"));
+    m_pPace->addItem(tr("Every frame"), int(CkVideoSource::EveryFrame));
+    m_pPace->addItem(tr("Real time"), int(CkVideoSource::RealTime));
+    m_pPace->setToolTip(tr("Every frame: as fast as the chain goes, nothing left out.\n"
+                           "Real time: as it was recorded; frames that come too late are left out."));
+    layout->addWidget(m_pPace);
+    m_pNote = new QLabel(this);
+    m_pNote->setObjectName(QStringLiteral("playbackNote"));
+    layout->addWidget(m_pNote);
+
+    connect(m_pSlider, &QSlider::valueChanged, m_pPlayback,
+            [this](int iValue) { m_pPlayback->goTo(iValue); });
+    connect(m_pNumber, &QSpinBox::valueChanged, m_pPlayback,
+            [this](int iValue) { m_pPlayback->goTo(iValue); });
+    connect(m_pPace, &QComboBox::currentIndexChanged, m_pPlayback,
+            [this] { m_pPlayback->setPace(m_pPace->currentData().toInt()); });
+    connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
+    connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
+    // The player may be much faster than anybody reads: looking now and then costs less than being told.
+    m_timer.setInterval(kRefreshMs);
+    connect(&m_timer, &QTimer::timeout, this, &CkPlaybackBar::refresh);
+    adaptToSource();
+}
+
+QToolButton* CkPlaybackBar::addButton(QAction* pAction) {
+    auto* button = new QToolButton(this);
+    button->setDefaultAction(pAction);
+    button->setAutoRaise(true);
+    button->setIconSize(QSize(20, 20));
+    button->setObjectName(QStringLiteral("btn_") + pAction->objectName());
+    return button;
+}
+
+QString CkPlaybackBar::timeText(qint64 iNanoseconds) {
+    const qint64 ms = iNanoseconds / kMillisecond;
+    const QLatin1Char zero('0');
+    const QString rest = QStringLiteral("%1.%2").arg(ms / 1000 % 60, 2, 10, zero).arg(ms % 1000, 3, 10, zero);
+    const qint64 minutes = ms / 60'000;
+    return minutes < 60
+               ? QStringLiteral("%1:%2").arg(minutes).arg(rest)
+               : QStringLiteral("%1:%2:%3").arg(minutes / 60).arg(minutes % 60, 2, 10, zero).arg(rest);
+}
+
+void CkPlaybackBar::adaptToSource() {
+    const CkVideoSource* source = m_pPlayback->source();
+    setVisible(source != nullptr);
+    if (source == nullptr) {
+        m_timer.stop();
+        return;
+    }
+    m_iShown = -2;
+    m_sTotal.clear();
+    const int last = asInt(source->frameCount() - 1);
+    {
+        const QSignalBlocker slider(m_pSlider);
+        const QSignalBlocker number(m_pNumber);
+        m_pSlider->setRange(0, last);
+        m_pSlider->setPageStep(qMax(1, last / 20));
+        m_pNumber->setRange(0, last);
+        m_pNumber->setSuffix(tr(" of %1").arg(last));
+        if (const std::optional<qint64> total = m_pPlayback->timeOf(last)) {
+            m_sTotal = timeText(*total);
+        }
+    }
+    // As wide as the longest text, so that nothing moves while it plays.
+    m_pTime->setMinimumWidth(
+        fontMetrics().horizontalAdvance(m_sTotal.isEmpty() ? QString()
+                                                           : m_sTotal + QStringLiteral(" / ") + m_sTotal) +
+        8);
+    refresh();
+    m_timer.start();
+}
+
+void CkPlaybackBar::refresh() {
+    const CkVideoSource* source = m_pPlayback->source();
+    if (source == nullptr) {
+        setVisible(false);
+        return;
+    }
+    const qint64 position = source->position();
+    if (position != m_iShown) {
+        m_iShown = position;
+        const QSignalBlocker slider(m_pSlider);
+        const QSignalBlocker number(m_pNumber);
+        if (!m_pSlider->isSliderDown()) {
+            m_pSlider->setValue(asInt(position));
+        }
+        const auto* edit = m_pNumber->findChild<QLineEdit*>();
+        // A number that is being typed stays.
+        if (edit == nullptr || !edit->isModified()) {
+            m_pNumber->setValue(asInt(position));
+        }
+        const std::optional<qint64> time =
+            m_sTotal.isEmpty() || position < 0 ? std::nullopt : m_pPlayback->timeOf(position);
+        m_pTime->setText(time ? timeText(*time) + QStringLiteral(" / ") + m_sTotal : QString());
+    }
+    {
+        const QSignalBlocker pace(m_pPace);
+        m_pPace->setCurrentIndex(m_pPace->findData(source->pace()));
+    }
+    const bool playing = source->isPlaying();
+    if (m_actions.play->property("playing").toBool() != playing || m_actions.play->icon().isNull()) {
+        m_actions.play->setProperty("playing", playing);
+        m_actions.play->setText(playing ? tr("&Pause") : tr("&Play"));
+        m_actions.play->setIcon(
+            style()->standardIcon(playing ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+    }
+    m_actions.loop->setChecked(source->isLoop());
+    showDamage();
+}
+
+void CkPlaybackBar::showDamage() {
+    const CkVideoSource* source = m_pPlayback->source();
+    const QString error = source->errorMessage();
+    const qint64 skipped = source->skippedFrames();
+    QString note;
+    if (!error.isEmpty()) {
+        note = tr("<span style='color:#c02020'><b>Damaged</b></span>");
+    } else if (skipped > 0) {
+        note = tr("%1 left out").arg(skipped);
+    }
+    if (note != m_pNote->text()) {
+        m_pNote->setText(note);
+    }
+    m_pNote->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started") : error);
+    m_pNote->setVisible(!note.isEmpty());
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+class CkPlayback;
+class QAction;
+class QComboBox;
+class QLabel;
+class QSlider;
+class QSpinBox;
+class QToolButton;
+
+/// Controls of the recording behind the active view; hidden while there is none. User-interface thread.
+class CkPlaybackBar : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The actions are those of the menu; the bar adds buttons for them.
+    struct SkActions {
+        QAction* first = nullptr;
+        QAction* back = nullptr;
+        QAction* play = nullptr;
+        QAction* forward = nullptr;
+        QAction* last = nullptr;
+        QAction* loop = nullptr;
+    };
+
+    CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent = nullptr);
+
+    /// "0:01.234".
+    static QString timeText(qint64 iNanoseconds);
+
+    /// What the bar shows is brought up to date; happens by itself while it is visible.
+    void refresh();
+
+private:
+    QToolButton* addButton(QAction* pAction);
+    void adaptToSource();
+    void showDamage();
+
+    CkPlayback* m_pPlayback;
+    SkActions m_actions;
+    QSlider* m_pSlider = nullptr;
+    QSpinBox* m_pNumber = nullptr;
+    QLabel* m_pTime = nullptr;
+    QLabel* m_pNote = nullptr;
+    QComboBox* m_pPace = nullptr;
+    QTimer m_timer;
+    qint64 m_iShown = -2; ///< frame whose time is shown
+    QString m_sTotal;     ///< length of the recording
+};

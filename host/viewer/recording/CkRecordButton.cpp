@@ -1,0 +1,63 @@
+#include "recording/CkRecordButton.h"
+
+#include "camera/CkCameraDesk.h"
+#include "recording/CkRecordingDesk.h"
+#include "recording/CkRecordingJob.h"
+#include "zuCore/CkImageSource.h"
+
+#include <QPainter>
+
+namespace {
+
+CkRecordingJob* runningOf(const CkRecordingDesk& desk, void* handle) {
+    for (CkRecordingJob* job : desk.jobs()) {
+        const auto* source = qobject_cast<const CkImageSource*>(job->block());
+        if (job->state() == CkRecordingJob::EkState::Running && source != nullptr &&
+            source->cameraHandles().contains(handle)) {
+            return job;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+CkRecordButton::CkRecordButton(CkRecordingDesk* pDesk, CkCameraDesk* pCameras, void* pCameraHandle,
+                               QWidget* pParent)
+    : QPushButton(pParent), m_pDesk(pDesk), m_pCameras(pCameras), m_pHandle(pCameraHandle) {
+    setObjectName(QStringLiteral("btnRecord"));
+    setIcon(icon());
+    connect(this, &QPushButton::clicked, this, &CkRecordButton::press);
+    connect(pDesk, &CkRecordingDesk::jobsChanged, this, &CkRecordButton::refresh);
+    refresh();
+}
+
+QIcon CkRecordButton::icon() {
+    QPixmap pixmap(32, 32);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0xd0, 0x20, 0x20));
+    painter.drawEllipse(5, 5, 22, 22);
+    return QIcon(pixmap);
+}
+
+void CkRecordButton::press() {
+    if (CkRecordingJob* running = runningOf(*m_pDesk, m_pHandle)) {
+        running->stop();
+        return;
+    }
+    if (m_pDesk->sourceOfCamera(m_pHandle) == nullptr) {
+        m_pCameras->openView(m_pHandle);
+    }
+    m_pDesk->recordWithDialog(m_pDesk->sourceOfCamera(m_pHandle));
+}
+
+void CkRecordButton::refresh() {
+    const bool running = runningOf(*m_pDesk, m_pHandle) != nullptr;
+    setText(running ? tr("Stop Recording") : tr("Record..."));
+    setToolTip(
+        running ? tr("Write what waits and close the file")
+                : tr("Record the camera's pictures as they are delivered, from the moment the camera runs"));
+}

@@ -1,0 +1,234 @@
+#include "recording/CkRecordingDesk.h"
+
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+#include "camera/CkCameraDesk.h"
+#include "recording/CkRecordingJob.h"
+#include "recording/CkRecordingNotes.h"
+#include "recording/CkVideoSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkImageSource.h"
+#include "zuCoreGui/CkMdiView.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QRegularExpression>
+#include <QSettings>
+
+#include <algorithm>
+
+namespace {
+
+const CkMdiView* followedView(const CkViewArea& area) {
+    const CkMdiView* view = area.activeView();
+    if (view != nullptr && view->dataProvider() == nullptr && view->connectedViewId() >= 0) {
+        return area.view(view->connectedViewId());
+    }
+    return view;
+}
+
+bool isSameFile(const QString& a, const QString& b) {
+    const QString first = QFileInfo(a).canonicalFilePath();
+    return !first.isEmpty() && first == QFileInfo(b).canonicalFilePath();
+}
+
+void showBox(QWidget* window, const QString& text) {
+    auto* box = new QMessageBox(QMessageBox::Warning, CkRecordingDesk::tr("Recording"), text, QMessageBox::Ok,
+                                window);
+    box->setObjectName(QStringLiteral("recordingBox"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
+}
+
+} // namespace
+
+CkRecordingDesk::CkRecordingDesk(CkViewArea* pArea, CkCameraDesk* pCameras, QWidget* pWindow)
+    : QObject(pWindow), m_pArea(pArea), m_pCameras(pCameras), m_pWindow(pWindow) {}
+
+CkRecordingDesk::~CkRecordingDesk() = default;
+
+CkChainable* CkRecordingDesk::outputToRecord() const {
+    const CkMdiView* view = followedView(*m_pArea);
+    CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
+    return block != nullptr && block->chain() != nullptr ? block : nullptr;
+}
+
+CkChainable* CkRecordingDesk::sourceToRecord() const {
+    CkChainable* block = outputToRecord();
+    while (block != nullptr && !block->precedessors().isEmpty()) {
+        block = block->precedessors().first();
+    }
+    return block;
+}
+
+CkChainable* CkRecordingDesk::sourceOfCamera(void* pHandle) const {
+    const auto isOfCamera = [pHandle](CkChainable* block) {
+        const auto* source = qobject_cast<CkImageSource*>(block);
+        return source != nullptr && source->cameraHandles().contains(pHandle);
+    };
+    if (CkChainable* active = sourceToRecord(); isOfCamera(active)) {
+        return active;
+    }
+    for (const CkChain* chain : m_pCameras->chainsOf(pHandle)) {
+        for (CkChainable* block : chain->imageSources()) {
+            if (isOfCamera(block)) {
+                return block;
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool CkRecordingDesk::isInUse(const QString& sFileName, QString& sReason) const {
+    for (const CkRecordingJob* job : m_jobs) {
+        if (job->state() != CkRecordingJob::EkState::Finished && isSameFile(job->fileName(), sFileName)) {
+            sReason = tr("\"%1\" is being recorded to; choose another file.").arg(sFileName);
+            return true;
+        }
+    }
+    for (const CkChain* chain : CkChainManager::instance()->chains()) {
+        for (CkChainable* block : chain->imageSources()) {
+            const auto* source = qobject_cast<CkVideoSource*>(block);
+            if (source != nullptr && isSameFile(source->fileName(), sFileName)) {
+                sReason =
+                    tr("\"%1\" is open here and would be lost; choose another file, or close its views.")
+                        .arg(sFileName);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+QString CkRecordingDesk::titleOf(const CkChainable* pBlock) const {
+    const CkChain* chain = pBlock->chain();
+    return chain != nullptr ? chain->chainTitle(pBlock) : pBlock->title();
+}
+
+CkRecordingJob* CkRecordingDesk::record(CkChainable* pBlock, const QString& sFileName,
+                                        EkRecordingCompression compression, QString& sError) {
+    if (isInUse(sFileName, sError)) {
+        return nullptr;
+    }
+    const CkMdiView* view = followedView(*m_pArea);
+    if (view != nullptr && view->dataProvider() != pBlock) {
+        view = nullptr;
+        for (const CkMdiView* other : m_pArea->views()) {
+            if (other->dataProvider() == pBlock) {
+                view = other;
+                break;
+            }
+        }
+    }
+    auto* job = new CkRecordingJob(this);
+    CkRecorder::SkOptions options;
+    options.compression = compression;
+    if (!job->start(pBlock, QFileInfo(sFileName).absoluteFilePath(), CkRecordingNotes::of(pBlock, view),
+                    options, sError)) {
+        delete job;
+        return nullptr;
+    }
+    job->setTitle(titleOf(pBlock));
+    m_jobs.append(job);
+    connect(job, &CkRecordingJob::troubled, this, [this, job] { emit troubled(job); });
+    connect(job, &CkRecordingJob::stateChanged, this, [this, job] {
+        if (job->state() == CkRecordingJob::EkState::Finished) {
+            tell(job);
+        }
+        emit jobsChanged();
+    });
+    qInfo("%s", qUtf8Printable(tr("Recording \"%1\" to %2").arg(job->title(), job->fileName())));
+    emit jobsChanged();
+    return job;
+}
+
+void CkRecordingDesk::tell(CkRecordingJob* pJob) {
+    const CkRecorder::SkState state = pJob->counters();
+    const QString frames =
+        tr("%1: %2 frames recorded, %3 dropped").arg(pJob->fileName()).arg(state.written).arg(state.dropped);
+    if (state.error.isEmpty()) {
+        if (state.dropped > 0) {
+            qWarning("%s", qUtf8Printable(frames));
+        } else {
+            qInfo("%s", qUtf8Printable(frames));
+        }
+        return;
+    }
+    qCritical("%s", qUtf8Printable(state.error));
+    showBox(m_pWindow,
+            tr("The recording ended early.\n\n%1\n\nThe %2 frames in front of it are in the file and can be "
+               "opened. %3 frames were lost.")
+                .arg(state.error)
+                .arg(state.written)
+                .arg(state.dropped));
+}
+
+void CkRecordingDesk::recordWithDialog(CkChainable* pBlock) {
+    if (pBlock == nullptr) {
+        return;
+    }
+    const QPointer<CkChainable> block(pBlock);
+    const auto settings = CkViewerSettings::open();
+    QString name = titleOf(pBlock);
+    name.replace(QRegularExpression(QStringLiteral("[^\\w.,()-]+")), QStringLiteral(" "));
+    const QString proposed =
+        QDir(settings->value(CkViewerSettings::keyLastDirectory()).toString())
+            .filePath(QStringLiteral("%1 %2.tif")
+                          .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss")),
+                               name.simplified().left(80)));
+    const QString plain = tr("Recordings (*.tif)");
+    const QString packed = tr("Recordings, compressed without loss, slower (*.tif)");
+    // With the ending in place before the dialog asks whether to replace a file.
+    QFileDialog dialog(m_pWindow, tr("Record"), proposed);
+    dialog.setObjectName(QStringLiteral("recordDialog"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters({plain, packed});
+    dialog.setDefaultSuffix(QStringLiteral("tif"));
+    dialog.selectFile(QFileInfo(proposed).fileName());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return;
+    }
+    const QString fileName = dialog.selectedFiles().first();
+    settings->setValue(CkViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
+    QString error = tr("What was to be recorded has been closed.");
+    if (!block || record(block, fileName,
+                         dialog.selectedNameFilter() == packed ? EkRecordingCompression::Deflate
+                                                               : EkRecordingCompression::None,
+                         error) == nullptr) {
+        qWarning("%s", qUtf8Printable(error));
+        showBox(m_pWindow, error);
+    }
+}
+
+void CkRecordingDesk::stopAll() {
+    for (CkRecordingJob* job : std::as_const(m_jobs)) {
+        job->stop();
+    }
+}
+
+int CkRecordingDesk::runningCount() const {
+    return int(std::count_if(m_jobs.begin(), m_jobs.end(), [](const CkRecordingJob* job) {
+        return job->state() == CkRecordingJob::EkState::Running;
+    }));
+}
+
+CkRecordingJob* CkRecordingDesk::runningOf(const CkChainable* pBlock) const {
+    for (CkRecordingJob* job : m_jobs) {
+        if (job->state() == CkRecordingJob::EkState::Running && job->block() == pBlock && pBlock != nullptr) {
+            return job;
+        }
+    }
+    return nullptr;
+}
+
+void CkRecordingDesk::forget(CkRecordingJob* pJob) {
+    if (pJob->state() == CkRecordingJob::EkState::Finished && m_jobs.removeOne(pJob)) {
+        pJob->deleteLater();
+        emit jobsChanged();
+    }
+}

@@ -1,0 +1,213 @@
+#include "recording/CkRecordingOpening.h"
+
+#include "area/CkViewArea.h"
+#include "chain/CkChainFile.h"
+#include "image/CkImageView.h"
+#include "recording/CkDepthImportDialog.h"
+#include "recording/CkRecordingNotes.h"
+#include "recording/CkStillPicture.h"
+#include "recording/CkVideoSource.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkRTTI.h"
+
+#include <QDomDocument>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTimer>
+
+#include <atomic>
+#include <future>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPatience = 300ms; // until a dialog says what is going on
+constexpr int kPollMs = 30;
+constexpr int kProgressSteps = 1000;
+
+/// Searches the file for its frames on another thread, so that the window stays alive over a slow disk.
+bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* window, QString& error,
+                      bool& cancelled) {
+    std::atomic<bool> cancel = false;
+    std::atomic<double> share = 0.0;
+    std::atomic<qint64> frames = 0;
+    const auto progress = [&](qint64 found, double done) {
+        frames = found;
+        share = done;
+        return !cancel;
+    };
+    auto result = std::async(std::launch::async, [&] { return source.openFile(fileName, &error, progress); });
+    if (result.wait_for(kPatience) != std::future_status::ready) {
+        QProgressDialog dialog(CkRecordingOpening::tr("Opening \"%1\"...").arg(fileName),
+                               CkRecordingOpening::tr("Cancel"), 0, kProgressSteps, window);
+        dialog.setObjectName(QStringLiteral("openingRecording"));
+        dialog.setWindowTitle(CkRecordingOpening::tr("Open Recording"));
+        dialog.setWindowModality(Qt::ApplicationModal);
+        dialog.setMinimumDuration(0);
+        dialog.setAutoReset(false);
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, &dialog, [&] {
+            dialog.setValue(int(share * kProgressSteps));
+            dialog.setLabelText(CkRecordingOpening::tr("Opening \"%1\": %2 frames so far")
+                                    .arg(fileName, QString::number(frames.load())));
+            if (result.wait_for(0s) == std::future_status::ready) {
+                dialog.done(QDialog::Accepted);
+            }
+        });
+        timer.start(kPollMs);
+        dialog.exec();
+        cancel = true; // too late when the search is over
+    }
+    const bool opened = result.get();
+    cancelled = !opened && cancel && share < 1.0;
+    return opened;
+}
+
+} // namespace
+
+void CkRecordingOpening::registerSource() {
+    CkRTTI::instance()->registerClass(nullptr, &CkVideoSource::staticMetaObject,
+                                      QStringLiteral("CkChainable"));
+    CkStillPicture::registerFormat();
+}
+
+bool CkRecordingOpening::recognises(const QByteArray& sFirstBytes) {
+    for (const char* magic : {"II\x2a", "II\x2b"}) {
+        if (sFirstBytes.startsWith(QByteArray(magic, 3) + '\0')) {
+            return true;
+        }
+    }
+    return sFirstBytes.startsWith(QByteArray("MM\0\x2a", 4)) ||
+           sFirstBytes.startsWith(QByteArray("MM\0\x2b", 4));
+}
+
+bool CkRecordingOpening::askForScale(CkVideoSource& source, QWidget* pWindow) {
+    const std::shared_ptr<const IkFrameFile> file = source.recording();
+    SkFrameDescription first;
+    if (!file->describe(0, first, nullptr) || !first.object.isEmpty() ||
+        !CkDepthImportDialog::isWorthAsking(first.info)) {
+        return true;
+    }
+    const std::unique_ptr<CkImageData> frame = file->read(0, nullptr);
+    if (frame == nullptr) {
+        return true;
+    }
+    CkDepthImportDialog dialog(file->fileName(), *frame, pWindow);
+    if (dialog.exec() != QDialog::Accepted) {
+        return false;
+    }
+    source.setDepthScale(dialog.scale());
+    return true;
+}
+
+bool CkRecordingOpening::askForChain(const CkVideoSource& source, QWidget* pWindow, QDomDocument& chain) {
+    QDomDocument scratch;
+    QDomElement settings = scratch.createElement(QStringLiteral("block"));
+    source.saveSettings(scratch, settings);
+    // The file is open already.
+    settings.removeAttribute(QStringLiteral("file"));
+    QString error;
+    chain = CkRecordingNotes::chainBehind(source.recording()->recordingInfo(), settings, error);
+    if (!error.isEmpty()) {
+        qWarning("\"%s\": %s", qUtf8Printable(source.fileName()), qUtf8Printable(error));
+    }
+    if (chain.isNull()) {
+        return true;
+    }
+    QMessageBox box(QMessageBox::Question, tr("Open Recording"),
+                    tr("\"%1\" was recorded with a processing chain:\n\n%2\n\nOpen it with this chain?")
+                        .arg(QFileInfo(source.fileName()).fileName(),
+                             CkRecordingNotes::blockTitles(chain).join(QStringLiteral(", "))),
+                    QMessageBox::NoButton, pWindow);
+    box.setObjectName(QStringLiteral("restoreChainBox"));
+    const QAbstractButton* with = box.addButton(tr("With the &Chain"), QMessageBox::AcceptRole);
+    const QAbstractButton* without = box.addButton(tr("&Pictures Only"), QMessageBox::NoRole);
+    box.addButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() != with) {
+        chain = QDomDocument();
+    }
+    return box.clickedButton() == with || box.clickedButton() == without;
+}
+
+CkChain* CkRecordingOpening::restored(const CkVideoSource& source, const QDomDocument& doc, QString& sError) {
+    CkChain* chain = CkChainManager::instance()->createChain();
+    if (chain == nullptr || !chain->load(doc.documentElement(), &sError)) {
+        CkChainManager::instance()->closeChain(chain);
+        return nullptr;
+    }
+    for (CkChainable* block : chain->imageSources()) {
+        if (auto* player = qobject_cast<CkVideoSource*>(block);
+            player != nullptr && player->frameCount() == 0) {
+            player->shareFile(source);
+        }
+    }
+    return chain;
+}
+
+bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidget* pWindow,
+                              QString& sError) {
+    auto source = std::make_unique<CkVideoSource>();
+    bool cancelled = false;
+    if (!openWithProgress(*source, sFileName, pWindow, sError, cancelled)) {
+        if (cancelled) {
+            sError.clear();
+        }
+        return false;
+    }
+    sError.clear();
+    QDomDocument doc;
+    if (pWindow != nullptr && (!askForScale(*source, pWindow) || !askForChain(*source, pWindow, doc))) {
+        return false;
+    }
+    const QString damage = source->errorMessage();
+    if (!damage.isEmpty()) {
+        qWarning("%s", qUtf8Printable(damage));
+    }
+    const QJsonObject viewSettings = source->recording()->recordingInfo().viewSettings;
+    CkChainManager* chains = CkChainManager::instance();
+    CkChain* chain = nullptr;
+    if (!doc.isNull()) {
+        QString reason;
+        chain = restored(*source, doc, reason);
+        if (chain == nullptr) {
+            // The pictures are better than nothing.
+            qWarning("%s",
+                     qUtf8Printable(tr("\"%1\" is opened without its chain: %2").arg(sFileName, reason)));
+        }
+    }
+    if (chain == nullptr) {
+        chain = chains->createChain();
+        if (chain == nullptr || !chains->insertAfter(chain, source.get(), nullptr)) {
+            chains->closeChain(chain);
+            sError = tr("\"%1\": no new processing chain can be made.").arg(sFileName);
+            return false;
+        }
+        source.release();
+    }
+    QList<CkChainable*> shown = chain->imageSources();
+    for (CkChainable* end : CkChainFile::ends(chain)) {
+        if (!shown.contains(end)) {
+            shown.append(end);
+        }
+    }
+    CkImageView* first = nullptr;
+    for (CkChainable* block : std::as_const(shown)) {
+        auto* view = new CkImageView(block);
+        pArea->addView(view);
+        first = first == nullptr ? view : first;
+    }
+    // The first frame brings the view's own colours.
+    QObject::connect(
+        first, &CkMdiView::imageShown, first,
+        [first, viewSettings] { CkRecordingNotes::applyViewSettings(first, viewSettings); },
+        Qt::SingleShotConnection);
+    // Which makes the playback show the first frame.
+    chain->start();
+    return true;
+}

@@ -1,0 +1,183 @@
+#include "recording/CkRecordingPanel.h"
+
+#include "recording/CkPlaybackBar.h"
+#include "recording/CkRecordingDesk.h"
+#include "recording/CkRecordingJob.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QScrollArea>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kRefreshMs = 250;
+constexpr int kWidth = 320;
+constexpr qint64 kNanosecondsPerMs = 1'000'000;
+
+using EkState = CkRecordingJob::EkState;
+
+} // namespace
+
+CkRecordingPanel::CkRecordingPanel(CkRecordingDesk* pDesk, QWidget* pParent)
+    : QWidget(pParent), m_pDesk(pDesk) {
+    setObjectName(QStringLiteral("recordingPanel"));
+    setMinimumWidth(kWidth);
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(6, 6, 6, 6);
+    m_pRows = new QVBoxLayout;
+    m_pRows->setSpacing(8);
+    column->addLayout(m_pRows);
+    m_pEmpty = new QLabel(tr("Nothing is being recorded."), content);
+    column->addWidget(m_pEmpty);
+    column->addStretch();
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(content);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(scroll);
+    connect(pDesk, &CkRecordingDesk::jobsChanged, this, &CkRecordingPanel::rebuild);
+    connect(pDesk, &CkRecordingDesk::troubled, this, &CkRecordingPanel::refresh);
+    m_timer.setInterval(kRefreshMs);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        if (isVisible()) {
+            refresh();
+        }
+    });
+    rebuild();
+}
+
+QString CkRecordingPanel::sizeText(quint64 uiBytes) {
+    return QLocale().formattedDataSize(qint64(uiBytes), 1, QLocale::DataSizeSIFormat);
+}
+
+QString CkRecordingPanel::countersText(const CkRecordingJob& job) {
+    const CkRecorder::SkState state = job.counters();
+    QString text = tr("%1 frames, %2, %3")
+                       .arg(QString::number(state.written), sizeText(state.bytes),
+                            CkPlaybackBar::timeText(job.elapsedMs() * kNanosecondsPerMs).chopped(2));
+    if (job.state() != EkState::Finished) {
+        text += tr(", %1 in the queue").arg(state.waiting);
+    }
+    return text;
+}
+
+CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
+    SkRow row;
+    row.widget = new QWidget(this);
+    row.widget->setObjectName(QStringLiteral("recordingRow"));
+    auto* grid = new QGridLayout(row.widget);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(2);
+    row.lamp = new QLabel(row.widget);
+    row.name = new QLabel(QFileInfo(pJob->fileName()).fileName(), row.widget);
+    row.name->setTextFormat(Qt::PlainText);
+    row.name->setToolTip(
+        tr("%1\nrecorded to %2").arg(pJob->title(), QDir::toNativeSeparators(pJob->fileName())));
+    row.name->setWordWrap(true);
+    row.counters = new QLabel(row.widget);
+    row.counters->setObjectName(QStringLiteral("recordingCounters"));
+    row.counters->setWordWrap(true);
+    row.drops = new QLabel(row.widget);
+    row.drops->setObjectName(QStringLiteral("recordingDrops"));
+    row.drops->setWordWrap(true);
+    const auto button = [&row](const QString& text, const QString& name, const QString& tip) {
+        auto* made = new QToolButton(row.widget);
+        made->setText(text);
+        made->setObjectName(name);
+        made->setToolTip(tip);
+        return made;
+    };
+    row.stop =
+        button(tr("Stop"), QStringLiteral("btnStopRecording"), tr("Write what waits and close the file"));
+    row.open = button(tr("Open"), QStringLiteral("btnOpenRecording"), tr("Play this recording"));
+    row.forget = button(QStringLiteral("\u2715"), QStringLiteral("btnForgetRecording"),
+                        tr("Take this line away; the file stays"));
+    grid->addWidget(row.lamp, 0, 0, Qt::AlignTop);
+    grid->addWidget(row.name, 0, 1, 1, 4);
+    grid->addWidget(row.counters, 1, 1);
+    grid->addWidget(row.stop, 1, 2, Qt::AlignTop);
+    grid->addWidget(row.open, 1, 3, Qt::AlignTop);
+    grid->addWidget(row.forget, 1, 4, Qt::AlignTop);
+    grid->addWidget(row.drops, 2, 1, 1, 4);
+    grid->setColumnStretch(1, 1);
+    connect(row.stop, &QToolButton::clicked, pJob, &CkRecordingJob::stop);
+    connect(row.open, &QToolButton::clicked, this, [this, pJob] { emit openRequested(pJob->fileName()); });
+    connect(row.forget, &QToolButton::clicked, this, [this, pJob] { m_pDesk->forget(pJob); });
+    return row;
+}
+
+void CkRecordingPanel::rebuild() {
+    const QList<CkRecordingJob*>& jobs = m_pDesk->jobs();
+    for (auto row = m_rows.begin(); row != m_rows.end();) {
+        if (jobs.contains(row.key())) {
+            ++row;
+            continue;
+        }
+        // The click that led here came from inside the row.
+        row->widget->hide();
+        row->widget->deleteLater();
+        row = m_rows.erase(row);
+    }
+    for (CkRecordingJob* job : jobs) {
+        if (!m_rows.contains(job)) {
+            const SkRow row = createRow(job);
+            m_rows.insert(job, row);
+            m_pRows->insertWidget(0, row.widget);
+        }
+    }
+    m_pEmpty->setVisible(jobs.isEmpty());
+    if (m_pDesk->runningCount() > 0) {
+        m_timer.start();
+    } else {
+        m_timer.stop();
+    }
+    refresh();
+}
+
+void CkRecordingPanel::refresh() {
+    for (auto row = m_rows.cbegin(); row != m_rows.cend(); ++row) {
+        refreshRow(*row, *row.key());
+    }
+}
+
+void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) const {
+    const CkRecorder::SkState state = job.counters();
+    const bool running = job.state() == EkState::Running;
+    const bool finished = job.state() == EkState::Finished;
+    const QString colour = running                                       ? QStringLiteral("#d02020")
+                           : !state.error.isEmpty() || state.dropped > 0 ? QStringLiteral("#c07000")
+                                                                         : QStringLiteral("#2e8b3d");
+    row.lamp->setText(QStringLiteral("<span style='color:%1'>%2</span>")
+                          .arg(colour, running ? QStringLiteral("\u25cf") : QStringLiteral("\u25a0")));
+    row.lamp->setToolTip(running ? tr("Recording") : finished ? tr("Finished") : tr("Writing what waits"));
+    row.counters->setText(countersText(job));
+    QStringList trouble;
+    if (state.dropped > 0) {
+        trouble.append(tr("%1 dropped").arg(state.dropped));
+    }
+    if (!state.error.isEmpty()) {
+        trouble.append(state.error);
+    }
+    row.drops->setText(trouble.isEmpty() ? QString()
+                                         : QStringLiteral("<b style='color:#c02020'>%1</b>")
+                                               .arg(trouble.join(QStringLiteral(". ")).toHtmlEscaped()));
+    row.drops->setVisible(!trouble.isEmpty());
+    row.stop->setVisible(!finished);
+    row.stop->setEnabled(running);
+    row.stop->setToolTip(running ? tr("Write what waits and close the file")
+                                 : tr("The file is being closed"));
+    row.open->setVisible(finished);
+    row.open->setEnabled(state.written > 0);
+    row.open->setToolTip(state.written > 0 ? tr("Play this recording") : tr("The file holds no frame"));
+    row.forget->setVisible(finished);
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "ViewerFixture.h"
+
+#include "files/CkFileOpener.h"
+#include "recording/CkPlayback.h"
+#include "recording/CkPlaybackBar.h"
+#include "recording/CkRecordingDesk.h"
+#include "recording/CkRecordingJob.h"
+#include "recording/CkRecordingPanel.h"
+#include "recording/CkRecordingReader.h"
+#include "recording/CkRecordingRoom.h"
+#include "recording/CkVideoSource.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QAction>
+#include <QSignalSpy>
+#include <QTimer>
+
+/// The viewer with recordings of a known content.
+class RecordingViewFixture : public ViewerFixture {
+protected:
+    static constexpr int Patience = 30'000;
+
+    QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+    CkRecordingRoom* room() const { return window()->recordings(); }
+    CkRecordingDesk* recordings() const { return room()->desk(); }
+
+    static quint16 sample(qint64 frame, quint32 x, quint32 y) {
+        return quint16(frame * 100 + qint64(x) + qint64(y) * 10);
+    }
+
+    /// Frames of 32 x 24 samples, 40 ms apart.
+    static void makeRecording(const QString& file, qint64 frames, const SkRecordingInfo& info = {}) {
+        CkRecordingWriter writer;
+        ASSERT_TRUE(writer.open(file, info)) << qPrintable(writer.errorMessage());
+        for (qint64 frame = 0; frame < frames; ++frame) {
+            SkPicBuf picture;
+            ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, 32, 24, 1, EkImageDataType::UInt16, 0, 0,
+                                                         16, EkDataStorageFormat::Interleaved,
+                                                         EkColorFilterArray::None, false, false, 0));
+            for (quint32 y = 0; y < 24; ++y) {
+                for (quint32 x = 0; x < 32; ++x) {
+                    reinterpret_cast<quint16*>(picture.row(y))[x] = sample(frame, x, y);
+                }
+            }
+            picture.additionalData.frameNumber = quint64(frame);
+            picture.additionalData.timestampNs = 1'000'000'000 + frame * 40'000'000;
+            CkImageMetadata metadata;
+            metadata.frameNumber = quint64(frame);
+            ASSERT_TRUE(writer.write(picture, metadata));
+            CkPicBufAPI::FreePicBuf(picture, true);
+        }
+        ASSERT_TRUE(writer.close());
+    }
+
+    bool openFile(const QString& file) const {
+        QString error;
+        const bool opened = window()->fileOpener()->open(file, error);
+        EXPECT_TRUE(error.isEmpty()) << qPrintable(error);
+        return opened;
+    }
+
+    CkVideoSource* player() const { return room()->playback()->source(); }
+
+    template <typename Condition>
+    static bool waitFor(Condition condition) {
+        return QTest::qWaitFor(condition, Patience);
+    }
+    bool waitForShown(qint64 frame) const {
+        return waitFor([this, frame] {
+            const CkMdiView* view = firstView();
+            CkImageData* shown = view != nullptr ? const_cast<CkMdiView*>(view)->currentImage() : nullptr;
+            return shown != nullptr && player() != nullptr && player()->position() == frame &&
+                   shown->metadata().frameNumber == quint64(frame);
+        });
+    }
+
+    QAction* action(const char* name) const { return room()->findChild<QAction*>(QLatin1String(name)); }
+
+    static bool waitUntilFinished(const CkRecordingJob* job) {
+        return waitFor([job] { return job->state() == CkRecordingJob::EkState::Finished; });
+    }
+};
