@@ -48,12 +48,12 @@ window() {
     cat "$work/viewer.log" >&2
     fail "There is no window \"$1\"."
 }
-# grab NAME: the window found last, once two pictures of it are the same (or after ten seconds, for live ones).
+# grab NAME: the window found last, once two pictures of it are the same (or after half a minute, for live ones).
 grab() {
     local before after try
     before=none
     for try in $(seq 10); do
-        sleep 1
+        sleep 3
         import -window "$id" "$work/$1.png"
         after=$(md5sum <"$work/$1.png")
         [ "$after" = "$before" ] && break
@@ -105,4 +105,11 @@ if wants calibration; then
     start --size 1500x860 --camera 0 --frames 1000000 --trigger btnToFAllViews --trigger menuTofCalibrateOffset
     window "Calibrate ToF Distance Offset"
     grab calibration
+fi
+if wants recording; then
+    settings
+    "$build_dir/bin/tof" record --camera wave --frames 40 --compress "$work/room.tif"
+    start --size 1700x860 --trigger menuOpenToF3dView --trigger actPlaybackPlay "$work/room.tif"
+    window "^zuviewer"
+    grab recording
 fi
