@@ -9,9 +9,9 @@
 
 namespace {
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkRecorder", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRecorder)
+};
 
 } // namespace
 
@@ -36,7 +36,7 @@ bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recordin
         return false;
     };
     if (m_bRunning) {
-        return refuse(text("A recording is running already."));
+        return refuse(Texts::tr("A recording is running already."));
     }
     if (!m_writer.open(sFileName, recording, options.compression)) {
         return refuse(m_writer.errorMessage());
@@ -50,7 +50,7 @@ bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recordin
     } catch (const std::system_error&) {
         m_bRunning = false;
         m_writer.close();
-        return refuse(text("There is no thread to record in."));
+        return refuse(Texts::tr("There is no thread to record in."));
     }
     return true;
 }

@@ -10,9 +10,9 @@
 
 namespace {
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkRecordingReader", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
+};
 
 bool refuse(QString* psError, const QString& message) {
     if (psError != nullptr) {
@@ -39,25 +39,25 @@ quint64 CkRecordingReader::byteCount() const {
 }
 
 QString CkRecordingReader::message(qint64 iFrame, const QString& sReason) const {
-    return text("\"%1\", page %2: %3").arg(fileName(), QString::number(quint64(iFrame) + 1), sReason);
+    return Texts::tr("\"%1\", page %2: %3").arg(fileName(), QString::number(quint64(iFrame) + 1), sReason);
 }
 
 bool CkRecordingReader::open(const QString& sFileName, QString* psError, const ProgressFunction& progress) {
     QString reason;
     try {
         if (!m_file.open(sFileName, reason)) {
-            return refuse(psError, text("\"%1\": %2").arg(sFileName, reason));
+            return refuse(psError, Texts::tr("\"%1\": %2").arg(sFileName, reason));
         }
         const CkTiffFile::EkIndex index = m_file.readIndex(progress, reason);
         if (index == CkTiffFile::EkIndex::Cancelled) {
-            return refuse(psError, text("\"%1\": %2").arg(sFileName, reason));
+            return refuse(psError, Texts::tr("\"%1\": %2").arg(sFileName, reason));
         }
         if (index == CkTiffFile::EkIndex::Damaged) {
             m_sDamage = message(frameCount(), reason);
         }
         if (frameCount() == 0) {
             return refuse(psError, m_sDamage.isEmpty()
-                                       ? text("\"%1\": The file holds no picture.").arg(sFileName)
+                                       ? Texts::tr("\"%1\": The file holds no picture.").arg(sFileName)
                                        : m_sDamage);
         }
         SkFrameDescription first;
@@ -66,20 +66,20 @@ bool CkRecordingReader::open(const QString& sFileName, QString* psError, const P
         }
         return true;
     } catch (const std::bad_alloc&) {
-        return refuse(psError, text("\"%1\": There is not enough memory.").arg(sFileName));
+        return refuse(psError, Texts::tr("\"%1\": There is not enough memory.").arg(sFileName));
     }
 }
 
 bool CkRecordingReader::describe(qint64 iFrame, SkFrameDescription& description, QString* psError) const {
     if (iFrame < 0 || iFrame >= frameCount()) {
-        return refuse(psError, message(iFrame, text("There is no such page.")));
+        return refuse(psError, message(iFrame, Texts::tr("There is no such page.")));
     }
     QString reason;
     try {
         CkTiffPage page(m_file, iFrame);
         return page.describe(description, reason) || refuse(psError, message(iFrame, reason));
     } catch (const std::bad_alloc&) {
-        return refuse(psError, message(iFrame, text("There is not enough memory.")));
+        return refuse(psError, message(iFrame, Texts::tr("There is not enough memory.")));
     }
 }
 
@@ -89,7 +89,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         psError->clear();
     }
     if (iFrame < 0 || iFrame >= frameCount()) {
-        refuse(psError, message(iFrame, text("There is no such page.")));
+        refuse(psError, message(iFrame, Texts::tr("There is no such page.")));
         return nullptr;
     }
     QString reason;
@@ -102,7 +102,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         }
         SkPicBuf picBuf;
         if (!CkPicBufAPI::AllocPicBufFromHeap(picBuf, description.info)) {
-            refuse(psError, message(iFrame, text("There is not enough memory.")));
+            refuse(psError, message(iFrame, Texts::tr("There is not enough memory.")));
             return nullptr;
         }
         auto frame = std::make_unique<CkImageData>();
@@ -128,7 +128,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         }
         return frame;
     } catch (const std::bad_alloc&) {
-        refuse(psError, message(iFrame, text("There is not enough memory.")));
+        refuse(psError, message(iFrame, Texts::tr("There is not enough memory.")));
         return nullptr;
     }
 }

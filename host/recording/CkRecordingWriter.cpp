@@ -20,9 +20,9 @@ static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "Samples are written as they lie 
 constexpr quint64 headerBytes = 16;
 constexpr quint64 linkInHeader = 8;
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkRecordingWriter", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRecordingWriter)
+};
 
 quint64 alignedUp(quint64 offset, quint64 alignment) {
     return (offset + alignment - 1) / alignment * alignment;
@@ -144,7 +144,7 @@ CkRecordingWriter::~CkRecordingWriter() {
 }
 
 bool CkRecordingWriter::fail(const QString& sReason) {
-    m_sError = text("\"%1\", page %2: %3").arg(m_sFileName, QString::number(m_iFrames + 1), sReason);
+    m_sError = Texts::tr("\"%1\", page %2: %3").arg(m_sFileName, QString::number(m_iFrames + 1), sReason);
     return false;
 }
 
@@ -156,7 +156,7 @@ bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOf
             continue;
         }
         if (done <= 0) {
-            return fail(text("Writing failed (%1).")
+            return fail(Texts::tr("Writing failed (%1).")
                             .arg(QString::fromLocal8Bit(std::strerror(done < 0 ? errno : ENOSPC))));
         }
         next += done;
@@ -177,7 +177,7 @@ bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& re
     m_iFile =
         ::open(QFile::encodeName(sFileName).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_iFile < 0) {
-        m_sError = text("\"%1\" cannot be written (%2).")
+        m_sError = Texts::tr("\"%1\" cannot be written (%2).")
                        .arg(sFileName, QString::fromLocal8Bit(std::strerror(errno)));
         return false;
     }
@@ -222,16 +222,16 @@ QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t uiBytes) {
 bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& metadata,
                               const QJsonObject& object) {
     if (!isOpen()) {
-        return fail(text("No file is open."));
+        return fail(Texts::tr("No file is open."));
     }
     if (picBuf.data == nullptr || !CkPicBufAPI::isValid(picBuf) || !isKnown(picBuf.dataType) ||
         picBuf.channels > 4) {
-        return fail(text("A picture of this format cannot be recorded."));
+        return fail(Texts::tr("A picture of this format cannot be recorded."));
     }
     // Checked factor by factor: the product of all may overflow.
     const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
     if (row > MaximumPictureBytes || row * picBuf.height > MaximumPictureBytes) {
-        return fail(text("The picture is larger than 1 GiB."));
+        return fail(Texts::tr("The picture is larger than 1 GiB."));
     }
     try {
         size_t bytes = 0;
@@ -240,7 +240,7 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         if (m_compression == EkRecordingCompression::Deflate) {
             stream = deflated(picBuf, bytes);
             if (stream.isEmpty()) {
-                return fail(text("There is not enough memory."));
+                return fail(Texts::tr("There is not enough memory."));
             }
             samples = reinterpret_cast<const quint8*>(stream.constData());
             bytes = size_t(stream.size());
@@ -295,7 +295,7 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         ++m_iFrames;
         return true;
     } catch (const std::bad_alloc&) {
-        return fail(text("There is not enough memory."));
+        return fail(Texts::tr("There is not enough memory."));
     }
 }
 
@@ -307,7 +307,7 @@ bool CkRecordingWriter::close() {
     m_iFile = -1;
     m_packed = {};
     if (code != 0) {
-        return fail(text("Writing failed (%1).").arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return fail(Texts::tr("Writing failed (%1).").arg(QString::fromLocal8Bit(std::strerror(errno))));
     }
     return true;
 }

@@ -16,9 +16,9 @@ namespace {
 constexpr quint64 maximumEntries = 4096; // of a directory; real ones have two dozen
 constexpr qint64 pagesPerReport = 256;
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkRecordingReader", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
+};
 
 QString systemReason() {
     return QString::fromLocal8Bit(std::strerror(errno));
@@ -70,18 +70,18 @@ bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
     m_iFile = ::open(QFile::encodeName(sFileName).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status = {};
     if (m_iFile < 0 || ::fstat(m_iFile, &status) != 0) {
-        sReason = text("The file cannot be read (%1).").arg(systemReason());
+        sReason = Texts::tr("The file cannot be read (%1).").arg(systemReason());
         return false;
     }
     if (!S_ISREG(status.st_mode)) {
-        sReason = text("This is no ordinary file.");
+        sReason = Texts::tr("This is no ordinary file.");
         return false;
     }
     m_uiBytes = quint64(status.st_size);
     quint8 header[16] = {};
     const qint64 got = readAt(header, sizeof(header), 0);
     if (got < 0) {
-        sReason = text("The file cannot be read (%1).").arg(systemReason());
+        sReason = Texts::tr("The file cannot be read (%1).").arg(systemReason());
         return false;
     }
     const bool little = header[0] == 'I' && header[1] == 'I';
@@ -91,8 +91,8 @@ bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
     m_bBigTiff = version == 43;
     const bool wide = m_bBigTiff && got == 16 && number(header + 4, 2) == 8;
     if (!(little || big) || !(wide || (version == 42 && got >= 8))) {
-        sReason =
-            got == 0 ? text("The file is empty.") : text("This is no recording and no other TIFF file.");
+        sReason = got == 0 ? Texts::tr("The file is empty.")
+                           : Texts::tr("This is no recording and no other TIFF file.");
         return false;
     }
     return true;
@@ -123,13 +123,13 @@ bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) c
     quint8 block[512];
     const qint64 got = readAt(block, sizeof(block), uiOffset);
     if (got < countBytes) {
-        sReason = uiOffset >= m_uiBytes ? text("The file ends before the page begins.")
-                                        : text("The file ends inside the page's directory.");
+        sReason = uiOffset >= m_uiBytes ? Texts::tr("The file ends before the page begins.")
+                                        : Texts::tr("The file ends inside the page's directory.");
         return false;
     }
     const quint64 count = number(block, countBytes);
     if (count == 0 || count > maximumEntries) {
-        sReason = text("There is no directory where the page should have one.");
+        sReason = Texts::tr("There is no directory where the page should have one.");
         return false;
     }
     const quint64 linkAt = quint64(countBytes) + count * entryBytes;
@@ -137,7 +137,7 @@ bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) c
     if (linkAt + quint64(linkBytes) <= quint64(got)) {
         std::memcpy(link, block + linkAt, size_t(linkBytes));
     } else if (readAt(link, quint64(linkBytes), uiOffset + linkAt) != linkBytes) {
-        sReason = text("The file ends inside the page's directory.");
+        sReason = Texts::tr("The file ends inside the page's directory.");
         return false;
     }
     uiNext = number(link, linkBytes);
@@ -152,7 +152,7 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(const ProgressFunction& progress, QStr
     std::unordered_set<quint64> seen;
     while (offset != 0) {
         if (!seen.insert(offset).second) {
-            sReason = text("The file's pages point to each other in a circle.");
+            sReason = Texts::tr("The file's pages point to each other in a circle.");
             return EkIndex::Damaged;
         }
         quint64 next = 0;
@@ -164,7 +164,7 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(const ProgressFunction& progress, QStr
         const auto pages = qint64(m_pages.size());
         if (progress && (pages % pagesPerReport == 0 || offset == 0) &&
             !progress(pages, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
-            sReason = text("Opening was cancelled.");
+            sReason = Texts::tr("Opening was cancelled.");
             return EkIndex::Cancelled;
         }
     }

@@ -18,9 +18,9 @@ namespace {
 // Deflate packs a thousand bytes into one at best, LZW and the others less.
 constexpr quint64 maximumExpansion = 2048;
 
-QString text(const char* source) {
-    return QCoreApplication::translate("CkRecordingReader", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
+};
 
 EkImageDataType sampleType(quint16 bits, quint16 format) {
     const bool isSigned = format == SAMPLEFORMAT_INT;
@@ -146,7 +146,7 @@ QString CkTiffPage::reason(const QString& sFallback) const {
 
 bool CkTiffPage::describe(SkFrameDescription& description, QString& sReason) {
     if (m_client->tif == nullptr) {
-        sReason = reason(text("The page's directory cannot be read."));
+        sReason = reason(Texts::tr("The page's directory cannot be read."));
         return false;
     }
     description = SkFrameDescription();
@@ -188,12 +188,12 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
     info.bitsPerChannel = bits;
     info.storageFormat = EkDataStorageFormat::Interleaved;
     if (width == 0 || height == 0) {
-        sReason = text("The page has no pixels.");
+        sReason = Texts::tr("The page has no pixels.");
         return false;
     }
     if (info.dataType == EkImageDataType::Unknown || samples < 1 || samples > 4 ||
         photometric == PHOTOMETRIC_YCBCR) {
-        sReason = text("Pages of %1 samples of %2 bits per pixel in this form are not supported.")
+        sReason = Texts::tr("Pages of %1 samples of %2 bits per pixel in this form are not supported.")
                       .arg(samples)
                       .arg(bits);
         return false;
@@ -202,9 +202,10 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
     const quint64 limit =
         std::min(CkRecordingWriter::MaximumPictureBytes, m_client->file.byteCount() * maximumExpansion);
     if (row > limit || row * height > limit) {
-        sReason = text("The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.")
-                      .arg(width)
-                      .arg(height);
+        sReason =
+            Texts::tr("The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.")
+                .arg(width)
+                .arg(height);
         return false;
     }
     info.lineSize = quint32(row);
@@ -236,7 +237,7 @@ CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason)
     m_client->error.clear();
     const EkResult result = TIFFIsTiled(m_client->tif) != 0 ? readTiles(picBuf) : readStrips(picBuf);
     if (result != EkResult::Complete) {
-        sReason = reason(text("The samples cannot be read."));
+        sReason = reason(Texts::tr("The samples cannot be read."));
     }
     if (m_bForeignRgb) {
         // Colour pictures of the house come as blue, green, red.

@@ -1619,6 +1619,17 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
 </context>
 <context>
+    <name>CkRecorder</name>
+    <message>
+        <source>A recording is running already.</source>
+        <translation>Es läuft bereits eine Aufnahme.</translation>
+    </message>
+    <message>
+        <source>There is no thread to record in.</source>
+        <translation>Es gibt keinen Thread für die Aufnahme.</translation>
+    </message>
+</context>
+<context>
     <name>CkRecordingDesk</name>
     <message>
         <source>Recording</source>
@@ -1800,6 +1811,89 @@ aufgenommen in %2</translation>
     </message>
 </context>
 <context>
+    <name>CkRecordingReader</name>
+    <message>
+        <source>&quot;%1&quot;, page %2: %3</source>
+        <translation>„%1“, Seite %2: %3</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: %2</source>
+        <translation>„%1“: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: The file holds no picture.</source>
+        <translation>„%1“: Die Datei enthält kein Bild.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot;: There is not enough memory.</source>
+        <translation>„%1“: Der Speicher reicht nicht aus.</translation>
+    </message>
+    <message>
+        <source>There is no such page.</source>
+        <translation>Diese Seite gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>Der Speicher reicht nicht aus.</translation>
+    </message>
+    <message>
+        <source>The file cannot be read (%1).</source>
+        <translation>Die Datei ist nicht lesbar (%1).</translation>
+    </message>
+    <message>
+        <source>This is no ordinary file.</source>
+        <translation>Das ist keine gewöhnliche Datei.</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>Die Datei ist leer.</translation>
+    </message>
+    <message>
+        <source>This is no recording and no other TIFF file.</source>
+        <translation>Das ist keine Aufnahme und keine andere TIFF-Datei.</translation>
+    </message>
+    <message>
+        <source>The file ends before the page begins.</source>
+        <translation>Die Datei endet, bevor die Seite beginnt.</translation>
+    </message>
+    <message>
+        <source>The file ends inside the page&apos;s directory.</source>
+        <translation>Die Datei endet im Verzeichnis der Seite.</translation>
+    </message>
+    <message>
+        <source>There is no directory where the page should have one.</source>
+        <translation>Wo die Seite ihr Verzeichnis haben sollte, ist keines.</translation>
+    </message>
+    <message>
+        <source>The file&apos;s pages point to each other in a circle.</source>
+        <translation>Die Seiten der Datei verweisen im Kreis aufeinander.</translation>
+    </message>
+    <message>
+        <source>Opening was cancelled.</source>
+        <translation>Das Öffnen wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The page&apos;s directory cannot be read.</source>
+        <translation>Das Verzeichnis der Seite ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>The page has no pixels.</source>
+        <translation>Die Seite hat keine Pixel.</translation>
+    </message>
+    <message>
+        <source>Pages of %1 samples of %2 bits per pixel in this form are not supported.</source>
+        <translation>Seiten mit %1 Werten zu %2 Bit je Pixel in dieser Form werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.</source>
+        <translation>Die Seite soll %1 x %2 Pixel haben, mehr als in diese Datei oder in 1 GiB passen.</translation>
+    </message>
+    <message>
+        <source>The samples cannot be read.</source>
+        <translation>Die Werte sind nicht lesbar.</translation>
+    </message>
+</context>
+<context>
     <name>CkRecordingRoom</name>
     <message>
         <source>&amp;Record the Source...</source>
@@ -1884,6 +1978,37 @@ aufgenommen in %2</translation>
     <message>
         <source>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 dropped&lt;/b&gt;</source>
         <translation>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 verloren&lt;/b&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingWriter</name>
+    <message>
+        <source>&quot;%1&quot;, page %2: %3</source>
+        <translation>„%1“, Seite %2: %3</translation>
+    </message>
+    <message>
+        <source>Writing failed (%1).</source>
+        <translation>Das Schreiben ist gescheitert (%1).</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be written (%2).</source>
+        <translation>„%1“ lässt sich nicht schreiben (%2).</translation>
+    </message>
+    <message>
+        <source>No file is open.</source>
+        <translation>Es ist keine Datei offen.</translation>
+    </message>
+    <message>
+        <source>A picture of this format cannot be recorded.</source>
+        <translation>Ein Bild dieses Formats kann nicht aufgenommen werden.</translation>
+    </message>
+    <message>
+        <source>The picture is larger than 1 GiB.</source>
+        <translation>Das Bild ist größer als 1 GiB.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
+        <translation>Der Speicher reicht nicht aus.</translation>
     </message>
 </context>
 <context>
