@@ -245,7 +245,7 @@ CkSessionMemory::SkRestored CkMainWindow::restoreSession() {
     if (!settings->value(CkViewerSettings::keyReopenCameras(), true).toBool()) {
         return {};
     }
-    const CkSessionMemory::SkRestored restored =
+    CkSessionMemory::SkRestored restored =
         CkSessionMemory::restore(*this, settings->value(CkViewerSettings::keySession()).toByteArray());
     for (const QString& problem : restored.problems) {
         qWarning("%s", qUtf8Printable(problem));
