@@ -9,6 +9,23 @@
 
 #include <algorithm>
 
+namespace {
+
+/// None for a chain that has gone in the meantime.
+QList<CkVideoSource*> playersOf(CkChain* chain) {
+    QList<CkVideoSource*> players;
+    if (CkChainManager::instance()->chains().contains(chain)) {
+        for (CkChainable* block : chain->imageSources()) {
+            if (auto* source = qobject_cast<CkVideoSource*>(block)) {
+                players.append(source);
+            }
+        }
+    }
+    return players;
+}
+
+} // namespace
+
 CkPlayback::CkPlayback(CkViewArea* pArea, QObject* pParent)
     : QObject(pParent), m_pArea(pArea), m_pGate(new CkFrameGate(this)) {
     connect(pArea, &CkViewArea::activeViewChanged, this, &CkPlayback::follow);
@@ -35,27 +52,24 @@ CkVideoSource* CkPlayback::source() const {
 }
 
 void CkPlayback::watch(CkChain* pChain) {
-    const QPointer<CkChain> chain(pChain);
     // At once: the first frame may follow at any time.
-    const auto wait = [this, chain] {
-        for (CkChainable* block : chain ? chain->imageSources() : QList<CkChainable*>()) {
-            if (auto* source = qobject_cast<CkVideoSource*>(block)) {
-                source->setAfterFrame(m_pGate->function());
-            }
+    connect(pChain, &CkChain::structureChanged, this, [this, pChain] {
+        for (CkVideoSource* source : playersOf(pChain)) {
+            source->setAfterFrame(m_pGate->function());
         }
-    };
-    connect(pChain, &CkChain::structureChanged, this, wait);
-    const auto showAgain = [this, chain](bool bRunning) {
-        for (CkChainable* block : chain&& bRunning ? chain->imageSources() : QList<CkChainable*>()) {
-            auto* source = qobject_cast<CkVideoSource*>(block);
-            if (source != nullptr && !source->isPlaying()) {
-                source->seek(std::max<qint64>(source->position(), 0));
-            }
-        }
-        follow();
-    };
+    });
     // Not before all of the start is over, which may be one of several in a row.
-    connect(pChain, &CkChain::runningChanged, this, showAgain, Qt::QueuedConnection);
+    connect(
+        pChain, &CkChain::runningChanged, this,
+        [this, pChain](bool bRunning) {
+            for (CkVideoSource* source : bRunning ? playersOf(pChain) : QList<CkVideoSource*>()) {
+                if (!source->isPlaying()) {
+                    source->seek(std::max<qint64>(source->position(), 0));
+                }
+            }
+            follow();
+        },
+        Qt::QueuedConnection);
 }
 
 void CkPlayback::follow() {

@@ -188,7 +188,7 @@ bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidg
             sError = tr("\"%1\": no new processing chain can be made.").arg(sFileName);
             return false;
         }
-        source.release();
+        static_cast<void>(source.release()); // the chain's now
     }
     QList<CkChainable*> shown = chain->imageSources();
     for (CkChainable* end : CkChainFile::ends(chain)) {
