@@ -53,8 +53,8 @@ CkMdiView* CkToFActions::activeImageView() {
     }
     const int active = host->activeViewId();
     CkMdiView* view = active != -1 ? host->mdiView(active) : nullptr;
-    if (qobject_cast<CkToF3DMdiView*>(view) != nullptr) {
-        view = host->mdiView(view->connectedViewId());
+    if (const auto* scene = qobject_cast<CkToF3DMdiView*>(view)) {
+        view = host->mdiView(scene->connectedViewId());
     }
     return view;
 }
