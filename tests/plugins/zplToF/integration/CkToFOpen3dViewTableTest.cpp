@@ -31,6 +31,13 @@ struct Combination {
     bool triesToInsert() const { return needsGathering() && hasBlock(on) && on != ViewOn::Raw; }
 };
 
+/// For whoever reads a row that failed.
+void PrintTo(const Combination& given, std::ostream* out) {
+    *out << "view " << int(given.on) << ", pictures " << int(given.kind) << ", camera " << int(given.camera)
+         << (given.separate ? ", separate" : "") << (given.running ? ", running" : "")
+         << (given.yes ? ", yes" : ", no") << (given.inserts ? "" : ", insertion fails");
+}
+
 /// Every combination of which each answer counts: an answer only where there is a question, a failing
 /// insertion only where something is inserted, single phases only of pictures that have phases.
 std::vector<Combination> combinations() {

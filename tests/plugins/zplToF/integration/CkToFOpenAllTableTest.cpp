@@ -26,6 +26,13 @@ struct Combination {
     }
 };
 
+/// For whoever reads a row that failed.
+void PrintTo(const Combination& given, std::ostream* out) {
+    *out << "view " << int(given.on) << ", pictures " << int(given.kind) << ", camera " << int(given.camera)
+         << ", failure " << int(given.failure) << (given.separate ? ", separate" : "")
+         << (given.running ? ", running" : "") << (given.yes ? ", yes" : ", no");
+}
+
 /// Every combination of which each part counts: an answer only where there is a question, failures only where
 /// the action gets that far.
 std::vector<Combination> combinations() {
