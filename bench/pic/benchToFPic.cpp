@@ -62,7 +62,7 @@ void measure(benchmark::State& state, const Case& which, const SkToFKernels& ker
     good = which.run(which.source->pic, result->pic) && good;
     if (!good || !sameResult(which, *expected, *result))
         state.SkipWithError("differs from the plain loop");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(which.run(which.source->pic, result->pic));
         benchmark::ClobberMemory();
     }
@@ -74,7 +74,7 @@ void measure(benchmark::State& state, const Case& which, const SkToFKernels& ker
 
 void measureCopy(benchmark::State& state, const Case& which) {
     const auto result = which.result();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(copyLoop(which.source->pic, result->pic));
         benchmark::ClobberMemory();
     }

@@ -84,8 +84,9 @@ bool sameAngles(const cv::Mat& angle, const SkPicBuf& phase) {
 }
 
 void countPixels(benchmark::State& state, const SkPicBuf& source) {
+    const quint32 height = source.height / phases;
     state.counters["ns_per_px"] =
-        benchmark::Counter(double(source.width) * (source.height / phases) * 1e-9,
+        benchmark::Counter(double(source.width) * double(height) * 1e-9,
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
@@ -102,7 +103,7 @@ void add(const std::string& name, const SkPicBuf& source, const Ours& ours, cons
                 if (!ours(source, results) ||
                     !sameAngles(steps.angle, taps ? results.pairs.pic : results.phase.pic))
                     state.SkipWithError("differs from OpenCV");
-                for (auto _ : state)
+                while (state.KeepRunning())
                     benchmark::DoNotOptimize(ours(source, results));
                 CkToFKernelChoice::pin(nullptr);
                 countPixels(state, source);
@@ -110,7 +111,7 @@ void add(const std::string& name, const SkPicBuf& source, const Ours& ours, cons
     }
     benchmark::RegisterBenchmark((name + "/OpenCV").c_str(), [=, &source](benchmark::State& state) {
         OpenCvSteps steps;
-        for (auto _ : state) {
+        while (state.KeepRunning()) {
             (steps.*theirs)(source);
             benchmark::DoNotOptimize(steps.angle.data);
             benchmark::ClobberMemory();

@@ -5,6 +5,7 @@
 #include "pic/CkToFPicAPI.h"
 #include "pic/kernels/CkToFKernelChoice.h"
 
+#include <bit>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -138,13 +139,13 @@ bool sameResult(const Call& call, const FuzzPicture& first, const uint8_t* secon
     for (uint32_t y = 0; y < first.pic.height; ++y) {
         const uint64_t start = uint64_t(y) * first.pic.lineSize;
         for (uint64_t sample = 0; sample < uint64_t(first.pic.width) * first.pic.channels; ++sample) {
-            float a = 0.0F;
-            float b = 0.0F;
+            uint32_t a = 0;
+            uint32_t b = 0;
             std::memcpy(&a, first.pic.data + start + 4 * sample, 4);
             std::memcpy(&b, second + start + 4 * sample, 4);
-            const bool equal = std::memcmp(&a, &b, 4) == 0;
-            const bool near = sample % first.pic.channels == 0 && std::abs(a - b) <= 1e-6F;
-            if (!equal && !near)
+            const bool near = sample % first.pic.channels == 0 &&
+                              std::abs(std::bit_cast<float>(a) - std::bit_cast<float>(b)) <= 1e-6F;
+            if (a != b && !near)
                 return false;
         }
     }
