@@ -44,6 +44,7 @@ struct CkVideoSource::SkShared {
     mutable std::mutex mutex;
     std::condition_variable changed;
     std::shared_ptr<const IkFrameFile> reader;
+    QString missing;   ///< named by a chain but not there; kept for the chain's next file
     SkPicBufInfo info; ///< of the frame delivered last, or of the first one, as it lies in the file
     CkImageMetadata metadata;
     SkDepthScale scale;
@@ -449,7 +450,8 @@ bool CkVideoSource::saveSettings(QDomDocument& doc, QDomElement& element) const 
     if (!CkImageSource::saveSettings(doc, element)) {
         return false;
     }
-    element.setAttribute(QStringLiteral("file"), fileName());
+    const QString file = fileName();
+    element.setAttribute(QStringLiteral("file"), file.isEmpty() ? m_d->missing : file);
     element.setAttribute(QStringLiteral("loop"), isLoop() ? 1 : 0);
     element.setAttribute(QStringLiteral("pace"), pace());
     const SkDepthScale scale = depthScale();
@@ -476,6 +478,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
     const QString file = element.attribute(QStringLiteral("file"));
     QString error;
     if (!file.isEmpty() && !openFile(file, &error)) {
+        m_d->missing = file;
         setErrorMessage(error);
     }
     return true;
@@ -484,6 +487,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
 CkChainable* CkVideoSource::clone() {
     auto copy = std::make_unique<CkVideoSource>();
     copy->shareFile(*this);
+    copy->m_d->missing = m_d->missing;
     copy->setLoop(isLoop());
     copy->setPace(pace());
     copy->setDepthScale(depthScale());

@@ -241,4 +241,8 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     CkVideoSource lost;
     EXPECT_TRUE(lost.loadSettings(element));
     EXPECT_THAT(lost.errorMessage().toStdString(), ::testing::HasSubstr("gone.tif"));
+    // The recording may come back, from a disk that is not in today: its name is not lost.
+    QDomElement again = doc.createElement(QStringLiteral("block"));
+    ASSERT_TRUE(lost.saveSettings(doc, again));
+    EXPECT_EQ(again.attribute(QStringLiteral("file")), path("gone.tif"));
 }
