@@ -63,7 +63,7 @@ QString askForFile(QWidget* parent, const QString& title, const QString& directo
     QObject::connect(dialog, &QFileDialog::filterSelected, dialog,
                      [dialog](const QString& filter) { dialog->setDefaultSuffix(suffixOf(filter)); });
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    const QString name = accepted && dialog ? dialog->selectedFiles().value(0) : QString();
+    QString name = accepted && dialog ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
     return name;
 }
