@@ -36,6 +36,16 @@ void drawWithoutMultisampling(QWindow& window) {
     QSurfaceFormat::setDefaultFormat(format);
 }
 
+// A window gives its nodes to the aspect engine when it is shown. One that never was keeps its own root and
+// its settings, the frame graph among them, for ever.
+void freeNodesWith(Qt3DExtras::Qt3DWindow& window, Qt3DCore::QNode* root) {
+    const QPointer<Qt3DCore::QNode> settings = window.renderSettings();
+    QObject::connect(&window, &QObject::destroyed, [settings, root = QPointer<Qt3DCore::QNode>(root)] {
+        delete root;
+        delete settings;
+    });
+}
+
 } // namespace
 
 bool CkToFScene::platformUsesPointPrimitives() {
@@ -53,6 +63,9 @@ std::unique_ptr<CkToFScene> CkToFScene::create(bool bUsePointPrimitives, const Q
 }
 
 CkToFScene::~CkToFScene() {
+    if (m_window && !m_bRuns) {
+        freeNodesWith(*m_window, m_root != nullptr ? m_root->parentNode() : nullptr);
+    }
     // Until it is assembled nobody else owns the window and the nodes in it.
     if (!m_container) {
         delete m_root;

@@ -3,8 +3,12 @@
 #include "view3d/CkToFScene.h"
 
 #include <QFile>
+#include <QPointer>
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
+#include <Qt3DCore/QEntity>
+#include <Qt3DExtras/Qt3DWindow>
+#include <Qt3DRender/QCamera>
 #include <Qt3DRender/QGeometryRenderer>
 #include <Qt3DRender/QRenderCapture>
 #include <Qt3DRender/QSubtreeEnabler>
@@ -119,6 +123,22 @@ TEST_F(ToF3DViewLifeTest, TwoThousandFramesShownHiddenAndShownAgainKeepMemoryFla
     letEventsHappen(200);
     EXPECT_LE(residentMegabytes(), shown * MayGrowBy) << "shown again";
     EXPECT_EQ(capture(*view).size().isEmpty(), false);
+}
+
+TEST_F(ToF3DViewLifeTest, AViewThatWasNeverShownTakesItsNodesAlong) {
+    auto view = open();
+    const QPointer<QObject> window = view->scene()->window();
+    const QPointer<QObject> root = view->scene()->cloudRenderer()->entities()[0]->parentNode();
+    const QPointer<QObject> windowsOwnRoot = root->parent();
+    const QPointer<QObject> capture = view->scene()->renderCapture()->capture();
+    const QPointer<QObject> camera = view->scene()->camera();
+    ASSERT_NE(windowsOwnRoot, nullptr);
+    view.reset();
+    EXPECT_EQ(window, nullptr);
+    EXPECT_EQ(root, nullptr);
+    EXPECT_EQ(windowsOwnRoot, nullptr);
+    EXPECT_EQ(capture, nullptr);
+    EXPECT_EQ(camera, nullptr);
 }
 
 TEST_F(ToF3DViewLifeTest, ParametersChangedWhileHiddenDoNotPileUpInQtsBuffers) {
