@@ -129,6 +129,8 @@ TEST_F(PlaybackBar, KeysWorkInTheViewsAndStandInTheHelp) {
     ASSERT_TRUE(waitForShown(8));
     QTest::keyClick(firstView()->canvas(), Qt::Key_Space);
     ASSERT_TRUE(waitForShown(9));
+    // The entry says "Pause" until the bar has seen the end.
+    ASSERT_TRUE(waitFor([this] { return action("actPlaybackPlay")->text() == "&Play"; }));
     QStringList meanings;
     for (const auto& entry : CkShortcutsDialog::collect(window()->menuBar())) {
         meanings.append(entry.second);
