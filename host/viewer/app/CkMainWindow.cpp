@@ -10,6 +10,7 @@
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
 #include "lut/CkLutPanel.h"
+#include "quality/CkQualityPanel.h"
 #include "recording/CkRecordingPanel.h"
 #include "recording/CkRecordingRoom.h"
 #include "zuCore/CkCameraManager.h"
@@ -24,6 +25,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSettings>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -112,7 +114,18 @@ void CkMainWindow::createDocks() {
     m_pChainPanel = new CkChainPanel(m_pArea);
     addDock(QStringLiteral("dockChain"), tr("Processing Chain"), m_pChainPanel, Qt::RightDockWidgetArea);
     m_pLutPanel = new CkLutPanel(m_pArea);
-    addDock(QStringLiteral("dockColours"), tr("Colours"), m_pLutPanel, Qt::RightDockWidgetArea);
+    QDockWidget* const colours =
+        addDock(QStringLiteral("dockColours"), tr("Colours"), m_pLutPanel, Qt::RightDockWidgetArea);
+    // Scrolls, so that a small screen still holds the window.
+    m_pQualityPanel = new CkQualityPanel(m_pArea);
+    auto* const scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidget(m_pQualityPanel);
+    QDockWidget* const quality =
+        addDock(QStringLiteral("dockQuality"), tr("Quality"), scroll, Qt::RightDockWidgetArea);
+    tabifyDockWidget(colours, quality);
+    colours->raise();
     m_pLogPanel = new CkLogPanel;
     m_pLogDock = addDock(QStringLiteral("dockLog"), tr("Log"), m_pLogPanel, Qt::BottomDockWidgetArea);
     m_docks[0]->setMinimumWidth(300);

@@ -12,6 +12,7 @@ class CkChainPanel;
 class CkFileOpener;
 class CkLogPanel;
 class CkLutPanel;
+class CkQualityPanel;
 class CkRecordingRoom;
 class CkStatusBar;
 class CkViewArea;
@@ -32,6 +33,7 @@ public:
     CkCameraDesk* desk() const { return m_pDesk; }
     CkChainPanel* chainPanel() const { return m_pChainPanel; }
     CkLutPanel* lutPanel() const { return m_pLutPanel; }
+    CkQualityPanel* qualityPanel() const { return m_pQualityPanel; }
     CkLogPanel* logPanel() const { return m_pLogPanel; }
     CkStatusBar* viewStatusBar() const { return m_pStatusBar; }
     CkCameraMenu* cameraMenu() const { return m_pCameraMenu; }
@@ -114,6 +116,7 @@ private:
     CkRecordingRoom* m_pRecordings = nullptr;
     CkChainPanel* m_pChainPanel = nullptr;
     CkLutPanel* m_pLutPanel = nullptr;
+    CkQualityPanel* m_pQualityPanel = nullptr;
     CkLogPanel* m_pLogPanel = nullptr;
     CkStatusBar* m_pStatusBar = nullptr;
     CkCameraMenu* m_pCameraMenu = nullptr;

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "quality/CkQualityHistory.h"
+#include "quality/CkQualityMeter.h"
+
+#include <QHash>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+class CkImageView;
+class CkMdiView;
+class CkQualityPlot;
+class CkRegionOverlay;
+class CkViewArea;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QPushButton;
+class QToolButton;
+
+/// How good the active view's picture is within a region: mean, spread, plane, valid pixels; live, as a
+/// curve, to be copied and saved. A view that shows no picture itself (a point cloud) is measured in the
+/// depth picture of its chain. All views of a chain with pictures of the same size share the region. Does
+/// nothing while it is hidden. User-interface thread.
+class CkQualityPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkQualityPanel(CkViewArea* pArea, QWidget* pParent = nullptr);
+    ~CkQualityPanel() override;
+
+    /// The view that is measured, or null.
+    CkImageView* measuredView() const { return m_source; }
+    const QRect& region() const { return m_meter.region(); }
+    void setRegion(const QRect& region);
+    /// Of the frame measured last.
+    const SkQualityValues& values() const { return m_values; }
+    const CkQualityHistory& history() const { return m_history; }
+
+    /// False, with sError set, when the file cannot be written.
+    bool saveHistory(const QString& sFileName, QString& sError) const;
+
+public slots:
+    /// Forgets the frames so far.
+    void restart();
+    void copy();
+
+protected:
+    void showEvent(QShowEvent* pEvent) override;
+    void hideEvent(QHideEvent* pEvent) override;
+
+private:
+    void createControls();
+    QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
+                                 int iDecimals);
+    void follow();
+    void release();
+    CkImageView* sourceFor(CkMdiView* pView) const;
+    QString regionKey() const;
+    void measure(const CkImageData* pFrame);
+    void showNumbers();
+    void saveWithDialog();
+    void updateControls();
+
+    CkViewArea* m_pArea;
+    QToolButton* m_pDraw = nullptr;
+    QPushButton* m_pRestart = nullptr;
+    QPushButton* m_pCopy = nullptr;
+    QPushButton* m_pSave = nullptr;
+    QLabel* m_pWhere = nullptr;
+    QList<QLabel*> m_numbers;
+    QComboBox* m_pQuantity = nullptr;
+    CkQualityPlot* m_pPlot = nullptr;
+    QDoubleSpinBox* m_pFocalLength = nullptr;
+    QDoubleSpinBox* m_pCellSize = nullptr;
+    QDoubleSpinBox* m_pConfidence = nullptr;
+
+    QPointer<CkImageView> m_source;
+    QPointer<CkRegionOverlay> m_overlay;
+    QHash<QString, QRect> m_regions;
+    CkQualityMeter m_meter;
+    CkQualityHistory m_history;
+    SkQualityValues m_values;
+    QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
+};

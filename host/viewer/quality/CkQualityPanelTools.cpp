@@ -1,0 +1,175 @@
+// The quality panel's controls, and what leaves it.
+
+#include "area/CkViewArea.h"
+#include "image/CkImageView.h"
+#include "quality/CkQualityPanel.h"
+#include "quality/CkQualityPlot.h"
+#include "zuCore/CkImageData.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+QDoubleSpinBox* CkQualityPanel::createNumber(const QString& sName, double fLow, double fHigh, double fStep,
+                                             int iDecimals) {
+    auto* number = new QDoubleSpinBox(this);
+    number->setObjectName(sName);
+    number->setDecimals(iDecimals);
+    number->setRange(fLow, fHigh);
+    number->setSingleStep(fStep);
+    number->setKeyboardTracking(false);
+    number->setAlignment(Qt::AlignRight);
+    return number;
+}
+
+void CkQualityPanel::createControls() {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
+    auto* buttons = new QHBoxLayout;
+    m_pDraw = new QToolButton(this);
+    m_pDraw->setObjectName(QStringLiteral("qualityDraw"));
+    m_pDraw->setText(tr("Draw Region"));
+    m_pDraw->setCheckable(true);
+    m_pDraw->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    m_pRestart = new QPushButton(tr("Restart"), this);
+    m_pRestart->setObjectName(QStringLiteral("qualityRestart"));
+    m_pCopy = new QPushButton(tr("Copy"), this);
+    m_pCopy->setObjectName(QStringLiteral("qualityCopy"));
+    m_pSave = new QPushButton(tr("Save CSV..."), this);
+    m_pSave->setObjectName(QStringLiteral("qualitySave"));
+    m_pDraw->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    for (QWidget* button : QList<QWidget*>{m_pDraw, m_pRestart, m_pCopy, m_pSave}) {
+        button->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("MMM")));
+        buttons->addWidget(button);
+    }
+    layout->addLayout(buttons);
+    m_pWhere = new QLabel(this);
+    m_pWhere->setObjectName(QStringLiteral("qualityWhere"));
+    m_pWhere->setWordWrap(true);
+    layout->addWidget(m_pWhere);
+
+    auto* form = new QFormLayout;
+    form->setVerticalSpacing(2);
+    m_pQuantity = new QComboBox(this);
+    m_pQuantity->setObjectName(QStringLiteral("qualityQuantity"));
+    const struct {
+        QString name;
+        QString hint;
+    } quantities[] = {
+        {tr("Mean"), tr("Mean of the valid pixels of the newest frame")},
+        {tr("Std. dev. over the region"), tr("Standard deviation of the valid pixels of the newest frame")},
+        {tr("Std. dev. over time"),
+         tr("How much a pixel varies from frame to frame: quadratic mean of the standard deviations that the "
+            "pixels have had since the start")},
+        {tr("Valid pixels"), tr("Share of pixels that are finite, confident enough and not saturated")},
+        {tr("Tilt"), tr("Angle between the optical axis and the normal of the plane through the points")},
+        {tr("Flatness"), tr("From the point furthest in front of that plane to the one furthest behind it")},
+        {tr("RMS from the plane"), tr("Quadratic mean of the points' distances from that plane")},
+    };
+    for (const auto& entry : quantities) {
+        auto* value = new QLabel(this);
+        value->setObjectName(QStringLiteral("qualityValue%1").arg(m_numbers.size()));
+        value->setAlignment(Qt::AlignRight);
+        value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        value->setToolTip(entry.hint);
+        m_numbers.append(value);
+        form->addRow(entry.name, value);
+        form->labelForField(value)->setToolTip(entry.hint);
+        m_pQuantity->addItem(entry.name);
+    }
+    layout->addLayout(form);
+    m_pQuantity->setToolTip(tr("What the curve shows"));
+    layout->addWidget(m_pQuantity);
+    m_pPlot = new CkQualityPlot(this);
+    layout->addWidget(m_pPlot, 1);
+
+    auto* lens = new QFormLayout;
+    lens->setVerticalSpacing(2);
+    m_pFocalLength = createNumber(QStringLiteral("qualityFocalLength"), 0.1, 1000.0, 0.1, 3);
+    m_pFocalLength->setSuffix(QStringLiteral(" mm"));
+    m_pFocalLength->setValue(SkQualityLens().focalLengthMm);
+    m_pCellSize = createNumber(QStringLiteral("qualityCellSize"), 0.0001, 1.0, 0.001, 4);
+    m_pCellSize->setSuffix(QStringLiteral(" mm"));
+    m_pCellSize->setValue(SkQualityLens().cellSizeMm);
+    m_pCellSize->setToolTip(tr("Pitch of the sensor's cells; the plane is fitted in space"));
+    m_pConfidence = createNumber(QStringLiteral("qualityConfidence"), 0.0, 1e6, 0.1, 3);
+    m_pConfidence->setValue(double(SkRegionRule().confidenceLimit));
+    m_pConfidence->setToolTip(tr("Pixels of a higher confidence value are not valid (lower is better)"));
+    lens->addRow(tr("Focal length"), m_pFocalLength);
+    lens->addRow(tr("Cell size"), m_pCellSize);
+    lens->addRow(tr("Confidence limit"), m_pConfidence);
+    layout->addLayout(lens);
+}
+
+void CkQualityPanel::updateControls() {
+    const CkMdiView* const active = m_pArea->activeView();
+    const QString nothing = active == nullptr ? tr("No view is active")
+                            : !m_source ? tr("The active view shows no picture. Open a depth picture of its "
+                                             "chain to measure in it.")
+                                        : tr("There is no picture yet");
+    const QRect region = m_meter.region();
+    const bool measures = m_source && !m_history.values().empty();
+    if (measures) {
+        QString where = tr("%1: region at %2, %3 of %4 x %5 pixels, %6 frames")
+                            .arg(m_source->viewTitle().simplified())
+                            .arg(region.x())
+                            .arg(region.y())
+                            .arg(region.width())
+                            .arg(region.height())
+                            .arg(m_values.frames);
+        if (m_values.unit != QLatin1String("mm")) {
+            where += QLatin1Char('\n') + tr("No distances: no plane is fitted.");
+        }
+        m_pWhere->setText(where);
+    } else {
+        m_pWhere->setText(nothing);
+    }
+    const auto enable = [](QWidget* pWidget, bool bOn, const QString& sHint, const QString& sWhy) {
+        pWidget->setEnabled(bOn);
+        pWidget->setToolTip(bOn ? sHint : sWhy);
+    };
+    enable(m_pDraw, m_source, tr("Drag a rectangle on the picture with the left mouse button"), nothing);
+    enable(m_pRestart, measures, tr("Forget the frames so far"), nothing);
+    enable(m_pCopy, measures, tr("Copy the values to the clipboard"), nothing);
+    enable(m_pSave, measures, tr("Save the values of the last frames to a file"), nothing);
+    const CkImageData* const frame = m_source ? m_source->currentImage() : nullptr;
+    const bool told = frame != nullptr && frame->metadata().lensFocalLength > 0.0F;
+    enable(m_pFocalLength, !told, tr("Of the lens; the plane is fitted in space"),
+           told
+               ? tr("The camera tells its focal length: %1 mm").arg(double(frame->metadata().lensFocalLength))
+               : QString());
+}
+
+void CkQualityPanel::copy() {
+    QGuiApplication::clipboard()->setText(CkQualityHistory::text(m_values));
+}
+
+void CkQualityPanel::saveWithDialog() {
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    const QString folder = delegate != nullptr ? delegate->lastDirectory() : QString();
+    QString name =
+        QFileDialog::getSaveFileName(this, tr("Save Values"), folder, tr("Comma separated values (*.csv)"));
+    if (name.isEmpty()) {
+        return;
+    }
+    if (QFileInfo(name).suffix().isEmpty()) {
+        name += QStringLiteral(".csv");
+    }
+    QString error;
+    if (!saveHistory(name, error)) {
+        QMessageBox::warning(this, tr("Save Values"), error);
+    } else if (delegate != nullptr) {
+        delegate->setLastDirectory(QFileInfo(name).absolutePath());
+    }
+}

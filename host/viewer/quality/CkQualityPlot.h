@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include <vector>
+
+/// A curve over the last frames with its scale. User-interface thread.
+class CkQualityPlot : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkQualityPlot(QWidget* pParent = nullptr);
+
+    /// The newest value last; gaps where a value is not finite. As many as the widget is wide are enough.
+    void showValues(const std::vector<double>& values, const QString& sUnit);
+
+    QSize sizeHint() const override { return {260, 130}; }
+    QSize minimumSizeHint() const override { return {120, 80}; }
+
+protected:
+    void paintEvent(QPaintEvent* pEvent) override;
+
+private:
+    std::vector<double> m_values;
+    QString m_sUnit;
+};

@@ -1,0 +1,174 @@
+#include "quality/CkQualityPanel.h"
+
+#include "ViewerPictures.h"
+#include "area/CkViewArea.h"
+#include "image/CkImageCanvas.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A view that shows no picture of its own.
+class CkFollowingView : public CkMdiView {
+public:
+    explicit CkFollowingView(int iViewId) : m_iFollowed(iViewId) {}
+    int connectedViewId() const override { return m_iFollowed; }
+
+private:
+    int m_iFollowed;
+};
+
+class QualityPanelTest : public ::testing::Test {
+protected:
+    QualityPanelTest() {
+        auto* layout = new QHBoxLayout(&m_window);
+        m_pArea = new CkViewArea;
+        m_pPanel = new CkQualityPanel(m_pArea);
+        layout->addWidget(m_pArea, 1);
+        layout->addWidget(m_pPanel);
+        m_window.resize(1000, 600);
+        m_window.show();
+    }
+
+    CkFedImageView* addView() {
+        auto* view = new CkFedImageView;
+        m_pArea->addView(view);
+        return view;
+    }
+    static std::unique_ptr<CkImageData> depth(float metres, quint32 width = 80, quint32 height = 60) {
+        auto frame = makeFrame<float>(EkImageDataType::Float32, width, height, 1, 32,
+                                      [metres](quint32, quint32, quint32) { return metres; });
+        CkImageMetadata metadata;
+        metadata.channelNames = QStringList{QStringLiteral("Depth")};
+        frame->setMetadata(metadata);
+        return frame;
+    }
+    template <class Widget>
+    Widget* child(const char* name) const {
+        return m_pPanel->findChild<Widget*>(QLatin1String(name));
+    }
+    static void drag(CkImageCanvas* canvas, const QPointF& from, const QPointF& to) {
+        const QPoint start = canvas->fromPicture(from).toPoint();
+        const QPoint end = canvas->fromPicture(to).toPoint();
+        QTest::mousePress(canvas, Qt::LeftButton, {}, start);
+        QTest::mouseMove(canvas, (start + end) / 2);
+        QTest::mouseMove(canvas, end);
+        QTest::mouseRelease(canvas, Qt::LeftButton, {}, end);
+    }
+
+    QWidget m_window;
+    CkViewArea* m_pArea = nullptr;
+    CkQualityPanel* m_pPanel = nullptr;
+};
+
+} // namespace
+
+TEST_F(QualityPanelTest, MeasuresTheMiddleOfTheActivePicture) {
+    EXPECT_EQ(child<QLabel>("qualityWhere")->text(), QStringLiteral("No view is active"));
+    EXPECT_FALSE(child<QPushButton>("qualityCopy")->isEnabled());
+    CkFedImageView* view = addView();
+    EXPECT_EQ(m_pPanel->measuredView(), view);
+    view->feed(depth(1.5F));
+    EXPECT_EQ(m_pPanel->region(), QRect(30, 22, 20, 15)); // a quarter of each side
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 1500.0);
+    view->feed(depth(1.6F));
+    EXPECT_EQ(m_pPanel->values().frames, 2);
+    EXPECT_NEAR(m_pPanel->values().temporalStd, 100.0 / std::sqrt(2.0), 1e-3);
+    EXPECT_EQ(m_pPanel->history().values().size(), 2U);
+    // The numbers follow a little later.
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return child<QLabel>("qualityValue0")->text() == "1600.0 mm"; }, 30000));
+    EXPECT_TRUE(child<QPushButton>("qualityCopy")->isEnabled());
+    m_pPanel->restart();
+    EXPECT_TRUE(m_pPanel->history().values().empty());
+}
+
+TEST_F(QualityPanelTest, ARegionIsDrawnWithTheMouse) {
+    CkFedImageView* view = addView();
+    view->feed(depth(2.0F));
+    const QPointF from(10.5, 5.5);
+    const QPointF to(40.5, 25.5);
+    // Without the button the mouse moves the picture.
+    drag(view->canvas(), from, to);
+    EXPECT_EQ(m_pPanel->region(), QRect(30, 22, 20, 15));
+    child<QToolButton>("qualityDraw")->click();
+    drag(view->canvas(), from, to);
+    EXPECT_EQ(m_pPanel->region(), QRect(10, 5, 31, 21));
+    EXPECT_EQ(m_pPanel->values().frames, 1);
+    // Backwards, and beyond the picture.
+    drag(view->canvas(), QPointF(20.5, 20.5), QPointF(-50.0, -50.0));
+    EXPECT_EQ(m_pPanel->region(), QRect(0, 0, 21, 21));
+    // A click leaves it.
+    drag(view->canvas(), from, from);
+    EXPECT_EQ(m_pPanel->region(), QRect(0, 0, 21, 21));
+}
+
+TEST_F(QualityPanelTest, FollowsTheActiveViewAndRemembersItsRegion) {
+    CkFedImageView* first = addView();
+    first->feed(depth(1.0F));
+    m_pPanel->setRegion(QRect(1, 2, 30, 20));
+    CkFedImageView* second = addView();
+    second->feed(depth(3.0F));
+    EXPECT_EQ(m_pPanel->measuredView(), second);
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 3000.0);
+    first->feed(depth(9.0F));
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 3000.0);
+    m_pArea->setActiveView(first->viewId());
+    EXPECT_EQ(m_pPanel->region(), QRect(1, 2, 30, 20));
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 9000.0);
+    m_pArea->closeView(first->viewId(), false);
+    EXPECT_TRUE(QTest::qWaitFor([this, second] { return m_pPanel->measuredView() == second; }, 30000));
+}
+
+TEST_F(QualityPanelTest, AViewWithoutAPictureIsMeasuredInTheOneItFollows) {
+    CkFedImageView* picture = addView();
+    picture->feed(depth(1.0F));
+    auto* cloud = new CkFollowingView(picture->viewId());
+    m_pArea->addView(cloud);
+    ASSERT_EQ(m_pArea->activeView(), cloud);
+    EXPECT_EQ(m_pPanel->measuredView(), picture);
+    picture->feed(depth(1.25F));
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 1250.0);
+    m_pArea->addView(new CkFollowingView(-1));
+    EXPECT_EQ(m_pPanel->measuredView(), nullptr);
+    EXPECT_TRUE(
+        child<QLabel>("qualityWhere")->text().startsWith(QStringLiteral("The active view shows no picture")));
+}
+
+TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {
+    CkFedImageView* view = addView();
+    view->feed(depth(1.0F));
+    m_pPanel->hide();
+    EXPECT_EQ(m_pPanel->measuredView(), nullptr);
+    EXPECT_TRUE(view->canvas()->findChildren<QWidget*>().isEmpty());
+    view->feed(depth(2.0F));
+    EXPECT_TRUE(std::isnan(m_pPanel->values().mean));
+    m_pPanel->show();
+    EXPECT_EQ(m_pPanel->measuredView(), view);
+    EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 2000.0);
+}
+
+TEST_F(QualityPanelTest, ValuesAreCopiedAndSaved) {
+    CkFedImageView* view = addView();
+    view->feed(depth(1.0F));
+    view->feed(depth(2.0F));
+    m_pPanel->copy();
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().startsWith(QStringLiteral("Mean\t2000.0 mm\n")));
+    QTemporaryDir folder;
+    QString error;
+    ASSERT_TRUE(m_pPanel->saveHistory(folder.filePath(QStringLiteral("a.csv")), error));
+    QFile file(folder.filePath(QStringLiteral("a.csv")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().count('\n'), 4); // where, names, two frames
+    EXPECT_FALSE(m_pPanel->saveHistory(folder.filePath(QStringLiteral("no/a.csv")), error));
+    EXPECT_TRUE(error.contains(QStringLiteral("no/a.csv")));
+}
