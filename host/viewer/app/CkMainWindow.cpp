@@ -124,6 +124,7 @@ void CkMainWindow::createDocks() {
     scroll->setWidget(m_pQualityPanel);
     QDockWidget* const quality =
         addDock(QStringLiteral("dockQuality"), tr("Quality"), scroll, Qt::RightDockWidgetArea);
+    connect(quality, &QDockWidget::visibilityChanged, m_pQualityPanel, &CkQualityPanel::setInSight);
     tabifyDockWidget(colours, quality);
     colours->raise();
     m_pLogPanel = new CkLogPanel;

@@ -94,6 +94,11 @@ void CkQualityPanel::showEvent(QShowEvent* pEvent) {
     follow();
 }
 
+void CkQualityPanel::setInSight(bool bInSight) {
+    m_bInSight = bInSight;
+    follow();
+}
+
 void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
     QWidget::hideEvent(pEvent);
     release();
@@ -136,7 +141,7 @@ QString CkQualityPanel::regionKey() const {
 }
 
 void CkQualityPanel::follow() {
-    CkImageView* const source = isVisible() ? sourceFor(m_pArea->activeView()) : nullptr;
+    CkImageView* const source = isVisible() && m_bInSight ? sourceFor(m_pArea->activeView()) : nullptr;
     if (source == m_source) {
         updateControls();
         return;

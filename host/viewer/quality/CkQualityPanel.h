@@ -42,6 +42,8 @@ public:
     bool saveHistory(const QString& sFileName, QString& sError) const;
 
 public slots:
+    /// A panel behind another tab counts as shown, though nobody sees it: what holds the panel says so here.
+    void setInSight(bool bInSight);
     /// Forgets the frames so far.
     void restart();
     void copy();
@@ -82,5 +84,6 @@ private:
     CkQualityMeter m_meter;
     CkQualityHistory m_history;
     SkQualityValues m_values;
+    bool m_bInSight = true;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
 };

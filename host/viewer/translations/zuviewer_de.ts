@@ -1300,6 +1300,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>Open</source>
         <translation>Öffnen</translation>
     </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
 </context>
 <context>
     <name>CkParamEditor</name>
@@ -1563,6 +1567,203 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     <message>
         <source>There is no plug-in folder &quot;%1&quot;.</source>
         <translation>Es gibt keinen Plug-in-Ordner „%1“.</translation>
+    </message>
+</context>
+<context>
+    <name>CkQualityHistory</name>
+    <message>
+        <source>Mean</source>
+        <translation>Mittelwert</translation>
+    </message>
+    <message>
+        <source>Std. dev. over the region</source>
+        <translation>Standardabw. über den Bereich</translation>
+    </message>
+    <message>
+        <source>Std. dev. over time</source>
+        <translation>Standardabw. über die Zeit</translation>
+    </message>
+    <message>
+        <source>Valid pixels</source>
+        <translation>Gültige Pixel</translation>
+    </message>
+    <message>
+        <source>Tilt</source>
+        <translation>Neigung</translation>
+    </message>
+    <message>
+        <source>Flatness</source>
+        <translation>Ebenheit</translation>
+    </message>
+    <message>
+        <source>RMS from the plane</source>
+        <translation>RMS zur Ebene</translation>
+    </message>
+</context>
+<context>
+    <name>CkQualityPanel</name>
+    <message>
+        <source>%1 cannot be written: %2.</source>
+        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+    </message>
+    <message>
+        <source>Draw Region</source>
+        <translation>Bereich zeichnen</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation>Neu beginnen</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Save CSV...</source>
+        <translation>CSV speichern...</translation>
+    </message>
+    <message>
+        <source>Mean</source>
+        <translation>Mittelwert</translation>
+    </message>
+    <message>
+        <source>Mean of the valid pixels of the newest frame</source>
+        <translation>Mittelwert der gültigen Pixel des neuesten Bildes</translation>
+    </message>
+    <message>
+        <source>Std. dev. over the region</source>
+        <translation>Standardabw. über den Bereich</translation>
+    </message>
+    <message>
+        <source>Standard deviation of the valid pixels of the newest frame</source>
+        <translation>Standardabweichung der gültigen Pixel des neuesten Bildes</translation>
+    </message>
+    <message>
+        <source>Std. dev. over time</source>
+        <translation>Standardabw. über die Zeit</translation>
+    </message>
+    <message>
+        <source>How much a pixel varies from frame to frame: quadratic mean of the standard deviations that the pixels have had since the start</source>
+        <translation>Wie sehr ein Pixel von Bild zu Bild schwankt: quadratisches Mittel der Standardabweichungen, die die Pixel seit dem Beginn hatten</translation>
+    </message>
+    <message>
+        <source>Valid pixels</source>
+        <translation>Gültige Pixel</translation>
+    </message>
+    <message>
+        <source>Share of pixels that are finite, confident enough and not saturated</source>
+        <translation>Anteil der Pixel, die endlich, verlässlich genug und nicht gesättigt sind</translation>
+    </message>
+    <message>
+        <source>Tilt</source>
+        <translation>Neigung</translation>
+    </message>
+    <message>
+        <source>Angle between the optical axis and the normal of the plane through the points</source>
+        <translation>Winkel zwischen der optischen Achse und der Normalen der Ebene durch die Punkte</translation>
+    </message>
+    <message>
+        <source>Flatness</source>
+        <translation>Ebenheit</translation>
+    </message>
+    <message>
+        <source>From the point furthest in front of that plane to the one furthest behind it</source>
+        <translation>Vom Punkt am weitesten vor dieser Ebene bis zu dem am weitesten dahinter</translation>
+    </message>
+    <message>
+        <source>RMS from the plane</source>
+        <translation>RMS zur Ebene</translation>
+    </message>
+    <message>
+        <source>Quadratic mean of the points&apos; distances from that plane</source>
+        <translation>Quadratisches Mittel der Abstände der Punkte von dieser Ebene</translation>
+    </message>
+    <message>
+        <source>What the curve shows</source>
+        <translation>Was die Kurve zeigt</translation>
+    </message>
+    <message>
+        <source>Pitch of the sensor&apos;s cells; the plane is fitted in space</source>
+        <translation>Rastermaß der Sensorzellen; die Ebene wird im Raum angepasst</translation>
+    </message>
+    <message>
+        <source>Pixels of a higher confidence value are not valid (lower is better)</source>
+        <translation>Pixel mit einem höheren Konfidenzwert sind nicht gültig (niedriger ist besser)</translation>
+    </message>
+    <message>
+        <source>Focal length</source>
+        <translation>Brennweite</translation>
+    </message>
+    <message>
+        <source>Cell size</source>
+        <translation>Zellengröße</translation>
+    </message>
+    <message>
+        <source>Confidence limit</source>
+        <translation>Konfidenzgrenze</translation>
+    </message>
+    <message>
+        <source>No view is active</source>
+        <translation>Es ist keine Ansicht aktiv</translation>
+    </message>
+    <message>
+        <source>The active view shows no picture. Open a depth picture of its chain to measure in it.</source>
+        <translation>Die aktive Ansicht zeigt kein Bild. Öffnen Sie ein Tiefenbild ihrer Kette, um darin zu messen.</translation>
+    </message>
+    <message>
+        <source>There is no picture yet</source>
+        <translation>Es ist noch kein Bild da</translation>
+    </message>
+    <message>
+        <source>%1: region at %2, %3 of %4 x %5 pixels, %6 frames</source>
+        <translation>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %6 Bilder</translation>
+    </message>
+    <message>
+        <source>No distances: no plane is fitted.</source>
+        <translation>Keine Abstände: es wird keine Ebene angepasst.</translation>
+    </message>
+    <message>
+        <source>Drag a rectangle on the picture with the left mouse button</source>
+        <translation>Ziehen Sie mit der linken Maustaste ein Rechteck auf dem Bild</translation>
+    </message>
+    <message>
+        <source>Forget the frames so far</source>
+        <translation>Die bisherigen Bilder vergessen</translation>
+    </message>
+    <message>
+        <source>Copy the values to the clipboard</source>
+        <translation>Die Werte in die Zwischenablage kopieren</translation>
+    </message>
+    <message>
+        <source>Save the values of the last frames to a file</source>
+        <translation>Die Werte der letzten Bilder in eine Datei speichern</translation>
+    </message>
+    <message>
+        <source>Of the lens; the plane is fitted in space</source>
+        <translation>Des Objektivs; die Ebene wird im Raum angepasst</translation>
+    </message>
+    <message>
+        <source>The camera tells its focal length: %1 mm</source>
+        <translation>Die Kamera nennt ihre Brennweite: %1 mm</translation>
+    </message>
+    <message>
+        <source>Save Values</source>
+        <translation>Werte speichern</translation>
+    </message>
+    <message>
+        <source>Comma separated values (*.csv)</source>
+        <translation>Durch Kommas getrennte Werte (*.csv)</translation>
+    </message>
+</context>
+<context>
+    <name>CkQualityPlot</name>
+    <message>
+        <source>Nothing to plot yet</source>
+        <translation>Noch nichts zu zeichnen</translation>
+    </message>
+    <message>
+        <source>last %1 frames</source>
+        <translation>letzte %1 Bilder</translation>
     </message>
 </context>
 <context>

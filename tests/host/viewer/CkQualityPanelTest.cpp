@@ -155,6 +155,11 @@ TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {
     m_pPanel->show();
     EXPECT_EQ(m_pPanel->measuredView(), view);
     EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 2000.0);
+    // Behind another tab it is as good as hidden.
+    m_pPanel->setInSight(false);
+    EXPECT_EQ(m_pPanel->measuredView(), nullptr);
+    m_pPanel->setInSight(true);
+    EXPECT_EQ(m_pPanel->measuredView(), view);
 }
 
 TEST_F(QualityPanelTest, ValuesAreCopiedAndSaved) {
