@@ -113,3 +113,16 @@ if wants recording; then
     window "^zuviewer"
     grab recording
 fi
+if wants quality; then
+    settings '[General]' 'ToF.LUTPseudoColor=3'
+    start --size 1500x860 --camera 0 --trigger btnToFAllViews --trigger qualityDraw
+    window "^zuviewer"
+    # The phase shift is the view on the upper left: made the active one, then a region on a box, where the ball never comes.
+    sleep 8
+    xdotool mousemove 560 31 click 1
+    sleep 2
+    xdotool mousemove 487 247 mousedown 1 mousemove 500 255 mousemove 519 272 mouseup 1
+    xdotool mousemove 1243 823 click 1
+    sleep 12
+    grab quality
+fi
