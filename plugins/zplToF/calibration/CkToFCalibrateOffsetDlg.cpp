@@ -20,8 +20,8 @@ constexpr float s_fCmPerInch = 2.54F;
 constexpr float s_fCmPerMetre = 100.0F;
 constexpr float s_fInchesPerMetre = 39.37008F;
 
-// Tells a box that was dismissed, with Escape or its close button, from one that was acknowledged: with a single
-// button the two have the same result.
+// Tells a box that was dismissed, with Escape or its close button, from one that was acknowledged: with a
+// single button the two have the same result.
 class CkDismissal : public QObject {
 public:
     bool bHappened = false;
