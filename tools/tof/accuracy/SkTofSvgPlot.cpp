@@ -149,7 +149,8 @@ QString SkTofSvgPlot::svg() const {
     y.first = top + plotHeight;
     y.last = top;
     const double legendTop = top + plotHeight + axisRoom;
-    const double height = legendTop + legendRow * double((named + 1) / 2) + 4.0;
+    const size_t legendRows = (named + 1) / 2;
+    const double height = legendTop + legendRow * double(legendRows) + 4.0;
 
     QString svg = QStringLiteral("<svg viewBox=\"0 0 %1 %2\" role=\"img\" class=\"plot\">"
                                  "<title>%3</title>")
@@ -178,7 +179,8 @@ QString SkTofSvgPlot::svg() const {
             continue;
         }
         const double entryX = left + legendColumn * double(entry % 2);
-        const double entryY = legendTop + legendRow * double(entry / 2) + 8.0;
+        const size_t entryRow = entry / 2;
+        const double entryY = legendTop + legendRow * double(entryRow) + 8.0;
         svg += QStringLiteral(
                    "<line x1=\"%1\" y1=\"%2\" x2=\"%3\" y2=\"%2\" stroke=\"%4\" stroke-width=\"%5\"%6/>")
                    .arg(at(one.line ? entryX : entryX + 9.0), at(entryY),
