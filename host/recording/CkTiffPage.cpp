@@ -301,7 +301,7 @@ CkTiffPage::EkResult CkTiffPage::readStrips(SkPicBuf& picBuf) {
     for (quint32 plane = 0; plane < planes; ++plane) {
         for (quint32 y = 0; y < picBuf.height; y += std::min(rows, picBuf.height - y), ++strip) {
             const quint32 count = std::min(rows, picBuf.height - y);
-            const auto bytes = qint64(stripRow * count);
+            const auto bytes = qint64(stripRow) * count;
             if (!separate) {
                 whole = readPart(strip, picBuf.row(y), bytes, some) && whole;
                 continue;
