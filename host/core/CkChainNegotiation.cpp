@@ -1,4 +1,5 @@
 #include "CkChainPrivate.h"
+#include "poolErrorText.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -184,9 +185,7 @@ void CkChain::CkPrivate::reservePools(bool bOnlyGrow) {
         if (bOnlyGrow && m_pool.reserve(block, node->output.info, capacity)) {
             continue; // memory is short: as many as before
         }
-        showError(block, CkPicBufAPI::byteSize(node->output.info) == 0
-                             ? CkChain::tr("The output of the block has no pixels.")
-                             : CkChain::tr("There is not enough memory for the pictures of the block."));
+        showError(block, poolErrorText(node->output.info));
     }
 }
 

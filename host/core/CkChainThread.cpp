@@ -1,5 +1,6 @@
 #include "CkChainPrivate.h"
 #include "SkFrameNotes.h"
+#include "poolErrorText.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"
@@ -237,6 +238,12 @@ void CkChain::CkPrivate::noteMissingOutput(SkChainNode& node, const CkMemoryPool
         askFromThread();
     } else if (after.exhausted != before.exhausted) {
         ++node.dropped;
+    }
+    CkChainable* const block = node.block;
+    if (node.negotiated && block->buffersCountInMemoryPool() > 0 && m_pool.capacity(block) == 0 &&
+        block->errorMessage().isEmpty()) {
+        // The block has cleared it with its own messages.
+        showError(block, poolErrorText(node.output.info));
     }
     if (node.negotiated || node.provider == nullptr) {
         return;

@@ -24,6 +24,7 @@ public:
         for (int i = 0; i < iCount; ++i) {
             CkPicMemory* const memory = CkPicMemory::create(m_uiBytes, true);
             if (memory == nullptr) {
+                freeAll();
                 return false;
             }
             m_free.push_back(memory);
@@ -123,15 +124,14 @@ bool CkMemoryPool::reserve(const void* pOwner, const SkPicBufInfo& info, int iCo
     }
     try {
         auto shelf = std::make_shared<CkShelf>(bytes);
-        if (!shelf->fill(iCount)) {
-            return false;
-        }
+        const bool filled = shelf->fill(iCount);
+        // An empty shelf, too: it counts what its owner asks of it in vain.
         const std::lock_guard lock(m_d->m_mutex);
         m_d->m_shelves[pOwner] = std::move(shelf);
+        return filled;
     } catch (const std::exception&) {
         return false;
     }
-    return true;
 }
 
 void CkMemoryPool::release(const void* pOwner) {

@@ -15,7 +15,7 @@ public:
     CkMemoryPool& operator=(const CkMemoryPool&) = delete;
 
     /// Makes a shelf of iCount zeroed pictures of the descriptor's byte size for an owner, in place of the
-    /// one it had. False when the size overflows or the memory cannot be had; the owner then has no shelf.
+    /// one it had. False when the size is 0 or overflows (no shelf), or memory is short (an empty shelf).
     bool reserve(const void* pOwner, const SkPicBufInfo& info, int iCount);
 
     /// Takes the owner's shelf away; pictures still held stay valid until they are freed.

@@ -32,6 +32,25 @@ public:
     std::atomic<int> count = 0;
 };
 
+/// Announces an output that no machine has the memory for, and clears its message with every frame.
+class GiantBlock : public AddBlock {
+public:
+    using AddBlock::AddBlock;
+    bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
+                              CkImageMetadata* pOutMeta) override {
+        AddBlock::queryOutputImageInfo(in, out, pInMeta, pOutMeta);
+        out.height = rows;
+        out.lineSize = rows;
+        return true;
+    }
+    IkChainData* processData(IkChainData* pData) override {
+        setErrorMessage(QString());
+        return AddBlock::processData(pData);
+    }
+
+    std::atomic<quint32> rows = 0x80000000U;
+};
+
 } // namespace
 
 TEST_F(CkChainPoolTest, APoolOfOneDoesNotStarveBecauseAViewShowsTheLastPicture) {
@@ -107,6 +126,32 @@ TEST_F(CkChainPoolTest, AnExhaustedPoolDropsAndCountsAndRecovers) {
     EXPECT_TRUE(waitUntil([&] { return view.count() == 1; }));
     chain->stop();
     chain->removeSink(&view);
+}
+
+TEST_F(CkChainPoolTest, FramesThatTheMemoryDoesNotSufficeForAreCountedAndTheReasonStays) {
+    auto* const block = branch(new GiantBlock(1), source);
+    ASSERT_TRUE(chain->start());
+    EXPECT_EQ(block->errorMessage(), "There is not enough memory for the pictures of the block.");
+    for (int i = 0; i < 5; ++i) {
+        pushSurely(quint8(i));
+    }
+    ASSERT_TRUE(waitUntil([&] { return block->frames == 5; }));
+    chain->stop();
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 5U);
+    EXPECT_EQ(block->errorMessage(), "There is not enough memory for the pictures of the block.");
+}
+
+TEST_F(CkChainPoolTest, AnOutputWithoutPixelsIsSaidAsLongAsFramesCome) {
+    auto* const block = branch(new GiantBlock(1), source);
+    block->rows = 0;
+    ASSERT_TRUE(chain->start());
+    EXPECT_EQ(block->errorMessage(), "The output of the block has no pixels.");
+    for (int i = 0; i < 5; ++i) {
+        pushSurely(quint8(i));
+    }
+    ASSERT_TRUE(waitUntil([&] { return block->frames == 5; }));
+    chain->stop();
+    EXPECT_EQ(block->errorMessage(), "The output of the block has no pixels.");
 }
 
 TEST_F(CkChainPoolTest, WhatASinkDropsIsCountedOnItsBlock) {

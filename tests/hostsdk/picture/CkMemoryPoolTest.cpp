@@ -129,6 +129,22 @@ TEST(CkMemoryPool, RefusesSizesThatCannotBeHad) {
     EXPECT_EQ(pool.capacity(firstOwner), 0);
 }
 
+TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptyShelfThatCounts) {
+    // No machine has 2^62 bytes, yet the number fits.
+    const SkPicBufInfo huge = packedFormat(0x80000000U, 0x80000000U);
+    CkMemoryPool pool;
+    EXPECT_FALSE(pool.reserve(firstOwner, huge, 2));
+    EXPECT_EQ(pool.capacity(firstOwner), 0);
+    SkPicBuf picBuf;
+    EXPECT_FALSE(pool.acquire(firstOwner, huge, picBuf, false));
+    EXPECT_FALSE(pool.acquire(firstOwner, huge, picBuf, false));
+    EXPECT_EQ(pool.refusals(firstOwner).exhausted, 2U);
+    EXPECT_EQ(pool.refusals(firstOwner).misfits, 0U);
+    EXPECT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
+    EXPECT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, false));
+    CkPicBufAPI::FreePicBuf(picBuf);
+}
+
 TEST(CkMemoryPool, ManyThreadsTakeAndGiveBackWhileShelvesChange) {
     CkMemoryPool pool;
     ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(32, 2), 3));
