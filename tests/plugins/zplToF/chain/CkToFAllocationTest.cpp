@@ -188,6 +188,32 @@ TEST(AllocationPerFrame, NoneForHybridSections) {
     }
 }
 
+TEST(AllocationPerFrame, NoneForSeparateSectionsBehindTheirReference) {
+    for (int transform : {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth,
+                          CkToFProcessCnbl::ConcatPhases, CkToFProcessCnbl::SetHybrid}) {
+        SCOPED_TRACE(transform);
+        ToFChainRig rig;
+        rig.useHybrid(64, 24, 2);
+        rig.source->metadata.sectionMode = 3;
+        rig.source->metadata.sectionCount = 3;
+        rig.start(transform);
+        const auto samples = [](quint32, quint32 y, quint32 c) { return int(100 * (c + 1) + y); };
+        expectNoAllocation(
+            rig, [&](int i) { return rig.section(quint32(i), samples); }, 3, true);
+    }
+}
+
+TEST(AllocationPerFrame, NoneForPlainPicturesThatAreRelabelled) {
+    for (int transform : {CkToFProcessCnbl::SetABPhase, CkToFProcessCnbl::SetHybrid}) {
+        SCOPED_TRACE(transform);
+        ToFChainRig rig;
+        rig.source->setFormat(832, 1800, 1, EkImageDataType::UInt16, 16);
+        rig.start(transform);
+        expectNoAllocation(
+            rig, [&](int) { return rig.frame(100); }, 1, true);
+    }
+}
+
 TEST(AllocationPerFrame, NoneForFramesThatAreDropped) {
     ToFChainRig rig;
     rig.useAandB(64, 16, 4);
