@@ -50,6 +50,11 @@ void CkVideoSource::describe(Readout readout, SkPicBufInfo& info, CkImageMetadat
     case HybridSections:
         setHybrid(info, metadata, 3 * height, 3);
         break;
+    case HybridReference:
+        setHybrid(info, metadata, height, 3);
+        metadata.sectionMode = 3;
+        metadata.sectionCount = 4;
+        break;
     default:
         setLayout(info, height, 1, EkImageDataType::UInt8, 8);
         break;
@@ -70,6 +75,7 @@ std::unique_ptr<CkImageData> CkVideoSource::nextFrame() {
         record.phaseSequenceIndex = qint32(m_uiFrame % 4);
         record.phaseAngle = 90 * record.phaseSequenceIndex;
     }
+    record.sectionIndex = record.sectionCount > 0 ? quint32(m_uiFrame % record.sectionCount) : 0;
     SkPicBuf picture;
     if (!CkPicBufAPI::AllocPicBufFromHeap(picture, format)) {
         return nullptr;

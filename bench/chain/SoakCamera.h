@@ -11,7 +11,17 @@ class CkVideoSource : public PushSource {
 
 public:
     /// Kinds of readout; the name of each is in the metadata of its frames.
-    enum Readout { AandB4, AandB2, AandBSeparate, AminusB4, Hybrid, HybridSections, Grey, ReadoutCount };
+    enum Readout {
+        AandB4,
+        AandB2,
+        AandBSeparate,
+        AminusB4,
+        Hybrid,
+        HybridSections,
+        HybridReference, ///< a reference and three exposures, one image each
+        Grey,
+        ReadoutCount
+    };
 
     /// Descriptor and metadata of a readout.
     static void describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata);
