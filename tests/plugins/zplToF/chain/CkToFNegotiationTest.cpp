@@ -15,6 +15,7 @@ constexpr auto U32 = EkImageDataType::UInt32;
 constexpr auto F32 = EkImageDataType::Float32;
 constexpr auto F64 = EkImageDataType::Float64;
 constexpr auto T11 = EkImageDataType::Other16;
+constexpr auto T77 = EkImageDataType(77);
 
 const char* const notSupported = "The input image data type is not supported.";
 const char* const wantsAandB = "The input image must be RAWX2 image with A and B channel.";
@@ -141,6 +142,27 @@ std::vector<Picture> pictures() {
          {aAndB({100, 960, 400, 2, 12, T11, 8}, 2), single({100, 480, 256, 1, 12, T11, 0}),
           single({100, 480, 256, 1, 12, T11, 0}), single({100, 480, 1024, 2, 32, F32, 0}, phaseShift), same(),
           aMinusB({100, 960, 256, 1, 12, T11, 9}), error(notSupported)}},
+        {"two channels of signed 16-bit samples: kept",
+         {300, 480, 1200, 2, 12, I16, 0},
+         record(0x80ab0f0c, 1),
+         With::Both,
+         {aAndB({300, 480, 1200, 2, 12, I16, 8}, 1), single({300, 480, 768, 1, 12, I16, 0}),
+          single({300, 480, 768, 1, 12, I16, 0}), single({300, 480, 2560, 2, 32, F32, 0}, phaseShift), same(),
+          aMinusB({300, 480, 768, 1, 12, I16, 9}), error(notSupported)}},
+        {"two channels of signed 8-bit samples: kept",
+         {300, 480, 600, 2, 8, I8, 0},
+         record(0x80ab0f08, 1),
+         With::Both,
+         {aAndB({300, 480, 600, 2, 8, I8, 8}, 1), single({300, 480, 512, 1, 8, I8, 0}),
+          single({300, 480, 512, 1, 8, I8, 0}), single({300, 480, 2560, 2, 32, F32, 0}, phaseShift), same(),
+          aMinusB({300, 480, 512, 1, 8, I8, 9}), error(notSupported)}},
+        {"two channels of a type that nobody knows: one byte a sample",
+         {300, 480, 600, 2, 8, T77, 0},
+         record(0x80ab0f08, 1),
+         With::Both,
+         {aAndB({300, 480, 600, 2, 8, T77, 8}, 1), single({300, 480, 512, 1, 8, T77, 0}),
+          single({300, 480, 512, 1, 8, T77, 0}), single({300, 480, 2560, 2, 32, F32, 0}, phaseShift), same(),
+          aMinusB({300, 480, 512, 1, 8, T77, 9}), error(notSupported)}},
         {"two channels with a code that is not A and B",
          {640, 480, 2560, 2, 12, U16, 0},
          record(0x84ab0f08, 1),

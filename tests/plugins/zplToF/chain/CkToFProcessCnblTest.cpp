@@ -1,4 +1,5 @@
 #include "ToFChainRig.h"
+#include "zuCore/CkCameraSource.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkRTTI.h"
 
@@ -276,6 +277,29 @@ TEST(IsInChainWithVideoSource, LooksAtTheClassOfTheFirstSource) {
     EXPECT_TRUE(video.block->isInChainWithVideoSource());
     ToFChainRig other(std::make_unique<PushSource>());
     EXPECT_FALSE(other.block->isInChainWithVideoSource());
+}
+
+TEST(IsInChainWithVideoSource, ACameraCountsAndAChainWithoutSourceDoesNot) {
+    CkChainManager* const manager = CkChainManager::instance();
+    CkChain* chain = manager->createChain();
+    auto* const camera = new CkCameraSource;
+    auto* const block = new Block;
+    ASSERT_TRUE(manager->insertAfter(chain, camera, nullptr));
+    ASSERT_TRUE(manager->insertAfter(chain, block, camera));
+    EXPECT_TRUE(block->isInChainWithVideoSource());
+    ASSERT_TRUE(manager->remove(chain, camera, false));
+    EXPECT_TRUE(chain->imageSources().isEmpty());
+    EXPECT_FALSE(block->isInChainWithVideoSource());
+    manager->closeChain(chain);
+}
+
+TEST(IsInChainWithVideoSource, OfSeveralSourcesTheFirstDecides) {
+    ToFChainRig other(std::make_unique<PushSource>());
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(other.chain, new CkVideoSource, nullptr));
+    EXPECT_FALSE(other.block->isInChainWithVideoSource());
+    ToFChainRig video; // a video, and the rig's own second source
+    ASSERT_EQ(video.chain->imageSources().size(), 2);
+    EXPECT_TRUE(video.block->isInChainWithVideoSource());
 }
 
 } // namespace
