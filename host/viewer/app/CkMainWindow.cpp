@@ -125,6 +125,10 @@ void CkMainWindow::createDocks() {
     QDockWidget* const quality =
         addDock(QStringLiteral("dockQuality"), tr("Quality"), scroll, Qt::RightDockWidgetArea);
     connect(quality, &QDockWidget::visibilityChanged, m_pQualityPanel, &CkQualityPanel::setInSight);
+    connect(m_pQualityPanel, &CkQualityPanel::sightWanted, quality, [quality] {
+        quality->show();
+        quality->raise();
+    });
     tabifyDockWidget(colours, quality);
     colours->raise();
     m_pLogPanel = new CkLogPanel;

@@ -94,6 +94,7 @@ private:
     void createDocks();
     void createFileMenu();
     void createViewMenu();
+    QAction* createPanelAction(QDockWidget* pDock);
     void createPictureMenu();
     void createChainMenu();
     void createHelpMenu();

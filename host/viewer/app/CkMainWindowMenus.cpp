@@ -7,6 +7,7 @@
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
 #include "files/CkFileOpener.h"
+#include "files/SaveFileName.h"
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
 #include "recording/CkRecordingRoom.h"
@@ -61,6 +62,21 @@ void CkMainWindow::createFileMenu() {
     file->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
 
+QAction* CkMainWindow::createPanelAction(QDockWidget* pDock) {
+    // The dock's own action hides a panel that stands behind another tab, and shows it there, out of sight.
+    auto* action = new QAction(pDock->windowTitle(), this);
+    action->setObjectName(QStringLiteral("act_") + pDock->objectName());
+    action->setCheckable(true);
+    connect(pDock, &QDockWidget::visibilityChanged, action, &QAction::setChecked);
+    connect(action, &QAction::triggered, pDock, [pDock](bool bOn) {
+        pDock->setVisible(bOn);
+        if (bOn) {
+            pDock->raise();
+        }
+    });
+    return action;
+}
+
 void CkMainWindow::createViewMenu() {
     QMenu* view = menuBar()->addMenu(tr("&View"));
     m_menus.append(view);
@@ -85,7 +101,7 @@ void CkMainWindow::createViewMenu() {
                                          [this] { m_pArea->closeView(m_pArea->activeViewId()); }));
     view->addSeparator();
     for (qsizetype i = 0; i < m_docks.size(); ++i) {
-        QAction* toggle = m_docks[i]->toggleViewAction();
+        QAction* toggle = createPanelAction(m_docks[i]);
         if (i < 9) {
             toggle->setShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + i)));
         }
@@ -234,12 +250,13 @@ void CkMainWindow::dropEvent(QDropEvent* pEvent) {
 }
 
 void CkMainWindow::saveChainWithDialog() {
-    QString name = QFileDialog::getSaveFileName(this, tr("Save Chain"), lastDirectory(), chainFilter());
+    int form = 0;
+    const QString name = askSaveFileName(this, tr("Save Chain"), lastDirectory(),
+                                         {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
+                                          {tr("All files (*)"), QStringLiteral("zuchain")}},
+                                         form);
     if (name.isEmpty()) {
         return;
-    }
-    if (QFileInfo(name).suffix().isEmpty()) {
-        name += QStringLiteral(".zuchain");
     }
     setLastDirectory(name);
     QString error;

@@ -7,6 +7,7 @@
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
 #include "lut/CkLutPanel.h"
+#include "quality/CkQualityPanel.h"
 
 #include <QMenu>
 #include <QMenuBar>
@@ -63,6 +64,8 @@ void CkMainWindow::createPictureMenu() {
             [](CkImageView* pView) { pView->stepChannel(-1); })};
     menu->addSeparator();
     add(tr("&Save Picture..."), Qt::CTRL | Qt::Key_P, [](CkImageView* pView) { pView->saveWithDialog(); });
+    menu->addSeparator();
+    menu->addActions(m_pQualityPanel->menuActions());
     // Panel and tool bar switch the same.
     connect(menu, &QMenu::aboutToShow, this, &CkMainWindow::updatePictureActions);
 }

@@ -1,5 +1,6 @@
 // The image view's own tool bar, context menu and files.
 
+#include "files/SaveFileName.h"
 #include "image/CkColorLegend.h"
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
@@ -11,7 +12,6 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QLabel>
@@ -126,44 +126,42 @@ void CkImageView::saveWithDialog() {
         return;
     }
     struct SkChoice {
-        QString filter;
-        QString suffix;
+        SkSaveForm file;
         int form; ///< -1 as seen, else EkMeasured
     };
-    QList<SkChoice> choices = {{tr("PNG, as seen (*.png)"), QStringLiteral("png"), -1},
-                               {tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), -1}};
+    QList<SkChoice> choices = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png")}, -1},
+                               {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg")}, -1}};
     const CkImageData* frame = currentImage();
     if (canSaveAsMeasured()) {
         choices.append(
-            {tr("16-bit PNG, as measured, %1 (*.png)")
-                 .arg(CkPictureFile::scaleText(frame->picBuf(), frame->metadata(), quint32(m_iChannel))),
-             QStringLiteral("png"), int(EkMeasured::Png16)});
+            {{tr("16-bit PNG, as measured, %1 (*.png)")
+                  .arg(CkPictureFile::scaleText(frame->picBuf(), frame->metadata(), quint32(m_iChannel))),
+              QStringLiteral("png")},
+             int(EkMeasured::Png16)});
         choices.append(
-            {tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_pChannelBox->currentText()),
-             QStringLiteral("tif"), int(EkMeasured::FloatTiff)});
+            {{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_pChannelBox->currentText()),
+              QStringLiteral("tif")},
+             int(EkMeasured::FloatTiff)});
     }
     if (frame != nullptr && (frame->picBuf().channels > 1 || !canSaveAsMeasured())) {
-        choices.append({tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"),
+        choices.append({{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif")},
                         int(EkMeasured::FloatTiffOfAll)});
     }
-    QStringList filters;
+    QList<SkSaveForm> offered;
     for (const SkChoice& choice : choices) {
-        filters.append(choice.filter);
+        offered.append(choice.file);
     }
     IkAppDelegate* delegate = IkAppDelegate::instance();
     // The camera may be unplugged, and the view with it, while the dialog is open.
     const QPointer<CkImageView> self(this);
-    QString filter;
-    QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"),
-                                                delegate != nullptr ? delegate->lastDirectory() : QString(),
-                                                filters.join(QStringLiteral(";;")), &filter);
+    int chosen = 0;
+    const QString name =
+        askSaveFileName(this, tr("Save Picture"), delegate != nullptr ? delegate->lastDirectory() : QString(),
+                        offered, chosen);
     if (!self || name.isEmpty()) {
         return;
     }
-    const SkChoice& choice = choices[std::max<qsizetype>(0, filters.indexOf(filter))];
-    if (QFileInfo(name).suffix().isEmpty()) {
-        name += QLatin1Char('.') + choice.suffix;
-    }
+    const SkChoice& choice = choices[chosen];
     QString error;
     if (!(choice.form < 0 ? saveAsSeen(name, &error)
                           : saveAsMeasured(name, EkMeasured(choice.form), &error))) {

@@ -102,6 +102,8 @@ void CkQualityPanel::setInSight(bool bInSight) {
 void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
     QWidget::hideEvent(pEvent);
     release();
+    // Not with the area's help: this may be the end of the window.
+    allowMeasuring(false, tr("The panel Quality is not in sight"));
 }
 
 CkImageView* CkQualityPanel::sourceFor(CkMdiView* pView) const {

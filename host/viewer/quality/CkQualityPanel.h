@@ -13,6 +13,7 @@ class CkMdiView;
 class CkQualityPlot;
 class CkRegionOverlay;
 class CkViewArea;
+class QAction;
 class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
@@ -38,6 +39,9 @@ public:
     const SkQualityValues& values() const { return m_values; }
     const CkQualityHistory& history() const { return m_history; }
 
+    /// What the buttons do, with shortcuts, for a menu.
+    const QList<QAction*>& menuActions() const { return m_actions; }
+
     /// False, with sError set, when the file cannot be written.
     bool saveHistory(const QString& sFileName, QString& sError) const;
 
@@ -48,6 +52,10 @@ public slots:
     void restart();
     void copy();
 
+signals:
+    /// A region is to be drawn, and the panel is not in sight.
+    void sightWanted();
+
 protected:
     void showEvent(QShowEvent* pEvent) override;
     void hideEvent(QHideEvent* pEvent) override;
@@ -56,6 +64,8 @@ private:
     void createControls();
     QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
                                  int iDecimals);
+    void createActions();
+    void allowMeasuring(bool bOn, const QString& sWhy);
     void follow();
     void release();
     CkImageView* sourceFor(CkMdiView* pView) const;
@@ -70,6 +80,8 @@ private:
     QPushButton* m_pRestart = nullptr;
     QPushButton* m_pCopy = nullptr;
     QPushButton* m_pSave = nullptr;
+    QAction* m_pDrawAction = nullptr;
+    QList<QAction*> m_actions;
     QLabel* m_pWhere = nullptr;
     QList<QLabel*> m_numbers;
     QComboBox* m_pQuantity = nullptr;

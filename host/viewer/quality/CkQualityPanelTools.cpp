@@ -1,22 +1,24 @@
 // The quality panel's controls, and what leaves it.
 
 #include "area/CkViewArea.h"
+#include "files/SaveFileName.h"
 #include "image/CkImageView.h"
 #include "quality/CkQualityPanel.h"
 #include "quality/CkQualityPlot.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QAction>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -110,6 +112,41 @@ void CkQualityPanel::createControls() {
     lens->addRow(tr("Cell size"), m_pCellSize);
     lens->addRow(tr("Confidence limit"), m_pConfidence);
     layout->addLayout(lens);
+    createActions();
+}
+
+void CkQualityPanel::createActions() {
+    const auto add = [this](const QString& sText, const char* name, const QKeySequence& key) {
+        auto* action = new QAction(sText, this);
+        action->setObjectName(QLatin1String(name));
+        action->setShortcut(key);
+        m_actions.append(action);
+        return action;
+    };
+    m_pDrawAction = add(tr("&Draw Region"), "actQualityDraw", Qt::CTRL | Qt::Key_M);
+    m_pDrawAction->setCheckable(true);
+    connect(m_pDraw, &QToolButton::toggled, m_pDrawAction, &QAction::setChecked);
+    connect(m_pDrawAction, &QAction::triggered, this, [this](bool bOn) {
+        if (bOn && !(isVisible() && m_bInSight)) {
+            emit sightWanted();
+        }
+        m_pDraw->setChecked(bOn);
+    });
+    connect(add(tr("R&estart Measurement"), "actQualityRestart", Qt::CTRL | Qt::SHIFT | Qt::Key_N),
+            &QAction::triggered, this, &CkQualityPanel::restart);
+    connect(add(tr("&Copy Values"), "actQualityCopy", Qt::CTRL | Qt::SHIFT | Qt::Key_C), &QAction::triggered,
+            this, &CkQualityPanel::copy);
+    connect(add(tr("Save &Values..."), "actQualitySave", Qt::CTRL | Qt::SHIFT | Qt::Key_S),
+            &QAction::triggered, this, &CkQualityPanel::saveWithDialog);
+}
+
+void CkQualityPanel::allowMeasuring(bool bOn, const QString& sWhy) {
+    for (QAction* action : m_actions) {
+        if (action != m_pDrawAction) {
+            action->setEnabled(bOn);
+            action->setToolTip(bOn ? QString() : sWhy);
+        }
+    }
 }
 
 void CkQualityPanel::updateControls() {
@@ -143,6 +180,12 @@ void CkQualityPanel::updateControls() {
     enable(m_pRestart, measures, tr("Forget the frames so far"), nothing);
     enable(m_pCopy, measures, tr("Copy the values to the clipboard"), nothing);
     enable(m_pSave, measures, tr("Save the values of the last frames to a file"), nothing);
+    const bool drawable = sourceFor(m_pArea->activeView()) != nullptr;
+    m_pDrawAction->setEnabled(drawable);
+    m_pDrawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
+                                       : nothing);
+    const bool seen = isVisible() && m_bInSight;
+    allowMeasuring(measures, seen ? nothing : tr("The panel Quality is not in sight"));
     const CkImageData* const frame = m_source ? m_source->currentImage() : nullptr;
     const bool told = frame != nullptr && frame->metadata().lensFocalLength > 0.0F;
     enable(m_pFocalLength, !told, tr("Of the lens; the plane is fitted in space"),
@@ -158,13 +201,13 @@ void CkQualityPanel::copy() {
 void CkQualityPanel::saveWithDialog() {
     IkAppDelegate* delegate = IkAppDelegate::instance();
     const QString folder = delegate != nullptr ? delegate->lastDirectory() : QString();
-    QString name =
-        QFileDialog::getSaveFileName(this, tr("Save Values"), folder, tr("Comma separated values (*.csv)"));
-    if (name.isEmpty()) {
+    int form = 0;
+    const QPointer<CkQualityPanel> self(this);
+    const QString name =
+        askSaveFileName(this, tr("Save Values"), folder,
+                        {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}, form);
+    if (!self || name.isEmpty()) {
         return;
-    }
-    if (QFileInfo(name).suffix().isEmpty()) {
-        name += QStringLiteral(".csv");
     }
     QString error;
     if (!saveHistory(name, error)) {

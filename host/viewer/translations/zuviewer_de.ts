@@ -1304,6 +1304,14 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>Quality</source>
         <translation>Qualität</translation>
     </message>
+    <message>
+        <source>Chain files (*.zuchain)</source>
+        <translation>Kettendateien (*.zuchain)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
 </context>
 <context>
     <name>CkParamEditor</name>
@@ -1753,6 +1761,26 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     <message>
         <source>Comma separated values (*.csv)</source>
         <translation>Durch Kommas getrennte Werte (*.csv)</translation>
+    </message>
+    <message>
+        <source>The panel Quality is not in sight</source>
+        <translation>Das Feld „Qualität“ ist nicht zu sehen</translation>
+    </message>
+    <message>
+        <source>&amp;Draw Region</source>
+        <translation>Region &amp;zeichnen</translation>
+    </message>
+    <message>
+        <source>R&amp;estart Measurement</source>
+        <translation>&amp;Messung neu beginnen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Values</source>
+        <translation>W&amp;erte kopieren</translation>
+    </message>
+    <message>
+        <source>Save &amp;Values...</source>
+        <translation>Werte s&amp;ichern...</translation>
     </message>
 </context>
 <context>

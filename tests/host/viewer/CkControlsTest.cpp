@@ -1,10 +1,15 @@
 #include "ViewerControls.h"
 #include "app/CkShortcutsDialog.h"
+#include "quality/CkQualityPanel.h"
 #include "zuCore/CkImageData.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QDockWidget>
+#include <QGuiApplication>
 #include <QSet>
 #include <QShortcut>
+#include <QToolButton>
 #include <QTreeWidget>
 
 // Every control of the window: reached by a key, and never disabled without a reason.
@@ -146,6 +151,59 @@ TEST_F(Controls, PictureMenuWorksOnTheActiveView) {
     EXPECT_EQ(view->channel(), 0);
     trigger("&Previous Channel");
     EXPECT_EQ(view->channel(), 1);
+}
+
+TEST_F(Controls, KeysOfPanelsBringThemToTheFrontFirst) {
+    ASSERT_TRUE(start());
+    const auto find = [this](const char* name) {
+        auto* action = window()->findChild<QAction*>(name);
+        EXPECT_NE(action, nullptr) << name;
+        return action;
+    };
+    QAction* colours = find("act_dockColours");
+    QAction* quality = find("act_dockQuality");
+    const auto* panel = window()->findChild<QDockWidget*>("dockQuality");
+    const auto inFront = [](const QDockWidget* dock) { return !dock->visibleRegion().isEmpty(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return colours->isChecked(); }, 30'000));
+    ASSERT_FALSE(inFront(panel));
+    EXPECT_FALSE(quality->isChecked());
+    // It stands behind the tab of the colours.
+    quality->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return inFront(panel); }, 30'000));
+    EXPECT_TRUE(quality->isChecked());
+    EXPECT_FALSE(colours->isChecked());
+    EXPECT_FALSE(window()->findChild<QDockWidget*>("dockColours")->isHidden());
+    quality->trigger();
+    EXPECT_TRUE(panel->isHidden());
+    EXPECT_FALSE(quality->isChecked());
+    quality->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return inFront(panel); }, 30'000));
+}
+
+TEST_F(Controls, TheQualityPanelIsWorkedFromTheMenu) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    auto* draw = window()->findChild<QAction*>("actQualityDraw");
+    auto* copy = window()->findChild<QAction*>("actQualityCopy");
+    auto* restart = window()->findChild<QAction*>("actQualityRestart");
+    const auto* panel = window()->findChild<CkQualityPanel*>();
+    ASSERT_TRUE(draw != nullptr && copy != nullptr && restart != nullptr && panel != nullptr);
+    EXPECT_FALSE(copy->isEnabled());
+    EXPECT_EQ(copy->toolTip(), "The panel Quality is not in sight");
+    ASSERT_TRUE(draw->isEnabled()) << qPrintable(draw->toolTip());
+    draw->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panel->measuredView() == firstView(); }, 30'000));
+    EXPECT_TRUE(panel->findChild<QToolButton*>("qualityDraw")->isChecked());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return copy->isEnabled() && panel->values().frames >= 3; }, 30'000));
+    copy->trigger();
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().startsWith("Mean\t"));
+    desk()->stop(CkCameraManager::instance()->openedCameras().first());
+    restart->trigger();
+    EXPECT_TRUE(panel->history().values().empty());
+    EXPECT_FALSE(copy->isEnabled());
+    draw->trigger();
+    EXPECT_FALSE(panel->findChild<QToolButton*>("qualityDraw")->isChecked());
 }
 
 } // namespace
