@@ -1768,7 +1768,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>&amp;Draw Region</source>
-        <translation>Region &amp;zeichnen</translation>
+        <translation>Bereich Region &amp;zeichnenamp;zeichnen</translation>
     </message>
     <message>
         <source>R&amp;estart Measurement</source>
