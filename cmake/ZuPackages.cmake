@@ -7,7 +7,7 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zutof)
 set(CPACK_PACKAGE_VENDOR "Orvane")
-set(CPACK_PACKAGE_CONTACT "Orvane <zutof@orvane.example>")
+set(CPACK_PACKAGE_CONTACT "Seed ca382588 maintainers <maintainers@users.noreply.c-seed-ca382588.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # would stand in front of each package's own
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
