@@ -109,7 +109,7 @@ fi
 if wants recording; then
     settings
     "$build_dir/bin/tof" record --camera wave --frames 40 --compress "$work/room.tif"
-    start --size 1700x860 --trigger menuOpenToF3dView --trigger actPlaybackPlay "$work/room.tif"
+    start --size 1700x860 --trigger menuOpenToF3dView --trigger actPlaybackLoop --trigger actPlaybackPlay "$work/room.tif"
     window "^zuviewer"
     grab recording
 fi
@@ -122,7 +122,6 @@ if wants quality; then
     xdotool mousemove 560 31 click 1
     sleep 2
     xdotool mousemove 487 247 mousedown 1 mousemove 500 255 mousemove 519 272 mouseup 1
-    xdotool mousemove 1243 823 click 1
     sleep 12
     grab quality
 fi

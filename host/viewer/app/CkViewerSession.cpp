@@ -21,6 +21,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QCoreApplication>
+#include <QDockWidget>
 #include <QMenu>
 #include <QTimer>
 
@@ -228,6 +229,14 @@ bool CkViewerSession::trigger(const QString& sObjectName) {
             return true;
         }
         if (auto* button = root->findChild<QAbstractButton*>(sObjectName)) {
+            // A button in a panel behind another tab could not be clicked by a person before it was in front.
+            for (QWidget* parent = button->parentWidget(); parent != nullptr;
+                 parent = parent->parentWidget()) {
+                if (auto* const dock = qobject_cast<QDockWidget*>(parent)) {
+                    dock->show();
+                    dock->raise();
+                }
+            }
             button->click();
             return true;
         }

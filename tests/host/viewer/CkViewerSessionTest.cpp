@@ -9,10 +9,12 @@
 #include "camera/CkCameraPanel.h"
 #include "image/CkImageCanvas.h"
 #include "lut/CkLutPanel.h"
+#include "quality/CkRegionOverlay.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
@@ -195,6 +197,24 @@ TEST_F(ViewerSession, UnpluggingARunningCameraClearsPanelViewsAndChains) {
     desk()->unplugCamera(grey);
     EXPECT_TRUE(area()->views().isEmpty());
     EXPECT_EQ(area()->activeViewId(), -1);
+}
+
+TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
+    m_options.cameras = QStringList{"2"};
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    auto* const draw = window()->findChild<QAbstractButton*>("qualityDraw");
+    ASSERT_NE(draw, nullptr);
+    EXPECT_TRUE(draw->visibleRegion().isEmpty());
+    EXPECT_EQ(firstView()->findChild<CkRegionOverlay*>(), nullptr);
+
+    m_session.reset();
+    m_options.triggers = QStringList{"qualityDraw"};
+    ASSERT_TRUE(start());
+    auto* const clicked = window()->findChild<QAbstractButton*>("qualityDraw");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return clicked->isChecked(); }, 30'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !clicked->visibleRegion().isEmpty(); }, 30'000));
+    EXPECT_NE(firstView()->findChild<CkRegionOverlay*>(), nullptr);
 }
 
 TEST_F(ViewerSession, ClosingTheLastViewOfAChainClosesTheChain) {
