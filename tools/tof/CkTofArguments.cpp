@@ -58,11 +58,13 @@ bool CkTofArguments::readNumber(const QString& sName, double fMinimum, double& f
     bool ok = false;
     const double number = QLocale::c().toDouble(value(sName), &ok);
     if (!ok || !std::isfinite(number) || number < fMinimum) {
+        // The smallest float stands for "more than 0" and tells nobody anything.
+        const QString least = !std::isfinite(fMinimum) ? QString()
+                              : fMinimum > 0.0 && fMinimum < 1e-30
+                                  ? QStringLiteral(" above 0")
+                                  : QStringLiteral(" of at least %1").arg(fMinimum);
         CkTofConsole::error(
-            QStringLiteral("--%1 wants a number%2, not \"%3\".")
-                .arg(sName,
-                     std::isfinite(fMinimum) ? QStringLiteral(" of at least %1").arg(fMinimum) : QString(),
-                     value(sName)));
+            QStringLiteral("--%1 wants a number%2, not \"%3\".").arg(sName, least, value(sName)));
         return false;
     }
     fValue = number;

@@ -278,6 +278,7 @@ int tofCloud(const QStringList& arguments) {
     const std::vector<quint8> colours(size_t(256) * 4, 255);
     bool writes = true;
     qint64 number = 0;
+    qint64 empty = 0;
     {
         CkTofConsole::CkProgress progress(QStringLiteral("Clouds"));
         inOrder(
@@ -291,6 +292,7 @@ int tofCloud(const QStringList& arguments) {
                     const QString name = wanted >= 0 ? options.argument(1) : numbered(options.argument(1), i);
                     writes = writes && !input.isInput(name) && writeFile(name, text);
                     ++number;
+                    empty += text.contains("\nelement vertex 0\n") ? 1 : 0;
                 }
                 progress.show(i + 1, qint64(groups.size()));
                 return writes;
@@ -302,6 +304,14 @@ int tofCloud(const QStringList& arguments) {
     if (number == 0) {
         CkTofConsole::error(QStringLiteral("No cloud came out; nothing was written."));
         return TofNotApplicable;
+    }
+    if (empty > 0) {
+        CkTofConsole::error(
+            QStringLiteral("%1 of %2 clouds have no points: the confidence of every pixel is above "
+                           "%3 or it holds no distance.")
+                .arg(empty)
+                .arg(number)
+                .arg(double(cloud.path.confidenceThreshold)));
     }
     return input.exitCode();
 }

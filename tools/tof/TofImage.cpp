@@ -225,6 +225,11 @@ int tofImage(const QStringList& arguments) {
         (options.has(QStringLiteral("map")) && !readMap(options.value(QStringLiteral("map")), image.map))) {
         return TofUsage;
     }
+    if (image.ranged && !(image.low < image.high)) {
+        CkTofConsole::error(QStringLiteral("--range wants the lower value first, not \"%1\".")
+                                .arg(options.value(QStringLiteral("range"))));
+        return TofUsage;
+    }
     CkTofInput input;
     if (!input.open(options.argument(0))) {
         return TofInput;

@@ -88,6 +88,9 @@ void printText(const CkRecordingReader& reader, CkTofInput& input) {
     if (metadata.modulationFrequency > 0) {
         line("Modulation:", QStringLiteral("%1 MHz").arg(double(metadata.modulationFrequency)));
     }
+    if (metadata.hybridPulseDuration > 0) {
+        line("Pulse:", QStringLiteral("%1 ns").arg(double(metadata.hybridPulseDuration) * 1e9, 0, 'g', 6));
+    }
     if (metadata.phasesCount > 0) {
         line("Phases:", QStringLiteral("%1 in a picture").arg(metadata.phasesCount));
     }

@@ -18,6 +18,24 @@
 
 namespace {
 
+bool isNumber(const CkCameraParam::SkDescription& about) {
+    return about.kind == CkCameraParam::EkKind::Integer || about.kind == CkCameraParam::EkKind::Float;
+}
+
+/// What a parameter can be set to: ", 1 to 60" or ": 0 Room, 1 Flat wall".
+QString choices(const CkCameraParam::SkDescription& about) {
+    QStringList entries;
+    for (const CkCameraParam::SkEnumEntry& entry : about.entries) {
+        entries.append(QStringLiteral("%1 %2").arg(entry.value).arg(entry.text));
+    }
+    if (!entries.isEmpty()) {
+        return QStringLiteral(": ") + entries.join(QStringLiteral(", "));
+    }
+    return isNumber(about) && about.minimum < about.maximum
+               ? QStringLiteral(", %1 to %2").arg(about.minimum).arg(about.maximum)
+               : QString();
+}
+
 void listCameras() {
     CkCameraManager& manager = *CkCameraManager::instance();
     for (const SkCameraInfo& camera : manager.availableCameras()) {
@@ -29,8 +47,9 @@ void listCameras() {
         }
         for (const CkCameraParam* param : parameters->params()) {
             const CkCameraParam::SkDescription& about = param->description();
-            CkTofConsole::print(QStringLiteral("    %1=%2 %3  %4")
-                                    .arg(about.name, about.value.toString(), about.unit, about.displayName));
+            CkTofConsole::print(
+                QStringLiteral("    %1=%2 %3  %4%5")
+                    .arg(about.name, about.value.toString(), about.unit, about.displayName, choices(about)));
         }
         manager.closeCamera(handle);
     }
@@ -50,10 +69,20 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
             return false;
         }
         bool number = false;
-        text.toDouble(&number);
+        const double wanted = text.toDouble(&number);
         const bool flag = text == QLatin1String("true") || text == QLatin1String("false");
         if ((!number && !flag) || !param->setParamValue(CkValue(text))) {
             CkTofConsole::error(QStringLiteral("\"%1\" is no value for %2.").arg(text, name));
+            return false;
+        }
+        // The parameter itself takes the nearest value; a recording would not be what was asked for.
+        const CkCameraParam::SkDescription& about = param->description();
+        if (number && isNumber(about) && about.minimum < about.maximum &&
+            !(wanted >= about.minimum && wanted <= about.maximum)) {
+            CkTofConsole::error(QStringLiteral("%1 takes %2 to %3 %4, not %5.")
+                                    .arg(name, QString::number(about.minimum), QString::number(about.maximum),
+                                         about.unit, text)
+                                    .replace(QLatin1String(" ,"), QLatin1String(",")));
             return false;
         }
         parameters.addParamCommitToBatch(param);

@@ -134,3 +134,16 @@ TEST_F(TofCloudTest, RawPicturesGiveCloudsStackedOrSeparate) {
     EXPECT_GT(points("stacked-00000.ply").size(), 100'000U);
     EXPECT_EQ(contents("separate-00000.ply"), contents("stacked-00000.ply"));
 }
+
+TEST_F(TofCloudTest, CloudWithoutPointsIsWrittenAndTold) {
+    recordFloats("a.tif", {{1, 0.5F, 3, 0.5F}}, phaseShift(), 2);
+    const SkRun kept = tof("cloud --frame 0 --confidence 0.6 a.tif a.ply");
+    EXPECT_EQ(kept.code, 0);
+    EXPECT_TRUE(kept.err.isEmpty()) << qPrintable(kept.err);
+    EXPECT_EQ(points("a.ply").size(), 2U);
+    const SkRun dropped = tof("cloud --frame 0 --confidence 0.25 a.tif a.ply");
+    EXPECT_EQ(dropped.code, 0);
+    EXPECT_TRUE(dropped.err.contains(QLatin1String("1 of 1 clouds have no points")))
+        << qPrintable(dropped.err);
+    EXPECT_TRUE(points("a.ply").empty());
+}

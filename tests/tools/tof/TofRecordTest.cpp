@@ -50,7 +50,17 @@ TEST_F(TofRecordTest, CompressionKeepsEverySample) {
 TEST_F(TofRecordTest, ListsCamerasAndParameters) {
     const SkRun run = tof("record --list");
     EXPECT_EQ(run.code, 0);
-    for (const char* word : {"sim:wave", "sim:hybrid", "sim:grey", "tof_phases=4", "framerate=30"}) {
+    for (const char* word :
+         {"sim:wave", "sim:hybrid", "sim:grey", "tof_phases=4", "framerate=30",
+          "1000 us  Exposure, 1 to 20000", "Scene: 0 Room with moving sphere, 1 Flat wall"}) {
         EXPECT_TRUE(run.out.contains(QLatin1String(word))) << word;
     }
+}
+
+TEST_F(TofRecordTest, PulseOfAHybridCameraIsInTheSummary) {
+    ASSERT_EQ(tof("record --camera hybrid --frames 1 --set hybrid_pulse_duration=25 a.tif").code, 0);
+    const SkRun run = tof("info a.tif");
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.out.contains(QLatin1String("\nPulse:        25 ns\n"))) << qPrintable(run.out);
+    EXPECT_FALSE(run.out.contains(QLatin1String("Modulation:")));
 }

@@ -74,7 +74,11 @@ TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
                              "cloud --settings-file none.ini a.tif b.ply",
                              "image --map Dance a.tif b.png",
                              "image --format jpeg a.tif b.png",
+                             "record --set exposure=99999999 b.tif",
+                             "record --set sim_wall_distance=-1 b.tif",
                              "image --range 1 a.tif b.png",
+                             "image --range 5,1 a.tif b.png",
+                             "image --range 2,2 a.tif b.png",
                              "image --channel x a.tif b.png"}) {
         const SkRun run = tof(line);
         EXPECT_EQ(run.code, 2) << line;
@@ -82,6 +86,20 @@ TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
         EXPECT_TRUE(run.out.isEmpty()) << line;
     }
     EXPECT_FALSE(QFile::exists(path("b.tif")));
+}
+
+TEST_F(TofUsageTest, WrongValuesAreToldTheRange) {
+    recordFloats("a.tif", {{1, 2}}, {});
+    EXPECT_EQ(tof("record --set exposure=99999999 b.tif").err,
+              QStringLiteral("tof: exposure takes 1 to 20000 us, not 99999999.\n"));
+    EXPECT_EQ(tof("record --set sim_seed=-1 b.tif").err.section(QLatin1Char(' '), 0, 2),
+              QStringLiteral("tof: sim_seed takes"));
+    EXPECT_EQ(tof("cloud --focal-length 0 a.tif b.ply").err,
+              QStringLiteral("tof: --focal-length wants a number above 0, not \"0\".\n"));
+    EXPECT_EQ(tof("cloud --max-width 0 a.tif b.ply").err,
+              QStringLiteral("tof: --max-width wants a whole number of at least 1, not \"0\".\n"));
+    EXPECT_EQ(tof("image --range 5,1 a.tif b.png").err,
+              QStringLiteral("tof: --range wants the lower value first, not \"5,1\".\n"));
 }
 
 TEST_F(TofUsageTest, InputsThatCannotBeReadAreCode3) {
