@@ -16,10 +16,11 @@
 #include <thread>
 #include <unistd.h>
 
-// Freed memory that the sanitizer keeps aside would look like growth.
+// Freed memory that the sanitizer keeps aside, or gives back to the system only later, would look like
+// growth.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
-    return "quarantine_size_mb=16";
+    return "quarantine_size_mb=16:allocator_release_to_os_interval_ms=100";
 }
 
 namespace {
