@@ -196,8 +196,13 @@ TEST_F(Controls, TheQualityPanelIsWorkedFromTheMenu) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return panel->measuredView() == firstView(); }, 30'000));
     EXPECT_TRUE(panel->findChild<QToolButton*>("qualityDraw")->isChecked());
     ASSERT_TRUE(QTest::qWaitFor([&] { return copy->isEnabled() && panel->values().frames >= 3; }, 30'000));
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->setText("before");
+    // A Wayland compositor without a keyboard has no clipboard.
+    const bool bClipboard = clipboard->text() == "before";
+    EXPECT_TRUE(bClipboard || QGuiApplication::platformName() == "wayland");
     copy->trigger();
-    EXPECT_TRUE(QGuiApplication::clipboard()->text().startsWith("Mean\t"));
+    EXPECT_EQ(clipboard->text().startsWith("Mean\t"), bClipboard);
     desk()->stop(CkCameraManager::instance()->openedCameras().first());
     restart->trigger();
     EXPECT_TRUE(panel->history().values().empty());
