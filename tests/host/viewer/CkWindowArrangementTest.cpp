@@ -1,0 +1,100 @@
+#include "ViewerFixture.h"
+#include "app/CkRateGraph.h"
+
+#include <QAction>
+#include <QImage>
+#include <QMdiSubWindow>
+#include <QTest>
+
+// How views and window are arranged, and the graph in the status bar.
+
+namespace {
+
+class WindowArrangement : public ViewerFixture {
+protected:
+    QAction* byShortcut(const QKeySequence& key) const {
+        for (QAction* action : window()->findChildren<QAction*>()) {
+            if (action->shortcut() == key) {
+                return action;
+            }
+        }
+        return nullptr;
+    }
+};
+
+TEST_F(WindowArrangement, CascadeLaysViewsOverEachOtherAndTheyStaySo) {
+    m_options.cameras = QStringList{"sim:grey"};
+    ASSERT_TRUE(start());
+    void* camera = CkCameraManager::instance()->openedCameras().first();
+    desk()->openView(camera);
+    desk()->openView(camera);
+    QAction* cascade = byShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    ASSERT_NE(cascade, nullptr);
+    cascade->trigger();
+    EXPECT_FALSE(area()->arrangesItself());
+    // One more does not tile the others away.
+    desk()->openView(camera);
+    QCoreApplication::processEvents();
+    QList<QMdiSubWindow*> windows = area()->subWindowList(QMdiArea::CreationOrder);
+    ASSERT_EQ(windows.size(), 4);
+    windows.removeLast();
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        for (qsizetype j = i + 1; j < windows.size(); ++j) {
+            EXPECT_TRUE(windows[i]->geometry().intersects(windows[j]->geometry())) << i << " and " << j;
+            EXPECT_NE(windows[i]->pos(), windows[j]->pos()) << i << " and " << j;
+        }
+    }
+    // The other way round: tiled views share the area and do not touch each other.
+    QAction* tile = byShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+    ASSERT_NE(tile, nullptr);
+    tile->trigger();
+    EXPECT_FALSE(windows[0]->geometry().intersects(windows[1]->geometry()));
+    EXPECT_FALSE(windows[0]->geometry().intersects(windows[2]->geometry()));
+}
+
+TEST_F(WindowArrangement, FullScreenIsEnteredAndLeftByItsAction) {
+    ASSERT_TRUE(start());
+    QAction* full = byShortcut(Qt::Key_F11);
+    ASSERT_NE(full, nullptr);
+    ASSERT_FALSE(window()->isFullScreen());
+    full->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window()->isFullScreen(); }, 30'000));
+    EXPECT_TRUE(full->isChecked());
+    full->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window()->isFullScreen(); }, 30'000));
+    EXPECT_FALSE(full->isChecked());
+}
+
+// Pixels of a column that look like the colour, the frame aside.
+int pixelsLike(const QImage& picture, int column, bool (*matches)(const QColor&)) {
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        count += matches(picture.pixelColor(column, y)) ? 1 : 0;
+    }
+    return count;
+}
+
+TEST(RateGraph, ABarIsAsHighAsItsShareOfTheHighestSecond) {
+    CkRateGraph graph;
+    graph.resize(graph.sizeHint());
+    ASSERT_EQ(graph.height(), 18);
+    // 16 pixels stand for the 20 frames of the last second; its predecessor has a quarter of them.
+    graph.add(5.0, 0.0);
+    graph.add(15.0, 5.0);
+    QImage picture(graph.size(), QImage::Format_RGB32);
+    graph.render(&picture);
+    const auto blue = [](const QColor& c) { return c.blue() > 180 && c.red() < 100; };
+    const auto red = [](const QColor& c) { return c.red() > 180 && c.blue() < 100; };
+    const int newest = 1 + 2 * (CkRateGraph::kSeconds - 1);
+    // 16 * 15 / 20 = 12 and 16 * 5 / 20 = 4.
+    EXPECT_EQ(pixelsLike(picture, newest, blue), 12);
+    EXPECT_EQ(pixelsLike(picture, newest, red), 4);
+    EXPECT_EQ(pixelsLike(picture, newest - 2, blue), 4);
+    EXPECT_EQ(pixelsLike(picture, newest - 2, red), 0);
+    EXPECT_EQ(pixelsLike(picture, newest - 4, blue), 0);
+    graph.clear();
+    graph.render(&picture);
+    EXPECT_EQ(pixelsLike(picture, newest, blue), 0);
+}
+
+} // namespace
