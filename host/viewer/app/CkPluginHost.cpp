@@ -53,26 +53,30 @@ void CkPluginHost::load(const QString& sPath) {
     }
 }
 
-void CkPluginHost::notifyActiveView(int iViewId) {
+template <typename Call>
+void CkPluginHost::tellAll(Call call) {
     for (const CkPluginLoader::SkLoadedPlugin& loaded : m_loader.plugins()) {
-        loaded.plugin->activeViewChanged(iViewId);
+        try {
+            call(*loaded.plugin);
+        } catch (...) {
+            // Whatever it was, the other plug-ins and the viewer go on.
+            qCritical("%s threw an exception", qUtf8Printable(loaded.fileName));
+        }
     }
+}
+
+void CkPluginHost::notifyActiveView(int iViewId) {
+    tellAll([=](CkPlugin& plugin) { plugin.activeViewChanged(iViewId); });
 }
 
 void CkPluginHost::notifyViewAboutToClose(int iViewId) {
-    for (const CkPluginLoader::SkLoadedPlugin& loaded : m_loader.plugins()) {
-        loaded.plugin->viewAboutToClose(iViewId);
-    }
+    tellAll([=](CkPlugin& plugin) { plugin.viewAboutToClose(iViewId); });
 }
 
 void CkPluginHost::notifyNewImage(int iViewId, const CkImageData* pData) {
-    for (const CkPluginLoader::SkLoadedPlugin& loaded : m_loader.plugins()) {
-        loaded.plugin->viewGotNewImage(iViewId, pData);
-    }
+    tellAll([=](CkPlugin& plugin) { plugin.viewGotNewImage(iViewId, pData); });
 }
 
 void CkPluginHost::notifyNewCamera(void* pCameraHandle) {
-    for (const CkPluginLoader::SkLoadedPlugin& loaded : m_loader.plugins()) {
-        loaded.plugin->newCameraConnected(pCameraHandle);
-    }
+    tellAll([=](CkPlugin& plugin) { plugin.newCameraConnected(pCameraHandle); });
 }

@@ -31,6 +31,10 @@ public:
     void notifyNewCamera(void* pCameraHandle);
 
 private:
+    /// What a plug-in throws is logged and kept from the others.
+    template <typename Call>
+    void tellAll(Call call);
+
     CkPluginLoader m_loader;
     QStringList m_problems;
 };

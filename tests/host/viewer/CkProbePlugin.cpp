@@ -25,16 +25,26 @@ void CkProbePlugin::version(int& major, int& minor, int& patch) const {
     zuCoreVersion(major, minor, patch);
 }
 
+void CkProbePlugin::throwIfAsked(const char* call) {
+    if (property("throws").toBool()) {
+        m_calls.append(QStringLiteral("threw in ") + QLatin1String(call));
+        throw 7;
+    }
+}
+
 void CkProbePlugin::activeViewChanged(int viewId) {
+    throwIfAsked("activeViewChanged");
     m_calls.append(QStringLiteral("active %1").arg(viewId));
 }
 
 void CkProbePlugin::viewAboutToClose(int viewId) {
+    throwIfAsked("viewAboutToClose");
     const bool alive = IkAppDelegate::instance()->mdiView(viewId) != nullptr;
     m_calls.append(QStringLiteral("closing %1 %2").arg(viewId).arg(alive ? "alive" : "gone"));
 }
 
 void CkProbePlugin::viewGotNewImage(int viewId, const CkImageData* pData) {
+    throwIfAsked("viewGotNewImage");
     const QString call =
         QStringLiteral("image %1 %2x%3").arg(viewId).arg(pData->picBuf().width).arg(pData->picBuf().height);
     if (!m_calls.contains(call)) {
@@ -43,6 +53,7 @@ void CkProbePlugin::viewGotNewImage(int viewId, const CkImageData* pData) {
 }
 
 void CkProbePlugin::newCameraConnected(void* cameraHandle) {
+    throwIfAsked("newCameraConnected");
     auto* layout = new QHBoxLayout;
     auto* button = new QToolButton;
     button->setObjectName(QStringLiteral("probeButton"));

@@ -27,5 +27,8 @@ public:
     void newCameraConnected(void* cameraHandle) override;
 
 private:
+    /// While the property "throws" is true.
+    void throwIfAsked(const char* call);
+
     QStringList m_calls;
 };

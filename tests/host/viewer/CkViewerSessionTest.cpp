@@ -134,6 +134,24 @@ TEST_F(ViewerSession, PluginIsToldOfEverythingInOrder) {
     EXPECT_EQ(IkAppDelegate::instance()->mdiView(id), nullptr);
 }
 
+TEST_F(ViewerSession, APluginThatThrowsTakesNothingDown) {
+    m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
+    ASSERT_TRUE(start());
+    ASSERT_FALSE(m_session->plugins()->plugins().isEmpty());
+    QObject* probe = m_session->plugins()->plugins().last().object;
+    probe->setProperty("throws", true);
+    void* camera = openGrey();
+    const int id = firstView()->viewId();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    EXPECT_TRUE(IkAppDelegate::instance()->closeView(id));
+    const QStringList calls = probe->property("calls").toStringList();
+    for (const char* call :
+         {"newCameraConnected", "activeViewChanged", "viewGotNewImage", "viewAboutToClose"}) {
+        EXPECT_TRUE(calls.contains(QStringLiteral("threw in ") + QLatin1String(call))) << call;
+    }
+}
+
 TEST_F(ViewerSession, BrokenPluginsAreNamedAndTheRestStarts) {
     const QString folder = m_folder.filePath("plugins");
     ASSERT_TRUE(QDir().mkpath(folder));
