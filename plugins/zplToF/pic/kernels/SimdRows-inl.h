@@ -37,13 +37,13 @@ struct BlockRows {
     HWY_INLINE BlockRows from(size_t bytes) const { return {rows, offset + bytes}; }
 };
 
-/// Calls block(rows, result) for blocks of Block::kPixels pixels until the row is done.
+/// Calls walk(rows, result, last) for a row of at least one block of Block::kPixels pixels, of which the last
+/// may begin at any pixel.
 ///
-/// The last block is moved back so that it ends with the row: its first pixels are worked out twice, with
-/// the same values. A row shorter than one block is worked out in a copy whose unused pixels repeat the
-/// last one, so that minimum and maximum are those of the row.
-template <class Block>
-HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t pixels, Block& block) {
+/// A row shorter than one block is worked out in a copy whose unused pixels repeat the last one, so that
+/// minimum and maximum are those of the row.
+template <class Block, class Walk>
+HWY_INLINE void walkRow(const uint8_t* const* rows, uint8_t* result, size_t pixels, Walk walk) {
     constexpr size_t kPixels = Block::kPixels;
     constexpr size_t kRows = Block::kRows;
     constexpr size_t kSource = Block::kSourceBytes;
@@ -62,17 +62,45 @@ HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t
             at[row] = shortSource[row];
         }
     }
-    uint8_t* const target = isShort ? shortResult : result;
-    const size_t end = isShort ? kPixels : pixels;
-
-    // The inner loop runs twice when the last block has to be moved back.
-    const size_t last = end - kPixels;
-    for (size_t pixel = 0; pixel < end;) {
-        for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
-            block(BlockRows{at, pixel * kSource}, target + pixel * kResult);
-    }
+    walk(at, isShort ? shortResult : result, isShort ? 0 : pixels - kPixels);
     if (isShort && kResult > 0)
         std::memcpy(result, shortResult, pixels * kResult);
+}
+
+/// Calls block(rows, result) for blocks of Block::kPixels pixels until the row is done. The last block is
+/// moved back so that it ends with the row: its first pixels are worked out twice, with the same values.
+template <class Block>
+HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t pixels, Block& block) {
+    walkRow<Block>(
+        rows, result, pixels, [&block](const uint8_t* const* at, uint8_t* target, size_t last) HWY_ATTR {
+            constexpr size_t kPixels = Block::kPixels;
+            // The inner loop runs twice when the last block has to be moved back.
+            for (size_t pixel = 0; pixel < last + kPixels;) {
+                for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
+                    block(BlockRows{at, pixel * Block::kSourceBytes}, target + pixel * Block::kResultBytes);
+            }
+        });
+}
+
+/// The same in two steps: block.finish(block.begin(rows), result). A block is begun before the one ahead of
+/// it is finished, which hides the latency of a long chain of operations: the processor looks ahead less far
+/// than such a chain is long.
+template <class Block>
+HWY_INLINE void forEachBlockInTwoSteps(const uint8_t* const* rows, uint8_t* result, size_t pixels,
+                                       const Block& block) {
+    walkRow<Block>(rows, result, pixels,
+                   [&block](const uint8_t* const* at, uint8_t* target, size_t last) HWY_ATTR {
+                       size_t pixel = 0;
+                       auto begun = block.begin(BlockRows{at, 0});
+                       while (pixel < last) {
+                           const size_t next = std::min(pixel + Block::kPixels, last);
+                           const auto following = block.begin(BlockRows{at, next * Block::kSourceBytes});
+                           block.finish(begun, target + pixel * Block::kResultBytes);
+                           begun = following;
+                           pixel = next;
+                       }
+                       block.finish(begun, target + pixel * Block::kResultBytes);
+                   });
 }
 
 template <class D>
@@ -125,10 +153,10 @@ struct Taps16 {
     static HWY_INLINE VS16 magnitude(const uint8_t* bytes) { return loadBytes(DS16(), bytes); }
     /// Of samples of 15 bits at most.
     static HWY_INLINE V smallDifference(const uint8_t* bytes) {
-        V unused = hn::Zero(DI());
-        return hn::ReorderWidenMulAccumulate(DI(), loadBytes(DS16(), bytes),
-                                             hn::BitCast(DS16(), hn::Set(DU(), aMinusB)), hn::Zero(DI()),
-                                             unused);
+        return differenceOf(loadBytes(DS16(), bytes));
+    }
+    static HWY_INLINE V smallOpposed(const uint8_t* plus, const uint8_t* minus) {
+        return differenceOf(hn::Sub(loadBytes(DS16(), plus), loadBytes(DS16(), minus)));
     }
 
 private:
@@ -137,6 +165,11 @@ private:
     static constexpr uint32_t bMinusA = 0x0001FFFFU;
     static constexpr uint32_t aPlusB = 0x00010001U;
 
+    static HWY_INLINE V differenceOf(VS16 taps) {
+        V unused = hn::Zero(DI());
+        return hn::ReorderWidenMulAccumulate(DI(), taps, hn::BitCast(DS16(), hn::Set(DU(), aMinusB)),
+                                             hn::Zero(DI()), unused);
+    }
     static HWY_INLINE V add(V sum, const uint8_t* bytes, uint32_t factors) {
         const VS16 taps = hn::Xor(loadBytes(DS16(), bytes), hn::Set(DS16(), hwy::LimitsMin<int16_t>()));
         V unused = hn::Zero(DI());
@@ -173,12 +206,15 @@ struct Taps8 {
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
         return hn::Sub(difference(plus), difference(minus));
     }
+    /// 64 times the difference.
+    static HWY_INLINE V raisedDifference(const uint8_t* bytes) { return pairSums(bytes, raisedAMinusB); }
     static HWY_INLINE V emptySum(int) { return hn::Zero(DS16()); }
     static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return hn::Add(sum, pairSums(bytes, aPlusB)); }
 
 private:
     // Factors of B and A, high byte first.
     static constexpr int16_t aMinusB = -0x00FF;
+    static constexpr int16_t raisedAMinusB = -0x3FC0;
     static constexpr int16_t aPlusB = 0x0101;
 };
 
@@ -189,6 +225,9 @@ struct Differences16 {
 
     static HWY_INLINE VS16 magnitude(const uint8_t* bytes) { return hn::Abs(loadBytes(DS16(), bytes)); }
     static HWY_INLINE V smallDifference(const uint8_t* bytes) { return difference(bytes); }
+    static HWY_INLINE V smallOpposed(const uint8_t* plus, const uint8_t* minus) {
+        return opposed(plus, minus);
+    }
 
     static HWY_INLINE V difference(const uint8_t* bytes) {
         return hn::PromoteTo(DI(), loadBytes(hn::Rebind<int16_t, DI>(), bytes));
@@ -209,6 +248,7 @@ struct Differences8 {
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
         return hn::Sub(difference(plus), difference(minus));
     }
+    static HWY_INLINE V raisedDifference(const uint8_t* bytes) { return hn::ShiftLeft<6>(difference(bytes)); }
 };
 
 #endif
