@@ -50,10 +50,14 @@ void windowRow(const quint8* source, quint8* result, size_t pixels, int) {
 }
 
 /// Windows of 32 bits, which are signed. The amplitude needs up to 34 bits: its low 32 come from sums that
-/// wrap, and bit 32 from their carry.
+/// wrap, and bit 32 from their carry. Wider vectors would need more shuffles a pixel to part the windows.
 template <typename R, bool wantAmplitude>
 struct WideWindowBlock {
-    static constexpr size_t kPixels = kFloats;
+    using D = TripleTag<int32_t>;
+    using UnsignedD = TripleTag<uint32_t>;
+    using V = hn::Vec<D>;
+    using UnsignedV = hn::Vec<UnsignedD>;
+    static constexpr size_t kPixels = hn::MaxLanes(D());
     static constexpr size_t kRows = 1;
     static constexpr size_t kSourceBytes = 12;
     static constexpr size_t kResultBytes = sizeof(R);
@@ -61,42 +65,42 @@ struct WideWindowBlock {
     int shift;
 
     HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
-        const DI di;
-        VI x1, x2, x3;
-        hn::LoadInterleaved3(di, reinterpret_cast<const int32_t*>(rows[0]), x1, x2, x3);
-        const VI low = hn::Min(x1, x3);
+        V x1, x2, x3;
+        hn::LoadInterleaved3(D(), reinterpret_cast<const int32_t*>(rows[0]), x1, x2, x3);
+        const V low = hn::Min(x1, x3);
         if constexpr (wantAmplitude)
             store(amplitude(low, x2, hn::Max(x1, x3)), result);
         else
             // More than 31 places leave nothing but the sign, as 31 do.
-            store(hn::BitCast(DU(), shift == 0 ? low : hn::ShiftRightSame(low, std::min(shift, 31))), result);
+            store(hn::BitCast(UnsignedD(), shift == 0 ? low : hn::ShiftRightSame(low, std::min(shift, 31))),
+                  result);
     }
 
 private:
-    HWY_INLINE VU amplitude(VI low, VI x2, VI high) const {
-        const DU d;
-        const VU span = hn::Sub(hn::BitCast(d, high), hn::BitCast(d, low));
-        const VU lack = hn::Sub(hn::BitCast(d, low), hn::BitCast(d, x2));
-        const auto lacking = hn::RebindMask(d, hn::Gt(low, x2));
-        const VU value = hn::Sub(span, lack);
-        const VU remaining = hn::IfThenZeroElse(hn::And(lacking, hn::Lt(span, lack)), value);
+    HWY_INLINE UnsignedV amplitude(V low, V x2, V high) const {
+        const UnsignedD d;
+        // What window 2 has above low, or lacks down to 0, of the span between the others.
+        const UnsignedV larger = hn::BitCast(d, hn::Max(x2, low));
+        const UnsignedV span = hn::Sub(hn::BitCast(d, high), hn::BitCast(d, low));
+        const UnsignedV rest = hn::Sub(span, hn::Min(span, hn::Sub(larger, hn::BitCast(d, x2))));
+        const UnsignedV remaining = hn::Add(rest, hn::Sub(larger, hn::BitCast(d, low)));
         if (shift == 0)
             return remaining;
-        const auto carried = hn::AndNot(lacking, hn::Lt(value, span));
-        const VU carry =
+        const auto carried = hn::Lt(remaining, rest);
+        const UnsignedV carry =
             hn::IfThenElseZero(carried, hn::Set(d, shift > 32 ? 0U : uint32_t(1ULL << (32 - shift))));
         return hn::Or(shift > 31 ? hn::Zero(d) : hn::ShiftRightSame(remaining, shift), carry);
     }
 
     /// The low bits of every lane.
-    static HWY_INLINE void store(VU values, uint8_t* result) {
+    static HWY_INLINE void store(UnsignedV values, uint8_t* result) {
         if constexpr (sizeof(R) == 4) {
-            storeBytes(DU(), values, result);
+            storeBytes(UnsignedD(), values, result);
         } else {
             // Demoting saturates, so what is cut off is cleared first.
-            const hn::Rebind<R, DI> narrow;
-            const VU kept = hn::And(values, hn::Set(DU(), uint32_t(hwy::LimitsMax<R>())));
-            storeBytes(narrow, hn::DemoteTo(narrow, hn::BitCast(DI(), kept)), result);
+            const hn::Rebind<R, D> narrow;
+            const UnsignedV kept = hn::And(values, hn::Set(UnsignedD(), uint32_t(hwy::LimitsMax<R>())));
+            storeBytes(narrow, hn::DemoteTo(narrow, hn::BitCast(D(), kept)), result);
         }
     }
 };

@@ -22,7 +22,6 @@ using DI = hn::ScalableTag<int32_t>;
 using DU = hn::ScalableTag<uint32_t>;
 using VF = hn::Vec<DF>;
 using VI = hn::Vec<DI>;
-using VU = hn::Vec<DU>;
 
 /// Pixels of a block of floats.
 constexpr size_t kFloats = hn::MaxLanes(DF());

@@ -142,19 +142,18 @@ HWY_INLINE TripleVec<T> usablePixels(const Triples<T>& samples, TripleVec<T> lar
 template <typename T, typename R>
 HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uint32_t sections,
                            TripleVec<T> largestUsable, uint8_t* result, Used<T, R>& used) {
+    const TripleTag<T> d;
     const auto last = Triples<T>::load(firstSection + (sections - 1) * sectionBytes);
-    const auto lastUsable = usablePixels<T>(last, largestUsable);
-    if (hn::AllTrue(TripleTag<T>(), hn::MaskFromVec(lastUsable)))
-        return MergedBlock<T, R>(last, 0).store(result, used);
-
-    // The more sensitive sections overwrite what the others left: where pixels differ from their neighbours,
-    // a mispredicted branch costs more than the loads it may save.
-    MergedBlock<T, R> merged(Triples<T>::load(firstSection), sections - 1);
-    for (uint32_t section = 1; section < sections - 1; ++section) {
-        const auto samples = Triples<T>::load(firstSection + section * sectionBytes);
-        merged.take(usablePixels<T>(samples, largestUsable), samples, sections - 1 - section);
+    auto decided = usablePixels<T>(last, largestUsable);
+    MergedBlock<T, R> merged(last, 0);
+    for (uint32_t section = sections - 1; section > 0; --section) {
+        if (hn::AllTrue(d, hn::MaskFromVec(decided)))
+            break;
+        const auto samples = Triples<T>::load(firstSection + (section - 1) * sectionBytes);
+        merged.take(hn::Not(decided), samples, sections - section);
+        if (section > 1)
+            decided = hn::Or(decided, usablePixels<T>(samples, largestUsable));
     }
-    merged.take(lastUsable, last, 0);
     merged.store(result, used);
 }
 
