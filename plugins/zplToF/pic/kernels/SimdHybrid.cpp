@@ -147,8 +147,15 @@ struct HybridDepthBlock {
 
     double range;
 
-    HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
-        const DF df;
+    struct Begun {
+        VI first;
+        VI second;
+        VI ambient;
+        VI far;   ///< 0 or 1
+        VI valid; ///< all bits or none
+    };
+
+    HWY_INLINE Begun begin(BlockRows rows) const {
         const DI di;
         const hn::Rebind<T, DF> dt;
         hn::Vec<hn::Rebind<T, DF>> x1, x2, x3;
@@ -172,14 +179,20 @@ struct HybridDepthBlock {
         const auto measurable =
             hn::And(hn::And(hn::Gt(reflected, hn::Zero(di)), hn::Gt(hn::Min(first, second), hn::Zero(di))),
                     hn::Gt(aboveAmbient, hn::Set(di, -1)));
-        const auto valid = hn::RebindMask(df, hn::AndNot(undecided, measurable));
+        return {first, second, ambient, hn::IfThenZeroElse(near, hn::Set(di, 1)),
+                hn::VecFromMask(di, hn::AndNot(undecided, measurable))};
+    }
 
+    HWY_INLINE void finish(const Begun& begun, uint8_t* result) const {
+        const DF df;
         const hn::Half<DI> dh;
-        const VI far = hn::IfThenZeroElse(near, hn::Set(di, 1));
-        const Quotients low = quotients(hn::LowerHalf(dh, first), hn::LowerHalf(dh, second),
-                                        hn::LowerHalf(dh, ambient), hn::LowerHalf(dh, far), range);
-        const Quotients high = quotients(hn::UpperHalf(dh, first), hn::UpperHalf(dh, second),
-                                         hn::UpperHalf(dh, ambient), hn::UpperHalf(dh, far), range);
+        const Quotients low =
+            quotients(hn::LowerHalf(dh, begun.first), hn::LowerHalf(dh, begun.second),
+                      hn::LowerHalf(dh, begun.ambient), hn::LowerHalf(dh, begun.far), range);
+        const Quotients high =
+            quotients(hn::UpperHalf(dh, begun.first), hn::UpperHalf(dh, begun.second),
+                      hn::UpperHalf(dh, begun.ambient), hn::UpperHalf(dh, begun.far), range);
+        const auto valid = hn::RebindMask(df, hn::MaskFromVec(begun.valid));
         const VF depth = hn::IfThenElseZero(valid, hn::Combine(df, high.depth, low.depth));
         const VF confidence = hn::IfThenElseZero(valid, hn::Combine(df, high.confidence, low.confidence));
         hn::StoreInterleaved2(depth, confidence, df, reinterpret_cast<float*>(result));
@@ -188,8 +201,7 @@ struct HybridDepthBlock {
 
 template <typename T>
 void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double range) {
-    HybridDepthBlock<T> block{range};
-    forEachBlock(&source, result, pixels, block);
+    forEachBlockInTwoSteps(&source, result, pixels, HybridDepthBlock<T>{range});
 }
 
 /// Windows of 32 bits, which are signed. Doubles hold them and their sums exactly, and round a product once,
