@@ -51,7 +51,7 @@ double meanWaveError(const SkFrame& frame, const CkSimRaster& raster, double mod
             };
             const double phase = std::atan2(difference(1) - difference(3), difference(0) - difference(2));
             double error = phase / (2.0 * std::numbers::pi) * range -
-                           double(raster.distance()[size_t(row * columns + column)]);
+                           double(raster.distance()[size_t(row) * size_t(columns) + size_t(column)]);
             error -= range * std::round(error / range);
             sum += error;
         }

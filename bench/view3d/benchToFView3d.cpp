@@ -138,7 +138,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::vector<std::unique_ptr<CkImageData>> frames;
-    for (int i = 0; i < 8; ++i) {
+    constexpr int count = 8;
+    frames.reserve(count);
+    for (int i = 0; i < count; ++i) {
         frames.push_back(waves(i));
     }
     view.resize(800, 600);
