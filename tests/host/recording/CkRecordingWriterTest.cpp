@@ -1,7 +1,7 @@
+#include "FullDisk.h"
 #include "recordingFixture.h"
 
 #include <csignal>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <tiffio.h>
@@ -254,26 +254,18 @@ TEST_F(CkRecordingWriterTest, AKilledWriterLeavesEveryCompletedFrame) {
 }
 
 TEST_F(CkRecordingWriterTest, AFullDiskLeavesEveryCompletedFrame) {
-    // A limit on the size of files stands for the disk.
-    rlimit old = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
-    rlimit narrow = old;
-    narrow.rlim_cur = 100'000;
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
     CkRecordingWriter writer;
     qint64 written = 0;
-    const bool opened = writer.open(path("full.tif"), {});
-    while (opened && written < 1000 && writer.write(*picture(written, 60, 40), metadata(written))) {
-        ++written;
+    QString error;
+    {
+        const FullDisk disk(100'000);
+        ASSERT_TRUE(writer.open(path("full.tif"), {}));
+        while (written < 1000 && writer.write(*picture(written, 60, 40), metadata(written))) {
+            ++written;
+        }
+        error = writer.errorMessage();
+        EXPECT_TRUE(writer.close());
     }
-    const QString error = writer.errorMessage();
-    const bool closed = writer.close();
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-
-    ASSERT_TRUE(opened);
-    EXPECT_TRUE(closed);
     // 60 x 40 x 2 samples of 2 bytes: 9600 bytes and a text of less than 2000.
     EXPECT_GE(written, 100'000 / 11'600);
     EXPECT_LE(written, 100'000 / 9'600);

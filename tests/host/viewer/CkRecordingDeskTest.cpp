@@ -1,5 +1,5 @@
+#include "FullDisk.h"
 #include "RecordingViewFixture.h"
-
 #include "ViewerBlocks.h"
 #include "camera/CkCameraPanel.h"
 #include "chain/CkChainEditor.h"
@@ -16,8 +16,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QToolButton>
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -109,17 +107,12 @@ TEST_F(RecordingDesk, TheButtonOfTheCameraAsksForAFile) {
 }
 
 TEST_F(RecordingDesk, AFullDiskEndsTheRecordingAndNothingElse) {
-    rlimit old = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
-    rlimit narrow = old;
-    narrow.rlim_cur = 3'000'000;
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
-    CkRecordingJob* job = record(recordings()->sourceToRecord(), path("full.tif"));
-    const bool ended = waitUntilFinished(job);
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-    ASSERT_TRUE(ended);
+    const CkRecordingJob* job = nullptr;
+    {
+        const FullDisk disk(3'000'000);
+        job = record(recordings()->sourceToRecord(), path("full.tif"));
+        ASSERT_TRUE(waitUntilFinished(job));
+    }
 
     const CkRecorder::SkState state = job->counters();
     EXPECT_GE(state.dropped, 1);
