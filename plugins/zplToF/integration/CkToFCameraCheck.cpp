@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <tuple>
 
 namespace {
 
@@ -27,6 +28,11 @@ void summarise(const SkPicBufInfo& info, const CkImageMetadata& metadata, SkToFK
         CkToFPicAPI::isPhaseShiftImage(info, &metadata) || CkToFPicAPI::isDepthImage(info, &metadata);
     kinds.separatePhases = CkToFPicAPI::incomingSeparatePhases(&metadata);
     kinds.isHybrid = CkToFPicAPI::isRawToFHybridPic(info, &metadata);
+}
+
+/// In the order of the functions that take one by one.
+std::tuple<bool, bool, bool, bool, bool> flags(const SkToFKinds& kinds) {
+    return {kinds.isAB, kinds.isAminB, kinds.isPhaseShift, kinds.separatePhases, kinds.isHybrid};
 }
 
 /// Sets the parameter to fallback unless it has one of the accepted values; what was set joins the batch.
@@ -112,11 +118,7 @@ bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isA
                                          bool& separatePhases, bool& isHybrid) {
     SkToFKinds kinds;
     const bool known = imageFormatAtView(pView, kinds);
-    isAB = kinds.isAB;
-    isAminB = kinds.isAminB;
-    isPhaseShift = kinds.isPhaseShift;
-    separatePhases = kinds.separatePhases;
-    isHybrid = kinds.isHybrid;
+    std::tie(isAB, isAminB, isPhaseShift, separatePhases, isHybrid) = flags(kinds);
     return known;
 }
 
@@ -136,11 +138,7 @@ bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isA
                                       bool& separatePhases, bool& isHybrid) {
     SkToFKinds kinds;
     const bool known = checkToFFormat(pBlock, kinds);
-    isAB = kinds.isAB;
-    isAminB = kinds.isAminB;
-    isPhaseShift = kinds.isPhaseShift;
-    separatePhases = kinds.separatePhases;
-    isHybrid = kinds.isHybrid;
+    std::tie(isAB, isAminB, isPhaseShift, separatePhases, isHybrid) = flags(kinds);
     return known;
 }
 
