@@ -193,7 +193,7 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
     }
     if (info.dataType == EkImageDataType::Unknown || samples < 1 || samples > 4 ||
         photometric == PHOTOMETRIC_YCBCR) {
-        sReason = Texts::tr("Pages of %1 samples of %2 bits per pixel in this form are not supported.")
+        sReason = Texts::tr("Pages of %1 x %2 bits per pixel in this form are not supported.")
                       .arg(samples)
                       .arg(bits);
         return false;

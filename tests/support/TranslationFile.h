@@ -18,9 +18,12 @@ public:
         QString context;
         QString source;
         QString translation;
-        QString state; ///< of the translation: empty, or "unfinished", "vanished", "obsolete"
+        QStringList plurals; ///< singular, then plural, of a text with a number; empty for any other
+        bool counts = false; ///< a text with a number
+        QString state;       ///< of the translation: empty, or "unfinished", "vanished", "obsolete"
 
         std::string where() const { return (context + ": " + source).toStdString(); }
+        QStringList forms() const { return counts ? plurals : QStringList{translation}; }
     };
 
     explicit TranslationFile(const QString& sFile) : m_file(sFile), m_texts(textsOf(sFile)) {}
@@ -37,13 +40,14 @@ public:
     }
 
     /// Runs lupdate over the folders into a copy, which must then be the same as the file.
-    void expectInStepWith(const QStringList& folders, const QString& sLupdate) const {
+    void expectInStepWith(const QStringList& folders, const QString& sLupdate,
+                          const QStringList& options = {}) const {
         const QTemporaryDir folder;
         const QString copy = folder.filePath(QStringLiteral("copy_de.ts"));
         ASSERT_TRUE(QFile::copy(m_file, copy));
         QProcess lupdate;
         lupdate.setProcessChannelMode(QProcess::MergedChannels);
-        lupdate.start(sLupdate, folders + QStringList{"-locations", "none", "-ts", copy});
+        lupdate.start(sLupdate, folders + options + QStringList{"-locations", "none", "-ts", copy});
         ASSERT_TRUE(lupdate.waitForFinished(120000)) << lupdate.errorString().toStdString();
         const QString output = QString::fromLocal8Bit(lupdate.readAll());
         ASSERT_EQ(lupdate.exitCode(), 0) << output.toStdString();
@@ -63,7 +67,10 @@ public:
         EXPECT_FALSE(m_texts.isEmpty());
         for (const SkText& text : m_texts) {
             EXPECT_EQ(text.state.toStdString(), "") << text.where();
-            EXPECT_FALSE(text.translation.isEmpty()) << text.where();
+            EXPECT_EQ(text.forms().size(), text.counts ? 2 : 1) << text.where();
+            for (const QString& form : text.forms()) {
+                EXPECT_FALSE(form.isEmpty()) << text.where();
+            }
             const QString key = text.context + '\n' + text.source;
             EXPECT_FALSE(known.contains(key)) << text.where();
             known.insert(key, text.translation);
@@ -73,16 +80,16 @@ public:
     /// Places, line breaks, tags and ends are those of the sources.
     void expectSameShape() const {
         for (const SkText& text : m_texts) {
-            for (const char* pattern : {"%\\d", "\n", "<[^>]*>"}) {
-                EXPECT_EQ(sortedMatches(text.translation, pattern), sortedMatches(text.source, pattern))
-                    << text.where();
+            EXPECT_EQ(text.source.contains("%n"), text.counts) << text.where();
+            for (const QString& form : text.forms()) {
+                expectShape(form, text);
             }
-            for (const char* end : {":", ".", "...", " "}) {
-                EXPECT_EQ(text.translation.endsWith(QLatin1String(end)),
-                          text.source.endsWith(QLatin1String(end)))
-                    << text.where() << " ends with '" << end << "'";
+            if (text.counts) {
+                // A singular may do without its number ("last frame"), a plural may not.
+                EXPECT_EQ(text.forms().last().count("%n"), 1) << text.where();
+                // The hint in the source that there are two forms.
+                EXPECT_FALSE(text.translation.contains("(s)")) << text.where();
             }
-            EXPECT_EQ(text.translation.startsWith(' '), text.source.startsWith(' ')) << text.where();
         }
     }
 
@@ -94,6 +101,17 @@ public:
     }
 
 private:
+    static void expectShape(const QString& sForm, const SkText& text) {
+        for (const char* pattern : {"%\\d", "\n", "<[^>]*>"}) {
+            EXPECT_EQ(sortedMatches(sForm, pattern), sortedMatches(text.source, pattern)) << text.where();
+        }
+        for (const char* end : {":", ".", "...", " "}) {
+            EXPECT_EQ(sForm.endsWith(QLatin1String(end)), text.source.endsWith(QLatin1String(end)))
+                << text.where() << " ends with '" << end << "'";
+        }
+        EXPECT_EQ(sForm.startsWith(' '), text.source.startsWith(' ')) << text.where();
+    }
+
     static QList<SkText> textsOf(const QString& sFile) {
         QFile file(sFile);
         QDomDocument document;
@@ -110,8 +128,13 @@ private:
             for (QDomElement message = context.firstChildElement("message"); !message.isNull();
                  message = message.nextSiblingElement("message")) {
                 const QDomElement translation = message.firstChildElement("translation");
-                texts.append({name, message.firstChildElement("source").text(), translation.text(),
-                              translation.attribute("type")});
+                SkText text{name, message.firstChildElement("source").text(), translation.text(),
+                            {},   message.attribute("numerus") == "yes",      translation.attribute("type")};
+                for (QDomElement form = translation.firstChildElement("numerusform"); !form.isNull();
+                     form = form.nextSiblingElement("numerusform")) {
+                    text.plurals.append(form.text());
+                }
+                texts.append(text);
             }
         }
         return texts;

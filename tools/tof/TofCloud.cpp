@@ -307,10 +307,12 @@ int tofCloud(const QStringList& arguments) {
     }
     if (empty > 0) {
         CkTofConsole::error(
-            QStringLiteral("%1 of %2 clouds have no points: the confidence of every pixel is above "
-                           "%3 or it holds no distance.")
-                .arg(empty)
-                .arg(number)
+            (number == 1 ? QStringLiteral("The cloud has")
+                         : QStringLiteral("%1 of %2 clouds %3")
+                               .arg(empty)
+                               .arg(number)
+                               .arg(empty == 1 ? QLatin1String("has") : QLatin1String("have"))) +
+            QStringLiteral(" no points: the confidence of every pixel is above %1 or it holds no distance.")
                 .arg(double(cloud.path.confidenceThreshold)));
     }
     return input.exitCode();

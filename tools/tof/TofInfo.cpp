@@ -1,6 +1,7 @@
 #include "tof/CkTofArguments.h"
 #include "tof/CkTofInput.h"
 #include "tof/TofCommands.h"
+#include "tof/tofCount.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -66,7 +67,7 @@ void printText(const CkRecordingReader& reader, CkTofInput& input) {
         }
     };
     line("File:", reader.fileName());
-    line("Size:", QStringLiteral("%1 bytes").arg(reader.byteCount()));
+    line("Size:", tofCount(qint64(reader.byteCount()), "byte"));
     line("Frames:", QString::number(reader.frameCount()));
     line("Written by:", reader.recordingInfo().software);
     SkFrameDescription first;
@@ -77,12 +78,12 @@ void printText(const CkRecordingReader& reader, CkTofInput& input) {
     }
     const SkPicBufInfo& info = first.info;
     const CkImageMetadata& metadata = first.metadata;
-    line("Pictures:", QStringLiteral("%1 x %2, %3 channel(s), %4, %5 significant bits")
+    line("Pictures:", QStringLiteral("%1 x %2, %3, %4, %5")
                           .arg(info.width)
                           .arg(info.height)
-                          .arg(info.channels)
+                          .arg(tofCount(info.channels, "channel"))
                           .arg(typeName(info.dataType))
-                          .arg(info.bitsPerChannel));
+                          .arg(tofCount(info.bitsPerChannel, "significant bit")));
     line("Channels:", metadata.channelNames.join(QStringLiteral(", ")));
     line("Camera:", QStringLiteral("%1 %2").arg(metadata.cameraName, metadata.cameraSerial).trimmed());
     if (metadata.modulationFrequency > 0) {
@@ -95,10 +96,12 @@ void printText(const CkRecordingReader& reader, CkTofInput& input) {
         line("Phases:", QStringLiteral("%1 in a picture").arg(metadata.phasesCount));
     }
     if (metadata.phaseSequenceLength > 0) {
-        line("Sequence:", QStringLiteral("%1 pictures a set").arg(metadata.phaseSequenceLength));
+        line("Sequence:", tofCount(metadata.phaseSequenceLength, "picture") + QStringLiteral(" a set"));
     }
     if (metadata.frameRate > 0) {
-        line("Frame rate:", QStringLiteral("%1 sets per second").arg(double(metadata.frameRate)));
+        line("Frame rate:", (metadata.frameRate == 1.0F
+                                 ? QStringLiteral("1 set per second")
+                                 : QStringLiteral("%1 sets per second").arg(double(metadata.frameRate))));
     }
     SkFrameDescription last;
     if (reader.describe(reader.frameCount() - 1, last, nullptr)) {

@@ -2,6 +2,7 @@
 #include "tof/CkTofArguments.h"
 #include "tof/CkTofInput.h"
 #include "tof/TofCommands.h"
+#include "tof/tofCount.h"
 
 #include "camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"
@@ -111,6 +112,10 @@ QString chainOf(void* handle) {
     return xml;
 }
 
+QString verb(qint64 count) {
+    return count == 1 ? QStringLiteral("was") : QStringLiteral("were");
+}
+
 int record(void* handle, qint64 frames, const QString& file, EkRecordingCompression compression) {
     CkCameraManager& manager = *CkCameraManager::instance();
     CkRecorder recorder;
@@ -145,10 +150,9 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
     recorder.stop();
     const CkRecorder::SkState state = recorder.state();
     if (!state.error.isEmpty() || state.dropped != 0) {
-        CkTofConsole::error(QStringLiteral("%1 %2 frames were recorded, %3 were lost.")
-                                .arg(state.error)
-                                .arg(state.written)
-                                .arg(state.dropped));
+        CkTofConsole::error(QStringLiteral("%1 %2 %3 recorded, %4 %5 lost.")
+                                .arg(state.error, tofCount(state.written, "frame"), verb(state.written),
+                                     QString::number(state.dropped), verb(state.dropped)));
         return TofOutput;
     }
     return TofSuccess;

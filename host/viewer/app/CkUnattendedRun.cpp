@@ -83,7 +83,7 @@ void CkUnattendedRun::advance() {
         if (m_iFrames >= m_options.frames) {
             next(EkStep::Cloud);
         } else if (late) {
-            fail(tr("Only %1 of %2 frames were shown.").arg(m_iFrames).arg(m_options.frames));
+            fail(tr("Only %1 of %n frame(s) came.", nullptr, m_options.frames).arg(m_iFrames));
         }
         break;
     case EkStep::Cloud:

@@ -16,6 +16,12 @@ void install(const QLocale& locale, const QString& name, const QString& folder) 
     }
 }
 
+// Texts with a number need a singular and a plural in English too. Any other language goes on top.
+void installEnglishPlurals() {
+    install(QLocale(QLocale::English), QStringLiteral("zuviewer"), QStringLiteral(":/zuviewer/translations"));
+}
+Q_COREAPP_STARTUP_FUNCTION(installEnglishPlurals)
+
 } // namespace
 
 QStringList CkViewerLanguage::codes() {

@@ -1,5 +1,6 @@
 #include "image/CkPictureText.h"
 
+#include "app/pluralNumber.h"
 #include "image/CkDisplayTable.h"
 
 #include <QStringList>
@@ -115,7 +116,7 @@ QString CkPictureText::format(const SkPicBufInfo& info) {
     QString kind = isFloat(info.dataType)    ? tr("float")
                    : isSigned(info.dataType) ? tr("signed")
                                              : tr("unsigned");
-    const QString channels = info.channels == 1 ? tr("1 channel") : tr("%1 channels").arg(info.channels);
+    const QString channels = tr("%n channel(s)", nullptr, pluralNumber(info.channels));
     return tr("%1 x %2, %3, %4 bit %5")
         .arg(info.width)
         .arg(info.height)

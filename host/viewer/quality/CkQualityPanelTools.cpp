@@ -1,5 +1,6 @@
 // The quality panel's controls, and what leaves it.
 
+#include "app/pluralNumber.h"
 #include "area/CkViewArea.h"
 #include "files/SaveFileName.h"
 #include "image/CkImageView.h"
@@ -158,13 +159,11 @@ void CkQualityPanel::updateControls() {
     const QRect region = m_meter.region();
     const bool measures = m_source && !m_history.values().empty();
     if (measures) {
-        QString where = tr("%1: region at %2, %3 of %4 x %5 pixels, %6 frames")
-                            .arg(m_source->viewTitle().simplified())
-                            .arg(region.x())
-                            .arg(region.y())
-                            .arg(region.width())
-                            .arg(region.height())
-                            .arg(m_values.frames);
+        QString where =
+            tr("%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)", nullptr, pluralNumber(m_values.frames))
+                .arg(m_source->viewTitle().simplified(), QString::number(region.x()),
+                     QString::number(region.y()), QString::number(region.width()),
+                     QString::number(region.height()));
         if (m_values.unit != QLatin1String("mm")) {
             where += QLatin1Char('\n') + tr("No distances: no plane is fitted.");
         }

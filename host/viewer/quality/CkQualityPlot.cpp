@@ -39,7 +39,8 @@ void CkQualityPlot::paintEvent(QPaintEvent*) {
     const int line = fontMetrics().height();
     painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, CkQualityHistory::number(high, m_sUnit));
     painter.drawText(inside, Qt::AlignBottom | Qt::AlignLeft, CkQualityHistory::number(low, m_sUnit));
-    painter.drawText(inside, Qt::AlignBottom | Qt::AlignRight, tr("last %1 frames").arg(m_values.size()));
+    painter.drawText(inside, Qt::AlignBottom | Qt::AlignRight,
+                     tr("last %n frame(s)", nullptr, int(m_values.size())));
     const QRectF area = QRectF(inside).adjusted(0, line + 2, 0, -line - 2);
     // A value that does not change is a line in the middle.
     const double span = high > low ? high - low : 1.0;

@@ -1,6 +1,7 @@
 #include "recording/CkRecordingDesk.h"
 
 #include "app/CkViewerSettings.h"
+#include "app/pluralNumber.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
 #include "recording/CkRecordingJob.h"
@@ -149,8 +150,8 @@ CkRecordingJob* CkRecordingDesk::record(CkChainable* pBlock, const QString& sFil
 
 void CkRecordingDesk::tell(CkRecordingJob* pJob) {
     const CkRecorder::SkState state = pJob->counters();
-    const QString frames =
-        tr("%1: %2 frames recorded, %3 dropped").arg(pJob->fileName()).arg(state.written).arg(state.dropped);
+    const QString frames = tr("%1: %n frame(s) recorded, %2 dropped", nullptr, pluralNumber(state.written))
+                               .arg(pJob->fileName(), QString::number(state.dropped));
     if (state.error.isEmpty()) {
         if (state.dropped > 0) {
             qWarning("%s", qUtf8Printable(frames));
@@ -160,12 +161,13 @@ void CkRecordingDesk::tell(CkRecordingJob* pJob) {
         return;
     }
     qCritical("%s", qUtf8Printable(state.error));
+    const QString kept = state.written > 0
+                             ? tr("The %n frame(s) in front of it are in the file and can be opened.",
+                                  nullptr, pluralNumber(state.written))
+                             : tr("The file holds no frame.");
     showBox(m_pWindow,
-            tr("The recording ended early.\n\n%1\n\nThe %2 frames in front of it are in the file and can be "
-               "opened. %3 frames were lost.")
-                .arg(state.error)
-                .arg(state.written)
-                .arg(state.dropped));
+            tr("The recording ended early.\n\n%1\n\n%2 %3")
+                .arg(state.error, kept, tr("%n frame(s) were lost.", nullptr, pluralNumber(state.dropped))));
 }
 
 void CkRecordingDesk::recordWithDialog(CkChainable* pBlock) {

@@ -1,5 +1,6 @@
 #include "recording/CkRecordingOpening.h"
 
+#include "app/pluralNumber.h"
 #include "area/CkViewArea.h"
 #include "chain/CkChainFile.h"
 #include "image/CkImageView.h"
@@ -53,8 +54,9 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, &dialog, [&] {
             dialog.setValue(int(share * kProgressSteps));
-            dialog.setLabelText(CkRecordingOpening::tr("Opening \"%1\": %2 frames so far")
-                                    .arg(fileName, QString::number(frames.load())));
+            dialog.setLabelText(CkRecordingOpening::tr("Opening \"%1\": %n frame(s) so far", nullptr,
+                                                       pluralNumber(frames.load()))
+                                    .arg(fileName));
             if (result.wait_for(0s) == std::future_status::ready) {
                 dialog.done(QDialog::Accepted);
             }

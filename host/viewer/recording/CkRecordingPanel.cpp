@@ -1,5 +1,6 @@
 #include "recording/CkRecordingPanel.h"
 
+#include "app/pluralNumber.h"
 #include "recording/CkPlaybackBar.h"
 #include "recording/CkRecordingDesk.h"
 #include "recording/CkRecordingJob.h"
@@ -61,8 +62,8 @@ QString CkRecordingPanel::sizeText(quint64 uiBytes) {
 
 QString CkRecordingPanel::countersText(const CkRecordingJob& job) {
     const CkRecorder::SkState state = job.counters();
-    QString text = tr("%1 frames, %2, %3")
-                       .arg(QString::number(state.written), sizeText(state.bytes),
+    QString text = tr("%n frame(s), %1, %2", nullptr, pluralNumber(state.written))
+                       .arg(sizeText(state.bytes),
                             CkPlaybackBar::timeText(job.elapsedMs() * kNanosecondsPerMs).chopped(2));
     if (job.state() != EkState::Finished) {
         text += tr(", %1 in the queue").arg(state.waiting);

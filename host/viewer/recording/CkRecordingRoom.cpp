@@ -2,6 +2,7 @@
 
 #include "app/CkMainWindow.h"
 #include "app/CkStatusBar.h"
+#include "app/pluralNumber.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
 #include "camera/CkCameraPanel.h"
@@ -207,7 +208,8 @@ void CkRecordingRoom::refresh() {
         }
     }
     m_pLamp->setVisible(running > 0);
-    QString text = tr("<span style='color:#d02020'>\u25cf</span> Recording: %1 frames").arg(written);
+    QString text = tr("<span style='color:#d02020'>\u25cf</span> Recording: %n frame(s)", nullptr,
+                      pluralNumber(written));
     if (dropped > 0) {
         text += tr(", <b style='color:#c02020'>%1 dropped</b>").arg(dropped);
     }

@@ -1398,14 +1398,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>ohne Vorzeichen</translation>
     </message>
     <message>
-        <source>1 channel</source>
-        <translation>1 Kanal</translation>
-    </message>
-    <message>
-        <source>%1 channels</source>
-        <translation>%1 Kanäle</translation>
-    </message>
-    <message>
         <source>%1 x %2, %3, %4 bit %5</source>
         <translation>%1 x %2, %3, %4 Bit %5</translation>
     </message>
@@ -1452,6 +1444,13 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>Blue to red</source>
         <translation>Blau bis Rot</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n channel(s)</source>
+        <translation>
+            <numerusform>%n Kanal</numerusform>
+            <numerusform>%n Kanäle</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1723,10 +1722,6 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
         <translation>Es ist noch kein Bild da</translation>
     </message>
     <message>
-        <source>%1: region at %2, %3 of %4 x %5 pixels, %6 frames</source>
-        <translation>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %6 Bilder</translation>
-    </message>
-    <message>
         <source>No distances: no plane is fitted.</source>
         <translation>Keine Abstände: es wird keine Ebene angepasst.</translation>
     </message>
@@ -1782,6 +1777,13 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
         <source>Save &amp;Values...</source>
         <translation>Werte s&amp;ichern...</translation>
     </message>
+    <message numerus="yes">
+        <source>%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)</source>
+        <translation>
+            <numerusform>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %n Bild</numerusform>
+            <numerusform>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %n Bilder</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CkQualityPlot</name>
@@ -1789,9 +1791,12 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
         <source>Nothing to plot yet</source>
         <translation>Noch nichts zu zeichnen</translation>
     </message>
-    <message>
-        <source>last %1 frames</source>
-        <translation>letzte %1 Bilder</translation>
+    <message numerus="yes">
+        <source>last %n frame(s)</source>
+        <translation>
+            <numerusform>letztes Bild</numerusform>
+            <numerusform>letzte %n Bilder</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1877,22 +1882,6 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
         <translation>Nehme „%1“ auf in %2</translation>
     </message>
     <message>
-        <source>%1: %2 frames recorded, %3 dropped</source>
-        <translation>%1: %2 Bilder aufgenommen, %3 verloren</translation>
-    </message>
-    <message>
-        <source>The recording ended early.
-
-%1
-
-The %2 frames in front of it are in the file and can be opened. %3 frames were lost.</source>
-        <translation>Die Aufnahme endete vorzeitig.
-
-%1
-
-Die %2 Bilder davor stehen in der Datei und können geöffnet werden. %3 Bilder gingen verloren.</translation>
-    </message>
-    <message>
         <source>Recordings (*.tif)</source>
         <translation>Aufnahmen (*.tif)</translation>
     </message>
@@ -1907,6 +1896,43 @@ Die %2 Bilder davor stehen in der Datei und können geöffnet werden. %3 Bilder 
     <message>
         <source>What was to be recorded has been closed.</source>
         <translation>Was aufgenommen werden sollte, wurde geschlossen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1: %n frame(s) recorded, %2 dropped</source>
+        <translation>
+            <numerusform>%1: %n Bild aufgenommen, %2 verloren</numerusform>
+            <numerusform>%1: %n Bilder aufgenommen, %2 verloren</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The %n frame(s) in front of it are in the file and can be opened.</source>
+        <translation>
+            <numerusform>Das Bild davor steht in der Datei und kann geöffnet werden.</numerusform>
+            <numerusform>Die %n Bilder davor stehen in der Datei und können geöffnet werden.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The file holds no frame.</source>
+        <translation>Die Datei enthält kein Bild.</translation>
+    </message>
+    <message>
+        <source>The recording ended early.
+
+%1
+
+%2 %3</source>
+        <translation>Die Aufnahme endete vorzeitig.
+
+%1
+
+%2 %3</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n frame(s) were lost.</source>
+        <translation>
+            <numerusform>%n Bild ging verloren.</numerusform>
+            <numerusform>%n Bilder gingen verloren.</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1942,10 +1968,6 @@ Die %2 Bilder davor stehen in der Datei und können geöffnet werden. %3 Bilder 
         <translation>Aufnahme öffnen</translation>
     </message>
     <message>
-        <source>Opening &quot;%1&quot;: %2 frames so far</source>
-        <translation>Öffne „%1“: bisher %2 Bilder</translation>
-    </message>
-    <message>
         <source>&quot;%1&quot; was recorded with a processing chain:
 
 %2
@@ -1973,16 +1995,19 @@ Mit dieser Kette öffnen?</translation>
         <source>&quot;%1&quot;: no new processing chain can be made.</source>
         <translation>„%1“: Es kann keine neue Verarbeitungskette angelegt werden.</translation>
     </message>
+    <message numerus="yes">
+        <source>Opening &quot;%1&quot;: %n frame(s) so far</source>
+        <translation>
+            <numerusform>Öffne „%1“: bisher %n Bild</numerusform>
+            <numerusform>Öffne „%1“: bisher %n Bilder</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>CkRecordingPanel</name>
     <message>
         <source>Nothing is being recorded.</source>
         <translation>Es wird nichts aufgenommen.</translation>
-    </message>
-    <message>
-        <source>%1 frames, %2, %3</source>
-        <translation>%1 Bilder, %2, %3</translation>
     </message>
     <message>
         <source>, %1 in the queue</source>
@@ -2037,6 +2062,13 @@ aufgenommen in %2</translation>
     <message>
         <source>The file holds no frame</source>
         <translation>Die Datei enthält kein Bild</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n frame(s), %1, %2</source>
+        <translation>
+            <numerusform>%n Bild, %1, %2</numerusform>
+            <numerusform>%n Bilder, %1, %2</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -2110,16 +2142,16 @@ aufgenommen in %2</translation>
         <translation>Die Seite hat keine Pixel.</translation>
     </message>
     <message>
-        <source>Pages of %1 samples of %2 bits per pixel in this form are not supported.</source>
-        <translation>Seiten mit %1 Werten zu %2 Bit je Pixel in dieser Form werden nicht unterstützt.</translation>
-    </message>
-    <message>
         <source>The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.</source>
         <translation>Die Seite soll %1 x %2 Pixel haben, mehr als in diese Datei oder in 1 GiB passen.</translation>
     </message>
     <message>
         <source>The samples cannot be read.</source>
         <translation>Die Werte sind nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>Pages of %1 x %2 bits per pixel in this form are not supported.</source>
+        <translation>Seiten mit %1 x %2 Bit je Pixel in dieser Form werden nicht unterstützt.</translation>
     </message>
 </context>
 <context>
@@ -2201,12 +2233,15 @@ aufgenommen in %2</translation>
         <translation>Die aktive Ansicht zeigt keine Aufnahme</translation>
     </message>
     <message>
-        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %1 frames</source>
-        <translation>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %1 Bilder</translation>
-    </message>
-    <message>
         <source>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 dropped&lt;/b&gt;</source>
         <translation>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 verloren&lt;/b&gt;</translation>
+    </message>
+    <message numerus="yes">
+        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
+        <translation>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bild</numerusform>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bilder</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -2681,10 +2716,6 @@ aufgenommen in %2</translation>
 <context>
     <name>CkUnattendedRun</name>
     <message>
-        <source>Only %1 of %2 frames were shown.</source>
-        <translation>Nur %1 von %2 Bildern wurden gezeigt.</translation>
-    </message>
-    <message>
         <source>%1: there is no point cloud to write.</source>
         <translation>%1: Es ist keine Punktwolke zum Schreiben da.</translation>
     </message>
@@ -2699,6 +2730,13 @@ aufgenommen in %2</translation>
     <message>
         <source>%1: the picture of the window cannot be written.</source>
         <translation>%1: Das Bild des Fensters lässt sich nicht schreiben.</translation>
+    </message>
+    <message numerus="yes">
+        <source>Only %1 of %n frame(s) came.</source>
+        <translation>
+            <numerusform>Es kamen nur %1 von %n Bild.</numerusform>
+            <numerusform>Es kamen nur %1 von %n Bildern.</numerusform>
+        </translation>
     </message>
 </context>
 <context>

@@ -67,6 +67,18 @@ TEST_F(German, NumbersFollowTheLanguage) {
     EXPECT_TRUE(status->rateText().endsWith("Bilder/s")) << qPrintable(status->rateText());
 }
 
+TEST_F(German, OneIsNotMany) {
+    ASSERT_TRUE(start());
+    const auto text = [](const char* context, const char* source, int count) {
+        return QCoreApplication::translate(context, source, nullptr, count);
+    };
+    EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 1), "1 Bild, %1, %2");
+    EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 0), "0 Bilder, %1, %2");
+    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 1), "1 Bild ging verloren.");
+    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 3), "3 Bilder gingen verloren.");
+    EXPECT_EQ(text("CkPictureText", "%n channel(s)", 2), utf8("2 Kanäle"));
+}
+
 TEST_F(German, NoTwoEntriesOfAMenuShareALetter) {
     m_options.cameras = QStringList{"sim:grey"};
     ASSERT_TRUE(start());

@@ -80,6 +80,10 @@ TEST_F(QualityPanelTest, MeasuresTheMiddleOfTheActivePicture) {
     view->feed(depth(1.5F));
     EXPECT_EQ(m_pPanel->region(), QRect(30, 22, 20, 15)); // a quarter of each side
     EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 1500.0);
+    const auto where = [this] { return child<QLabel>("qualityWhere")->text(); };
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return where().endsWith("region at 30, 22 of 20 x 15 pixels, 1 frame"); }, 30000))
+        << qPrintable(where());
     view->feed(depth(1.6F));
     EXPECT_EQ(m_pPanel->values().frames, 2);
     EXPECT_NEAR(m_pPanel->values().temporalStd, 100.0 / std::sqrt(2.0), 1e-3);
@@ -87,6 +91,7 @@ TEST_F(QualityPanelTest, MeasuresTheMiddleOfTheActivePicture) {
     // The numbers follow a little later.
     EXPECT_TRUE(
         QTest::qWaitFor([this] { return child<QLabel>("qualityValue0")->text() == "1600.0 mm"; }, 30000));
+    EXPECT_TRUE(where().endsWith(", 2 frames")) << qPrintable(where());
     EXPECT_TRUE(child<QPushButton>("qualityCopy")->isEnabled());
     m_pPanel->restart();
     EXPECT_TRUE(m_pPanel->history().values().empty());

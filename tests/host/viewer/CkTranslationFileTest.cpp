@@ -3,13 +3,14 @@
 namespace {
 const QString s_sources = QStringLiteral(ZU_SOURCES);
 const QString s_file = s_sources + QStringLiteral("/host/viewer/translations/zuviewer_de.ts");
+const QString s_english = s_sources + QStringLiteral("/host/viewer/translations/zuviewer_en.ts");
+const QStringList s_folders = {s_sources + "/hostsdk", s_sources + "/host", s_sources + "/sim/camera"};
 } // namespace
 
 TEST(ViewerTranslationFile, IsInStepWithTheSources) {
     const TranslationFile file(s_file);
     // As scripts/update-translations.sh does it.
-    file.expectInStepWith({s_sources + "/hostsdk", s_sources + "/host", s_sources + "/sim/camera"},
-                          ZU_LUPDATE);
+    file.expectInStepWith(s_folders, ZU_LUPDATE);
     EXPECT_EQ(file.translationOf("CkMainWindow", "&File"), "&Datei");
     EXPECT_EQ(file.translationOf("CkExportToolButton", "Save to file..."), "In Datei speichern...");
     EXPECT_EQ(file.translationOf("CkSimCamera", "Exposure"), "Belichtung");
@@ -21,6 +22,25 @@ TEST(ViewerTranslationFile, EveryTextIsTranslatedOnce) {
 
 TEST(ViewerTranslationFile, PlacesLinesTagsAndEndsAreThoseOfTheSource) {
     TranslationFile(s_file).expectSameShape();
+}
+
+TEST(ViewerTranslationFile, EnglishHasASingularAndAPluralForEveryNumber) {
+    const TranslationFile file(s_english);
+    file.expectInStepWith(s_folders, ZU_LUPDATE, {"-pluralonly"});
+    file.expectWhole();
+    file.expectSameShape();
+    QStringList counting;
+    const TranslationFile german(s_file);
+    for (const TranslationFile::SkText& text : german.texts()) {
+        if (text.counts) {
+            counting.append(text.source);
+        }
+    }
+    EXPECT_EQ(file.texts().size(), counting.size());
+    for (const TranslationFile::SkText& text : file.texts()) {
+        EXPECT_TRUE(text.counts) << text.where();
+        EXPECT_TRUE(counting.contains(text.source)) << text.where();
+    }
 }
 
 TEST(ViewerTranslationFile, OnlyNamesAndUnitsReadTheSameInBothLanguages) {

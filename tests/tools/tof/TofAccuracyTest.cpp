@@ -251,13 +251,14 @@ TEST_F(TofAccuracyTest, LimitsDecideTheExitCode) {
     EXPECT_EQ(tof((common + "--max-bias 2 --max-std 20 --max-ratio 1.2 --min-valid 100 a.html").c_str()).code,
               0);
     EXPECT_TRUE(contents("a.html").contains("All results are within the limits"));
+    EXPECT_TRUE(contents("a.html").contains("64 × 48 in the middle of the sensor, 1 frame<"));
     const SkRun run = tof((common + "--max-std 8 b.html").c_str());
     EXPECT_EQ(run.code, 7);
     EXPECT_TRUE(
         run.err.contains(QLatin1String("4 phases, 12 bit, 2 m, 80 %, ambient 0: standard deviation")));
     EXPECT_FALSE(run.err.contains(QLatin1String("12 bit, 1 m")));
     // What was exceeded is to be read up all the same.
-    EXPECT_TRUE(contents("b.html").contains("1 limit(s) exceeded"));
+    EXPECT_TRUE(contents("b.html").contains(">1 limit exceeded:"));
     EXPECT_EQ(table("b.csv").size(), 3U);
 }
 

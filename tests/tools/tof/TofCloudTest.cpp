@@ -143,7 +143,12 @@ TEST_F(TofCloudTest, CloudWithoutPointsIsWrittenAndTold) {
     EXPECT_EQ(points("a.ply").size(), 2U);
     const SkRun dropped = tof("cloud --frame 0 --confidence 0.25 a.tif a.ply");
     EXPECT_EQ(dropped.code, 0);
-    EXPECT_TRUE(dropped.err.contains(QLatin1String("1 of 1 clouds have no points")))
+    EXPECT_TRUE(dropped.err.contains(QLatin1String("tof: The cloud has no points: the confidence")))
         << qPrintable(dropped.err);
     EXPECT_TRUE(points("a.ply").empty());
+    recordFloats("b.tif", {{1, 5, 2, 5}, {1, 9, 2, 9}, {1, 5, 2, 5}}, phaseShift(), 2);
+    EXPECT_TRUE(tof("cloud --confidence 6 b.tif b.ply")
+                    .err.startsWith(QLatin1String("tof: 1 of 3 clouds has no points: ")));
+    EXPECT_TRUE(tof("cloud --confidence 4 b.tif b.ply")
+                    .err.startsWith(QLatin1String("tof: 3 of 3 clouds have no points: ")));
 }

@@ -1,6 +1,17 @@
 #include "tofFixture.h"
 
+#include <QRegularExpression>
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
+
+// Files of this program may not grow further, as on a full disk.
+void narrow(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {bytes, bytes};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 class TofRecordTest : public TofFixture {};
 
@@ -63,4 +74,16 @@ TEST_F(TofRecordTest, PulseOfAHybridCameraIsInTheSummary) {
     EXPECT_EQ(run.code, 0);
     EXPECT_TRUE(run.out.contains(QLatin1String("\nPulse:        25 ns\n"))) << qPrintable(run.out);
     EXPECT_FALSE(run.out.contains(QLatin1String("Modulation:")));
+}
+
+TEST_F(TofRecordTest, AFullDiskTellsHowManyFramesAreThere) {
+    // Two taps of 2 bytes, 640 x 1920 pixels: a frame has 4.9 MB.
+    const SkRun run = runIn(m_folder.path(), {"record", "--frames", "4", "--set", "framerate=100", "a.tif"},
+                            [] { narrow(7'000'000); });
+    EXPECT_EQ(run.code, 5);
+    const auto told =
+        QRegularExpression(" 1 frame was recorded, (\\d+) (was|were) lost\\.\n$").match(run.err);
+    ASSERT_TRUE(told.hasMatch()) << qPrintable(run.err);
+    EXPECT_EQ(told.captured(2), told.captured(1) == "1" ? "was" : "were");
+    EXPECT_EQ(open("a.tif")->frameCount(), 1);
 }

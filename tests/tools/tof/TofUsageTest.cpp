@@ -140,7 +140,7 @@ TEST_F(TofUsageTest, InfoShowsWhatIsInARecording) {
     EXPECT_EQ(text.code, 0);
     EXPECT_TRUE(text.out.contains(QLatin1String("Frames:       3\n")));
     EXPECT_TRUE(
-        text.out.contains(QLatin1String("20 x 480, 2 channel(s), unsigned 16 bit, 12 significant bits")));
+        text.out.contains(QLatin1String("20 x 480, 2 channels, unsigned 16 bit, 12 significant bits")));
     EXPECT_EQ(tof("info --chain a.tif").out, QStringLiteral("<chain/>\n"));
 
     const SkRun json = tof("info --json --frames a.tif");
@@ -151,5 +151,7 @@ TEST_F(TofUsageTest, InfoShowsWhatIsInARecording) {
     EXPECT_EQ(root["frames"][2]["room"].toInt(), 2);
 
     recordFloats("b.tif", {{1}}, {});
+    EXPECT_TRUE(
+        tof("info b.tif").out.contains(QLatin1String("1 x 1, 1 channel, float 32 bit, 32 significant bits")));
     EXPECT_EQ(tof("info --chain b.tif").code, 6);
 }

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <functional>
 #include <gmock/gmock.h>
 
 /// Runs the program in a folder of the test's own, without display and settings.
@@ -20,8 +21,10 @@ protected:
         QString err;
     };
 
-    static SkRun runIn(const QString& folder, const QStringList& arguments) {
+    static SkRun runIn(const QString& folder, const QStringList& arguments,
+                       const std::function<void()>& prepare = {}) {
         QProcess process;
+        process.setChildProcessModifier(prepare);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_CONFIG_HOME"}) {
             environment.remove(QString::fromLatin1(name));

@@ -2,6 +2,7 @@
 
 #include "tof/accuracy/TofAccuracyLimits.h"
 #include "tof/accuracy/TofAccuracyPlots.h"
+#include "tof/tofCount.h"
 
 #include <algorithm>
 #include <cmath>
@@ -108,10 +109,10 @@ QString settingsTable(const SkTofAccuracyReport& report) {
     rows += row(
         {QStringLiteral("With"), QStringLiteral("<code>%1</code>").arg(report.commandLine.toHtmlEscaped())});
     rows += row({QStringLiteral("Cells of the matrix"), QString::number(report.results.size())});
-    rows += row({QStringLiteral("Pixels"), QStringLiteral("%1 × %2 in the middle of the sensor, %3 frames")
+    rows += row({QStringLiteral("Pixels"), QStringLiteral("%1 × %2 in the middle of the sensor, %3")
                                                .arg(setup.width)
                                                .arg(setup.height)
-                                               .arg(setup.frames)});
+                                               .arg(tofCount(setup.frames, "frame"))});
     rows += row({QStringLiteral("Exposure"), QStringLiteral("%1 µs each").arg(setup.exposureUs)});
     rows += row({QStringLiteral("Noise"),
                  setup.noise ? QStringLiteral("on, seed %1").arg(setup.seed) : QStringLiteral("off")});
@@ -131,9 +132,8 @@ QString verdict(const SkTofAccuracyReport& report) {
     for (const QString& text : report.exceeded) {
         list += QStringLiteral("<li>") + text.toHtmlEscaped() + QStringLiteral("</li>\n");
     }
-    return QStringLiteral("<p class=\"bad\">%1 limit(s) exceeded:</p>\n<ul>%2</ul>\n")
-        .arg(report.exceeded.size())
-        .arg(list);
+    return QStringLiteral("<p class=\"bad\">%1 exceeded:</p>\n<ul>%2</ul>\n")
+        .arg(tofCount(report.exceeded.size(), "limit"), list);
 }
 
 /// The finite value that is largest by size; not a number when there is none.
