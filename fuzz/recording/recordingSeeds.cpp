@@ -1,11 +1,12 @@
 // Writes the recordings that the fuzzing begins with into the folder that is named.
+#include "ForeignTiff.h"
 #include "recording/CkRecordingWriter.h"
 
 #include <QDir>
 
 #include <cstdio>
 #include <cstdlib>
-#include <tiffio.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,45 +56,6 @@ void writeOurs(const QString& file, quint32 channels, EkImageDataType type,
     require(writer.close(), file);
 }
 
-struct Form {
-    const char* name;
-    const char* mode;
-    uint16_t channels;
-    uint16_t photometric;
-    uint16_t planar;
-    uint16_t compression;
-    bool tiled;
-};
-
-/// As other programs write them.
-void writeOther(const QString& file, const Form& form) {
-    TIFF* const tif = TIFFOpen(qPrintable(file), form.mode);
-    require(tif != nullptr, file);
-    TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, width);
-    TIFFSetField(tif, TIFFTAG_IMAGELENGTH, height);
-    TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, 16);
-    TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, form.channels);
-    TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, form.photometric);
-    TIFFSetField(tif, TIFFTAG_PLANARCONFIG, form.planar);
-    TIFFSetField(tif, TIFFTAG_COMPRESSION, form.compression);
-    if (form.tiled) {
-        TIFFSetField(tif, TIFFTAG_TILEWIDTH, 16);
-        TIFFSetField(tif, TIFFTAG_TILELENGTH, 16);
-    } else {
-        TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, 2);
-    }
-    std::vector<quint16> samples(16 * 16 * 4, 1234);
-    const quint32 planes = form.planar == PLANARCONFIG_SEPARATE ? form.channels : 1;
-    for (quint32 plane = 0; plane < planes; ++plane) {
-        for (quint32 y = 0; y < (form.tiled ? 1 : height); ++y) {
-            require(form.tiled ? TIFFWriteTile(tif, samples.data(), 0, y, 0, uint16_t(plane)) >= 0
-                               : TIFFWriteScanline(tif, samples.data(), y, uint16_t(plane)) == 1,
-                    file);
-        }
-    }
-    TIFFClose(tif);
-}
-
 } // namespace
 
 int main(int count, char** arguments) {
@@ -108,15 +70,33 @@ int main(int count, char** arguments) {
               EkRecordingCompression::None);
     writeOurs(folder.filePath(QStringLiteral("packed.tif")), 4, EkImageDataType::UInt8,
               EkRecordingCompression::Deflate);
-    const Form forms[] = {
-        {"big-endian", "wb", 1, PHOTOMETRIC_MINISBLACK, PLANARCONFIG_CONTIG, COMPRESSION_NONE, false},
-        {"rgb", "wl", 3, PHOTOMETRIC_RGB, PLANARCONFIG_CONTIG, COMPRESSION_LZW, false},
-        {"planes", "wl", 3, PHOTOMETRIC_MINISBLACK, PLANARCONFIG_SEPARATE, COMPRESSION_PACKBITS, false},
-        {"tiles", "wl8", 1, PHOTOMETRIC_MINISBLACK, PLANARCONFIG_CONTIG, COMPRESSION_ADOBE_DEFLATE, true},
-        {"tile-planes", "wb8", 2, PHOTOMETRIC_MINISBLACK, PLANARCONFIG_SEPARATE, COMPRESSION_LZW, true},
+    const std::pair<const char*, ForeignTiffForm> foreign[] = {
+        {"big-endian", {.mode = "wb", .rowsPerStrip = 2}},
+        {"rgb",
+         {.mode = "wl",
+          .channels = 3,
+          .photometric = PHOTOMETRIC_RGB,
+          .compression = COMPRESSION_LZW,
+          .rowsPerStrip = 2}},
+        {"planes",
+         {.mode = "wl",
+          .channels = 3,
+          .planar = PLANARCONFIG_SEPARATE,
+          .compression = COMPRESSION_PACKBITS,
+          .rowsPerStrip = 2}},
+        {"tiles", {.mode = "wl8", .compression = COMPRESSION_ADOBE_DEFLATE, .tiled = true}},
+        {"tile-planes",
+         {.mode = "wb8",
+          .channels = 2,
+          .planar = PLANARCONFIG_SEPARATE,
+          .compression = COMPRESSION_LZW,
+          .tiled = true}},
     };
-    for (const Form& form : forms) {
-        writeOther(folder.filePath(QString::fromLatin1(form.name) + QStringLiteral(".tif")), form);
+    for (const auto& [name, form] : foreign) {
+        const QString file = folder.filePath(QString::fromLatin1(name) + QStringLiteral(".tif"));
+        require(writeForeignTiff(file, width, height, form,
+                                 [](int, quint32, quint32, quint32) { return quint16(1234); }),
+                file);
     }
     const SkRecordingInfo recording;
     const QByteArray text = describe(2, EkImageDataType::UInt16, 7).toText(&recording);
