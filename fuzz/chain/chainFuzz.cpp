@@ -104,7 +104,7 @@ std::string checkChain(const uint8_t* bytes, size_t size) {
         }
         return error.contains(file.name()) ? std::string() : "a refused file is not named";
     }
-    const std::string broken = checkSavedAgain(*chain);
+    std::string broken = checkSavedAgain(*chain);
     CkChainManager::instance()->closeChain(chain);
     return broken;
 }

@@ -83,7 +83,7 @@ std::string checkRecording(const uint8_t* bytes, size_t size) {
     // Half of the frames from the end: what is behind a damage must not be reached.
     const qint64 frames = reader.frameCount();
     for (qint64 step = 0; step < std::min(frames, mostFrames); ++step) {
-        const std::string broken = checkFrame(reader, step % 2 == 0 ? step / 2 : frames - 1 - step / 2);
+        std::string broken = checkFrame(reader, step % 2 == 0 ? step / 2 : frames - 1 - step / 2);
         if (!broken.empty()) {
             return broken;
         }
