@@ -45,15 +45,14 @@ HWY_INLINE VU8 evenEightsFirst(VU8 eights) {
     }
 }
 
-/// The same of values of 15 bits at most.
+/// Both vectors as one of the lower halves of their lanes, in order: values of 15 bits at most.
 HWY_INLINE void storeSmallWords(VI first, VI second, uint8_t* result) {
     const hn::ScalableTag<uint8_t> d;
     storeBytes(d, evenEightsFirst(hn::BitCast(d, hn::ReorderDemote2To(DS16(), first, second))), result);
 }
 
-/// Integer part of the root of an integer whose root has at most 16 bits, without the care that a conversion
-/// takes of large values. Exact up to 24 bits: the nearest float to the root of an integer is not an integer
-/// unless the root is.
+/// Integer part of the root of an integer, without the care that a conversion takes of large values. Exact up
+/// to 24 bits: the float nearest to the root is an integer only if the root is.
 HWY_INLINE VI integerRoot(VI square) {
     const VF root = hn::Sqrt(hn::ConvertTo(DF(), square));
 #if HWY_TARGET == HWY_SSE4
@@ -136,7 +135,8 @@ private:
     static HWY_INLINE VU16 estimatedRoots(const Squares& squares) {
         const auto nearest = [](VI raised) HWY_ATTR {
             const VF value = hn::ConvertTo(DF(), raised);
-            // 1.5 * 2^31: the last bit counts 256. No number, which the estimate of 0 is, ends in zeros too.
+            // 1.5 * 2^31: the last bit counts 256, so the low bits are the amplitude. For 0 the estimate is
+            // infinite and the product not a number, whose low bits are 0.
             return hn::BitCast(
                 DI(), hn::MulAdd(value, hn::ApproximateReciprocalSqrt(value), hn::Set(DF(), 3221225472.0F)));
         };
@@ -148,6 +148,8 @@ private:
         return hn::Add(integer, hn::BitCast(d, hn::VecFromMask(DS16(), above)));
     }
 
+    /// The squares have 20 bits and zeros behind them, so they are exact as floats. A root just below a whole
+    /// amplitude is a millionth of itself below it, and floats are finer.
     static HWY_INLINE VU16 raisedRoots(const Squares& squares) {
         return lowHalvesInTurn(integerRoot(squares.low), integerRoot(squares.high));
     }
