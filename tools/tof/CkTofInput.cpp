@@ -1,5 +1,7 @@
 #include "tof/CkTofInput.h"
 
+#include "tof/tofEnding.h"
+
 #include "pic/CkToFPicAPI.h"
 #include "zuCore/zuCoreVersion.h"
 
@@ -71,6 +73,17 @@ bool CkTofInput::isInput(const QString& sFileName) const {
     }
     CkTofConsole::error(QStringLiteral("\"%1\" is the input; it is not overwritten.").arg(sFileName));
     return true;
+}
+
+bool tofMayBeRecording(const QString& sFileName) {
+    const QString ending = tofEnding(sFileName);
+    const QStringList known{QString(), QStringLiteral("tif"), QStringLiteral("tiff")};
+    if (known.contains(ending)) {
+        return true;
+    }
+    CkTofConsole::error(QStringLiteral("\"%1\": a recording is written as .tif or .tiff, not as .%2.")
+                            .arg(sFileName, ending));
+    return false;
 }
 
 QString tofSoftware() {

@@ -35,5 +35,8 @@ private:
     qint64 m_iComplaints = 0;
 };
 
+/// Whether a recording may be called so: without an ending, or with that of a TIFF file. Says why when not.
+bool tofMayBeRecording(const QString& sFileName);
+
 /// Who writes files: the program's name and version.
 QString tofSoftware();

@@ -3,6 +3,7 @@
 #include "tof/CkTofInput.h"
 #include "tof/TofCommands.h"
 #include "tof/TofPng.h"
+#include "tof/tofEnding.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
@@ -180,6 +181,35 @@ bool readMap(const QString& name, int& map) {
     return false;
 }
 
+/// The format that was asked for, or that of the file's ending; the two have to agree. False, after saying
+/// why, when they do not.
+bool readFormat(bool asked, const QString& name, QString& format) {
+    const QString ending = tofEnding(name);
+    const bool asTiff = ending == QLatin1String("tif") || ending == QLatin1String("tiff");
+    if (!asTiff && !ending.isEmpty() && ending != QLatin1String("png")) {
+        CkTofConsole::error(QStringLiteral("\"%1\": a picture is written as .png, .tif or .tiff, not as .%2.")
+                                .arg(name, ending));
+        return false;
+    }
+    if (!asked) {
+        format = asTiff ? QStringLiteral("tiff") : QStringLiteral("png");
+        return true;
+    }
+    const QStringList formats{QStringLiteral("png"), QStringLiteral("png16"), QStringLiteral("tiff")};
+    if (!formats.contains(format)) {
+        CkTofConsole::error(QStringLiteral("--format wants png, png16 or tiff, not \"%1\".").arg(format));
+        return false;
+    }
+    const bool tiff = format == QLatin1String("tiff");
+    if (!ending.isEmpty() && tiff != asTiff) {
+        CkTofConsole::error(
+            QStringLiteral("\"%1\" does not go with --format %2, whose files end in %3.")
+                .arg(name, format, tiff ? QStringLiteral(".tif or .tiff") : QStringLiteral(".png")));
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int tofImage(const QStringList& arguments) {
@@ -193,7 +223,8 @@ int tofImage(const QStringList& arguments) {
     options.addValue(
         QStringLiteral("format"), QStringLiteral("FORMAT"),
         QStringLiteral(
-            "png (the default): through a colour map. png16: as measured; whole numbers unchanged (signed "
+            "png: through a colour map; the default, unless PICTURE ends in .tif or .tiff. png16: as "
+            "measured; whole numbers unchanged (signed "
             "ones plus 32768), metres as millimetres, a phase shift with 65536 for a full turn; what lies "
             "outside is cut off. tiff: as measured, all channels as 32-bit float."));
     options.addValue(QStringLiteral("channel"), QStringLiteral("C"),
@@ -212,11 +243,8 @@ int tofImage(const QStringList& arguments) {
     SkImageOptions image;
     image.ranged = options.has(QStringLiteral("range"));
     qint64 frame = 0;
-    const QString format = options.has(QStringLiteral("format")) ? options.value(QStringLiteral("format"))
-                                                                 : QStringLiteral("png");
-    const QStringList formats{QStringLiteral("png"), QStringLiteral("png16"), QStringLiteral("tiff")};
-    if (!formats.contains(format)) {
-        CkTofConsole::error(QStringLiteral("--format wants png, png16 or tiff, not \"%1\".").arg(format));
+    QString format = options.value(QStringLiteral("format"));
+    if (!readFormat(options.has(QStringLiteral("format")), options.argument(1), format)) {
         return TofUsage;
     }
     if (!options.readNumber(QStringLiteral("frame"), 0, frame) ||

@@ -97,7 +97,7 @@ int tofProcess(const QStringList& arguments) {
     if (!input.open(options.argument(0))) {
         return TofInput;
     }
-    if (input.isInput(options.argument(1))) {
+    if (!tofMayBeRecording(options.argument(1)) || input.isInput(options.argument(1))) {
         return TofUsage;
     }
     const CkRecordingReader& reader = input.reader();

@@ -188,7 +188,7 @@ int tofRecord(const QStringList& arguments) {
         return *code;
     }
     qint64 frames = 30;
-    if (!options.readNumber(QStringLiteral("frames"), 1, frames)) {
+    if (!tofMayBeRecording(options.argument(0)) || !options.readNumber(QStringLiteral("frames"), 1, frames)) {
         return TofUsage;
     }
     QString camera = options.has(QStringLiteral("camera")) ? options.value(QStringLiteral("camera"))

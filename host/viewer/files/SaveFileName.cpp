@@ -1,32 +1,132 @@
 #include "files/SaveFileName.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QPointer>
+#include <QRegularExpression>
 #include <algorithm>
 
-QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& sFolder,
-                        const QList<SkSaveForm>& forms, int& iForm) {
+namespace {
+
+// Every box dies with the parent, which a camera that is unplugged may take away.
+QMessageBox::StandardButton ask(QWidget* parent, const QString& title, const QString& text,
+                                QMessageBox::Icon icon, QMessageBox::StandardButtons buttons) {
+    const QPointer<QMessageBox> box(new QMessageBox(icon, title, text, buttons, parent));
+    const int answer = box->exec();
+    delete box;
+    return QMessageBox::StandardButton(answer);
+}
+
+int formFor(const QString& ending, const QList<SkSaveForm>& forms, int chosen) {
+    if (isSameEnding(ending, forms[chosen].suffix)) {
+        return chosen;
+    }
+    int found = -1;
+    for (int i = 0; i < forms.size(); ++i) {
+        const bool better =
+            found < 0 || (forms[found].group != forms[chosen].group && forms[i].group == forms[chosen].group);
+        if (isSameEnding(ending, forms[i].suffix) && better) {
+            found = i;
+        }
+    }
+    return found;
+}
+
+QString refusal(const QString& name, const QString& ending, const QList<SkSaveForm>& forms) {
+    QStringList known;
+    for (const SkSaveForm& form : forms) {
+        known.append(QLatin1Char('.') + form.suffix);
+    }
+    known.removeDuplicates();
+    return QCoreApplication::translate(
+               "SaveFileName", "\"%1\": nothing is written here that ends in .%2.\n\nThese endings can be "
+                               "written: %3.")
+        .arg(QFileInfo(name).fileName(), ending, known.join(QStringLiteral(", ")));
+}
+
+enum class EkVerdict { Good, Again };
+
+// Makes name and form agree, or tells the user why they do not.
+EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>& forms, QString& name,
+                 int& chosen) {
+    const QString ending = fileEnding(name);
+    if (!ending.isEmpty()) {
+        const int form = formFor(ending, forms, chosen);
+        if (form < 0) {
+            ask(parent, title, refusal(name, ending, forms), QMessageBox::Warning, QMessageBox::Ok);
+            return EkVerdict::Again;
+        }
+        chosen = form;
+        return EkVerdict::Good;
+    }
+    // The dialog takes whatever has a dot for whole, and has looked for that name only.
+    name += QLatin1Char('.') + forms[chosen].suffix;
+    const QString question =
+        QCoreApplication::translate("SaveFileName", "%1 already exists.\nDo you want to replace it?")
+            .arg(QFileInfo(name).fileName());
+    return !QFileInfo::exists(name) || ask(parent, title, question, QMessageBox::Warning,
+                                           QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes
+               ? EkVerdict::Good
+               : EkVerdict::Again;
+}
+
+} // namespace
+
+QString fileEnding(const QString& sFileName) {
+    static const QRegularExpression s_ending(
+        QStringLiteral("\\.([A-Za-z0-9]{0,4}[A-Za-z][A-Za-z0-9]{0,4})$"));
+    return s_ending.match(QFileInfo(sFileName).fileName()).captured(1).toLower();
+}
+
+bool isSameEnding(const QString& sEnding, const QString& sOther) {
+    const auto usual = [](const QString& ending) {
+        const QString low = ending.toLower();
+        return low == QLatin1String("jpeg")   ? QStringLiteral("jpg")
+               : low == QLatin1String("tiff") ? QStringLiteral("tif")
+                                              : low;
+    };
+    return usual(sEnding) == usual(sOther);
+}
+
+QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& sStart,
+                        const QList<SkSaveForm>& forms, int& iForm, EkSaveEndings endings,
+                        const QString& sObjectName) {
     iForm = 0;
     QStringList filters;
     for (const SkSaveForm& form : forms) {
         filters.append(form.filter);
     }
     // Dies with its parent, which a camera that is unplugged may take away.
-    const QPointer<QFileDialog> dialog(new QFileDialog(pParent, sTitle, sFolder));
-    dialog->setObjectName(QStringLiteral("saveDialog"));
+    const QPointer<QFileDialog> dialog(new QFileDialog(pParent, sTitle, sStart));
+    dialog->setObjectName(sObjectName);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters(filters);
     dialog->setDefaultSuffix(forms.first().suffix);
+    if (!sStart.isEmpty() && !QFileInfo(sStart).isDir()) {
+        dialog->selectFile(QFileInfo(sStart).fileName());
+    }
     QObject::connect(
         dialog, &QFileDialog::filterSelected, dialog, [&filters, &forms, dialog](const QString& sFilter) {
             dialog->setDefaultSuffix(forms[std::max<qsizetype>(0, filters.indexOf(sFilter))].suffix);
         });
-    const bool accepted = dialog->exec() == QDialog::Accepted;
+    QString name;
+    while (dialog->exec() == QDialog::Accepted && dialog) {
+        name = dialog->selectedFiles().value(0);
+        iForm = int(std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter())));
+        if (endings == EkSaveEndings::Any || name.isEmpty() ||
+            settle(dialog, sTitle, forms, name, iForm) == EkVerdict::Good) {
+            break;
+        }
+        if (!dialog) {
+            return {};
+        }
+        dialog->selectFile(QFileInfo(name).fileName());
+        name.clear();
+    }
     if (!dialog) {
         return {};
     }
-    const QString name = accepted ? dialog->selectedFiles().value(0) : QString();
-    iForm = int(std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter())));
     delete dialog;
     return name;
 }

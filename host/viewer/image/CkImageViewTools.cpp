@@ -22,6 +22,12 @@
 #include <QToolBar>
 #include <algorithm>
 
+namespace {
+// Groups of forms to save in.
+constexpr int kAsSeen = 0;
+constexpr int kAsMeasured = 1;
+} // namespace
+
 void CkImageView::createToolBar() {
     m_pToolBar = new QToolBar(this);
     // Signs where there are some, texts elsewhere.
@@ -89,8 +95,14 @@ bool CkImageView::writeAsSeen(const QString& sFileName, QString& sError) {
         sError = tr("There is no picture to save.");
         return false;
     }
+    const QByteArray ending = fileEnding(sFileName).toLatin1();
+    if (!QImageWriter::supportedImageFormats().contains(ending)) {
+        sError = tr("%1: the ending says in which format a picture is saved: .png or .jpg.")
+                     .arg(QDir::toNativeSeparators(sFileName));
+        return false;
+    }
     QSaveFile file(sFileName);
-    QImageWriter writer(&file, QFileInfo(sFileName).suffix().toLatin1());
+    QImageWriter writer(&file, ending);
     if (!file.open(QIODevice::WriteOnly) || !writer.write(m_image) || !file.commit()) {
         const bool byFile = file.error() != QFileDevice::NoError;
         sError = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(sFileName),
@@ -129,23 +141,24 @@ void CkImageView::saveWithDialog() {
         SkSaveForm file;
         int form; ///< -1 as seen, else EkMeasured
     };
-    QList<SkChoice> choices = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png")}, -1},
-                               {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg")}, -1}};
+    QList<SkChoice> choices = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png"), kAsSeen}, -1},
+                               {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), kAsSeen}, -1}};
     const CkImageData* frame = currentImage();
     if (canSaveAsMeasured()) {
         choices.append(
             {{tr("16-bit PNG, as measured, %1 (*.png)")
                   .arg(CkPictureFile::scaleText(frame->picBuf(), frame->metadata(), quint32(m_iChannel))),
-              QStringLiteral("png")},
+              QStringLiteral("png"), kAsMeasured},
              int(EkMeasured::Png16)});
         choices.append(
             {{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_pChannelBox->currentText()),
-              QStringLiteral("tif")},
+              QStringLiteral("tif"), kAsMeasured},
              int(EkMeasured::FloatTiff)});
     }
     if (frame != nullptr && (frame->picBuf().channels > 1 || !canSaveAsMeasured())) {
-        choices.append({{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif")},
-                        int(EkMeasured::FloatTiffOfAll)});
+        choices.append(
+            {{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"), kAsMeasured},
+             int(EkMeasured::FloatTiffOfAll)});
     }
     QList<SkSaveForm> offered;
     for (const SkChoice& choice : choices) {
@@ -157,7 +170,7 @@ void CkImageView::saveWithDialog() {
     int chosen = 0;
     const QString name =
         askSaveFileName(this, tr("Save Picture"), delegate != nullptr ? delegate->lastDirectory() : QString(),
-                        offered, chosen);
+                        offered, chosen, EkSaveEndings::Ours);
     if (!self || name.isEmpty()) {
         return;
     }

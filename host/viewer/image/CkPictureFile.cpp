@@ -1,5 +1,6 @@
 #include "image/CkPictureFile.h"
 
+#include "files/SaveFileName.h"
 #include "image/CkDisplayTable.h"
 #include "image/CkPictureText.h"
 #include "recording/SkFrameDescription.h"
@@ -39,6 +40,17 @@ bool isReadable(const SkPicBuf& picBuf, quint32 channel) {
     constexpr quint32 longest = quint32(std::numeric_limits<int>::max());
     return picBuf.data != nullptr && CkPicBufAPI::isValid(picBuf) && channel < picBuf.channels &&
            picBuf.width <= longest && picBuf.height <= longest && picBuf.channels <= 0xffffU;
+}
+
+// A file that is no JPEG must not be called one.
+bool isEndingOf(const QString& format, const QString& fileName, QString& error) {
+    const QString ending = fileEnding(fileName);
+    if (ending.isEmpty() || isSameEnding(ending, format)) {
+        return true;
+    }
+    error = CkPictureFile::tr("%1: this format needs the ending .%2.")
+                .arg(QDir::toNativeSeparators(fileName), format);
+    return false;
 }
 
 bool store(const QByteArray& bytes, const QString& fileName, QString& error) {
@@ -133,6 +145,9 @@ bool CkPictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& met
         sError = tr("There is no picture to save.");
         return false;
     }
+    if (!isEndingOf(QStringLiteral("png"), sFileName, sError)) {
+        return false;
+    }
     QImage grey(int(picBuf.width), int(picBuf.height), QImage::Format_Grayscale16);
     if (grey.isNull()) {
         sError = tr("There is not enough memory for the picture.");
@@ -170,6 +185,9 @@ bool CkPictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata&
     const quint32 first = quint32(std::max(iChannel, 0));
     if (!isReadable(picBuf, first)) {
         sError = tr("There is no picture to save.");
+        return false;
+    }
+    if (!isEndingOf(QStringLiteral("tif"), sFileName, sError)) {
         return false;
     }
     const quint32 channels = iChannel < 0 ? picBuf.channels : 1U;

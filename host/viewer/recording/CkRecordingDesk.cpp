@@ -4,6 +4,7 @@
 #include "app/pluralNumber.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
+#include "files/SaveFileName.h"
 #include "recording/CkRecordingJob.h"
 #include "recording/CkRecordingNotes.h"
 #include "recording/CkVideoSource.h"
@@ -14,7 +15,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QRegularExpression>
@@ -185,23 +185,19 @@ void CkRecordingDesk::recordWithDialog(CkChainable* pBlock) {
                                name.simplified().left(80)));
     const QString plain = tr("Recordings (*.tif)");
     const QString packed = tr("Recordings, compressed without loss, slower (*.tif)");
-    // With the ending in place before the dialog asks whether to replace a file.
-    QFileDialog dialog(m_pWindow, tr("Record"), proposed);
-    dialog.setObjectName(QStringLiteral("recordDialog"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters({plain, packed});
-    dialog.setDefaultSuffix(QStringLiteral("tif"));
-    dialog.selectFile(QFileInfo(proposed).fileName());
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+    const QString ending = QStringLiteral("tif");
+    int form = 0;
+    const QString fileName =
+        askSaveFileName(m_pWindow, tr("Record"), proposed, {{plain, ending}, {packed, ending}}, form,
+                        EkSaveEndings::Ours, QStringLiteral("recordDialog"));
+    if (fileName.isEmpty()) {
         return;
     }
-    const QString fileName = dialog.selectedFiles().first();
     settings->setValue(CkViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
     QString error = tr("What was to be recorded has been closed.");
-    if (!block || record(block, fileName,
-                         dialog.selectedNameFilter() == packed ? EkRecordingCompression::Deflate
-                                                               : EkRecordingCompression::None,
-                         error) == nullptr) {
+    if (!block ||
+        record(block, fileName, form == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,
+               error) == nullptr) {
         qWarning("%s", qUtf8Printable(error));
         showBox(m_pWindow, error);
     }

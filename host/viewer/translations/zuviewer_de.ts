@@ -904,6 +904,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>Float TIFF, as measured, all channels (*.tif)</source>
         <translation>Float-TIFF, wie gemessen, alle Kanäle (*.tif)</translation>
     </message>
+    <message>
+        <source>%1: the ending says in which format a picture is saved: .png or .jpg.</source>
+        <translation>%1: Die Endung sagt, in welchem Format ein Bild gespeichert wird: .png oder .jpg.</translation>
+    </message>
 </context>
 <context>
     <name>CkLogModel</name>
@@ -1357,6 +1361,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>There is not enough memory for the picture.</source>
         <translation>Der Speicher reicht für das Bild nicht aus.</translation>
+    </message>
+    <message>
+        <source>%1: this format needs the ending .%2.</source>
+        <translation>%1: Dieses Format braucht die Endung .%2.</translation>
     </message>
 </context>
 <context>
@@ -2779,6 +2787,23 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     <message>
         <source>There is nothing named &quot;%1&quot; to trigger.</source>
         <translation>Es gibt nichts mit dem Namen „%1“ auszulösen.</translation>
+    </message>
+</context>
+<context>
+    <name>SaveFileName</name>
+    <message>
+        <source>&quot;%1&quot;: nothing is written here that ends in .%2.
+
+These endings can be written: %3.</source>
+        <translation>„%1“: Mit der Endung .%2 wird hier nichts geschrieben.
+
+Diese Endungen gibt es: %3.</translation>
+    </message>
+    <message>
+        <source>%1 already exists.
+Do you want to replace it?</source>
+        <translation>%1 gibt es schon.
+Soll die Datei ersetzt werden?</translation>
     </message>
 </context>
 </TS>

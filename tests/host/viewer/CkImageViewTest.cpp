@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QImage>
+#include <QImageReader>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -185,6 +186,21 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     EXPECT_EQ(reinterpret_cast<const quint16*>(raw.constScanLine(5))[17], 1017);
     EXPECT_FALSE(view.saveAsSeen(folder.filePath("no/such/folder/a.png"), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("a.png"))) << qPrintable(error);
+    // No file is called what it is not.
+    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("raw.jpg"), EkMeasured::Png16, &error));
+    EXPECT_TRUE(error.endsWith("raw.jpg: this format needs the ending .png.")) << qPrintable(error);
+    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("raw.png"), EkMeasured::FloatTiff, &error));
+    EXPECT_TRUE(error.endsWith("raw.png: this format needs the ending .tif.")) << qPrintable(error);
+    EXPECT_EQ(QImage(folder.filePath("raw.png")).format(), QImage::Format_Grayscale16);
+    EXPECT_TRUE(view.saveAsMeasured(folder.filePath("raw.TIFF"), EkMeasured::FloatTiff, &error));
+    for (const char* name : {"seen.dat", "seen"}) {
+        EXPECT_FALSE(view.saveAsSeen(folder.filePath(name), &error));
+        EXPECT_TRUE(error.endsWith(": the ending says in which format a picture is saved: .png or .jpg."))
+            << qPrintable(error);
+        EXPECT_FALSE(QFile::exists(folder.filePath(name)));
+    }
+    ASSERT_TRUE(view.saveAsSeen(folder.filePath("seen.jpeg"), &error));
+    EXPECT_EQ(QImageReader(folder.filePath("seen.jpeg")).format(), "jpeg");
     // A colour picture has a channel to save only once one was chosen.
     view.feed(makeFrame<quint8>(EkImageDataType::UInt8, 8, 8, 3, 8,
                                 [](quint32 x, quint32, quint32 c) { return quint8(10 * x + c); }));

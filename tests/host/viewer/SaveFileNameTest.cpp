@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -65,6 +66,77 @@ TEST_F(SaveFileName, TheEndingIsThatOfTheChosenForm) {
 TEST_F(SaveFileName, AnEndingThatWasTypedStays) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "three.dat"); });
     EXPECT_EQ(ask(), path("three.dat"));
+}
+
+TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
+    const QList<SkSaveForm> forms = {{"PNG, as seen (*.png)", "png", 0},
+                                     {"JPEG, as seen (*.jpg)", "jpg", 0},
+                                     {"PNG, as measured (*.png)", "png", 1},
+                                     {"TIFF, as measured (*.tif)", "tif", 1}};
+    const auto form = [&](const QString& name, int steps) {
+        m_driver.expectWindow([this, name, steps](QWidget* dialog) {
+            for (int i = 0; i < steps; ++i) {
+                QTest::keyClick(dialog->findChild<QComboBox*>("fileTypeCombo"), Qt::Key_Down);
+            }
+            typeAndAccept(dialog, name);
+        });
+        EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), forms, m_iForm, EkSaveEndings::Ours),
+                  path(qPrintable(name)));
+        return m_iForm;
+    };
+    EXPECT_EQ(form("a.jpg", 0), 1);
+    EXPECT_EQ(form("a.JPEG", 0), 1);
+    EXPECT_EQ(form("a.png", 1), 0);
+    EXPECT_EQ(form("a.tiff", 0), 3);
+    EXPECT_EQ(form("a.tif", 3), 3);
+    // Who wants it as measured gets it as measured.
+    EXPECT_EQ(form("a.png", 3), 2);
+    EXPECT_EQ(form("a.png", 2), 2);
+    EXPECT_TRUE(m_driver.boxes.isEmpty());
+}
+
+TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
+    m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "four.bmp"); });
+    // The same dialog, once more.
+    QTimer again;
+    QObject::connect(&again, &QTimer::timeout, &again, [this] {
+        QWidget* const dialog = QApplication::activeModalWidget();
+        if (m_driver.boxes.size() == 1 && qobject_cast<QFileDialog*>(dialog) != nullptr) {
+            EXPECT_EQ(dialog->findChild<QLineEdit*>("fileNameEdit")->text(), "four.bmp");
+            typeAndAccept(dialog, "four.png");
+        }
+    });
+    again.start(20);
+    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
+              path("four.png"));
+    again.stop();
+    ASSERT_EQ(m_driver.boxes.size(), 1);
+    EXPECT_EQ(m_driver.boxes[0].text.toStdString(),
+              "\"four.bmp\": nothing is written here that ends in .bmp.\n\n"
+              "These endings can be written: .png, .tif.");
+}
+
+TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
+    EXPECT_EQ(fileEnding("room 1.5"), "");
+    EXPECT_EQ(fileEnding("2026-11-21 14.30.00 Depth"), "");
+    EXPECT_EQ(fileEnding("room"), "");
+    EXPECT_EQ(fileEnding("a.folder/room"), "");
+    EXPECT_EQ(fileEnding("/a.b/Room.1.TIFF"), "tiff");
+    EXPECT_EQ(fileEnding("a.mp4"), "mp4");
+    QFile file(path("room 1.5.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.4"); });
+    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
+              path("room 1.4.png"));
+    EXPECT_TRUE(m_driver.boxes.isEmpty());
+    // One that is there is not replaced unasked.
+    m_driver.onBox = [](QMessageBox* box) { box->button(QMessageBox::Yes)->click(); };
+    m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.5"); });
+    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
+              path("room 1.5.png"));
+    ASSERT_EQ(m_driver.boxes.size(), 1);
+    EXPECT_TRUE(m_driver.boxes[0].text.startsWith("room 1.5.png already exists"));
 }
 
 TEST_F(SaveFileName, NothingIsSavedWhenTheParentGoesMeanwhile) {

@@ -144,3 +144,43 @@ TEST_F(TofImageTest, FloatTiffKeepsEveryValue) {
     EXPECT_EQ(frame->metadata().channelNames.value(0), QStringLiteral("Depth"));
     EXPECT_EQ(sampleAt<float>(open("b.tif")->read(0, nullptr)->picBuf(), 1, 0, 1), 8.0F);
 }
+
+TEST_F(TofImageTest, TheEndingDecidesTheFormat) {
+    recordFloats("a.tif", {{2, 4, 3}}, {});
+    ASSERT_EQ(tof("image a.tif b.tiff").code, 0);
+    EXPECT_EQ(open("b.tiff")->frameCount(), 1);
+    ASSERT_EQ(tof("image a.tif b.PNG").code, 0);
+    EXPECT_EQ(png("b.PNG").bits, 8);
+    // What has no ending says nothing, a number is none.
+    ASSERT_EQ(tof("image --format png16 a.tif room-1.5").code, 0);
+    EXPECT_EQ(png("room-1.5").bits, 16);
+    ASSERT_EQ(tof("image a.tif plain").code, 0);
+    EXPECT_EQ(png("plain").bits, 8);
+}
+
+TEST_F(TofImageTest, AnEndingThatContradictsIsRefused) {
+    recordFloats("a.tif", {{2, 4, 3}}, {});
+    const SkRun unknown = tof("image a.tif b.jpg");
+    EXPECT_EQ(unknown.code, 2);
+    EXPECT_EQ(unknown.err,
+              QStringLiteral("tof: \"b.jpg\": a picture is written as .png, .tif or .tiff, not as .jpg.\n"));
+    EXPECT_FALSE(QFile::exists(path("b.jpg")));
+    const SkRun other = tof("image --format png16 a.tif b.tif");
+    EXPECT_EQ(other.code, 2);
+    EXPECT_EQ(other.err,
+              QStringLiteral("tof: \"b.tif\" does not go with --format png16, whose files end in .png.\n"));
+    EXPECT_FALSE(QFile::exists(path("b.tif")));
+    EXPECT_EQ(tof("image --format tiff a.tif b.png").code, 2);
+    EXPECT_FALSE(QFile::exists(path("b.png")));
+}
+
+TEST_F(TofImageTest, RecordingsAreNotCalledPictures) {
+    recordTaps("a.tif", 1);
+    for (const char* line : {"process --transform depth a.tif b.png", "record --frames 1 b.png"}) {
+        const SkRun run = tof(line);
+        EXPECT_EQ(run.code, 2) << line;
+        EXPECT_EQ(run.err,
+                  QStringLiteral("tof: \"b.png\": a recording is written as .tif or .tiff, not as .png.\n"));
+        EXPECT_FALSE(QFile::exists(path("b.png")));
+    }
+}
