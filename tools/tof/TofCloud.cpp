@@ -2,20 +2,19 @@
 #include "cloud/CkToFCloudBuilder.h"
 #include "cloud/CkToFDepthFrame.h"
 #include "cloud/CkToFPlyText.h"
+#include "cloud/ToFSettings.h"
 #include "tof/CkTofArguments.h"
 #include "tof/CkTofInput.h"
 #include "tof/CkTofPipeline.h"
 #include "tof/TofCommands.h"
 #include "tof/TofInOrder.h"
 
-#include "view3d/CkToFViewSettings.h"
 #include "zuCore/CkImageData.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QSettings>
 
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -39,33 +38,7 @@ bool readSettings(const CkTofArguments& options, SkToFOpticalPath& path) {
         file.isEmpty() ? std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
                                                      QStringLiteral("Orvane"), QStringLiteral("zuviewer"))
                        : std::make_unique<QSettings>(file, QSettings::IniFormat);
-    namespace Key = ToFSettingsKey;
-    const auto number = [&settings](const char* key, float& value) {
-        bool ok = false;
-        const float read = settings->value(QLatin1String(key)).toFloat(&ok);
-        value = ok && std::isfinite(read) ? read : value;
-    };
-    const auto flag = [&settings](const char* key, bool& value) {
-        const QString text = settings->value(QLatin1String(key)).toString().trimmed().toLower();
-        if (text == QLatin1String("true") || text == QLatin1String("1")) {
-            value = true;
-        } else if (text == QLatin1String("false") || text == QLatin1String("0")) {
-            value = false;
-        }
-    };
-    flag(Key::CompensateDistortion, path.compensateDistortion);
-    flag(Key::OrthoRadialCorrection, path.orthoRadialCorrection);
-    number(Key::LensFocalLengthMM, path.lensFocalLengthMM);
-    number(Key::ChipCellSizeMM, path.chipCellSizeMM);
-    number(Key::ModulationFreqMHz, path.modulationFreqMHz);
-    number(Key::ConfidenceThreshold, path.confidenceThreshold);
-    number(Key::RealDistanceOffsetM, path.realDistanceOffsetM);
-    const QVariant offset = settings->value(QLatin1String(Key::CenterOffsetMM));
-    if (offset.typeId() == QMetaType::QPointF) {
-        const QPointF point = offset.toPointF();
-        path.centerOffsetMM =
-            std::isfinite(point.x()) && std::isfinite(point.y()) ? point : path.centerOffsetMM;
-    }
+    path = ToFSettings::readOpticalPath(*settings);
     return true;
 }
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "cloud/SkToFOpticalPath.h"
+
+class QSettings;
+
+/// Keys of the 3D view's settings, with type, default, unit and who writes them. Misspelt words belong to the
+/// keys: existing stores use them.
+namespace ToFSettingsKey {
+// clang-format off
+inline constexpr char ShowBBox[]             = "ToF.ShowBBox";              ///< bool, true; the view
+inline constexpr char RegulateInputFps[]     = "ToF.RegulateInputFps";      ///< bool, false; settings dialog
+inline constexpr char MaxInputFps[]          = "ToF.MaxInputFps";           ///< float, 5, frames/s; settings dialog
+inline constexpr char CompensateDistortion[] = "ToF.OptCompensateDistorsion"; ///< bool, false; settings dialog
+inline constexpr char LensFocalLengthMM[]    = "ToF.OptLensFocalLengthMM";  ///< float, 3.5, mm; settings dialog
+inline constexpr char ChipCellSizeMM[]       = "ToF.OptChipCellSizeMM";     ///< float, 0.01, mm; settings dialog
+inline constexpr char CenterOffsetMM[]       = "ToF.OptCenterOffsetMM";     ///< QPointF, (0, 0), mm; settings dialog
+inline constexpr char ModulationFreqMHz[]    = "ToF.OptModulationFreq";     ///< float, 30, MHz; settings dialog
+inline constexpr char ConfidenceThreshold[]  = "ToF.OptConfidenceThreshold"; ///< float, 10; settings dialog
+inline constexpr char RealDistanceOffsetM[]  = "ToF.OptRealDistandeOffsetM"; ///< float, -1.5, m; settings dialog, calibration
+inline constexpr char OrthoRadialCorrection[] = "ToF.OptOrthoRadialCorrection"; ///< bool, true; settings dialog
+inline constexpr char LutPseudoColor[]       = "ToF.LUTPseudoColor";        ///< int, 0, number of the map; the view
+inline constexpr char DepthTexResolutionW[]  = "ToF.DepthTexResolutionW";   ///< int, 640, pixels; the view, never read
+inline constexpr char BgColor[]              = "ToF.BgColor";               ///< unsigned, 0x303080, 0xRRGGBB; the view
+// clang-format on
+} // namespace ToFSettingsKey
+
+/// Reading never fails: what is missing, of another type or not finite counts as the default. Safe from any
+/// thread that may use the settings.
+namespace ToFSettings {
+
+float readFloat(const QSettings& settings, const char* key, float fDefault);
+/// Only flags, whole numbers and the texts "true", "false", "1" and "0" count, in either case of letters.
+bool readBool(const QSettings& settings, const char* key, bool bDefault);
+SkToFOpticalPath readOpticalPath(const QSettings& settings);
+
+} // namespace ToFSettings
