@@ -2,6 +2,7 @@
 
 #include "app/CkStatusBar.h"
 #include "app/CkViewerSettings.h"
+#include "app/SkWindowLayout.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
 #include "camera/CkCameraMenu.h"
@@ -245,11 +246,7 @@ void CkMainWindow::restoreLayout() {
 }
 
 void CkMainWindow::saveLayout() const {
-    const auto settings = CkViewerSettings::open();
-    settings->setValue(CkViewerSettings::keyGeometry(), saveGeometry());
-    settings->setValue(CkViewerSettings::keyState(), saveState());
-    settings->setValue(CkViewerSettings::keyArrange(), m_pArea->arrangesItself());
-    settings->setValue(CkViewerSettings::keySession(), CkSessionMemory::describe(*this));
+    SkWindowLayout::of(*this).save();
 }
 
 void CkMainWindow::resetLayout() {

@@ -3,19 +3,29 @@
 #include "app/CkMainWindow.h"
 #include "area/CkViewArea.h"
 #include "camera/CkCameraDesk.h"
+#include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
+#include "recording/CkRecordingNotes.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
+#include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"
 
 #include <QDomDocument>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMdiSubWindow>
 #include <QSet>
 
 namespace {
 
 constexpr int kVersion = 1;
+
+// Of a view that waits for its first frame: what it will look like, and that a 3D view is to follow it. A
+// session that ends before that frame hands both on.
+constexpr const char* kLook = "zuSessionLook";
+constexpr const char* kFollower = "zuSessionFollower";
 
 QString word(const char* text) {
     return QString::fromLatin1(text);
@@ -58,6 +68,55 @@ void restorePlace(const CkMdiView* view, const QDomElement& element) {
     if (element.attribute(word("maximized")).toInt() != 0) {
         frame->showMaximized();
     }
+}
+
+QJsonObject lookOf(const CkImageView& view) {
+    const QVariant waiting = view.property(kLook);
+    if (waiting.isValid()) {
+        return waiting.toJsonObject();
+    }
+    if (const_cast<CkImageView&>(view).currentImage() == nullptr) {
+        return {};
+    }
+    QJsonObject look = CkRecordingNotes::viewSettings(&view);
+    if (view.autoContrast()) {
+        // They follow the picture.
+        look.remove(word("low"));
+        look.remove(word("high"));
+    }
+    look.insert(word("saturated"), view.marksSaturated());
+    look.insert(word("legend"), view.showsLegend());
+    if (!view.canvas()->isFitting()) {
+        look.insert(word("zoom"), view.canvas()->zoom());
+    }
+    return look;
+}
+
+void applyLook(CkImageView& view, const QJsonObject& look) {
+    CkRecordingNotes::applyViewSettings(&view, look);
+    view.setMarksSaturated(look.value(word("saturated")).toBool(view.marksSaturated()));
+    view.setShowsLegend(look.value(word("legend")).toBool(view.showsLegend()));
+    const double zoom = look.value(word("zoom")).toDouble();
+    if (zoom >= CkImageCanvas::kMinimumZoom && zoom <= CkImageCanvas::kMaximumZoom) {
+        view.canvas()->setZoom(zoom);
+    }
+}
+
+void restoreLook(CkImageView* view, const QDomElement& element) {
+    const QJsonObject look = QJsonDocument::fromJson(element.attribute(word("look")).toUtf8()).object();
+    if (look.isEmpty()) {
+        return;
+    }
+    view->setProperty(kLook, look);
+    // Channels and colours are those of a picture; the first one brings the view's own.
+    QObject::connect(
+        view, &CkMdiView::imageShown, view,
+        [view] {
+            const QJsonObject waiting = view->property(kLook).toJsonObject();
+            view->setProperty(kLook, QVariant());
+            applyLook(*view, waiting);
+        },
+        Qt::SingleShotConnection);
 }
 
 /// Reads the text and opens what it names.
@@ -131,9 +190,11 @@ private:
         auto* view = new CkImageView(block);
         m_window.area()->addView(view);
         restorePlace(view, element);
+        restoreLook(view, element);
         m_shown.append(chain);
         if (element.attribute(word("has3d")).toInt() != 0) {
             m_restored.viewsWith3d.append(view->viewId());
+            view->setProperty(kFollower, true);
         }
         if (element.attribute(word("active")).toInt() != 0) {
             m_iActive = view->viewId();
@@ -192,8 +253,8 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
     for (const CkMdiView* view : window.area()->views()) {
         const CkChainable* block = view->dataProvider();
         const CkChain* chain = block != nullptr ? block->chain() : nullptr;
-        if (qobject_cast<const CkImageView*>(view) == nullptr || chain == nullptr ||
-            !isFedByCamerasOnly(chain)) {
+        const auto* picture = qobject_cast<const CkImageView*>(view);
+        if (picture == nullptr || chain == nullptr || !isFedByCamerasOnly(chain)) {
             continue;
         }
         if (!chains.contains(chain)) {
@@ -209,12 +270,22 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
         QDomElement element = doc.createElement(word("view"));
         element.setAttribute(word("chain"), int(chains.indexOf(chain)));
         element.setAttribute(word("block"), int(chain->blocks().indexOf(const_cast<CkChainable*>(block))));
-        element.setAttribute(word("has3d"), int(followed.contains(view->viewId())));
+        element.setAttribute(word("has3d"),
+                             int(followed.contains(view->viewId()) || view->property(kFollower).toBool()));
         element.setAttribute(word("active"), int(view->viewId() == window.area()->activeViewId()));
         describePlace(view, element);
+        const QJsonObject look = lookOf(*picture);
+        if (!look.isEmpty()) {
+            element.setAttribute(word("look"),
+                                 QString::fromUtf8(QJsonDocument(look).toJson(QJsonDocument::Compact)));
+        }
         root.appendChild(element);
     }
     return doc.toByteArray(1);
+}
+
+void CkSessionMemory::followerOpened(CkMdiView& view) {
+    view.setProperty(kFollower, QVariant());
 }
 
 CkSessionMemory::SkRestored CkSessionMemory::restore(CkMainWindow& window, const QByteArray& text) {

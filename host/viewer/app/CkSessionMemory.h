@@ -6,9 +6,11 @@
 #include <QStringList>
 
 class CkMainWindow;
+class CkMdiView;
 
 /// What is open in the window, as a text that the next session can open again: the cameras, whether they ran,
-/// the chains they feed, and the views on these with their places. Stateless; user-interface thread.
+/// the chains they feed, and the views on these with their places, channels, colours and zoom. Stateless;
+/// user-interface thread.
 class CkSessionMemory {
     Q_DECLARE_TR_FUNCTIONS(CkSessionMemory)
 
@@ -22,6 +24,10 @@ public:
 
     /// Empty when no camera is open. Chains with a source that is no camera are left out.
     static QByteArray describe(const CkMainWindow& window);
+
+    /// The 3D view that was to follow this restored view is there, or cannot be; from now on the view is
+    /// described by what follows it.
+    static void followerOpened(CkMdiView& view);
 
     /// A text of somebody else's, or of a newer version, is a problem and opens nothing.
     static SkRestored restore(CkMainWindow& window, const QByteArray& text);

@@ -3,6 +3,7 @@
 #include "app/CkAppDelegate.h"
 #include "app/CkMainWindow.h"
 #include "app/CkPluginHost.h"
+#include "app/CkSessionKeeper.h"
 #include "app/CkUnattendedRun.h"
 #include "app/CkViewerSettings.h"
 #include "area/CkViewArea.h"
@@ -43,6 +44,7 @@ CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParen
 
 CkViewerSession::~CkViewerSession() {
     m_unattended.reset();
+    m_keeper.reset();
     m_window->area()->closeAllViews(false);
     m_window->desk()->closeAllCameras();
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -125,10 +127,16 @@ bool CkViewerSession::start() {
     bool ok = openCameras();
     ok = openFiles() && ok;
     // Whoever names cameras or files gets these and no others.
-    if (remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty() &&
-        m_options.files.isEmpty()) {
+    const bool restores = remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty() &&
+                          m_options.files.isEmpty();
+    if (restores) {
         for (const int id : m_window->restoreSession().viewsWith3d) {
-            whenReady(id, [this, id] { open3dView(id); });
+            whenReady(id, [this, id] {
+                open3dView(id);
+                if (CkMdiView* view = m_window->area()->view(id)) {
+                    CkSessionMemory::followerOpened(*view);
+                }
+            });
         }
     }
     if (m_options.open3dView || !m_options.triggers.isEmpty()) {
@@ -138,6 +146,10 @@ bool CkViewerSession::start() {
         m_unattended = std::make_unique<CkUnattendedRun>(m_options, m_window.get());
         connect(m_unattended.get(), &CkUnattendedRun::finished, this, &CkViewerSession::finished);
         m_unattended->start();
+    }
+    if (!m_options.unattended()) {
+        m_keeper = std::make_unique<CkSessionKeeper>(m_window.get(), restores);
+        connect(m_window.get(), &CkMainWindow::closing, m_keeper.get(), &CkSessionKeeper::end);
     }
     return ok;
 }

@@ -1,0 +1,109 @@
+#include "app/CkSessionKeeper.h"
+
+#include "app/CkMainWindow.h"
+#include "area/CkViewArea.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainManager.h"
+
+#include <QApplication>
+#include <QDockWidget>
+#include <QEvent>
+#include <QMdiSubWindow>
+
+namespace {
+
+constexpr int kDelayMs = 3000;
+// Whoever does not stop working is not put off for longer than this many delays.
+constexpr int kMostDelays = 5;
+
+} // namespace
+
+CkSessionKeeper::CkSessionKeeper(const CkMainWindow* pWindow, bool bAtOnce)
+    : m_pWindow(pWindow), m_last(SkWindowLayout::of(*pWindow)), m_bOn(bAtOnce) {
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(kDelayMs);
+    connect(&m_timer, &QTimer::timeout, this, &CkSessionKeeper::save);
+    const CkViewArea* const area = pWindow->area();
+    connect(area, &CkViewArea::viewAdded, this, &CkSessionKeeper::touch);
+    connect(area, &CkViewArea::viewClosed, this, &CkSessionKeeper::touch);
+    connect(area, &CkViewArea::activeViewChanged, this, &CkSessionKeeper::touch);
+    const CkCameraManager* const cameras = CkCameraManager::instance();
+    connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionKeeper::touch);
+    connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionKeeper::touch);
+    connect(cameras, &CkCameraManager::acquisitionChanged, this, &CkSessionKeeper::touch);
+    const auto watch = [this](CkChain* pChain) {
+        connect(pChain, &CkChain::structureChanged, this, &CkSessionKeeper::touch);
+    };
+    connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, watch);
+    for (CkChain* chain : CkChainManager::instance()->chains()) {
+        watch(chain);
+    }
+    // Settings of blocks, colours and the like have no signal; but they change under somebody's hands.
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+CkSessionKeeper::~CkSessionKeeper() = default;
+
+void CkSessionKeeper::end() {
+    m_timer.stop();
+    disconnect(m_pWindow->area(), nullptr, this, nullptr);
+    disconnect(CkCameraManager::instance(), nullptr, this, nullptr);
+    disconnect(CkChainManager::instance(), nullptr, this, nullptr);
+    for (CkChain* chain : CkChainManager::instance()->chains()) {
+        disconnect(chain, nullptr, this, nullptr);
+    }
+    QCoreApplication::instance()->removeEventFilter(this);
+}
+
+bool CkSessionKeeper::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    switch (pEvent->type()) {
+    case QEvent::MouseButtonRelease:
+    case QEvent::KeyRelease:
+    case QEvent::Wheel:
+    case QEvent::Drop:
+        m_bOn = true;
+        touch();
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::WindowStateChange:
+        if (pWatched == m_pWindow || qobject_cast<QMdiSubWindow*>(pWatched) != nullptr ||
+            qobject_cast<QDockWidget*>(pWatched) != nullptr) {
+            touch();
+        }
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+void CkSessionKeeper::touch() {
+    if (!m_bOn) {
+        return;
+    }
+    if (!m_timer.isActive()) {
+        m_waiting.start();
+        m_timer.start();
+    } else if (m_waiting.elapsed() < qint64(kMostDelays) * m_timer.interval()) {
+        m_timer.start();
+    }
+}
+
+void CkSessionKeeper::save() {
+    // What is half typed or half dragged is nobody's arrangement.
+    if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr ||
+        QGuiApplication::mouseButtons() != Qt::NoButton) {
+        m_timer.start();
+        emit postponed();
+        return;
+    }
+    const SkWindowLayout now = SkWindowLayout::of(*m_pWindow);
+    if (now == m_last) {
+        return;
+    }
+    now.save(&m_last);
+    m_last = now;
+    emit saved();
+}

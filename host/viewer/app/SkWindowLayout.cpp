@@ -1,0 +1,31 @@
+#include "app/SkWindowLayout.h"
+
+#include "app/CkMainWindow.h"
+#include "app/CkSessionMemory.h"
+#include "app/CkViewerSettings.h"
+#include "area/CkViewArea.h"
+
+#include <QSettings>
+
+SkWindowLayout SkWindowLayout::of(const CkMainWindow& window) {
+    return {window.saveGeometry(), window.saveState(), CkSessionMemory::describe(window),
+            window.area()->arrangesItself()};
+}
+
+void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
+    const auto settings = CkViewerSettings::open();
+    if (pBefore == nullptr || pBefore->geometry != geometry) {
+        settings->setValue(CkViewerSettings::keyGeometry(), geometry);
+    }
+    if (pBefore == nullptr || pBefore->state != state) {
+        settings->setValue(CkViewerSettings::keyState(), state);
+    }
+    if (pBefore == nullptr || pBefore->arrange != arrange) {
+        settings->setValue(CkViewerSettings::keyArrange(), arrange);
+    }
+    if (pBefore == nullptr || pBefore->session != session) {
+        settings->setValue(CkViewerSettings::keySession(), session);
+    }
+    // The file is replaced as a whole.
+    settings->sync();
+}

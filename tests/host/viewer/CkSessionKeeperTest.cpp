@@ -1,0 +1,207 @@
+#include "app/CkSessionKeeper.h"
+
+#include "ViewerFixture.h"
+#include "app/CkViewerSettings.h"
+#include "image/CkImageCanvas.h"
+
+#include <QDialog>
+#include <QDockWidget>
+#include <QFile>
+#include <QMdiSubWindow>
+#include <QProcess>
+#include <QSettings>
+#include <QSignalSpy>
+
+// What is open is remembered while it is open, not only by closing the window.
+
+namespace {
+
+constexpr int kPatience = 30'000;
+
+class SessionKeeper : public ViewerFixture {
+protected:
+    bool startKeeping() {
+        const bool ok = start();
+        // Whatever is to be remembered is so at the next turn of the event loop.
+        m_session->keeper()->setDelay(0);
+        return ok;
+    }
+    void close() {
+        ASSERT_TRUE(window()->close());
+        m_session.reset();
+    }
+    static QString remembered() {
+        return QString::fromUtf8(
+            CkViewerSettings::open()->value(CkViewerSettings::keySession()).toByteArray());
+    }
+    static bool waitUntilRemembered(const QString& text) {
+        return QTest::qWaitFor([&] { return remembered().contains(text); }, kPatience);
+    }
+    QMdiSubWindow* frame() const { return area()->subWindowList().value(0); }
+};
+
+TEST_F(SessionKeeper, WhatWasNotClosedComesBackAllTheSame) {
+    ASSERT_TRUE(startKeeping());
+    openGrey();
+    auto* log = window()->findChild<QDockWidget*>("dockLog");
+    log->hide();
+    area()->setArrangesItself(false);
+    frame()->setGeometry(31, 17, 420, 333);
+    ASSERT_TRUE(waitUntilRemembered("x=\"31\"")) << qPrintable(remembered());
+    // A panel alone is enough, too.
+    QTest::keyClick(window(), Qt::Key_Shift);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] {
+            return CkViewerSettings::open()->value(CkViewerSettings::keyState()).toByteArray() ==
+                   window()->saveState();
+        },
+        kPatience));
+    // As a crash leaves it: nobody closes the window.
+    m_session.reset();
+
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
+    EXPECT_TRUE(window()->findChild<QDockWidget*>("dockLog")->isHidden());
+    EXPECT_FALSE(area()->arrangesItself());
+    ASSERT_EQ(area()->subWindowList().size(), 1);
+    EXPECT_EQ(frame()->geometry(), QRect(31, 17, 420, 333));
+}
+
+TEST_F(SessionKeeper, AKilledProgramFindsItsViewsAgain) {
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(desk()->start(openGrey()));
+    close();
+    ASSERT_EQ(remembered().count("<view "), 1);
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedChannels);
+    program.start(QStringLiteral(ZU_VIEWER),
+                  {"--settings", m_options.settingsFile, "--trigger", "btnNewView"});
+    ASSERT_TRUE(program.waitForStarted());
+    const bool told = QTest::qWaitFor([] { return remembered().count("<view ") == 2; }, 2 * kPatience);
+    program.kill();
+    program.waitForFinished(kPatience);
+    ASSERT_TRUE(told) << qPrintable(remembered());
+    EXPECT_EQ(program.exitStatus(), QProcess::CrashExit);
+
+    ASSERT_TRUE(start());
+    EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
+    EXPECT_EQ(area()->views().size(), 2);
+    EXPECT_TRUE(waitForFrame(area()->views().at(1)));
+}
+
+TEST_F(SessionKeeper, WaitsUntilADialogIsDone) {
+    ASSERT_TRUE(startKeeping());
+    QSignalSpy saved(m_session->keeper(), &CkSessionKeeper::saved);
+    QSignalSpy postponed(m_session->keeper(), &CkSessionKeeper::postponed);
+    QDialog dialog(window());
+    dialog.open();
+    openGrey();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return postponed.size() >= 3; }, kPatience));
+    EXPECT_TRUE(saved.isEmpty());
+    EXPECT_EQ(remembered(), "");
+    dialog.close();
+    EXPECT_TRUE(waitUntilRemembered("sim:grey"));
+}
+
+TEST_F(SessionKeeper, AWindowOpenedOnTheSideReplacesNothingBeforeItsUserActs) {
+    ASSERT_TRUE(start());
+    openGrey();
+    close();
+    const QString before = remembered();
+    m_options.cameras = QStringList{"sim:hybrid"};
+    ASSERT_TRUE(startKeeping());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    ASSERT_TRUE(desk()->start(desk()->openCamera("sim:wave", true)));
+    ASSERT_TRUE(waitForFrame(area()->views().at(1)));
+    EXPECT_EQ(remembered(), before);
+    QTest::keyClick(window(), Qt::Key_Shift);
+    ASSERT_TRUE(waitUntilRemembered("sim:wave"));
+    EXPECT_FALSE(remembered().contains("sim:grey"));
+}
+
+TEST_F(SessionKeeper, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
+    ASSERT_TRUE(startKeeping());
+    openGrey();
+    ASSERT_TRUE(waitUntilRemembered("sim:grey"));
+    ASSERT_TRUE(window()->close());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return area()->views().isEmpty(); }, kPatience));
+    desk()->closeAllCameras();
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(remembered().contains("sim:grey"));
+    EXPECT_TRUE(remembered().contains("<view "));
+}
+
+TEST_F(SessionKeeper, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
+    ASSERT_TRUE(start());
+    openGrey();
+    close();
+    ASSERT_TRUE(remembered().contains("has3d=\"0\""));
+    CkViewerSettings::open()->setValue(CkViewerSettings::keySession(),
+                                       remembered().replace("has3d=\"0\"", "has3d=\"1\"").toUtf8());
+    ASSERT_TRUE(start());
+    close();
+    EXPECT_TRUE(remembered().contains("has3d=\"1\"")) << qPrintable(remembered());
+}
+
+TEST_F(SessionKeeper, UnattendedRunsKeepNothing) {
+    m_options.frames = 1000;
+    ASSERT_TRUE(start());
+    EXPECT_EQ(m_session->keeper(), nullptr);
+}
+
+class SessionLook : public SessionKeeper {
+protected:
+    void expectLook() const {
+        const CkImageView* view = firstView();
+        ASSERT_NE(view, nullptr);
+        EXPECT_EQ(view->channel(), 1);
+        EXPECT_FALSE(view->canvas()->isFitting());
+        EXPECT_DOUBLE_EQ(view->canvas()->zoom(), 2.5);
+        EXPECT_EQ(view->showsLegend(), m_bLegend);
+        EXPECT_TRUE(view->marksSaturated());
+        EXPECT_FALSE(view->autoContrast());
+        EXPECT_DOUBLE_EQ(view->window().low, 10.0);
+        EXPECT_DOUBLE_EQ(view->window().high, 500.0);
+        EXPECT_DOUBLE_EQ(view->gamma(), 2.0);
+    }
+
+    bool m_bLegend = false;
+};
+
+TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) {
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(desk()->start(desk()->openCamera("sim:wave", true)));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    CkImageView* view = firstView();
+    ASSERT_EQ(view->channel(), 0);
+    view->setChannel(1);
+    view->canvas()->setZoom(2.5);
+    m_bLegend = !view->showsLegend();
+    view->setShowsLegend(m_bLegend);
+    view->setMarksSaturated(true);
+    view->setGamma(2.0);
+    view->setWindow({10.0, 500.0});
+    expectLook();
+    close();
+
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    expectLook();
+    close();
+    // The camera does not run, no picture comes.
+    const auto setRunning = [](const char* from, const char* to) {
+        CkViewerSettings::open()->setValue(CkViewerSettings::keySession(),
+                                           remembered().replace(from, to).toUtf8());
+    };
+    setRunning("running=\"1\"", "running=\"0\"");
+    ASSERT_TRUE(start());
+    EXPECT_EQ(firstView()->currentImage(), nullptr);
+    close();
+    setRunning("running=\"0\"", "running=\"1\"");
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(waitForFrame(firstView()));
+    expectLook();
+}
+
+} // namespace
