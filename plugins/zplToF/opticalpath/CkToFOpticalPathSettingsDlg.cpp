@@ -107,7 +107,7 @@ void CkToFOpticalPathSettingsDlg::on_buttonBox_clicked(QAbstractButton* pButton)
     }
 }
 
-void CkToFOpticalPathSettingsDlg::onConfThresholdSliderValueChanged(CkValue value) {
+void CkToFOpticalPathSettingsDlg::onConfThresholdSliderValueChanged(const CkValue& value) {
     m_fConfidenceThreshold = value.toFloat();
     m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_fConfidenceThreshold), 'f', 2));
     emit confidenceThresholdChanged(m_fConfidenceThreshold);

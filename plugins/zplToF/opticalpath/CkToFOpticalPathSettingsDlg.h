@@ -63,7 +63,7 @@ signals:
 public slots:
     void on_buttonBox_accepted();
     void on_buttonBox_clicked(QAbstractButton* pButton);
-    void onConfThresholdSliderValueChanged(CkValue value);
+    void onConfThresholdSliderValueChanged(const CkValue& value);
     void on_chkBoundingBox_toggled(bool bOn);
     void onBgColorPickedChanged();
 

@@ -1,5 +1,7 @@
 #include "image/CkDisplayTable.h"
 
+#include "PaddedPicture.h"
+#include "SampleTypes.h"
 #include "ViewerPictures.h"
 #include "image/CkPictureStatistics.h"
 #include "image/CkPictureText.h"
@@ -25,34 +27,13 @@ int level(const QImage& image, int x, int y) {
 }
 
 template <class T>
-struct TypeOf;
-#define ZU_TYPE(T, number)                                                                                   \
-    template <>                                                                                              \
-    struct TypeOf<T> {                                                                                       \
-        static constexpr EkImageDataType value = EkImageDataType::number;                                    \
-    }
-ZU_TYPE(qint8, Int8);
-ZU_TYPE(quint8, UInt8);
-ZU_TYPE(qint16, Int16);
-ZU_TYPE(quint16, UInt16);
-ZU_TYPE(qint32, Int32);
-ZU_TYPE(quint32, UInt32);
-ZU_TYPE(qint64, Int64);
-ZU_TYPE(quint64, UInt64);
-ZU_TYPE(float, Float32);
-ZU_TYPE(double, Float64);
-#undef ZU_TYPE
-
-template <class T>
 class EverySampleType : public ::testing::Test {};
-using SampleTypes =
-    ::testing::Types<qint8, quint8, qint16, quint16, qint32, quint32, qint64, quint64, float, double>;
 TYPED_TEST_SUITE(EverySampleType, SampleTypes);
 
 TYPED_TEST(EverySampleType, WindowSpreadsOverTheColours) {
     using T = TypeParam;
     // Values 0, 10, ... 100 in channel 1; channel 0 would give something else.
-    const auto frame = makeFrame<T>(TypeOf<T>::value, 11, 3, 2, 8 * sizeof(T),
+    const auto frame = makeFrame<T>(SampleTypeOf<T>::value, 11, 3, 2, 8 * sizeof(T),
                                     [](quint32 x, quint32, quint32 c) { return c == 1 ? T(10 * x) : T(99); });
     ASSERT_TRUE(frame);
     QImage image;
@@ -70,7 +51,7 @@ TYPED_TEST(EverySampleType, WindowSpreadsOverTheColours) {
 
 TYPED_TEST(EverySampleType, StatisticsKnowRangeAndQuantiles) {
     using T = TypeParam;
-    const auto frame = makeFrame<T>(TypeOf<T>::value, 100, 2, 1, 8 * sizeof(T),
+    const auto frame = makeFrame<T>(SampleTypeOf<T>::value, 100, 2, 1, 8 * sizeof(T),
                                     [](quint32 x, quint32, quint32) { return T(x); });
     SkPictureStatistics statistics;
     ASSERT_TRUE(computeStatistics(frame->picBuf(), 0, statistics));
@@ -86,7 +67,7 @@ TYPED_TEST(EverySampleType, StatisticsKnowRangeAndQuantiles) {
 
 TYPED_TEST(EverySampleType, SampleValueReadsTheSample) {
     using T = TypeParam;
-    const auto frame = makeFrame<T>(TypeOf<T>::value, 4, 5, 3, 8 * sizeof(T),
+    const auto frame = makeFrame<T>(SampleTypeOf<T>::value, 4, 5, 3, 8 * sizeof(T),
                                     [](quint32 x, quint32 y, quint32 c) { return T(x + 4 * y + 20 * c); });
     EXPECT_EQ(CkDisplayTable::sampleValue(frame->picBuf(), 3, 4, 2), 3 + 16 + 40);
     EXPECT_TRUE(std::isnan(CkDisplayTable::sampleValue(frame->picBuf(), 4, 0, 0)));

@@ -1,4 +1,5 @@
 #include "PaddedPicture.h"
+#include "SampleTypes.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>
@@ -12,8 +13,6 @@ __extension__ using Wide = __int128;
 
 template <typename T>
 class ChannelsOf : public testing::Test {};
-using SampleTypes =
-    testing::Types<qint8, quint8, qint16, quint16, qint32, quint32, qint64, quint64, float, double>;
 TYPED_TEST_SUITE(ChannelsOf, SampleTypes);
 
 template <typename T>

@@ -1,4 +1,5 @@
 #include "PaddedPicture.h"
+#include "SampleTypes.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +9,6 @@ namespace {
 
 template <typename T>
 class CopyOfSamples : public testing::Test {};
-using SampleTypes =
-    testing::Types<qint8, quint8, qint16, quint16, qint32, quint32, qint64, quint64, float, double>;
 TYPED_TEST_SUITE(CopyOfSamples, SampleTypes);
 
 /// A different value for every sample, up to 127.
