@@ -39,11 +39,12 @@ void drawWithoutMultisampling(QWindow& window) {
 // A window gives its nodes to the aspect engine when it is shown. One that never was keeps its own root and
 // its settings, the frame graph among them, for ever.
 void freeNodesWith(Qt3DExtras::Qt3DWindow& window, Qt3DCore::QNode* root) {
-    const QPointer<Qt3DCore::QNode> settings = window.renderSettings();
-    QObject::connect(&window, &QObject::destroyed, [settings, root = QPointer<Qt3DCore::QNode>(root)] {
-        delete root;
-        delete settings;
-    });
+    QObject::connect(&window, &QObject::destroyed,
+                     [root = QPointer<Qt3DCore::QNode>(root),
+                      settings = QPointer<Qt3DCore::QNode>(window.renderSettings())] {
+                         delete root;
+                         delete settings;
+                     });
 }
 
 } // namespace
