@@ -1,5 +1,7 @@
 #include "quality/CkQualityHistory.h"
 
+#include "image/CkPictureText.h"
+
 #include <QStringList>
 
 #include <cmath>
@@ -50,7 +52,7 @@ QString CkQualityHistory::number(double fValue, const QString& sUnit) {
     }
     const double size = std::abs(fValue);
     const int decimals = size >= 10000.0 ? 0 : size >= 1000.0 ? 1 : size >= 10.0 ? 2 : 3;
-    const QString number = QString::number(fValue, 'f', decimals);
+    const QString number = CkPictureText::locale().toString(fValue, 'f', decimals);
     return sUnit.isEmpty() ? number : number + QLatin1Char(' ') + sUnit;
 }
 

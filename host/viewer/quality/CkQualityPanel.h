@@ -16,6 +16,7 @@ class CkViewArea;
 class QAction;
 class QComboBox;
 class QDoubleSpinBox;
+class QGridLayout;
 class QLabel;
 class QPushButton;
 class QToolButton;
@@ -59,9 +60,11 @@ signals:
 protected:
     void showEvent(QShowEvent* pEvent) override;
     void hideEvent(QHideEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
 
 private:
     void createControls();
+    void placeButtons();
     QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
                                  int iDecimals);
     void createActions();
@@ -76,6 +79,8 @@ private:
     void updateControls();
 
     CkViewArea* m_pArea;
+    QGridLayout* m_pButtons = nullptr;
+    int m_iButtonColumns = 0;
     QToolButton* m_pDraw = nullptr;
     QPushButton* m_pRestart = nullptr;
     QPushButton* m_pCopy = nullptr;

@@ -15,14 +15,15 @@
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 QDoubleSpinBox* CkQualityPanel::createNumber(const QString& sName, double fLow, double fHigh, double fStep,
                                              int iDecimals) {
@@ -39,7 +40,7 @@ QDoubleSpinBox* CkQualityPanel::createNumber(const QString& sName, double fLow, 
 void CkQualityPanel::createControls() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
-    auto* buttons = new QHBoxLayout;
+    m_pButtons = new QGridLayout;
     m_pDraw = new QToolButton(this);
     m_pDraw->setObjectName(QStringLiteral("qualityDraw"));
     m_pDraw->setText(tr("Draw Region"));
@@ -54,9 +55,9 @@ void CkQualityPanel::createControls() {
     m_pDraw->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     for (QWidget* button : QList<QWidget*>{m_pDraw, m_pRestart, m_pCopy, m_pSave}) {
         button->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("MMM")));
-        buttons->addWidget(button);
     }
-    layout->addLayout(buttons);
+    placeButtons();
+    layout->addLayout(m_pButtons);
     m_pWhere = new QLabel(this);
     m_pWhere->setObjectName(QStringLiteral("qualityWhere"));
     m_pWhere->setWordWrap(true);
@@ -114,6 +115,30 @@ void CkQualityPanel::createControls() {
     lens->addRow(tr("Confidence limit"), m_pConfidence);
     layout->addLayout(lens);
     createActions();
+}
+
+// One row where there is room for what stands on them, else two: German has longer words.
+void CkQualityPanel::placeButtons() {
+    const QList<QWidget*> buttons = {m_pDraw, m_pRestart, m_pCopy, m_pSave};
+    const int count = int(buttons.size());
+    int needed = (count - 1) * std::max(0, m_pButtons->horizontalSpacing());
+    for (const QWidget* button : buttons) {
+        needed += button->sizeHint().width();
+    }
+    const QMargins around = layout()->contentsMargins();
+    const int columns = needed <= width() - around.left() - around.right() ? count : count / 2;
+    if (columns == m_iButtonColumns) {
+        return;
+    }
+    m_iButtonColumns = columns;
+    for (int i = 0; i < count; ++i) {
+        m_pButtons->addWidget(buttons[i], i / columns, i % columns);
+    }
+}
+
+void CkQualityPanel::resizeEvent(QResizeEvent* pEvent) {
+    QWidget::resizeEvent(pEvent);
+    placeButtons();
 }
 
 void CkQualityPanel::createActions() {

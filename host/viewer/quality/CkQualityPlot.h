@@ -15,7 +15,7 @@ public:
     /// The newest value last; gaps where a value is not finite. As many as the widget is wide are enough.
     void showValues(const std::vector<double>& values, const QString& sUnit);
 
-    QSize sizeHint() const override { return {260, 130}; }
+    QSize sizeHint() const override { return {260, 90}; }
     QSize minimumSizeHint() const override { return {120, 80}; }
 
 protected:

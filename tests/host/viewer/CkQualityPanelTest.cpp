@@ -10,9 +10,11 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -147,6 +149,40 @@ TEST_F(QualityPanelTest, AViewWithoutAPictureIsMeasuredInTheOneItFollows) {
     EXPECT_EQ(m_pPanel->measuredView(), nullptr);
     EXPECT_TRUE(
         child<QLabel>("qualityWhere")->text().startsWith(QStringLiteral("The active view shows no picture")));
+}
+
+TEST_F(QualityPanelTest, ButtonsAreWholeInALongerLanguageToo) {
+    const QList<QAbstractButton*> buttons = {
+        child<QToolButton>("qualityDraw"), child<QPushButton>("qualityRestart"),
+        child<QPushButton>("qualityCopy"), child<QPushButton>("qualitySave")};
+    buttons[0]->setText("Bereich zeichnen");
+    buttons[1]->setText("Neu beginnen");
+    buttons[2]->setText("Kopieren");
+    buttons[3]->setText("CSV speichern...");
+    int sum = 0;
+    for (const QAbstractButton* button : buttons) {
+        sum += button->sizeHint().width();
+    }
+    const auto whole = [&] {
+        return std::all_of(buttons.begin(), buttons.end(), [](const QAbstractButton* button) {
+            return button->width() >= button->sizeHint().width();
+        });
+    };
+    const auto rows = [&] {
+        QSet<int> tops;
+        for (const QAbstractButton* button : buttons) {
+            tops.insert(button->geometry().center().y());
+        }
+        return tops.size();
+    };
+    // Wide, narrow, and wide again.
+    for (const int width : {sum + 60, sum - 20, sum + 100}) {
+        m_pPanel->setFixedWidth(width);
+        const int expected = width > sum ? 1 : 2;
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return m_pPanel->width() == width && whole() && rows() == expected; }, 30000))
+            << width << " of " << sum << ", " << rows() << " rows";
+    }
 }
 
 TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {

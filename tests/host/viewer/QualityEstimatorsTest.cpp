@@ -1,3 +1,4 @@
+#include "LocaleScope.h"
 #include "ViewerPictures.h"
 #include "quality/CkQualityHistory.h"
 #include "quality/CkQualityMeter.h"
@@ -280,6 +281,12 @@ TEST(QualityHistory, TableHoldsOneLineAFrame) {
     EXPECT_TRUE(CkQualityHistory::text(values).startsWith(QStringLiteral("Mean\t1234.5 mm\n")));
     EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Valid pixels\t75.00 %\n")));
     EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Tilt\t\u2013\n")));
+    {
+        // People read them as they write them; programs read the table.
+        const LocaleScope german{QLocale(QLocale::German)};
+        EXPECT_EQ(CkQualityHistory::number(1234.5, QStringLiteral("mm")), QStringLiteral("1234,5 mm"));
+        EXPECT_TRUE(history.csv(QString(), QRect()).contains("7,2,mm,1234.5,0.25"));
+    }
     for (size_t i = 0; i < CkQualityHistory::kMost + 5; ++i) {
         values.frameNumber = i;
         history.add(values);
