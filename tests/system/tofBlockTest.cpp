@@ -11,16 +11,26 @@ namespace {
 
 const QString g_tofBlock = QStringLiteral("com.orvane.Pictor.CkToFProcessCnbl");
 
-class ToFBlock : public SystemFixture {};
+/// A running wave camera with the block behind it.
+class ToFBlock : public SystemFixture {
+protected:
+    void SetUp() override {
+        SystemFixture::SetUp();
+        ASSERT_TRUE(start());
+        camera = openWaveCamera();
+        ASSERT_TRUE(desk()->start(camera));
+        ASSERT_TRUE(waitForFrame(firstView()));
+        panel = window()->chainPanel();
+        block = panel->addBlock(g_tofBlock, false);
+        ASSERT_NE(block, nullptr);
+    }
+
+    void* camera = nullptr;
+    CkChainPanel* panel = nullptr;
+    CkChainable* block = nullptr;
+};
 
 TEST_F(ToFBlock, BlockIsAddedConfiguredExplainedAndSavedFromThePanel) {
-    ASSERT_TRUE(start());
-    void* camera = openWaveCamera();
-    ASSERT_TRUE(desk()->start(camera));
-    ASSERT_TRUE(waitForFrame(firstView()));
-    CkChainPanel* panel = window()->chainPanel();
-    CkChainable* block = panel->addBlock(g_tofBlock, false);
-    ASSERT_NE(block, nullptr);
     EXPECT_EQ(block->title(), "ToF Amplitude");
     QCoreApplication::processEvents();
     panel->tree()->selectBlock(block);
@@ -54,21 +64,14 @@ TEST_F(ToFBlock, BlockIsAddedConfiguredExplainedAndSavedFromThePanel) {
 }
 
 TEST_F(ToFBlock, ErrorOfTheBlockShowsWhileTheCameraSendsTheWrongPictures) {
-    ASSERT_TRUE(start());
-    void* camera = openWaveCamera();
-    ASSERT_TRUE(desk()->start(camera));
-    ASSERT_TRUE(waitForFrame(firstView()));
-    CkChainPanel* panel = window()->chainPanel();
-    CkChainable* block = panel->addBlock(g_tofBlock, false);
-    ASSERT_NE(block, nullptr);
     QCoreApplication::processEvents();
     EXPECT_EQ(panel->tree()->shownError(block), "");
     set(camera, "tof_readout_mode", 0);
     EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return panel->tree()->shownError(block).startsWith("The input image must be RAWX2 image"); },
+        [this] { return panel->tree()->shownError(block).startsWith("The input image must be RAWX2 image"); },
         30'000));
     set(camera, "tof_readout_mode", 4);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return panel->tree()->shownError(block).isEmpty(); }, 30'000));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return panel->tree()->shownError(block).isEmpty(); }, 30'000));
     QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
     EXPECT_TRUE(frames.wait(30'000));
 }

@@ -31,6 +31,16 @@ protected:
                 action("menuTofCalibrateOffset")->isEnabled()};
     }
 
+    /// Three-dimensional views on a view that becomes the active one.
+    void openToF3dViews(CkMdiView& on, int count) {
+        app.registerView(&on);
+        app.activeView = on.viewId();
+        plugin.actions().setMessageFunction([](const SkToFMessage&) { return QMessageBox::Ok; });
+        for (int i = 0; i < count; ++i) {
+            plugin.on_actOpenToF3dView();
+        }
+    }
+
     struct App : FakeAppDelegate {
         QMenu* mainMenuFor() const { return const_cast<App*>(this)->mainMenu(3); }
     } app;
@@ -264,12 +274,8 @@ TEST_F(ToFPlugin, FramesReachTheViewsOfTheirOwnView) {
     ASSERT_TRUE(plugin.init());
     CkMdiView first;
     CkMdiView second;
-    for (CkMdiView* view : {&first, &second}) {
-        app.registerView(view);
-        app.activeView = view->viewId();
-        plugin.actions().setMessageFunction([](const SkToFMessage&) { return QMessageBox::Ok; });
-        plugin.on_actOpenToF3dView();
-    }
+    openToF3dViews(first, 1);
+    openToF3dViews(second, 1);
     const auto views = plugin.actions().views();
     ASSERT_EQ(views.size(), 2);
     int toFirst = 0;
@@ -287,11 +293,7 @@ TEST_F(ToFPlugin, FramesReachTheViewsOfTheirOwnView) {
 TEST_F(ToFPlugin, ClosingRemovesAThreeDViewOnceAndOthersNever) {
     ASSERT_TRUE(plugin.init());
     CkMdiView shown;
-    app.registerView(&shown);
-    app.activeView = shown.viewId();
-    plugin.actions().setMessageFunction([](const SkToFMessage&) { return QMessageBox::Ok; });
-    plugin.on_actOpenToF3dView();
-    plugin.on_actOpenToF3dView();
+    openToF3dViews(shown, 2);
     ASSERT_EQ(plugin.actions().views().size(), 2);
     plugin.viewAboutToClose(shown.viewId());
     EXPECT_EQ(plugin.actions().views().size(), 2);
@@ -305,11 +307,7 @@ TEST_F(ToFPlugin, ClosingRemovesAThreeDViewOnceAndOthersNever) {
 TEST_F(ToFPlugin, ViewThatClosesWhileAFrameIsOnItsWayIsNotTouchedAgain) {
     ASSERT_TRUE(plugin.init());
     CkMdiView shown;
-    app.registerView(&shown);
-    app.activeView = shown.viewId();
-    plugin.actions().setMessageFunction([](const SkToFMessage&) { return QMessageBox::Ok; });
-    plugin.on_actOpenToF3dView();
-    plugin.on_actOpenToF3dView();
+    openToF3dViews(shown, 2);
     const auto views = plugin.actions().views();
     ASSERT_EQ(views.size(), 2);
     const int second = views[1]->viewId();
