@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <bit>
 #include <random>
 #include <set>
 
@@ -145,14 +146,14 @@ void expectSameCloud(const CkToFCloudBuilder& plain, const CkToFCloudBuilder& ve
         if (i % 6 < 2)
             ASSERT_LE(std::abs(orderOf(a[i]) - orderOf(b[i])), 2) << "vertex float " << i;
         else
-            ASSERT_EQ(std::memcmp(a + i, b + i, 4), 0) << "vertex float " << i;
+            ASSERT_EQ(std::bit_cast<quint32>(a[i]), std::bit_cast<quint32>(b[i])) << "vertex float " << i;
     }
     for (size_t i = 0; i < plain.exportPoints().size(); i++) {
         const SkToFPoint& p = plain.exportPoints()[i];
         const SkToFPoint& q = vectors.exportPoints()[i];
         ASSERT_LE(std::abs(orderOf(p.x) - orderOf(q.x)), 2) << i;
         ASSERT_LE(std::abs(orderOf(p.y) - orderOf(q.y)), 2) << i;
-        ASSERT_EQ(std::memcmp(&p.z, &q.z, 4), 0) << i;
+        ASSERT_EQ(std::bit_cast<quint32>(p.z), std::bit_cast<quint32>(q.z)) << i;
     }
 }
 
