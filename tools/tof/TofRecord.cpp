@@ -107,7 +107,7 @@ QString chainOf(void* handle) {
     if (saved && document.documentElement().isNull()) {
         document.appendChild(element);
     }
-    const QString xml = saved ? document.toString(1) : QString();
+    QString xml = saved ? document.toString(1) : QString();
     CkChainManager::instance()->closeChain(chain);
     return xml;
 }
