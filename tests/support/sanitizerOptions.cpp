@@ -2,8 +2,9 @@
 // otherwise end the program. Options of the environment come on top.
 
 extern "C" {
-const char* __asan_default_options();
-const char* __tsan_default_options();
+// Hidden they would not be seen by the sanitizers' library.
+__attribute__((visibility("default"))) const char* __asan_default_options();
+__attribute__((visibility("default"))) const char* __tsan_default_options();
 
 const char* __asan_default_options() {
     return "allocator_may_return_null=1";
