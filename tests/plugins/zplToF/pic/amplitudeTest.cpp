@@ -191,7 +191,8 @@ TEST_P(Amplitude, SamplesAround12And14Bits) {
     for (const auto& [bits, channels] : {std::pair(12, 1U), {12, 2U}, {14, 1U}, {14, 2U}}) {
         TestPicture source(width, 4 * height, channels, channels == 2 ? Type::UInt16 : Type::Int16);
         fillAround(bits, source, random);
-        const auto difference = [&](quint32 x, quint32 y, quint32 phase) {
+        // Clang 14 captures names of a structured binding in no other way.
+        const auto difference = [&source, channels = channels](quint32 x, quint32 y, quint32 phase) {
             const quint32 row = phase * height + y;
             return source.at(x, row, 0) - (channels == 2 ? source.at(x, row, 1) : 0);
         };
