@@ -31,8 +31,8 @@ protected:
             if (kind == "IHDR") {
                 read.width = qFromBigEndian<quint32>(content.constData());
                 read.height = qFromBigEndian<quint32>(content.constData() + 4);
-                read.bits = content[8];
-                read.colour = content[9];
+                read.bits = quint8(content[8]);
+                read.colour = quint8(content[9]);
             } else if (kind == "IDAT") {
                 read.rows = qUncompress(QByteArray(4, '\0') + content);
             }
