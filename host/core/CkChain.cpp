@@ -156,9 +156,12 @@ SkBlockStatistics CkChain::blockStatistics(const CkChainable* pBlock) const {
     const std::lock_guard lock(m_d->m_graph);
     SkBlockStatistics statistics;
     if (const SkChainNode* const node = m_d->find(pBlock)) {
-        statistics.framesIn = node->framesIn;
-        statistics.framesOut = node->framesOut;
+        // Against the order in which a frame changes them: what is done has left, and what a sink had to drop
+        // has left too.
+        statistics.framesDone = node->framesDone;
         statistics.dropped = node->dropped;
+        statistics.framesOut = node->framesOut;
+        statistics.framesIn = node->framesIn;
         statistics.processNs = node->processNs;
     }
     return statistics;

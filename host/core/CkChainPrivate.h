@@ -52,6 +52,7 @@ struct SkChainNode {
 
     std::atomic<quint64> framesIn = 0;
     std::atomic<quint64> framesOut = 0;
+    std::atomic<quint64> framesDone = 0;
     std::atomic<quint64> dropped = 0;
     std::atomic<quint64> processNs = 0;
 };
@@ -111,6 +112,7 @@ public:
     bool hasNegotiatedSize(SkChainNode& node, const IkChainData& data);
     void passOn(SkChainNode& node, IkChainData* pData);
     bool giveToSinks(SkChainNode& node, IkChainData* pData);
+    void giveToSuccessors(SkChainNode& node, IkChainData* pData);
 
     CkChain* const m_q;
     CkControlMutex m_control;

@@ -25,7 +25,7 @@ bool CkChain::CkPrivate::start() {
         m_order = ordered();
         for (SkChainNode* node : m_order) {
             hasSource = hasSource || node->source != nullptr;
-            node->framesIn = node->framesOut = node->dropped = node->processNs = 0;
+            node->framesIn = node->framesOut = node->framesDone = node->dropped = node->processNs = 0;
             node->lastFrame = SkFormat();
             node->toleratesOtherSizes = false;
         }
@@ -289,9 +289,13 @@ bool CkChain::CkPrivate::hasNegotiatedSize(SkChainNode& node, const IkChainData&
 
 void CkChain::CkPrivate::passOn(SkChainNode& node, IkChainData* pData) {
     ++node.framesOut;
-    if (giveToSinks(node, pData)) {
-        return;
+    if (!giveToSinks(node, pData)) {
+        giveToSuccessors(node, pData);
     }
+    ++node.framesDone;
+}
+
+void CkChain::CkPrivate::giveToSuccessors(SkChainNode& node, IkChainData* pData) {
     // The structure stands still while the chain runs.
     const size_t count = node.successors.size();
     for (size_t i = 0; i < count; ++i) {

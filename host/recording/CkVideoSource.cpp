@@ -354,13 +354,27 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
     const auto afterFrame = m_d->pace == EveryFrame ? m_d->afterFrame : nullptr;
     lock.unlock();
     emit positionChanged(frame);
+    const auto interrupted = [this, jumps] {
+        const std::lock_guard guard(m_d->mutex);
+        return m_d->stop || m_d->jumps != jumps;
+    };
     if (afterFrame) {
-        afterFrame([this, jumps] {
-            const std::lock_guard guard(m_d->mutex);
-            return m_d->stop || m_d->jumps != jumps;
-        });
+        waitForChain(interrupted);
+        afterFrame(interrupted);
     }
     lock.lock();
+}
+
+// A frame that has left the player may still be on its way to the views behind the blocks.
+void CkVideoSource::waitForChain(const std::function<bool()>& interrupted) {
+    while (!interrupted()) {
+        const CkChain* const owner = chain();
+        const SkBlockStatistics now = owner != nullptr ? owner->blockStatistics(this) : SkBlockStatistics();
+        if (now.framesDone == now.framesOut) {
+            return;
+        }
+        std::this_thread::sleep_for(200us);
+    }
 }
 
 void CkVideoSource::advance(qint64 iFrame) {

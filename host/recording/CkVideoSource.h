@@ -38,8 +38,8 @@ public:
     /// The recording, or null. Stays valid for whoever holds it.
     std::shared_ptr<const IkFrameFile> recording() const;
 
-    /// Called on the player's thread behind each frame that it delivers when every frame counts; may wait
-    /// for whoever shows the frames, until interrupted answers true.
+    /// Called on the player's thread behind each frame that it delivers when every frame counts, once the
+    /// chain is done with it; may wait for whoever shows the frames, until interrupted answers true.
     void setAfterFrame(std::function<void(const std::function<bool()>& interrupted)> afterFrame);
 
     /// Plays one-channel pictures as depths in metres; other frames stay as they are. From the next frame on.
@@ -87,6 +87,7 @@ private:
     void run();
     void playOne(std::unique_lock<std::mutex>& lock);
     bool waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFrame);
+    void waitForChain(const std::function<bool()>& interrupted);
     bool deliverOne(std::unique_lock<std::mutex>& lock, CkImageData& frame);
     void advance(qint64 iFrame);
 

@@ -37,6 +37,8 @@ struct SkBlockStatistics {
     /// a free picture, to a format that does not fit, a block that failed, or a slow sink.
     quint64 dropped = 0;
     quint64 processNs = 0; ///< spent in processData
+    /// Of the frames that left it, those that all blocks and sinks behind it are done with.
+    quint64 framesDone = 0;
 };
 
 /// A graph of blocks and the thread that runs it.

@@ -36,6 +36,30 @@ TEST_F(CkChainTest, FramesRunThroughAllBlocksInOrder) {
     chain->removeSink(&sink);
 }
 
+TEST_F(CkChainTest, AFrameIsDoneOnceAllBehindTheBlockAreDoneWithIt) {
+    auto* const first = branch(new PassBlock(), source);
+    auto* const second = branch(new AddBlock(1), first);
+    KeepingSink sink;
+    ASSERT_TRUE(chain->addSink(second, &sink));
+    sink.gate.close();
+    ASSERT_TRUE(chain->start());
+    pushSurely(7);
+    ASSERT_TRUE(waitUntil([&] { return sink.gate.waiting() == 1; }));
+    for (const CkChainable* const block :
+         {static_cast<CkChainable*>(source), static_cast<CkChainable*>(first),
+          static_cast<CkChainable*>(second)}) {
+        EXPECT_EQ(chain->blockStatistics(block).framesOut, 1U);
+        EXPECT_EQ(chain->blockStatistics(block).framesDone, 0U);
+    }
+    sink.gate.open();
+    EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 1; }));
+    EXPECT_EQ(chain->blockStatistics(second).framesDone, 1U);
+    chain->stop();
+    chain->removeSink(&sink);
+    ASSERT_TRUE(chain->start());
+    EXPECT_EQ(chain->blockStatistics(source).framesDone, 0U) << "counted anew";
+}
+
 TEST_F(CkChainTest, AChainWithoutSourceOrRunningDoesNotStart) {
     CkChain* const empty = manager->createChain();
     EXPECT_FALSE(empty->start());

@@ -5,8 +5,10 @@
 #include "zuCore/CkChainManager.h"
 
 #include <QDomDocument>
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <numeric>
 #include <thread>
 
 namespace {
@@ -113,6 +115,51 @@ TEST_F(CkVideoSourceTest, EveryFrameComesOnceAndInOrder) {
         twice.push_back(number);
     }
     EXPECT_EQ(m_sink.waitFor(600), twice);
+}
+
+/// Counts a frame some time after it came.
+class SlowSink : public IkFrameSink {
+public:
+    int takeFrame(CkImageData* pData) override {
+        const std::unique_ptr<CkImageData> data(pData);
+        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+        ++m_frames;
+        return 0;
+    }
+    int frames() const { return m_frames; }
+
+private:
+    std::atomic<int> m_frames = 0;
+};
+
+TEST_F(CkVideoSourceTest, TheChainIsDoneWithAFrameBeforeWhoeverWaitsForItIsAsked) {
+    openFrames(20);
+    SlowSink slow;
+    ASSERT_TRUE(m_chain->addSink(m_source, &slow));
+    std::mutex mutex;
+    std::vector<int> seen;
+    m_source->setAfterFrame([&](const std::function<bool()>&) {
+        const std::lock_guard lock(mutex);
+        seen.push_back(slow.frames());
+    });
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    for (int i = 0; i < 60000; ++i) {
+        {
+            const std::lock_guard lock(mutex);
+            if (seen.size() == 20) {
+                break;
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    m_chain->stop();
+    m_source->setAfterFrame(nullptr);
+    m_chain->removeSink(&slow);
+    const std::lock_guard lock(mutex);
+    std::vector<int> all(20);
+    std::iota(all.begin(), all.end(), 1);
+    EXPECT_EQ(seen, all);
 }
 
 TEST_F(CkVideoSourceTest, NothingFlowsBeforeTheChainRuns) {
