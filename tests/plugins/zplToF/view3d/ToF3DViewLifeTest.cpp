@@ -60,9 +60,8 @@ TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNo
     for (int i = 0; i < 6; ++i) {
         frames.push_back(frameNumber(i));
     }
-    double early = 0.0;
-    for (int round = 0; round < 200; ++round) {
-        {
+    const auto openAndCloseHundred = [&] {
+        for (int round = 0; round < 100; ++round) {
             const auto view = open();
             give(*view, frames[size_t(round % 6)]);
             show(*view, QSize(240, 200));
@@ -77,12 +76,20 @@ TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNo
                 view->saveScreenshot();
             }
         }
-        if (round == 100) {
-            early = residentMegabytes();
-        }
+        return residentMegabytes();
+    };
+    // A leak grows with every hundred; an arena of the allocator comes once, so another hundred is asked
+    // then.
+    double before = openAndCloseHundred();
+    QStringList told{QString::number(before)};
+    bool flat = false;
+    for (int hundred = 2; hundred <= 4 && !flat; ++hundred) {
+        const double now = openAndCloseHundred();
+        flat = now <= before * MayGrowBy;
+        before = now;
+        told.append(QString::number(now));
     }
-    const double late = residentMegabytes();
-    EXPECT_LE(late, early * MayGrowBy) << early << " MB after 100 views, " << late << " MB after 200";
+    EXPECT_TRUE(flat) << "MB after each hundred views: " << qPrintable(told.join(QStringLiteral(", ")));
     EXPECT_EQ(m_host.settingsAlive(), 0);
 }
 
