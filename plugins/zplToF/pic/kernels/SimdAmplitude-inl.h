@@ -221,8 +221,7 @@ private:
             x = Source::smallDifference(rows[0]);
             y = Source::smallDifference(rows[1]);
         }
-        const DS16 d;
-        const VS16 pairs = hn::OddEven(hn::BitCast(d, hn::ShiftLeft<16>(y)), hn::BitCast(d, x));
+        const VS16 pairs = hn::BitCast(DS16(), lowHalvesInTurn(x, y));
         return pairProducts(pairs, pairs);
     }
 
