@@ -22,7 +22,7 @@ constexpr float s_fInchesPerMetre = 39.37008F;
 
 // Tells a box that was dismissed, with Escape or its close button, from one that was acknowledged: with a
 // single button the two have the same result.
-class CkDismissal : public QObject {
+class CkToFDismissal : public QObject {
 public:
     bool bHappened = false;
 
@@ -62,19 +62,25 @@ void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
         accept();
         return;
     }
+    if (m_state == EkState::Done || isComplete()) {
+        return;
+    }
     bool bNumber = false;
     float fDistance = QLocale().toFloat(m_ui->edDistance->text(), &bNumber);
     if (m_ui->cbUnit->currentIndex() == s_iInches) {
         fDistance *= s_fCmPerInch;
     }
     if (!bNumber || !std::isfinite(fDistance)) {
-        showError(tr("Please set the distance as decimal number."));
+        if (showError(tr("Please set the distance as decimal number.")) != EkBoxEnd::Deleted) {
+            finishIfComplete();
+        }
         return;
     }
     m_iFramesToAverage = iFramesToAverage;
     m_fDistance = fDistance;
     m_estimator.reset();
     m_uiFramesDone = 0;
+    m_state = EkState::Measuring;
     m_ui->buttonBox->button(QDialogButtonBox::Ok)->setEnabled(false);
     if (m_view) {
         connect(m_view, SIGNAL(receivedFrame(qint32)), this, SLOT(on_viewFrameReceived(qint32)),
@@ -83,35 +89,36 @@ void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
 }
 
 void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
-    if (qint64(m_uiFramesDone) >= m_iFramesToAverage) {
+    if (m_state != EkState::Measuring || isComplete()) {
         return;
     }
     const CkImageData* frame = m_view ? m_view->imageData(iFrameId) : nullptr;
     if (frame == nullptr) {
         return;
     }
-    bool bDismissed = false;
     if (m_estimator.addPicture(frame->picBuf(), &frame->metadata())) {
         m_fModulationFreq = frame->metadata().modulationFrequency;
         ++m_uiFramesDone;
-    } else if (!showError(
-                   tr("Unexpected image format received. Calibration expects phase shift image as input."),
-                   &bDismissed)) {
+        showProgress();
+        finishIfComplete();
         return;
     }
-    if (m_iFramesToAverage == 0) {
-        return; // closed while the box was open
+    // One box at a time: a camera delivers the next wrong frame before anyone has read it.
+    const EkBoxEnd end =
+        m_iOpenBoxes > 0
+            ? EkBoxEnd::Acknowledged
+            : showError(
+                  tr("Unexpected image format received. Calibration expects phase shift image as input."));
+    if (end == EkBoxEnd::Deleted || m_state != EkState::Measuring) {
+        return;
     }
     // A camera that sends nothing else opens the next box before anyone can get at Cancel.
-    if (bDismissed) {
+    if (end == EkBoxEnd::Dismissed && m_uiFramesDone == 0) {
         reject();
         return;
     }
-    m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_uiFramesDone).arg(m_iFramesToAverage));
-    // Frames go on arriving while a box is open; the last one is settled by the call that opened the box.
-    if (qint64(m_uiFramesDone) == m_iFramesToAverage && !m_bBoxOpen) {
-        finish();
-    }
+    showProgress();
+    finishIfComplete();
 }
 
 void CkToFCalibrateOffsetDlg::done(int iResult) {
@@ -120,30 +127,48 @@ void CkToFCalibrateOffsetDlg::done(int iResult) {
 }
 
 void CkToFCalibrateOffsetDlg::stopMeasuring() {
+    if (m_state != EkState::Measuring) {
+        return;
+    }
+    // What is queued already finds nothing to do.
+    m_state = EkState::Done;
     if (m_view) {
         disconnect(m_view, SIGNAL(receivedFrame(qint32)), this, SLOT(on_viewFrameReceived(qint32)));
     }
-    // What is queued already finds nothing to do.
-    m_iFramesToAverage = 0;
+}
+
+bool CkToFCalibrateOffsetDlg::isComplete() const {
+    return m_state == EkState::Measuring && qint64(m_uiFramesDone) >= m_iFramesToAverage;
+}
+
+void CkToFCalibrateOffsetDlg::showProgress() {
+    m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_uiFramesDone).arg(m_iFramesToAverage));
+}
+
+// Frames are counted while a box is open, too; the result waits for whoever reads that one.
+void CkToFCalibrateOffsetDlg::finishIfComplete() {
+    if (isComplete() && m_iOpenBoxes == 0) {
+        stopMeasuring();
+        finish();
+    }
 }
 
 void CkToFCalibrateOffsetDlg::finish() {
-    stopMeasuring();
     if (!(m_fModulationFreq >= CkToFOffsetEstimator::s_fMinModulationFreq) || std::isinf(m_fModulationFreq)) {
-        if (showError(tr("Modulation frequency not present in image metadata."))) {
+        if (showError(tr("Modulation frequency not present in image metadata.")) != EkBoxEnd::Deleted) {
             accept();
         }
         return;
     }
     if (!m_estimator.hasMean()) {
-        if (showError(
-                tr("Unexpected image format received. Calibration expects phase shift image as input."))) {
+        if (showError(tr("Unexpected image format received. Calibration expects phase shift image as "
+                         "input.")) != EkBoxEnd::Deleted) {
             accept();
         }
         return;
     }
     const CkToFOffsetEstimator::SkResult result = m_estimator.result(m_fDistance, m_fModulationFreq);
-    if (!showResult(result)) {
+    if (showResult(result) == EkBoxEnd::Deleted) {
         return;
     }
     storeOffset(result.fOffset);
@@ -153,11 +178,12 @@ void CkToFCalibrateOffsetDlg::finish() {
     accept();
 }
 
-bool CkToFCalibrateOffsetDlg::showError(const QString& sText, bool* pbDismissed) {
-    return showBox(QMessageBox::Critical, tr("Error"), sText, pbDismissed);
+CkToFCalibrateOffsetDlg::EkBoxEnd CkToFCalibrateOffsetDlg::showError(const QString& sText) {
+    return showBox(QMessageBox::Critical, tr("Error"), sText);
 }
 
-bool CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result) {
+CkToFCalibrateOffsetDlg::EkBoxEnd
+CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result) {
     const float fFactor = m_ui->cbUnit->currentIndex() == 0 ? s_fCmPerMetre : s_fInchesPerMetre;
     const QLocale locale;
     return showBox(QMessageBox::Information, tr("Result"),
@@ -168,26 +194,20 @@ bool CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& r
 }
 
 // The static functions of QMessageBox do not survive that their parent is deleted while they run.
-bool CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText,
-                                      bool* pbDismissed) {
-    if (m_bBoxOpen) {
-        return true;
-    }
-    m_bBoxOpen = true;
+CkToFCalibrateOffsetDlg::EkBoxEnd
+CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText) {
+    ++m_iOpenBoxes;
     const QPointer<CkToFCalibrateOffsetDlg> self(this);
     const QPointer<QMessageBox> box(new QMessageBox(icon, sTitle, sText, QMessageBox::Ok, this));
-    CkDismissal dismissal;
+    CkToFDismissal dismissal;
     box->installEventFilter(&dismissal);
     box->exec();
     delete box;
     if (!self) {
-        return false;
+        return EkBoxEnd::Deleted;
     }
-    if (pbDismissed != nullptr) {
-        *pbDismissed = dismissal.bHappened;
-    }
-    m_bBoxOpen = false;
-    return true;
+    --m_iOpenBoxes;
+    return dismissal.bHappened ? EkBoxEnd::Dismissed : EkBoxEnd::Acknowledged;
 }
 
 void CkToFCalibrateOffsetDlg::storeOffset(float fOffset) {

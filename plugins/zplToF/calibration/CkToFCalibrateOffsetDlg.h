@@ -16,8 +16,8 @@ class CkToFCalibrateOffsetDlg;
 /// stores the difference as the distance offset of the 3D view. User-interface thread.
 ///
 /// OK starts measuring; the dialog closes by itself when it is done. Cancel ends it at any time, and so does
-/// Escape in the box that tells of a wrong frame, which may be followed by the next one at once. The view may
-/// close meanwhile; no frame comes any more then.
+/// Escape in the box that tells of a wrong frame as long as no frame has been counted: a camera may send
+/// nothing else. The view may close meanwhile; no frame comes any more then.
 class CkToFCalibrateOffsetDlg : public QDialog {
     Q_OBJECT
 
@@ -38,21 +38,30 @@ protected:
     void done(int iResult) override;
 
 private:
+    enum class EkState { Idle, Measuring, Done };
+    enum class EkBoxEnd {
+        Acknowledged, ///< with its button or Enter
+        Dismissed,    ///< with Escape or its close button
+        Deleted       ///< together with the dialog, of which nothing may be touched then
+    };
+
     void stopMeasuring();
+    bool isComplete() const;
+    void showProgress();
+    void finishIfComplete();
     void finish();
-    // False when the dialog itself was deleted while the box was open: nothing of it may be touched then.
-    bool showError(const QString& sText, bool* pbDismissed = nullptr);
-    bool showResult(const CkToFOffsetEstimator::SkResult& result);
-    bool showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText,
-                 bool* pbDismissed = nullptr);
+    EkBoxEnd showError(const QString& sText);
+    EkBoxEnd showResult(const CkToFOffsetEstimator::SkResult& result);
+    EkBoxEnd showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText);
     void storeOffset(float fOffset);
 
     std::unique_ptr<Ui::CkToFCalibrateOffsetDlg> m_ui;
     QPointer<CkMdiView> m_view;
     CkToFOffsetEstimator m_estimator;
+    EkState m_state = EkState::Idle;
     unsigned int m_uiFramesDone = 0;
     int m_iFramesToAverage = 0;
     float m_fDistance = 0.0F;       ///< cm
     float m_fModulationFreq = 0.0F; ///< MHz, of the frame counted last
-    bool m_bBoxOpen = false;
+    int m_iOpenBoxes = 0;
 };

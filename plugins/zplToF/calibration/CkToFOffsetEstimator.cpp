@@ -3,7 +3,6 @@
 #include "pic/CkToFPicAPI.h"
 #include "zuCore/CkPicBufAPI.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -15,16 +14,16 @@ constexpr double s_fFullTurn = 6.283185307179586;
 constexpr float s_fCmPerMetre = 100.0F;
 
 // A phase shift picture that gives its memory back.
-class CkScratchPicture {
+class CkToFScratchPicture {
 public:
-    CkScratchPicture(const SkPicBuf& source, quint32 uiHeight, quint32 uiChannels) {
+    CkToFScratchPicture(const SkPicBuf& source, quint32 uiHeight, quint32 uiChannels) {
         CkPicBufAPI::AllocPicBufFromHeap(
             picture, source.width, uiHeight, uiChannels, EkImageDataType::Float32, source.linePadding, 0, 32,
             EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false, 0);
     }
-    ~CkScratchPicture() { CkPicBufAPI::FreePicBuf(picture, true); }
-    CkScratchPicture(const CkScratchPicture&) = delete;
-    CkScratchPicture& operator=(const CkScratchPicture&) = delete;
+    ~CkToFScratchPicture() { CkPicBufAPI::FreePicBuf(picture, true); }
+    CkToFScratchPicture(const CkToFScratchPicture&) = delete;
+    CkToFScratchPicture& operator=(const CkToFScratchPicture&) = delete;
 
     SkPicBuf picture;
 };
@@ -46,17 +45,20 @@ bool CkToFOffsetEstimator::addPicture(const SkPicBuf& picture, const CkImageMeta
         return true;
     }
     if (CkToFPicAPI::isRawToFAminBPic(picture, pMetadata)) {
-        // As high as one phase: the kernel reads so many rows of every phase.
-        CkScratchPicture scratch(picture, picture.height / std::max(1U, uiPhases), 1);
-        if (canBeEvaluated(uiPhases) &&
-            CkToFPicAPI::rawAminBPicToPhaseShift(picture, scratch.picture, int(uiPhases))) {
-            addPhaseShift(scratch.picture);
+        if (!canBeEvaluated(uiPhases)) {
+            return false;
         }
+        // As high as one phase: the kernel reads so many rows of every phase.
+        CkToFScratchPicture scratch(picture, picture.height / uiPhases, 1);
+        if (!CkToFPicAPI::rawAminBPicToPhaseShift(picture, scratch.picture, int(uiPhases))) {
+            return false;
+        }
+        addPhaseShift(scratch.picture);
         return true;
     }
     if (CkToFPicAPI::isRawX2ToFABPic(picture, pMetadata)) {
         // The difference kernel refuses two channels, so such frames count as phase shift 0.
-        CkScratchPicture scratch(picture, picture.height, 2);
+        CkToFScratchPicture scratch(picture, picture.height, 2);
         CkToFPicAPI::rawAminBPicToPhaseShift(picture, scratch.picture, int(uiPhases));
         addPhaseShift(scratch.picture);
         return true;

@@ -21,7 +21,8 @@ public:
     void reset();
 
     /// Adds a phase shift picture, or a raw one that is turned into phase shift first. False, and nothing is
-    /// added, for a picture of another kind. Metadata may be null.
+    /// added, for a picture of another kind and for one of A minus B that does not have 1, 2, 4 or 8 phases.
+    /// Metadata may be null.
     bool addPicture(const SkPicBuf& picture, const CkImageMetadata* pMetadata);
 
     float phaseSum() const { return m_fPhaseSum; }

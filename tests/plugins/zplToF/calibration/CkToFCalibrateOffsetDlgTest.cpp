@@ -271,6 +271,146 @@ TEST_F(CkToFCalibrateOffsetDlgTest, ClosingTheBoxOfAWrongFrameCancelsToo) {
     EXPECT_FALSE(dialog->isVisible());
 }
 
+TEST_F(CkToFCalibrateOffsetDlgTest, TheBoxOfAWrongFrameIsClosedInAnyWayOnceAFrameWasCounted) {
+    const std::function<void(QMessageBox*)> ways[] = {
+        [](QMessageBox* pBox) { QTest::keyClick(pBox, Qt::Key_Escape); },
+        [](QMessageBox* pBox) { pBox->close(); },
+        [](QMessageBox* pBox) { QTest::keyClick(pBox, Qt::Key_Return); },
+        [](QMessageBox* pBox) { QTest::mouseClick(pBox->button(QMessageBox::Ok), Qt::LeftButton); },
+    };
+    for (const auto& close : ways) {
+        driver.boxes.clear();
+        open();
+        chooseFrames(3);
+        click(QDialogButtonBox::Ok);
+        feed(phaseFrame(s_fPi));
+        driver.onBox = close;
+        feed(greyFrame());
+        ASSERT_EQ(driver.boxes.size(), 1);
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_EQ(progress(), "Progresss: 1 / 3");
+        feedPhases(2, s_fPi);
+        ASSERT_EQ(driver.boxes.size(), 2);
+        EXPECT_EQ(driver.boxes[1].title, "Result");
+        EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    }
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, EscapeInTheBoxGoesOnWhenAFrameWasCountedBehindIt) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [this](QMessageBox* pBox) {
+        feed(phaseFrame(s_fPi));
+        QTest::keyClick(pBox, Qt::Key_Escape);
+    };
+    feed(greyFrame());
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(progress(), "Progresss: 1 / 3");
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, EscapeInTheBoxSettlesWhatWasCountedBehindIt) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [this](QMessageBox* pBox) {
+        if (driver.boxes.size() == 1) {
+            feedPhases(3, s_fPi);
+        }
+        QTest::keyClick(pBox, Qt::Key_Escape);
+    };
+    feed(greyFrame());
+    ASSERT_EQ(driver.boxes.size(), 2);
+    EXPECT_EQ(driver.boxes[1].title, "Result");
+    EXPECT_NEAR(delegate.stored(key).toFloat(), -3.3462819F, s_fRounding);
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, TheLastFrameBehindTheBoxOfABadDistanceIsSettledAfterwards) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    feed(phaseFrame(s_fPi));
+    child<QLineEdit>("edDistance")->setText("abc");
+    driver.onBox = [this](QMessageBox* pBox) {
+        if (driver.boxes.size() == 1) {
+            feed(greyFrame()); // no second box over this one
+            feedPhases(3, s_fPi);
+            EXPECT_EQ(progress(), "Progresss: 3 / 3");
+        }
+        QTest::keyClick(pBox, Qt::Key_Return);
+    };
+    dialog->on_buttonBox_accepted();
+    ASSERT_EQ(driver.boxes.size(), 2);
+    EXPECT_EQ(driver.boxes[0].text, "Please set the distance as decimal number.");
+    EXPECT_EQ(driver.boxes[1].title, "Result");
+    EXPECT_NEAR(delegate.stored(key).toFloat(), -3.3462819F, s_fRounding);
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, OkInCodeNeitherRepeatsNorUndoesAFinishedMeasurement) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [this](QMessageBox* pBox) {
+        if (driver.boxes.size() == 1) {
+            feedPhases(3, s_fPi);
+        }
+        dialog->on_buttonBox_accepted(); // all is counted, or the result is shown already
+        feedPhases(2, 1.0F);
+        EXPECT_EQ(progress(), "Progresss: 3 / 3");
+        child<QLineEdit>("edDistance")->setText("abc");
+        dialog->on_buttonBox_accepted();
+        EXPECT_EQ(QApplication::activeModalWidget(), pBox);
+        QTest::keyClick(pBox, Qt::Key_Return);
+    };
+    feed(greyFrame());
+    ASSERT_EQ(driver.boxes.size(), 2);
+    EXPECT_EQ(driver.boxes[1].title, "Result");
+    EXPECT_NEAR(delegate.stored(key).toFloat(), -3.3462819F, s_fRounding);
+    EXPECT_EQ(delegate.settingsHandedOut, 1);
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, ADialogThatIsRejectedBehindItsBoxStoresNothing) {
+    open();
+    chooseFrames(3);
+    click(QDialogButtonBox::Ok);
+    driver.onBox = [this](QMessageBox* pBox) {
+        feedPhases(2, s_fPi);
+        dialog->reject();
+        feedPhases(3, s_fPi);
+        QTest::keyClick(pBox, Qt::Key_Return);
+    };
+    feed(greyFrame());
+    EXPECT_EQ(driver.boxes.size(), 1);
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+    EXPECT_EQ(delegate.settingsHandedOut, 0);
+}
+
+TEST_F(CkToFCalibrateOffsetDlgTest, DifferencesOfAPhasesCountThatHasNoPhaseShiftAreUnexpected) {
+    open();
+    click(QDialogButtonBox::Ok);
+    for (const qint32 iPhases : {3, 6}) {
+        driver.boxes.clear();
+        SkPicBuf picture;
+        CkPicBufAPI::AllocPicBufFromHeap(picture, 8, 48, 1, EkImageDataType::Int16, 1, 0, 12,
+                                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
+                                         false, 0);
+        CkImageMetadata metadata;
+        metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+        metadata.phasesCount = iPhases;
+        metadata.modulationFrequency = 20.0F;
+        auto frame = std::make_unique<CkImageData>();
+        frame->setPicBuf(picture);
+        frame->setMetadata(metadata);
+        feed(std::move(frame));
+        ASSERT_EQ(driver.boxes.size(), 1) << iPhases;
+        EXPECT_EQ(driver.boxes[0].text, wrongKind);
+        EXPECT_EQ(progress(), "Progresss: 0 / 5");
+    }
+}
+
 TEST_F(CkToFCalibrateOffsetDlgTest, EscapeInTheBoxOfABadDistanceLeavesTheDialogOpen) {
     open();
     typeDistance("abc");
