@@ -44,6 +44,11 @@ may plugins/zplToF/calibration "$gui|pic/|view3d/|calibration/"
 may plugins/zplToF/integration "$gui|pic/|chain/|view3d/|calibration/|integration/"
 may plugins/zplToF "CkToFPlugin\.h|$gui|chain/|view3d/|integration/|translations/" "-maxdepth 1"
 
+# Debuggers, logs and crash reports name classes of anonymous namespaces, too.
+while read -r hit; do
+    complain "A class of the plug-in begins with CkToF: $hit"
+done < <(grep -rnE '^ *class +[A-Za-z0-9_]+ *(final *)?(:[^:]|\{)' plugins/zplToF | grep -vE 'class +CkToF')
+
 # Qt modules that a pure room must not know.
 no_gui() {
     local hits
