@@ -49,10 +49,10 @@ quint32 to32Bits(quint64 value) {
 }
 
 /// One negotiation: the input, what is known about it, and where the output goes.
-class CkRequest {
+class CkToFRequest {
 public:
-    CkRequest(const SkPicBufInfo& input, SkPicBufInfo& output, const CkImageMetadata* inMeta,
-              CkImageMetadata* outMeta)
+    CkToFRequest(const SkPicBufInfo& input, SkPicBufInfo& output, const CkImageMetadata* inMeta,
+                 CkImageMetadata* outMeta)
         : in(input), out(output), meta(outMeta), phases(CkToFPicAPI::detectPhasesCount(input, inMeta)),
           twoTaps(CkToFPicAPI::isRawX2ToFABPic(input, inMeta)),
           difference(CkToFPicAPI::isRawToFAminBPic(input, inMeta)),
@@ -112,7 +112,7 @@ public:
     }
 };
 
-const char* negotiateSetABPhase(const CkRequest& request) {
+const char* negotiateSetABPhase(const CkToFRequest& request) {
     if (request.in.channels == 1) {
         request.out.channels = 2;
         request.out.width = request.in.width >> 1U;
@@ -126,7 +126,7 @@ const char* negotiateSetABPhase(const CkRequest& request) {
     return nullptr;
 }
 
-const char* negotiateIntegerImage(const CkRequest& request) {
+const char* negotiateIntegerImage(const CkToFRequest& request) {
     EkImageDataType dataType = request.in.dataType;
     if (request.difference) {
         dataType = dataType == EkImageDataType::Int8 ? EkImageDataType::UInt8 : EkImageDataType::UInt16;
@@ -136,7 +136,7 @@ const char* negotiateIntegerImage(const CkRequest& request) {
     return nullptr;
 }
 
-const char* negotiateDepth(const CkRequest& request) {
+const char* negotiateDepth(const CkToFRequest& request) {
     if (!request.twoTaps && !request.difference && !request.hybrid) {
         return wantsDepthInput;
     }
@@ -151,7 +151,7 @@ const char* negotiateDepth(const CkRequest& request) {
     return nullptr;
 }
 
-const char* negotiateConcatPhases(const CkRequest& request) {
+const char* negotiateConcatPhases(const CkToFRequest& request) {
     if (!request.hybrid) {
         if (request.separate) {
             const quint64 length = quint64(std::max(request.sequenceLength, 0));
@@ -177,7 +177,7 @@ const char* negotiateConcatPhases(const CkRequest& request) {
     return nullptr;
 }
 
-const char* negotiateAandBtoAminB(const CkRequest& request) {
+const char* negotiateAandBtoAminB(const CkToFRequest& request) {
     if (!request.twoTaps) {
         return wantsAandB;
     }
@@ -194,7 +194,7 @@ const char* negotiateAandBtoAminB(const CkRequest& request) {
     return nullptr;
 }
 
-const char* negotiateSetHybrid(const CkRequest& request) {
+const char* negotiateSetHybrid(const CkToFRequest& request) {
     const SkPicBufInfo& in = request.in;
     if (in.channels == 1 && in.width == hybridWidth && in.height == hybridStackHeight) {
         request.out.channels = 3;
@@ -216,7 +216,7 @@ const char* negotiateSetHybrid(const CkRequest& request) {
 const char* CkToFNegotiation::negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
                                         const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
     // What the input is has to be known before the output, which may be the same objects, changes.
-    const CkRequest request(in, out, pInMeta, pOutMeta);
+    const CkToFRequest request(in, out, pInMeta, pOutMeta);
     out = request.in;
     if (pOutMeta != nullptr && pOutMeta != pInMeta) {
         *pOutMeta = pInMeta != nullptr ? *pInMeta : CkImageMetadata();

@@ -193,9 +193,9 @@ struct Places {
 /// is, zero would turn minus zero into zero.
 #if HWY_MAX_BYTES >= 32
 
-class Corners {
+class CkToFCorners {
 public:
-    HWY_INLINE explicit Corners(float fEdge) {
+    HWY_INLINE explicit CkToFCorners(float fEdge) {
         // x, y, z at 0 to 2, red, green, blue at 4 to 6.
         HWY_ALIGN static const qint32 order[24] = {0, 1, 2, 4, 5, 6, 0, 1, 2, 4, 5, 6,
                                                    0, 1, 2, 4, 5, 6, 0, 1, 2, 4, 5, 6};
@@ -238,9 +238,9 @@ private:
 
 #else
 
-class Corners {
+class CkToFCorners {
 public:
-    HWY_INLINE explicit Corners(float fEdge) {
+    HWY_INLINE explicit CkToFCorners(float fEdge) {
         const Quad dq;
         HWY_ALIGN const float corners[3][4] = {
             {-0.0F, -fEdge, -0.0F, 0.0F}, {fEdge, -fEdge, -0.0F, 0.0F}, {fEdge, -0.0F, -0.0F, 0.0F}};
@@ -273,9 +273,9 @@ private:
 /// Writes vertices and export points without a branch: a dropped pixel is written too, and overwritten by
 /// the next one. Every store is a full vector, the part of it that is too much likewise.
 template <bool Quads, bool Streamed>
-class PointWriter {
+class CkToFPointWriter {
 public:
-    HWY_INLINE PointWriter(float* pVertices, float* pExport, float fEdge, const SkToFColours& colours)
+    HWY_INLINE CkToFPointWriter(float* pVertices, float* pExport, float fEdge, const SkToFColours& colours)
         : m_vertices(pVertices), m_export(pExport), m_colours(colours), m_corners(fEdge) {}
 
     HWY_INLINE void write(hn::Vec<Quad> scene, hn::Vec<Quad> exported, qint32 iColour, quint32 uiKept) {
@@ -298,14 +298,14 @@ private:
     float* m_vertices;
     float* m_export;
     const SkToFColours& m_colours;
-    const Corners m_corners;
+    const CkToFCorners m_corners;
 };
 
 /// Answers the number of points written.
 template <bool Quads, bool Streamed = false>
 size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChip, float fEdge,
                   const SkToFColours& colours, float* pVertices, float* pExport) {
-    PointWriter<Quads, Streamed> writer(pVertices, pExport, fEdge, colours);
+    CkToFPointWriter<Quads, Streamed> writer(pVertices, pExport, fEdge, colours);
     for (size_t i = 0; i < uiPixels; i += 4) {
         const Places scene(chunk.sceneX + i, chunk.sceneY + i, chunk.sceneZ + i);
         const Places exported = bExportChip ? Places(chunk.x + i, chunk.y + i, chunk.z + i) : scene;
@@ -329,9 +329,9 @@ void computeChunk(const SkToFCloudInput& input, const SkToFCloudChunkSource& sou
 size_t writePoints(const SkToFCloudInput& input, const SkToFCloudChunk& chunk, size_t uiPixels,
                    const SkToFColours& colours, float* pVertices, float* pExport) {
     const SkToFCloudScales& s = input.scales;
-    const auto write = input.verticesPerPoint == 1     ? writeChunk<false>
-                       : Corners::canStream(pVertices) ? writeChunk<true, true>
-                                                       : writeChunk<true>;
+    const auto write = input.verticesPerPoint == 1          ? writeChunk<false>
+                       : CkToFCorners::canStream(pVertices) ? writeChunk<true, true>
+                                                            : writeChunk<true>;
     return write(chunk, uiPixels, s.useLens, s.pointSpacing, colours, pVertices, pExport);
 }
 

@@ -56,7 +56,7 @@ char* writeLine(char* out, const SkToFPoint& point) {
 }
 
 /// Text of unknown length, in blocks: a string that grows by itself holds old and new storage at once.
-class TextBlocks {
+class CkToFTextBlocks {
 public:
     void append(const SkToFPoint& point) {
         if (m_used + LongestLine > m_open.size())
@@ -76,7 +76,7 @@ public:
     }
 
     // Block by block: left to the pointers, a long text would be freed by a deep recursion.
-    ~TextBlocks() {
+    ~CkToFTextBlocks() {
         while (m_first)
             m_first = std::move(m_first->next);
     }
@@ -115,7 +115,7 @@ QByteArray writePly(std::span<const SkToFPoint> points) {
     // blocks, so that blocks and text together stay below twice the text.
     const auto kept = points.first(points.size() - points.size() / 16);
     const auto counted = points.subspan(kept.size());
-    TextBlocks blocks;
+    CkToFTextBlocks blocks;
     for (const SkToFPoint& point : kept)
         blocks.append(point);
     std::array<char, LongestLine> line;
