@@ -2,6 +2,7 @@
 
 #include "cloud/CkToFBoundingBoxTables.h"
 #include "view3d/CkToFSceneAttribute.h"
+#include "view3d/CkToFSceneBuffer.h"
 
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
@@ -42,14 +43,12 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 } // namespace
 
 void CkToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
-                              float fHalfZ, bool bSceneRuns) {
+                              float fHalfZ) {
     const QByteArray corners = bytesOf(CkToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
     QAttribute* positions = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         buildGeometry(pRenderer, corners);
-    } else if (bSceneRuns) {
-        positions->buffer()->updateData(0, corners);
     } else {
-        positions->buffer()->setData(corners);
+        CkToFSceneBuffer::replace(*positions->buffer(), corners);
     }
 }

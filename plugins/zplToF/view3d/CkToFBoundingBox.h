@@ -8,9 +8,7 @@ class QGeometryRenderer;
 namespace CkToFBoundingBox {
 
 /// Gives the renderer a box of these half extents in scene units. The first call builds the geometry, later
-/// ones exchange the corners only. bSceneRuns: the scene takes up changes; before that, changes in place
-/// would pile up in Qt's buffer.
-void update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY, float fHalfZ,
-            bool bSceneRuns);
+/// ones exchange the corners only.
+void update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY, float fHalfZ);
 
 } // namespace CkToFBoundingBox

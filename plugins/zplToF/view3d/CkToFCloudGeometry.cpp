@@ -2,6 +2,7 @@
 
 #include "cloud/CkToFCloudBuilder.h"
 #include "view3d/CkToFSceneAttribute.h"
+#include "view3d/CkToFSceneBuffer.h"
 
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
@@ -45,30 +46,31 @@ void buildGeometry(QGeometryRenderer* renderer, const CkToFCloudBuilder& cloud) 
 
 } // namespace
 
-void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBuilder& cloud,
-                                bool bSceneRuns) {
+void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBuilder& cloud) {
     QAttribute* positions = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     QAttribute* colors = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultColorAttributeName());
     QAttribute* indices = CkToFSceneAttribute::find(pRenderer, CkToFSceneAttribute::indexName());
     if (positions == nullptr || colors == nullptr) {
         buildGeometry(pRenderer, cloud);
+        m_bTakenUp = false;
         lastPointCount = cloud.pointCount();
         return;
     }
 
-    Qt3DCore::QBuffer* buffer = positions->buffer();
-    const bool sameSize = buffer->data().size() == cloud.vertexBytes().size();
-    if (bSceneRuns && sameSize && cloud.pointCount() == lastPointCount) {
-        buffer->updateData(0, cloud.vertexBytes());
+    Qt3DCore::QBuffer& buffer = *positions->buffer();
+    const bool sameSize = buffer.data().size() == cloud.vertexBytes().size();
+    if (m_bTakenUp && sameSize && cloud.pointCount() == lastPointCount) {
+        CkToFSceneBuffer::replace(buffer, cloud.vertexBytes());
     } else {
-        buffer->setData(cloud.vertexBytes());
+        CkToFSceneBuffer::set(buffer, cloud.vertexBytes());
+        m_bTakenUp = false;
         positions->setCount(uint(cloud.vertexCount()));
         colors->setCount(uint(cloud.vertexCount()));
     }
     // The quads' indices depend on the points written and on the size of the picture.
     if (indices != nullptr &&
         (cloud.pointCount() != lastPointCount || indices->count() != uint(cloud.indexCount()))) {
-        indices->buffer()->setData(cloud.indexBytes());
+        CkToFSceneBuffer::set(*indices->buffer(), cloud.indexBytes());
         indices->setCount(uint(cloud.indexCount()));
     }
     setDrawnVertices(pRenderer, cloud);

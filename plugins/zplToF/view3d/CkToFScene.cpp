@@ -16,6 +16,7 @@
 #include <Qt3DExtras/QPerVertexColorMaterial>
 #include <Qt3DExtras/QPhongMaterial>
 #include <Qt3DExtras/Qt3DWindow>
+#include <Qt3DLogic/QFrameAction>
 #include <Qt3DRender/QCamera>
 #include <Qt3DRender/QClearBuffers>
 #include <Qt3DRender/QGeometryRenderer>
@@ -132,6 +133,9 @@ QWidget* CkToFScene::assemble(bool bShowBBox) {
     m_boxEntity->setEnabled(bShowBBox);
 
     setUpCamera();
+    auto* frames = new Qt3DLogic::QFrameAction;
+    m_root->addComponent(frames);
+    connect(frames, &Qt3DLogic::QFrameAction::triggered, this, [this] { m_cloudGeometry.frameBegun(); });
     if (auto* clear = m_window->defaultFrameGraph()->findChild<Qt3DRender::QClearBuffers*>()) {
         m_capture = new CkToFRenderCapture(clear, this);
     }
@@ -183,11 +187,11 @@ void CkToFScene::setCloud(const CkToFCloudBuilder& cloud) {
         const double size = 2.0 * double(cloud.pointSpacing());
         m_billboards.pointSize->setValue(QPointF(size, size));
     }
-    m_cloudGeometry.update(m_cloudRenderer, cloud, m_bRuns);
+    m_cloudGeometry.update(m_cloudRenderer, cloud);
 }
 
 void CkToFScene::setBox(float fHalfX, float fHalfY, float fHalfZ) {
-    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bRuns);
+    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ);
 }
 
 void CkToFScene::setBoxVisible(bool bVisible) {

@@ -32,6 +32,11 @@ std::vector<T> contents(const QAttribute* attribute) {
     return values;
 }
 
+/// What the scene has to take up yet of the changes in place.
+qsizetype pendingChanges(const Qt3DCore::QBuffer& buffer) {
+    return buffer.property("QT3D_updateData").toList().size();
+}
+
 /// Clouds of grey pictures of one byte, all pixels drawn.
 class CloudMaker {
 public:
@@ -85,7 +90,7 @@ private:
 
 TEST(CkToFSceneAttributeTest, ANameThatDiffersOnlyInLetterCaseIsNotFound) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F, false);
+    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F);
     EXPECT_NE(attribute(renderer, "vertexPosition"), nullptr);
     EXPECT_EQ(attribute(renderer, "vertexposition"), nullptr);
     EXPECT_EQ(attribute(renderer, "VertexPosition"), nullptr);
@@ -107,7 +112,7 @@ TEST(CkToFSceneAttributeTest, TheIndexBufferIsCalledSceneIndexBuffer) {
 
 TEST(CkToFBoundingBoxTest, CornersAndEdges) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
 
     const QAttribute* positions = attribute(renderer, "vertexPosition");
     ASSERT_NE(positions, nullptr);
@@ -138,30 +143,37 @@ TEST(CkToFBoundingBoxTest, CornersAndEdges) {
 }
 
 TEST(CkToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
-    for (const bool running : {false, true}) {
-        QGeometryRenderer renderer;
-        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, running);
-        const auto* geometry = renderer.geometry();
-        const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
-        const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
-        const QByteArray indices = indexBuffer->data();
+    QGeometryRenderer renderer;
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
+    const auto* geometry = renderer.geometry();
+    const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
+    const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
+    const QByteArray indices = indexBuffer->data();
 
-        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, running);
-        EXPECT_EQ(renderer.geometry(), geometry);
-        EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
-        EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
-        EXPECT_EQ(renderer.findChildren<Qt3DCore::QBuffer*>().size(), 2);
-        EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), vertexBuffer);
-        EXPECT_EQ(attribute(renderer, "sceneIndexBuffer")->buffer(), indexBuffer);
-        EXPECT_EQ(indexBuffer->data(), indices);
-        EXPECT_EQ(vertexBuffer->data().size(), 96);
-        EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.25F);
-    }
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F);
+    EXPECT_EQ(renderer.geometry(), geometry);
+    EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
+    EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
+    EXPECT_EQ(renderer.findChildren<Qt3DCore::QBuffer*>().size(), 2);
+    EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), vertexBuffer);
+    EXPECT_EQ(attribute(renderer, "sceneIndexBuffer")->buffer(), indexBuffer);
+    EXPECT_EQ(indexBuffer->data(), indices);
+    EXPECT_EQ(vertexBuffer->data().size(), 96);
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.25F);
+}
+
+TEST(CkToFBoundingBoxTest, OnlyTheLastOfSeveralChangesIsKeptForTheScene) {
+    QGeometryRenderer renderer;
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.125F);
+    EXPECT_EQ(pendingChanges(*attribute(renderer, "vertexPosition")->buffer()), 1);
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.125F);
 }
 
 TEST(CkToFBoundingBoxTest, ZeroExtentsPutEveryCornerAtTheOrigin) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F, false);
+    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F);
     for (const float coordinate : contents<float>(attribute(renderer, "vertexPosition"))) {
         EXPECT_EQ(coordinate, 0.0F);
     }
@@ -174,7 +186,7 @@ TEST(CkToFCloudGeometryTest, PointsHaveOneVertexEachAndNoIndices) {
     CloudMaker clouds(EkToFVertexLayout::Points);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.make(4, 3, 7), false);
+    geometry.update(&renderer, clouds.make(4, 3, 7));
 
     const QAttribute* positions = attribute(renderer, "vertexPosition");
     const QAttribute* colors = attribute(renderer, "vertexColor");
@@ -201,7 +213,7 @@ TEST(CkToFCloudGeometryTest, QuadsHaveFourVerticesAndSixIndicesEach) {
     CloudMaker clouds(EkToFVertexLayout::Quads);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.make(2, 1, 7), false);
+    geometry.update(&renderer, clouds.make(2, 1, 7));
 
     const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
     ASSERT_NE(indices, nullptr);
@@ -218,21 +230,56 @@ TEST(CkToFCloudGeometryTest, QuadsHaveFourVerticesAndSixIndicesEach) {
     EXPECT_EQ(renderer.vertexCount(), 12);
 }
 
-TEST(CkToFCloudGeometryTest, TheSameCountIsUpdatedInPlaceOnceTheSceneRuns) {
+TEST(CkToFCloudGeometryTest, TheSameCountIsUpdatedInPlaceOnceTheSceneTookUpTheBuffer) {
     CloudMaker clouds(EkToFVertexLayout::Points);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.make(4, 3, 0), true);
+    geometry.update(&renderer, clouds.make(4, 3, 0));
     const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
     const QAttribute* positions = attribute(renderer, "vertexPosition");
     QSignalSpy countChanges(positions, &QAttribute::countChanged);
+    geometry.frameBegun();
 
-    geometry.update(&renderer, clouds.make(4, 3, 255), true);
+    geometry.update(&renderer, clouds.make(4, 3, 255));
     EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), buffer);
     EXPECT_EQ(countChanges.count(), 0);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], 1.0F);
-    // Qt keeps what was changed in place until the scene takes it up.
-    EXPECT_EQ(buffer->property("QT3D_updateData").toList().size(), 1);
+    // Qt keeps what was changed in place until the scene takes it up; only the last of it counts.
+    EXPECT_EQ(pendingChanges(*buffer), 1);
+    geometry.update(&renderer, clouds.make(4, 3, 9));
+    EXPECT_EQ(pendingChanges(*buffer), 1);
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], float(9.0 / 255.0));
+}
+
+TEST(CkToFCloudGeometryTest, AChangeInPlaceThatIsStillPendingGivesWayToAnotherSize) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.make(4, 3, 0));
+    const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
+    geometry.frameBegun();
+    geometry.update(&renderer, clouds.make(4, 3, 1));
+    ASSERT_EQ(pendingChanges(*buffer), 1);
+    geometry.update(&renderer, clouds.make(2, 2, 2));
+    EXPECT_EQ(pendingChanges(*buffer), 0);
+    // The scene has not seen the new size: changes in place would not reach it.
+    geometry.update(&renderer, clouds.make(2, 2, 3));
+    EXPECT_EQ(pendingChanges(*buffer), 0);
+    geometry.frameBegun();
+    geometry.update(&renderer, clouds.make(2, 2, 4));
+    EXPECT_EQ(pendingChanges(*buffer), 1);
+}
+
+TEST(CkToFCloudGeometryTest, AsManyPointsOfALargerPictureAreNotChangedInPlace) {
+    CloudMaker clouds(EkToFVertexLayout::Points);
+    QGeometryRenderer renderer;
+    CkToFCloudGeometry geometry;
+    geometry.update(&renderer, clouds.makePartly(2, 1, 2));
+    geometry.frameBegun();
+    geometry.update(&renderer, clouds.makePartly(4, 1, 2));
+    const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
+    EXPECT_EQ(pendingChanges(*buffer), 0);
+    EXPECT_EQ(buffer->data().size(), 4 * 24);
 }
 
 TEST(CkToFCloudGeometryTest, NothingPilesUpBeforeTheSceneRuns) {
@@ -240,10 +287,10 @@ TEST(CkToFCloudGeometryTest, NothingPilesUpBeforeTheSceneRuns) {
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
     for (int i = 0; i < 10; ++i) {
-        geometry.update(&renderer, clouds.make(4, 3, quint8(10 * i)), false);
+        geometry.update(&renderer, clouds.make(4, 3, quint8(10 * i)));
     }
     const auto* buffer = attribute(renderer, "vertexPosition")->buffer();
-    EXPECT_TRUE(buffer->property("QT3D_updateData").toList().isEmpty());
+    EXPECT_EQ(pendingChanges(*buffer), 0);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], float(90.0 / 255.0));
 }
 
@@ -251,8 +298,8 @@ TEST(CkToFCloudGeometryTest, AnotherSizeReplacesTheBuffersContents) {
     CloudMaker clouds(EkToFVertexLayout::Points);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.make(4, 3, 0), true);
-    geometry.update(&renderer, clouds.make(2, 2, 0), true);
+    geometry.update(&renderer, clouds.make(4, 3, 0));
+    geometry.update(&renderer, clouds.make(2, 2, 0));
     EXPECT_EQ(attribute(renderer, "vertexPosition")->count(), 4U);
     EXPECT_EQ(attribute(renderer, "vertexColor")->count(), 4U);
     EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer()->data().size(), 4 * 24);
@@ -264,8 +311,8 @@ TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithEverySizeOfThePicture) {
     CloudMaker clouds(EkToFVertexLayout::Quads);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.make(4, 3, 0), true);
-    geometry.update(&renderer, clouds.make(2, 2, 0), true);
+    geometry.update(&renderer, clouds.make(4, 3, 0));
+    geometry.update(&renderer, clouds.make(2, 2, 0));
     const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
     EXPECT_EQ(indices->count(), 24U);
     EXPECT_EQ(contents<quint32>(indices).size(), 24U);
@@ -276,8 +323,8 @@ TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithAnotherSizeOfAsManyPoints) {
     CloudMaker clouds(EkToFVertexLayout::Quads);
     QGeometryRenderer renderer;
     CkToFCloudGeometry geometry;
-    geometry.update(&renderer, clouds.makePartly(2, 1, 2), true);
-    geometry.update(&renderer, clouds.makePartly(4, 1, 2), true);
+    geometry.update(&renderer, clouds.makePartly(2, 1, 2));
+    geometry.update(&renderer, clouds.makePartly(4, 1, 2));
     const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
     EXPECT_EQ(indices->count(), 24U);
     // Every pixel is counted, the last two draw nothing.

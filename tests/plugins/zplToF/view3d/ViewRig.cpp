@@ -102,16 +102,20 @@ void ViewTest::show(CkToF3DMdiView& view, QSize size) {
 }
 
 QImage ViewTest::capture(CkToF3DMdiView& view) {
+    return capture(*view.scene());
+}
+
+QImage ViewTest::capture(CkToFScene& scene) {
     QImage image;
     // What was changed just before may miss the first frame.
     for (int i = 0; i < 2; ++i) {
-        Qt3DRender::QRenderCaptureReply* reply = view.scene()->requestCapture();
+        Qt3DRender::QRenderCaptureReply* reply = scene.requestCapture();
         if (reply == nullptr) {
             ADD_FAILURE() << "the scene is not drawn";
             return {};
         }
         EXPECT_TRUE(waitFor([reply] { return reply->isComplete(); }));
-        image = view.scene()->picture(*reply).convertToFormat(QImage::Format_RGB32);
+        image = scene.picture(*reply).convertToFormat(QImage::Format_RGB32);
         delete reply;
     }
     return image;

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+class CkToFScene;
 class QAction;
 
 /// One pixel of a frame with confidence.
@@ -58,7 +59,8 @@ protected:
     /// Shows the view with this size of its own and waits until its scene is drawn.
     void show(CkToF3DMdiView& view, QSize size = QSize(640, 480));
     /// The scene as the next frames draw it.
-    QImage capture(CkToF3DMdiView& view);
+    static QImage capture(CkToF3DMdiView& view);
+    static QImage capture(CkToFScene& scene);
     /// Gives a frame to the view as the plug-in does.
     void give(CkToF3DMdiView& view, const std::unique_ptr<CkImageData>& frame);
 
