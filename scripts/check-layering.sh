@@ -57,6 +57,11 @@ no_gui() {
 }
 for room in hostsdk/picture host/core host/recording sim tools/tof plugins/zplToF/pic plugins/zplToF/cloud; do no_gui $room; done
 
+# XML of others goes through one guarded reader.
+hits=$(grep -rnE 'setContent\(|QXmlStreamReader' hostsdk host sim plugins tools --include='*.cpp' --include='*.h' |
+    grep -v '^host/core/CkXmlReader.cpp:')
+[ -z "$hits" ] || complain "XML is to be read with CkXmlReader, but: $hits"
+
 # needs FILE REGEX: every library the file asks the loader for has to match.
 needs() {
     local file=$1 allowed=$2 name

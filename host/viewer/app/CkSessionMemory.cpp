@@ -11,6 +11,7 @@
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"
+#include "zuCore/CkXmlReader.h"
 
 #include <QDomDocument>
 #include <QJsonDocument>
@@ -294,12 +295,14 @@ CkSessionMemory::SkRestored CkSessionMemory::restore(CkMainWindow& window, const
         return restorer.m_restored;
     }
     QDomDocument doc;
-    const bool parsed = doc.setContent(text, false);
+    QString reason = tr("it is no session");
+    const bool parsed = CkXmlReader::read(text, doc, reason);
     const QDomElement root = doc.documentElement();
     if (!parsed || root.tagName() != QLatin1String("session") ||
         root.attribute(word("version")).toInt() > kVersion) {
         restorer.m_restored.problems.append(
-            tr("What was open in the last session cannot be read; the viewer starts empty."));
+            tr("What was open in the last session cannot be read (%1); the viewer starts empty.")
+                .arg(reason));
         return restorer.m_restored;
     }
     restorer.restore(root);

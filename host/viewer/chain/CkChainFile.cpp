@@ -3,11 +3,10 @@
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
+#include "zuCore/CkXmlReader.h"
 
 #include <QDomDocument>
-#include <QFile>
 #include <QSaveFile>
-#include <QXmlStreamReader>
 
 namespace {
 
@@ -15,41 +14,11 @@ namespace {
 const QString kRoot = QStringLiteral("zuchainfile");
 const QString kChain = QStringLiteral("chain");
 constexpr int kVersion = 1;
-// No chain of blocks comes near this; anything larger is something else.
-constexpr qint64 kMaximumBytes = 16 * 1024 * 1024;
-constexpr int kMaximumDepth = 100;
-
-// The document's own code walks elements by recursion, which a hostile file must not exhaust.
-bool isDeep(QFile& file) {
-    QXmlStreamReader reader(&file);
-    int depth = 0;
-    while (!reader.atEnd() && depth <= kMaximumDepth) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        depth += token == QXmlStreamReader::StartElement ? 1 : token == QXmlStreamReader::EndElement ? -1 : 0;
-    }
-    file.seek(0);
-    return depth > kMaximumDepth;
-}
 
 bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
-        return false;
-    }
-    if (file.size() > kMaximumBytes) {
-        error = CkChainFile::tr("%1: this is no chain file (too large).").arg(fileName);
-        return false;
-    }
-    if (isDeep(file)) {
-        error = CkChainFile::tr("%1: this is no chain file (nested too deeply).").arg(fileName);
-        return false;
-    }
     QString reason;
-    int line = 0;
-    int column = 0;
-    if (!doc.setContent(&file, false, &reason, &line, &column)) {
-        error = CkChainFile::tr("%1, line %2, column %3: %4").arg(fileName).arg(line).arg(column).arg(reason);
+    if (!CkXmlReader::readFile(fileName, doc, reason)) {
+        error = QStringLiteral("%1: %2").arg(fileName, reason);
         return false;
     }
     const QDomElement root = doc.documentElement();

@@ -7,6 +7,7 @@
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkLut.h"
 #include "zuCore/CkRTTI.h"
+#include "zuCore/CkXmlReader.h"
 
 #include <QSet>
 
@@ -18,24 +19,6 @@ namespace {
 const QString kRecorded = QStringLiteral("recorded");
 const QString kId = QStringLiteral("id");
 const QString kPredecessors = QStringLiteral("predecessors");
-
-// No chain of blocks comes near this; the document's own code walks elements by recursion.
-constexpr qsizetype kMaximumLetters = 4 * 1024 * 1024;
-constexpr int kMaximumDepth = 100;
-
-bool isDeep(const QString& xml) {
-    int depth = 0;
-    int deepest = 0;
-    for (qsizetype i = 0; i + 1 < xml.size(); ++i) {
-        if (xml[i] == QLatin1Char('<') && xml[i + 1].isLetter()) {
-            deepest = std::max(deepest, ++depth);
-        } else if ((xml[i] == QLatin1Char('<') && xml[i + 1] == QLatin1Char('/')) ||
-                   (xml[i] == QLatin1Char('/') && xml[i + 1] == QLatin1Char('>'))) {
-            --depth;
-        }
-    }
-    return deepest > kMaximumDepth;
-}
 
 QStringList feedersOf(const QDomElement& block) {
     return block.attribute(kPredecessors).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -123,9 +106,8 @@ QDomDocument CkRecordingNotes::chainBehind(const SkRecordingInfo& info, const QD
         return {};
     }
     QDomDocument doc;
-    QString reason = tr("it is too large");
-    if (info.chainXml.size() > kMaximumLetters || isDeep(info.chainXml) ||
-        !doc.setContent(info.chainXml, false, &reason) ||
+    QString reason = tr("it is no chain");
+    if (!CkXmlReader::read(info.chainXml, doc, reason) ||
         doc.documentElement().tagName() != QLatin1String("chain")) {
         sError = tr("The chain in the recording cannot be read: %1.").arg(reason);
         return {};

@@ -323,18 +323,6 @@ Kennung %3</translation>
 <context>
     <name>CkChainFile</name>
     <message>
-        <source>%1: this is no chain file (too large).</source>
-        <translation>%1: Das ist keine Kettendatei (zu groß).</translation>
-    </message>
-    <message>
-        <source>%1: this is no chain file (nested too deeply).</source>
-        <translation>%1: Das ist keine Kettendatei (zu tief verschachtelt).</translation>
-    </message>
-    <message>
-        <source>%1, line %2, column %3: %4</source>
-        <translation>%1, Zeile %2, Spalte %3: %4</translation>
-    </message>
-    <message>
         <source>%1: this is no chain file.</source>
         <translation>%1: Das ist keine Kettendatei.</translation>
     </message>
@@ -1953,12 +1941,12 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
 <context>
     <name>CkRecordingNotes</name>
     <message>
-        <source>it is too large</source>
-        <translation>sie ist zu groß</translation>
-    </message>
-    <message>
         <source>The chain in the recording cannot be read: %1.</source>
         <translation>Die Kette in der Aufnahme kann nicht gelesen werden: %1.</translation>
+    </message>
+    <message>
+        <source>it is no chain</source>
+        <translation>sie ist keine Kette</translation>
     </message>
 </context>
 <context>
@@ -2294,8 +2282,12 @@ aufgenommen in %2</translation>
         <translation>Eine Kette der letzten Sitzung: %1</translation>
     </message>
     <message>
-        <source>What was open in the last session cannot be read; the viewer starts empty.</source>
-        <translation>Was in der letzten Sitzung offen war, ist nicht lesbar; der Betrachter startet leer.</translation>
+        <source>it is no session</source>
+        <translation>das ist keine Sitzung</translation>
+    </message>
+    <message>
+        <source>What was open in the last session cannot be read (%1); the viewer starts empty.</source>
+        <translation>Was in der letzten Sitzung offen war, lässt sich nicht lesen (%1); der Viewer startet leer.</translation>
     </message>
 </context>
 <context>
@@ -2787,6 +2779,45 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     <message>
         <source>There is nothing named &quot;%1&quot; to trigger.</source>
         <translation>Es gibt nichts mit dem Namen „%1“ auszulösen.</translation>
+    </message>
+</context>
+<context>
+    <name>CkXmlReader</name>
+    <message>
+        <source>line %1, column %2: %3</source>
+        <translation>Zeile %1, Spalte %2: %3</translation>
+    </message>
+    <message>
+        <source>elements are nested deeper than %1 levels</source>
+        <translation>Elemente sind tiefer als %1 Ebenen verschachtelt</translation>
+    </message>
+    <message>
+        <source>there are more than %1 elements</source>
+        <translation>es sind mehr als %1 Elemente</translation>
+    </message>
+    <message>
+        <source>an element has more than %1 attributes</source>
+        <translation>ein Element hat mehr als %1 Attribute</translation>
+    </message>
+    <message>
+        <source>there are more than %1 attributes</source>
+        <translation>es sind mehr als %1 Attribute</translation>
+    </message>
+    <message>
+        <source>document type declarations are not read</source>
+        <translation>Dokumenttypdeklarationen werden nicht gelesen</translation>
+    </message>
+    <message>
+        <source>a tag or text is longer than %1 bytes</source>
+        <translation>ein Tag oder Text ist länger als %1 Byte</translation>
+    </message>
+    <message>
+        <source>it is larger than %1 bytes</source>
+        <translation>sie ist größer als %1 Byte</translation>
+    </message>
+    <message>
+        <source>it is no ordinary file</source>
+        <translation>das ist keine gewöhnliche Datei</translation>
     </message>
 </context>
 <context>

@@ -328,6 +328,22 @@ TEST(RecordingNotes, ChainsOfNobodyAreRefused) {
     }
 }
 
+// What looks like a document of little depth to whoever counts signs.
+TEST(RecordingNotes, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
+    QDomDocument doc;
+    const QDomElement settings = doc.createElement("block");
+    constexpr int levels = 150'000;
+    for (const auto& [begin, end] : {std::pair("<_a>", "</_a>"), std::pair("<a b=\"/>\">", "</a>"),
+                                     std::pair("<\u00e4>", "</\u00e4>")}) {
+        SkRecordingInfo info;
+        info.chainXml = QStringLiteral("<chain version=\"1\">") + QString::fromUtf8(begin).repeated(levels) +
+                        QString::fromUtf8(end).repeated(levels) + QStringLiteral("</chain>");
+        QString error;
+        EXPECT_TRUE(CkRecordingNotes::chainBehind(info, settings, error).isNull()) << begin;
+        EXPECT_TRUE(error.contains("nested deeper than 100 levels")) << qPrintable(error);
+    }
+}
+
 TEST(RecordingNotes, OnlyWhatTheRecordedBlockFeedsIsKept) {
     SkRecordingInfo info;
     info.chainXml = QStringLiteral("<chain version=\"1\"><block class=\"s\" id=\"0\" predecessors=\"\"/>"

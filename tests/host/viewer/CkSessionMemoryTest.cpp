@@ -169,8 +169,12 @@ TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
 
 TEST_F(SessionMemory, NonsenseOpensNothingAndSaysSo) {
     ASSERT_TRUE(start());
-    for (const char* text : {"no xml", "<session version=\"99\"/>", "<other/>"}) {
-        EXPECT_EQ(CkSessionMemory::restore(*window(), text).problems.size(), 1) << text;
+    const QByteArray deep = "<session version='1'>" + QByteArray("<_a>").repeated(150'000) +
+                            QByteArray("</_a>").repeated(150'000) + "</session>";
+    for (const QByteArray& text :
+         {QByteArray("no xml"), QByteArray("<session version=\"99\"/>"), QByteArray("<other/>"), deep}) {
+        EXPECT_EQ(CkSessionMemory::restore(*window(), text).problems.size(), 1)
+            << text.left(50).toStdString();
     }
     EXPECT_TRUE(CkSessionMemory::restore(*window(), QByteArray()).problems.isEmpty());
     const QByteArray hollow =
