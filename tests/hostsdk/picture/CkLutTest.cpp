@@ -2,6 +2,7 @@
 #include "PaddedPicture.h"
 
 #include <QSet>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
@@ -70,6 +71,60 @@ TEST(CkLut, TheRainbowRunsFromBlueOverGreenToRed) {
     const Color middle = entry(lut, 128);
     EXPECT_EQ(middle[1], 255);
     EXPECT_LE(middle[0] + middle[2], 4);
+}
+
+/// What people know each map by: its colour at some positions, red, green and blue in percent.
+struct MapPoint {
+    const char* map;
+    int position; ///< percent of the map's length
+    int red, green, blue;
+};
+
+TEST(CkLut, EveryMapGoesThroughItsColours) {
+    const MapPoint points[] = {{"Inverted grey", 0, 100, 100, 100},
+                               {"Inverted grey", 40, 60, 60, 60},
+                               {"Inverted grey", 100, 0, 0, 0},
+                               {"Rainbow", 25, 0, 100, 100},
+                               {"Rainbow", 50, 0, 100, 0},
+                               {"Rainbow", 75, 100, 100, 0},
+                               {"Jet", 0, 0, 0, 50},
+                               {"Jet", 10, 0, 0, 90},
+                               {"Jet", 25, 0, 50, 100},
+                               {"Jet", 50, 50, 100, 50},
+                               {"Jet", 75, 100, 50, 0},
+                               {"Jet", 90, 90, 0, 0},
+                               {"Jet", 100, 50, 0, 0},
+                               {"Hot", 0, 0, 0, 0},
+                               {"Hot", 15, 40, 0, 0},
+                               {"Hot", 60, 100, 60, 0},
+                               {"Hot", 90, 100, 100, 60},
+                               {"Hot", 100, 100, 100, 100},
+                               {"Violet to yellow", 0, 27, 1, 33},
+                               {"Violet to yellow", 25, 23, 32, 54},
+                               {"Violet to yellow", 50, 13, 57, 55},
+                               {"Violet to yellow", 75, 37, 79, 38},
+                               {"Violet to yellow", 100, 99, 91, 15},
+                               {"Spectrum", 0, 19, 7, 23},
+                               {"Spectrum", 15, 27, 46, 91},
+                               {"Spectrum", 35, 11, 85, 80},
+                               {"Spectrum", 50, 50, 98, 40},
+                               {"Spectrum", 70, 95, 80, 22},
+                               {"Spectrum", 85, 94, 39, 8},
+                               {"Spectrum", 100, 48, 2, 1},
+                               {"Blue to red", 0, 23, 30, 75},
+                               {"Blue to red", 50, 87, 87, 87},
+                               {"Blue to red", 100, 71, 2, 15}};
+    for (const MapPoint& point : points) {
+        CkLut lut(8, 1, false, EkImageDataType::UInt8);
+        lut.setPseudoColorIndex(int(CkLut::pseudoColorNames().indexOf(QLatin1String(point.map))));
+        ASSERT_GT(lut.pseudoColorIndex(), 0) << point.map;
+        ASSERT_TRUE(lut.allocRgbTable(0));
+        const Color color = entry(lut, size_t(std::lround(2.55 * point.position)));
+        // An entry lies up to half a step beside the position: two levels on the steepest slope, 5 a step.
+        EXPECT_NEAR(color[0], 2.55 * point.blue, 3.0) << point.map << " at " << point.position << " %";
+        EXPECT_NEAR(color[1], 2.55 * point.green, 3.0) << point.map << " at " << point.position << " %";
+        EXPECT_NEAR(color[2], 2.55 * point.red, 3.0) << point.map << " at " << point.position << " %";
+    }
 }
 
 TEST(CkLut, UnknownMapsCountAsGrey) {

@@ -156,6 +156,18 @@ TEST(ResizePic, LeavesOutWhatIsNotFinite) {
     EXPECT_TRUE(std::isnan(target.at<float>(1, 0))) << "nothing finite to take a mean of";
 }
 
+TEST(ResizePic, AHalfCoveredPixelIsEnoughToTakeAMeanOf) {
+    // Three pixels become two: each result covers one source pixel whole and half of the middle one.
+    PaddedPicture source(3, 1, 1, EkImageDataType::Float32);
+    source.set<float>(0, 0, 0, std::numeric_limits<float>::quiet_NaN());
+    source.set<float>(1, 0, 0, 6.0F);
+    source.set<float>(2, 0, 0, 3.0F);
+    PaddedPicture target(2, 1, 1, EkImageDataType::Float32);
+    ASSERT_TRUE(CkPicBufAPI::ResizePic(*source, *target, 2, 1));
+    EXPECT_FLOAT_EQ(target.at<float>(0, 0), 6.0F);
+    EXPECT_FLOAT_EQ(target.at<float>(1, 0), 4.0F) << "(6 / 2 + 3) / 1.5";
+}
+
 TEST(ResizePic, AllocatesAnEmptyTargetAndRefusesSizesOfZero) {
     PaddedPicture source(4, 2, 2, EkImageDataType::UInt8);
     SkPicBuf target;

@@ -84,6 +84,21 @@ TEST(AllocPicBufFromHeap, RowsAreRoundedUpToThePadding) {
     }
 }
 
+TEST(AllocPicBufFromHeap, OddRowsAreRoundedUpToPairs) {
+    SkPicBuf picBuf;
+    ASSERT_TRUE(allocate(picBuf, 5, 3, 1, EkImageDataType::UInt8, 2));
+    EXPECT_EQ(picBuf.lineSize, 6U);
+    CkPicBufAPI::FreePicBuf(picBuf);
+}
+
+TEST(AllocPicBufFromHeap, ASingleByteIsAPicture) {
+    SkPicBuf picBuf;
+    ASSERT_TRUE(allocate(picBuf, 1, 1, 1, EkImageDataType::UInt8));
+    EXPECT_EQ(CkPicBufAPI::byteSize(picBuf), 1U);
+    EXPECT_EQ(*picBuf.data, 0);
+    CkPicBufAPI::FreePicBuf(picBuf);
+}
+
 TEST(AllocPicBufFromHeap, AGivenLineSizeHolds) {
     SkPicBuf picBuf;
     ASSERT_TRUE(allocate(picBuf, 5, 2, 1, EkImageDataType::UInt16, 4, 11));
