@@ -19,6 +19,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(ZU_PLUGIN_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/zuviewer/plugins")
 set(ZU_PLUGIN_INSTALL_DIR "${CMAKE_INSTALL_LIBDIR}/zuviewer/plugins")
+set(ZU_PROBE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/libexec/zuviewer")
+set(ZU_PROBE_INSTALL_DIR "${CMAKE_INSTALL_LIBEXECDIR}/zuviewer")
 
 # Fused multiply-adds would change phases and confidences in the last place.
 add_compile_options(-ffp-contract=off)

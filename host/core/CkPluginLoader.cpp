@@ -78,7 +78,8 @@ QString guarded(Function function) {
     }
 }
 
-QString pluginRefusal(CkPlugin* plugin) {
+QString pluginRefusal(CkPluginLoader::SkLoadedPlugin& loaded) {
+    CkPlugin* const plugin = loaded.plugin;
     if (plugin == nullptr) {
         return CkPluginLoader::tr("it does not have the interface of a viewer plug-in.");
     }
@@ -93,7 +94,13 @@ QString pluginRefusal(CkPlugin* plugin) {
             .arg(patch)
             .arg(g_iZuCoreVersionMajor);
     }
-    return plugin->init() ? QString() : CkPluginLoader::tr("it could not be initialised.");
+    if (!plugin->init()) {
+        return CkPluginLoader::tr("it could not be initialised.");
+    }
+    loaded.name = plugin->name();
+    loaded.description = plugin->description();
+    loaded.version = QStringLiteral("%1.%2.%3").arg(major).arg(minor).arg(patch);
+    return {};
 }
 
 } // namespace
@@ -118,24 +125,24 @@ CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
         loader.setFileName(path);
         reason = identityRefusal(loader);
     }
-    QObject* object = nullptr;
-    CkPlugin* plugin = nullptr;
+    SkLoadedPlugin fresh;
+    fresh.fileName = path;
     if (reason.isEmpty()) {
         reason = guarded([&] {
-            object = loader.instance();
-            if (object == nullptr) {
+            fresh.object = loader.instance();
+            if (fresh.object == nullptr) {
                 return CkPluginLoader::tr("it cannot be loaded (%1).").arg(loader.errorString());
             }
-            plugin = qobject_cast<CkPlugin*>(object);
-            return pluginRefusal(plugin);
+            fresh.plugin = qobject_cast<CkPlugin*>(fresh.object);
+            return pluginRefusal(fresh);
         });
     }
     if (reason.isEmpty()) {
-        m_plugins.append({path, plugin, object});
-        return plugin;
+        m_plugins.append(fresh);
+        return fresh.plugin;
     }
-    if (object != nullptr) {
-        CkRTTI::instance()->unregisterPlugin(object);
+    if (fresh.object != nullptr) {
+        CkRTTI::instance()->unregisterPlugin(fresh.object);
     }
     if (loader.isLoaded()) {
         guarded([&] {

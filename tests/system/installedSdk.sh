@@ -22,6 +22,8 @@ grep -q "outside plug-in initialised" "$work/viewer.log" ||
     { cat "$work/viewer.log"; echo "The installed viewer did not load the outside plug-in."; exit 1; }
 grep -q "ToF Images Visualization" "$work/viewer.log" ||
     { cat "$work/viewer.log"; echo "The installed viewer did not load its own plug-in."; exit 1; }
+! grep -q "unchecked" "$work/viewer.log" ||
+    { cat "$work/viewer.log"; echo "The installed viewer does not find its plug-in probe."; exit 1; }
 
 # The same library spoilt: refused with its name and a reason, and the viewer runs on.
 head -c 3000 "$work/build/liboutside.so" >"$work/libbroken.so"

@@ -35,7 +35,7 @@ major=${version%%.*}
 lib='lib(/[a-z0-9_-]+)?'
 component core "$lib/libzuCore\.so\.$version" "$lib/libzuCore\.so\.$major"
 component runtime "$lib/libzuCoreGui\.so\.$version" "$lib/libzuCoreGui\.so\.$major" bin/zuviewer \
-    "$lib/zuviewer/plugins/libzplToF\.so" share/applications/zuviewer\.desktop share/mime/packages/zuviewer\.xml \
+    "$lib/zuviewer/plugins/libzplToF\.so" libexec/zuviewer/zuPluginProbe share/applications/zuviewer\.desktop share/mime/packages/zuviewer\.xml \
     share/icons/hicolor/scalable/apps/zuviewer\.svg 'share/icons/hicolor/([0-9]+)x\1/apps/zuviewer\.png' \
     share/bash-completion/completions/zuviewer share/man/man1/zuviewer\.1 share/doc/zuviewer/CHANGELOG\.md \
     'share/doc/zuviewer/guide/[a-z-]+\.md' share/doc/zuviewer/guide/README\.md 'share/doc/zuviewer/guide/images/[a-z0-9-]+\.png'

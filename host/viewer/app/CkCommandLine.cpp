@@ -8,6 +8,7 @@ const QString kCamera = QStringLiteral("camera");
 const QString kListCameras = QStringLiteral("list-cameras");
 const QString k3d = QStringLiteral("3d");
 const QString kPluginPath = QStringLiteral("plugin-path");
+const QString kCheckPlugins = QStringLiteral("check-plugins");
 const QString kChain = QStringLiteral("chain");
 const QString kFrames = QStringLiteral("frames");
 const QString kScreenshot = QStringLiteral("screenshot");
@@ -56,6 +57,10 @@ CkCommandLine::CkCommandLine() {
          CkCommandLine::tr("Loads plug-ins from this folder, or this one library, too. May be given several "
                            "times."),
          QStringLiteral("path")});
+    m_parser.addOption(
+        {kCheckPlugins,
+         CkCommandLine::tr(
+             "Tries every plug-in in a process of its own again, also those left out before.")});
     m_parser.addOption({kChain, CkCommandLine::tr("Opens a chain file. May be given several times."),
                         QStringLiteral("file")});
     m_parser.addOption(
@@ -107,6 +112,7 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
     }
     options.cameras = m_parser.values(kCamera);
     options.listCameras = m_parser.isSet(kListCameras);
+    options.checkPlugins = m_parser.isSet(kCheckPlugins);
     options.pluginPaths = m_parser.values(kPluginPath);
     options.chainFiles = m_parser.values(kChain);
     options.files = m_parser.positionalArguments();

@@ -21,7 +21,8 @@ struct SkViewerOptions {
     int frames = 0;           ///< leave after so many frames were shown; 0: run until closed
     bool open3dView = false;  ///< open the 3D view of the first camera beside its raw picture
     bool listCameras = false;
-    bool cleanStart = false; ///< nothing of the last session comes back
+    bool checkPlugins = false; ///< look at every plug-in anew, whatever is remembered of it
+    bool cleanStart = false;   ///< nothing of the last session comes back
     bool unattended() const { return frames > 0; }
 };
 

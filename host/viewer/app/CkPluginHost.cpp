@@ -1,12 +1,15 @@
 #include "app/CkPluginHost.h"
 
+#include "plugins/CkLoadingMark.h"
 #include "zuCore/CkPlugin.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLibrary>
 
-CkPluginHost::CkPluginHost(QObject* pParent) : QObject(pParent) {}
+CkPluginHost::CkPluginHost(const SkPluginChecks& checks, QObject* pParent)
+    : QObject(pParent), m_gate(checks) {}
 
 QString CkPluginHost::defaultFolder() {
     const QDir binaries(QCoreApplication::applicationDirPath());
@@ -21,36 +24,42 @@ QString CkPluginHost::defaultFolder() {
 }
 
 void CkPluginHost::load(const QString& sPath) {
-    QStringList problems;
-    const qsizetype before = m_loader.plugins().size();
     const QFileInfo info(sPath);
     if (info.isDir()) {
-        problems = m_loader.loadFolder(sPath);
-    } else if (info.isFile()) {
-        QString error;
-        if (m_loader.load(sPath, &error) == nullptr) {
-            problems.append(error);
+        const QDir folder(sPath);
+        for (const QString& name : folder.entryList(QDir::Files, QDir::Name)) {
+            if (QLibrary::isLibrary(name)) {
+                loadLibrary(folder.absoluteFilePath(name));
+            }
         }
+    } else if (info.isFile()) {
+        loadLibrary(info.absoluteFilePath());
     } else {
-        problems.append(tr("%1: there is no such plug-in or folder.").arg(sPath));
+        addProblem(tr("%1: there is no such plug-in or folder.").arg(sPath));
     }
-    for (const QString& problem : problems) {
-        qWarning("%s", qUtf8Printable(problem));
+}
+
+void CkPluginHost::loadLibrary(const QString& sFileName) {
+    const qsizetype before = m_loader.plugins().size();
+    QString problem = m_gate.refusal(sFileName);
+    if (problem.isEmpty()) {
+        // Should the program end in here, the next start leaves the library out.
+        const CkLoadingMark mark(m_gate.markFolder(), sFileName);
+        m_loader.load(sFileName, &problem);
     }
-    m_problems += problems;
-    const QList<CkPluginLoader::SkLoadedPlugin> fresh = m_loader.plugins().mid(before);
-    for (const CkPluginLoader::SkLoadedPlugin& loaded : fresh) {
-        int major = 0;
-        int minor = 0;
-        int patch = 0;
-        loaded.plugin->version(major, minor, patch);
-        qInfo("%s", qUtf8Printable(tr("Plug-in \"%1\" %2.%3.%4 loaded from %5")
-                                       .arg(loaded.plugin->name())
-                                       .arg(major)
-                                       .arg(minor)
-                                       .arg(patch)
-                                       .arg(loaded.fileName)));
+    if (!problem.isEmpty()) {
+        addProblem(problem);
+    } else if (m_loader.plugins().size() > before) {
+        const CkPluginLoader::SkLoadedPlugin& loaded = m_loader.plugins().last();
+        qInfo("%s",
+              qUtf8Printable(
+                  tr("Plug-in \"%1\" %2 loaded from %3").arg(loaded.name, loaded.version, loaded.fileName)));
     }
+}
+
+void CkPluginHost::addProblem(const QString& sProblem) {
+    qWarning("%s", qUtf8Printable(sProblem));
+    m_problems.append(sProblem);
 }
 
 template <typename Call>

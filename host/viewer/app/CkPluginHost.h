@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plugins/CkPluginGate.h"
 #include "zuCore/CkPluginLoader.h"
 
 #include <QObject>
@@ -12,14 +13,14 @@ class CkPluginHost : public QObject {
     Q_OBJECT
 
 public:
-    explicit CkPluginHost(QObject* pParent = nullptr);
+    explicit CkPluginHost(const SkPluginChecks& checks = SkPluginChecks(), QObject* pParent = nullptr);
 
     /// The program's own plug-in folder, found from where the program lies: the same in the build tree and
     /// once installed. Empty when there is none.
     static QString defaultFolder();
 
-    /// Loads every library of a folder, or a single library. What is refused is written to the log and
-    /// remembered as a problem; the others load all the same.
+    /// Loads every library of a folder in order of file name, or a single library, once the gate lets it in.
+    /// What is refused is written to the log and remembered as a problem; the others load all the same.
     void load(const QString& sPath);
 
     QList<CkPluginLoader::SkLoadedPlugin> plugins() const { return m_loader.plugins(); }
@@ -34,7 +35,10 @@ private:
     /// What a plug-in throws is logged and kept from the others.
     template <typename Call>
     void tellAll(Call call);
+    void loadLibrary(const QString& sFileName);
+    void addProblem(const QString& sProblem);
 
+    CkPluginGate m_gate;
     CkPluginLoader m_loader;
     QStringList m_problems;
 };

@@ -33,7 +33,9 @@ CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParen
     m_window = std::make_unique<CkMainWindow>();
     m_delegate = std::make_unique<CkAppDelegate>(m_window.get());
     IkAppDelegate::setInstance(m_delegate.get());
-    m_plugins = std::make_unique<CkPluginHost>();
+    SkPluginChecks checks;
+    checks.again = options.checkPlugins;
+    m_plugins = std::make_unique<CkPluginHost>(checks);
 
     CkViewArea* area = m_window->area();
     connect(area, &CkViewArea::viewAdded, this, &CkViewerSession::watchView);
@@ -110,7 +112,7 @@ bool CkViewerSession::start() {
     }
     QStringList texts;
     for (const CkPluginLoader::SkLoadedPlugin& loaded : m_plugins->plugins()) {
-        texts.append(QStringLiteral("%1: %2").arg(loaded.plugin->name(), loaded.plugin->description()));
+        texts.append(QStringLiteral("%1: %2").arg(loaded.name, loaded.description));
     }
     m_window->setPluginTexts(texts);
     m_window->equipPluginMenu();

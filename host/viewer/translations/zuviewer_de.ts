@@ -637,6 +637,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>--3d needs --camera, --chain or a file.</source>
         <translation>--3d braucht --camera, --chain oder eine Datei.</translation>
     </message>
+    <message>
+        <source>Tries every plug-in in a process of its own again, also those left out before.</source>
+        <translation>Probiert jedes Plug-in wieder in einem eigenen Prozess aus, auch bisher ausgelassene.</translation>
+    </message>
 </context>
 <context>
     <name>CkDepthImportDialog</name>
@@ -1507,14 +1511,29 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
 </context>
 <context>
+    <name>CkPluginGate</name>
+    <message>
+        <source>Plug-in &quot;%1&quot; was left out: an earlier start ended while it was being loaded. It is tried again when its file has changed or with --check-plugins.</source>
+        <translation>Plug-in „%1“ wurde ausgelassen: Ein früherer Start endete, während es geladen wurde. Es wird wieder versucht, wenn sich seine Datei ändert oder mit --check-plugins.</translation>
+    </message>
+    <message>
+        <source>Plug-in &quot;%1&quot; was refused: the file cannot be read.</source>
+        <translation>Plug-in „%1“ wurde abgelehnt: Die Datei lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>Plug-ins are loaded unchecked: the program zuPluginProbe cannot be run.</source>
+        <translation>Plug-ins werden ungeprüft geladen: Das Programm zuPluginProbe lässt sich nicht ausführen.</translation>
+    </message>
+</context>
+<context>
     <name>CkPluginHost</name>
     <message>
         <source>%1: there is no such plug-in or folder.</source>
         <translation>%1: Dieses Plug-in oder diesen Ordner gibt es nicht.</translation>
     </message>
     <message>
-        <source>Plug-in &quot;%1&quot; %2.%3.%4 loaded from %5</source>
-        <translation>Plug-in „%1“ %2.%3.%4 geladen aus %5</translation>
+        <source>Plug-in &quot;%1&quot; %2 loaded from %3</source>
+        <translation type="unfinished">Plug-in „%1“ %2.%3.%4 geladen aus %3 {1&quot;?} {2 ?}</translation>
     </message>
 </context>
 <context>
@@ -1570,6 +1589,25 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     <message>
         <source>There is no plug-in folder &quot;%1&quot;.</source>
         <translation>Es gibt keinen Plug-in-Ordner „%1“.</translation>
+    </message>
+</context>
+<context>
+    <name>CkPluginProbe</name>
+    <message>
+        <source>it was loaded and started</source>
+        <translation>es geladen und gestartet wurde</translation>
+    </message>
+    <message>
+        <source>it was ended</source>
+        <translation>es beendet wurde</translation>
+    </message>
+    <message>
+        <source>Plug-in &quot;%1&quot; was refused: it did not come back within %2 s while %3.</source>
+        <translation>Plug-in „%1“ wurde abgelehnt: Es kam innerhalb von %2 s nicht zurück, während %3.</translation>
+    </message>
+    <message>
+        <source>Plug-in &quot;%1&quot; was refused: it ended the program while %2.</source>
+        <translation>Plug-in „%1“ wurde abgelehnt: Es beendete das Programm, während %2.</translation>
     </message>
 </context>
 <context>

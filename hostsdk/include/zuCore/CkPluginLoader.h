@@ -20,12 +20,16 @@ public:
         QString fileName;           ///< the library, with its path
         CkPlugin* plugin = nullptr; ///< stays the loader's
         QObject* object = nullptr;  ///< the same one as a QObject
+        // As the plug-in answered right after its start; it is not asked again.
+        QString name;
+        QString description;
+        QString version; ///< "major.minor.patch"
     };
 
     explicit CkPluginLoader(QObject* pParent = nullptr); ///< Loads nothing yet.
     ~CkPluginLoader() override;
 
-    /// Loads one library and calls init(). Null, with psError set, on refusal.
+    /// Loads one library, calls init() and asks for its texts. Null, with psError set, on refusal.
     CkPlugin* load(const QString& sFileName, QString* psError);
 
     /// Loads every library of a folder, in order of file name; answers the messages of the refused ones.

@@ -14,7 +14,7 @@ struct SkXmlLimits {
     int depth = 100;                 ///< of elements within each other, the root included
     int elements = 100'000;
     int attributes = 1000;       ///< of one element
-    int allAttributes = 200'000; ///< of all elements together
+    int allAttributes = 100'000; ///< of all elements together
 };
 
 /// Reads XML that may come from anybody. Documents that would take a reader's stack, memory or minutes are

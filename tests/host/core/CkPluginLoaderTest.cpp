@@ -40,6 +40,9 @@ TEST(CkPluginLoader, LoadsAGoodPluginAndCallsInitOnce) {
     ASSERT_EQ(loader.plugins().size(), 1);
     EXPECT_EQ(loader.plugins().first().plugin, plugin);
     EXPECT_EQ(qobject_cast<CkPlugin*>(loader.plugins().first().object), plugin);
+    EXPECT_EQ(loader.plugins().first().name, QStringLiteral("Test 1"));
+    EXPECT_EQ(loader.plugins().first().description, QStringLiteral("Description"));
+    EXPECT_EQ(loader.plugins().first().version, QStringLiteral("1.0.0"));
 
     EXPECT_EQ(loader.load(module("testPluginGood"), &error), plugin);
     EXPECT_EQ(plugin->name(), QStringLiteral("Test 1"));
@@ -60,6 +63,9 @@ TEST(CkPluginLoader, RefusalsNameTheFileAndTheReason) {
         {"testPluginInitThrows", "exception: init gone wrong"},
         {"testPluginConstructorThrows", "exception: constructor gone wrong"},
         {"testPluginMissingSymbol", "cannot be loaded"},
+        {"testPluginNameThrows", "exception: name gone wrong"},
+        {"testPluginDescriptionThrows", "failed with an exception."},
+        {"testPluginVersionThrows", "exception: version gone wrong"},
         {"testLibraryNoQt", "not a Qt plug-in"},
         {"testThatIsNotThere", "cannot be read"},
     };

@@ -49,6 +49,11 @@ TEST(CommandLine, ReadsEverything) {
     EXPECT_EQ(parsed.options.windowSize, QSize(1600, 1000));
 }
 
+TEST(CommandLine, PluginsAreCheckedAgainOnlyWhenAsked) {
+    EXPECT_FALSE(parse({}).options.checkPlugins);
+    EXPECT_TRUE(parse({"--check-plugins"}).options.checkPlugins);
+}
+
 TEST(CommandLine, FilesOfThe3dViewImplyIt) {
     EXPECT_TRUE(parse({"--camera", "0", "--frames", "1", "--export-ply", "c.ply"}).options.open3dView);
     EXPECT_TRUE(parse({"--camera", "0", "--frames", "1", "--screenshot-3d", "c.png"}).options.open3dView);
@@ -74,9 +79,9 @@ TEST(CommandLine, HelpAndVersionWin) {
 
 TEST(CommandLine, HelpNamesEveryOption) {
     const QString help = CkCommandLine().helpText();
-    for (const char* option :
-         {"--camera", "--3d", "--plugin-path", "--chain", "--frames", "--screenshot", "--screenshot-3d",
-          "--export-ply", "--settings", "--list-cameras", "--size", "--help", "--version"}) {
+    for (const char* option : {"--camera", "--3d", "--plugin-path", "--chain", "--frames", "--screenshot",
+                               "--screenshot-3d", "--export-ply", "--settings", "--check-plugins",
+                               "--list-cameras", "--size", "--help", "--version"}) {
         EXPECT_TRUE(help.contains(QLatin1String(option))) << option;
     }
 }

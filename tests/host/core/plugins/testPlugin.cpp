@@ -58,15 +58,24 @@ public:
 #endif
     }
     QString name() const override {
+#ifdef TEST_NAME_THROWS
+        throw std::runtime_error("name gone wrong");
+#endif
         return QStringLiteral("Test %1").arg(m_iInits);
     }
     QString author() const override {
         return QStringLiteral("Author");
     }
     QString description() const override {
+#ifdef TEST_DESCRIPTION_THROWS
+        throw 1;
+#endif
         return QStringLiteral("Description");
     }
     void version(int& major, int& minor, int& patch) const override {
+#ifdef TEST_VERSION_THROWS
+        throw std::runtime_error("version gone wrong");
+#endif
         zuCoreVersion(major, minor, patch);
 #ifdef TEST_OTHER_MAJOR
         ++major;

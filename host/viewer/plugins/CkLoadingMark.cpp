@@ -1,0 +1,68 @@
+#include "plugins/CkLoadingMark.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace {
+
+const QString kPrefix = QStringLiteral("loading-");
+constexpr size_t kMostBytes = 16 * 1024;
+
+QString readLocked(const QString& fileName) {
+    const int file =
+        ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    QString library;
+    if (file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) == 0) {
+        QByteArray content(qsizetype(kMostBytes), '\0');
+        const ssize_t got = ::read(file, content.data(), kMostBytes);
+        library = QFile::decodeName(content.left(got > 0 ? got : 0));
+        QFile::remove(fileName);
+    }
+    if (file >= 0) {
+        ::close(file);
+    }
+    return library;
+}
+
+} // namespace
+
+CkLoadingMark::CkLoadingMark(const QString& sFolder, const QString& sLibrary) {
+    QDir().mkpath(sFolder);
+    m_sFileName = QDir(sFolder).filePath(kPrefix + QString::number(::getpid()));
+    // Named at last: nobody finds a mark that is not locked yet.
+    const QByteArray unnamed =
+        QFile::encodeName(QDir(sFolder).filePath(QStringLiteral("new-%1").arg(::getpid())));
+    m_iFile = ::open(unnamed.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (m_iFile < 0) {
+        return;
+    }
+    const QByteArray path = QFile::encodeName(sLibrary);
+    if (::flock(m_iFile, LOCK_EX | LOCK_NB) != 0 ||
+        ::write(m_iFile, path.constData(), size_t(path.size())) != path.size() ||
+        ::rename(unnamed.constData(), QFile::encodeName(m_sFileName).constData()) != 0) {
+        ::unlink(unnamed.constData());
+    }
+}
+
+CkLoadingMark::~CkLoadingMark() {
+    if (m_iFile >= 0) {
+        QFile::remove(m_sFileName);
+        ::close(m_iFile);
+    }
+}
+
+QStringList CkLoadingMark::takeLeftBehind(const QString& sFolder) {
+    QStringList libraries;
+    const QDir folder(sFolder);
+    for (const QString& name : folder.entryList({kPrefix + QLatin1Char('*')}, QDir::Files)) {
+        const QString library = readLocked(folder.filePath(name));
+        if (!library.isEmpty()) {
+            libraries.append(library);
+        }
+    }
+    return libraries;
+}

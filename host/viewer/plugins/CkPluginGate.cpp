@@ -1,0 +1,70 @@
+#include "plugins/CkPluginGate.h"
+
+#include "plugins/CkLoadingMark.h"
+#include "plugins/CkPluginProbe.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+// What a library does may change with the program that loads it.
+QString hostIdentity() {
+    const QFileInfo program(CkPluginProbe::program());
+    return QStringLiteral("%1 Qt %2 %3 %4")
+        .arg(QStringLiteral(ZU_VIEWER_VERSION), QLatin1String(qVersion()))
+        .arg(program.size())
+        .arg(program.lastModified().toMSecsSinceEpoch());
+}
+
+} // namespace
+
+QString SkPluginChecks::defaultFolder() {
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::CacheLocation))
+        .filePath(QStringLiteral("plugins"));
+}
+
+CkPluginGate::CkPluginGate(const SkPluginChecks& checks)
+    : m_checks(checks),
+      m_verdicts(QDir(checks.memoryFolder).filePath(QStringLiteral("verdicts.json")), hostIdentity()) {
+    const QStringList culprits = CkLoadingMark::takeLeftBehind(m_checks.memoryFolder);
+    if (m_checks.again) {
+        m_verdicts.forgetAll();
+        return;
+    }
+    for (const QString& library : culprits) {
+        if (const auto stamp = SkLibraryStamp::of(library)) {
+            m_verdicts.remember(
+                library, *stamp,
+                tr("Plug-in \"%1\" was left out: an earlier start ended while it was being loaded. It "
+                   "is tried again when its file has changed or with --check-plugins.")
+                    .arg(QDir::toNativeSeparators(library)));
+        }
+    }
+}
+
+QString CkPluginGate::refusal(const QString& sLibrary) {
+    const std::optional<SkLibraryStamp> stamp = SkLibraryStamp::of(sLibrary);
+    if (!stamp) {
+        return tr("Plug-in \"%1\" was refused: the file cannot be read.")
+            .arg(QDir::toNativeSeparators(sLibrary));
+    }
+    const std::optional<QString> known = m_verdicts.find(sLibrary, *stamp);
+    return known ? *known : probe(sLibrary, *stamp);
+}
+
+QString CkPluginGate::probe(const QString& sLibrary, const SkLibraryStamp& stamp) {
+    const std::optional<QString> refusal = CkPluginProbe::refusal(sLibrary, m_checks.timeLimit);
+    if (refusal) {
+        m_verdicts.remember(sLibrary, stamp, *refusal);
+        return *refusal;
+    }
+    if (!m_bSaidUnchecked) {
+        m_bSaidUnchecked = true;
+        qWarning("%s", qUtf8Printable(
+                           tr("Plug-ins are loaded unchecked: the program zuPluginProbe cannot be run.")));
+    }
+    return {};
+}

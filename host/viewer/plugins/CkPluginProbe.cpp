@@ -1,0 +1,79 @@
+#include "plugins/CkPluginProbe.h"
+
+#include "plugins/PluginProbeSteps.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+#include <QProcess>
+
+#include <csignal>
+#include <unistd.h>
+
+using namespace PluginProbeSteps;
+
+namespace {
+
+// What is longer is not from the probe.
+constexpr qint64 kMostOutput = 64 * 1024;
+
+/// Ends the child with everything that the plug-in may have started in it.
+void endGroup(QProcess& child) {
+    const auto group = pid_t(child.processId());
+    if (group > 0) {
+        ::kill(-group, SIGKILL);
+    }
+    child.kill();
+    child.waitForFinished();
+}
+
+} // namespace
+
+QString CkPluginProbe::program() {
+    const QDir binaries(QCoreApplication::applicationDirPath());
+    // The second one is where a distribution puts programs that nobody calls by hand.
+    for (const char* relative : {"../libexec/zuviewer", "../" ZU_PROBE_INSTALL_DIR}) {
+        const QFileInfo file(QDir(binaries.filePath(QLatin1String(relative))),
+                             QStringLiteral("zuPluginProbe"));
+        if (file.isExecutable()) {
+            return file.canonicalFilePath();
+        }
+    }
+    return {};
+}
+
+QString CkPluginProbe::stepText(const QByteArray& sStep) {
+    return sStep == kStart ? tr("it was loaded and started") : tr("it was ended");
+}
+
+std::optional<QString> CkPluginProbe::refusal(const QString& sLibrary, std::chrono::milliseconds timeLimit) {
+    QProcess child;
+    child.setProgram(program());
+    child.setArguments({QStringLiteral("--language"), QLocale().name(), sLibrary});
+    child.setChildProcessModifier([] { ::setsid(); });
+    child.start(QIODevice::ReadOnly);
+    if (child.program().isEmpty() || !child.waitForStarted()) {
+        return {};
+    }
+    const bool finished = child.waitForFinished(int(timeLimit.count()));
+    endGroup(child);
+    const QList<QByteArray> lines = child.read(kMostOutput).split('\n');
+    const QByteArray last = lines.size() > 1 ? lines[lines.size() - 2] : QByteArray();
+    if (last.startsWith(kRefused)) {
+        return QString::fromUtf8(last.mid(kRefused.size()));
+    }
+    if (last.isEmpty()) {
+        return {}; // the child itself could not work
+    }
+    const QString library = QDir::toNativeSeparators(sLibrary);
+    if (!finished) {
+        return tr("Plug-in \"%1\" was refused: it did not come back within %2 s while %3.")
+            .arg(library)
+            .arg(double(timeLimit.count()) / 1000.0)
+            .arg(stepText(last));
+    }
+    if (last != kDone || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0) {
+        return tr("Plug-in \"%1\" was refused: it ended the program while %2.").arg(library, stepText(last));
+    }
+    return QString();
+}
