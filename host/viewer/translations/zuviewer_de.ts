@@ -1533,7 +1533,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Plug-in &quot;%1&quot; %2 loaded from %3</source>
-        <translation type="unfinished">Plug-in „%1“ %2.%3.%4 geladen aus %3 {1&quot;?} {2 ?}</translation>
+        <translation>Plug-in „%1“ %2 geladen aus %3</translation>
     </message>
 </context>
 <context>
