@@ -27,7 +27,7 @@ ROOMS = {
     "hostsdk/picture": ["pictureTest"],
     "host/core": ["hostCoreBaseTest", "hostCoreChainTest", "hostCorePluginTest"],
     "plugins/zplToF/pic": ["tstToFPic"],
-    "plugins/zplToF/cloud": ["tstToFCloud", "ToFView3dPartsTest"],
+    "plugins/zplToF/cloud": ["tstToFCloud", "tstToFCloudMemory", "ToFView3dPartsTest"],
     "plugins/zplToF/chain": ["zplToFChainTest", "zplToFChainWidgetTest"],
     "plugins/zplToF/opticalpath": ["zplToFOpticalPathTests", "zplToFViewAndDialogTests"],
     "plugins/zplToF/calibration": ["zplToFCalibrationTests"],

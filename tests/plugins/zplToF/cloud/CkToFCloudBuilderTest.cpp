@@ -1,6 +1,8 @@
 #include "CloudRig.h"
+#include "cloud/SkToFCloudScales.h"
 
 #include <gmock/gmock.h>
+#include <sys/mman.h>
 
 using testing::ElementsAre;
 using testing::FloatNear;
@@ -367,6 +369,15 @@ TEST_P(Lens, NoOffsetHoweverLargeHangs) {
     EXPECT_EQ(builder.pointCount(), 0);
 }
 
+TEST_P(Lens, AWholeNumberOfRangesEndsAtZero) {
+    // Quotients up to 2^28 are taken one way, beyond that another.
+    for (float turns : {1.0F, 3.0F, 268435456.0F, 536870912.0F, 1e9F}) {
+        EXPECT_EQ(wrapDistance(-turns * 4096.0F, 4096.0F), 0.0F) << turns;
+    }
+    EXPECT_EQ(wrapDistance(-1.0F - 4096.0F, 4096.0F), 4095.0F);
+    EXPECT_EQ(wrapDistance(-4294967296.0F, 3.0F), 2.0F) << "2^32 = 3 * 1431655765 + 1";
+}
+
 TEST_P(Lens, ATinyNegativeDistanceIsWrappedOnce) {
     ASSERT_TRUE(build(-1e-30F, EkDepthDataType::PhaseShift));
     ASSERT_EQ(builder.pointCount(), 2);
@@ -406,6 +417,25 @@ TEST(CkToFCloudBuilder, RefusesWhatItCannotUseAndKeepsItsCloud) {
     refused({huge, {}}, testParameters());
     HeapPicture crooked(6, 4, 1, EkImageDataType::Float32, 0, 3);
     refused({*crooked, {}}, testParameters());
+}
+
+TEST(CkToFCloudBuilder, RefusesMorePointsThanItsIndicesCanNumber) {
+    // Address space only: nothing is read of a picture that is refused.
+    constexpr quint32 side = 1U << 14;
+    void* const pixels =
+        mmap(nullptr, size_t(side) * side, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(pixels, MAP_FAILED);
+    SkPicBuf picture;
+    picture.width = picture.height = picture.lineSize = side;
+    picture.channels = 1;
+    picture.bitsPerChannel = 8;
+    picture.dataType = EkImageDataType::UInt8;
+    picture.data = static_cast<quint8*>(pixels);
+    ASSERT_TRUE(CkPicBufAPI::isValid(picture));
+    CkToFCloudBuilder builder;
+    EXPECT_FALSE(builder.build({picture, {}}, testParameters()));
+    EXPECT_EQ(builder.pointCount(), 0);
+    munmap(pixels, size_t(side) * side);
 }
 
 TEST(CkToFCloudBuilder, StartsWithoutACloud) {

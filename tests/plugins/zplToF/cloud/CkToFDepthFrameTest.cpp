@@ -189,6 +189,12 @@ TEST(CkToFDepthFrame, WideGenericPicturesAreShrunk) {
     ASSERT_TRUE(frame.update(*wide, nullptr, 64));
     EXPECT_EQ(frame.depthPic().height, 1U) << "a picture keeps a row";
 
+    for (int width : {1, 0, -5}) {
+        ASSERT_TRUE(frame.update(*wide, nullptr, width));
+        EXPECT_EQ(frame.depthPic().width, 1U) << "and a column";
+        EXPECT_EQ(frame.resolutionRatio(), 1280.0F);
+    }
+
     PaddedPicture colour(1000, 4, 3, EkImageDataType::UInt16);
     ASSERT_TRUE(frame.update(*colour, nullptr, 500));
     EXPECT_EQ(frame.depthPic().width, 500U);
@@ -275,6 +281,26 @@ TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
     SkPicBuf noRows = *good;
     noRows.height = 0;
     refused(noRows, nullptr, "no rows");
+}
+
+TEST(CkToFDepthFrame, EveryPhaseCountThatIsComputedGivesPhases) {
+    for (qint32 phases : {1, 2, 4, 8}) {
+        PaddedPicture input(1, quint32(phases), 1, EkImageDataType::Int16);
+        // The angle opposite to the nominal first one is where the differences have their maximum.
+        for (quint32 y = 0; y < quint32(phases); y++)
+            setSample<qint16>(*input, 0, y, 0, qint16(-100));
+        setSample<qint16>(*input, 0, quint32(phases) / 2, 0, qint16(100));
+        CkImageMetadata metadata;
+        metadata.tofFormatCode = 0x80a05f0cU;
+        metadata.phasesCount = phases;
+        CkToFDepthFrame frame;
+        ASSERT_TRUE(frame.update(*input, &metadata, 640));
+        EXPECT_EQ(frame.depthDataKind(), EkDepthDataType::PhaseShift) << phases;
+        PaddedPicture expected(1, 1, 1, EkImageDataType::Float32);
+        ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*input, *expected, phases, nullptr));
+        EXPECT_NE(expected.at<float>(0, 0), 0.0F) << phases;
+        EXPECT_EQ(sampleAt<float>(frame.depthPic(), 0, 0), expected.at<float>(0, 0)) << phases;
+    }
 }
 
 TEST(CkToFDepthFrame, APhaseCountThatNothingComputesGivesZeros) {
