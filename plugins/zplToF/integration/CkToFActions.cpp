@@ -19,11 +19,14 @@ void runCalibrationDialog(CkMdiView* view, QWidget* parent) {
     delete dialog;
 }
 
+CkChain* chainOf(const CkMdiView* view) {
+    const CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
+    return block != nullptr ? block->chain() : nullptr;
+}
+
 // A running chain negotiates a camera's new format with its next frame. Whoever asks a block at once what it
-// delivers would still be told of the old one.
-void negotiateAnew(const CkMdiView& view) {
-    const CkChainable* block = view.dataProvider();
-    CkChain* chain = block != nullptr ? block->chain() : nullptr;
+// delivers would still be told of the old one; a stopped chain tells of the new one.
+void negotiateAnew(CkChain* chain) {
     if (chain != nullptr && chain->started()) {
         const CkChain::CkControlLock lock(chain);
         chain->stop();
@@ -70,51 +73,71 @@ QMessageBox::StandardButton CkToFActions::showMessage(QMessageBox::Icon icon, co
     return m_showMessage({icon, sTitle, sText, buttons, defaultButton});
 }
 
+bool CkToFActions::setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start) {
+    const QPointer<CkMdiView> guarded = pView;
+    // Without the view: its chain is started once, when the blocks that the action needs are in it.
+    if (!CkToFCameraCheck::switchCameraTo3dFormat(nullptr, cameraHandle)) {
+        showMessage(QMessageBox::Critical, tr("Error"),
+                    tr("Cannot set (A and B) or (A-B) reaout mode to camera."));
+        return false;
+    }
+    start.later(chainOf(guarded));
+    return true;
+}
+
 // ---- 3D view ---------------------------------------------------------------------------------------------
 
 void CkToFActions::openToF3dView() {
-    QPointer<CkMdiView> view = activeImageView();
+    const QPointer<CkMdiView> view = activeImageView();
     if (view == nullptr) {
         return;
     }
-    SkToFKinds kinds;
-    const bool formatKnown = CkToFCameraCheck::imageFormatAtView(view, kinds);
-    void* camera = nullptr;
-    const bool tofCamera = CkToFCameraCheck::viewBelongsToToFCamera(view->viewId(), camera);
+    SkToFFindings findings;
+    findings.formatKnown = CkToFCameraCheck::imageFormatAtView(view, findings.kinds);
+    findings.tofCamera = CkToFCameraCheck::viewBelongsToToFCamera(view->viewId(), findings.cameraHandle);
 
-    if (!kinds.any()) {
-        offerToFFormatFor3d(*view, formatKnown, tofCamera, camera, kinds);
-        if (view == nullptr) {
-            return; // closed while the box was open
-        }
+    CkToFChainStart start;
+    if (!findings.kinds.any()) {
+        offerToFFormatFor3d(*view, findings, start);
     }
-    if (tofCamera && (kinds.isAB || kinds.isAminB) && kinds.separatePhases && !ensureGatheredPhases(*view)) {
+    if (view == nullptr) {
+        return; // closed while a box was open or the camera was set up
+    }
+    const bool gathered = !findings.needsGathering() || gatherPhases(*view);
+    start.now();
+    if (!gathered) {
+        showMessage(QMessageBox::Warning, tr("ToF 3D view expects ToF image containing all phases"),
+                    tr("Please add ToF Processing into the chain before the current view."));
         return;
     }
-    add3dView(view->viewId());
+    if (view != nullptr) {
+        add3dView(view->viewId());
+    }
 }
 
-void CkToFActions::offerToFFormatFor3d(CkMdiView& view, bool bFormatKnown, bool bToFCamera,
-                                       void* cameraHandle, SkToFKinds& kinds) {
+void CkToFActions::offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings, CkToFChainStart& start) {
     const QString title = tr("Invalid input image");
     const QString text =
         tr("ToF 3D view works with (A and B) RAWX2 image or (A-B) RAW image containing all phases, or the "
            "image with ToF phase-shift and confidence, or X1X2X3 RAWX3 image.");
-    if (!bFormatKnown || !bToFCamera) {
+    if (!findings.formatKnown || !findings.tofCamera) {
         showMessage(QMessageBox::Warning, title, text);
         return;
     }
-    QPointer<CkMdiView> guarded = &view;
+    const QPointer<CkMdiView> guarded = &view;
     if (showMessage(QMessageBox::Question, title, askToUpdate(text), QMessageBox::Yes | QMessageBox::No,
                     QMessageBox::Yes) != QMessageBox::Yes ||
         guarded == nullptr) {
         return;
     }
-    if (CkToFCameraCheck::switchCameraTo3dFormat(guarded, cameraHandle)) {
-        negotiateAnew(*guarded);
+    if (setUpCamera(guarded, findings.cameraHandle, start)) {
+        negotiateAnew(chainOf(guarded));
     }
-    CkToFCameraCheck::imageFormatAtView(guarded, kinds);
-    if (!kinds.any()) {
+    if (guarded == nullptr) {
+        return;
+    }
+    CkToFCameraCheck::imageFormatAtView(guarded, findings.kinds);
+    if (!findings.kinds.any()) {
         CkChainable* block = CkToFChainEditor::firstToFBlock(guarded->dataProvider());
         if (auto* tofBlock = qobject_cast<CkToFProcessCnbl*>(block)) {
             tofBlock->setTransform(CkToFProcessCnbl::Depth, true);
@@ -122,15 +145,10 @@ void CkToFActions::offerToFFormatFor3d(CkMdiView& view, bool bFormatKnown, bool 
     }
 }
 
-bool CkToFActions::ensureGatheredPhases(CkMdiView& view) {
+bool CkToFActions::gatherPhases(const CkMdiView& view) {
     CkChainable* found = CkToFChainEditor::searchUpstream(view.dataProvider());
-    if (found != nullptr && qobject_cast<CkToFProcessCnbl*>(found) == nullptr &&
-        m_editor.insertDepthBlock(found)) {
-        return true;
-    }
-    showMessage(QMessageBox::Warning, tr("ToF 3D view expects ToF image containing all phases"),
-                tr("Please add ToF Processing into the chain before the current view."));
-    return false;
+    return found != nullptr && qobject_cast<CkToFProcessCnbl*>(found) == nullptr &&
+           m_editor.insertDepthBlock(found);
 }
 
 void CkToFActions::add3dView(int iConnectedViewId) {
@@ -145,20 +163,15 @@ void CkToFActions::add3dView(int iConnectedViewId) {
 // ---- all views -------------------------------------------------------------------------------------------
 
 void CkToFActions::openAllToFViews() {
-    QPointer<CkMdiView> view = activeImageView();
-    CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
-    if (block == nullptr || block->chain() == nullptr) {
-        return;
-    }
-    if (!ensureToFFormatForAll(*view) || view == nullptr) {
+    const QPointer<CkMdiView> view = activeImageView();
+    CkToFChainStart start;
+    if (chainOf(view) == nullptr || !ensureToFFormatForAll(*view, start)) {
         return;
     }
     // The box may have been open for long: what stood behind the view is looked up anew.
-    block = view->dataProvider();
-    if (block == nullptr || block->chain() == nullptr) {
-        return;
-    }
-    const QList<CkChainable*> sources = block->chain()->imageSources();
+    CkChain* const oldChain = chainOf(view);
+    const QList<CkChainable*> sources =
+        oldChain != nullptr ? oldChain->imageSources() : QList<CkChainable*>();
     if (sources.isEmpty()) {
         return;
     }
@@ -182,7 +195,7 @@ void CkToFActions::openAllToFViews() {
     IkAppDelegate::instance()->refreshViewArea();
 }
 
-bool CkToFActions::ensureToFFormatForAll(CkMdiView& view) {
+bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start) {
     SkToFKinds kinds;
     CkToFCameraCheck::imageFormatAtView(&view, kinds);
     if (kinds.any()) {
@@ -196,14 +209,14 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view) {
         showMessage(QMessageBox::Critical, title, text);
         return false;
     }
-    QPointer<CkMdiView> guarded = &view;
+    const QPointer<CkMdiView> guarded = &view;
     const bool goesOn =
         showMessage(QMessageBox::Question, title, askToUpdate(text), QMessageBox::Yes | QMessageBox::Cancel,
                     QMessageBox::Yes) == QMessageBox::Yes;
-    if (!goesOn || guarded == nullptr || !CkToFCameraCheck::switchCameraTo3dFormat(guarded, camera)) {
+    if (!goesOn || guarded == nullptr || !setUpCamera(guarded, camera, start)) {
         return false;
     }
-    negotiateAnew(*guarded);
+    negotiateAnew(chainOf(guarded));
     CkToFCameraCheck::imageFormatAtView(guarded, kinds);
     return kinds.anyRaw();
 }
@@ -269,27 +282,26 @@ void CkToFActions::calibrateOffset() {
         showMessage(QMessageBox::Critical, tr("Error"), tr("Active camera is not the ToF camera."));
         return;
     }
-    QPointer<CkMdiView> view = host->mdiView(active);
-    if (!CkToFCameraCheck::switchCameraTo3dFormat(view, camera)) {
-        showMessage(QMessageBox::Critical, tr("Error"),
-                    tr("Cannot set (A and B) or (A-B) reaout mode to camera."));
+    const QPointer<CkMdiView> view = host->mdiView(active);
+    CkToFChainStart start;
+    if (!setUpCamera(view, camera, start)) {
         return;
     }
-    if (view != nullptr) {
-        ensureDepthFor(*view);
+    const bool ready = view == nullptr || ensureDepthFor(*view);
+    start.now();
+    if (!ready) {
+        showMessage(QMessageBox::Critical, tr("Error"), tr("Cannot insert ToF processing to chain."));
     }
     m_runCalibration(view, host->mainWindow());
 }
 
-void CkToFActions::ensureDepthFor(CkMdiView& view) {
+bool CkToFActions::ensureDepthFor(const CkMdiView& view) {
     CkChainable* found = CkToFChainEditor::searchUpstream(view.dataProvider());
     if (auto* tofBlock = qobject_cast<CkToFProcessCnbl*>(found)) {
         if (tofBlock->transform() != CkToFProcessCnbl::Depth) {
             tofBlock->setTransform(CkToFProcessCnbl::Depth, true);
         }
-        return;
+        return true;
     }
-    if (found == nullptr || !m_editor.insertDepthBlock(found)) {
-        showMessage(QMessageBox::Critical, tr("Error"), tr("Cannot insert ToF processing to chain."));
-    }
+    return found != nullptr && m_editor.insertDepthBlock(found);
 }

@@ -48,21 +48,35 @@ private:
                                             QMessageBox::StandardButtons buttons = QMessageBox::Ok,
                                             QMessageBox::StandardButton defaultButton = QMessageBox::Ok);
 
+    /// Sets the camera up, and starts the view's chain (later) when it is stopped. False, which the user was
+    /// told then, when the camera refuses. The view may be null, and may have been closed afterwards.
+    bool setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start);
+
+    /// What is known of a view that a 3D view is to open on.
+    struct SkToFFindings {
+        SkToFKinds kinds;
+        bool formatKnown = false;
+        bool tofCamera = false;
+        void* cameraHandle = nullptr;
+
+        bool needsGathering() const {
+            return tofCamera && (kinds.isAB || kinds.isAminB) && kinds.separatePhases;
+        }
+    };
     /// Before a 3D view opens on a view that shows nothing ToF: tells, or offers to set the camera up.
-    void offerToFFormatFor3d(CkMdiView& view, bool bFormatKnown, bool bToFCamera, void* cameraHandle,
-                             SkToFKinds& kinds);
+    void offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings, CkToFChainStart& start);
     /// Puts a gathering block in front of the view where phases come one by one. False: no view is opened.
-    bool ensureGatheredPhases(CkMdiView& view);
+    bool gatherPhases(const CkMdiView& view);
     void add3dView(int iConnectedViewId);
 
     /// Before the processing views open: false when the action ends here.
-    bool ensureToFFormatForAll(CkMdiView& view);
+    bool ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start);
     /// Moves the first source of the view's chain into a new chain and closes the view; null on failure.
     CkChain* moveSourceToNewChain(CkMdiView& view, CkChainable* pSource);
     /// A branch with its view. The view's identifier, or -1.
     int openBranch(CkChain* pChain, CkChainable* pSource, int iTransform);
-    /// Sees to a block with phase shift output behind the view, for the calibration.
-    void ensureDepthFor(CkMdiView& view);
+    /// Sees to a block with phase shift output behind the view, for the calibration. False: there is none.
+    bool ensureDepthFor(const CkMdiView& view);
 
     CkToFChainHost& m_chainHost;
     CkToFChainEditor m_editor;

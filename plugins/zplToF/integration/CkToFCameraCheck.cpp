@@ -9,6 +9,7 @@
 #include "zuCoreGui/CkMdiView.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <initializer_list>
 #include <tuple>
@@ -35,31 +36,42 @@ std::tuple<bool, bool, bool, bool, bool> flags(const SkToFKinds& kinds) {
     return {kinds.isAB, kinds.isAminB, kinds.isPhaseShift, kinds.separatePhases, kinds.isHybrid};
 }
 
+using CameraPointer = QPointer<CkCameraParameters>;
+
+CkCameraParam* findParam(const CameraPointer& parameters, const QString& name) {
+    return parameters != nullptr ? parameters->findParam(name, false) : nullptr;
+}
+
 /// Sets the parameter to fallback unless it has one of the accepted values; what was set joins the batch.
-bool keepOrSet(CkCameraParameters& parameters, CkCameraParam& param, std::initializer_list<int> accepted,
+bool keepOrSet(const CameraPointer& parameters, const QString& name, std::initializer_list<int> accepted,
                int fallback) {
-    const int current = param.paramValue().toInt();
+    CkCameraParam* param = findParam(parameters, name);
+    if (param == nullptr) {
+        return false;
+    }
+    const int current = param->paramValue().toInt();
     if (std::find(accepted.begin(), accepted.end(), current) != accepted.end()) {
         return true;
     }
-    if (!param.setParamValue(CkValue(fallback))) {
+    // Whoever is told of the value may close the camera.
+    if (!param->setParamValue(CkValue(fallback)) || parameters == nullptr) {
         return false;
     }
-    parameters.addParamCommitToBatch(&param);
+    parameters->addParamCommitToBatch(param);
     return true;
 }
 
-bool setUpFormat(CkCameraParameters& parameters, CkCameraParam* readoutMode, CkCameraParam& dataFormat) {
-    if (readoutMode == nullptr) {
-        return keepOrSet(parameters, dataFormat, {17, 18}, 18);
+bool setUpFormat(const CameraPointer& parameters) {
+    if (findParam(parameters, g_sReadoutMode) == nullptr) {
+        return keepOrSet(parameters, g_sDataFormat, {17, 18}, 18);
     }
-    if (!keepOrSet(parameters, *readoutMode, {g_iReadoutAminusB, g_iReadoutAandB}, g_iReadoutAandB)) {
+    if (!keepOrSet(parameters, g_sReadoutMode, {g_iReadoutAminusB, g_iReadoutAandB}, g_iReadoutAandB)) {
         return false;
     }
-    if (readoutMode->paramValue().toInt() == g_iReadoutAandB) {
-        return keepOrSet(parameters, dataFormat, {11, 13}, 13);
+    if (findParam(parameters, g_sReadoutMode)->paramValue().toInt() == g_iReadoutAandB) {
+        return keepOrSet(parameters, g_sDataFormat, {11, 13}, 13);
     }
-    return keepOrSet(parameters, dataFormat, {0, 1, 5, 6}, 6);
+    return keepOrSet(parameters, g_sDataFormat, {0, 1, 5, 6}, 6);
 }
 
 } // namespace
@@ -143,25 +155,22 @@ bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isA
 }
 
 bool CkToFCameraCheck::switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle) {
-    CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
+    const CameraPointer parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
+    const QPointer<CkMdiView> view = pView;
     if (parameters == nullptr) {
         return false;
     }
-    CkCameraParam* readoutMode = parameters->findParam(g_sReadoutMode, false);
-    CkCameraParam* dataFormat = parameters->findParam(g_sDataFormat, false);
     const bool hybrid = parameters->cameraInfo().sensorType == HybridSensorType;
-    if (dataFormat == nullptr || (!hybrid && readoutMode == nullptr)) {
+    if (findParam(parameters, g_sDataFormat) == nullptr ||
+        (!hybrid && findParam(parameters, g_sReadoutMode) == nullptr)) {
         return false;
     }
-    if (!setUpFormat(*parameters, readoutMode, *dataFormat)) {
-        parameters->endCommitBatch(false);
-        return false;
-    }
-    if (!parameters->endCommitBatch(true)) {
+    const bool setUp = setUpFormat(parameters);
+    if (parameters == nullptr || !parameters->endCommitBatch(setUp) || !setUp) {
         return false;
     }
 
-    CkChainable* block = pView != nullptr ? pView->dataProvider() : nullptr;
+    CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
     CkChain* chain = block != nullptr ? block->chain() : nullptr;
     if (chain != nullptr && chain->stopped()) {
         chain->start();

@@ -48,6 +48,7 @@ public:
 
     /// Puts a ToF camera into a readout mode and data format that the processing understands, in one commit,
     /// and starts the chain of the view's block when it is stopped (pView may be null). False when it is no
-    /// ToF camera or refuses.
+    /// ToF camera or refuses; its values are then as before. Receivers of the camera's signals may close the
+    /// view and the camera.
     static bool switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle);
 };

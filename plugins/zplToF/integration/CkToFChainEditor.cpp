@@ -30,6 +30,24 @@ void CkToFChainHost::deleteChainable(CkChainable* pBlock) {
     CkChainManager::instance()->deleteChainable(pBlock);
 }
 
+CkToFChainStart::CkToFChainStart() = default;
+
+CkToFChainStart::~CkToFChainStart() {
+    now();
+}
+
+void CkToFChainStart::later(CkChain* pChain) {
+    m_pending = pChain;
+}
+
+void CkToFChainStart::now() {
+    CkChain* const chain = m_pending;
+    m_pending.clear();
+    if (chain != nullptr && chain->stopped()) {
+        chain->start();
+    }
+}
+
 CkChainable* CkToFChainEditor::searchUpstream(CkChainable* pBlock) {
     CkChainable* previous = pBlock;
     CkChainable* current = pBlock;

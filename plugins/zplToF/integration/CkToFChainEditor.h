@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPointer>
+
 class CkChain;
 class CkChainable;
 
@@ -15,6 +17,23 @@ public:
     virtual CkChain* createChain();
     virtual void closeChain(CkChain* pChain);
     virtual void deleteChainable(CkChainable* pBlock);
+};
+
+/// Starts a stopped chain once, after all that is changed in it: at the end of the scope at the latest,
+/// unless it has gone or was started by then. User-interface thread.
+class CkToFChainStart {
+public:
+    CkToFChainStart();
+    ~CkToFChainStart();
+    CkToFChainStart(const CkToFChainStart&) = delete;
+    CkToFChainStart& operator=(const CkToFChainStart&) = delete;
+
+    /// Notes the chain (may be null) for the start; it takes the place of the one before.
+    void later(CkChain* pChain);
+    void now();
+
+private:
+    QPointer<CkChain> m_pending;
 };
 
 /// Finds and inserts ToF processing blocks. User-interface thread.

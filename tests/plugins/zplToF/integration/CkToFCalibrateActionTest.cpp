@@ -1,4 +1,6 @@
+#include "ModalDriver.h"
 #include "ToFRig.h"
+#include "calibration/CkToFCalibrateOffsetDlg.h"
 #include "chain/CkToFProcessCnbl.h"
 #include "zuCore/CkChainManager.h"
 
@@ -130,6 +132,23 @@ TEST(ToFCalibrateAction, CameraThatWasUnpluggedMeanwhileIsNone) {
     rig.actions.calibrateOffset();
     EXPECT_EQ(rig.boxTexts(), QStringList{"Active camera is not the ToF camera."});
     EXPECT_TRUE(rig.calibrated.isEmpty());
+}
+
+TEST(ToFCalibrateAction, DialogIsAChildOfTheMainWindow) {
+    FakeCamera camera({4, 13});
+    ToFRig rig;
+    rig.open(FakeKind::AB, false, &camera);
+    QWidget window;
+    rig.app.window = &window;
+    CkToFActions actions(rig.chainHost);
+    ModalDriver driver;
+    driver.expectWindow([&](QWidget* dialog) {
+        EXPECT_NE(qobject_cast<CkToFCalibrateOffsetDlg*>(dialog), nullptr);
+        EXPECT_EQ(dialog->parentWidget(), &window);
+        static_cast<QDialog*>(dialog)->reject();
+    });
+    actions.calibrateOffset();
+    EXPECT_EQ(driver.pending(), 0);
 }
 
 } // namespace

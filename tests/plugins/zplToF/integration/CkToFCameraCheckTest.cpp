@@ -3,6 +3,8 @@
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
 
+#include "zuCore/CkCameraParameters.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -121,6 +123,20 @@ TEST(ToFCameraCheck, CameraThatRefusesTheCommitKeepsItsValues) {
     EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.value("tof_readout_mode"), 3);
     EXPECT_EQ(camera.value("imgdataformat"), 5);
+}
+
+TEST(ToFCameraCheck, ValueThatIsRefusedTakesTheWholeBatchBack) {
+    FakeCameraModel model{3, 5};
+    model.refuseFormats = true;
+    FakeCamera camera(model);
+    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_EQ(camera.log().commits, 0);
+    const CkCameraParam* readout = camera.parameters()->findParam(QStringLiteral("tof_readout_mode"));
+    EXPECT_EQ(readout->paramValue().toInt(), 3);
+    // Whoever commits next commits nothing of it.
+    EXPECT_TRUE(camera.parameters()->endCommitBatch(true));
+    EXPECT_TRUE(camera.log().committed.isEmpty());
+    EXPECT_EQ(camera.value("tof_readout_mode"), 3);
 }
 
 TEST(ToFCameraCheck, WhatIsAToFCamera) {

@@ -106,4 +106,76 @@ TEST(ToFOpen3dView, ActiveThreeDViewStandsForTheViewItFollows) {
     EXPECT_EQ(rig.actions.views().size(), 2) << "the followed view no longer exists";
 }
 
+TEST(ToFOpen3dView, CameraThatCannotBeSetUpIsToldAndTheStepsFollow) {
+    FakeCamera camera({3, 5, 0, true});
+    ToFRig rig;
+    rig.open(FakeKind::AB, false, &camera);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), new CkToFProcessCnbl, rig.source));
+    rig.answer = QMessageBox::Yes;
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 2U);
+    EXPECT_EQ(rig.boxes[0].text, g_question);
+    EXPECT_EQ(rig.boxes[1].icon, QMessageBox::Critical);
+    EXPECT_EQ(rig.boxes[1].title, "Error");
+    EXPECT_EQ(rig.boxes[1].text, "Cannot set (A and B) or (A-B) reaout mode to camera.");
+    EXPECT_EQ(rig.boxes[1].buttons, QMessageBox::Ok);
+    EXPECT_EQ(camera.value("tof_readout_mode"), 3);
+    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_TRUE(rig.chain()->stopped());
+    EXPECT_EQ(rig.actions.views().size(), 1);
+}
+
+/// Blocks behind the source, which sends phases one by one or together.
+struct StartCase {
+    FakeKind kind;
+    bool separate;
+    bool amplitudeBlock;
+};
+
+class StartsAfterYes : public ::testing::TestWithParam<StartCase> {
+protected:
+    void SetUp() override {
+        rig.open(GetParam().kind, GetParam().separate, &camera);
+        if (GetParam().amplitudeBlock) {
+            ASSERT_TRUE(
+                CkChainManager::instance()->insertAfter(rig.chain(), new CkToFProcessCnbl, rig.source));
+        }
+        rig.answer = QMessageBox::Yes;
+    }
+
+    FakeCamera camera{{3, 5}};
+    ToFRig rig;
+};
+
+TEST_P(StartsAfterYes, StoppedChainIsStartedOnce) {
+    const ChainLog log;
+    rig.actions.openToF3dView();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(log.runs, QList<bool>{true});
+    EXPECT_EQ(rig.actions.views().size(), 1);
+}
+
+TEST_P(StartsAfterYes, StoppedChainIsStartedOnceForTheCalibration) {
+    const ChainLog log;
+    rig.actions.calibrateOffset();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(log.runs, QList<bool>{true});
+    EXPECT_EQ(rig.calibrated.size(), 1);
+}
+INSTANTIATE_TEST_SUITE_P(ToFOpen3dView, StartsAfterYes,
+                         ::testing::Values(StartCase{FakeKind::Grey, false, false},
+                                           StartCase{FakeKind::Grey, true, false},
+                                           StartCase{FakeKind::AB, false, true}));
+
+TEST(ToFOpen3dView, RunningChainNegotiatesTheNewFormatOnceAfterYes) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    ASSERT_TRUE(rig.chain()->start());
+    rig.answer = QMessageBox::Yes;
+    const ChainLog log;
+    rig.actions.openToF3dView();
+    EXPECT_EQ(log.runs, (QList<bool>{false, true}));
+}
+
 } // namespace

@@ -134,14 +134,45 @@ TEST(ToFOpenAllViews, AnswerCancelLeavesEverything) {
     EXPECT_EQ(imageViews(rig.app), 0);
 }
 
-TEST(ToFOpenAllViews, CameraThatRefusesEndsTheActionQuietly) {
+TEST(ToFOpenAllViews, CameraThatCannotBeSetUpIsToldAndEndsTheAction) {
     FakeCamera camera({3, 5, 0, true});
     ToFRig rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.answer = QMessageBox::Yes;
     rig.actions.openAllToFViews();
-    EXPECT_EQ(rig.boxes.size(), 1U);
+    ASSERT_EQ(rig.boxes.size(), 2U);
+    EXPECT_EQ(rig.boxes[1].icon, QMessageBox::Critical);
+    EXPECT_EQ(rig.boxes[1].title, "Error");
+    EXPECT_EQ(rig.boxes[1].text, "Cannot set (A and B) or (A-B) reaout mode to camera.");
+    EXPECT_EQ(rig.boxes[1].buttons, QMessageBox::Ok);
     EXPECT_EQ(rig.chain()->blocks().size(), 1);
+    EXPECT_TRUE(rig.chain()->stopped());
+    EXPECT_EQ(imageViews(rig.app), 0);
+}
+
+TEST(ToFOpenAllViews, StoppedSourceIsStartedOnceAfterYes) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, false, &camera);
+    rig.answer = QMessageBox::Yes;
+    const ChainLog log;
+    rig.actions.openAllToFViews();
+    EXPECT_EQ(log.runs, QList<bool>{true}) << "in its new chain";
+    EXPECT_EQ(imageViews(rig.app), 3);
+    rig.view = nullptr;
+}
+
+TEST(ToFOpenAllViews, StoppedChainThatStaysIsStartedOnceAfterYes) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::AB, false, &camera);
+    // What the view shows is grey whatever the camera sends: the action ends after the set-up.
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), new CkToFProcessCnbl, rig.source));
+    rig.answer = QMessageBox::Yes;
+    const ChainLog log;
+    rig.actions.openAllToFViews();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(log.runs, QList<bool>{true});
     EXPECT_EQ(imageViews(rig.app), 0);
 }
 

@@ -1,5 +1,7 @@
 #include "ToFRig.h"
+#include "integration/CkToFCameraCheck.h"
 #include "view3d/3dMdiView.h"
+#include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>
@@ -24,16 +26,21 @@ protected:
         rig.app.closeView(rig.view->viewId());
         rig.view = nullptr;
     }
-    void expectNothingWasDone() {
-        EXPECT_EQ(rig.boxes.size(), 1U);
-        EXPECT_EQ(camera.log().commits, 0);
+    void expectNothingWasOpened() {
         EXPECT_TRUE(rig.actions.views().isEmpty());
         EXPECT_TRUE(rig.app.addedViews.isEmpty());
         EXPECT_TRUE(rig.app.calls.filter(QStringLiteral("openImageView")).isEmpty());
     }
 
+    void expectNothingWasDone() {
+        EXPECT_EQ(rig.boxes.size(), 1U);
+        EXPECT_EQ(camera.log().commits, 0);
+        expectNothingWasOpened();
+    }
+
     FakeCamera camera{{3, 5}};
     ToFRig rig;
+    const QString refused = QStringLiteral("Cannot set (A and B) or (A-B) reaout mode to camera.");
 };
 
 TEST_F(WhileABoxIsOpen, ViewClosedDuringTheQuestionGetsNo3dView) {
@@ -53,7 +60,8 @@ TEST_F(WhileABoxIsOpen, ViewClosedDuringTheWarningGetsNo3dView) {
 TEST_F(WhileABoxIsOpen, CameraUnpluggedDuringTheQuestionIsNotSetUpAndThe3dViewOpens) {
     inTheBox([this] { camera.close(); });
     rig.actions.openToF3dView();
-    EXPECT_EQ(rig.boxes.size(), 1U);
+    ASSERT_EQ(rig.boxes.size(), 2U);
+    EXPECT_EQ(rig.boxes[1].text, refused);
     EXPECT_EQ(camera.log().commits, 0);
     EXPECT_TRUE(rig.chain()->stopped());
     EXPECT_EQ(rig.actions.views().size(), 1);
@@ -70,7 +78,9 @@ TEST_F(WhileABoxIsOpen, ViewClosedDuringTheQuestionGetsNoProcessingViews) {
 TEST_F(WhileABoxIsOpen, CameraUnpluggedDuringTheQuestionGetsNoProcessingViews) {
     inTheBox([this] { camera.close(); });
     rig.actions.openAllToFViews();
-    expectNothingWasDone();
+    ASSERT_EQ(rig.boxes.size(), 2U);
+    EXPECT_EQ(rig.boxes[1].text, refused);
+    expectNothingWasOpened();
     EXPECT_EQ(rig.app.mdiView(rig.view->viewId()), rig.view);
 }
 
@@ -98,6 +108,81 @@ TEST_F(WhileABoxIsOpen, ViewClosedDuringTheErrorLeavesTheCalibrationWithoutAView
     EXPECT_EQ(rig.boxTexts(), QStringList{"Cannot insert ToF processing to chain."});
     ASSERT_EQ(rig.calibrated.size(), 1);
     EXPECT_TRUE(rig.calibrated[0].isNull());
+}
+
+TEST_F(WhileABoxIsOpen, ViewClosedDuringTheErrorOfTheCameraGetsNo3dView) {
+    inTheBox([this] {
+        camera.close();
+        if (rig.boxes.size() == 2) {
+            closeTheView();
+        }
+    });
+    rig.actions.openToF3dView();
+    EXPECT_EQ(rig.boxes.size(), 2U);
+    expectNothingWasOpened();
+}
+
+/// Whoever is told that the camera has changed may close what shows it.
+class WhileTheCameraIsSetUp : public WhileABoxIsOpen {
+protected:
+    void SetUp() override {
+        WhileABoxIsOpen::SetUp();
+        inTheBox([] {});
+        QObject::connect(camera.parameters(), &CkCameraParameters::committed, camera.parameters(),
+                         [this] { closeTheView(); });
+    }
+    void closeTheCameraAtTheFirstValue() {
+        CkCameraParam* readout = camera.parameters()->findParam(QStringLiteral("tof_readout_mode"));
+        QObject::connect(readout, &CkCameraParam::pendingValueChanged, readout, [this] { camera.close(); });
+    }
+};
+
+TEST_F(WhileTheCameraIsSetUp, ClosedViewGetsNo3dView) {
+    rig.actions.openToF3dView();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(rig.boxes.size(), 1U);
+    expectNothingWasOpened();
+}
+
+TEST_F(WhileTheCameraIsSetUp, ClosedViewOfARunningChainGetsNo3dView) {
+    ASSERT_TRUE(rig.chain()->start());
+    rig.actions.openToF3dView();
+    EXPECT_EQ(camera.log().commits, 1);
+    expectNothingWasOpened();
+}
+
+TEST_F(WhileTheCameraIsSetUp, ClosedViewGetsNoProcessingViews) {
+    rig.actions.openAllToFViews();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_EQ(rig.boxes.size(), 1U);
+    expectNothingWasOpened();
+}
+
+TEST_F(WhileTheCameraIsSetUp, ClosedViewLeavesTheCalibrationWithoutAView) {
+    rig.actions.calibrateOffset();
+    EXPECT_EQ(camera.log().commits, 1);
+    EXPECT_TRUE(rig.boxes.empty());
+    ASSERT_EQ(rig.calibrated.size(), 1);
+    EXPECT_TRUE(rig.calibrated[0].isNull());
+}
+
+TEST_F(WhileTheCameraIsSetUp, ClosedViewIsNotAskedForItsChain) {
+    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
+    EXPECT_TRUE(rig.chain()->stopped());
+}
+
+TEST_F(WhileTheCameraIsSetUp, CameraClosedBeforeTheCommitIsNotSetUp) {
+    closeTheCameraAtTheFirstValue();
+    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
+    EXPECT_TRUE(camera.log().committed.isEmpty());
+    EXPECT_TRUE(rig.chain()->stopped());
+}
+
+TEST_F(WhileTheCameraIsSetUp, CameraClosedBeforeTheCommitIsToldAsOneThatRefuses) {
+    closeTheCameraAtTheFirstValue();
+    rig.actions.calibrateOffset();
+    EXPECT_EQ(rig.boxTexts(), QStringList{refused});
+    EXPECT_TRUE(rig.calibrated.isEmpty());
 }
 
 } // namespace

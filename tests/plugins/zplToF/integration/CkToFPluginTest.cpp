@@ -3,6 +3,7 @@
 #include "chain/CkToFProcessCnbl.h"
 #include "view3d/3dMdiView.h"
 #include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCore/CkRTTI.h"
 #include "zuCore/zuCoreVersion.h"
@@ -15,6 +16,8 @@
 #include <QMenu>
 #include <QMetaClassInfo>
 #include <QMetaMethod>
+#include <QRegularExpression>
+#include <QTest>
 #include <QToolButton>
 #include <gtest/gtest.h>
 
@@ -241,6 +244,43 @@ TEST_F(ToFPlugin, CameraWithoutAPanelLeavesNothingBehind) {
     }
 }
 
+TEST_F(ToFPlugin, CameraThatConnectsEnablesTheActions) {
+    ASSERT_TRUE(plugin.init());
+    FakeCamera camera({4, 13});
+    app.activeView = 1;
+    app.viewCameras[1] = camera.handle();
+    ASSERT_EQ(enabled(), (QList<bool>{false, false, false}));
+    plugin.newCameraConnected(camera.handle());
+    EXPECT_EQ(enabled(), (QList<bool>{true, true, true}));
+}
+
+TEST_F(ToFPlugin, ToolButtonStartsItsCameraBeforeItOpensAnything) {
+    ASSERT_TRUE(plugin.init());
+    FakeCamera camera({4, 13});
+    plugin.newCameraConnected(camera.handle());
+    plugin.actions().setMessageFunction([](const SkToFMessage&) { return QMessageBox::Ok; });
+    CkChain* chain = CkChainManager::instance()->createChain();
+    auto* source = new FakeSource(FakeKind::AB);
+    source->handles = {camera.handle()};
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
+    app.activeView = app.openImageView(source);
+    const auto opened = [this] {
+        return app.calls.filter(QRegularExpression("^(addMdi|openImage)View")).size();
+    };
+    for (const char* name : {"btnToF3D", "btnToFAllViews"}) {
+        app.calls.clear();
+        QList<qsizetype> openedAtStart;
+        app.onStartAcquisition = [&](int, quint64) { openedAtStart << opened(); };
+        app.cameraPanels.value(camera.handle())->findChild<QToolButton*>(QLatin1String(name))->click();
+        EXPECT_EQ(openedAtStart, QList<qsizetype>{0}) << name;
+        EXPECT_GT(opened(), 0) << name;
+    }
+    app.onStartAcquisition = nullptr;
+    for (CkChain* running : CkChainManager::instance()->chains()) {
+        CkChainManager::instance()->closeChain(running);
+    }
+}
+
 TEST_F(ToFPlugin, ToolButtonStartsItsOwnCamera) {
     ASSERT_TRUE(plugin.init());
     FakeCamera camera({4, 13});
@@ -288,6 +328,25 @@ TEST_F(ToFPlugin, FramesReachTheViewsOfTheirOwnView) {
     EXPECT_EQ(toSecond, 0);
     plugin.viewGotNewImage(first.viewId(), nullptr);
     EXPECT_EQ(toFirst, 1);
+}
+
+TEST_F(ToFPlugin, FramesAreHeldToTheRefreshLimit) {
+    ASSERT_TRUE(plugin.init());
+    app.store(QStringLiteral("ToF.RegulateInputFps"), true);
+    app.store(QStringLiteral("ToF.MaxInputFps"), 0.0001F);
+    CkMdiView shown;
+    openToF3dViews(shown, 1);
+    CkToF3DMdiView* view = plugin.actions().views().first();
+    const auto first = frame();
+    first->picBuf().additionalData.frameNumber = 1;
+    plugin.viewGotNewImage(shown.viewId(), first.get());
+    ASSERT_NE(view->currentImage(), nullptr);
+    ASSERT_EQ(view->currentImage()->frameId(), 1);
+    QTest::qWait(2); // within the same millisecond there is no limit
+    const auto second = frame();
+    second->picBuf().additionalData.frameNumber = 2;
+    plugin.viewGotNewImage(shown.viewId(), second.get());
+    EXPECT_EQ(view->currentImage()->frameId(), 1);
 }
 
 TEST_F(ToFPlugin, ClosingRemovesAThreeDViewOnceAndOthersNever) {

@@ -33,7 +33,9 @@ public:
             m_parameters.addParam(integer(g_readout, model.readoutMode));
         }
         if (model.dataFormat >= 0) {
-            m_parameters.addParam(integer(g_format, model.dataFormat));
+            CkCameraParam::SkDescription format = integer(g_format, model.dataFormat);
+            format.readOnly = model.refuseFormats;
+            m_parameters.addParam(format);
         }
     }
     CkCameraParameters* parameters() override { return &m_parameters; }
@@ -100,9 +102,13 @@ void FakeCamera::close() {
     CkCameraManager::instance()->closeCamera(m_handle);
 }
 
+CkCameraParameters* FakeCamera::parameters() const {
+    return CkCameraManager::instance()->cameraParameters(m_handle);
+}
+
 int FakeCamera::value(const char* name) const {
-    const CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(m_handle);
-    const CkCameraParam* param = parameters != nullptr ? parameters->findParam(QLatin1String(name)) : nullptr;
+    const CkCameraParam* param =
+        parameters() != nullptr ? parameters()->findParam(QLatin1String(name)) : nullptr;
     return param != nullptr ? param->committedValue().toInt() : -1;
 }
 
@@ -205,6 +211,20 @@ QString boxLine(const SkToFMessage& message) {
         .arg(message.title, message.text)
         .arg(int(message.buttons))
         .arg(int(message.defaultButton));
+}
+
+ChainLog::ChainLog() {
+    for (CkChain* chain : CkChainManager::instance()->chains()) {
+        watch(chain);
+    }
+    QObject::connect(CkChainManager::instance(), &CkChainManager::chainCreated, &m_context,
+                     [this](CkChain* chain) { watch(chain); });
+}
+
+ChainLog::~ChainLog() = default;
+
+void ChainLog::watch(CkChain* chain) {
+    QObject::connect(chain, &CkChain::runningChanged, &m_context, [this](bool on) { runs << on; });
 }
 
 ToFRig::ToFRig() {

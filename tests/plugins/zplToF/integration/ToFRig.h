@@ -13,12 +13,15 @@
 #include <memory>
 #include <vector>
 
+class CkCameraParameters;
+
 /// Parameters of a camera as a test wants them; a value of -1 leaves the parameter out.
 struct FakeCameraModel {
     int readoutMode = 4;
     int dataFormat = 13;
     quint32 sensorType = 0;
     bool refuseCommits = false;
+    bool refuseFormats = false; ///< the data format takes no other value
 };
 
 /// What reached the camera.
@@ -37,6 +40,7 @@ public:
 
     void* handle() const { return m_handle; }
     int value(const char* name) const;
+    CkCameraParameters* parameters() const;
     const FakeCameraLog& log() const { return *m_log; }
     void close();
 
@@ -101,6 +105,22 @@ public:
     using CkMdiView::CkMdiView;
     CkImageData* currentImage() override { return image.get(); }
     std::unique_ptr<CkImageData> image;
+};
+
+/// Starts (true) and stops of all chains there are and of those that come, in order.
+class ChainLog {
+public:
+    ChainLog();
+    ~ChainLog();
+    ChainLog(const ChainLog&) = delete;
+    ChainLog& operator=(const ChainLog&) = delete;
+
+    QList<bool> runs;
+
+private:
+    void watch(CkChain* chain);
+
+    QObject m_context;
 };
 
 /// One view on a chain of one source, the application around it, and the actions under test.

@@ -287,6 +287,48 @@ TEST_F(ViewAndDialogTest, CancelAfterMovingTheThresholdKeepsItInTheViewUnsaved) 
     EXPECT_TRUE(s_writes.isEmpty());
 }
 
+TEST_F(ViewAndDialogTest, OkStoresAMovedThresholdAsItStandsInTheView) {
+    auto view = openOn(wall());
+    withDialog(*view, [&] {
+        // From 10 the bar stands at its end, 2; two steps down are 1.8.
+        QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
+        QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.8F, 1e-6F);
+    EXPECT_NEAR(m_host.stored("ToF.OptConfidenceThreshold").toFloat(), 1.8F, 1e-6F);
+    // Of 0 the view takes no notice.
+    withDialog(*view, [&] {
+        QTest::keyClick(child("tbConfThreshold"), Qt::Key_Home);
+        EXPECT_EQ(child<QLabel>("lbConfThresholdValue")->text(), "0.00");
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.8F, 1e-6F);
+    EXPECT_NEAR(m_host.stored("ToF.OptConfidenceThreshold").toFloat(), 1.8F, 1e-6F);
+}
+
+TEST_F(ViewAndDialogTest, OkLeavesAThresholdAboveTheBarThatNobodyMoved) {
+    auto view = openOn(wall());
+    withDialog(*view, [&] {
+        EXPECT_EQ(child<QLabel>("lbConfThresholdValue")->text(), "10.00");
+        click(QDialogButtonBox::Apply);
+        click(QDialogButtonBox::Ok);
+    });
+    EXPECT_EQ(view->options().opticalPath.confidenceThreshold, 10.0F);
+    EXPECT_EQ(m_host.stored("ToF.OptConfidenceThreshold").toFloat(), 10.0F);
+}
+
+TEST_F(ViewAndDialogTest, ThePickerStartsWithTheColourThatIsDrawn) {
+    m_host.store("ToF.BgColor", 0x112233U);
+    auto view = openOn(wall());
+    show(*view);
+    m_host.store("ToF.BgColor", 0x445566U); // by another view
+    withDialog(*view, [this] {
+        EXPECT_EQ(child<CkColorPickerLabel>("pickBgColor")->pickerColor(), QColor(0x11, 0x22, 0x33));
+        click(QDialogButtonBox::Cancel);
+    });
+}
+
 TEST_F(ViewAndDialogTest, BoxAndColourActAtOnceAndAreSavedByTheView) {
     auto view = openOn(wall());
     show(*view);
