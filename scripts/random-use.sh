@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# A person's random clicking, with real mouse and key events, in a viewer built with the sanitizers:
+#   scripts/random-use.sh [SECONDS [SEED]]      300 seconds and a seed of the clock by default
+# Ends with 0 when the viewer lived, answered and left without a report; otherwise what it reported, the last events
+# and a picture are in the folder named at the end. The same seed gives the same events, though the viewer may have
+# got further or less far by then. BUILD_DIR names the build folder, build/asan by default. By hand, not in CI.
+#
+# Needs xvfb, openbox, xdotool and imagemagick, and is run as root: the viewer itself runs as "nobody" with its home
+# and its current folder in a folder of the run's own, so that no file dialog can reach anything else.
+set -u
+: "${BUILD_DIR:=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")/build/asan}"
+. "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/setup.sh"
+
+seconds=${1:-300}
+seed=${2:-$(date +%s)}
+viewer=$build_dir/bin/zuviewer
+[ "$(id -u)" = 0 ] || fail "Run this as root in a container: only then can the viewer run as a user who can write nowhere else."
+[ -x "$viewer" ] || fail "$viewer has not been built: cmake --preset asan && ninja -C build/asan zuviewer zplToF tof"
+for program in Xvfb openbox xdotool import setpriv python3; do
+    command -v "$program" >/dev/null || fail "$program is missing."
+done
+
+work=$(mktemp -d /tmp/random-use.XXXXXX)
+trap stop_servers EXIT
+start_xvfb 1920x1200x24
+openbox >"$work/openbox.log" 2>&1 &
+servers+=($!)
+
+mkdir "$work/home"
+if [ -x "$build_dir/bin/tof" ]; then
+    (cd "$work/home" && "$build_dir/bin/tof" record --frames 12 wave.tif && "$build_dir/bin/tof" record --camera grey \
+        --frames 12 grey.tif) >"$work/record.log" 2>&1
+fi
+chown -R nobody "$work"
+chmod 755 "$work"
+export HOME=$work/home LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb
+unset XDG_CONFIG_HOME XDG_RUNTIME_DIR WAYLAND_DISPLAY QT_SCALE_FACTOR
+export ASAN_OPTIONS=detect_leaks=1:handle_abort=1:allocator_may_return_null=1:log_path=$work/report
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:log_path=$work/report
+export LSAN_OPTIONS=suppressions=$source_dir/tests/support/lsan.supp:print_suppressions=0
+python3 "$source_dir/scripts/random-use.py" "$viewer" "$work" "$seconds" "$seed"
+code=$?
+if [ $code = 0 ]; then
+    rm -rf "$work"
+else
+    say "seed $seed: see $work"
+fi
+exit $code
