@@ -95,7 +95,9 @@ bool CkLut::applyToPic(const SkPicBuf& source, SkPicBuf& target) const {
     }
     const CkCompContrast contrast = activeContrast();
     const double maximum = maximumOfBits(m_uiBits);
-    const double span = double(source.maxValue) - double(source.minValue);
+    // Of a window without end no value has a place: it counts as one without width.
+    const bool bounded = std::isfinite(source.minValue) && std::isfinite(source.maxValue);
+    const double span = bounded ? double(source.maxValue) - double(source.minValue) : 0.0;
     const quint64 lastEntry = rgbTableEntries() - 1;
     // Integers of more than 16 bits share entries.
     const double entriesPerValue = double(lastEntry) / maximum;

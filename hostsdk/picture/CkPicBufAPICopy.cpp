@@ -39,6 +39,10 @@ bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTarget
     if (uiWidth == 0 || uiHeight == 0) {
         return true;
     }
+    // With rows at different distances there is no order in which each is read before it is overwritten.
+    if (source.lineSize != target.lineSize && overlap(source, target)) {
+        return false;
+    }
     const size_t pixelBytes = size_t(source.channels) * sampleBytes(source.dataType);
     const size_t rowBytes = pixelBytes * uiWidth;
     const quint8* const from = source.row(uiSourceY) + pixelBytes * uiSourceX;

@@ -77,7 +77,11 @@ bool CkPicBufAPI::AllocPicBufFromHeap(SkPicBuf& picBuf, const SkPicBufInfo& info
 
 bool CkPicBufAPI::AllocPicBufFromPool(CkMemoryPool* pPool, const void* pOwner, SkPicBuf& picBuf,
                                       const SkPicBufInfo& info, bool bClear) {
-    return pPool != nullptr && pPool->acquire(pOwner, info, picBuf, bClear);
+    if (pPool == nullptr) {
+        FreePicBuf(picBuf, true);
+        return false;
+    }
+    return pPool->acquire(pOwner, info, picBuf, bClear);
 }
 
 void CkPicBufAPI::FreePicBuf(SkPicBuf& picBuf, bool bReset) {

@@ -51,8 +51,9 @@ public:
     size_t rgbTableEntries() const { return m_rgbTable.size() / 4; }
 
     /// Colours a one-channel picture (or channel 0) into a picture of 4 unsigned 8-bit channels and the same
-    /// size. Float pictures are scaled from their minValue .. maxValue over the contrast window; values that
-    /// are not finite become black. False on other formats or without a table.
+    /// size. Float pictures are scaled from their minValue .. maxValue over the contrast window, where both
+    /// are finite and minValue is the smaller one, otherwise every value counts as minValue; values that are
+    /// not finite become black. False on other formats or without a table.
     bool applyToPic(const SkPicBuf& source, SkPicBuf& target) const;
 
     /// This table when the format is the same, otherwise a new one, owned by the caller, with the same map

@@ -32,7 +32,8 @@ public:
     static bool AllocPicBufFromHeap(SkPicBuf& picBuf, const SkPicBufInfo& info, bool bPackLines = false,
                                     size_t uiReserveBytes = 0);
 
-    /// A picture from the shelf of an owner in a pool, see CkMemoryPool::acquire.
+    /// A picture from the shelf of an owner in a pool, see CkMemoryPool::acquire. A reference that picBuf
+    /// held is given back first; picBuf is empty when this is false, as it is without a pool.
     static bool AllocPicBufFromPool(CkMemoryPool* pPool, const void* pOwner, SkPicBuf& picBuf,
                                     const SkPicBufInfo& info, bool bClear);
 
@@ -53,11 +54,13 @@ public:
     // ---- copies -------------------------------------------------------------------------------------
 
     /// Copies pixels, value range and additional data. An empty target is allocated like the source; any
-    /// other must have the same width, height, channels and sample type.
+    /// other must have the same width, height, channels and sample type. Overlapping pictures as for
+    /// CopyRect.
     static bool CopyPicBuf(const SkPicBuf& source, SkPicBuf& target);
 
     /// Copies a rectangle of pixels between pictures of the same channels and sample type. An empty
-    /// rectangle inside both pictures is no error. Source and target may be the same picture.
+    /// rectangle inside both pictures is no error. Source and target may be the same picture or overlap, as
+    /// long as their lineSize is the same.
     static bool CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
                          quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight);
 

@@ -259,6 +259,33 @@ TEST(CkLut, ScalesFloatsFromMinimumToMaximumOverTheWindow) {
     EXPECT_EQ(colorAt(target, 1, 0), grey(0));
 }
 
+TEST(CkLut, AWindowThatIsNotFiniteShowsEveryValueAsItsFirst) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    const std::pair<float, float> windows[] = {{-infinity, 1.0F}, {0.0F, infinity}, {-infinity, infinity},
+                                               {infinity, 1.0F},  {none, 1.0F},     {0.0F, none}};
+    for (const EkImageDataType type : {EkImageDataType::Float32, EkImageDataType::Float64}) {
+        for (const auto& [low, high] : windows) {
+            CkLut lut(8, 1, false, type);
+            lut.contrastEntries().append({0, 255, 40, 255, 1.0});
+            ASSERT_TRUE(lut.allocRgbTable(0));
+            PaddedPicture source(3, 1, 1, type);
+            PaddedPicture target(3, 1, 4, EkImageDataType::UInt8);
+            for (quint32 x = 0; x < 3; ++x) {
+                const float value = x == 2 ? none : float(x) - 0.5F;
+                type == EkImageDataType::Float32 ? source.set<float>(x, 0, 0, value)
+                                                 : source.set<double>(x, 0, 0, double(value));
+            }
+            source->minValue = low;
+            source->maxValue = high;
+            ASSERT_TRUE(lut.applyToPic(*source, *target));
+            EXPECT_EQ(colorAt(target, 0, 0), grey(40)) << low << " to " << high;
+            EXPECT_EQ(colorAt(target, 1, 0), grey(40)) << low << " to " << high;
+            EXPECT_EQ(colorAt(target, 2, 0), grey(0));
+        }
+    }
+}
+
 TEST(CkLut, RefusesWhatItCannotColour) {
     CkLut lut(8, 1, false, EkImageDataType::UInt8);
     PaddedPicture source(3, 2, 1, EkImageDataType::UInt8);

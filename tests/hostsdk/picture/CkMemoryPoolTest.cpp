@@ -98,6 +98,19 @@ TEST(CkMemoryPool, OwnersDoNotShareShelves) {
     EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(nullptr, firstOwner, picBuf, packedFormat(8, 4), false));
 }
 
+TEST(CkMemoryPool, WithoutAPoolThePictureIsEmptyAndWhatItHeldIsGivenBack) {
+    CkMemoryPool pool;
+    ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 4), 1));
+    SkPicBuf picBuf;
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, firstOwner, picBuf, packedFormat(8, 4), false));
+    EXPECT_EQ(pool.freeCount(firstOwner), 0);
+    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromPool(nullptr, firstOwner, picBuf, picBuf, false));
+    EXPECT_EQ(picBuf.data, nullptr);
+    EXPECT_EQ(picBuf.memory, nullptr);
+    EXPECT_EQ(picBuf.width, 0U);
+    EXPECT_EQ(pool.freeCount(firstOwner), 1);
+}
+
 TEST(CkMemoryPool, PicturesOutliveTheirShelfAndThePool) {
     SkPicBuf ofShelf;
     SkPicBuf ofPool;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <tuple>
+#include <vector>
 
 namespace {
 
@@ -151,6 +152,45 @@ TEST(CopyRect, WithinOnePictureReadsBeforeItOverwrites) {
         }
         EXPECT_TRUE(picture.sentinelsIntact());
     }
+}
+
+TEST(CopyRect, RefusesOverlappingMemoryWithAnotherLineSize) {
+    // Two pictures in one block of bytes: rows of 8 and rows of 12 bytes, the second 20 bytes behind.
+    std::vector<quint8> bytes(200);
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = quint8(i);
+    }
+    const std::vector<quint8> before = bytes;
+    SkPicBuf narrow;
+    narrow.width = 8;
+    narrow.height = 6;
+    narrow.lineSize = 8;
+    narrow.channels = 1;
+    narrow.dataType = EkImageDataType::UInt8;
+    narrow.data = bytes.data();
+    SkPicBuf wide = narrow;
+    wide.lineSize = 12;
+    wide.data = bytes.data() + 20;
+    EXPECT_FALSE(CkPicBufAPI::CopyRect(wide, 0, 0, narrow, 0, 0, 8, 6));
+    EXPECT_FALSE(CkPicBufAPI::CopyRect(narrow, 0, 0, wide, 0, 0, 8, 6));
+    EXPECT_FALSE(CkPicBufAPI::CopyRect(wide, 3, 2, narrow, 1, 1, 4, 3));
+    EXPECT_FALSE(CkPicBufAPI::CopyPicBuf(narrow, wide));
+    EXPECT_FALSE(CkPicBufAPI::CopyPicBuf(wide, narrow));
+    wide.data = narrow.data;
+    EXPECT_FALSE(CkPicBufAPI::CopyPicBuf(narrow, wide)) << "the same first row";
+    EXPECT_EQ(bytes, before);
+    EXPECT_TRUE(CkPicBufAPI::CopyRect(wide, 0, 0, narrow, 0, 0, 0, 6)) << "an empty rectangle";
+
+    // Behind the last row nothing is shared; with the same lineSize every overlap is copied in order.
+    wide.data = narrow.data + 48;
+    EXPECT_TRUE(CkPicBufAPI::CopyPicBuf(narrow, wide));
+    EXPECT_EQ(sampleAt<quint8>(wide, 7, 5), 47);
+    bytes = before;
+    SkPicBuf shifted = narrow;
+    shifted.data = narrow.data + 3;
+    EXPECT_TRUE(CkPicBufAPI::CopyPicBuf(narrow, shifted));
+    EXPECT_EQ(sampleAt<quint8>(shifted, 7, 5), 47);
+    EXPECT_EQ(sampleAt<quint8>(shifted, 0, 1), 8);
 }
 
 TEST(CopyRect, CopiesSamplesOfUnknownTypeAsBytes) {

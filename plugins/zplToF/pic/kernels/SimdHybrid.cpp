@@ -119,7 +119,7 @@ struct Quotients {
 
 using HalfI = hn::Vec<hn::Rebind<int32_t, DD>>;
 
-/// 16-bit samples, their sums and products are exact in double precision; the far flag is 0 or 1.
+/// 16-bit samples, their sums and products are exact in double precision; far is all bits or none.
 HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI ambientSamples, HalfI far,
                                double range) {
     const DD d;
@@ -130,7 +130,9 @@ HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI am
     const VD sum = hn::Add(first, second);
     const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
     const VD confidence = hn::Div(hn::Mul(sum, ambient), hn::Mul(hn::Add(first, first), second));
-    const VD offset = hn::Mul(hn::PromoteTo(d, far), hn::Set(d, range));
+    // Masked, not multiplied: a range may be infinite, and 0 times infinity is no offset of 0.
+    const hn::Rebind<int64_t, DD> d64;
+    const VD offset = hn::And(hn::BitCast(d, hn::PromoteTo(d64, far)), hn::Set(d, range));
     const VD depth =
         hn::Add(hn::Div(hn::Mul(hn::Sub(second, ambient), hn::Set(d, range)), reflected), offset);
     const auto trusted = hn::Le(confidence, hn::Set(d, 0.9));
@@ -151,7 +153,7 @@ struct HybridDepthBlock {
         VI first;
         VI second;
         VI ambient;
-        VI far;   ///< 0 or 1
+        VI far;   ///< all bits or none
         VI valid; ///< all bits or none
     };
 
@@ -179,7 +181,7 @@ struct HybridDepthBlock {
         const auto measurable =
             hn::And(hn::And(hn::Gt(reflected, hn::Zero(di)), hn::Gt(hn::Min(first, second), hn::Zero(di))),
                     hn::Gt(aboveAmbient, hn::Set(di, -1)));
-        return {first, second, ambient, hn::IfThenZeroElse(near, hn::Set(di, 1)),
+        return {first, second, ambient, hn::Not(hn::VecFromMask(di, near)),
                 hn::VecFromMask(di, hn::AndNot(undecided, measurable))};
     }
 
@@ -289,18 +291,30 @@ struct LargestDepthOfPairsBlock : LargestDepth {
     }
 };
 
+/// Of zeros of both signs the first one counts, and the lanes do not know which came first. A maximum of 0 is
+/// replaced by nothing but larger depths, so this happens once in a picture at most.
+bool isZeroOfUnknownSign(float largest, float maximum) {
+    return largest == 0.0F && maximum < 0.0F;
+}
+
 float largestDepthRow(const quint8* depth, const quint8* confidence, size_t pixels, float limit,
                       float maximum) {
     LargestDepthBlock block{{hn::Set(DF(), maximum), hn::Set(DF(), limit)}};
     const uint8_t* const rows[] = {depth, confidence};
     forEachBlock(rows, nullptr, pixels, block);
-    return hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+    const float largest = hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+    return isZeroOfUnknownSign(largest, maximum)
+               ? CkToFKernelChoice::plain().largestDepth(depth, confidence, pixels, limit, maximum)
+               : largest;
 }
 
 float largestDepthOfPairsRow(const quint8* pairs, const quint8*, size_t pixels, float limit, float maximum) {
     LargestDepthOfPairsBlock block{{hn::Set(DF(), maximum), hn::Set(DF(), limit)}};
     forEachBlock(&pairs, nullptr, pixels, block);
-    return hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+    const float largest = hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
+    return isZeroOfUnknownSign(largest, maximum)
+               ? CkToFKernelChoice::plain().largestDepthOfPairs(pairs, nullptr, pixels, limit, maximum)
+               : largest;
 }
 
 void addHybrid(SkToFKernels& kernels) {

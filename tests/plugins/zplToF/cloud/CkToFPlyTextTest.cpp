@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -101,6 +102,21 @@ TEST(CkToFPlyText, TrickyNumbersAreThoseOfQString) {
     for (int exponent = -149; exponent < 128; exponent++)
         values.push_back(std::ldexp(1.0F, exponent));
     expectSameText(inThrees(values));
+}
+
+TEST(CkToFPlyText, MinusZeroAndLargeWholeNumbersAreTheseBytes) {
+    // Powers of two above 2^53 in the digits that tell doubles apart, filled up with zeros: 2^60 is
+    // 1152921504606846976, 2^63 is 9223372036854775808. Where an exponent is shorter it is written: 2^77 is
+    // 151115727451828646838272.
+    const std::vector<SkToFPoint> points = {
+        {-0.0F, 0.0F, -0.0F},
+        {std::ldexp(1.0F, 53), std::ldexp(-1.0F, 54), std::ldexp(1.0F, 60)},
+        {std::ldexp(-1.0F, 63), std::ldexp(1.0F, 64), std::ldexp(-1.0F, 77)}};
+    EXPECT_EQ(buildPlyText(points).toStdString(),
+              (headerFor(3) + "0 0 0\n"
+                              "9007199254740992 -18014398509481984 1152921504606847000\n"
+                              "-9223372036854776000 18446744073709552000 -1.5111572745182865e+23\n")
+                  .toStdString());
 }
 
 TEST(CkToFPlyText, AMillionNumbersAreThoseOfQString) {

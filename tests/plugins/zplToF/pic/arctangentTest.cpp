@@ -77,12 +77,7 @@ TEST_P(Arctangent, BothSignsOfZero) {
             add(x, y);
         }
     }
-    std::vector<float> angles(xs.size());
-    const quint8* const rows[] = {reinterpret_cast<const quint8*>(xs.data()),
-                                  reinterpret_cast<const quint8*>(ys.data())};
-    GetParam()->angle(rows, reinterpret_cast<quint8*>(angles.data()), angles.size());
-    for (size_t index = 0; index < angles.size(); ++index)
-        EXPECT_NEAR(angles[index], wrappedAngle(ys[index], xs[index]), 1e-6F) << index;
+    check();
 }
 
 TEST_P(Arctangent, NonIntegerVectorsOfEightPhases) {

@@ -91,6 +91,34 @@ TEST(HybridPicture, TypesColoursAndChannels) {
     EXPECT_TRUE(CkToFPicAPI::isRawToFHybridPic(described(3, 4, false, 13), &metadata));
 }
 
+TEST(LayoutFlag, CountsForTwoTapsAndForHybridButNotOf32Bits) {
+    const CkImageMetadata taps = withCode(0x80ab0f0cU);
+    const CkImageMetadata difference = withCode(0x80a05f0cU);
+    CkImageMetadata noNames;
+    for (const quint32 type : {0U, 1U, 2U, 3U, 4U, 6U, 9U, 11U, 12U}) {
+        SCOPED_TRACE(type);
+        EXPECT_FALSE(CkToFPicAPI::isRawX2ToFABPic(described(2, type, true), nullptr));
+        EXPECT_FALSE(CkToFPicAPI::isRawX2ToFABPic(described(2, type, true), &taps));
+        EXPECT_EQ(CkToFPicAPI::isRawToFAminBPic(described(1, type, true), nullptr), type == 1 || type == 3);
+        EXPECT_EQ(CkToFPicAPI::isRawToFAminBPic(described(1, type, true), &difference),
+                  type == 1 || type == 3);
+        EXPECT_EQ(CkToFPicAPI::isRawToFHybridPic(described(3, type, true, 13), nullptr), type == 6);
+        EXPECT_EQ(CkToFPicAPI::isRawToFHybridPic(described(3, type, true, 13), &noNames), type == 6);
+        EXPECT_EQ(CkToFPicAPI::isPhaseShiftImage(described(2, type, true), nullptr), type == 9);
+        EXPECT_EQ(CkToFPicAPI::isDepthImage(described(2, type, true), &noNames), type == 9);
+    }
+}
+
+TEST(HybridPicture, TheDescriptorSaysSoWhateverTheMetadataSay) {
+    CkImageMetadata metadata;
+    metadata.colorFilterArray = 13;
+    EXPECT_FALSE(CkToFPicAPI::isRawToFHybridPic(described(3, 4, false, 0), &metadata));
+    EXPECT_EQ(CkToFPicAPI::detectPhasesCount(described(3, 4, false, 0, 1800), &metadata), 1U);
+    metadata.colorFilterArray = 0;
+    EXPECT_TRUE(CkToFPicAPI::isRawToFHybridPic(described(3, 4, false, 13), &metadata));
+    EXPECT_EQ(CkToFPicAPI::detectPhasesCount(described(3, 4, false, 13, 1800), &metadata), 3U);
+}
+
 TEST(FloatPicture, OneChannelWithoutMetadataIsPhaseShiftAndDepth) {
     EXPECT_TRUE(CkToFPicAPI::isPhaseShiftImage(described(1, 9), nullptr));
     EXPECT_TRUE(CkToFPicAPI::isDepthImage(described(1, 9), nullptr));
@@ -132,6 +160,8 @@ TEST(SeparatePhases, SequenceLengthAgainstPhasesCount) {
     EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata));
     metadata.phasesCount = 4;
     EXPECT_FALSE(CkToFPicAPI::incomingSeparatePhases(&metadata));
+    metadata.phaseSequenceLength = 2; // fewer images than phases are another count all the same
+    EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata));
     metadata.phaseSequenceLength = 0;
     metadata.phasesCount = 1;
     EXPECT_FALSE(CkToFPicAPI::incomingSeparatePhases(&metadata));
@@ -152,6 +182,16 @@ TEST(SeparatePhases, HybridSectionsCountWithoutTheReference) {
     EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata));
     metadata.colorFilterArray = 8;
     EXPECT_FALSE(CkToFPicAPI::incomingSeparatePhases(&metadata));
+}
+
+TEST(SeparatePhases, OnlyMode3HasAReference) {
+    CkImageMetadata metadata;
+    metadata.colorFilterArray = 13;
+    metadata.sectionCount = 2;
+    for (const quint32 mode : {0U, 1U, 2U, 4U, 5U, 0xffffffffU}) {
+        metadata.sectionMode = mode;
+        EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata)) << mode;
+    }
 }
 
 TEST(SeparatePhases, SectionCountIsComparedSigned) {

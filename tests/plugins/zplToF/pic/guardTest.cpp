@@ -64,6 +64,29 @@ TEST_P(Guard, TheUnchangedPicturesAreProcessed) {
     EXPECT_TRUE(run());
 }
 
+TEST_P(Guard, OnlyPhaseShiftsRefreshTheValueRange) {
+    ASSERT_TRUE(run());
+    if (GetParam().phaseShift) {
+        EXPECT_EQ(result->pic.minValue, 0.0F); // the source is black
+        EXPECT_EQ(result->pic.maxValue, 0.0F);
+    } else {
+        EXPECT_EQ(result->pic.minValue, -1.0F);
+        EXPECT_EQ(result->pic.maxValue, 99.0F);
+    }
+}
+
+TEST_P(Guard, HybridOperationsAskWhetherThePictureIsHybrid) {
+    if (GetParam().name.rfind("Hybrid", 0) != 0) {
+        EXPECT_NE(source->pic.colorFilterArray, EkColorFilterArray::RawX3Hybrid);
+        return;
+    }
+    for (const quint32 colors : {0U, 8U, 9U, 12U, 14U})
+        expectRefused("colours",
+                      [colors](SkPicBuf& s, SkPicBuf&) { s.colorFilterArray = EkColorFilterArray(colors); });
+    source->pic.layoutFlag = true;
+    EXPECT_EQ(run(), GetParam().sourceType == Type::UInt32);
+}
+
 TEST_P(Guard, NullData) {
     expectRefused("source", [](SkPicBuf& s, SkPicBuf&) { s.data = nullptr; });
     expectRefused("result", [](SkPicBuf&, SkPicBuf& r) { r.data = nullptr; });
@@ -240,10 +263,63 @@ TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
         refused(d, confidence.pic, p);
         EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(confidence.pic, d, maximum, 1.0F));
     }
-    TestPicture other(3, 3, 1, Type::Float32);
-    EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, other.pic, maximum, 1.0F));
+    for (const auto& [width, height] : {std::pair(3U, 3U), std::pair(4U, 2U), std::pair(4U, 4U)}) {
+        TestPicture other(width, height, 1, Type::Float32);
+        for (quint32 x = 0; x < width; ++x)
+            other.set(x, 0, 0, 0.5F); // a depth as well as a confidence
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, other.pic, maximum, 1.0F));
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(other.pic, confidence.pic, maximum, 1.0F));
+    }
+    EXPECT_EQ(maximum, 7.0F);
     EXPECT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, maximum, 1.0F));
     EXPECT_EQ(maximum, 2.0F);
+}
+
+TEST(DepthSearchGuard, ChannelsAreCountedExactly) {
+    // Every sample is a depth of 2 m that could be trusted, whatever it is taken for.
+    for (const quint32 channels : {1U, 2U, 3U, 4U}) {
+        TestPicture picture(4, 3, channels, Type::Float32);
+        for (quint32 index = 0; index < 4 * 3 * channels; ++index)
+            picture.set(index / channels % 4, index / channels / 4, index % channels, 2.0F);
+        float maximum = 7.0F;
+        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(picture.pic, maximum, 3.0F), channels == 2);
+        EXPECT_EQ(maximum, channels == 2 ? 2.0F : 7.0F);
+        maximum = 7.0F;
+        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(picture.pic, picture.pic, maximum, 3.0F),
+                  channels == 1);
+        EXPECT_EQ(maximum, channels == 1 ? 2.0F : 7.0F);
+    }
+}
+
+TEST(TestImageGuard, OnlyOneUnfilteredUnsignedChannelIsATestImage) {
+    for (const quint32 colors : {1U, 8U, 9U, 13U}) {
+        TestPicture source(4, 6, 1, Type::UInt16);
+        source.pic.colorFilterArray = EkColorFilterArray(colors);
+        TestPicture result(4, 2, 3, Type::UInt16);
+        EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic)) << colors;
+    }
+    for (const Type type : {Type::Int8, Type::Int16}) {
+        for (const Type resultType : {type, type == Type::Int8 ? Type::UInt8 : Type::UInt16}) {
+            TestPicture source(4, 6, 1, type);
+            TestPicture result(4, 2, 3, resultType);
+            EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic));
+        }
+    }
+}
+
+TEST(TestImageGuard, AResultWithoutColumnsOrWithoutRowsIsDone) {
+    const SkPicBuf nothing;
+    SkPicBuf source = nothing;
+    source.channels = 1;
+    source.dataType = Type::UInt16;
+    for (const auto& [width, height] : {std::pair(0U, 0U), std::pair(0U, 5U), std::pair(5U, 0U)}) {
+        SkPicBuf result = nothing;
+        result.width = width;
+        result.height = height;
+        result.channels = 3;
+        result.dataType = Type::UInt16;
+        EXPECT_TRUE(CkToFPicAPI::convertTestImageToHybridTof(source, result)) << width << " x " << height;
+    }
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 // Every expected value is worked out by hand from the samples; each runs with every implementation.
 
@@ -104,6 +105,21 @@ TEST_P(HybridKnownAnswers, PulseDurationSetsTheRange) {
     EXPECT_EQ(depthOf(EkImageDataType::UInt16, 100, 60, 20, NAN).depth, float(40.0 * 11.99169832 / 120.0));
 }
 
+TEST_P(HybridKnownAnswers, AnInfinitePulseGivesInfiniteDepths) {
+    for (const auto type : unsignedTypes) {
+        EXPECT_EQ(depthOf(type, 100, 60, 20, INFINITY).depth, INFINITY); // near: no offset is added
+        EXPECT_EQ(depthOf(type, 20, 100, 60, INFINITY).depth, INFINITY);
+        // Windows 2 and 3 are equal: 0 times infinity, near and far.
+        EXPECT_TRUE(std::isnan(depthOf(type, 100, 20, 20, INFINITY).depth));
+        EXPECT_TRUE(std::isnan(depthOf(type, 20, 100, 20, INFINITY).depth));
+        EXPECT_EQ(depthOf(type, 50, 51, 60, INFINITY).depth, 0.0F) << "an invalid pixel";
+        // The largest pulse: 3.4e38 * 299792458 / 2 = 5.1e46 m, beyond a float but not a double.
+        constexpr float largest = std::numeric_limits<float>::max();
+        EXPECT_EQ(depthOf(type, 100, 60, 20, largest).depth, INFINITY);
+        EXPECT_EQ(depthOf(type, 100, 20, 20, largest).depth, 0.0F);
+    }
+}
+
 TEST_P(HybridKnownAnswers, ThirtyTwoBitSamplesAreSigned) {
     // -20, 100, 60: P = 100, Q = 60, R = -20, S = 160, D = 200, offset; confidence -3200 / 12000.
     const Answer answer = depthOf(EkImageDataType::UInt32, -20, 100, 60);
@@ -181,6 +197,61 @@ TEST_P(HybridKnownAnswers, NarrowingShiftsByTheBitsInUse) {
     EXPECT_EQ(result.at(1, 0), 1); // 0x17F + 0x40 - 0x60 = 0x15F
 }
 
+/// Intensity of one 32-bit pixel whose windows are all the same.
+qint64 narrowed(qint64 sample, quint32 bits, EkImageDataType resultType, quint32 resultBits) {
+    TestPicture source(1, 1, 3, EkImageDataType::UInt32, bits);
+    source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    setWindows(source, 0, 0, sample, sample, sample);
+    TestPicture result(1, 1, 1, resultType, resultBits);
+    EXPECT_TRUE(CkToFPicAPI::rawHybridToIntensity(source.pic, result.pic));
+    return result.at(0, 0);
+}
+
+TEST_P(HybridKnownAnswers, BitsAreDetectedOnlyWhenTheSourceClaimsMoreThanTheResult) {
+    // 20 bits in use. A source that claims 16 has none more than the result: cut off, not shifted.
+    EXPECT_EQ(narrowed(0xABCDE, 16, EkImageDataType::UInt16, 16), 0xBCDE);
+    EXPECT_EQ(narrowed(0xABCDE, 8, EkImageDataType::UInt16, 16), 0xBCDE);
+    EXPECT_EQ(narrowed(0xABCDE, 12, EkImageDataType::UInt8, 12), 0xDE);
+    EXPECT_EQ(narrowed(0xABCDE, 17, EkImageDataType::UInt16, 16), 0xABCD); // one more: 20 - 16
+}
+
+TEST_P(HybridKnownAnswers, BitsInUseThatTheResultHoldsAreNotShifted) {
+    EXPECT_EQ(narrowed(0x7F, 32, EkImageDataType::UInt8, 8), 0x7F);  // 7 bits
+    EXPECT_EQ(narrowed(0xAB, 32, EkImageDataType::UInt8, 8), 0xAB);  // 8 bits
+    EXPECT_EQ(narrowed(0x1AB, 32, EkImageDataType::UInt8, 8), 0xD5); // 9 bits: one place
+    EXPECT_EQ(narrowed(0x9ABC, 32, EkImageDataType::UInt16, 16), 0x9ABC);
+}
+
+TEST_P(HybridKnownAnswers, ThirtyTwoBitResultsAreNeverShifted) {
+    for (const quint32 resultBits : {0U, 8U, 16U, 31U})
+        EXPECT_EQ(narrowed(0x7BCDEF01, 32, EkImageDataType::UInt32, resultBits), 0x7BCDEF01);
+    TestPicture source(1, 1, 3, EkImageDataType::UInt32, 32);
+    source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    setWindows(source, 0, 0, 0x100, 0x70000000, 0x300);
+    TestPicture result(1, 1, 1, EkImageDataType::UInt32, 8);
+    ASSERT_TRUE(CkToFPicAPI::rawHybridToAmplitude(source.pic, result.pic));
+    EXPECT_EQ(result.at(0, 0), 0x70000100); // 0x70000000 + 0x300 - 2 * 0x100
+}
+
+TEST_P(HybridKnownAnswers, BitsOfEveryWindowCount) {
+    for (quint32 window = 0; window < 3; ++window) {
+        TestPicture source(2, 1, 3, EkImageDataType::UInt32, 32);
+        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        setWindows(source, 0, 0, 0x300, 0x300, 0x300);
+        source.put(1, 0, window, 0x800000); // the only one with 24 bits
+        TestPicture result(2, 1, 1, EkImageDataType::UInt16, 16);
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToIntensity(source.pic, result.pic));
+        EXPECT_EQ(result.at(0, 0), 3) << window;
+
+        TestPicture sections(2, 2, 3, EkImageDataType::UInt16, 16);
+        setWindows(sections, 0, 1, 1, 1, 1);
+        sections.put(1, 1, window, 0x700); // 11 bits, in the section that is taken
+        TestPicture merged(2, 1, 3, EkImageDataType::UInt16, 16);
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(sections.pic, merged.pic));
+        EXPECT_EQ(merged.pic.bitsPerChannel, 11U) << window;
+    }
+}
+
 TEST_P(HybridKnownAnswers, AmplitudeBeyondTheResultIsTruncated) {
     TestPicture narrow(1, 1, 3, EkImageDataType::UInt8);
     narrow.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
@@ -239,6 +310,22 @@ TEST_P(HybridKnownAnswers, ThresholdsOfTheUsualBits) {
     }
 }
 
+TEST_P(HybridKnownAnswers, AThresholdBeyond16BitsKeepsItsLow16) {
+    // (2^20 - 1) * 0.9 = 943717.5, and 943717 - 14 * 65536 = 26213; (2^18 - 1) * 0.9 = 235928.7, 39320.
+    const std::pair<quint32, int> thresholds[] = {{20, 26213}, {18, 39320}};
+    for (const auto& [bits, threshold] : thresholds) {
+        TestPicture source(40, 2, 3, EkImageDataType::UInt16, bits);
+        for (quint32 x = 0; x < 40; ++x) {
+            setWindows(source, x, 0, 1, 1, 1);
+            setWindows(source, x, 1, 0, x % 2 == 0 ? threshold - 1 : threshold, 0);
+        }
+        TestPicture result(40, 1, 3, EkImageDataType::UInt32, 32);
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, result.pic));
+        EXPECT_EQ(result.at(38, 0, 1), threshold - 1);
+        EXPECT_EQ(result.at(39, 0, 1), 2);
+    }
+}
+
 TEST_P(HybridKnownAnswers, OneSectionIsRefused) {
     TestPicture source(2, 600, 3, EkImageDataType::UInt16);
     TestPicture result(2, 600, 3, EkImageDataType::UInt16);
@@ -282,6 +369,28 @@ TEST_P(HybridKnownAnswers, SixteenBitTestImageIsReducedToTwelveBits) {
     ASSERT_TRUE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic));
     EXPECT_EQ(result.at(1, 0, 0), 0xABC);
     EXPECT_EQ(result.pic.bitsPerChannel, 12U);
+}
+
+TEST_P(HybridKnownAnswers, OnlyATestImageOf16BitsForAResultOf12IsReduced) {
+    const struct {
+        EkImageDataType type;
+        quint32 bits;
+        quint32 resultBits;
+        qint64 expected;
+    } cases[] = {{EkImageDataType::UInt16, 16, 12, 0xABC},  {EkImageDataType::UInt16, 16, 16, 0xABCD},
+                 {EkImageDataType::UInt16, 16, 10, 0xABCD}, {EkImageDataType::UInt16, 16, 14, 0xABCD},
+                 {EkImageDataType::UInt16, 16, 8, 0xABCD},  {EkImageDataType::UInt16, 12, 12, 0xABCD},
+                 {EkImageDataType::UInt16, 14, 12, 0xABCD}, {EkImageDataType::UInt16, 15, 12, 0xABCD},
+                 {EkImageDataType::UInt16, 17, 12, 0xABCD}, {EkImageDataType::UInt16, 32, 12, 0xABCD},
+                 {EkImageDataType::UInt8, 16, 12, 0xCD}};
+    for (const auto& c : cases) {
+        TestPicture source(2, 3, 1, c.type, c.bits);
+        source.put(1, 2, 0, 0xABCD);
+        TestPicture result(2, 1, 3, c.type, c.resultBits);
+        ASSERT_TRUE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic));
+        EXPECT_EQ(result.at(1, 0, 0), c.expected) << c.bits << " to " << c.resultBits;
+        EXPECT_EQ(result.pic.bitsPerChannel, c.resultBits);
+    }
 }
 
 TEST_P(HybridKnownAnswers, EmptyTestImageResultIsDoneAtOnceButTypesAreChecked) {
@@ -331,6 +440,35 @@ TEST_P(HybridKnownAnswers, NoTrustedPixelLeavesTheMaximumUntouched) {
     pairs.set(4, 0, 1, 0.5F);
     EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(pairs.pic, maximum, 1.0F));
     EXPECT_EQ(maximum, 42.0F);
+}
+
+TEST_P(HybridKnownAnswers, ALargestDepthOfZeroCountsAndTheFirstZeroGivesItsSign) {
+    for (const quint32 width : {1U, 2U, 7U, 40U}) {
+        for (const float first : {0.0F, -0.0F}) {
+            // The first trusted zero stands in the second row, followed by zeros of the other sign.
+            TestPicture pairs(width, 3, 2, EkImageDataType::Float32);
+            TestPicture depth(width, 3, 1, EkImageDataType::Float32);
+            TestPicture confidence(width, 3, 1, EkImageDataType::Float32);
+            for (quint32 index = 0; index < 3 * width; ++index) {
+                const quint32 x = index % width;
+                const quint32 y = index / width;
+                const quint32 firstZero = width + width / 2;
+                const float metres = index < firstZero ? -0.5F : index == firstZero ? first : -first;
+                pairs.set(x, y, 0, metres);
+                pairs.set(x, y, 1, 0.5F);
+                depth.set(x, y, 0, metres);
+                confidence.set(x, y, 0, 0.5F);
+            }
+            float ofPairs = 42.0F;
+            ASSERT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(pairs.pic, ofPairs, 1.0F));
+            EXPECT_EQ(ofPairs, 0.0F);
+            EXPECT_EQ(std::signbit(ofPairs), std::signbit(first)) << width;
+            float ofTwo = 42.0F;
+            ASSERT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, ofTwo, 1.0F));
+            EXPECT_EQ(ofTwo, 0.0F);
+            EXPECT_EQ(std::signbit(ofTwo), std::signbit(first)) << width;
+        }
+    }
 }
 
 } // namespace

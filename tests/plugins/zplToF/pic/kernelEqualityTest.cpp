@@ -171,6 +171,35 @@ TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
     }
 }
 
+TEST(KernelEqualityOfHybridDepth, EveryPulseDuration) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const float pulses[] = {infinity,
+                            -infinity,
+                            std::numeric_limits<float>::max(),
+                            std::numeric_limits<float>::min(),
+                            std::numeric_limits<float>::denorm_min(),
+                            std::numeric_limits<float>::quiet_NaN(),
+                            1e30F,
+                            -0.0F};
+    for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16, EkImageDataType::UInt32}) {
+        std::mt19937 random(13);
+        TestPicture source(1001, 3, 3, type);
+        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        fillRandom(source, random, 3); // few values, so that windows are often equal
+        for (const float pulse : pulses) {
+            TestPicture plain(1001, 3, 2, EkImageDataType::Float32);
+            for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+                TestPicture simd(1001, 3, 2, EkImageDataType::Float32);
+                const PinnedKernels pinned(*kernels);
+                ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source.pic, simd.pic, pulse));
+                if (kernels == &CkToFKernelChoice::plain())
+                    plain.store = simd.store;
+                EXPECT_TRUE(plain.store == simd.store) << kernels->sName << ", " << pulse << " s";
+            }
+        }
+    }
+}
+
 /// Every triple of these values as a row of pixels.
 TestPicture* windowsNearZeroAndLimits() {
     constexpr qint32 low = std::numeric_limits<qint32>::min();

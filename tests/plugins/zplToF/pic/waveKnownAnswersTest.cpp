@@ -77,6 +77,24 @@ TEST_P(WaveKnownAnswers, EqualTapsEverywhereKeepConfidenceZero) {
     }
 }
 
+TEST_P(WaveKnownAnswers, TheRangeBeginsAtConfidencesOfZeroUnderAnglesThatAreNot) {
+    for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
+        for (const quint32 width : {1U, 5U, 37U}) {
+            TestPicture source(width, 4, 2, type);
+            for (quint32 x = 0; x < width; ++x)
+                setTaps(source, x, {{5, 5}, {6, 4}, {7, 7}, {8, 8}}); // (0, 2): 2 / 4 is an amplitude of 0
+            TestPicture result(width, 1, 2, EkImageDataType::Float32);
+            ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
+            const float angle = result.get<float>(0, 0, 0);
+            EXPECT_LE(ulpDistance(angle, 1.57079637F), 2);
+            EXPECT_EQ(result.get<float>(width - 1, 0, 0), angle);
+            EXPECT_EQ(result.get<float>(width - 1, 0, 1), 0.0F);
+            EXPECT_EQ(result.pic.minValue, 0.0F);
+            EXPECT_EQ(result.pic.maxValue, angle);
+        }
+    }
+}
+
 TEST_P(WaveKnownAnswers, DarkPixelTakesTheWorstConfidenceOfTheFrame) {
     // Confidence of one phase: sqrt((A + B) >> 2) / |A - B|. 36 >> 2 = 9, 3 / 10 = 0.3 and 3 / 12 = 0.25.
     TestPicture source(21, 2, 2, EkImageDataType::UInt8);
