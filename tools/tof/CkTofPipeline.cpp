@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr quint32 referenceSectionMode = 3;
-
 bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
     return a.width == b.width && a.height == b.height && a.channels == b.channels &&
            a.dataType == b.dataType && a.lineSize == b.lineSize && a.bitsPerChannel == b.bitsPerChannel &&
@@ -19,40 +17,40 @@ bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
 } // namespace
 
 void CkTofPipeline::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata) {
-    m_collector.clear();
-    m_reference.clear();
     m_processor.clear();
     m_prepared = in;
     m_bPrepared = true;
-    const bool hybrid = CkToFPicAPI::isRawToFHybridPic(in, &metadata);
-    if (metadata.sectionMode == referenceSectionMode) {
-        m_reference.prepare(in);
-    }
-    if (CkToFPicAPI::incomingSeparatePhases(&metadata)) {
-        m_collector.prepare(in, CkToFPhaseCollector::SkPlace::of(metadata, hybrid).count);
-    }
-    if (hybrid && m_collector.hasBuffer()) {
-        m_processor.prepareHdr(m_collector.bufferInfo(), metadata.phasesCount);
-    } else if (hybrid && metadata.phasesCount >= 2) {
-        m_processor.prepareHdr(in, metadata.phasesCount);
+    m_input.prepare(in, metadata, true);
+    const SkPicBufInfo* const set = m_input.setInfo();
+    if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
+        m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
     }
 }
 
-bool CkTofPipeline::gather(const CkImageMetadata& metadata, SkToFFrame& frame) {
-    frame.gathered = true;
-    frame.input = nullptr;
-    const auto place = CkToFPhaseCollector::SkPlace::of(metadata, frame.hybrid);
-    if (!m_collector.add(frame.frame, place, metadata.phaseAngle)) {
-        return false;
+QString CkTofPipeline::missingImages() const {
+    const CkToFPicAPI::AngleList& angles = m_input.angles();
+    QStringList missing;
+    for (size_t i = 0; i < angles.size(); ++i) {
+        if (angles[i] == CkToFPhaseCollector::missingAngle) {
+            missing.append(QString::number(i));
+        }
     }
-    frame.input = &m_collector.set();
-    frame.phases = quint32(m_collector.angles().size());
-    frame.angles = &m_collector.angles();
-    return true;
+    if (missing.isEmpty()) {
+        return QStringLiteral("has nothing but a reference section");
+    }
+    const qsizetype count = missing.size();
+    if (count > 8) {
+        missing = missing.first(8);
+        missing.append(QStringLiteral("..."));
+    }
+    return QStringLiteral("lacks %1 of its %2 images: %3 (counted from 0)")
+        .arg(count)
+        .arg(angles.size())
+        .arg(missing.join(QStringLiteral(", ")));
 }
 
 bool CkTofPipeline::hasAllAngles(QString& sReason) const {
-    const CkToFPicAPI::AngleList& angles = m_collector.angles();
+    const CkToFPicAPI::AngleList& angles = m_input.angles();
     const auto count = qint32(angles.size());
     if (count == 1) {
         return true;
@@ -87,27 +85,24 @@ CkTofPipeline::EkResult CkTofPipeline::process(const CkImageData& data, std::uni
     if (!m_bPrepared || !isSameFormat(source, m_prepared)) {
         prepare(source, metadata);
     }
-    const SkPicBuf* picture = &source;
-    if (metadata.sectionMode == referenceSectionMode) {
-        if (metadata.sectionIndex == 0) {
-            m_reference.setReference(source);
-            return EkResult::Waiting;
-        }
-        picture = m_reference.difference(source);
-        if (picture == nullptr) {
-            sReason = QStringLiteral("There is not enough memory.");
-            return EkResult::Impossible;
-        }
+    using EkRefusal = ToFFrames::EkRefusal;
+    EkRefusal refusal = EkRefusal::None;
+    const auto waitingOrRefused = [&] {
+        sReason = QString::fromLatin1(ToFFrames::refusalText(refusal));
+        return refusal == EkRefusal::None ? EkResult::Waiting : EkResult::Impossible;
+    };
+    const SkPicBuf* const picture = m_input.lessReference(source, metadata, refusal);
+    if (picture == nullptr) {
+        return waitingOrRefused();
     }
     SkToFFrame frame{.frame = *picture, .input = picture};
     frame.hybrid = CkToFPicAPI::isRawToFHybridPic(source, &metadata);
     frame.phases = CkToFPicAPI::detectPhasesCount(source, &metadata);
     frame.pulseDuration = metadata.hybridPulseDuration;
-    const bool alone = m_iTransform == ToFTransform::AandBtoAminB ||
-                       m_iTransform == ToFTransform::SetABPhase || m_iTransform == ToFTransform::SetHybrid;
-    if (!alone && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
-        if (!gather(metadata, frame)) {
-            return EkResult::Waiting;
+    if (!CkToFFrameProcessor::needsNoSet(m_iTransform) && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+        refusal = m_input.gather(metadata, frame);
+        if (frame.input == nullptr) {
+            return waitingOrRefused();
         }
         const bool byAngle = m_iTransform == ToFTransform::Amplitude || m_iTransform == ToFTransform::Depth;
         if (byAngle && !frame.hybrid && !hasAllAngles(sReason)) {
@@ -118,9 +113,12 @@ CkTofPipeline::EkResult CkTofPipeline::process(const CkImageData& data, std::uni
         result.reset(data.share());
         return result != nullptr ? EkResult::Frame : EkResult::Impossible;
     }
+    refusal = m_processor.refusal(m_iTransform, frame, outInfo);
+    if (refusal != EkRefusal::None) {
+        return waitingOrRefused();
+    }
     CkToFPicture out;
-    if (!m_processor.canProcess(m_iTransform, frame, outInfo) ||
-        !CkPicBufAPI::AllocPicBufFromHeap(out.picBuf(), outInfo) ||
+    if (!CkPicBufAPI::AllocPicBufFromHeap(out.picBuf(), outInfo) ||
         !m_processor.process(m_iTransform, frame, out.picBuf())) {
         sReason = QStringLiteral("The transform cannot work on a picture of %1 x %2 pixels of this kind.")
                       .arg(source.width)

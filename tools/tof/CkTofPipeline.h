@@ -1,8 +1,7 @@
 #pragma once
 
+#include "chain/CkToFFrameInput.h"
 #include "chain/CkToFFrameProcessor.h"
-#include "chain/CkToFPhaseCollector.h"
-#include "chain/CkToFSectionReference.h"
 
 #include <QString>
 
@@ -25,15 +24,16 @@ public:
     /// sReason is set when nothing can come out.
     EkResult process(const CkImageData& data, std::unique_ptr<CkImageData>& result, QString& sReason);
 
+    /// What the set lacks that was waited for last, as the rest of a sentence that begins with the set.
+    QString missingImages() const;
+
 private:
     void prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
-    bool gather(const CkImageMetadata& metadata, SkToFFrame& frame);
     bool hasAllAngles(QString& sReason) const;
 
     int m_iTransform;
     bool m_bPrepared = false;
     SkPicBufInfo m_prepared;
-    CkToFPhaseCollector m_collector;
-    CkToFSectionReference m_reference;
+    CkToFFrameInput m_input;
     CkToFFrameProcessor m_processor;
 };

@@ -66,6 +66,7 @@ bool CkToFFrameProcessor::prepareHdr(const SkPicBufInfo& sections, qint32 iPhase
     }
     info.lineSize = quint32(pitch);
     if (!CkPicBufAPI::AllocPicBufFromHeap(m_hdr.picBuf(), info)) {
+        m_bHdrMissing = CkPicBufAPI::byteSize(info) != 0;
         return false;
     }
     m_hdrInfo = info;
@@ -75,27 +76,36 @@ bool CkToFFrameProcessor::prepareHdr(const SkPicBufInfo& sections, qint32 iPhase
 void CkToFFrameProcessor::clear() {
     m_hdr.free();
     m_hdrInfo = SkPicBufInfo();
+    m_bHdrMissing = false;
 }
 
 bool CkToFFrameProcessor::passesThrough(int iTransform, const SkToFFrame& frame) {
     return iTransform == ToFTransform::ConcatPhases && !frame.hybrid && !frame.gathered;
 }
 
-bool CkToFFrameProcessor::canProcess(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const {
+bool CkToFFrameProcessor::needsNoSet(int iTransform) {
+    return iTransform == ToFTransform::SetABPhase || iTransform == ToFTransform::AandBtoAminB ||
+           iTransform == ToFTransform::SetHybrid;
+}
+
+CkToFFrameProcessor::EkRefusal CkToFFrameProcessor::refusal(int iTransform, const SkToFFrame& frame,
+                                                            const SkPicBufInfo& out) const {
+    if (needsNoSet(iTransform)) {
+        return EkRefusal::None;
+    }
+    const bool merges = frame.hybrid && frame.input->height > out.height;
     switch (iTransform) {
-    case ToFTransform::SetABPhase:
-    case ToFTransform::AandBtoAminB:
-    case ToFTransform::SetHybrid:
-        return true; // on the frame as it came, whether or not a set is being gathered
     case ToFTransform::Intensity:
     case ToFTransform::Amplitude:
     case ToFTransform::Depth:
-        return frame.input != nullptr;
+        return merges && m_bHdrMissing ? EkRefusal::NoMemory : EkRefusal::None;
     case ToFTransform::ConcatPhases:
-        return frame.input != nullptr &&
-               (!frame.hybrid || (hasHdrBuffer() && frame.input->height > out.height));
+        if (merges && m_bHdrMissing) {
+            return EkRefusal::NoMemory;
+        }
+        return !frame.hybrid || (merges && hasHdrBuffer()) ? EkRefusal::None : EkRefusal::NothingToMerge;
     default:
-        return false;
+        return EkRefusal::UnknownTransform;
     }
 }
 
@@ -106,9 +116,6 @@ bool CkToFFrameProcessor::leavesPixelsOpen(int iTransform, const SkToFFrame& fra
 }
 
 bool CkToFFrameProcessor::process(int iTransform, const SkToFFrame& frame, SkPicBuf& out) {
-    if (!canProcess(iTransform, frame, out)) {
-        return false;
-    }
     switch (iTransform) {
     case ToFTransform::SetABPhase:
         return relabel(frame, out);

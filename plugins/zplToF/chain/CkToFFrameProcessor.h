@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chain/CkToFPicture.h"
+#include "chain/EkFrameRefusal.h"
 #include "pic/CkToFPicAPI.h"
 
 /// A frame on its way through the block.
@@ -18,23 +19,32 @@ struct SkToFFrame {
 /// which exposure sections are merged; one thread at a time. Nothing is allocated per frame.
 class CkToFFrameProcessor {
 public:
+    using EkRefusal = ToFFrames::EkRefusal;
+
     /// Makes the work buffer for hybrid input from the format of the picture that holds all sections.
     bool prepareHdr(const SkPicBufInfo& sections, qint32 iPhasesCount);
     void clear();
 
     bool hasHdrBuffer() const { return !m_hdr.isEmpty(); }
     const SkPicBufInfo& hdrInfo() const { return m_hdrInfo; }
+    /// The memory for the work buffer could not be had.
+    bool lacksHdrBuffer() const { return m_bHdrMissing; }
 
     /// The frame leaves the block as it came; no output picture is needed.
     static bool passesThrough(int iTransform, const SkToFFrame& frame);
 
-    /// Whether an output picture can come out at all.
-    bool canProcess(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
+    /// Whether the transform works on the frame as it came, whether or not a set is being gathered.
+    static bool needsNoSet(int iTransform);
+
+    /// Why no output picture can come out, as far as this is known beforehand. The frame's input may be null
+    /// only where no set is needed.
+    EkRefusal refusal(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
 
     /// Whether the output picture has to be zeroed because the operation leaves pixels unwritten.
     static bool leavesPixelsOpen(int iTransform, const SkToFFrame& frame);
 
-    /// Fills the output picture, which has the negotiated format. False: nothing useful was written.
+    /// Fills the output picture, which has the negotiated format, for a frame that is not refused. False:
+    /// nothing useful was written.
     bool process(int iTransform, const SkToFFrame& frame, SkPicBuf& out);
 
 private:
@@ -45,4 +55,5 @@ private:
 
     CkToFPicture m_hdr;
     SkPicBufInfo m_hdrInfo; ///< of the work buffer at set-up
+    bool m_bHdrMissing = false;
 };

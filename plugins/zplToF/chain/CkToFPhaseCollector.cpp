@@ -1,7 +1,6 @@
 #include "chain/CkToFPhaseCollector.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 
 namespace {
@@ -18,67 +17,79 @@ CkToFPhaseCollector::SkPlace CkToFPhaseCollector::SkPlace::of(const CkImageMetad
     return {qint64(metadata.sectionCount) - reference, qint64(metadata.sectionIndex) - reference};
 }
 
-CkToFPhaseCollector::EkPrepared CkToFPhaseCollector::prepare(const SkPicBufInfo& image, qint64 iCount) {
+bool CkToFPhaseCollector::isTooLarge(const SkPicBufInfo& image, qint64 iCount) {
+    const quint64 imageBytes = std::max<quint64>(CkPicBufAPI::byteSize(image), minimumImageBytes);
+    return iCount > 0 && quint64(iCount) > maximumBytes / imageBytes;
+}
+
+CkToFPhaseCollector::EkRefusal CkToFPhaseCollector::prepare(const SkPicBufInfo& image, qint64 iCount) {
     clear();
-    const quint64 imageBytes = CkPicBufAPI::byteSize(image);
-    if (iCount < 1 || imageBytes == 0) {
-        return EkPrepared::NothingToGather;
+    if (iCount < 1 || CkPicBufAPI::byteSize(image) == 0) {
+        return EkRefusal::None;
     }
-    const quint64 count = quint64(iCount);
-    if (imageBytes > maximumBytes || count > maximumBytes / (imageBytes + sizeof(qint32)) ||
-        count * image.height > std::numeric_limits<quint32>::max()) {
-        return EkPrepared::TooLarge;
+    if (isTooLarge(image, iCount)) {
+        return EkRefusal::SetTooLarge;
     }
     SkPicBufInfo stacked = image;
-    stacked.height = quint32(count * image.height);
-    if (!CkPicBufAPI::AllocPicBufFromHeap(m_buffer.picBuf(), stacked)) {
-        return EkPrepared::TooLarge;
-    }
+    stacked.height = quint32(iCount) * image.height;
     try {
-        m_angles.reserve(size_t(count));
+        m_angles.reserve(size_t(iCount));
     } catch (const std::bad_alloc&) {
-        clear();
-        return EkPrepared::TooLarge;
+        return EkRefusal::NoMemory;
     }
-    m_uiCapacity = count;
-    return EkPrepared::Ready;
+    if (!CkPicBufAPI::AllocPicBufFromHeap(m_buffer.picBuf(), stacked)) {
+        clear();
+        return EkRefusal::NoMemory;
+    }
+    return EkRefusal::None;
 }
 
 void CkToFPhaseCollector::clear() {
     m_buffer.free();
     m_set = SkPicBuf();
-    m_uiCapacity = 0;
     CkToFPicAPI::AngleList().swap(m_angles);
 }
 
-bool CkToFPhaseCollector::add(const SkPicBuf& image, SkPlace place, qint32 iAngle) {
-    const bool fits = place.count >= 0 && quint64(place.count) <= m_uiCapacity;
-    if (fits) {
+CkToFPhaseCollector::SkAdded CkToFPhaseCollector::add(const SkPicBuf& image, SkPlace place, qint32 iAngle) {
+    const bool tooLarge = isTooLarge(image, place.count);
+    if (place.count >= 0 && !tooLarge) {
         m_angles.resize(size_t(place.count), missingAngle);
     }
     if (place.index == 0) {
         std::fill(m_angles.begin(), m_angles.end(), missingAngle);
     }
-    if (m_buffer.isEmpty() || !fits || place.index < 0 || place.index >= place.count) {
-        return false;
+    if (place.index < 0 || place.index >= place.count) {
+        return {.refusal = EkRefusal::OutsideSet};
     }
-    const quint64 firstRow = quint64(place.index) * image.height;
-    const quint64 setRows = quint64(place.count) * image.height;
-    SkPicBuf& buffer = m_buffer.picBuf();
-    if (setRows > buffer.height ||
-        !CkPicBufAPI::CopyRect(buffer, 0, quint32(firstRow), image, 0, 0, image.width, image.height)) {
-        return false;
+    if (tooLarge) {
+        return {.refusal = EkRefusal::SetTooLarge};
+    }
+    if (!store(image, place)) {
+        return {.refusal = EkRefusal::SetDiffers};
     }
     m_angles[size_t(place.index)] = iAngle;
     if (std::find(m_angles.begin(), m_angles.end(), missingAngle) != m_angles.end()) {
-        return false;
+        return {};
     }
-    // The set is described like its last image: bits or labels may have changed since set-up.
-    m_set = buffer;
-    m_set.height = quint32(setRows);
+    describeSet(image);
+    return {.complete = true};
+}
+
+bool CkToFPhaseCollector::store(const SkPicBuf& image, SkPlace place) {
+    // An empty buffer is no target, and has no rows either.
+    const quint64 firstRow = quint64(place.index) * image.height;
+    const quint64 setRows = quint64(place.count) * image.height;
+    return setRows <= m_buffer.picBuf().height &&
+           CkPicBufAPI::CopyRect(m_buffer.picBuf(), 0, quint32(firstRow), image, 0, 0, image.width,
+                                 image.height);
+}
+
+void CkToFPhaseCollector::describeSet(const SkPicBuf& image) {
+    // Like its last image: bits or labels may have changed since set-up.
+    m_set = m_buffer.picBuf();
+    m_set.height = quint32(m_angles.size()) * image.height;
     m_set.width = image.width;
     m_set.bitsPerChannel = image.bitsPerChannel;
     m_set.colorFilterArray = image.colorFilterArray;
     m_set.layoutFlag = image.layoutFlag;
-    return true;
 }

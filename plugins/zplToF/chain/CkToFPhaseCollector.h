@@ -1,20 +1,24 @@
 #pragma once
 
 #include "chain/CkToFPicture.h"
+#include "chain/EkFrameRefusal.h"
 #include "pic/CkToFPicAPI.h"
 #include "zuCore/CkImageMetadata.h"
 
 /// Gathers the images of a set (phases or sections) into one picture, stacked in the order of their index.
 ///
-/// A value without knowledge of chains; one thread at a time. Nothing is allocated between prepare and clear.
+/// A value without knowledge of chains; one thread at a time. Between prepare and clear nothing is allocated
+/// for sets that fit.
 class CkToFPhaseCollector {
 public:
+    using EkRefusal = ToFFrames::EkRefusal;
+
     /// Angle of an image that has not come yet.
     static constexpr qint32 missingAngle = -1000;
-    /// Neither picture nor list of a set may take more than this together.
+    /// The images of a set may take this together, each counted as minimumImageBytes at least, which bounds
+    /// the list of angles.
     static constexpr quint64 maximumBytes = 1ULL << 30U;
-
-    enum class EkPrepared { Ready, NothingToGather, TooLarge };
+    static constexpr quint64 minimumImageBytes = 64;
 
     /// Where an image belongs.
     struct SkPlace {
@@ -26,28 +30,37 @@ public:
         static SkPlace of(const CkImageMetadata& metadata, bool bHybrid);
     };
 
-    /// Makes room for sets of iCount images of a format, all missing. TooLarge when that needs more than
-    /// maximumBytes or the memory cannot be had.
-    EkPrepared prepare(const SkPicBufInfo& image, qint64 iCount);
+    /// Makes room for sets of iCount images of a format, all missing. Otherwise there is no buffer:
+    /// SetTooLarge or NoMemory, or None when there is nothing to gather.
+    EkRefusal prepare(const SkPicBufInfo& image, qint64 iCount);
     /// Gives the memory back and forgets all angles.
     void clear();
 
     bool hasBuffer() const { return !m_buffer.isEmpty(); }
     const SkPicBufInfo& bufferInfo() const { return m_buffer.picBuf(); }
 
-    /// Takes an image into the set. An image of index 0 begins a new set; another count keeps the images that
-    /// fit. True when the set is complete with this image. An image that is outside the set or does not fit
-    /// the buffer leaves the pixels as they are.
-    bool add(const SkPicBuf& image, SkPlace place, qint32 iAngle);
+    /// What became of an image.
+    struct SkAdded {
+        bool complete = false; ///< the set is, with this image
+        EkRefusal refusal = EkRefusal::None;
+    };
 
-    /// The rows of the set that add answered true for. An alias, valid until the next call.
+    /// Takes an image into the set. The list of angles is resized to the images of the set, also without a
+    /// buffer; an image of index 0 begins a new set. An image that is refused leaves pixels and angles of the
+    /// others as they are: OutsideSet, SetTooLarge, or SetDiffers when it does not fit the buffer.
+    SkAdded add(const SkPicBuf& image, SkPlace place, qint32 iAngle);
+
+    /// The rows of the set that was complete last. An alias, valid until the next call.
     const SkPicBuf& set() const { return m_set; }
     /// One entry per image of the set.
     const CkToFPicAPI::AngleList& angles() const { return m_angles; }
 
 private:
+    static bool isTooLarge(const SkPicBufInfo& image, qint64 iCount);
+    bool store(const SkPicBuf& image, SkPlace place);
+    void describeSet(const SkPicBuf& image);
+
     CkToFPicture m_buffer;
     SkPicBuf m_set;
-    quint64 m_uiCapacity = 0; ///< images of the prepared format
     CkToFPicAPI::AngleList m_angles;
 };

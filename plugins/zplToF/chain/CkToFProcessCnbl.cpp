@@ -2,10 +2,11 @@
 
 #include "chain/CkToFNegotiation.h"
 #include "chain/CkToFProcessWidget.h"
+#include "chain/ToFAngles.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>
-#include <span>
+#include <iterator>
 
 namespace {
 
@@ -16,16 +17,6 @@ QString titleWord(int transform) {
                                         "Concat phases", "AandBtoAminB", "SetHybrid"};
     const bool known = transform >= 0 && transform < int(std::size(words));
     return known ? QString::fromLatin1(words[transform]) : QString();
-}
-
-/// Whether every angle of a nominal order is in the list where it will be looked up.
-bool holdsAngles(const CkToFPicAPI::AngleList& angles, std::span<const qint32> nominal) {
-    for (quint32 i = 0; i < nominal.size(); ++i) {
-        if (angles[CkToFPicAPI::findAngleIdx(i, nominal[i], &angles)] != nominal[i]) {
-            return false;
-        }
-    }
-    return true;
 }
 
 } // namespace
@@ -82,42 +73,12 @@ bool CkToFProcessCnbl::checkAllPhasesAngleValuesCompleteForProcessing(QString* p
 }
 
 bool CkToFProcessCnbl::checkAngles(EkTransformType transform, QString* psMessage) const {
-    static constexpr qint32 nominal2[] = {0, 90};
-    static constexpr qint32 nominal4[] = {0, 90, 180, 270};
-    static constexpr qint32 nominal8[] = {0, 45, 90, 135, 180, 225, 270, 315};
-
-    const CkToFPicAPI::AngleList& angles = m_collector.angles();
-    if ((transform != Amplitude && transform != Depth) || angles.size() == 1) {
-        return true;
+    const bool needsAngles = transform == Amplitude || transform == Depth;
+    const char* const message = needsAngles ? ToFAngles::whyIncomplete(m_input.angles()) : nullptr;
+    if (message != nullptr && psMessage != nullptr) {
+        *psMessage = tr(message);
     }
-    QString message;
-    switch (angles.size()) {
-    case 2:
-        if (holdsAngles(angles, nominal2)) {
-            return true;
-        }
-        message = tr("2 phases processing requires phases with 0 and 90 deg.");
-        break;
-    case 4:
-        if (holdsAngles(angles, nominal4)) {
-            return true;
-        }
-        message = tr("4 phases processing requires phases with 0, 90, 180 and 270 deg.");
-        break;
-    case 8:
-        if (holdsAngles(angles, nominal8)) {
-            return true;
-        }
-        message = tr("8 phases processing requires phases with 0, 45, 90, 135, 180, 225, 270 and 315 deg.");
-        break;
-    default:
-        message = tr("ToF processing requires 2, 4 or 8 phases.");
-        break;
-    }
-    if (psMessage != nullptr) {
-        *psMessage = message;
-    }
-    return false;
+    return message == nullptr;
 }
 
 bool CkToFProcessCnbl::isInChainWithVideoSource() {

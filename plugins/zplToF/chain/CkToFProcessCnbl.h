@@ -1,8 +1,7 @@
 #pragma once
 
+#include "chain/CkToFFrameInput.h"
 #include "chain/CkToFFrameProcessor.h"
-#include "chain/CkToFPhaseCollector.h"
-#include "chain/CkToFSectionReference.h"
 #include "chain/EkTransformType.h"
 #include "zuCore/CkImageProvider.h"
 
@@ -61,28 +60,39 @@ public:
     bool isInChainWithVideoSource();
 
 private:
+    using EkRefusal = ToFFrames::EkRefusal;
+
+    /// What became of a frame.
+    struct SkOutcome {
+        CkImageData* output = nullptr; ///< null for none
+        bool passThrough = false;      ///< the frame itself is the output
+        EkRefusal refusal = EkRefusal::None;
+        QString message; ///< of a frame that is not refused
+    };
+
     bool negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
                    const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);
     bool checkAngles(EkTransformType transform, QString* psMessage) const;
-    void prepareBuffers(const SkPicBufInfo& in, const CkImageMetadata& metadata);
+    EkRefusal prepareBuffers(const SkPicBufInfo& in, const CkImageMetadata& metadata);
+    void forgetFrames();
     bool isFedByVideo();
 
-    CkImageData* processFrame(EkTransformType transform, const CkImageData& data, const SkPicBufInfo& outInfo,
-                              const CkImageMetadata& outMeta, bool& bPassThrough, QString& sMessage);
-    const SkPicBuf* subtractReference(const SkPicBuf& picture, const CkImageMetadata& metadata);
-    void gather(EkTransformType transform, const CkImageMetadata& metadata, SkToFFrame& frame,
-                QString& sMessage);
-    static QString tooLargeMessage(EkTransformType transform);
+    SkOutcome processFrame(EkTransformType transform, const CkImageData& data, const SkPicBufInfo& outInfo,
+                           const CkImageMetadata& outMeta);
+    /// Fills the picture, which is empty when nothing comes of the frame.
+    void makePicture(EkTransformType transform, const SkToFFrame& frame, const SkPicBufInfo& outInfo,
+                     CkToFPicture& picture, SkOutcome& outcome);
     bool takeOutputPicture(const SkPicBufInfo& info, bool bClear, SkPicBuf& picBuf);
     void renegotiateIfOutdated(const SkPicBufInfo& info);
     void publish(const QString& sMessage);
+    void show(const QString& sRefusal);
+    void refuse(const QString& sReason);
 
     std::atomic<EkTransformType> m_transform{Amplitude};
     QString m_sLastError;
-    CkToFPhaseCollector m_collector;
-    CkToFSectionReference m_reference;
+    QString m_sShownRefusal; ///< reason shown last
+    CkToFFrameInput m_input;
     CkToFFrameProcessor m_processor;
-    bool m_bSetTooLarge = false;
     std::optional<bool> m_fedByVideo; ///< the structure of a running chain does not change
     quint32 m_uiMismatches = 0;       ///< frames in a row that did not fit the pool
 };

@@ -8,51 +8,65 @@
 
 #include <memory>
 
+using ToFFrames::refusalText;
+
 namespace {
 
-constexpr quint32 referenceSectionMode = 3;
+bool isEmpty(const SkPicBufInfo& info) {
+    return info.width == 0 || info.height == 0;
+}
+
+bool isKnown(CkToFProcessCnbl::EkTransformType transform) {
+    return transform >= CkToFProcessCnbl::SetABPhase && transform <= CkToFProcessCnbl::SetHybrid;
+}
 
 } // namespace
 
 void CkToFProcessCnbl::setupStart() {
     CkImageProvider::setupStart();
-    m_collector.clear();
-    m_reference.clear();
-    m_processor.clear();
-    m_bSetTooLarge = false;
-    m_fedByVideo.reset();
+    forgetFrames();
+    // What will keep every frame from being processed is said before the first one comes.
+    const EkTransformType startTransform = transform();
+    EkRefusal refusal = isKnown(startTransform) ? EkRefusal::None : EkRefusal::UnknownTransform;
     SkPicBufInfo in;
     CkImageMetadata metadata;
     if (inputImageInfo(in, &metadata)) {
-        prepareBuffers(in, metadata);
+        const EkRefusal buffers = prepareBuffers(in, metadata);
+        SkPicBufInfo out;
+        if (!negotiate(startTransform, in, out, &metadata, nullptr)) {
+            show(m_sLastError);
+            return;
+        }
+        if (refusal == EkRefusal::None && isEmpty(out)) {
+            refusal = EkRefusal::NoOutputPixels;
+        } else if (refusal == EkRefusal::None && !CkToFFrameProcessor::needsNoSet(startTransform)) {
+            refusal = buffers;
+        }
+    }
+    if (refusal != EkRefusal::None) {
+        show(tr(refusalText(refusal)));
     }
 }
 
-void CkToFProcessCnbl::prepareBuffers(const SkPicBufInfo& in, const CkImageMetadata& metadata) {
-    const bool hybrid = CkToFPicAPI::isRawToFHybridPic(in, &metadata);
-    if (metadata.sectionMode == referenceSectionMode) {
-        m_reference.prepare(in);
+CkToFProcessCnbl::EkRefusal CkToFProcessCnbl::prepareBuffers(const SkPicBufInfo& in,
+                                                             const CkImageMetadata& metadata) {
+    const EkRefusal refusal = m_input.prepare(in, metadata, isFedByVideo());
+    const SkPicBufInfo* const set = m_input.setInfo();
+    if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
+        m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
     }
-    if (CkToFPicAPI::incomingSeparatePhases(&metadata) && isFedByVideo()) {
-        const auto place = CkToFPhaseCollector::SkPlace::of(metadata, hybrid);
-        m_bSetTooLarge = m_collector.prepare(in, place.count) == CkToFPhaseCollector::EkPrepared::TooLarge;
-        if (m_bSetTooLarge) {
-            publish(tooLargeMessage(transform()));
-        }
-    }
-    if (hybrid && m_collector.hasBuffer()) {
-        m_processor.prepareHdr(m_collector.bufferInfo(), metadata.phasesCount);
-    } else if (hybrid && metadata.phasesCount >= 2) {
-        m_processor.prepareHdr(in, metadata.phasesCount);
-    }
+    return refusal == EkRefusal::None && m_processor.lacksHdrBuffer() ? EkRefusal::NoMemory : refusal;
 }
 
 void CkToFProcessCnbl::setupStop() {
     CkImageProvider::setupStop();
-    m_collector.clear();
-    m_reference.clear();
+    forgetFrames();
+}
+
+void CkToFProcessCnbl::forgetFrames() {
+    m_input.clear();
     m_processor.clear();
-    m_bSetTooLarge = false;
+    m_sShownRefusal.clear();
     m_fedByVideo.reset();
 }
 
@@ -64,101 +78,101 @@ bool CkToFProcessCnbl::isFedByVideo() {
 }
 
 IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
+    if (pData == nullptr || state() == Blocked) {
+        return nullptr;
+    }
     auto* const data = dynamic_cast<CkImageData*>(pData);
-    if (data == nullptr || state() == Blocked) {
+    if (data == nullptr) {
+        refuse(tr(refusalText(EkRefusal::NoPicture)));
         return nullptr;
     }
     // Read once: another thread may store a new value while this frame is worked on.
     const EkTransformType frameTransform = transform();
     SkPicBufInfo outInfo;
     CkImageMetadata outMeta;
-    const bool negotiated = negotiate(frameTransform, data->picBuf(), outInfo, &data->metadata(), &outMeta);
-    if (!negotiated || data->picBuf().data == nullptr) {
-        if (!m_sLastError.isEmpty() && errorMessage().isEmpty()) {
-            setErrorMessage(m_sLastError);
-        }
+    if (!negotiate(frameTransform, data->picBuf(), outInfo, &data->metadata(), &outMeta)) {
+        refuse(m_sLastError);
         return nullptr;
     }
-    bool passThrough = false;
-    QString message;
-    CkImageData* const result = processFrame(frameTransform, *data, outInfo, outMeta, passThrough, message);
-    publish(message);
-    if (passThrough) {
+    if (data->picBuf().data == nullptr) {
+        refuse(tr(refusalText(EkRefusal::NoPixels)));
+        return nullptr;
+    }
+    const SkOutcome outcome = processFrame(frameTransform, *data, outInfo, outMeta);
+    if (outcome.refusal != EkRefusal::None) {
+        show(tr(refusalText(outcome.refusal)));
+    } else {
+        publish(outcome.message);
+    }
+    if (outcome.passThrough) {
         return data;
     }
-    if (result != nullptr) {
+    if (outcome.output != nullptr) {
         delete data;
     }
-    return result;
+    return outcome.output;
 }
 
-CkImageData* CkToFProcessCnbl::processFrame(EkTransformType transform, const CkImageData& data,
-                                            const SkPicBufInfo& outInfo, const CkImageMetadata& outMeta,
-                                            bool& bPassThrough, QString& sMessage) {
-    const CkImageMetadata& metadata = data.metadata();
-    const SkPicBuf* const picture = subtractReference(data.picBuf(), metadata);
-    if (picture == nullptr) {
-        return nullptr;
+CkToFProcessCnbl::SkOutcome CkToFProcessCnbl::processFrame(EkTransformType transform, const CkImageData& data,
+                                                           const SkPicBufInfo& outInfo,
+                                                           const CkImageMetadata& outMeta) {
+    SkOutcome outcome;
+    if (!isKnown(transform)) {
+        outcome.refusal = EkRefusal::UnknownTransform;
+        return outcome;
     }
-    SkToFFrame frame{.frame = *picture, .input = picture};
+    const CkImageMetadata& metadata = data.metadata();
+    const SkPicBuf* const section = m_input.lessReference(data.picBuf(), metadata, outcome.refusal);
+    if (section == nullptr) {
+        return outcome;
+    }
+    SkToFFrame frame{.frame = *section, .input = section};
     frame.hybrid = CkToFPicAPI::isRawToFHybridPic(data.picBuf(), &metadata);
     frame.phases = CkToFPicAPI::detectPhasesCount(data.picBuf(), &metadata);
     frame.pulseDuration = metadata.hybridPulseDuration;
     if (transform != AandBtoAminB && CkToFPicAPI::incomingSeparatePhases(&metadata) && isFedByVideo()) {
-        gather(transform, metadata, frame, sMessage);
+        const EkRefusal refusal = m_input.gather(metadata, frame);
+        if (frame.input == nullptr && !CkToFFrameProcessor::needsNoSet(transform)) {
+            // What no set will change is said of each of its images.
+            const bool incomplete = refusal == EkRefusal::None;
+            outcome.refusal = incomplete && isEmpty(outInfo) ? EkRefusal::NoOutputPixels : refusal;
+            return outcome;
+        }
+        if (frame.input != nullptr && !frame.hybrid) {
+            checkAngles(transform, &outcome.message);
+        }
     }
-    bPassThrough = CkToFFrameProcessor::passesThrough(transform, frame);
-    if (bPassThrough || !m_processor.canProcess(transform, frame, outInfo)) {
-        return nullptr;
+    outcome.passThrough = CkToFFrameProcessor::passesThrough(transform, frame);
+    CkToFPicture picture;
+    if (!outcome.passThrough) {
+        makePicture(transform, frame, outInfo, picture, outcome);
     }
-    CkToFPicture out;
-    if (!takeOutputPicture(outInfo, CkToFFrameProcessor::leavesPixelsOpen(transform, frame), out.picBuf()) ||
-        !m_processor.process(transform, frame, out.picBuf())) {
-        return nullptr;
+    if (!picture.isEmpty()) {
+        picture.picBuf().copyPicAdditionalData(data.picBuf());
+        auto output = std::make_unique<CkImageData>();
+        output->setPicBuf(picture.take());
+        output->setMetadata(outMeta);
+        outcome.output = output.release();
     }
-    out.picBuf().copyPicAdditionalData(data.picBuf());
-    auto result = std::make_unique<CkImageData>();
-    result->setPicBuf(out.take());
-    result->setMetadata(outMeta);
-    return result.release();
+    return outcome;
 }
 
-const SkPicBuf* CkToFProcessCnbl::subtractReference(const SkPicBuf& picture,
-                                                    const CkImageMetadata& metadata) {
-    if (metadata.sectionMode != referenceSectionMode) {
-        return &picture;
+void CkToFProcessCnbl::makePicture(EkTransformType transform, const SkToFFrame& frame,
+                                   const SkPicBufInfo& outInfo, CkToFPicture& picture, SkOutcome& outcome) {
+    outcome.refusal = m_processor.refusal(transform, frame, outInfo);
+    if (isEmpty(outInfo)) {
+        outcome.refusal = EkRefusal::NoOutputPixels;
     }
-    if (metadata.sectionIndex == 0) {
-        m_reference.setReference(picture);
-        return nullptr;
-    }
-    return m_reference.difference(picture);
-}
-
-void CkToFProcessCnbl::gather(EkTransformType transform, const CkImageMetadata& metadata, SkToFFrame& frame,
-                              QString& sMessage) {
-    frame.gathered = true;
-    frame.input = nullptr;
-    const auto place = CkToFPhaseCollector::SkPlace::of(metadata, frame.hybrid);
-    if (m_bSetTooLarge) {
-        sMessage = tooLargeMessage(transform);
+    if (outcome.refusal != EkRefusal::None) {
         return;
     }
-    if (!m_collector.add(frame.frame, place, metadata.phaseAngle)) {
-        return;
+    const bool clear = CkToFFrameProcessor::leavesPixelsOpen(transform, frame);
+    // Without a picture of the pool the chain counts the frame and says why.
+    if (takeOutputPicture(outInfo, clear, picture.picBuf()) &&
+        !m_processor.process(transform, frame, picture.picBuf())) {
+        picture.free();
+        outcome.refusal = EkRefusal::NotSupported;
     }
-    frame.input = &m_collector.set();
-    frame.phases = quint32(m_collector.angles().size());
-    frame.angles = &m_collector.angles();
-    if (!frame.hybrid) {
-        checkAngles(transform, &sMessage);
-    }
-}
-
-QString CkToFProcessCnbl::tooLargeMessage(EkTransformType transform) {
-    // The others work on each image alone.
-    const bool needsSet = transform >= Intensity && transform <= ConcatPhases;
-    return needsSet ? tr("The set of phase images needs more than 1 GiB of memory.") : QString();
 }
 
 bool CkToFProcessCnbl::takeOutputPicture(const SkPicBufInfo& info, bool bClear, SkPicBuf& picBuf) {
@@ -195,5 +209,18 @@ void CkToFProcessCnbl::renegotiateIfOutdated(const SkPicBufInfo& info) {
 void CkToFProcessCnbl::publish(const QString& sMessage) {
     if (errorMessage() != sMessage) {
         setErrorMessage(sMessage);
+    }
+}
+
+void CkToFProcessCnbl::show(const QString& sRefusal) {
+    m_sShownRefusal = sRefusal;
+    publish(sRefusal);
+}
+
+void CkToFProcessCnbl::refuse(const QString& sReason) {
+    // A message of somebody else, or of a set that was processed, is not replaced.
+    const QString shown = errorMessage();
+    if (shown.isEmpty() || shown == m_sShownRefusal) {
+        show(sReason);
     }
 }

@@ -15,11 +15,9 @@ void CkToFSectionReference::clear() {
     m_difference.free();
 }
 
-void CkToFSectionReference::setReference(const SkPicBuf& frame) {
+bool CkToFSectionReference::setReference(const SkPicBuf& frame) {
     // An empty target would be allocated by the copy.
-    if (!m_reference.isEmpty()) {
-        CkPicBufAPI::CopyPicBuf(frame, m_reference.picBuf());
-    }
+    return !m_reference.isEmpty() && CkPicBufAPI::CopyPicBuf(frame, m_reference.picBuf());
 }
 
 const SkPicBuf* CkToFSectionReference::difference(const SkPicBuf& frame) {

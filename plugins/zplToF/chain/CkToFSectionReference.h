@@ -10,8 +10,11 @@ public:
     bool prepare(const SkPicBufInfo& frame);
     void clear();
 
-    /// Keeps a frame as the reference. Nothing happens without buffers or for a frame of another format.
-    void setReference(const SkPicBuf& frame);
+    bool hasBuffers() const { return !m_difference.isEmpty(); }
+
+    /// Keeps a frame as the reference. False, and nothing happens, without buffers or for a frame of another
+    /// format.
+    bool setReference(const SkPicBuf& frame);
 
     /// The frame less the reference, saturated; an alias that is valid until the next call. Null without
     /// buffers or for a frame of another format.

@@ -431,6 +431,50 @@ Sollen die Kameraparameter automatisch angepasst werden?</translation>
         <source>The set of phase images needs more than 1 GiB of memory.</source>
         <translation>Der Satz der Phasenbilder benötigt mehr als 1 GiB Speicher.</translation>
     </message>
+    <message>
+        <source>The block works on pictures only.</source>
+        <translation>Der Block arbeitet nur mit Bildern.</translation>
+    </message>
+    <message>
+        <source>The picture has no pixels.</source>
+        <translation>Das Bild hat keine Pixel.</translation>
+    </message>
+    <message>
+        <source>The block is set to a transform that does not exist. Choose one of those in its settings.</source>
+        <translation>Der Block ist auf eine Umrechnung eingestellt, die es nicht gibt. Wählen Sie eine von denen in seinen Einstellungen.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the images of a set.</source>
+        <translation>Der Speicher reicht nicht für die Bilder eines Satzes.</translation>
+    </message>
+    <message>
+        <source>The images of the set have another number or size than the chain was started for. Stop the chain and start it again.</source>
+        <translation>Anzahl oder Größe der Bilder des Satzes sind andere als beim Start der Kette. Halten Sie die Kette an und starten Sie sie neu.</translation>
+    </message>
+    <message>
+        <source>The index of the image is outside its set.</source>
+        <translation>Der Index des Bilds liegt außerhalb seines Satzes.</translation>
+    </message>
+    <message>
+        <source>The chain was started for sections without a reference section. Stop the chain and start it again.</source>
+        <translation>Die Kette wurde für Abschnitte ohne Referenzabschnitt gestartet. Halten Sie die Kette an und starten Sie sie neu.</translation>
+    </message>
+    <message>
+        <source>The section has another size or sample type than its reference section.</source>
+        <translation>Der Abschnitt hat eine andere Größe oder einen anderen Datentyp als sein Referenzabschnitt.</translation>
+    </message>
+    <message>
+        <source>There is nothing to merge: the hybrid picture has fewer than two sections.</source>
+        <translation>Es gibt nichts zu verrechnen: Das Hybridbild hat weniger als zwei Abschnitte.</translation>
+    </message>
+    <message>
+        <source>Nothing is left of the picture: it has too few rows for its phases, or too few columns.</source>
+        <translation>Vom Bild bleibt nichts übrig: Es hat zu wenige Zeilen für seine Phasen oder zu wenige Spalten.</translation>
+    </message>
+    <message>
+        <source>Pictures of this sample type or layout cannot be processed.</source>
+        <translation>Bilder dieses Datentyps oder Aufbaus können nicht verarbeitet werden.</translation>
+    </message>
 </context>
 <context>
     <name>CkToFProcessWidget</name>

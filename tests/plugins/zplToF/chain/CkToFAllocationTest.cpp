@@ -1,8 +1,9 @@
-// Counts what the block takes from the heap for a frame.
+// Counts what the block takes from the heap for a frame, and refuses it.
 
 #include "ToFChainRig.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
@@ -12,12 +13,14 @@ namespace {
 thread_local bool counting = false;
 thread_local size_t allocations = 0;
 thread_local size_t largest = 0;
+thread_local size_t refusedFrom = SIZE_MAX; ///< from this many bytes on there is no memory
 
-void note(size_t bytes) {
+bool note(size_t bytes) {
     if (counting) {
         ++allocations;
         largest = std::max(largest, bytes);
     }
+    return bytes < refusedFrom;
 }
 
 } // namespace
@@ -31,25 +34,22 @@ void* __libc_calloc(size_t, size_t);
 void* __libc_realloc(void*, size_t);
 
 void* malloc(size_t bytes) {
-    note(bytes);
-    return __libc_malloc(bytes);
+    return note(bytes) ? __libc_malloc(bytes) : nullptr;
 }
 void* calloc(size_t count, size_t bytes) {
-    note(count * bytes);
-    return __libc_calloc(count, bytes);
+    return note(count * bytes) ? __libc_calloc(count, bytes) : nullptr;
 }
 void* realloc(void* block, size_t bytes) {
-    note(bytes);
-    return __libc_realloc(block, bytes);
+    return note(bytes) ? __libc_realloc(block, bytes) : nullptr;
 }
 }
 #else
 void* operator new(size_t bytes) {
-    note(bytes);
-    if (void* block = std::malloc(bytes)) {
-        return block;
+    void* const block = note(bytes) ? std::malloc(bytes) : nullptr;
+    if (block == nullptr) {
+        throw std::bad_alloc();
     }
-    throw std::bad_alloc();
+    return block;
 }
 void operator delete(void* block) noexcept {
     std::free(block);
@@ -230,6 +230,51 @@ TEST(AllocationPerFrame, NoneForFramesThatAreDropped) {
     });
     EXPECT_EQ(answer, nullptr);
     EXPECT_LT(count.largest, 1024U) << "no pixel memory";
+}
+
+/// Starts the chain while there is no memory for anything of a megabyte.
+void startInSmallMemory(ToFChainRig& rig, int transform) {
+    refusedFrom = 1U << 20U;
+    rig.start(transform);
+    refusedFrom = SIZE_MAX;
+}
+
+TEST(MemoryThatCannotBeHad, ForASetIsSaidWithAWordOfItsOwn) {
+    ToFChainRig rig;
+    rig.useAandB(64, 64, 1); // 16 KiB, of which 256 make a set
+    rig.useSequence(256);
+    startInSmallMemory(rig, CkToFProcessCnbl::Intensity);
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
+    for (qint32 index : {0, 1, 255}) {
+        EXPECT_TRUE(rig.process(rig.phase(index, 0, 200, 100)).empty());
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
+    }
+    rig.stop();
+    rig.start(CkToFProcessCnbl::Intensity);
+    EXPECT_EQ(rig.block->errorMessage(), QString());
+    EXPECT_TRUE(rig.process(rig.phase(0, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), QString());
+}
+
+TEST(MemoryThatCannotBeHad, ForAReferenceSectionIsSaid) {
+    ToFChainRig rig;
+    rig.useHybrid(512, 512, 1); // 1.5 MiB, its amplitude half of one
+    rig.source->metadata.sectionMode = 3;
+    startInSmallMemory(rig, CkToFProcessCnbl::Amplitude);
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
+    for (quint32 index : {0U, 1U}) {
+        EXPECT_TRUE(rig.process(rig.section(index, [](quint32, quint32, quint32) { return 5; })).empty());
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
+    }
+}
+
+TEST(MemoryThatCannotBeHad, ForMergedSectionsIsSaid) {
+    ToFChainRig rig;
+    rig.useHybrid(512, 768, 3); // 512 x 256 come out; merged in 1.5 MiB
+    startInSmallMemory(rig, CkToFProcessCnbl::Amplitude);
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
+    EXPECT_TRUE(rig.process(rig.frame(5)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noMemory);
 }
 
 } // namespace

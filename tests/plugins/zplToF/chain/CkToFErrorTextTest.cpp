@@ -4,9 +4,9 @@
 
 namespace {
 
-const QString notSupported = "The input image data type is not supported.";
+const QString wrongType = "The input image data type is not supported.";
 const QString fourPhases = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
-const QString tooLarge = "The set of phase images needs more than 1 GiB of memory.";
+using namespace ToFTexts;
 
 TEST(ErrorText, ANegotiationErrorAppearsStaysAndClears) {
     ToFChainRig rig;
@@ -16,9 +16,9 @@ TEST(ErrorText, ANegotiationErrorAppearsStaysAndClears) {
     EXPECT_FALSE(rig.process(rig.frame(5)).empty());
     rig.source->setFormat(4, 4, 3, EkImageDataType::UInt16, 12);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    EXPECT_EQ(rig.block->errorMessage(), notSupported);
+    EXPECT_EQ(rig.block->errorMessage(), wrongType);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    EXPECT_EQ(rig.block->errorMessage(), notSupported);
+    EXPECT_EQ(rig.block->errorMessage(), wrongType);
     rig.useAandB(4, 4, 2);
     EXPECT_FALSE(rig.process(rig.frame(5)).empty());
     EXPECT_EQ(rig.block->errorMessage(), QString());
@@ -34,7 +34,33 @@ TEST(ErrorText, ANegotiationErrorDoesNotReplaceAMessageThatIsShown) {
     EXPECT_EQ(rig.block->errorMessage(), "from somebody else");
 }
 
-TEST(ErrorText, APictureWithoutPixelsIsNoError) {
+TEST(ErrorText, ABlockThatCannotNegotiateSaysSoAtTheStart) {
+    ToFChainRig rig;
+    rig.source->setFormat(4, 4, 3, EkImageDataType::UInt16, 12);
+    rig.start(CkToFProcessCnbl::SetABPhase);
+    EXPECT_EQ(rig.block->errorMessage(), wrongType);
+    rig.stop();
+    rig.useAandB(4, 4, 2);
+    rig.start(CkToFProcessCnbl::SetABPhase);
+    EXPECT_EQ(rig.block->errorMessage(), QString());
+}
+
+TEST(ErrorText, AQueryAloneLeavesWhatIsShown) {
+    ToFChainRig rig;
+    rig.useAandB(4, 4, 2);
+    rig.block->setErrorMessage("shown");
+    SkPicBufInfo out;
+    EXPECT_TRUE(rig.block->queryOutputImageInfo(rig.source->info, out, &rig.source->metadata, nullptr));
+    EXPECT_EQ(rig.block->errorMessage(), "shown");
+    rig.source->setFormat(4, 4, 3, EkImageDataType::UInt16, 12);
+    EXPECT_FALSE(rig.block->queryOutputImageInfo(rig.source->info, out, &rig.source->metadata, nullptr));
+    EXPECT_EQ(rig.block->errorMessage(), "shown");
+    rig.block->setErrorMessage(QString());
+    EXPECT_FALSE(rig.block->queryOutputImageInfo(rig.source->info, out, &rig.source->metadata, nullptr));
+    EXPECT_EQ(rig.block->errorMessage(), QString()) << "asked, not run";
+}
+
+TEST(ErrorText, APictureWithoutPixelsSaysSo) {
     ToFChainRig rig;
     rig.useAandB(4, 4, 2);
     rig.start(CkToFProcessCnbl::Amplitude);
@@ -42,7 +68,47 @@ TEST(ErrorText, APictureWithoutPixelsIsNoError) {
     frame->setPicBuf(SkPicBuf());
     frame->picBuf().channels = 2;
     EXPECT_TRUE(rig.process(std::move(frame)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), noPixels);
+    EXPECT_FALSE(rig.process(rig.frame(5)).empty());
     EXPECT_EQ(rig.block->errorMessage(), QString());
+}
+
+TEST(ErrorText, AnUnknownTransformSaysSoFromTheStartOn) {
+    for (int transform : {-1, 7, 1000}) {
+        ToFChainRig rig;
+        rig.useAandB(4, 2, 1);
+        rig.useSequence(2);
+        rig.start(transform);
+        EXPECT_EQ(rig.block->errorMessage(), unknownTransform) << transform;
+        for (qint32 index : {0, 1}) {
+            EXPECT_TRUE(rig.process(rig.phase(index, 90 * index, 200, 100)).empty());
+            EXPECT_EQ(rig.block->errorMessage(), unknownTransform) << transform;
+        }
+        rig.block->setTransform(CkToFProcessCnbl::Depth, true);
+        EXPECT_EQ(rig.block->errorMessage(), QString());
+    }
+    ToFChainRig unknownInput;
+    unknownInput.start(-1);
+    EXPECT_EQ(unknownInput.block->errorMessage(), unknownTransform);
+}
+
+TEST(ErrorText, AReasonFollowsTheReasonBefore) {
+    ToFChainRig rig;
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(2);
+    rig.start(CkToFProcessCnbl::Depth);
+    EXPECT_TRUE(rig.process(rig.phase(5, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), outsideSet);
+    rig.useAandB(4, 1, 1);
+    rig.useSequence(2);
+    EXPECT_TRUE(rig.process(rig.phase(0, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), QString()) << "lower images fit the buffer, too";
+    EXPECT_TRUE(rig.process(rig.phase(5, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), outsideSet);
+    rig.source->setFormat(4, 4, 3, EkImageDataType::UInt8, 8);
+    EXPECT_TRUE(rig.process(rig.frame(5)).empty());
+    EXPECT_TRUE(rig.block->errorMessage().startsWith("The input image must be RAWX2 image"))
+        << qPrintable(rig.block->errorMessage());
 }
 
 TEST(ErrorText, IncompleteAnglesAreProcessedAndReported) {
@@ -95,6 +161,12 @@ TEST(ErrorText, ASetBeyondOneGiBIsRefusedAndSaidSo) {
     ToFChainRig rig;
     rig.useAandB(64, 64, 1); // 16384 bytes: 65536 images are 1 GiB
     rig.useSequence(65536);
+    rig.start(CkToFProcessCnbl::Depth);
+    EXPECT_EQ(rig.block->errorMessage(), QString());
+    EXPECT_TRUE(rig.process(rig.phase(65535, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), QString()) << "the last image has its place";
+    rig.stop();
+    rig.useSequence(65537);
     rig.start(CkToFProcessCnbl::Depth);
     EXPECT_EQ(rig.block->errorMessage(), tooLarge);
     for (qint32 index = 0; index < 3; ++index) {

@@ -7,6 +7,7 @@
 namespace {
 
 using namespace ToFTransform;
+using ToFFrames::EkRefusal;
 
 TEST(CkToFFrameProcessor, OnlyAnUngatheredFrameThatIsNotHybridPassesThrough) {
     PaddedPicture picture(4, 2, 2, EkImageDataType::UInt16);
@@ -27,10 +28,53 @@ TEST(CkToFFrameProcessor, AnIncompleteSetStopsOnlyTheTransformsThatWorkOnSets) {
     const CkToFFrameProcessor processor;
     const bool expected[] = {true, false, false, false, false, true, true};
     for (int transform = 0; transform < 7; ++transform) {
-        EXPECT_EQ(processor.canProcess(transform, incomplete, *picture), expected[transform]) << transform;
+        EXPECT_EQ(CkToFFrameProcessor::needsNoSet(transform), expected[transform]) << transform;
+        if (expected[transform]) {
+            EXPECT_EQ(processor.refusal(transform, incomplete, *picture), EkRefusal::None);
+        }
     }
-    EXPECT_FALSE(processor.canProcess(-1, incomplete, *picture));
-    EXPECT_FALSE(processor.canProcess(7, incomplete, *picture));
+    EXPECT_FALSE(CkToFFrameProcessor::needsNoSet(-1));
+    EXPECT_FALSE(CkToFFrameProcessor::needsNoSet(7));
+}
+
+TEST(CkToFFrameProcessor, SectionsAreMergedOnlyWhereThereAreSomeAndABuffer) {
+    PaddedPicture sections(5, 6, 3, EkImageDataType::UInt16, 12);
+    PaddedPicture out(5, 2, 3, EkImageDataType::UInt16);
+    PaddedPicture asTall(5, 6, 3, EkImageDataType::UInt16);
+    const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
+    const SkToFFrame other{.frame = *sections, .input = &*sections, .gathered = true};
+    CkToFFrameProcessor processor;
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkRefusal::NothingToMerge) << "no buffer";
+    EXPECT_EQ(processor.refusal(Intensity, hybrid, *out), EkRefusal::None) << "of the frame as it is";
+    ASSERT_TRUE(processor.prepareHdr(*sections, 3));
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkRefusal::None);
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *asTall), EkRefusal::NothingToMerge) << "no sections";
+    EXPECT_EQ(processor.refusal(ConcatPhases, other, *asTall), EkRefusal::None);
+    for (int transform : {-1, 7, 1000}) {
+        EXPECT_EQ(processor.refusal(transform, other, *out), EkRefusal::UnknownTransform);
+    }
+}
+
+TEST(CkToFFrameProcessor, AWorkBufferThatCannotBeHadIsNoMemory) {
+    // 4 GiB less 64 KiB a row times 2^31 rows: no computer has it.
+    SkPicBufInfo absurd;
+    absurd.width = 0x15550000U;
+    absurd.height = 0x80000000U;
+    absurd.channels = 3;
+    absurd.dataType = EkImageDataType::UInt16;
+    absurd.lineSize = absurd.width * 6;
+    CkToFFrameProcessor processor;
+    EXPECT_FALSE(processor.prepareHdr(absurd, 1));
+    EXPECT_TRUE(processor.lacksHdrBuffer());
+    PaddedPicture sections(5, 6, 3, EkImageDataType::UInt16, 12);
+    PaddedPicture out(5, 2, 3, EkImageDataType::UInt16);
+    const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
+    for (int transform : {Intensity, Amplitude, Depth, ConcatPhases}) {
+        EXPECT_EQ(processor.refusal(transform, hybrid, *out), EkRefusal::NoMemory) << transform;
+    }
+    EXPECT_EQ(processor.refusal(Intensity, hybrid, *sections), EkRefusal::None) << "nothing to merge";
+    EXPECT_FALSE(processor.prepareHdr(*sections, 7)) << "no row is left: no buffer is wanted";
+    EXPECT_FALSE(processor.lacksHdrBuffer());
 }
 
 TEST(CkToFFrameProcessor, OnlyUnsupportedPhasesCountsLeavePixelsOpen) {

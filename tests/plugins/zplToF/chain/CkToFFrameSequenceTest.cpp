@@ -9,6 +9,7 @@ namespace {
 
 using Block = CkToFProcessCnbl;
 
+using namespace ToFTexts;
 const QString none;
 const QString two = "2 phases processing requires phases with 0 and 90 deg.";
 const QString four = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
@@ -103,9 +104,9 @@ std::vector<Sequence> phaseGathering() {
          concat,
          2,
          {{0, 2, 1, {}, none},
-          {2, 2, 9, {}, none},
-          {-1, 2, 9, {}, none},
-          {2000000000, 2, 9, {}, none},
+          {2, 2, 9, {}, outsideSet},
+          {-1, 2, 9, {}, outsideSet},
+          {2000000000, 2, 9, {}, outsideSet},
           {1, 2, 2, {1, 1, 2, 2}, none}}},
         {"the length shrinks: what fits is kept",
          Kind::Phases,
@@ -146,17 +147,20 @@ std::vector<Sequence> phaseGathering() {
          Kind::Phases,
          concat,
          2,
-         {{0, 2, 1, {}, none}, {1, 4, 9, {}, none}, {2, 4, 9, {}, none}, {1, 2, 2, {1, 1, 2, 2}, none}}},
+         {{0, 2, 1, {}, none},
+          {1, 4, 9, {}, setDiffers},
+          {2, 4, 9, {}, setDiffers},
+          {1, 2, 2, {1, 1, 2, 2}, none}}},
         {"the length is two billion for a frame",
          Kind::Phases,
          concat,
          2,
-         {{0, 2, 1, {}, none}, {1, 2000000000, 9, {}, none}, {1, 2, 2, {1, 1, 2, 2}, none}}},
+         {{0, 2, 1, {}, none}, {1, 2000000000, 9, {}, tooLarge}, {1, 2, 2, {1, 1, 2, 2}, none}}},
         {"index 0 of a set too large begins anew all the same",
          Kind::Phases,
          concat,
          2,
-         {{0, 2, 1, {}, none}, {0, 8, 9, {}, none}, {1, 2, 2, {}, none}}},
+         {{0, 2, 1, {}, none}, {0, 8, 9, {}, setDiffers}, {1, 2, 2, {}, none}}},
     };
 }
 
@@ -173,13 +177,13 @@ std::vector<Sequence> sections() {
           {0, 3, 500, {}, none},
           {0, 3, 250, {}, none},
           {1, 3, 500, {}, none},
-          {3, 3, 4000, {}, none},
+          {3, 3, 4000, {}, outsideSet},
           {2, 3, 4000, {1000 << 6, 1000 << 6}, none}}},
         {"images of two rows that say they hold three phases leave no rows for an intensity",
          Kind::Sections,
          Block::Intensity,
          3,
-         {{0, 3, 500, {}, none}, {1, 3, 1000, {}, none}, {2, 3, 4000, {}, none}}},
+         {{0, 3, 500, {}, noOutput}, {1, 3, 1000, {}, noOutput}, {2, 3, 4000, {}, noOutput}}},
         {"a reference section does not count among the sections",
          Kind::Sections,
          Block::ConcatPhases,
@@ -204,7 +208,7 @@ std::vector<Sequence> sections() {
          Kind::Sections,
          Block::Amplitude,
          1,
-         {{0, 2, 20, {}, none}, {1, 2, 50, {}, none}, {2, 2, 50, {}, none}},
+         {{0, 2, 20, {}, noReference}, {1, 2, 50, {}, noReference}, {2, 2, 50, {}, noReference}},
          0,
          3},
         {"the section count changes from frame to frame",
@@ -212,9 +216,9 @@ std::vector<Sequence> sections() {
          Block::ConcatPhases,
          3,
          {{0, 3, 500, {}, none},
-          {1, 0, 9, {}, none},
-          {1, 0xffffffff, 9, {}, none},
-          {0xffffffff, 3, 9, {}, none},
+          {1, 0, 9, {}, noOutput}, // not one of several: two rows for three phases
+          {1, 0xffffffff, 9, {}, noOutput},
+          {0xffffffff, 3, 9, {}, outsideSet},
           {0, 3, 500, {}, none},
           {1, 3, 1000, {}, none},
           {2, 3, 4000, {2000 << 5, 2000 << 5}, none}}},

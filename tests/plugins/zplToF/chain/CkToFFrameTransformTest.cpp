@@ -2,6 +2,7 @@
 
 #include "PaddedPicture.h"
 #include "ToFChainRig.h"
+#include "zuCore/CkMemoryPool.h"
 
 #include <gtest/gtest.h>
 
@@ -169,7 +170,7 @@ TEST(StackedFrame, TransformsOutsideTheListYieldNothing) {
     for (int transform : {-1, 7, 1000}) {
         rig.start(transform);
         EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-        EXPECT_TRUE(rig.block->errorMessage().isEmpty());
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::unknownTransform);
         rig.stop();
     }
 }
@@ -215,6 +216,21 @@ TEST(StackedFrame, AnExhaustedPoolDropsTheFrameSilently) {
     EXPECT_TRUE(rig.block->errorMessage().isEmpty());
     held.pop_back();
     EXPECT_FALSE(rig.process(stacked(rig, {160, 180})).empty()) << "a picture has come back";
+}
+
+TEST(StackedFrame, AComputationThatFailsGivesItsPictureBack) {
+    ToFChainRig rig;
+    rig.useAandB(4, 4, 2);
+    rig.source->info.dataType = EkImageDataType::Other16; // two taps, but of no type that is computed
+    rig.start(CkToFProcessCnbl::Depth);
+    CkMemoryPool* const pool = rig.block->memoryPool();
+    const int pictures = pool->freeCount(rig.block);
+    ASSERT_GT(pictures, 0);
+    for (int i = 0; i < 2 * pictures; ++i) {
+        EXPECT_TRUE(rig.process(rig.frame(5)).empty());
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::notSupported);
+        EXPECT_EQ(pool->freeCount(rig.block), pictures);
+    }
 }
 
 } // namespace

@@ -104,7 +104,56 @@ TEST(HybridFrame, ConcatPhasesOfOneSectionYieldsNothing) {
     rig.useHybrid(4, 3, 1);
     rig.start(CkToFProcessCnbl::ConcatPhases);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    EXPECT_TRUE(rig.block->errorMessage().isEmpty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::nothingToMerge);
+}
+
+/// Of merged windows (400, 240, 80): 80, 240 + 400 - 2 * 80, and the depth of any multiple of (100, 60, 20).
+void expectMerged(const SkPicBuf& picture, int transform) {
+    if (transform == CkToFProcessCnbl::Depth) {
+        for (quint32 y = 0; y < picture.height; ++y) {
+            EXPECT_NEAR(sampleAt<float>(picture, 3, y, 0), 3.99723277, 1e-6);
+            EXPECT_NEAR(sampleAt<float>(picture, 3, y, 1), 0.26666667, 1e-7);
+        }
+    } else {
+        const int expected = transform == CkToFProcessCnbl::Intensity ? 80 : 480;
+        EXPECT_EQ(rowValues(picture), std::vector<int>(picture.height, expected));
+    }
+}
+
+/// Section 0 is another scene, section 1 counts twice, section 2 is saturated.
+ToFChainRig::Samples exposed(quint32 section) {
+    return section == 0 ? windows(20, 100, 60) : section == 1 ? windows(200, 120, 40) : windows(4000, 1, 1);
+}
+
+TEST(HybridFrame, EveryTransformOfStackedSectionsWorksOnTheMergedOnes) {
+    for (int transform :
+         {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth}) {
+        ToFChainRig rig;
+        rig.useHybrid(4, 6, 3);
+        rig.start(transform);
+        const ToFResult result =
+            rig.process(rig.frame([](quint32 x, quint32 y, quint32 c) { return exposed(y / 2)(x, y, c); }));
+        ASSERT_FALSE(result.empty());
+        EXPECT_EQ(result.picture().height, 2U);
+        expectMerged(result.picture(), transform);
+    }
+}
+
+TEST(HybridFrame, EveryTransformOfGatheredSectionsWorksOnTheMergedOnes) {
+    for (int transform :
+         {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth}) {
+        ToFChainRig rig;
+        rig.useHybrid(4, 6, 3); // of which a third comes out
+        rig.source->metadata.sectionCount = 3;
+        rig.start(transform);
+        EXPECT_TRUE(rig.process(rig.section(0, exposed(0))).empty());
+        EXPECT_TRUE(rig.process(rig.section(1, exposed(1))).empty());
+        const ToFResult result = rig.process(rig.section(2, exposed(2)));
+        ASSERT_FALSE(result.empty());
+        EXPECT_EQ(result.picture().height, 2U);
+        expectMerged(result.picture(), transform);
+        EXPECT_EQ(rig.block->errorMessage(), QString());
+    }
 }
 
 TEST(HybridFrame, TallerThanItsOutputWithoutAWorkBufferIsComputedAsItIs) {
@@ -197,9 +246,24 @@ TEST_F(ReferenceSection, WithoutItsBuffersNothingComesOut) {
     rig.start(CkToFProcessCnbl::Amplitude);
     rig.source->metadata.sectionMode = 3;
     EXPECT_TRUE(rig.process(rig.section(0, windows(10, 30, 25))).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noReference);
     EXPECT_TRUE(rig.process(rig.section(1, windows(100, 60, 20))).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noReference);
     rig.source->metadata.sectionMode = 0;
     EXPECT_FALSE(rig.process(rig.section(1, windows(100, 60, 20))).empty());
+    EXPECT_EQ(rig.block->errorMessage(), QString());
+}
+
+TEST_F(ReferenceSection, OnlyMode3HasOne) {
+    for (const quint32 mode : {1U, 2U, 4U, 5U, 0xffffffffU}) {
+        rig.source->metadata.sectionMode = mode;
+        rig.source->metadata.sectionCount = 1;
+        rig.start(CkToFProcessCnbl::Amplitude);
+        const ToFResult result = rig.process(rig.section(0, windows(100, 60, 20)));
+        ASSERT_FALSE(result.empty()) << mode;
+        EXPECT_EQ(rowValues(result.picture()), (std::vector<int>{120, 120}));
+        rig.stop();
+    }
 }
 
 TEST_F(ReferenceSection, OfAnotherSizeIsPassedOver) {
@@ -207,7 +271,9 @@ TEST_F(ReferenceSection, OfAnotherSizeIsPassedOver) {
     rig.useHybrid(4, 3, 1);
     rig.source->metadata.sectionMode = 3;
     EXPECT_TRUE(rig.process(rig.section(0, windows(90, 90, 90))).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::referenceDiffers);
     EXPECT_TRUE(rig.process(rig.section(1, windows(90, 90, 90))).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::referenceDiffers);
     rig.useHybrid(4, 2, 1);
     rig.source->metadata.sectionMode = 3;
     const ToFResult result = rig.process(rig.section(1, windows(100, 60, 20)));

@@ -5,7 +5,7 @@
 
 namespace {
 
-using Prepared = CkToFPhaseCollector::EkPrepared;
+using ToFFrames::EkRefusal;
 
 PaddedPicture image(quint8 value, quint32 width = 5, quint32 height = 3) {
     PaddedPicture picture(width, height, 2, EkImageDataType::UInt8);
@@ -26,7 +26,12 @@ SkPicBufInfo format(quint32 width = 5, quint32 height = 3) {
 
 bool add(CkToFPhaseCollector& collector, quint8 value, qint64 count, qint64 index, qint32 angle) {
     PaddedPicture picture = image(value);
-    return collector.add(*picture, {count, index}, angle);
+    return collector.add(*picture, {count, index}, angle).complete;
+}
+
+EkRefusal refusal(CkToFPhaseCollector& collector, qint64 count, qint64 index) {
+    PaddedPicture picture = image(99);
+    return collector.add(*picture, {count, index}, 45).refusal;
 }
 
 std::vector<int> rows(const SkPicBuf& picture) {
@@ -39,7 +44,7 @@ std::vector<int> rows(const SkPicBuf& picture) {
 
 TEST(CkToFPhaseCollector, StacksImagesByTheirIndexWhateverTheOrder) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 3), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 3), EkRefusal::None);
     EXPECT_FALSE(add(collector, 10, 3, 0, 0));
     EXPECT_FALSE(add(collector, 30, 3, 2, 180));
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, 180}));
@@ -50,7 +55,7 @@ TEST(CkToFPhaseCollector, StacksImagesByTheirIndexWhateverTheOrder) {
 
 TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
     EXPECT_TRUE(add(collector, 3, 2, 1, 91));
@@ -61,7 +66,7 @@ TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
 
 TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     for (qint64 index : {qint64(2), qint64(-1), qint64(1) << 40, -(qint64(1) << 40)}) {
         EXPECT_FALSE(add(collector, 99, 2, index, 45));
@@ -73,7 +78,7 @@ TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
 
 TEST(CkToFPhaseCollector, AnotherCountKeepsTheImagesThatFit) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 4), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 4), EkRefusal::None);
     EXPECT_FALSE(add(collector, 1, 4, 0, 0));
     EXPECT_FALSE(add(collector, 3, 4, 2, 180));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90)) << "of two images both are there";
@@ -85,54 +90,72 @@ TEST(CkToFPhaseCollector, AnotherCountKeepsTheImagesThatFit) {
 
 TEST(CkToFPhaseCollector, ASetThatDoesNotFitTheBufferIsNotGathered) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
-    EXPECT_FALSE(add(collector, 9, 3, 1, 90));
-    EXPECT_FALSE(add(collector, 9, 2000000000, 1, 90));
-    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
+    EXPECT_EQ(refusal(collector, 3, 1), EkRefusal::SetDiffers);
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, -1000})) << "the list is resized";
+    EXPECT_EQ(refusal(collector, 2000000000, 1), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, -1000})) << "but not to that";
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
     EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
-    EXPECT_FALSE(add(collector, 9, 2000000000, 0, 0));
+    EXPECT_EQ(refusal(collector, 2000000000, 0), EkRefusal::SetTooLarge);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000})) << "index 0 begins a new set";
-    EXPECT_FALSE(add(collector, 9, 0, 0, 0));
+    EXPECT_EQ(refusal(collector, 0, 0), EkRefusal::OutsideSet);
     EXPECT_TRUE(collector.angles().empty());
-    EXPECT_FALSE(add(collector, 9, -5, 0, 0));
+    EXPECT_EQ(refusal(collector, -5, 0), EkRefusal::OutsideSet);
 }
 
 TEST(CkToFPhaseCollector, ImagesThatDoNotFitTheBufferAreNotStored) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     PaddedPicture wide = image(9, 6, 3);
     PaddedPicture high = image(9, 5, 4);
     PaddedPicture otherType(5, 3, 1, EkImageDataType::UInt16);
-    EXPECT_FALSE(collector.add(*wide, {2, 1}, 90));
-    EXPECT_FALSE(collector.add(*high, {2, 1}, 90));
-    EXPECT_FALSE(collector.add(*otherType, {2, 1}, 90));
-    EXPECT_FALSE(collector.add(SkPicBuf(), {2, 1}, 90));
+    const SkPicBuf none;
+    for (const SkPicBuf* picture :
+         std::initializer_list<const SkPicBuf*>{&*wide, &*high, &*otherType, &none}) {
+        const auto added = collector.add(*picture, {2, 1}, 90);
+        EXPECT_FALSE(added.complete);
+        EXPECT_EQ(added.refusal, EkRefusal::SetDiffers);
+    }
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
     EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
 }
 
+TEST(CkToFPhaseCollector, AnImageThatIsTakenIsNotRefused) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    for (qint64 index : {0, 1, 1, 0, 1}) {
+        EXPECT_EQ(refusal(collector, 2, index), EkRefusal::None);
+    }
+    for (qint64 index : {qint64(2), qint64(-1), qint64(1) << 40, -(qint64(1) << 40)}) {
+        EXPECT_EQ(refusal(collector, 2, index), EkRefusal::OutsideSet);
+    }
+}
+
 TEST(CkToFPhaseCollector, SmallerImagesStandAtTheirOwnHeight) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), Prepared::Ready);
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
     PaddedPicture first = image(1, 4, 2);
     PaddedPicture second = image(2, 4, 2);
-    EXPECT_FALSE(collector.add(*first, {2, 0}, 0));
-    EXPECT_TRUE(collector.add(*second, {2, 1}, 90));
+    EXPECT_FALSE(collector.add(*first, {2, 0}, 0).complete);
+    EXPECT_TRUE(collector.add(*second, {2, 1}, 90).complete);
     EXPECT_EQ(collector.set().width, 4U);
     EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 2, 2}));
 }
 
-TEST(CkToFPhaseCollector, WithoutABufferNothingIsKept) {
+TEST(CkToFPhaseCollector, WithoutABufferTheListIsResizedButNothingIsKept) {
     CkToFPhaseCollector collector;
     EXPECT_FALSE(collector.hasBuffer());
-    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
-    EXPECT_FALSE(add(collector, 1, 1, 0, 0));
-    EXPECT_TRUE(collector.angles().empty());
-    ASSERT_EQ(collector.prepare(format(), 1), Prepared::Ready);
+    EXPECT_EQ(refusal(collector, 2, 0), EkRefusal::SetDiffers);
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000}));
+    EXPECT_EQ(refusal(collector, 1, 0), EkRefusal::SetDiffers);
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000}));
+    EXPECT_EQ(refusal(collector, 3, 7), EkRefusal::OutsideSet);
+    EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000, -1000}));
+    ASSERT_EQ(collector.prepare(format(), 1), EkRefusal::None);
     EXPECT_TRUE(add(collector, 1, 1, 0, 0));
     collector.clear();
     EXPECT_FALSE(collector.hasBuffer());
@@ -140,22 +163,38 @@ TEST(CkToFPhaseCollector, WithoutABufferNothingIsKept) {
     EXPECT_EQ(collector.set().data, nullptr);
 }
 
-TEST(CkToFPhaseCollector, NeverTakesMoreThanOneGiB) {
+TEST(CkToFPhaseCollector, NothingToGatherNeedsNoBuffer) {
     CkToFPhaseCollector collector;
-    EXPECT_EQ(collector.prepare(format(), 0), Prepared::NothingToGather);
-    EXPECT_EQ(collector.prepare(format(), -3), Prepared::NothingToGather);
-    EXPECT_EQ(collector.prepare(SkPicBufInfo(), 4), Prepared::NothingToGather);
-    EXPECT_EQ(collector.prepare(format(), 2000000000), Prepared::TooLarge);
-    EXPECT_EQ(collector.prepare(format(), std::numeric_limits<qint64>::max()), Prepared::TooLarge);
-    // 32768 x 16384 x 2 bytes are exactly 1 GiB; the list of angles is what is too much.
-    EXPECT_EQ(collector.prepare(format(32768, 16384), 1), Prepared::TooLarge);
-    EXPECT_EQ(collector.prepare(format(32768, 16383), 1), Prepared::Ready);
-    EXPECT_EQ(collector.prepare(format(32768, 16383), 2), Prepared::TooLarge);
+    EXPECT_EQ(collector.prepare(format(), 0), EkRefusal::None);
+    EXPECT_EQ(collector.prepare(format(), -3), EkRefusal::None);
+    EXPECT_EQ(collector.prepare(SkPicBufInfo(), 4), EkRefusal::None);
     EXPECT_FALSE(collector.hasBuffer());
-    EXPECT_EQ(collector.prepare(format(65536, 65535), 1), Prepared::TooLarge);
-    // One row of 2 bytes and 4 bytes for its angle: 178956970 images fill 1 GiB.
-    EXPECT_EQ(collector.prepare(format(1, 1), 178956971), Prepared::TooLarge);
-    EXPECT_EQ(collector.prepare(format(1, 1), 178956970), Prepared::Ready);
+}
+
+TEST(CkToFPhaseCollector, ImagesOfExactlyOneGiBAreWithinTheLimit) {
+    // Rows of 65536 bytes, 16384 rows in all.
+    const std::pair<quint32, qint64> sets[] = {{16384, 1}, {8192, 2}, {1, 16384}};
+    for (const auto& [height, count] : sets) {
+        CkToFPhaseCollector collector;
+        EXPECT_EQ(collector.prepare(format(32768, height), count), EkRefusal::None) << count;
+        EXPECT_TRUE(collector.hasBuffer());
+        EXPECT_EQ(collector.prepare(format(32768, height), count + 1), EkRefusal::SetTooLarge) << count;
+        EXPECT_FALSE(collector.hasBuffer());
+    }
+    CkToFPhaseCollector collector;
+    EXPECT_EQ(collector.prepare(format(32768, 16385), 1), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(65536, 65535), 1), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(), 2000000000), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(), std::numeric_limits<qint64>::max()), EkRefusal::SetTooLarge);
+}
+
+TEST(CkToFPhaseCollector, ImagesOfAFewBytesCountAs64) {
+    CkToFPhaseCollector collector;
+    EXPECT_EQ(collector.prepare(format(1, 1), 16777217), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(1, 1), 16777216), EkRefusal::None); // 2^24 * 64 = 1 GiB
+    collector.clear();
+    EXPECT_EQ(refusal(collector, 16777217, 0), EkRefusal::SetTooLarge);
+    EXPECT_TRUE(collector.angles().empty());
 }
 
 TEST(CkToFPhaseCollector, PlaceCountsSectionsWithoutTheirReference) {
@@ -174,6 +213,9 @@ TEST(CkToFPhaseCollector, PlaceCountsSectionsWithoutTheirReference) {
     metadata.sectionMode = 3;
     expectPlace(false, 4, 2);
     expectPlace(true, 4, 0);
+    metadata.sectionMode = 4;
+    expectPlace(true, 5, 1);
+    metadata.sectionMode = 3;
     metadata.sectionCount = 0;
     metadata.sectionIndex = 0;
     expectPlace(true, -1, -1);

@@ -302,4 +302,69 @@ TEST(IsInChainWithVideoSource, OfSeveralSourcesTheFirstDecides) {
     EXPECT_TRUE(video.block->isInChainWithVideoSource());
 }
 
+/// Hands a frame to the block of a stopped chain, as nobody else does: what it still holds shows.
+bool makesSomething(ToFChainRig& rig, std::unique_ptr<CkImageData> frame) {
+    const std::unique_ptr<IkChainData> answer(rig.block->processData(frame.get()));
+    if (answer != nullptr) {
+        static_cast<void>(frame.release()); // the block has deleted it
+    }
+    return answer != nullptr;
+}
+
+TEST(SetupStop, ForgetsTheSet) {
+    ToFChainRig rig;
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(2);
+    rig.start(Block::Depth);
+    rig.process(rig.phase(0, 0, 200, 100));
+    rig.process(rig.phase(1, 180, 200, 100));
+    QString message;
+    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
+    EXPECT_EQ(message, "2 phases processing requires phases with 0 and 90 deg.");
+    rig.stop();
+    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
+    EXPECT_EQ(message, "ToF processing requires 2, 4 or 8 phases.") << "no angle at all";
+    EXPECT_FALSE(makesSomething(rig, rig.phase(1, 90, 200, 100)));
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::setDiffers) << "no buffer";
+}
+
+TEST(SetupStop, ForgetsTheReferenceSection) {
+    ToFChainRig rig;
+    rig.useHybrid(4, 2, 1);
+    rig.source->metadata.sectionMode = 3;
+    rig.start(Block::Amplitude);
+    const auto frame = [&] { return rig.section(1, [](quint32, quint32, quint32) { return 5; }); };
+    EXPECT_FALSE(rig.process(frame()).empty());
+    rig.stop();
+    EXPECT_FALSE(makesSomething(rig, frame()));
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noReference);
+}
+
+TEST(SetupStop, ForgetsTheBufferOfMergedSections) {
+    ToFChainRig rig;
+    rig.useHybrid(4, 6, 3);
+    rig.start(Block::ConcatPhases);
+    EXPECT_FALSE(rig.process(rig.frame(5)).empty());
+    rig.stop();
+    EXPECT_FALSE(makesSomething(rig, rig.frame(5)));
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::nothingToMerge);
+}
+
+TEST(CheckAllPhases, TheListHasAnEntryForEveryImageAlsoWithoutABuffer) {
+    ToFChainRig rig;
+    rig.start(Block::Depth); // of an input that nobody knows yet
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(2);
+    EXPECT_TRUE(rig.process(rig.phase(0, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::setDiffers);
+    QString message;
+    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
+    EXPECT_EQ(message, "2 phases processing requires phases with 0 and 90 deg.");
+    rig.useSequence(4);
+    EXPECT_TRUE(rig.process(rig.phase(9, 0, 200, 100)).empty());
+    EXPECT_EQ(rig.block->errorMessage(), ToFTexts::outsideSet);
+    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
+    EXPECT_EQ(message, "4 phases processing requires phases with 0, 90, 180 and 270 deg.");
+}
+
 } // namespace

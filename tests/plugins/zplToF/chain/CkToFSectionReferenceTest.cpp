@@ -15,7 +15,7 @@ TEST(CkToFSectionReference, SubtractsWithoutGoingBelowZero) {
     const SkPicBuf* difference = reference.difference(*frame);
     ASSERT_NE(difference, nullptr);
     EXPECT_EQ(sampleAt<quint16>(*difference, 4, 1, 2), 40) << "the reference starts zeroed";
-    reference.setReference(*dark);
+    EXPECT_TRUE(reference.setReference(*dark));
     difference = reference.difference(*frame);
     ASSERT_NE(difference, nullptr);
     EXPECT_EQ(sampleAt<quint16>(*difference, 0, 1, 2), 0);
@@ -43,14 +43,16 @@ TEST(CkToFSectionReference, WithoutBuffersOrForAnotherFormatThereIsNoDifference)
     PaddedPicture frame(5, 2, 3, EkImageDataType::UInt16, 12);
     PaddedPicture other(5, 3, 3, EkImageDataType::UInt16, 12);
     CkToFSectionReference reference;
+    EXPECT_FALSE(reference.hasBuffers());
     EXPECT_EQ(reference.difference(*frame), nullptr);
-    reference.setReference(*frame);
+    EXPECT_FALSE(reference.setReference(*frame));
     EXPECT_EQ(reference.difference(*frame), nullptr);
     EXPECT_FALSE(reference.prepare(SkPicBufInfo()));
     EXPECT_EQ(reference.difference(*frame), nullptr);
     ASSERT_TRUE(reference.prepare(*frame));
     EXPECT_EQ(reference.difference(*other), nullptr);
-    reference.setReference(*other);
+    EXPECT_TRUE(reference.hasBuffers());
+    EXPECT_FALSE(reference.setReference(*other));
     EXPECT_NE(reference.difference(*frame), nullptr);
     reference.clear();
     EXPECT_EQ(reference.difference(*frame), nullptr);

@@ -19,7 +19,9 @@ TEST(StrangeFrame, NullAndForeignDataYieldNothing) {
     OtherData other;
     rig.onChainThread([&] {
         EXPECT_EQ(rig.block->processData(nullptr), nullptr);
+        EXPECT_EQ(rig.block->errorMessage(), QString());
         EXPECT_EQ(rig.block->processData(&other), nullptr);
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noPicture);
     });
 }
 
@@ -29,7 +31,9 @@ TEST(StrangeFrame, MorePhasesThanRowsYieldsNothing) {
     for (int transform :
          {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth}) {
         rig.start(transform);
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noOutput);
         EXPECT_TRUE(rig.process(rig.frame(5)).empty());
+        EXPECT_EQ(rig.block->errorMessage(), ToFTexts::noOutput);
         rig.stop();
     }
 }

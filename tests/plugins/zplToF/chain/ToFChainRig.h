@@ -86,6 +86,29 @@ private:
     CkBellSource* m_pBellSource = nullptr;
 };
 
+/// What the block says of frames that it makes nothing of.
+namespace ToFTexts {
+inline const QString noPicture = "The block works on pictures only.";
+inline const QString noPixels = "The picture has no pixels.";
+inline const QString unknownTransform =
+    "The block is set to a transform that does not exist. Choose one of those in its settings.";
+inline const QString tooLarge = "The set of phase images needs more than 1 GiB of memory.";
+inline const QString noMemory = "There is not enough memory for the images of a set.";
+inline const QString setDiffers =
+    "The images of the set have another number or size than the chain was started "
+    "for. Stop the chain and start it again.";
+inline const QString outsideSet = "The index of the image is outside its set.";
+inline const QString noReference = "The chain was started for sections without a reference section. Stop the "
+                                   "chain and start it again.";
+inline const QString referenceDiffers =
+    "The section has another size or sample type than its reference section.";
+inline const QString nothingToMerge =
+    "There is nothing to merge: the hybrid picture has fewer than two sections.";
+inline const QString noOutput =
+    "Nothing is left of the picture: it has too few rows for its phases, or too few columns.";
+inline const QString notSupported = "Pictures of this sample type or layout cannot be processed.";
+} // namespace ToFTexts
+
 /// The same value in every pixel and channel of a picture's rows, or -1 where they differ.
 std::vector<int> rowValues(const SkPicBuf& picture);
 /// A sample of a picture of any integer type of up to 32 bits, or a float's integer part.

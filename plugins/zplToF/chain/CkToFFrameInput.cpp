@@ -1,0 +1,60 @@
+#include "chain/CkToFFrameInput.h"
+
+namespace {
+
+constexpr quint32 referenceSectionMode = 3;
+
+} // namespace
+
+CkToFFrameInput::EkRefusal CkToFFrameInput::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata,
+                                                    bool bGathers) {
+    clear();
+    if (metadata.sectionMode == referenceSectionMode && !m_reference.prepare(in)) {
+        m_referenceRefusal = EkRefusal::NoMemory;
+    }
+    if (bGathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+        const bool hybrid = CkToFPicAPI::isRawToFHybridPic(in, &metadata);
+        m_setRefusal = m_collector.prepare(in, CkToFPhaseCollector::SkPlace::of(metadata, hybrid).count);
+    }
+    return m_setRefusal != EkRefusal::None ? m_setRefusal : m_referenceRefusal;
+}
+
+void CkToFFrameInput::clear() {
+    m_collector.clear();
+    m_reference.clear();
+    m_setRefusal = EkRefusal::None;
+    m_referenceRefusal = EkRefusal::None;
+}
+
+const SkPicBuf* CkToFFrameInput::lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
+                                               EkRefusal& refusal) {
+    if (metadata.sectionMode != referenceSectionMode) {
+        return &picture;
+    }
+    if (!m_reference.hasBuffers()) {
+        refusal = m_referenceRefusal != EkRefusal::None ? m_referenceRefusal : EkRefusal::NoReference;
+        return nullptr;
+    }
+    const bool isReference = metadata.sectionIndex == 0;
+    const SkPicBuf* const difference = isReference ? nullptr : m_reference.difference(picture);
+    if (isReference ? !m_reference.setReference(picture) : difference == nullptr) {
+        refusal = EkRefusal::ReferenceDiffers;
+    }
+    return difference;
+}
+
+CkToFFrameInput::EkRefusal CkToFFrameInput::gather(const CkImageMetadata& metadata, SkToFFrame& frame) {
+    frame.gathered = true;
+    frame.input = nullptr;
+    const auto place = CkToFPhaseCollector::SkPlace::of(metadata, frame.hybrid);
+    const auto added = m_collector.add(frame.frame, place, metadata.phaseAngle);
+    if (added.refusal == EkRefusal::SetDiffers && m_setRefusal != EkRefusal::None) {
+        return m_setRefusal;
+    }
+    if (added.complete) {
+        frame.input = &m_collector.set();
+        frame.phases = quint32(m_collector.angles().size());
+        frame.angles = &m_collector.angles();
+    }
+    return added.refusal;
+}
