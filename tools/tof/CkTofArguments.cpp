@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include <cmath>
+#include <limits>
 
 CkTofArguments::CkTofArguments(const QString& sUsage, const QString& sDescription,
                                const QStringList& examples)
@@ -71,6 +72,30 @@ bool CkTofArguments::readNumber(const QString& sName, double fMinimum, double& f
     return true;
 }
 
+bool CkTofArguments::readNumber(const QString& sName, float fMinimum, float& fValue) const {
+    if (!has(sName)) {
+        return true;
+    }
+    double number = 0.0;
+    if (!readNumber(sName, double(fMinimum), number)) {
+        return false;
+    }
+    const auto narrow = float(number);
+    if (!std::isfinite(narrow) || narrow < fMinimum) {
+        refuseWide(sName);
+        return false;
+    }
+    fValue = narrow;
+    return true;
+}
+
+void CkTofArguments::refuseWide(const QString& sName) const {
+    CkTofConsole::error(QStringLiteral("--%1 wants numbers of 32-bit floats, up to %2, not \"%3\".")
+                            .arg(sName)
+                            .arg(double(std::numeric_limits<float>::max()))
+                            .arg(value(sName)));
+}
+
 bool CkTofArguments::readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const {
     if (!has(sName)) {
         return true;
@@ -127,5 +152,20 @@ bool CkTofArguments::readPair(const QString& sName, double& fFirst, double& fSec
     }
     fFirst = a;
     fSecond = b;
+    return true;
+}
+
+bool CkTofArguments::readPair(const QString& sName, float& fFirst, float& fSecond) const {
+    double first = double(fFirst);
+    double second = double(fSecond);
+    if (!readPair(sName, first, second)) {
+        return false;
+    }
+    if (!std::isfinite(float(first)) || !std::isfinite(float(second))) {
+        refuseWide(sName);
+        return false;
+    }
+    fFirst = float(first);
+    fSecond = float(second);
     return true;
 }

@@ -28,12 +28,17 @@ public:
     /// of at least fMinimum, or a list of another length.
     bool readNumber(const QString& sName, double fMinimum, double& fValue) const;
     bool readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const;
+    /// The same for a value that is used as float: it is checked after it was narrowed.
+    bool readNumber(const QString& sName, float fMinimum, float& fValue) const;
     /// A list of numbers with commas between, each from fMinimum to fMaximum.
     bool readNumbers(const QString& sName, double fMinimum, double fMaximum,
                      std::vector<double>& values) const;
     bool readPair(const QString& sName, double& fFirst, double& fSecond) const;
+    bool readPair(const QString& sName, float& fFirst, float& fSecond) const; ///< Checked after narrowing.
 
 private:
+    void refuseWide(const QString& sName) const;
+
     QCommandLineParser m_parser;
     QString m_sUsage;
     QStringList m_examples;

@@ -75,6 +75,14 @@ bool CkTofInput::isInput(const QString& sFileName) const {
     return true;
 }
 
+QString tofIncompleteSet(const SkTofGroup& group, const QString& sMissing) {
+    return QStringLiteral(" The set of page %1 %2.")
+        .arg(group.count == 1
+                 ? QString::number(group.first + 1)
+                 : QStringLiteral("%1 to %2").arg(group.first + 1).arg(group.first + group.count))
+        .arg(sMissing);
+}
+
 bool tofMayBeRecording(const QString& sFileName) {
     const QString ending = tofEnding(sFileName);
     const QStringList known{QString(), QStringLiteral("tif"), QStringLiteral("tiff")};

@@ -35,6 +35,10 @@ private:
     qint64 m_iComplaints = 0;
 };
 
+/// A sentence, with a space before it, on a set of which nothing came; sMissing as of
+/// CkTofPipeline::missingImages.
+QString tofIncompleteSet(const SkTofGroup& group, const QString& sMissing);
+
 /// Whether a recording may be called so: without an ending, or with that of a TIFF file. Says why when not.
 bool tofMayBeRecording(const QString& sFileName);
 

@@ -116,7 +116,7 @@ bool readSetup(const CkTofArguments& options, SkTofAccuracySetup& setup) {
         !options.readNumber(QStringLiteral("frames"), 1, setup.frames) ||
         !options.readNumber(QStringLiteral("seed"), 0, seed) ||
         !options.readPair(QStringLiteral("size"), width, height) ||
-        !options.readNumber(QStringLiteral("confidence"), 0.0, setup.confidenceThreshold)) {
+        !options.readNumber(QStringLiteral("confidence"), 0.0F, setup.confidenceThreshold)) {
         return false;
     }
     if (width < 2.0 || width > 640.0 || height < 2.0 || height > 480.0) {

@@ -22,7 +22,7 @@ namespace {
 /// What the options make of a cloud.
 struct SkCloudOptions {
     SkToFOpticalPath path;
-    double zoom = 1.0;
+    float zoom = 1.0F;
     qint64 maxWidth = 640;
     bool frequencyGiven = false; ///< an option wins over what the camera says
     bool focalLengthGiven = false;
@@ -66,11 +66,11 @@ bool readOptions(const CkTofArguments& options, SkCloudOptions& cloud) {
         *flag.value = on || (*flag.value && !off);
     }
     // Smallest float above 0: lengths, frequencies and thresholds of 0 mean nothing.
-    const double above0 = double(std::numeric_limits<float>::min());
-    const double any = -std::numeric_limits<double>::infinity();
+    constexpr float above0 = std::numeric_limits<float>::min();
+    constexpr float any = -std::numeric_limits<float>::infinity();
     const struct {
         const char* name;
-        double minimum;
+        float minimum;
         float* value;
     } numbers[] = {{"focal-length", above0, &path.lensFocalLengthMM},
                    {"cell-size", above0, &path.chipCellSizeMM},
@@ -78,12 +78,8 @@ bool readOptions(const CkTofArguments& options, SkCloudOptions& cloud) {
                    {"confidence", above0, &path.confidenceThreshold},
                    {"offset", any, &path.realDistanceOffsetM}};
     for (const auto& number : numbers) {
-        double value = double(*number.value);
-        if (!options.readNumber(QLatin1String(number.name), number.minimum, value)) {
+        if (!options.readNumber(QLatin1String(number.name), number.minimum, *number.value)) {
             return false;
-        }
-        if (options.has(QLatin1String(number.name))) {
-            *number.value = float(value);
         }
     }
     cloud.frequencyGiven = options.has(QStringLiteral("frequency"));
@@ -101,6 +97,7 @@ bool readOptions(const CkTofArguments& options, SkCloudOptions& cloud) {
 struct SkClouds {
     std::vector<QByteArray> texts;
     QStringList errors;
+    QString incomplete; ///< what the set lacks, when nothing came out for want of it
 };
 
 /// The points of a picture as text; empty when it gives none.
@@ -119,7 +116,7 @@ QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const
     if (cloud.focalLengthGiven) {
         parameters.opticalPath.lensFocalLengthMM = cloud.path.lensFocalLengthMM;
     }
-    parameters.zZoom = float(cloud.zoom);
+    parameters.zZoom = cloud.zoom;
     parameters.pColourTable = colours;
     CkToFCloudBuilder builder;
     if (!builder.build(depth.pictures(), parameters)) {
@@ -132,6 +129,7 @@ SkClouds groupClouds(const CkRecordingReader& reader, const SkTofGroup& group, c
                      const quint8* colours) {
     SkClouds done;
     CkTofPipeline gathering(ToFTransform::Depth);
+    bool waiting = false;
     for (qint64 page = group.first; page < group.first + group.count; ++page) {
         QString error;
         std::unique_ptr<CkImageData> data = reader.read(page, &error);
@@ -145,7 +143,8 @@ SkClouds groupClouds(const CkRecordingReader& reader, const SkTofGroup& group, c
         if (CkToFPicAPI::incomingSeparatePhases(&data->metadata())) {
             std::unique_ptr<CkImageData> depth;
             const auto result = gathering.process(*data, depth, reason);
-            if (result == CkTofPipeline::EkResult::Waiting) {
+            waiting = result == CkTofPipeline::EkResult::Waiting;
+            if (waiting) {
                 continue;
             }
             data = std::move(depth);
@@ -161,6 +160,9 @@ SkClouds groupClouds(const CkRecordingReader& reader, const SkTofGroup& group, c
         } else {
             done.texts.push_back(text);
         }
+    }
+    if (waiting && done.texts.empty()) {
+        done.incomplete = tofIncompleteSet(group, gathering.missingImages());
     }
     return done;
 }
@@ -252,6 +254,7 @@ int tofCloud(const QStringList& arguments) {
     bool writes = true;
     qint64 number = 0;
     qint64 empty = 0;
+    QString incomplete; // the first set that is
     {
         CkTofConsole::CkProgress progress(QStringLiteral("Clouds"));
         inOrder(
@@ -260,6 +263,9 @@ int tofCloud(const QStringList& arguments) {
             [&](qint64 i, SkClouds&& done) {
                 for (const QString& error : std::as_const(done.errors)) {
                     input.complain(error);
+                }
+                if (incomplete.isEmpty()) {
+                    incomplete = done.incomplete;
                 }
                 for (const QByteArray& text : done.texts) {
                     const QString name = wanted >= 0 ? options.argument(1) : numbered(options.argument(1), i);
@@ -275,7 +281,8 @@ int tofCloud(const QStringList& arguments) {
         return TofOutput;
     }
     if (number == 0) {
-        CkTofConsole::error(QStringLiteral("No cloud came out; nothing was written."));
+        CkTofConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
+                                .arg(input.reader().fileName(), incomplete));
         return TofNotApplicable;
     }
     if (empty > 0) {

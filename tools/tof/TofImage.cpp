@@ -67,8 +67,8 @@ struct SkImageOptions {
     qint64 channel = 0;
     int map = 0;
     bool ranged = false;
-    double low = 0.0;
-    double high = 1.0;
+    float low = 0.0F;
+    float high = 1.0F;
 };
 
 /// Every sample of a channel as float, so that any type takes a range in its own units.
@@ -96,8 +96,8 @@ QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
     }
     SkPicBuf& grey = values.picBuf;
     if (options.ranged) {
-        grey.minValue = float(options.low);
-        grey.maxValue = float(options.high);
+        grey.minValue = options.low;
+        grey.maxValue = options.high;
     } else {
         CkPicBufAPI::CalcFloatDataMinMax(grey, grey.minValue, grey.maxValue, false);
     }

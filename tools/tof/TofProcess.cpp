@@ -18,7 +18,8 @@ struct SkProcessed {
     };
     std::vector<SkFrame> frames;
     QStringList errors;
-    QString refusal; ///< of the transform
+    QString refusal;    ///< of the transform
+    QString incomplete; ///< what the set lacks, when nothing came out for want of it
 };
 
 int transformOf(const QString& name) {
@@ -34,6 +35,7 @@ int transformOf(const QString& name) {
 SkProcessed processGroup(const CkRecordingReader& reader, const SkTofGroup& group, int transform) {
     SkProcessed done;
     CkTofPipeline pipeline(transform);
+    bool waiting = false;
     for (qint64 page = group.first; page < group.first + group.count; ++page) {
         QString error;
         QJsonObject object;
@@ -46,7 +48,9 @@ SkProcessed processGroup(const CkRecordingReader& reader, const SkTofGroup& grou
         }
         SkProcessed::SkFrame frame;
         QString reason;
-        switch (pipeline.process(*data, frame.data, reason)) {
+        const CkTofPipeline::EkResult result = pipeline.process(*data, frame.data, reason);
+        waiting = result == CkTofPipeline::EkResult::Waiting;
+        switch (result) {
         case CkTofPipeline::EkResult::Frame:
             frame.object = object;
             done.frames.push_back(std::move(frame));
@@ -58,6 +62,9 @@ SkProcessed processGroup(const CkRecordingReader& reader, const SkTofGroup& grou
         case CkTofPipeline::EkResult::Waiting:
             break;
         }
+    }
+    if (waiting && done.frames.empty()) {
+        done.incomplete = tofIncompleteSet(group, pipeline.missingImages());
     }
     return done;
 }
@@ -104,7 +111,7 @@ int tofProcess(const QStringList& arguments) {
     const std::vector<SkTofGroup> groups = input.groups();
     CkRecordingWriter writer;
     bool writes = true;
-    qint64 refused = 0;
+    QString incomplete; // the first set that is
     SkRecordingInfo recording = reader.recordingInfo();
     recording.software = tofSoftware();
     const auto open = [&] {
@@ -123,8 +130,10 @@ int tofProcess(const QStringList& arguments) {
                     input.complain(error);
                 }
                 if (!done.refusal.isEmpty()) {
-                    ++refused;
                     input.complain(done.refusal);
+                }
+                if (incomplete.isEmpty()) {
+                    incomplete = done.incomplete;
                 }
                 for (const SkProcessed::SkFrame& frame : done.frames) {
                     writes = writes && open() &&
@@ -140,8 +149,8 @@ int tofProcess(const QStringList& arguments) {
         return TofOutput;
     }
     if (written == 0) {
-        CkTofConsole::error(QStringLiteral("No frame came out%1; nothing was written.")
-                                .arg(refused == 0 ? QStringLiteral(" (no set is complete)") : QString()));
+        CkTofConsole::error(QStringLiteral("No frame came out of \"%1\"; nothing was written.%2")
+                                .arg(reader.fileName(), incomplete));
         return TofNotApplicable;
     }
     return input.exitCode();

@@ -112,6 +112,51 @@ TEST_F(TofProcessTest, WhatDoesNotFitIsCode6AndWritesNothing) {
     EXPECT_FALSE(QFile::exists(path("b.tif")));
 }
 
+TEST_F(TofProcessTest, AnIncompleteSetNamesTheFileAndItsMissingImages) {
+    ASSERT_EQ(tof("record --frames 2 --set tof_phase_images=1 raw.tif").code, 0);
+    const QString set = QStringLiteral(" The set of page 1 to 2 lacks 2 of its 4 images: 2, 3 (counted from "
+                                       "0).\n");
+    const SkRun processed = tof("process --transform depth raw.tif depth.tif");
+    EXPECT_EQ(processed.code, 6);
+    EXPECT_EQ(processed.err,
+              QStringLiteral("tof: No frame came out of \"raw.tif\"; nothing was written.") + set);
+    EXPECT_FALSE(QFile::exists(path("depth.tif")));
+    const SkRun cloud = tof("cloud raw.tif a.ply");
+    EXPECT_EQ(cloud.code, 6);
+    EXPECT_EQ(cloud.err, QStringLiteral("tof: No cloud came out of \"raw.tif\"; nothing was written.") + set);
+}
+
+TEST_F(TofProcessTest, ASetOfItsReferenceAloneSaysSo) {
+    PaddedPicture made(8, 2, 3, EkImageDataType::UInt16, 12);
+    made->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    CkImageMetadata metadata;
+    metadata.colorFilterArray = 13;
+    metadata.sectionMode = 3;
+    metadata.sectionCount = 3;
+    CkRecordingWriter writer;
+    ASSERT_TRUE(writer.open(path("raw.tif"), {}));
+    ASSERT_TRUE(writer.write(*made, metadata));
+    ASSERT_TRUE(writer.close());
+    const SkRun run = tof("process --transform amplitude raw.tif amplitude.tif");
+    EXPECT_EQ(run.code, 6);
+    EXPECT_EQ(run.err,
+              QStringLiteral("tof: No frame came out of \"raw.tif\"; nothing was written. The set of "
+                             "page 1 has nothing but a reference section.\n"));
+}
+
+TEST_F(TofProcessTest, ARefusedImageOfASetSaysWhy) {
+    recordTaps("raw.tif", 1, [](CkImageMetadata& metadata) {
+        metadata.phasesCount = 1;
+        metadata.phaseSequenceLength = 2;
+        metadata.phaseSequenceIndex = 2;
+    });
+    const SkRun run = tof("process --transform depth raw.tif depth.tif");
+    EXPECT_EQ(run.code, 6);
+    EXPECT_TRUE(
+        run.err.contains(QLatin1String("\"raw.tif\", page 1: The index of the image is outside its set.\n")));
+    EXPECT_TRUE(run.err.endsWith(QLatin1String("No frame came out of \"raw.tif\"; nothing was written.\n")));
+}
+
 TEST_F(TofProcessTest, ADamagedRecordingIsWorkedOnUpToTheDamage) {
     recordTaps("whole.tif", 4);
     const QByteArray bytes = contents("whole.tif");

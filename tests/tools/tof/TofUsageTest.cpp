@@ -79,6 +79,17 @@ TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
                              "image --range 1 a.tif b.png",
                              "image --range 5,1 a.tif b.png",
                              "image --range 2,2 a.tif b.png",
+                             "image --range 1,1.00000000001 a.tif b.png",
+                             "image --range -1e300,1 a.tif b.png",
+                             "image --range 0,1e39 a.tif b.png",
+                             "cloud --focal-length 1e39 a.tif b.ply",
+                             "cloud --cell-size 1e300 a.tif b.ply",
+                             "cloud --frequency 3.5e38 a.tif b.ply",
+                             "cloud --confidence 1e39 a.tif b.ply",
+                             "cloud --offset -1e39 a.tif b.ply",
+                             "cloud --z-zoom 1e39 a.tif b.ply",
+                             "cloud --z-zoom 1e-39 a.tif b.ply",
+                             "accuracy --confidence 1e39 b.json",
                              "image --channel x a.tif b.png"}) {
         const SkRun run = tof(line);
         EXPECT_EQ(run.code, 2) << line;
@@ -98,6 +109,12 @@ TEST_F(TofUsageTest, WrongValuesAreToldTheRange) {
               QStringLiteral("tof: --focal-length wants a number above 0, not \"0\".\n"));
     EXPECT_EQ(tof("cloud --max-width 0 a.tif b.ply").err,
               QStringLiteral("tof: --max-width wants a whole number of at least 1, not \"0\".\n"));
+    EXPECT_EQ(tof("image --range -1e300,1 a.tif b.png").err,
+              QStringLiteral("tof: --range wants numbers of 32-bit floats, up to 3.40282e+38, not "
+                             "\"-1e300,1\".\n"));
+    EXPECT_EQ(tof("cloud --offset 1e39 a.tif b.ply").err,
+              QStringLiteral("tof: --offset wants numbers of 32-bit floats, up to 3.40282e+38, not "
+                             "\"1e39\".\n"));
     EXPECT_EQ(tof("image --range 5,1 a.tif b.png").err,
               QStringLiteral("tof: --range wants the lower value first, not \"5,1\".\n"));
 }

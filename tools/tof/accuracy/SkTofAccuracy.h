@@ -22,7 +22,7 @@ struct SkTofAccuracySetup {
     double exposureUs = 1000.0;
     bool noise = true;
     quint32 seed = 1;
-    double confidenceThreshold = 10.0; ///< pixels of a higher confidence value are not valid
+    float confidenceThreshold = 10.0F; ///< pixels of a higher confidence value are not valid
 };
 
 /// What came out of a cell. Errors are measured minus true distance along the ray, over all valid pixels of

@@ -130,7 +130,7 @@ bool addErrors(const CkImageData& depth, const CkSimRaster& raster, const SkTofA
     parameters.opticalPath.compensateDistortion = true;
     parameters.opticalPath.orthoRadialCorrection = false;
     parameters.opticalPath.realDistanceOffsetM = 0.0F;
-    parameters.opticalPath.confidenceThreshold = float(setup.confidenceThreshold);
+    parameters.opticalPath.confidenceThreshold = setup.confidenceThreshold;
     const SkToFDepthPictures& pictures = frame.pictures();
     const SkToFCloudScales scales = makeCloudScales(pictures, parameters, pictures.depthPic.maxValue);
     if (result.point.hybrid != (pictures.depthDataKind == EkDepthDataType::Depth) ||
