@@ -10,6 +10,7 @@
 
 class CkColorLegend;
 class CkImageCanvas;
+class CkPictureSnapshot;
 class QAction;
 class QComboBox;
 class QLabel;
@@ -69,15 +70,8 @@ public:
     /// The picture as it is on the screen, at its own size; colours it when that has not been done yet.
     const QImage& shownImage();
 
-    /// Forms in which a picture is written as it was measured; see CkPictureFile for what is in the files.
-    enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
-
-    /// Writes the picture as seen (any format that the name's ending tells, at the picture's own size), or as
-    /// measured: the channel shown, or all of them. False, with psError set, on failure.
-    bool saveAsSeen(const QString& sFileName, QString* psError);
-    bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError);
-    /// Whether there is a single channel to save; colour pictures only have all of them.
-    bool canSaveAsMeasured();
+    /// What is on the screen at the moment, to be saved.
+    CkPictureSnapshot snapshot();
     /// Asks for the file.
     void saveWithDialog();
 
@@ -100,7 +94,6 @@ private:
     void updateLegend();
     void refresh();
     void hoverPixel(const QPoint& pixel);
-    bool writeAsSeen(const QString& sFileName, QString& sError);
 
     CkImageCanvas* m_pCanvas = nullptr;
     CkColorLegend* m_pLegend = nullptr;

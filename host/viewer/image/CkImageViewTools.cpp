@@ -4,29 +4,18 @@
 #include "image/CkColorLegend.h"
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
-#include "image/CkPictureFile.h"
+#include "image/CkPictureSnapshot.h"
 #include "image/CkToolIcons.h"
-#include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QComboBox>
 #include <QContextMenuEvent>
-#include <QDir>
 #include <QFileInfo>
-#include <QImageWriter>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
-#include <QSaveFile>
 #include <QToolBar>
-#include <algorithm>
-
-namespace {
-// Groups of forms to save in.
-constexpr int kAsSeen = 0;
-constexpr int kAsMeasured = 1;
-} // namespace
 
 void CkImageView::createToolBar() {
     m_pToolBar = new QToolBar(this);
@@ -76,93 +65,20 @@ void CkImageView::contextMenuEvent(QContextMenuEvent* pEvent) {
     menu.exec(pEvent->globalPos());
 }
 
-bool CkImageView::canSaveAsMeasured() {
-    const CkImageData* frame = currentImage();
-    return frame != nullptr && frame->picBuf().data != nullptr && m_iChannel >= 0;
-}
-
-bool CkImageView::saveAsSeen(const QString& sFileName, QString* psError) {
-    QString error;
-    const bool ok = writeAsSeen(sFileName, error);
-    if (!ok && psError != nullptr) {
-        *psError = error;
-    }
-    return ok;
-}
-
-bool CkImageView::writeAsSeen(const QString& sFileName, QString& sError) {
-    if (shownImage().isNull()) {
-        sError = tr("There is no picture to save.");
-        return false;
-    }
-    const QByteArray ending = fileEnding(sFileName).toLatin1();
-    if (!QImageWriter::supportedImageFormats().contains(ending)) {
-        sError = tr("%1: the ending says in which format a picture is saved: .png or .jpg.")
-                     .arg(QDir::toNativeSeparators(sFileName));
-        return false;
-    }
-    QSaveFile file(sFileName);
-    QImageWriter writer(&file, ending);
-    if (!file.open(QIODevice::WriteOnly) || !writer.write(m_image) || !file.commit()) {
-        const bool byFile = file.error() != QFileDevice::NoError;
-        sError = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(sFileName),
-                                              byFile ? file.errorString() : writer.errorString());
-        return false;
-    }
-    return true;
-}
-
-bool CkImageView::saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) {
-    const CkImageData* frame = currentImage();
-    QString error = tr("There is no picture to save.");
-    bool ok = false;
-    if (frame != nullptr && frame->picBuf().data != nullptr && form == EkMeasured::Png16) {
-        ok = m_iChannel < 0 ? false
-                            : CkPictureFile::savePng16(frame->picBuf(), frame->metadata(),
-                                                       quint32(m_iChannel), sFileName, error);
-        if (m_iChannel < 0) {
-            error = tr("A colour picture has no single channel to save; choose a channel first.");
-        }
-    } else if (frame != nullptr && frame->picBuf().data != nullptr) {
-        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_iChannel;
-        ok = CkPictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), channel, sFileName, error);
-    }
-    if (!ok && psError != nullptr) {
-        *psError = error;
-    }
-    return ok;
+CkPictureSnapshot CkImageView::snapshot() {
+    return {shownImage(), currentImage(), m_iChannel, m_pChannelBox->currentText()};
 }
 
 void CkImageView::saveWithDialog() {
-    if (shownImage().isNull()) {
+    // What is on the screen now: frames keep coming while the dialog is open.
+    const CkPictureSnapshot picture = snapshot();
+    const QList<CkPictureSnapshot::SkForm> forms = picture.forms();
+    if (forms.isEmpty()) {
         return;
     }
-    struct SkChoice {
-        SkSaveForm file;
-        int form; ///< -1 as seen, else EkMeasured
-    };
-    QList<SkChoice> choices = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png"), kAsSeen}, -1},
-                               {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), kAsSeen}, -1}};
-    const CkImageData* frame = currentImage();
-    if (canSaveAsMeasured()) {
-        choices.append(
-            {{tr("16-bit PNG, as measured, %1 (*.png)")
-                  .arg(CkPictureFile::scaleText(frame->picBuf(), frame->metadata(), quint32(m_iChannel))),
-              QStringLiteral("png"), kAsMeasured},
-             int(EkMeasured::Png16)});
-        choices.append(
-            {{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_pChannelBox->currentText()),
-              QStringLiteral("tif"), kAsMeasured},
-             int(EkMeasured::FloatTiff)});
-    }
-    if (frame != nullptr && (frame->picBuf().channels > 1 || !canSaveAsMeasured())) {
-        choices.append(
-            {{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"), kAsMeasured},
-             int(EkMeasured::FloatTiffOfAll)});
-    }
     QList<SkSaveForm> offered;
-    for (const SkChoice& choice : choices) {
-        offered.append(choice.file);
+    for (const CkPictureSnapshot::SkForm& form : forms) {
+        offered.append(form.file);
     }
     IkAppDelegate* delegate = IkAppDelegate::instance();
     // The camera may be unplugged, and the view with it, while the dialog is open.
@@ -174,10 +90,9 @@ void CkImageView::saveWithDialog() {
     if (!self || name.isEmpty()) {
         return;
     }
-    const SkChoice& choice = choices[chosen];
+    const std::optional<CkPictureSnapshot::EkMeasured> measured = forms[chosen].measured;
     QString error;
-    if (!(choice.form < 0 ? saveAsSeen(name, &error)
-                          : saveAsMeasured(name, EkMeasured(choice.form), &error))) {
+    if (!(measured ? picture.saveAsMeasured(name, *measured, &error) : picture.saveAsSeen(name, &error))) {
         QMessageBox::warning(this, tr("Save Picture"), error);
     } else if (delegate != nullptr) {
         delegate->setLastDirectory(QFileInfo(name).absolutePath());

@@ -1,14 +1,17 @@
 #include "image/CkImageView.h"
 
+#include "ModalDriver.h"
 #include "ViewerPictures.h"
 #include "image/CkColorLegend.h"
 #include "image/CkImageCanvas.h"
+#include "image/CkPictureSnapshot.h"
 #include "zuCore/CkLut.h"
 
 #include <QComboBox>
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -172,46 +175,110 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     QTemporaryDir folder;
     CkFedImageView view;
     QString error;
-    EXPECT_FALSE(view.saveAsSeen(folder.filePath("early.png"), &error));
+    EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath("early.png"), &error));
     EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(view.snapshot().forms().isEmpty());
+    EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("early.png"),
+                                                CkPictureSnapshot::EkMeasured::Png16, &error));
     view.feed(ramp16());
-    ASSERT_TRUE(view.saveAsSeen(folder.filePath("seen.png"), &error)) << qPrintable(error);
+    ASSERT_TRUE(view.snapshot().saveAsSeen(folder.filePath("seen.png"), &error)) << qPrintable(error);
     EXPECT_EQ(QImage(folder.filePath("seen.png")).convertToFormat(QImage::Format_RGB32), view.shownImage());
-    ASSERT_TRUE(view.canSaveAsMeasured());
-    using EkMeasured = CkImageView::EkMeasured;
-    ASSERT_TRUE(view.saveAsMeasured(folder.filePath("raw.png"), EkMeasured::Png16, &error))
+    // PNG and JPEG as seen, PNG and TIFF as measured; there are no other channels.
+    EXPECT_EQ(view.snapshot().forms().size(), 4);
+    using EkMeasured = CkPictureSnapshot::EkMeasured;
+    ASSERT_TRUE(view.snapshot().saveAsMeasured(folder.filePath("raw.png"), EkMeasured::Png16, &error))
         << qPrintable(error);
     const QImage raw(folder.filePath("raw.png"));
     ASSERT_EQ(raw.format(), QImage::Format_Grayscale16);
     EXPECT_EQ(reinterpret_cast<const quint16*>(raw.constScanLine(5))[17], 1017);
-    EXPECT_FALSE(view.saveAsSeen(folder.filePath("no/such/folder/a.png"), &error));
+    EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath("no/such/folder/a.png"), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("a.png"))) << qPrintable(error);
     // No file is called what it is not.
-    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("raw.jpg"), EkMeasured::Png16, &error));
+    EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.jpg"), EkMeasured::Png16, &error));
     EXPECT_TRUE(error.endsWith("raw.jpg: this format needs the ending .png.")) << qPrintable(error);
-    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("raw.png"), EkMeasured::FloatTiff, &error));
+    EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.png"), EkMeasured::FloatTiff, &error));
     EXPECT_TRUE(error.endsWith("raw.png: this format needs the ending .tif.")) << qPrintable(error);
     EXPECT_EQ(QImage(folder.filePath("raw.png")).format(), QImage::Format_Grayscale16);
-    EXPECT_TRUE(view.saveAsMeasured(folder.filePath("raw.TIFF"), EkMeasured::FloatTiff, &error));
+    EXPECT_TRUE(view.snapshot().saveAsMeasured(folder.filePath("raw.TIFF"), EkMeasured::FloatTiff, &error));
     for (const char* name : {"seen.dat", "seen"}) {
-        EXPECT_FALSE(view.saveAsSeen(folder.filePath(name), &error));
+        EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath(name), &error));
         EXPECT_TRUE(error.endsWith(": the ending says in which format a picture is saved: .png or .jpg."))
             << qPrintable(error);
         EXPECT_FALSE(QFile::exists(folder.filePath(name)));
     }
-    ASSERT_TRUE(view.saveAsSeen(folder.filePath("seen.jpeg"), &error));
+    ASSERT_TRUE(view.snapshot().saveAsSeen(folder.filePath("seen.jpeg"), &error));
     EXPECT_EQ(QImageReader(folder.filePath("seen.jpeg")).format(), "jpeg");
     // A colour picture has a channel to save only once one was chosen.
     view.feed(makeFrame<quint8>(EkImageDataType::UInt8, 8, 8, 3, 8,
                                 [](quint32 x, quint32, quint32 c) { return quint8(10 * x + c); }));
-    EXPECT_FALSE(view.canSaveAsMeasured());
-    EXPECT_FALSE(view.saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
+    EXPECT_EQ(view.snapshot().forms().size(), 3);
+    EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
     EXPECT_FALSE(QFile::exists(folder.filePath("colour.png")));
-    EXPECT_TRUE(view.saveAsMeasured(folder.filePath("colour.tif"), EkMeasured::FloatTiffOfAll, &error));
+    EXPECT_TRUE(
+        view.snapshot().saveAsMeasured(folder.filePath("colour.tif"), EkMeasured::FloatTiffOfAll, &error));
     view.setChannel(2);
-    ASSERT_TRUE(view.saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
+    ASSERT_TRUE(view.snapshot().saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
     const QImage red(folder.filePath("colour.png"));
     EXPECT_EQ(reinterpret_cast<const quint16*>(red.constScanLine(0))[7], 72);
+}
+
+class SavedPicture : public ::testing::Test {
+protected:
+    static std::unique_ptr<CkImageData> constant(quint16 value) {
+        return makeFrame<quint16>(EkImageDataType::UInt16, 64, 48, 1, 12,
+                                  [value](quint32, quint32, quint32) { return value; });
+    }
+    /// Saves in the form that many lines below the first one; another frame comes while the dialog is open.
+    QString saveWhileAnotherFrameComes(CkFedImageView& view, int form, const char* name) {
+        const QString path = m_folder.filePath(QString::fromLatin1(name));
+        m_driver.expectWindow([&view, form, path](QWidget* dialog) {
+            view.feed(constant(7));
+            view.shownImage();
+            auto* types = dialog->findChild<QComboBox*>("fileTypeCombo");
+            for (int i = 0; i < form; ++i) {
+                QTest::keyClick(types, Qt::Key_Down);
+            }
+            dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        view.saveWithDialog();
+        EXPECT_TRUE(m_driver.boxes.isEmpty());
+        return path;
+    }
+
+    QTemporaryDir m_folder;
+    ModalDriver m_driver;
+};
+
+TEST_F(SavedPicture, IsTheOneThatWasShownWhenSavingBegan) {
+    CkFedImageView view;
+    view.feed(ramp16());
+    const QImage seen = view.shownImage().copy();
+    const QImage file(saveWhileAnotherFrameComes(view, 0, "seen.png"));
+    EXPECT_EQ(file.convertToFormat(QImage::Format_RGB32), seen);
+    EXPECT_NE(view.shownImage(), seen);
+}
+
+TEST_F(SavedPicture, IsMeasuredInTheFrameThatWasShownWhenSavingBegan) {
+    CkFedImageView view;
+    view.feed(ramp16());
+    const QImage file(saveWhileAnotherFrameComes(view, 2, "measured.png"));
+    ASSERT_EQ(file.format(), QImage::Format_Grayscale16);
+    EXPECT_EQ(reinterpret_cast<const quint16*>(file.constScanLine(5))[17], 1017);
+}
+
+TEST_F(SavedPicture, KeepsItsChannelWhateverTheViewShowsLater) {
+    CkFedImageView view;
+    view.feed(makeFrame<quint16>(EkImageDataType::UInt16, 8, 6, 2, 16,
+                                 [](quint32 x, quint32, quint32 c) { return quint16(100 * (c + 1) + x); }));
+    view.setChannel(1);
+    const CkPictureSnapshot picture = view.snapshot();
+    view.setChannel(0);
+    QString error;
+    const QString path = m_folder.filePath("second.png");
+    ASSERT_TRUE(picture.saveAsMeasured(path, CkPictureSnapshot::EkMeasured::Png16, &error))
+        << qPrintable(error);
+    EXPECT_EQ(reinterpret_cast<const quint16*>(QImage(path).constScanLine(0))[3], 203);
 }
 
 TEST(ImageCanvas, ZoomKeepsThePointUnderTheMouseAndStaysInLimits) {

@@ -1,0 +1,122 @@
+#include "image/CkPictureSnapshot.h"
+
+#include "image/CkPictureFile.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QDir>
+#include <QImageWriter>
+#include <QSaveFile>
+
+namespace {
+
+// Groups of forms to save in.
+constexpr int kAsSeen = 0;
+constexpr int kAsMeasured = 1;
+
+// Pixels of its own: a picture of the chain's pool would be missed there for as long as a dialog is open.
+std::unique_ptr<CkImageData> copyOf(const CkImageData& frame) {
+    SkPicBuf pixels;
+    if (!CkPicBufAPI::CopyPicBuf(frame.picBuf(), pixels)) {
+        return nullptr;
+    }
+    auto copy = std::make_unique<CkImageData>();
+    copy->setPicBuf(pixels);
+    copy->setMetadata(frame.metadata());
+    return copy;
+}
+
+} // namespace
+
+CkPictureSnapshot::CkPictureSnapshot(const QImage& image, const CkImageData* pFrame, int iChannel,
+                                     const QString& sChannel)
+    : m_image(image), m_frame(pFrame != nullptr ? copyOf(*pFrame) : nullptr), m_iChannel(iChannel),
+      m_sChannel(sChannel) {}
+
+CkPictureSnapshot::~CkPictureSnapshot() = default;
+CkPictureSnapshot::CkPictureSnapshot(CkPictureSnapshot&&) noexcept = default;
+
+QList<CkPictureSnapshot::SkForm> CkPictureSnapshot::forms() const {
+    if (m_image.isNull()) {
+        return {};
+    }
+    QList<SkForm> forms = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png"), kAsSeen}, {}},
+                           {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), kAsSeen}, {}}};
+    if (m_frame == nullptr) {
+        return forms;
+    }
+    if (m_iChannel >= 0) {
+        const QString scale =
+            CkPictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel));
+        forms.append(
+            {{tr("16-bit PNG, as measured, %1 (*.png)").arg(scale), QStringLiteral("png"), kAsMeasured},
+             EkMeasured::Png16});
+        forms.append({{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_sChannel),
+                       QStringLiteral("tif"), kAsMeasured},
+                      EkMeasured::FloatTiff});
+    }
+    if (m_frame->picBuf().channels > 1 || m_iChannel < 0) {
+        forms.append(
+            {{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"), kAsMeasured},
+             EkMeasured::FloatTiffOfAll});
+    }
+    return forms;
+}
+
+bool CkPictureSnapshot::saveAsSeen(const QString& sFileName, QString* psError) const {
+    QString error;
+    const bool ok = writeAsSeen(sFileName, error);
+    if (!ok && psError != nullptr) {
+        *psError = error;
+    }
+    return ok;
+}
+
+bool CkPictureSnapshot::saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const {
+    QString error;
+    const bool ok = writeAsMeasured(sFileName, form, error);
+    if (!ok && psError != nullptr) {
+        *psError = error;
+    }
+    return ok;
+}
+
+bool CkPictureSnapshot::writeAsSeen(const QString& sFileName, QString& sError) const {
+    if (m_image.isNull()) {
+        sError = tr("There is no picture to save.");
+        return false;
+    }
+    const QByteArray ending = fileEnding(sFileName).toLatin1();
+    if (!QImageWriter::supportedImageFormats().contains(ending)) {
+        sError = tr("%1: the ending says in which format a picture is saved: .png or .jpg.")
+                     .arg(QDir::toNativeSeparators(sFileName));
+        return false;
+    }
+    QSaveFile file(sFileName);
+    QImageWriter writer(&file, ending);
+    if (!file.open(QIODevice::WriteOnly) || !writer.write(m_image) || !file.commit()) {
+        const bool byFile = file.error() != QFileDevice::NoError;
+        sError = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(sFileName),
+                                              byFile ? file.errorString() : writer.errorString());
+        return false;
+    }
+    return true;
+}
+
+bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured form, QString& sError) const {
+    if (m_frame == nullptr) {
+        sError = tr("There is no picture to save.");
+        return false;
+    }
+    if (form != EkMeasured::Png16) {
+        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_iChannel;
+        return CkPictureFile::saveFloatTiff(m_frame->picBuf(), m_frame->metadata(), channel, sFileName,
+                                            sError);
+    }
+    if (m_iChannel < 0) {
+        sError = tr("A colour picture has no single channel to save; choose a channel first.");
+        return false;
+    }
+    return CkPictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel), sFileName,
+                                    sError);
+}

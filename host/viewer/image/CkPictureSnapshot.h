@@ -1,0 +1,51 @@
+#pragma once
+
+#include "files/SaveFileName.h"
+
+#include <QCoreApplication>
+#include <QImage>
+#include <QList>
+
+#include <memory>
+#include <optional>
+
+class CkImageData;
+
+/// What a picture view showed at one moment, to be written to files: whatever the view shows later changes
+/// nothing of it. User-interface thread.
+class CkPictureSnapshot {
+    Q_DECLARE_TR_FUNCTIONS(CkPictureSnapshot)
+
+public:
+    /// Forms in which a picture is written as it was measured; see CkPictureFile for what is in the files.
+    enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
+
+    /// image: the picture as seen, null when nothing can be shown. pFrame is copied; null without a picture.
+    /// iChannel, named sChannel: the one that is seen; -1: all, as colours.
+    CkPictureSnapshot(const QImage& image, const CkImageData* pFrame, int iChannel, const QString& sChannel);
+    ~CkPictureSnapshot();
+    CkPictureSnapshot(CkPictureSnapshot&&) noexcept;
+    CkPictureSnapshot& operator=(CkPictureSnapshot&&) = delete;
+
+    /// A form in which this picture can be saved.
+    struct SkForm {
+        SkSaveForm file;
+        std::optional<EkMeasured> measured; ///< nothing: as seen
+    };
+    /// Empty when there is no picture.
+    QList<SkForm> forms() const;
+
+    /// Writes the picture as seen (in the format that the name's ending tells, at the picture's own size), or
+    /// as measured: the channel seen, or all of them. False, with psError set, on failure.
+    bool saveAsSeen(const QString& sFileName, QString* psError) const;
+    bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const;
+
+private:
+    bool writeAsSeen(const QString& sFileName, QString& sError) const;
+    bool writeAsMeasured(const QString& sFileName, EkMeasured form, QString& sError) const;
+
+    QImage m_image;
+    std::unique_ptr<CkImageData> m_frame; ///< null without a picture
+    int m_iChannel;
+    QString m_sChannel;
+};
