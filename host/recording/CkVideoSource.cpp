@@ -58,10 +58,15 @@ struct CkVideoSource::SkShared {
     bool chainRuns = false;
     bool stop = false;
     int pace = EveryFrame;
+    double speed = 1.0;
     std::function<void(const std::function<bool()>&)> afterFrame;
     Clock::time_point due; ///< of the next frame in real time
     bool timed = false;    ///< due is set
 
+    /// Between a frame and the next one, at the speed of playback.
+    Clock::duration gapAfter(qint64 frame) const {
+        return std::chrono::nanoseconds(qint64(double(timeBetween(*reader, frame)) / speed));
+    }
     bool wanted() const { return reader != nullptr && chainRuns && (playing || steps > 0); }
 };
 
@@ -172,6 +177,11 @@ int CkVideoSource::pace() const {
     return m_d->pace;
 }
 
+double CkVideoSource::speed() const {
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->speed;
+}
+
 qint64 CkVideoSource::skippedFrames() const {
     const std::lock_guard lock(m_d->mutex);
     return m_d->skipped;
@@ -240,6 +250,23 @@ void CkVideoSource::setPace(int iPace) {
         const std::lock_guard lock(m_d->mutex);
         m_d->pace = iPace == RealTime ? RealTime : EveryFrame;
         m_d->timed = false;
+    }
+    m_d->changed.notify_all();
+}
+
+void CkVideoSource::setSpeed(double fSpeed) {
+    if (!std::isfinite(fSpeed)) {
+        return;
+    }
+    {
+        const std::lock_guard lock(m_d->mutex);
+        const double speed = std::clamp(fSpeed, SlowestSpeed, FastestSpeed);
+        if (speed == m_d->speed) {
+            return;
+        }
+        m_d->speed = speed;
+        m_d->timed = false;
+        ++m_d->jumps; // the wait for the next frame was measured at the speed before
     }
     m_d->changed.notify_all();
 }
@@ -394,11 +421,11 @@ bool CkVideoSource::waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFr
         m_d->timed = true;
         m_d->due = Clock::now();
     } else if (iFrame > 0) {
-        m_d->due += std::chrono::nanoseconds(timeBetween(*reader, iFrame - 1));
+        m_d->due += m_d->gapAfter(iFrame - 1);
     }
     // Whoever is later than the next frame shows that one.
     while (iFrame + 1 < reader->frameCount()) {
-        const auto nextDue = m_d->due + std::chrono::nanoseconds(timeBetween(*reader, iFrame));
+        const auto nextDue = m_d->due + m_d->gapAfter(iFrame);
         if (nextDue > Clock::now() || nextDue == m_d->due) {
             break;
         }
@@ -468,6 +495,7 @@ bool CkVideoSource::saveSettings(QDomDocument& doc, QDomElement& element) const 
     element.setAttribute(QStringLiteral("file"), file.isEmpty() ? m_d->missing : file);
     element.setAttribute(QStringLiteral("loop"), isLoop() ? 1 : 0);
     element.setAttribute(QStringLiteral("pace"), pace());
+    element.setAttribute(QStringLiteral("speed"), QString::number(speed(), 'g', 17));
     const SkDepthScale scale = depthScale();
     if (scale.isActive()) {
         element.setAttribute(QStringLiteral("metresPerCount"),
@@ -483,6 +511,9 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
     }
     setLoop(element.attribute(QStringLiteral("loop")).toInt() != 0);
     setPace(element.attribute(QStringLiteral("pace")).toInt());
+    bool number = false;
+    const double speed = element.attribute(QStringLiteral("speed")).toDouble(&number);
+    setSpeed(number ? speed : 1.0);
     SkDepthScale scale;
     const double metres = element.attribute(QStringLiteral("metresPerCount")).toDouble();
     scale.metresPerCount = std::isfinite(metres) ? std::max(metres, 0.0) : 0.0;
@@ -504,6 +535,7 @@ CkChainable* CkVideoSource::clone() {
     copy->m_d->missing = m_d->missing;
     copy->setLoop(isLoop());
     copy->setPace(pace());
+    copy->setSpeed(speed());
     copy->setDepthScale(depthScale());
     return copy.release();
 }

@@ -21,8 +21,10 @@ class CkVideoSource : public CkImageSource {
 public:
     enum EkPace : int {
         EveryFrame = 0, ///< as fast as the chain goes; it is given each frame once, in order
-        RealTime = 1    ///< at the times at which the frames were taken; late ones are skipped
+        RealTime = 1    ///< at the times at which the frames were taken, see speed(); late ones are skipped
     };
+    static constexpr double SlowestSpeed = 0.1;
+    static constexpr double FastestSpeed = 10.0;
     using ProgressFunction = IkFrameFile::ProgressFunction;
 
     Q_INVOKABLE CkVideoSource();
@@ -52,6 +54,8 @@ public:
     bool isPlaying() const;
     bool isLoop() const;
     int pace() const; ///< EkPace
+    /// Of playback in real time: 1 as recorded, 2 twice as fast; between SlowestSpeed and FastestSpeed.
+    double speed() const;
     /// Frames that real time left out since play.
     qint64 skippedFrames() const;
 
@@ -64,6 +68,8 @@ public:
     bool seek(qint64 iFrame);
     void setLoop(bool bLoop);
     void setPace(int iPace);
+    /// At once, also while a frame is waited for. Clamped; what is no number changes nothing.
+    void setSpeed(double fSpeed);
 
     QString title() const override;
     bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;

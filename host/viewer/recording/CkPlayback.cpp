@@ -157,3 +157,10 @@ void CkPlayback::setPace(int iPace) {
         emit settingsChanged();
     }
 }
+
+void CkPlayback::setSpeed(double fSpeed) {
+    if (m_source && m_source->speed() != fSpeed) {
+        m_source->setSpeed(fSpeed);
+        emit settingsChanged();
+    }
+}

@@ -40,11 +40,12 @@ public slots:
     void goTo(qint64 iFrame);
     void setLoop(bool bLoop);
     void setPace(int iPace);
+    void setSpeed(double fSpeed);
 
 signals:
     /// The active view shows another recording, or none.
     void sourceChanged();
-    /// Loop or pace were changed here.
+    /// Loop, pace or speed were changed here.
     void settingsChanged();
 
 private:

@@ -1,11 +1,12 @@
 #include "recording/CkPlaybackBar.h"
 
+#include "image/CkPictureText.h"
 #include "recording/CkPlayback.h"
 #include "recording/CkVideoSource.h"
+#include "recording/CkWrapLayout.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
@@ -20,6 +21,12 @@ namespace {
 
 constexpr int kRefreshMs = 40;
 constexpr qint64 kMillisecond = 1'000'000;
+constexpr double kSpeeds[] = {CkVideoSource::SlowestSpeed, 0.25, 0.5, 1.0, 2.0, 5.0,
+                              CkVideoSource::FastestSpeed};
+
+void addSpeed(QComboBox* box, double speed) {
+    box->addItem(CkPictureText::locale().toString(speed) + QStringLiteral(" \u00d7"), speed);
+}
 
 int asInt(qint64 value) {
     return int(std::clamp<qint64>(value, 0, std::numeric_limits<int>::max()));
@@ -30,7 +37,8 @@ int asInt(qint64 value) {
 CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent)
     : QWidget(pParent), m_pPlayback(pPlayback), m_actions(actions) {
     setObjectName(QStringLiteral("playbackBar"));
-    auto* layout = new QHBoxLayout(this);
+    // Beside the panels of a small screen there is no room for all of it in one line.
+    auto* layout = new CkWrapLayout(this);
     layout->setContentsMargins(6, 3, 6, 3);
     layout->setSpacing(4);
     for (QAction* action : {actions.first, actions.back, actions.play, actions.forward, actions.last}) {
@@ -40,26 +48,23 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
     m_pSlider->setObjectName(QStringLiteral("playbackSlider"));
     m_pSlider->setMinimumWidth(80);
     m_pSlider->setToolTip(tr("Position in the recording"));
-    layout->addWidget(m_pSlider, 1);
+    layout->addWidget(m_pSlider);
     m_pNumber = new QSpinBox(this);
     m_pNumber->setObjectName(QStringLiteral("playbackNumber"));
     m_pNumber->setPrefix(tr("Frame "));
     m_pNumber->setKeyboardTracking(false);
     m_pNumber->setAlignment(Qt::AlignRight);
-    m_pNumber->setToolTip(tr("Number of the frame that is shown, from 0; type one to go there"));
+    m_pNumber->setToolTip(tr(
+        "Number of the frame that is shown, counted from 0 as the command line does; type one to go there"));
     layout->addWidget(m_pNumber);
     m_pTime = new QLabel(this);
     m_pTime->setObjectName(QStringLiteral("playbackTime"));
     m_pTime->setToolTip(tr("Time of the frame since the first one, and length of the recording"));
     layout->addWidget(m_pTime);
     layout->addWidget(addButton(actions.loop));
-    m_pPace = new QComboBox(this);
-    m_pPace->setObjectName(QStringLiteral("playbackPace"));
-    m_pPace->addItem(tr("Every frame"), int(CkVideoSource::EveryFrame));
-    m_pPace->addItem(tr("Real time"), int(CkVideoSource::RealTime));
-    m_pPace->setToolTip(tr("Every frame: as fast as the chain goes, nothing left out.\n"
-                           "Real time: as it was recorded; frames that come too late are left out."));
+    createPaceControls();
     layout->addWidget(m_pPace);
+    layout->addWidget(m_pSpeed);
     m_pNote = new QLabel(this);
     m_pNote->setObjectName(QStringLiteral("playbackNote"));
     layout->addWidget(m_pNote);
@@ -68,14 +73,30 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
             [this](int iValue) { m_pPlayback->goTo(iValue); });
     connect(m_pNumber, &QSpinBox::valueChanged, m_pPlayback,
             [this](int iValue) { m_pPlayback->goTo(iValue); });
-    connect(m_pPace, &QComboBox::currentIndexChanged, m_pPlayback,
-            [this] { m_pPlayback->setPace(m_pPace->currentData().toInt()); });
     connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
     connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
     // The player may be much faster than anybody reads: looking now and then costs less than being told.
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkPlaybackBar::refresh);
     adaptToSource();
+}
+
+void CkPlaybackBar::createPaceControls() {
+    m_pPace = new QComboBox(this);
+    m_pPace->setObjectName(QStringLiteral("playbackPace"));
+    m_pPace->addItem(tr("Real time"), int(CkVideoSource::RealTime));
+    m_pPace->addItem(tr("Every frame"), int(CkVideoSource::EveryFrame));
+    m_pPace->setToolTip(tr("Real time: as it was recorded; frames that come too late are left out.\n"
+                           "Every frame: as fast as the chain goes, nothing left out."));
+    m_pSpeed = new QComboBox(this);
+    m_pSpeed->setObjectName(QStringLiteral("playbackSpeed"));
+    for (const double speed : kSpeeds) {
+        addSpeed(m_pSpeed, speed);
+    }
+    connect(m_pPace, &QComboBox::currentIndexChanged, m_pPlayback,
+            [this] { m_pPlayback->setPace(m_pPace->currentData().toInt()); });
+    connect(m_pSpeed, &QComboBox::currentIndexChanged, m_pPlayback,
+            [this] { m_pPlayback->setSpeed(m_pSpeed->currentData().toDouble()); });
 }
 
 QToolButton* CkPlaybackBar::addButton(QAction* pAction) {
@@ -113,7 +134,7 @@ void CkPlaybackBar::adaptToSource() {
         m_pSlider->setRange(0, last);
         m_pSlider->setPageStep(qMax(1, last / 20));
         m_pNumber->setRange(0, last);
-        m_pNumber->setSuffix(tr(" of %1").arg(last));
+        m_pNumber->setSuffix(tr(" of %1").arg(source->frameCount()));
         if (const std::optional<qint64> total = m_pPlayback->timeOf(last)) {
             m_sTotal = timeText(*total);
         }
@@ -150,10 +171,7 @@ void CkPlaybackBar::refresh() {
             m_sTotal.isEmpty() || position < 0 ? std::nullopt : m_pPlayback->timeOf(position);
         m_pTime->setText(time ? timeText(*time) + QStringLiteral(" / ") + m_sTotal : QString());
     }
-    {
-        const QSignalBlocker pace(m_pPace);
-        m_pPace->setCurrentIndex(m_pPace->findData(source->pace()));
-    }
+    showPace();
     const bool playing = source->isPlaying();
     if (m_actions.play->property("playing").toBool() != playing || m_actions.play->icon().isNull()) {
         m_actions.play->setProperty("playing", playing);
@@ -163,6 +181,23 @@ void CkPlaybackBar::refresh() {
     }
     m_actions.loop->setChecked(source->isLoop());
     showDamage();
+}
+
+void CkPlaybackBar::showPace() {
+    const CkVideoSource* source = m_pPlayback->source();
+    const QSignalBlocker paceBlocker(m_pPace);
+    const QSignalBlocker speedBlocker(m_pSpeed);
+    m_pPace->setCurrentIndex(m_pPace->findData(source->pace()));
+    // A chain file may hold one that is not in the list.
+    if (m_pSpeed->findData(source->speed()) < 0) {
+        addSpeed(m_pSpeed, source->speed());
+    }
+    m_pSpeed->setCurrentIndex(m_pSpeed->findData(source->speed()));
+    const bool realTime = source->pace() == CkVideoSource::RealTime;
+    m_pSpeed->setEnabled(realTime);
+    m_pSpeed->setToolTip(realTime ? tr("How much faster or slower than it was recorded")
+                                  : tr("Every frame is played as fast as the chain goes; choose real time "
+                                       "for a speed"));
 }
 
 void CkPlaybackBar::showDamage() {

@@ -36,7 +36,9 @@ public:
 
 private:
     QToolButton* addButton(QAction* pAction);
+    void createPaceControls();
     void adaptToSource();
+    void showPace();
     void showDamage();
 
     CkPlayback* m_pPlayback;
@@ -46,6 +48,7 @@ private:
     QLabel* m_pTime = nullptr;
     QLabel* m_pNote = nullptr;
     QComboBox* m_pPace = nullptr;
+    QComboBox* m_pSpeed = nullptr;
     QTimer m_timer;
     qint64 m_iShown = -2; ///< frame whose time is shown
     QString m_sTotal;     ///< length of the recording

@@ -163,6 +163,7 @@ bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidg
         return false;
     }
     sError.clear();
+    source->setPace(CkVideoSource::RealTime);
     QDomDocument doc;
     if (pWindow != nullptr && (!askForScale(*source, pWindow) || !askForChain(*source, pWindow, doc))) {
         return false;

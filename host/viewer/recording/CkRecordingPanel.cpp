@@ -17,7 +17,7 @@
 namespace {
 
 constexpr int kRefreshMs = 250;
-constexpr int kWidth = 320;
+constexpr int kWidth = 160;
 constexpr qint64 kNanosecondsPerMs = 1'000'000;
 
 using EkState = CkRecordingJob::EkState;

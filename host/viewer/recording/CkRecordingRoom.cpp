@@ -139,8 +139,9 @@ void CkRecordingRoom::addFileKinds(CkFileOpener* pOpener) {
         if (!CkRecordingOpening::open(name, m_pArea, m_bAsks ? m_pWindow : nullptr, error)) {
             return false;
         }
-        // Nobody is there to press play.
+        // Nobody is there to press play, or to wait.
         if (!m_bAsks) {
+            m_pPlayback->setPace(CkVideoSource::EveryFrame);
             m_pPlayback->setLoop(true);
             m_pPlayback->togglePlaying();
         }

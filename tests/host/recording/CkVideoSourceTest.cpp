@@ -7,6 +7,7 @@
 #include <QDomDocument>
 #include <atomic>
 #include <condition_variable>
+#include <limits>
 #include <mutex>
 #include <numeric>
 #include <thread>
@@ -247,6 +248,49 @@ TEST_F(CkVideoSourceTest, RealTimeKeepsOrderAndAccountsForEveryFrame) {
     EXPECT_EQ(numbers.back(), 11);
 }
 
+TEST_F(CkVideoSourceTest, HalfTheSpeedTakesTwiceTheTime) {
+    openFrames(6); // 40 ms each
+    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setSpeed(0.5);
+    ASSERT_TRUE(m_chain->start());
+    const auto begin = std::chrono::steady_clock::now();
+    m_source->play();
+    waitForPosition(5);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(5 * 40 * 2));
+}
+
+TEST_F(CkVideoSourceTest, AnotherSpeedEndsTheWaitForTheNextFrame) {
+    CkRecordingWriter writer;
+    ASSERT_TRUE(writer.open(path("slow.tif"), {}));
+    for (qint64 i = 0; i < 2; ++i) {
+        PaddedPicture made = picture(i);
+        made->additionalData.timestampNs = 1 + i * 9'000'000'000;
+        ASSERT_TRUE(writer.write(*made, metadata(i)));
+    }
+    ASSERT_TRUE(writer.close());
+    ASSERT_TRUE(m_source->openFile(path("slow.tif"), nullptr));
+    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setSpeed(CkVideoSource::SlowestSpeed);
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    waitForPosition(0);
+    // A minute and a half to go, longer than anybody waits here.
+    m_source->setSpeed(CkVideoSource::FastestSpeed);
+    EXPECT_EQ(m_sink.waitFor(2), counted(0, 2));
+}
+
+TEST_F(CkVideoSourceTest, SpeedsOutOfRangeAreClamped) {
+    EXPECT_EQ(m_source->speed(), 1.0);
+    m_source->setSpeed(1000.0);
+    EXPECT_EQ(m_source->speed(), 10.0);
+    m_source->setSpeed(-3.0);
+    EXPECT_EQ(m_source->speed(), 0.1);
+    m_source->setSpeed(std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(m_source->speed(), 0.1);
+    m_source->setSpeed(std::numeric_limits<double>::infinity());
+    EXPECT_EQ(m_source->speed(), 0.1);
+}
+
 TEST_F(CkVideoSourceTest, WhatCannotBeOpenedChangesNothing) {
     openFrames(2);
     QString error;
@@ -272,6 +316,7 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     openFrames(2);
     m_source->setLoop(true);
     m_source->setPace(CkVideoSource::RealTime);
+    m_source->setSpeed(0.25);
     QDomDocument doc;
     QDomElement element = doc.createElement(QStringLiteral("block"));
     ASSERT_TRUE(m_source->saveSettings(doc, element));
@@ -283,6 +328,12 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     const std::unique_ptr<CkChainable> copy(other.clone());
     ASSERT_NE(qobject_cast<CkVideoSource*>(copy.get()), nullptr);
     EXPECT_EQ(qobject_cast<CkVideoSource*>(copy.get())->frameCount(), 2);
+    EXPECT_EQ(other.speed(), 0.25);
+    EXPECT_EQ(qobject_cast<CkVideoSource*>(copy.get())->speed(), 0.25);
+    // Chain files from before there was one.
+    element.removeAttribute(QStringLiteral("speed"));
+    ASSERT_TRUE(other.loadSettings(element));
+    EXPECT_EQ(other.speed(), 1.0);
 
     element.setAttribute(QStringLiteral("file"), path("gone.tif"));
     CkVideoSource lost;

@@ -86,6 +86,7 @@ TEST_F(PlaybackBar, EveryFrameIsShown) {
     QList<quint64> shown;
     QObject::connect(firstView(), &CkMdiView::imageShown, window(),
                      [&](int, const CkImageData* data) { shown.append(data->metadata().frameNumber); });
+    action("actPlaybackEveryFrame")->trigger();
     action("actPlaybackPlay")->trigger();
     ASSERT_TRUE(waitFor([this] { return player()->position() == 199 && !player()->isPlaying(); }));
     ASSERT_TRUE(waitFor([&] { return !shown.isEmpty() && shown.last() == 199; }));
@@ -102,10 +103,9 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     action("actPlaybackBack")->trigger();
     ASSERT_TRUE(waitForShown(9));
     auto* pace = room()->bar()->findChild<QComboBox*>("playbackPace");
-    EXPECT_EQ(pace->currentText(), "Every frame");
-    pace->setCurrentIndex(pace->findText("Real time"));
-    EXPECT_EQ(player()->pace(), int(CkVideoSource::RealTime));
-    EXPECT_TRUE(action("actPlaybackRealTime")->isChecked());
+    pace->setCurrentIndex(pace->findText("Every frame"));
+    EXPECT_EQ(player()->pace(), int(CkVideoSource::EveryFrame));
+    EXPECT_TRUE(action("actPlaybackEveryFrame")->isChecked());
     action("actPlaybackPlay")->trigger();
     EXPECT_TRUE(waitFor([this] { return action("actPlaybackPlay")->text() == "&Pause"; }));
     // Round and round.
@@ -113,6 +113,51 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     ASSERT_TRUE(waitFor([this] { return player()->position() == 2; }));
     action("actPlaybackPlay")->trigger();
     EXPECT_FALSE(player()->isPlaying());
+}
+
+TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
+    ASSERT_TRUE(openFile(path("a.tif")));
+    ASSERT_TRUE(waitForShown(0));
+    EXPECT_EQ(player()->pace(), int(CkVideoSource::RealTime));
+    EXPECT_EQ(room()->bar()->findChild<QComboBox*>("playbackPace")->currentText(), "Real time");
+    EXPECT_TRUE(action("actPlaybackRealTime")->isChecked());
+    // Nobody waits for a run that ends by itself.
+    m_session.reset();
+    m_options.frames = 1'000;
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(openFile(path("a.tif")));
+    EXPECT_EQ(player()->pace(), int(CkVideoSource::EveryFrame));
+}
+
+TEST_F(PlaybackBar, TheSpeedIsChosenWhereThereIsOne) {
+    ASSERT_TRUE(openFile(path("a.tif")));
+    ASSERT_TRUE(waitForShown(0));
+    const auto* speed = room()->bar()->findChild<QComboBox*>("playbackSpeed");
+    ASSERT_NE(speed, nullptr);
+    EXPECT_TRUE(speed->isVisible());
+    EXPECT_TRUE(speed->isEnabled());
+    EXPECT_EQ(speed->currentText(), QString::fromUtf8("1 \u00d7"));
+    const_cast<QComboBox*>(speed)->setCurrentIndex(speed->findText(QString::fromUtf8("0.5 \u00d7")));
+    EXPECT_EQ(player()->speed(), 0.5);
+    const QString tip = speed->toolTip();
+    action("actPlaybackEveryFrame")->trigger();
+    EXPECT_TRUE(waitFor([&] { return !speed->isEnabled(); }));
+    EXPECT_NE(speed->toolTip(), tip);
+    action("actPlaybackRealTime")->trigger();
+    EXPECT_TRUE(waitFor([&] { return speed->isEnabled(); }));
+    EXPECT_EQ(speed->currentText(), QString::fromUtf8("0.5 \u00d7"));
+    // As a chain file may have it.
+    player()->setSpeed(0.7);
+    EXPECT_TRUE(waitFor([&] { return speed->currentText() == QString::fromUtf8("0.7 \u00d7"); }));
+}
+
+TEST_F(PlaybackBar, FramesAreCountedOutOfAll) {
+    ASSERT_TRUE(openFile(path("a.tif")));
+    ASSERT_TRUE(waitForShown(0));
+    const auto* box = room()->bar()->findChild<QSpinBox*>("playbackNumber");
+    EXPECT_EQ(box->text(), "Frame 0 of 10");
+    action("actPlaybackLast")->trigger();
+    EXPECT_TRUE(waitFor([&] { return box->text() == "Frame 9 of 10"; })) << qPrintable(box->text());
 }
 
 TEST_F(PlaybackBar, KeysWorkInTheViewsAndStandInTheHelp) {
