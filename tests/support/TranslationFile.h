@@ -93,6 +93,48 @@ public:
         }
     }
 
+    /// Slips of the keyboard, of editors and of search and replace; keys as they are written on a German
+    /// keyboard.
+    void expectCleanGerman() const {
+        for (const SkText& text : m_texts) {
+            for (const QString& form : text.forms()) {
+                EXPECT_EQ(faultsOf(form, text.source).join(", ").toStdString(), "")
+                    << text.where() << "\n  " << form.toStdString();
+            }
+        }
+    }
+
+    /// What is wrong with a German text, in words; empty when nothing is.
+    static QStringList faultsOf(const QString& sGerman, const QString& sSource) {
+        struct SkSlip {
+            const char* pattern;
+            const char* name;
+        };
+        static constexpr SkSlip kSlips[] = {
+            {"(amp|lt|gt|quot|apos|nbsp);|&#\\d", "entity"},
+            {"(?<!, )\\b(\\p{L}+) \\1\\b|, \\b(?!die |der |das )(\\p{L}+) \\2\\b", "doubled word"},
+            {"(\\p{L}{4,})\\P{L}?\\1", "doubled word"},
+            {"  | [,.;:!?](?![.%\\w])", "blank"},
+            {"(?<![-\\w])(the|and|with|is|are|not|this|from|of)(?![-\\w])", "English"},
+            {"\\b(Ctrl|Shift|Del|Home|End|Space)\\b", "English key"},
+            {"\\d\\.\\d", "decimal point"},
+            {"&(?![\\p{L}\\d])", "letter of a key without a letter"},
+        };
+        QStringList faults;
+        for (const SkSlip& slip : kSlips) {
+            if (!sortedMatches(sGerman, slip.pattern).isEmpty()) {
+                faults.append(QLatin1String(slip.name));
+            }
+        }
+        if (sGerman.count('&') != sSource.count('&')) {
+            faults.append("letter of a key lost or doubled");
+        }
+        if (sGerman.count(QChar(0x201e)) != sGerman.count(QChar(0x201c))) {
+            faults.append("quotation mark");
+        }
+        return faults;
+    }
+
     /// Only these read the same in both languages.
     void expectSameOnly(const QStringList& same) const {
         for (const SkText& text : m_texts) {
@@ -150,7 +192,9 @@ private:
 
     static QStringList sortedMatches(const QString& sText, const char* pattern) {
         QStringList found;
-        auto matches = QRegularExpression(QLatin1String(pattern)).globalMatch(sText);
+        auto matches =
+            QRegularExpression(QLatin1String(pattern), QRegularExpression::UseUnicodePropertiesOption)
+                .globalMatch(sText);
         while (matches.hasNext()) {
             found << matches.next().captured();
         }

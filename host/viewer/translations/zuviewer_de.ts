@@ -59,7 +59,7 @@
     </message>
     <message>
         <source>&amp;Pause</source>
-        <translation>&amp;Anhalten</translation>
+        <translation>&amp;Pausieren</translation>
     </message>
     <message>
         <source>S&amp;ingle Step</source>
@@ -91,11 +91,11 @@
     </message>
     <message>
         <source>Hold the camera without stopping it</source>
-        <translation>Die Kamera anhalten, ohne sie zu stoppen</translation>
+        <translation>Die Kamera pausieren, ohne sie zu stoppen</translation>
     </message>
     <message>
         <source>Take one set of pictures and hold</source>
-        <translation>Einen Satz Bilder aufnehmen und anhalten</translation>
+        <translation>Einen Satz Bilder aufnehmen und pausieren</translation>
     </message>
     <message>
         <source>Another view of the current camera</source>
@@ -107,7 +107,7 @@
     </message>
     <message>
         <source>Close &amp;Current</source>
-        <translation>Ausgewählte schl&amp;ießen</translation>
+        <translation>Ausgewählte Kamera schl&amp;ießen</translation>
     </message>
     <message>
         <source>C&amp;lose</source>
@@ -144,7 +144,7 @@ Kennung %3</translation>
     </message>
     <message>
         <source>Pause</source>
-        <translation>Anhalten</translation>
+        <translation>Pausieren</translation>
     </message>
     <message>
         <source>Step</source>
@@ -184,15 +184,15 @@ Kennung %3</translation>
     </message>
     <message>
         <source>Hold the camera without stopping it (F6)</source>
-        <translation>Die Kamera anhalten, ohne sie zu stoppen (F6)</translation>
+        <translation>Die Kamera pausieren, ohne sie zu stoppen (F6)</translation>
     </message>
     <message>
         <source>Take one set of pictures and hold (F7)</source>
-        <translation>Einen Satz Bilder aufnehmen und anhalten (F7)</translation>
+        <translation>Einen Satz Bilder aufnehmen und pausieren (F7)</translation>
     </message>
     <message>
         <source>&lt;span style=&apos;color:#b07000&apos;&gt;paused&lt;/span&gt;</source>
-        <translation>&lt;span style=&apos;color:#b07000&apos;&gt;angehalten&lt;/span&gt;</translation>
+        <translation>&lt;span style=&apos;color:#b07000&apos;&gt;pausiert&lt;/span&gt;</translation>
     </message>
     <message>
         <source>&lt;span style=&apos;color:#2e8b3d&apos;&gt;running&lt;/span&gt;</source>
@@ -305,7 +305,7 @@ Kennung %3</translation>
     </message>
     <message>
         <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or what follows cannot work on its output.</source>
-        <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder was folgt, kann dessen Ausgabe nicht verarbeiten.</translation>
+        <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder die folgenden Blöcke können seine Ausgabe nicht verarbeiten.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is no processing block.</source>
@@ -317,7 +317,7 @@ Kennung %3</translation>
     </message>
     <message>
         <source>&quot;%1&quot; cannot be removed: what it feeds cannot work without it.</source>
-        <translation>„%1“ lässt sich nicht entfernen: Was der Block speist, kann ohne ihn nicht arbeiten.</translation>
+        <translation>„%1“ lässt sich nicht entfernen: Die Blöcke dahinter können ohne ihn nicht arbeiten.</translation>
     </message>
 </context>
 <context>
@@ -591,7 +591,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Keeps the settings in this INI file instead of the user&apos;s own.</source>
-        <translation>Führt die Einstellungen in dieser INI-Datei statt in der des Benutzers.</translation>
+        <translation>Speichert die Einstellungen in dieser INI-Datei statt in der des Benutzers.</translation>
     </message>
     <message>
         <source>Size of the window, for example 1600x1000.</source>
@@ -646,7 +646,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <name>CkDepthImportDialog</name>
     <message>
         <source>Import Picture</source>
-        <translation>Bild einlesen</translation>
+        <translation>Bild importieren</translation>
     </message>
     <message>
         <source>The file does not say what its samples mean.</source>
@@ -690,7 +690,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>&amp;Unit of a count:</source>
-        <translation>&amp;Einheit einer Stufe:</translation>
+        <translation>&amp;Einheit pro Count:</translation>
     </message>
     <message>
         <source> mm</source>
@@ -698,11 +698,11 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>A count of &amp;1 is:</source>
-        <translation>Eine Stufe von &amp;1 ist:</translation>
+        <translation>Ein Count (&amp;1) entspricht:</translation>
     </message>
     <message>
         <source>&amp;0 means that nothing was measured</source>
-        <translation>&amp;0 heißt, dass nichts gemessen wurde</translation>
+        <translation>&amp;0 bedeutet, dass nichts gemessen wurde</translation>
     </message>
     <message>
         <source>Such pixels become &quot;not a number&quot; and make no points in 3D views</source>
@@ -766,7 +766,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is of no kind that can be opened here (%2).</source>
-        <translation>„%1“ ist von keiner Art, die hier geöffnet werden kann (%2).</translation>
+        <translation>„%1“ ist keine Datei, die hier geöffnet werden kann (%2).</translation>
     </message>
     <message>
         <source>Everything that can be opened (%1)</source>
@@ -789,7 +789,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Histogram of the active view; at the mouse: %1</source>
-        <translation>Histogramm der aktiven Ansicht; an der Maus: %1</translation>
+        <translation>Histogramm der aktiven Ansicht; am Mauszeiger: %1</translation>
     </message>
 </context>
 <context>
@@ -841,10 +841,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Bild speichern...</translation>
     </message>
     <message>
-        <source>There is no picture to save.</source>
-        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
-    </message>
-    <message>
         <source>Save Picture</source>
         <translation>Bild speichern</translation>
     </message>
@@ -871,34 +867,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>Save the picture to a file (Ctrl+P)</source>
         <translation>Das Bild in eine Datei speichern (Strg+P)</translation>
-    </message>
-    <message>
-        <source>A colour picture has no single channel to save; choose a channel first.</source>
-        <translation>Ein Farbbild hat keinen einzelnen Kanal zum Speichern; wählen Sie zuerst einen Kanal.</translation>
-    </message>
-    <message>
-        <source>PNG, as seen (*.png)</source>
-        <translation>PNG, wie gezeigt (*.png)</translation>
-    </message>
-    <message>
-        <source>JPEG, as seen (*.jpg)</source>
-        <translation>JPEG, wie gezeigt (*.jpg)</translation>
-    </message>
-    <message>
-        <source>16-bit PNG, as measured, %1 (*.png)</source>
-        <translation>PNG mit 16 Bit, wie gemessen, %1 (*.png)</translation>
-    </message>
-    <message>
-        <source>Float TIFF, as measured, channel &quot;%1&quot; (*.tif)</source>
-        <translation>Float-TIFF, wie gemessen, Kanal „%1“ (*.tif)</translation>
-    </message>
-    <message>
-        <source>Float TIFF, as measured, all channels (*.tif)</source>
-        <translation>Float-TIFF, wie gemessen, alle Kanäle (*.tif)</translation>
-    </message>
-    <message>
-        <source>%1: the ending says in which format a picture is saved: .png or .jpg.</source>
-        <translation>%1: Die Endung sagt, in welchem Format ein Bild gespeichert wird: .png oder .jpg.</translation>
     </message>
 </context>
 <context>
@@ -952,7 +920,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Least important messages that are shown</source>
-        <translation>Am wenigsten wichtige Meldungen, die gezeigt werden</translation>
+        <translation>Ab welcher Stufe Meldungen gezeigt werden</translation>
     </message>
     <message>
         <source>Search (Ctrl+F)</source>
@@ -975,7 +943,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Mark saturated</source>
-        <translation>Sättigung zeigen</translation>
+        <translation>Sättigung markieren</translation>
     </message>
     <message>
         <source>Contrast</source>
@@ -1214,11 +1182,11 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>&amp;Default Layout</source>
-        <translation>&amp;Ausgangsanordnung</translation>
+        <translation>S&amp;tandardanordnung</translation>
     </message>
     <message>
         <source>Put the panels back where they were in the beginning</source>
-        <translation>Die Paneele dorthin zurückstellen, wo sie am Anfang waren</translation>
+        <translation>Die Bedienfelder dorthin zurückstellen, wo sie am Anfang waren</translation>
     </message>
     <message>
         <source>No file was opened yet</source>
@@ -1238,7 +1206,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>&amp;Mark Saturated</source>
-        <translation>Sä&amp;ttigung zeigen</translation>
+        <translation>Sä&amp;ttigung markieren</translation>
     </message>
     <message>
         <source>&amp;Legend</source>
@@ -1317,7 +1285,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>The camera does not let this be changed.</source>
-        <translation>Die Kamera lässt das nicht ändern.</translation>
+        <translation>Die Kamera erlaubt hier keine Änderung.</translation>
     </message>
     <message>
         <source>Name: %1</source>
@@ -1357,6 +1325,41 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>%1: this format needs the ending .%2.</source>
         <translation>%1: Dieses Format braucht die Endung .%2.</translation>
+    </message>
+</context>
+<context>
+    <name>CkPictureSnapshot</name>
+    <message>
+        <source>PNG, as seen (*.png)</source>
+        <translation>PNG, wie gezeigt (*.png)</translation>
+    </message>
+    <message>
+        <source>JPEG, as seen (*.jpg)</source>
+        <translation>JPEG, wie gezeigt (*.jpg)</translation>
+    </message>
+    <message>
+        <source>16-bit PNG, as measured, %1 (*.png)</source>
+        <translation>PNG mit 16 Bit, wie gemessen, %1 (*.png)</translation>
+    </message>
+    <message>
+        <source>Float TIFF, as measured, channel &quot;%1&quot; (*.tif)</source>
+        <translation>Float-TIFF, wie gemessen, Kanal „%1“ (*.tif)</translation>
+    </message>
+    <message>
+        <source>Float TIFF, as measured, all channels (*.tif)</source>
+        <translation>Float-TIFF, wie gemessen, alle Kanäle (*.tif)</translation>
+    </message>
+    <message>
+        <source>There is no picture to save.</source>
+        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
+    </message>
+    <message>
+        <source>%1: the ending says in which format a picture is saved: .png or .jpg.</source>
+        <translation>%1: Die Endung sagt, in welchem Format ein Bild gespeichert wird: .png oder .jpg.</translation>
+    </message>
+    <message>
+        <source>A colour picture has no single channel to save; choose a channel first.</source>
+        <translation>Ein Farbbild hat keinen einzelnen Kanal zum Speichern; wählen Sie zuerst einen Kanal.</translation>
     </message>
 </context>
 <context>
@@ -1464,10 +1467,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Bild </translation>
     </message>
     <message>
-        <source>Number of the frame that is shown, from 0; type one to go there</source>
-        <translation>Nummer des gezeigten Bildes, ab 0; eine eingeben, um dorthin zu springen</translation>
-    </message>
-    <message>
         <source>Time of the frame since the first one, and length of the recording</source>
         <translation>Zeit des Bildes seit dem ersten und Länge der Aufnahme</translation>
     </message>
@@ -1480,18 +1479,12 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Echtzeit</translation>
     </message>
     <message>
-        <source>Every frame: as fast as the chain goes, nothing left out.
-Real time: as it was recorded; frames that come too late are left out.</source>
-        <translation>Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.
-Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</translation>
-    </message>
-    <message>
         <source> of %1</source>
         <translation> von %1</translation>
     </message>
     <message>
         <source>&amp;Pause</source>
-        <translation>An&amp;halten</translation>
+        <translation>&amp;Pausieren</translation>
     </message>
     <message>
         <source>&amp;Play</source>
@@ -1508,6 +1501,24 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     <message>
         <source>Frames that came too late since playback was started</source>
         <translation>Bilder, die seit dem Beginn der Wiedergabe zu spät kamen</translation>
+    </message>
+    <message>
+        <source>Number of the frame that is shown, counted from 0 as the command line does; type one to go there</source>
+        <translation>Nummer des gezeigten Bildes, ab 0 gezählt wie auf der Kommandozeile; eine eingeben, um dorthin zu springen</translation>
+    </message>
+    <message>
+        <source>Real time: as it was recorded; frames that come too late are left out.
+Every frame: as fast as the chain goes, nothing left out.</source>
+        <translation>Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.
+Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
+    </message>
+    <message>
+        <source>How much faster or slower than it was recorded</source>
+        <translation>Wie viel schneller oder langsamer als aufgenommen</translation>
+    </message>
+    <message>
+        <source>Every frame is played as fast as the chain goes; choose real time for a speed</source>
+        <translation>Jedes Bild wird so schnell gezeigt, wie die Kette kann; für ein Tempo Echtzeit wählen</translation>
     </message>
 </context>
 <context>
@@ -1572,7 +1583,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>it was built for version %1.%2.%3 of the framework, this is version %4.</source>
-        <translation>es ist für Version %1.%2.%3 des Rahmenwerks gebaut, dies ist Version %4.</translation>
+        <translation>es ist für Version %1.%2.%3 des Frameworks gebaut, dies ist Version %4.</translation>
     </message>
     <message>
         <source>it could not be initialised.</source>
@@ -1618,7 +1629,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Std. dev. over the region</source>
-        <translation>Standardabw. über den Bereich</translation>
+        <translation>Standardabw. über die Region</translation>
     </message>
     <message>
         <source>Std. dev. over time</source>
@@ -1649,7 +1660,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Draw Region</source>
-        <translation>Bereich zeichnen</translation>
+        <translation>Region zeichnen</translation>
     </message>
     <message>
         <source>Restart</source>
@@ -1673,7 +1684,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Std. dev. over the region</source>
-        <translation>Standardabw. über den Bereich</translation>
+        <translation>Standardabw. über die Region</translation>
     </message>
     <message>
         <source>Standard deviation of the valid pixels of the newest frame</source>
@@ -1685,7 +1696,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>How much a pixel varies from frame to frame: quadratic mean of the standard deviations that the pixels have had since the start</source>
-        <translation>Wie sehr ein Pixel von Bild zu Bild schwankt: quadratisches Mittel der Standardabweichungen, die die Pixel seit dem Beginn hatten</translation>
+        <translation>Wie sehr ein Pixel von Bild zu Bild schwankt: quadratisches Mittel der Standardabweichungen, die die Pixel seit Beginn hatten</translation>
     </message>
     <message>
         <source>Valid pixels</source>
@@ -1709,7 +1720,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>From the point furthest in front of that plane to the one furthest behind it</source>
-        <translation>Vom Punkt am weitesten vor dieser Ebene bis zu dem am weitesten dahinter</translation>
+        <translation>Vom vordersten Punkt vor dieser Ebene bis zum hintersten dahinter</translation>
     </message>
     <message>
         <source>RMS from the plane</source>
@@ -1729,7 +1740,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Pixels of a higher confidence value are not valid (lower is better)</source>
-        <translation>Pixel mit einem höheren Konfidenzwert sind nicht gültig (niedriger ist besser)</translation>
+        <translation>Pixel mit einem größeren Konfidenzwert sind nicht gültig (kleiner ist besser)</translation>
     </message>
     <message>
         <source>Focal length</source>
@@ -1737,7 +1748,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Cell size</source>
-        <translation>Zellengröße</translation>
+        <translation>Zellgröße</translation>
     </message>
     <message>
         <source>Confidence limit</source>
@@ -1757,11 +1768,11 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>No distances: no plane is fitted.</source>
-        <translation>Keine Abstände: es wird keine Ebene angepasst.</translation>
+        <translation>Keine Abstände: Es wird keine Ebene angepasst.</translation>
     </message>
     <message>
         <source>Drag a rectangle on the picture with the left mouse button</source>
-        <translation>Ziehen Sie mit der linken Maustaste ein Rechteck auf dem Bild</translation>
+        <translation>Ziehen Sie mit der linken Maustaste ein Rechteck im Bild auf</translation>
     </message>
     <message>
         <source>Forget the frames so far</source>
@@ -1781,7 +1792,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>The camera tells its focal length: %1 mm</source>
-        <translation>Die Kamera nennt ihre Brennweite: %1 mm</translation>
+        <translation>Die Kamera meldet ihre Brennweite: %1 mm</translation>
     </message>
     <message>
         <source>Save Values</source>
@@ -1793,11 +1804,11 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>The panel Quality is not in sight</source>
-        <translation>Das Feld „Qualität“ ist nicht zu sehen</translation>
+        <translation>Das Bedienfeld „Qualität“ ist nicht zu sehen</translation>
     </message>
     <message>
         <source>&amp;Draw Region</source>
-        <translation>Bereich Region &amp;zeichnenamp;zeichnen</translation>
+        <translation>Region &amp;zeichnen</translation>
     </message>
     <message>
         <source>R&amp;estart Measurement</source>
@@ -1809,13 +1820,13 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Save &amp;Values...</source>
-        <translation>Werte s&amp;ichern...</translation>
+        <translation>Werte speic&amp;hern...</translation>
     </message>
     <message numerus="yes">
         <source>%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)</source>
         <translation>
-            <numerusform>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %n Bild</numerusform>
-            <numerusform>%1: Bereich bei %2, %3 mit %4 x %5 Pixeln, %n Bilder</numerusform>
+            <numerusform>%1: Region bei %2, %3 mit %4 x %5 Pixeln, %n Bild</numerusform>
+            <numerusform>%1: Region bei %2, %3 mit %4 x %5 Pixeln, %n Bilder</numerusform>
         </translation>
     </message>
 </context>
@@ -1913,7 +1924,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Recording &quot;%1&quot; to %2</source>
-        <translation>Nehme „%1“ auf in %2</translation>
+        <translation>„%1“ wird in %2 aufgenommen</translation>
     </message>
     <message>
         <source>Recordings (*.tif)</source>
@@ -1921,7 +1932,7 @@ Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.</tra
     </message>
     <message>
         <source>Recordings, compressed without loss, slower (*.tif)</source>
-        <translation>Aufnahmen, verlustfrei gepackt, langsamer (*.tif)</translation>
+        <translation>Aufnahmen, verlustfrei komprimiert, langsamer (*.tif)</translation>
     </message>
     <message>
         <source>Record</source>
@@ -2023,7 +2034,7 @@ Mit dieser Kette öffnen?</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is opened without its chain: %2</source>
-        <translation>„%1“ wird ohne ihre Kette geöffnet: %2</translation>
+        <translation>„%1“ wird ohne Kette geöffnet: %2</translation>
     </message>
     <message>
         <source>&quot;%1&quot;: no new processing chain can be made.</source>
@@ -2252,7 +2263,7 @@ aufgenommen in %2</translation>
     </message>
     <message>
         <source>Record what the active view is given, after all processing</source>
-        <translation>Aufnehmen, was die aktive Ansicht nach aller Verarbeitung bekommt</translation>
+        <translation>Aufnehmen, was die aktive Ansicht nach der gesamten Verarbeitung bekommt</translation>
     </message>
     <message>
         <source>Write what waits and close the files</source>
@@ -2348,7 +2359,7 @@ aufgenommen in %2</translation>
     </message>
     <message>
         <source>In a picture: zoom about the mouse</source>
-        <translation>Im Bild: Vergrößerung um die Maus herum</translation>
+        <translation>Im Bild: um den Mauszeiger herum vergrößern oder verkleinern</translation>
     </message>
     <message>
         <source>Drag, arrow keys</source>
@@ -2471,7 +2482,7 @@ aufgenommen in %2</translation>
     </message>
     <message>
         <source>Frequency of the modulated light. Distances repeat every 149.85 m divided by it in MHz.</source>
-        <translation>Frequenz des modulierten Lichts. Abstände wiederholen sich alle 149,85 m geteilt durch sie in MHz.</translation>
+        <translation>Frequenz des modulierten Lichts. Abstände wiederholen sich alle 149,85 m, geteilt durch die Frequenz in MHz.</translation>
     </message>
     <message>
         <source>Phases</source>
@@ -2627,7 +2638,7 @@ aufgenommen in %2</translation>
     </message>
     <message>
         <source>Time for which light is collected in one exposure. Near things need a shorter one: 0.4 m saturates after 200 us.</source>
-        <translation>Zeit, in der bei einer Belichtung Licht gesammelt wird. Nahes braucht eine kürzere: 0,4 m sättigt nach 200 µs.</translation>
+        <translation>Zeit, in der bei einer Belichtung Licht gesammelt wird. Nahe Dinge brauchen eine kürzere: 0,4 m sättigt nach 200 µs.</translation>
     </message>
     <message>
         <source>Scene</source>
@@ -2816,7 +2827,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
     <message>
         <source>There is nothing named &quot;%1&quot; to trigger.</source>
-        <translation>Es gibt nichts mit dem Namen „%1“ auszulösen.</translation>
+        <translation>Es gibt nichts namens „%1“, das ausgelöst werden könnte.</translation>
     </message>
 </context>
 <context>

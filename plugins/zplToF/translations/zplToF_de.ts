@@ -141,7 +141,7 @@ Berechneter Versatz: %3 %2</translation>
         <source>Largest confidence value that still counts (no unit; lower is better).
 Pixels above it are not shown. Acts at once.</source>
         <translation>Größter Konfidenzwert, der noch zählt (ohne Einheit; kleiner ist besser).
-Bildpunkte darüber werden nicht gezeigt. Wirkt sofort.</translation>
+Pixel darüber werden nicht gezeigt. Wirkt sofort.</translation>
     </message>
     <message>
         <source>0.01</source>
@@ -224,7 +224,7 @@ Je länger sie ist, desto schmaler die Punktwolke.</translation>
     <message>
         <source>Distance between two pixels on the chip in µm, above 0.
 The larger it is, the wider the point cloud.</source>
-        <translation>Abstand zweier Bildpunkte auf dem Chip in µm, größer als 0.
+        <translation>Abstand zweier Pixel auf dem Chip in µm, größer als 0.
 Je größer er ist, desto breiter die Punktwolke.</translation>
     </message>
     <message>
@@ -248,7 +248,7 @@ Die Kalibrierung des Abstandsversatzes setzt ihn.</translation>
     <message>
         <source>On: distances along the ray of each pixel are turned into distances along the optical axis, so that a wall is flat.
 Acts with lens projection, after OK.</source>
-        <translation>Ein: Abstände entlang des Strahls jedes Bildpunkts werden in Abstände entlang der optischen Achse umgerechnet, damit eine Wand eben ist.
+        <translation>Ein: Abstände entlang des Strahls jedes Pixels werden in Abstände entlang der optischen Achse umgerechnet, damit eine Wand eben ist.
 Wirkt mit Objektivprojektion, nach OK.</translation>
     </message>
     <message>
@@ -261,7 +261,7 @@ Wirkt mit Objektivprojektion, nach OK.</translation>
     </message>
     <message>
         <source>Show bounding box</source>
-        <translation>Begrenzungsrahmen anzeigen</translation>
+        <translation>Begrenzungsquader anzeigen</translation>
     </message>
     <message>
         <source>Background color:</source>
@@ -306,7 +306,7 @@ Wirkt mit Objektivprojektion, nach OK.</translation>
     <name>CkToFPlugin</name>
     <message>
         <source>Time of Flight Processing (ToF)</source>
-        <translation>Laufzeitverarbeitung (ToF)</translation>
+        <translation>Time-of-Flight-Verarbeitung (ToF)</translation>
     </message>
     <message>
         <source>Open ToF 3D View</source>

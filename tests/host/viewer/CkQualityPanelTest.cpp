@@ -155,7 +155,7 @@ TEST_F(QualityPanelTest, ButtonsAreWholeInALongerLanguageToo) {
     const QList<QAbstractButton*> buttons = {
         child<QToolButton>("qualityDraw"), child<QPushButton>("qualityRestart"),
         child<QPushButton>("qualityCopy"), child<QPushButton>("qualitySave")};
-    buttons[0]->setText("Bereich zeichnen");
+    buttons[0]->setText("Region zeichnen");
     buttons[1]->setText("Neu beginnen");
     buttons[2]->setText("Kopieren");
     buttons[3]->setText("CSV speichern...");

@@ -24,6 +24,33 @@ TEST(ViewerTranslationFile, PlacesLinesTagsAndEndsAreThoseOfTheSource) {
     TranslationFile(s_file).expectSameShape();
 }
 
+TEST(ViewerTranslationFile, ReadsAsSomebodyWroteIt) {
+    TranslationFile(s_file).expectCleanGerman();
+}
+
+TEST(TranslationFaults, AreFound) {
+    const auto faults = [](const char* german, const char* source) {
+        return TranslationFile::faultsOf(QString::fromUtf8(german), QString::fromUtf8(source)).join(", ");
+    };
+    EXPECT_EQ(faults("Region &zeichnenamp;neu", "&Draw"), "entity");
+    EXPECT_EQ(faults("Region &#38;", "&Draw"), "entity, letter of a key without a letter");
+    EXPECT_EQ(faults("Region &zeichnen zeichnen", "&Draw"), "doubled word, doubled word");
+    EXPECT_EQ(faults("Die die Bilder", "The pictures"), "");
+    EXPECT_EQ(faults("wie wie", "as"), "doubled word");
+    EXPECT_EQ(faults("Bilder, die die Ansicht zeigt", "Frames that the view shows"), "");
+    EXPECT_EQ(faults("Bilder, wie wie gezeigt", "Frames as shown"), "doubled word");
+    EXPECT_EQ(faults("Bild  da", "Picture there"), "blank");
+    EXPECT_EQ(faults("Bild , da", "Picture, there"), "blank");
+    EXPECT_EQ(faults("Bild of %1", "Frame of %1"), "English");
+    EXPECT_EQ(faults("Suchen (Ctrl+F)", "Search (Ctrl+F)"), "English key");
+    EXPECT_EQ(faults("Alle 149.85 m", "Every 149.85 m"), "decimal point");
+    EXPECT_EQ(faults("Region zeichnen &", "&Draw"), "letter of a key without a letter");
+    EXPECT_EQ(faults("Region zeichnen", "&Draw"), "letter of a key lost or doubled");
+    EXPECT_EQ(faults("&Region &zeichnen", "&Draw"), "letter of a key lost or doubled");
+    EXPECT_EQ(faults("\u201e%1 fehlt", "\"%1\" is missing"), "quotation mark");
+    EXPECT_EQ(faults("\u201e%1\u201c fehlt (Strg+\u00dc); 0,5 m: *.png", "x"), "");
+}
+
 TEST(ViewerTranslationFile, EnglishHasASingularAndAPluralForEveryNumber) {
     const TranslationFile file(s_english);
     file.expectInStepWith(s_folders, ZU_LUPDATE, {"-pluralonly"});

@@ -44,7 +44,7 @@ TEST_F(ToFGermanTest, TheMenuIsGermanItsObjectNamesAreNot) {
     ASSERT_TRUE(plugin->init());
     const QMenu* menu = app.mainMenu(IkAppDelegate::PluginMenu)->findChild<QMenu*>();
     ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(menu->title(), "Laufzeitverarbeitung (ToF)");
+    EXPECT_EQ(menu->title(), "Time-of-Flight-Verarbeitung (ToF)");
     const QList<QAction*> actions = menu->actions();
     ASSERT_EQ(actions.size(), 3);
     EXPECT_EQ(actions[0]->text(), utf8("ToF-3D-Ansicht öffnen"));

@@ -19,6 +19,10 @@ TEST(ToFTranslationFile, PlacesLinesTagsAndEndsAreThoseOfTheSource) {
     TranslationFile(s_file).expectSameShape();
 }
 
+TEST(ToFTranslationFile, ReadsAsSomebodyWroteIt) {
+    TranslationFile(s_file).expectCleanGerman();
+}
+
 TEST(ToFTranslationFile, OnlyNamesAndUnitsReadTheSameInBothLanguages) {
     TranslationFile(s_file).expectSameOnly(
         {" (ToF 3D)", "Z-Zoom", "MHz", "mm", QString::fromUtf8("µm"), "m", "cm", "Y:"});
