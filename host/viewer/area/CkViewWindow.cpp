@@ -1,9 +1,15 @@
 #include "area/CkViewWindow.h"
 
+#include <QAction>
 #include <QCloseEvent>
+#include <QMenu>
 
 CkViewWindow::CkViewWindow(int iViewId, QWidget* pParent) : QMdiSubWindow(pParent), m_iViewId(iViewId) {
     setAttribute(Qt::WA_DeleteOnClose);
+    // The window's own menus have a key for it, and a key that two entries have works for neither.
+    for (QAction* action : systemMenu()->actions()) {
+        action->setShortcuts(QList<QKeySequence>());
+    }
 }
 
 void CkViewWindow::closeNow() {
