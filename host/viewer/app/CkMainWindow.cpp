@@ -1,5 +1,6 @@
 #include "app/CkMainWindow.h"
 
+#include "app/CkPanelScrollArea.h"
 #include "app/CkStatusBar.h"
 #include "app/CkViewerSettings.h"
 #include "app/SkWindowLayout.h"
@@ -26,15 +27,20 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
-#include <QScrollArea>
 #include <QSettings>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
 constexpr int kLeftWidth = 350;
 constexpr int kRightWidth = 360;
+constexpr int kLeastWidth = 200;
 constexpr int kLogHeight = 150;
+// Of the window's width, where it does not suffice for these and the views.
+constexpr double kLargestShare = 0.3;
+// What window managers put around a window, title bars of large fonts included.
+constexpr QSize kFrame(16, 44);
 
 QList<QAction*> leavesOf(const QMenu* menu) {
     QList<QAction*> leaves;
@@ -81,14 +87,17 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     connect(m_pChainPanel, &CkChainPanel::viewRequested, this, openView);
     connect(m_pChainPanel, &CkChainPanel::saveRequested, this, &CkMainWindow::saveChainWithDialog);
     connect(m_pChainPanel, &CkChainPanel::loadRequested, this, &CkMainWindow::openChainWithDialog);
+    connect(m_pArea, &CkViewArea::viewAdded, this, &CkMainWindow::equipView);
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkMainWindow::updateActions);
     connect(m_pArea, &CkViewArea::activeViewChanged, m_pCameraMenu, &CkCameraMenu::refresh);
     updateActions();
 
     const QScreen* screen = QGuiApplication::primaryScreen();
     const QSize available = screen != nullptr ? screen->availableSize() : QSize(1600, 1000);
-    resize(QSize(1600, 1000).boundedTo(available));
-    resizeDocks({m_docks[0], m_docks[1]}, {kLeftWidth, kRightWidth}, Qt::Horizontal);
+    resize(QSize(1600, 1000).boundedTo(available - kFrame));
+    const int share = int(kLargestShare * width());
+    resizeDocks({m_docks[0], m_docks[1]}, {std::min(kLeftWidth, share), std::min(kRightWidth, share)},
+                Qt::Horizontal);
     resizeDocks({m_pLogDock}, {kLogHeight}, Qt::Vertical);
     m_defaultState = saveState();
 }
@@ -111,20 +120,17 @@ QDockWidget* CkMainWindow::addDock(const QString& sName, const QString& sTitle, 
 void CkMainWindow::createDocks() {
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    addDock(QStringLiteral("dockCameras"), tr("Cameras"), m_pCameraTabs, Qt::LeftDockWidgetArea);
+    addDock(QStringLiteral("dockCameras"), tr("Cameras"), new CkPanelScrollArea(m_pCameraTabs),
+            Qt::LeftDockWidgetArea);
     m_pChainPanel = new CkChainPanel(m_pArea);
-    addDock(QStringLiteral("dockChain"), tr("Processing Chain"), m_pChainPanel, Qt::RightDockWidgetArea);
+    addDock(QStringLiteral("dockChain"), tr("Processing Chain"), new CkPanelScrollArea(m_pChainPanel),
+            Qt::RightDockWidgetArea);
     m_pLutPanel = new CkLutPanel(m_pArea);
-    QDockWidget* const colours =
-        addDock(QStringLiteral("dockColours"), tr("Colours"), m_pLutPanel, Qt::RightDockWidgetArea);
-    // Scrolls, so that a small screen still holds the window.
+    QDockWidget* const colours = addDock(QStringLiteral("dockColours"), tr("Colours"),
+                                         new CkPanelScrollArea(m_pLutPanel), Qt::RightDockWidgetArea);
     m_pQualityPanel = new CkQualityPanel(m_pArea);
-    auto* const scroll = new QScrollArea;
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidget(m_pQualityPanel);
-    QDockWidget* const quality =
-        addDock(QStringLiteral("dockQuality"), tr("Quality"), scroll, Qt::RightDockWidgetArea);
+    QDockWidget* const quality = addDock(QStringLiteral("dockQuality"), tr("Quality"),
+                                         new CkPanelScrollArea(m_pQualityPanel), Qt::RightDockWidgetArea);
     connect(quality, &QDockWidget::visibilityChanged, m_pQualityPanel, &CkQualityPanel::setInSight);
     connect(m_pQualityPanel, &CkQualityPanel::sightWanted, quality, [quality] {
         quality->show();
@@ -134,8 +140,8 @@ void CkMainWindow::createDocks() {
     colours->raise();
     m_pLogPanel = new CkLogPanel;
     m_pLogDock = addDock(QStringLiteral("dockLog"), tr("Log"), m_pLogPanel, Qt::BottomDockWidgetArea);
-    m_docks[0]->setMinimumWidth(300);
-    m_docks[1]->setMinimumWidth(280);
+    m_docks[0]->setMinimumWidth(kLeastWidth);
+    m_docks[1]->setMinimumWidth(kLeastWidth);
 }
 
 void CkMainWindow::equipPluginMenu() {
@@ -148,6 +154,16 @@ void CkMainWindow::equipPluginMenu() {
         if (action->shortcut().isEmpty() && number < 9) {
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key(Qt::Key_1 + number)));
             ++number;
+        }
+    }
+}
+
+void CkMainWindow::equipView(int iViewId) {
+    CkMdiView* view = m_pArea->view(iViewId);
+    // In a window of its own there is no menu, but its keys are wanted there, too.
+    if (view != nullptr && view->isWindow()) {
+        for (const QAction* action : menuBar()->actions()) {
+            view->addActions(leavesOf(action->menu()));
         }
     }
 }
@@ -270,7 +286,7 @@ CkSessionMemory::SkRestored CkMainWindow::restoreSession() {
 
 void CkMainWindow::closeEvent(QCloseEvent* pEvent) {
     // While the views are still there to be remembered.
-    if (m_bRemember) {
+    if (m_remembers != EkRemembers::Nothing) {
         saveLayout();
     }
     if (!m_pArea->closeAllViews(true)) {

@@ -66,15 +66,19 @@ public:
     /// What the active view is or shows has changed: enables what can be done with it.
     void updateActions();
 
-    /// Window geometry and dock layout, from and to the settings. Saving remembers the open cameras, too.
+    /// Window geometry and dock layout, from and to the settings. Saving remembers what is open, too.
     void restoreLayout();
     void saveLayout() const;
     /// Panels as in a new installation; the views stay.
     void resetLayout();
-    /// Opens the cameras and views of the last session again, unless the user does not want that. Writes to
-    /// the log what could not be opened.
+    /// Opens the cameras, recordings and views of the last session again, unless the user does not want that.
+    /// Writes to the log what could not be opened.
     CkSessionMemory::SkRestored restoreSession();
-    void setRemembersLayout(bool bRemember) { m_bRemember = bRemember; }
+    /// What the next start finds again. A window that was opened for something named does not replace what is
+    /// open in the user's usual one.
+    enum class EkRemembers { Nothing, Layout, LayoutAndSession };
+    void setRemembers(EkRemembers remembers) { m_remembers = remembers; }
+    EkRemembers remembers() const { return m_remembers; }
 
     /// Texts for Help > About: one line per loaded plug-in.
     void setPluginTexts(const QStringList& texts) { m_pluginTexts = texts; }
@@ -108,6 +112,7 @@ private:
     static void addRecent(const QString& sFileName);
     void saveChainWithDialog();
     void openViewOn(CkChainable* pBlock);
+    void equipView(int iViewId);
     void showAbout();
 
     CkViewArea* m_pArea;
@@ -137,5 +142,5 @@ private:
     QList<QAction*> m_channelActions;  ///< need one of several channels
     QStringList m_pluginTexts;
     QByteArray m_defaultState;
-    bool m_bRemember = true;
+    EkRemembers m_remembers = EkRemembers::LayoutAndSession;
 };

@@ -6,6 +6,7 @@
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
 #include "recording/CkRecordingNotes.h"
+#include "recording/CkVideoSource.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -32,15 +33,42 @@ QString word(const char* text) {
     return QString::fromLatin1(text);
 }
 
-bool isFedByCamerasOnly(const CkChain* chain) {
+bool canComeBack(const CkChain* chain) {
     const QList<CkChainable*> sources = chain->imageSources();
     for (const CkChainable* block : sources) {
         const auto* source = qobject_cast<const CkImageSource*>(block);
-        if (source == nullptr || source->cameraHandles().isEmpty()) {
+        if (qobject_cast<const CkVideoSource*>(block) == nullptr &&
+            (source == nullptr || source->cameraHandles().isEmpty())) {
             return false;
         }
     }
     return !sources.isEmpty();
+}
+
+// The elements of a chain's blocks stand in the order of its blocks.
+void describePositions(const CkChain* chain, const QDomElement& content) {
+    QDomElement element = content.firstChildElement();
+    for (CkChainable* block : chain->blocks()) {
+        const auto* player = qobject_cast<const CkVideoSource*>(block);
+        if (player != nullptr && player->position() >= 0) {
+            element.setAttribute(word("frame"), player->position());
+        }
+        element = element.nextSiblingElement();
+    }
+}
+
+void restorePositions(const CkChain* chain, const QDomElement& content) {
+    QDomElement element = content.firstChildElement();
+    for (CkChainable* block : chain->blocks()) {
+        if (auto* player = qobject_cast<CkVideoSource*>(block)) {
+            const qint64 frame = element.attribute(word("frame")).toLongLong();
+            // Behind whoever shows the first frame of what has just been started.
+            QObject::connect(
+                chain, &CkChain::runningChanged, player, [player, frame] { player->seek(frame); },
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        }
+        element = element.nextSiblingElement();
+    }
 }
 
 QMdiSubWindow* frameOf(const CkMdiView* view) {
@@ -168,7 +196,21 @@ private:
             chains->closeChain(chain);
             chain = nullptr;
         }
+        if (chain != nullptr) {
+            restorePositions(chain, content);
+            nameMissingRecordings(*chain);
+        }
         m_chains.append(chain);
+    }
+
+    void nameMissingRecordings(const CkChain& chain) {
+        for (CkChainable* block : chain.imageSources()) {
+            const auto* player = qobject_cast<const CkVideoSource*>(block);
+            if (player != nullptr && player->frameCount() == 0) {
+                m_restored.problems.append(
+                    tr("A recording of the last session: %1").arg(player->errorMessage()));
+            }
+        }
     }
 
     // Its source would take another camera instead.
@@ -206,6 +248,9 @@ private:
         for (CkChain* chain : m_chains) {
             if (chain != nullptr && !m_shown.contains(chain)) {
                 CkChainManager::instance()->closeChain(chain);
+            } else if (chain != nullptr && qobject_cast<CkVideoSource*>(chain->imageSources().value(0))) {
+                // Shows the frame; a camera's chain starts with its camera.
+                chain->start();
             }
         }
         for (void* handle : m_running) {
@@ -241,9 +286,6 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
             root.appendChild(camera);
         }
     }
-    if (root.firstChildElement().isNull()) {
-        return {};
-    }
     QList<const CkChain*> chains;
     QSet<int> followed;
     for (const CkMdiView* view : window.area()->views()) {
@@ -255,7 +297,7 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
         const CkChainable* block = view->dataProvider();
         const CkChain* chain = block != nullptr ? block->chain() : nullptr;
         const auto* picture = qobject_cast<const CkImageView*>(view);
-        if (picture == nullptr || chain == nullptr || !isFedByCamerasOnly(chain)) {
+        if (picture == nullptr || chain == nullptr || !canComeBack(chain)) {
             continue;
         }
         if (!chains.contains(chain)) {
@@ -264,6 +306,7 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
             if (!chain->save(doc, content)) {
                 continue;
             }
+            describePositions(chain, content);
             element.appendChild(content);
             root.appendChild(element);
             chains.append(chain);
@@ -282,7 +325,7 @@ QByteArray CkSessionMemory::describe(const CkMainWindow& window) {
         }
         root.appendChild(element);
     }
-    return doc.toByteArray(1);
+    return root.hasChildNodes() ? doc.toByteArray(1) : QByteArray();
 }
 
 void CkSessionMemory::followerOpened(CkMdiView& view) {

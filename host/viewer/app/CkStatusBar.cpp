@@ -16,6 +16,8 @@ constexpr int kRefreshMs = 1000;
 CkStatusBar::CkStatusBar(CkViewArea* pArea, QWidget* pParent) : QStatusBar(pParent), m_pArea(pArea) {
     m_pPixel = new QLabel(this);
     m_pPixel->setObjectName(QStringLiteral("statusPixel"));
+    // Its text may be long, and must not widen the window.
+    m_pPixel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_pRate = new QLabel(this);
     m_pRate->setObjectName(QStringLiteral("statusRate"));
     m_pRate->setToolTip(tr("Frames that the active view showed in the last second"));

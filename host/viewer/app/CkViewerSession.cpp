@@ -116,7 +116,13 @@ bool CkViewerSession::start() {
     }
     m_window->setPluginTexts(texts);
     m_window->equipPluginMenu();
-    m_window->setRemembersLayout(!m_options.unattended());
+    // Whoever names cameras or files gets these and no others, and finds the others again later.
+    const bool named =
+        !m_options.cameras.isEmpty() || !m_options.chainFiles.isEmpty() || !m_options.files.isEmpty();
+    using EkRemembers = CkMainWindow::EkRemembers;
+    m_window->setRemembers(m_options.unattended() ? EkRemembers::Nothing
+                           : named                ? EkRemembers::Layout
+                                                  : EkRemembers::LayoutAndSession);
     m_window->recordings()->setAsks(!m_options.unattended());
     const bool remembers = !m_options.unattended() && !m_options.cleanStart;
     if (remembers) {
@@ -128,9 +134,7 @@ bool CkViewerSession::start() {
     m_window->show();
     bool ok = openCameras();
     ok = openFiles() && ok;
-    // Whoever names cameras or files gets these and no others.
-    const bool restores = remembers && m_options.cameras.isEmpty() && m_options.chainFiles.isEmpty() &&
-                          m_options.files.isEmpty();
+    const bool restores = remembers && !named;
     if (restores) {
         for (const int id : m_window->restoreSession().viewsWith3d) {
             whenReady(id, [this, id] {

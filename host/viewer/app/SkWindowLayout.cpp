@@ -8,8 +8,11 @@
 #include <QSettings>
 
 SkWindowLayout SkWindowLayout::of(const CkMainWindow& window) {
-    return {window.saveGeometry(), window.saveState(), CkSessionMemory::describe(window),
-            window.area()->arrangesItself()};
+    std::optional<QByteArray> session;
+    if (window.remembers() == CkMainWindow::EkRemembers::LayoutAndSession) {
+        session = CkSessionMemory::describe(window);
+    }
+    return {window.saveGeometry(), window.saveState(), session, window.area()->arrangesItself()};
 }
 
 void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
@@ -23,8 +26,8 @@ void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
     if (pBefore == nullptr || pBefore->arrange != arrange) {
         settings->setValue(CkViewerSettings::keyArrange(), arrange);
     }
-    if (pBefore == nullptr || pBefore->session != session) {
-        settings->setValue(CkViewerSettings::keySession(), session);
+    if (session && (pBefore == nullptr || pBefore->session != session)) {
+        settings->setValue(CkViewerSettings::keySession(), *session);
     }
     // The file is replaced as a whole.
     settings->sync();

@@ -2,13 +2,16 @@
 
 #include <QByteArray>
 
+#include <optional>
+
 class CkMainWindow;
 
 /// What the next start finds again: the window, its panels, and what is open in it.
 struct SkWindowLayout {
     QByteArray geometry;
-    QByteArray state;   ///< of the panels
-    QByteArray session; ///< see CkSessionMemory
+    QByteArray state; ///< of the panels
+    /// See CkSessionMemory; nothing: what is remembered is another window's.
+    std::optional<QByteArray> session;
     bool arrange = true;
 
     static SkWindowLayout of(const CkMainWindow& window);

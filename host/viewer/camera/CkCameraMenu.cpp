@@ -66,7 +66,8 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     reopen->setCheckable(true);
     reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
     reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
-    reopen->setToolTip(tr("Open the cameras and views of this session again when the viewer is started"));
+    reopen->setToolTip(
+        tr("Open the cameras, recordings and views of this session again when the viewer is started"));
     connect(reopen, &QAction::toggled, this,
             [](bool bOn) { CkViewerSettings::open()->setValue(CkViewerSettings::keyReopenCameras(), bOn); });
 

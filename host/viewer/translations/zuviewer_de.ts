@@ -118,10 +118,6 @@
         <translation>Beim Start &amp;wieder öffnen</translation>
     </message>
     <message>
-        <source>Open the cameras and views of this session again when the viewer is started</source>
-        <translation>Die Kameras und Ansichten dieser Sitzung beim nächsten Start wieder öffnen</translation>
-    </message>
-    <message>
         <source>Close the current camera with its views</source>
         <translation>Die ausgewählte Kamera mit ihren Ansichten schließen</translation>
     </message>
@@ -132,6 +128,10 @@
     <message>
         <source>No camera is open</source>
         <translation>Es ist keine Kamera geöffnet</translation>
+    </message>
+    <message>
+        <source>Open the cameras, recordings and views of this session again when the viewer is started</source>
+        <translation>Die Kameras, Aufnahmen und Ansichten dieser Sitzung beim nächsten Start wieder öffnen</translation>
     </message>
 </context>
 <context>
@@ -1544,7 +1544,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
     <message>
         <source>Plug-in &quot;%1&quot; %2 loaded from %3</source>
-        <translation>Plug-in „%1“ %2 geladen aus %3</translation>
+        <translation>Plug-in „%1“ %2 aus %3 geladen</translation>
     </message>
 </context>
 <context>
@@ -2336,7 +2336,11 @@ aufgenommen in %2</translation>
     </message>
     <message>
         <source>What was open in the last session cannot be read (%1); the viewer starts empty.</source>
-        <translation>Was in der letzten Sitzung offen war, lässt sich nicht lesen (%1); der Viewer startet leer.</translation>
+        <translation>Was in der letzten Sitzung offen war, lässt sich nicht lesen (%1); der Betrachter startet leer.</translation>
+    </message>
+    <message>
+        <source>A recording of the last session: %1</source>
+        <translation>Eine Aufnahme der letzten Sitzung: %1</translation>
     </message>
 </context>
 <context>

@@ -72,12 +72,13 @@ protected:
     CkImageView* openRecording() const {
         EXPECT_TRUE(openFile(path("a.tif")));
         EXPECT_TRUE(waitForShown(0));
-        auto* block = new CkDemoBlock;
-        CkChainManager::instance()->insertAfter(player()->chain(), block, player());
-        auto* view = new CkImageView(block);
-        area()->addView(view);
-        EXPECT_TRUE(waitForFrame(view));
-        return view;
+        CkChain* chain = player()->chain();
+        chain->stop();
+        // Takes the view along.
+        EXPECT_TRUE(CkChainManager::instance()->insertAfter(chain, new CkDemoBlock, player()));
+        EXPECT_TRUE(chain->start());
+        EXPECT_TRUE(waitForShown(0));
+        return firstView();
     }
 
     /// Keys that work in the views and at the player only: they are typed elsewhere.

@@ -29,16 +29,16 @@ protected:
 };
 
 TEST_F(ToFSession, The3dViewOfTheLastSessionComesBack) {
-    m_options.cameras = QStringList{"sim:wave"};
-    m_options.open3dView = true;
     ASSERT_TRUE(start());
+    void* wave = desk()->openCamera("sim:wave", true);
+    ASSERT_TRUE(desk()->start(wave));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    desk()->panel(wave)->findChild<QToolButton*>("btnToF3D")->click();
     ASSERT_TRUE(waitForScene());
     const qsizetype views = area()->views().size();
     ASSERT_TRUE(window()->close());
     m_session.reset();
 
-    m_options.cameras.clear();
-    m_options.open3dView = false;
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitForScene());
     EXPECT_EQ(area()->views().size(), views);

@@ -2,7 +2,9 @@
 #include "app/CkRateGraph.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QImage>
+#include <QLabel>
 #include <QMdiSubWindow>
 #include <QTest>
 
@@ -95,6 +97,32 @@ TEST(RateGraph, ABarIsAsHighAsItsShareOfTheHighestSecond) {
     graph.clear();
     graph.render(&picture);
     EXPECT_EQ(pixelsLike(picture, newest, blue), 0);
+}
+
+TEST_F(WindowArrangement, TheTextAboutAPixelDoesNotWidenTheWindow) {
+    ASSERT_TRUE(start());
+    const int before = window()->minimumSizeHint().width();
+    auto* pixel = window()->findChild<QLabel*>("statusPixel");
+    ASSERT_NE(pixel, nullptr);
+    pixel->setText(QString(500, 'x'));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window()->minimumSizeHint().width(), before);
+}
+
+class OwnWindowView : public CkMdiView {
+public:
+    int viewCaps() const override { return NativeWindowCap; }
+};
+
+TEST_F(WindowArrangement, KeysOfTheMenusWorkInAViewWithAWindowOfItsOwn) {
+    ASSERT_TRUE(start());
+    auto* view = new OwnWindowView;
+    area()->addView(view);
+    ASSERT_TRUE(view->isWindow());
+    // There may be no window manager to do it.
+    QApplication::setActiveWindow(view);
+    QTest::keyClick(view, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(area()->views().isEmpty());
 }
 
 } // namespace
