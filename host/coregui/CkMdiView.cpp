@@ -66,9 +66,13 @@ public:
             return;
         }
         m_chain = chain;
+        watchTitles();
         connect(chain, &CkChain::sinksMoved, this, [this] { follow(); });
         connect(chain, &QObject::destroyed, this, [this] { lose(); });
-        connect(chain, &CkChain::structureChanged, this, [this] { emit m_pView->viewTitleChanged(); });
+        connect(chain, &CkChain::structureChanged, this, [this] {
+            watchTitles();
+            emit m_pView->viewTitleChanged();
+        });
     }
 
     void detach() {
@@ -82,6 +86,7 @@ public:
         m_slot.clear();
         m_chain = nullptr;
         m_provider = nullptr;
+        watchTitles();
     }
 
     void lose() {
@@ -103,9 +108,23 @@ public:
             m_provider->disconnect(this);
         }
         m_provider = block;
+        watchTitles();
         connect(block, &QObject::destroyed, this, [this] { follow(); });
         emit m_pView->dataProviderChanged();
         emit m_pView->viewTitleChanged();
+    }
+
+    // The title is made of those of all blocks on the way to the view.
+    void watchTitles() {
+        for (const QMetaObject::Connection& watched : std::as_const(m_titles)) {
+            disconnect(watched);
+        }
+        m_titles.clear();
+        for (CkChainable* block = m_chain ? m_provider : nullptr; block != nullptr;
+             block = block->precedessors().value(0)) {
+            m_titles.append(
+                connect(block, &CkChainable::configurationChanged, m_pView, &CkMdiView::viewTitleChanged));
+        }
     }
 
     CkMdiView* const m_pView;
@@ -113,6 +132,7 @@ public:
     QPointer<CkChain> m_chain;
     QPointer<CkChainable> m_provider;
     QPointer<CkChainable> m_second;
+    QList<QMetaObject::Connection> m_titles;
     // Shared with listeners further up the stack: one that runs an event loop of its own keeps its frame
     // while the next one is shown.
     std::shared_ptr<CkImageData> m_current;

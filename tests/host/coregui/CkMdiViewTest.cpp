@@ -141,6 +141,56 @@ TEST_F(CkMdiViewTest, TheTitleIsTheWaysOrTheOneThatWasSet) {
     EXPECT_EQ(titles.count(), 1);
 }
 
+/// A block that can be given another name.
+class NamedBlock : public CkImageProvider {
+public:
+    QString title() const override { return name; }
+    bool acceptsDataFrom(CkChainable*) override { return true; }
+    void rename(const QString& to) {
+        name = to;
+        emit configurationChanged();
+    }
+
+    QString name = QStringLiteral("Named");
+};
+
+TEST_F(CkMdiViewTest, TheTitleFollowsTheTitlesOfTheBlocksOnTheWay) {
+    auto* first = new NamedBlock;
+    auto* last = new NamedBlock;
+    auto* beside = new NamedBlock;
+    CkChainManager* manager = CkChainManager::instance();
+    ASSERT_TRUE(manager->insertAfter(chain, first, source));
+    ASSERT_TRUE(manager->insertAfter(chain, last, first));
+    ASSERT_TRUE(manager->branchAfter(chain, beside, first));
+    CkMdiView view(last);
+    QSignalSpy titles(&view, &CkMdiView::viewTitleChanged);
+    last->rename(QStringLiteral("Last"));
+    EXPECT_EQ(titles.count(), 1);
+    EXPECT_EQ(view.viewTitle(), QStringLiteral("Push - Named - Last"));
+    first->rename(QStringLiteral("First"));
+    EXPECT_EQ(titles.count(), 2);
+    EXPECT_EQ(view.viewTitle(), QStringLiteral("Push - First - Last"));
+    beside->rename(QStringLiteral("Beside"));
+    EXPECT_EQ(titles.count(), 2);
+
+    // Blocks that come later as well, and those that left no longer.
+    auto* inserted = new NamedBlock;
+    ASSERT_TRUE(manager->insertAfter(chain, inserted, first));
+    titles.clear();
+    inserted->rename(QStringLiteral("Inserted"));
+    EXPECT_EQ(titles.count(), 1);
+    EXPECT_EQ(view.viewTitle(), QStringLiteral("Push - First - Inserted - Last"));
+    CkChain* remaining = chain;
+    ASSERT_TRUE(manager->remove(remaining, inserted, true));
+    titles.clear();
+    inserted->rename(QStringLiteral("Gone"));
+    EXPECT_EQ(titles.count(), 0);
+    last->rename(QStringLiteral("Final"));
+    EXPECT_EQ(titles.count(), 1);
+    EXPECT_EQ(view.viewTitle(), QStringLiteral("Push - First - Final"));
+    manager->deleteChainable(inserted);
+}
+
 TEST_F(CkMdiViewTest, TellsTheCamerasOfTheSourcesBeforeItsBlock) {
     int camera = 0;
     source->handles = {&camera};
