@@ -43,6 +43,11 @@ void setLastDirectory(const QString& fileName) {
                                        QFileInfo(fileName).absolutePath());
 }
 
+// A source that was told of a move would delete its files.
+void acceptAsCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
+}
 } // namespace
 
 void CkMainWindow::createFileMenu() {
@@ -227,7 +232,7 @@ void CkMainWindow::fillRecentMenu() {
 void CkMainWindow::dragEnterEvent(QDragEnterEvent* pEvent) {
     for (const QUrl& url : pEvent->mimeData()->urls()) {
         if (url.isLocalFile()) {
-            pEvent->acceptProposedAction();
+            acceptAsCopy(*pEvent);
             return;
         }
     }
@@ -240,7 +245,7 @@ void CkMainWindow::dropEvent(QDropEvent* pEvent) {
             files.append(url.toLocalFile());
         }
     }
-    pEvent->acceptProposedAction();
+    acceptAsCopy(*pEvent);
     // The program that the files come from waits until this returns.
     QTimer::singleShot(0, this, [this, files] {
         for (const QString& file : files) {

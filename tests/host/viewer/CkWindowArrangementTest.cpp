@@ -3,10 +3,13 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QImage>
 #include <QLabel>
 #include <QMdiSubWindow>
+#include <QMimeData>
 #include <QTest>
+#include <QUrl>
 
 // How views and window are arranged, and the graph in the status bar.
 
@@ -52,6 +55,28 @@ TEST_F(WindowArrangement, CascadeLaysViewsOverEachOtherAndTheyStaySo) {
     tile->trigger();
     EXPECT_FALSE(windows[0]->geometry().intersects(windows[1]->geometry()));
     EXPECT_FALSE(windows[0]->geometry().intersects(windows[2]->geometry()));
+}
+
+// The program that files come from deletes them after a move.
+TEST_F(WindowArrangement, DroppedFilesAreCopiedNeverMoved) {
+    ASSERT_TRUE(start());
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("a.tif")))});
+    QDragEnterEvent both(QPoint(10, 10), Qt::MoveAction | Qt::CopyAction, &files, Qt::LeftButton, {});
+    both.setDropAction(Qt::MoveAction);
+    QCoreApplication::sendEvent(window(), &both);
+    EXPECT_TRUE(both.isAccepted());
+    EXPECT_EQ(both.dropAction(), Qt::CopyAction);
+    QDragEnterEvent moveOnly(QPoint(10, 10), Qt::MoveAction, &files, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window(), &moveOnly);
+    EXPECT_FALSE(moveOnly.isAccepted());
+
+    // From elsewhere, so that nothing is opened.
+    files.setUrls({QUrl(QStringLiteral("http://localhost/a.tif"))});
+    QDropEvent drop(QPointF(10, 10), Qt::MoveAction | Qt::CopyAction, &files, Qt::LeftButton, {});
+    drop.setDropAction(Qt::MoveAction);
+    QCoreApplication::sendEvent(window(), &drop);
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
 }
 
 TEST_F(WindowArrangement, FullScreenIsEnteredAndLeftByItsAction) {
