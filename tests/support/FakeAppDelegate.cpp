@@ -147,10 +147,15 @@ bool FakeAppDelegate::startAcquisition(int iStart, quint64 uiCameraHandle) {
     return acquisitionSucceeds;
 }
 
-CkLut* FakeAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {
+CkLut* FakeAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>& cameraHandles) {
     calls << QStringLiteral("createLut");
-    return provideLuts ? new CkLut(info.bitsPerChannel, info.channels, info.layoutFlag, info.dataType)
-                       : nullptr;
+    lutHandles = cameraHandles;
+    if (!provideLuts) {
+        return nullptr;
+    }
+    auto* lut = new CkLut(info.bitsPerChannel, info.channels, info.layoutFlag, info.dataType);
+    lut->setPseudoColorIndex(lutPseudoColor);
+    return lut;
 }
 
 void FakeAppDelegate::refreshLutControls() {

@@ -39,6 +39,7 @@ public:
     /// Behind openImageView. Default: a plain CkMdiView on the block, registered and owned by the delegate.
     std::function<CkMdiView*(CkChainable*)> makeImageView;
     bool provideLuts = true; ///< false: createLut answers null
+    int lutPseudoColor = 0;  ///< map of the tables of createLut
     QString directory;       ///< answer of lastDirectory; changed by setLastDirectory
     std::function<void(int, quint64)> onStartAcquisition; ///< called inside startAcquisition
 
@@ -47,6 +48,7 @@ public:
     /// "setActiveView 3", "startAcquisition 1 0", "leaveFullScreen", ... in order of the calls. Questions
     /// (settings, mainWindow, mdiView, ...) are not recorded.
     QStringList calls;
+    QList<void*> lutHandles; ///< the cameras of the last createLut
     int settingsHandedOut = 0;
     /// Settings objects handed out and not deleted yet.
     int settingsAlive() const { return *m_settingsAlive; }

@@ -172,9 +172,7 @@ void CkToFCalibrateOffsetDlg::finish() {
         return;
     }
     storeOffset(result.fOffset);
-    if (auto* view3d = qobject_cast<CkToF3DMdiView*>(m_view.data())) {
-        view3d->updateAfterDistanceOffsetChanged();
-    }
+    CkToF3DMdiView::updateAllAfterDistanceOffsetChanged();
     accept();
 }
 

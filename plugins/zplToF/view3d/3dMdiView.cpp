@@ -3,6 +3,7 @@
 #include "cloud/CkToFPlyText.h"
 #include "opticalpath/CkToFOpticalPathSettingsDlg.h"
 #include "view3d/CkToFScene.h"
+#include "view3d/CkToFToolBar.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
@@ -19,8 +20,6 @@
 #include <QSaveFile>
 #include <QSettings>
 #include <QThread>
-#include <QToolBar>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <Qt3DExtras/Qt3DWindow>
 #include <Qt3DRender/QRenderCapture>
@@ -89,11 +88,12 @@ CkToF3DMdiView::CkToF3DMdiView(int iConnectedViewId, int iSecondViewId, CkChaina
     if (const auto settings = hostSettings()) {
         m_options = SkToFViewSettings::read(*settings);
     }
-    const CkChainable* provider = dataProvider();
-    const CkChain* chain = provider != nullptr ? provider->chain() : nullptr;
-    setWindowTitle(chain != nullptr ? chain->chainTitle(provider) + tr(" (ToF 3D)") : tr("ToF 3D view"));
+    setWindowTitle(tr("ToF 3D view"));
+    refreshTitle();
+    connect(this, &CkMdiView::viewTitleChanged, this, &CkToF3DMdiView::refreshTitle);
 
     if (CkMdiView* connected = connectedView()) {
+        connect(connected, &CkMdiView::viewTitleChanged, this, &CkToF3DMdiView::refreshTitle);
         updateDepthImage(connected->currentImage());
     }
     float& threshold = m_options.opticalPath.confidenceThreshold;
@@ -106,9 +106,9 @@ CkToF3DMdiView::CkToF3DMdiView(int iConnectedViewId, int iSecondViewId, CkChaina
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    auto* toolBar = new QToolBar(this);
-    fillToolBar(toolBar);
-    layout->addWidget(toolBar);
+    m_pToolBar = new CkToFToolBar(this);
+    fillToolBar();
+    layout->addWidget(m_pToolBar);
     layout->addWidget(sceneWidgetOrLabel(), 1);
     const bool ownWindow = (viewCaps() & NativeWindowCap) != 0;
     setMinimumSize(ownWindow ? QSize(800, 600) : QSize(192, 160));
@@ -116,33 +116,33 @@ CkToF3DMdiView::CkToF3DMdiView(int iConnectedViewId, int iSecondViewId, CkChaina
 
 CkToF3DMdiView::~CkToF3DMdiView() = default;
 
-void CkToF3DMdiView::fillToolBar(QToolBar* pToolBar) {
-    connect(pToolBar->addAction(tr("Settings...")), SIGNAL(triggered()), this, SLOT(showOpticalPathDlg()));
+// Without a chain the title says what was shown last.
+void CkToF3DMdiView::refreshTitle() {
+    const CkChainable* provider = dataProvider();
+    if (const CkChain* chain = provider != nullptr ? provider->chain() : nullptr) {
+        setWindowTitle(chain->chainTitle(provider) + tr(" (ToF 3D)"));
+    }
+}
 
-    auto* zoomMenu = new QMenu(pToolBar);
+void CkToF3DMdiView::fillToolBar() {
+    connect(m_pToolBar->addAction(tr("Settings...")), SIGNAL(triggered()), this, SLOT(showOpticalPathDlg()));
+
+    auto* zoomMenu = new QMenu(m_pToolBar);
     for (const char* factor : {"0.2x", "0.5x", "1x", "2x", "5x", "10x", "20x", "50x", "100x"}) {
         connect(zoomMenu->addAction(QLatin1String(factor)), SIGNAL(triggered()), this,
                 SLOT(onZZoomChanged()));
     }
-    auto* zoomButton = new QToolButton(pToolBar);
-    zoomButton->setText(tr("Z-Zoom") + QLatin1Char(' '));
-    zoomButton->setMenu(zoomMenu);
-    zoomButton->setPopupMode(QToolButton::InstantPopup);
-    pToolBar->addWidget(zoomButton);
+    m_pToolBar->addMenu(tr("Z-Zoom") + QLatin1Char(' '), zoomMenu);
 
-    connect(pToolBar->addAction(tr("Screenshot")), SIGNAL(triggered()), this, SLOT(saveScreenshot()));
-    exportAction = pToolBar->addAction(tr("Export data"));
+    connect(m_pToolBar->addAction(tr("Screenshot")), SIGNAL(triggered()), this, SLOT(saveScreenshot()));
+    exportAction = m_pToolBar->addAction(tr("Export data"));
     exportAction->setEnabled(false);
     connect(exportAction, SIGNAL(triggered()), this, SLOT(exportPointCould()));
-    pToolBar->addSeparator();
-    connect(pToolBar->addAction(tr("Default position")), SIGNAL(triggered()), this,
+    m_pToolBar->addSeparator();
+    connect(m_pToolBar->addAction(tr("Default position")), SIGNAL(triggered()), this,
             SLOT(moveToDefault3DPosition()));
-
-    auto* spacer = new QWidget(pToolBar);
-    spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    pToolBar->addWidget(spacer);
-    dimensionsLabel = new QLabel(pToolBar);
-    pToolBar->addWidget(dimensionsLabel);
+    m_pToolBar->addSpace();
+    m_pToolBar->addLabel();
 }
 
 QWidget* CkToF3DMdiView::sceneWidgetOrLabel() {

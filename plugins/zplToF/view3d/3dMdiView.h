@@ -11,9 +11,8 @@
 
 class CkToFOpticalPathSettingsDlg;
 class CkToFScene;
+class CkToFToolBar;
 class QAction;
-class QLabel;
-class QToolBar;
 
 namespace Qt3DCore {
 class QAttribute;
@@ -68,7 +67,8 @@ public:
     void setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate) override;
     /// The depth picture with the metadata of the frame it was made of.
     CkImageData* currentImage() override;
-    /// While receivedFrame is emitted the frame itself, afterwards the depth picture made of it.
+    /// The frame itself: of the view's own block until the next one comes, of the connected view while
+    /// receivedFrame is emitted. Afterwards the depth picture made of that one.
     const CkImageData* imageData(qint32 iFrameId) override;
     CkChainable* dataProvider() const override;
     QList<void*> cameraHandles() const override;
@@ -78,6 +78,8 @@ public:
 
     /// Reads the distance offset from the settings again, after a calibration has stored a new one.
     void updateAfterDistanceOffsetChanged();
+    /// The same for every 3D view there is.
+    static void updateAllAfterDistanceOffsetChanged();
 
     /// Makes the depth and confidence pictures and the colouring of a frame. Nothing happens without pixels.
     void updateDepthImage(const CkImageData* pData);
@@ -122,7 +124,8 @@ protected:
     void frameArrived(std::unique_ptr<CkImageData> data) override;
 
 private:
-    void fillToolBar(QToolBar* pToolBar);
+    void refreshTitle();
+    void fillToolBar();
     QWidget* createSceneWidget();
     QWidget* sceneWidgetOrLabel();
     void sceneEvent(QEvent& event);
@@ -142,6 +145,7 @@ private:
 
     // Colouring.
     std::unique_ptr<CkLut> m_lut;
+    bool m_bLutIsStandIn = false; ///< nobody chose the table: it was made before there was a picture
     bool m_bLutFlag1 = true;
     bool m_bLutFlag2 = false;
     CkToFColorTable m_colorTable;
@@ -161,5 +165,5 @@ private:
 
     std::unique_ptr<CkToFScene> m_scene;
     QAction* exportAction = nullptr;
-    QLabel* dimensionsLabel = nullptr;
+    CkToFToolBar* m_pToolBar = nullptr;
 };

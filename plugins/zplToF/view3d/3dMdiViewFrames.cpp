@@ -1,9 +1,11 @@
 // The way of a frame into the view, and what the host asks of a view.
 
 #include "view3d/3dMdiView.h"
+#include "view3d/CkToFEmbeddedWindow.h"
 #include "view3d/CkToFInputRegulator.h"
 #include "view3d/CkToFScene.h"
 #include "view3d/CkToFSceneAttribute.h"
+#include "view3d/CkToFToolBar.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
 #include "zuCore/CkLut.h"
@@ -11,13 +13,14 @@
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLocale>
 #include <QPointer>
 #include <QResizeEvent>
 #include <QSettings>
 #include <Qt3DExtras/Qt3DWindow>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -125,7 +128,7 @@ void CkToF3DMdiView::showFigures() {
         text = tr("Width: %1 m Height: %2 m Depth: %3 m")
                    .arg(metres(size->widthM), metres(size->heightM), metres(size->depthM));
     }
-    dimensionsLabel->setText(text);
+    m_pToolBar->setLabelText(text);
     exportAction->setEnabled(!m_cloud.exportPoints().empty());
 }
 
@@ -138,10 +141,20 @@ void CkToF3DMdiView::updateAfterDistanceOffsetChanged() {
     updatePointCloudGeometry();
 }
 
+void CkToF3DMdiView::updateAllAfterDistanceOffsetChanged() {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        if (auto* view = qobject_cast<CkToF3DMdiView*>(widget)) {
+            view->updateAfterDistanceOffsetChanged();
+        }
+    }
+}
+
 // ---- colouring
 // ---------------------------------------------------------------------------------------------
 
-// Keeps the table while its depth fits; otherwise the host's choice for this kind of picture.
+// Keeps the table while its depth fits, also over to another depth; otherwise the host's choice for this kind
+// of picture.
 void CkToF3DMdiView::updateLut() {
     const SkPicBuf& picture = m_frame.depthPic();
     if (m_lut && m_lut->bitsPerChannel() == picture.bitsPerChannel) {
@@ -149,11 +162,12 @@ void CkToF3DMdiView::updateLut() {
     }
     IkAppDelegate* host = IkAppDelegate::instance();
     CkLut* lut = nullptr;
-    if (m_lut) {
+    if (host != nullptr && (!m_lut || m_bLutIsStandIn)) {
+        lut = host->createLut(picture, cameraHandles());
+    }
+    if (lut == nullptr && m_lut) {
         lut = m_lut->transformToFormat(picture.bitsPerChannel, picture.channels, picture.layoutFlag,
                                        picture.dataType);
-    } else if (host != nullptr) {
-        lut = host->createLut(picture, cameraHandles());
     }
     if (lut == nullptr || lut == m_lut.get()) {
         return;
@@ -178,6 +192,7 @@ void CkToF3DMdiView::createOwnLut() {
     IkAppDelegate* host = IkAppDelegate::instance();
     if (const std::unique_ptr<QSettings> settings{host != nullptr ? host->settings() : nullptr}) {
         m_lut->setPseudoColorIndex(SkToFViewSettings::readPseudoColor(*settings));
+        m_bLutIsStandIn = !settings->contains(QLatin1String(ToFSettingsKey::LutPseudoColor));
     }
     m_lut->allocRgbTable(sampleBytes(picture.dataType));
 }
@@ -207,6 +222,7 @@ void CkToF3DMdiView::setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpd
     if (pLut == nullptr) {
         return;
     }
+    m_bLutIsStandIn = false;
     if (pLut != m_lut.get()) {
         m_lut.reset(pLut);
     }
@@ -252,6 +268,9 @@ const CkImageData* CkToF3DMdiView::imageData(qint32 iFrameId) {
     if (m_pArriving != nullptr && m_pArriving->frameId() == iFrameId) {
         return m_pArriving;
     }
+    if (const CkImageData* own = CkMdiView::imageData(iFrameId)) {
+        return own;
+    }
     return m_data && m_data->frameId() == iFrameId ? m_data.get() : nullptr;
 }
 
@@ -275,7 +294,7 @@ CkMdiView* CkToF3DMdiView::clone(CkChainable* pProvider, CkChainable* pSecond) {
     }
     auto* view = new CkToF3DMdiView(m_iConnectedViewId, m_iSecondViewId, pProvider, pSecond);
     const double shape = double(info.width) / double(info.height);
-    view->resize(CloneWidth, int(std::ceil(CloneWidth / shape)));
+    view->resize(CloneWidth, int(std::min(std::ceil(CloneWidth / shape), double(QWIDGETSIZE_MAX))));
     host->addMdiView(view);
     return view;
 }
@@ -332,8 +351,15 @@ void CkToF3DMdiView::sceneEvent(QEvent& event) {
             updatePointCloudGeometry();
             break;
         default:
+            CkToFEmbeddedWindow::triggerShortcut(*this, static_cast<QKeyEvent&>(event));
             break;
         }
+        break;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+        CkToFEmbeddedWindow::handOverDrop(*m_scene->window(), *this, event);
         break;
     default:
         break;

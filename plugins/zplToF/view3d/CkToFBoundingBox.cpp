@@ -43,12 +43,14 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 } // namespace
 
 void CkToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
-                              float fHalfZ) {
+                              float fHalfZ, bool bTakenUp) {
     const QByteArray corners = bytesOf(CkToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
     QAttribute* positions = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         buildGeometry(pRenderer, corners);
-    } else {
+    } else if (bTakenUp) {
         CkToFSceneBuffer::replace(*positions->buffer(), corners);
+    } else {
+        CkToFSceneBuffer::set(*positions->buffer(), corners);
     }
 }

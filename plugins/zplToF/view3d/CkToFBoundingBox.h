@@ -8,7 +8,9 @@ class QGeometryRenderer;
 namespace CkToFBoundingBox {
 
 /// Gives the renderer a box of these half extents in scene units. The first call builds the geometry, later
-/// ones exchange the corners only.
-void update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY, float fHalfZ);
+/// ones exchange the corners only: in place when the scene has taken up the box, as changes in place would
+/// wait for it otherwise.
+void update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY, float fHalfZ,
+            bool bTakenUp);
 
 } // namespace CkToFBoundingBox

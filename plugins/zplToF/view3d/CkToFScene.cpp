@@ -2,17 +2,21 @@
 
 #include "cloud/CkToFCloudBuilder.h"
 #include "view3d/CkToFBoundingBox.h"
+#include "view3d/CkToFCloudPick.h"
 #include "view3d/CkToFGlProbe.h"
+#include "view3d/CkToFOrbitController.h"
 #include "view3d/CkToFRenderCapture.h"
+#include "view3d/CkToFSceneAttribute.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QSurfaceFormat>
 #include <QVector3D>
 #include <QWidget>
+#include <Qt3DCore/QAttribute>
+#include <Qt3DCore/QBuffer>
 #include <Qt3DCore/QEntity>
 #include <Qt3DExtras/QForwardRenderer>
-#include <Qt3DExtras/QOrbitCameraController>
 #include <Qt3DExtras/QPerVertexColorMaterial>
 #include <Qt3DExtras/QPhongMaterial>
 #include <Qt3DExtras/Qt3DWindow>
@@ -135,7 +139,10 @@ QWidget* CkToFScene::assemble(bool bShowBBox) {
     setUpCamera();
     auto* frames = new Qt3DLogic::QFrameAction;
     m_root->addComponent(frames);
-    connect(frames, &Qt3DLogic::QFrameAction::triggered, this, [this] { m_cloudGeometry.frameBegun(); });
+    connect(frames, &Qt3DLogic::QFrameAction::triggered, this, [this] {
+        m_bDrawn = true;
+        m_cloudGeometry.frameBegun();
+    });
     if (auto* clear = m_window->defaultFrameGraph()->findChild<Qt3DRender::QClearBuffers*>()) {
         m_capture = new CkToFRenderCapture(clear, this);
     }
@@ -153,8 +160,22 @@ void CkToFScene::setUpCamera() {
                 [view] { view->setAspectRatio(AspectRatio); });
         moveToDefaultPosition();
     }
-    auto* controller = new Qt3DExtras::QOrbitCameraController(m_root);
+    const QPointer<const CkToFScene> scene(this);
+    const auto depth = [scene](const QPointF& place) { return scene ? scene->depthAt(place) : 0.0F; };
+    auto* controller = new CkToFOrbitController(m_window, depth, m_root);
     controller->setCamera(camera());
+}
+
+float CkToFScene::depthAt(const QPointF& place) const {
+    using Qt3DCore::QAttribute;
+    const QAttribute* positions =
+        CkToFSceneAttribute::find(m_cloudRenderer, QAttribute::defaultPositionAttributeName());
+    if (positions == nullptr) {
+        return 0.0F;
+    }
+    return CkToFCloudPick::depthAt(positions->buffer()->data(), int(positions->count()),
+                                   camera()->projectionMatrix() * camera()->viewMatrix(), m_window->size(),
+                                   place);
 }
 
 Qt3DExtras::Qt3DWindow* CkToFScene::window() const {
@@ -191,7 +212,7 @@ void CkToFScene::setCloud(const CkToFCloudBuilder& cloud) {
 }
 
 void CkToFScene::setBox(float fHalfX, float fHalfY, float fHalfZ) {
-    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ);
+    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bDrawn);
 }
 
 void CkToFScene::setBoxVisible(bool bVisible) {

@@ -88,9 +88,11 @@ private:
     Qt3DRender::QMaterial* createBillboardShaderMaterial(Qt3DCore::QNode* pParent);
     void logRenderer() const;
     void setUpCamera();
+    float depthAt(const QPointF& place) const;
 
     const bool m_bUsePointPrimitives;
-    bool m_bRuns = false; ///< the window was shown once, and Qt 3D has run the scene ever since
+    bool m_bRuns = false;  ///< the window was shown once, and Qt 3D has run the scene ever since
+    bool m_bDrawn = false; ///< a frame has begun, with what there was at that time
     QPointer<QWidget> m_container;
     QPointer<Qt3DExtras::Qt3DWindow> m_window;
     QPointer<Qt3DCore::QEntity> m_root;

@@ -631,6 +631,18 @@ TEST_F(CkToFCalibrateOffsetDlgTest, A3dViewTakesTheOffsetOver) {
     EXPECT_NEAR(view3d.options().opticalPath.realDistanceOffsetM, -3.3462819F, s_fRounding);
 }
 
+TEST_F(CkToFCalibrateOffsetDlgTest, EveryOpen3dViewTakesTheOffsetOver) {
+    const CkToF3DMdiView first(-1, -1, nullptr, nullptr);
+    const CkToF3DMdiView second(view->viewId(), -1, nullptr, nullptr);
+    open();
+    click(QDialogButtonBox::Ok);
+    for (int i = 0; i < 5; ++i) {
+        feed(phaseFrame(s_fPi));
+    }
+    EXPECT_NEAR(first.options().opticalPath.realDistanceOffsetM, -3.3462819F, s_fRounding);
+    EXPECT_NEAR(second.options().opticalPath.realDistanceOffsetM, -3.3462819F, s_fRounding);
+}
+
 TEST_F(CkToFCalibrateOffsetDlgTest, FramesThatA3dViewFollowsAreMeasuredThroughItsQueue) {
     FrameView source;
     delegate.registerView(&source);

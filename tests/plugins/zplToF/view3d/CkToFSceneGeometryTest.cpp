@@ -90,7 +90,7 @@ private:
 
 TEST(CkToFSceneAttributeTest, ANameThatDiffersOnlyInLetterCaseIsNotFound) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F);
+    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F, false);
     EXPECT_NE(attribute(renderer, "vertexPosition"), nullptr);
     EXPECT_EQ(attribute(renderer, "vertexposition"), nullptr);
     EXPECT_EQ(attribute(renderer, "VertexPosition"), nullptr);
@@ -112,7 +112,7 @@ TEST(CkToFSceneAttributeTest, TheIndexBufferIsCalledSceneIndexBuffer) {
 
 TEST(CkToFBoundingBoxTest, CornersAndEdges) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
 
     const QAttribute* positions = attribute(renderer, "vertexPosition");
     ASSERT_NE(positions, nullptr);
@@ -143,37 +143,43 @@ TEST(CkToFBoundingBoxTest, CornersAndEdges) {
 }
 
 TEST(CkToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
-    QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
-    const auto* geometry = renderer.geometry();
-    const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
-    const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
-    const QByteArray indices = indexBuffer->data();
+    for (const bool takenUp : {false, true}) {
+        QGeometryRenderer renderer;
+        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, takenUp);
+        const auto* geometry = renderer.geometry();
+        const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
+        const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
+        const QByteArray indices = indexBuffer->data();
 
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F);
-    EXPECT_EQ(renderer.geometry(), geometry);
-    EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
-    EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
-    EXPECT_EQ(renderer.findChildren<Qt3DCore::QBuffer*>().size(), 2);
-    EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), vertexBuffer);
-    EXPECT_EQ(attribute(renderer, "sceneIndexBuffer")->buffer(), indexBuffer);
-    EXPECT_EQ(indexBuffer->data(), indices);
-    EXPECT_EQ(vertexBuffer->data().size(), 96);
-    EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.25F);
+        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, takenUp);
+        EXPECT_EQ(renderer.geometry(), geometry);
+        EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
+        EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
+        EXPECT_EQ(renderer.findChildren<Qt3DCore::QBuffer*>().size(), 2);
+        EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), vertexBuffer);
+        EXPECT_EQ(attribute(renderer, "sceneIndexBuffer")->buffer(), indexBuffer);
+        EXPECT_EQ(indexBuffer->data(), indices);
+        EXPECT_EQ(vertexBuffer->data().size(), 96);
+        EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.25F);
+    }
 }
 
-TEST(CkToFBoundingBoxTest, OnlyTheLastOfSeveralChangesIsKeptForTheScene) {
+TEST(CkToFBoundingBoxTest, OnlyTheLastChangeInPlaceIsKeptForTheScene) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F);
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F);
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.125F);
-    EXPECT_EQ(pendingChanges(*attribute(renderer, "vertexPosition")->buffer()), 1);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, true);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.125F, true);
+    const auto& buffer = *attribute(renderer, "vertexPosition")->buffer();
+    EXPECT_EQ(pendingChanges(buffer), 1);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.125F);
+    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.75F, false);
+    EXPECT_EQ(pendingChanges(buffer), 0);
+    EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.75F);
 }
 
 TEST(CkToFBoundingBoxTest, ZeroExtentsPutEveryCornerAtTheOrigin) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F);
+    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F, false);
     for (const float coordinate : contents<float>(attribute(renderer, "vertexPosition"))) {
         EXPECT_EQ(coordinate, 0.0F);
     }

@@ -182,7 +182,13 @@ TEST_F(ToF3DViewExportTest, AnExportOfThreePointsHasItsHeaderAndThreeLines) {
     const auto view = open();
     ASSERT_EQ(view->cloud().pointCount(), 3);
     const QString file = inFolder(QStringLiteral("cloud.ply"));
-    m_driver.expectWindow([&](QWidget* window) { chooseFile(window, file); });
+    m_driver.expectWindow([&](QWidget* window) {
+        const auto* dialog = qobject_cast<QFileDialog*>(window);
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->nameFilters(), QStringList{QStringLiteral("PLY (*.ply)")});
+        EXPECT_EQ(dialog->parentWidget(), view.get());
+        chooseFile(window, file);
+    });
     action(*view, QStringLiteral("Export data"))->trigger();
     QFile written(file);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));

@@ -1,0 +1,141 @@
+#include "view3d/CkToFOrbitController.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <QWindow>
+#include <Qt3DRender/QCamera>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr double NotchFactor = 1.1;
+constexpr double NotchesOverWindow = 10.0; ///< of a zoom by both buttons
+constexpr double AngleOfNotch = 120.0;     ///< QWheelEvent counts eighths of a degree
+constexpr double DegreesOverWindow = 180.0;
+constexpr double DegreesOfKey = 5.0;
+constexpr double WindowOfKey = 0.05;                     ///< share of the window's height
+constexpr float NearestCentre = 0.2F, Farthest = 500.0F; ///< scene units; within the camera's planes
+
+} // namespace
+
+CkToFOrbitController::CkToFOrbitController(QWindow* pWindow, DepthAt depthAt, Qt3DCore::QNode* pParent)
+    : QOrbitCameraController(pParent), m_pWindow(pWindow), m_depthAt(std::move(depthAt)) {
+    pWindow->installEventFilter(this);
+}
+
+// Called with every drawing, which must not matter.
+void CkToFOrbitController::moveCamera(const InputState&, float) {}
+
+bool CkToFOrbitController::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (pWatched == m_pWindow && camera() != nullptr && !m_pWindow->size().isEmpty()) {
+        switch (pEvent->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+            press(static_cast<const QMouseEvent&>(*pEvent));
+            break;
+        case QEvent::MouseMove:
+            drag(static_cast<const QMouseEvent&>(*pEvent));
+            break;
+        case QEvent::Wheel:
+            wheel(static_cast<const QWheelEvent&>(*pEvent));
+            break;
+        case QEvent::KeyPress:
+            key(static_cast<const QKeyEvent&>(*pEvent));
+            break;
+        default:
+            break;
+        }
+    }
+    return QOrbitCameraController::eventFilter(pWatched, pEvent);
+}
+
+void CkToFOrbitController::press(const QMouseEvent& event) {
+    m_last = event.position();
+    const float depth = event.button() == Qt::LeftButton ? m_depthAt(m_last) : 0.0F;
+    m_fDepth = depth > 0.0F ? depth : centreDepth();
+}
+
+void CkToFOrbitController::drag(const QMouseEvent& event) {
+    const QPointF moved = event.position() - std::exchange(m_last, event.position());
+    const bool left = event.buttons().testFlag(Qt::LeftButton);
+    const bool right = event.buttons().testFlag(Qt::RightButton);
+    if (left && right) {
+        zoom(-NotchesOverWindow * moved.y() / m_pWindow->height());
+    } else if (left) {
+        move(moved, m_fDepth);
+    } else if (right) {
+        turn(moved * (DegreesOverWindow / m_pWindow->width()));
+    }
+}
+
+void CkToFOrbitController::wheel(const QWheelEvent& event) {
+    // With Alt the wheel is reported as one to the side.
+    const QPoint angle = event.angleDelta();
+    zoom((angle.y() != 0 ? angle.y() : angle.x()) / AngleOfNotch);
+}
+
+void CkToFOrbitController::key(const QKeyEvent& event) {
+    QPointF direction; // of the camera, in the window
+    switch (event.key()) {
+    case Qt::Key_Left:
+        direction = {-1.0, 0.0};
+        break;
+    case Qt::Key_Right:
+        direction = {1.0, 0.0};
+        break;
+    case Qt::Key_Up:
+        direction = {0.0, -1.0};
+        break;
+    case Qt::Key_Down:
+        direction = {0.0, 1.0};
+        break;
+    case Qt::Key_PageUp:
+        zoom(1.0);
+        return;
+    case Qt::Key_PageDown:
+        zoom(-1.0);
+        return;
+    default:
+        return;
+    }
+    if (event.modifiers().testFlag(Qt::AltModifier)) {
+        turn(-direction * DegreesOfKey);
+    } else if (event.modifiers().testFlag(Qt::ShiftModifier)) {
+        zoom(-direction.y());
+    } else {
+        move(-direction * WindowOfKey * m_pWindow->height(), centreDepth());
+    }
+}
+
+// The scene moves with the mouse, the camera the other way.
+void CkToFOrbitController::move(const QPointF& pixels, float fDepth) {
+    const double halfHeight = std::tan(double(camera()->fieldOfView()) * M_PI / 360.0) * double(fDepth);
+    const double halfWidth = halfHeight * double(camera()->aspectRatio());
+    camera()->translate(QVector3D(float(-2.0 * halfWidth * pixels.x() / m_pWindow->width()),
+                                  float(2.0 * halfHeight * pixels.y() / m_pWindow->height()), 0.0F));
+}
+
+void CkToFOrbitController::turn(const QPointF& degrees) {
+    // Seen upside down the scene has to turn the other way to go along.
+    const double sense = camera()->upVector().y() < 0.0F ? -1.0 : 1.0;
+    const QVector3D up(0.0F, 1.0F, 0.0F);
+    camera()->rotateAboutViewCenter(QQuaternion::fromAxisAndAngle(up, float(-sense * degrees.x())));
+    const QVector3D right = QVector3D::normal(camera()->viewVector(), camera()->upVector());
+    camera()->rotateAboutViewCenter(QQuaternion::fromAxisAndAngle(right, float(-degrees.y())));
+}
+
+void CkToFOrbitController::zoom(double dNotches) {
+    const float distance = centreDepth();
+    const float wanted =
+        std::clamp(distance / float(std::pow(NotchFactor, dNotches)), NearestCentre, Farthest);
+    if (distance > 0.0F) {
+        camera()->setPosition(camera()->viewCenter() - camera()->viewVector() * (wanted / distance));
+    }
+}
+
+float CkToFOrbitController::centreDepth() const {
+    return camera()->viewVector().length();
+}
