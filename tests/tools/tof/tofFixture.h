@@ -82,8 +82,9 @@ protected:
     }
 
     /// Raw pictures of two taps, one phase of 20 x 480; tap A of frame i is 100 + i + x, tap B 10.
-    void recordTaps(const char* name, int frames,
-                    const std::function<void(CkImageMetadata&)>& change = [](CkImageMetadata&) {}) const {
+    void recordTaps(
+        const char* name, int frames,
+        const std::function<void(CkImageMetadata&)>& change = [](CkImageMetadata&) {}) const {
         CkRecordingWriter writer;
         ASSERT_TRUE(writer.open(path(name), {QStringLiteral("<chain/>"), {}, {}}));
         for (int i = 0; i < frames; ++i) {
