@@ -30,6 +30,10 @@ QString CkLogModel::levelText(int iSeverity) {
     return texts.value(iSeverity);
 }
 
+bool CkLogModel::isAnnouncement(const SkLogEntry& entry) {
+    return entry.type == QtCriticalMsg && entry.text.startsWith(QLatin1String("Starting ToF 3D with "));
+}
+
 QVariant CkLogModel::data(const QModelIndex& index, int iRole) const {
     if (!index.isValid() || index.row() >= m_entries.size()) {
         return {};
@@ -39,8 +43,9 @@ QVariant CkLogModel::data(const QModelIndex& index, int iRole) const {
     if (iRole == kSeverityRole) {
         return level;
     }
-    if (iRole == Qt::ForegroundRole && level >= 2) {
-        return level == 2 ? QColor(0x9a, 0x5b, 0x00) : QColor(0xb0, 0x20, 0x20);
+    const int shown = isAnnouncement(entry) ? severity(QtInfoMsg) : level;
+    if (iRole == Qt::ForegroundRole && shown >= 2) {
+        return shown == 2 ? QColor(0x9a, 0x5b, 0x00) : QColor(0xb0, 0x20, 0x20);
     }
     if (iRole == Qt::ToolTipRole) {
         return entry.category.isEmpty() || entry.category == QLatin1String("default")
@@ -54,7 +59,7 @@ QVariant CkLogModel::data(const QModelIndex& index, int iRole) const {
     case TimeColumn:
         return entry.time.toString(QStringLiteral("HH:mm:ss.zzz"));
     case LevelColumn:
-        return levelText(level);
+        return levelText(shown);
     default:
         return entry.text;
     }

@@ -26,6 +26,9 @@ public:
     /// 0 debug, 1 information, 2 warning, 3 error.
     static int severity(QtMsgType type);
     static QString levelText(int iSeverity);
+    /// Whether an entry has the highest level only to pass every filter: a part of the program tells what it
+    /// runs on. It is no error and does not look like one.
+    static bool isAnnouncement(const SkLogEntry& entry);
 
 private:
     QList<SkLogEntry> m_entries;

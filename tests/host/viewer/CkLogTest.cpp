@@ -55,6 +55,26 @@ TEST_F(Log, LevelsAndSearchNarrowTheList) {
     EXPECT_EQ(shown(m_panel), QStringList({"alpha debug", "Alpha warning"}));
 }
 
+TEST_F(Log, AnAnnouncementAtTheHighestLevelDoesNotLookLikeAnError) {
+    const QString line = "Starting ToF 3D with OpenGL 4.5 (glsl 4.50) on llvmpipe, platform: xcb";
+    qCritical("%s", qUtf8Printable(line));
+    qCritical("CkToF3DMdiView::shaderProgramLogChanged(): Starting ToF 3D with nothing");
+    QCoreApplication::processEvents();
+    const auto level = [this](int row) {
+        return m_panel.filter()->index(row, CkLogModel::LevelColumn).data().toString();
+    };
+    const auto colour = [this](int row) {
+        return m_panel.filter()->index(row, CkLogModel::TextColumn).data(Qt::ForegroundRole);
+    };
+    EXPECT_EQ(level(0), CkLogModel::levelText(1));
+    EXPECT_FALSE(colour(0).isValid());
+    EXPECT_EQ(level(1), CkLogModel::levelText(3));
+    EXPECT_TRUE(colour(1).isValid());
+    // It passes every filter all the same.
+    m_panel.findChild<QComboBox*>("logLevel")->setCurrentIndex(3);
+    EXPECT_EQ(shown(m_panel).value(0), line);
+}
+
 TEST_F(Log, KeepsANumberOfEntriesAndNoMore) {
     for (int i = 0; i < CkLogSink::kKept + 5; ++i) {
         SkLogEntry entry;
