@@ -5,23 +5,30 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLocale>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr int kDragDelayMs = 60;
+constexpr int kFineDecimals = 9;
+constexpr double kSameValue = 1e-9; ///< relative
 
-// As many decimals as the step needs, at least two for floats without a usable step.
+// As many decimals as the step needs. Without steps any value goes, and none may be lost on the way.
 int decimalsOf(const CkCameraParam::SkDescription& description) {
     if (description.kind == CkCameraParam::EkKind::Integer) {
         return 0;
     }
-    if (!(description.step > 0.0) || description.step >= 1.0) {
+    if (!(description.step > 0.0)) {
+        return kFineDecimals;
+    }
+    if (description.step >= 1.0) {
         return 2;
     }
     return std::clamp(int(std::ceil(-std::log10(description.step) - 1e-9)), 1, 6);
@@ -39,9 +46,18 @@ QString unitText(const CkCameraParam::SkDescription& description) {
 } // namespace
 
 CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(pParent), m_pParam(pParam) {
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(4);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(1);
+    m_pRow = new QHBoxLayout;
+    m_pRow->setSpacing(4);
+    column->addLayout(m_pRow);
+    m_pRemark = new QLabel(this);
+    m_pRemark->setObjectName(QStringLiteral("paramRemark"));
+    m_pRemark->setWordWrap(true);
+    m_pRemark->setStyleSheet(QStringLiteral("color: #9a5b00"));
+    m_pRemark->hide();
+    column->addWidget(m_pRemark);
     const CkCameraParam::SkDescription& description = pParam->description();
     switch (description.kind) {
     case CkCameraParam::EkKind::Integer:
@@ -58,13 +74,15 @@ CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(
     setToolTip(hint());
     setEnabled(!description.readOnly);
     showValue(pParam->paramValue());
-    connect(pParam, &CkCameraParam::valueChanged, this, &CkParamEditor::showValue);
+    connect(pParam, &CkCameraParam::valueChanged, this, [this](const CkValue& vValue) {
+        setRemark(QString());
+        showValue(vValue);
+    });
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDragDelayMs);
     connect(&m_delay, &QTimer::timeout, this, [this] {
-        apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
-                  ? CkValue(qint64(std::llround(m_fDelayed)))
-                  : CkValue(m_fDelayed));
+        applyNumber(m_fDelayed);
+        m_bRefused = false; // was not typed
     });
 }
 
@@ -76,7 +94,7 @@ void CkParamEditor::createNumber() {
     if (limited) {
         m_pBar = new CkTuningBar(this);
         m_pBar->setRange(CkValue(description.minimum), CkValue(description.maximum), CkValue(step));
-        layout()->addWidget(m_pBar);
+        m_pRow->addWidget(m_pBar);
         connect(m_pBar, &CkTuningBar::valueChanged, this, [this](const CkValue& vValue) {
             m_fDelayed = vValue.toDouble();
             const QSignalBlocker blocker(m_pNumber);
@@ -84,27 +102,26 @@ void CkParamEditor::createNumber() {
             m_delay.start();
         });
     }
-    m_pNumber = new QDoubleSpinBox(this);
+    m_pNumber = new CkNumberField(this);
     m_pNumber->setDecimals(decimalsOf(description));
+    m_pNumber->setShowsTrailingZeros(m_pNumber->decimals() < kFineDecimals);
     m_pNumber->setRange(limited ? description.minimum : -1e12, limited ? description.maximum : 1e12);
     m_pNumber->setSingleStep(step);
-    m_pNumber->setKeyboardTracking(false);
     m_pNumber->setAlignment(Qt::AlignRight);
     m_pNumber->setMinimumWidth(96);
     m_pNumber->setMaximumWidth(150);
     m_pNumber->setSuffix(unitText(description));
-    layout()->addWidget(m_pNumber);
+    m_pRow->addWidget(m_pNumber);
     connect(m_pNumber, &QDoubleSpinBox::valueChanged, this, [this](double fValue) {
         m_delay.stop();
-        apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
-                  ? CkValue(qint64(std::llround(fValue)))
-                  : CkValue(fValue));
+        applyNumber(fValue);
     });
+    connect(m_pNumber, &CkNumberField::typed, this, &CkParamEditor::judge);
 }
 
 void CkParamEditor::createFlag() {
     m_pFlag = new QCheckBox(this);
-    layout()->addWidget(m_pFlag);
+    m_pRow->addWidget(m_pFlag);
     connect(m_pFlag, &QCheckBox::toggled, this, [this](bool bChecked) { apply(CkValue(bChecked)); });
 }
 
@@ -115,7 +132,7 @@ void CkParamEditor::createList() {
     for (const CkCameraParam::SkEnumEntry& entry : m_pParam->description().entries) {
         m_pList->addItem(entry.text, entry.value);
     }
-    layout()->addWidget(m_pList);
+    m_pRow->addWidget(m_pList);
     connect(m_pList, &QComboBox::activated, this,
             [this](int iIndex) { apply(CkValue(m_pList->itemData(iIndex).toLongLong())); });
 }
@@ -163,9 +180,49 @@ void CkParamEditor::showListValue(qint64 iValue) {
     m_pList->setCurrentIndex(index);
 }
 
+void CkParamEditor::applyNumber(double fValue) {
+    apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
+              ? CkValue(qint64(std::llround(fValue)))
+              : CkValue(fValue));
+}
+
 void CkParamEditor::apply(const CkValue& vValue) {
-    if (!m_pParam->setParamValue(vValue) || !m_pParam->commit()) {
+    m_bRefused = !m_pParam->setParamValue(vValue) || !m_pParam->commit();
+    setRemark(m_bRefused ? tr("The camera refused it; the old value stays.") : QString());
+    if (m_bRefused) {
         emit refused(m_pParam->description().displayName);
     }
     showValue(m_pParam->committedValue());
+}
+
+void CkParamEditor::judge(const CkNumberField::SkTyped& typed) {
+    const CkValue now = m_pParam->committedValue();
+    if (std::exchange(m_bRefused, false)) {
+        return;
+    }
+    if (!typed.value) {
+        setRemark(tr("\"%1\" is not a clear number; %2 stays.").arg(typed.text, numberText(now)));
+        return;
+    }
+    const double wanted = *typed.value;
+    const bool asTyped = std::abs(wanted - now.toDouble()) <= kSameValue * std::max(1.0, std::abs(wanted));
+    setRemark(asTyped ? QString()
+              : wanted > m_pNumber->maximum()
+                  ? tr("%1 is too large; %2 was set.").arg(typed.text, numberText(now))
+              : wanted < m_pNumber->minimum()
+                  ? tr("%1 is too small; %2 was set.").arg(typed.text, numberText(now))
+                  : tr("%1 is between two steps; %2 was set.").arg(typed.text, numberText(now)));
+}
+
+QString CkParamEditor::numberText(const CkValue& vValue) const {
+    return m_pNumber->textFromValue(vValue.toDouble()) + m_pNumber->suffix();
+}
+
+QString CkParamEditor::remark() const {
+    return m_pRemark->text();
+}
+
+void CkParamEditor::setRemark(const QString& sRemark) {
+    m_pRemark->setText(sRemark);
+    m_pRemark->setVisible(!sRemark.isEmpty());
 }

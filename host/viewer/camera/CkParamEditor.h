@@ -1,19 +1,21 @@
 #pragma once
 
+#include "camera/CkNumberField.h"
+
 #include <QTimer>
-#include <QWidget>
 
 class CkCameraParam;
 class CkTuningBar;
 class CkValue;
 class QCheckBox;
 class QComboBox;
-class QDoubleSpinBox;
-class QLineEdit;
+class QHBoxLayout;
+class QLabel;
 
 /// Edits one camera parameter: a tuning bar and a number for integers and floats, a box to tick for flags, a
 /// list for enumerations. A change reaches the camera at once; what the camera refuses goes back to the old
-/// value. Follows changes made elsewhere. Lives no longer than the parameter. User-interface thread.
+/// value. Where a value that was typed is not the one that was set, a line below says what was made of it.
+/// Follows changes made elsewhere. Lives no longer than the parameter. User-interface thread.
 class CkParamEditor : public QWidget {
     Q_OBJECT
 
@@ -21,6 +23,8 @@ public:
     explicit CkParamEditor(CkCameraParam* pParam, QWidget* pParent = nullptr);
 
     CkCameraParam* param() const { return m_pParam; }
+    /// What became of the value that was typed last; empty when it was set as it is.
+    QString remark() const;
 
 signals:
     void refused(const QString& sName);
@@ -33,12 +37,19 @@ private:
     void showValue(const CkValue& vValue);
     void showListValue(qint64 iValue);
     void apply(const CkValue& vValue);
+    void applyNumber(double fValue);
+    void judge(const CkNumberField::SkTyped& typed);
+    void setRemark(const QString& sRemark);
+    QString numberText(const CkValue& vValue) const;
 
     CkCameraParam* m_pParam;
+    QHBoxLayout* m_pRow = nullptr;
+    QLabel* m_pRemark = nullptr;
     CkTuningBar* m_pBar = nullptr;
-    QDoubleSpinBox* m_pNumber = nullptr;
+    CkNumberField* m_pNumber = nullptr;
     QCheckBox* m_pFlag = nullptr;
     QComboBox* m_pList = nullptr;
     QTimer m_delay; ///< gathers the steps of a drag so that the camera is not set for each of them
     double m_fDelayed = 0.0;
+    bool m_bRefused = false; ///< the camera, what is being typed
 };

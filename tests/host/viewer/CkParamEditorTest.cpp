@@ -1,11 +1,13 @@
 #include "camera/CkParamEditor.h"
 
+#include "LocaleScope.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCoreGui/CkTuningBar.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -122,6 +124,128 @@ TEST_F(ParamEditor, ReadOnlyIsDisabledAndSaysSo) {
     CkParamEditor editor(m_parameters.addParam(description));
     EXPECT_FALSE(editor.isEnabled());
     EXPECT_TRUE(editor.toolTip().contains("does not let"));
+}
+
+class ParamTyping : public ParamEditor {
+protected:
+    /// Types over what stands there and presses Enter.
+    void type(const CkCameraParam* param, CkParamEditor& editor, const QString& text) {
+        editor.show();
+        auto* number = editor.findChild<QDoubleSpinBox*>();
+        number->setFocus();
+        number->selectAll();
+        QTest::keyClicks(number, text);
+        QTest::keyClick(number, Qt::Key_Return);
+        // What the field shows is what the camera has.
+        EXPECT_NEAR(number->value(), param->committedValue().toDouble(), 1e-12) << qPrintable(text);
+    }
+};
+
+TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedWithAWord) {
+    const LocaleScope locale(QLocale::c());
+    CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), 5.0, 80.0, 0.5);
+    CkParamEditor editor(param);
+    type(param, editor, "9000");
+    EXPECT_EQ(param->committedValue().toDouble(), 80.0);
+    EXPECT_EQ(editor.remark(), "9000 is too large; 80.0 MHz was set.");
+    EXPECT_TRUE(editor.findChild<QLabel*>("paramRemark")->isVisible());
+    // Again, though nothing changes by it.
+    type(param, editor, "81");
+    EXPECT_EQ(editor.remark(), "81 is too large; 80.0 MHz was set.");
+    type(param, editor, "-3");
+    EXPECT_EQ(param->committedValue().toDouble(), 5.0);
+    EXPECT_EQ(editor.remark(), "-3 is too small; 5.0 MHz was set.");
+    // A value that is taken as it is needs no word.
+    type(param, editor, "42.5");
+    EXPECT_EQ(param->committedValue().toDouble(), 42.5);
+    EXPECT_EQ(editor.remark(), "");
+    EXPECT_FALSE(editor.findChild<QLabel*>("paramRemark")->isVisible());
+}
+
+TEST_F(ParamTyping, AValueBetweenTwoStepsIsToldAndOneThatFitsIsNot) {
+    const LocaleScope locale(QLocale::c());
+    CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), 5.0, 80.0, 0.5);
+    CkParamEditor editor(param);
+    type(param, editor, "30.3");
+    EXPECT_EQ(param->committedValue().toDouble(), 30.5);
+    EXPECT_EQ(editor.remark(), "30.3 is between two steps; 30.5 MHz was set.");
+    type(param, editor, "30.500");
+    EXPECT_EQ(editor.remark(), "");
+    CkCameraParam* whole = add(CkCameraParam::EkKind::Integer, CkValue(4), 1, 8, 1);
+    CkParamEditor wholeEditor(whole);
+    type(whole, wholeEditor, "4.7");
+    EXPECT_EQ(whole->committedValue().toInt(), 5);
+    EXPECT_EQ(wholeEditor.remark(), "4.7 is between two steps; 5 MHz was set.");
+}
+
+TEST_F(ParamTyping, WithoutStepsNoDigitIsLost) {
+    const LocaleScope locale(QLocale::c());
+    CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(1.5), 0.0, 10.0, 0.0);
+    CkParamEditor editor(param);
+    EXPECT_EQ(editor.findChild<QDoubleSpinBox*>()->text(), "1.5 MHz");
+    type(param, editor, "0.00125");
+    EXPECT_DOUBLE_EQ(param->committedValue().toDouble(), 0.00125);
+    EXPECT_EQ(editor.remark(), "");
+}
+
+TEST_F(ParamTyping, PointAndCommaAreBothDecimalSignsAndWhatCouldBeTwoNumbersIsMarked) {
+    for (const QLocale& language : {QLocale(QLocale::English), QLocale(QLocale::German)}) {
+        const LocaleScope locale(language);
+        CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), 5.0, 8000.0, 0.5);
+        CkParamEditor editor(param);
+        type(param, editor, "30.5");
+        EXPECT_EQ(param->committedValue().toDouble(), 30.5) << qPrintable(language.name());
+        type(param, editor, "31,5");
+        EXPECT_EQ(param->committedValue().toDouble(), 31.5) << qPrintable(language.name());
+        EXPECT_EQ(editor.remark(), "");
+        const bool comma = language.decimalPoint() == ",";
+        type(param, editor, comma ? "1.500" : "1,500");
+        EXPECT_EQ(param->committedValue().toDouble(), 31.5) << qPrintable(language.name());
+        EXPECT_TRUE(editor.remark().contains("is not a clear number")) << qPrintable(editor.remark());
+        type(param, editor, comma ? "1500,5" : "1500.5");
+        EXPECT_EQ(param->committedValue().toDouble(), 1500.5) << qPrintable(language.name());
+    }
+}
+
+TEST_F(ParamTyping, HalfANumberLeavesTheOldValueAndSaysSo) {
+    const LocaleScope locale(QLocale::c());
+    CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), -5.0, 80.0, 0.5);
+    CkParamEditor editor(param);
+    type(param, editor, "-");
+    EXPECT_EQ(param->committedValue().toDouble(), 20.0);
+    EXPECT_EQ(editor.remark(), "\"-\" is not a clear number; 20.0 MHz stays.");
+}
+
+TEST_F(ParamTyping, ARefusalIsToldAndTheNextGoodValueClearsIt) {
+    CkCameraParam* param = add(CkCameraParam::EkKind::Integer, CkValue(4), 1, 8, 1);
+    CkParamEditor editor(param);
+    m_bAccept = false;
+    type(param, editor, "7");
+    EXPECT_EQ(param->committedValue().toInt(), 4);
+    EXPECT_EQ(editor.remark(), "The camera refused it; the old value stays.");
+    m_bAccept = true;
+    type(param, editor, "9");
+    EXPECT_EQ(editor.remark(), "9 is too large; 8 MHz was set.");
+    type(param, editor, "7");
+    EXPECT_EQ(editor.remark(), "");
+}
+
+TEST_F(ParamTyping, AStepAfterTypingIsNoWordUnlessTheNumberDidNotFit) {
+    CkCameraParam* param = add(CkCameraParam::EkKind::Integer, CkValue(4), 1, 8, 1);
+    CkParamEditor editor(param);
+    editor.show();
+    auto* number = editor.findChild<QDoubleSpinBox*>();
+    number->setFocus();
+    number->selectAll();
+    QTest::keyClicks(number, "5");
+    QTest::keyClick(number, Qt::Key_Up);
+    EXPECT_EQ(param->committedValue().toInt(), 6);
+    EXPECT_EQ(editor.remark(), "");
+    number->selectAll();
+    QTest::keyClicks(number, "20");
+    QTest::keyClick(number, Qt::Key_Up);
+    EXPECT_EQ(param->committedValue().toInt(), 8);
+    EXPECT_EQ(editor.remark(), "20 is too large; 8 MHz was set.");
 }
 
 } // namespace
