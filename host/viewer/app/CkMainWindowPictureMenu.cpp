@@ -1,7 +1,6 @@
 // The menus of what the active view shows: its picture, and the chain behind it.
 
 #include "app/CkMainWindow.h"
-#include "app/CkViewerSettings.h"
 #include "area/CkViewArea.h"
 #include "chain/CkChainPanel.h"
 #include "image/CkImageCanvas.h"
@@ -11,7 +10,6 @@
 
 #include <QMenu>
 #include <QMenuBar>
-#include <QSettings>
 
 namespace {
 
@@ -41,12 +39,8 @@ void CkMainWindow::createPictureMenu() {
     add(tr("Zoom &In"), Qt::CTRL | Qt::Key_Plus, [](CkImageView* pView) { pView->canvas()->zoomIn(); });
     add(tr("Zoom O&ut"), Qt::CTRL | Qt::Key_Minus, [](CkImageView* pView) { pView->canvas()->zoomOut(); });
     menu->addSeparator();
-    m_pAutoContrastAction =
-        add(tr("&Automatic Contrast"), Qt::CTRL | Qt::SHIFT | Qt::Key_A, [](CkImageView* pView) {
-            const bool automatic = !pView->autoContrast();
-            pView->setAutoContrast(automatic);
-            CkViewerSettings::open()->setValue(CkViewerSettings::keyAutoContrast(), automatic);
-        });
+    m_pAutoContrastAction = add(tr("&Automatic Contrast"), Qt::CTRL | Qt::SHIFT | Qt::Key_A,
+                                [](CkImageView* pView) { pView->setAutoContrast(!pView->autoContrast()); });
     QAction* full = add(tr("Full &Range"), Qt::CTRL | Qt::SHIFT | Qt::Key_F,
                         [](CkImageView* pView) { pView->setFullRange(); });
     m_pSaturatedAction = add(tr("&Mark Saturated"), Qt::CTRL | Qt::SHIFT | Qt::Key_M,
@@ -80,6 +74,10 @@ void CkMainWindow::updatePictureActions() {
     };
     if (view != nullptr) {
         limit(m_contrastActions, !view->showsColours(), tr("A colour picture is shown as it is"));
+        if (!view->showsColours()) {
+            const QString untold = view->saturationReason();
+            limit({m_pSaturatedAction}, untold.isEmpty(), untold);
+        }
         limit(m_channelActions, view->channelCount() > 1, tr("The picture has only one channel"));
     }
     m_pAutoContrastAction->setChecked(view != nullptr && view->autoContrast());

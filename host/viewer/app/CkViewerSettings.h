@@ -18,7 +18,6 @@ class QSettings;
 /// | Viewer/LastDirectory         | string     | empty          | file dialogs     |
 /// | Viewer/PseudoColorInteger    | int        | 0 (grey)       | colour panel     |
 /// | Viewer/PseudoColorFloat      | int        | see .cpp       | colour panel     |
-/// | Viewer/AutoContrast          | bool       | true           | colour panel     |
 /// | Viewer/RecentChains          | strings    | empty          | chain files      |
 class CkViewerSettings {
 public:
@@ -35,7 +34,6 @@ public:
     static QString keyReopenCameras() { return QStringLiteral("Viewer/ReopenCameras"); }
     static QString keyLastDirectory() { return QStringLiteral("Viewer/LastDirectory"); }
     static QString keyRecentChains() { return QStringLiteral("Viewer/RecentChains"); }
-    static QString keyAutoContrast() { return QStringLiteral("Viewer/AutoContrast"); }
     static QString keyPseudoColor(bool bFloat) {
         return bFloat ? QStringLiteral("Viewer/PseudoColorFloat")
                       : QStringLiteral("Viewer/PseudoColorInteger");

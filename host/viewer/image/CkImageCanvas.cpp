@@ -10,6 +10,8 @@
 namespace {
 constexpr double kStep = 1.25;
 constexpr double kPanPixels = 40.0;
+constexpr QColor kBackground(0x2b, 0x2d, 0x31);
+constexpr QColor kDimming(0x2b, 0x2d, 0x31, 0xa0);
 } // namespace
 
 CkImageCanvas::CkImageCanvas(QWidget* pParent) : QWidget(pParent) {
@@ -31,8 +33,17 @@ void CkImageCanvas::setPictureSize(const QSize& size) {
 }
 
 void CkImageCanvas::setEmptyText(const QString& sText) {
-    m_sEmptyText = sText;
-    update();
+    if (sText != m_sEmptyText) {
+        m_sEmptyText = sText;
+        update();
+    }
+}
+
+void CkImageCanvas::setDimmed(bool bDimmed) {
+    if (bDimmed != m_bDimmed) {
+        m_bDimmed = bDimmed;
+        update();
+    }
 }
 
 double CkImageCanvas::fitZoom() const {
@@ -101,7 +112,7 @@ void CkImageCanvas::limitCentre() {
 void CkImageCanvas::paintEvent(QPaintEvent*) {
     const QImage* image = m_image ? m_image() : nullptr;
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(0x2b, 0x2d, 0x31));
+    painter.fillRect(rect(), kBackground);
     if (image == nullptr || image->isNull()) {
         painter.setPen(QColor(0xa8, 0xac, 0xb4));
         painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, m_sEmptyText);
@@ -115,6 +126,9 @@ void CkImageCanvas::paintEvent(QPaintEvent*) {
     const QRect part = sight.toAlignedRect().adjusted(-1, -1, 1, 1) & image->rect();
     const QRectF target(fromPicture(part.topLeft()), QSizeF(part.width() * scale, part.height() * scale));
     painter.drawImage(target, *image, part);
+    if (m_bDimmed) {
+        painter.fillRect(target, kDimming);
+    }
 }
 
 void CkImageCanvas::resizeEvent(QResizeEvent* pEvent) {

@@ -26,6 +26,11 @@ public:
 
     /// The text shown while there is no picture.
     void setEmptyText(const QString& sText);
+    QString emptyText() const { return m_sEmptyText; }
+
+    /// Whether the picture is shown darkened.
+    void setDimmed(bool bDimmed);
+    bool isDimmed() const { return m_bDimmed; }
 
     bool isFitting() const { return m_bFit; }
     /// Screen pixels per picture pixel.
@@ -74,4 +79,5 @@ private:
     double m_fZoom = 1.0;
     bool m_bFit = true;
     bool m_bDragging = false;
+    bool m_bDimmed = false;
 };

@@ -1,9 +1,9 @@
 #include "image/CkImageView.h"
 
-#include "app/CkViewerSettings.h"
 #include "image/CkColorLegend.h"
 #include "image/CkImageCanvas.h"
 #include "image/CkPictureText.h"
+#include "image/CkSaturation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
@@ -15,7 +15,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPointer>
-#include <QSettings>
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -73,11 +72,7 @@ CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
             CkPictureText::locale().toString(fZoom * 100.0, 'f', fZoom < 0.1 ? 1 : 0)));
     });
 
-    bool automatic = true;
-    if (IkAppDelegate::instance() != nullptr) {
-        automatic = CkViewerSettings::open()->value(CkViewerSettings::keyAutoContrast(), true).toBool();
-    }
-    CkMdiView::setViewLut(new CkLut(8, 1, false, EkImageDataType::UInt8), automatic, false, false);
+    CkMdiView::setViewLut(new CkLut(8, 1, false, EkImageDataType::UInt8), true, false, false);
     refreshColours();
 }
 
@@ -144,6 +139,28 @@ void CkImageView::setMarksSaturated(bool bMark) {
     CkLut* lut = viewLut(&automatic, nullptr, nullptr);
     setViewLut(lut, automatic, bMark, true);
     emit contrastChanged();
+}
+
+QString CkImageView::saturationReason() const {
+    const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
+    return frame != nullptr ? CkSaturation::reason(
+                                  CkSaturation::evidence(frame->picBuf(), frame->metadata(), dataProvider()))
+                            : QString();
+}
+
+bool CkImageView::hasPicture() const {
+    const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
+    return frame != nullptr && frame->picBuf().data != nullptr;
+}
+
+void CkImageView::setStale(bool bStale) {
+    m_pCanvas->setDimmed(bStale);
+}
+
+void CkImageView::setEmptyText(const QString& sText) {
+    if (!hasPicture()) {
+        m_pCanvas->setEmptyText(sText);
+    }
 }
 
 double CkImageView::gamma() const {

@@ -58,6 +58,9 @@ public:
     void setFullRange();
     void setMarksSaturated(bool bMark);
     bool marksSaturated() const;
+    /// Why saturated samples cannot be marked in the picture that is shown; empty when they can, or when
+    /// there is no picture.
+    QString saturationReason() const;
     void setGamma(double fGamma);
     double gamma() const;
 
@@ -66,6 +69,12 @@ public:
     /// Unit of the channel shown, may be empty.
     QString unit() const;
     bool showsColours() const { return m_iChannel < 0; }
+    bool hasPicture() const;
+
+    /// Darkens the picture: it is no longer what the camera sees.
+    void setStale(bool bStale);
+    /// Instead of the picture, as long as there is none.
+    void setEmptyText(const QString& sText);
 
     /// The picture as it is on the screen, at its own size; colours it when that has not been done yet.
     const QImage& shownImage();

@@ -47,7 +47,7 @@ CkLutPanel::CkLutPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), 
     createControls();
     m_delay.setSingleShot(true);
     m_delay.setInterval(kShowMs);
-    connect(&m_delay, &QTimer::timeout, this, &CkLutPanel::showWindow);
+    connect(&m_delay, &QTimer::timeout, this, &CkLutPanel::showContrast);
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkLutPanel::refresh);
     connect(m_pMapBox, &QComboBox::activated, this, &CkLutPanel::applyMap);
     connect(m_pAutoBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
@@ -178,12 +178,23 @@ void CkLutPanel::refresh() {
     if (m_imageView) {
         const QSignalBlocker blocker(m_pGamma);
         m_pGamma->setValue(m_imageView->gamma());
-        setContrastEnabled(!m_imageView->showsColours(), tr("A colour picture is shown as it is"));
-    } else {
-        setContrastEnabled(false, view != nullptr ? tr("The active view sets its contrast itself")
-                                                  : tr("No view is active"));
     }
-    showWindow();
+    showContrast();
+}
+
+void CkLutPanel::showContrast() {
+    const CkMdiView* const view = m_view;
+    const QString why = view == nullptr               ? tr("No view is active")
+                        : !m_imageView                ? tr("The active view sets its contrast itself")
+                        : !m_imageView->hasPicture()  ? tr("There is no picture yet")
+                        : m_imageView->showsColours() ? tr("A colour picture is shown as it is")
+                                                      : QString();
+    setContrastEnabled(why.isEmpty(), why);
+    if (why.isEmpty()) {
+        showWindow();
+    } else {
+        clearWindow();
+    }
 }
 
 void CkLutPanel::setContrastEnabled(bool bEnabled, const QString& sWhy) {
@@ -197,14 +208,25 @@ void CkLutPanel::setContrastEnabled(bool bEnabled, const QString& sWhy) {
     set(m_pHigh, tr("Value shown with the last colour"));
     set(m_pGamma, tr("Below 1 the dark parts become lighter, above 1 darker"));
     set(m_pFullButton, tr("The whole range of values, without automatic contrast"));
+    const QString untold = bEnabled ? m_imageView->saturationReason() : QString();
+    if (!untold.isEmpty()) {
+        m_pSaturationBox->setEnabled(false);
+        m_pSaturationBox->setToolTip(untold);
+    }
+}
+
+void CkLutPanel::clearWindow() {
+    for (QDoubleSpinBox* number : {m_pLow, m_pHigh}) {
+        const QSignalBlocker blocker(number);
+        number->setSuffix(QString());
+        number->setValue(0.0);
+        number->clear();
+    }
+    m_pHistogram->clear();
+    m_pSummary->clear();
 }
 
 void CkLutPanel::showWindow() {
-    if (!m_imageView || m_imageView->currentImage() == nullptr || m_imageView->showsColours()) {
-        m_pHistogram->clear();
-        m_pSummary->clear();
-        return;
-    }
     const SkPicBuf& picture = m_imageView->currentImage()->picBuf();
     const bool isFloat =
         picture.dataType == EkImageDataType::Float32 || picture.dataType == EkImageDataType::Float64;
@@ -263,7 +285,6 @@ void CkLutPanel::applyFlags() {
     }
     CkLut* lut = m_imageView->viewLut(nullptr, nullptr, nullptr);
     m_imageView->setViewLut(lut, m_pAutoBox->isChecked(), m_pSaturationBox->isChecked(), true);
-    CkViewerSettings::open()->setValue(CkViewerSettings::keyAutoContrast(), m_pAutoBox->isChecked());
 }
 
 void CkLutPanel::applyWindow() {

@@ -33,7 +33,9 @@ private:
     void applyMap(int iIndex);
     void applyFlags();
     void applyWindow();
+    void showContrast();
     void showWindow();
+    void clearWindow();
     void setContrastEnabled(bool bEnabled, const QString& sWhy);
 
     CkViewArea* m_pArea;

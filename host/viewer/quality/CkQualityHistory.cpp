@@ -29,7 +29,7 @@ QByteArray CkQualityHistory::csv(const QString& sView, const QRect& region) cons
                        .arg(region.width())
                        .arg(region.height());
     text += QStringLiteral("frame,frames_over_time,unit,mean,std_region,std_time,valid_share,tilt_deg,"
-                           "flatness_mm,plane_rms_mm\n");
+                           "flatness_mm,plane_rms_mm,saturation_known\n");
     for (const SkQualityValues& values : m_values) {
         const QStringList cells{QString::number(values.frameNumber),
                                 QString::number(values.frames),
@@ -40,7 +40,8 @@ QByteArray CkQualityHistory::csv(const QString& sView, const QRect& region) cons
                                 cell(values.validShare),
                                 cell(values.tiltDegrees),
                                 cell(values.flatness),
-                                cell(values.planeRms)};
+                                cell(values.planeRms),
+                                QString::number(int(values.saturationKnown))};
         text += cells.join(QLatin1Char(',')) + QLatin1Char('\n');
     }
     return text.toUtf8();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 void CkQualityMeter::setRegion(const QRect& region) {
     if (region != m_region) {
@@ -24,7 +25,8 @@ void CkQualityMeter::restart() {
     m_fReferenceMm = SkQualityValues::kNothing;
 }
 
-bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, SkQualityValues& values) {
+bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, const std::vector<bool>& saturated,
+                         SkQualityValues& values) {
     values = SkQualityValues();
     const SkPicBuf& picture = frame.picBuf();
     const QSize size(int(picture.width), int(picture.height));
@@ -36,6 +38,11 @@ bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, SkQualityV
     }
     if (!readRegion(picture, frame.metadata(), region, m_rule, m_samples)) {
         return false;
+    }
+    for (size_t i = 0; i < std::min(saturated.size(), m_samples.values.size()); ++i) {
+        if (saturated[i]) {
+            m_samples.values[i] = std::numeric_limits<float>::quiet_NaN();
+        }
     }
     if (m_samples.unit != m_sUnit) {
         m_sUnit = m_samples.unit;

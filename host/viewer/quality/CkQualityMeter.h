@@ -28,8 +28,10 @@ public:
     void setLens(const SkQualityLens& lens) { m_lens = lens; }
     void restart();
 
+    /// saturated: pixels of the region that are not valid whatever they hold, row by row; empty for none.
     /// False when the frame has no such channel or nothing of it lies in the region.
-    bool add(const CkImageData& frame, quint32 uiChannel, SkQualityValues& values);
+    bool add(const CkImageData& frame, quint32 uiChannel, const std::vector<bool>& saturated,
+             SkQualityValues& values);
 
 private:
     void fillSpread(SkQualityValues& values) const;

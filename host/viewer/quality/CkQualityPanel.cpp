@@ -3,6 +3,7 @@
 #include "area/CkViewArea.h"
 #include "image/CkImageCanvas.h"
 #include "image/CkImageView.h"
+#include "image/CkSaturation.h"
 #include "quality/CkQualityPlot.h"
 #include "quality/CkRegionOverlay.h"
 #include "zuCore/CkChain.h"
@@ -67,7 +68,10 @@ CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pP
             release();
         }
     });
-    connect(m_pArea, &CkViewArea::viewClosed, this, [this] { follow(); });
+    connect(m_pArea, &CkViewArea::viewClosed, this, [this](int iViewId) {
+        m_kept.erase(iViewId);
+        follow();
+    });
     connect(m_pDraw, &QToolButton::toggled, this, [this](bool bOn) {
         if (m_overlay) {
             m_overlay->setDrawing(bOn);
@@ -77,11 +81,9 @@ CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pP
     connect(m_pCopy, &QPushButton::clicked, this, &CkQualityPanel::copy);
     connect(m_pSave, &QPushButton::clicked, this, &CkQualityPanel::saveWithDialog);
     connect(m_pQuantity, &QComboBox::currentIndexChanged, this, &CkQualityPanel::showNumbers);
-    const auto lens = [this] { m_meter.setLens({m_pFocalLength->value(), m_pCellSize->value()}); };
-    connect(m_pFocalLength, &QDoubleSpinBox::valueChanged, this, lens);
-    connect(m_pCellSize, &QDoubleSpinBox::valueChanged, this, lens);
-    connect(m_pConfidence, &QDoubleSpinBox::valueChanged, this,
-            [this](double fLimit) { m_meter.setConfidenceLimit(float(fLimit)); });
+    for (QDoubleSpinBox* number : {m_pFocalLength, m_pCellSize, m_pConfidence}) {
+        connect(number, &QDoubleSpinBox::valueChanged, this, &CkQualityPanel::applySettings);
+    }
     showNumbers();
 }
 
@@ -151,26 +153,41 @@ void CkQualityPanel::follow() {
     release();
     m_source = source;
     if (m_source) {
+        if (const auto kept = m_kept.find(m_source->viewId()); kept != m_kept.end()) {
+            m_now = std::move(kept->second);
+            m_kept.erase(kept);
+        }
+        applySettings();
         m_overlay = new CkRegionOverlay(m_source->canvas());
         m_overlay->setDrawing(m_pDraw->isChecked());
         connect(m_overlay, &CkRegionOverlay::regionDrawn, this, &CkQualityPanel::setRegion);
         connect(m_source, &CkMdiView::imageShown, this,
                 [this](int, const CkImageData* pData) { measure(pData); });
-        measure(m_source->currentImage());
+        const CkImageData* const frame = m_source->currentImage();
+        if (frame != nullptr && (m_now.pixels != frame->picBuf().data ||
+                                 m_now.values.frameNumber != frame->metadata().frameNumber)) {
+            measure(frame);
+        } else {
+            showRegion();
+        }
     }
     showNumbers();
+}
+
+void CkQualityPanel::applySettings() {
+    m_now.meter.setLens({m_pFocalLength->value(), m_pCellSize->value()});
+    m_now.meter.setConfidenceLimit(float(m_pConfidence->value()));
 }
 
 void CkQualityPanel::release() {
     if (m_source) {
         disconnect(m_source, nullptr, this, nullptr);
+        m_kept[m_source->viewId()] = std::move(m_now);
     }
     delete m_overlay;
+    m_watch.watch(nullptr);
     m_source = nullptr;
-    m_history.clear();
-    m_meter.setRegion({});
-    m_meter.restart();
-    m_values = SkQualityValues();
+    m_now = SkMeasurement();
     m_delay.stop();
 }
 
@@ -179,16 +196,12 @@ void CkQualityPanel::setRegion(const QRect& region) {
         return;
     }
     m_regions.insert(regionKey(), region);
-    m_history.clear();
+    m_now.history.clear();
     measure(m_source->currentImage());
     showNumbers();
 }
 
-void CkQualityPanel::measure(const CkImageData* pFrame) {
-    if (!m_source || pFrame == nullptr || pFrame->picBuf().data == nullptr) {
-        return;
-    }
-    const QSize size(int(pFrame->picBuf().width), int(pFrame->picBuf().height));
+void CkQualityPanel::chooseRegion(const QSize& size) {
     const QString key = regionKey();
     if (!m_regions.contains(key)) {
         // Something to look at before a region is drawn: the middle.
@@ -197,53 +210,101 @@ void CkQualityPanel::measure(const CkImageData* pFrame) {
             key, QRect(QPoint((size.width() - part.width()) / 2, (size.height() - part.height()) / 2), part));
     }
     const QRect region = m_regions.value(key);
-    if (region != m_meter.region()) {
-        m_meter.setRegion(region);
-        m_history.clear();
+    if (region != m_now.meter.region()) {
+        m_now.meter.setRegion(region);
+        m_now.history.clear();
     }
+    showRegion();
+}
+
+void CkQualityPanel::showRegion() {
     if (m_overlay) {
-        m_overlay->setRegion(region);
+        m_overlay->setRegion(m_now.meter.region());
     }
-    const QString unit = m_values.unit;
-    if (m_meter.add(*pFrame, quint32(std::max(0, m_source->channel())), m_values)) {
+}
+
+bool CkQualityPanel::findSaturated(const CkImageData& frame, std::vector<bool>& saturated) {
+    using EkAnswer = CkSaturationWatch::EkAnswer;
+    const SkPicBuf& picture = frame.picBuf();
+    const CkSaturation::EkEvidence evidence =
+        CkSaturation::evidence(picture, frame.metadata(), m_source->dataProvider());
+    m_now.saturationReason = CkSaturation::reason(evidence);
+    if (evidence != CkSaturation::EkEvidence::Computed) {
+        m_watch.watch(nullptr);
+        return true;
+    }
+    m_watch.watch(CkSaturation::soleSource(m_source->dataProvider()));
+    const QSize size(int(picture.width), int(picture.height));
+    const EkAnswer answer = m_watch.saturated(picture.additionalData.frameNumber, size,
+                                              m_now.meter.region() & QRect(QPoint(0, 0), size), saturated);
+    m_now.saturationReason = answer == EkAnswer::Known    ? QString()
+                             : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
+                             : answer == EkAnswer::Difference
+                                 ? CkSaturation::reason(CkSaturation::EkEvidence::Difference)
+                                 : tr("the camera's picture does not tell");
+    const bool had = !m_now.history.values().empty();
+    if (answer == EkAnswer::Missed && had && m_now.values.saturationKnown) {
+        m_now.saturationReason.clear(); // the next frame will be seen
+        return false;
+    }
+    if (answer == EkAnswer::Known && had && !m_now.values.saturationKnown) {
+        m_now.meter.restart();
+        m_now.history.clear();
+    }
+    return true;
+}
+
+void CkQualityPanel::measure(const CkImageData* pFrame) {
+    if (!m_source || pFrame == nullptr || pFrame->picBuf().data == nullptr) {
+        return;
+    }
+    chooseRegion(QSize(int(pFrame->picBuf().width), int(pFrame->picBuf().height)));
+    std::vector<bool> saturated;
+    if (!findSaturated(*pFrame, saturated)) {
+        return;
+    }
+    const QString unit = m_now.values.unit;
+    if (m_now.meter.add(*pFrame, quint32(std::max(0, m_source->channel())), saturated, m_now.values)) {
+        m_now.values.saturationKnown = m_now.saturationReason.isEmpty();
         // A curve has one unit and one spread over time.
-        if (m_values.unit != unit || m_values.frames == 1) {
-            m_history.clear();
+        if (m_now.values.unit != unit || m_now.values.frames == 1) {
+            m_now.history.clear();
         }
-        m_history.add(m_values);
+        m_now.history.add(m_now.values);
     }
+    m_now.pixels = pFrame->picBuf().data;
     if (!m_delay.isActive()) {
         m_delay.start();
     }
 }
 
 void CkQualityPanel::restart() {
-    m_meter.restart();
-    m_history.clear();
-    m_values = SkQualityValues();
+    m_now.meter.restart();
+    m_now.history.clear();
+    m_now.values = SkQualityValues();
     showNumbers();
 }
 
 void CkQualityPanel::showNumbers() {
     const int count = int(m_numbers.size());
     for (int i = 0; i < count; ++i) {
-        m_numbers[i]->setText(CkQualityHistory::number(quantity(m_values, i), unitOf(m_values, i)));
+        m_numbers[i]->setText(CkQualityHistory::number(quantity(m_now.values, i), unitOf(m_now.values, i)));
     }
     const int chosen = std::max(0, m_pQuantity->currentIndex());
-    const auto& history = m_history.values();
+    const auto& history = m_now.history.values();
     const size_t width = size_t(std::max(2, m_pPlot->width()));
     const size_t first = history.size() > width ? history.size() - width : 0;
     std::vector<double> curve;
     for (size_t i = first; i < history.size(); ++i) {
         curve.push_back(quantity(history[i], chosen));
     }
-    m_pPlot->showValues(curve, unitOf(m_values, chosen));
+    m_pPlot->showValues(curve, unitOf(m_now.values, chosen));
     updateControls();
 }
 
 bool CkQualityPanel::saveHistory(const QString& sFileName, QString& sError) const {
     const QByteArray text =
-        m_history.csv(m_source ? m_source->viewTitle().simplified() : QString(), m_meter.region());
+        m_now.history.csv(m_source ? m_source->viewTitle().simplified() : QString(), m_now.meter.region());
     QSaveFile file(sFileName);
     if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
         return true;

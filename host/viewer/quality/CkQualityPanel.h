@@ -2,11 +2,14 @@
 
 #include "quality/CkQualityHistory.h"
 #include "quality/CkQualityMeter.h"
+#include "quality/CkSaturationWatch.h"
 
 #include <QHash>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
+
+#include <map>
 
 class CkImageView;
 class CkMdiView;
@@ -34,11 +37,11 @@ public:
 
     /// The view that is measured, or null.
     CkImageView* measuredView() const { return m_source; }
-    const QRect& region() const { return m_meter.region(); }
+    const QRect& region() const { return m_now.meter.region(); }
     void setRegion(const QRect& region);
     /// Of the frame measured last.
-    const SkQualityValues& values() const { return m_values; }
-    const CkQualityHistory& history() const { return m_history; }
+    const SkQualityValues& values() const { return m_now.values; }
+    const CkQualityHistory& history() const { return m_now.history; }
 
     /// What the buttons do, with shortcuts, for a menu.
     const QList<QAction*>& menuActions() const { return m_actions; }
@@ -63,6 +66,15 @@ protected:
     void resizeEvent(QResizeEvent* pEvent) override;
 
 private:
+    /// What is known of a view; kept while another one is measured.
+    struct SkMeasurement {
+        CkQualityMeter meter;
+        CkQualityHistory history;
+        SkQualityValues values;
+        const void* pixels = nullptr; ///< of the frame measured last, to know it again
+        QString saturationReason;     ///< why saturated pixels may count as valid; empty: they do not
+    };
+
     void createControls();
     void placeButtons();
     QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
@@ -73,7 +85,12 @@ private:
     void release();
     CkImageView* sourceFor(CkMdiView* pView) const;
     QString regionKey() const;
+    void applySettings();
     void measure(const CkImageData* pFrame);
+    void chooseRegion(const QSize& size);
+    void showRegion();
+    /// False for a frame that is better left out.
+    bool findSaturated(const CkImageData& frame, std::vector<bool>& saturated);
     void showNumbers();
     void saveWithDialog();
     void updateControls();
@@ -98,9 +115,9 @@ private:
     QPointer<CkImageView> m_source;
     QPointer<CkRegionOverlay> m_overlay;
     QHash<QString, QRect> m_regions;
-    CkQualityMeter m_meter;
-    CkQualityHistory m_history;
-    SkQualityValues m_values;
+    CkSaturationWatch m_watch;
+    SkMeasurement m_now;
+    std::map<int, SkMeasurement> m_kept; ///< by the views' identifiers
     bool m_bInSight = true;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
 };

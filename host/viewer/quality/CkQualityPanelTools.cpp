@@ -181,16 +181,20 @@ void CkQualityPanel::updateControls() {
                             : !m_source ? tr("The active view shows no picture. Open a depth picture of its "
                                              "chain to measure in it.")
                                         : tr("There is no picture yet");
-    const QRect region = m_meter.region();
-    const bool measures = m_source && !m_history.values().empty();
+    const QRect region = m_now.meter.region();
+    const bool measures = m_source && !m_now.history.values().empty();
     if (measures) {
-        QString where =
-            tr("%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)", nullptr, pluralNumber(m_values.frames))
-                .arg(m_source->viewTitle().simplified(), QString::number(region.x()),
-                     QString::number(region.y()), QString::number(region.width()),
-                     QString::number(region.height()));
-        if (m_values.unit != QLatin1String("mm")) {
+        QString where = tr("%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)", nullptr,
+                           pluralNumber(m_now.values.frames))
+                            .arg(m_source->viewTitle().simplified(), QString::number(region.x()),
+                                 QString::number(region.y()), QString::number(region.width()),
+                                 QString::number(region.height()));
+        if (m_now.values.unit != QLatin1String("mm")) {
             where += QLatin1Char('\n') + tr("No distances: no plane is fitted.");
+        }
+        if (!m_now.saturationReason.isEmpty()) {
+            where += QLatin1Char('\n') +
+                     tr("Saturated pixels may count as valid: %1.").arg(m_now.saturationReason);
         }
         m_pWhere->setText(where);
     } else {
@@ -219,7 +223,7 @@ void CkQualityPanel::updateControls() {
 }
 
 void CkQualityPanel::copy() {
-    QGuiApplication::clipboard()->setText(CkQualityHistory::text(m_values));
+    QGuiApplication::clipboard()->setText(CkQualityHistory::text(m_now.values));
 }
 
 void CkQualityPanel::saveWithDialog() {

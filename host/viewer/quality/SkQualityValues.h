@@ -11,8 +11,9 @@ struct SkQualityValues {
     static constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
 
     quint64 frameNumber = 0;
-    qint64 frames = 0; ///< that the spread over time is taken over
-    QString unit;      ///< "mm", "rad", or empty for plain counts
+    qint64 frames = 0;           ///< that the spread over time is taken over
+    bool saturationKnown = true; ///< false: saturated pixels may be among the valid ones
+    QString unit;                ///< "mm", "rad", or empty for plain counts
     double mean = kNothing;
     double spatialStd = kNothing;  ///< over the region, of this frame
     double temporalStd = kNothing; ///< over time: quadratic mean of the pixels' own

@@ -2,8 +2,15 @@
 
 #include "ViewerControls.h"
 #include "camera/CkCameraPanel.h"
+#include "lut/CkLutPanel.h"
+#include "quality/CkQualityPanel.h"
+#include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkImageData.h"
 
+#include <QCheckBox>
+#include <QLabel>
 #include <QToolButton>
+#include <cmath>
 
 namespace {
 
@@ -76,6 +83,63 @@ TEST_F(ToFSession, EveryEntryOfThePluginHasAShortcutAndAReason) {
     ASSERT_TRUE(waitForScene());
     area()->setActiveView(scene()->viewId());
     expectReasons("3D view");
+}
+
+TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
+    ASSERT_TRUE(start());
+    void* wave = desk()->openCamera("sim:wave", true);
+    const auto set = [wave](const char* name, double value) {
+        CkCameraParam* param = CkCameraManager::instance()->cameraParameters(wave)->findParam(name);
+        ASSERT_NE(param, nullptr) << name;
+        ASSERT_TRUE(param->setParamValue(CkValue(value)) && param->commit()) << name;
+    };
+    set("sim_scene", 1);
+    set("sim_wall_distance", 0.4);
+    set("exposure", 1000); // far too much for a wall so near
+    ASSERT_TRUE(desk()->start(wave));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    desk()->panel(wave)->findChild<QToolButton*>("btnToFAllViews")->click();
+    CkImageView* phase = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            for (CkMdiView* view : area()->views()) {
+                auto* image = qobject_cast<CkImageView*>(view);
+                if (image != nullptr && image->currentImage() != nullptr &&
+                    image->currentImage()->metadata().channelNames.value(0) == "Phase shift") {
+                    phase = image;
+                }
+            }
+            return phase != nullptr;
+        },
+        30'000));
+    area()->setActiveView(phase->viewId());
+    auto* quality = window()->findChild<CkQualityPanel*>("qualityPanel");
+    emit quality->sightWanted();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return quality->measuredView() == phase; }, 30'000));
+    const auto values = [quality] { return quality->values(); };
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return values().saturationKnown && values().validShare == 0.0; }, 30'000))
+        << values().validShare << ' ' << values().mean << ' ' << values().saturationKnown;
+    EXPECT_TRUE(std::isnan(values().mean));
+    // Nor does the amplitude, which is 0 where both taps are full, and nothing can be marked there.
+    EXPECT_FALSE(phase->saturationReason().isEmpty());
+    const auto* mark = window()->lutPanel()->findChild<QCheckBox*>("lutSaturation");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !mark->isEnabled(); }, 30'000));
+    EXPECT_EQ(mark->toolTip(), phase->saturationReason());
+    set("exposure", 100);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return values().validShare == 1.0; }, 30'000)) << values().validShare;
+    EXPECT_NEAR(values().mean, 400.0, 40.0) << "along the rays";
+    // A minus B does not tell.
+    set("tof_readout_mode", 2);
+    set("imgdataformat", 6);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !values().saturationKnown; }, 30'000));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return quality->findChild<QLabel*>("qualityWhere")->text().contains("A minus B does not tell");
+        },
+        30'000));
+    area()->setActiveView(firstView()->viewId());
+    EXPECT_FALSE(firstView()->saturationReason().isEmpty());
 }
 
 } // namespace

@@ -175,7 +175,7 @@ TEST(QualityMeter, AWallIsFlatAndItsTiltIsFound) {
     meter.setRegion(QRect(5, 3, 50, 40));
     SkQualityValues values;
     for (const double degrees : {0.0, 10.0, 30.0}) {
-        ASSERT_TRUE(meter.add(*turnedWall(2000.0, degrees, 0.5, 0.01), 0, values));
+        ASSERT_TRUE(meter.add(*turnedWall(2000.0, degrees, 0.5, 0.01), 0, {}, values));
         EXPECT_NEAR(values.tiltDegrees, degrees, 1e-3);
         // Single precision at 3 m is a quarter of a micrometre.
         EXPECT_LT(values.planeRms, 0.001);
@@ -184,14 +184,14 @@ TEST(QualityMeter, AWallIsFlatAndItsTiltIsFound) {
     }
     // The same distances taken for those of another lens are no wall.
     meter.setLens({3.5, 0.01});
-    ASSERT_TRUE(meter.add(*turnedWall(2000.0, 0.0, 0.5, 0.01), 0, values));
+    ASSERT_TRUE(meter.add(*turnedWall(2000.0, 0.0, 0.5, 0.01), 0, {}, values));
     EXPECT_GT(values.flatness, 10.0);
     // What the camera tells wins.
     auto told = turnedWall(2000.0, 0.0, 0.5, 0.01);
     CkImageMetadata metadata = told->metadata();
     metadata.lensFocalLength = 0.5F;
     told->setMetadata(metadata);
-    ASSERT_TRUE(meter.add(*told, 0, values));
+    ASSERT_TRUE(meter.add(*told, 0, {}, values));
     EXPECT_LT(values.flatness, 0.003);
 }
 
@@ -202,19 +202,19 @@ TEST(QualityMeter, SpreadOverRegionAndTimeAreTwoThings) {
     const auto frame = [](float low, float high) {
         return floats(2, 2, 1, [=](quint32 x, quint32, quint32) { return x == 0 ? low : high; });
     };
-    ASSERT_TRUE(meter.add(*frame(1.0F, 3.0F), 0, values));
+    ASSERT_TRUE(meter.add(*frame(1.0F, 3.0F), 0, {}, values));
     EXPECT_EQ(values.mean, 2.0);
     EXPECT_DOUBLE_EQ(values.spatialStd, std::sqrt(2.0));
     EXPECT_TRUE(std::isnan(values.temporalStd));
     EXPECT_TRUE(std::isnan(values.tiltDegrees));
     EXPECT_EQ(values.unit, QString());
-    ASSERT_TRUE(meter.add(*frame(2.0F, 4.0F), 0, values));
+    ASSERT_TRUE(meter.add(*frame(2.0F, 4.0F), 0, {}, values));
     EXPECT_DOUBLE_EQ(values.spatialStd, std::sqrt(2.0));
     EXPECT_DOUBLE_EQ(values.temporalStd, std::sqrt(0.5));
     EXPECT_EQ(values.frames, 2);
-    ASSERT_TRUE(meter.add(*frame(2.0F, kNaN), 0, values));
+    ASSERT_TRUE(meter.add(*frame(2.0F, kNaN), 0, {}, values));
     EXPECT_EQ(values.validShare, 0.5);
-    ASSERT_TRUE(meter.add(*frame(kNaN, kNaN), 0, values));
+    ASSERT_TRUE(meter.add(*frame(kNaN, kNaN), 0, {}, values));
     EXPECT_EQ(values.validShare, 0.0);
     EXPECT_TRUE(std::isnan(values.mean));
 }
@@ -225,10 +225,10 @@ TEST(QualityMeter, StartsAnewWhenSomethingElseIsMeasured) {
     const auto flat = [](quint32 size, const QString& name) {
         return named(floats(size, size, 2, [](quint32, quint32, quint32) { return 1.0F; }), {name});
     };
-    EXPECT_FALSE(meter.add(*flat(8, {}), 0, values)); // no region yet
+    EXPECT_FALSE(meter.add(*flat(8, {}), 0, {}, values)); // no region yet
     meter.setRegion(QRect(6, 6, 4, 4));
     const auto frames = [&](quint32 size, quint32 channel, const char* name) {
-        EXPECT_TRUE(meter.add(*flat(size, QLatin1String(name)), channel, values));
+        EXPECT_TRUE(meter.add(*flat(size, QLatin1String(name)), channel, {}, values));
         return values.frames;
     };
     EXPECT_EQ(frames(8, 0, ""), 1);
@@ -241,7 +241,7 @@ TEST(QualityMeter, StartsAnewWhenSomethingElseIsMeasured) {
     EXPECT_EQ(frames(9, 0, "Depth"), 1);
     meter.setRegion(QRect(5, 5, 4, 4));
     EXPECT_EQ(frames(9, 0, "Depth"), 1);
-    EXPECT_FALSE(meter.add(*flat(4, {}), 0, values)); // the region lies outside
+    EXPECT_FALSE(meter.add(*flat(4, {}), 0, {}, values)); // the region lies outside
 }
 
 TEST(QualityMeter, NoiseAroundTheEndOfTheRangeIsNoJump) {
@@ -255,7 +255,7 @@ TEST(QualityMeter, NoiseAroundTheEndOfTheRangeIsNoJump) {
             floats(4, 4, 1,
                    [=](quint32 x, quint32, quint32) { return (int(x) + i) % 2 == 0 ? 0.01F : turn - 0.01F; }),
             {QStringLiteral("Phase shift")}, 20.0F);
-        ASSERT_TRUE(meter.add(*frame, 0, values));
+        ASSERT_TRUE(meter.add(*frame, 0, {}, values));
     }
     const double step = 0.01 * 7492.5635 / (2.0 * std::numbers::pi); // 11.9 mm
     EXPECT_NEAR(values.mean, 0.0, 0.01);
@@ -273,11 +273,15 @@ TEST(QualityHistory, TableHoldsOneLineAFrame) {
     values.spatialStd = 0.25;
     values.validShare = 0.75;
     history.add(values);
-    EXPECT_EQ(
-        history.csv(QStringLiteral("Depth"), QRect(1, 2, 3, 4)),
-        "# view: Depth; region: x 1, y 2, 3 x 4 pixels\n"
-        "frame,frames_over_time,unit,mean,std_region,std_time,valid_share,tilt_deg,flatness_mm,plane_rms_mm\n"
-        "7,2,mm,1234.5,0.25,,0.75,,,\n");
+    values.frameNumber = 8;
+    values.saturationKnown = false;
+    history.add(values);
+    EXPECT_EQ(history.csv(QStringLiteral("Depth"), QRect(1, 2, 3, 4)),
+              "# view: Depth; region: x 1, y 2, 3 x 4 pixels\n"
+              "frame,frames_over_time,unit,mean,std_region,std_time,valid_share,tilt_deg,flatness_mm,"
+              "plane_rms_mm,saturation_known\n"
+              "7,2,mm,1234.5,0.25,,0.75,,,,1\n"
+              "8,2,mm,1234.5,0.25,,0.75,,,,0\n");
     EXPECT_TRUE(CkQualityHistory::text(values).startsWith(QStringLiteral("Mean\t1234.5 mm\n")));
     EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Valid pixels\t75.00 %\n")));
     EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Tilt\t\u2013\n")));

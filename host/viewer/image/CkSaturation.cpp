@@ -1,0 +1,75 @@
+#include "image/CkSaturation.h"
+
+#include "zuCore/CkChain.h"
+#include "zuCore/CkImageSource.h"
+
+namespace {
+
+bool isFloat(EkImageDataType type) {
+    return type == EkImageDataType::Float32 || type == EkImageDataType::Float64;
+}
+
+bool isSigned(EkImageDataType type) {
+    return type == EkImageDataType::Int8 || type == EkImageDataType::Int16 ||
+           type == EkImageDataType::Int32 || type == EkImageDataType::Int64;
+}
+
+bool isDifferenceCode(quint32 code) {
+    return code == TofFormatCode::AminusBBits8 || code == TofFormatCode::AminusBBits12 ||
+           code == TofFormatCode::AminusBBits12Alternate;
+}
+
+// A block that passes samples on keeps their kind and number; its picture is as good as the source's.
+bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
+    const CkChainable* const source = CkSaturation::soleSource(pBlock);
+    SkPicBufInfo original;
+    if (source == nullptr || !source->chain()->negotiatedInfo(source, original, nullptr)) {
+        return pBlock != nullptr && qobject_cast<const CkImageSource*>(pBlock) == nullptr;
+    }
+    const auto samples = [](const SkPicBufInfo& picture) {
+        return quint64(picture.width) * picture.height * picture.channels;
+    };
+    return info.dataType != original.dataType || samples(info) < samples(original);
+}
+
+} // namespace
+
+CkSaturation::EkEvidence CkSaturation::evidence(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                                const CkChainable* pBlock) {
+    if (isMadeAnew(info, pBlock)) {
+        return EkEvidence::Computed;
+    }
+    if (isFloat(info.dataType)) {
+        return EkEvidence::Floats;
+    }
+    return isSigned(info.dataType) && isDifferenceCode(metadata.tofFormatCode) ? EkEvidence::Difference
+                                                                               : EkEvidence::Samples;
+}
+
+QString CkSaturation::reason(EkEvidence evidence) {
+    switch (evidence) {
+    case EkEvidence::Difference:
+        return tr("A minus B does not tell whether A and B were saturated");
+    case EkEvidence::Floats:
+        return tr("Samples of this kind have no end of their range");
+    case EkEvidence::Computed:
+        return tr("A computed picture does not tell; the picture of the camera does");
+    default:
+        return {};
+    }
+}
+
+CkChainable* CkSaturation::soleSource(const CkChainable* pBlock) {
+    const CkChainable* block = pBlock;
+    while (block != nullptr && qobject_cast<const CkImageSource*>(block) == nullptr) {
+        const QList<CkChainable*> feeders = block->precedessors();
+        block = feeders.size() == 1 ? feeders.first() : nullptr;
+    }
+    return block != nullptr && block->chain() != nullptr ? const_cast<CkChainable*>(block) : nullptr;
+}
+
+quint64 CkSaturation::fullScale(const SkPicBufInfo& info) {
+    const quint32 held = 8 * sampleBytes(info.dataType);
+    const quint32 bits = info.bitsPerChannel == 0 || info.bitsPerChannel > held ? held : info.bitsPerChannel;
+    return bits >= 64 ? ~quint64(0) : (quint64(1) << bits) - 1;
+}
