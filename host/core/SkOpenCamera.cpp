@@ -5,6 +5,33 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+// One step where the camera takes it, else one by one, so that a value that it no longer accepts takes no
+// other with it.
+void copyValues(const CkCameraParameters& from, CkCameraParameters& to) {
+    QList<CkCameraParam*> changed;
+    for (const CkCameraParam* old : from.params()) {
+        CkCameraParam* const param = to.findParam(old->name());
+        if (param != nullptr && !param->description().readOnly &&
+            param->setParamValue(old->committedValue())) {
+            changed.append(param);
+            to.addParamCommitToBatch(param);
+        }
+    }
+    if (to.endCommitBatch(true)) {
+        return;
+    }
+    for (CkCameraParam* param : changed) {
+        const CkCameraParam* const old = from.findParam(param->name());
+        if (param->setParamValue(old->committedValue())) {
+            param->commit();
+        }
+    }
+}
+
+} // namespace
+
 SkOpenCamera::~SkOpenCamera() = default;
 
 void SkOpenCamera::close() {
@@ -16,6 +43,21 @@ void SkOpenCamera::close() {
         const std::lock_guard lock(m_cameraMutex);
         gone = std::move(camera);
     }
+}
+
+void SkOpenCamera::unplug() {
+    presence = camera->isRunning() ? EkPresence::UnpluggedWhileRunning : EkPresence::Unplugged;
+    if (camera->isRunning()) {
+        camera->stop();
+    }
+}
+
+std::unique_ptr<IkCamera> SkOpenCamera::replug(std::unique_ptr<IkCamera> fresh) {
+    copyValues(*camera->parameters(), *fresh->parameters());
+    fresh->setPaused(paused);
+    const std::lock_guard lock(m_cameraMutex);
+    std::swap(camera, fresh);
+    return fresh;
 }
 
 bool SkOpenCamera::frameInfo(SkPicBufInfo& formatInfo, CkImageMetadata* pMetadata) const {

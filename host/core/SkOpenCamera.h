@@ -8,6 +8,14 @@
 #include <thread>
 #include <vector>
 
+/// Whether an open camera can deliver.
+enum class EkPresence {
+    PluggedIn,
+    Unplugged,
+    UnpluggedWhileRunning, ///< delivers as soon as it is back
+    Closing,
+};
+
 /// An open camera and who gets its frames.
 struct SkOpenCamera {
     SkOpenCamera() = default;
@@ -18,10 +26,16 @@ struct SkOpenCamera {
     void* handle = nullptr;
     SkCameraInfo info;
     std::unique_ptr<IkCamera> camera; ///< user-interface thread, but for frameInfo
-    bool closing = false;
+    EkPresence presence = EkPresence::PluggedIn;
+    bool paused = false;
 
     /// Stops and deletes the camera. User-interface thread.
     void close();
+    /// The camera, stopped, is kept for its parameters. User-interface thread.
+    void unplug();
+    /// Goes on with the same camera opened anew: its parameters get the values of the old one, which is
+    /// handed back stopped. User-interface thread.
+    std::unique_ptr<IkCamera> replug(std::unique_ptr<IkCamera> fresh);
     /// Any thread, also while the camera is closed.
     bool frameInfo(SkPicBufInfo& formatInfo, CkImageMetadata* pMetadata) const;
 

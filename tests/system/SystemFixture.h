@@ -66,6 +66,14 @@ protected:
         ASSERT_NO_FATAL_FAILURE(openMenu(menu));
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
     }
+    /// Of a menu that lists what is there at the moment; it is filled anew as it opens.
+    void clickOnlyEntry(const char* menuName) {
+        auto* menu = window()->findChild<QMenu*>(QLatin1String(menuName));
+        ASSERT_NE(menu, nullptr) << menuName;
+        ASSERT_NO_FATAL_FAILURE(openMenu(menu));
+        ASSERT_EQ(menu->actions().size(), 1) << menuName;
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[0]).center());
+    }
     QAction* pluginAction(const char* objectName) const {
         return window()->menu(3)->findChild<QAction*>(QLatin1String(objectName));
     }

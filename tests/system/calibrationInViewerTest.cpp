@@ -210,16 +210,16 @@ TEST_F(CalibrationInViewer, CancelHalfWayLeavesTheOffsetAlone) {
     EXPECT_EQ(storedOffset(), 0.0);
 }
 
-TEST_F(CalibrationInViewer, CameraUnpluggedWhileMeasuringLeavesADialogToCancel) {
+TEST_F(CalibrationInViewer, CameraClosedWhileMeasuringLeavesADialogToCancel) {
     ASSERT_NO_FATAL_FAILURE(openWall());
     set(m_camera, "framerate", 2);
-    bool unplugged = false;
+    bool closed = false;
     int looks = 0;
     calibrate(QStringLiteral("125"), false, [&](QDialog* dialog) {
-        if (!unplugged && framesCounted(dialog) >= 1) {
-            unplugged = true;
-            desk()->unplugCamera(m_camera);
-        } else if (unplugged && ++looks == 3) {
+        if (!closed && framesCounted(dialog) >= 1) {
+            closed = true;
+            desk()->closeCamera(m_camera);
+        } else if (closed && ++looks == 3) {
             EXPECT_TRUE(area()->views().isEmpty());
             EXPECT_LT(framesCounted(dialog), 5);
             press(dialog, QDialogButtonBox::Cancel);
@@ -229,6 +229,26 @@ TEST_F(CalibrationInViewer, CameraUnpluggedWhileMeasuringLeavesADialogToCancel) 
     EXPECT_TRUE(m_boxes.isEmpty()) << qPrintable(m_boxes.join(u'\n'));
     EXPECT_EQ(storedOffset(), 0.0);
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+}
+
+TEST_F(CalibrationInViewer, CameraUnpluggedWhileMeasuringHoldsTheMeasurementUntilItIsBack) {
+    ASSERT_NO_FATAL_FAILURE(openWall());
+    set(m_camera, "framerate", 2);
+    int counted = 0;
+    int looks = 0;
+    calibrate(QStringLiteral("125"), false, [&](QDialog* dialog) {
+        if (counted == 0 && framesCounted(dialog) >= 1) {
+            counted = framesCounted(dialog);
+            desk()->unplugCamera(m_camera);
+        } else if (counted > 0 && ++looks == 3) {
+            EXPECT_FALSE(area()->views().isEmpty());
+            EXPECT_LT(framesCounted(dialog), 5);
+            desk()->plugCameraIn("sim:wave");
+        }
+    });
+    EXPECT_GE(looks, 3);
+    ASSERT_EQ(m_boxes.size(), 1) << qPrintable(m_boxes.join(u'\n'));
+    EXPECT_NEAR(storedOffset(), -g_builtInM, g_converterM);
 }
 
 TEST_F(CalibrationInViewer, MetadataWithoutModulationFrequencyAreToldAndStoreNothing) {

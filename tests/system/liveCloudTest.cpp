@@ -1,4 +1,5 @@
 #include "SystemFixture.h"
+#include "area/CkViewNotices.h"
 
 #include <QSet>
 
@@ -163,7 +164,7 @@ TEST_F(LiveCloud, HybridCameraGetsItsOwnThreeBranches) {
     EXPECT_TRUE(m_boxes.isEmpty()) << qPrintable(m_boxes.join(u'\n'));
 }
 
-TEST_F(LiveCloud, UnpluggingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
+TEST_F(LiveCloud, ClosingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
     ASSERT_TRUE(start());
     // Twice: the second time stands on what the first one left.
     for (int round = 0; round < 2; ++round) {
@@ -172,18 +173,40 @@ TEST_F(LiveCloud, UnpluggingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly
         clickToolButton("btnToFAllViews");
         ASSERT_EQ(views(true).size(), 1);
         ASSERT_TRUE(waitForFrames(views(true)[0], 2));
-        auto* unplug = window()->findChild<QMenu*>(QStringLiteral("menuUnplugCamera"));
-        ASSERT_NE(unplug, nullptr);
-        ASSERT_EQ(unplug->actions().size(), 1);
-        ASSERT_NO_FATAL_FAILURE(openMenu(unplug));
-        // The menu is filled anew as it opens.
-        QTest::mouseClick(unplug, Qt::LeftButton, {}, unplug->actionGeometry(unplug->actions()[0]).center());
+        ASSERT_NO_FATAL_FAILURE(clickOnlyEntry("menuCloseCamera"));
         EXPECT_TRUE(QTest::qWaitFor([this] { return area()->views().isEmpty(); }, 30'000));
         EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
         EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
         for (const char* entry :
              {"menuOpenToF3dView", "menuOpenAllToFProcessingViews", "menuTofCalibrateOffset"}) {
             EXPECT_FALSE(pluginAction(entry)->isEnabled()) << entry;
+        }
+    }
+    EXPECT_TRUE(m_boxes.isEmpty()) << qPrintable(m_boxes.join(u'\n'));
+}
+
+TEST_F(LiveCloud, EveryViewOfAnUnpluggedCameraWaitsAndGoesOn) {
+    ASSERT_TRUE(start());
+    void* camera = openWaveCamera();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    clickToolButton("btnToFAllViews");
+    ASSERT_EQ(views(true).size(), 1);
+    ASSERT_TRUE(waitForFrames(views(true)[0], 2));
+    const QList<CkMdiView*> before = area()->views();
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_NO_FATAL_FAILURE(clickOnlyEntry("menuUnplugCamera"));
+        ASSERT_TRUE(
+            QTest::qWaitFor([camera] { return CkCameraManager::instance()->isUnplugged(camera); }, 30'000));
+        EXPECT_EQ(area()->views(), before);
+        for (CkMdiView* view : before) {
+            EXPECT_TRUE(area()->notices()->notice(view->viewId()).contains("is unplugged"))
+                << qPrintable(view->viewTitle());
+        }
+        ASSERT_NO_FATAL_FAILURE(clickOnlyEntry("menuPlugInCamera"));
+        for (CkMdiView* view : before) {
+            EXPECT_TRUE(waitForFrames(view, 2)) << qPrintable(view->viewTitle());
+            EXPECT_EQ(area()->notices()->notice(view->viewId()), "");
         }
     }
     EXPECT_TRUE(m_boxes.isEmpty()) << qPrintable(m_boxes.join(u'\n'));

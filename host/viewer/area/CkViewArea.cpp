@@ -1,5 +1,6 @@
 #include "area/CkViewArea.h"
 
+#include "area/CkViewNotices.h"
 #include "area/CkViewWindow.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
@@ -47,6 +48,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
     setBackground(QColor(0x3a, 0x3d, 0x42));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_pNotices = new CkViewNotices(this);
     connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
         // Null also means that another window of the program has the focus; the view stays the active one
         // then.

@@ -8,6 +8,7 @@
 #include <QSet>
 
 class CkMdiView;
+class CkViewNotices;
 class CkViewWindow;
 
 /// The area that holds all views, owns them, and knows which one is active.
@@ -32,6 +33,8 @@ public:
 
     /// -1: none. Stays when the program loses the focus to another one.
     int activeViewId() const { return m_iActiveViewId; }
+    /// What the views say about themselves; never null.
+    CkViewNotices* notices() const { return m_pNotices; }
     CkMdiView* activeView() const { return view(m_iActiveViewId); }
     void setActiveView(int iViewId);
 
@@ -77,6 +80,7 @@ private:
     bool showsOneInFull() const;
     void arrangeLater();
 
+    CkViewNotices* m_pNotices = nullptr;
     QList<SkEntry> m_entries;
     QSet<int> m_closing;
     int m_iActiveViewId = -1;

@@ -8,7 +8,6 @@
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 
-#include <QScrollArea>
 #include <QTabWidget>
 
 CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
@@ -17,9 +16,16 @@ CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pPar
     connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraDesk::equip);
     connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraDesk::clearAway);
     connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraDesk::cameraGone);
-    connect(manager, &CkCameraManager::cameraLost, this, [](const QString& sName) {
-        qWarning("%s", qUtf8Printable(tr("Camera \"%1\" was lost.").arg(sName)));
+    connect(manager, &CkCameraManager::cameraLost, this, [this](const QString& sName) {
+        report(tr("Camera \"%1\" was lost. Its views wait for it.").arg(sName));
     });
+    connect(manager, &CkCameraManager::cameraPluggedIn, this, [](void* pHandle) {
+        SkCameraInfo info;
+        CkCameraManager::instance()->cameraInfo(pHandle, info);
+        qInfo("%s", qUtf8Printable(tr("Camera \"%1\" is back.").arg(info.name)));
+    });
+    connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraDesk::bringViewForward);
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraDesk::bringPanelForward);
     // A chain that nobody looks at any more has no reason to run.
     connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
@@ -59,8 +65,8 @@ void CkCameraDesk::equip(void* pHandle) {
     m_panels.insert(pHandle, panel);
     SkCameraInfo info;
     CkCameraManager::instance()->cameraInfo(pHandle, info);
-    m_pPanels->setCurrentIndex(m_pPanels->addTab(panel, info.name));
-    m_pPanels->setTabToolTip(m_pPanels->indexOf(panel), info.name);
+    m_pPanels->setTabToolTip(m_pPanels->addTab(panel, info.name), info.name);
+    m_pPanels->setCurrentWidget(panel);
     connect(panel, &CkCameraPanel::startRequested, this, [this](void* pCamera) { start(pCamera); });
     connect(panel, &CkCameraPanel::stopRequested, this, &CkCameraDesk::stop);
     connect(panel, &CkCameraPanel::newViewRequested, this, &CkCameraDesk::openView);
@@ -133,6 +139,7 @@ bool CkCameraDesk::stop(void* pHandle) {
         return false;
     }
     manager->stopAcquisition(handle);
+    manager->setPaused(handle, false); // what is started again runs
     for (CkChain* chain : chainsOf(handle)) {
         chain->stop();
     }
@@ -145,6 +152,13 @@ void CkCameraDesk::closeCamera(void* pHandle) {
 
 void CkCameraDesk::unplugCamera(void* pHandle) {
     CkCameraManager::instance()->unplugCamera(pHandle);
+}
+
+void CkCameraDesk::plugCameraIn(const QString& sId) {
+    QString error;
+    if (!CkCameraManager::instance()->plugCameraIn(sId, &error)) {
+        report(tr("Camera \"%1\" does not go on: %2").arg(sId, error));
+    }
 }
 
 void CkCameraDesk::closeAllCameras() {
@@ -167,20 +181,45 @@ void CkCameraDesk::clearAway(void* pHandle) {
         panel->hide();
         // The click that led here may have come from inside the panel, but its editors must not outlive the
         // camera.
-        qDeleteAll(panel->findChildren<QScrollArea*>(QString(), Qt::FindDirectChildrenOnly));
+        panel->detach();
         panel->deleteLater();
     }
 }
 
+void* CkCameraDesk::cameraOfActiveView() const {
+    const CkMdiView* view = m_pArea->activeView();
+    const QList<void*> handles = view != nullptr ? view->cameraHandles() : QList<void*>();
+    return !handles.isEmpty() && CkCameraManager::instance()->isOpen(handles.first()) ? handles.first()
+                                                                                      : nullptr;
+}
+
 void* CkCameraDesk::currentCamera() const {
-    if (const CkMdiView* view = m_pArea->activeView()) {
-        const QList<void*> handles = view->cameraHandles();
-        if (!handles.isEmpty() && CkCameraManager::instance()->isOpen(handles.first())) {
-            return handles.first();
-        }
+    if (void* camera = cameraOfActiveView()) {
+        return camera;
     }
-    const QList<void*> open = CkCameraManager::instance()->openedCameras();
-    return open.size() == 1 ? open.first() : nullptr;
+    const auto* shown = qobject_cast<const CkCameraPanel*>(m_pPanels->currentWidget());
+    return shown != nullptr && m_panels.value(shown->cameraHandle()) == shown ? shown->cameraHandle()
+                                                                              : nullptr;
+}
+
+// Panel and active view belong to the same camera, so that nobody stops one while looking at the other's
+// panel.
+void CkCameraDesk::bringPanelForward() {
+    if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
+        m_pPanels->setCurrentWidget(shown);
+    }
+    emit currentCameraChanged();
+}
+
+void CkCameraDesk::bringViewForward() {
+    const auto* shown = qobject_cast<const CkCameraPanel*>(m_pPanels->currentWidget());
+    void* const camera = shown != nullptr ? shown->cameraHandle() : nullptr;
+    const CkMdiView* active = m_pArea->activeView();
+    const QList<int> views = camera != nullptr ? viewsOf(camera) : QList<int>();
+    if (!views.isEmpty() && (active == nullptr || !views.contains(active->viewId()))) {
+        m_pArea->setActiveView(views.last());
+    }
+    emit currentCameraChanged();
 }
 
 CkCameraPanel* CkCameraDesk::panel(void* pHandle) const {

@@ -28,17 +28,18 @@ public:
     int openView(void* pHandle);
 
     /// Starts a camera and every chain it feeds. A camera that nobody looks at gets a view, and one of the
-    /// camera's views is active afterwards. Null: the camera of the active view, or the only open one.
+    /// camera's views is active afterwards. Null: the current camera.
     bool start(void* pHandle, QString* psError = nullptr);
     bool stop(void* pHandle);
 
     /// Closes a camera with its views, chains and panel.
     void closeCamera(void* pHandle);
-    /// As if the camera had been pulled off.
+    /// As if the camera had been pulled off: views, chains and panel stay and wait for it.
     void unplugCamera(void* pHandle);
+    void plugCameraIn(const QString& sId);
     void closeAllCameras();
 
-    /// The camera of the active view, or the only open one, or null.
+    /// The camera of the active view; when that has none, the camera whose panel is in front; or null.
     void* currentCamera() const;
     /// Null for a camera without a panel.
     CkCameraPanel* panel(void* pHandle) const;
@@ -50,10 +51,15 @@ signals:
     /// The panel of a new camera is there (plug-ins may fill it now).
     void cameraReady(void* pHandle);
     void cameraGone();
+    /// currentCamera may answer something else.
+    void currentCameraChanged();
 
 private:
     void equip(void* pHandle);
     void clearAway(void* pHandle);
+    void* cameraOfActiveView() const;
+    void bringPanelForward();
+    void bringViewForward();
     void report(const QString& sText) const;
 
     CkViewArea* m_pArea;

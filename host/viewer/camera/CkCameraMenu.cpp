@@ -60,6 +60,8 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     m_pCloseMenu->setObjectName(QStringLiteral("menuCloseCamera"));
     m_pUnplugMenu = pMenu->addMenu(tr("&Unplug"));
     m_pUnplugMenu->setObjectName(QStringLiteral("menuUnplugCamera"));
+    m_pPlugInMenu = pMenu->addMenu(tr("Plu&g In"));
+    m_pPlugInMenu->setObjectName(QStringLiteral("menuPlugInCamera"));
     pMenu->addSeparator();
     QAction* reopen = pMenu->addAction(tr("&Reopen at Start"));
     reopen->setObjectName(QStringLiteral("actReopenCameras"));
@@ -75,7 +77,10 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     connect(manager, &CkCameraManager::availableCamerasChanged, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::acquisitionChanged, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraMenu::refresh);
+    connect(manager, &CkCameraManager::cameraUnplugged, this, &CkCameraMenu::refresh);
+    connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkCameraMenu::refresh);
     connect(m_pDesk, &CkCameraDesk::cameraReady, this, &CkCameraMenu::refresh);
+    connect(m_pDesk, &CkCameraDesk::currentCameraChanged, this, &CkCameraMenu::refresh);
     connect(pMenu, &QMenu::aboutToShow, this, &CkCameraMenu::refresh);
     refresh();
 }
@@ -87,10 +92,17 @@ void CkCameraMenu::refresh() {
     const bool running = camera != nullptr && CkCameraManager::instance()->isAcquiring(camera);
     const CkCameraPanel* panel = m_pDesk->panel(camera);
     const QString none = tr("There is no current camera: open one, or activate one of its views");
-    const QString stopped = camera == nullptr ? none : tr("The camera is stopped");
+    const bool unplugged = CkCameraManager::instance()->isUnplugged(camera);
+    const QString stopped = camera == nullptr ? none
+                            : unplugged       ? tr("The camera is unplugged")
+                                              : tr("The camera is stopped");
+    SkCameraInfo info;
+    CkCameraManager::instance()->cameraInfo(camera, info);
     m_pStartAction->setText(running ? tr("&Stop") : tr("&Start"));
-    m_pStartAction->setEnabled(camera != nullptr);
-    m_pStartAction->setToolTip(camera != nullptr ? tr("Start or stop the current camera") : none);
+    m_pStartAction->setEnabled(camera != nullptr && !unplugged);
+    m_pStartAction->setToolTip(camera == nullptr || unplugged ? stopped
+                               : running                      ? tr("Stop \"%1\"").arg(info.name)
+                                                              : tr("Start \"%1\"").arg(info.name));
     m_pPauseAction->setEnabled(running);
     m_pPauseAction->setChecked(panel != nullptr && panel->isPaused());
     m_pPauseAction->setToolTip(running ? tr("Hold the camera without stopping it") : stopped);
@@ -136,8 +148,9 @@ void CkCameraMenu::fillOpenMenu() {
 }
 
 void CkCameraMenu::fillHandleMenus() {
-    clearLater(m_pCloseMenu);
-    clearLater(m_pUnplugMenu);
+    for (QMenu* menu : {m_pCloseMenu, m_pUnplugMenu, m_pPlugInMenu}) {
+        clearLater(menu);
+    }
     CkCameraManager* manager = CkCameraManager::instance();
     for (void* handle : manager->openedCameras()) {
         SkCameraInfo info;
@@ -145,12 +158,21 @@ void CkCameraMenu::fillHandleMenus() {
             continue;
         }
         m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pDesk->closeCamera(handle); });
-        m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pDesk->unplugCamera(handle); });
+        if (!manager->isUnplugged(handle)) {
+            m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pDesk->unplugCamera(handle); });
+        }
     }
-    for (QMenu* menu : {m_pCloseMenu, m_pUnplugMenu}) {
+    for (const SkCameraInfo& info : manager->camerasHeldApart()) {
+        m_pPlugInMenu->addAction(info.name, this, [this, id = info.id] { m_pDesk->plugCameraIn(id); });
+    }
+    const auto judge = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
         menu->setEnabled(!menu->isEmpty());
-        menu->menuAction()->setToolTip(menu->isEmpty() ? tr("No camera is open") : QString());
-    }
+        menu->menuAction()->setToolTip(menu->isEmpty() ? sWhy : sHint);
+    };
+    judge(m_pCloseMenu, tr("Close a camera with its views"), tr("No camera is open"));
+    judge(m_pUnplugMenu, tr("As if its cable had been pulled: its views keep their pictures and wait"),
+          tr("No camera is open"));
+    judge(m_pPlugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
 }
 
 void CkCameraMenu::toggleAcquisition() {

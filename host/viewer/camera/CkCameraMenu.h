@@ -7,7 +7,7 @@ class QAction;
 class QMenu;
 
 /// Fills the Camera menu: the cameras that can be opened, start, pause and step of the current one, closing
-/// and unplugging. User-interface thread.
+/// unplugging and plugging in. User-interface thread.
 class CkCameraMenu : public QObject {
     Q_OBJECT
 
@@ -17,6 +17,7 @@ public:
     QMenu* openMenu() const { return m_pOpenMenu; }
     QMenu* closeMenu() const { return m_pCloseMenu; }
     QMenu* unplugMenu() const { return m_pUnplugMenu; }
+    QMenu* plugInMenu() const { return m_pPlugInMenu; }
 
 public slots:
     /// Cameras came or went, or another one is the current one.
@@ -31,6 +32,7 @@ private:
     QMenu* m_pOpenMenu;
     QMenu* m_pCloseMenu;
     QMenu* m_pUnplugMenu;
+    QMenu* m_pPlugInMenu;
     QAction* m_pStartAction;
     QAction* m_pPauseAction;
     QAction* m_pStepAction;

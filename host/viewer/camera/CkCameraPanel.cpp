@@ -24,15 +24,39 @@ CkCameraPanel::CkCameraPanel(void* pCameraHandle, QWidget* pParent)
     line->setFrameShape(QFrame::HLine);
     line->setFrameShadow(QFrame::Sunken);
     layout->addWidget(line);
-    layout->addWidget(createParameters(CkCameraManager::instance()->cameraParameters(pCameraHandle)), 1);
+    showParameters();
 
-    connect(CkCameraManager::instance(), &CkCameraManager::acquisitionChanged, this,
-            [this](void* pHandle, bool bRunning) {
-                if (pHandle == m_pCameraHandle) {
-                    showRunning(bRunning);
-                }
-            });
-    showRunning(CkCameraManager::instance()->isAcquiring(pCameraHandle));
+    CkCameraManager* manager = CkCameraManager::instance();
+    connect(manager, &CkCameraManager::acquisitionChanged, this, [this](void* pHandle) {
+        if (pHandle == m_pCameraHandle) {
+            showState();
+        }
+    });
+    connect(manager, &CkCameraManager::cameraUnplugged, this, [this](void* pHandle) {
+        if (pHandle == m_pCameraHandle) {
+            showState();
+        }
+    });
+    connect(manager, &CkCameraManager::cameraPluggedIn, this, [this](void* pHandle) {
+        if (pHandle == m_pCameraHandle) {
+            showParameters();
+            showState();
+        }
+    });
+    showState();
+}
+
+void CkCameraPanel::detach() {
+    CkCameraManager::instance()->disconnect(this);
+    delete m_pParameters;
+    m_pParameters = nullptr;
+}
+
+void CkCameraPanel::showParameters() {
+    // Editors do not outlive the parameters that they edit.
+    delete m_pParameters;
+    m_pParameters = createParameters(CkCameraManager::instance()->cameraParameters(m_pCameraHandle));
+    static_cast<QVBoxLayout*>(layout())->addWidget(m_pParameters, 1);
 }
 
 QWidget* CkCameraPanel::createControls() {
@@ -73,7 +97,7 @@ QWidget* CkCameraPanel::createControls() {
     return controls;
 }
 
-QWidget* CkCameraPanel::createParameters(CkCameraParameters* pParameters) {
+QScrollArea* CkCameraPanel::createParameters(CkCameraParameters* pParameters) {
     auto* content = new QWidget;
     auto* form = new QFormLayout(content);
     form->setContentsMargins(0, 4, 6, 4);
@@ -112,7 +136,7 @@ bool CkCameraPanel::isPaused() const {
 }
 
 void CkCameraPanel::toggleAcquisition() {
-    if (m_bRunning) {
+    if (CkCameraManager::instance()->isAcquiring(m_pCameraHandle)) {
         emit stopRequested(m_pCameraHandle);
     } else {
         emit startRequested(m_pCameraHandle);
@@ -120,37 +144,43 @@ void CkCameraPanel::toggleAcquisition() {
 }
 
 void CkCameraPanel::setPaused(bool bPaused) {
-    if (!m_bRunning) {
-        return;
+    if (CkCameraManager::instance()->isAcquiring(m_pCameraHandle)) {
+        CkCameraManager::instance()->setPaused(m_pCameraHandle, bPaused);
+        showState();
     }
-    m_pPauseButton->setChecked(bPaused);
-    CkCameraManager::instance()->setPaused(m_pCameraHandle, bPaused);
-    showRunning(m_bRunning);
 }
 
 void CkCameraPanel::step() {
-    if (m_bRunning) {
+    if (CkCameraManager::instance()->isAcquiring(m_pCameraHandle)) {
         setPaused(true);
         CkCameraManager::instance()->step(m_pCameraHandle);
     }
 }
 
-void CkCameraPanel::showRunning(bool bRunning) {
-    m_bRunning = bRunning;
-    if (!bRunning) {
+void CkCameraPanel::showState() {
+    CkCameraManager* manager = CkCameraManager::instance();
+    const bool running = manager->isAcquiring(m_pCameraHandle);
+    const bool unplugged = manager->isUnplugged(m_pCameraHandle);
+    const bool paused = running && manager->isPaused(m_pCameraHandle);
+    {
         const QSignalBlocker blocker(m_pPauseButton);
-        m_pPauseButton->setChecked(false);
+        m_pPauseButton->setChecked(paused);
     }
-    const bool paused = bRunning && m_pPauseButton->isChecked();
-    m_pStartButton->setText(bRunning ? tr("Stop") : tr("Start"));
-    m_pStartButton->setToolTip(bRunning ? tr("Stop the camera and its chains (F5)")
-                                        : tr("Start the camera and its chains (F5)"));
-    const QString why = tr("The camera is stopped");
-    m_pPauseButton->setEnabled(bRunning);
-    m_pPauseButton->setToolTip(bRunning ? tr("Hold the camera without stopping it (F6)") : why);
-    m_pStepButton->setEnabled(bRunning);
-    m_pStepButton->setToolTip(bRunning ? tr("Take one set of pictures and hold (F7)") : why);
-    m_pStateLabel->setText(paused     ? tr("<span style='color:#b07000'>paused</span>")
-                           : bRunning ? tr("<span style='color:#2e8b3d'>running</span>")
-                                      : tr("<span style='color:#777777'>stopped</span>"));
+    const QString why = unplugged ? tr("The camera is unplugged") : tr("The camera is stopped");
+    m_pStartButton->setText(running ? tr("Stop") : tr("Start"));
+    m_pStartButton->setEnabled(!unplugged);
+    m_pStartButton->setToolTip(unplugged ? why
+                               : running ? tr("Stop the camera and its chains (F5)")
+                                         : tr("Start the camera and its chains (F5)"));
+    m_pPauseButton->setEnabled(running);
+    m_pPauseButton->setToolTip(running ? tr("Hold the camera without stopping it (F6)") : why);
+    m_pStepButton->setEnabled(running);
+    m_pStepButton->setToolTip(running ? tr("Take one set of pictures and hold (F7)") : why);
+    // A camera that is away takes no values; those it had are given to it when it is back.
+    m_pParameters->setEnabled(!unplugged);
+    m_pParameters->setToolTip(unplugged ? why : QString());
+    m_pStateLabel->setText(unplugged ? tr("<span style='color:#b02020'>unplugged</span>")
+                           : paused  ? tr("<span style='color:#b07000'>paused</span>")
+                           : running ? tr("<span style='color:#2e8b3d'>running</span>")
+                                     : tr("<span style='color:#777777'>stopped</span>"));
 }

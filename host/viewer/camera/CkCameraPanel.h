@@ -6,11 +6,11 @@ class CkCameraParameters;
 class QLabel;
 class QLayout;
 class QPushButton;
-class QTimer;
+class QScrollArea;
 class QVBoxLayout;
 
 /// Panel of one open camera: start, stop, pause, step; what plug-ins add; every parameter. Goes before the
-/// camera does. User-interface thread.
+/// camera does; stays while it is unplugged. User-interface thread.
 class CkCameraPanel : public QWidget {
     Q_OBJECT
 
@@ -18,6 +18,9 @@ public:
     explicit CkCameraPanel(void* pCameraHandle, QWidget* pParent = nullptr);
 
     void* cameraHandle() const { return m_pCameraHandle; }
+
+    /// Lets go of the camera and its parameters, before a panel is deleted later.
+    void detach();
 
     /// Puts a layout below the start and stop buttons and takes it over.
     void addToolLayout(QLayout* pLayout);
@@ -37,8 +40,9 @@ public slots:
 
 private:
     QWidget* createControls();
-    QWidget* createParameters(CkCameraParameters* pParameters);
-    void showRunning(bool bRunning);
+    QScrollArea* createParameters(CkCameraParameters* pParameters);
+    void showParameters();
+    void showState();
 
     void* m_pCameraHandle;
     QVBoxLayout* m_pToolArea = nullptr;
@@ -46,5 +50,5 @@ private:
     QPushButton* m_pStartButton = nullptr;
     QPushButton* m_pPauseButton = nullptr;
     QPushButton* m_pStepButton = nullptr;
-    bool m_bRunning = false;
+    QScrollArea* m_pParameters = nullptr;
 };

@@ -83,6 +83,7 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
     connect(&m_counters, &QTimer::timeout, this, [this] {
         if (isVisible()) {
             m_pTree->refreshCounters();
+            showTitle();
             updateButtons();
         }
     });
@@ -131,12 +132,18 @@ void CkChainPanel::refresh() {
     CkChainable* shown = view != nullptr ? view->dataProvider() : nullptr;
     CkChain* chain = shown != nullptr ? shown->chain() : nullptr;
     m_pTree->setChain(chain, shown);
-    const QString title = chain != nullptr  ? chain->chainTitle(shown)
-                          : view != nullptr ? tr("The active view shows no chain")
-                                            : tr("No view is active");
+    showTitle();
+    updateButtons();
+}
+
+// Titles of blocks change with their settings.
+void CkChainPanel::showTitle() {
+    const CkChain* const chain = m_pTree->chain();
+    const QString title = chain != nullptr ? chain->chainTitle(m_view ? m_view->dataProvider() : nullptr)
+                          : m_view         ? tr("The active view shows no chain")
+                                           : tr("No view is active");
     m_pTitle->setText(m_pTitle->fontMetrics().elidedText(title, Qt::ElideMiddle, 300));
     m_pTitle->setToolTip(title);
-    updateButtons();
 }
 
 void CkChainPanel::updateButtons() {

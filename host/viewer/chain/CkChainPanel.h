@@ -52,6 +52,7 @@ private:
     QToolButton* addButton(const QString& sText, const QString& sName);
     QToolButton* addButtonFor(QAction* pAction, const QString& sName);
     void fillAddMenu();
+    void showTitle();
     void updateButtons();
     void showProblem(const QString& sText);
 

@@ -125,6 +125,7 @@ void CkChainTree::rebuild() {
     }
     selectBlock(selected ? selected.data() : m_shown.data());
     refreshCounters();
+    executeDelayedItemsLayout(); // see showError
 }
 
 void CkChainTree::addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent) {
@@ -186,7 +187,12 @@ void CkChainTree::showError(QTreeWidgetItem* pItem, const QString& sError) {
         line = pItem->child(i)->data(0, kErrorRole).toBool() ? pItem->child(i) : nullptr;
     }
     if (sError.isEmpty()) {
-        delete line;
+        if (line != nullptr) {
+            delete line;
+            // Not left to the tree: when a part of the window is painted before it comes to it, it lays its
+            // rows out while it paints, and the request to paint all of them is lost.
+            executeDelayedItemsLayout();
+        }
         return;
     }
     if (line == nullptr) {

@@ -22,16 +22,28 @@ public:
     void* openCamera(const QString& sId, QString* psError = nullptr);
     /// Stops and closes; emits cameraAboutToClose first.
     void closeCamera(void* pHandle);
-    /// As if the camera had been pulled off: the same as closeCamera, reported as a loss.
+    /// As if the camera had been pulled off: it delivers nothing and is not offered until plugCameraIn. It
+    /// stays open: handle, receivers and the values of its parameters are kept.
     void unplugCamera(void* pHandle);
+    /// Ends unplugCamera, also for a camera that was closed since. One that is still open gets its
+    /// parameters' values back, is held if it was, and delivers again if it did. False, with psError set, for
+    /// a camera that was not unplugged, cannot be opened or started.
+    bool plugCameraIn(const QString& sId, QString* psError = nullptr);
+    QList<SkCameraInfo> camerasHeldApart() const; ///< Between unplugCamera and plugCameraIn.
+    /// Whether an open camera cannot deliver because it was pulled off, by unplugCamera or in truth.
+    bool isUnplugged(void* pHandle) const;
+    /// Looks which cameras the drivers offer; a driver's part when one came or went. An open camera that is
+    /// no longer offered is taken as pulled off, one that is offered again goes on.
+    void checkCameras();
 
     /// In order of opening.
     QList<void*> openedCameras() const;
     int openedCameraCount() const;    ///< 0 when none is open.
     bool isOpen(void* pHandle) const; ///< False for null.
 
-    CkCameraParameters* cameraParameters(void* pHandle) const; ///< Null for no open camera.
-    bool cameraInfo(void* pHandle, SkCameraInfo& info) const;  ///< False for no open camera.
+    /// Null for no open camera. Others after cameraPluggedIn.
+    CkCameraParameters* cameraParameters(void* pHandle) const;
+    bool cameraInfo(void* pHandle, SkCameraInfo& info) const; ///< False for no open camera.
     /// Any thread.
     bool frameInfo(void* pHandle, SkPicBufInfo& info, CkImageMetadata* pMetadata) const;
 
@@ -39,6 +51,7 @@ public:
     void stopAcquisition(void* pHandle);         ///< Returns when no frame is being delivered.
     bool isAcquiring(void* pHandle) const;       ///< Paused cameras are, too.
     void setPaused(void* pHandle, bool bPaused); ///< See IkCamera::setPaused.
+    bool isPaused(void* pHandle) const;          ///< As set last; false for no open camera.
     void step(void* pHandle);                    ///< One set of images, while paused.
 
     /// Receivers of a camera's frames; each gets an object of its own. Removal returns when the receiver is
@@ -50,14 +63,20 @@ signals:
     void newCameraConnected(void* pHandle); ///< After it was opened.
     /// The handle still works.
     void cameraAboutToClose(void* pHandle);
-    void cameraClosed(void* pHandle);                      ///< The handle is no longer valid.
-    void cameraLost(const QString& sName);                 ///< A camera that was pulled off, by its name.
+    void cameraClosed(void* pHandle);      ///< The handle is no longer valid.
+    void cameraUnplugged(void* pHandle);   ///< An open camera was pulled off; it stays open.
+    void cameraLost(const QString& sName); ///< After cameraUnplugged, by its name.
+    /// It is back. Those of its parameters that were there before are deleted when the signal returns.
+    void cameraPluggedIn(void* pHandle);
     void acquisitionChanged(void* pHandle, bool bRunning); ///< By whomever it was done.
     void availableCamerasChanged();                        ///< One came or went.
 
 private:
     CkCameraManager();
     ~CkCameraManager() override;
+
+    void takeAsLost(void* pHandle);
+    bool takeBack(void* pHandle, QString* psError);
 
     class CkPrivate;
     std::unique_ptr<CkPrivate> m_d;

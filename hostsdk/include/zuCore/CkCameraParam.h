@@ -8,7 +8,7 @@
 
 class CkCameraParameters;
 
-/// One parameter of a camera. Lives as long as its camera is open; user-interface thread.
+/// One parameter of a camera. Lives as long as the camera's CkCameraParameters; user-interface thread.
 ///
 /// A value is set first (setParamValue) and takes effect when it is committed, alone (commit) or together
 /// with others (CkCameraParameters::addParamCommitToBatch, endCommitBatch).

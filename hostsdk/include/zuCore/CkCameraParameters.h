@@ -15,7 +15,8 @@ struct SkCameraInfo {
     quint32 sensorType = 0; ///< 13: hybrid ToF sensor
 };
 
-/// The parameters of an open camera. Lives as long as the camera is open; user-interface thread.
+/// The parameters of an open camera. Lives as long as the camera is open, or until it is plugged in again
+/// (CkCameraManager::cameraPluggedIn); user-interface thread.
 class ZUCORE_EXPORT CkCameraParameters : public QObject {
     Q_OBJECT
 

@@ -45,8 +45,10 @@ public:
     virtual ~IkCameraDriver();
 
     virtual QString name() const = 0; ///< For people.
-    /// Cameras that can be opened now.
+    /// Cameras that can be opened now, and those that are open and there. When one comes or goes, have the
+    /// user-interface thread call CkCameraManager::checkCameras.
     virtual QList<SkCameraInfo> availableCameras() const = 0;
-    /// Null, with psError set, when the camera is not there or cannot be opened.
+    /// Null, with psError set, when the camera is not there or cannot be opened. A camera that was pulled off
+    /// while it was open is opened again while the object from before is still there, stopped.
     virtual std::unique_ptr<IkCamera> open(const QString& sId, QString* psError) = 0;
 };

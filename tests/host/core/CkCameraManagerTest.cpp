@@ -15,7 +15,10 @@ namespace {
 class CkCameraManagerTest : public testing::Test {
 protected:
     CkCameraManagerTest() { cameras.reset(); }
-    ~CkCameraManagerTest() override { cameras.reset(); }
+    ~CkCameraManagerTest() override {
+        manager->disconnect(&context); // what its receivers refer to has gone
+        cameras.reset();
+    }
 
     void* open(const char* id) { return manager->openCamera(QString::fromLatin1(id)); }
 
@@ -108,13 +111,137 @@ TEST_F(CkCameraManagerTest, ClosingStopsAndTellsInOrder) {
     QObject::connect(manager, &CkCameraManager::acquisitionChanged, &context, [&](void*, bool running) {
         told << (running ? QStringLiteral("runs") : QStringLiteral("stands"));
     });
-    QObject::connect(manager, &CkCameraManager::cameraLost, &context,
-                     [&](const QString& name) { told << QStringLiteral("lost ") + name; });
     EXPECT_TRUE(manager->startAcquisition(handle));
     EXPECT_TRUE(manager->startAcquisition(handle)) << "runs already";
-    manager->unplugCamera(handle);
-    EXPECT_EQ(told, QStringList({"runs", "about", "stands", "closed", "lost Fake 1"}));
+    manager->closeCamera(handle);
+    EXPECT_EQ(told, QStringList({"runs", "about", "stands", "closed"}));
     EXPECT_EQ(cameras.first->log, QStringList({"start", "stop", "deleted"}));
+}
+
+TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) {
+    void* const handle = open("fake:1");
+    QStringList told;
+    const auto note = [&told](const char* what) { return [&told, what] { told << QLatin1String(what); }; };
+    QObject::connect(manager, &CkCameraManager::cameraAboutToClose, &context, note("about"));
+    QObject::connect(manager, &CkCameraManager::cameraUnplugged, &context, note("unplugged"));
+    QObject::connect(manager, &CkCameraManager::acquisitionChanged, &context, [&](void*, bool running) {
+        told << (running ? QStringLiteral("runs") : QStringLiteral("stands"));
+    });
+    QObject::connect(manager, &CkCameraManager::cameraLost, &context,
+                     [&](const QString& name) { told << QStringLiteral("lost ") + name; });
+    const CkCameraParameters* const before = manager->cameraParameters(handle);
+    QObject::connect(manager, &CkCameraManager::cameraPluggedIn, &context, [&](void* back) {
+        EXPECT_EQ(back, handle);
+        EXPECT_NE(manager->cameraParameters(handle), before);
+        EXPECT_EQ(before->findParam(QStringLiteral("gain"))->committedValue().toInt(), 7) << "until now";
+        EXPECT_EQ(
+            manager->cameraParameters(handle)->findParam(QStringLiteral("gain"))->committedValue().toInt(),
+            7);
+        told << QStringLiteral("back");
+    });
+    int frames = 0;
+    manager->addFrameReceiver(handle, this, [&](CkImageData* frame) {
+        ++frames;
+        delete frame;
+    });
+    CkCameraParam* const gain = manager->cameraParameters(handle)->findParam(QStringLiteral("gain"));
+    ASSERT_TRUE(gain->setParamValue(CkValue(7)) && gain->commit());
+    ASSERT_TRUE(manager->startAcquisition(handle));
+
+    manager->unplugCamera(handle);
+    manager->unplugCamera(handle); // nothing more to pull
+    EXPECT_EQ(told, QStringList({"runs", "stands", "unplugged", "lost Fake 1"}));
+    EXPECT_TRUE(manager->isOpen(handle));
+    EXPECT_TRUE(manager->isUnplugged(handle));
+    EXPECT_FALSE(manager->isAcquiring(handle));
+    EXPECT_FALSE(cameras.first->running);
+    EXPECT_EQ(open("fake:1"), handle);
+    SkPicBufInfo format;
+    EXPECT_TRUE(manager->frameInfo(handle, format, nullptr)) << "the chain keeps its format";
+    for (const SkCameraInfo& info : manager->availableCameras()) {
+        EXPECT_NE(info.id, QStringLiteral("fake:1"));
+    }
+    QString error;
+    EXPECT_FALSE(manager->startAcquisition(handle, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("Fake 1"))) << qPrintable(error);
+
+    told.clear();
+    EXPECT_FALSE(manager->plugCameraIn(QStringLiteral("fake:2"), &error)) << "was never pulled";
+    EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1"), &error));
+    EXPECT_EQ(told, QStringList({"back", "runs"}));
+    EXPECT_EQ(cameras.first->alive, 1) << "the camera object from before is gone";
+    EXPECT_FALSE(manager->isUnplugged(handle));
+    EXPECT_TRUE(manager->isAcquiring(handle));
+    ASSERT_TRUE(cameras.first->deliver);
+    cameras.first->deliver(fakeFrame(8, 1));
+    EXPECT_EQ(frames, 1) << "receivers stay";
+    EXPECT_TRUE(manager->camerasHeldApart().isEmpty());
+}
+
+TEST_F(CkCameraManagerTest, ACameraComesBackAsItWasLeft) {
+    void* const handle = open("fake:1");
+    manager->unplugCamera(handle);
+    EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
+    EXPECT_FALSE(manager->isAcquiring(handle)) << "it stood still";
+    ASSERT_TRUE(manager->startAcquisition(handle));
+    manager->setPaused(handle, true);
+    manager->unplugCamera(handle);
+    cameras.first->log.clear();
+    EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
+    EXPECT_EQ(cameras.first->log, QStringList({"pause", "deleted", "start"}));
+    EXPECT_TRUE(manager->isPaused(handle));
+    // Who stops a camera that is away does not want it to start by itself.
+    manager->unplugCamera(handle);
+    manager->stopAcquisition(handle);
+    EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
+    EXPECT_FALSE(manager->isAcquiring(handle));
+}
+
+TEST_F(CkCameraManagerTest, WhatADriverNoLongerOffersIsTakenAsPulledOff) {
+    void* const handle = open("fake:1");
+    void* const other = open("fake:2");
+    ASSERT_TRUE(manager->startAcquisition(handle));
+    manager->checkCameras();
+    EXPECT_FALSE(manager->isUnplugged(handle));
+    cameras.first->offered = false;
+    manager->checkCameras();
+    EXPECT_TRUE(manager->isUnplugged(handle));
+    EXPECT_FALSE(manager->isUnplugged(other));
+    EXPECT_TRUE(manager->camerasHeldApart().isEmpty()) << "nobody but the driver brings it back";
+    cameras.first->offered = true;
+    manager->checkCameras();
+    EXPECT_FALSE(manager->isUnplugged(handle));
+    EXPECT_TRUE(manager->isAcquiring(handle));
+    // One that is held apart is not brought back by a look.
+    manager->unplugCamera(other);
+    manager->checkCameras();
+    EXPECT_TRUE(manager->isUnplugged(other));
+}
+
+TEST_F(CkCameraManagerTest, ACameraThatCannotBeOpenedAgainStaysAwayAndMayBeTriedAgain) {
+    void* const handle = open("fake:1");
+    manager->unplugCamera(handle);
+    cameras.first->refusesOpen = true;
+    QString error;
+    EXPECT_FALSE(manager->plugCameraIn(QStringLiteral("fake:1"), &error));
+    EXPECT_EQ(error, QStringLiteral("in use elsewhere"));
+    EXPECT_TRUE(manager->isUnplugged(handle));
+    EXPECT_EQ(cameras.first->alive, 1);
+    cameras.first->refusesOpen = false;
+    manager->checkCameras();
+    EXPECT_FALSE(manager->isUnplugged(handle));
+}
+
+TEST_F(CkCameraManagerTest, ACameraClosedWhileItIsAwayCanBePluggedInAndOpenedAgain) {
+    void* const handle = open("fake:1");
+    manager->unplugCamera(handle);
+    manager->closeCamera(handle);
+    EXPECT_FALSE(manager->isOpen(handle));
+    QString error;
+    EXPECT_EQ(manager->openCamera(QStringLiteral("fake:1"), &error), nullptr);
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
+    EXPECT_NE(open("fake:1"), nullptr);
 }
 
 TEST_F(CkCameraManagerTest, PauseAndStepReachTheCamera) {

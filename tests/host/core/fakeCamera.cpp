@@ -13,10 +13,18 @@ class FakeCamera : public IkCamera {
 public:
     FakeCamera(const SkCameraInfo& info, std::shared_ptr<FakeCameraState> state)
         : m_parameters(info, nullptr), m_state(std::move(state)) {
-        m_state->alive = true;
+        ++m_state->alive;
+        CkCameraParam::SkDescription gain;
+        gain.name = QStringLiteral("gain");
+        gain.value = CkValue(1);
+        gain.maximum = 10;
+        m_parameters.addParam(gain);
+        gain.name = QStringLiteral("serial");
+        gain.readOnly = true;
+        m_parameters.addParam(gain);
     }
     ~FakeCamera() override {
-        m_state->alive = false;
+        --m_state->alive;
         m_state->log << QStringLiteral("deleted");
     }
 
@@ -86,7 +94,11 @@ QString FakeDriver::name() const {
 }
 
 QList<SkCameraInfo> FakeDriver::availableCameras() const {
-    return {infoOf("1"), infoOf("2"), infoOf("broken")};
+    QList<SkCameraInfo> cameras{infoOf("2"), infoOf("broken")};
+    if (m_first->offered) {
+        cameras.prepend(infoOf("1"));
+    }
+    return cameras;
 }
 
 std::unique_ptr<IkCamera> FakeDriver::open(const QString& sId, QString* psError) {
@@ -95,6 +107,10 @@ std::unique_ptr<IkCamera> FakeDriver::open(const QString& sId, QString* psError)
         return nullptr;
     }
     const bool isFirst = sId == QLatin1String("fake:1");
+    if ((isFirst ? m_first : m_second)->refusesOpen) {
+        *psError = QStringLiteral("in use elsewhere");
+        return nullptr;
+    }
     return std::make_unique<FakeCamera>(infoOf(isFirst ? "1" : "2"), isFirst ? m_first : m_second);
 }
 
@@ -108,12 +124,16 @@ FakeCameras& FakeCameras::instance() {
 }
 
 void FakeCameras::reset() const {
+    for (const SkCameraInfo& info : CkCameraManager::instance()->camerasHeldApart()) {
+        CkCameraManager::instance()->plugCameraIn(info.id);
+    }
     for (void* handle : CkCameraManager::instance()->openedCameras()) {
         CkCameraManager::instance()->closeCamera(handle);
     }
     for (const auto& state : {first, second}) {
         state->log.clear();
-        state->refusesStart = state->throwsOnStart = state->ownThread = false;
+        state->refusesStart = state->throwsOnStart = state->ownThread = state->refusesOpen = false;
+        state->offered = true;
         state->width = 8;
     }
 }

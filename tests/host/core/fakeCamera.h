@@ -10,16 +10,19 @@
 /// What a test knows of the cameras of a FakeDriver; outlives them.
 struct FakeCameraState {
     QStringList log;
-    std::atomic<bool> alive = false;
+    std::atomic<int> alive = 0;
     std::atomic<bool> running = false;
     bool refusesStart = false;
+    bool refusesOpen = false;
+    bool offered = true; ///< by the driver
     bool throwsOnStart = false;
     IkCamera::FrameFunction deliver; ///< while running without a thread of its own
     bool ownThread = false;          ///< delivers as fast as it can from a thread
     std::atomic<quint32> width = 8;
 };
 
-/// Two cameras, "fake:1" and "fake:2", and one that cannot be opened, "fake:broken".
+/// Each has an integer "gain" from 0 to 10 and a read-only "serial". Two cameras, "fake:1" and "fake:2", and
+/// one that cannot be opened, "fake:broken".
 class FakeDriver : public IkCameraDriver {
 public:
     explicit FakeDriver(std::shared_ptr<FakeCameraState> first, std::shared_ptr<FakeCameraState> second);

@@ -2,9 +2,11 @@
 
 #include "PushSource.h"
 #include "ViewerBlocks.h"
+#include "area/CkViewNotices.h"
 #include "chain/CkChainFile.h"
 #include "chain/CkChainPanel.h"
 #include "chain/CkChainTree.h"
+#include "image/CkImageCanvas.h"
 #include "zuCore/CkCameraSource.h"
 #include "zuCore/CkRTTI.h"
 #include "zuCoreGui/IkAppDelegate.h"
@@ -15,6 +17,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPaintEvent>
 #include <QSignalSpy>
 #include <QTextBrowser>
 #include <QToolButton>
@@ -22,6 +25,23 @@
 namespace {
 
 const QString kDemo = QStringLiteral("test.CkDemoBlock");
+
+/// What of a widget was painted anew.
+class PaintedRegion : public QObject {
+public:
+    explicit PaintedRegion(QWidget* pWidget) { pWidget->installEventFilter(this); }
+    void clear() { m_region = QRegion(); }
+    bool covers(const QRect& rect) const { return QRegion(rect).subtracted(m_region).isEmpty(); }
+    bool eventFilter(QObject*, QEvent* pEvent) override {
+        if (pEvent->type() == QEvent::Paint) {
+            m_region += static_cast<QPaintEvent*>(pEvent)->region();
+        }
+        return false;
+    }
+
+private:
+    QRegion m_region;
+};
 
 class ChainPanel : public ViewerFixture {
 protected:
@@ -123,6 +143,118 @@ TEST_F(ChainPanel, ErrorTextStandsOnTheBlockWhileItLasts) {
     block->m_bFail = false;
     ASSERT_TRUE(QTest::qWaitFor([&] { return tree()->shownError(block).isEmpty(); }, 20'000));
     EXPECT_EQ(tree()->shownState(block), "runs");
+}
+
+TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    settle();
+    // With the dialog open, as after "Configure...".
+    tree()->selectBlock(block);
+    click(panel(), "btnConfigureBlock");
+    PaintedRegion painted(tree()->viewport());
+    const QRect row = tree()->visualItemRect(tree()->itemOf(block));
+    const QRect below(0, row.bottom() + 2, tree()->viewport()->width(), row.height() - 4);
+    // Something in the window is always about to be painted. A corner of the tree, right after the row has
+    // gone, takes with it what the tree knows is out of date.
+    int gone = 0;
+    QObject::connect(
+        block, &CkChainable::errorMessageChanged, &painted,
+        [&] {
+            if (tree()->shownError(block).isEmpty()) {
+                painted.clear();
+                tree()->viewport()->repaint(QRect(0, 0, 5, 5));
+                EXPECT_TRUE(painted.covers(below)) << "the text still stands there";
+                ++gone;
+            }
+        },
+        Qt::QueuedConnection);
+    for (int round = 0; round < 3; ++round) {
+        painted.clear();
+        block->m_bFail = true;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !tree()->shownError(block).isEmpty(); }, 20'000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return painted.covers(below); }, 5'000)) << round;
+        block->m_bFail = false;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return gone == round + 1; }, 20'000));
+    }
+}
+
+TEST_F(ChainPanel, TheTitleFollowsTheBlocksSettings) {
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    const auto title = [&] {
+        for (const QLabel* label : panel()->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
+            return label->toolTip();
+        }
+        return QString();
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return title().endsWith("Demo 5"); }, 20'000)) << qPrintable(title());
+    block->m_iSetting = 6;
+    emit block->configurationChanged();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return title().endsWith("Demo 6"); }, 20'000)) << qPrintable(title());
+}
+
+TEST_F(ChainPanel, ABrokenBlockSaysSoInItsViewAndTheOldPictureIsDark) {
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    CkImageView* view = firstView();
+    QSignalSpy frames(view, &CkMdiView::receivedFrame);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return frames.size() >= 2; }, 20'000));
+    const auto notice = [&] { return area()->notices()->notice(view->viewId()); };
+    const QImage bright = view->canvas()->grab().toImage();
+    EXPECT_EQ(notice(), "");
+    EXPECT_FALSE(view->canvas()->isDimmed());
+    block->m_bFail = true;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return notice() == "Demo 5: The demo block fails."; }, 20'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->canvas()->isDimmed(); }, 20'000));
+    EXPECT_EQ(view->findChild<QLabel*>("viewNotice")->text(), notice());
+    const QImage dark = view->canvas()->grab().toImage();
+    const auto light = [](const QImage& image) { return qGray(image.pixel(image.rect().center())); };
+    EXPECT_LT(light(dark), std::max(light(bright), 100));
+    block->m_bFail = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notice().isEmpty() && !view->canvas()->isDimmed(); }, 20'000));
+    EXPECT_FALSE(view->findChild<QLabel*>("viewNotice")->isVisible());
+    // A block that is switched off, too.
+    block->setState(CkChainable::Blocked);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notice() == "\"Demo 5\" is switched off."; }, 20'000));
+    EXPECT_TRUE(view->canvas()->isDimmed());
+}
+
+TEST_F(ChainPanel, AWarningThatHoldsNothingUpDarkensNothing) {
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    CkImageView* view = firstView();
+    block->m_bWarn = true;
+    const auto notice = [&] { return area()->notices()->notice(view->viewId()); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return notice() == "Demo 5: Odd, but it works."; }, 20'000));
+    // One look may fall between two frames.
+    QSignalSpy frames(view, &CkMdiView::receivedFrame);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return frames.size() >= 3; }, 20'000));
+    area()->notices()->refresh();
+    EXPECT_FALSE(view->canvas()->isDimmed());
+    EXPECT_EQ(notice(), "Demo 5: Odd, but it works.");
+}
+
+TEST_F(ChainPanel, AViewWithoutAPictureSaysWhatItWaitsFor) {
+    CkImageView* view = firstView();
+    desk()->stop(desk()->currentCamera());
+    auto* later = new CkImageView(view->dataProvider());
+    area()->addView(later);
+    const auto text = [&] {
+        area()->notices()->refresh();
+        return later->canvas()->emptyText();
+    };
+    EXPECT_EQ(text(), "No picture yet. Start the camera to see one.");
+    auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
+    ASSERT_NE(block, nullptr);
+    block->m_bFail = true;
+    ASSERT_TRUE(desk()->start(nullptr));
+    EXPECT_EQ(text(), "No picture yet. The camera runs; the first picture is on its way.");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !block->errorMessage().isEmpty(); }, 20'000));
+    text();
+    EXPECT_EQ(later->findChild<QLabel*>("viewNotice")->text(), "Demo 5: The demo block fails.");
+    later->dataProvider()->chain()->stop();
+    EXPECT_EQ(text(), "No picture yet. The processing chain is stopped.");
 }
 
 TEST_F(ChainPanel, ConfigureHelpSwitchAndRemove) {

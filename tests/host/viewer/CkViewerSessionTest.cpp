@@ -5,17 +5,22 @@
 #include "app/CkStatusBar.h"
 #include "app/CkUnattendedRun.h"
 #include "app/CkViewerSettings.h"
+#include "area/CkViewNotices.h"
 #include "camera/CkCameraMenu.h"
 #include "camera/CkCameraPanel.h"
 #include "image/CkImageCanvas.h"
 #include "lut/CkLutPanel.h"
 #include "quality/CkRegionOverlay.h"
+#include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QAbstractButton>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QDockWidget>
+#include <QDoubleSpinBox>
 #include <QFile>
 #include <QLabel>
 #include <QMdiSubWindow>
@@ -24,6 +29,9 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTabBar>
+#include <QTabWidget>
+#include <cmath>
 
 namespace {
 
@@ -188,33 +196,107 @@ TEST_F(ViewerSession, UnknownCameraIsReportedAndTheViewerLives) {
     EXPECT_TRUE(CkViewerSession::cameraList().contains("sim:grey"));
 }
 
-TEST_F(ViewerSession, UnpluggingARunningCameraClearsPanelViewsAndChains) {
+TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
     m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
     ASSERT_TRUE(start());
+    CkCameraManager* manager = CkCameraManager::instance();
     void* grey = openGrey();
     void* wave = desk()->openCamera("sim:wave", true);
     ASSERT_TRUE(desk()->start(grey));
     ASSERT_TRUE(desk()->start(wave));
     desk()->openView(wave);
-    EXPECT_EQ(desk()->viewsOf(wave).size(), 2);
+    const QList<int> waveViews = desk()->viewsOf(wave);
+    ASSERT_EQ(waveViews.size(), 2);
     for (CkMdiView* view : area()->views()) {
         ASSERT_TRUE(waitForFrame(view));
     }
-    QMenu* unplug = window()->cameraMenu()->unplugMenu();
+    CkCameraParam* rate = manager->cameraParameters(wave)->findParam("framerate");
+    ASSERT_TRUE(rate->setParamValue(CkValue(17.0)) && rate->commit());
+    const QList<CkChain*> chains = CkChainManager::instance()->chains();
+
     window()->cameraMenu()->refresh();
+    QMenu* unplug = window()->cameraMenu()->unplugMenu();
     ASSERT_EQ(unplug->actions().size(), 2);
     unplug->actions().last()->trigger();
-    EXPECT_FALSE(CkCameraManager::instance()->isOpen(wave));
-    EXPECT_EQ(desk()->panel(wave), nullptr);
-    EXPECT_EQ(area()->views().size(), 1);
-    EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
-    EXPECT_EQ(area()->activeViewId(), firstView()->viewId());
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(waitForFrame(firstView()));
-    desk()->unplugCamera(wave);
+    EXPECT_EQ(area()->views().size(), 3);
+    EXPECT_EQ(CkChainManager::instance()->chains(), chains);
+    EXPECT_EQ(desk()->viewsOf(wave), waveViews);
+    for (const int id : waveViews) {
+        auto* view = qobject_cast<CkImageView*>(area()->view(id));
+        EXPECT_TRUE(area()->notices()->notice(id).contains("is unplugged"));
+        const auto* banner = view->findChild<QLabel*>("viewNotice");
+        ASSERT_NE(banner, nullptr);
+        EXPECT_TRUE(banner->isVisible());
+        EXPECT_TRUE(view->canvas()->isDimmed());
+        EXPECT_TRUE(view->dataProvider()->chain()->started());
+    }
+    EXPECT_EQ(area()->notices()->notice(firstView()->viewId()), "");
+    auto* start = desk()->panel(wave)->findChild<QPushButton*>("btnStart");
+    EXPECT_FALSE(start->isEnabled());
+    EXPECT_FALSE(start->toolTip().isEmpty());
+    EXPECT_TRUE(desk()->panel(wave)->findChild<QLabel*>("cameraState")->text().contains("unplugged"));
+
+    QMenu* plugIn = window()->cameraMenu()->plugInMenu();
+    ASSERT_EQ(plugIn->actions().size(), 1);
+    EXPECT_EQ(unplug->actions().size(), 1);
+    plugIn->actions().first()->trigger();
+    EXPECT_TRUE(manager->isAcquiring(wave)) << "the same handle";
+    EXPECT_NEAR(manager->cameraParameters(wave)->findParam("framerate")->committedValue().toDouble(), 17.0,
+                1e-9);
+    for (const int id : waveViews) {
+        EXPECT_EQ(area()->notices()->notice(id), "");
+        EXPECT_FALSE(qobject_cast<CkImageView*>(area()->view(id))->canvas()->isDimmed());
+        QSignalSpy frames(area()->view(id), &CkMdiView::receivedFrame);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return frames.size() >= 3; }, 30'000)) << id;
+    }
+    EXPECT_TRUE(start->isEnabled());
+    // The editors are those of the camera that is there now.
+    auto* field = desk()->panel(wave)->findChild<QWidget*>("param_framerate")->findChild<QDoubleSpinBox*>();
+    field->setValue(19.0);
+    EXPECT_NEAR(manager->cameraParameters(wave)->findParam("framerate")->committedValue().toDouble(), 19.0,
+                1e-9);
+}
+
+TEST_F(ViewerSession, AnUnpluggedCameraCanBeClosed) {
+    ASSERT_TRUE(start());
+    void* grey = openGrey();
+    ASSERT_TRUE(desk()->start(grey));
+    ASSERT_TRUE(waitForFrame(firstView()));
     desk()->unplugCamera(grey);
+    desk()->closeCamera(grey);
     EXPECT_TRUE(area()->views().isEmpty());
-    EXPECT_EQ(area()->activeViewId(), -1);
+    EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
+    EXPECT_EQ(openGrey(), nullptr);
+    desk()->plugCameraIn("sim:grey");
+    EXPECT_NE(openGrey(), nullptr);
+}
+
+TEST_F(ViewerSession, PanelAndActiveViewBelongToTheSameCamera) {
+    ASSERT_TRUE(start());
+    CkCameraManager* manager = CkCameraManager::instance();
+    void* grey = openGrey();
+    void* wave = desk()->openCamera("sim:wave", true);
+    ASSERT_TRUE(desk()->start(grey));
+    ASSERT_TRUE(desk()->start(wave));
+    auto* tabs = qobject_cast<QTabWidget*>(window()->findChild<QDockWidget*>("dockCameras")->widget());
+    ASSERT_NE(tabs, nullptr);
+    area()->setActiveView(desk()->viewsOf(grey).first());
+    EXPECT_EQ(tabs->currentWidget(), desk()->panel(grey));
+    area()->setActiveView(desk()->viewsOf(wave).first());
+    EXPECT_EQ(tabs->currentWidget(), desk()->panel(wave));
+    // The tab is clicked: the camera's view comes forward, and F5 stops that camera and no other.
+    QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {},
+                      tabs->tabBar()->tabRect(tabs->indexOf(desk()->panel(grey))).center());
+    EXPECT_EQ(area()->activeViewId(), desk()->viewsOf(grey).first());
+    window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
+    QTest::keyClick(window(), Qt::Key_F5);
+    EXPECT_FALSE(manager->isAcquiring(grey));
+    EXPECT_TRUE(manager->isAcquiring(wave));
+    // Without any view of its own the panel in front still says which camera is meant.
+    area()->closeView(desk()->viewsOf(grey).first(), false);
+    tabs->setCurrentWidget(desk()->panel(grey));
+    EXPECT_EQ(area()->activeViewId(), desk()->viewsOf(wave).first());
 }
 
 TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
@@ -233,6 +315,63 @@ TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return clicked->isChecked(); }, 30'000));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !clicked->visibleRegion().isEmpty(); }, 30'000));
     EXPECT_NE(firstView()->findChild<CkRegionOverlay*>(), nullptr);
+}
+
+TEST_F(ViewerSession, AutomaticContrastIsTheBusinessOfOneView) {
+    ASSERT_TRUE(start());
+    void* camera = openGrey();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    auto* automatic = window()->lutPanel()->findChild<QCheckBox*>("lutAuto");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return automatic->isEnabled(); }, 20'000));
+    EXPECT_TRUE(automatic->isChecked());
+    automatic->click();
+    EXPECT_FALSE(firstView()->autoContrast());
+    auto* later = qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)));
+    EXPECT_TRUE(later->autoContrast());
+    EXPECT_FALSE(firstView()->autoContrast());
+    // Nor by the menu.
+    area()->setActiveView(firstView()->viewId());
+    firstView()->setAutoContrast(true);
+    QAction* entry = nullptr;
+    for (QAction* action : window()->findChildren<QAction*>()) {
+        entry = action->shortcut() == QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A) ? action : entry;
+    }
+    ASSERT_NE(entry, nullptr);
+    entry->trigger();
+    EXPECT_FALSE(firstView()->autoContrast());
+    EXPECT_TRUE(qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)))->autoContrast());
+}
+
+TEST_F(ViewerSession, TheColourPanelShowsNothingOfAnotherViewForOneWithoutAPicture) {
+    ASSERT_TRUE(start());
+    void* camera = openGrey();
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    firstView()->setWindow({12.0, 34.0});
+    const auto* low = window()->lutPanel()->findChild<QDoubleSpinBox*>("lutLow");
+    const auto* high = window()->lutPanel()->findChild<QDoubleSpinBox*>("lutHigh");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return low->value() == 12.0 && high->value() == 34.0; }, 20'000));
+    desk()->stop(camera);
+    auto* empty = qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)));
+    ASSERT_EQ(area()->activeView(), empty);
+    ASSERT_FALSE(empty->hasPicture());
+    for (const QDoubleSpinBox* number : {low, high}) {
+        EXPECT_EQ(number->text(), "");
+        EXPECT_FALSE(number->isEnabled());
+        EXPECT_EQ(number->toolTip(), "There is no picture yet");
+    }
+    // Its own as soon as there is one.
+    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(waitForFrame(empty));
+    desk()->stop(camera);
+    // The field shows whole counts.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return low->isEnabled() && std::abs(high->value() - empty->window().high) <= 0.5; }, 20'000))
+        << high->value() << " of " << empty->window().high;
+    EXPECT_NE(high->value(), 34.0);
+    area()->setActiveView(firstView()->viewId());
+    EXPECT_EQ(low->value(), 12.0);
 }
 
 TEST_F(ViewerSession, ClosingTheLastViewOfAChainClosesTheChain) {

@@ -24,8 +24,9 @@ public:
             setErrorMessage(QStringLiteral("The demo block fails."));
             return nullptr;
         }
-        if (!errorMessage().isEmpty()) {
-            setErrorMessage(QString());
+        const QString warning = m_bWarn ? QStringLiteral("Odd, but it works.") : QString();
+        if (errorMessage() != warning) {
+            setErrorMessage(warning);
         }
         return state() == Blocked ? nullptr : pData;
     }
@@ -47,6 +48,7 @@ public:
 
     int m_iSetting = 5;
     std::atomic<bool> m_bFail{false};
+    std::atomic<bool> m_bWarn{false};
 };
 
 /// A block that works on nothing.

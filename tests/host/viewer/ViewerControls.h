@@ -48,7 +48,7 @@ protected:
     /// Of menus that list what is there at the moment: their entries come and go.
     static bool isListed(const SkEntry& entry) {
         static const QStringList s_lists = {"menuRecentChains", "menuCloseCamera", "menuUnplugCamera",
-                                            "menuOpenCamera", "menuAddBlock"};
+                                            "menuPlugInCamera", "menuOpenCamera",  "menuAddBlock"};
         for (const QString& name : s_lists) {
             if (entry.menuName == name) {
                 return true;

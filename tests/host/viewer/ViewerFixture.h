@@ -26,6 +26,9 @@ protected:
 
     void TearDown() override {
         m_session.reset();
+        for (const SkCameraInfo& info : CkCameraManager::instance()->camerasHeldApart()) {
+            CkCameraManager::instance()->plugCameraIn(info.id);
+        }
         EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);
         EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
     }

@@ -204,13 +204,13 @@ TEST_F(CalibrationEndToEndTest, FramesOfAWrongKindInBetweenDoNotSpoilTheResult) 
     expectWallAtItsPlace();
 }
 
-TEST_F(CalibrationEndToEndTest, TheCameraMayBePulledOffWhileMeasuring) {
+TEST_F(CalibrationEndToEndTest, TheCameraMayBeClosedWhileMeasuring) {
     ASSERT_NO_FATAL_FAILURE(slowDown());
     open(shown.get());
     chooseFrames(9);
     click(QDialogButtonBox::Ok);
     ASSERT_TRUE(waitForCounted(2));
-    CkCameraManager::instance()->unplugCamera(camera);
+    CkCameraManager::instance()->closeCamera(camera);
     CkChainManager::instance()->closeChain(chain);
     shown.reset();
     QCoreApplication::processEvents();

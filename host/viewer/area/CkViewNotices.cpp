@@ -1,0 +1,166 @@
+#include "area/CkViewNotices.h"
+
+#include "area/CkViewArea.h"
+#include "image/CkImageView.h"
+#include "zuCore/CkCameraManager.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr int kLookMs = 250;
+constexpr int kIdleLooks = 4;
+
+/// The block itself and all that feed it, the nearest first.
+QList<const CkChainable*> upstreamOf(const CkChainable* pBlock) {
+    QList<const CkChainable*> blocks;
+    if (pBlock != nullptr) {
+        blocks.append(pBlock);
+    }
+    for (qsizetype i = 0; i < blocks.size(); ++i) {
+        for (const CkChainable* feeder : blocks[i]->precedessors()) {
+            if (!blocks.contains(feeder)) {
+                blocks.append(feeder);
+            }
+        }
+    }
+    return blocks;
+}
+
+QString unpluggedCamera(const QList<void*>& handles) {
+    const CkCameraManager* manager = CkCameraManager::instance();
+    for (void* handle : handles) {
+        SkCameraInfo info;
+        if (manager->isUnplugged(handle) && manager->cameraInfo(handle, info)) {
+            return info.name;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+CkViewNotices::CkViewNotices(CkViewArea* pArea) : QObject(pArea), m_pArea(pArea) {
+    connect(pArea, &CkViewArea::viewAdded, this, &CkViewNotices::watch);
+    connect(pArea, &CkViewArea::viewAboutToClose, this, [this](int iViewId) { m_entries.remove(iViewId); });
+    // At once where that is told; errors of blocks come from other threads, and often in swarms.
+    const CkCameraManager* manager = CkCameraManager::instance();
+    connect(manager, &CkCameraManager::cameraUnplugged, this, &CkViewNotices::refresh);
+    connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkViewNotices::refresh);
+    m_timer.setInterval(kLookMs);
+    connect(&m_timer, &QTimer::timeout, this, &CkViewNotices::refresh);
+    m_timer.start();
+}
+
+QString CkViewNotices::notice(int iViewId) const {
+    return m_entries.value(iViewId).text;
+}
+
+void CkViewNotices::watch(int iViewId) {
+    m_entries[iViewId].view = m_pArea->view(iViewId);
+}
+
+void CkViewNotices::refresh() {
+    for (SkEntry& entry : m_entries) {
+        if (entry.view) {
+            refreshView(entry);
+        }
+    }
+}
+
+CkChainable* CkViewNotices::providerOf(const CkMdiView* pView) const {
+    if (CkChainable* own = pView->dataProvider()) {
+        return own;
+    }
+    const CkMdiView* followed = m_pArea->view(pView->connectedViewId());
+    return followed != nullptr ? followed->dataProvider() : nullptr;
+}
+
+CkViewNotices::SkNotice CkViewNotices::noticeFor(CkMdiView* pView, const CkChainable* pProvider) {
+    const QString camera = unpluggedCamera(pView->cameraHandles());
+    if (!camera.isEmpty()) {
+        return {tr("\"%1\" is unplugged. The view goes on when it is plugged in again.").arg(camera), true};
+    }
+    for (const CkChainable* block : upstreamOf(pProvider)) {
+        if (block->state() == CkChainable::Blocked) {
+            return {tr("\"%1\" is switched off.").arg(block->title()), true};
+        }
+        const QString error = block->errorMessage();
+        if (!error.isEmpty()) {
+            return {QStringLiteral("%1: %2").arg(block->title(), error), false};
+        }
+    }
+    return {};
+}
+
+QString CkViewNotices::emptyText(const CkMdiView* pView, const CkChainable* pProvider) {
+    const CkCameraManager* manager = CkCameraManager::instance();
+    const QList<void*> cameras = pView->cameraHandles();
+    bool running = false;
+    for (void* handle : cameras) {
+        running = running || manager->isAcquiring(handle);
+    }
+    const bool chainRuns =
+        pProvider != nullptr && pProvider->chain() != nullptr && pProvider->chain()->started();
+    return !running && (!cameras.isEmpty() || pProvider == nullptr)
+               ? tr("No picture yet. Start the camera to see one.")
+           : !chainRuns        ? tr("No picture yet. The processing chain is stopped.")
+           : cameras.isEmpty() ? tr("No picture yet. Play the recording to see one.")
+                               : tr("No picture yet. The camera runs; the first picture is on its way.");
+}
+
+CkViewNotices::SkFlow CkViewNotices::flowTo(const CkChainable* pProvider) {
+    SkFlow flow;
+    for (const CkChainable* block : upstreamOf(pProvider)) {
+        if (const CkChain* chain = block->chain()) {
+            const SkBlockStatistics statistics = chain->blockStatistics(block);
+            flow.in += statistics.framesIn;
+            flow.out = block == pProvider ? statistics.framesOut : flow.out;
+        }
+    }
+    return flow;
+}
+
+void CkViewNotices::refreshView(SkEntry& entry) {
+    const CkChainable* provider = providerOf(entry.view);
+    const SkNotice notice = noticeFor(entry.view, provider);
+    const SkFlow flow = flowTo(provider);
+    if (notice.text.isEmpty() || flow.out != entry.flow.out) {
+        entry.idleLooks = 0;
+    } else if (flow.in != entry.flow.in) {
+        ++entry.idleLooks;
+    }
+    entry.flow = flow;
+    if (auto* image = qobject_cast<CkImageView*>(entry.view)) {
+        // A message alone does not mean that nothing comes: some blocks warn and go on.
+        image->setStale(notice.isHalted || entry.idleLooks >= kIdleLooks);
+        image->setEmptyText(emptyText(image, provider));
+    }
+    if (notice.text != entry.text) {
+        show(entry, notice.text);
+    }
+}
+
+void CkViewNotices::show(SkEntry& entry, const QString& sText) {
+    entry.text = sText;
+    auto* const layout = qobject_cast<QBoxLayout*>(entry.view->layout());
+    if (!entry.banner && layout != nullptr) {
+        entry.banner = new QLabel(entry.view);
+        entry.banner->setObjectName(QStringLiteral("viewNotice"));
+        entry.banner->setWordWrap(true);
+        entry.banner->setTextFormat(Qt::PlainText);
+        // Whatever it says, it does not decide how wide the view is.
+        entry.banner->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
+        entry.banner->setStyleSheet(
+            QStringLiteral("background: #ffe9b0; color: #5a3a00; padding: 4px 8px; font-weight: bold"));
+        layout->insertWidget(0, entry.banner);
+    }
+    if (entry.banner) {
+        entry.banner->setText(sText);
+        entry.banner->setToolTip(sText);
+        entry.banner->setVisible(!sText.isEmpty());
+    }
+}
