@@ -4,10 +4,6 @@
 <context>
     <name>CkCameraDesk</name>
     <message>
-        <source>Camera &quot;%1&quot; was lost.</source>
-        <translation>Die Verbindung zur Kamera „%1“ ist abgerissen.</translation>
-    </message>
-    <message>
         <source>Camera &quot;%1&quot; cannot be opened: %2</source>
         <translation>Die Kamera „%1“ lässt sich nicht öffnen: %2</translation>
     </message>
@@ -27,6 +23,18 @@
         <source>The camera cannot be started: %1</source>
         <translation>Die Kamera lässt sich nicht starten: %1</translation>
     </message>
+    <message>
+        <source>Camera &quot;%1&quot; was lost. Its views wait for it.</source>
+        <translation>Kamera „%1“ ist nicht mehr da. Ihre Ansichten warten auf sie.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; is back.</source>
+        <translation>Kamera „%1“ ist wieder da.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; does not go on: %2</source>
+        <translation>Kamera „%1“ macht nicht weiter: %2</translation>
+    </message>
 </context>
 <context>
     <name>CkCameraManager</name>
@@ -45,6 +53,14 @@
     <message>
         <source>The camera cannot be started.</source>
         <translation>Die Kamera lässt sich nicht starten.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; is unplugged.</source>
+        <translation>Kamera „%1“ ist abgezogen.</translation>
+    </message>
+    <message>
+        <source>Camera &quot;%1&quot; is not unplugged.</source>
+        <translation>Kamera „%1“ ist nicht abgezogen.</translation>
     </message>
 </context>
 <context>
@@ -84,10 +100,6 @@
     <message>
         <source>&amp;Stop</source>
         <translation>&amp;Stoppen</translation>
-    </message>
-    <message>
-        <source>Start or stop the current camera</source>
-        <translation>Die ausgewählte Kamera starten oder stoppen</translation>
     </message>
     <message>
         <source>Hold the camera without stopping it</source>
@@ -132,6 +144,38 @@
     <message>
         <source>Open the cameras, recordings and views of this session again when the viewer is started</source>
         <translation>Die Kameras, Aufnahmen und Ansichten dieser Sitzung beim nächsten Start wieder öffnen</translation>
+    </message>
+    <message>
+        <source>Plu&amp;g In</source>
+        <translation>Ansteck&amp;en</translation>
+    </message>
+    <message>
+        <source>The camera is unplugged</source>
+        <translation>Die Kamera ist abgezogen</translation>
+    </message>
+    <message>
+        <source>Stop &quot;%1&quot;</source>
+        <translation>„%1“ anhalten</translation>
+    </message>
+    <message>
+        <source>Start &quot;%1&quot;</source>
+        <translation>„%1“ starten</translation>
+    </message>
+    <message>
+        <source>Close a camera with its views</source>
+        <translation>Eine Kamera mit ihren Ansichten schließen</translation>
+    </message>
+    <message>
+        <source>As if its cable had been pulled: its views keep their pictures and wait</source>
+        <translation>Als wäre ihr Kabel gezogen worden: ihre Ansichten behalten ihre Bilder und warten</translation>
+    </message>
+    <message>
+        <source>Let an unplugged camera go on</source>
+        <translation>Eine abgezogene Kamera weitermachen lassen</translation>
+    </message>
+    <message>
+        <source>No camera is unplugged</source>
+        <translation>Keine Kamera ist abgezogen</translation>
     </message>
 </context>
 <context>
@@ -201,6 +245,14 @@ Kennung %3</translation>
     <message>
         <source>&lt;span style=&apos;color:#777777&apos;&gt;stopped&lt;/span&gt;</source>
         <translation>&lt;span style=&apos;color:#777777&apos;&gt;gestoppt&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>The camera is unplugged</source>
+        <translation>Die Kamera ist abgezogen</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&apos;color:#b02020&apos;&gt;unplugged&lt;/span&gt;</source>
+        <translation>&lt;span style=&apos;color:#b02020&apos;&gt;abgezogen&lt;/span&gt;</translation>
     </message>
 </context>
 <context>
@@ -1017,6 +1069,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>, %1 invalid</source>
         <translation>, %1 ungültig</translation>
     </message>
+    <message>
+        <source>There is no picture yet</source>
+        <translation>Es gibt noch kein Bild</translation>
+    </message>
 </context>
 <context>
     <name>CkMainWindow</name>
@@ -1294,6 +1350,26 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>Other (%1)</source>
         <translation>Anderer (%1)</translation>
+    </message>
+    <message>
+        <source>The camera refused it; the old value stays.</source>
+        <translation>Die Kamera hat ihn abgelehnt; der alte Wert bleibt.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a clear number; %2 stays.</source>
+        <translation>„%1“ ist keine eindeutige Zahl; es bleibt bei %2.</translation>
+    </message>
+    <message>
+        <source>%1 is too large; %2 was set.</source>
+        <translation>%1 ist zu groß; eingestellt ist %2.</translation>
+    </message>
+    <message>
+        <source>%1 is too small; %2 was set.</source>
+        <translation>%1 ist zu klein; eingestellt ist %2.</translation>
+    </message>
+    <message>
+        <source>%1 is between two steps; %2 was set.</source>
+        <translation>%1 liegt zwischen zwei Schritten; eingestellt ist %2.</translation>
     </message>
 </context>
 <context>
@@ -1829,6 +1905,18 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
             <numerusform>%1: Region bei %2, %3 mit %4 x %5 Pixeln, %n Bilder</numerusform>
         </translation>
     </message>
+    <message>
+        <source>the camera&apos;s picture was not seen</source>
+        <translation>das Bild der Kamera wurde nicht gesehen</translation>
+    </message>
+    <message>
+        <source>the camera&apos;s picture does not tell</source>
+        <translation>das Bild der Kamera verrät es nicht</translation>
+    </message>
+    <message>
+        <source>Saturated pixels may count as valid: %1.</source>
+        <translation>Gesättigte Pixel zählen womöglich als gültig: %1.</translation>
+    </message>
 </context>
 <context>
     <name>CkQualityPlot</name>
@@ -2318,6 +2406,21 @@ aufgenommen in %2</translation>
     <message>
         <source>There is not enough memory.</source>
         <translation>Der Speicher reicht nicht aus.</translation>
+    </message>
+</context>
+<context>
+    <name>CkSaturation</name>
+    <message>
+        <source>A minus B does not tell whether A and B were saturated</source>
+        <translation>A minus B verrät nicht, ob A und B gesättigt waren</translation>
+    </message>
+    <message>
+        <source>Samples of this kind have no end of their range</source>
+        <translation>Werte dieser Art haben kein Ende ihres Bereichs</translation>
+    </message>
+    <message>
+        <source>A computed picture does not tell; the picture of the camera does</source>
+        <translation>Ein berechnetes Bild verrät es nicht, aber das Bild der Kamera</translation>
     </message>
 </context>
 <context>
@@ -2811,6 +2914,33 @@ a chain file with Ctrl+O, or drop files here.</source>
 
 Öffnen Sie eine Kamera im Menü „Kamera“, eine Aufnahme mit Strg+Umschalt+O,
 eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
+    </message>
+</context>
+<context>
+    <name>CkViewNotices</name>
+    <message>
+        <source>&quot;%1&quot; is unplugged. The view goes on when it is plugged in again.</source>
+        <translation>„%1“ ist abgezogen. Die Ansicht macht weiter, sobald die Kamera wieder angesteckt ist.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is switched off.</source>
+        <translation>„%1“ ist ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>No picture yet. Start the camera to see one.</source>
+        <translation>Noch kein Bild. Starten Sie die Kamera, um eines zu sehen.</translation>
+    </message>
+    <message>
+        <source>No picture yet. The processing chain is stopped.</source>
+        <translation>Noch kein Bild. Die Verarbeitungskette steht.</translation>
+    </message>
+    <message>
+        <source>No picture yet. Play the recording to see one.</source>
+        <translation>Noch kein Bild. Spielen Sie die Aufnahme ab, um eines zu sehen.</translation>
+    </message>
+    <message>
+        <source>No picture yet. The camera runs; the first picture is on its way.</source>
+        <translation>Noch kein Bild. Die Kamera läuft; das erste Bild ist unterwegs.</translation>
     </message>
 </context>
 <context>
