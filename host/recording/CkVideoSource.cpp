@@ -60,8 +60,9 @@ struct CkVideoSource::SkShared {
     int pace = EveryFrame;
     double speed = 1.0;
     std::function<void(const std::function<bool()>&)> afterFrame;
-    Clock::time_point due; ///< of the next frame in real time
-    bool timed = false;    ///< due is set
+    qint64 dueFrame = -1;       ///< the frame that was timed last in real time, -1 for none
+    Clock::time_point due;      ///< its time
+    Clock::time_point pausedAt; ///< when the chain stopped asking for frames
 
     /// Between a frame and the next one, at the speed of playback.
     Clock::duration gapAfter(qint64 frame) const {
@@ -111,7 +112,7 @@ void CkVideoSource::useFile(const std::shared_ptr<const IkFrameFile>& file) {
         m_d->next = 0;
         m_d->position = -1;
         m_d->skipped = 0;
-        m_d->timed = false;
+        m_d->dueFrame = -1;
         ++m_d->jumps;
     }
     m_d->changed.notify_all();
@@ -194,7 +195,7 @@ void CkVideoSource::play() {
             return;
         }
         m_d->playing = true;
-        m_d->timed = false;
+        m_d->dueFrame = -1;
         m_d->skipped = 0;
         if (m_d->reader != nullptr && m_d->next >= m_d->reader->frameCount()) {
             m_d->next = 0;
@@ -232,7 +233,7 @@ bool CkVideoSource::seek(qint64 iFrame) {
             return false;
         }
         m_d->next = iFrame;
-        m_d->timed = false;
+        m_d->dueFrame = -1;
         m_d->steps = m_d->playing ? 0 : 1;
         ++m_d->jumps;
     }
@@ -249,7 +250,7 @@ void CkVideoSource::setPace(int iPace) {
     {
         const std::lock_guard lock(m_d->mutex);
         m_d->pace = iPace == RealTime ? RealTime : EveryFrame;
-        m_d->timed = false;
+        m_d->dueFrame = -1;
     }
     m_d->changed.notify_all();
 }
@@ -265,7 +266,7 @@ void CkVideoSource::setSpeed(double fSpeed) {
             return;
         }
         m_d->speed = speed;
-        m_d->timed = false;
+        m_d->dueFrame = -1;
         ++m_d->jumps; // the wait for the next frame was measured at the speed before
     }
     m_d->changed.notify_all();
@@ -300,7 +301,8 @@ void CkVideoSource::setupStart() {
     {
         const std::lock_guard lock(m_d->mutex);
         m_d->chainRuns = true;
-        m_d->timed = false;
+        // The recording's clock stands still while the chain does, be it only to be set up anew.
+        m_d->due += Clock::now() - m_d->pausedAt;
     }
     m_d->changed.notify_all();
 }
@@ -310,6 +312,7 @@ void CkVideoSource::setupStop() {
     {
         const std::lock_guard lock(m_d->mutex);
         m_d->chainRuns = false;
+        m_d->pausedAt = Clock::now();
     }
     m_d->changed.notify_all();
 }
@@ -417,10 +420,9 @@ bool CkVideoSource::waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFr
     const auto interrupted = [this, jumps] {
         return m_d->stop || m_d->jumps != jumps || !m_d->wanted() || m_d->pace != RealTime;
     };
-    if (!m_d->timed) {
-        m_d->timed = true;
+    if (m_d->dueFrame < 0) {
         m_d->due = Clock::now();
-    } else if (iFrame > 0) {
+    } else if (iFrame > 0 && m_d->dueFrame == iFrame - 1) {
         m_d->due += m_d->gapAfter(iFrame - 1);
     }
     // Whoever is later than the next frame shows that one.
@@ -433,12 +435,9 @@ bool CkVideoSource::waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFr
         ++iFrame;
         ++m_d->skipped;
     }
+    m_d->dueFrame = iFrame;
     m_d->changed.wait_until(lock, m_d->due, interrupted);
-    if (interrupted()) {
-        m_d->timed = false;
-        return false;
-    }
-    return true;
+    return !interrupted();
 }
 
 bool CkVideoSource::deliverOne(std::unique_lock<std::mutex>& lock, CkImageData& frame) {

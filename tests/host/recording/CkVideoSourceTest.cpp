@@ -233,6 +233,70 @@ TEST_F(CkVideoSourceTest, FramesOfAnotherFormatAreNotSkipped) {
     EXPECT_EQ(m_sink.widths(), (std::vector<quint32>{6, 6, 9, 9, 6, 6, 9, 9, 6, 6, 9, 9}));
 }
 
+namespace {
+
+/// Counts how often it is set up.
+class CountingBlock : public CkImageProvider {
+public:
+    void setupStart() override { ++starts; }
+    std::atomic<int> starts = 0;
+};
+
+} // namespace
+
+TEST_F(CkVideoSourceTest, ALongerSequenceOfPhasesLosesNoFrame) {
+    CkRecordingWriter writer;
+    ASSERT_TRUE(writer.open(path("n.tif"), {}, EkRecordingCompression::None));
+    constexpr int lengths[] = {2, 2, 4, 4, 4, 4, 4, 4, 4, 4};
+    for (int frame = 0; frame < 10; ++frame) {
+        PaddedPicture made = picture(frame);
+        CkImageMetadata meta = metadata(frame);
+        meta.phaseSequenceLength = lengths[frame];
+        ASSERT_TRUE(writer.write(*made, meta)) << qPrintable(writer.errorMessage());
+    }
+    ASSERT_TRUE(writer.close());
+    auto* const block = new CountingBlock;
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(m_chain, block, m_source));
+    QString error;
+    ASSERT_TRUE(m_source->openFile(path("n.tif"), &error)) << qPrintable(error);
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(10), counted(0, 10));
+    EXPECT_EQ(block->starts, 2);
+    CkImageMetadata negotiated;
+    SkPicBufInfo info;
+    ASSERT_TRUE(m_chain->negotiatedInfo(block, info, &negotiated));
+    EXPECT_EQ(negotiated.phaseSequenceLength, 4);
+    EXPECT_EQ(m_chain->blockStatistics(m_source).dropped, 0U);
+}
+
+TEST_F(CkVideoSourceTest, SettingTheChainUpAnewDoesNotHurryRealTime) {
+    CkRecordingWriter writer;
+    ASSERT_TRUE(writer.open(path("slow.tif"), {}, EkRecordingCompression::None));
+    for (int frame = 0; frame < 100; ++frame) {
+        PaddedPicture made = picture(frame);
+        made->additionalData.timestampNs = frame * 9'000'000'000;
+        ASSERT_TRUE(writer.write(*made, metadata(frame))) << qPrintable(writer.errorMessage());
+    }
+    ASSERT_TRUE(writer.close());
+    auto* const block = new CountingBlock;
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(m_chain, block, m_source));
+    QString error;
+    ASSERT_TRUE(m_source->openFile(path("slow.tif"), &error)) << qPrintable(error);
+    m_source->setPace(CkVideoSource::RealTime);
+    ASSERT_TRUE(m_chain->start());
+    m_source->play();
+    ASSERT_EQ(m_sink.waitFor(1), Numbers{0});
+    waitForPosition(0);
+    for (int starts = 2; starts < 30; ++starts) {
+        m_chain->requestRenegotiation();
+        for (int i = 0; i < 60000 && block->starts < starts; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    EXPECT_EQ(m_sink.waitFor(1), Numbers{0}) << "the next frame is due seconds later";
+}
+
 TEST_F(CkVideoSourceTest, RealTimeKeepsOrderAndAccountsForEveryFrame) {
     openFrames(12); // 40 ms each
     m_source->setPace(CkVideoSource::RealTime);
