@@ -1,6 +1,7 @@
 #include "zuCore/CkChain.h"
 
 #include "CkChainPrivate.h"
+#include "guarded.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 
@@ -100,7 +101,8 @@ QString CkChain::chainTitle(const CkChainable* pProvider) const {
     }
     QStringList titles;
     for (const CkChainable* block : std::as_const(way)) {
-        titles.append(block->title());
+        titles.append(guarded(QString::fromLatin1(block->metaObject()->className()),
+                              [block] { return block->title(); }));
     }
     return titles.join(QStringLiteral(" - "));
 }
@@ -113,7 +115,7 @@ bool CkChain::addSink(CkChainable* pBlock, IkFrameSink* pSink) {
     if (pSink == nullptr) {
         return false;
     }
-    const int held = std::clamp(pSink->heldFrames(), 0, 1000);
+    const int held = std::clamp(guarded(0, [pSink] { return pSink->heldFrames(); }), 0, 1000);
     {
         const std::lock_guard lock(m_d->m_graph);
         SkChainNode* const node = m_d->find(pBlock);

@@ -2,21 +2,21 @@
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 
+#include <QPointer>
 #include <algorithm>
-#include <unordered_set>
+#include <queue>
 
-SkChainNode::SkChainNode(CkChainable* pBlock)
+SkChainNode::SkChainNode(CkChainable* pBlock, quint64 uiSerial)
     : block(pBlock), provider(qobject_cast<CkImageProvider*>(pBlock)),
-      source(qobject_cast<CkImageSource*>(pBlock)) {}
+      source(qobject_cast<CkImageSource*>(pBlock)), serial(uiSerial) {}
 
 CkChain::CkPrivate::CkPrivate(CkChain* pChain) : m_q(pChain) {}
 
 CkChain::CkPrivate::~CkPrivate() = default;
 
 SkChainNode* CkChain::CkPrivate::find(const CkChainable* pBlock) const {
-    const auto found = std::find_if(m_nodes.begin(), m_nodes.end(),
-                                    [pBlock](const auto& node) { return node->block == pBlock; });
-    return found == m_nodes.end() ? nullptr : found->get();
+    const auto found = m_nodeOf.find(pBlock);
+    return found == m_nodeOf.end() ? nullptr : found->second;
 }
 
 void CkChain::CkPrivate::attach(CkChainable* pBlock, CkChain* pChain) {
@@ -30,8 +30,9 @@ SkChainNode* CkChain::CkPrivate::addNode(CkChainable* pBlock, SkChainNode* pPred
     SkChainNode* node = nullptr;
     {
         const std::lock_guard lock(m_graph);
-        m_nodes.push_back(std::make_unique<SkChainNode>(pBlock));
+        m_nodes.push_back(std::make_unique<SkChainNode>(pBlock, m_uiNextSerial++));
         node = m_nodes.back().get();
+        m_nodeOf.emplace(pBlock, node);
         if (pPredecessor != nullptr) {
             connectNodes(*pPredecessor, *node);
         }
@@ -41,7 +42,9 @@ SkChainNode* CkChain::CkPrivate::addNode(CkChainable* pBlock, SkChainNode* pPred
 }
 
 void CkChain::CkPrivate::connectNodes(SkChainNode& from, SkChainNode& to) {
-    if (std::find(from.successors.begin(), from.successors.end(), &to) == from.successors.end()) {
+    const bool fewer = from.successors.size() < to.predecessors.size();
+    const auto& ends = fewer ? from.successors : to.predecessors;
+    if (std::find(ends.begin(), ends.end(), fewer ? &to : &from) == ends.end()) {
         from.successors.push_back(&to);
         to.predecessors.push_back(&from);
     }
@@ -78,32 +81,38 @@ void CkChain::CkPrivate::removeNode(SkChainNode* pNode) {
     attach(pNode->block, nullptr);
     m_pool.release(pNode->block);
     const std::lock_guard lock(m_graph);
-    for (const auto& other : m_nodes) {
-        std::erase(other->predecessors, pNode);
-        std::erase(other->successors, pNode);
+    for (SkChainNode* predecessor : pNode->predecessors) {
+        std::erase(predecessor->successors, pNode);
     }
+    for (SkChainNode* successor : pNode->successors) {
+        std::erase(successor->predecessors, pNode);
+    }
+    m_nodeOf.erase(pNode->block);
     std::erase_if(m_nodes, [pNode](const auto& node) { return node.get() == pNode; });
 }
 
 void CkChain::CkPrivate::clear() {
-    std::vector<CkChainable*> blocks;
+    // Sources first: they may still have somebody delivering to them.
+    std::vector<QPointer<CkChainable>> blocks;
     {
         const std::lock_guard lock(m_graph);
-        // Sources first: they may still have somebody delivering to them.
         for (const SkChainNode* node : ordered()) {
-            blocks.push_back(node->block);
+            blocks.emplace_back(node->block);
         }
     }
     for (CkChainable* block : blocks) {
-        SkChainNode* node = nullptr;
-        {
-            const std::lock_guard lock(m_graph);
-            node = find(block);
-        }
-        if (node != nullptr) {
-            removeNode(node);
-            delete block;
-        }
+        attach(block, nullptr);
+        m_pool.release(block);
+    }
+    std::vector<std::unique_ptr<SkChainNode>> nodes;
+    {
+        const std::lock_guard lock(m_graph);
+        nodes.swap(m_nodes);
+        m_nodeOf.clear();
+        m_order.clear();
+    }
+    for (const QPointer<CkChainable>& block : blocks) {
+        delete block.data();
     }
 }
 
@@ -120,21 +129,26 @@ void CkChain::CkPrivate::forget(CkChainable* pBlock) {
 }
 
 std::vector<SkChainNode*> CkChain::CkPrivate::ordered() const {
-    std::vector<SkChainNode*> order;
-    std::unordered_set<const SkChainNode*> placed;
-    order.reserve(m_nodes.size());
-    while (order.size() < m_nodes.size()) {
-        const size_t before = order.size();
-        for (const auto& node : m_nodes) {
-            const bool ready =
-                std::all_of(node->predecessors.begin(), node->predecessors.end(),
-                            [&](const SkChainNode* feeder) { return placed.contains(feeder); });
-            if (ready && placed.insert(node.get()).second) {
-                order.push_back(node.get());
-            }
+    // Of those whose predecessors have their place, the one that was inserted first comes next.
+    const auto later = [](const SkChainNode* a, const SkChainNode* b) { return a->serial > b->serial; };
+    std::priority_queue<SkChainNode*, std::vector<SkChainNode*>, decltype(later)> ready(later);
+    std::unordered_map<const SkChainNode*, size_t> missing;
+    for (const auto& node : m_nodes) {
+        missing[node.get()] = node->predecessors.size();
+        if (node->predecessors.empty()) {
+            ready.push(node.get());
         }
-        if (order.size() == before) {
-            break; // cannot happen: connections never close a circle
+    }
+    std::vector<SkChainNode*> order;
+    order.reserve(m_nodes.size());
+    while (!ready.empty()) {
+        SkChainNode* const node = ready.top();
+        ready.pop();
+        order.push_back(node);
+        for (SkChainNode* successor : node->successors) {
+            if (--missing[successor] == 0) {
+                ready.push(successor);
+            }
         }
     }
     return order;

@@ -1,6 +1,7 @@
 #include "zuCore/CkChainManager.h"
 
 #include "CkChainPrivate.h"
+#include "guarded.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageSource.h"
@@ -19,9 +20,20 @@ void closeAllChains() {
     }
 }
 
+bool accepts(CkChainable* block, CkChainable* feeder) {
+    return guarded(false, [block, feeder] { return block->acceptsDataFrom(feeder); });
+}
+
 bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) {
     return std::all_of(nodes.begin(), nodes.end(),
-                       [feeder](const auto* node) { return node->block->acceptsDataFrom(feeder); });
+                       [feeder](const auto* node) { return accepts(node->block, feeder); });
+}
+
+/// Whether all that a first block feeds can do without it: what has no other feeder has to stand first.
+bool remainWithout(const SkChainNode& first) {
+    return std::all_of(first.successors.begin(), first.successors.end(), [](const auto* node) {
+        return node->predecessors.size() > 1 || accepts(node->block, nullptr);
+    });
 }
 
 } // namespace
@@ -92,7 +104,7 @@ bool CkChainManager::insert(CkChain* pChain, CkChainable* pNew, CkChainable* pAf
             if (bBranch || qobject_cast<CkImageSource*>(pNew) == nullptr) {
                 return false;
             }
-        } else if (after == nullptr || !pNew->acceptsDataFrom(pAfter)) {
+        } else if (after == nullptr || !accepts(pNew, pAfter)) {
             return false;
         }
         const bool takesOver = after != nullptr && !bBranch;
@@ -125,7 +137,7 @@ bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlo
             return false;
         }
         SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
-        if (feeder != nullptr && !acceptedByAll(node->successors, feeder->block)) {
+        if (feeder == nullptr ? !remainWithout(*node) : !acceptedByAll(node->successors, feeder->block)) {
             return false;
         }
         sinksMoved = !node->sinks.empty();

@@ -1,4 +1,5 @@
 #include "CkChainPrivate.h"
+#include "guarded.h"
 #include "poolErrorText.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
@@ -6,67 +7,46 @@
 
 #include <algorithm>
 #include <exception>
-#include <unordered_set>
-
-bool isSameLayout(const SkPicBufInfo& a, const SkPicBufInfo& b) {
-    return a.width == b.width && a.height == b.height && a.lineSize == b.lineSize &&
-           a.channels == b.channels && a.bitsPerChannel == b.bitsPerChannel && a.dataType == b.dataType &&
-           a.colorFilterArray == b.colorFilterArray && a.layoutFlag == b.layoutFlag;
-}
-
-bool isSameFormat(const SkFormat& a, const SkFormat& b) {
-    if (a.known != b.known || !isSameLayout(a.info, b.info)) {
-        return false;
-    }
-    CkImageMetadata left = a.metadata;
-    CkImageMetadata right = b.metadata;
-    for (CkImageMetadata* metadata : {&left, &right}) {
-        metadata->phaseSequenceIndex = 0;
-        metadata->phaseAngle = 0;
-        metadata->sectionIndex = 0;
-        metadata->timestampNs = 0;
-        metadata->frameNumber = 0;
-    }
-    return left == right;
-}
+#include <functional>
+#include <numeric>
 
 namespace {
 
-/// Foreign code is asked; what it throws counts as a refusal.
+/// What it throws counts as a refusal.
 bool sourceFormat(const CkImageSource& source, SkFormat& format) {
     format = SkFormat();
-    try {
-        format.known = source.sourceImageInfo(format.info, &format.metadata);
-    } catch (...) {
-        format.known = false;
-    }
+    format.known = guarded(false, [&] { return source.sourceImageInfo(format.info, &format.metadata); });
     return format.known;
-}
-
-bool queriedFormat(CkImageProvider& provider, const SkFormat& input, SkFormat& output) {
-    output = SkFormat();
-    try {
-        output.known =
-            provider.queryOutputImageInfo(input.info, output.info, &input.metadata, &output.metadata);
-    } catch (...) {
-        output.known = false;
-    }
-    return output.known;
 }
 
 } // namespace
 
+bool CkChain::CkPrivate::queryOutput(CkImageProvider& provider, const SkFormat& input, SkFormat& output) {
+    output = SkFormat();
+    output.known = guarded(false, [&] {
+        return provider.queryOutputImageInfo(input.info, output.info, &input.metadata, &output.metadata);
+    });
+    return output.known;
+}
+
 bool CkChain::CkPrivate::negotiateNow(const SkChainNode& node, SkFormat& format) const {
-    format = SkFormat();
-    if (node.source != nullptr) {
-        return sourceFormat(*node.source, format);
+    std::vector<CkImageProvider*> way; // from the block up to its source
+    const SkChainNode* current = &node;
+    while (current->source == nullptr) {
+        if (current->provider == nullptr || current->predecessors.empty()) {
+            format = SkFormat();
+            return false;
+        }
+        way.push_back(current->provider);
+        current = current->predecessors.front();
     }
-    SkFormat input;
-    if (node.provider == nullptr || node.predecessors.empty() ||
-        !negotiateNow(*node.predecessors.front(), input)) {
+    if (!sourceFormat(*current->source, format)) {
         return false;
     }
-    return queriedFormat(*node.provider, input, format);
+    return std::all_of(way.rbegin(), way.rend(), [&format](CkImageProvider* provider) {
+        const SkFormat input = format;
+        return queryOutput(*provider, input, format);
+    });
 }
 
 bool CkChain::CkPrivate::outputFormat(const CkChainable* pBlock, SkFormat& format) {
@@ -99,120 +79,137 @@ bool CkChain::CkPrivate::outputFormat(const CkChainable* pBlock, SkFormat& forma
     return node != nullptr && negotiateNow(*node, format);
 }
 
-bool CkChain::CkPrivate::negotiate() {
-    bool changed = false;
+EkFormatChange CkChain::CkPrivate::negotiate(const SkChainNode* pInHand) {
+    EkFormatChange largest = EkFormatChange::None;
     for (SkChainNode* node : m_order) {
-        SkFormat output;
-        if (node->source == nullptr) {
-            node->block->setErrorMessage(QString());
-        }
+        SkFormat announced;
+        showSetUpError(*node, QString());
         if (node->source != nullptr) {
-            SkFormat announced;
             sourceFormat(*node->source, announced);
-            // A source that has nothing new to say is not believed against its own frames.
-            const bool trusted = !node->lastFrame.known || !isSameFormat(announced, node->announced);
-            output = trusted ? announced : node->lastFrame;
-            node->announced = announced;
-        } else if (node->provider != nullptr && !node->predecessors.empty() &&
-                   node->predecessors.front()->output.known) {
-            // A block that refuses says why with the first frame at the latest; a text of the host would keep
-            // it from that.
-            if (!queriedFormat(*node->provider, node->predecessors.front()->output, output)) {
-                output = SkFormat();
+        } else {
+            node->block->setErrorMessage(QString());
+            if (node->provider != nullptr && !node->predecessors.empty() &&
+                node->predecessors.front()->output.known) {
+                queryOutput(*node->provider, node->predecessors.front()->output, announced);
             }
         }
-        const bool other = !isSameFormat(output, node->output);
-        changed = changed || other;
-        if (other) {
-            node->toleratesOtherSizes = false;
+        const bool news = formatChange(announced, node->announced) != EkFormatChange::None;
+        if (news && node != pInHand) {
+            node->lastFrame = SkFormat(); // of what was before
+            node->refitFrame = node->source != nullptr ? node->refitFrame : 0;
         }
-        node->negotiated = output.known;
+        const bool proven = node->lastFrame.known;
+        node->announced = announced;
+        node->negotiated = announced.known || (node->source != nullptr && proven);
+        const SkFormat& output = proven ? node->lastFrame : announced;
+        largest = std::max(largest, formatChange(output, node->output));
         const std::lock_guard lock(m_graph);
         node->output = output;
     }
-    return changed;
+    return largest;
 }
 
-int CkChain::CkPrivate::picturesNeeded(const SkChainNode& node) const {
-    const int own = node.block->buffersCountInMemoryPool();
-    if (own <= 0) {
-        return 0;
-    }
-    // Blocks that pass their input through hand this block's pictures to the sinks behind them.
-    int held = 0;
+std::vector<int> CkChain::CkPrivate::picturesHeldBehind() const {
     const std::lock_guard lock(m_graph);
-    std::unordered_set<const SkChainNode*> seen;
-    std::vector<const SkChainNode*> open{&node};
-    while (!open.empty()) {
-        const SkChainNode* const current = open.back();
-        open.pop_back();
-        if (!seen.insert(current).second) {
-            continue;
+    std::vector<int> held; // by the sinks of each block that has some
+    std::vector<size_t> bitOf(m_order.size());
+    for (const SkChainNode* node : m_order) {
+        bitOf[node->index] = held.size();
+        if (!node->sinks.empty()) {
+            held.push_back(
+                std::accumulate(node->sinks.begin(), node->sinks.end(), 0,
+                                [](int sum, const SkSinkEntry& entry) { return sum + entry.heldFrames; }));
         }
-        for (const SkSinkEntry& entry : current->sinks) {
-            held += entry.heldFrames;
-        }
-        open.insert(open.end(), current->successors.begin(), current->successors.end());
     }
-    // A successor may keep the frame it worked on last.
-    return own + held + int(node.successors.size());
+    // Blocks that pass their input through hand a block's pictures to all sinks behind them: a bit for each.
+    std::vector<std::vector<bool>> reached(m_order.size(), std::vector<bool>(held.size()));
+    std::vector<int> sums(m_order.size());
+    for (size_t i = m_order.size(); i-- > 0;) {
+        const SkChainNode& node = *m_order[i];
+        if (!node.sinks.empty()) {
+            reached[i][bitOf[i]] = true;
+        }
+        for (const SkChainOutput& output : node.outputs) {
+            const std::vector<bool>& behind = reached[output.to->index];
+            std::transform(behind.begin(), behind.end(), reached[i].begin(), reached[i].begin(),
+                           std::logical_or<>());
+        }
+        for (size_t bit = 0; bit < held.size(); ++bit) {
+            sums[i] += reached[i][bit] ? held[bit] : 0;
+        }
+    }
+    return sums;
 }
 
 void CkChain::CkPrivate::reservePools(bool bOnlyGrow) {
-    for (const SkChainNode* node : m_order) {
-        CkChainable* const block = node->block;
-        if (!node->negotiated) {
-            m_pool.release(block);
-            continue;
-        }
-        const int needed = picturesNeeded(*node);
-        if (needed == 0) {
-            m_pool.release(block);
-            continue;
-        }
-        const int capacity = m_pool.capacity(block);
-        if (bOnlyGrow && (capacity == 0 || capacity >= needed)) {
-            continue;
-        }
-        // A shelf that fits and whose pictures are all at home serves another run.
-        if (capacity == needed && m_pool.freeCount(block) == capacity &&
-            m_pool.bytesPerPicture(block) == CkPicBufAPI::byteSize(node->output.info)) {
-            continue;
-        }
-        if (m_pool.reserve(block, node->output.info, needed)) {
-            continue;
-        }
-        if (bOnlyGrow && m_pool.reserve(block, node->output.info, capacity)) {
-            continue; // memory is short: as many as before
-        }
-        showError(block, poolErrorText(node->output.info));
+    const std::vector<int> held = picturesHeldBehind();
+    for (SkChainNode* node : m_order) {
+        reservePool(*node, held[node->index], bOnlyGrow);
     }
 }
 
-void CkChain::CkPrivate::showError(CkChainable* pBlock, const QString& sText) const {
-    pBlock->setErrorMessage(sText);
+void CkChain::CkPrivate::reservePool(SkChainNode& node, int iHeldBehind, bool bOnlyGrow) {
+    CkChainable* const block = node.block;
+    if (!bOnlyGrow) {
+        node.pictures = guarded(-1, [block] { return std::max(0, block->buffersCountInMemoryPool()); });
+    }
+    if (node.pictures <= 0 || !node.negotiated) {
+        m_pool.release(block);
+        return;
+    }
+    // A successor may keep the frame it worked on last; of several inputs one result waits for the others.
+    const int waiting = node.predecessors.size() > 1 ? 1 : 0;
+    const int needed = node.pictures + waiting + iHeldBehind + int(node.outputs.size());
+    const SkPicBufInfo& info = node.source != nullptr ? node.output.info : node.announced.info;
+    const int capacity = m_pool.capacity(block);
+    if (bOnlyGrow && (capacity == 0 || capacity >= needed)) {
+        return;
+    }
+    // A shelf that fits and whose pictures are all at home serves another run.
+    if (capacity == needed && m_pool.freeCount(block) == capacity &&
+        m_pool.bytesPerPicture(block) == CkPicBufAPI::byteSize(info)) {
+        return;
+    }
+    if (m_pool.reserve(block, info, needed)) {
+        return;
+    }
+    if (bOnlyGrow && m_pool.reserve(block, info, capacity)) {
+        return; // memory is short: as many as before
+    }
+    showSetUpError(node, poolErrorText(info));
 }
 
 void CkChain::CkPrivate::setUp() {
-    for (const SkChainNode* node : m_order) {
+    for (SkChainNode* node : m_order) {
+        CkChainable* const block = node->block;
+        node->ready = false;
         try {
-            node->block->setupStart();
+            block->setupStart();
+            node->ready = node->pictures >= 0;
+            if (!node->ready) {
+                showSetUpError(*node, CkChain::tr("The block cannot be set up."));
+            }
         } catch (const std::exception& error) {
-            showError(
-                node->block,
+            showSetUpError(
+                *node,
                 CkChain::tr("The block cannot be set up: %1").arg(QString::fromLocal8Bit(error.what())));
         } catch (...) {
-            showError(node->block, CkChain::tr("The block cannot be set up."));
+            showSetUpError(*node, CkChain::tr("The block cannot be set up."));
+        }
+        const bool refuses = node->provider != nullptr && !node->negotiated && !node->predecessors.empty() &&
+                             node->predecessors.front()->output.known;
+        if (node->ready && refuses) {
+            showSetUpError(*node, CkChain::tr("The block cannot work on the format of its input."));
         }
     }
 }
 
 void CkChain::CkPrivate::tearDown() {
-    for (const SkChainNode* node : m_order) {
+    for (SkChainNode* node : m_order) {
         try {
             node->block->setupStop();
         } catch (...) {
-            showError(node->block, CkChain::tr("The block failed while it was stopped."));
+            showSetUpError(*node, CkChain::tr("The block failed while it was stopped."));
         }
     }
 }

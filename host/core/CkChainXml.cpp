@@ -1,4 +1,5 @@
 #include "CkChainPrivate.h"
+#include "guarded.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 #include "zuCore/CkRTTI.h"
@@ -12,7 +13,7 @@
 namespace {
 
 constexpr int formatVersion = 1;
-/// Frames run depth-first; the limit keeps a hostile file from using up the thread's stack.
+/// No chain that somebody made comes near; the limit keeps a hostile file from using up memory and time.
 constexpr size_t mostBlocks = 1000;
 
 /// A block that was read but is in no chain yet.
@@ -96,13 +97,7 @@ bool CkChainReader::readBlock(const QDomElement& element) {
     if (!readFeeders(element, read)) {
         return false;
     }
-    bool loaded = false;
-    try {
-        loaded = read.block->loadSettings(element);
-    } catch (...) {
-        loaded = false;
-    }
-    if (!loaded) {
+    if (!guarded(false, [&] { return read.block->loadSettings(element); })) {
         return fail(element, CkChain::tr("the settings of class \"%1\" cannot be read.").arg(className));
     }
     m_places.insert(id, m_blocks.size());
@@ -119,7 +114,8 @@ bool CkChainReader::readFeeders(const QDomElement& element, SkReadBlock& read) {
         if (place == m_places.constEnd()) {
             return fail(element, CkChain::tr("there is no block \"%1\" before it.").arg(id));
         }
-        if (!read.block->acceptsDataFrom(m_blocks[*place].block.get())) {
+        CkChainable* const feeder = m_blocks[*place].block.get();
+        if (!guarded(false, [&] { return read.block->acceptsDataFrom(feeder); })) {
             return fail(element, CkChain::tr("it does not accept the data of block \"%1\".").arg(id));
         }
         read.feeders.push_back(*place);
@@ -146,7 +142,7 @@ bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
     const QList<CkChainable*> all = blocks();
     for (qsizetype i = 0; i < all.size(); ++i) {
         QDomElement block = doc.createElement(QStringLiteral("block"));
-        if (!all[i]->saveSettings(doc, block)) {
+        if (!guarded(false, [&] { return all[i]->saveSettings(doc, block); })) {
             return false;
         }
         QStringList feeders;

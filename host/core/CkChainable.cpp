@@ -92,20 +92,51 @@ void CkChainable::setState(int iState) {
     emit stateChanged(iState);
 }
 
+QString CkChainable::message() const {
+    return m_sOwnMessage.isEmpty() ? m_sChainMessage : m_sOwnMessage;
+}
+
 QString CkChainable::errorMessage() const {
     const std::lock_guard lock(m_mutex);
-    return m_sErrorMessage;
+    const bool held = m_messageHolder != std::thread::id() && m_messageHolder != std::this_thread::get_id();
+    return held ? m_sToldMessage : message();
 }
 
 void CkChainable::setErrorMessage(const QString& sMessage) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_sErrorMessage == sMessage) {
-            return;
-        }
-        m_sErrorMessage = sMessage;
+    std::unique_lock lock(m_mutex);
+    m_sOwnMessage = sMessage;
+    tell(std::move(lock));
+}
+
+void CkChainable::setChainMessage(const QString& sMessage) {
+    std::unique_lock lock(m_mutex);
+    m_sChainMessage = sMessage;
+    tell(std::move(lock));
+}
+
+void CkChainable::holdMessages() {
+    const std::lock_guard lock(m_mutex);
+    m_messageHolder = std::this_thread::get_id();
+}
+
+void CkChainable::tellMessages() {
+    std::unique_lock lock(m_mutex);
+    m_messageHolder = {};
+    tell(std::move(lock));
+}
+
+void CkChainable::tell(std::unique_lock<std::mutex> lock) {
+    const QString now = message();
+    if (m_messageHolder != std::thread::id() || now == m_sToldMessage) {
+        return;
     }
-    emit errorMessageChanged(sMessage);
+    m_sToldMessage = now;
+    lock.unlock();
+    emit errorMessageChanged(now);
+}
+
+void CkChainable::noteDropped() {
+    m_bFrameDropped = true;
 }
 
 CkMemoryPool* CkChainable::memoryPool() const {

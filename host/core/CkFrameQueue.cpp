@@ -18,12 +18,16 @@ void CkFrameQueue::clear() {
     m_frames.clear();
 }
 
+void CkFrameQueue::forgetWishes() {
+    const std::lock_guard lock(m_mutex);
+    m_bRenegotiate = false;
+    m_bGrow = false;
+}
+
 void CkFrameQueue::open() {
     const std::lock_guard lock(m_mutex);
     clear();
     m_bOpen = true;
-    m_bRenegotiate = false;
-    m_bGrow = false;
 }
 
 void CkFrameQueue::close() {

@@ -25,7 +25,9 @@ public:
 
     ~CkFrameQueue();
 
-    /// Lets frames in.
+    /// Forgets what was asked for: whoever is about to set everything up serves that too.
+    void forgetWishes();
+    /// Lets frames in. What was asked for meanwhile is served first.
     void open();
     /// Ends the thread's waiting, deletes what waits, counting it as dropped, and lets nothing in any more.
     void close();

@@ -348,6 +348,14 @@ Kennung %3</translation>
         <source>The chain runs; stop it first.</source>
         <translation>Die Kette läuft; stoppen Sie sie zuerst.</translation>
     </message>
+    <message>
+        <source>The output of the block does not fit the pictures made for it.</source>
+        <translation>Das Ergebnis des Blocks passt nicht in die Bilder, die für ihn angelegt sind.</translation>
+    </message>
+    <message>
+        <source>Frames come in another format time and again; while the chain is set up anew for one, others are dropped.</source>
+        <translation>Immer wieder kommen Bilder in einem anderen Format; während die Kette für eines neu eingerichtet wird, entfallen andere.</translation>
+    </message>
 </context>
 <context>
     <name>CkChainEditor</name>

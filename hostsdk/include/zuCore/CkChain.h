@@ -34,7 +34,8 @@ struct SkBlockStatistics {
     quint64 framesIn = 0;  ///< frames that came to the block
     quint64 framesOut = 0; ///< frames that left it
     /// Lost before a source's chain had them, in a full queue or one that a stop found filled, for want of
-    /// a free picture, to a format that does not fit, a block that failed, or a slow sink.
+    /// a free picture, to a format that does not fit, a block that failed or said so
+    /// (CkChainable::noteDropped), or a slow sink.
     quint64 dropped = 0;
     quint64 processNs = 0; ///< spent in processData
     /// Of the frames that left it, those that all blocks and sinks behind it are done with.
@@ -43,8 +44,10 @@ struct SkBlockStatistics {
 
 /// A graph of blocks and the thread that runs it.
 ///
-/// Frames run from the sources to the ends, one at a time, in the order of delivery. Structure and life
-/// are changed through CkChainManager and start/stop. Every function may be called from any thread unless
+/// Frames run from the sources to the ends, one at a time, in the order of delivery. Of each frame of a
+/// source a block is handed one of each predecessor, in the order of connection; when it makes several frames
+/// of them, its sinks get them all and the blocks behind it the last one. Structure and life are changed
+/// through CkChainManager and start/stop. Every function may be called from any thread unless
 /// it says otherwise; control calls of several threads are served one after the other.
 class ZUCORE_EXPORT CkChain : public QObject {
     Q_OBJECT
@@ -53,12 +56,14 @@ public:
     ~CkChain() override;
 
     /// Negotiates every block's format, reserves its pictures, calls setupStart from the sources down and
-    /// starts the thread. A block that cannot negotiate shows its error and is left without a pool; the
-    /// rest runs. False when the chain has no source or runs already. Not from the chain's own thread.
+    /// starts the thread. A block that cannot negotiate shows its error and is left without a pool; one whose
+    /// setupStart throws shows that and is handed no frames; the rest runs. False when the chain has no
+    /// source or runs already. Not from the chain's own thread.
     bool start();
 
     /// Returns when no block is inside processData any more and every setupStop has been called. Frames in
-    /// the queue are dropped. Nothing happens for a stopped chain. Not from the chain's own thread.
+    /// the queue, and those on their way that no block works on, are dropped. Nothing happens for a stopped
+    /// chain. Not from the chain's own thread.
     void stop();
 
     bool started() const; ///< Between start and stop.
@@ -104,8 +109,13 @@ public:
 
     /// Before the next frame every block is set up anew, as by stop and start, on the chain's thread. A
     /// block may ask from within processData; while that changes no format its requests are served ever
-    /// more rarely. A frame that does not have the format negotiated for its source, or whose output does not
-    /// fit the block's pictures, is dropped and asks for this by itself.
+    /// more rarely.
+    ///
+    /// The chain does so by itself for a frame that leaves a source or a block in another format than the
+    /// negotiated one, and then goes on with that frame. In metadata, what changes from frame to frame (place
+    /// in the set, angle, exposure, time) is no format. Where every frame has another format than the one
+    /// before, the chain follows every second one, says so on the block, and drops what does not fit; other
+    /// metadata alone drop nothing, and are followed ever more rarely.
     void requestRenegotiation();
 
     /// The chain's blocks and connections as an XML element "chain", and back. save fills the element when it

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 #include <mutex>
+#include <thread>
 
 class CkChain;
 class CkMemoryPool;
@@ -82,26 +83,47 @@ public:
     int state() const;
     void setState(int iState); ///< EkState; emits stateChanged. Any thread.
 
-    /// What the host shows on the block; empty for no error. Any thread.
+    /// What the host shows on the block: the text that was set last or, where that is empty, what the chain
+    /// has to say of the block; empty for no error. Any thread.
     QString errorMessage() const;
-    void setErrorMessage(const QString& sMessage); ///< Empty for no error. Any thread.
+    /// Empty for no error; the chain's own text then shows again, and goes when its reason has gone. Setting
+    /// a block up clears the text, unless the block is a source. Any thread.
+    void setErrorMessage(const QString& sMessage);
 
     /// The chain's picture memory; null outside a chain. The block's own shelf has the block as its owner.
     CkMemoryPool* memoryPool() const;
 
 signals:
-    /// Emitted on the thread that changed the message.
+    /// What errorMessage answers has changed; on the thread that changed it.
     void errorMessageChanged(const QString& sMessage);
     void stateChanged(int iState); ///< EkState; on the thread that changed it.
     /// Title or settings have changed.
     void configurationChanged();
 
+protected:
+    /// Within processData, for a frame that yields nothing although no other frame is waited for: it counts
+    /// as dropped (CkChain::blockStatistics). The chain itself counts exceptions and frames for which the
+    /// pool had no picture; no frame counts twice.
+    void noteDropped();
+
 private:
     friend class CkChain;
+
+    void setChainMessage(const QString& sMessage);
+    /// Between the two the messages may change as they like: what came of it is told at the end, once. Only
+    /// the thread that holds them sees them change.
+    void holdMessages();
+    void tellMessages();
+    QString message() const; ///< with the lock
+    void tell(std::unique_lock<std::mutex> lock);
 
     const int m_iBlockKind;
     mutable std::mutex m_mutex;
     CkChain* m_pChain = nullptr;
     int m_iState = Ready;
-    QString m_sErrorMessage;
+    QString m_sOwnMessage;
+    QString m_sChainMessage;         ///< the host's, shown while the block's own is empty
+    QString m_sToldMessage;          ///< told last
+    std::thread::id m_messageHolder; ///< none: every change is told at once
+    bool m_bFrameDropped = false;    ///< chain thread
 };

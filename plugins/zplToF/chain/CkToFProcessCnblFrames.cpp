@@ -101,6 +101,7 @@ IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
     const SkOutcome outcome = processFrame(frameTransform, *data, outInfo, outMeta);
     if (outcome.refusal != EkRefusal::None) {
         show(tr(refusalText(outcome.refusal)));
+        noteDropped();
     } else {
         publish(outcome.message);
     }
@@ -223,4 +224,5 @@ void CkToFProcessCnbl::refuse(const QString& sReason) {
     if (shown.isEmpty() || shown == m_sShownRefusal) {
         show(sReason);
     }
+    noteDropped();
 }

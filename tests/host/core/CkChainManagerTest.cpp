@@ -119,17 +119,29 @@ TEST_F(CkChainManagerTest, ABlockThatASuccessorCannotDoWithoutStays) {
 
 TEST_F(CkChainManagerTest, ARemovedSourceLeavesItsSinksWithoutFrames) {
     auto* const other = new TestSource();
-    auto* const behind = new PassBlock();
     ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));
-    ASSERT_TRUE(manager->insertAfter(chain, behind, other));
     KeepingSink sink;
     chain->addSink(other, &sink);
     ASSERT_TRUE(manager->remove(chain, other, false));
     EXPECT_EQ(chain->sinkBlock(&sink), nullptr);
-    EXPECT_TRUE(chain->precedessors(behind).isEmpty());
     EXPECT_TRUE(chain->start());
     chain->stop();
     chain->removeSink(&sink);
+}
+
+TEST_F(CkChainManagerTest, ASourceIsNotTakenAwayFromWhatOnlyItFeeds) {
+    auto* const other = new TestSource();
+    auto* const behind = new PassBlock();
+    ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));
+    ASSERT_TRUE(manager->insertAfter(chain, behind, other));
+    EXPECT_FALSE(manager->remove(chain, other, false)) << "nothing could feed the block behind it any more";
+    EXPECT_EQ(chain->precedessors(behind), QList<CkChainable*>{other});
+    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, other, behind}));
+    manager->deleteChainable(other);
+    EXPECT_EQ(chain->blocks().size(), 3);
+    ASSERT_TRUE(manager->remove(chain, behind, false));
+    EXPECT_TRUE(manager->remove(chain, other, false));
+    EXPECT_EQ(chain->blocks(), QList<CkChainable*>{source});
 }
 
 TEST_F(CkChainManagerTest, AChainWithoutBlocksIsClosed) {

@@ -149,8 +149,9 @@ TEST_F(CkChainPoolTest, AnOutputWithoutPixelsIsSaidAsLongAsFramesCome) {
     for (int i = 0; i < 5; ++i) {
         pushSurely(quint8(i));
     }
-    ASSERT_TRUE(waitUntil([&] { return block->frames == 5; }));
+    ASSERT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 5; }));
     chain->stop();
+    EXPECT_EQ(chain->blockStatistics(block).dropped, 5U);
     EXPECT_EQ(block->errorMessage(), "The output of the block has no pixels.");
 }
 

@@ -198,6 +198,52 @@ TEST_F(CkChainTest, AnExceptionOfABlockShowsOnItAndTheRestGoesOn) {
     chain->removeSink(&sink);
 }
 
+namespace {
+
+/// Takes every second frame only, saying so or not; its pool has nothing for it.
+class ChoosyBlock : public AddBlock {
+public:
+    using AddBlock::AddBlock;
+    IkChainData* processData(IkChainData* pData) override {
+        if (frames++ % 2 == 0) {
+            return pData;
+        }
+        if (asks) {
+            SkPicBuf picture;
+            memoryPool()->acquire(this, packedFormat(1, 1), picture, false);
+        }
+        if (says) {
+            noteDropped();
+        }
+        return nullptr;
+    }
+    std::atomic<bool> says = false;
+    std::atomic<bool> asks = false;
+};
+
+} // namespace
+
+TEST_F(CkChainTest, AFrameThatABlockSaysItDroppedIsCountedOnce) {
+    auto* const block = branch(new ChoosyBlock(0), source);
+    const auto droppedOf = [&](int frames) {
+        EXPECT_TRUE(chain->start());
+        block->frames = 0;
+        for (int i = 0; i < frames; ++i) {
+            pushSurely(1);
+        }
+        EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == quint64(frames); }));
+        const quint64 dropped = chain->blockStatistics(block).dropped;
+        chain->stop();
+        return dropped;
+    };
+    EXPECT_EQ(droppedOf(6), 0U) << "a block may wait for more";
+    block->says = true;
+    EXPECT_EQ(droppedOf(6), 3U);
+    EXPECT_EQ(droppedOf(7), 3U) << "what is said of one frame does not count for the next";
+    block->asks = true;
+    EXPECT_EQ(droppedOf(2), 1U) << "without a picture as well";
+}
+
 TEST_F(CkChainTest, SeveralSourcesShareTheThread) {
     auto* const other = new TestSource();
     ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));

@@ -49,6 +49,7 @@ public:
     /// A frame in the announced format whose every byte is uiValue.
     bool push(quint8 uiValue);
     bool pushFormat(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint8 uiValue);
+    bool pushFrame(std::unique_ptr<CkImageData> frame) { return deliver(frame.release()); }
 
 private:
     mutable std::mutex m_mutex;

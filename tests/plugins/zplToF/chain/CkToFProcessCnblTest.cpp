@@ -287,7 +287,7 @@ TEST(IsInChainWithVideoSource, ACameraCountsAndAChainWithoutSourceDoesNot) {
     ASSERT_TRUE(manager->insertAfter(chain, camera, nullptr));
     ASSERT_TRUE(manager->insertAfter(chain, block, camera));
     EXPECT_TRUE(block->isInChainWithVideoSource());
-    ASSERT_TRUE(manager->remove(chain, camera, false));
+    delete camera;
     EXPECT_TRUE(chain->imageSources().isEmpty());
     EXPECT_FALSE(block->isInChainWithVideoSource());
     manager->closeChain(chain);

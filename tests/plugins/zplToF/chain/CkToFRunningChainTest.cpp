@@ -299,6 +299,77 @@ TEST(RunningChain, FramesOfANewSizeMakeTheChainRenegotiate) {
     rig.chain->removeSink(&sink);
 }
 
+/// Hands a frame to the source and waits until the chain is done with it.
+void pushAndWait(const ToFChainRig& rig, std::unique_ptr<CkImageData> frame) {
+    ASSERT_TRUE(rig.source->push(std::move(frame)));
+    ASSERT_TRUE(waitFor([&] {
+        const SkBlockStatistics statistics = rig.chain->blockStatistics(rig.source);
+        return statistics.framesDone + statistics.dropped == statistics.framesIn;
+    }));
+}
+
+TEST(RunningChain, ASequenceThatGetsLongerAndShorterComesOutWhole) {
+    for (const auto transform : {Block::ConcatPhases, Block::Amplitude}) {
+        ToFChainRig rig;
+        rig.useAandB(4, 2, 1);
+        rig.useSequence(2);
+        std::atomic<quint32> height{0};
+        Sink sink([&](const CkImageData& data) { return data.picBuf().height == height; });
+        ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+        rig.start(transform);
+        int sets = 0;
+        for (const qint32 length : {2, 4, 4, 2, 8}) {
+            height = transform == Block::ConcatPhases ? 2U * quint32(length) : 2U;
+            rig.useSequence(length);
+            for (qint32 index = 0; index < length; ++index) {
+                pushAndWait(rig, rig.phase(index, 360 * index / std::max(length, 4), 200, 100));
+            }
+            EXPECT_EQ(sink.frames, ++sets) << length;
+        }
+        EXPECT_EQ(sink.wrong, 0);
+        EXPECT_EQ(rig.block->errorMessage(), QString());
+        EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 0U) << "a set that waits for more is none";
+        rig.chain->removeSink(&sink);
+    }
+}
+
+TEST(RunningChain, FramesOfWhichNothingComesAreCounted) {
+    ToFChainRig rig;
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(2);
+    rig.start(Block::Depth);
+    pushAndWait(rig, rig.phase(0, 0, 200, 100));
+    EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 0U);
+    pushAndWait(rig, rig.phase(2, 0, 200, 100)); // outside its set
+    EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 1U);
+    rig.useSequence(2000000000);
+    pushAndWait(rig, rig.phase(0, 0, 200, 100));
+    pushAndWait(rig, rig.phase(1, 0, 200, 100));
+    EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 3U);
+    rig.source->setFormat(4, 2, 3, EkImageDataType::UInt8, 8);
+    rig.source->metadata = CkImageMetadata();
+    pushAndWait(rig, rig.frame(5));
+    EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 4U);
+    EXPECT_EQ(rig.chain->blockStatistics(rig.source).dropped, 0U);
+}
+
+TEST(RunningChain, PhasesPassedOnOneByOneReachTheViews) {
+    // Concat gathers nothing that comes neither from a camera nor from a video.
+    ToFChainRig rig(std::make_unique<PushSource>());
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(4);
+    Sink sink([](const CkImageData& data) { return data.picBuf().height == 2; });
+    ASSERT_TRUE(rig.chain->addSink(rig.block, &sink));
+    rig.start(Block::ConcatPhases);
+    for (int frame = 1; frame < 6; ++frame) {
+        pushAndWait(rig, rig.phase(frame % 4, 0, 200, 100));
+        EXPECT_EQ(sink.frames, frame);
+    }
+    EXPECT_EQ(sink.wrong, 0);
+    EXPECT_EQ(rig.chain->blockStatistics(rig.block).dropped, 0U);
+    rig.chain->removeSink(&sink);
+}
+
 TEST(RunningChain, ASourceThatDescribesItsFramesWronglyDoesNotStallTheChain) {
     ToFChainRig rig;
     rig.useAandB(8, 32, 4);
