@@ -177,7 +177,7 @@ std::vector<Refused> refusedFrames() {
     };
 }
 
-TEST(RunningChain, AFrameOfWhichNothingComesIsExplained) {
+TEST(RunningChain, AFrameOfWhichNothingComesIsCountedAndExplained) {
     for (const Refused& refused : refusedFrames()) {
         SCOPED_TRACE(refused.name);
         ToFChainRig rig;
@@ -189,9 +189,31 @@ TEST(RunningChain, AFrameOfWhichNothingComesIsExplained) {
             const SkBlockStatistics statistics = statisticsAfter(rig, std::move(frames));
             EXPECT_EQ(statistics.framesIn, count);
             EXPECT_EQ(statistics.framesOut, 0U);
+            EXPECT_EQ(statistics.dropped, count);
             EXPECT_EQ(rig.block->errorMessage(), refused.message);
         }
     }
+}
+
+TEST(RunningChain, SectionsThatGetAReferenceAreSetUpFor) {
+    ToFChainRig rig;
+    rig.useHybrid(4, 2, 1);
+    rig.source->metadata.sectionCount = 1;
+    rig.start(Block::Amplitude);
+    const auto sections = [&](quint32 count) {
+        std::vector<std::unique_ptr<CkImageData>> frames;
+        for (quint32 i = 0; i < count; ++i) {
+            frames.push_back(rig.section(i, [](quint32, quint32, quint32) { return 5; }));
+        }
+        return frames;
+    };
+    EXPECT_EQ(statisticsAfter(rig, sections(1)).framesOut, 1U);
+    rig.source->metadata.sectionMode = 3;
+    rig.source->metadata.sectionCount = 2;
+    const SkBlockStatistics statistics = statisticsAfter(rig, sections(2));
+    EXPECT_EQ(statistics.framesOut, 2U) << "the section behind the reference";
+    EXPECT_EQ(statistics.dropped, 0U);
+    EXPECT_EQ(rig.block->errorMessage(), QString());
 }
 
 TEST(RunningChain, ImagesOfASetThatIsNotCompleteYetAreNotDropped) {
