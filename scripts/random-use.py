@@ -85,11 +85,15 @@ class Person:
 
     def look(self):
         self.windows = []
+        questions = []
         for number in self.tool("search", "--onlyvisible", "--pid", self.pid).split():
-            values = dict(line.split("=", 1) for line in self.tool(
-                "getwindowgeometry", "--shell", number).splitlines() if "=" in line)
-            if int(values.get("WIDTH", 0)) > 5 and int(values.get("HEIGHT", 0)) > 5:
-                self.windows.append((number, *(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
+            questions += ["getwindowgeometry", "--shell", number]
+        values = {}
+        for line in self.tool(*questions).splitlines() if questions else []:
+            key, _, value = line.partition("=")
+            values[key] = value
+            if key == "HEIGHT" and int(values["WIDTH"]) > 5 and int(value) > 5:
+                self.windows.append((values["WINDOW"], *(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))))
 
     def place(self):
         """Somewhere in a window; dialogs and menus, which are newer and smaller, most of the time."""
