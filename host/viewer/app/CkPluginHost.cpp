@@ -50,7 +50,8 @@ void CkPluginHost::loadLibrary(const QString& sFileName) {
     if (!problem.isEmpty()) {
         addProblem(problem);
     } else if (m_loader.plugins().size() > before) {
-        const CkPluginLoader::SkLoadedPlugin& loaded = m_loader.plugins().last();
+        // A copy: the list is one, too, and gone after this line.
+        const CkPluginLoader::SkLoadedPlugin loaded = m_loader.plugins().constLast();
         qInfo("%s",
               qUtf8Printable(
                   tr("Plug-in \"%1\" %2 loaded from %3").arg(loaded.name, loaded.version, loaded.fileName)));

@@ -119,6 +119,17 @@ TEST_F(PluginGate, TheHostLoadsTheGoodOneAmongTheBad) {
     EXPECT_TRUE(CkLoadingMark::takeLeftBehind(checks().memoryFolder).isEmpty());
 }
 
+TEST_F(PluginGate, TheLogNamesWhatWasLoaded) {
+    const QString copy = library(QStringLiteral("good"));
+    CkPluginHost host(checks());
+    testing::internal::CaptureStderr();
+    host.load(copy);
+    const std::string said = testing::internal::GetCapturedStderr();
+    ASSERT_EQ(host.plugins().size(), 1);
+    const QString expected = QStringLiteral("Plug-in \"good\" %1 loaded from %2\n");
+    EXPECT_THAT(said, HasSubstr(expected.arg(host.plugins().first().version, copy).toStdString()));
+}
+
 TEST_F(PluginGate, OnlyNewAndChangedLibrariesAreProbed) {
     const QString trace = m_folder.filePath(QStringLiteral("trace"));
     qputenv("ZU_TEST_TRACE", QFile::encodeName(trace));
