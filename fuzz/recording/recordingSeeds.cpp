@@ -1,11 +1,13 @@
 // Writes the recordings that the fuzzing begins with into the folder that is named.
 #include "ForeignTiff.h"
+#include "HostileFiles.h"
 #include "recording/CkRecordingWriter.h"
 
 #include <QDir>
 
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -56,6 +58,35 @@ void writeOurs(const QString& file, quint32 channels, EkImageDataType type,
     require(writer.close(), file);
 }
 
+/// Files that ask for more than they hold, small enough for the fuzzing.
+void writeHostile(const QDir& folder) {
+    const auto name = [&folder](const char* shape) {
+        return folder.filePath(QStringLiteral("hostile-%1.tif").arg(QLatin1String(shape)));
+    };
+    require(HostileFiles::claimedPages(name("claimed"), 16384, 32768, 3, 100), name("claimed"));
+    require(HostileFiles::claimedPages(name("cut"), 40, 30, 2, 100), name("cut"));
+    require(HostileFiles::deflatedPages(name("deflated"), 600, 600, 16, 2), name("deflated"));
+    require(HostileFiles::pagesOfOneStrip(name("one-strip"), 40, 30, 8), name("one-strip"));
+    require(HostileFiles::emptyDirectories(name("empty"), 40), name("empty"));
+    require(HostileFiles::tinyPages(name("tiny"), 20), name("tiny"));
+    require(HostileFiles::wideEntries(name("wide"), 20, 1000), name("wide"));
+    require(HostileFiles::manyStrips(name("strips"), 1U << 20U), name("strips"));
+    require(HostileFiles::hugeTile(name("tile"), 4096), name("tile"));
+    require(HostileFiles::hugeText(name("text"), R"({"schema":"zutof.frame","x":[[1])", ",[1]", 100, 2),
+            name("text"));
+    const auto padded = [](int) {
+        return HostileFiles::tofText([](SkFrameDescription& text) { text.info.linePadding = 1U << 31U; });
+    };
+    require(HostileFiles::describedPages(name("padding"), 5, 3, 2, 2, padded), name("padding"));
+    const auto endless = [](int) {
+        return HostileFiles::tofText([](SkFrameDescription& text) {
+            text.metadata.phaseSequenceLength = std::numeric_limits<qint32>::max();
+            text.metadata.phaseSequenceIndex = 1;
+        });
+    };
+    require(HostileFiles::describedPages(name("endless-set"), 5, 3, 2, 2, endless), name("endless-set"));
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
@@ -98,6 +129,7 @@ int main(int count, char** arguments) {
                                  [](int, quint32, quint32, quint32) { return quint16(1234); }),
                 file);
     }
+    writeHostile(folder);
     const SkRecordingInfo recording;
     const QByteArray text = describe(2, EkImageDataType::UInt16, 7).toText(&recording);
     QFile page(folder.filePath(QStringLiteral("page.json")));

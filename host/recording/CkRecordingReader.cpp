@@ -23,7 +23,7 @@ bool refuse(QString* psError, const QString& message) {
 
 } // namespace
 
-CkRecordingReader::CkRecordingReader() = default;
+CkRecordingReader::CkRecordingReader(const SkReadLimits& limits) : m_limits(limits) {}
 CkRecordingReader::~CkRecordingReader() = default;
 
 QString CkRecordingReader::fileName() const {
@@ -48,7 +48,7 @@ bool CkRecordingReader::open(const QString& sFileName, QString* psError, const P
         if (!m_file.open(sFileName, reason)) {
             return refuse(psError, Texts::tr("\"%1\": %2").arg(sFileName, reason));
         }
-        const CkTiffFile::EkIndex index = m_file.readIndex(progress, reason);
+        const CkTiffFile::EkIndex index = m_file.readIndex(m_limits.pages, progress, reason);
         if (index == CkTiffFile::EkIndex::Cancelled) {
             return refuse(psError, Texts::tr("\"%1\": %2").arg(sFileName, reason));
         }
@@ -76,7 +76,7 @@ bool CkRecordingReader::describe(qint64 iFrame, SkFrameDescription& description,
     }
     QString reason;
     try {
-        CkTiffPage page(m_file, iFrame);
+        CkTiffPage page(m_file, iFrame, m_limits);
         return page.describe(description, reason) || refuse(psError, message(iFrame, reason));
     } catch (const std::bad_alloc&) {
         return refuse(psError, message(iFrame, Texts::tr("There is not enough memory.")));
@@ -94,7 +94,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
     }
     QString reason;
     try {
-        CkTiffPage page(m_file, iFrame);
+        CkTiffPage page(m_file, iFrame, m_limits);
         SkFrameDescription description;
         if (!page.describe(description, reason)) {
             refuse(psError, message(iFrame, reason));

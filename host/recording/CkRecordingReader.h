@@ -2,18 +2,20 @@
 
 #include "recording/CkTiffFile.h"
 #include "recording/IkFrameFile.h"
+#include "recording/SkReadLimits.h"
 
 /// Reads recordings, and TIFF files of others as stacks of pictures. Open on one thread; after that any
 /// number of threads may read, each frame in the same time wherever it is.
 class CkRecordingReader : public IkFrameFile {
 public:
-    CkRecordingReader();
+    explicit CkRecordingReader(const SkReadLimits& limits = {});
     ~CkRecordingReader() override;
     CkRecordingReader(const CkRecordingReader&) = delete;
     CkRecordingReader& operator=(const CkRecordingReader&) = delete;
 
     /// Finds all pages. False, with psError, when there is not one frame to be read or the search was
-    /// cancelled. A file that is damaged further on opens with the frames in front of the damage.
+    /// cancelled. A file that is damaged further on opens with the frames in front of the damage; one of more
+    /// pages than the limit counts as damaged there.
     bool open(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
 
     QString damage() const override { return m_sDamage; }
@@ -28,6 +30,7 @@ public:
 private:
     QString message(qint64 iFrame, const QString& sReason) const;
 
+    SkReadLimits m_limits;
     CkTiffFile m_file;
     QString m_sDamage;
     SkRecordingInfo m_recording;

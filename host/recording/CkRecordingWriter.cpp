@@ -1,5 +1,6 @@
 #include "recording/CkRecordingWriter.h"
 
+#include "recording/SkReadLimits.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QCoreApplication>
@@ -252,6 +253,13 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         description.object = object;
         const auto channels = quint16(picBuf.channels);
         const bool first = m_iFrames == 0;
+        const QByteArray text = description.toText(first ? &m_recording : nullptr);
+        const qint64 longest = SkReadLimits::textBytes(m_iFrames);
+        if (text.size() > longest) {
+            return fail(Texts::tr("What is to be written beside the samples (metadata, chain) is longer than "
+                                  "%1 MiB.")
+                            .arg(longest >> 20U));
+        }
 
         const quint64 start = alignedUp(m_uiEnd, 16);
         const quint64 behind = start + bytes;
@@ -263,7 +271,7 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
                                                ? COMPRESSION_NONE
                                                : COMPRESSION_ADOBE_DEFLATE);
         page.addShort(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-        page.addText(TIFFTAG_IMAGEDESCRIPTION, description.toText(first ? &m_recording : nullptr));
+        page.addText(TIFFTAG_IMAGEDESCRIPTION, text);
         page.addLong8(TIFFTAG_STRIPOFFSETS, start);
         page.addShort(TIFFTAG_SAMPLESPERPIXEL, channels);
         page.addLong(TIFFTAG_ROWSPERSTRIP, picBuf.height);

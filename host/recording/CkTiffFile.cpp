@@ -1,7 +1,11 @@
 #include "recording/CkTiffFile.h"
 
+#include "recording/SkReadLimits.h"
+
 #include <QCoreApplication>
 #include <QFile>
+
+#include <tiff.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,7 +13,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_set>
 
 namespace {
 
@@ -19,6 +22,26 @@ constexpr qint64 pagesPerReport = 256;
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
 };
+
+quint64 bytesOfType(quint64 type) {
+    switch (type) {
+    case TIFF_BYTE:
+    case TIFF_ASCII:
+    case TIFF_SBYTE:
+    case TIFF_UNDEFINED:
+        return 1;
+    case TIFF_SHORT:
+    case TIFF_SSHORT:
+        return 2;
+    case TIFF_LONG:
+    case TIFF_SLONG:
+    case TIFF_FLOAT:
+    case TIFF_IFD:
+        return 4;
+    default:
+        return 8;
+    }
+}
 
 QString systemReason() {
     return QString::fromLocal8Bit(std::strerror(errno));
@@ -115,24 +138,33 @@ size_t CkTiffFile::headerFor(quint64 uiPageOffset, quint8* pHeader) const {
     return size_t(length);
 }
 
-bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const {
+bool CkTiffFile::readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes, quint64& uiCount,
+                           QString& sReason) const {
     const int countBytes = m_bBigTiff ? 8 : 2;
-    const quint64 entryBytes = m_bBigTiff ? 20 : 12;
-    const int linkBytes = m_bBigTiff ? 8 : 4;
-    // One read is enough for the directories of recordings.
-    quint8 block[512];
-    const qint64 got = readAt(block, sizeof(block), uiOffset);
-    if (got < countBytes) {
+    if (iBytes < countBytes) {
         sReason = uiOffset >= m_uiBytes ? Texts::tr("The file ends before the page begins.")
                                         : Texts::tr("The file ends inside the page's directory.");
         return false;
     }
-    const quint64 count = number(block, countBytes);
-    if (count == 0 || count > maximumEntries) {
+    uiCount = number(pBytes, countBytes);
+    if (uiCount == 0 || uiCount > maximumEntries) {
         sReason = Texts::tr("There is no directory where the page should have one.");
         return false;
     }
-    const quint64 linkAt = quint64(countBytes) + count * entryBytes;
+    return true;
+}
+
+bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const {
+    const int countBytes = m_bBigTiff ? 8 : 2;
+    const int linkBytes = m_bBigTiff ? 8 : 4;
+    // One read is enough for the directories of recordings.
+    quint8 block[512];
+    const qint64 got = readAt(block, sizeof(block), uiOffset);
+    quint64 count = 0;
+    if (!readCount(uiOffset, block, got, count, sReason)) {
+        return false;
+    }
+    const quint64 linkAt = quint64(countBytes) + count * entryBytes();
     quint8 link[8] = {};
     if (linkAt + quint64(linkBytes) <= quint64(got)) {
         std::memcpy(link, block + linkAt, size_t(linkBytes));
@@ -144,16 +176,69 @@ bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) c
     return true;
 }
 
-CkTiffFile::EkIndex CkTiffFile::readIndex(const ProgressFunction& progress, QString& sReason) {
+bool CkTiffFile::checkDirectory(quint64 uiPageOffset, QString& sReason) const {
+    const int countBytes = m_bBigTiff ? 8 : 2;
+    quint8 head[8] = {};
+    quint64 count = 0;
+    if (!readCount(uiPageOffset, head, readAt(head, quint64(countBytes), uiPageOffset), count, sReason)) {
+        return false;
+    }
+    std::vector<quint8> entries(size_t(count * entryBytes()));
+    if (readAt(entries.data(), entries.size(), uiPageOffset + quint64(countBytes)) !=
+        qint64(entries.size())) {
+        sReason = Texts::tr("The file ends inside the page's directory.");
+        return false;
+    }
+    // Each count is below 2^64 / 8 once it is below the limit, and there are few entries: no overflow.
+    quint64 bytes = 0;
+    for (size_t at = 0; at < entries.size() && bytes <= SkReadLimits::directoryBytes; at += entryBytes()) {
+        const quint64 values = number(entries.data() + at + 4, m_bBigTiff ? 8 : 4);
+        const quint64 valueBytes = bytesOfType(number(entries.data() + at + 2, 2));
+        bytes += std::min(values, SkReadLimits::directoryBytes + 1) * valueBytes;
+    }
+    if (bytes > SkReadLimits::directoryBytes) {
+        sReason = Texts::tr("The page's directory asks for more than %1 MiB beside the samples.")
+                      .arg(SkReadLimits::directoryBytes >> 20U);
+        return false;
+    }
+    return true;
+}
+
+// The pages found end with a circle of this length, perhaps run through several times.
+void CkTiffFile::cutCircle(quint64 uiLength) {
+    size_t first = 0;
+    while (m_pages[first] != m_pages[first + uiLength]) {
+        ++first;
+    }
+    m_pages.resize(first + size_t(uiLength));
+}
+
+CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFunction& progress,
+                                          QString& sReason) {
     m_pages.clear();
     quint8 header[16] = {};
     readAt(header, sizeof(header), 0);
     quint64 offset = m_bBigTiff ? number(header + 8, 8) : number(header + 4, 4);
-    std::unordered_set<quint64> seen;
+    // A page that comes again is found by comparing with the one at the last power of two: no set of all
+    // pages is needed, and a circle is run through a few times at most.
+    quint64 mark = 0;
+    qint64 markedAt = 0;
     while (offset != 0) {
-        if (!seen.insert(offset).second) {
+        const auto pages = qint64(m_pages.size());
+        if (offset == mark) {
+            m_pages.push_back(offset);
+            cutCircle(quint64(pages - markedAt));
             sReason = Texts::tr("The file's pages point to each other in a circle.");
             return EkIndex::Damaged;
+        }
+        if (pages >= iMaximumPages) {
+            sReason =
+                Texts::tr("The file has more than %1 pages; the others are left out.").arg(iMaximumPages);
+            return EkIndex::Damaged;
+        }
+        if ((pages & (pages - 1)) == 0) {
+            mark = offset;
+            markedAt = pages;
         }
         quint64 next = 0;
         if (!nextPage(offset, next, sReason)) {
@@ -161,9 +246,8 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(const ProgressFunction& progress, QStr
         }
         m_pages.push_back(offset);
         offset = next;
-        const auto pages = qint64(m_pages.size());
-        if (progress && (pages % pagesPerReport == 0 || offset == 0) &&
-            !progress(pages, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
+        if (progress && ((pages + 1) % pagesPerReport == 0 || offset == 0) &&
+            !progress(pages + 1, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
             sReason = Texts::tr("Opening was cancelled.");
             return EkIndex::Cancelled;
         }

@@ -22,8 +22,13 @@ public:
 
     enum class EkIndex { Complete, Damaged, Cancelled };
     /// Follows the chain of pages. Damaged: pages up to the damage are known, sReason says what is wrong with
-    /// the one behind them.
-    EkIndex readIndex(const ProgressFunction& progress, QString& sReason);
+    /// the one behind them; a file of more than iMaximumPages pages is damaged there.
+    EkIndex readIndex(qint64 iMaximumPages, const ProgressFunction& progress, QString& sReason);
+
+    /// False, with sReason, for a page whose directory asks for more memory than any real one
+    /// (SkReadLimits::directoryBytes). To be asked before the directory is handed to libtiff, which reads
+    /// every tag, known or not.
+    bool checkDirectory(quint64 uiPageOffset, QString& sReason) const;
 
     const std::vector<quint64>& pageOffsets() const { return m_pages; }
     quint64 byteCount() const { return m_uiBytes; }
@@ -37,7 +42,11 @@ public:
 
 private:
     quint64 number(const quint8* pBytes, int iBytes) const;
+    bool readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes, quint64& uiCount,
+                   QString& sReason) const;
     bool nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const;
+    quint64 entryBytes() const { return m_bBigTiff ? 20 : 12; }
+    void cutCircle(quint64 uiLength);
 
     int m_iFile = -1;
     QString m_sFileName;

@@ -1,7 +1,9 @@
 #include "recording/CkTiffPage.h"
 
 #include "recording/CkRecordingWriter.h"
+#include "recording/CkTiffClient.h"
 #include "recording/CkTiffFile.h"
+#include "recording/SkTiffParts.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QCoreApplication>
@@ -9,14 +11,14 @@
 #include <tiffio.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cctype>
 #include <cstring>
 #include <vector>
 
 namespace {
 
-// Deflate packs a thousand bytes into one at best, LZW and the others less.
-constexpr quint64 maximumExpansion = 2048;
+// Rows of memory begin at multiples of this at most.
+constexpr quint32 maximumPadding = 4096;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
@@ -45,107 +47,26 @@ EkImageDataType sampleType(quint16 bits, quint16 format) {
     }
 }
 
-size_t rowBytes(const SkPicBufInfo& info) {
-    return size_t(info.width) * info.channels * sampleBytes(info.dataType);
+QString tooLarge(const SkPicBufInfo& info) {
+    return Texts::tr("The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.")
+        .arg(info.width)
+        .arg(info.height);
 }
 
 } // namespace
 
-/// What libtiff reads: the file, with a header that makes this page the first one.
-struct CkTiffPage::SkClient {
-    explicit SkClient(const CkTiffFile& tiff, quint64 offset) : file(tiff) {
-        headerBytes = file.headerFor(offset, header);
-        TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
-        if (options == nullptr) {
-            return;
-        }
-        TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(CkRecordingWriter::MaximumPictureBytes));
-        TIFFOpenOptionsSetErrorHandlerExtR(options, onError, this);
-        TIFFOpenOptionsSetWarningHandlerExtR(options, onWarning, this);
-        // No mapping (files may shrink) and strips as they are.
-        tif = TIFFClientOpenExt("page", "rmc", this, onRead, onWrite, onSeek, onClose, onSize, onMap, onUnmap,
-                                options);
-        TIFFOpenOptionsFree(options);
-    }
-    ~SkClient() {
-        if (tif != nullptr) {
-            TIFFClose(tif);
-        }
-    }
-    SkClient(const SkClient&) = delete;
-    SkClient& operator=(const SkClient&) = delete;
-
-    static SkClient& self(thandle_t handle) { return *static_cast<SkClient*>(handle); }
-    static tmsize_t onRead(thandle_t handle, void* bytes, tmsize_t count) {
-        SkClient& client = self(handle);
-        if (count <= 0) {
-            return 0;
-        }
-        auto* target = static_cast<quint8*>(bytes);
-        auto wanted = quint64(count);
-        tmsize_t done = 0;
-        if (client.position < client.headerBytes) {
-            const quint64 part = std::min(wanted, client.headerBytes - client.position);
-            std::memcpy(target, client.header + client.position, size_t(part));
-            client.position += part;
-            target += part;
-            wanted -= part;
-            done = tmsize_t(part);
-        }
-        if (wanted > 0) {
-            const qint64 got = client.file.readAt(target, wanted, client.position);
-            if (got < 0) {
-                return -1;
-            }
-            client.position += quint64(got);
-            done += tmsize_t(got);
-        }
-        return done;
-    }
-    static tmsize_t onWrite(thandle_t, void*, tmsize_t) { return -1; }
-    static toff_t onSeek(thandle_t handle, toff_t offset, int whence) {
-        SkClient& client = self(handle);
-        const quint64 base = whence == SEEK_CUR   ? client.position
-                             : whence == SEEK_END ? client.file.byteCount()
-                                                  : 0;
-        client.position = base + offset;
-        return client.position;
-    }
-    static int onClose(thandle_t) { return 0; }
-    static toff_t onSize(thandle_t handle) { return self(handle).file.byteCount(); }
-    static int onMap(thandle_t, void**, toff_t*) { return 0; }
-    static void onUnmap(thandle_t, void*, toff_t) {}
-    static int onError(TIFF*, void* user, const char*, const char* format, va_list arguments) {
-        // The first one is the cause, the others follow from it.
-        QString& error = static_cast<SkClient*>(user)->error;
-        if (error.isEmpty()) {
-            char line[256];
-            std::vsnprintf(line, sizeof(line), format, arguments);
-            error = QString::fromLatin1(line);
-        }
-        return 1;
-    }
-    static int onWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
-
-    const CkTiffFile& file;
-    quint8 header[16] = {};
-    quint64 headerBytes = 0;
-    quint64 position = 0;
-    TIFF* tif = nullptr;
-    QString error;
-};
-
-CkTiffPage::CkTiffPage(const CkTiffFile& file, qint64 iPage)
-    : m_client(std::make_unique<SkClient>(file, file.pageOffsets()[size_t(iPage)])), m_iPage(iPage) {}
+CkTiffPage::CkTiffPage(const CkTiffFile& file, qint64 iPage, const SkReadLimits& limits)
+    : m_client(std::make_unique<CkTiffClient>(file, file.pageOffsets()[size_t(iPage)])), m_limits(limits),
+      m_iPage(iPage) {}
 
 CkTiffPage::~CkTiffPage() = default;
 
 QString CkTiffPage::reason(const QString& sFallback) const {
-    return m_client->error.isEmpty() ? sFallback : m_client->error;
+    return m_client->error().isEmpty() ? sFallback : m_client->error();
 }
 
 bool CkTiffPage::describe(SkFrameDescription& description, QString& sReason) {
-    if (m_client->tif == nullptr) {
+    if (m_client->tif() == nullptr) {
         sReason = reason(Texts::tr("The page's directory cannot be read."));
         return false;
     }
@@ -153,21 +74,55 @@ bool CkTiffPage::describe(SkFrameDescription& description, QString& sReason) {
     if (!checkFormat(description, sReason)) {
         return false;
     }
-    char* words = nullptr;
-    const bool hasText =
-        TIFFGetField(m_client->tif, TIFFTAG_IMAGEDESCRIPTION, &words) == 1 && words != nullptr;
-    if (!hasText || !description.fromText(QByteArray(words))) {
+    bool ours = false;
+    if (!readText(description, ours, sReason)) {
+        return false;
+    }
+    if (!ours) {
         description.additionalData.frameNumber = quint64(m_iPage);
         description.metadata.frameNumber = quint64(m_iPage);
         uint16_t photometric = 0;
-        TIFFGetField(m_client->tif, TIFFTAG_PHOTOMETRIC, &photometric);
+        TIFFGetField(m_client->tif(), TIFFTAG_PHOTOMETRIC, &photometric);
         m_bForeignRgb = photometric == PHOTOMETRIC_RGB && description.info.channels >= 3;
     }
     return true;
 }
 
+bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString& sReason) {
+    char* words = nullptr;
+    if (TIFFGetField(m_client->tif(), TIFFTAG_IMAGEDESCRIPTION, &words) != 1 || words == nullptr) {
+        return true;
+    }
+    while (std::isspace(quint8(*words)) != 0) {
+        ++words;
+    }
+    // Others write long texts of their own, which are no concern of ours.
+    if (*words != '{') {
+        return true;
+    }
+    const auto length = qint64(std::strlen(words));
+    if (length > SkReadLimits::textBytes(m_iPage)) {
+        sReason =
+            Texts::tr("The page's text is longer than %1 MiB.").arg(SkReadLimits::textBytes(m_iPage) >> 20U);
+        return false;
+    }
+    bOurs = description.fromText(QByteArray::fromRawData(words, qsizetype(length)));
+    // More bits than a sample has would be a shift out of range for whoever scales by them.
+    const quint32 sampleBits = 8 * sampleBytes(description.info.dataType);
+    if (description.info.bitsPerChannel == 0 || description.info.bitsPerChannel > sampleBits) {
+        description.info.bitsPerChannel = sampleBits;
+    }
+    // How rows lay in memory when the frame was recorded is a wish; a large one is not worth its memory.
+    SkPicBufInfo& info = description.info;
+    if (info.linePadding > maximumPadding ||
+        (quint64(info.lineSize) + info.linePadding) * info.height > m_uiLimit) {
+        info.linePadding = 0;
+    }
+    return true;
+}
+
 bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) {
-    TIFF* const tif = m_client->tif;
+    TIFF* const tif = m_client->tif();
     uint32_t width = 0;
     uint32_t height = 0;
     uint16_t bits = 1;
@@ -199,21 +154,58 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
         return false;
     }
     const quint64 row = quint64(width) * (samples * sampleBytes(info.dataType));
-    const quint64 limit =
-        std::min(CkRecordingWriter::MaximumPictureBytes, m_client->file.byteCount() * maximumExpansion);
-    if (row > limit || row * height > limit) {
-        sReason =
-            Texts::tr("The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.")
-                .arg(width)
-                .arg(height);
+    if (row > CkRecordingWriter::MaximumPictureBytes) {
+        sReason = tooLarge(info);
         return false;
     }
     info.lineSize = quint32(row);
+    return checkSize(info, sReason);
+}
+
+bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
+    TIFF* const tif = m_client->tif();
+    const SkTiffParts parts = SkTiffParts::of(tif, info);
+    if (parts.count == 0 || parts.count > SkReadLimits::maximumParts) {
+        sReason = Texts::tr("The page is said to be cut into %1 strips or tiles; 1 to %2 are read.")
+                      .arg(parts.count)
+                      .arg(SkReadLimits::maximumParts);
+        return false;
+    }
+    uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tif, TIFFTAG_COMPRESSION, &compression);
+    const quint64 fileBytes = m_client->file().byteCount();
+    const quint64 unpacked = parts.unpackedBytes(info);
+    if (compression == COMPRESSION_NONE) {
+        m_uiLimit =
+            std::min(CkRecordingWriter::MaximumPictureBytes, SkReadLimits::smallPictureBytes + 2 * fileBytes);
+        sReason = unpacked > m_uiLimit ? tooLarge(info) : QString();
+        return sReason.isEmpty();
+    }
+    const quint64 stored = parts.storedBytes(tif, fileBytes);
+    m_uiLimit =
+        std::min(m_limits.unpackedBytes, SkReadLimits::smallPictureBytes + stored * m_limits.expansion);
+    if (unpacked > m_uiLimit) {
+        sReason =
+            Texts::tr("The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages "
+                      "are read up to %4 MiB and up to %5 times their compressed bytes.")
+                .arg(info.width)
+                .arg(info.height)
+                .arg(stored)
+                .arg(m_limits.unpackedBytes >> 20U)
+                .arg(m_limits.expansion);
+        return false;
+    }
+    // libtiff takes a strip's bytes into memory before it unpacks them; nothing grows by packing to twice.
+    if (parts.largestStored(tif, fileBytes) > SkReadLimits::smallPictureBytes + 2 * parts.partBytes(info)) {
+        sReason =
+            Texts::tr("A strip or tile of the page is said to have more compressed bytes than samples.");
+        return false;
+    }
     return true;
 }
 
 bool CkTiffPage::readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSome) {
-    TIFF* const tif = m_client->tif;
+    TIFF* const tif = m_client->tif();
     const tmsize_t got = TIFFIsTiled(tif) != 0 ? TIFFReadEncodedTile(tif, uiPart, pBytes, iBytes)
                                                : TIFFReadEncodedStrip(tif, uiPart, pBytes, iBytes);
     if (got >= iBytes) {
@@ -228,14 +220,15 @@ bool CkTiffPage::readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSo
         return false;
     }
     // Plain samples can be shown as far as the file goes.
-    const qint64 plain = m_client->file.readAt(pBytes, quint64(iBytes), offset);
+    const qint64 plain = m_client->file().readAt(pBytes, quint64(iBytes), offset);
     bSome = bSome || plain > 0;
     return false;
 }
 
 CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason) {
-    m_client->error.clear();
-    const EkResult result = TIFFIsTiled(m_client->tif) != 0 ? readTiles(picBuf) : readStrips(picBuf);
+    m_client->clearError();
+    const SkTiffParts parts = SkTiffParts::of(m_client->tif(), picBuf);
+    const EkResult result = parts.tiled ? readTiles(parts, picBuf) : readStrips(parts, picBuf);
     if (result != EkResult::Complete) {
         sReason = reason(Texts::tr("The samples cannot be read."));
     }
@@ -281,27 +274,20 @@ struct CkTiffPage::SkPart {
     }
 };
 
-CkTiffPage::EkResult CkTiffPage::readStrips(SkPicBuf& picBuf) {
-    TIFF* const tif = m_client->tif;
-    uint16_t planar = PLANARCONFIG_CONTIG;
-    uint32_t rowsPerStrip = 0;
-    TIFFGetFieldDefaulted(tif, TIFFTAG_PLANARCONFIG, &planar);
-    TIFFGetFieldDefaulted(tif, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    const bool separate = planar == PLANARCONFIG_SEPARATE && picBuf.channels > 1;
-    const quint32 rows = std::clamp<quint32>(rowsPerStrip, 1, picBuf.height);
-    const quint32 planes = separate ? picBuf.channels : 1;
-    const size_t stripRow = rowBytes(picBuf) / planes;
-    if (TIFFScanlineSize64(tif) != stripRow) {
+CkTiffPage::EkResult CkTiffPage::readStrips(const SkTiffParts& parts, SkPicBuf& picBuf) {
+    const size_t row = size_t(picBuf.width) * parts.channels * sampleBytes(picBuf.dataType);
+    if (TIFFScanlineSize64(m_client->tif()) != row) {
         return EkResult::Failed;
     }
-    std::vector<quint8> buffer(separate ? stripRow * rows : 0);
+    const bool separate = parts.planes > 1;
+    std::vector<quint8> buffer(separate ? row * parts.height : 0);
     bool whole = true;
     bool some = false;
     quint32 strip = 0;
-    for (quint32 plane = 0; plane < planes; ++plane) {
-        for (quint32 y = 0; y < picBuf.height; y += std::min(rows, picBuf.height - y), ++strip) {
-            const quint32 count = std::min(rows, picBuf.height - y);
-            const auto bytes = qint64(stripRow) * count;
+    for (quint32 plane = 0; plane < parts.planes; ++plane) {
+        for (quint32 y = 0; y < picBuf.height; y += std::min(parts.height, picBuf.height - y), ++strip) {
+            const quint32 count = std::min(parts.height, picBuf.height - y);
+            const auto bytes = qint64(row) * count;
             if (!separate) {
                 whole = readPart(strip, picBuf.row(y), bytes, some) && whole;
                 continue;
@@ -314,33 +300,22 @@ CkTiffPage::EkResult CkTiffPage::readStrips(SkPicBuf& picBuf) {
     return whole ? EkResult::Complete : some ? EkResult::Partial : EkResult::Failed;
 }
 
-CkTiffPage::EkResult CkTiffPage::readTiles(SkPicBuf& picBuf) {
-    TIFF* const tif = m_client->tif;
-    uint16_t planar = PLANARCONFIG_CONTIG;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    TIFFGetFieldDefaulted(tif, TIFFTAG_PLANARCONFIG, &planar);
-    TIFFGetField(tif, TIFFTAG_TILEWIDTH, &width);
-    TIFFGetField(tif, TIFFTAG_TILELENGTH, &height);
-    const bool separate = planar == PLANARCONFIG_SEPARATE && picBuf.channels > 1;
-    const quint32 planes = separate ? picBuf.channels : 1;
-    const quint32 channels = separate ? 1 : picBuf.channels;
-    const quint64 tileRow = quint64(width) * (channels * sampleBytes(picBuf.dataType));
-    const quint64 limit = CkRecordingWriter::MaximumPictureBytes;
-    if (tileRow == 0 || height == 0 || tileRow > limit || tileRow * height > limit ||
-        TIFFTileSize64(tif) != tileRow * height) {
+CkTiffPage::EkResult CkTiffPage::readTiles(const SkTiffParts& parts, SkPicBuf& picBuf) {
+    const quint64 bytes = parts.partBytes(picBuf);
+    if (TIFFTileSize64(m_client->tif()) != bytes) {
         return EkResult::Failed;
     }
-    std::vector<quint8> buffer(size_t(tileRow * height));
+    std::vector<quint8> buffer(size_t{bytes});
     bool whole = true;
     bool some = false;
     quint32 tile = 0;
-    for (quint32 plane = 0; plane < planes; ++plane) {
-        for (quint64 y = 0; y < picBuf.height; y += height) {
-            for (quint64 x = 0; x < picBuf.width; x += width, ++tile) {
+    for (quint32 plane = 0; plane < parts.planes; ++plane) {
+        for (quint64 y = 0; y < picBuf.height; y += parts.height) {
+            for (quint64 x = 0; x < picBuf.width; x += parts.width, ++tile) {
                 std::fill(buffer.begin(), buffer.end(), quint8(0));
                 whole = readPart(tile, buffer.data(), qint64(buffer.size()), some) && whole;
-                SkPart{quint32(x), quint32(y), width, height, plane, channels}.place(buffer.data(), picBuf);
+                SkPart{quint32(x), quint32(y), parts.width, parts.height, plane, parts.channels}.place(
+                    buffer.data(), picBuf);
             }
         }
     }

@@ -1,16 +1,19 @@
 #pragma once
 
 #include "recording/SkFrameDescription.h"
+#include "recording/SkReadLimits.h"
 
 #include <memory>
 
+class CkTiffClient;
 class CkTiffFile;
+struct SkTiffParts;
 
 /// One page of a TIFF file, opened without walking through those in front of it. One thread at a time;
 /// several pages of a file may be read by several threads.
 class CkTiffPage {
 public:
-    CkTiffPage(const CkTiffFile& file, qint64 iPage);
+    CkTiffPage(const CkTiffFile& file, qint64 iPage, const SkReadLimits& limits);
     ~CkTiffPage();
     CkTiffPage(const CkTiffPage&) = delete;
     CkTiffPage& operator=(const CkTiffPage&) = delete;
@@ -18,7 +21,8 @@ public:
     enum class EkResult { Complete, Partial, Failed };
 
     /// Format and text of the page. A page of somebody else's has no metadata but its number. False, with
-    /// sReason, when the page cannot be read or its samples have an unsupported form.
+    /// sReason, when the page cannot be read, asks for more than the limits allow or its samples have an
+    /// unsupported form.
     bool describe(SkFrameDescription& description, QString& sReason);
 
     /// Reads the samples into a picture of the format told by describe, which has to be called before.
@@ -26,16 +30,19 @@ public:
     EkResult readSamples(SkPicBuf& picBuf, QString& sReason);
 
 private:
-    struct SkClient;
     struct SkPart;
 
     bool checkFormat(SkFrameDescription& description, QString& sReason);
+    bool checkSize(const SkPicBufInfo& info, QString& sReason);
+    bool readText(SkFrameDescription& description, bool& bOurs, QString& sReason);
     bool readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSome);
-    EkResult readStrips(SkPicBuf& picBuf);
-    EkResult readTiles(SkPicBuf& picBuf);
+    EkResult readStrips(const SkTiffParts& parts, SkPicBuf& picBuf);
+    EkResult readTiles(const SkTiffParts& parts, SkPicBuf& picBuf);
     QString reason(const QString& sFallback) const;
 
-    std::unique_ptr<SkClient> m_client;
+    std::unique_ptr<CkTiffClient> m_client;
+    SkReadLimits m_limits;
     qint64 m_iPage;
+    quint64 m_uiLimit = 0; ///< of what this page's samples may take
     bool m_bForeignRgb = false;
 };

@@ -1,5 +1,6 @@
 #include "recording/CkVideoSource.h"
 
+#include "recording/CkPageErrors.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 
@@ -20,6 +21,10 @@ constexpr qint64 secondNs = 1'000'000'000;
 // A longer pause between two frames is a gap in the recording, not a rate.
 constexpr qint64 longestGapNs = 10 * secondNs;
 constexpr float usualFrameRate = 30.0F;
+// A file may have a million pages that cannot be read.
+constexpr qint64 mostPagesTried = 1000;
+// What is left out at a time for being late: their times have to be read, while the controls wait.
+constexpr qint64 mostSkipped = 250;
 
 qint64 timeBetween(const IkFrameFile& reader, qint64 first) {
     SkFrameDescription here;
@@ -63,6 +68,7 @@ struct CkVideoSource::SkShared {
     qint64 dueFrame = -1;       ///< the frame that was timed last in real time, -1 for none
     Clock::time_point due;      ///< its time
     Clock::time_point pausedAt; ///< when the chain stopped asking for frames
+    CkPageErrors errors;        ///< of the player's thread alone
 
     /// Between a frame and the next one, at the speed of playback.
     Clock::duration gapAfter(qint64 frame) const {
@@ -102,7 +108,8 @@ void CkVideoSource::useFile(const std::shared_ptr<const IkFrameFile>& file) {
     SkFrameDescription first;
     QString error = file->damage();
     // A first page that cannot be shown is no reason not to show the second.
-    for (qint64 frame = 0; frame < file->frameCount() && !file->describe(frame, first, &error); ++frame) {
+    const qint64 tried = std::min(file->frameCount(), mostPagesTried);
+    for (qint64 frame = 0; frame < tried && !file->describe(frame, first, &error); ++frame) {
     }
     {
         const std::lock_guard lock(m_d->mutex);
@@ -342,6 +349,7 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
         m_d->playing = false;
         m_d->steps = 0;
         lock.unlock();
+        showError(m_d->errors.endOfRow());
         if (wasPlaying) {
             emit playingChanged(false);
             emit finished();
@@ -358,9 +366,7 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
     QString error;
     const std::unique_ptr<CkImageData> data = reader->read(frame, &error);
-    if (!error.isEmpty()) {
-        setErrorMessage(error);
-    }
+    showError(error.isEmpty() ? m_d->errors.endOfRow() : m_d->errors.add(error, Clock::now()));
     std::unique_ptr<CkImageData> depth;
     if (data != nullptr && scale.isActive()) {
         depth = scale.scaled(*data);
@@ -395,6 +401,12 @@ void CkVideoSource::playOne(std::unique_lock<std::mutex>& lock) {
     lock.lock();
 }
 
+void CkVideoSource::showError(const QString& sText) {
+    if (!sText.isEmpty()) {
+        setErrorMessage(sText);
+    }
+}
+
 // A frame that has left the player may still be on its way to the views behind the blocks.
 void CkVideoSource::waitForChain(const std::function<bool()>& interrupted) {
     while (!interrupted()) {
@@ -426,7 +438,8 @@ bool CkVideoSource::waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFr
         m_d->due += m_d->gapAfter(iFrame - 1);
     }
     // Whoever is later than the next frame shows that one.
-    while (iFrame + 1 < reader->frameCount()) {
+    const qint64 last = std::min(reader->frameCount() - 1, iFrame + mostSkipped);
+    while (iFrame < last) {
         const auto nextDue = m_d->due + m_d->gapAfter(iFrame);
         if (nextDue > Clock::now() || nextDue == m_d->due) {
             break;

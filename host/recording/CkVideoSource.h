@@ -93,6 +93,7 @@ private:
     void run();
     void playOne(std::unique_lock<std::mutex>& lock);
     bool waitUntilDue(std::unique_lock<std::mutex>& lock, qint64& iFrame);
+    void showError(const QString& sText);
     void waitForChain(const std::function<bool()>& interrupted);
     bool deliverOne(std::unique_lock<std::mutex>& lock, CkImageData& frame);
     void advance(qint64 iFrame);

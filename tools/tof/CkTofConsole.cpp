@@ -11,7 +11,11 @@ constexpr int barWidth = 40;
 } // namespace
 
 void CkTofConsole::print(const QString& sText) {
-    std::fputs(qPrintable(sText + QLatin1Char('\n')), stdout);
+    write(sText + QLatin1Char('\n'));
+}
+
+void CkTofConsole::write(const QString& sText) {
+    std::fputs(qPrintable(sText), stdout);
 }
 
 void CkTofConsole::error(const QString& sText) {
@@ -19,7 +23,9 @@ void CkTofConsole::error(const QString& sText) {
 }
 
 CkTofConsole::CkProgress::CkProgress(const QString& sTask)
-    : m_sTask(sTask), m_bTerminal(::isatty(STDERR_FILENO) == 1) {}
+    : m_sTask(sTask), m_bTerminal(::isatty(STDERR_FILENO) == 1) {
+    show(0, 1);
+}
 
 CkTofConsole::CkProgress::~CkProgress() {
     if (m_iShown >= 0) {

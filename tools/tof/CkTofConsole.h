@@ -18,9 +18,11 @@ enum EkTofExit : int {
 class CkTofConsole {
 public:
     static void print(const QString& sText);
+    /// The same without the end of a line.
+    static void write(const QString& sText);
     static void error(const QString& sText);
 
-    /// Shows a bar while it lives, unless the standard error is no terminal.
+    /// Shows a bar while it lives, from its first moment, unless the standard error is no terminal.
     class CkProgress {
     public:
         explicit CkProgress(const QString& sTask);

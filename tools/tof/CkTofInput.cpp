@@ -7,11 +7,47 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
-constexpr qint64 shownComplaints = 5;
+constexpr qint64 pagesPerReport = 256;
+
+/// Where a page belongs in its set.
+struct SkInSet {
+    bool separate = false; ///< part of a set at all
+    bool begins = true;
+    qint64 length = 1; ///< of the set
+};
+
+SkInSet placeOf(const SkFrameDescription& description) {
+    const CkImageMetadata& metadata = description.metadata;
+    if (!CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+        return {};
+    }
+    return CkToFPicAPI::isRawToFHybridPic(description.info, &metadata)
+               ? SkInSet{true, metadata.sectionIndex == 0, metadata.sectionCount}
+               : SkInSet{true, metadata.phaseSequenceIndex == 0, metadata.phaseSequenceLength};
+}
+
+// A set whose beginning is missing ends somewhere. Images may be there twice.
+bool isFull(const SkTofGroup& group, qint64 length) {
+    return group.count >= 2 * std::max<qint64>(length, 1);
+}
 
 } // namespace
+
+void SkTofGroup::add(const SkFrameDescription& description) {
+    const SkPicBufInfo& info = description.info;
+    const quint64 page = (quint64(info.lineSize) + info.linePadding) * info.height;
+    bytes += page;
+    pixels += quint64(info.width) * info.height;
+    largestPage = std::max(largestPage, page);
+    width = info.width;
+    const bool twoFloats = info.dataType == EkImageDataType::Float32 && info.channels == 2;
+    maybeTof = maybeTof || twoFloats || description.metadata.tofFormatCode != 0 ||
+               info.colorFilterArray != EkColorFilterArray::None;
+}
 
 bool CkTofInput::open(const QString& sFileName) {
     CkTofConsole::CkProgress progress(QStringLiteral("Opening"));
@@ -32,38 +68,44 @@ bool CkTofInput::open(const QString& sFileName) {
 
 std::vector<SkTofGroup> CkTofInput::groups() const {
     std::vector<SkTofGroup> groups;
+    CkTofConsole::CkProgress progress(QStringLiteral("Looking through"));
     bool open = false;
     for (qint64 page = 0; page < m_reader.frameCount(); ++page) {
+        if (page % pagesPerReport == 0) {
+            progress.show(page, m_reader.frameCount());
+        }
         SkFrameDescription description;
-        bool separate = false;
-        bool begins = true;
-        if (m_reader.describe(page, description, nullptr)) {
-            const CkImageMetadata& metadata = description.metadata;
-            const bool hybrid = CkToFPicAPI::isRawToFHybridPic(description.info, &metadata);
-            separate = CkToFPicAPI::incomingSeparatePhases(&metadata);
-            begins = hybrid ? metadata.sectionIndex == 0 : metadata.phaseSequenceIndex == 0;
+        const bool readable = m_reader.describe(page, description, nullptr);
+        const SkInSet place = readable ? placeOf(description) : SkInSet();
+        if (!open || !place.separate || place.begins || isFull(groups.back(), place.length)) {
+            groups.push_back({.first = page, .count = 0});
         }
-        if (separate && !begins && open) {
-            ++groups.back().count;
-        } else {
-            groups.push_back({page, 1});
+        SkTofGroup& group = groups.back();
+        ++group.count;
+        if (readable) {
+            group.add(description);
+            // A list of angles as long as the set is kept even when most of its images are missing.
+            const quint64 length = place.separate ? quint64(std::max<qint64>(place.length, 1)) : 1;
+            group.bytes = std::max(group.bytes, length * sizeof(qint32));
         }
-        open = separate;
+        open = place.separate;
     }
     return groups;
 }
 
-void CkTofInput::complain(const QString& sMessage) {
-    ++m_iComplaints;
-    if (m_iComplaints <= shownComplaints) {
-        CkTofConsole::error(sMessage);
-    } else if (m_iComplaints == shownComplaints + 1) {
-        CkTofConsole::error(QStringLiteral("Further errors of this kind are not shown."));
+QString CkTofInput::tooMuchMemory(const SkTofGroup& group, quint64 uiBytes) const {
+    if (uiBytes <= m_limits.memoryBytes) {
+        return {};
     }
+    return QStringLiteral("\"%1\", page %2: working on %3 takes %4 MiB; --memory %4 allows that.")
+        .arg(m_reader.fileName(), QString::number(group.first + 1),
+             group.count == 1 ? QStringLiteral("it")
+                              : QStringLiteral("this set of %1 pages").arg(group.count),
+             QString::number((uiBytes >> 20U) + 1));
 }
 
 int CkTofInput::exitCode() const {
-    return m_iComplaints == 0 ? TofSuccess : TofDamaged;
+    return m_complaints.isEmpty() ? TofSuccess : TofDamaged;
 }
 
 bool CkTofInput::isInput(const QString& sFileName) const {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "recording/CkRecordingReader.h"
+#include "tof/CkTofComplaints.h"
 #include "tof/CkTofConsole.h"
+#include "tof/SkTofLimits.h"
 
 #include <vector>
 
@@ -9,12 +11,21 @@
 struct SkTofGroup {
     qint64 first = 0;
     qint64 count = 1;
+    quint64 bytes = 0;       ///< of the pictures of all pages, or of the set as it is said to be
+    quint64 pixels = 0;      ///< of all pages
+    quint64 largestPage = 0; ///< bytes of a page's picture
+    quint32 width = 0;       ///< of the last page's picture
+    bool maybeTof = false;   ///< a page may be a raw ToF, phase shift or depth picture
+
+    void add(const SkFrameDescription& description);
 };
 
 /// A recording that a command reads, and what turned out to be wrong with it. Errors are said once each and
 /// kept for the exit code.
 class CkTofInput {
 public:
+    explicit CkTofInput(const SkTofLimits& limits) : m_limits(limits), m_reader(limits.reading) {}
+
     /// False, after saying why, when nothing can be read.
     bool open(const QString& sFileName);
     const CkRecordingReader& reader() const { return m_reader; }
@@ -22,8 +33,12 @@ public:
     /// All pages in order, sets of separate phases or sections together.
     std::vector<SkTofGroup> groups() const;
 
-    /// Says an error about a part of the input. The first few are shown, the others counted.
-    void complain(const QString& sMessage);
+    quint64 memoryBytes() const { return m_limits.memoryBytes; }
+    /// Why work that takes so many bytes is not begun with a group; empty when it may be.
+    QString tooMuchMemory(const SkTofGroup& group, quint64 uiBytes) const;
+
+    /// Says an error about a part of the input, each kind once and with its number at the end.
+    void complain(const QString& sMessage) { m_complaints.add(sMessage); }
     /// TofSuccess, or TofDamaged after a complaint.
     int exitCode() const;
 
@@ -31,8 +46,9 @@ public:
     bool isInput(const QString& sFileName) const;
 
 private:
+    SkTofLimits m_limits;
     CkRecordingReader m_reader;
-    qint64 m_iComplaints = 0;
+    CkTofComplaints m_complaints;
 };
 
 /// A sentence, with a space before it, on a set of which nothing came; sMissing as of

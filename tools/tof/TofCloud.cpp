@@ -19,6 +19,9 @@
 
 namespace {
 
+constexpr double bytesPerPoint = 220;
+constexpr qint64 largestSettings = 4 << 20;
+
 /// What the options make of a cloud.
 struct SkCloudOptions {
     SkToFOpticalPath path;
@@ -30,8 +33,15 @@ struct SkCloudOptions {
 
 bool readSettings(const CkTofArguments& options, SkToFOpticalPath& path) {
     const QString file = options.value(QStringLiteral("settings-file"));
-    if (!file.isEmpty() && !QFileInfo(file).isReadable()) {
+    const QFileInfo info(file);
+    if (!file.isEmpty() && (!info.isFile() || !info.isReadable())) {
         CkTofConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
+        return false;
+    }
+    if (!file.isEmpty() && info.size() > largestSettings) {
+        CkTofConsole::error(QStringLiteral("\"%1\" is larger than settings are (%2 MiB).")
+                                .arg(file)
+                                .arg(largestSettings >> 20));
         return false;
     }
     const std::unique_ptr<QSettings> settings =
@@ -123,6 +133,15 @@ QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const
         return {};
     }
     return buildPlyText(builder.exportPoints());
+}
+
+/// What the clouds of a group take: pages as for processing, and points with their text. Pictures that are no
+/// ToF pictures are shrunk.
+quint64 bytesFor(const SkTofGroup& group, const SkCloudOptions& cloud) {
+    const double width = group.width;
+    const double shrink = group.maybeTof ? 1.0 : std::min(1.0, double(cloud.maxWidth) / std::max(1.0, width));
+    const double points = double(group.pixels) * shrink * shrink;
+    return 2 * group.largestPage + (group.maybeTof ? 4 * group.bytes : 0) + quint64(bytesPerPoint * points);
 }
 
 SkClouds groupClouds(const CkRecordingReader& reader, const SkTofGroup& group, const SkCloudOptions& cloud,
@@ -226,15 +245,20 @@ int tofCloud(const QStringList& arguments) {
          QStringLiteral("tof cloud --lens --focal-length 4 --cell-size 0.01 "
                         "--center-offset 0.1,-0.05 depth.tif depth.ply")});
     addOptions(options);
+    SkTofLimits::addOptions(options);
     if (const auto code = options.parse(arguments)) {
         return *code;
+    }
+    SkTofLimits limits;
+    if (!limits.read(options)) {
+        return TofUsage;
     }
     SkCloudOptions cloud;
     qint64 wanted = -1;
     if (!readOptions(options, cloud) || !options.readNumber(QStringLiteral("frame"), 0, wanted)) {
         return TofUsage;
     }
-    CkTofInput input;
+    CkTofInput input(limits);
     if (!input.open(options.argument(0))) {
         return TofInput;
     }
@@ -258,8 +282,14 @@ int tofCloud(const QStringList& arguments) {
     {
         CkTofConsole::CkProgress progress(QStringLiteral("Clouds"));
         inOrder(
-            qint64(groups.size()),
-            [&](qint64 i) { return groupClouds(input.reader(), groups[size_t(i)], cloud, colours.data()); },
+            qint64(groups.size()), input.memoryBytes(),
+            [&](qint64 i) { return bytesFor(groups[size_t(i)], cloud); },
+            [&](qint64 i) {
+                const SkTofGroup& group = groups[size_t(i)];
+                const QString tooMuch = input.tooMuchMemory(group, bytesFor(group, cloud));
+                return tooMuch.isEmpty() ? groupClouds(input.reader(), group, cloud, colours.data())
+                                         : SkClouds{{}, {tooMuch}, {}};
+            },
             [&](qint64 i, SkClouds&& done) {
                 for (const QString& error : std::as_const(done.errors)) {
                     input.complain(error);

@@ -17,6 +17,9 @@
 
 namespace {
 
+// A float, a colour, the bytes of the picture three times over and what they are packed into.
+constexpr quint64 bytesPerPngPixel = 24;
+
 double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
     const quint8* const at =
         picBuf.row(y) + (size_t(x) * picBuf.channels + channel) * sampleBytes(picBuf.dataType);
@@ -210,6 +213,20 @@ bool readFormat(bool asked, const QString& name, QString& format) {
     return true;
 }
 
+/// Why a frame is not made into a picture; empty when it may be, or when reading it will tell.
+QString tooMuchMemory(const CkTofInput& input, qint64 frame, bool tiff) {
+    SkFrameDescription description;
+    if (!input.reader().describe(frame, description, nullptr)) {
+        return {};
+    }
+    const SkPicBufInfo& info = description.info;
+    SkTofGroup group{.first = frame};
+    group.add(description);
+    // The frame as it is stored and as it is read, and what is made of a pixel on the way to the file.
+    const quint64 pixelBytes = tiff ? 8ULL * info.channels : bytesPerPngPixel;
+    return input.tooMuchMemory(group, 2 * group.bytes + pixelBytes * group.pixels);
+}
+
 } // namespace
 
 int tofImage(const QStringList& arguments) {
@@ -237,8 +254,13 @@ int tofImage(const QStringList& arguments) {
         QStringLiteral("Values at the ends of the colour map; those of the picture by default."));
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     options.addArgument(QStringLiteral("PICTURE"), QStringLiteral("File to write."));
+    SkTofLimits::addOptions(options);
     if (const auto code = options.parse(arguments)) {
         return *code;
+    }
+    SkTofLimits limits;
+    if (!limits.read(options)) {
+        return TofUsage;
     }
     SkImageOptions image;
     image.ranged = options.has(QStringLiteral("range"));
@@ -258,7 +280,7 @@ int tofImage(const QStringList& arguments) {
                                 .arg(options.value(QStringLiteral("range"))));
         return TofUsage;
     }
-    CkTofInput input;
+    CkTofInput input(limits);
     if (!input.open(options.argument(0))) {
         return TofInput;
     }
@@ -273,6 +295,12 @@ int tofImage(const QStringList& arguments) {
                                 .arg(reader.frameCount()));
         return TofNotApplicable;
     }
+    const QString tooMuch = tooMuchMemory(input, frame, format == QLatin1String("tiff"));
+    if (!tooMuch.isEmpty()) {
+        CkTofConsole::error(tooMuch);
+        return TofNotApplicable;
+    }
+    CkTofConsole::CkProgress progress(QStringLiteral("Reading"));
     QString error;
     const std::unique_ptr<CkImageData> data = reader.read(frame, &error);
     if (!error.isEmpty()) {

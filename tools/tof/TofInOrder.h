@@ -10,10 +10,11 @@
 #include <vector>
 
 /// Does work(i) for every i from 0 to count - 1 on all cores, and finish(i, result) one after the other in
-/// the order of i on the thread that calls. No more than a few results wait at a time. Ends early when finish
-/// answers false.
-template <typename Work, typename Finish>
-void inOrder(qint64 count, const Work& work, const Finish& finish) {
+/// the order of i on the thread that calls. No more than a few results wait at a time, and no more are begun
+/// than have room together: cost(i) is what i takes until it is finished, of room in all. One is always
+/// worked on. Ends early when finish answers false.
+template <typename Cost, typename Work, typename Finish>
+void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, const Finish& finish) {
     using Result = decltype(work(qint64(0)));
     const qint64 cores = std::max<qint64>(1, std::thread::hardware_concurrency());
     const qint64 ahead = 2 * cores;
@@ -22,16 +23,21 @@ void inOrder(qint64 count, const Work& work, const Finish& finish) {
     std::map<qint64, Result> done;
     qint64 next = 0;
     qint64 finished = 0;
+    quint64 taken = 0;
     bool stop = false;
 
+    const auto mayBegin = [&] {
+        return next < finished + ahead && (next == finished || taken + cost(next) <= room);
+    };
     const auto worker = [&] {
         std::unique_lock lock(mutex);
         for (;;) {
-            changed.wait(lock, [&] { return stop || next >= count || next < finished + ahead; });
+            changed.wait(lock, [&] { return stop || next >= count || mayBegin(); });
             if (stop || next >= count) {
                 return;
             }
             const qint64 mine = next++;
+            taken += cost(mine);
             lock.unlock();
             Result result = work(mine);
             lock.lock();
@@ -50,6 +56,7 @@ void inOrder(qint64 count, const Work& work, const Finish& finish) {
         lock.unlock();
         const bool goOn = finish(finished, std::move(result));
         lock.lock();
+        taken -= cost(finished);
         ++finished;
         stop = !goOn;
         changed.notify_all();
@@ -58,4 +65,11 @@ void inOrder(qint64 count, const Work& work, const Finish& finish) {
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+/// The same where nothing takes much memory.
+template <typename Work, typename Finish>
+void inOrder(qint64 count, const Work& work, const Finish& finish) {
+    inOrder(
+        count, 0, [](qint64) { return quint64(0); }, work, finish);
 }

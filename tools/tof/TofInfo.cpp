@@ -36,28 +36,40 @@ QString typeName(EkImageDataType dataType) {
     }
 }
 
-void printJson(const CkRecordingReader& reader, bool bEachFrame, CkTofInput& input) {
-    QJsonArray frames;
-    const qint64 count = bEachFrame ? reader.frameCount() : 1;
-    for (qint64 page = 0; page < count; ++page) {
-        SkFrameDescription description;
-        QString error;
-        if (reader.describe(page, description, &error)) {
-            // What the file says, completed for files of others.
-            frames.append(QJsonDocument::fromJson(description.toText()).object());
-        } else {
-            frames.append(QJsonValue::Null);
-            input.complain(error);
-        }
+/// A frame's metadata as it stands in the list of frames; null, after a complaint, when it cannot be read.
+QString frameJson(const CkRecordingReader& reader, qint64 page, CkTofInput& input) {
+    SkFrameDescription description;
+    QString error;
+    if (!reader.describe(page, description, &error)) {
+        input.complain(error);
+        return QStringLiteral("null");
     }
+    // What the file says, completed for files of others.
+    return QString::fromUtf8(QJsonDocument::fromJson(description.toText()).toJson()).trimmed();
+}
+
+void printJson(const CkRecordingReader& reader, bool bEachFrame, CkTofInput& input) {
+    const QString place = QStringLiteral("frames go here");
     const SkRecordingInfo& info = reader.recordingInfo();
     const QJsonObject root{{QStringLiteral("file"), reader.fileName()},
                            {QStringLiteral("bytes"), qint64(reader.byteCount())},
                            {QStringLiteral("frameCount"), reader.frameCount()},
                            {QStringLiteral("software"), info.software},
                            {QStringLiteral("damage"), reader.damage()},
-                           {QStringLiteral("frames"), frames}};
-    CkTofConsole::print(QString::fromUtf8(QJsonDocument(root).toJson()).trimmed());
+                           {QStringLiteral("frames"), QJsonArray{place}}};
+    const QString text = QString::fromUtf8(QJsonDocument(root).toJson()).trimmed();
+    // Frame by frame: a recording may have a million.
+    const QString indented = QStringLiteral("\n        ");
+    const QString mark = indented + QLatin1Char('"') + place + QLatin1Char('"');
+    const qsizetype at = text.lastIndexOf(mark);
+    CkTofConsole::write(text.left(at));
+    const qint64 count = bEachFrame ? reader.frameCount() : 1;
+    for (qint64 page = 0; page < count; ++page) {
+        QString frame = frameJson(reader, page, input);
+        frame.replace(QLatin1Char('\n'), indented);
+        CkTofConsole::write(indented + frame + (page + 1 < count ? QStringLiteral(",") : QString()));
+    }
+    CkTofConsole::print(text.mid(at + mark.size()));
 }
 
 void printText(const CkRecordingReader& reader, CkTofInput& input) {
@@ -122,10 +134,15 @@ int tofInfo(const QStringList& arguments) {
     options.addFlag(QStringLiteral("frames"), QStringLiteral("With --json: of every frame."));
     options.addFlag(QStringLiteral("chain"), QStringLiteral("Only the chain that was recorded, as XML."));
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to look into."));
+    SkTofLimits::addOptions(options);
     if (const auto code = options.parse(arguments)) {
         return *code;
     }
-    CkTofInput input;
+    SkTofLimits limits;
+    if (!limits.read(options)) {
+        return TofUsage;
+    }
+    CkTofInput input(limits);
     if (!input.open(options.argument(0))) {
         return TofInput;
     }

@@ -32,6 +32,12 @@ int transformOf(const QString& name) {
     return -1;
 }
 
+/// What processing a group takes: a page as it is read and as it is stored, the gathered set, and a result of
+/// twice the size with the copies that writing makes of it.
+quint64 bytesFor(const SkTofGroup& group) {
+    return 2 * group.largestPage + 6 * group.bytes;
+}
+
 SkProcessed processGroup(const CkRecordingReader& reader, const SkTofGroup& group, int transform) {
     SkProcessed done;
     CkTofPipeline pipeline(transform);
@@ -89,8 +95,13 @@ int tofProcess(const QStringList& arguments) {
     options.addFlag(QStringLiteral("compress"), QStringLiteral("Compresses the result without loss."));
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     options.addArgument(QStringLiteral("RESULT"), QStringLiteral("File to write."));
+    SkTofLimits::addOptions(options);
     if (const auto code = options.parse(arguments)) {
         return *code;
+    }
+    SkTofLimits limits;
+    if (!limits.read(options)) {
+        return TofUsage;
     }
     const int transform = transformOf(options.value(QStringLiteral("transform")));
     if (transform < 0) {
@@ -100,7 +111,7 @@ int tofProcess(const QStringList& arguments) {
                 .arg(options.value(QStringLiteral("transform"))));
         return TofUsage;
     }
-    CkTofInput input;
+    CkTofInput input(limits);
     if (!input.open(options.argument(0))) {
         return TofInput;
     }
@@ -123,8 +134,13 @@ int tofProcess(const QStringList& arguments) {
     {
         CkTofConsole::CkProgress progress(QStringLiteral("Processing"));
         inOrder(
-            qint64(groups.size()),
-            [&](qint64 i) { return processGroup(reader, groups[size_t(i)], transform); },
+            qint64(groups.size()), input.memoryBytes(), [&](qint64 i) { return bytesFor(groups[size_t(i)]); },
+            [&](qint64 i) {
+                const SkTofGroup& group = groups[size_t(i)];
+                const QString tooMuch = input.tooMuchMemory(group, bytesFor(group));
+                return tooMuch.isEmpty() ? processGroup(reader, group, transform)
+                                         : SkProcessed{{}, {}, tooMuch, {}};
+            },
             [&](qint64 i, SkProcessed&& done) {
                 for (const QString& error : std::as_const(done.errors)) {
                     input.complain(error);

@@ -20,19 +20,19 @@ _tof() {
     --frames)
         # A number for record and accuracy, no value for info.
         [ "$command" != info ] && return ;;
-    --frame | --set | --channel | --map | --range | --focal-length | --cell-size | --center-offset | \
+    --frame | --set | --channel | --map | --range | --memory | --max-pages | --max-expansion | --focal-length | --cell-size | --center-offset | \
         --frequency | --confidence | --offset | --z-zoom | --max-width | --pulse | --distance | --reflectivity | \
         --ambient | --exposure | --size | --seed | --max-bias | --max-std | --max-ratio | --min-valid) return ;;
     esac
     if [[ $cur == -* ]]; then
-        local options=--help
+        local options=--help limits="--memory --max-pages --max-expansion"
         case $command in
-        info) options+=" --json --frames --chain" ;;
+        info) options+=" --json --frames --chain $limits" ;;
         record) options+=" --camera --frames --set --compress --list" ;;
-        process) options+=" --transform --compress" ;;
+        process) options+=" --transform --compress $limits" ;;
         cloud) options+=" --frame --from-settings --settings-file --lens --no-lens --focal-length --cell-size
-            --center-offset --frequency --confidence --offset --ortho --no-ortho --z-zoom --max-width" ;;
-        image) options+=" --frame --format --channel --map --range" ;;
+            --center-offset --frequency --confidence --offset --ortho --no-ortho --z-zoom --max-width $limits" ;;
+        image) options+=" --frame --format --channel --map --range $limits" ;;
         accuracy) options+=" --camera --frequency --pulse --distance --reflectivity --ambient --phases --bits
             --exposure --frames --size --seed --no-noise --confidence --csv --max-bias --max-std --max-ratio
             --min-valid" ;;

@@ -1342,6 +1342,13 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
+    <name>CkPageErrors</name>
+    <message>
+        <source>%1 (%2 pages in a row)</source>
+        <translation>%1 (%2 Seiten nacheinander)</translation>
+    </message>
+</context>
+<context>
     <name>CkParamEditor</name>
     <message>
         <source>From %1 to %2%3, in steps of %4</source>
@@ -2294,6 +2301,30 @@ aufgenommen in %2</translation>
         <source>Pages of %1 x %2 bits per pixel in this form are not supported.</source>
         <translation>Seiten mit %1 x %2 Bit je Pixel in dieser Form werden nicht unterstützt.</translation>
     </message>
+    <message>
+        <source>The page&apos;s directory asks for more than %1 MiB beside the samples.</source>
+        <translation>Das Verzeichnis der Seite verlangt neben den Werten mehr als %1 MiB.</translation>
+    </message>
+    <message>
+        <source>The file has more than %1 pages; the others are left out.</source>
+        <translation>Die Datei hat mehr als %1 Seiten; die übrigen werden ausgelassen.</translation>
+    </message>
+    <message>
+        <source>The page&apos;s text is longer than %1 MiB.</source>
+        <translation>Der Text der Seite ist länger als %1 MiB.</translation>
+    </message>
+    <message>
+        <source>The page is said to be cut into %1 strips or tiles; 1 to %2 are read.</source>
+        <translation>Die Seite soll aus %1 Streifen oder Kacheln bestehen; gelesen werden 1 bis %2.</translation>
+    </message>
+    <message>
+        <source>The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages are read up to %4 MiB and up to %5 times their compressed bytes.</source>
+        <translation>Die Seite soll %1 x %2 Pixel in %3 komprimierten Bytes haben; komprimierte Seiten werden bis %4 MiB und bis zum %5-Fachen ihrer komprimierten Bytes gelesen.</translation>
+    </message>
+    <message>
+        <source>A strip or tile of the page is said to have more compressed bytes than samples.</source>
+        <translation>Ein Streifen oder eine Kachel der Seite soll mehr komprimierte Bytes als Werte haben.</translation>
+    </message>
 </context>
 <context>
     <name>CkRecordingRoom</name>
@@ -2414,6 +2445,10 @@ aufgenommen in %2</translation>
     <message>
         <source>There is not enough memory.</source>
         <translation>Der Speicher reicht nicht aus.</translation>
+    </message>
+    <message>
+        <source>What is to be written beside the samples (metadata, chain) is longer than %1 MiB.</source>
+        <translation>Was neben den Werten zu schreiben ist (Metadaten, Kette), ist länger als %1 MiB.</translation>
     </message>
 </context>
 <context>

@@ -1,3 +1,4 @@
+#include "HostileFiles.h"
 #include "recordingFixture.h"
 
 #include "recording/CkVideoSource.h"
@@ -407,4 +408,31 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     QDomElement again = doc.createElement(QStringLiteral("block"));
     ASSERT_TRUE(lost.saveSettings(doc, again));
     EXPECT_EQ(again.attribute(QStringLiteral("file")), path("gone.tif"));
+}
+
+TEST_F(CkVideoSourceTest, ThousandsOfUnreadablePagesAreToldOfOnce) {
+    HostileTiff tiff(path("torn.tif"));
+    const quint32 strip = tiff.append(QByteArray(2, '\1'));
+    const auto page = HostileTiff::page(1, 1, 16, COMPRESSION_NONE, strip, 2);
+    tiff.addPage(page);
+    for (int i = 0; i < 5000; ++i) {
+        tiff.addPage({{TIFFTAG_SUBFILETYPE, TIFF_LONG, 1, 0}});
+    }
+    tiff.addPage(page);
+    ASSERT_TRUE(tiff.close());
+    QString error;
+    ASSERT_TRUE(m_source->openFile(path("torn.tif"), &error)) << qPrintable(error);
+    std::atomic<int> told{0};
+    QObject::connect(
+        m_source, &CkChainable::errorMessageChanged, m_source, [&told] { ++told; }, Qt::DirectConnection);
+    m_chain->start();
+    m_source->play();
+    EXPECT_EQ(m_sink.waitFor(2), (Numbers{0, 5001}));
+    waitForPosition(5001);
+    // The first one, one twice a second at most, and what is left.
+    EXPECT_GE(told, 2);
+    EXPECT_LT(told, 500);
+    const std::string text = m_source->errorMessage().toStdString();
+    EXPECT_THAT(text, ::testing::AllOf(::testing::HasSubstr("torn.tif\", page 5001: "),
+                                       ::testing::HasSubstr("(5000 pages in a row)")));
 }

@@ -47,7 +47,7 @@ TEST_F(TofUsageTest, ManualAndCompletionKnowEveryOption) {
             ++options;
         }
     }
-    EXPECT_EQ(options, 3 + 5 + 2 + 15 + 5 + 19);
+    EXPECT_EQ(options, 6 + 5 + 5 + 18 + 8 + 19);
 }
 
 TEST_F(TofUsageTest, WrongCommandLinesAreCode2) {
