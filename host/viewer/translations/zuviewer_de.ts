@@ -147,7 +147,7 @@
     </message>
     <message>
         <source>Plu&amp;g In</source>
-        <translation>Ansteck&amp;en</translation>
+        <translation>&amp;Anstecken</translation>
     </message>
     <message>
         <source>The camera is unplugged</source>

@@ -278,7 +278,7 @@ TEST_F(ViewerSession, PanelAndActiveViewBelongToTheSameCamera) {
     void* wave = desk()->openCamera("sim:wave", true);
     ASSERT_TRUE(desk()->start(grey));
     ASSERT_TRUE(desk()->start(wave));
-    auto* tabs = qobject_cast<QTabWidget*>(window()->findChild<QDockWidget*>("dockCameras")->widget());
+    auto* tabs = window()->findChild<QDockWidget*>("dockCameras")->findChild<QTabWidget*>();
     ASSERT_NE(tabs, nullptr);
     area()->setActiveView(desk()->viewsOf(grey).first());
     EXPECT_EQ(tabs->currentWidget(), desk()->panel(grey));
