@@ -12,6 +12,8 @@
 #include <chrono>
 #include <utility>
 
+using EkWish = CkRenegotiationThrottle::EkWish;
+
 void CkChain::CkPrivate::runFrame(SkChainNode& source, CkImageData* pFrame) {
     endTrouble(source);
     if (!fitsSetUp(source, *pFrame)) {
@@ -132,12 +134,13 @@ void CkChain::CkPrivate::noteMissingOutput(SkChainNode& node, const CkMemoryPool
 
 void CkChain::CkPrivate::recoverBlock(SkChainNode& node, const IkChainData& data) {
     const auto* const frame = dynamic_cast<const CkImageData*>(&data);
-    if (node.provider == nullptr || node.negotiated || frame == nullptr || !m_throttle.isWishGranted()) {
+    if (node.provider == nullptr || node.negotiated || frame == nullptr ||
+        !m_throttle.isWishGranted(EkWish::Block)) {
         return;
     }
     SkFormat output;
     if (queryOutput(*node.provider, SkFormat::of(*frame), output)) {
-        renegotiate(nullptr);
+        m_throttle.served(EkWish::Block, renegotiate(nullptr));
     }
 }
 
@@ -152,9 +155,14 @@ bool CkChain::CkPrivate::fitsSetUp(SkChainNode& node, const IkChainData& data) {
         return true;
     }
     node.lastFrame = std::move(seen);
-    const bool needed = change >= EkFormatChange::Sets;
-    if (needed ? m_throttle.isGranted(node.refitFrame) : m_throttle.isWishGranted()) {
-        node.refitFrame = needed ? m_throttle.frame() : node.refitFrame;
+    if (change == EkFormatChange::Values) {
+        if (m_throttle.isWishGranted(EkWish::Values)) {
+            m_throttle.served(EkWish::Values, renegotiate(&node));
+        }
+        return true;
+    }
+    if (m_throttle.isNeedGranted(node.refitFrame)) {
+        node.refitFrame = m_throttle.frame();
         renegotiate(&node);
         return true;
     }

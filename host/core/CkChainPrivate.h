@@ -127,7 +127,7 @@ public:
 
     // ---- the chain's thread -------------------------------------------------------------------------
     void run();
-    void renegotiate(const SkChainNode* pInHand);
+    EkFormatChange renegotiate(const SkChainNode* pInHand); ///< see negotiate
     /// A wish of the thread itself; served ever more rarely while it changes nothing. False when not now.
     bool askFromThread();
     bool isStopping() const { return m_life == EkLife::Stopping; }

@@ -156,7 +156,7 @@ void CkChain::CkPrivate::run() {
             return;
         }
         if (item.renegotiate) {
-            renegotiate(nullptr);
+            m_throttle.served(CkRenegotiationThrottle::EkWish::Block, renegotiate(nullptr));
         } else if (item.growPools) {
             reservePools(true);
         }
@@ -167,17 +167,17 @@ void CkChain::CkPrivate::run() {
     }
 }
 
-void CkChain::CkPrivate::renegotiate(const SkChainNode* pInHand) {
+EkFormatChange CkChain::CkPrivate::renegotiate(const SkChainNode* pInHand) {
     const CkHeldMessages held(m_order);
     tearDown();
     const EkFormatChange change = negotiate(pInHand);
     reservePools(false);
     setUp();
-    m_throttle.served(change);
+    return change;
 }
 
 bool CkChain::CkPrivate::askFromThread() {
-    const bool granted = m_throttle.isWishGranted();
+    const bool granted = m_throttle.isWishGranted(CkRenegotiationThrottle::EkWish::Block);
     if (granted) {
         m_queue.askForRenegotiation();
     }

@@ -4,8 +4,9 @@
 
 namespace {
 
-constexpr quint32 mostDoublings = 6;
-constexpr quint64 calmFrames = 1U << mostDoublings;
+constexpr quint32 mostDoublingsOfBlocks = 6;
+constexpr quint32 mostDoublings = 62;
+constexpr quint64 calmFrames = 64;
 
 } // namespace
 
@@ -13,11 +14,12 @@ void CkRenegotiationThrottle::reset() {
     *this = CkRenegotiationThrottle();
 }
 
-void CkRenegotiationThrottle::served(EkFormatChange change) {
-    const bool useful = change >= EkFormatChange::Sets;
-    if (useful || m_uiFrame > m_uiNextWish + calmFrames) {
-        m_uiDoublings = 0;
+void CkRenegotiationThrottle::served(EkWish wish, EkFormatChange change) {
+    SkWishes& served = wish == EkWish::Block ? m_block : m_values;
+    if (change >= EkFormatChange::Sets || m_uiFrame > served.uiNext + calmFrames) {
+        served.uiDoublings = 0;
     }
-    m_uiDoublings = std::min(m_uiDoublings + 1, mostDoublings);
-    m_uiNextWish = m_uiFrame + (quint64(1) << m_uiDoublings);
+    const quint32 most = wish == EkWish::Block ? mostDoublingsOfBlocks : mostDoublings;
+    served.uiDoublings = std::min(served.uiDoublings + 1, most);
+    served.uiNext = m_uiFrame + (quint64(1) << served.uiDoublings);
 }

@@ -250,17 +250,28 @@ TEST_F(CkChainFormatTest, MetadataThatAlternateDropNothingAndSetUpEverMoreRarely
     auto* const block = branch(new AddBlock(0), source);
     chain->addSink(block, &sink);
     ASSERT_TRUE(chain->start());
-    for (int i = 0; i < 300; ++i) {
+    constexpr int frames = 2000;
+    for (int i = 0; i < frames; ++i) {
         CkImageMetadata metadata;
         metadata.modulationFrequency = i % 2 == 0 ? 20.0F : 25.0F;
         run(format, metadata);
     }
-    EXPECT_EQ(sink.count(), 300U);
+    EXPECT_EQ(sink.count(), size_t(frames));
     EXPECT_EQ(chain->blockStatistics(source).dropped, 0U);
-    // Waits of 2, 4, 8, 16, 32, 64 frames and then 64 each: 6 within 126 frames, 3 in the rest.
+    // At the start, and after waits of 2, 4, 8 ... 1024 frames, which are 2046.
     EXPECT_LE(block->starts, 12);
-    EXPECT_GE(block->starts, 4);
+    EXPECT_GE(block->starts, 6);
     EXPECT_EQ(source->errorMessage(), QString());
+    // Metadata that have stayed for a while are followed at once.
+    for (int i = 0; i < 3000; ++i) {
+        run(format, negotiatedMetadata(block));
+    }
+    const int starts = block->starts;
+    CkImageMetadata metadata;
+    metadata.modulationFrequency = 30.0F;
+    run(format, metadata);
+    EXPECT_EQ(block->starts, starts + 1);
+    EXPECT_EQ(negotiatedMetadata(block), metadata);
 }
 
 TEST_F(CkChainFormatTest, SetsOfTwoLengthsInTurnAreAllFollowed) {
