@@ -87,6 +87,8 @@ void CkViewArea::addView(CkMdiView* pView) {
     QWidget* frame = pView;
     if ((pView->viewCaps() & CkMdiView::NativeWindowCap) != 0) {
         pView->setParent(window(), Qt::Window);
+        // The keys that work in the area work in its windows, too.
+        pView->addActions(actions());
         pView->installEventFilter(this);
     } else {
         const QSize wanted = pView->testAttribute(Qt::WA_Resized) ? pView->size() : QSize(480, 400);

@@ -1,6 +1,5 @@
 #include "view3d/CkToFToolBar.h"
 
-#include <QEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QToolButton>
@@ -24,13 +23,6 @@ protected:
 };
 
 } // namespace
-
-CkToFToolBar::CkToFToolBar(QWidget* pParent) : QToolBar(pParent) {
-    // The button behind which a tool bar puts what does not fit.
-    if (auto* extension = findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"))) {
-        extension->installEventFilter(this);
-    }
-}
 
 void CkToFToolBar::addMenu(const QString& sText, QMenu* pMenu) {
     QAction* action = pMenu->menuAction();
@@ -62,14 +54,4 @@ void CkToFToolBar::setLabelText(const QString& sText) {
     if (m_pLabel != nullptr) {
         m_pLabel->setText(sText);
     }
-}
-
-// Qt disables the button when there are but widgets behind it.
-bool CkToFToolBar::eventFilter(QObject* pWatched, QEvent* pEvent) {
-    auto* extension = qobject_cast<QWidget*>(pWatched);
-    if (pEvent->type() == QEvent::EnabledChange && extension != nullptr && isEnabled() &&
-        !extension->isEnabled()) {
-        extension->setEnabled(true);
-    }
-    return QToolBar::eventFilter(pWatched, pEvent);
 }

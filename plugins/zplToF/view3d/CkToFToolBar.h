@@ -8,9 +8,9 @@ class CkToFToolBar : public QToolBar {
     Q_OBJECT
 
 public:
-    explicit CkToFToolBar(QWidget* pParent = nullptr);
+    using QToolBar::QToolBar;
 
-    /// A button that opens the menu, which the tool bar takes over.
+    /// A button that opens the menu, which stays the caller's.
     void addMenu(const QString& sText, QMenu* pMenu);
     /// Empty space that pushes what follows to the right.
     void addSpace();
@@ -18,9 +18,6 @@ public:
     void addLabel();
     /// The text of the label.
     void setLabelText(const QString& sText);
-
-protected:
-    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
     QAction* m_pLabel = nullptr;

@@ -3,6 +3,7 @@
 #include "ViewerPictures.h"
 #include "zuCoreGui/CkMdiView.h"
 
+#include <QAction>
 #include <QMdiSubWindow>
 #include <QSignalSpy>
 #include <QTest>
@@ -100,6 +101,25 @@ TEST(ViewArea, SceneGetsMoreWidthThanATallPictureBesideIt) {
     EXPECT_GT(right.width(), 3 * left.width() / 2);
     // But not less than three tenths for the picture.
     EXPECT_GE(left.width(), 300);
+}
+
+TEST(ViewArea, KeysOfTheAreaWorkInAViewThatIsAWindowOfItsOwn) {
+    QWidget mainWindow;
+    CkViewArea area(&mainWindow);
+    QAction play(QStringLiteral("Play"), nullptr);
+    play.setShortcut(Qt::Key_Space);
+    play.setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    area.addAction(&play);
+    QSignalSpy played(&play, &QAction::triggered);
+    mainWindow.show();
+    auto* own = new CkAreaView(-1, CkMdiView::NativeWindowCap);
+    area.addView(own);
+    own->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(own));
+    QTest::keyClick(own, Qt::Key_Space);
+    EXPECT_EQ(played.count(), 1);
+    own->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST(ViewArea, ViewWithANativeSurfaceGetsAWindowOfItsOwn) {

@@ -135,6 +135,7 @@ TEST_F(ToF3DViewHostTest, TheFirstFrameAfterTheIntervalIsShown) {
     m_host.store(QStringLiteral("ToF.MaxInputFps"), 2.0F);
     const auto view = open();
     give(*view, TestFrame::phase(8, 6, [](int, int) { return DepthPixel{1.0F, 0.1F}; }));
+    letEventsHappen(5);
     const auto later = TestFrame::phase(8, 6, [](int, int) { return DepthPixel{3.0F, 0.1F}; });
     EXPECT_TRUE(waitFor([&] {
         give(*view, later);
