@@ -225,18 +225,24 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
     return true;
 }
 
-bool CkMainWindow::saveChainFile(const QString& sFileName, QString& sError) {
+CkChain* CkMainWindow::activeChain() const {
     const CkMdiView* view = m_pArea->activeView();
     const CkChainable* provider = view != nullptr ? view->dataProvider() : nullptr;
-    if (provider == nullptr || provider->chain() == nullptr) {
-        sError = tr("The active view shows no chain.");
-        return false;
-    }
-    if (!CkChainFile::save(provider->chain(), sFileName, sError)) {
+    return provider != nullptr ? provider->chain() : nullptr;
+}
+
+bool CkMainWindow::saveChain(const CkChain& chain, const QString& sFileName, QString& sError) {
+    if (!CkChainFile::save(&chain, sFileName, sError)) {
         return false;
     }
     addRecent(sFileName);
     return true;
+}
+
+bool CkMainWindow::saveChainFile(const QString& sFileName, QString& sError) {
+    const CkChain* chain = activeChain();
+    sError = tr("The active view shows no chain.");
+    return chain != nullptr && saveChain(*chain, sFileName, sError);
 }
 
 void CkMainWindow::openViewOn(CkChainable* pBlock) {

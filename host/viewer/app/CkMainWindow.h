@@ -110,6 +110,8 @@ private:
     void createRecordingMenu();
     void fillRecentMenu();
     static void addRecent(const QString& sFileName);
+    CkChain* activeChain() const;
+    static bool saveChain(const CkChain& chain, const QString& sFileName, QString& sError);
     void saveChainWithDialog();
     void openViewOn(CkChainable* pBlock);
     void equipView(int iViewId);

@@ -11,7 +11,7 @@
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
 #include "recording/CkRecordingRoom.h"
-#include "zuCore/CkChainable.h"
+#include "zuCore/CkChain.h"
 
 #include <QDir>
 #include <QDockWidget>
@@ -147,8 +147,7 @@ void CkMainWindow::createHelpMenu() {
 void CkMainWindow::updateActions() {
     const CkMdiView* view = m_pArea->activeView();
     const bool picture = qobject_cast<const CkImageView*>(view) != nullptr;
-    const CkChainable* provider = view != nullptr ? view->dataProvider() : nullptr;
-    const bool chain = provider != nullptr && provider->chain() != nullptr;
+    const bool chain = activeChain() != nullptr;
     m_pSaveChainAction->setEnabled(chain);
     m_pSaveChainAction->setToolTip(chain ? tr("Save the active view's chain")
                                          : tr("The active view shows no chain"));
@@ -255,6 +254,11 @@ void CkMainWindow::dropEvent(QDropEvent* pEvent) {
 }
 
 void CkMainWindow::saveChainWithDialog() {
+    // Another view may become active while the dialog is open, and this one's camera be unplugged.
+    const QPointer<CkChain> chain(activeChain());
+    if (!chain) {
+        return;
+    }
     int form = 0;
     const QString name = askSaveFileName(this, tr("Save Chain"), lastDirectory(),
                                          {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
@@ -264,8 +268,8 @@ void CkMainWindow::saveChainWithDialog() {
         return;
     }
     setLastDirectory(name);
-    QString error;
-    if (!saveChainFile(name, error)) {
+    QString error = tr("The chain has been closed in the meantime.");
+    if (!chain || !saveChain(*chain, name, error)) {
         QMessageBox::warning(this, tr("Save Chain"), error);
     }
 }

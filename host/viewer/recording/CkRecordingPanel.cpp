@@ -35,6 +35,7 @@ CkRecordingPanel::CkRecordingPanel(CkRecordingDesk* pDesk, QWidget* pParent)
     m_pRows->setSpacing(8);
     column->addLayout(m_pRows);
     m_pEmpty = new QLabel(tr("Nothing is being recorded."), content);
+    m_pEmpty->setWordWrap(true);
     column->addWidget(m_pEmpty);
     column->addStretch();
     auto* scroll = new QScrollArea(this);

@@ -33,7 +33,7 @@
     </message>
     <message>
         <source>Camera &quot;%1&quot; does not go on: %2</source>
-        <translation>Kamera „%1“ macht nicht weiter: %2</translation>
+        <translation>Die Kamera „%1“ läuft nicht weiter: %2</translation>
     </message>
 </context>
 <context>
@@ -155,7 +155,7 @@
     </message>
     <message>
         <source>Stop &quot;%1&quot;</source>
-        <translation>„%1“ anhalten</translation>
+        <translation>„%1“ stoppen</translation>
     </message>
     <message>
         <source>Start &quot;%1&quot;</source>
@@ -167,11 +167,11 @@
     </message>
     <message>
         <source>As if its cable had been pulled: its views keep their pictures and wait</source>
-        <translation>Als wäre ihr Kabel gezogen worden: ihre Ansichten behalten ihre Bilder und warten</translation>
+        <translation>Als wäre ihr Kabel gezogen worden: Ihre Ansichten behalten ihre Bilder und warten</translation>
     </message>
     <message>
         <source>Let an unplugged camera go on</source>
-        <translation>Eine abgezogene Kamera weitermachen lassen</translation>
+        <translation>Eine abgezogene Kamera wieder anstecken</translation>
     </message>
     <message>
         <source>No camera is unplugged</source>
@@ -1079,7 +1079,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>There is no picture yet</source>
-        <translation>Es gibt noch kein Bild</translation>
+        <translation>Es ist noch kein Bild da</translation>
     </message>
 </context>
 <context>
@@ -1339,6 +1339,10 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>The chain has been closed in the meantime.</source>
+        <translation>Die Kette wurde inzwischen geschlossen.</translation>
     </message>
 </context>
 <context>
@@ -1926,7 +1930,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
     <message>
         <source>the camera&apos;s picture does not tell</source>
-        <translation>das Bild der Kamera verrät es nicht</translation>
+        <translation>am Bild der Kamera ist es nicht zu erkennen</translation>
     </message>
     <message>
         <source>Saturated pixels may count as valid: %1.</source>
@@ -2455,15 +2459,15 @@ aufgenommen in %2</translation>
     <name>CkSaturation</name>
     <message>
         <source>A minus B does not tell whether A and B were saturated</source>
-        <translation>A minus B verrät nicht, ob A und B gesättigt waren</translation>
+        <translation>An A minus B ist nicht zu erkennen, ob A und B gesättigt waren</translation>
     </message>
     <message>
         <source>Samples of this kind have no end of their range</source>
-        <translation>Werte dieser Art haben kein Ende ihres Bereichs</translation>
+        <translation>Werte dieser Art haben keinen Höchstwert</translation>
     </message>
     <message>
         <source>A computed picture does not tell; the picture of the camera does</source>
-        <translation>Ein berechnetes Bild verrät es nicht, aber das Bild der Kamera</translation>
+        <translation>An einem berechneten Bild ist es nicht zu erkennen, aber am Bild der Kamera</translation>
     </message>
 </context>
 <context>
@@ -2963,7 +2967,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     <name>CkViewNotices</name>
     <message>
         <source>&quot;%1&quot; is unplugged. The view goes on when it is plugged in again.</source>
-        <translation>„%1“ ist abgezogen. Die Ansicht macht weiter, sobald die Kamera wieder angesteckt ist.</translation>
+        <translation>„%1“ ist abgezogen. Die Ansicht läuft weiter, sobald die Kamera wieder angesteckt ist.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is switched off.</source>
@@ -2975,7 +2979,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
     <message>
         <source>No picture yet. The processing chain is stopped.</source>
-        <translation>Noch kein Bild. Die Verarbeitungskette steht.</translation>
+        <translation>Noch kein Bild. Die Verarbeitungskette ist gestoppt.</translation>
     </message>
     <message>
         <source>No picture yet. Play the recording to see one.</source>

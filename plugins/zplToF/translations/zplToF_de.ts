@@ -374,7 +374,7 @@ Sollen die Kameraparameter automatisch angepasst werden?</translation>
     </message>
     <message>
         <source>ToF Processing:</source>
-        <translation>ToF-Verarbeitung:</translation>
+        <translation>ToF:</translation>
     </message>
     <message>
         <source>Open 3D View</source>
@@ -449,7 +449,7 @@ Sollen die Kameraparameter automatisch angepasst werden?</translation>
     </message>
     <message>
         <source>The images of the set have another number or size than the chain was started for. Stop the chain and start it again.</source>
-        <translation>Anzahl oder Größe der Bilder des Satzes sind andere als beim Start der Kette. Halten Sie die Kette an und starten Sie sie neu.</translation>
+        <translation>Anzahl oder Größe der Bilder des Satzes sind andere als beim Start der Kette. Stoppen Sie die Kette und starten Sie sie neu.</translation>
     </message>
     <message>
         <source>The index of the image is outside its set.</source>
@@ -457,7 +457,7 @@ Sollen die Kameraparameter automatisch angepasst werden?</translation>
     </message>
     <message>
         <source>The chain was started for sections without a reference section. Stop the chain and start it again.</source>
-        <translation>Die Kette wurde für Abschnitte ohne Referenzabschnitt gestartet. Halten Sie die Kette an und starten Sie sie neu.</translation>
+        <translation>Die Kette wurde für Abschnitte ohne Referenzabschnitt gestartet. Stoppen Sie die Kette und starten Sie sie neu.</translation>
     </message>
     <message>
         <source>The section has another size or sample type than its reference section.</source>

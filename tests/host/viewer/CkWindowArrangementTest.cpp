@@ -1,15 +1,19 @@
+#include "ModalDriver.h"
 #include "ViewerFixture.h"
 #include "app/CkRateGraph.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMimeData>
 #include <QTest>
 #include <QUrl>
+#include <functional>
 
 // How views and window are arranged, and the graph in the status bar.
 
@@ -148,6 +152,47 @@ TEST_F(WindowArrangement, KeysOfTheMenusWorkInAViewWithAWindowOfItsOwn) {
     QApplication::setActiveWindow(view);
     QTest::keyClick(view, Qt::Key_W, Qt::ControlModifier);
     EXPECT_TRUE(area()->views().isEmpty());
+}
+
+class SavedChain : public WindowArrangement {
+protected:
+    /// What stands in the file when this happens while the dialog is open.
+    QByteArray savedWhile(const std::function<void()>& what) {
+        const QString path = m_folder.filePath("saved.zuchain");
+        m_driver.expectWindow([what, path](QWidget* dialog) {
+            what();
+            dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        byShortcut(QKeySequence::Save)->trigger();
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    ModalDriver m_driver;
+};
+
+TEST_F(SavedChain, IsThatOfTheViewThatWasActiveWhenSavingBegan) {
+    ASSERT_TRUE(start());
+    openGrey();
+    const int grey = area()->activeViewId();
+    desk()->openCamera("sim:wave", true);
+    const int wave = area()->activeViewId();
+    area()->setActiveView(grey);
+    const QByteArray saved = savedWhile([this, wave] { area()->setActiveView(wave); });
+    EXPECT_TRUE(saved.contains("sim:grey")) << saved.constData();
+    EXPECT_FALSE(saved.contains("sim:wave")) << saved.constData();
+    EXPECT_TRUE(m_driver.boxes.isEmpty());
+}
+
+TEST_F(SavedChain, IsNotAnotherOneWhenItHasBeenClosed) {
+    ASSERT_TRUE(start());
+    desk()->openCamera("sim:wave", true);
+    void* grey = openGrey();
+    const QByteArray saved = savedWhile([this, grey] { desk()->closeCamera(grey); });
+    EXPECT_EQ(saved, QByteArray());
+    ASSERT_EQ(m_driver.boxes.size(), 1);
+    EXPECT_EQ(m_driver.boxes[0].text, "The chain has been closed in the meantime.");
 }
 
 } // namespace

@@ -61,7 +61,7 @@ TEST_F(ToFGermanTest, TheCamerasPanelIsGermanItsObjectNamesAreNot) {
     ASSERT_TRUE(plugin->init());
     const QWidget* panel = app.cameraPanels.value(camera.handle());
     ASSERT_NE(panel, nullptr);
-    EXPECT_EQ(panel->findChild<QLabel*>()->text(), "ToF-Verarbeitung:");
+    EXPECT_EQ(panel->findChild<QLabel*>()->text(), "ToF:");
     ASSERT_NE(panel->findChild<QToolButton*>("btnToF3D"), nullptr);
     EXPECT_EQ(panel->findChild<QToolButton*>("btnToF3D")->text(), utf8("3D-Ansicht öffnen"));
     ASSERT_NE(panel->findChild<QToolButton*>("btnToFAllViews"), nullptr);
