@@ -221,7 +221,9 @@ void CkMainWindow::addRecent(const QString& sFileName) {
 void CkMainWindow::fillRecentMenu() {
     m_pRecentMenu->clear();
     for (const QString& name : recentChains()) {
-        m_pRecentMenu->addAction(QDir::toNativeSeparators(name), this, [this, name] { openOrTell(name); });
+        // No letter of a key, but part of the name.
+        const QString text = QDir::toNativeSeparators(name).replace(QLatin1Char('&'), QLatin1String("&&"));
+        m_pRecentMenu->addAction(text, this, [this, name] { openOrTell(name); });
     }
     m_pRecentMenu->setEnabled(!m_pRecentMenu->isEmpty());
     m_pRecentMenu->menuAction()->setToolTip(m_pRecentMenu->isEmpty() ? tr("No file was opened yet")

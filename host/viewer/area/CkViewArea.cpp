@@ -17,6 +17,8 @@ namespace {
 // Nobody is cut below this part of an equal share before the shares are made to fit.
 constexpr double kLeastShare = 0.8;
 
+constexpr int kTextMargin = 12;
+
 double shapeOf(const CkMdiView* view) {
     // A view that follows another one shows a scene, made for the shape of a screen.
     const QSize wanted = view != nullptr && view->connectedViewId() < 0 ? view->sizeHint() : QSize(16, 9);
@@ -343,7 +345,7 @@ void CkViewArea::paintEvent(QPaintEvent* pEvent) {
         large.setPointSizeF(large.pointSizeF() * 1.2);
         painter.setFont(large);
         painter.drawText(
-            viewport()->rect(), Qt::AlignCenter,
+            viewport()->rect().adjusted(kTextMargin, 0, -kTextMargin, 0), Qt::AlignCenter | Qt::TextWordWrap,
             tr("No view is open.\n\nOpen a camera from the Camera menu, a recording with Ctrl+Shift+O,\n"
                "a chain file with Ctrl+O, or drop files here."));
     }

@@ -4,6 +4,7 @@
 #include "area/CkViewArea.h"
 #include "files/SaveFileName.h"
 #include "image/CkImageView.h"
+#include "image/CkPictureText.h"
 #include "quality/CkQualityPanel.h"
 #include "quality/CkQualityPlot.h"
 #include "zuCore/CkImageData.h"
@@ -217,9 +218,9 @@ void CkQualityPanel::updateControls() {
     const CkImageData* const frame = m_source ? m_source->currentImage() : nullptr;
     const bool told = frame != nullptr && frame->metadata().lensFocalLength > 0.0F;
     enable(m_pFocalLength, !told, tr("Of the lens; the plane is fitted in space"),
-           told
-               ? tr("The camera tells its focal length: %1 mm").arg(double(frame->metadata().lensFocalLength))
-               : QString());
+           told ? tr("The camera tells its focal length: %1 mm")
+                      .arg(CkPictureText::locale().toString(double(frame->metadata().lensFocalLength)))
+                : QString());
 }
 
 void CkQualityPanel::copy() {

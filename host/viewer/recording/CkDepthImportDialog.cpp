@@ -171,6 +171,6 @@ void CkDepthImportDialog::showRange() {
     }
     const double metres = metresPerCount();
     const double smallest = m_bHasZeros && !m_pZero->isChecked() ? std::min(m_fSmallest, 0.0) : m_fSmallest;
-    m_pRange->setText(
-        tr("%1 m to %2 m").arg(smallest * metres, 0, 'f', 3).arg(m_fLargest * metres, 0, 'f', 3));
+    const auto text = [](double value) { return CkPictureText::locale().toString(value, 'f', 3); };
+    m_pRange->setText(tr("%1 m to %2 m").arg(text(smallest * metres), text(m_fLargest * metres)));
 }

@@ -120,9 +120,9 @@ QString CkPlaybackBar::timeText(qint64 iNanoseconds) {
 
 void CkPlaybackBar::adaptToSource() {
     const CkVideoSource* source = m_pPlayback->source();
-    setVisible(source != nullptr);
     if (source == nullptr) {
         m_timer.stop();
+        hide();
         return;
     }
     m_iShown = -2;
@@ -151,9 +151,11 @@ void CkPlaybackBar::adaptToSource() {
 void CkPlaybackBar::refresh() {
     const CkVideoSource* source = m_pPlayback->source();
     if (source == nullptr) {
-        setVisible(false);
+        hide();
         return;
     }
+    // A single picture has nothing to play, but may be damaged.
+    setVisible(source->frameCount() > 1 || !source->errorMessage().isEmpty());
     const qint64 position = source->position();
     if (position != m_iShown) {
         m_iShown = position;

@@ -185,15 +185,18 @@ void CkRecordingRoom::refresh() {
                                        : tr("Nothing is being recorded"));
 
     const CkVideoSource* player = m_pPlayback->source();
+    const QString nothing = player == nullptr           ? tr("The active view shows no recording")
+                            : player->frameCount() <= 1 ? tr("The active view shows a single picture")
+                                                        : QString();
     for (QAction* action : {m_play.first, m_play.back, m_play.play, m_play.forward, m_play.last, m_play.loop,
                             m_pEveryFrame, m_pRealTime}) {
-        action->setEnabled(player != nullptr);
+        action->setEnabled(nothing.isEmpty());
         const QString key = action->shortcut().toString(QKeySequence::NativeText);
         QString name = action->text();
         name.remove(QLatin1Char('&'));
-        action->setToolTip(player == nullptr ? tr("The active view shows no recording")
-                           : key.isEmpty()   ? name
-                                             : QStringLiteral("%1 (%2)").arg(name, key));
+        action->setToolTip(!nothing.isEmpty() ? nothing
+                           : key.isEmpty()    ? name
+                                              : QStringLiteral("%1 (%2)").arg(name, key));
     }
     if (player != nullptr) {
         (player->pace() == CkVideoSource::RealTime ? m_pRealTime : m_pEveryFrame)->setChecked(true);

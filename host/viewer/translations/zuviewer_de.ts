@@ -2419,6 +2419,10 @@ aufgenommen in %2</translation>
             <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bilder</numerusform>
         </translation>
     </message>
+    <message>
+        <source>The active view shows a single picture</source>
+        <translation>Die aktive Ansicht zeigt ein einzelnes Bild</translation>
+    </message>
 </context>
 <context>
     <name>CkRecordingWriter</name>

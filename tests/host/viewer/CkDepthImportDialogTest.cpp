@@ -1,3 +1,4 @@
+#include "LocaleScope.h"
 #include "RecordingViewFixture.h"
 
 #include "files/CkFileOpener.h"
@@ -60,6 +61,26 @@ protected:
 
     int m_iAsked = 0;
 };
+
+TEST_F(DepthImport, NumbersAreWrittenAsTheLanguageHasThem) {
+    const LocaleScope german{QLocale(QLocale::German)};
+    makePng(path("depth.png"));
+    QString range;
+    ASSERT_TRUE(openWith(path("depth.png"), [&](CkDepthImportDialog& dialog) {
+        range = dialog.findChild<QLabel*>("importRange")->text();
+        accept(dialog);
+    }));
+    EXPECT_EQ(range, "1,000 m to 7,003 m");
+}
+
+TEST_F(DepthImport, ASinglePictureHasNothingToPlay) {
+    makePng(path("depth.png"));
+    ASSERT_TRUE(openWith(path("depth.png"), [&](CkDepthImportDialog& dialog) { accept(dialog); }));
+    ASSERT_TRUE(waitForFrame(firstView()));
+    EXPECT_FALSE(room()->bar()->isVisible());
+    EXPECT_FALSE(action("actPlaybackPlay")->isEnabled());
+    EXPECT_EQ(action("actPlaybackPlay")->toolTip(), "The active view shows a single picture");
+}
 
 TEST_F(DepthImport, SixteenBitPngBecomesMetresByDefault) {
     makePng(path("depth.png"));

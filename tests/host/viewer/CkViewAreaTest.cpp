@@ -4,6 +4,7 @@
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QAction>
+#include <QImage>
 #include <QMdiSubWindow>
 #include <QSignalSpy>
 #include <QTest>
@@ -142,6 +143,23 @@ TEST(ViewArea, ViewWithANativeSurfaceGetsAWindowOfItsOwn) {
     EXPECT_EQ(area.view(id), nullptr);
     EXPECT_EQ(area.activeView(), plain);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST(ViewArea, TheTextOfAnEmptyAreaFitsANarrowOne) {
+    CkViewArea area;
+    area.resize(220, 500);
+    area.show();
+    const QImage shot = area.viewport()->grab().toImage();
+    const QRgb background = shot.pixel(0, 0);
+    int letters = 0;
+    for (int y = 0; y < shot.height(); ++y) {
+        EXPECT_EQ(shot.pixel(1, y), background) << y;
+        EXPECT_EQ(shot.pixel(shot.width() - 2, y), background) << y;
+        for (int x = 0; x < shot.width(); ++x) {
+            letters += int(shot.pixel(x, y) != background);
+        }
+    }
+    EXPECT_GT(letters, 500);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "ModalDriver.h"
 #include "ViewerFixture.h"
 #include "app/CkRateGraph.h"
+#include "app/CkViewerSettings.h"
+#include "zuCoreGui/IkAppDelegate.h"
 
 #include <QAction>
 #include <QApplication>
@@ -10,7 +12,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMimeData>
+#include <QSettings>
 #include <QTest>
 #include <QUrl>
 #include <functional>
@@ -136,6 +140,17 @@ TEST_F(WindowArrangement, TheTextAboutAPixelDoesNotWidenTheWindow) {
     pixel->setText(QString(500, 'x'));
     QCoreApplication::processEvents();
     EXPECT_EQ(window()->minimumSizeHint().width(), before);
+}
+
+TEST_F(WindowArrangement, RecentFilesAreNamedWholeInTheMenu) {
+    ASSERT_TRUE(start());
+    CkViewerSettings::open()->setValue(CkViewerSettings::keyRecentChains(),
+                                       QStringList{"/left & right/a.tif"});
+    const auto* recent = window()->findChild<QMenu*>("menuRecentChains");
+    ASSERT_NE(recent, nullptr);
+    emit window()->menu(IkAppDelegate::FileMenu)->aboutToShow();
+    ASSERT_EQ(recent->actions().size(), 1);
+    EXPECT_EQ(recent->actions().first()->text(), "/left && right/a.tif");
 }
 
 class OwnWindowView : public CkMdiView {
