@@ -164,10 +164,7 @@ class Person:
     def do_something(self):
         self.look()
         if not self.windows:
-            # Iconified, or not there yet.
-            for number in self.tool("search", "--pid", self.pid).split()[:3]:
-                self.tool("windowactivate", number)
-            time.sleep(0.3)
+            time.sleep(0.3)  # not there yet
             return
         kinds = [self.click, self.context_menu, self.double_click, self.drag, self.wheel, self.key, self.shortcut,
                  self.type, self.escape, self.menu, self.resize]
@@ -175,6 +172,8 @@ class Person:
 
     def leave(self):
         self.look()
+        for window in self.windows:
+            self.tool("windowactivate", window[0])
         self.act("key", "Escape")
         self.act("key", self.rng.choice(["Escape", "ctrl+q", "ctrl+q", "Return"]))
 

@@ -23,7 +23,10 @@ done
 work=$(mktemp -d /tmp/random-use.XXXXXX)
 trap stop_servers EXIT
 start_xvfb 1920x1200x24
-openbox >"$work/openbox.log" 2>&1 &
+# Nothing that takes windows out of sight: a person would get them back from a task bar.
+sed -E 's/NLIMC/NLMC/; s/name="(Iconify|ToggleShowDesktop|ShadeLower|ToggleShade|Shade|SendToDesktop|GoToDesktop)"/name="Focus"/' \
+    /etc/xdg/openbox/rc.xml >"$work/openbox.xml"
+openbox --config-file "$work/openbox.xml" >"$work/openbox.log" 2>&1 &
 servers+=($!)
 
 mkdir "$work/home"
