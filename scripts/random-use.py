@@ -33,7 +33,8 @@ class Viewer:
     def __init__(self, program, folder, arguments):
         self.log = open(os.path.join(folder, "viewer.log"), "ab")
         self.process = subprocess.Popen(
-            ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", program] + arguments,
+            ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", "env",
+             "LD_PRELOAD=" + os.environ["RANDOM_USE_PRELOAD"], program] + arguments,
             cwd=os.environ["HOME"], stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
         self.switches = -1
         self.answered = time.monotonic()
