@@ -5,8 +5,8 @@
 # and a picture are in the folder named at the end. The same seed gives the same events, though the viewer may have
 # got further or less far by then. BUILD_DIR names the build folder, build/asan by default. By hand, not in CI.
 #
-# Needs xvfb, openbox, xdotool and imagemagick, and is run as root: the viewer itself runs as "nobody" with its home
-# and its current folder in a folder of the run's own, so that no file dialog can reach anything else.
+# Needs xvfb, openbox, xdotool and imagemagick, and is run as root: viewer and window manager run as "nobody" with their
+# home in a folder of the run's own, which is the viewer's current one, so that no file dialog can reach anything else.
 set -u
 : "${BUILD_DIR:=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")/build/asan}"
 . "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/setup.sh"
@@ -23,20 +23,22 @@ done
 work=$(mktemp -d /tmp/random-use.XXXXXX)
 trap stop_servers EXIT
 start_xvfb 1920x1200x24
-# Nothing that takes windows out of sight: a person would get them back from a task bar.
-sed -E 's/NLIMC/NLMC/; s/name="(Iconify|ToggleShowDesktop|ShadeLower|ToggleShade|Shade|SendToDesktop|GoToDesktop)"/name="Focus"/' \
+mkdir "$work/home"
+chown -R nobody "$work"
+chmod 755 "$work"
+export HOME=$work/home
+# Nothing that takes windows out of sight, and no menu that starts other programs.
+sed -E 's/NLIMC/NLMC/; s/name="(Iconify|ToggleShowDesktop|ShadeLower|ToggleShade|Shade|SendToDesktop|GoToDesktop|ShowMenu|Execute)"/name="Focus"/' \
     /etc/xdg/openbox/rc.xml >"$work/openbox.xml"
-openbox --config-file "$work/openbox.xml" >"$work/openbox.log" 2>&1 &
+setpriv --reuid=nobody --regid=nogroup --clear-groups openbox --config-file "$work/openbox.xml" >"$work/openbox.log" 2>&1 &
 servers+=($!)
 
-mkdir "$work/home"
 if [ -x "$build_dir/bin/tof" ]; then
     (cd "$work/home" && "$build_dir/bin/tof" record --frames 12 wave.tif && "$build_dir/bin/tof" record --camera grey \
         --frames 12 grey.tif) >"$work/record.log" 2>&1
 fi
 chown -R nobody "$work"
-chmod 755 "$work"
-export HOME=$work/home LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb
+export LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb
 unset XDG_CONFIG_HOME XDG_RUNTIME_DIR WAYLAND_DISPLAY QT_SCALE_FACTOR
 export ASAN_OPTIONS=detect_leaks=1:verify_asan_link_order=0:handle_abort=1:allocator_may_return_null=1:log_path=$work/report
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:log_path=$work/report
