@@ -7,6 +7,7 @@
 #include <QDomDocument>
 #include <QDomElement>
 #include <QHash>
+#include <QSet>
 #include <QStringList>
 #include <algorithm>
 
@@ -15,6 +16,8 @@ namespace {
 constexpr int formatVersion = 1;
 /// No chain that somebody made comes near; the limit keeps a hostile file from using up memory and time.
 constexpr size_t mostBlocks = 1000;
+/// Each may hold a file and a thread of its own.
+constexpr size_t mostSources = 100;
 
 /// A block that was read but is in no chain yet.
 struct SkReadBlock {
@@ -25,15 +28,21 @@ struct SkReadBlock {
 /// Reads the element of a chain into blocks, stopping at the first error.
 class CkChainReader {
 public:
+    explicit CkChainReader(const CkChain::LoadProgress& progress) : m_progress(progress) {}
     bool read(const QDomElement& element);
     std::vector<SkReadBlock> takeBlocks() { return std::move(m_blocks); }
     QString error() const { return m_sError; }
 
 private:
     bool fail(const QDomElement& element, const QString& sReason);
+    bool countBlocks(const QDomElement& element);
     bool readBlock(const QDomElement& element);
+    bool readSettings(const QDomElement& element, CkChainable& block);
     bool readFeeders(const QDomElement& element, SkReadBlock& read);
 
+    const CkChain::LoadProgress& m_progress;
+    qsizetype m_iAll = 0;
+    size_t m_uiSources = 0;
     std::vector<SkReadBlock> m_blocks;
     QHash<QString, size_t> m_places; ///< by the file's identifiers
     QString m_sError;
@@ -62,16 +71,29 @@ bool CkChainReader::read(const QDomElement& element) {
             element,
             CkChain::tr("version \"%1\" is not known.").arg(element.attribute(QStringLiteral("version"))));
     }
+    if (!countBlocks(element)) {
+        return false;
+    }
+    for (QDomElement child = element.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        if (!readBlock(child)) {
+            return false;
+        }
+        if (m_progress && !m_progress(qsizetype(m_blocks.size()), m_iAll)) {
+            return fail(element, CkChain::tr("loading was called off."));
+        }
+    }
+    return true;
+}
+
+bool CkChainReader::countBlocks(const QDomElement& element) {
     for (QDomElement child = element.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
         if (child.tagName() != QLatin1String("block")) {
             return fail(child, CkChain::tr("only blocks are known here."));
         }
-        if (m_blocks.size() >= mostBlocks) {
-            return fail(child, CkChain::tr("the chain has more than %1 blocks.").arg(mostBlocks));
-        }
-        if (!readBlock(child)) {
-            return false;
+        if (size_t(++m_iAll) > mostBlocks) {
+            return fail(element, CkChain::tr("the chain has more than %1 blocks.").arg(mostBlocks));
         }
     }
     return true;
@@ -94,22 +116,37 @@ bool CkChainReader::readBlock(const QDomElement& element) {
     SkReadBlock read;
     static_cast<void>(object.release()); // the same object, from here on held as a block
     read.block.reset(block);
-    if (!readFeeders(element, read)) {
-        return false;
+    if (qobject_cast<CkImageSource*>(block) != nullptr && ++m_uiSources > mostSources) {
+        return fail(element, CkChain::tr("the chain has more than %1 sources.").arg(mostSources));
     }
-    if (!guarded(false, [&] { return read.block->loadSettings(element); })) {
-        return fail(element, CkChain::tr("the settings of class \"%1\" cannot be read.").arg(className));
+    if (!readFeeders(element, read) || !readSettings(element, *read.block)) {
+        return false;
     }
     m_places.insert(id, m_blocks.size());
     m_blocks.push_back(std::move(read));
     return true;
 }
 
+bool CkChainReader::readSettings(const QDomElement& element, CkChainable& block) {
+    if (guarded(false, [&] { return block.loadSettings(element); })) {
+        return true;
+    }
+    const QString reason = block.errorMessage();
+    return fail(element, reason.isEmpty() ? CkChain::tr("the settings of class \"%1\" cannot be read.")
+                                                .arg(element.attribute(QStringLiteral("class")))
+                                          : reason);
+}
+
 bool CkChainReader::readFeeders(const QDomElement& element, SkReadBlock& read) {
     // Feeders stand before those they feed; a circle cannot be written down.
     const QStringList ids =
         element.attribute(QStringLiteral("predecessors")).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QSet<QString> seen;
     for (const QString& id : ids) {
+        if (seen.contains(id)) {
+            return fail(element, CkChain::tr("it names block \"%1\" twice.").arg(id));
+        }
+        seen.insert(id);
         const auto place = m_places.constFind(id);
         if (place == m_places.constEnd()) {
             return fail(element, CkChain::tr("there is no block \"%1\" before it.").arg(id));
@@ -159,13 +196,17 @@ bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
 }
 
 bool CkChain::load(const QDomElement& element, QString* psError) {
+    return load(element, psError, LoadProgress());
+}
+
+bool CkChain::load(const QDomElement& element, QString* psError, const LoadProgress& progress) {
     const auto refuse = [psError](const QString& text) {
         if (psError != nullptr) {
             *psError = text;
         }
         return false;
     };
-    CkChainReader reader;
+    CkChainReader reader(progress);
     const bool isChain = element.tagName() == QLatin1String("chain");
     const QDomElement child = isChain ? element : element.firstChildElement(QStringLiteral("chain"));
     if (!reader.read(child.isNull() ? element : child)) {

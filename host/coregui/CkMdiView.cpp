@@ -8,6 +8,7 @@
 #include "zuCore/CkLut.h"
 
 #include <QEvent>
+#include <QSet>
 #include <utility>
 
 namespace {
@@ -16,7 +17,12 @@ int nextViewId() {
     return s_iNext++;
 }
 
-void collectCameraHandles(CkChainable* pBlock, QList<void*>& handles) {
+// Branches may meet again: each block is asked once.
+void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& asked, QList<void*>& handles) {
+    if (asked.contains(pBlock)) {
+        return;
+    }
+    asked.insert(pBlock);
     if (const auto* source = qobject_cast<CkImageSource*>(pBlock)) {
         for (void* handle : source->cameraHandles()) {
             if (!handles.contains(handle)) {
@@ -26,7 +32,7 @@ void collectCameraHandles(CkChainable* pBlock, QList<void*>& handles) {
         return;
     }
     for (CkChainable* before : pBlock->precedessors()) {
-        collectCameraHandles(before, handles);
+        collectCameraHandles(before, asked, handles);
     }
 }
 } // namespace
@@ -216,7 +222,8 @@ CkChainable* CkMdiView::secondProvider() const {
 QList<void*> CkMdiView::cameraHandles() const {
     QList<void*> handles;
     if (m_d->m_provider) {
-        collectCameraHandles(m_d->m_provider, handles);
+        QSet<const CkChainable*> asked;
+        collectCameraHandles(m_d->m_provider, asked, handles);
     }
     return handles;
 }

@@ -42,7 +42,17 @@ qint64 timeBetween(const IkFrameFile& reader, qint64 first) {
     return qint64(double(secondNs) / double(rate));
 }
 
+thread_local CkVideoSource::ProgressFunction s_openingProgress;
+
 } // namespace
+
+CkVideoSource::CkOpeningProgress::CkOpeningProgress(const ProgressFunction& progress) {
+    s_openingProgress = progress;
+}
+
+CkVideoSource::CkOpeningProgress::~CkOpeningProgress() {
+    s_openingProgress = nullptr;
+}
 
 /// What the player's thread and the controls share.
 struct CkVideoSource::SkShared {
@@ -533,8 +543,13 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
         element.attribute(QStringLiteral("zeroIsNothing"), QStringLiteral("1")).toInt() != 0;
     setDepthScale(scale);
     const QString file = element.attribute(QStringLiteral("file"));
+    // One that is missing may come back; a pipe or a device never is a recording.
+    if (const QFileInfo info(file); info.exists() && !info.isFile()) {
+        setErrorMessage(tr("\"%1\": This is no ordinary file.").arg(file));
+        return false;
+    }
     QString error;
-    if (!file.isEmpty() && !openFile(file, &error)) {
+    if (!file.isEmpty() && !openFile(file, &error, s_openingProgress)) {
         m_d->missing = file;
         setErrorMessage(error);
     }

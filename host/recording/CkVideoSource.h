@@ -34,6 +34,15 @@ public:
     /// 0. False, with psError, when there is nothing to play or progress answered false. A damaged file opens
     /// with its readable frames, and its damage becomes the block's error message.
     bool openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
+    /// While it lives, recordings that loadSettings opens on this thread report to its function, which may
+    /// call the opening off.
+    class CkOpeningProgress {
+    public:
+        explicit CkOpeningProgress(const ProgressFunction& progress);
+        ~CkOpeningProgress();
+        CkOpeningProgress(const CkOpeningProgress&) = delete;
+        CkOpeningProgress& operator=(const CkOpeningProgress&) = delete;
+    };
     /// Plays the file that another source has open, from its beginning.
     void shareFile(const CkVideoSource& other);
     QString fileName() const;

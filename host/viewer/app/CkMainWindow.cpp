@@ -8,6 +8,7 @@
 #include "camera/CkCameraDesk.h"
 #include "camera/CkCameraMenu.h"
 #include "chain/CkChainFile.h"
+#include "chain/CkChainLoading.h"
 #include "chain/CkChainPanel.h"
 #include "image/CkImageView.h"
 #include "log/CkLogPanel.h"
@@ -19,6 +20,7 @@
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
+#include "zuCore/CkImageSource.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QCloseEvent>
@@ -27,6 +29,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QSet>
 #include <QSettings>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -197,7 +200,7 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
     for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
         m_pDesk->openCamera(id, false);
     }
-    CkChain* chain = CkChainFile::load(sFileName, sError);
+    CkChain* chain = CkChainLoading(sFileName, this).load(sError);
     if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
         CkChainManager::instance()->closeChain(chain);
         chain = nullptr;
@@ -211,15 +214,18 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
         }
         return false;
     }
-    QList<void*> cameras;
-    for (CkChainable* end : CkChainFile::ends(chain)) {
-        auto* view = new CkImageView(end);
-        m_pArea->addView(view);
-        cameras += view->cameraHandles();
+    for (CkChainable* end : CkChainFile::shownEnds(chain, sFileName)) {
+        m_pArea->addView(new CkImageView(end));
     }
     chain->start();
-    for (void* handle : cameras) {
-        m_pDesk->start(handle);
+    QSet<void*> started;
+    for (CkChainable* source : chain->imageSources()) {
+        for (void* handle : qobject_cast<CkImageSource*>(source)->cameraHandles()) {
+            if (!started.contains(handle)) {
+                started.insert(handle);
+                m_pDesk->start(handle);
+            }
+        }
     }
     addRecent(sFileName);
     return true;

@@ -1,12 +1,12 @@
 #include "chain/CkChainFile.h"
 
-#include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkXmlReader.h"
 
 #include <QDomDocument>
 #include <QSaveFile>
+#include <algorithm>
 
 namespace {
 
@@ -14,6 +14,8 @@ namespace {
 const QString kRoot = QStringLiteral("zuchainfile");
 const QString kChain = QStringLiteral("chain");
 constexpr int kVersion = 1;
+// More would not fit on a screen, and each costs drawing time.
+constexpr qsizetype kMostViews = 16;
 
 bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
     QString reason;
@@ -73,14 +75,15 @@ bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString&
     return true;
 }
 
-CkChain* CkChainFile::load(const QString& sFileName, QString& sError) {
+CkChain* CkChainFile::load(const QString& sFileName, QString& sError, const CkChain::LoadProgress& progress) {
     QDomDocument doc;
     if (!parse(sFileName, doc, sError)) {
         return nullptr;
     }
     CkChain* chain = CkChainManager::instance()->createChain();
     QString reason = CkChainFile::tr("no new chain can be made");
-    if (chain == nullptr || !chain->load(doc.documentElement().firstChildElement(kChain), &reason)) {
+    if (chain == nullptr ||
+        !chain->load(doc.documentElement().firstChildElement(kChain), &reason, progress)) {
         sError = QStringLiteral("%1: %2").arg(sFileName, reason);
         CkChainManager::instance()->closeChain(chain);
         return nullptr;
@@ -107,4 +110,15 @@ QList<CkChainable*> CkChainFile::ends(const CkChain* pChain) {
         }
     }
     return result;
+}
+
+QList<CkChainable*> CkChainFile::shownEnds(const CkChain* pChain, const QString& sFileName) {
+    const QList<CkChainable*> all = ends(pChain);
+    if (all.size() > kMostViews) {
+        qWarning("%s", qUtf8Printable(tr("%1: the chain has %2 ends; the first %3 of them are shown.")
+                                          .arg(sFileName)
+                                          .arg(all.size())
+                                          .arg(kMostViews)));
+    }
+    return all.first(std::min(all.size(), kMostViews));
 }

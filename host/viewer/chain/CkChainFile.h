@@ -1,11 +1,12 @@
 #pragma once
 
+#include "zuCore/CkChain.h"
+
 #include <QCoreApplication>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-class CkChain;
 class CkChainable;
 
 /// Chains as files (XML). Stateless; user-interface thread.
@@ -17,7 +18,8 @@ public:
     static bool save(const CkChain* pChain, const QString& sFileName, QString& sError);
 
     /// Makes a chain of a file. Null, with sError naming the file, the place and the reason.
-    static CkChain* load(const QString& sFileName, QString& sError);
+    static CkChain* load(const QString& sFileName, QString& sError,
+                         const CkChain::LoadProgress& progress = {});
 
     /// Which of the given cameras a file mentions, so that they can be opened before it is; empty for an
     /// unreadable file.
@@ -25,4 +27,7 @@ public:
 
     /// Blocks that feed no other one, in the order of the chain.
     static QList<CkChainable*> ends(const CkChain* pChain);
+
+    /// The ends that get a view when a file is opened: the first ones of very many. The log then says so.
+    static QList<CkChainable*> shownEnds(const CkChain* pChain, const QString& sFileName);
 };

@@ -8,11 +8,25 @@
 
 #include <QHeaderView>
 #include <QPainter>
+#include <QSignalBlocker>
 
 namespace {
 constexpr int kBlockRole = Qt::UserRole;
 constexpr int kErrorRole = Qt::UserRole + 1;
 constexpr int kStateRole = Qt::UserRole + 2;
+// Blocks behind that stand below each other: there is no room for more steps, and every step costs at each
+// change.
+constexpr int kMostLevels = 16;
+// That the widths of the columns are taken from.
+constexpr int kMeasuredRows = 100;
+
+int levelOf(const QTreeWidgetItem* item) {
+    int level = 0;
+    for (; item != nullptr; item = item->parent()) {
+        ++level;
+    }
+    return level;
+}
 
 QIcon signIcon(const QColor& color, bool filled) {
     QPixmap pixmap(24, 24);
@@ -41,6 +55,7 @@ CkChainTree::CkChainTree(QWidget* pParent) : QTreeWidget(pParent) {
         headerItem()->setTextAlignment(column, Qt::AlignRight);
     }
     header()->setMinimumSectionSize(30);
+    header()->setResizeContentsPrecision(kMeasuredRows);
     setWordWrap(true);
     setIndentation(14);
     setAllColumnsShowFocus(true);
@@ -116,12 +131,16 @@ void CkChainTree::rebuild() {
     m_items.clear();
     clear();
     if (m_chain) {
+        // Put together outside: the tree would lay all its rows out for every new one.
+        QTreeWidgetItem root;
         for (CkChainable* source : m_chain->imageSources()) {
-            addBranch(source, nullptr);
+            addBranch(source, &root);
         }
         for (CkChainable* block : m_chain->blocks()) {
-            addBranch(block, nullptr);
+            addBranch(block, &root);
         }
+        insertTopLevelItems(0, root.takeChildren());
+        expandAll();
     }
     selectBlock(selected ? selected.data() : m_shown.data());
     refreshCounters();
@@ -132,33 +151,38 @@ void CkChainTree::addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent) {
     if (m_items.contains(pBlock)) {
         return;
     }
-    auto* item = pParent != nullptr ? new QTreeWidgetItem(pParent) : new QTreeWidgetItem(this);
+    auto* item = new QTreeWidgetItem(pParent);
     m_items.insert(pBlock, item);
     item->setData(0, kBlockRole, QVariant::fromValue(QPointer<CkChainable>(pBlock)));
     for (int column = FramesColumn; column < ColumnCount; ++column) {
         item->setTextAlignment(column, Qt::AlignRight | Qt::AlignTop);
     }
-    const auto refresh = [this, pBlock] {
-        if (m_items.contains(pBlock)) {
-            refreshBlock(pBlock);
-        }
-    };
-    connect(pBlock, &CkChainable::errorMessageChanged, this, refresh, Qt::QueuedConnection);
-    connect(pBlock, &CkChainable::stateChanged, this, refresh, Qt::QueuedConnection);
-    connect(pBlock, &CkChainable::configurationChanged, this, refresh, Qt::QueuedConnection);
+    connect(pBlock, &CkChainable::errorMessageChanged, this, &CkChainTree::refreshSoon, Qt::QueuedConnection);
+    connect(pBlock, &CkChainable::stateChanged, this, &CkChainTree::refreshSoon, Qt::QueuedConnection);
+    connect(pBlock, &CkChainable::configurationChanged, this, &CkChainTree::refreshSoon,
+            Qt::QueuedConnection);
+    QTreeWidgetItem* const parent = levelOf(item) < kMostLevels ? item : pParent;
     for (CkChainable* successor : m_chain->successors(pBlock)) {
-        addBranch(successor, item);
+        addBranch(successor, parent);
     }
-    item->setExpanded(true);
-    refreshBlock(pBlock);
 }
 
-void CkChainTree::refreshBlock(CkChainable* pBlock) {
-    QTreeWidgetItem* item = itemOf(pBlock);
-    const auto alive = item->data(0, kBlockRole).value<QPointer<CkChainable>>();
-    if (!alive) {
-        return;
+void CkChainTree::refreshSoon() {
+    // A thousand blocks that fail at the same time are one change.
+    if (!m_bRefreshPending) {
+        m_bRefreshPending = true;
+        QMetaObject::invokeMethod(this, &CkChainTree::refreshCounters, Qt::QueuedConnection);
     }
+}
+
+void CkChainTree::setCell(QTreeWidgetItem* pItem, int iColumn, const QString& sText) {
+    if (pItem->text(iColumn) != sText) {
+        pItem->setText(iColumn, sText);
+        m_bTextsChanged = true;
+    }
+}
+
+void CkChainTree::showState(QTreeWidgetItem* pItem, const CkChainable* pBlock) {
     const bool blocked = pBlock->state() == CkChainable::Blocked;
     const QString error = pBlock->errorMessage();
     const bool running = m_chain && m_chain->started();
@@ -170,15 +194,14 @@ void CkChainTree::refreshBlock(CkChainable* pBlock) {
                         : !error.isEmpty() ? QColor(0xc8, 0x30, 0x30)
                         : running          ? QColor(0x2e, 0x9b, 0x3d)
                                            : QColor(0xd0, 0xa0, 0x20);
-    if (item->data(0, kStateRole).toString() != state) {
-        item->setData(0, kStateRole, state);
-        item->setIcon(BlockColumn, signIcon(sign, !blocked));
+    if (pItem->data(0, kStateRole).toString() != state) {
+        pItem->setData(0, kStateRole, state);
+        pItem->setIcon(BlockColumn, signIcon(sign, !blocked));
     }
-    item->setText(BlockColumn, blocked ? tr("%1 (off)").arg(pBlock->title()) : pBlock->title());
+    setCell(pItem, BlockColumn, blocked ? tr("%1 (off)").arg(pBlock->title()) : pBlock->title());
     QFont bold = font();
     bold.setBold(pBlock == m_shown);
-    item->setFont(BlockColumn, bold);
-    showError(item, error);
+    pItem->setFont(BlockColumn, bold);
 }
 
 void CkChainTree::showError(QTreeWidgetItem* pItem, const QString& sError) {
@@ -209,29 +232,49 @@ void CkChainTree::showError(QTreeWidgetItem* pItem, const QString& sError) {
 }
 
 void CkChainTree::refreshCounters() {
+    m_bRefreshPending = false;
+    m_bTextsChanged = false;
+    QList<QPair<QTreeWidgetItem*, CkChainable*>> rows;
     for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
-        QTreeWidgetItem* item = it.value();
-        const auto block = item->data(0, kBlockRole).value<QPointer<CkChainable>>();
-        if (!block || !m_chain || block->chain() != m_chain) {
-            continue;
+        const auto block = it.value()->data(0, kBlockRole).value<QPointer<CkChainable>>();
+        if (block && m_chain && block->chain() == m_chain) {
+            rows.append({it.value(), block});
         }
-        refreshBlock(block);
-        const SkBlockStatistics statistics = m_chain->blockStatistics(block);
-        item->setText(FramesColumn, QString::number(statistics.framesOut));
-        item->setText(DroppedColumn, QString::number(statistics.dropped));
-        item->setForeground(DroppedColumn, statistics.dropped > 0 ? QBrush(QColor(0xb0, 0x60, 0x00))
-                                                                  : QBrush(palette().color(QPalette::Text)));
-        const double ms =
-            statistics.framesIn > 0 ? double(statistics.processNs) / 1e6 / double(statistics.framesIn) : 0.0;
-        item->setText(TimeColumn, CkPictureText::locale().toString(ms, 'f', ms < 10.0 ? 2 : 1));
-        SkPicBufInfo info;
-        QString hint = tr("%1: %2").arg(block->title(), shownState(block));
-        if (m_chain->negotiatedInfo(block, info, nullptr)) {
-            hint += QLatin1Char('\n') + CkPictureText::format(info);
-        }
-        if (block == m_shown) {
-            hint += QLatin1Char('\n') + tr("The active view shows this block.");
-        }
-        item->setToolTip(BlockColumn, hint);
     }
+    {
+        // Told of each cell, the tree would measure its rows again for every one.
+        const QSignalBlocker quiet(model());
+        for (const auto& [item, block] : std::as_const(rows)) {
+            showState(item, block);
+            showCounters(item, block);
+        }
+    }
+    for (const auto& [item, block] : std::as_const(rows)) {
+        showError(item, block->errorMessage());
+    }
+    if (m_bTextsChanged) {
+        scheduleDelayedItemsLayout();
+        executeDelayedItemsLayout(); // see showError
+    }
+    viewport()->update();
+}
+
+void CkChainTree::showCounters(QTreeWidgetItem* pItem, const CkChainable* pBlock) {
+    const SkBlockStatistics statistics = m_chain->blockStatistics(pBlock);
+    setCell(pItem, FramesColumn, QString::number(statistics.framesOut));
+    setCell(pItem, DroppedColumn, QString::number(statistics.dropped));
+    pItem->setForeground(DroppedColumn, statistics.dropped > 0 ? QBrush(QColor(0xb0, 0x60, 0x00))
+                                                               : QBrush(palette().color(QPalette::Text)));
+    const double ms =
+        statistics.framesIn > 0 ? double(statistics.processNs) / 1e6 / double(statistics.framesIn) : 0.0;
+    setCell(pItem, TimeColumn, CkPictureText::locale().toString(ms, 'f', ms < 10.0 ? 2 : 1));
+    SkPicBufInfo info;
+    QString hint = tr("%1: %2").arg(pBlock->title(), shownState(pBlock));
+    if (m_chain->negotiatedInfo(pBlock, info, nullptr)) {
+        hint += QLatin1Char('\n') + CkPictureText::format(info);
+    }
+    if (pBlock == m_shown) {
+        hint += QLatin1Char('\n') + tr("The active view shows this block.");
+    }
+    pItem->setToolTip(BlockColumn, hint);
 }

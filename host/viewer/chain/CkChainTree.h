@@ -38,10 +38,15 @@ public:
 private:
     void rebuild();
     void addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent);
-    void refreshBlock(CkChainable* pBlock);
+    void refreshSoon();
+    void showState(QTreeWidgetItem* pItem, const CkChainable* pBlock);
+    void showCounters(QTreeWidgetItem* pItem, const CkChainable* pBlock);
+    void setCell(QTreeWidgetItem* pItem, int iColumn, const QString& sText);
     void showError(QTreeWidgetItem* pItem, const QString& sError);
 
     QPointer<CkChain> m_chain;
     QPointer<CkChainable> m_shown;
     QHash<const CkChainable*, QTreeWidgetItem*> m_items;
+    bool m_bRefreshPending = false;
+    bool m_bTextsChanged = false; ///< since the rows were laid out
 };

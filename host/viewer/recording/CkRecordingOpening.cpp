@@ -194,7 +194,7 @@ bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidg
         static_cast<void>(source.release()); // the chain's now
     }
     QList<CkChainable*> shown = chain->imageSources();
-    for (CkChainable* end : CkChainFile::ends(chain)) {
+    for (CkChainable* end : CkChainFile::shownEnds(chain, sFileName)) {
         if (!shown.contains(end)) {
             shown.append(end);
         }

@@ -356,6 +356,18 @@ Kennung %3</translation>
         <source>Frames come in another format time and again; while the chain is set up anew for one, others are dropped.</source>
         <translation>Immer wieder kommen Bilder in einem anderen Format; während die Kette für eines neu eingerichtet wird, entfallen andere.</translation>
     </message>
+    <message>
+        <source>loading was called off.</source>
+        <translation>das Laden wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>the chain has more than %1 sources.</source>
+        <translation>die Kette hat mehr als %1 Quellen.</translation>
+    </message>
+    <message>
+        <source>it names block &quot;%1&quot; twice.</source>
+        <translation>er nennt den Block „%1“ zweimal.</translation>
+    </message>
 </context>
 <context>
     <name>CkChainEditor</name>
@@ -397,6 +409,25 @@ Kennung %3</translation>
     <message>
         <source>no new chain can be made</source>
         <translation>es kann keine neue Kette angelegt werden</translation>
+    </message>
+    <message>
+        <source>%1: the chain has %2 ends; the first %3 of them are shown.</source>
+        <translation>%1: Die Kette hat %2 Enden; die ersten %3 davon werden gezeigt.</translation>
+    </message>
+</context>
+<context>
+    <name>CkChainLoading</name>
+    <message>
+        <source>Opening &quot;%1&quot;: block %2 of %3</source>
+        <translation>„%1“ wird geöffnet: Block %2 von %3</translation>
+    </message>
+    <message>
+        <source>Opening &quot;%1&quot;: frame %2 of a recording</source>
+        <translation>„%1“ wird geöffnet: Bild %2 einer Aufnahme</translation>
+    </message>
+    <message>
+        <source>Open Chain</source>
+        <translation>Kette öffnen</translation>
     </message>
 </context>
 <context>
@@ -2944,6 +2975,13 @@ aufgenommen in %2</translation>
             <numerusform>Es kamen nur %1 von %n Bild.</numerusform>
             <numerusform>Es kamen nur %1 von %n Bildern.</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>CkVideoSource</name>
+    <message>
+        <source>&quot;%1&quot;: This is no ordinary file.</source>
+        <translation>„%1“: Das ist keine gewöhnliche Datei.</translation>
     </message>
 </context>
 <context>

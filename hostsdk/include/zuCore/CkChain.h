@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <memory>
 
 class CkChainable;
@@ -125,6 +126,11 @@ public:
     /// thread.
     bool save(QDomDocument& doc, QDomElement& element) const;
     bool load(const QDomElement& element, QString* psError); ///< See save.
+
+    /// Hears after each block how many of all blocks have been read; answering false calls the loading off,
+    /// which then fails. May run an event loop, but not close the chain.
+    using LoadProgress = std::function<bool(qsizetype iRead, qsizetype iAll)>;
+    bool load(const QDomElement& element, QString* psError, const LoadProgress& progress); ///< See save.
 
 signals:
     void runningChanged(bool bRunning); ///< After start, before stop returns.

@@ -118,6 +118,9 @@ TEST_F(CkChainXmlTest, JunkIsRefusedByNameAndChangesNothing) {
          "<block id=\"2\" class=\"test.PassBlock\" predecessors=\"2\"/></chain>",
          "no block \"2\" before it"},
         {"<chain version=\"1\"><block id=\"1\" class=\"test.TestSource\"/>"
+         "<block id=\"2\" class=\"test.PassBlock\" predecessors=\"1 1\"/></chain>",
+         "names block \"1\" twice"},
+        {"<chain version=\"1\"><block id=\"1\" class=\"test.TestSource\"/>"
          "<block id=\"2\" class=\"test.TestSource\" predecessors=\"1\"/></chain>",
          "does not accept"},
         {"<chain version=\"1\"><block id=\"1\" class=\"test.TestSource\"/>"

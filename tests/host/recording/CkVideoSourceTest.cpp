@@ -366,6 +366,32 @@ TEST_F(CkVideoSourceTest, WhatCannotBeOpenedChangesNothing) {
     EXPECT_EQ(m_source->frameCount(), 2);
 }
 
+TEST_F(CkVideoSourceTest, LoadingSettingsReportsTheSearchForFrames) {
+    record(path("a.tif"), 3);
+    QDomDocument doc;
+    QDomElement element = doc.createElement(QStringLiteral("block"));
+    element.setAttribute(QStringLiteral("file"), path("a.tif"));
+    qint64 found = 0;
+    bool goesOn = true;
+    {
+        const CkVideoSource::CkOpeningProgress progress([&](qint64 frames, double) {
+            found = frames;
+            return goesOn;
+        });
+        ASSERT_TRUE(m_source->loadSettings(element));
+        EXPECT_EQ(found, 3);
+        EXPECT_EQ(m_source->frameCount(), 3);
+        goesOn = false;
+        CkVideoSource other;
+        ASSERT_TRUE(other.loadSettings(element));
+        EXPECT_EQ(other.frameCount(), 0);
+        EXPECT_THAT(other.errorMessage().toStdString(), ::testing::HasSubstr("cancelled"));
+    }
+    CkVideoSource after;
+    ASSERT_TRUE(after.loadSettings(element));
+    EXPECT_EQ(after.frameCount(), 3);
+}
+
 TEST_F(CkVideoSourceTest, ADamagedRecordingPlaysAndSaysWhatIsWrong) {
     record(path("whole.tif"), 4);
     const QByteArray bytes = contents(path("whole.tif"));

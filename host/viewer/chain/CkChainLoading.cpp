@@ -1,0 +1,63 @@
+#include "chain/CkChainLoading.h"
+
+#include "chain/CkChainFile.h"
+#include "recording/CkVideoSource.h"
+
+namespace {
+
+constexpr qint64 kPatienceMs = 300; // until a dialog says what is going on
+constexpr qint64 kRefreshMs = 50;
+
+} // namespace
+
+CkChainLoading::CkChainLoading(const QString& sFileName, QWidget* pWindow)
+    : m_sFileName(sFileName), m_pWindow(pWindow) {
+    m_sinceStart.start();
+    m_sinceShown.start();
+}
+
+CkChain* CkChainLoading::load(QString& sError) {
+    const CkVideoSource::CkOpeningProgress opening(
+        [this](qint64 found, double) { return framesFound(found); });
+    CkChain* const chain = CkChainFile::load(
+        m_sFileName, sError, [this](qsizetype read, qsizetype all) { return blocksRead(read, all); });
+    if (chain == nullptr && m_dialog != nullptr && m_dialog->wasCanceled()) {
+        sError.clear();
+    }
+    m_dialog.reset();
+    return chain;
+}
+
+bool CkChainLoading::blocksRead(qsizetype iRead, qsizetype iAll) {
+    m_iRead = iRead;
+    m_iAll = iAll;
+    return goesOn(tr("Opening \"%1\": block %2 of %3").arg(m_sFileName).arg(iRead).arg(iAll));
+}
+
+bool CkChainLoading::framesFound(qint64 iFrames) {
+    return goesOn(tr("Opening \"%1\": frame %2 of a recording").arg(m_sFileName).arg(iFrames));
+}
+
+bool CkChainLoading::goesOn(const QString& sText) {
+    if (m_dialog == nullptr) {
+        if (m_sinceStart.elapsed() < kPatienceMs) {
+            return true;
+        }
+        m_dialog = std::make_unique<QProgressDialog>(m_pWindow);
+        m_dialog->setObjectName(QStringLiteral("openingChain"));
+        m_dialog->setWindowTitle(tr("Open Chain"));
+        m_dialog->setWindowModality(Qt::ApplicationModal);
+        m_dialog->setMinimumDuration(0);
+        m_dialog->setAutoReset(false);
+        m_dialog->setAutoClose(false);
+    } else if (m_sinceShown.elapsed() < kRefreshMs) {
+        return true;
+    }
+    m_sinceShown.start();
+    m_dialog->setMaximum(int(m_iAll));
+    m_dialog->setLabelText(sText);
+    m_dialog->setValue(int(m_iRead));
+    // The dialog does so itself only when the value has changed.
+    QCoreApplication::processEvents();
+    return !m_dialog->wasCanceled();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QProgressDialog>
+#include <QString>
+
+#include <memory>
+
+class CkChain;
+
+/// Loads a chain file; once that takes longer than a moment, a dialog says how far it is and offers to call
+/// it off. User-interface thread.
+class CkChainLoading {
+    Q_DECLARE_TR_FUNCTIONS(CkChainLoading)
+
+public:
+    /// pWindow, which may be null, is the dialog's parent.
+    CkChainLoading(const QString& sFileName, QWidget* pWindow);
+
+    /// Null, with sError naming the file, the place and the reason; empty when it was called off.
+    CkChain* load(QString& sError);
+
+private:
+    bool goesOn(const QString& sText);
+    bool blocksRead(qsizetype iRead, qsizetype iAll);
+    bool framesFound(qint64 iFrames);
+
+    QString m_sFileName;
+    QWidget* m_pWindow;
+    std::unique_ptr<QProgressDialog> m_dialog;
+    QElapsedTimer m_sinceStart;
+    QElapsedTimer m_sinceShown;
+    qsizetype m_iRead = 0;
+    qsizetype m_iAll = 0;
+};
