@@ -116,7 +116,8 @@ TEST(ViewArea, KeysOfTheAreaWorkInAViewThatIsAWindowOfItsOwn) {
     auto* own = new CkAreaView(-1, CkMdiView::NativeWindowCap);
     area.addView(own);
     own->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(own));
+    own->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([own] { return own->hasFocus(); }, 30000));
     QTest::keyClick(own, Qt::Key_Space);
     EXPECT_EQ(played.count(), 1);
     own->close();
