@@ -30,10 +30,13 @@ const QString kDemo = QStringLiteral("test.CkDemoBlock");
 class PaintedRegion : public QObject {
 public:
     explicit PaintedRegion(QWidget* pWidget) { pWidget->installEventFilter(this); }
-    void clear() { m_region = QRegion(); }
+    void clear() { m_region = m_first = QRegion(); }
+    bool any() const { return !m_region.isEmpty(); }
+    bool coveredAtOnce(const QRect& rect) const { return QRegion(rect).subtracted(m_first).isEmpty(); }
     bool covers(const QRect& rect) const { return QRegion(rect).subtracted(m_region).isEmpty(); }
     bool eventFilter(QObject*, QEvent* pEvent) override {
         if (pEvent->type() == QEvent::Paint) {
+            m_first = m_region.isEmpty() ? static_cast<QPaintEvent*>(pEvent)->region() : m_first;
             m_region += static_cast<QPaintEvent*>(pEvent)->region();
         }
         return false;
@@ -41,6 +44,7 @@ public:
 
 private:
     QRegion m_region;
+    QRegion m_first; ///< by the first painting
 };
 
 class ChainPanel : public ViewerFixture {
@@ -155,16 +159,14 @@ TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
     PaintedRegion painted(tree()->viewport());
     const QRect row = tree()->visualItemRect(tree()->itemOf(block));
     const QRect below(0, row.bottom() + 2, tree()->viewport()->width(), row.height() - 4);
-    // Something in the window is always about to be painted. A corner of the tree, right after the row has
-    // gone, takes with it what the tree knows is out of date.
+    // Something of the tree is always about to be painted when a row goes. That painting takes with it where
+    // the row was, or what the tree finds out of date while it paints may stay on screen.
     int gone = 0;
     QObject::connect(
         block, &CkChainable::errorMessageChanged, &painted,
         [&] {
             if (tree()->shownError(block).isEmpty()) {
                 painted.clear();
-                tree()->viewport()->repaint(QRect(0, 0, 5, 5));
-                EXPECT_TRUE(painted.covers(below)) << "the text still stands there";
                 ++gone;
             }
         },
@@ -173,9 +175,10 @@ TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
         painted.clear();
         block->m_bFail = true;
         ASSERT_TRUE(QTest::qWaitFor([&] { return !tree()->shownError(block).isEmpty(); }, 20'000));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return painted.covers(below); }, 5'000)) << round;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return painted.covers(below); }, 20'000)) << round;
         block->m_bFail = false;
-        ASSERT_TRUE(QTest::qWaitFor([&] { return gone == round + 1; }, 20'000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return gone == round + 1 && painted.any(); }, 20'000));
+        EXPECT_TRUE(painted.coveredAtOnce(below)) << "the text still stands there, round " << round;
     }
 }
 
@@ -189,6 +192,7 @@ TEST_F(ChainPanel, TheTitleFollowsTheBlocksSettings) {
         return QString();
     };
     ASSERT_TRUE(QTest::qWaitFor([&] { return title().endsWith("Demo 5"); }, 20'000)) << qPrintable(title());
+    settle(); // whatever follows the insertion has looked, too
     block->m_iSetting = 6;
     emit block->configurationChanged();
     EXPECT_TRUE(QTest::qWaitFor([&] { return title().endsWith("Demo 6"); }, 20'000)) << qPrintable(title());
@@ -227,11 +231,14 @@ TEST_F(ChainPanel, AWarningThatHoldsNothingUpDarkensNothing) {
     block->m_bWarn = true;
     const auto notice = [&] { return area()->notices()->notice(view->viewId()); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return notice() == "Demo 5: Odd, but it works."; }, 20'000));
-    // One look may fall between two frames.
+    // However often one looks, there is a frame between two looks.
     QSignalSpy frames(view, &CkMdiView::receivedFrame);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return frames.size() >= 3; }, 20'000));
-    area()->notices()->refresh();
-    EXPECT_FALSE(view->canvas()->isDimmed());
+    for (int look = 0; look < 10; ++look) {
+        const qsizetype before = frames.size();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return frames.size() > before; }, 20'000));
+        area()->notices()->refresh();
+        EXPECT_FALSE(view->canvas()->isDimmed()) << look;
+    }
     EXPECT_EQ(notice(), "Demo 5: Odd, but it works.");
 }
 
