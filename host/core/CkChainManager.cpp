@@ -137,7 +137,9 @@ bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlo
             return false;
         }
         SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
-        if (feeder == nullptr ? !remainWithout(*node) : !acceptedByAll(node->successors, feeder->block)) {
+        // A block that is kept goes on elsewhere; what it fed is then its owner's to feed or to close.
+        if (feeder == nullptr ? !bKeepBlock && !remainWithout(*node)
+                              : !acceptedByAll(node->successors, feeder->block)) {
             return false;
         }
         sinksMoved = !node->sinks.empty();

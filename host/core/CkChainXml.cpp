@@ -163,6 +163,22 @@ bool CkChainReader::readFeeders(const QDomElement& element, SkReadBlock& read) {
     return true;
 }
 
+/// The blocks that frames of a source can reach: any other is one that could not be loaded again.
+QList<CkChainable*> fedBlocks(const CkChain& chain) {
+    QList<CkChainable*> fed;
+    QSet<CkChainable*> known;
+    for (CkChainable* block : chain.blocks()) {
+        const QList<CkChainable*> feeders = chain.precedessors(block);
+        const bool reached = std::any_of(feeders.begin(), feeders.end(),
+                                         [&known](CkChainable* feeder) { return known.contains(feeder); });
+        if (reached || qobject_cast<CkImageSource*>(block) != nullptr) {
+            known.insert(block);
+            fed.append(block);
+        }
+    }
+    return fed;
+}
+
 } // namespace
 
 bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
@@ -176,7 +192,7 @@ bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
     }
     const std::lock_guard control(m_d->m_control);
     target.setAttribute(QStringLiteral("version"), formatVersion);
-    const QList<CkChainable*> all = blocks();
+    const QList<CkChainable*> all = fedBlocks(*this);
     for (qsizetype i = 0; i < all.size(); ++i) {
         QDomElement block = doc.createElement(QStringLiteral("block"));
         if (!guarded(false, [&] { return all[i]->saveSettings(doc, block); })) {
@@ -184,7 +200,9 @@ bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
         }
         QStringList feeders;
         for (CkChainable* feeder : precedessors(all[i])) {
-            feeders.append(QString::number(all.indexOf(feeder)));
+            if (const qsizetype place = all.indexOf(feeder); place >= 0) {
+                feeders.append(QString::number(place));
+            }
         }
         // Last: a block's own settings must not hide what the chain needs.
         block.setAttribute(QStringLiteral("class"), CkRTTI::uniqueId(all[i]->metaObject()));

@@ -11,7 +11,8 @@ class QSlider;
 class QSpinBox;
 class QToolButton;
 
-/// Controls of the recording behind the active view; hidden while there is none, or only one frame. User-interface thread.
+/// Controls of the recording behind the active view; hidden while there is none, or only one frame.
+/// User-interface thread.
 class CkPlaybackBar : public QWidget {
     Q_OBJECT
 

@@ -36,7 +36,8 @@ public:
     /// its sinks (those of a source stay without frames). With bKeepBlock the caller owns the block
     /// afterwards, otherwise it is deleted. A chain left without blocks is closed and pChain set to null.
     /// False, with nothing changed, when the chain runs, does not hold the block, or a block it fed does not
-    /// accept that predecessor's data or, behind a source, would be left without anything that feeds it.
+    /// accept that predecessor's data or, when a source is to be deleted, would be left without anything
+    /// that feeds it. What a source that is kept has fed alone stays, fed by nothing, and is not saved.
     bool remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlock);
 
     /// Deletes a block that is in no chain; one that is in a chain is taken out first, and stays when that

@@ -47,6 +47,27 @@ const char* const valid =
 
 } // namespace
 
+TEST_F(CkChainXmlTest, ASourceThatIsKeptLeavesAChainThatIsSavedAndLoaded) {
+    auto* const other = new TestSource();
+    auto* const behind = new PassBlock();
+    auto* const last = new PassBlock();
+    ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));
+    ASSERT_TRUE(manager->insertAfter(chain, behind, other));
+    ASSERT_TRUE(manager->insertAfter(chain, last, behind));
+    ASSERT_TRUE(manager->remove(chain, other, true));
+    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, behind, last}));
+    EXPECT_TRUE(chain->precedessors(behind).isEmpty());
+    EXPECT_EQ(other->chain(), nullptr);
+    delete other;
+    QDomDocument doc;
+    QDomElement element = doc.createElement("chain");
+    ASSERT_TRUE(chain->save(doc, element));
+    EXPECT_EQ(element.elementsByTagName("block").size(), 1) << "what nothing feeds could not be loaded";
+    QString error;
+    EXPECT_TRUE(chain->load(element, &error)) << qPrintable(error);
+    EXPECT_EQ(chain->blocks().size(), 1);
+}
+
 TEST_F(CkChainXmlTest, LoadsBlocksConnectionsAndSettings) {
     ASSERT_EQ(load(QString::fromLatin1(valid)), "");
     const QList<CkChainable*> blocks = chain->blocks();

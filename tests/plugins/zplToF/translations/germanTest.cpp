@@ -104,8 +104,8 @@ TEST_F(ToFGermanTest, TheToolBarOfTheViewIsGermanTheZoomFactorsAreNot) {
             texts << action->text();
         }
     }
-    EXPECT_EQ(texts,
-              (QStringList{"Einstellungen...", "Bildschirmfoto", "Daten exportieren", "Ausgangsposition"}));
+    EXPECT_EQ(texts, (QStringList{"Einstellungen...", "Z-Zoom ", "Bildschirmfoto", "Daten exportieren",
+                                  "Ausgangsposition"}));
     QStringList factors;
     for (const QMenu* menu : toolBar->findChildren<QMenu*>()) {
         for (const QAction* action : menu->actions()) {
