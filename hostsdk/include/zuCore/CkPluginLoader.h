@@ -20,10 +20,9 @@ public:
         QString fileName;           ///< the library, with its path
         CkPlugin* plugin = nullptr; ///< stays the loader's
         QObject* object = nullptr;  ///< the same one as a QObject
-        // As the plug-in answered right after its start; it is not asked again.
-        QString name;
-        QString description;
-        QString version; ///< "major.minor.patch"
+        QString name;               ///< as it answered right after its start; it is not asked again
+        QString description;        ///< likewise
+        QString version;            ///< likewise, "major.minor.patch"
     };
 
     explicit CkPluginLoader(QObject* pParent = nullptr); ///< Loads nothing yet.

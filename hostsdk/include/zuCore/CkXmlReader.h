@@ -9,12 +9,12 @@ class QDomDocument;
 
 /// What an XML document may hold at most.
 struct SkXmlLimits {
-    qint64 bytes = 16 * 1024 * 1024;
+    qint64 bytes = 16 * 1024 * 1024; ///< of the whole document
     qint64 tokenBytes = 1024 * 1024; ///< of one tag, text or comment
     int depth = 100;                 ///< of elements within each other, the root included
-    int elements = 100'000;
-    int attributes = 1000;       ///< of one element
-    int allAttributes = 100'000; ///< of all elements together
+    int elements = 100'000;          ///< of the whole document
+    int attributes = 1000;           ///< of one element
+    int allAttributes = 100'000;     ///< of all elements together
 };
 
 /// Reads XML that may come from anybody. Documents that would take a reader's stack, memory or minutes are
