@@ -126,7 +126,7 @@ public:
             disconnect(watched);
         }
         m_titles.clear();
-        for (CkChainable* block = m_chain ? m_provider : nullptr; block != nullptr;
+        for (CkChainable* block = m_chain ? m_provider.data() : nullptr; block != nullptr;
              block = block->precedessors().value(0)) {
             m_titles.append(
                 connect(block, &CkChainable::configurationChanged, m_pView, &CkMdiView::viewTitleChanged));

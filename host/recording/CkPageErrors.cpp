@@ -30,7 +30,7 @@ QString CkPageErrors::add(const QString& sError, Clock::time_point now) {
 }
 
 QString CkPageErrors::endOfRow() {
-    const QString rest = m_bHeldBack ? text() : QString();
+    QString rest = m_bHeldBack ? text() : QString();
     m_bHeldBack = false;
     m_iInRow = 0;
     return rest;

@@ -32,7 +32,7 @@ public:
         return m_good && m_file.error() == QFileDevice::NoError;
     }
 
-    quint32 size() const { return quint32(m_written + m_waiting.size()); }
+    quint32 size() const { return quint32(m_written) + quint32(m_waiting.size()); }
     /// Where the bytes lie.
     quint32 append(const QByteArray& bytes) {
         const quint32 offset = size();
@@ -47,7 +47,7 @@ public:
         flush();
         const quint32 offset = size();
         m_written += bytes;
-        m_good = m_good && m_file.resize(m_written) && m_file.seek(m_written);
+        m_good = m_good && m_file.resize(qint64(m_written)) && m_file.seek(qint64(m_written));
         return offset;
     }
     /// A directory behind what is there, and the link to it. Entries have to come in ascending order.

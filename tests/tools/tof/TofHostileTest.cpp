@@ -26,8 +26,8 @@ constexpr qint64 kKeptMiB = 0;
 
 QByteArray setText(quint32 length, quint32 index) {
     return HostileFiles::tofText([=](SkFrameDescription& text) {
-        text.metadata.phaseSequenceLength = length;
-        text.metadata.phaseSequenceIndex = index;
+        text.metadata.phaseSequenceLength = qint32(length);
+        text.metadata.phaseSequenceIndex = qint32(index);
     });
 }
 
