@@ -98,8 +98,8 @@ QString CkChainable::message() const {
 
 QString CkChainable::errorMessage() const {
     const std::lock_guard lock(m_mutex);
-    const bool held = m_messageHolder != std::thread::id() && m_messageHolder != std::this_thread::get_id();
-    return held ? m_sToldMessage : message();
+    // Without a holder both are the same.
+    return m_messageHolder == std::this_thread::get_id() ? message() : m_sToldMessage;
 }
 
 void CkChainable::setErrorMessage(const QString& sMessage) {

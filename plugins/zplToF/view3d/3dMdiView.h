@@ -61,6 +61,7 @@ public slots:
 public:
     int viewCaps() const override;
     int connectedViewId() const override;
+    int secondViewId() const; ///< As given; what a clone is given, too.
     bool containsData() const override;
     QString viewTitle() const override;
     CkLut* viewLut(bool* pbFlag1, bool* pbFlag2, unsigned int* puiBits) override;

@@ -252,6 +252,10 @@ int CkToF3DMdiView::connectedViewId() const {
     return m_iConnectedViewId;
 }
 
+int CkToF3DMdiView::secondViewId() const {
+    return m_iSecondViewId;
+}
+
 bool CkToF3DMdiView::containsData() const {
     return false;
 }

@@ -220,3 +220,14 @@ TEST(CkCameraParameters, ADriverThatThrowsRefuses) {
     EXPECT_FALSE(param->commit());
     EXPECT_EQ(param->paramValue(), CkValue(1));
 }
+
+TEST_F(CkCameraParamTest, TheLastStepReachesTheMaximumWhateverTheRounding) {
+    // 0.0 + 3 * 0.1 is 0.30000000000000004.
+    CkCameraParam* const whole = add(describe("f", CkCameraParam::EkKind::Float, 0.0, 0.0, 0.3, 0.1));
+    EXPECT_TRUE(whole->setParamValue(0.3));
+    EXPECT_EQ(whole->paramValue().toDouble(), 0.3);
+    // The fourth step would end at 0.4.
+    CkCameraParam* const cut = add(describe("g", CkCameraParam::EkKind::Float, 0.0, 0.0, 0.38, 0.1));
+    EXPECT_TRUE(cut->setParamValue(0.38));
+    EXPECT_NEAR(cut->paramValue().toDouble(), 0.3, 1e-12);
+}

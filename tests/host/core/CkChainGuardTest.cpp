@@ -5,6 +5,7 @@
 #include "zuCore/CkPicBufAPI.h"
 
 #include <stdexcept>
+#include <thread>
 
 using testing::ElementsAre;
 
@@ -70,6 +71,52 @@ private:
 class LonelyFrame : public CkImageData {
 public:
     CkImageData* share() const override { throw std::runtime_error("not with me"); }
+};
+
+/// A picture that cannot be shared for want of memory.
+class CrowdedFrame : public CkImageData {
+public:
+    CkImageData* share() const override { return nullptr; }
+};
+
+/// No picture; counts those there are.
+class Note : public IkChainData {
+public:
+    explicit Note(std::atomic<int>& count) : m_count(count) { ++m_count; }
+    ~Note() override { --m_count; }
+    IkChainData* share() const override { return new Note(m_count); }
+
+private:
+    std::atomic<int>& m_count;
+};
+
+/// Makes something of its input that is no picture.
+class NoteBlock : public AddBlock {
+public:
+    explicit NoteBlock(std::atomic<int>& count) : m_count(count) {}
+    IkChainData* processData(IkChainData* pData) override {
+        delete pData;
+        return new Note(m_count);
+    }
+
+private:
+    std::atomic<int>& m_count;
+};
+
+/// Has something to say while it is set up, and takes its time.
+class TalkingBlock : public AddBlock {
+public:
+    TalkingBlock() : AddBlock(1) {}
+    void setupStart() override {
+        AddBlock::setupStart();
+        setErrorMessage(QStringLiteral("first"));
+        setErrorMessage(QStringLiteral("last"));
+        ownWords = errorMessage();
+        setUp.pass();
+    }
+
+    Gate setUp;
+    QString ownWords;
 };
 
 class ThrowingSink : public KeepingSink {
@@ -164,6 +211,36 @@ TEST_F(CkChainGuardTest, APictureThatCannotBeSharedIsLostForAllButOne) {
     EXPECT_TRUE(waitUntil([&] { return first->frames == 1; })) << "things go on";
     chain->stop();
     chain->removeSink(&atSource);
+}
+
+TEST_F(CkChainGuardTest, AFrameThatCannotBeSharedIsLostToOneSink) {
+    KeepingSink last;
+    ASSERT_TRUE(chain->addSink(source, &sink));
+    ASSERT_TRUE(chain->addSink(source, &last));
+    ASSERT_TRUE(chain->start());
+    auto frame = std::make_unique<CrowdedFrame>();
+    SkPicBuf picture;
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(8, 4)));
+    std::fill_n(picture.data, 32, quint8(7));
+    frame->setPicBuf(picture);
+    ASSERT_TRUE(source->pushFrame(std::move(frame)));
+    ASSERT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 1; }));
+    EXPECT_EQ(chain->blockStatistics(source).dropped, 1U);
+    EXPECT_EQ(sink.count(), 0U);
+    EXPECT_THAT(last.values(), ElementsAre(7));
+    chain->stop();
+    chain->removeSink(&last);
+}
+
+TEST_F(CkChainGuardTest, WhatIsNoPictureIsFreedThoughSinksTakePicturesOnly) {
+    std::atomic<int> notes = 0;
+    auto* const block = branch(new NoteBlock(notes), source);
+    ASSERT_TRUE(chain->addSink(block, &sink));
+    ASSERT_TRUE(chain->start());
+    run(3);
+    chain->stop();
+    EXPECT_EQ(notes, 0);
+    EXPECT_EQ(sink.count(), 0U);
 }
 
 TEST_F(CkChainGuardTest, ASinkThatThrowsWhenAskedHowMuchItHoldsIsASinkAllTheSame) {
@@ -299,4 +376,18 @@ TEST_F(CkChainGuardTest, ASinkAddedWhileTheChainStartsFindsRoom) {
     EXPECT_EQ(chain->blockStatistics(block).dropped, 0U);
     chain->stop();
     chain->removeSink(&view);
+}
+
+TEST_F(CkChainGuardTest, WhatIsSaidDuringSetUpIsHeardAtItsEnd) {
+    auto* const block = branch(new TalkingBlock, source);
+    listen(block);
+    block->setUp.close();
+    std::thread starter([this] { EXPECT_TRUE(chain->start()); });
+    EXPECT_TRUE(waitUntil([&] { return block->setUp.waiting() == 1; }));
+    EXPECT_EQ(block->ownWords, "last");
+    EXPECT_EQ(block->errorMessage(), QString());
+    block->setUp.open();
+    starter.join();
+    EXPECT_EQ(block->errorMessage(), "last");
+    EXPECT_EQ(told, QStringList{"last"});
 }

@@ -28,6 +28,16 @@ private:
     std::thread m_thread;
 };
 
+/// Counts those there are.
+class CountedFrame : public CkImageData {
+public:
+    explicit CountedFrame(std::atomic<int>& count) : m_count(count) { ++m_count; }
+    ~CountedFrame() override { --m_count; }
+
+private:
+    std::atomic<int>& m_count;
+};
+
 } // namespace
 
 TEST_F(CkChainThreadTest, StopReturnsOnlyWhenNoBlockIsInsideProcessData) {
@@ -218,4 +228,41 @@ TEST_F(CkChainThreadTest, AStopWithinAStartEndsTheStart) {
     EXPECT_TRUE(chain->stopped());
     EXPECT_EQ(block->starts, block->stops);
     EXPECT_TRUE(chain->start());
+}
+
+TEST_F(CkChainThreadTest, FramesThatAreNotTakenAreFreed) {
+    std::atomic<int> frames = 0;
+    EXPECT_FALSE(source->pushFrame(std::make_unique<CountedFrame>(frames)));
+    EXPECT_EQ(frames, 0) << "the chain stands";
+    auto* const block = branch(new AddBlock(1), source);
+    block->gate.close();
+    ASSERT_TRUE(chain->start());
+    ASSERT_TRUE(waitUntil([&] { return !source->pushFrame(std::make_unique<CountedFrame>(frames)); }));
+    const int waiting = frames;
+    EXPECT_FALSE(source->pushFrame(std::make_unique<CountedFrame>(frames)));
+    EXPECT_EQ(frames, waiting);
+    block->gate.open();
+    chain->stop();
+    EXPECT_EQ(frames, 0);
+}
+
+TEST_F(CkChainThreadTest, TheQueueIsAsLongAfterEveryStop) {
+    auto* const block = branch(new AddBlock(1), source);
+    int first = 0;
+    for (int round = 0; round < 10; ++round) {
+        block->gate.close();
+        ASSERT_TRUE(chain->start());
+        ASSERT_TRUE(source->push(0));
+        ASSERT_TRUE(waitUntil([&] { return block->gate.waiting() == 1; }));
+        int waiting = 0;
+        while (source->push(1)) {
+            ++waiting;
+        }
+        first = round == 0 ? waiting : first;
+        EXPECT_EQ(waiting, first) << "after stop " << round;
+        std::thread stopper([this] { chain->stop(); });
+        block->gate.open();
+        stopper.join();
+    }
+    EXPECT_GT(first, 0);
 }

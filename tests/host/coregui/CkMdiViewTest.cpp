@@ -1,5 +1,6 @@
 #include "zuCoreGui/CkMdiView.h"
 
+#include "NamedBlock.h"
 #include "PushSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -140,19 +141,6 @@ TEST_F(CkMdiViewTest, TheTitleIsTheWaysOrTheOneThatWasSet) {
     EXPECT_EQ(view.viewTitle(), "Mine");
     EXPECT_EQ(titles.count(), 1);
 }
-
-/// A block that can be given another name.
-class NamedBlock : public CkImageProvider {
-public:
-    QString title() const override { return name; }
-    bool acceptsDataFrom(CkChainable*) override { return true; }
-    void rename(const QString& to) {
-        name = to;
-        emit configurationChanged();
-    }
-
-    QString name = QStringLiteral("Named");
-};
 
 TEST_F(CkMdiViewTest, TheTitleFollowsTheTitlesOfTheBlocksOnTheWay) {
     auto* first = new NamedBlock;

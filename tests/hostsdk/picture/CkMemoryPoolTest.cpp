@@ -37,6 +37,19 @@ TEST(CkMemoryPool, HandsOutAsManyAsReservedAndTakesThemBack) {
     EXPECT_EQ(pool.freeCount(firstOwner), 2);
 }
 
+TEST(CkMemoryPool, AStrangerOwnsNothingAndAShelfMayBeEmpty) {
+    CkMemoryPool pool;
+    EXPECT_EQ(pool.capacity(firstOwner), 0);
+    EXPECT_EQ(pool.freeCount(firstOwner), 0);
+    EXPECT_EQ(pool.bytesPerPicture(firstOwner), 0U);
+    EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(10, 6), -1));
+    EXPECT_EQ(pool.bytesPerPicture(firstOwner), 0U);
+    EXPECT_TRUE(pool.reserve(firstOwner, packedFormat(10, 6), 0));
+    EXPECT_EQ(pool.capacity(firstOwner), 0);
+    EXPECT_EQ(pool.freeCount(firstOwner), 0);
+    EXPECT_EQ(pool.bytesPerPicture(firstOwner), 60U);
+}
+
 TEST(CkMemoryPool, StartsZeroedAndClearsOnRequest) {
     CkMemoryPool pool;
     ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));

@@ -1,3 +1,4 @@
+#include "PackedFormat.h"
 #include "PaddedPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -324,6 +325,23 @@ TEST(PictureWithoutData, IsNeverProcessed) {
     EXPECT_EQ(low, 5.0F);
     EXPECT_EQ(high, 6.0F);
     EXPECT_EQ(bits, 7U);
+}
+
+TEST(CkPicBufAPIAlloc, APictureMayBeOneByte) {
+    SkPicBuf picture;
+    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(1, 1)));
+    EXPECT_EQ(picture.lineSize, 1U);
+    EXPECT_EQ(CkPicBufAPI::byteSize(picture), 1U);
+    CkPicBufAPI::FreePicBuf(picture);
+}
+
+TEST(CkPicBufAPIAlloc, WhatCannotBeHadLeavesNoDescription) {
+    SkPicBuf picture; // was never allocated
+    picture.width = 5;
+    picture.channels = 2;
+    EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(0, 1)));
+    EXPECT_EQ(picture.width, 0U);
+    EXPECT_EQ(picture.data, nullptr);
 }
 
 } // namespace

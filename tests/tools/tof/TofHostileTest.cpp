@@ -1,6 +1,5 @@
 #include "HostileFiles.h"
 #include "TofMeasuredRun.h"
-#include "tof/TofInOrder.h"
 #include "tofFixture.h"
 
 #include <QJsonArray>
@@ -8,7 +7,6 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
-#include <atomic>
 #include <pty.h>
 
 namespace {
@@ -224,35 +222,4 @@ TEST_F(TofHostileTest, WhoeverWatchesSeesProgressFromTheBeginning) {
         EXPECT_TRUE(seen.contains(task)) << task;
     }
     EXPECT_LT(seen.indexOf("  0 %"), seen.indexOf("100 %"));
-}
-
-TEST(TofInOrderTest, NoMoreIsBegunThanHasRoom) {
-    std::atomic<int> open{0};
-    std::atomic<int> most{0};
-    std::vector<qint64> order;
-    const auto run = [&](quint64 room, quint64 cost) {
-        open = most = 0;
-        order.clear();
-        inOrder(
-            40, room, [cost](qint64) { return cost; },
-            [&](qint64 i) {
-                const int now = ++open;
-                for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
-                }
-                return i;
-            },
-            [&](qint64 i, qint64 result) {
-                EXPECT_EQ(i, result);
-                // The workers have the time to get ahead.
-                std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                --open;
-                order.push_back(result);
-                return true;
-            });
-        EXPECT_EQ(order.size(), 40U);
-        return most.load();
-    };
-    EXPECT_LE(run(25, 10), 2);
-    EXPECT_EQ(run(25, 26), 1); // more than there is room for: one at a time
-    EXPECT_LE(run(0, 0), 2 * int(std::max(1U, std::thread::hardware_concurrency())));
 }

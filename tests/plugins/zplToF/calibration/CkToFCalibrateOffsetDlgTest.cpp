@@ -531,7 +531,13 @@ TEST_F(CkToFCalibrateOffsetDlgTest, WithoutAViewOkOnlyValidatesAndDisablesItself
     click(QDialogButtonBox::Ok);
     EXPECT_EQ(driver.boxes.size(), 1);
     typeDistance("40");
+    static int s_iWarnings = 0;
+    s_iWarnings = 0;
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext&, const QString&) { s_iWarnings += type != QtDebugMsg; });
     click(QDialogButtonBox::Ok);
+    qInstallMessageHandler(before);
+    EXPECT_EQ(s_iWarnings, 0) << "there is nothing to connect to";
     EXPECT_EQ(driver.boxes.size(), 1);
     EXPECT_FALSE(button(QDialogButtonBox::Ok)->isEnabled());
     dialog->on_viewFrameReceived(1);

@@ -64,6 +64,22 @@ TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
 }
 
+TEST(CkToFPhaseCollector, TheSetIsDescribedLikeItsLastImage) {
+    CkToFPhaseCollector collector;
+    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    EXPECT_FALSE(add(collector, 1, 2, 0, 0));
+    PaddedPicture last = image(2);
+    (*last).bitsPerChannel = 7;
+    (*last).colorFilterArray = EkColorFilterArray(9);
+    (*last).layoutFlag = true;
+    ASSERT_TRUE(collector.add(*last, {2, 1}, 90).complete);
+    EXPECT_EQ(collector.set().bitsPerChannel, 7U);
+    EXPECT_EQ(collector.set().colorFilterArray, EkColorFilterArray(9));
+    EXPECT_TRUE(collector.set().layoutFlag);
+    EXPECT_EQ(collector.set().width, 5U);
+    EXPECT_EQ(collector.set().height, 6U);
+}
+
 TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
     CkToFPhaseCollector collector;
     ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);

@@ -20,6 +20,18 @@ QDomElement elementWith(QDomDocument& doc, const QString& transform) {
     return element;
 }
 
+/// The block knows the angles of a whole set that cannot be processed, and says so.
+void startWithWrongAngles(ToFChainRig& rig) {
+    rig.useAandB(4, 2, 1);
+    rig.useSequence(2);
+    rig.start(Block::Depth);
+    rig.process(rig.phase(0, 0, 200, 100));
+    rig.process(rig.phase(1, 180, 200, 100));
+    QString message;
+    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
+    EXPECT_EQ(message, "2 phases processing requires phases with 0 and 90 deg.");
+}
+
 TEST(CkToFProcessCnbl, IsCreatedAndListedByItsClassInformation) {
     const QMetaObject& meta = Block::staticMetaObject;
     EXPECT_STREQ(meta.className(), "CkToFProcessCnbl");
@@ -135,14 +147,8 @@ TEST(CkToFProcessCnbl, HelpIsThisText) {
 
 TEST(CkToFProcessCnbl, ACloneHasTheTransformAndAnEmptyAngleList) {
     ToFChainRig rig;
-    rig.useAandB(4, 2, 1);
-    rig.useSequence(2);
-    rig.start(Block::Depth);
-    rig.process(rig.phase(0, 0, 200, 100));
-    rig.process(rig.phase(1, 180, 200, 100));
+    startWithWrongAngles(rig);
     QString message;
-    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
-    EXPECT_EQ(message, "2 phases processing requires phases with 0 and 90 deg.");
     const std::unique_ptr<CkChainable> depth(rig.block->clone());
     auto* const twin = qobject_cast<Block*>(depth.get());
     ASSERT_NE(twin, nullptr);
@@ -313,14 +319,8 @@ bool makesSomething(ToFChainRig& rig, std::unique_ptr<CkImageData> frame) {
 
 TEST(SetupStop, ForgetsTheSet) {
     ToFChainRig rig;
-    rig.useAandB(4, 2, 1);
-    rig.useSequence(2);
-    rig.start(Block::Depth);
-    rig.process(rig.phase(0, 0, 200, 100));
-    rig.process(rig.phase(1, 180, 200, 100));
+    startWithWrongAngles(rig);
     QString message;
-    EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
-    EXPECT_EQ(message, "2 phases processing requires phases with 0 and 90 deg.");
     rig.stop();
     EXPECT_FALSE(rig.block->checkAllPhasesAngleValuesCompleteForProcessing(&message));
     EXPECT_EQ(message, "ToF processing requires 2, 4 or 8 phases.") << "no angle at all";

@@ -161,11 +161,26 @@ TEST_P(StartsAfterYes, StoppedChainIsStartedOnceForTheCalibration) {
     EXPECT_EQ(camera.log().commits, 1);
     EXPECT_EQ(log.runs, QList<bool>{true});
     EXPECT_EQ(rig.calibrated.size(), 1);
+    EXPECT_EQ(rig.ranAtCalibrations, QList<bool>{true}) << "the dialog waits for frames";
 }
 INSTANTIATE_TEST_SUITE_P(ToFOpen3dView, StartsAfterYes,
                          ::testing::Values(StartCase{FakeKind::Grey, false, false},
                                            StartCase{FakeKind::Grey, true, false},
                                            StartCase{FakeKind::AB, false, true}));
+
+TEST(ToFOpen3dView, AStoppedChainRunsWhileTheBoxAboutMissingPhasesIsOpen) {
+    FakeCamera camera({3, 5});
+    ToFRig rig;
+    rig.open(FakeKind::Grey, true, &camera);
+    auto* block = new CkToFProcessCnbl;
+    block->setTransform(CkToFProcessCnbl::EkTransformType(5), false);
+    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, rig.source));
+    rig.answer = QMessageBox::Yes;
+    rig.actions.openToF3dView();
+    ASSERT_EQ(rig.boxes.size(), 2U);
+    EXPECT_EQ(rig.boxes[1].text, g_addBefore);
+    EXPECT_EQ(rig.ranAtBoxes, (QList<bool>{false, true}));
+}
 
 TEST(ToFOpen3dView, RunningChainNegotiatesTheNewFormatOnceAfterYes) {
     FakeCamera camera({3, 5});

@@ -230,9 +230,13 @@ void ChainLog::watch(CkChain* chain) {
 ToFRig::ToFRig() {
     actions.setMessageFunction([this](const SkToFMessage& message) {
         boxes.push_back(message);
+        ranAtBoxes << chainRuns();
         return answer;
     });
-    actions.setCalibrationFunction([this](CkMdiView* shown, QWidget*) { calibrated << shown; });
+    actions.setCalibrationFunction([this](CkMdiView* shown, QWidget*) {
+        calibrated << shown;
+        ranAtCalibrations << chainRuns();
+    });
 }
 
 ToFRig::~ToFRig() {

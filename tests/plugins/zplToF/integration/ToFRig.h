@@ -142,10 +142,14 @@ public:
     CkToFActions actions{chainHost};
     std::vector<SkToFMessage> boxes;
     QMessageBox::StandardButton answer = QMessageBox::Ok;
+    QList<bool> ranAtBoxes;                ///< whether the chain ran when a box came up
     QList<QPointer<CkMdiView>> calibrated; ///< views the calibration dialog was run on
+    QList<bool> ranAtCalibrations;         ///< as with the boxes
     FakeSource* source = nullptr;
     CkMdiView* view = nullptr;
 
 private:
+    bool chainRuns() const { return m_chain != nullptr && m_chain->started(); }
+
     QPointer<CkChain> m_chain;
 };

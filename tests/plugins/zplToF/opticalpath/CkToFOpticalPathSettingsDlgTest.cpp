@@ -114,6 +114,9 @@ TEST_F(CkToFOpticalPathSettingsDlgTest, EveryInputExplainsItselfAndSoDoesItsLabe
     }
     EXPECT_EQ(child("label_2")->toolTip(), child("edChipCellSize")->toolTip());
     EXPECT_EQ(child("lbConfThreshold")->toolTip(), child("tbConfThreshold")->toolTip());
+    EXPECT_EQ(child("edChipCellSize")->accessibleName(), child<QLabel>("label_2")->text());
+    EXPECT_EQ(child("edRegInputFps")->accessibleName(), child<QCheckBox>("chkRegInputFps")->text());
+    EXPECT_FALSE(child("edRegInputFps")->accessibleName().isEmpty());
 }
 
 TEST_F(CkToFOpticalPathSettingsDlgTest, TheTabKeyVisitsTheControlsInOrder) {
@@ -185,6 +188,13 @@ TEST_F(CkToFOpticalPathSettingsDlgTest, WithoutConfidenceTheThresholdRowIsDisabl
     EXPECT_FALSE(child("lbConfThresholdValue")->isEnabled());
     EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->minimum(), 0.0);
     EXPECT_EQ(child<CkTuningBar>("tbConfThreshold")->maximum(), 0.0);
+}
+
+TEST_F(CkToFOpticalPathSettingsDlgTest, WithoutConfidenceARangeDoesNotEnableTheBar) {
+    confidence = false;
+    thresholdMax = 2.0F;
+    open();
+    EXPECT_FALSE(child("tbConfThreshold")->isEnabled());
 }
 
 TEST_F(CkToFOpticalPathSettingsDlgTest, AThresholdRangeOfZeroDisablesTheBarAndShowsTheThreshold) {

@@ -152,6 +152,23 @@ TEST_P(Guard, OverlappingPictures) {
     });
 }
 
+TEST(NeighbouringPictures, DoNotOverlap) {
+    constexpr size_t sourceBytes = 6 * 4 * 2 * 2;
+    constexpr size_t resultBytes = 6 * 4 * 2;
+    alignas(64) quint8 store[sourceBytes + resultBytes] = {};
+    for (const bool sourceFirst : {true, false}) {
+        TestPicture source(6, 4, 2, Type::UInt16);
+        TestPicture result(6, 4, 1, Type::Int16);
+        source.pic.lineSize = 6 * 2 * 2;
+        result.pic.lineSize = 6 * 2;
+        source.pic.data = store + (sourceFirst ? 0 : resultBytes);
+        result.pic.data = store + (sourceFirst ? sourceBytes : 0);
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic)) << sourceFirst;
+        source.pic.data += sourceFirst ? 1 : -1;
+        EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic)) << sourceFirst;
+    }
+}
+
 TEST_P(Guard, StackHigherThanTheSource) {
     if (!GetParam().stackedPhases) {
         EXPECT_EQ(source->pic.height, result->pic.height);

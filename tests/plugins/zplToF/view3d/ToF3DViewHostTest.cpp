@@ -1,5 +1,6 @@
 // What a view takes over from the host, its chain and other views, and what it answers them.
 
+#include "NamedBlock.h"
 #include "SourceInChain.h"
 #include "ViewRig.h"
 #include "view3d/CkToFScene.h"
@@ -21,19 +22,6 @@ protected:
 std::unique_ptr<CkImageData> somePhase() {
     return TestFrame::phase(4, 3, [](int x, int y) { return DepthPixel{float(x + y) + 1.0F, 0.1F}; });
 }
-
-/// A block that can be given another name.
-class NamedBlock : public CkImageProvider {
-public:
-    QString title() const override { return name; }
-    bool acceptsDataFrom(CkChainable*) override { return true; }
-    void rename(const QString& to) {
-        name = to;
-        emit configurationChanged();
-    }
-
-    QString name = QStringLiteral("Named");
-};
 
 // ---- title
 // -------------------------------------------------------------------------------------------------
@@ -219,6 +207,16 @@ TEST_F(ToF3DViewHostTest, ACloneHasTheBlocksItWasGiven) {
     EXPECT_EQ(clone->dataProvider(), source.block);
     EXPECT_EQ(clone->secondProvider(), second.block);
     delete clone;
+}
+
+TEST_F(ToF3DViewHostTest, ACloneHasBothIdsOfTheView) {
+    const SourceInChain source;
+    CkToF3DMdiView view(7, 9, nullptr, nullptr);
+    const std::unique_ptr<CkMdiView> clone(view.clone(source.block, nullptr));
+    const auto* const twin = qobject_cast<CkToF3DMdiView*>(clone.get());
+    ASSERT_NE(twin, nullptr);
+    EXPECT_EQ(twin->connectedViewId(), 7);
+    EXPECT_EQ(twin->secondViewId(), 9);
 }
 
 TEST_F(ToF3DViewHostTest, ACloneOfAVeryHighOrWidePictureHasASize) {
