@@ -173,10 +173,20 @@ class Person:
 
     def leave(self):
         self.look()
-        for window in self.windows:
-            self.tool("windowactivate", window[0])
-        self.act("key", "Escape")
-        self.act("key", self.rng.choice(["Escape", "ctrl+q", "ctrl+q", "Return"]))
+        # Dialogs first, the main window last: whatever is in front of it is closed by then.
+        for window in sorted(self.windows, key=lambda window: window[3] * window[4]):
+            self.tool("windowactivate", "--sync", window[0])
+            self.act("key", "Escape")
+        self.act("key", "ctrl+q")
+        if self.rng.random() < 0.5:
+            self.act("key", "Return")
+
+    def focus(self):
+        """What would get the next key, and every window there is."""
+        lines = [f"focus: {self.tool('getwindowfocus', 'getwindowname').strip()}",
+                 f"active: {self.tool('getactivewindow', 'getwindowname').strip()}"]
+        self.look()
+        return lines + [f"{window}: {self.tool('getwindowname', window[0]).strip()}" for window in self.windows]
 
 
 def reports(folder):
@@ -215,6 +225,7 @@ def use_once(viewer, folder, end, rng, actions):
             viewer.check()
             time.sleep(0.5)
     except Failure:
+        actions.extend(person.focus())
         subprocess.run(["import", "-window", "root", os.path.join(folder, "screen.png")], check=False)
         raise
     finally:

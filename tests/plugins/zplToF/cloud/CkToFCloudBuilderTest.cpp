@@ -296,6 +296,15 @@ TEST_P(Normalised, ZoomStretchesTheDepthAxis) {
     }
 }
 
+TEST_P(Lens, APointThatIsNowhereInOneDirectionIsDropped) {
+    // x and z are finite all the same.
+    parameters.opticalPath.centerOffsetMM.setY(1e300);
+    fillFloats(depth, [](quint32, quint32) { return 1.0F; });
+    EXPECT_TRUE(builder.build({*depth, {}, EkDepthDataType::PhaseShift, 1.0F}, parameters));
+    EXPECT_TRUE(builder.usedLens());
+    EXPECT_EQ(builder.pointCount(), 0);
+}
+
 TEST_P(Lens, UnusableParametersSwitchTheLensOff) {
     const auto usesLens = [&](const std::function<void(SkToFOpticalPath&)>& change) {
         SkToFCloudParameters changed = parameters;

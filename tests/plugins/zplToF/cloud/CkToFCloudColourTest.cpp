@@ -107,6 +107,12 @@ TEST_P(Colour, FloatPicturesScaleTheWindowToTheirValues) {
                 ElementsAre(0, 0, 127, 255));
 }
 
+TEST_P(Colour, AWindowWithoutWidthInAFloatPictureIsOneUnitLong) {
+    // Both ends in the middle of 1 to 3.
+    EXPECT_THAT(ofFloats({1.0F, 2.0F, 2.5F, 3.0F}, {{2147483648U, 2147483648U, 0, 255, 1.0}}),
+                ElementsAre(0, 0, 127, 255));
+}
+
 TEST_P(Colour, ADescriptorWithoutBitsHarmsNothing) {
     for (quint32 bits : {0U, 33U, 64U, 4000000000U}) {
         HeapPicture picture(3, 1, 1, EkImageDataType::Float32);

@@ -172,9 +172,7 @@ TEST(ToFOpen3dView, AStoppedChainRunsWhileTheBoxAboutMissingPhasesIsOpen) {
     FakeCamera camera({3, 5});
     ToFRig rig;
     rig.open(FakeKind::Grey, true, &camera);
-    auto* block = new CkToFProcessCnbl;
-    block->setTransform(CkToFProcessCnbl::EkTransformType(5), false);
-    ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, rig.source));
+    rig.chainHost.failing << QStringLiteral("insertAfter") << QStringLiteral("branchAfter");
     rig.answer = QMessageBox::Yes;
     rig.actions.openToF3dView();
     ASSERT_EQ(rig.boxes.size(), 2U);
