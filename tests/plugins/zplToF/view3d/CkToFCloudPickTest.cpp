@@ -48,6 +48,14 @@ TEST_F(CkToFCloudPickTest, TheNearestOfSeveralCounts) {
     EXPECT_FLOAT_EQ(depthAt(points, {100.0, 100.0}), 2.0F);
 }
 
+TEST_F(CkToFCloudPickTest, PointsRightBeforeTheCameraCountToo) {
+    const QVector3D near(0.0F, 0.0F, 2.5F);
+    const QVector3D behind(0.0F, 0.0F, 2.0F);
+    EXPECT_FLOAT_EQ(depthAt({near}, {100.0, 100.0}), 0.5F);
+    EXPECT_FLOAT_EQ(depthAt({near, behind}, {100.0, 100.0}), 0.5F);
+    EXPECT_FLOAT_EQ(depthAt({behind, near}, {100.0, 100.0}), 0.5F);
+}
+
 TEST_F(CkToFCloudPickTest, WhatIsBehindTheCameraOrBehindTheLastPointDoesNotCount) {
     EXPECT_EQ(depthAt({{0.0F, 0.0F, 4.0F}}, {100.0, 100.0}), 0.0F);
     EXPECT_FLOAT_EQ(depthAt({{0.0F, 0.0F, 0.0F}, {0.0F, 0.0F, 1.0F}}, {100.0, 100.0}, 1), 3.0F);
