@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Changes one operator, constant, guard or order of the code at a time and asks whether a test notices.
 
-    scripts/mutants.py [--room ROOM ...] [--count N] [--seed S] [--results FILE]
+    scripts/mutants.py [--room ROOM ...] [--count N] [--seed S] [--folder FOLDER] [--results FILE]
 
-By hand, not in CI: a mutant takes some ten to sixty seconds. It works in a copy of the work tree (build/mutants), so the
-tree itself stays as it is; needs an X server (DISPLAY) for rooms whose tests open windows. Results go to FILE as one JSON line a
-mutant; what stands there already is not run again, so a run can be stopped and taken up again. Ends with the share
+By hand, not in CI: a mutant takes some ten to sixty seconds. It works in a copy of the work tree (build/mutants), so
+the tree itself stays as it is; needs an X server (DISPLAY) for rooms whose tests open windows. Results go to FILE as one
+JSON line a mutant; what stands there already is not run again, so a run can be stopped and taken up again. Ends with the share
 killed and the survivors, each with its change. What does not compile is no mutant and does not count.
 """
 
@@ -26,6 +26,8 @@ SOURCE = Path(__file__).resolve().parent.parent
 ROOMS = {
     "hostsdk/picture": ["pictureTest"],
     "host/core": ["hostCoreBaseTest", "hostCoreChainTest", "hostCorePluginTest"],
+    "host/recording": ["hostRecordingTest"],
+    "host/viewer/plugins": ["viewerPluginGateTest"],
     "plugins/zplToF/pic": ["tstToFPic"],
     "plugins/zplToF/cloud": ["tstToFCloud", "tstToFCloudMemory", "ToFView3dPartsTest"],
     "plugins/zplToF/chain": ["zplToFChainTest", "zplToFChainWidgetTest"],
@@ -33,7 +35,8 @@ ROOMS = {
     "plugins/zplToF/calibration": ["zplToFCalibrationTests"],
     "plugins/zplToF/integration": ["ToFIntegrationTest"],
     "plugins/zplToF/view3d": ["ToFView3dPartsTest", "ToFView3dStateTest", "ToFView3dPictureTest",
-                              "ToFView3dActionTest", "ToFView3dLifeTest"],
+                              "ToFView3dActionTest", "ToFView3dLifeTest", "ToFView3dFailureTest",
+                              "ToFView3dSequenceTest"],
 }
 
 # Binary operators stand between blanks (clang-format sees to it), which tells them from template brackets, pointers
@@ -50,6 +53,7 @@ NEGATION = re.compile(r"(?<![\w!=])!(?=[\w(])(?!=)")
 GUARD = re.compile(r"^(\s*)(?:\} else )?if \((.*)\)( \{)?$")
 STATEMENT = re.compile(r"^\s+[\w:\->.\[\]*()]+(?: [-+*/|&]?= .*|\(.*\)|\+\+|--);$")
 CALL = re.compile(r"^\s+(?!return |connect\()[\w:\->.\[\]*]+\(.*\);$")
+NAME = re.compile(r"[A-Za-z_]\w*")
 DECLARATION = re.compile(r"^\s*(static_assert|using|return|case|break|continue|template|typedef|namespace|class|struct)\b")
 
 
@@ -91,8 +95,8 @@ def mutants_of(path):
         if STATEMENT.match(line) and not DECLARATION.match(line) and before.rstrip(" \0")[-1:] in tuple(";{}:"):
             found.append(("order", position, position + len(line), ""))
             after = plain[number + 1] if number + 1 < len(plain) else ""
-            # Assignments side by side seldom depend on their order, calls do.
-            if CALL.match(line) and CALL.match(after):
+            # Assignments side by side seldom depend on their order, nor do calls that have nothing in common.
+            if CALL.match(line) and CALL.match(after) and set(NAME.findall(line)) & set(NAME.findall(after)):
                 end = position + len(line) + 1 + len(after)
                 found.append(("order", position, end, lines[number + 1] + "\n" + lines[number]))
         position += len(line) + 1
@@ -171,11 +175,17 @@ def main():
     parser.add_argument("--count", type=int, default=400)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
-    parser.add_argument("--results", type=Path, default=SOURCE / "build/mutants/results.jsonl")
+    parser.add_argument("--folder", type=Path, default=SOURCE / "build/mutants",
+                        help="the copy and its build; one of its own for each run at a time")
+    parser.add_argument("--results", type=Path, help="FOLDER/results.jsonl without it")
     options = parser.parse_args()
+    options.folder = options.folder.resolve()
+    options.results = options.results or options.folder / "results.jsonl"
     rooms = options.room or list(ROOMS)
+    # The first test that notices is enough.
+    os.environ["GTEST_FAIL_FAST"] = "1"
 
-    bench = Bench(SOURCE / "build/mutants", options.jobs)
+    bench = Bench(options.folder, options.jobs)
     bench.configure()
     programs = [program for room in rooms for program in ROOMS[room]]
     unchanged = bench.make(programs)
