@@ -11,7 +11,7 @@ import time
 
 # Without an answer of the user-interface thread for so long, the viewer hangs. The sanitizers slow it down a lot.
 HANG_SECONDS = 90
-CLOSE_SECONDS = 120
+CLOSE_SECONDS = 300
 
 KEYS = ["Tab", "shift+Tab", "Return", "space", "Up", "Down", "Left", "Right", "Home", "End", "Prior", "Next", "Delete",
         "BackSpace", "F1", "F5", "F6", "F10", "F11", "plus", "minus", "comma", "period", "o", "a", "Menu", "F2"]
@@ -175,7 +175,7 @@ class Person:
         self.look()
         # Dialogs first, the main window last: whatever is in front of it is closed by then.
         for window in sorted(self.windows, key=lambda window: window[3] * window[4]):
-            self.tool("windowactivate", "--sync", window[0])
+            self.tool("windowactivate", window[0])
             self.act("key", "Escape")
         self.act("key", "ctrl+q")
         if self.rng.random() < 0.5:
