@@ -53,6 +53,8 @@ TEST_F(CkRecorderTest, RecordsWhatItIsGiven) {
     EXPECT_EQ(recorder.state().written, 50);
     EXPECT_EQ(recorder.state().waiting, 0);
     EXPECT_EQ(recorder.takeFrame(frame(50).release()), 0);
+    EXPECT_EQ(recorder.state().waiting, 0) << "nobody is left to write it";
+    EXPECT_EQ(recorder.state().dropped, 0);
     CkRecordingReader reader;
     ASSERT_TRUE(reader.open(path("a.tif"), &error));
     ASSERT_EQ(reader.frameCount(), 50);
@@ -60,6 +62,15 @@ TEST_F(CkRecorderTest, RecordsWhatItIsGiven) {
     for (qint64 i = 0; i < 50; ++i) {
         EXPECT_TRUE(isFrame(*reader.read(i, &error), i));
     }
+}
+
+TEST_F(CkRecorderTest, NoFrameIsNothingToWrite) {
+    CkRecorder recorder;
+    ASSERT_TRUE(recorder.start(path("a.tif"), {}, {}, nullptr));
+    EXPECT_EQ(recorder.takeFrame(nullptr), 0);
+    EXPECT_EQ(recorder.takeFrame(frame(0).release()), 0);
+    EXPECT_TRUE(recorder.stop());
+    EXPECT_EQ(recorder.state().written, 1);
 }
 
 TEST_F(CkRecorderTest, FramesThatDoNotFitAreCountedAndReported) {

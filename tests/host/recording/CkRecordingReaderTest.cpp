@@ -143,6 +143,7 @@ TEST_F(CkRecordingReaderTest, NumbersOutsideAreRefused) {
         EXPECT_EQ(reader.read(frame, &error), nullptr);
         EXPECT_FALSE(error.isEmpty());
         SkFrameDescription description;
-        EXPECT_FALSE(reader.describe(frame, description, nullptr));
+        EXPECT_FALSE(reader.describe(frame, description, &error));
+        EXPECT_THAT(error.toStdString(), ::testing::HasSubstr("There is no such page."));
     }
 }

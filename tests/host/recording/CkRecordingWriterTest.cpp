@@ -105,6 +105,24 @@ INSTANTIATE_TEST_SUITE_P(All, CkRecordingWriterFormatTest,
                                             ::testing::Values(EkRecordingCompression::None,
                                                               EkRecordingCompression::Deflate)));
 
+// Up to eight bytes stand in the directory itself, more behind it.
+TEST_F(CkRecordingWriterTest, TextsOfEveryLengthAreReadByOthers) {
+    for (int length = 1; length <= 20; ++length) {
+        const QString text(length, QLatin1Char('x'));
+        CkRecordingWriter writer;
+        ASSERT_TRUE(writer.open(path("a.tif"), {QString(), {}, text}));
+        PaddedPicture made = picture(0);
+        ASSERT_TRUE(writer.write(*made, metadata(0)));
+        ASSERT_TRUE(writer.close());
+        TIFF* const tif = TIFFOpen(qPrintable(path("a.tif")), "r");
+        ASSERT_NE(tif, nullptr);
+        char* software = nullptr;
+        EXPECT_EQ(TIFFGetField(tif, TIFFTAG_SOFTWARE, &software), 1) << length;
+        EXPECT_STREQ(software, qPrintable(text));
+        TIFFClose(tif);
+    }
+}
+
 TEST_F(CkRecordingWriterTest, CompressionMakesSmoothPicturesSmall) {
     for (const auto compression : {EkRecordingCompression::None, EkRecordingCompression::Deflate}) {
         CkRecordingWriter writer;

@@ -14,7 +14,8 @@ protected:
 
     CkToFPicture taken() {
         CkToFPicture picture;
-        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromPool(&pool, this, picture.picBuf(), packedFormat(4, 2), false));
+        EXPECT_TRUE(
+            CkPicBufAPI::AllocPicBufFromPool(&pool, this, picture.picBuf(), packedFormat(4, 2), false));
         return picture;
     }
     int held() const { return 3 - pool.freeCount(this); }
