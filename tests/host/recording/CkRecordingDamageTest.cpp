@@ -86,6 +86,21 @@ TEST_F(CkRecordingDamageTest, ADamagedDirectoryLosesItsFrameOnly) {
     EXPECT_TRUE(error.isEmpty());
 }
 
+TEST_F(CkRecordingDamageTest, ADirectoryHasFourThousandEntriesAtMost) {
+    record(path("a.tif"), 2);
+    const QByteArray whole = contents(path("a.tif"));
+    const auto pages = directories(whole);
+    for (const quint64 count : {quint64(0), quint64(4097), quint64(1) << 40U, ~quint64(0)}) {
+        QByteArray bytes = whole;
+        qToLittleEndian<quint64>(count, bytes.data() + pages[1]);
+        setContents(path("a.tif"), bytes);
+        CkRecordingReader reader;
+        ASSERT_TRUE(reader.open(path("a.tif"), nullptr));
+        EXPECT_EQ(reader.frameCount(), 1);
+        EXPECT_THAT(reader.damage().toStdString(), ::testing::HasSubstr("There is no directory")) << count;
+    }
+}
+
 TEST_F(CkRecordingDamageTest, APageThatClaimsMorePixelsThanTheFileCanHoldIsRefused) {
     record(path("a.tif"), 1);
     QByteArray bytes = contents(path("a.tif"));
