@@ -72,7 +72,7 @@ class CkBadPlugin : public QObject, public CkPlugin {
 
 public:
     CkBadPlugin() { misbehave("constructor"); }
-    ~CkBadPlugin() override { misbehave("destructor"); } // NOLINT: what must not be done is what it is for
+    ~CkBadPlugin() override { misbehave("destructor"); } // NOLINT(bugprone-exception-escape)
     bool init() override {
         misbehave("init");
         noteProbe();
