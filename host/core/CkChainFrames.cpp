@@ -110,8 +110,8 @@ IkChainData* CkChain::CkPrivate::callBlock(SkChainNode& node, IkChainData* pData
         bInputIsOurs = result == nullptr && !input.isNull();
         delete std::exchange(result, nullptr);
         block->m_bFrameDropped = bInputIsOurs;
-        node.dropped += bInputIsOurs ? 0 : 1;
         showTrouble(node, CkChain::tr("The block failed on a frame."));
+        node.dropped += bInputIsOurs ? 0 : 1;
     }
     const std::chrono::nanoseconds spent = std::chrono::steady_clock::now() - begin;
     node.processNs += quint64(spent.count());
@@ -169,9 +169,10 @@ bool CkChain::CkPrivate::fitsSetUp(SkChainNode& node, const IkChainData& data) {
     if (change != EkFormatChange::Pictures) {
         return true;
     }
-    ++node.dropped;
+    // Before the frame is counted: who sees the count finds the reason.
     showTrouble(node, CkChain::tr("Frames come in another format time and again; while the chain is set up "
                                   "anew for one, others are dropped."));
+    ++node.dropped;
     return false;
 }
 
