@@ -110,6 +110,7 @@ IkChainData* CkChain::CkPrivate::callBlock(SkChainNode& node, IkChainData* pData
         bInputIsOurs = result == nullptr && !input.isNull();
         delete std::exchange(result, nullptr);
         block->m_bFrameDropped = bInputIsOurs;
+        // Whoever sees the count finds the reason.
         showTrouble(node, CkChain::tr("The block failed on a frame."));
         node.dropped += bInputIsOurs ? 0 : 1;
     }
@@ -169,10 +170,9 @@ bool CkChain::CkPrivate::fitsSetUp(SkChainNode& node, const IkChainData& data) {
     if (change != EkFormatChange::Pictures) {
         return true;
     }
-    // Before the frame is counted: who sees the count finds the reason.
     showTrouble(node, CkChain::tr("Frames come in another format time and again; while the chain is set up "
                                   "anew for one, others are dropped."));
-    ++node.dropped;
+    ++node.dropped; // behind the reason, as above
     return false;
 }
 

@@ -141,6 +141,18 @@ protected:
         }));
     }
 
+    /// The first frame, every byte of it the value.
+    template <class Frame>
+    void runOne(quint8 value) {
+        auto frame = std::make_unique<Frame>();
+        SkPicBuf picture;
+        ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(8, 4)));
+        std::fill_n(picture.data, 32, value);
+        frame->setPicBuf(picture);
+        ASSERT_TRUE(source->pushFrame(std::move(frame)));
+        ASSERT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 1; }));
+    }
+
     void listen(CkChainable* block) {
         QObject::connect(
             block, &CkChainable::errorMessageChanged, block, [this](const QString& text) { told << text; },
@@ -196,13 +208,7 @@ TEST_F(CkChainGuardTest, APictureThatCannotBeSharedIsLostForAllButOne) {
     chain->addSink(source, &atSource);
     chain->addSink(second, &sink);
     ASSERT_TRUE(chain->start());
-    auto frame = std::make_unique<LonelyFrame>();
-    SkPicBuf picture;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(8, 4)));
-    std::fill_n(picture.data, 32, quint8(7));
-    frame->setPicBuf(picture);
-    ASSERT_TRUE(source->pushFrame(std::move(frame)));
-    ASSERT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 1; }));
+    runOne<LonelyFrame>(7);
     EXPECT_THAT(sink.values(), ElementsAre(9));
     EXPECT_EQ(chain->blockStatistics(source).dropped, 1U) << "its view";
     EXPECT_EQ(chain->blockStatistics(first).dropped, 1U);
@@ -218,13 +224,7 @@ TEST_F(CkChainGuardTest, AFrameThatCannotBeSharedIsLostToOneSink) {
     ASSERT_TRUE(chain->addSink(source, &sink));
     ASSERT_TRUE(chain->addSink(source, &last));
     ASSERT_TRUE(chain->start());
-    auto frame = std::make_unique<CrowdedFrame>();
-    SkPicBuf picture;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(8, 4)));
-    std::fill_n(picture.data, 32, quint8(7));
-    frame->setPicBuf(picture);
-    ASSERT_TRUE(source->pushFrame(std::move(frame)));
-    ASSERT_TRUE(waitUntil([&] { return chain->blockStatistics(source).framesDone == 1; }));
+    runOne<CrowdedFrame>(7);
     EXPECT_EQ(chain->blockStatistics(source).dropped, 1U);
     EXPECT_EQ(sink.count(), 0U);
     EXPECT_THAT(last.values(), ElementsAre(7));
