@@ -35,6 +35,42 @@ if(ZU_SANITIZERS)
   add_link_options(-fsanitize=${_zu_sanitizers})
 endif()
 
+# zu_room(TARGET [PRIVATE] [ALSO FILE ...] [FOLDERS FOLDER ...])
+#
+# Includes are written as the path from the root of the tree, but the root itself is on no search path: each room has
+# a folder of links to its own headers (and to the files named, and to the headers of the folders named), and a target
+# searches those of the rooms it links. An include of any other room does not compile. PRIVATE: nobody who links the target includes its headers.
+function(zu_room TARGET)
+  cmake_parse_arguments(ARG "PRIVATE" "" "ALSO;FOLDERS" ${ARGN})
+  set(links "${PROJECT_BINARY_DIR}/rooms/${TARGET}")
+  file(RELATIVE_PATH room "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+  file(GLOB headers CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" *.h)
+  foreach(folder ${ARG_FOLDERS})
+    file(GLOB more CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" ${folder}/*.h)
+    list(APPEND headers ${more})
+  endforeach()
+  file(REMOVE_RECURSE "${links}")
+  foreach(file ${headers} ${ARG_ALSO})
+    get_filename_component(folder "${links}/${room}/${file}" DIRECTORY)
+    file(MAKE_DIRECTORY "${folder}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}/${file}" "${links}/${room}/${file}" SYMBOLIC)
+  endforeach()
+  get_target_property(type ${TARGET} TYPE)
+  set(scope PUBLIC)
+  if(type STREQUAL "INTERFACE_LIBRARY")
+    set(scope INTERFACE)
+  elseif(ARG_PRIVATE)
+    set(scope PRIVATE)
+  endif()
+  target_include_directories(${TARGET} ${scope} $<BUILD_INTERFACE:${links}>)
+endfunction()
+
+# What tests, benchmarks and fuzz targets share among themselves: below these folders everybody sees everything.
+foreach(folder tests bench fuzz)
+  file(MAKE_DIRECTORY "${PROJECT_BINARY_DIR}/rooms/${folder}")
+  file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${PROJECT_BINARY_DIR}/rooms/${folder}/${folder}" SYMBOLIC)
+endforeach()
+
 # zu_add_test(NAME SOURCES ... LIBS ... [LABELS ...] [WINDOW | WAYLAND])
 #
 # A GoogleTest program. Plain tests (label "core") get a QCoreApplication, the others a QApplication: WINDOW tests run
@@ -43,7 +79,7 @@ endif()
 function(zu_add_test NAME)
   cmake_parse_arguments(ARG "WINDOW;WAYLAND" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
-  target_include_directories(${NAME} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support")
+  target_include_directories(${NAME} PRIVATE "${PROJECT_BINARY_DIR}/rooms/tests")
   # Less optimisation than the code under test: half of the build's time goes into tests.
   target_compile_options(${NAME} PRIVATE $<$<CONFIG:Release>:-O1>)
   target_link_libraries(${NAME} PRIVATE zuWarnings ${ARG_LIBS} GTest::gtest GTest::gmock)

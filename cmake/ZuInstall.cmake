@@ -10,7 +10,7 @@ install(TARGETS zuHostSdk zuCore EXPORT ZuHostSdkTargets
 set_target_properties(zuCore PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 
 if(ZU_BUILD_GUI)
-  install(TARGETS zuCoreGui EXPORT ZuHostSdkTargets
+  install(TARGETS zuHostSdkGui zuCoreGui EXPORT ZuHostSdkTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
     NAMELINK_COMPONENT sdk)
   set_target_properties(zuCoreGui PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}

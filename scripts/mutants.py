@@ -24,7 +24,7 @@ SOURCE = Path(__file__).resolve().parent.parent
 
 # Room: its test programs, those first that answer soonest.
 ROOMS = {
-    "hostsdk/picture": ["pictureTest"],
+    "host/picture": ["pictureTest"],
     "host/core": ["hostCoreBaseTest", "hostCoreChainTest", "hostCorePluginTest"],
     "host/recording": ["hostRecordingTest"],
     "host/viewer/plugins": ["viewerPluginGateTest"],

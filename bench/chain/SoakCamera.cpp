@@ -1,4 +1,4 @@
-#include "SoakCamera.h"
+#include "bench/chain/SoakCamera.h"
 
 #include <cstring>
 

@@ -1,9 +1,9 @@
 // Frames a second through chains with ToF blocks, on sets of the simulated camera made beforehand. Every
 // benchmark looks at what comes out and stops when it is wrong.
 
-#include "PushSource.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "synth/CkSimWaveSynth.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "sim/synth/CkSimWaveSynth.h"
+#include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

@@ -3,9 +3,9 @@
 //
 //   soakToFChain [frames, default 100000]
 
-#include "SoakCamera.h"
-#include "chain/CkToFNegotiation.h"
-#include "chain/CkToFProcessCnbl.h"
+#include "bench/chain/SoakCamera.h"
+#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

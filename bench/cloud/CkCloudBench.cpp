@@ -1,9 +1,9 @@
 // Time per cloud and per PLY text, each against the obvious way of doing it, in one run. Every result is
 // checked before it is timed.
 
-#include "cloud/CkToFCloudBuilder.h"
-#include "cloud/CkToFDepthFrame.h"
-#include "cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QLocale>

@@ -1,4 +1,4 @@
-#include "benchPictures.h"
+#include "bench/pic/benchPictures.h"
 
 #include "zuCore/CkPicBufAPI.h"
 

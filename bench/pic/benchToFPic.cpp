@@ -1,9 +1,9 @@
-#include "RatioReporter.h"
-#include "benchPictures.h"
-#include "copyLoop.h"
+#include "bench/pic/RatioReporter.h"
+#include "bench/pic/benchPictures.h"
+#include "bench/pic/copyLoop.h"
 
-#include "pic/CkToFPicAPI.h"
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 
 #include <benchmark/benchmark.h>
 

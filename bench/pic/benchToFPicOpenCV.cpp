@@ -1,10 +1,10 @@
 // Phase shift and amplitude of four phases against the same result put together from OpenCV.
 
-#include "RatioReporter.h"
-#include "benchPictures.h"
+#include "bench/pic/RatioReporter.h"
+#include "bench/pic/benchPictures.h"
 
-#include "pic/CkToFPicAPI.h"
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 
 #include <benchmark/benchmark.h>
 #include <opencv2/core.hpp>

@@ -1,4 +1,4 @@
-#include "copyLoop.h"
+#include "bench/pic/copyLoop.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,8 +2,8 @@
 // and as much as it can, beside what the disk takes from a plain loop of writes. Every file is read back and
 // compared before a number is told.
 
-#include "recording/CkRecorder.h"
-#include "recording/CkRecordingReader.h"
+#include "host/recording/CkRecorder.h"
+#include "host/recording/CkRecordingReader.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,8 +1,8 @@
 // Sets a second of the simulated sensors on one core. Every benchmark first checks that what it is about to
 // time is right, and stops when it is not.
 
-#include "synth/CkSimHybridSynth.h"
-#include "synth/CkSimWaveSynth.h"
+#include "sim/synth/CkSimHybridSynth.h"
+#include "sim/synth/CkSimWaveSynth.h"
 
 #include <benchmark/benchmark.h>
 

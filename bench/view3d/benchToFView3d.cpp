@@ -9,10 +9,10 @@
 // processor time per frame of the main thread and of all threads, which does not depend on what else the
 // machine does.
 
-#include "FakeAppDelegate.h"
-#include "view3d/3dMdiView.h"
-#include "view3d/CkToFRenderCapture.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/CkToFRenderCapture.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/support/FakeAppDelegate.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

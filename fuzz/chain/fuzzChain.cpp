@@ -1,4 +1,4 @@
-#include "chainFuzz.h"
+#include "fuzz/chain/chainFuzz.h"
 
 #include <cstdio>
 #include <cstdlib>

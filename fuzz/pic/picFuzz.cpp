@@ -1,9 +1,9 @@
-#include "picFuzz.h"
+#include "fuzz/pic/picFuzz.h"
 
-#include "FuzzBytes.h"
+#include "fuzz/FuzzBytes.h"
 
-#include "pic/CkToFPicAPI.h"
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 
 #include <bit>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "recordingFuzz.h"
+#include "fuzz/recording/recordingFuzz.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
-#include "recordingFuzz.h"
+#include "fuzz/recording/recordingFuzz.h"
 
-#include "FuzzFile.h"
-#include "recording/CkRecordingReader.h"
+#include "fuzz/FuzzFile.h"
+#include "host/recording/CkRecordingReader.h"
 #include "zuCore/CkImageData.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Writes the recordings that the fuzzing begins with into the folder that is named.
-#include "ForeignTiff.h"
-#include "HostileFiles.h"
-#include "recording/CkRecordingWriter.h"
+#include "host/recording/CkRecordingWriter.h"
+#include "tests/support/ForeignTiff.h"
+#include "tests/support/HostileFiles.h"
 
 #include <QDir>
 

@@ -1,6 +1,6 @@
 #include "zuCore/CkCameraManager.h"
 
-#include "SkOpenCamera.h"
+#include "host/core/SkOpenCamera.h"
 
 #include <QCoreApplication>
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "zuCore/CkChain.h"
 
-#include "CkChainPrivate.h"
-#include "guarded.h"
+#include "host/core/CkChainPrivate.h"
+#include "host/core/guarded.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 

@@ -1,8 +1,8 @@
 // The way of a frame through the blocks; chain thread.
 
-#include "CkChainPrivate.h"
-#include "SkFrameNotes.h"
-#include "guarded.h"
+#include "host/core/CkChainPrivate.h"
+#include "host/core/SkFrameNotes.h"
+#include "host/core/guarded.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"

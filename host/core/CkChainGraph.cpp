@@ -1,4 +1,4 @@
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 

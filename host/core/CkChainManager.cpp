@@ -1,7 +1,7 @@
 #include "zuCore/CkChainManager.h"
 
-#include "CkChainPrivate.h"
-#include "guarded.h"
+#include "host/core/CkChainPrivate.h"
+#include "host/core/guarded.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageSource.h"

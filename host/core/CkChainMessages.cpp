@@ -1,8 +1,8 @@
 // What a chain says of its blocks.
 
-#include "CkChainMessages.h"
+#include "host/core/CkChainMessages.h"
 
-#include "guarded.h"
+#include "host/core/guarded.h"
 #include "zuCore/CkChainable.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 
 class CkChain::CkPrivate::CkHeldMessages {
 public:

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "CkControlMutex.h"
-#include "CkFrameQueue.h"
-#include "CkRenegotiationThrottle.h"
-#include "SkFormat.h"
+#include "host/core/CkControlMutex.h"
+#include "host/core/CkFrameQueue.h"
+#include "host/core/CkRenegotiationThrottle.h"
+#include "host/core/SkFormat.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkMemoryPool.h"
 

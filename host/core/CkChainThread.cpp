@@ -1,4 +1,4 @@
-#include "CkChainMessages.h"
+#include "host/core/CkChainMessages.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"

@@ -1,5 +1,5 @@
-#include "CkChainPrivate.h"
-#include "guarded.h"
+#include "host/core/CkChainPrivate.h"
+#include "host/core/guarded.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 #include "zuCore/CkRTTI.h"

@@ -1,6 +1,6 @@
 #include "zuCore/CkChainable.h"
 
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>

@@ -1,6 +1,6 @@
-#include "CkFrameQueue.h"
+#include "host/core/CkFrameQueue.h"
 
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 #include "zuCore/CkImageData.h"
 
 #include <utility>

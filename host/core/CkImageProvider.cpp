@@ -1,6 +1,6 @@
 #include "zuCore/CkImageProvider.h"
 
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 #include "zuCore/CkChain.h"
 
 CkImageProvider::CkImageProvider(int iBlockKind, QObject* pParent) : CkChainable(iBlockKind, pParent) {}

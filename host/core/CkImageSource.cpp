@@ -1,6 +1,6 @@
 #include "zuCore/CkImageSource.h"
 
-#include "CkChainPrivate.h"
+#include "host/core/CkChainPrivate.h"
 #include "zuCore/CkChain.h"
 
 CkImageSource::CkImageSource(QObject* pParent) : CkImageProvider(0, pParent) {}

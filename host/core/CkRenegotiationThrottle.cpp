@@ -1,4 +1,4 @@
-#include "CkRenegotiationThrottle.h"
+#include "host/core/CkRenegotiationThrottle.h"
 
 #include <algorithm>
 

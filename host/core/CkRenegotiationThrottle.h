@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SkFormat.h"
+#include "host/core/SkFormat.h"
 
 #include <QtGlobal>
 

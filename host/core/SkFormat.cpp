@@ -1,4 +1,4 @@
-#include "SkFormat.h"
+#include "host/core/SkFormat.h"
 
 #include "zuCore/CkImageData.h"
 

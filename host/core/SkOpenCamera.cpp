@@ -1,4 +1,4 @@
-#include "SkOpenCamera.h"
+#include "host/core/SkOpenCamera.h"
 
 #include "zuCore/CkImageData.h"
 

@@ -1,4 +1,4 @@
-#include "CkFrameSlot.h"
+#include "host/coregui/CkFrameSlot.h"
 
 #include "zuCore/CkImageData.h"
 

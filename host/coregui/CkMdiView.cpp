@@ -1,6 +1,6 @@
 #include "zuCoreGui/CkMdiView.h"
 
-#include "CkFrameSlot.h"
+#include "host/coregui/CkFrameSlot.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageData.h"

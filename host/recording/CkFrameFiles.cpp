@@ -1,5 +1,5 @@
-#include "recording/CkRecordingReader.h"
-#include "recording/IkFrameFile.h"
+#include "host/recording/CkRecordingReader.h"
+#include "host/recording/IkFrameFile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "recording/CkPageErrors.h"
+#include "host/recording/CkPageErrors.h"
 
 #include <QCoreApplication>
 

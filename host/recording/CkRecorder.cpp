@@ -1,4 +1,4 @@
-#include "recording/CkRecorder.h"
+#include "host/recording/CkRecorder.h"
 
 #include "zuCore/CkImageData.h"
 

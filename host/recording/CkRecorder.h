@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/CkRecordingWriter.h"
+#include "host/recording/CkRecordingWriter.h"
 #include "zuCore/CkChain.h"
 
 #include <condition_variable>

@@ -1,6 +1,6 @@
-#include "recording/CkRecordingReader.h"
+#include "host/recording/CkRecordingReader.h"
 
-#include "recording/CkTiffPage.h"
+#include "host/recording/CkTiffPage.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

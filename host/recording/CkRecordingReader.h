@@ -1,8 +1,8 @@
 #pragma once
 
-#include "recording/CkTiffFile.h"
-#include "recording/IkFrameFile.h"
-#include "recording/SkReadLimits.h"
+#include "host/recording/CkTiffFile.h"
+#include "host/recording/IkFrameFile.h"
+#include "host/recording/SkReadLimits.h"
 
 /// Reads recordings, and TIFF files of others as stacks of pictures. Open on one thread; after that any
 /// number of threads may read, each frame in the same time wherever it is.

@@ -1,6 +1,6 @@
-#include "recording/CkRecordingWriter.h"
+#include "host/recording/CkRecordingWriter.h"
 
-#include "recording/SkReadLimits.h"
+#include "host/recording/SkReadLimits.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
-#include "recording/CkTiffClient.h"
+#include "host/recording/CkTiffClient.h"
 
-#include "recording/CkRecordingWriter.h"
-#include "recording/CkTiffFile.h"
+#include "host/recording/CkRecordingWriter.h"
+#include "host/recording/CkTiffFile.h"
 
 #include <algorithm>
 #include <cstdio>

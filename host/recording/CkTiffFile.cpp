@@ -1,6 +1,6 @@
-#include "recording/CkTiffFile.h"
+#include "host/recording/CkTiffFile.h"
 
-#include "recording/SkReadLimits.h"
+#include "host/recording/SkReadLimits.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,9 +1,9 @@
-#include "recording/CkTiffPage.h"
+#include "host/recording/CkTiffPage.h"
 
-#include "recording/CkRecordingWriter.h"
-#include "recording/CkTiffClient.h"
-#include "recording/CkTiffFile.h"
-#include "recording/SkTiffParts.h"
+#include "host/recording/CkRecordingWriter.h"
+#include "host/recording/CkTiffClient.h"
+#include "host/recording/CkTiffFile.h"
+#include "host/recording/SkTiffParts.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "recording/SkFrameDescription.h"
-#include "recording/SkReadLimits.h"
+#include "host/recording/SkFrameDescription.h"
+#include "host/recording/SkReadLimits.h"
 
 #include <memory>
 

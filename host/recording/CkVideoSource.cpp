@@ -1,6 +1,6 @@
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkVideoSource.h"
 
-#include "recording/CkPageErrors.h"
+#include "host/recording/CkPageErrors.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "recording/IkFrameFile.h"
-#include "recording/SkDepthScale.h"
+#include "host/recording/IkFrameFile.h"
+#include "host/recording/SkDepthScale.h"
 #include "zuCore/CkImageSource.h"
 
 #include <condition_variable>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/SkFrameDescription.h"
+#include "host/recording/SkFrameDescription.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "recording/SkDepthScale.h"
+#include "host/recording/SkDepthScale.h"
 
-#include "recording/SkFrameDescription.h"
+#include "host/recording/SkFrameDescription.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

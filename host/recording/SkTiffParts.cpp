@@ -1,4 +1,4 @@
-#include "recording/SkTiffParts.h"
+#include "host/recording/SkTiffParts.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
-#include "app/CkCommandLine.h"
-#include "app/CkViewerLanguage.h"
-#include "app/CkViewerSession.h"
+#include "host/viewer/app/CkCommandLine.h"
+#include "host/viewer/app/CkViewerLanguage.h"
+#include "host/viewer/app/CkViewerSession.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "integration/CkToFActions.h"
-#include "integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFActions.h"
+#include "plugins/zplToF/integration/CkToFChainEditor.h"
 #include "zuCore/CkPlugin.h"
 
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "camera/CkSimCamera.h"
+#include "sim/camera/CkSimCamera.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "camera/CkSimPainter.h"
-#include "camera/CkSimParameters.h"
-#include "camera/SkSimPlan.h"
+#include "sim/camera/CkSimPainter.h"
+#include "sim/camera/CkSimParameters.h"
+#include "sim/camera/SkSimPlan.h"
 
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/IkCameraDriver.h"

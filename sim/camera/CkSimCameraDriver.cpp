@@ -1,6 +1,6 @@
-#include "camera/CkSimCameraDriver.h"
+#include "sim/camera/CkSimCameraDriver.h"
 
-#include "camera/CkSimCamera.h"
+#include "sim/camera/CkSimCamera.h"
 
 #include <QCoreApplication>
 

@@ -1,4 +1,4 @@
-#include "camera/CkSimPainter.h"
+#include "sim/camera/CkSimPainter.h"
 
 #include <new>
 

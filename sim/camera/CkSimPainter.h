@@ -1,10 +1,10 @@
 #pragma once
 
-#include "camera/SkSimPlan.h"
-#include "synth/CkSimGreySynth.h"
-#include "synth/CkSimHybridSynth.h"
-#include "synth/CkSimRaster.h"
-#include "synth/CkSimWaveSynth.h"
+#include "sim/camera/SkSimPlan.h"
+#include "sim/synth/CkSimGreySynth.h"
+#include "sim/synth/CkSimHybridSynth.h"
+#include "sim/synth/CkSimRaster.h"
+#include "sim/synth/CkSimWaveSynth.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "camera/CkSimParameters.h"
+#include "sim/camera/CkSimParameters.h"
 
 #include <QCoreApplication>
 

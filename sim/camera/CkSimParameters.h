@@ -1,6 +1,6 @@
 #pragma once
 
-#include "camera/SkSimSettings.h"
+#include "sim/camera/SkSimSettings.h"
 
 #include "zuCore/CkCameraParameters.h"
 

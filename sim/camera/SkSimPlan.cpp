@@ -1,4 +1,4 @@
-#include "camera/SkSimPlan.h"
+#include "sim/camera/SkSimPlan.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "camera/SkSimSettings.h"
-#include "synth/SkSimLens.h"
+#include "sim/camera/SkSimSettings.h"
+#include "sim/synth/SkSimLens.h"
 
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkImageMetadata.h"

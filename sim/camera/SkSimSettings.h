@@ -1,6 +1,6 @@
 #pragma once
 
-#include "synth/SkSimExposure.h"
+#include "sim/synth/SkSimExposure.h"
 
 enum class EkSimCameraKind { Wave, Hybrid, Grey };
 

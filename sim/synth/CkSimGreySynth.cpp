@@ -1,7 +1,7 @@
-#include "synth/CkSimGreySynth.h"
+#include "sim/synth/CkSimGreySynth.h"
 
-#include "synth/CkSimNoise.h"
-#include "synth/SimRow.h"
+#include "sim/synth/CkSimNoise.h"
+#include "sim/synth/SimRow.h"
 
 bool CkSimGreySynth::writePicture(const CkSimRaster& raster, quint64 set, SkPicBuf& target) {
     const int width = raster.lens().width;

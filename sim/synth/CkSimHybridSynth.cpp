@@ -1,7 +1,7 @@
-#include "synth/CkSimHybridSynth.h"
+#include "sim/synth/CkSimHybridSynth.h"
 
-#include "synth/CkSimNoise.h"
-#include "synth/SimRow.h"
+#include "sim/synth/CkSimNoise.h"
+#include "sim/synth/SimRow.h"
 
 #include <algorithm>
 #include <cmath>

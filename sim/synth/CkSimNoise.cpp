@@ -1,4 +1,4 @@
-#include "synth/CkSimNoise.h"
+#include "sim/synth/CkSimNoise.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,4 +1,4 @@
-#include "synth/CkSimRaster.h"
+#include "sim/synth/CkSimRaster.h"
 
 #include <algorithm>
 #include <atomic>

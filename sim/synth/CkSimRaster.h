@@ -1,7 +1,7 @@
 #pragma once
 
-#include "synth/CkSimScene.h"
-#include "synth/SkSimLens.h"
+#include "sim/synth/CkSimScene.h"
+#include "sim/synth/SkSimLens.h"
 
 #include "zuCore/SkPicBuf.h"
 

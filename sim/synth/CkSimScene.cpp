@@ -1,4 +1,4 @@
-#include "synth/CkSimScene.h"
+#include "sim/synth/CkSimScene.h"
 
 #include <algorithm>
 #include <cmath>

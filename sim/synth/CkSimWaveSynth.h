@@ -1,7 +1,7 @@
 #pragma once
 
-#include "synth/CkSimRaster.h"
-#include "synth/SkSimExposure.h"
+#include "sim/synth/CkSimRaster.h"
+#include "sim/synth/SkSimExposure.h"
 
 #include "zuCore/SkPicBuf.h"
 

@@ -1,5 +1,5 @@
-#include "SimFrames.h"
-#include "camera/CkSimCameraDriver.h"
+#include "sim/camera/CkSimCameraDriver.h"
+#include "tests/sim/SimFrames.h"
 
 #include "zuCore/CkCameraManager.h"
 

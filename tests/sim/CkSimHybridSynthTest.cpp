@@ -1,6 +1,6 @@
-#include "synth/CkSimHybridSynth.h"
-#include "SimPicture.h"
-#include "synth/CkSimGreySynth.h"
+#include "sim/synth/CkSimHybridSynth.h"
+#include "sim/synth/CkSimGreySynth.h"
+#include "tests/sim/SimPicture.h"
 
 #include <gtest/gtest.h>
 

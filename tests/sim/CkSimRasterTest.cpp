@@ -1,5 +1,5 @@
-#include "synth/CkSimRaster.h"
-#include "SimPicture.h"
+#include "sim/synth/CkSimRaster.h"
+#include "tests/sim/SimPicture.h"
 
 #include <gtest/gtest.h>
 

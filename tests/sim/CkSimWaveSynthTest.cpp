@@ -1,5 +1,5 @@
-#include "synth/CkSimWaveSynth.h"
-#include "SimPicture.h"
+#include "sim/synth/CkSimWaveSynth.h"
+#include "tests/sim/SimPicture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "camera/CkSimCamera.h"
+#include "sim/camera/CkSimCamera.h"
 
 #include "zuCore/CkImageData.h"
 

@@ -1,4 +1,4 @@
-#include "FakeAppDelegate.h"
+#include "tests/support/FakeAppDelegate.h"
 
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkLut.h"

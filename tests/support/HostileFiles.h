@@ -1,8 +1,8 @@
 #pragma once
 
-#include "HostileTiff.h"
+#include "tests/support/HostileTiff.h"
 
-#include "recording/SkFrameDescription.h"
+#include "host/recording/SkFrameDescription.h"
 
 /// Small files that ask for much. Each function writes one; false when the file could not be written.
 namespace HostileFiles {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ViewerFixture.h"
+#include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChainable.h"
 

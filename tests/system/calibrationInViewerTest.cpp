@@ -1,4 +1,4 @@
-#include "SystemFixture.h"
+#include "tests/system/SystemFixture.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
 

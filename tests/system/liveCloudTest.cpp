@@ -1,5 +1,5 @@
-#include "SystemFixture.h"
-#include "area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNotices.h"
+#include "tests/system/SystemFixture.h"
 
 #include <QSet>
 

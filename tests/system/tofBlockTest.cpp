@@ -1,6 +1,6 @@
-#include "SystemFixture.h"
-#include "chain/CkChainPanel.h"
-#include "chain/CkChainTree.h"
+#include "host/viewer/chain/CkChainPanel.h"
+#include "host/viewer/chain/CkChainTree.h"
+#include "tests/system/SystemFixture.h"
 
 #include <QRadioButton>
 #include <QTextBrowser>

@@ -1,6 +1,6 @@
-#include "tof/CkTofArguments.h"
+#include "tools/tof/CkTofArguments.h"
 
-#include "tof/CkTofConsole.h"
+#include "tools/tof/CkTofConsole.h"
 
 #include <QLocale>
 

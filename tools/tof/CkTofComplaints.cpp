@@ -1,6 +1,6 @@
-#include "tof/CkTofComplaints.h"
+#include "tools/tof/CkTofComplaints.h"
 
-#include "tof/CkTofConsole.h"
+#include "tools/tof/CkTofConsole.h"
 
 #include <QRegularExpression>
 

@@ -1,4 +1,4 @@
-#include "tof/CkTofConsole.h"
+#include "tools/tof/CkTofConsole.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,8 +1,8 @@
-#include "tof/CkTofInput.h"
+#include "tools/tof/CkTofInput.h"
 
-#include "tof/tofEnding.h"
+#include "tools/tof/tofEnding.h"
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/zuCoreVersion.h"
 
 #include <QFileInfo>

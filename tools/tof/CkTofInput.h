@@ -1,9 +1,9 @@
 #pragma once
 
-#include "recording/CkRecordingReader.h"
-#include "tof/CkTofComplaints.h"
-#include "tof/CkTofConsole.h"
-#include "tof/SkTofLimits.h"
+#include "host/recording/CkRecordingReader.h"
+#include "tools/tof/CkTofComplaints.h"
+#include "tools/tof/CkTofConsole.h"
+#include "tools/tof/SkTofLimits.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
-#include "tof/CkTofPipeline.h"
+#include "tools/tof/CkTofPipeline.h"
 
-#include "chain/CkToFNegotiation.h"
-#include "chain/EkTransformType.h"
+#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/chain/EkTransformType.h"
 #include "zuCore/CkImageData.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "chain/CkToFFrameInput.h"
-#include "chain/CkToFFrameProcessor.h"
+#include "plugins/zplToF/chain/CkToFFrameInput.h"
+#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
-#include "tof/SkTofLimits.h"
+#include "tools/tof/SkTofLimits.h"
 
-#include "tof/CkTofArguments.h"
+#include "tools/tof/CkTofArguments.h"
 
 #include <algorithm>
 #include <limits>

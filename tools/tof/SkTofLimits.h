@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/SkReadLimits.h"
+#include "host/recording/SkReadLimits.h"
 
 class CkTofArguments;
 

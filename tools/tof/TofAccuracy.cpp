@@ -1,11 +1,11 @@
-#include "tof/CkTofArguments.h"
-#include "tof/CkTofInput.h"
-#include "tof/TofCommands.h"
-#include "tof/TofInOrder.h"
-#include "tof/accuracy/TofAccuracyLimits.h"
-#include "tof/accuracy/TofAccuracyMatrix.h"
-#include "tof/accuracy/TofAccuracyReport.h"
-#include "tof/accuracy/TofAccuracyRun.h"
+#include "tools/tof/CkTofArguments.h"
+#include "tools/tof/CkTofInput.h"
+#include "tools/tof/TofCommands.h"
+#include "tools/tof/TofInOrder.h"
+#include "tools/tof/accuracy/TofAccuracyLimits.h"
+#include "tools/tof/accuracy/TofAccuracyMatrix.h"
+#include "tools/tof/accuracy/TofAccuracyReport.h"
+#include "tools/tof/accuracy/TofAccuracyRun.h"
 
 #include <QFileInfo>
 #include <QSaveFile>

@@ -1,7 +1,7 @@
-#include "tof/CkTofArguments.h"
-#include "tof/CkTofInput.h"
-#include "tof/TofCommands.h"
-#include "tof/tofCount.h"
+#include "tools/tof/CkTofArguments.h"
+#include "tools/tof/CkTofInput.h"
+#include "tools/tof/TofCommands.h"
+#include "tools/tof/tofCount.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,4 +1,4 @@
-#include "tof/TofPng.h"
+#include "tools/tof/TofPng.h"
 
 #include <QtEndian>
 

@@ -1,10 +1,10 @@
-#include "chain/EkTransformType.h"
-#include "recording/CkRecordingWriter.h"
-#include "tof/CkTofArguments.h"
-#include "tof/CkTofInput.h"
-#include "tof/CkTofPipeline.h"
-#include "tof/TofCommands.h"
-#include "tof/TofInOrder.h"
+#include "host/recording/CkRecordingWriter.h"
+#include "plugins/zplToF/chain/EkTransformType.h"
+#include "tools/tof/CkTofArguments.h"
+#include "tools/tof/CkTofInput.h"
+#include "tools/tof/CkTofPipeline.h"
+#include "tools/tof/TofCommands.h"
+#include "tools/tof/TofInOrder.h"
 
 #include "zuCore/CkImageData.h"
 

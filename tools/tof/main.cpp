@@ -1,6 +1,6 @@
-#include "tof/CkTofConsole.h"
-#include "tof/CkTofInput.h"
-#include "tof/TofCommands.h"
+#include "tools/tof/CkTofConsole.h"
+#include "tools/tof/CkTofInput.h"
+#include "tools/tof/TofCommands.h"
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
-#include "app/CkCommandLine.h"
+#include "host/viewer/app/CkCommandLine.h"
 
-#include "app/CkViewerLanguage.h"
+#include "host/viewer/app/CkViewerLanguage.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CkSessionMemory.h"
+#include "host/viewer/app/CkSessionMemory.h"
 #include "zuCore/CkChainable.h"
 
 #include <QMainWindow>

@@ -1,16 +1,16 @@
 // The main window's menus and the dialogs behind them.
 
-#include "app/CkCommandLine.h"
-#include "app/CkMainWindow.h"
-#include "app/CkShortcutsDialog.h"
-#include "app/CkViewerSettings.h"
-#include "area/CkViewArea.h"
-#include "camera/CkCameraDesk.h"
-#include "files/CkFileOpener.h"
-#include "files/SaveFileName.h"
-#include "image/CkImageView.h"
-#include "log/CkLogPanel.h"
-#include "recording/CkRecordingRoom.h"
+#include "host/viewer/app/CkCommandLine.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/app/CkShortcutsDialog.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/recording/CkRecordingRoom.h"
 #include "zuCore/CkChain.h"
 
 #include <QDir>

@@ -1,12 +1,12 @@
 // The menus of what the active view shows: its picture, and the chain behind it.
 
-#include "app/CkMainWindow.h"
-#include "area/CkViewArea.h"
-#include "chain/CkChainPanel.h"
-#include "image/CkImageCanvas.h"
-#include "image/CkImageView.h"
-#include "lut/CkLutPanel.h"
-#include "quality/CkQualityPanel.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/chain/CkChainPanel.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/lut/CkLutPanel.h"
+#include "host/viewer/quality/CkQualityPanel.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -1,4 +1,4 @@
-#include "app/CkPanelScrollArea.h"
+#include "host/viewer/app/CkPanelScrollArea.h"
 
 #include <QEvent>
 #include <QScreen>

@@ -1,6 +1,6 @@
-#include "app/CkPluginHost.h"
+#include "host/viewer/app/CkPluginHost.h"
 
-#include "plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkLoadingMark.h"
 #include "zuCore/CkPlugin.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginGate.h"
 #include "zuCore/CkPluginLoader.h"
 
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "app/CkRateGraph.h"
+#include "host/viewer/app/CkRateGraph.h"
 
 #include <QPainter>
 #include <algorithm>

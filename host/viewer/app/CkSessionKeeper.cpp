@@ -1,7 +1,7 @@
-#include "app/CkSessionKeeper.h"
+#include "host/viewer/app/CkSessionKeeper.h"
 
-#include "app/CkMainWindow.h"
-#include "area/CkViewArea.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/area/CkViewArea.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SkWindowLayout.h"
+#include "host/viewer/app/SkWindowLayout.h"
 
 #include <QElapsedTimer>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "app/CkShortcutsDialog.h"
+#include "host/viewer/app/CkShortcutsDialog.h"
 
 #include <QAction>
 #include <QDialogButtonBox>

@@ -1,9 +1,9 @@
-#include "app/CkStatusBar.h"
+#include "host/viewer/app/CkStatusBar.h"
 
-#include "app/CkRateGraph.h"
-#include "area/CkViewArea.h"
-#include "image/CkImageView.h"
-#include "image/CkPictureText.h"
+#include "host/viewer/app/CkRateGraph.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/image/CkPictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 

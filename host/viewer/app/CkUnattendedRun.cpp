@@ -1,7 +1,7 @@
-#include "app/CkUnattendedRun.h"
+#include "host/viewer/app/CkUnattendedRun.h"
 
-#include "app/CkMainWindow.h"
-#include "area/CkViewArea.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/area/CkViewArea.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QFile>

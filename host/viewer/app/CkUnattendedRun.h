@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CkCommandLine.h"
+#include "host/viewer/app/CkCommandLine.h"
 
 #include <QElapsedTimer>
 #include <QObject>

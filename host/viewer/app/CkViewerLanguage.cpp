@@ -1,4 +1,4 @@
-#include "app/CkViewerLanguage.h"
+#include "host/viewer/app/CkViewerLanguage.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>

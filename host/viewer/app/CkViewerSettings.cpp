@@ -1,4 +1,4 @@
-#include "app/CkViewerSettings.h"
+#include "host/viewer/app/CkViewerSettings.h"
 
 #include "zuCore/CkLut.h"
 

@@ -1,9 +1,9 @@
-#include "app/SkWindowLayout.h"
+#include "host/viewer/app/SkWindowLayout.h"
 
-#include "app/CkMainWindow.h"
-#include "app/CkSessionMemory.h"
-#include "app/CkViewerSettings.h"
-#include "area/CkViewArea.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/app/CkSessionMemory.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/area/CkViewArea.h"
 
 #include <QSettings>
 

@@ -1,7 +1,7 @@
-#include "area/CkViewArea.h"
+#include "host/viewer/area/CkViewArea.h"
 
-#include "area/CkViewNotices.h"
-#include "area/CkViewWindow.h"
+#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewWindow.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCoreGui/CkMdiView.h"

@@ -1,4 +1,4 @@
-#include "area/CkViewWindow.h"
+#include "host/viewer/area/CkViewWindow.h"
 
 #include <QAction>
 #include <QCloseEvent>

@@ -1,8 +1,8 @@
-#include "camera/CkCameraDesk.h"
+#include "host/viewer/camera/CkCameraDesk.h"
 
-#include "area/CkViewArea.h"
-#include "camera/CkCameraPanel.h"
-#include "image/CkImageView.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/camera/CkCameraPanel.h"
+#include "host/viewer/image/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraSource.h"
 #include "zuCore/CkChain.h"

@@ -1,8 +1,8 @@
-#include "camera/CkCameraMenu.h"
+#include "host/viewer/camera/CkCameraMenu.h"
 
-#include "app/CkViewerSettings.h"
-#include "camera/CkCameraDesk.h"
-#include "camera/CkCameraPanel.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"
 
 #include <QAction>

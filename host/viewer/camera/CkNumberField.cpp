@@ -1,4 +1,4 @@
-#include "camera/CkNumberField.h"
+#include "host/viewer/camera/CkNumberField.h"
 
 #include <QLocale>
 #include <QRegularExpression>

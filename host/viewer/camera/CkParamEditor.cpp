@@ -1,4 +1,4 @@
-#include "camera/CkParamEditor.h"
+#include "host/viewer/camera/CkParamEditor.h"
 
 #include "zuCore/CkCameraParam.h"
 #include "zuCoreGui/CkTuningBar.h"

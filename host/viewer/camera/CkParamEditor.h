@@ -1,6 +1,6 @@
 #pragma once
 
-#include "camera/CkNumberField.h"
+#include "host/viewer/camera/CkNumberField.h"
 
 #include <QTimer>
 

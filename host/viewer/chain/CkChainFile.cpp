@@ -1,4 +1,4 @@
-#include "chain/CkChainFile.h"
+#include "host/viewer/chain/CkChainFile.h"
 
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"

@@ -1,7 +1,7 @@
-#include "chain/CkChainLoading.h"
+#include "host/viewer/chain/CkChainLoading.h"
 
-#include "chain/CkChainFile.h"
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkVideoSource.h"
+#include "host/viewer/chain/CkChainFile.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "chain/CkChainTree.h"
+#include "host/viewer/chain/CkChainTree.h"
 
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageProvider.h"

@@ -1,4 +1,4 @@
-#include "files/CkFileOpener.h"
+#include "host/viewer/files/CkFileOpener.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "files/SaveFileName.h"
+#include "host/viewer/files/SaveFileName.h"
 
 #include <QCoreApplication>
 #include <QFileDialog>

@@ -1,6 +1,6 @@
-#include "image/CkColorLegend.h"
+#include "host/viewer/image/CkColorLegend.h"
 
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureText.h"
 
 #include <QPainter>
 #include <cmath>

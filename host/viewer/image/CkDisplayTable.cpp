@@ -1,6 +1,6 @@
-#include "image/CkDisplayTable.h"
+#include "host/viewer/image/CkDisplayTable.h"
 
-#include "image/CkSampleVisitor.h"
+#include "host/viewer/image/CkSampleVisitor.h"
 #include "zuCore/CkLut.h"
 #include "zuCore/CkPicBufAPI.h"
 

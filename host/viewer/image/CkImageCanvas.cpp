@@ -1,4 +1,4 @@
-#include "image/CkImageCanvas.h"
+#include "host/viewer/image/CkImageCanvas.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,11 +1,11 @@
 // The image view's own tool bar, context menu and files.
 
-#include "files/SaveFileName.h"
-#include "image/CkColorLegend.h"
-#include "image/CkImageCanvas.h"
-#include "image/CkImageView.h"
-#include "image/CkPictureSnapshot.h"
-#include "image/CkToolIcons.h"
+#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/image/CkColorLegend.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/image/CkPictureSnapshot.h"
+#include "host/viewer/image/CkToolIcons.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QComboBox>

@@ -1,9 +1,9 @@
-#include "image/CkPictureFile.h"
+#include "host/viewer/image/CkPictureFile.h"
 
-#include "files/SaveFileName.h"
-#include "image/CkDisplayTable.h"
-#include "image/CkPictureText.h"
-#include "recording/SkFrameDescription.h"
+#include "host/recording/SkFrameDescription.h"
+#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/image/CkPictureText.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QBuffer>

@@ -1,6 +1,6 @@
-#include "image/CkPictureSnapshot.h"
+#include "host/viewer/image/CkPictureSnapshot.h"
 
-#include "image/CkPictureFile.h"
+#include "host/viewer/image/CkPictureFile.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/SaveFileName.h"
+#include "host/viewer/files/SaveFileName.h"
 
 #include <QCoreApplication>
 #include <QImage>

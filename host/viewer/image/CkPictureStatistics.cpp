@@ -1,6 +1,6 @@
-#include "image/CkPictureStatistics.h"
+#include "host/viewer/image/CkPictureStatistics.h"
 
-#include "image/CkSampleVisitor.h"
+#include "host/viewer/image/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureText.h"
 
-#include "app/pluralNumber.h"
-#include "image/CkDisplayTable.h"
+#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/image/CkDisplayTable.h"
 
 #include <QStringList>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "image/CkToolIcons.h"
+#include "host/viewer/image/CkToolIcons.h"
 
 #include <QPainter>
 #include <QPalette>

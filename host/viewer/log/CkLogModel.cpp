@@ -1,4 +1,4 @@
-#include "log/CkLogModel.h"
+#include "host/viewer/log/CkLogModel.h"
 
 #include <QColor>
 

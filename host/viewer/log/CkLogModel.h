@@ -1,6 +1,6 @@
 #pragma once
 
-#include "log/CkLogSink.h"
+#include "host/viewer/log/CkLogSink.h"
 
 #include <QAbstractTableModel>
 #include <QSortFilterProxyModel>

@@ -1,7 +1,7 @@
-#include "log/CkLogPanel.h"
+#include "host/viewer/log/CkLogPanel.h"
 
-#include "log/CkLogModel.h"
-#include "log/CkLogSink.h"
+#include "host/viewer/log/CkLogModel.h"
+#include "host/viewer/log/CkLogSink.h"
 
 #include <QAction>
 #include <QApplication>

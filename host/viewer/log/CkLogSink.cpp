@@ -1,4 +1,4 @@
-#include "log/CkLogSink.h"
+#include "host/viewer/log/CkLogSink.h"
 
 CkLogSink* CkLogSink::instance() {
     // Never deleted: threads may still log while the program ends.

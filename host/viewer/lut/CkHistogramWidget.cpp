@@ -1,6 +1,6 @@
-#include "lut/CkHistogramWidget.h"
+#include "host/viewer/lut/CkHistogramWidget.h"
 
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureText.h"
 
 #include <QMouseEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "image/CkDisplayTable.h"
-#include "image/CkPictureStatistics.h"
+#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/image/CkPictureStatistics.h"
 
 #include <QWidget>
 

@@ -1,10 +1,10 @@
-#include "lut/CkLutPanel.h"
+#include "host/viewer/lut/CkLutPanel.h"
 
-#include "app/CkViewerSettings.h"
-#include "area/CkViewArea.h"
-#include "image/CkImageView.h"
-#include "image/CkPictureText.h"
-#include "lut/CkHistogramWidget.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/lut/CkHistogramWidget.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 

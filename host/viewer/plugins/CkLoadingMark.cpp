@@ -1,4 +1,4 @@
-#include "plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkLoadingMark.h"
 
 #include <QDir>
 #include <QFile>

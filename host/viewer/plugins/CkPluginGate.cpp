@@ -1,7 +1,7 @@
-#include "plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginGate.h"
 
-#include "plugins/CkLoadingMark.h"
-#include "plugins/CkPluginProbe.h"
+#include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginProbe.h"
 
 #include <QDateTime>
 #include <QDir>

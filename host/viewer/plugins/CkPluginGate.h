@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugins/CkPluginVerdicts.h"
+#include "host/viewer/plugins/CkPluginVerdicts.h"
 
 #include <QCoreApplication>
 #include <QString>

@@ -1,6 +1,6 @@
-#include "plugins/CkPluginProbe.h"
+#include "host/viewer/plugins/CkPluginProbe.h"
 
-#include "plugins/PluginProbeSteps.h"
+#include "host/viewer/plugins/PluginProbeSteps.h"
 
 #include <QDir>
 #include <QFileInfo>

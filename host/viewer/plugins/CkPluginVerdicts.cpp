@@ -1,4 +1,4 @@
-#include "plugins/CkPluginVerdicts.h"
+#include "host/viewer/plugins/CkPluginVerdicts.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>

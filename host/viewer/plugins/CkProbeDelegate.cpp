@@ -1,4 +1,4 @@
-#include "plugins/CkProbeDelegate.h"
+#include "host/viewer/plugins/CkProbeDelegate.h"
 
 #include "zuCore/CkLut.h"
 #include "zuCoreGui/CkMdiView.h"

@@ -1,9 +1,9 @@
 // Loads one plug-in, starts it and ends it, so that whatever it does to a program happens here and not in the
 // viewer.
 
-#include "app/CkViewerLanguage.h"
-#include "plugins/CkProbeDelegate.h"
-#include "plugins/PluginProbeSteps.h"
+#include "host/viewer/app/CkViewerLanguage.h"
+#include "host/viewer/plugins/CkProbeDelegate.h"
+#include "host/viewer/plugins/PluginProbeSteps.h"
 #include "zuCore/CkPluginLoader.h"
 #include "zuCore/CkRTTI.h"
 

@@ -1,6 +1,6 @@
-#include "quality/CkQualityHistory.h"
+#include "host/viewer/quality/CkQualityHistory.h"
 
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureText.h"
 
 #include <QStringList>
 

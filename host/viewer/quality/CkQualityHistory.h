@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quality/SkQualityValues.h"
+#include "host/viewer/quality/SkQualityValues.h"
 
 #include <QCoreApplication>
 #include <QList>

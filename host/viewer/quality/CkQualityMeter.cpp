@@ -1,4 +1,4 @@
-#include "quality/CkQualityMeter.h"
+#include "host/viewer/quality/CkQualityMeter.h"
 
 #include "zuCore/CkImageData.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "quality/CkTemporalStatistics.h"
-#include "quality/PlaneFit.h"
-#include "quality/RegionSamples.h"
-#include "quality/SkQualityValues.h"
+#include "host/viewer/quality/CkTemporalStatistics.h"
+#include "host/viewer/quality/PlaneFit.h"
+#include "host/viewer/quality/RegionSamples.h"
+#include "host/viewer/quality/SkQualityValues.h"
 
 #include <QSize>
 

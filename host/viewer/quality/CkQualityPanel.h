@@ -1,8 +1,8 @@
 #pragma once
 
-#include "quality/CkQualityHistory.h"
-#include "quality/CkQualityMeter.h"
-#include "quality/CkSaturationWatch.h"
+#include "host/viewer/quality/CkQualityHistory.h"
+#include "host/viewer/quality/CkQualityMeter.h"
+#include "host/viewer/quality/CkSaturationWatch.h"
 
 #include <QHash>
 #include <QPointer>

@@ -1,12 +1,12 @@
 // The quality panel's controls, and what leaves it.
 
-#include "app/pluralNumber.h"
-#include "area/CkViewArea.h"
-#include "files/SaveFileName.h"
-#include "image/CkImageView.h"
-#include "image/CkPictureText.h"
-#include "quality/CkQualityPanel.h"
-#include "quality/CkQualityPlot.h"
+#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/quality/CkQualityPanel.h"
+#include "host/viewer/quality/CkQualityPlot.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 

@@ -1,6 +1,6 @@
-#include "quality/CkQualityPlot.h"
+#include "host/viewer/quality/CkQualityPlot.h"
 
-#include "quality/CkQualityHistory.h"
+#include "host/viewer/quality/CkQualityHistory.h"
 
 #include <QPainter>
 #include <QPainterPath>

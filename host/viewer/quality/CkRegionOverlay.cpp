@@ -1,6 +1,6 @@
-#include "quality/CkRegionOverlay.h"
+#include "host/viewer/quality/CkRegionOverlay.h"
 
-#include "image/CkImageCanvas.h"
+#include "host/viewer/image/CkImageCanvas.h"
 
 #include <QMouseEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
-#include "quality/CkSaturationWatch.h"
+#include "host/viewer/quality/CkSaturationWatch.h"
 
-#include "image/CkSampleVisitor.h"
-#include "image/CkSaturation.h"
+#include "host/viewer/image/CkSampleVisitor.h"
+#include "host/viewer/image/CkSaturation.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

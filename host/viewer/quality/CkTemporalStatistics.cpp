@@ -1,4 +1,4 @@
-#include "quality/CkTemporalStatistics.h"
+#include "host/viewer/quality/CkTemporalStatistics.h"
 
 #include <cmath>
 #include <limits>

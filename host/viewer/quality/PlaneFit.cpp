@@ -1,4 +1,4 @@
-#include "quality/PlaneFit.h"
+#include "host/viewer/quality/PlaneFit.h"
 
 #include <algorithm>
 #include <cmath>

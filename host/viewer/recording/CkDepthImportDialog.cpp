@@ -1,7 +1,7 @@
-#include "recording/CkDepthImportDialog.h"
+#include "host/viewer/recording/CkDepthImportDialog.h"
 
-#include "image/CkDisplayTable.h"
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/image/CkPictureText.h"
 #include "zuCore/CkImageData.h"
 
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/SkDepthScale.h"
+#include "host/recording/SkDepthScale.h"
 
 #include <QDialog>
 

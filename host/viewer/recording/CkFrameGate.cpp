@@ -1,4 +1,4 @@
-#include "recording/CkFrameGate.h"
+#include "host/viewer/recording/CkFrameGate.h"
 
 #include <QCoreApplication>
 #include <QEvent>

@@ -1,9 +1,9 @@
-#include "recording/CkPlaybackBar.h"
+#include "host/viewer/recording/CkPlaybackBar.h"
 
-#include "image/CkPictureText.h"
-#include "recording/CkPlayback.h"
-#include "recording/CkVideoSource.h"
-#include "recording/CkWrapLayout.h"
+#include "host/recording/CkVideoSource.h"
+#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/recording/CkPlayback.h"
+#include "host/viewer/recording/CkWrapLayout.h"
 
 #include <QAction>
 #include <QComboBox>

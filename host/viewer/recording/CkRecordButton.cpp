@@ -1,8 +1,8 @@
-#include "recording/CkRecordButton.h"
+#include "host/viewer/recording/CkRecordButton.h"
 
-#include "camera/CkCameraDesk.h"
-#include "recording/CkRecordingDesk.h"
-#include "recording/CkRecordingJob.h"
+#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/recording/CkRecordingDesk.h"
+#include "host/viewer/recording/CkRecordingJob.h"
 #include "zuCore/CkImageSource.h"
 
 #include <QPainter>

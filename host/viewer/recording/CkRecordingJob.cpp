@@ -1,4 +1,4 @@
-#include "recording/CkRecordingJob.h"
+#include "host/viewer/recording/CkRecordingJob.h"
 
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageSource.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/CkRecorder.h"
+#include "host/recording/CkRecorder.h"
 #include "zuCore/CkChainable.h"
 
 #include <QElapsedTimer>

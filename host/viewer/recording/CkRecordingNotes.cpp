@@ -1,8 +1,8 @@
-#include "recording/CkRecordingNotes.h"
+#include "host/viewer/recording/CkRecordingNotes.h"
 
-#include "app/CkCommandLine.h"
-#include "image/CkImageView.h"
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkVideoSource.h"
+#include "host/viewer/app/CkCommandLine.h"
+#include "host/viewer/image/CkImageView.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkLut.h"

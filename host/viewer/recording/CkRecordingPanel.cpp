@@ -1,9 +1,9 @@
-#include "recording/CkRecordingPanel.h"
+#include "host/viewer/recording/CkRecordingPanel.h"
 
-#include "app/pluralNumber.h"
-#include "recording/CkPlaybackBar.h"
-#include "recording/CkRecordingDesk.h"
-#include "recording/CkRecordingJob.h"
+#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/recording/CkPlaybackBar.h"
+#include "host/viewer/recording/CkRecordingDesk.h"
+#include "host/viewer/recording/CkRecordingJob.h"
 
 #include <QDir>
 #include <QFileInfo>

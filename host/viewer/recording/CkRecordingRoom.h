@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/CkPlaybackBar.h"
+#include "host/viewer/recording/CkPlaybackBar.h"
 
 #include <QObject>
 

@@ -1,4 +1,4 @@
-#include "recording/CkStillPicture.h"
+#include "host/viewer/recording/CkStillPicture.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

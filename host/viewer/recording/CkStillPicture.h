@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/IkFrameFile.h"
+#include "host/recording/IkFrameFile.h"
 
 #include <QImage>
 

@@ -1,4 +1,4 @@
-#include "recording/CkWrapLayout.h"
+#include "host/viewer/recording/CkWrapLayout.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
-#include "calibration/CkToFCalibrateOffsetDlg.h"
+#include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
 
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/CkToFViewSettings.h"
 #include "ui_CkToFCalibrateOffsetDlg.h"
-#include "view3d/3dMdiView.h"
-#include "view3d/CkToFViewSettings.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/CkMdiView.h"
 #include "zuCoreGui/IkAppDelegate.h"

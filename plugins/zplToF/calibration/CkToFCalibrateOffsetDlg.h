@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calibration/CkToFOffsetEstimator.h"
+#include "plugins/zplToF/calibration/CkToFOffsetEstimator.h"
 
 #include <QDialog>
 #include <QMessageBox>

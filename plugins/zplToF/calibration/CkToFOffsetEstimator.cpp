@@ -1,6 +1,6 @@
-#include "calibration/CkToFOffsetEstimator.h"
+#include "plugins/zplToF/calibration/CkToFOffsetEstimator.h"
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "chain/CkToFFrameInput.h"
+#include "plugins/zplToF/chain/CkToFFrameInput.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "chain/CkToFFrameProcessor.h"
+#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
 
-#include "chain/EkTransformType.h"
+#include "plugins/zplToF/chain/EkTransformType.h"
 
 #include <algorithm>
 #include <cstring>

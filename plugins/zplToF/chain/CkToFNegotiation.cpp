@@ -1,7 +1,7 @@
-#include "chain/CkToFNegotiation.h"
+#include "plugins/zplToF/chain/CkToFNegotiation.h"
 
-#include "chain/EkTransformType.h"
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "chain/CkToFPhaseCollector.h"
+#include "plugins/zplToF/chain/CkToFPhaseCollector.h"
 
 #include <algorithm>
 #include <new>

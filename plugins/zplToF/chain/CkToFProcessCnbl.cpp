@@ -1,8 +1,8 @@
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
-#include "chain/CkToFNegotiation.h"
-#include "chain/CkToFProcessWidget.h"
-#include "chain/ToFAngles.h"
+#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/chain/CkToFProcessWidget.h"
+#include "plugins/zplToF/chain/ToFAngles.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "chain/CkToFFrameInput.h"
-#include "chain/CkToFFrameProcessor.h"
-#include "chain/EkTransformType.h"
+#include "plugins/zplToF/chain/CkToFFrameInput.h"
+#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
+#include "plugins/zplToF/chain/EkTransformType.h"
 #include "zuCore/CkImageProvider.h"
 
 #include <atomic>

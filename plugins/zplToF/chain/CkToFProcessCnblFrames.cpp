@@ -1,6 +1,6 @@
 // The block's life between setupStart and setupStop.
 
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"

@@ -1,4 +1,4 @@
-#include "chain/CkToFProcessWidget.h"
+#include "plugins/zplToF/chain/CkToFProcessWidget.h"
 
 #include <QFrame>
 #include <QRadioButton>

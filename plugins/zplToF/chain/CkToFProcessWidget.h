@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include <QPointer>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "chain/CkToFSectionReference.h"
+#include "plugins/zplToF/chain/CkToFSectionReference.h"
 
 bool CkToFSectionReference::prepare(const SkPicBufInfo& frame) {
     clear();

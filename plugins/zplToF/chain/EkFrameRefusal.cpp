@@ -1,4 +1,4 @@
-#include "chain/EkFrameRefusal.h"
+#include "plugins/zplToF/chain/EkFrameRefusal.h"
 
 #include <QtGlobal>
 

@@ -1,4 +1,4 @@
-#include "chain/ToFAngles.h"
+#include "plugins/zplToF/chain/ToFAngles.h"
 
 #include <algorithm>
 #include <span>

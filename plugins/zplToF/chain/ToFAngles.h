@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 
 namespace ToFAngles {
 

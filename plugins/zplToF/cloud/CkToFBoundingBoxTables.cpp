@@ -1,4 +1,4 @@
-#include "cloud/CkToFBoundingBoxTables.h"
+#include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
 
 namespace CkToFBoundingBoxTables {
 

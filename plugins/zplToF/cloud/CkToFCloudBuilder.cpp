@@ -1,8 +1,8 @@
-#include "cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 
-#include "cloud/CkToFCloudLoops.h"
-#include "cloud/CkToFReusedBytes.h"
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/cloud/CkToFCloudLoops.h"
+#include "plugins/zplToF/cloud/CkToFReusedBytes.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <algorithm>

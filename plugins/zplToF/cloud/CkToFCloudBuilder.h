@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cloud/SkToFDepthPictures.h"
-#include "cloud/SkToFOpticalPath.h"
-#include "cloud/SkToFPoint.h"
+#include "plugins/zplToF/cloud/SkToFDepthPictures.h"
+#include "plugins/zplToF/cloud/SkToFOpticalPath.h"
+#include "plugins/zplToF/cloud/SkToFPoint.h"
 #include "zuCore/CkLut.h"
 
 #include <QByteArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/SkToFCloudScales.h"
+#include "plugins/zplToF/cloud/SkToFCloudScales.h"
 
 /// What a loop over the pixels reads.
 struct SkToFCloudInput {

@@ -1,4 +1,4 @@
-#include "cloud/CkToFCloudLoops.h"
+#include "plugins/zplToF/cloud/CkToFCloudLoops.h"
 
 #include <cmath>
 

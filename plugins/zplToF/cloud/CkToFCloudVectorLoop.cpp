@@ -1,4 +1,4 @@
-#include "cloud/CkToFCloudVectorSteps.h"
+#include "plugins/zplToF/cloud/CkToFCloudVectorSteps.h"
 
 #include <algorithm>
 #include <cstring>

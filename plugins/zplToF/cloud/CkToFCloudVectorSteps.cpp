@@ -1,8 +1,8 @@
 // Compiled once for every instruction set; the last section chooses one at run time.
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "cloud/CkToFCloudVectorSteps.cpp"
+#define HWY_TARGET_INCLUDE "plugins/zplToF/cloud/CkToFCloudVectorSteps.cpp"
 
-#include "cloud/CkToFCloudVectorSteps.h"
+#include "plugins/zplToF/cloud/CkToFCloudVectorSteps.h"
 
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>

@@ -1,6 +1,6 @@
-#include "cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
 

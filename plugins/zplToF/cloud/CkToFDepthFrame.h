@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/SkToFDepthPictures.h"
+#include "plugins/zplToF/cloud/SkToFDepthPictures.h"
 #include "zuCore/CkImageMetadata.h"
 
 #include <memory>

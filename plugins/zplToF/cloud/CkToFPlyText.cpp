@@ -1,4 +1,4 @@
-#include "cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/SkToFPoint.h"
+#include "plugins/zplToF/cloud/SkToFPoint.h"
 
 #include <QByteArray>
 

@@ -1,4 +1,4 @@
-#include "cloud/SkToFCloudScales.h"
+#include "plugins/zplToF/cloud/SkToFCloudScales.h"
 
 #include <algorithm>
 #include <cmath>

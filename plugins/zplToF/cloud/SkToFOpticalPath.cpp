@@ -1,4 +1,4 @@
-#include "cloud/SkToFOpticalPath.h"
+#include "plugins/zplToF/cloud/SkToFOpticalPath.h"
 
 #include "zuCore/CkImageMetadata.h"
 

@@ -1,4 +1,4 @@
-#include "cloud/ToFSettings.h"
+#include "plugins/zplToF/cloud/ToFSettings.h"
 
 #include <QSettings>
 

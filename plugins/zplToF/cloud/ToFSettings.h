@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/SkToFOpticalPath.h"
+#include "plugins/zplToF/cloud/SkToFOpticalPath.h"
 
 class QSettings;
 

@@ -1,8 +1,8 @@
-#include "integration/CkToFActions.h"
+#include "plugins/zplToF/integration/CkToFActions.h"
 
-#include "calibration/CkToFCalibrateOffsetDlg.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCoreGui/CkMdiView.h"

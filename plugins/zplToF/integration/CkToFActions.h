@@ -1,8 +1,8 @@
 #pragma once
 
-#include "integration/CkToFCameraCheck.h"
-#include "integration/CkToFChainEditor.h"
-#include "integration/CkToFMessageBox.h"
+#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFMessageBox.h"
 
 #include <QCoreApplication>
 #include <QList>

@@ -1,6 +1,6 @@
-#include "integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/integration/CkToFCameraCheck.h"
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChain.h"

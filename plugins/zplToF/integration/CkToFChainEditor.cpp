@@ -1,6 +1,6 @@
-#include "integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFChainEditor.h"
 
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

@@ -1,4 +1,4 @@
-#include "integration/CkToFMessageBox.h"
+#include "plugins/zplToF/integration/CkToFMessageBox.h"
 
 #include "zuCoreGui/IkAppDelegate.h"
 

@@ -1,4 +1,4 @@
-#include "integration/CkToFToolArea.h"
+#include "plugins/zplToF/integration/CkToFToolArea.h"
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParameters.h"

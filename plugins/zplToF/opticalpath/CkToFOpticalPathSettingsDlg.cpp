@@ -1,4 +1,4 @@
-#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
 
 #include "ui_CkToFOpticalPathSettingsDlg.h"
 

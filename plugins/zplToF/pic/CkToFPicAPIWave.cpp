@@ -1,7 +1,7 @@
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 
-#include "pic/CkToFPicGuard.h"
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/CkToFPicGuard.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <algorithm>

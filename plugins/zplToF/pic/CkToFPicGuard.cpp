@@ -1,4 +1,4 @@
-#include "pic/CkToFPicGuard.h"
+#include "plugins/zplToF/pic/CkToFPicGuard.h"
 
 #include <cstdint>
 #include <limits>

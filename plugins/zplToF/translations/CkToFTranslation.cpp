@@ -1,4 +1,4 @@
-#include "translations/CkToFTranslation.h"
+#include "plugins/zplToF/translations/CkToFTranslation.h"
 
 #include <QCoreApplication>
 #include <QLocale>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "cloud/CkToFCloudBuilder.h"
-#include "cloud/CkToFDepthFrame.h"
-#include "view3d/CkToFColorTable.h"
-#include "view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/view3d/CkToFColorTable.h"
+#include "plugins/zplToF/view3d/CkToFViewSettings.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QElapsedTimer>

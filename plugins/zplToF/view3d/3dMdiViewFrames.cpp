@@ -1,11 +1,11 @@
 // The way of a frame into the view, and what the host asks of a view.
 
-#include "view3d/3dMdiView.h"
-#include "view3d/CkToFEmbeddedWindow.h"
-#include "view3d/CkToFInputRegulator.h"
-#include "view3d/CkToFScene.h"
-#include "view3d/CkToFSceneAttribute.h"
-#include "view3d/CkToFToolBar.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/CkToFEmbeddedWindow.h"
+#include "plugins/zplToF/view3d/CkToFInputRegulator.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/CkToFToolBar.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
 #include "zuCore/CkLut.h"

@@ -1,4 +1,4 @@
-#include "view3d/CkToFBillboardMaterial.h"
+#include "plugins/zplToF/view3d/CkToFBillboardMaterial.h"
 
 #include <QPointF>
 #include <QUrl>

@@ -1,8 +1,8 @@
-#include "view3d/CkToFBoundingBox.h"
+#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
 
-#include "cloud/CkToFBoundingBoxTables.h"
-#include "view3d/CkToFSceneAttribute.h"
-#include "view3d/CkToFSceneBuffer.h"
+#include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
+#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/CkToFSceneBuffer.h"
 
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>

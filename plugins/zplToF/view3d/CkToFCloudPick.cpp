@@ -1,6 +1,6 @@
-#include "view3d/CkToFCloudPick.h"
+#include "plugins/zplToF/view3d/CkToFCloudPick.h"
 
-#include "cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 
 #include <QMatrix4x4>
 #include <QPointF>

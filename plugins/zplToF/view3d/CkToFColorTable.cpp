@@ -1,4 +1,4 @@
-#include "view3d/CkToFColorTable.h"
+#include "plugins/zplToF/view3d/CkToFColorTable.h"
 
 #include "zuCore/CkLut.h"
 #include "zuCore/CkPicBufAPI.h"

@@ -1,4 +1,4 @@
-#include "view3d/CkToFEmbeddedWindow.h"
+#include "plugins/zplToF/view3d/CkToFEmbeddedWindow.h"
 
 #include <QAction>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFGlProbe.h"
+#include "plugins/zplToF/view3d/CkToFGlProbe.h"
 
 #include <QByteArray>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFOrbitController.h"
+#include "plugins/zplToF/view3d/CkToFOrbitController.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFRenderCapture.h"
+#include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 
 #include <Qt3DRender/QRenderCapture>
 #include <Qt3DRender/QSubtreeEnabler>

@@ -1,12 +1,12 @@
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
 
-#include "cloud/CkToFCloudBuilder.h"
-#include "view3d/CkToFBoundingBox.h"
-#include "view3d/CkToFCloudPick.h"
-#include "view3d/CkToFGlProbe.h"
-#include "view3d/CkToFOrbitController.h"
-#include "view3d/CkToFRenderCapture.h"
-#include "view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
+#include "plugins/zplToF/view3d/CkToFCloudPick.h"
+#include "plugins/zplToF/view3d/CkToFGlProbe.h"
+#include "plugins/zplToF/view3d/CkToFOrbitController.h"
+#include "plugins/zplToF/view3d/CkToFRenderCapture.h"
+#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
 
 #include <QEvent>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
 
 #include <QString>
 #include <Qt3DCore/QAttribute>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFSceneBuffer.h"
+#include "plugins/zplToF/view3d/CkToFSceneBuffer.h"
 
 #include <QByteArray>
 #include <QVariant>

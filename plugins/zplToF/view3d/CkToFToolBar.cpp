@@ -1,4 +1,4 @@
-#include "view3d/CkToFToolBar.h"
+#include "plugins/zplToF/view3d/CkToFToolBar.h"
 
 #include <QLabel>
 #include <QMenu>

@@ -1,4 +1,4 @@
-#include "view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/view3d/CkToFViewSettings.h"
 
 #include <QColor>
 #include <QSettings>

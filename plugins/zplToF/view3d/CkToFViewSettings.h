@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cloud/SkToFOpticalPath.h"
-#include "cloud/ToFSettings.h"
+#include "plugins/zplToF/cloud/SkToFOpticalPath.h"
+#include "plugins/zplToF/cloud/ToFSettings.h"
 
 class QSettings;
 class QColor;

@@ -1,7 +1,7 @@
 #include "zuCore/CkCameraManager.h"
 
-#include "chainBlocks.h"
-#include "fakeCamera.h"
+#include "tests/host/core/chainBlocks.h"
+#include "tests/host/core/fakeCamera.h"
 #include "zuCore/CkImageData.h"
 
 #include <gmock/gmock.h>

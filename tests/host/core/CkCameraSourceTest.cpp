@@ -1,7 +1,7 @@
 #include "zuCore/CkCameraSource.h"
 
-#include "chainBlocks.h"
-#include "fakeCamera.h"
+#include "tests/host/core/chainBlocks.h"
+#include "tests/host/core/fakeCamera.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChainManager.h"
 

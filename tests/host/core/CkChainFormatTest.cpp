@@ -1,6 +1,6 @@
 // Frames whose format is not the negotiated one.
 
-#include "chainFixture.h"
+#include "tests/host/core/chainFixture.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
 

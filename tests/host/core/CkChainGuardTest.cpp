@@ -1,6 +1,6 @@
 // What blocks, sinks and pictures do wrong, and what a chain says of it.
 
-#include "chainFixture.h"
+#include "tests/host/core/chainFixture.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
 

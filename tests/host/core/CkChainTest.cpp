@@ -1,4 +1,4 @@
-#include "chainFixture.h"
+#include "tests/host/core/chainFixture.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <QDomDocument>

@@ -1,6 +1,6 @@
 // The way of frames through chains that branch and meet again.
 
-#include "chainFixture.h"
+#include "tests/host/core/chainFixture.h"
 #include "zuCore/CkRTTI.h"
 
 #include <QDomDocument>

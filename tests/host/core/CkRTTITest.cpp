@@ -1,6 +1,6 @@
 #include "zuCore/CkRTTI.h"
 
-#include "chainBlocks.h"
+#include "tests/host/core/chainBlocks.h"
 #include "zuCore/CkCameraSource.h"
 
 #include <QDomDocument>

@@ -1,4 +1,4 @@
-#include "chainBlocks.h"
+#include "tests/host/core/chainBlocks.h"
 
 #include "zuCore/CkPicBufAPI.h"
 

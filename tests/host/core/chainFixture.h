@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chainBlocks.h"
+#include "tests/host/core/chainBlocks.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gmock/gmock.h>

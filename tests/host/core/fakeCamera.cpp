@@ -1,6 +1,6 @@
-#include "fakeCamera.h"
+#include "tests/host/core/fakeCamera.h"
 
-#include "chainBlocks.h"
+#include "tests/host/core/chainBlocks.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

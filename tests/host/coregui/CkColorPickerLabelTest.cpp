@@ -1,5 +1,5 @@
 #include "zuCoreGui/CkColorPickerLabel.h"
-#include "ModalDriver.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QColorDialog>
 #include <QDialogButtonBox>

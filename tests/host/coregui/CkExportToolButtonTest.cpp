@@ -1,6 +1,6 @@
 #include "zuCoreGui/CkExportToolButton.h"
-#include "FakeAppDelegate.h"
-#include "ModalDriver.h"
+#include "tests/support/FakeAppDelegate.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QClipboard>
 #include <QDir>

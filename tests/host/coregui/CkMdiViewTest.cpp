@@ -1,7 +1,7 @@
 #include "zuCoreGui/CkMdiView.h"
 
-#include "NamedBlock.h"
-#include "PushSource.h"
+#include "tests/support/NamedBlock.h"
+#include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkLut.h"

@@ -1,4 +1,4 @@
-#include "FakeAppDelegate.h"
+#include "tests/support/FakeAppDelegate.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
 
-#include "recording/CkRecorder.h"
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkRecorder.h"
+#include "host/recording/CkVideoSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageProvider.h"

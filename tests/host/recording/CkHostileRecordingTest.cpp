@@ -1,5 +1,5 @@
-#include "HostileFiles.h"
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
+#include "tests/support/HostileFiles.h"
 
 #include <QtEndian>
 

@@ -1,6 +1,6 @@
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
 
-#include "recording/CkRecorder.h"
+#include "host/recording/CkRecorder.h"
 
 #include <atomic>
 #include <chrono>

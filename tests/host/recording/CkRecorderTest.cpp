@@ -1,7 +1,7 @@
-#include "FullDisk.h"
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
+#include "tests/support/FullDisk.h"
 
-#include "recording/CkRecorder.h"
+#include "host/recording/CkRecorder.h"
 
 #include <future>
 

@@ -1,4 +1,4 @@
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
 
 #include <QtEndian>
 

@@ -1,5 +1,5 @@
-#include "ForeignTiff.h"
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
+#include "tests/support/ForeignTiff.h"
 
 namespace {
 

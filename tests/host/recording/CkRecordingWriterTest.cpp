@@ -1,5 +1,5 @@
-#include "FullDisk.h"
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
+#include "tests/support/FullDisk.h"
 
 #include <csignal>
 #include <sys/wait.h>

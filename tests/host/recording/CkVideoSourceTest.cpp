@@ -1,7 +1,7 @@
-#include "HostileFiles.h"
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
+#include "tests/support/HostileFiles.h"
 
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkVideoSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

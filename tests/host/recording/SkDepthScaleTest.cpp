@@ -1,7 +1,7 @@
-#include "recordingFixture.h"
+#include "tests/host/recording/recordingFixture.h"
 
-#include "recording/CkVideoSource.h"
-#include "recording/SkDepthScale.h"
+#include "host/recording/CkVideoSource.h"
+#include "host/recording/SkDepthScale.h"
 
 #include <QDomDocument>
 #include <cmath>

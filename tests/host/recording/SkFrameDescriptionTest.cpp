@@ -1,4 +1,4 @@
-#include "recording/SkFrameDescription.h"
+#include "host/recording/SkFrameDescription.h"
 
 #include <QJsonDocument>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "app/CkCommandLine.h"
+#include "host/viewer/app/CkCommandLine.h"
 
 #include <gtest/gtest.h>
 

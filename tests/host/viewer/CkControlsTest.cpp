@@ -1,6 +1,6 @@
-#include "ViewerControls.h"
-#include "app/CkShortcutsDialog.h"
-#include "quality/CkQualityPanel.h"
+#include "host/viewer/app/CkShortcutsDialog.h"
+#include "host/viewer/quality/CkQualityPanel.h"
+#include "tests/host/viewer/ViewerControls.h"
 #include "zuCore/CkImageData.h"
 
 #include <QAction>

@@ -1,9 +1,9 @@
-#include "LocaleScope.h"
-#include "RecordingViewFixture.h"
+#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/support/LocaleScope.h"
 
-#include "files/CkFileOpener.h"
-#include "recording/CkDepthImportDialog.h"
-#include "recording/CkStillPicture.h"
+#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/recording/CkDepthImportDialog.h"
+#include "host/viewer/recording/CkStillPicture.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,10 +1,10 @@
-#include "image/CkDisplayTable.h"
+#include "host/viewer/image/CkDisplayTable.h"
 
-#include "PaddedPicture.h"
-#include "SampleTypes.h"
-#include "ViewerPictures.h"
-#include "image/CkPictureStatistics.h"
-#include "image/CkPictureText.h"
+#include "host/viewer/image/CkPictureStatistics.h"
+#include "host/viewer/image/CkPictureText.h"
+#include "tests/host/viewer/ViewerPictures.h"
+#include "tests/support/PaddedPicture.h"
+#include "tests/support/SampleTypes.h"
 #include "zuCore/CkLut.h"
 
 #include <gtest/gtest.h>

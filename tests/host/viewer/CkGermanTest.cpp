@@ -1,7 +1,7 @@
-#include "LocaleScope.h"
-#include "ViewerFixture.h"
-#include "app/CkStatusBar.h"
-#include "app/CkViewerLanguage.h"
+#include "host/viewer/app/CkStatusBar.h"
+#include "host/viewer/app/CkViewerLanguage.h"
+#include "tests/host/viewer/ViewerFixture.h"
+#include "tests/support/LocaleScope.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -1,10 +1,10 @@
-#include "image/CkImageView.h"
+#include "host/viewer/image/CkImageView.h"
 
-#include "ModalDriver.h"
-#include "ViewerPictures.h"
-#include "image/CkColorLegend.h"
-#include "image/CkImageCanvas.h"
-#include "image/CkPictureSnapshot.h"
+#include "host/viewer/image/CkColorLegend.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/image/CkPictureSnapshot.h"
+#include "tests/host/viewer/ViewerPictures.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCore/CkLut.h"
 
 #include <QComboBox>

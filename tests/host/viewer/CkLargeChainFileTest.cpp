@@ -1,7 +1,7 @@
-#include "ViewerBlocks.h"
-#include "ViewerFixture.h"
-#include "chain/CkChainFile.h"
-#include "chain/CkChainTree.h"
+#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/chain/CkChainTree.h"
+#include "tests/host/viewer/ViewerBlocks.h"
+#include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "log/CkLogModel.h"
-#include "log/CkLogPanel.h"
-#include "log/CkLogSink.h"
+#include "host/viewer/log/CkLogModel.h"
+#include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/log/CkLogSink.h"
 
 #include <QComboBox>
 #include <QCoreApplication>

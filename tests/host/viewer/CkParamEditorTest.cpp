@@ -1,6 +1,6 @@
-#include "camera/CkParamEditor.h"
+#include "host/viewer/camera/CkParamEditor.h"
 
-#include "LocaleScope.h"
+#include "tests/support/LocaleScope.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCoreGui/CkTuningBar.h"
 

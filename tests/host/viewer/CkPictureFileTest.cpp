@@ -1,7 +1,7 @@
-#include "image/CkPictureFile.h"
+#include "host/viewer/image/CkPictureFile.h"
 
-#include "ViewerPictures.h"
-#include "image/CkImageView.h"
+#include "host/viewer/image/CkImageView.h"
+#include "tests/host/viewer/ViewerPictures.h"
 
 #include <QFile>
 #include <QImage>

@@ -1,9 +1,9 @@
-#include "RecordingViewFixture.h"
+#include "tests/host/viewer/RecordingViewFixture.h"
 
-#include "app/CkShortcutsDialog.h"
-#include "files/CkFileOpener.h"
-#include "image/CkImageCanvas.h"
-#include "log/CkLogPanel.h"
+#include "host/viewer/app/CkShortcutsDialog.h"
+#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/log/CkLogPanel.h"
 
 #include <QApplication>
 #include <QComboBox>

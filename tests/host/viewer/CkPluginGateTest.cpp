@@ -1,8 +1,8 @@
-#include "plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginGate.h"
 
-#include "app/CkPluginHost.h"
-#include "plugins/CkLoadingMark.h"
-#include "plugins/CkPluginProbe.h"
+#include "host/viewer/app/CkPluginHost.h"
+#include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginProbe.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "CkProbePlugin.h"
+#include "tests/host/viewer/CkProbePlugin.h"
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkImageData.h"

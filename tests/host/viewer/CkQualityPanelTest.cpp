@@ -1,8 +1,8 @@
-#include "quality/CkQualityPanel.h"
+#include "host/viewer/quality/CkQualityPanel.h"
 
-#include "ViewerPictures.h"
-#include "area/CkViewArea.h"
-#include "image/CkImageCanvas.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "tests/host/viewer/ViewerPictures.h"
 
 #include <QClipboard>
 #include <QFile>

@@ -1,8 +1,8 @@
-#include "RecordingViewFixture.h"
+#include "tests/host/viewer/RecordingViewFixture.h"
 
-#include "app/CkSessionKeeper.h"
-#include "app/CkSessionMemory.h"
-#include "app/CkViewerSettings.h"
+#include "host/viewer/app/CkSessionKeeper.h"
+#include "host/viewer/app/CkSessionMemory.h"
+#include "host/viewer/app/CkViewerSettings.h"
 
 #include <QDockWidget>
 #include <QFile>

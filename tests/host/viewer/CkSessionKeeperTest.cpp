@@ -1,8 +1,8 @@
-#include "app/CkSessionKeeper.h"
+#include "host/viewer/app/CkSessionKeeper.h"
 
-#include "ViewerFixture.h"
-#include "app/CkViewerSettings.h"
-#include "image/CkImageCanvas.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "tests/host/viewer/ViewerFixture.h"
 
 #include <QDialog>
 #include <QDockWidget>

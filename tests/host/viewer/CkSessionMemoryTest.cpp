@@ -1,8 +1,8 @@
-#include "app/CkSessionMemory.h"
+#include "host/viewer/app/CkSessionMemory.h"
 
-#include "ViewerBlocks.h"
-#include "ViewerFixture.h"
-#include "app/CkViewerSettings.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "tests/host/viewer/ViewerBlocks.h"
+#include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"
 
 #include <QAction>

@@ -1,11 +1,11 @@
 // Every key of the window, with the focus in every kind of view and panel: it belongs to one entry, and that
 // one acts.
 
-#include "RecordingViewFixture.h"
-#include "ViewerBlocks.h"
+#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/host/viewer/ViewerBlocks.h"
 
-#include "image/CkImageCanvas.h"
-#include "log/CkLogPanel.h"
+#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/log/CkLogPanel.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,10 +1,10 @@
 // Recordings under the real time-of-flight plug-in, which never hears of a camera.
 
-#include "RecordingViewFixture.h"
+#include "tests/host/viewer/RecordingViewFixture.h"
 
-#include "chain/CkChainPanel.h"
-#include "files/CkFileOpener.h"
-#include "recording/CkDepthImportDialog.h"
+#include "host/viewer/chain/CkChainPanel.h"
+#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/recording/CkDepthImportDialog.h"
 
 #include <QDialogButtonBox>
 #include <QFile>

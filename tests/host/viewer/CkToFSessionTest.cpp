@@ -1,9 +1,9 @@
 // What the window promises about every control and about the next session, with the real plug-in in it.
 
-#include "ViewerControls.h"
-#include "camera/CkCameraPanel.h"
-#include "lut/CkLutPanel.h"
-#include "quality/CkQualityPanel.h"
+#include "host/viewer/camera/CkCameraPanel.h"
+#include "host/viewer/lut/CkLutPanel.h"
+#include "host/viewer/quality/CkQualityPanel.h"
+#include "tests/host/viewer/ViewerControls.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkImageData.h"
 

@@ -1,4 +1,4 @@
-#include "TranslationFile.h"
+#include "tests/support/TranslationFile.h"
 
 namespace {
 const QString s_sources = QStringLiteral(ZU_SOURCES);

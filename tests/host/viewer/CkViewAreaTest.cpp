@@ -1,6 +1,6 @@
-#include "area/CkViewArea.h"
+#include "host/viewer/area/CkViewArea.h"
 
-#include "ViewerPictures.h"
+#include "tests/host/viewer/ViewerPictures.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
-#include "ModalDriver.h"
-#include "ViewerFixture.h"
-#include "app/CkRateGraph.h"
-#include "app/CkViewerSettings.h"
+#include "host/viewer/app/CkRateGraph.h"
+#include "host/viewer/app/CkViewerSettings.h"
+#include "tests/host/viewer/ViewerFixture.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
-#include "ViewerPictures.h"
-#include "app/pluralNumber.h"
-#include "image/CkPictureText.h"
+#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/image/CkPictureText.h"
+#include "tests/host/viewer/ViewerPictures.h"
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "LocaleScope.h"
-#include "ViewerPictures.h"
-#include "quality/CkQualityHistory.h"
-#include "quality/CkQualityMeter.h"
+#include "host/viewer/quality/CkQualityHistory.h"
+#include "host/viewer/quality/CkQualityMeter.h"
+#include "tests/host/viewer/ViewerPictures.h"
+#include "tests/support/LocaleScope.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

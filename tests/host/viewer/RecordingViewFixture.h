@@ -1,16 +1,16 @@
 #pragma once
 
-#include "ViewerFixture.h"
+#include "tests/host/viewer/ViewerFixture.h"
 
-#include "files/CkFileOpener.h"
-#include "recording/CkPlayback.h"
-#include "recording/CkPlaybackBar.h"
-#include "recording/CkRecordingDesk.h"
-#include "recording/CkRecordingJob.h"
-#include "recording/CkRecordingPanel.h"
-#include "recording/CkRecordingReader.h"
-#include "recording/CkRecordingRoom.h"
-#include "recording/CkVideoSource.h"
+#include "host/recording/CkRecordingReader.h"
+#include "host/recording/CkVideoSource.h"
+#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/recording/CkPlayback.h"
+#include "host/viewer/recording/CkPlaybackBar.h"
+#include "host/viewer/recording/CkRecordingDesk.h"
+#include "host/viewer/recording/CkRecordingJob.h"
+#include "host/viewer/recording/CkRecordingPanel.h"
+#include "host/viewer/recording/CkRecordingRoom.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,6 +1,6 @@
-#include "files/SaveFileName.h"
+#include "host/viewer/files/SaveFileName.h"
 
-#include "ModalDriver.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QComboBox>
 #include <QDir>

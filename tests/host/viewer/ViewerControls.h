@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ViewerFixture.h"
-#include "camera/CkCameraMenu.h"
+#include "host/viewer/camera/CkCameraMenu.h"
+#include "tests/host/viewer/ViewerFixture.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/CkMainWindow.h"
-#include "app/CkPluginHost.h"
-#include "app/CkViewerSession.h"
-#include "area/CkViewArea.h"
-#include "camera/CkCameraDesk.h"
-#include "image/CkImageView.h"
+#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/app/CkPluginHost.h"
+#include "host/viewer/app/CkViewerSession.h"
+#include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/image/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

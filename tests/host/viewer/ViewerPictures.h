@@ -1,6 +1,6 @@
 #pragma once
 
-#include "image/CkImageView.h"
+#include "host/viewer/image/CkImageView.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

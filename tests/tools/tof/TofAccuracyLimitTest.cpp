@@ -1,8 +1,8 @@
-#include "tof/accuracy/CkTofErrorStatistics.h"
-#include "tof/accuracy/SkTofSvgPlot.h"
-#include "tof/accuracy/TofAccuracyLimits.h"
-#include "tof/accuracy/TofAccuracyMatrix.h"
-#include "tof/accuracy/TofNoiseLimit.h"
+#include "tools/tof/accuracy/CkTofErrorStatistics.h"
+#include "tools/tof/accuracy/SkTofSvgPlot.h"
+#include "tools/tof/accuracy/TofAccuracyLimits.h"
+#include "tools/tof/accuracy/TofAccuracyMatrix.h"
+#include "tools/tof/accuracy/TofNoiseLimit.h"
 
 #include <cmath>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include "tofFixture.h"
+#include "tests/tools/tof/tofFixture.h"
 
-#include "tof/accuracy/TofAccuracyRun.h"
+#include "tools/tof/accuracy/TofAccuracyRun.h"
 
 #include <QXmlStreamReader>
 

@@ -1,6 +1,6 @@
-#include "HostileFiles.h"
-#include "TofMeasuredRun.h"
-#include "tofFixture.h"
+#include "tests/support/HostileFiles.h"
+#include "tests/tools/tof/TofMeasuredRun.h"
+#include "tests/tools/tof/tofFixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

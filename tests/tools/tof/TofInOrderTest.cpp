@@ -1,4 +1,4 @@
-#include "tof/TofInOrder.h"
+#include "tools/tof/TofInOrder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "tofFixture.h"
+#include "tests/tools/tof/tofFixture.h"
 
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 
 namespace {
 

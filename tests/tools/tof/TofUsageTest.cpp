@@ -1,4 +1,4 @@
-#include "tofFixture.h"
+#include "tests/tools/tof/tofFixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

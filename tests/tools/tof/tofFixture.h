@@ -1,8 +1,8 @@
 #pragma once
 
-#include "PaddedPicture.h"
-#include "recording/CkRecordingReader.h"
-#include "recording/CkRecordingWriter.h"
+#include "host/recording/CkRecordingReader.h"
+#include "host/recording/CkRecordingWriter.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,4 +1,4 @@
-#include "tof/accuracy/CkTofErrorStatistics.h"
+#include "tools/tof/accuracy/CkTofErrorStatistics.h"
 
 #include <algorithm>
 #include <cmath>

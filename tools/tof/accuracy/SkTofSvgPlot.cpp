@@ -1,4 +1,4 @@
-#include "tof/accuracy/SkTofSvgPlot.h"
+#include "tools/tof/accuracy/SkTofSvgPlot.h"
 
 #include <QStringList>
 

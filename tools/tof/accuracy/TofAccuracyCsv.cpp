@@ -1,4 +1,4 @@
-#include "tof/accuracy/TofAccuracyReport.h"
+#include "tools/tof/accuracy/TofAccuracyReport.h"
 
 #include <QStringList>
 

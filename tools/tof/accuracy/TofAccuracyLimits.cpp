@@ -1,4 +1,4 @@
-#include "tof/accuracy/TofAccuracyLimits.h"
+#include "tools/tof/accuracy/TofAccuracyLimits.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tof/accuracy/SkTofAccuracy.h"
+#include "tools/tof/accuracy/SkTofAccuracy.h"
 
 #include <QStringList>
 

@@ -1,4 +1,4 @@
-#include "tof/accuracy/TofAccuracyMatrix.h"
+#include "tools/tof/accuracy/TofAccuracyMatrix.h"
 
 std::vector<SkTofAccuracyPoint> SkTofAccuracyMatrix::points() const {
     std::vector<SkTofAccuracyPoint> all;

@@ -1,6 +1,6 @@
-#include "tof/accuracy/TofAccuracyPlots.h"
+#include "tools/tof/accuracy/TofAccuracyPlots.h"
 
-#include "tof/accuracy/SkTofSvgPlot.h"
+#include "tools/tof/accuracy/SkTofSvgPlot.h"
 
 #include <algorithm>
 #include <limits>

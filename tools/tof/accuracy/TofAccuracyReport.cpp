@@ -1,8 +1,8 @@
-#include "tof/accuracy/TofAccuracyReport.h"
+#include "tools/tof/accuracy/TofAccuracyReport.h"
 
-#include "tof/accuracy/TofAccuracyLimits.h"
-#include "tof/accuracy/TofAccuracyPlots.h"
-#include "tof/tofCount.h"
+#include "tools/tof/accuracy/TofAccuracyLimits.h"
+#include "tools/tof/accuracy/TofAccuracyPlots.h"
+#include "tools/tof/tofCount.h"
 
 #include <algorithm>
 #include <cmath>

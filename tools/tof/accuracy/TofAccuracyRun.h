@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tof/accuracy/SkTofAccuracy.h"
+#include "tools/tof/accuracy/SkTofAccuracy.h"
 
 /// Lets the simulated camera look at a wall of known distance, processes its raw pictures as the plug-in does
 /// (processing block, then the distances and the confidence filter of the point cloud) and compares with the

@@ -1,4 +1,4 @@
-#include "tof/accuracy/TofNoiseLimit.h"
+#include "tools/tof/accuracy/TofNoiseLimit.h"
 
 #include <cmath>
 

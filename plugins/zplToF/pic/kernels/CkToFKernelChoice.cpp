@@ -1,7 +1,7 @@
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 
-#include "pic/kernels/PlainKernels.h"
-#include "pic/kernels/SimdKernels.h"
+#include "plugins/zplToF/pic/kernels/PlainKernels.h"
+#include "plugins/zplToF/pic/kernels/SimdKernels.h"
 
 #include <atomic>
 #include <cstdlib>

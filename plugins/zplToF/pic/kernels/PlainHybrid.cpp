@@ -1,4 +1,4 @@
-#include "pic/kernels/PlainKernels.h"
+#include "plugins/zplToF/pic/kernels/PlainKernels.h"
 
 #include <algorithm>
 #include <type_traits>

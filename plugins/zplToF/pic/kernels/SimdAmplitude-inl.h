@@ -7,7 +7,7 @@
 #define TOF_SIMD_AMPLITUDE_TOGGLE
 #endif
 
-#include "pic/kernels/SimdLight-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdLight-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tofSimd {

@@ -1,11 +1,11 @@
-#include "pic/kernels/SimdTargets.h"
+#include "plugins/zplToF/pic/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "pic/kernels/SimdHybrid.cpp"
+#define HWY_TARGET_INCLUDE "plugins/zplToF/pic/kernels/SimdHybrid.cpp"
 #include <hwy/foreach_target.h>
 
-#include "pic/kernels/SimdRows-inl.h"
-#include "pic/kernels/SimdSections-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdRows-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdSections-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tofSimd {

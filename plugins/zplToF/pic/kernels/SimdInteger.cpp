@@ -1,10 +1,10 @@
-#include "pic/kernels/SimdTargets.h"
+#include "plugins/zplToF/pic/kernels/SimdTargets.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "pic/kernels/SimdInteger.cpp"
+#define HWY_TARGET_INCLUDE "plugins/zplToF/pic/kernels/SimdInteger.cpp"
 #include <hwy/foreach_target.h>
 
-#include "pic/kernels/SimdAmplitude-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdAmplitude-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tofSimd {

@@ -1,7 +1,7 @@
-#include "pic/kernels/SimdKernels.h"
+#include "plugins/zplToF/pic/kernels/SimdKernels.h"
 
-#include "pic/kernels/PlainKernels.h"
-#include "pic/kernels/SimdTargets.h"
+#include "plugins/zplToF/pic/kernels/PlainKernels.h"
+#include "plugins/zplToF/pic/kernels/SimdTargets.h"
 
 #include <hwy/highway.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pic/kernels/SkToFKernels.h"
+#include "plugins/zplToF/pic/kernels/SkToFKernels.h"
 
 #include <vector>
 

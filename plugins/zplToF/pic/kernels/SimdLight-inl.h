@@ -7,7 +7,7 @@
 #define TOF_SIMD_LIGHT_TOGGLE
 #endif
 
-#include "pic/kernels/SimdRows-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdRows-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tofSimd {

@@ -7,8 +7,8 @@
 #define TOF_SIMD_SECTIONS_TOGGLE
 #endif
 
-#include "pic/kernels/CkToFKernelChoice.h"
-#include "pic/kernels/SimdTriples-inl.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/SimdTriples-inl.h"
 
 #include <type_traits>
 

@@ -7,7 +7,7 @@
 #define TOF_SIMD_TRIPLES_TOGGLE
 #endif
 
-#include "pic/kernels/SimdRows-inl.h"
+#include "plugins/zplToF/pic/kernels/SimdRows-inl.h"
 
 #include <array>
 

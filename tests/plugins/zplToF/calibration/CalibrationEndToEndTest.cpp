@@ -1,8 +1,8 @@
-#include "CalibrationFixture.h"
+#include "tests/plugins/zplToF/calibration/CalibrationFixture.h"
 
-#include "camera/CkSimCameraDriver.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "sim/camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParam.h"
 #include "zuCore/CkCameraParameters.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "FakeAppDelegate.h"
-#include "LocaleScope.h"
-#include "ModalDriver.h"
-#include "calibration/CkToFCalibrateOffsetDlg.h"
+#include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
+#include "tests/support/FakeAppDelegate.h"
+#include "tests/support/LocaleScope.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCoreGui/CkMdiView.h"

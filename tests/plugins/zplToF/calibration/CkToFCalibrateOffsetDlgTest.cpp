@@ -1,6 +1,6 @@
-#include "CalibrationFixture.h"
+#include "tests/plugins/zplToF/calibration/CalibrationFixture.h"
 
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
 
 #include <QMetaMethod>
 #include <cmath>

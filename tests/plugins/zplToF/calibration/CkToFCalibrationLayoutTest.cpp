@@ -1,6 +1,6 @@
-#include "CalibrationFixture.h"
-#include "LayoutChecks.h"
-#include "translations/CkToFTranslation.h"
+#include "plugins/zplToF/translations/CkToFTranslation.h"
+#include "tests/plugins/zplToF/calibration/CalibrationFixture.h"
+#include "tests/support/LayoutChecks.h"
 
 #include <QLayout>
 

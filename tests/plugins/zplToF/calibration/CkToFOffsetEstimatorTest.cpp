@@ -1,6 +1,6 @@
-#include "calibration/CkToFOffsetEstimator.h"
+#include "plugins/zplToF/calibration/CkToFOffsetEstimator.h"
 
-#include "PaddedPicture.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 // Counts what the block takes from the heap for a frame, and refuses it.
 
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What comes of frame after frame, as a table: sets of phases and sections, reference sections, transforms
 // that need no set, a pool without a free picture, and the error text beside it.
 
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Frames that hold all their phases.
 
-#include "PaddedPicture.h"
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <gtest/gtest.h>

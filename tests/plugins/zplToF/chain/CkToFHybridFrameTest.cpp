@@ -1,5 +1,5 @@
-#include "PaddedPicture.h"
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
+#include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "chain/CkToFNegotiation.h"
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include <gtest/gtest.h>
 #include <string>

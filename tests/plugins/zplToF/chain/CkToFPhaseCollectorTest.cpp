@@ -1,5 +1,5 @@
-#include "chain/CkToFPhaseCollector.h"
-#include "PaddedPicture.h"
+#include "plugins/zplToF/chain/CkToFPhaseCollector.h"
+#include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>
 

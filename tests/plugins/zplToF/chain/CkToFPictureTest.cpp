@@ -1,5 +1,5 @@
-#include "chain/CkToFPicture.h"
-#include "PackedFormat.h"
+#include "plugins/zplToF/chain/CkToFPicture.h"
+#include "tests/support/PackedFormat.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <gtest/gtest.h>

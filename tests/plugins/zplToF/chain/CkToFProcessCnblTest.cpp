@@ -1,4 +1,4 @@
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 #include "zuCore/CkCameraSource.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkRTTI.h"

@@ -1,5 +1,5 @@
-#include "chain/CkToFProcessWidget.h"
-#include "ToFChainRig.h"
+#include "plugins/zplToF/chain/CkToFProcessWidget.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
 #include <QApplication>
 #include <QFrame>

@@ -1,6 +1,6 @@
 // The block on a chain's own thread.
 
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkRTTI.h"
 

@@ -1,5 +1,5 @@
-#include "chain/CkToFSectionReference.h"
-#include "PaddedPicture.h"
+#include "plugins/zplToF/chain/CkToFSectionReference.h"
+#include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Whatever descriptor and metadata a frame carries, the block answers and stays usable.
 
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
 #include <gtest/gtest.h>
 #include <random>

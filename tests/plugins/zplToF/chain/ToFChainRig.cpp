@@ -1,6 +1,6 @@
-#include "ToFChainRig.h"
+#include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
-#include "PaddedPicture.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>

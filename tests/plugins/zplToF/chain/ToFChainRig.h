@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PushSource.h"
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"
 
 #include <functional>

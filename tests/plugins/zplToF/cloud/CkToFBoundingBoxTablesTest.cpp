@@ -1,6 +1,6 @@
-#include "cloud/CkToFBoundingBoxTables.h"
+#include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
 
-#include "CloudRig.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <gmock/gmock.h>
 

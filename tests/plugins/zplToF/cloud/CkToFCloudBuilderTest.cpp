@@ -1,5 +1,5 @@
-#include "CloudRig.h"
-#include "cloud/SkToFCloudScales.h"
+#include "plugins/zplToF/cloud/SkToFCloudScales.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>

@@ -1,4 +1,4 @@
-#include "CloudRig.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
-#include "CloudReference.h"
-#include "CloudRig.h"
+#include "tests/plugins/zplToF/cloud/CloudReference.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <hwy/targets.h>
 

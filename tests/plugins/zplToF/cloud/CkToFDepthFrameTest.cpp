@@ -1,8 +1,8 @@
-#include "cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 
-#include "CloudRig.h"
-#include "PaddedPicture.h"
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
+#include "tests/support/PaddedPicture.h"
 
 #include <gmock/gmock.h>
 

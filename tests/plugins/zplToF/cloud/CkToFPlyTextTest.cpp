@@ -1,6 +1,6 @@
-#include "cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
 
-#include "CloudRig.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <QLocale>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "cloud/CkToFReusedBytes.h"
+#include "plugins/zplToF/cloud/CkToFReusedBytes.h"
 
 #include <QList>
 

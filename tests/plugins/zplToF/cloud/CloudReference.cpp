@@ -1,4 +1,4 @@
-#include "CloudReference.h"
+#include "tests/plugins/zplToF/cloud/CloudReference.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "HeapWatch.h"
+#include "tests/plugins/zplToF/cloud/HeapWatch.h"
 
 #include <malloc.h>
 #include <pthread.h>

@@ -1,6 +1,6 @@
-#include "cloud/SkToFOpticalPath.h"
+#include "plugins/zplToF/cloud/SkToFOpticalPath.h"
 
-#include "CloudRig.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 #include "zuCore/CkImageMetadata.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
-#include "CloudRig.h"
-#include "HeapWatch.h"
-#include "cloud/CkToFDepthFrame.h"
-#include "cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
+#include "tests/plugins/zplToF/cloud/HeapWatch.h"
 
 #include <gmock/gmock.h>
 

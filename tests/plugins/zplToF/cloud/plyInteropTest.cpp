@@ -1,8 +1,8 @@
 // Exported clouds as other programs read them: each one converts the PLY into a plain list of its own.
 
-#include "CloudRig.h"
-#include "cloud/CkToFDepthFrame.h"
-#include "cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <QFile>
 #include <QProcess>

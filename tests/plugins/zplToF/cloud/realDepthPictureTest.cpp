@@ -1,7 +1,7 @@
 // A cloud that another library made of a camera's depth picture, made again with our lens model.
 
-#include "CloudRig.h"
-#include "cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <QFile>
 

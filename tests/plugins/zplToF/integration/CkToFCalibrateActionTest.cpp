@@ -1,7 +1,7 @@
-#include "ModalDriver.h"
-#include "ToFRig.h"
-#include "calibration/CkToFCalibrateOffsetDlg.h"
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "integration/CkToFCameraCheck.h"
-#include "ToFRig.h"
+#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
 

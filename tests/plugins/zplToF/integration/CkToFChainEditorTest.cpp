@@ -1,5 +1,5 @@
-#include "ToFRig.h"
-#include "chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "integration/CkToFMessageBox.h"
-#include "FakeAppDelegate.h"
-#include "ModalDriver.h"
+#include "plugins/zplToF/integration/CkToFMessageBox.h"
+#include "tests/support/FakeAppDelegate.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QAbstractButton>
 #include <QPushButton>

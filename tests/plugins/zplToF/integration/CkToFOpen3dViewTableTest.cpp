@@ -1,4 +1,4 @@
-#include "ActionTable.h"
+#include "tests/plugins/zplToF/integration/ActionTable.h"
 
 namespace {
 

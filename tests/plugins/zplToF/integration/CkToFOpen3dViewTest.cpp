@@ -1,6 +1,6 @@
-#include "ToFRig.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>

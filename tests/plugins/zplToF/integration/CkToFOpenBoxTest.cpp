@@ -1,6 +1,6 @@
-#include "ToFRig.h"
-#include "integration/CkToFCameraCheck.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChainManager.h"
 

@@ -1,7 +1,7 @@
-#include "ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
 
-#include "chain/CkToFProcessCnbl.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChainManager.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FakeAppDelegate.h"
-#include "integration/CkToFActions.h"
-#include "integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFActions.h"
+#include "plugins/zplToF/integration/CkToFChainEditor.h"
+#include "tests/support/FakeAppDelegate.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"

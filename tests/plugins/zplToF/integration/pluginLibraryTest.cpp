@@ -1,4 +1,4 @@
-#include "FakeAppDelegate.h"
+#include "tests/support/FakeAppDelegate.h"
 #include "zuCore/CkPlugin.h"
 #include "zuCore/CkPluginLoader.h"
 #include "zuCore/CkRTTI.h"

@@ -1,6 +1,6 @@
-#include "LayoutChecks.h"
-#include "OpticalPathFixture.h"
-#include "translations/CkToFTranslation.h"
+#include "plugins/zplToF/translations/CkToFTranslation.h"
+#include "tests/plugins/zplToF/opticalpath/OpticalPathFixture.h"
+#include "tests/support/LayoutChecks.h"
 
 // What a person sees. Run a second time at twice the scaling.
 

@@ -1,6 +1,6 @@
-#include "OpticalPathFixture.h"
+#include "tests/plugins/zplToF/opticalpath/OpticalPathFixture.h"
 
-#include "ModalDriver.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QColorDialog>
 #include <QGridLayout>

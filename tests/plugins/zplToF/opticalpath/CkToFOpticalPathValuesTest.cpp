@@ -1,4 +1,4 @@
-#include "OpticalPathFixture.h"
+#include "tests/plugins/zplToF/opticalpath/OpticalPathFixture.h"
 
 #include <cmath>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LocaleScope.h"
-#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "tests/support/LocaleScope.h"
 #include "zuCoreGui/CkColorPickerLabel.h"
 #include "zuCoreGui/CkTuningBar.h"
 

@@ -1,7 +1,7 @@
-#include "../view3d/ViewRig.h"
-#include "LocaleScope.h"
-#include "ModalDriver.h"
-#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/support/LocaleScope.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCoreGui/CkColorPickerLabel.h"
 #include "zuCoreGui/CkTuningBar.h"
 

@@ -1,4 +1,4 @@
-#include "picTestSupport.h"
+#include "tests/plugins/zplToF/pic/picTestSupport.h"
 
 #include <gtest/gtest.h>
 

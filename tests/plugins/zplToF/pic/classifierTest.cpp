@@ -1,4 +1,4 @@
-#include "pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "picFuzz.h"
+#include "fuzz/pic/picFuzz.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "picOperations.h"
+#include "tests/plugins/zplToF/pic/picOperations.h"
 
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,5 +1,5 @@
-#include "pic/kernels/PlainKernels.h"
-#include "pic/kernels/SimdKernels.h"
+#include "plugins/zplToF/pic/kernels/PlainKernels.h"
+#include "plugins/zplToF/pic/kernels/SimdKernels.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picTestSupport.h"
+#include "tests/plugins/zplToF/pic/picTestSupport.h"
 
 #include <functional>
 #include <ostream>

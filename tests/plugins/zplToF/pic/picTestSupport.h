@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pic/CkToFPicAPI.h"
-#include "pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,12 +1,12 @@
-#include "../integration/ToFRig.h"
-#include "CkToFPlugin.h"
-#include "FakeAppDelegate.h"
-#include "LocaleScope.h"
-#include "calibration/CkToFCalibrateOffsetDlg.h"
-#include "chain/CkToFProcessCnbl.h"
-#include "chain/CkToFProcessWidget.h"
-#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/CkToFPlugin.h"
+#include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
+#include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/chain/CkToFProcessWidget.h"
+#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/support/FakeAppDelegate.h"
+#include "tests/support/LocaleScope.h"
 
 #include <QAction>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "TranslationFile.h"
+#include "tests/support/TranslationFile.h"
 
 namespace {
 const QString s_file = QStringLiteral(ZPLTOF_SOURCES "/translations/zplToF_de.ts");

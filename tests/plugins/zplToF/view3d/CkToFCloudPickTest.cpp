@@ -1,4 +1,4 @@
-#include "view3d/CkToFCloudPick.h"
+#include "plugins/zplToF/view3d/CkToFCloudPick.h"
 
 #include <QByteArray>
 #include <QMatrix4x4>

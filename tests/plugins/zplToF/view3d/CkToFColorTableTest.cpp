@@ -1,4 +1,4 @@
-#include "view3d/CkToFColorTable.h"
+#include "plugins/zplToF/view3d/CkToFColorTable.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "view3d/CkToFInputRegulator.h"
+#include "plugins/zplToF/view3d/CkToFInputRegulator.h"
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,8 +1,8 @@
-#include "cloud/CkToFCloudBuilder.h"
-#include "view3d/3dMdiView.h"
-#include "view3d/CkToFBoundingBox.h"
-#include "view3d/CkToFCloudGeometry.h"
-#include "view3d/CkToFColorTable.h"
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
+#include "plugins/zplToF/view3d/CkToFCloudGeometry.h"
+#include "plugins/zplToF/view3d/CkToFColorTable.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QSignalSpy>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PushSource.h"
+#include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

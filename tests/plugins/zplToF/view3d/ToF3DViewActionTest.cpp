@@ -1,4 +1,4 @@
-#include "ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
 #include "zuCore/CkLut.h"
 
 #include <QAction>

@@ -1,5 +1,5 @@
-#include "ViewActionRig.h"
-#include "opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
+#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
 #include "zuCoreGui/CkTuningBar.h"
 
 #include <QAction>

@@ -1,5 +1,5 @@
-#include "ViewRig.h"
-#include "view3d/CkToFGlProbe.h"
+#include "plugins/zplToF/view3d/CkToFGlProbe.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QAction>
 #include <QLabel>

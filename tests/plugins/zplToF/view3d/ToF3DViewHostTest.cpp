@@ -1,9 +1,9 @@
 // What a view takes over from the host, its chain and other views, and what it answers them.
 
-#include "NamedBlock.h"
-#include "SourceInChain.h"
-#include "ViewRig.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/SourceInChain.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/support/NamedBlock.h"
 #include "zuCore/CkLut.h"
 
 #include <QBoxLayout>

@@ -1,6 +1,6 @@
-#include "ViewRig.h"
-#include "view3d/CkToFRenderCapture.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFRenderCapture.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QFile>
 #include <QPointer>

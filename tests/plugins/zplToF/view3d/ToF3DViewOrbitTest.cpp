@@ -1,6 +1,6 @@
 // Mouse, wheel and keys move the camera by the same amount however often the scene is drawn.
 
-#include "ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
 
 #include <QMouseEvent>
 #include <QThread>

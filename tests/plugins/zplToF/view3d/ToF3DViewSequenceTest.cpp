@@ -1,9 +1,9 @@
 // What is on screen is the frame given last, whatever came before it and however many frames came between two
 // drawings. Runs once on X11 (points) and once on Wayland (quads).
 
-#include "ViewRig.h"
-#include "view3d/CkToFColorTable.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFColorTable.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QHash>
 #include <QWidget>

@@ -1,7 +1,7 @@
-#include "ModalDriver.h"
-#include "SourceInChain.h"
-#include "ViewRig.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/SourceInChain.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/support/ModalDriver.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkLut.h"
 

@@ -1,5 +1,5 @@
-#include "ViewRig.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QGuiApplication>
 #include <QLabel>

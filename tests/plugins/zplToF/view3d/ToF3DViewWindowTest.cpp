@@ -1,6 +1,6 @@
 // The native window of the scene inside the widgets around it: keys, drops, and the tool bar above it.
 
-#include "ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
 
 #include <QAction>
 #include <QDragEnterEvent>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ModalDriver.h"
-#include "ViewRig.h"
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/support/ModalDriver.h"
 
 #include <QFileDialog>
 #include <QLabel>

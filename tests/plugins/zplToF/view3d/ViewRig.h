@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FakeAppDelegate.h"
-#include "view3d/3dMdiView.h"
+#include "plugins/zplToF/view3d/3dMdiView.h"
+#include "tests/support/FakeAppDelegate.h"
 #include "zuCore/CkImageData.h"
 
 #include <QImage>

@@ -1,9 +1,9 @@
 // On its own, as it replaces the allocation functions of the whole program.
 
-#include "ViewRig.h"
-#include "cloud/HeapWatch.h"
+#include "tests/plugins/zplToF/cloud/HeapWatch.h"
+#include "tests/plugins/zplToF/view3d/ViewRig.h"
 
-#include "view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/CkToFScene.h"
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
 

@@ -1,5 +1,5 @@
-#include "PackedFormat.h"
-#include "PaddedPicture.h"
+#include "tests/support/PackedFormat.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "CkPicMemory.h"
+#include "host/picture/CkPicMemory.h"
 
 #include <cstdint>
 #include <cstdlib>

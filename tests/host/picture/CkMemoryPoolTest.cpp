@@ -1,5 +1,5 @@
 #include "zuCore/CkMemoryPool.h"
-#include "PackedFormat.h"
+#include "tests/support/PackedFormat.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <atomic>

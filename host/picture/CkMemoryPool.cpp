@@ -1,6 +1,6 @@
 #include "zuCore/CkMemoryPool.h"
 
-#include "CkPicMemory.h"
+#include "host/picture/CkPicMemory.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cstring>

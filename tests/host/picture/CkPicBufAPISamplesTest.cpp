@@ -1,4 +1,4 @@
-#include "PaddedPicture.h"
+#include "tests/support/PaddedPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

@@ -2,8 +2,8 @@
 
 #include "zuCore/CkPicBufAPI.h"
 
-#include "CkPicMemory.h"
-#include "pictureChecks.h"
+#include "host/picture/CkPicMemory.h"
+#include "host/picture/pictureChecks.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <limits>

@@ -2,8 +2,8 @@
 
 #include "zuCore/CkPicBufAPI.h"
 
-#include "pictureChecks.h"
-#include "pictureSamples.h"
+#include "host/picture/pictureChecks.h"
+#include "host/picture/pictureSamples.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 #include "zuCore/CkLut.h"
-#include "PaddedPicture.h"
+#include "tests/support/PaddedPicture.h"
 
 #include <QSet>
 #include <cmath>

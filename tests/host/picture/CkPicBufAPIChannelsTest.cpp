@@ -1,5 +1,5 @@
-#include "PaddedPicture.h"
-#include "SampleTypes.h"
+#include "tests/support/PaddedPicture.h"
+#include "tests/support/SampleTypes.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

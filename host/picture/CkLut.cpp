@@ -1,8 +1,8 @@
 #include "zuCore/CkLut.h"
 
-#include "pictureChecks.h"
-#include "pictureSamples.h"
-#include "pseudoColors.h"
+#include "host/picture/pictureChecks.h"
+#include "host/picture/pictureSamples.h"
+#include "host/picture/pseudoColors.h"
 
 #include <algorithm>
 #include <cmath>

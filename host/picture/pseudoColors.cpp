@@ -1,4 +1,4 @@
-#include "pseudoColors.h"
+#include "host/picture/pseudoColors.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "zuCore/CkPicBufAPI.h"
 
-#include "pictureChecks.h"
+#include "host/picture/pictureChecks.h"
 
 #include <cstring>
 
