@@ -5,8 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 lupdate=${LUPDATE:-$(command -v lupdate || echo /usr/lib/qt6/bin/lupdate)}
 
-"$lupdate" hostsdk host sim/camera -locations none -no-obsolete -ts host/viewer/translations/zuviewer_de.ts
+"$lupdate" hostsdk host sim/camera -I . -locations none -no-obsolete -ts host/viewer/translations/zuviewer_de.ts
 # In English only what has a singular and a plural.
-"$lupdate" hostsdk host sim/camera -locations none -no-obsolete -pluralonly -source-language en -target-language en \
+"$lupdate" hostsdk host sim/camera -I . -locations none -no-obsolete -pluralonly -source-language en -target-language en \
     -ts host/viewer/translations/zuviewer_en.ts
-"$lupdate" plugins/zplToF -locations none -no-obsolete -ts plugins/zplToF/translations/zplToF_de.ts
+"$lupdate" plugins/zplToF -I . -locations none -no-obsolete -ts plugins/zplToF/translations/zplToF_de.ts

@@ -10,7 +10,7 @@ const QStringList s_folders = {s_sources + "/hostsdk", s_sources + "/host", s_so
 TEST(ViewerTranslationFile, IsInStepWithTheSources) {
     const TranslationFile file(s_file);
     // As scripts/update-translations.sh does it.
-    file.expectInStepWith(s_folders, ZU_LUPDATE);
+    file.expectInStepWith(s_folders, ZU_LUPDATE, {"-I", ZU_SOURCES});
     EXPECT_EQ(file.translationOf("CkMainWindow", "&File"), "&Datei");
     EXPECT_EQ(file.translationOf("CkExportToolButton", "Save to file..."), "In Datei speichern...");
     EXPECT_EQ(file.translationOf("CkSimCamera", "Exposure"), "Belichtung");
@@ -53,7 +53,7 @@ TEST(TranslationFaults, AreFound) {
 
 TEST(ViewerTranslationFile, EnglishHasASingularAndAPluralForEveryNumber) {
     const TranslationFile file(s_english);
-    file.expectInStepWith(s_folders, ZU_LUPDATE, {"-pluralonly"});
+    file.expectInStepWith(s_folders, ZU_LUPDATE, {"-I", ZU_SOURCES, "-pluralonly"});
     file.expectWhole();
     file.expectSameShape();
     QStringList counting;

@@ -6,7 +6,7 @@ const QString s_file = QStringLiteral(ZPLTOF_SOURCES "/translations/zplToF_de.ts
 
 TEST(ToFTranslationFile, IsInStepWithTheSources) {
     const TranslationFile file(s_file);
-    file.expectInStepWith({ZPLTOF_SOURCES}, ZU_LUPDATE);
+    file.expectInStepWith({ZPLTOF_SOURCES}, ZU_LUPDATE, {"-I", ZPLTOF_SOURCES "/../.."});
     EXPECT_EQ(file.translationOf("CkToFOpticalPathSettingsDlg", "3D View Settings"),
               "Einstellungen der 3D-Ansicht");
 }
