@@ -3,7 +3,7 @@
 #include "fuzz/FuzzBytes.h"
 #include "fuzz/FuzzFile.h"
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

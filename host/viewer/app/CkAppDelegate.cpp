@@ -1,8 +1,8 @@
 #include "host/viewer/app/CkAppDelegate.h"
 
 #include "host/viewer/app/CkMainWindow.h"
-#include "host/viewer/app/CkViewerSettings.h"
 #include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/camera/CkCameraDesk.h"
 #include "host/viewer/camera/CkCameraPanel.h"
 #include "host/viewer/image/CkImageView.h"

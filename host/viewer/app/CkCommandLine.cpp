@@ -1,6 +1,6 @@
 #include "host/viewer/app/CkCommandLine.h"
 
-#include "host/viewer/app/CkViewerLanguage.h"
+#include "host/viewer/base/CkViewerLanguage.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/app/CkSessionMemory.h"
-#include "host/viewer/app/CkViewerSettings.h"
 #include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/base/CkViewerSettings.h"
 
 #include <QSettings>
 

@@ -1,6 +1,6 @@
 #include "host/viewer/camera/CkCameraMenu.h"
 
-#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/camera/CkCameraDesk.h"
 #include "host/viewer/camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"

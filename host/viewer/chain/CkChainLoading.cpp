@@ -1,7 +1,7 @@
 #include "host/viewer/chain/CkChainLoading.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
 
 namespace {
 

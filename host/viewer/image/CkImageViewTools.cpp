@@ -1,6 +1,6 @@
 // The image view's own tool bar, context menu and files.
 
-#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/image/CkColorLegend.h"
 #include "host/viewer/image/CkImageCanvas.h"
 #include "host/viewer/image/CkImageView.h"

@@ -1,7 +1,7 @@
 #include "host/viewer/image/CkPictureFile.h"
 
 #include "host/recording/SkFrameDescription.h"
-#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/image/CkDisplayTable.h"
 #include "host/viewer/image/CkPictureText.h"
 #include "zuCore/CkPicBufAPI.h"

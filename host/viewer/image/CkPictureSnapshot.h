@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/base/SaveFileName.h"
 
 #include <QCoreApplication>
 #include <QImage>

@@ -1,6 +1,6 @@
 #include "host/viewer/image/CkPictureText.h"
 
-#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/image/CkDisplayTable.h"
 
 #include <QStringList>

@@ -1,7 +1,7 @@
 #include "host/viewer/lut/CkLutPanel.h"
 
-#include "host/viewer/app/CkViewerSettings.h"
 #include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/image/CkImageView.h"
 #include "host/viewer/image/CkPictureText.h"
 #include "host/viewer/lut/CkHistogramWidget.h"

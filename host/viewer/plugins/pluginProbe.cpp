@@ -1,7 +1,7 @@
 // Loads one plug-in, starts it and ends it, so that whatever it does to a program happens here and not in the
 // viewer.
 
-#include "host/viewer/app/CkViewerLanguage.h"
+#include "host/viewer/base/CkViewerLanguage.h"
 #include "host/viewer/plugins/CkProbeDelegate.h"
 #include "host/viewer/plugins/PluginProbeSteps.h"
 #include "zuCore/CkPluginLoader.h"

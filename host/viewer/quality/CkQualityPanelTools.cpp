@@ -1,8 +1,8 @@
 // The quality panel's controls, and what leaves it.
 
-#include "host/viewer/app/pluralNumber.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/base/SaveFileName.h"
+#include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/image/CkImageView.h"
 #include "host/viewer/image/CkPictureText.h"
 #include "host/viewer/quality/CkQualityPanel.h"

@@ -1,9 +1,9 @@
 #include "host/viewer/recording/CkRecordingOpening.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/app/pluralNumber.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/image/CkImageView.h"
 #include "host/viewer/recording/CkDepthImportDialog.h"
 #include "host/viewer/recording/CkRecordingNotes.h"

@@ -1,6 +1,6 @@
 #include "host/viewer/recording/CkRecordingPanel.h"
 
-#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/recording/CkPlaybackBar.h"
 #include "host/viewer/recording/CkRecordingDesk.h"
 #include "host/viewer/recording/CkRecordingJob.h"

@@ -1,7 +1,7 @@
 #include "tests/host/viewer/ViewerFixture.h"
 
 #include "host/viewer/area/CkViewNotices.h"
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/chain/CkChainPanel.h"
 #include "host/viewer/chain/CkChainTree.h"
 #include "host/viewer/image/CkImageCanvas.h"

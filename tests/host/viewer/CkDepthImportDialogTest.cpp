@@ -1,7 +1,7 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/support/LocaleScope.h"
 
-#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/recording/CkDepthImportDialog.h"
 #include "host/viewer/recording/CkStillPicture.h"
 

@@ -1,4 +1,4 @@
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/chain/CkChainTree.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/ViewerFixture.h"

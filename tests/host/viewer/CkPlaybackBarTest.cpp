@@ -1,7 +1,7 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/app/CkShortcutsDialog.h"
-#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/image/CkImageCanvas.h"
 #include "host/viewer/log/CkLogPanel.h"
 

@@ -2,7 +2,7 @@
 
 #include "host/viewer/app/CkSessionKeeper.h"
 #include "host/viewer/app/CkSessionMemory.h"
-#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/base/CkViewerSettings.h"
 
 #include <QDockWidget>
 #include <QFile>

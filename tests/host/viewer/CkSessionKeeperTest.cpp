@@ -1,6 +1,6 @@
 #include "host/viewer/app/CkSessionKeeper.h"
 
-#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/image/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerFixture.h"
 

@@ -1,6 +1,6 @@
 #include "host/viewer/app/CkSessionMemory.h"
 
-#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/base/CkViewerSettings.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"

@@ -2,8 +2,8 @@
 
 #include "tests/host/viewer/RecordingViewFixture.h"
 
+#include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/chain/CkChainPanel.h"
-#include "host/viewer/files/CkFileOpener.h"
 #include "host/viewer/recording/CkDepthImportDialog.h"
 
 #include <QDialogButtonBox>

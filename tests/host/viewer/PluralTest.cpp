@@ -1,4 +1,4 @@
-#include "host/viewer/app/pluralNumber.h"
+#include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/image/CkPictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
 

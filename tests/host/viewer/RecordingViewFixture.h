@@ -4,7 +4,7 @@
 
 #include "host/recording/CkRecordingReader.h"
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/recording/CkPlayback.h"
 #include "host/viewer/recording/CkPlaybackBar.h"
 #include "host/viewer/recording/CkRecordingDesk.h"

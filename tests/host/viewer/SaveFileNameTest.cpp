@@ -1,4 +1,4 @@
-#include "host/viewer/files/SaveFileName.h"
+#include "host/viewer/base/SaveFileName.h"
 
 #include "tests/support/ModalDriver.h"
 

@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkViewerSettings.h"
+#include "host/viewer/base/CkViewerSettings.h"
 
 #include "zuCore/CkLut.h"
 

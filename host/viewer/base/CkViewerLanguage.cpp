@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkViewerLanguage.h"
+#include "host/viewer/base/CkViewerLanguage.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>

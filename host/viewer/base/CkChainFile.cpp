@@ -1,4 +1,4 @@
-#include "host/viewer/chain/CkChainFile.h"
+#include "host/viewer/base/CkChainFile.h"
 
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"

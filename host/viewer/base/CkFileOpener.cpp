@@ -1,4 +1,4 @@
-#include "host/viewer/files/CkFileOpener.h"
+#include "host/viewer/base/CkFileOpener.h"
 
 #include <QFile>
 #include <QFileInfo>
