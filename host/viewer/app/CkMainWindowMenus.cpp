@@ -8,8 +8,8 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/camera/CkCameraDesk.h"
-#include "host/viewer/image/CkImageView.h"
 #include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/recording/CkRecordingRoom.h"
 #include "zuCore/CkChain.h"
 

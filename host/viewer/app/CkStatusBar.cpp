@@ -2,8 +2,8 @@
 
 #include "host/viewer/app/CkRateGraph.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/image/CkImageView.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 

@@ -1,7 +1,7 @@
 #include "host/viewer/area/CkViewNotices.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"

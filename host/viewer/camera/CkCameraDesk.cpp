@@ -2,7 +2,7 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/camera/CkCameraPanel.h"
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraSource.h"
 #include "zuCore/CkChain.h"

@@ -1,6 +1,6 @@
 #include "host/viewer/chain/CkChainTree.h"
 
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageProvider.h"

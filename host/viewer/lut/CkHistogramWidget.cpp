@@ -1,6 +1,6 @@
 #include "host/viewer/lut/CkHistogramWidget.h"
 
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 
 #include <QMouseEvent>
 #include <QPainter>

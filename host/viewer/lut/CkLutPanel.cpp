@@ -2,9 +2,9 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/image/CkImageView.h"
-#include "host/viewer/image/CkPictureText.h"
 #include "host/viewer/lut/CkHistogramWidget.h"
+#include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 

@@ -1,9 +1,9 @@
 #include "host/viewer/quality/CkQualityPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/image/CkImageCanvas.h"
-#include "host/viewer/image/CkImageView.h"
-#include "host/viewer/image/CkSaturation.h"
+#include "host/viewer/picture/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/picture/CkSaturation.h"
 #include "host/viewer/quality/CkQualityPlot.h"
 #include "host/viewer/quality/CkRegionOverlay.h"
 #include "zuCore/CkChain.h"

@@ -1,6 +1,6 @@
 #include "host/viewer/quality/CkRegionOverlay.h"
 
-#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QMouseEvent>
 #include <QPainter>

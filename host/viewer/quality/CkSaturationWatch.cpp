@@ -1,7 +1,7 @@
 #include "host/viewer/quality/CkSaturationWatch.h"
 
-#include "host/viewer/image/CkSampleVisitor.h"
-#include "host/viewer/image/CkSaturation.h"
+#include "host/viewer/picture/CkSampleVisitor.h"
+#include "host/viewer/picture/CkSaturation.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

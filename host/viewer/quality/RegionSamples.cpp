@@ -1,6 +1,6 @@
 #include "host/viewer/quality/RegionSamples.h"
 
-#include "host/viewer/image/CkSampleVisitor.h"
+#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

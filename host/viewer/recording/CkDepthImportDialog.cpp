@@ -1,7 +1,7 @@
 #include "host/viewer/recording/CkDepthImportDialog.h"
 
-#include "host/viewer/image/CkDisplayTable.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkImageData.h"
 
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #include "host/viewer/recording/CkPlaybackBar.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "host/viewer/recording/CkPlayback.h"
 #include "host/viewer/recording/CkWrapLayout.h"
 

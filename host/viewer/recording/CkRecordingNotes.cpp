@@ -2,7 +2,7 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/app/CkCommandLine.h"
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkLut.h"

@@ -4,7 +4,7 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/recording/CkDepthImportDialog.h"
 #include "host/viewer/recording/CkRecordingNotes.h"
 #include "host/viewer/recording/CkStillPicture.h"

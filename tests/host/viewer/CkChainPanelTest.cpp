@@ -4,7 +4,7 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/chain/CkChainPanel.h"
 #include "host/viewer/chain/CkChainTree.h"
-#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/support/PushSource.h"
 #include "zuCore/CkCameraSource.h"

@@ -1,7 +1,7 @@
-#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/picture/CkDisplayTable.h"
 
-#include "host/viewer/image/CkPictureStatistics.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureStatistics.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/PaddedPicture.h"
 #include "tests/support/SampleTypes.h"

@@ -1,8 +1,8 @@
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 
-#include "host/viewer/image/CkColorLegend.h"
-#include "host/viewer/image/CkImageCanvas.h"
-#include "host/viewer/image/CkPictureSnapshot.h"
+#include "host/viewer/picture/CkColorLegend.h"
+#include "host/viewer/picture/CkImageCanvas.h"
+#include "host/viewer/picture/CkPictureSnapshot.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/ModalDriver.h"
 #include "zuCore/CkLut.h"

@@ -1,6 +1,6 @@
-#include "host/viewer/image/CkPictureFile.h"
+#include "host/viewer/picture/CkPictureFile.h"
 
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "tests/host/viewer/ViewerPictures.h"
 
 #include <QFile>

@@ -2,8 +2,8 @@
 
 #include "host/viewer/app/CkShortcutsDialog.h"
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/image/CkImageCanvas.h"
 #include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #include "host/viewer/quality/CkQualityPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerPictures.h"
 
 #include <QClipboard>

@@ -1,4 +1,4 @@
-#include "host/viewer/image/CkSaturation.h"
+#include "host/viewer/picture/CkSaturation.h"
 #include "host/viewer/quality/CkQualityMeter.h"
 #include "host/viewer/quality/CkSaturationWatch.h"
 #include "tests/host/viewer/ViewerPictures.h"

@@ -1,7 +1,7 @@
 #include "host/viewer/app/CkSessionKeeper.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerFixture.h"
 
 #include <QDialog>

@@ -4,8 +4,8 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 
-#include "host/viewer/image/CkImageCanvas.h"
 #include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,5 +1,5 @@
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
 
 #include <QCoreApplication>

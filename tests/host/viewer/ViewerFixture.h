@@ -5,7 +5,7 @@
 #include "host/viewer/app/CkViewerSession.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/camera/CkCameraDesk.h"
-#include "host/viewer/image/CkImageView.h"
+#include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

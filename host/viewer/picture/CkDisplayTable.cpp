@@ -1,6 +1,6 @@
-#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/picture/CkDisplayTable.h"
 
-#include "host/viewer/image/CkSampleVisitor.h"
+#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkLut.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -1,6 +1,6 @@
-#include "host/viewer/image/CkColorLegend.h"
+#include "host/viewer/picture/CkColorLegend.h"
 
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 
 #include <QPainter>
 #include <cmath>

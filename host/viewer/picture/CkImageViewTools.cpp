@@ -1,11 +1,11 @@
 // The image view's own tool bar, context menu and files.
 
 #include "host/viewer/base/SaveFileName.h"
-#include "host/viewer/image/CkColorLegend.h"
-#include "host/viewer/image/CkImageCanvas.h"
-#include "host/viewer/image/CkImageView.h"
-#include "host/viewer/image/CkPictureSnapshot.h"
-#include "host/viewer/image/CkToolIcons.h"
+#include "host/viewer/picture/CkColorLegend.h"
+#include "host/viewer/picture/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/picture/CkPictureSnapshot.h"
+#include "host/viewer/picture/CkToolIcons.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "host/viewer/image/CkImageCanvas.h"
+#include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,4 +1,4 @@
-#include "host/viewer/image/CkSaturation.h"
+#include "host/viewer/picture/CkSaturation.h"
 
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageSource.h"

@@ -1,6 +1,6 @@
-#include "host/viewer/image/CkPictureSnapshot.h"
+#include "host/viewer/picture/CkPictureSnapshot.h"
 
-#include "host/viewer/image/CkPictureFile.h"
+#include "host/viewer/picture/CkPictureFile.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

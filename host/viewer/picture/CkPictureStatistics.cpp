@@ -1,6 +1,6 @@
-#include "host/viewer/image/CkPictureStatistics.h"
+#include "host/viewer/picture/CkPictureStatistics.h"
 
-#include "host/viewer/image/CkSampleVisitor.h"
+#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkPictureText.h"
 
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/image/CkDisplayTable.h"
+#include "host/viewer/picture/CkDisplayTable.h"
 
 #include <QStringList>
 #include <algorithm>

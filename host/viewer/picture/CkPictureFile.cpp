@@ -1,9 +1,9 @@
-#include "host/viewer/image/CkPictureFile.h"
+#include "host/viewer/picture/CkPictureFile.h"
 
 #include "host/recording/SkFrameDescription.h"
 #include "host/viewer/base/SaveFileName.h"
-#include "host/viewer/image/CkDisplayTable.h"
-#include "host/viewer/image/CkPictureText.h"
+#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QBuffer>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/viewer/image/CkDisplayTable.h"
-#include "host/viewer/image/CkPictureStatistics.h"
+#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/CkPictureStatistics.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "host/viewer/image/CkToolIcons.h"
+#include "host/viewer/picture/CkToolIcons.h"
 
 #include <QPainter>
 #include <QPalette>
