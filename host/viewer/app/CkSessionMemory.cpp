@@ -3,7 +3,7 @@
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/recording/CkRecordingNotes.h"

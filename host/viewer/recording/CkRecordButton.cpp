@@ -1,6 +1,6 @@
 #include "host/viewer/recording/CkRecordButton.h"
 
-#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/recording/CkRecordingDesk.h"
 #include "host/viewer/recording/CkRecordingJob.h"
 #include "zuCore/CkImageSource.h"

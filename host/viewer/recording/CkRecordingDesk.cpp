@@ -5,7 +5,7 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/recording/CkRecordingJob.h"
 #include "host/viewer/recording/CkRecordingNotes.h"
 #include "zuCore/CkChain.h"

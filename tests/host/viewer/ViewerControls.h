@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/camera/CkCameraMenu.h"
+#include "host/viewer/panels/camera/CkCameraMenu.h"
 #include "tests/host/viewer/ViewerFixture.h"
 
 #include <QAbstractButton>

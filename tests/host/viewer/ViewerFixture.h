@@ -4,7 +4,7 @@
 #include "host/viewer/app/CkPluginHost.h"
 #include "host/viewer/app/CkViewerSession.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"

@@ -1,7 +1,7 @@
-#include "host/viewer/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/camera/CkCameraPanel.h"
+#include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraSource.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/camera/CkNumberField.h"
+#include "host/viewer/panels/camera/CkNumberField.h"
 
 #include <QTimer>
 

@@ -1,4 +1,4 @@
-#include "host/viewer/camera/CkNumberField.h"
+#include "host/viewer/panels/camera/CkNumberField.h"
 
 #include <QLocale>
 #include <QRegularExpression>

@@ -1,4 +1,4 @@
-#include "host/viewer/camera/CkParamEditor.h"
+#include "host/viewer/panels/camera/CkParamEditor.h"
 
 #include "zuCore/CkCameraParam.h"
 #include "zuCoreGui/CkTuningBar.h"

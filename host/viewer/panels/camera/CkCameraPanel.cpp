@@ -1,6 +1,6 @@
-#include "host/viewer/camera/CkCameraPanel.h"
+#include "host/viewer/panels/camera/CkCameraPanel.h"
 
-#include "host/viewer/camera/CkParamEditor.h"
+#include "host/viewer/panels/camera/CkParamEditor.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParameters.h"
 

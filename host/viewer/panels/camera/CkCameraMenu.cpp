@@ -1,8 +1,8 @@
-#include "host/viewer/camera/CkCameraMenu.h"
+#include "host/viewer/panels/camera/CkCameraMenu.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/camera/CkCameraDesk.h"
-#include "host/viewer/camera/CkCameraPanel.h"
+#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"
 
 #include <QAction>
