@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/app/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionMemory.h"
 #include "zuCore/CkChainable.h"
 
 #include <QMainWindow>

@@ -1,8 +1,8 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
-#include "host/viewer/app/CkSessionKeeper.h"
-#include "host/viewer/app/CkSessionMemory.h"
 #include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/session/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionMemory.h"
 
 #include <QDockWidget>
 #include <QFile>

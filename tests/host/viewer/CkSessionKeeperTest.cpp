@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionKeeper.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/picture/CkImageCanvas.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionMemory.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "tests/host/viewer/ViewerBlocks.h"

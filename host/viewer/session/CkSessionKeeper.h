@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/app/SkWindowLayout.h"
+#include "host/viewer/session/SkWindowLayout.h"
 
 #include <QElapsedTimer>
 #include <QObject>

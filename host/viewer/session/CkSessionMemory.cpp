@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionMemory.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/app/CkMainWindow.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionKeeper.h"
 
 #include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/chain/CkChainLoading.h"
+#include "host/viewer/session/CkChainLoading.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/base/CkChainFile.h"
