@@ -1,5 +1,5 @@
-#include "host/viewer/chain/CkChainPanel.h"
-#include "host/viewer/chain/CkChainTree.h"
+#include "host/viewer/panels/chain/CkChainPanel.h"
+#include "host/viewer/panels/chain/CkChainTree.h"
 #include "tests/system/SystemFixture.h"
 
 #include <QRadioButton>

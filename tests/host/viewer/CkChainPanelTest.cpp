@@ -2,8 +2,8 @@
 
 #include "host/viewer/area/CkViewNotices.h"
 #include "host/viewer/base/CkChainFile.h"
-#include "host/viewer/chain/CkChainPanel.h"
-#include "host/viewer/chain/CkChainTree.h"
+#include "host/viewer/panels/chain/CkChainPanel.h"
+#include "host/viewer/panels/chain/CkChainTree.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/support/PushSource.h"

@@ -1,5 +1,5 @@
 #include "host/viewer/base/CkChainFile.h"
-#include "host/viewer/chain/CkChainTree.h"
+#include "host/viewer/panels/chain/CkChainTree.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"

@@ -1,7 +1,7 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/chain/CkChainEditor.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
+#include "host/viewer/panels/chain/CkChainEditor.h"
 #include "host/viewer/recording/CkRecordButton.h"
 #include "host/viewer/recording/CkRecordingNotes.h"
 #include "tests/host/viewer/RecordingViewFixture.h"

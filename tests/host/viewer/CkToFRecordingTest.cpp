@@ -3,7 +3,7 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/chain/CkChainPanel.h"
+#include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/recording/CkDepthImportDialog.h"
 
 #include <QDialogButtonBox>

@@ -1,4 +1,4 @@
-#include "host/viewer/chain/CkChainEditor.h"
+#include "host/viewer/panels/chain/CkChainEditor.h"
 
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/chain/CkChainTree.h"
+#include "host/viewer/panels/chain/CkChainTree.h"
 
 #include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkChain.h"

@@ -1,8 +1,8 @@
-#include "host/viewer/chain/CkChainPanel.h"
+#include "host/viewer/panels/chain/CkChainPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/chain/CkChainEditor.h"
-#include "host/viewer/chain/CkChainTree.h"
+#include "host/viewer/panels/chain/CkChainEditor.h"
+#include "host/viewer/panels/chain/CkChainTree.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
