@@ -2,8 +2,8 @@
 
 #include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/lut/CkLutPanel.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
+#include "host/viewer/panels/lut/CkLutPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/quality/CkQualityPanel.h"

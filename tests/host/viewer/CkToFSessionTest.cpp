@@ -1,7 +1,7 @@
 // What the window promises about every control and about the next session, with the real plug-in in it.
 
-#include "host/viewer/lut/CkLutPanel.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
+#include "host/viewer/panels/lut/CkLutPanel.h"
 #include "host/viewer/quality/CkQualityPanel.h"
 #include "tests/host/viewer/ViewerControls.h"
 #include "zuCore/CkCameraParameters.h"

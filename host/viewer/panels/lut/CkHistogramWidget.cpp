@@ -1,4 +1,4 @@
-#include "host/viewer/lut/CkHistogramWidget.h"
+#include "host/viewer/panels/lut/CkHistogramWidget.h"
 
 #include "host/viewer/picture/CkPictureText.h"
 

@@ -1,8 +1,8 @@
-#include "host/viewer/lut/CkLutPanel.h"
+#include "host/viewer/panels/lut/CkLutPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/lut/CkHistogramWidget.h"
+#include "host/viewer/panels/lut/CkHistogramWidget.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/CkPictureText.h"
 #include "zuCore/CkImageData.h"
