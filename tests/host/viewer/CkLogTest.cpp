@@ -1,6 +1,6 @@
-#include "host/viewer/log/CkLogModel.h"
-#include "host/viewer/log/CkLogPanel.h"
-#include "host/viewer/log/CkLogSink.h"
+#include "host/viewer/panels/log/CkLogModel.h"
+#include "host/viewer/panels/log/CkLogPanel.h"
+#include "host/viewer/panels/log/CkLogSink.h"
 
 #include <QComboBox>
 #include <QCoreApplication>

@@ -2,7 +2,7 @@
 
 #include "host/viewer/app/CkShortcutsDialog.h"
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QApplication>

@@ -4,7 +4,7 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 
-#include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 
 #include <QApplication>

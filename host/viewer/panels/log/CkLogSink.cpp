@@ -1,4 +1,4 @@
-#include "host/viewer/log/CkLogSink.h"
+#include "host/viewer/panels/log/CkLogSink.h"
 
 CkLogSink* CkLogSink::instance() {
     // Never deleted: threads may still log while the program ends.

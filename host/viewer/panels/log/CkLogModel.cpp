@@ -1,4 +1,4 @@
-#include "host/viewer/log/CkLogModel.h"
+#include "host/viewer/panels/log/CkLogModel.h"
 
 #include <QColor>
 

@@ -1,7 +1,7 @@
-#include "host/viewer/log/CkLogPanel.h"
+#include "host/viewer/panels/log/CkLogPanel.h"
 
-#include "host/viewer/log/CkLogModel.h"
-#include "host/viewer/log/CkLogSink.h"
+#include "host/viewer/panels/log/CkLogModel.h"
+#include "host/viewer/panels/log/CkLogSink.h"
 
 #include <QAction>
 #include <QApplication>

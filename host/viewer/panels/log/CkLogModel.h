@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/log/CkLogSink.h"
+#include "host/viewer/panels/log/CkLogSink.h"
 
 #include <QAbstractTableModel>
 #include <QSortFilterProxyModel>
