@@ -4,9 +4,9 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
+#include "host/viewer/panels/quality/CkQualityPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/quality/CkQualityPanel.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkQualityPanel.h"
+#include "host/viewer/panels/quality/CkQualityPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/picture/CkImageCanvas.h"

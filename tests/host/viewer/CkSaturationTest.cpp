@@ -1,6 +1,6 @@
 #include "host/viewer/picture/CkSaturation.h"
-#include "host/viewer/quality/CkQualityMeter.h"
-#include "host/viewer/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkQualityMeter.h"
+#include "host/viewer/panels/quality/CkSaturationWatch.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"

@@ -2,7 +2,7 @@
 
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
-#include "host/viewer/quality/CkQualityPanel.h"
+#include "host/viewer/panels/quality/CkQualityPanel.h"
 #include "tests/host/viewer/ViewerControls.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkImageData.h"

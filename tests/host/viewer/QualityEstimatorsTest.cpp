@@ -1,5 +1,5 @@
-#include "host/viewer/quality/CkQualityHistory.h"
-#include "host/viewer/quality/CkQualityMeter.h"
+#include "host/viewer/panels/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/CkQualityMeter.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/LocaleScope.h"
 

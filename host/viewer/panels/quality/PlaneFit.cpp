@@ -1,4 +1,4 @@
-#include "host/viewer/quality/PlaneFit.h"
+#include "host/viewer/panels/quality/PlaneFit.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,10 +3,10 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/base/pluralNumber.h"
+#include "host/viewer/panels/quality/CkQualityPanel.h"
+#include "host/viewer/panels/quality/CkQualityPlot.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/CkPictureText.h"
-#include "host/viewer/quality/CkQualityPanel.h"
-#include "host/viewer/quality/CkQualityPlot.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 

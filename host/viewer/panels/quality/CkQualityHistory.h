@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/quality/SkQualityValues.h"
+#include "host/viewer/panels/quality/SkQualityValues.h"
 
 #include <QCoreApplication>
 #include <QList>

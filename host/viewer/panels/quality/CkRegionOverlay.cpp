@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkRegionOverlay.h"
+#include "host/viewer/panels/quality/CkRegionOverlay.h"
 
 #include "host/viewer/picture/CkImageCanvas.h"
 

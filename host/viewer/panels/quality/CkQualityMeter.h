@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/viewer/quality/CkTemporalStatistics.h"
-#include "host/viewer/quality/PlaneFit.h"
-#include "host/viewer/quality/RegionSamples.h"
-#include "host/viewer/quality/SkQualityValues.h"
+#include "host/viewer/panels/quality/CkTemporalStatistics.h"
+#include "host/viewer/panels/quality/PlaneFit.h"
+#include "host/viewer/panels/quality/RegionSamples.h"
+#include "host/viewer/panels/quality/SkQualityValues.h"
 
 #include <QSize>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/viewer/quality/CkQualityHistory.h"
-#include "host/viewer/quality/CkQualityMeter.h"
-#include "host/viewer/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/CkQualityMeter.h"
+#include "host/viewer/panels/quality/CkSaturationWatch.h"
 
 #include <QHash>
 #include <QPointer>

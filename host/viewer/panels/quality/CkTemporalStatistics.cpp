@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkTemporalStatistics.h"
+#include "host/viewer/panels/quality/CkTemporalStatistics.h"
 
 #include <cmath>
 #include <limits>

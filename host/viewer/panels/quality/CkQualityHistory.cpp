@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/CkQualityHistory.h"
 
 #include "host/viewer/picture/CkPictureText.h"
 

@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkQualityMeter.h"
+#include "host/viewer/panels/quality/CkQualityMeter.h"
 
 #include "zuCore/CkImageData.h"
 

@@ -1,4 +1,4 @@
-#include "host/viewer/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkSaturationWatch.h"
 
 #include "host/viewer/picture/CkSampleVisitor.h"
 #include "host/viewer/picture/CkSaturation.h"

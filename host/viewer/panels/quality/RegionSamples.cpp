@@ -1,4 +1,4 @@
-#include "host/viewer/quality/RegionSamples.h"
+#include "host/viewer/panels/quality/RegionSamples.h"
 
 #include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"

@@ -1,6 +1,6 @@
-#include "host/viewer/quality/CkQualityPlot.h"
+#include "host/viewer/panels/quality/CkQualityPlot.h"
 
-#include "host/viewer/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/CkQualityHistory.h"
 
 #include <QPainter>
 #include <QPainterPath>
