@@ -10,7 +10,7 @@
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/recording/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingRoom.h"
 #include "zuCore/CkChain.h"
 
 #include <QDir>

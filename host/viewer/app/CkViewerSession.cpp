@@ -9,7 +9,7 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/panels/log/CkLogSink.h"
-#include "host/viewer/recording/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingRoom.h"
 #include "host/viewer/session/CkSessionKeeper.h"
 #include "sim/camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"

@@ -6,7 +6,7 @@
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/recording/CkRecordingNotes.h"
+#include "host/viewer/playback/CkRecordingNotes.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

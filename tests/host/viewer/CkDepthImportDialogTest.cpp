@@ -2,8 +2,8 @@
 #include "tests/support/LocaleScope.h"
 
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/recording/CkDepthImportDialog.h"
-#include "host/viewer/recording/CkStillPicture.h"
+#include "host/viewer/playback/CkDepthImportDialog.h"
+#include "host/viewer/playback/CkStillPicture.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -4,7 +4,7 @@
 
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
-#include "host/viewer/recording/CkDepthImportDialog.h"
+#include "host/viewer/playback/CkDepthImportDialog.h"
 
 #include <QDialogButtonBox>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingJob.h"
 
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageSource.h"

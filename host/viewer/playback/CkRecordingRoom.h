@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/recording/CkPlaybackBar.h"
+#include "host/viewer/playback/CkPlaybackBar.h"
 
 #include <QObject>
 

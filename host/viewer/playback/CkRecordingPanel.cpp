@@ -1,9 +1,9 @@
-#include "host/viewer/recording/CkRecordingPanel.h"
+#include "host/viewer/playback/CkRecordingPanel.h"
 
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/recording/CkPlaybackBar.h"
-#include "host/viewer/recording/CkRecordingDesk.h"
-#include "host/viewer/recording/CkRecordingJob.h"
+#include "host/viewer/playback/CkPlaybackBar.h"
+#include "host/viewer/playback/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingJob.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkWrapLayout.h"
+#include "host/viewer/playback/CkWrapLayout.h"
 
 #include <algorithm>
 

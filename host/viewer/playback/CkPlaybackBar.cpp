@@ -1,9 +1,9 @@
-#include "host/viewer/recording/CkPlaybackBar.h"
+#include "host/viewer/playback/CkPlaybackBar.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/picture/CkPictureText.h"
-#include "host/viewer/recording/CkPlayback.h"
-#include "host/viewer/recording/CkWrapLayout.h"
+#include "host/viewer/playback/CkPlayback.h"
+#include "host/viewer/playback/CkWrapLayout.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkDepthImportDialog.h"
+#include "host/viewer/playback/CkDepthImportDialog.h"
 
 #include "host/viewer/picture/CkDisplayTable.h"
 #include "host/viewer/picture/CkPictureText.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkRecordingNotes.h"
+#include "host/viewer/playback/CkRecordingNotes.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/app/CkCommandLine.h"

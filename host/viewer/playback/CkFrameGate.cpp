@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkFrameGate.h"
+#include "host/viewer/playback/CkFrameGate.h"
 
 #include <QCoreApplication>
 #include <QEvent>

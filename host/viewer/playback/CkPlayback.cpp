@@ -1,8 +1,8 @@
-#include "host/viewer/recording/CkPlayback.h"
+#include "host/viewer/playback/CkPlayback.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/recording/CkFrameGate.h"
+#include "host/viewer/playback/CkFrameGate.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCoreGui/CkMdiView.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingDesk.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
@@ -6,8 +6,8 @@
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/panels/camera/CkCameraDesk.h"
-#include "host/viewer/recording/CkRecordingJob.h"
-#include "host/viewer/recording/CkRecordingNotes.h"
+#include "host/viewer/playback/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingNotes.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageSource.h"

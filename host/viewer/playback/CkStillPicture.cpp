@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkStillPicture.h"
+#include "host/viewer/playback/CkStillPicture.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"

@@ -1,8 +1,8 @@
-#include "host/viewer/recording/CkRecordButton.h"
+#include "host/viewer/playback/CkRecordButton.h"
 
 #include "host/viewer/panels/camera/CkCameraDesk.h"
-#include "host/viewer/recording/CkRecordingDesk.h"
-#include "host/viewer/recording/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingJob.h"
 #include "zuCore/CkImageSource.h"
 
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "host/viewer/recording/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingRoom.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/app/CkMainWindow.h"
@@ -8,13 +8,13 @@
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
-#include "host/viewer/recording/CkPlayback.h"
-#include "host/viewer/recording/CkRecordButton.h"
-#include "host/viewer/recording/CkRecordingDesk.h"
-#include "host/viewer/recording/CkRecordingJob.h"
-#include "host/viewer/recording/CkRecordingOpening.h"
-#include "host/viewer/recording/CkRecordingPanel.h"
-#include "host/viewer/recording/CkStillPicture.h"
+#include "host/viewer/playback/CkPlayback.h"
+#include "host/viewer/playback/CkRecordButton.h"
+#include "host/viewer/playback/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingOpening.h"
+#include "host/viewer/playback/CkRecordingPanel.h"
+#include "host/viewer/playback/CkStillPicture.h"
 #include "zuCore/CkChainable.h"
 
 #include <QAction>
