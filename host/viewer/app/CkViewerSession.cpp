@@ -2,7 +2,6 @@
 
 #include "host/viewer/app/CkAppDelegate.h"
 #include "host/viewer/app/CkMainWindow.h"
-#include "host/viewer/app/CkPluginHost.h"
 #include "host/viewer/app/CkUnattendedRun.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
@@ -10,6 +9,7 @@
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/panels/log/CkLogSink.h"
 #include "host/viewer/playback/CkRecordingRoom.h"
+#include "host/viewer/plugins/CkPluginHost.h"
 #include "host/viewer/session/CkSessionKeeper.h"
 #include "sim/camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"

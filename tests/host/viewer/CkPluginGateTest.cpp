@@ -1,7 +1,7 @@
 #include "host/viewer/plugins/CkPluginGate.h"
 
-#include "host/viewer/app/CkPluginHost.h"
 #include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginHost.h"
 #include "host/viewer/plugins/CkPluginProbe.h"
 
 #include <QDateTime>

@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkPluginHost.h"
+#include "host/viewer/plugins/CkPluginHost.h"
 
 #include "host/viewer/plugins/CkLoadingMark.h"
 #include "zuCore/CkPlugin.h"
