@@ -1,8 +1,8 @@
 #include "host/viewer/playback/CkRecordingNotes.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/app/CkCommandLine.h"
 #include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/shell/CkCommandLine.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkLut.h"

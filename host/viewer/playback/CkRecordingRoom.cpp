@@ -1,8 +1,6 @@
 #include "host/viewer/playback/CkRecordingRoom.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/app/CkMainWindow.h"
-#include "host/viewer/app/CkStatusBar.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/pluralNumber.h"
@@ -15,6 +13,8 @@
 #include "host/viewer/playback/CkRecordingOpening.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
 #include "host/viewer/playback/CkStillPicture.h"
+#include "host/viewer/shell/CkMainWindow.h"
+#include "host/viewer/shell/CkStatusBar.h"
 #include "zuCore/CkChainable.h"
 
 #include <QAction>

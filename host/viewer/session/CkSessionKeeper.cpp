@@ -1,7 +1,7 @@
 #include "host/viewer/session/CkSessionKeeper.h"
 
-#include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/shell/CkMainWindow.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

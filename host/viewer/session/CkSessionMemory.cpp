@@ -1,12 +1,12 @@
 #include "host/viewer/session/CkSessionMemory.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/playback/CkRecordingNotes.h"
+#include "host/viewer/shell/CkMainWindow.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

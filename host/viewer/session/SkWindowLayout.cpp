@@ -1,9 +1,9 @@
 #include "host/viewer/session/SkWindowLayout.h"
 
-#include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/session/CkSessionMemory.h"
+#include "host/viewer/shell/CkMainWindow.h"
 
 #include <QSettings>
 

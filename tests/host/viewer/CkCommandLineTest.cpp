@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkCommandLine.h"
+#include "host/viewer/shell/CkCommandLine.h"
 
 #include <gtest/gtest.h>
 

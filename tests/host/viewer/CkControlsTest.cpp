@@ -1,5 +1,5 @@
-#include "host/viewer/app/CkShortcutsDialog.h"
 #include "host/viewer/panels/quality/CkQualityPanel.h"
+#include "host/viewer/shell/CkShortcutsDialog.h"
 #include "tests/host/viewer/ViewerControls.h"
 #include "zuCore/CkImageData.h"
 

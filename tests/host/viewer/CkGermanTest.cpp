@@ -1,5 +1,5 @@
-#include "host/viewer/app/CkStatusBar.h"
 #include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/shell/CkStatusBar.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "tests/support/LocaleScope.h"
 

@@ -1,9 +1,9 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
-#include "host/viewer/app/CkShortcutsDialog.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
+#include "host/viewer/shell/CkShortcutsDialog.h"
 
 #include <QApplication>
 #include <QComboBox>

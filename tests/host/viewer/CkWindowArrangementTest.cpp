@@ -1,5 +1,5 @@
-#include "host/viewer/app/CkRateGraph.h"
 #include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/shell/CkRateGraph.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "tests/support/ModalDriver.h"
 #include "zuCoreGui/IkAppDelegate.h"

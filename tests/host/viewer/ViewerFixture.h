@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/viewer/app/CkMainWindow.h"
-#include "host/viewer/app/CkViewerSession.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/camera/CkCameraDesk.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/plugins/CkPluginHost.h"
+#include "host/viewer/shell/CkMainWindow.h"
+#include "host/viewer/shell/CkViewerSession.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

@@ -1,6 +1,6 @@
-#include "host/viewer/app/CkCommandLine.h"
-#include "host/viewer/app/CkViewerSession.h"
 #include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/shell/CkCommandLine.h"
+#include "host/viewer/shell/CkViewerSession.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,9 +1,9 @@
-#include "host/viewer/app/CkStatusBar.h"
+#include "host/viewer/shell/CkStatusBar.h"
 
-#include "host/viewer/app/CkRateGraph.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/shell/CkRateGraph.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 

@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkRateGraph.h"
+#include "host/viewer/shell/CkRateGraph.h"
 
 #include <QPainter>
 #include <algorithm>

@@ -1,8 +1,5 @@
 // The main window's menus and the dialogs behind them.
 
-#include "host/viewer/app/CkCommandLine.h"
-#include "host/viewer/app/CkMainWindow.h"
-#include "host/viewer/app/CkShortcutsDialog.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/CkViewerSettings.h"
@@ -11,6 +8,9 @@
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/playback/CkRecordingRoom.h"
+#include "host/viewer/shell/CkCommandLine.h"
+#include "host/viewer/shell/CkMainWindow.h"
+#include "host/viewer/shell/CkShortcutsDialog.h"
 #include "zuCore/CkChain.h"
 
 #include <QDir>

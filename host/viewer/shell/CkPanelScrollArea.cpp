@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkPanelScrollArea.h"
+#include "host/viewer/shell/CkPanelScrollArea.h"
 
 #include <QEvent>
 #include <QScreen>

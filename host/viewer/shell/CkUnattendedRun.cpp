@@ -1,7 +1,7 @@
-#include "host/viewer/app/CkUnattendedRun.h"
+#include "host/viewer/shell/CkUnattendedRun.h"
 
-#include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
+#include "host/viewer/shell/CkMainWindow.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/app/CkCommandLine.h"
+#include "host/viewer/shell/CkCommandLine.h"
 
 #include <QObject>
 #include <functional>

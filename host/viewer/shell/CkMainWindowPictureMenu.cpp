@@ -1,12 +1,12 @@
 // The menus of what the active view shows: its picture, and the chain behind it.
 
-#include "host/viewer/app/CkMainWindow.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
 #include "host/viewer/panels/quality/CkQualityPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/shell/CkMainWindow.h"
 
 #include <QMenu>
 #include <QMenuBar>

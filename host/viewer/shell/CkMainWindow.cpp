@@ -1,7 +1,5 @@
-#include "host/viewer/app/CkMainWindow.h"
+#include "host/viewer/shell/CkMainWindow.h"
 
-#include "host/viewer/app/CkPanelScrollArea.h"
-#include "host/viewer/app/CkStatusBar.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/CkViewerSettings.h"
@@ -16,6 +14,8 @@
 #include "host/viewer/playback/CkRecordingRoom.h"
 #include "host/viewer/session/CkChainLoading.h"
 #include "host/viewer/session/SkWindowLayout.h"
+#include "host/viewer/shell/CkPanelScrollArea.h"
+#include "host/viewer/shell/CkStatusBar.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"

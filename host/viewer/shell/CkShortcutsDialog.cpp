@@ -1,4 +1,4 @@
-#include "host/viewer/app/CkShortcutsDialog.h"
+#include "host/viewer/shell/CkShortcutsDialog.h"
 
 #include <QAction>
 #include <QDialogButtonBox>
