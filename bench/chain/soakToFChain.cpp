@@ -4,8 +4,8 @@
 //   soakToFChain [frames, default 100000]
 
 #include "bench/chain/SoakCamera.h"
-#include "plugins/zplToF/chain/CkToFNegotiation.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/transform/CkToFNegotiation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 

@@ -1,7 +1,7 @@
 #include "tools/tof/CkTofPipeline.h"
 
-#include "plugins/zplToF/chain/CkToFNegotiation.h"
-#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/transform/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 #include "zuCore/CkImageData.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFFrameInput.h"
-#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/CkToFFrameInput.h"
+#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
 
 #include <QString>
 

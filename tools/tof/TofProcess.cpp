@@ -1,5 +1,5 @@
 #include "host/recording/CkRecordingWriter.h"
-#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 #include "tools/tof/CkTofArguments.h"
 #include "tools/tof/CkTofInput.h"
 #include "tools/tof/CkTofPipeline.h"

@@ -1,8 +1,8 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
-#include "plugins/zplToF/chain/CkToFNegotiation.h"
 #include "plugins/zplToF/chain/CkToFProcessWidget.h"
-#include "plugins/zplToF/chain/ToFAngles.h"
+#include "plugins/zplToF/transform/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/ToFAngles.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>

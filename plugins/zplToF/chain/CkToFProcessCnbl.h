@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFFrameInput.h"
-#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
-#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/transform/CkToFFrameInput.h"
+#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 #include "zuCore/CkImageProvider.h"
 
 #include <atomic>

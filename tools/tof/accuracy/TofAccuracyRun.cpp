@@ -1,8 +1,8 @@
 #include "tools/tof/accuracy/TofAccuracyRun.h"
 
-#include "plugins/zplToF/chain/EkTransformType.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "plugins/zplToF/cloud/SkToFCloudScales.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 #include "sim/camera/SkSimPlan.h"
 #include "sim/synth/CkSimHybridSynth.h"
 #include "sim/synth/CkSimNoise.h"

@@ -1,5 +1,5 @@
-#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
-#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 #include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>

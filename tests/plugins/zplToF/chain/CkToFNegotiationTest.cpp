@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/CkToFNegotiation.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include <gtest/gtest.h>

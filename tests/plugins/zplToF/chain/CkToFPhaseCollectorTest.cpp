@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFPhaseCollector.h"
+#include "plugins/zplToF/transform/CkToFPhaseCollector.h"
 #include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFPicture.h"
+#include "plugins/zplToF/transform/CkToFPicture.h"
 #include "tests/support/PackedFormat.h"
 #include "zuCore/CkMemoryPool.h"
 

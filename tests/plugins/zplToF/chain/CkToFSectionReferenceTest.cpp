@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFSectionReference.h"
+#include "plugins/zplToF/transform/CkToFSectionReference.h"
 #include "tests/support/PaddedPicture.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
 
-#include "plugins/zplToF/chain/EkTransformType.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 
 #include <algorithm>
 #include <cstring>

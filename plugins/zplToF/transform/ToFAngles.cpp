@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/ToFAngles.h"
+#include "plugins/zplToF/transform/ToFAngles.h"
 
 #include <algorithm>
 #include <span>

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/EkFrameRefusal.h"
+#include "plugins/zplToF/transform/EkFrameRefusal.h"
 
 #include <QtGlobal>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFPicture.h"
-#include "plugins/zplToF/chain/EkFrameRefusal.h"
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/transform/CkToFPicture.h"
+#include "plugins/zplToF/transform/EkFrameRefusal.h"
 
 /// A frame on its way through the block.
 struct SkToFFrame {

@@ -1,7 +1,7 @@
-#include "plugins/zplToF/chain/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/CkToFNegotiation.h"
 
-#include "plugins/zplToF/chain/EkTransformType.h"
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
 
 #include <algorithm>
 #include <limits>

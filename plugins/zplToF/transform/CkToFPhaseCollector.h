@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFPicture.h"
-#include "plugins/zplToF/chain/EkFrameRefusal.h"
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/transform/CkToFPicture.h"
+#include "plugins/zplToF/transform/EkFrameRefusal.h"
 #include "zuCore/CkImageMetadata.h"
 
 /// Gathers the images of a set (phases or sections) into one picture, stacked in the order of their index.

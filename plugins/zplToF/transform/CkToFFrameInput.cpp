@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFFrameInput.h"
+#include "plugins/zplToF/transform/CkToFFrameInput.h"
 
 namespace {
 

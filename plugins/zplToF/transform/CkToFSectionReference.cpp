@@ -1,4 +1,4 @@
-#include "plugins/zplToF/chain/CkToFSectionReference.h"
+#include "plugins/zplToF/transform/CkToFSectionReference.h"
 
 bool CkToFSectionReference::prepare(const SkPicBufInfo& frame) {
     clear();

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFFrameProcessor.h"
-#include "plugins/zplToF/chain/CkToFPhaseCollector.h"
-#include "plugins/zplToF/chain/CkToFSectionReference.h"
-#include "plugins/zplToF/chain/EkFrameRefusal.h"
+#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/CkToFPhaseCollector.h"
+#include "plugins/zplToF/transform/CkToFSectionReference.h"
+#include "plugins/zplToF/transform/EkFrameRefusal.h"
 
 /// Makes of a frame what a transform works on: takes its reference section away and gathers the images of a
 /// set. Owns the buffers for both; one thread at a time. Nothing is allocated for frames like those of the

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugins/zplToF/chain/CkToFPicture.h"
+#include "plugins/zplToF/transform/CkToFPicture.h"
 
 /// Subtracts a reference section from the sections that follow it. One thread at a time.
 class CkToFSectionReference {
