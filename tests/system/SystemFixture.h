@@ -38,7 +38,7 @@ protected:
     }
 
     /// Opens a camera with a view on it, stopped.
-    void* openStopped(const char* id) { return desk()->openCamera(QLatin1String(id), true); }
+    void* openStopped(const char* id) { return cameras()->openCamera(QLatin1String(id), true); }
     void* openWaveCamera() { return openStopped("sim:wave"); }
 
     static CkCameraParam* param(void* camera, const char* name) {

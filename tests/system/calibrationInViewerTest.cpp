@@ -53,7 +53,7 @@ protected:
         set(m_camera, "sim_wall_distance", g_wallM);
         set(m_camera, "sim_distance_offset", g_builtInM);
         set(m_camera, "sim_noise", 0);
-        ASSERT_TRUE(desk()->start(m_camera));
+        ASSERT_TRUE(cameras()->start(m_camera));
         ASSERT_TRUE(waitForFrame(firstView()));
     }
 
@@ -218,7 +218,7 @@ TEST_F(CalibrationInViewer, CameraClosedWhileMeasuringLeavesADialogToCancel) {
     calibrate(QStringLiteral("125"), false, [&](QDialog* dialog) {
         if (!closed && framesCounted(dialog) >= 1) {
             closed = true;
-            desk()->closeCamera(m_camera);
+            cameras()->closeCamera(m_camera);
         } else if (closed && ++looks == 3) {
             EXPECT_TRUE(area()->views().isEmpty());
             EXPECT_LT(framesCounted(dialog), 5);
@@ -239,11 +239,11 @@ TEST_F(CalibrationInViewer, CameraUnpluggedWhileMeasuringHoldsTheMeasurementUnti
     calibrate(QStringLiteral("125"), false, [&](QDialog* dialog) {
         if (counted == 0 && framesCounted(dialog) >= 1) {
             counted = framesCounted(dialog);
-            desk()->unplugCamera(m_camera);
+            cameras()->unplugCamera(m_camera);
         } else if (counted > 0 && ++looks == 3) {
             EXPECT_FALSE(area()->views().isEmpty());
             EXPECT_LT(framesCounted(dialog), 5);
-            desk()->plugCameraIn("sim:wave");
+            cameras()->plugCameraIn("sim:wave");
         }
     });
     EXPECT_GE(looks, 3);

@@ -121,7 +121,7 @@ TEST_F(LiveCloud, MenuOpensAThreeDViewWhoseCloudIsOnTheScreenAndMoves) {
     void* camera = openWaveCamera();
     ASSERT_NE(camera, nullptr);
     set(camera, "sim_noise", 0);
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     clickPluginMenu("menuOpenToF3dView");
     ASSERT_EQ(views(true).size(), 1);
@@ -156,7 +156,7 @@ TEST_F(LiveCloud, ToolButtonOfAStoppedCameraOpensAllViewsTiled) {
 
 TEST_F(LiveCloud, HybridCameraGetsItsOwnThreeBranches) {
     ASSERT_TRUE(start());
-    ASSERT_TRUE(desk()->start(openStopped("sim:hybrid")));
+    ASSERT_TRUE(cameras()->start(openStopped("sim:hybrid")));
     ASSERT_TRUE(waitForFrame(firstView()));
     clickPluginMenu("menuOpenAllToFProcessingViews");
     expectThreeLiveBranches();
@@ -168,7 +168,7 @@ TEST_F(LiveCloud, ClosingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
     ASSERT_TRUE(start());
     // Twice: the second time stands on what the first one left.
     for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(desk()->start(openWaveCamera()));
+        ASSERT_TRUE(cameras()->start(openWaveCamera()));
         ASSERT_TRUE(waitForFrame(firstView()));
         clickToolButton("btnToFAllViews");
         ASSERT_EQ(views(true).size(), 1);
@@ -188,7 +188,7 @@ TEST_F(LiveCloud, ClosingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
 TEST_F(LiveCloud, EveryViewOfAnUnpluggedCameraWaitsAndGoesOn) {
     ASSERT_TRUE(start());
     void* camera = openWaveCamera();
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     clickToolButton("btnToFAllViews");
     ASSERT_EQ(views(true).size(), 1);
@@ -224,7 +224,7 @@ TEST_P(CameraNotSetUp, ThreeDViewFromTheMenuAsksFirst) {
     ASSERT_TRUE(start());
     void* camera = openWaveCamera();
     set(camera, "tof_readout_mode", 0);
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     const int format = param(camera, "imgdataformat")->committedValue().toInt();
     m_answer = GetParam().button;

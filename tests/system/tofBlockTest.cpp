@@ -18,7 +18,7 @@ protected:
         SystemFixture::SetUp();
         ASSERT_TRUE(start());
         camera = openWaveCamera();
-        ASSERT_TRUE(desk()->start(camera));
+        ASSERT_TRUE(cameras()->start(camera));
         ASSERT_TRUE(waitForFrame(firstView()));
         panel = window()->chainPanel();
         block = panel->addBlock(g_tofBlock, false);
@@ -57,7 +57,7 @@ TEST_F(ToFBlock, BlockIsAddedConfiguredExplainedAndSavedFromThePanel) {
     const QString file = m_folder.filePath("depth.zuchain");
     QString error;
     ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
-    desk()->closeAllCameras();
+    cameras()->closeAllCameras();
     ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
     EXPECT_EQ(blockTitles(), QStringList{"ToF Depth"});
     EXPECT_TRUE(waitForFrame(firstView()));

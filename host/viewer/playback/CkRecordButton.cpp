@@ -1,6 +1,6 @@
 #include "host/viewer/playback/CkRecordButton.h"
 
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/playback/CkRecordingDesk.h"
 #include "host/viewer/playback/CkRecordingJob.h"
 #include "zuCore/CkImageSource.h"
@@ -22,7 +22,7 @@ CkRecordingJob* runningOf(const CkRecordingDesk& desk, void* handle) {
 
 } // namespace
 
-CkRecordButton::CkRecordButton(CkRecordingDesk* pDesk, CkCameraDesk* pCameras, void* pCameraHandle,
+CkRecordButton::CkRecordButton(CkRecordingDesk* pDesk, CkCameraController* pCameras, void* pCameraHandle,
                                QWidget* pParent)
     : QPushButton(pParent), m_pDesk(pDesk), m_pCameras(pCameras), m_pHandle(pCameraHandle) {
     setObjectName(QStringLiteral("btnRecord"));

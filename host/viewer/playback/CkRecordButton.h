@@ -3,7 +3,7 @@
 #include <QIcon>
 #include <QPushButton>
 
-class CkCameraDesk;
+class CkCameraController;
 class CkRecordingDesk;
 
 /// Starts and stops the recording of a camera. User-interface thread.
@@ -11,7 +11,7 @@ class CkRecordButton : public QPushButton {
     Q_OBJECT
 
 public:
-    CkRecordButton(CkRecordingDesk* pDesk, CkCameraDesk* pCameras, void* pCameraHandle,
+    CkRecordButton(CkRecordingDesk* pDesk, CkCameraController* pCameras, void* pCameraHandle,
                    QWidget* pParent = nullptr);
 
     static QIcon icon();
@@ -21,6 +21,6 @@ private:
     void refresh();
 
     CkRecordingDesk* m_pDesk;
-    CkCameraDesk* m_pCameras;
+    CkCameraController* m_pCameras;
     void* m_pHandle;
 };

@@ -5,7 +5,7 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/playback/CkRecordingJob.h"
 #include "host/viewer/playback/CkRecordingNotes.h"
 #include "zuCore/CkChain.h"
@@ -48,7 +48,7 @@ void showBox(QWidget* window, const QString& text) {
 
 } // namespace
 
-CkRecordingDesk::CkRecordingDesk(CkViewArea* pArea, CkCameraDesk* pCameras, QWidget* pWindow)
+CkRecordingDesk::CkRecordingDesk(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow)
     : QObject(pWindow), m_pArea(pArea), m_pCameras(pCameras), m_pWindow(pWindow) {}
 
 CkRecordingDesk::~CkRecordingDesk() = default;

@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QString>
 
-class CkCameraDesk;
+class CkCameraController;
 class CkChainable;
 class CkRecordingJob;
 class CkViewArea;
@@ -18,7 +18,7 @@ class CkRecordingDesk : public QObject {
 
 public:
     /// Boxes and file dialogs stand above pWindow.
-    CkRecordingDesk(CkViewArea* pArea, CkCameraDesk* pCameras, QWidget* pWindow);
+    CkRecordingDesk(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow);
     ~CkRecordingDesk() override;
 
     /// Starts to record a block's output. Null, with sError naming the file and the reason, when the file
@@ -55,7 +55,7 @@ private:
     void tell(CkRecordingJob* pJob);
 
     CkViewArea* m_pArea;
-    CkCameraDesk* m_pCameras;
+    CkCameraController* m_pCameras;
     QWidget* m_pWindow;
     QList<CkRecordingJob*> m_jobs;
 };

@@ -4,7 +4,7 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/playback/CkPlayback.h"
 #include "host/viewer/playback/CkRecordButton.h"
@@ -29,7 +29,7 @@ constexpr int kRefreshMs = 250;
 }
 
 CkRecordingRoom::CkRecordingRoom(CkMainWindow* pWindow)
-    : QObject(pWindow), m_pWindow(pWindow), m_pArea(pWindow->area()), m_pCameras(pWindow->desk()) {
+    : QObject(pWindow), m_pWindow(pWindow), m_pArea(pWindow->area()), m_pCameras(pWindow->cameras()) {
     CkRecordingOpening::registerSource();
     m_pDesk = new CkRecordingDesk(m_pArea, m_pCameras, pWindow);
     m_pDesk->setParent(this);
@@ -55,7 +55,7 @@ CkRecordingRoom::CkRecordingRoom(CkMainWindow* pWindow)
         }
         refresh();
     });
-    connect(m_pCameras, &CkCameraDesk::cameraReady, this, &CkRecordingRoom::equipCamera);
+    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkRecordingRoom::equipCamera);
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkRecordingRoom::refresh);
     refresh();

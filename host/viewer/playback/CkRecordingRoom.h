@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-class CkCameraDesk;
+class CkCameraController;
 class CkFileOpener;
 class CkMainWindow;
 class CkPlayback;
@@ -25,7 +25,7 @@ public:
     /// The bar belongs under the views.
     CkPlaybackBar* bar() const { return m_pBar; }
     CkRecordingPanel* panel() const { return m_pPanel; }
-    CkRecordingDesk* desk() const { return m_pDesk; }
+    CkRecordingDesk* cameras() const { return m_pDesk; }
     CkPlayback* playback() const { return m_pPlayback; }
 
     /// Fills a menu; pViews gets the keys of the player, which work while it or the bar has the focus.
@@ -47,7 +47,7 @@ private:
 
     CkMainWindow* m_pWindow;
     CkViewArea* m_pArea;
-    CkCameraDesk* m_pCameras;
+    CkCameraController* m_pCameras;
     CkRecordingDesk* m_pDesk;
     CkPlayback* m_pPlayback;
     CkPlaybackBar::SkActions m_play;

@@ -2,7 +2,7 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/playback/CkRecordingNotes.h"
@@ -177,7 +177,7 @@ private:
     void openCamera(const QDomElement& element) {
         const QString id = element.attribute(word("id"));
         QString error;
-        void* handle = m_window.desk()->openCamera(id, false, &error);
+        void* handle = m_window.cameras()->openCamera(id, false, &error);
         if (handle == nullptr) {
             m_restored.problems.append(tr("Camera \"%1\" of the last session: %2").arg(id, error));
             m_missing.append(id);
@@ -254,7 +254,7 @@ private:
             }
         }
         for (void* handle : m_running) {
-            m_window.desk()->start(handle);
+            m_window.cameras()->start(handle);
         }
         if (m_iActive >= 0) {
             m_window.area()->setActiveView(m_iActive);

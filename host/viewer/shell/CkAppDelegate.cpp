@@ -2,7 +2,7 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
 #include "host/viewer/picture/CkImageView.h"
@@ -87,7 +87,7 @@ void* CkAppDelegate::cameraHandleOfView(int iViewId) {
 }
 
 bool CkAppDelegate::addCameraPanelLayout(void* pCameraHandle, CkCameraParameters*, QLayout* pLayout, int) {
-    CkCameraPanel* panel = m_window ? m_window->desk()->panel(pCameraHandle) : nullptr;
+    CkCameraPanel* panel = m_window ? m_window->cameras()->panel(pCameraHandle) : nullptr;
     if (panel == nullptr || pLayout == nullptr) {
         return false;
     }
@@ -100,7 +100,7 @@ bool CkAppDelegate::startAcquisition(int iStart, quint64 uiCameraHandle) {
         return false;
     }
     auto* handle = reinterpret_cast<void*>(quintptr(uiCameraHandle));
-    return iStart != 0 ? m_window->desk()->start(handle) : m_window->desk()->stop(handle);
+    return iStart != 0 ? m_window->cameras()->start(handle) : m_window->cameras()->stop(handle);
 }
 
 CkLut* CkAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {

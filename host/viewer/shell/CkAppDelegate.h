@@ -4,7 +4,7 @@
 
 #include <QPointer>
 
-class CkCameraDesk;
+class CkCameraController;
 class CkMainWindow;
 class CkViewArea;
 

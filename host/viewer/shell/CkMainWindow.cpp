@@ -3,7 +3,7 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraMenu.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
@@ -67,7 +67,7 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     m_pCameraTabs->setDocumentMode(true);
     m_pCameraTabs->setUsesScrollButtons(true);
     m_pCameraTabs->setElideMode(Qt::ElideRight);
-    m_pDesk = new CkCameraDesk(m_pArea, m_pCameraTabs, this);
+    m_pCameras = new CkCameraController(m_pArea, m_pCameraTabs, this);
     m_pStatusBar = new CkStatusBar(m_pArea, this);
     setStatusBar(m_pStatusBar);
     createDocks();
@@ -75,7 +75,7 @@ CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
     createFileOpener();
     createFileMenu();
     m_menus.append(menuBar()->addMenu(tr("&Camera")));
-    m_pCameraMenu = new CkCameraMenu(m_pDesk, m_menus.last(), this);
+    m_pCameraMenu = new CkCameraMenu(m_pCameras, m_menus.last(), this);
     createViewMenu();
     createPictureMenu();
     createChainMenu();
@@ -198,7 +198,7 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
     }
     const QList<void*> openBefore = manager->openedCameras();
     for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
-        m_pDesk->openCamera(id, false);
+        m_pCameras->openCamera(id, false);
     }
     CkChain* chain = CkChainLoading(sFileName, this).load(sError);
     if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
@@ -209,7 +209,7 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
     if (chain == nullptr) {
         for (void* handle : manager->openedCameras()) {
             if (!openBefore.contains(handle)) {
-                m_pDesk->closeCamera(handle);
+                m_pCameras->closeCamera(handle);
             }
         }
         return false;
@@ -223,7 +223,7 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
         for (void* handle : qobject_cast<CkImageSource*>(source)->cameraHandles()) {
             if (!started.contains(handle)) {
                 started.insert(handle);
-                m_pDesk->start(handle);
+                m_pCameras->start(handle);
             }
         }
     }

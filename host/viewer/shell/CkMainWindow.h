@@ -6,7 +6,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
-class CkCameraDesk;
+class CkCameraController;
 class CkCameraMenu;
 class CkChainPanel;
 class CkFileOpener;
@@ -30,7 +30,7 @@ public:
     ~CkMainWindow() override;
 
     CkViewArea* area() const { return m_pArea; }
-    CkCameraDesk* desk() const { return m_pDesk; }
+    CkCameraController* cameras() const { return m_pCameras; }
     CkChainPanel* chainPanel() const { return m_pChainPanel; }
     CkLutPanel* lutPanel() const { return m_pLutPanel; }
     CkQualityPanel* qualityPanel() const { return m_pQualityPanel; }
@@ -119,7 +119,7 @@ private:
 
     CkViewArea* m_pArea;
     QTabWidget* m_pCameraTabs;
-    CkCameraDesk* m_pDesk;
+    CkCameraController* m_pCameras;
     CkFileOpener* m_pOpener = nullptr;
     CkRecordingRoom* m_pRecordings = nullptr;
     CkChainPanel* m_pChainPanel = nullptr;

@@ -4,7 +4,7 @@
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/playback/CkRecordingRoom.h"

@@ -3,7 +3,7 @@
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogSink.h"
 #include "host/viewer/playback/CkRecordingRoom.h"
 #include "host/viewer/plugins/CkPluginHost.h"
@@ -41,14 +41,15 @@ CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParen
     connect(area, &CkViewArea::viewAdded, this, &CkViewerSession::watchView);
     connect(area, &CkViewArea::activeViewChanged, m_plugins.get(), &CkPluginHost::notifyActiveView);
     connect(area, &CkViewArea::viewAboutToClose, m_plugins.get(), &CkPluginHost::notifyViewAboutToClose);
-    connect(m_window->desk(), &CkCameraDesk::cameraReady, m_plugins.get(), &CkPluginHost::notifyNewCamera);
+    connect(m_window->cameras(), &CkCameraController::cameraReady, m_plugins.get(),
+            &CkPluginHost::notifyNewCamera);
 }
 
 CkViewerSession::~CkViewerSession() {
     m_unattended.reset();
     m_keeper.reset();
     m_window->area()->closeAllViews(false);
-    m_window->desk()->closeAllCameras();
+    m_window->cameras()->closeAllCameras();
     for (CkChain* chain : CkChainManager::instance()->chains()) {
         CkChainManager::instance()->closeChain(chain);
     }
@@ -56,7 +57,7 @@ CkViewerSession::~CkViewerSession() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     m_plugins->disconnect();
     disconnect(m_window->area(), nullptr, m_plugins.get(), nullptr);
-    disconnect(m_window->desk(), nullptr, m_plugins.get(), nullptr);
+    disconnect(m_window->cameras(), nullptr, m_plugins.get(), nullptr);
     m_window.reset();
     m_plugins.reset();
     IkAppDelegate::setInstance(nullptr);
@@ -170,8 +171,8 @@ bool CkViewerSession::openCameras() {
             ok = false;
             continue;
         }
-        void* handle = m_window->desk()->openCamera(id, true);
-        ok = handle != nullptr && m_window->desk()->start(handle) && ok;
+        void* handle = m_window->cameras()->openCamera(id, true);
+        ok = handle != nullptr && m_window->cameras()->start(handle) && ok;
     }
     return ok;
 }

@@ -2,7 +2,7 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
-    <name>CkCameraDesk</name>
+    <name>CkCameraController</name>
     <message>
         <source>Camera &quot;%1&quot; cannot be opened: %2</source>
         <translation>Die Kamera „%1“ lässt sich nicht öffnen: %2</translation>

@@ -239,7 +239,7 @@ TEST_F(ChainPanel, AWarningThatHoldsNothingUpDarkensNothing) {
 
 TEST_F(ChainPanel, AViewWithoutAPictureSaysWhatItWaitsFor) {
     CkImageView* view = firstView();
-    desk()->stop(desk()->currentCamera());
+    cameras()->stop(cameras()->currentCamera());
     auto* later = new CkImageView(view->dataProvider());
     area()->addView(later);
     const auto text = [&] {
@@ -250,7 +250,7 @@ TEST_F(ChainPanel, AViewWithoutAPictureSaysWhatItWaitsFor) {
     auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
     ASSERT_NE(block, nullptr);
     block->m_bFail = true;
-    ASSERT_TRUE(desk()->start(nullptr));
+    ASSERT_TRUE(cameras()->start(nullptr));
     EXPECT_EQ(text(), "No picture yet. The camera runs; the first picture is on its way.");
     ASSERT_TRUE(QTest::qWaitFor([&] { return !block->errorMessage().isEmpty(); }, 20'000));
     text();
@@ -317,7 +317,7 @@ TEST_F(ChainPanel, ChainFileBringsTheSameBlocksBackWithTheirSettings) {
     const QString file = m_folder.filePath("test.zuchain");
     QString error;
     ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
-    desk()->closeAllCameras();
+    cameras()->closeAllCameras();
     ASSERT_TRUE(area()->views().isEmpty());
 
     // The camera is opened again for the file.
@@ -338,7 +338,7 @@ TEST_F(ChainPanel, ChainFileBringsTheSameBlocksBackWithTheirSettings) {
 }
 
 TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
-    void* wave = desk()->openCamera("sim:wave", false);
+    void* wave = cameras()->openCamera("sim:wave", false);
     ASSERT_NE(wave, nullptr);
     CkChain* both = chain();
     both->stop();
@@ -346,14 +346,14 @@ TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
     const QString file = m_folder.filePath("two.zuchain");
     QString error;
     ASSERT_TRUE(CkChainFile::save(both, file, error)) << qPrintable(error);
-    desk()->closeAllCameras();
+    cameras()->closeAllCameras();
 
     ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
     const QList<void*> cameras = CkCameraManager::instance()->openedCameras();
     EXPECT_EQ(cameras.size(), 2);
     for (void* camera : cameras) {
         EXPECT_TRUE(CkCameraManager::instance()->isAcquiring(camera));
-        EXPECT_NE(desk()->panel(camera), nullptr);
+        EXPECT_NE(cameras()->panel(camera), nullptr);
     }
     ASSERT_EQ(area()->views().size(), 2);
     for (CkMdiView* view : area()->views()) {
@@ -442,7 +442,7 @@ TEST_F(ChainPanel, AChainFileThatCannotBeLoadedLeavesNoCameraOpen) {
     EXPECT_FALSE(window()->openChainFile(fileName, error));
     EXPECT_TRUE(error.contains("not.there")) << qPrintable(error);
     EXPECT_EQ(CkCameraManager::instance()->openedCameras(), before);
-    EXPECT_NE(desk()->panel(before.first()), nullptr);
+    EXPECT_NE(cameras()->panel(before.first()), nullptr);
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
 }
 

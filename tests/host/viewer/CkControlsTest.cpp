@@ -103,17 +103,17 @@ TEST_F(Controls, WhatIsDisabledSaysWhyInEveryState) {
     expectReasons("empty");
     void* camera = openGrey();
     expectReasons("camera open");
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     expectReasons("camera runs");
-    desk()->stop(camera);
+    cameras()->stop(camera);
     expectReasons("camera stopped");
     ASSERT_TRUE(area()->closeView(firstView()->viewId()));
     expectReasons("view closed");
     // A view that is no picture view.
     area()->addView(new CkMdiView);
     expectReasons("other view");
-    desk()->closeCamera(camera);
+    cameras()->closeCamera(camera);
     expectReasons("camera closed");
 }
 
@@ -203,7 +203,7 @@ TEST_F(Controls, TheQualityPanelIsWorkedFromTheMenu) {
     EXPECT_TRUE(bClipboard || QGuiApplication::platformName() == "wayland");
     copy->trigger();
     EXPECT_EQ(clipboard->text().startsWith("Mean\t"), bClipboard);
-    desk()->stop(CkCameraManager::instance()->openedCameras().first());
+    cameras()->stop(CkCameraManager::instance()->openedCameras().first());
     restart->trigger();
     EXPECT_TRUE(panel->history().values().empty());
     EXPECT_FALSE(copy->isEnabled());

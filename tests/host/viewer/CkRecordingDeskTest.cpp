@@ -26,7 +26,7 @@ protected:
         CkRTTI::instance()->registerClass(nullptr, &CkDemoBlock::staticMetaObject, "CkChainable");
         ASSERT_TRUE(start());
         m_camera = openGrey();
-        ASSERT_TRUE(desk()->start(m_camera));
+        ASSERT_TRUE(cameras()->start(m_camera));
         ASSERT_TRUE(waitForFrame(firstView()));
     }
 
@@ -82,7 +82,7 @@ TEST_F(RecordingDesk, ACameraIsRecordedAndPlayed) {
 }
 
 TEST_F(RecordingDesk, TheButtonOfTheCameraAsksForAFile) {
-    auto* button = desk()->panel(m_camera)->findChild<CkRecordButton*>();
+    auto* button = cameras()->panel(m_camera)->findChild<CkRecordButton*>();
     ASSERT_NE(button, nullptr);
     EXPECT_EQ(button->text(), "Record...");
     const QString file = path("chosen");
@@ -241,7 +241,7 @@ TEST_F(RecordingDesk, AChainBehindTheRecordedSourceIsOffered) {
     ASSERT_TRUE(waitForWritten(job, 3));
     job->stop();
     ASSERT_TRUE(waitUntilFinished(job));
-    desk()->closeAllCameras();
+    cameras()->closeAllCameras();
     ASSERT_TRUE(waitFor([this] { return area()->views().isEmpty(); }));
 
     {

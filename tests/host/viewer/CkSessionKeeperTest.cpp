@@ -69,7 +69,7 @@ TEST_F(SessionKeeper, WhatWasNotClosedComesBackAllTheSame) {
 
 TEST_F(SessionKeeper, AKilledProgramFindsItsViewsAgain) {
     ASSERT_TRUE(start());
-    ASSERT_TRUE(desk()->start(openGrey()));
+    ASSERT_TRUE(cameras()->start(openGrey()));
     close();
     ASSERT_EQ(remembered().count("<view "), 1);
     QProcess program;
@@ -110,7 +110,7 @@ TEST_F(SessionKeeper, ACleanStartReplacesNothingBeforeItsUserActs) {
     const QString before = remembered();
     m_options.cleanStart = true;
     ASSERT_TRUE(startKeeping());
-    ASSERT_TRUE(desk()->start(desk()->openCamera("sim:wave", true)));
+    ASSERT_TRUE(cameras()->start(cameras()->openCamera("sim:wave", true)));
     ASSERT_TRUE(waitForFrame(firstView()));
     EXPECT_EQ(remembered(), before);
     QTest::keyClick(window(), Qt::Key_Shift);
@@ -124,7 +124,7 @@ TEST_F(SessionKeeper, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
     ASSERT_TRUE(waitUntilRemembered("sim:grey"));
     ASSERT_TRUE(window()->close());
     EXPECT_TRUE(QTest::qWaitFor([this] { return area()->views().isEmpty(); }, kPatience));
-    desk()->closeAllCameras();
+    cameras()->closeAllCameras();
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
     EXPECT_TRUE(remembered().contains("sim:grey"));
@@ -170,7 +170,7 @@ protected:
 
 TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) {
     ASSERT_TRUE(start());
-    ASSERT_TRUE(desk()->start(desk()->openCamera("sim:wave", true)));
+    ASSERT_TRUE(cameras()->start(cameras()->openCamera("sim:wave", true)));
     ASSERT_TRUE(waitForFrame(firstView()));
     CkImageView* view = firstView();
     ASSERT_EQ(view->channel(), 0);

@@ -40,9 +40,9 @@ protected:
 TEST_F(SessionMemory, CamerasAndViewsComeBackAsTheyWere) {
     ASSERT_TRUE(start());
     void* grey = openGrey();
-    void* wave = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(wave));
-    desk()->openView(grey);
+    void* wave = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(wave));
+    cameras()->openView(grey);
     EXPECT_EQ(area()->views().size(), 3);
     const CkMdiView* active = area()->views().at(1);
     area()->setActiveView(active->viewId());
@@ -151,7 +151,7 @@ TEST_F(SessionMemory, UnattendedRunsNeitherReadNorWrite) {
 
 TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
     ASSERT_TRUE(start());
-    desk()->openCamera("sim:wave", true);
+    cameras()->openCamera("sim:wave", true);
     openGrey();
     endSession();
     QString text = remembered();

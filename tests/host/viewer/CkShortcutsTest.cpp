@@ -184,24 +184,24 @@ TEST_F(Shortcuts, ActInAPictureViewAndInEveryPanel) {
 }
 
 TEST_F(Shortcuts, ActInThePictureOfACamera) {
-    void* camera = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(camera));
+    void* camera = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     pressIn(firstView()->canvas(), "picture", EkFocus::View);
     for (const char* name : {"actStartCamera", "actPauseCamera", "actStepCamera", "actCloseCamera"}) {
         EXPECT_TRUE(m_tried.contains(window()->findChild<QAction*>(name))) << name;
     }
-    desk()->stop(camera);
+    cameras()->stop(camera);
 }
 
 TEST_F(Shortcuts, ActInA3dView) {
-    void* camera = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(camera));
+    void* camera = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     window()->findChild<QToolButton*>("btnToF3D")->click();
     ASSERT_TRUE(waitFor([this] { return scene() != nullptr; }));
     // Drawing without a graphics card takes longer than the keys.
-    desk()->stop(camera);
+    cameras()->stop(camera);
     area()->setActiveView(scene()->viewId());
     QWindow* surface = nullptr;
     for (QWindow* shown : QGuiApplication::allWindows()) {

@@ -28,9 +28,9 @@ protected:
     }
 
     void recordCamera(const QString& id, const QString& file) {
-        void* camera = desk()->openCamera(id, true);
+        void* camera = cameras()->openCamera(id, true);
         ASSERT_NE(camera, nullptr);
-        ASSERT_TRUE(desk()->start(camera));
+        ASSERT_TRUE(cameras()->start(camera));
         ASSERT_TRUE(waitForFrame(firstView()));
         QString error;
         CkRecordingJob* job = recordings()->record(recordings()->sourceOfCamera(camera), file,
@@ -39,7 +39,7 @@ protected:
         ASSERT_TRUE(waitFor([job] { return job->counters().written >= 4; }));
         job->stop();
         ASSERT_TRUE(waitUntilFinished(job));
-        desk()->closeAllCameras();
+        cameras()->closeAllCameras();
         ASSERT_TRUE(waitFor([this] { return area()->views().isEmpty(); }));
     }
 

@@ -37,10 +37,10 @@ protected:
 
 TEST_F(ToFSession, The3dViewOfTheLastSessionComesBack) {
     ASSERT_TRUE(start());
-    void* wave = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(wave));
+    void* wave = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(wave));
     ASSERT_TRUE(waitForFrame(firstView()));
-    desk()->panel(wave)->findChild<QToolButton*>("btnToF3D")->click();
+    cameras()->panel(wave)->findChild<QToolButton*>("btnToF3D")->click();
     ASSERT_TRUE(waitForScene());
     const qsizetype views = area()->views().size();
     ASSERT_TRUE(window()->close());
@@ -71,15 +71,15 @@ TEST_F(ToFSession, EveryEntryOfThePluginHasAShortcutAndAReason) {
     EXPECT_NE(keys[1], keys[2]);
     EXPECT_NE(keys[0], keys[2]);
     // A camera that measures no distances.
-    ASSERT_TRUE(desk()->start(openGrey()));
+    ASSERT_TRUE(cameras()->start(openGrey()));
     ASSERT_TRUE(waitForFrame(firstView()));
     expectReasons("grey camera");
-    desk()->closeAllCameras();
-    void* wave = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(wave));
+    cameras()->closeAllCameras();
+    void* wave = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(wave));
     ASSERT_TRUE(waitForFrame(firstView()));
     expectReasons("ToF camera");
-    desk()->panel(wave)->findChild<QToolButton*>("btnToF3D")->click();
+    cameras()->panel(wave)->findChild<QToolButton*>("btnToF3D")->click();
     ASSERT_TRUE(waitForScene());
     area()->setActiveView(scene()->viewId());
     expectReasons("3D view");
@@ -87,7 +87,7 @@ TEST_F(ToFSession, EveryEntryOfThePluginHasAShortcutAndAReason) {
 
 TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
     ASSERT_TRUE(start());
-    void* wave = desk()->openCamera("sim:wave", true);
+    void* wave = cameras()->openCamera("sim:wave", true);
     const auto set = [wave](const char* name, double value) {
         CkCameraParam* param = CkCameraManager::instance()->cameraParameters(wave)->findParam(name);
         ASSERT_NE(param, nullptr) << name;
@@ -96,9 +96,9 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
     set("sim_scene", 1);
     set("sim_wall_distance", 0.4);
     set("exposure", 1000); // far too much for a wall so near
-    ASSERT_TRUE(desk()->start(wave));
+    ASSERT_TRUE(cameras()->start(wave));
     ASSERT_TRUE(waitForFrame(firstView()));
-    desk()->panel(wave)->findChild<QToolButton*>("btnToFAllViews")->click();
+    cameras()->panel(wave)->findChild<QToolButton*>("btnToFAllViews")->click();
     CkImageView* phase = nullptr;
     ASSERT_TRUE(QTest::qWaitFor(
         [&] {

@@ -66,7 +66,7 @@ TEST_F(ViewerSession, OpenedCameraIsShownWithPanelRateAndPixelValue) {
     void* camera = CkCameraManager::instance()->openedCameras().value(0);
     ASSERT_NE(camera, nullptr);
     EXPECT_TRUE(CkCameraManager::instance()->isAcquiring(camera));
-    CkCameraPanel* panel = desk()->panel(camera);
+    CkCameraPanel* panel = cameras()->panel(camera);
     ASSERT_NE(panel, nullptr);
     for (const CkCameraParam* param : CkCameraManager::instance()->cameraParameters(camera)->params()) {
         EXPECT_NE(panel->findChild<QWidget*>(QStringLiteral("param_") + param->name()), nullptr)
@@ -93,7 +93,7 @@ TEST_F(ViewerSession, StartStopPauseAndStepAreInThePanel) {
     void* camera = openGrey();
     ASSERT_NE(camera, nullptr);
     CkCameraManager* manager = CkCameraManager::instance();
-    CkCameraPanel* panel = desk()->panel(camera);
+    CkCameraPanel* panel = cameras()->panel(camera);
     auto* startButton = panel->findChild<QPushButton*>("btnStart");
     auto* stepButton = panel->findChild<QPushButton*>("btnStep");
     EXPECT_FALSE(manager->isAcquiring(camera));
@@ -114,7 +114,7 @@ TEST_F(ViewerSession, StartStopPauseAndStepAreInThePanel) {
     QTest::mouseClick(startButton, Qt::LeftButton);
     EXPECT_FALSE(manager->isAcquiring(camera));
     EXPECT_FALSE(panel->isPaused());
-    for (const CkChain* chain : desk()->chainsOf(camera)) {
+    for (const CkChain* chain : cameras()->chainsOf(camera)) {
         EXPECT_TRUE(chain->stopped());
     }
 }
@@ -131,9 +131,9 @@ TEST_F(ViewerSession, PluginIsToldOfEverythingInOrder) {
     const int id = firstView()->viewId();
     // The panel is there before the plug-in hears of the camera.
     EXPECT_TRUE(calls().mid(before).contains("camera with panel"));
-    EXPECT_NE(desk()->panel(camera)->findChild<QWidget*>("probeButton"), nullptr);
+    EXPECT_NE(cameras()->panel(camera)->findChild<QWidget*>("probeButton"), nullptr);
     EXPECT_TRUE(calls().contains(QStringLiteral("active %1").arg(id)));
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     EXPECT_TRUE(calls().last().startsWith(QStringLiteral("image %1 ").arg(id))) << qPrintable(calls().last());
     ASSERT_TRUE(IkAppDelegate::instance()->closeView(id));
@@ -150,7 +150,7 @@ TEST_F(ViewerSession, APluginThatThrowsTakesNothingDown) {
     probe->setProperty("throws", true);
     void* camera = openGrey();
     const int id = firstView()->viewId();
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     EXPECT_TRUE(IkAppDelegate::instance()->closeView(id));
     const QStringList calls = probe->property("calls").toStringList();
@@ -201,11 +201,11 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
     ASSERT_TRUE(start());
     CkCameraManager* manager = CkCameraManager::instance();
     void* grey = openGrey();
-    void* wave = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(grey));
-    ASSERT_TRUE(desk()->start(wave));
-    desk()->openView(wave);
-    const QList<int> waveViews = desk()->viewsOf(wave);
+    void* wave = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(grey));
+    ASSERT_TRUE(cameras()->start(wave));
+    cameras()->openView(wave);
+    const QList<int> waveViews = cameras()->viewsOf(wave);
     ASSERT_EQ(waveViews.size(), 2);
     for (CkMdiView* view : area()->views()) {
         ASSERT_TRUE(waitForFrame(view));
@@ -220,7 +220,7 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
     unplug->actions().last()->trigger();
     EXPECT_EQ(area()->views().size(), 3);
     EXPECT_EQ(CkChainManager::instance()->chains(), chains);
-    EXPECT_EQ(desk()->viewsOf(wave), waveViews);
+    EXPECT_EQ(cameras()->viewsOf(wave), waveViews);
     for (const int id : waveViews) {
         auto* view = qobject_cast<CkImageView*>(area()->view(id));
         EXPECT_TRUE(area()->notices()->notice(id).contains("is unplugged"));
@@ -231,10 +231,10 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
         EXPECT_TRUE(view->dataProvider()->chain()->started());
     }
     EXPECT_EQ(area()->notices()->notice(firstView()->viewId()), "");
-    auto* start = desk()->panel(wave)->findChild<QPushButton*>("btnStart");
+    auto* start = cameras()->panel(wave)->findChild<QPushButton*>("btnStart");
     EXPECT_FALSE(start->isEnabled());
     EXPECT_FALSE(start->toolTip().isEmpty());
-    EXPECT_TRUE(desk()->panel(wave)->findChild<QLabel*>("cameraState")->text().contains("unplugged"));
+    EXPECT_TRUE(cameras()->panel(wave)->findChild<QLabel*>("cameraState")->text().contains("unplugged"));
 
     QMenu* plugIn = window()->cameraMenu()->plugInMenu();
     ASSERT_EQ(plugIn->actions().size(), 1);
@@ -251,7 +251,8 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
     }
     EXPECT_TRUE(start->isEnabled());
     // The editors are those of the camera that is there now.
-    auto* field = desk()->panel(wave)->findChild<QWidget*>("param_framerate")->findChild<QDoubleSpinBox*>();
+    auto* field =
+        cameras()->panel(wave)->findChild<QWidget*>("param_framerate")->findChild<QDoubleSpinBox*>();
     field->setValue(19.0);
     EXPECT_NEAR(manager->cameraParameters(wave)->findParam("framerate")->committedValue().toDouble(), 19.0,
                 1e-9);
@@ -260,14 +261,14 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
 TEST_F(ViewerSession, AnUnpluggedCameraCanBeClosed) {
     ASSERT_TRUE(start());
     void* grey = openGrey();
-    ASSERT_TRUE(desk()->start(grey));
+    ASSERT_TRUE(cameras()->start(grey));
     ASSERT_TRUE(waitForFrame(firstView()));
-    desk()->unplugCamera(grey);
-    desk()->closeCamera(grey);
+    cameras()->unplugCamera(grey);
+    cameras()->closeCamera(grey);
     EXPECT_TRUE(area()->views().isEmpty());
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
     EXPECT_EQ(openGrey(), nullptr);
-    desk()->plugCameraIn("sim:grey");
+    cameras()->plugCameraIn("sim:grey");
     EXPECT_NE(openGrey(), nullptr);
 }
 
@@ -275,28 +276,28 @@ TEST_F(ViewerSession, PanelAndActiveViewBelongToTheSameCamera) {
     ASSERT_TRUE(start());
     CkCameraManager* manager = CkCameraManager::instance();
     void* grey = openGrey();
-    void* wave = desk()->openCamera("sim:wave", true);
-    ASSERT_TRUE(desk()->start(grey));
-    ASSERT_TRUE(desk()->start(wave));
+    void* wave = cameras()->openCamera("sim:wave", true);
+    ASSERT_TRUE(cameras()->start(grey));
+    ASSERT_TRUE(cameras()->start(wave));
     auto* tabs = window()->findChild<QDockWidget*>("dockCameras")->findChild<QTabWidget*>();
     ASSERT_NE(tabs, nullptr);
-    area()->setActiveView(desk()->viewsOf(grey).first());
-    EXPECT_EQ(tabs->currentWidget(), desk()->panel(grey));
-    area()->setActiveView(desk()->viewsOf(wave).first());
-    EXPECT_EQ(tabs->currentWidget(), desk()->panel(wave));
+    area()->setActiveView(cameras()->viewsOf(grey).first());
+    EXPECT_EQ(tabs->currentWidget(), cameras()->panel(grey));
+    area()->setActiveView(cameras()->viewsOf(wave).first());
+    EXPECT_EQ(tabs->currentWidget(), cameras()->panel(wave));
     // The tab is clicked: the camera's view comes forward, and F5 stops that camera and no other.
     QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {},
-                      tabs->tabBar()->tabRect(tabs->indexOf(desk()->panel(grey))).center());
-    EXPECT_EQ(area()->activeViewId(), desk()->viewsOf(grey).first());
+                      tabs->tabBar()->tabRect(tabs->indexOf(cameras()->panel(grey))).center());
+    EXPECT_EQ(area()->activeViewId(), cameras()->viewsOf(grey).first());
     auto* f5 = window()->findChild<QAction*>("actStartCamera");
     ASSERT_EQ(f5->shortcut(), QKeySequence(Qt::Key_F5));
     f5->trigger();
     EXPECT_FALSE(manager->isAcquiring(grey));
     EXPECT_TRUE(manager->isAcquiring(wave));
     // Without any view of its own the panel in front still says which camera is meant.
-    area()->closeView(desk()->viewsOf(grey).first(), false);
-    tabs->setCurrentWidget(desk()->panel(grey));
-    EXPECT_EQ(area()->activeViewId(), desk()->viewsOf(wave).first());
+    area()->closeView(cameras()->viewsOf(grey).first(), false);
+    tabs->setCurrentWidget(cameras()->panel(grey));
+    EXPECT_EQ(area()->activeViewId(), cameras()->viewsOf(wave).first());
 }
 
 TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
@@ -320,14 +321,14 @@ TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
 TEST_F(ViewerSession, AutomaticContrastIsTheBusinessOfOneView) {
     ASSERT_TRUE(start());
     void* camera = openGrey();
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     auto* automatic = window()->lutPanel()->findChild<QCheckBox*>("lutAuto");
     ASSERT_TRUE(QTest::qWaitFor([&] { return automatic->isEnabled(); }, 20'000));
     EXPECT_TRUE(automatic->isChecked());
     automatic->click();
     EXPECT_FALSE(firstView()->autoContrast());
-    auto* later = qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)));
+    auto* later = qobject_cast<CkImageView*>(area()->view(cameras()->openView(camera)));
     EXPECT_TRUE(later->autoContrast());
     EXPECT_FALSE(firstView()->autoContrast());
     // Nor by the menu.
@@ -340,20 +341,20 @@ TEST_F(ViewerSession, AutomaticContrastIsTheBusinessOfOneView) {
     ASSERT_NE(entry, nullptr);
     entry->trigger();
     EXPECT_FALSE(firstView()->autoContrast());
-    EXPECT_TRUE(qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)))->autoContrast());
+    EXPECT_TRUE(qobject_cast<CkImageView*>(area()->view(cameras()->openView(camera)))->autoContrast());
 }
 
 TEST_F(ViewerSession, TheColourPanelShowsNothingOfAnotherViewForOneWithoutAPicture) {
     ASSERT_TRUE(start());
     void* camera = openGrey();
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(firstView()));
     firstView()->setWindow({12.0, 34.0});
     const auto* low = window()->lutPanel()->findChild<QDoubleSpinBox*>("lutLow");
     const auto* high = window()->lutPanel()->findChild<QDoubleSpinBox*>("lutHigh");
     ASSERT_TRUE(QTest::qWaitFor([&] { return low->value() == 12.0 && high->value() == 34.0; }, 20'000));
-    desk()->stop(camera);
-    auto* empty = qobject_cast<CkImageView*>(area()->view(desk()->openView(camera)));
+    cameras()->stop(camera);
+    auto* empty = qobject_cast<CkImageView*>(area()->view(cameras()->openView(camera)));
     ASSERT_EQ(area()->activeView(), empty);
     ASSERT_FALSE(empty->hasPicture());
     for (const QDoubleSpinBox* number : {low, high}) {
@@ -362,9 +363,9 @@ TEST_F(ViewerSession, TheColourPanelShowsNothingOfAnotherViewForOneWithoutAPictu
         EXPECT_EQ(number->toolTip(), "There is no picture yet");
     }
     // Its own as soon as there is one.
-    ASSERT_TRUE(desk()->start(camera));
+    ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(empty));
-    desk()->stop(camera);
+    cameras()->stop(camera);
     // The field shows whole counts.
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return low->isEnabled() && std::abs(high->value() - empty->window().high) <= 0.5; }, 20'000))
@@ -406,7 +407,7 @@ TEST_F(ViewerSession, CloseButtonOfAViewWindowClosesTheView) {
 TEST_F(ViewerSession, StartingACameraActivatesOneOfItsViews) {
     ASSERT_TRUE(start());
     void* grey = openGrey();
-    desk()->openCamera("sim:wave", true);
+    cameras()->openCamera("sim:wave", true);
     EXPECT_NE(IkAppDelegate::instance()->cameraHandleOfView(area()->activeViewId()), grey);
     ASSERT_TRUE(IkAppDelegate::instance()->startAcquisition(1, quint64(quintptr(grey))));
     EXPECT_EQ(IkAppDelegate::instance()->cameraHandleOfView(area()->activeViewId()), grey);
@@ -460,7 +461,7 @@ TEST_F(ViewerSession, TilingShowsEveryViewWithoutOverlap) {
     ASSERT_TRUE(start());
     void* camera = openGrey();
     for (int more = 0; more < 4; ++more) {
-        desk()->openView(camera);
+        cameras()->openView(camera);
     }
     IkAppDelegate::instance()->refreshViewArea();
     const QList<QMdiSubWindow*> windows = area()->subWindowList();
@@ -511,7 +512,7 @@ TEST_F(ViewerSession, UnattendedRunWithoutFramesOrCloudFails) {
     EXPECT_EQ(finished.first().first().toInt(), CkUnattendedRun::kFailed);
 
     options.plyFile = m_folder.filePath("cloud.ply");
-    ASSERT_TRUE(desk()->start(openGrey()));
+    ASSERT_TRUE(cameras()->start(openGrey()));
     CkUnattendedRun noCloud(options, window());
     noCloud.setPatience(1500);
     QSignalSpy failed(&noCloud, &CkUnattendedRun::finished);

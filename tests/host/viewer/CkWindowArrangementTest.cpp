@@ -39,14 +39,14 @@ TEST_F(WindowArrangement, CascadeLaysViewsOverEachOtherAndTheyStaySo) {
     m_options.cameras = QStringList{"sim:grey"};
     ASSERT_TRUE(start());
     void* camera = CkCameraManager::instance()->openedCameras().first();
-    desk()->openView(camera);
-    desk()->openView(camera);
+    cameras()->openView(camera);
+    cameras()->openView(camera);
     QAction* cascade = byShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
     ASSERT_NE(cascade, nullptr);
     cascade->trigger();
     EXPECT_FALSE(area()->arrangesItself());
     // One more does not tile the others away.
-    desk()->openView(camera);
+    cameras()->openView(camera);
     QCoreApplication::processEvents();
     QList<QMdiSubWindow*> windows = area()->subWindowList(QMdiArea::CreationOrder);
     ASSERT_EQ(windows.size(), 4);
@@ -191,7 +191,7 @@ TEST_F(SavedChain, IsThatOfTheViewThatWasActiveWhenSavingBegan) {
     ASSERT_TRUE(start());
     openGrey();
     const int grey = area()->activeViewId();
-    desk()->openCamera("sim:wave", true);
+    cameras()->openCamera("sim:wave", true);
     const int wave = area()->activeViewId();
     area()->setActiveView(grey);
     const QByteArray saved = savedWhile([this, wave] { area()->setActiveView(wave); });
@@ -202,9 +202,9 @@ TEST_F(SavedChain, IsThatOfTheViewThatWasActiveWhenSavingBegan) {
 
 TEST_F(SavedChain, IsNotAnotherOneWhenItHasBeenClosed) {
     ASSERT_TRUE(start());
-    desk()->openCamera("sim:wave", true);
+    cameras()->openCamera("sim:wave", true);
     void* grey = openGrey();
-    const QByteArray saved = savedWhile([this, grey] { desk()->closeCamera(grey); });
+    const QByteArray saved = savedWhile([this, grey] { cameras()->closeCamera(grey); });
     EXPECT_EQ(saved, QByteArray());
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_EQ(m_driver.boxes[0].text, "The chain has been closed in the meantime.");

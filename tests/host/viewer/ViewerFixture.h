@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/plugins/CkPluginHost.h"
 #include "host/viewer/shell/CkMainWindow.h"
@@ -40,9 +40,9 @@ protected:
 
     CkMainWindow* window() const { return m_session->window(); }
     CkViewArea* area() const { return window()->area(); }
-    CkCameraDesk* desk() const { return window()->desk(); }
+    CkCameraController* cameras() const { return window()->cameras(); }
 
-    void* openGrey() const { return desk()->openCamera(QStringLiteral("sim:grey"), true); }
+    void* openGrey() const { return cameras()->openCamera(QStringLiteral("sim:grey"), true); }
     CkImageView* firstView() const { return qobject_cast<CkImageView*>(area()->views().value(0)); }
 
     /// Waits until a view has shown a frame.

@@ -1,7 +1,7 @@
 #include "host/viewer/panels/camera/CkCameraMenu.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"
 
@@ -22,8 +22,8 @@ void clearLater(QMenu* menu) {
 
 } // namespace
 
-CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
-    : QObject(pParent), m_pDesk(pDesk) {
+CkCameraMenu::CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* pParent)
+    : QObject(pParent), m_pCameras(pCameras) {
     pMenu->setToolTipsVisible(true);
     m_pOpenMenu = pMenu->addMenu(tr("&Open"));
     m_pOpenMenu->setObjectName(QStringLiteral("menuOpenCamera"));
@@ -32,7 +32,7 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     m_pStartAction->setObjectName(QStringLiteral("actStartCamera"));
     m_pStartAction->setShortcut(Qt::Key_F5);
     m_pPauseAction = pMenu->addAction(tr("&Pause"), this, [this] {
-        if (CkCameraPanel* panel = m_pDesk->panel(m_pDesk->currentCamera())) {
+        if (CkCameraPanel* panel = m_pCameras->panel(m_pCameras->currentCamera())) {
             panel->setPaused(!panel->isPaused());
             refresh();
         }
@@ -41,7 +41,7 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     m_pPauseAction->setShortcut(Qt::Key_F6);
     m_pPauseAction->setCheckable(true);
     m_pStepAction = pMenu->addAction(tr("S&ingle Step"), this, [this] {
-        if (CkCameraPanel* panel = m_pDesk->panel(m_pDesk->currentCamera())) {
+        if (CkCameraPanel* panel = m_pCameras->panel(m_pCameras->currentCamera())) {
             panel->step();
             refresh();
         }
@@ -49,11 +49,11 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     m_pStepAction->setObjectName(QStringLiteral("actStepCamera"));
     m_pStepAction->setShortcut(Qt::Key_F7);
     m_pViewAction = pMenu->addAction(tr("&New Picture View"), this,
-                                     [this] { m_pDesk->openView(m_pDesk->currentCamera()); });
+                                     [this] { m_pCameras->openView(m_pCameras->currentCamera()); });
     m_pViewAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     pMenu->addSeparator();
     m_pCloseAction = pMenu->addAction(tr("Close &Current"), this,
-                                      [this] { m_pDesk->closeCamera(m_pDesk->currentCamera()); });
+                                      [this] { m_pCameras->closeCamera(m_pCameras->currentCamera()); });
     m_pCloseAction->setObjectName(QStringLiteral("actCloseCamera"));
     m_pCloseAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
     m_pCloseMenu = pMenu->addMenu(tr("C&lose"));
@@ -79,8 +79,8 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
     connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::cameraUnplugged, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkCameraMenu::refresh);
-    connect(m_pDesk, &CkCameraDesk::cameraReady, this, &CkCameraMenu::refresh);
-    connect(m_pDesk, &CkCameraDesk::currentCameraChanged, this, &CkCameraMenu::refresh);
+    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkCameraMenu::refresh);
+    connect(m_pCameras, &CkCameraController::currentCameraChanged, this, &CkCameraMenu::refresh);
     connect(pMenu, &QMenu::aboutToShow, this, &CkCameraMenu::refresh);
     refresh();
 }
@@ -88,9 +88,9 @@ CkCameraMenu::CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent)
 void CkCameraMenu::refresh() {
     fillOpenMenu();
     fillHandleMenus();
-    void* camera = m_pDesk->currentCamera();
+    void* camera = m_pCameras->currentCamera();
     const bool running = camera != nullptr && CkCameraManager::instance()->isAcquiring(camera);
-    const CkCameraPanel* panel = m_pDesk->panel(camera);
+    const CkCameraPanel* panel = m_pCameras->panel(camera);
     const QString none = tr("There is no current camera: open one, or activate one of its views");
     const bool unplugged = CkCameraManager::instance()->isUnplugged(camera);
     const QString stopped = camera == nullptr ? none
@@ -134,8 +134,8 @@ void CkCameraMenu::fillOpenMenu() {
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + number)));
         }
         connect(action, &QAction::triggered, this, [this, id = info.id] {
-            if (void* handle = m_pDesk->openCamera(id, true)) {
-                m_pDesk->start(handle);
+            if (void* handle = m_pCameras->openCamera(id, true)) {
+                m_pCameras->start(handle);
             }
             refresh();
         });
@@ -157,13 +157,13 @@ void CkCameraMenu::fillHandleMenus() {
         if (!manager->cameraInfo(handle, info)) {
             continue;
         }
-        m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pDesk->closeCamera(handle); });
+        m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pCameras->closeCamera(handle); });
         if (!manager->isUnplugged(handle)) {
-            m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pDesk->unplugCamera(handle); });
+            m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pCameras->unplugCamera(handle); });
         }
     }
     for (const SkCameraInfo& info : manager->camerasHeldApart()) {
-        m_pPlugInMenu->addAction(info.name, this, [this, id = info.id] { m_pDesk->plugCameraIn(id); });
+        m_pPlugInMenu->addAction(info.name, this, [this, id = info.id] { m_pCameras->plugCameraIn(id); });
     }
     const auto judge = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
         menu->setEnabled(!menu->isEmpty());
@@ -176,13 +176,13 @@ void CkCameraMenu::fillHandleMenus() {
 }
 
 void CkCameraMenu::toggleAcquisition() {
-    void* camera = m_pDesk->currentCamera();
+    void* camera = m_pCameras->currentCamera();
     if (camera == nullptr) {
         return;
     }
     if (CkCameraManager::instance()->isAcquiring(camera)) {
-        m_pDesk->stop(camera);
+        m_pCameras->stop(camera);
     } else {
-        m_pDesk->start(camera);
+        m_pCameras->start(camera);
     }
 }

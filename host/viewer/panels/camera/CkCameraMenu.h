@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-class CkCameraDesk;
+class CkCameraController;
 class QAction;
 class QMenu;
 
@@ -12,7 +12,7 @@ class CkCameraMenu : public QObject {
     Q_OBJECT
 
 public:
-    CkCameraMenu(CkCameraDesk* pDesk, QMenu* pMenu, QObject* pParent = nullptr);
+    CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* pParent = nullptr);
 
     QMenu* openMenu() const { return m_pOpenMenu; }
     QMenu* closeMenu() const { return m_pCloseMenu; }
@@ -28,7 +28,7 @@ private:
     void fillHandleMenus();
     void toggleAcquisition();
 
-    CkCameraDesk* m_pDesk;
+    CkCameraController* m_pCameras;
     QMenu* m_pOpenMenu;
     QMenu* m_pCloseMenu;
     QMenu* m_pUnplugMenu;

@@ -12,13 +12,13 @@ class QTabWidget;
 
 /// The open cameras of the viewer: their panels, and the chains and views made for them. User-interface
 /// thread.
-class CkCameraDesk : public QObject {
+class CkCameraController : public QObject {
     Q_OBJECT
 
 public:
     /// Panels become tabs of pPanels.
-    CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent = nullptr);
-    ~CkCameraDesk() override;
+    CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent = nullptr);
+    ~CkCameraController() override;
 
     /// Opens a camera with a panel and, with bWithView, a picture view on a chain of its own. The handle of
     /// one that is open already. Null, with psError set, on failure.

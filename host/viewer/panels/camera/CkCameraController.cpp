@@ -1,4 +1,4 @@
-#include "host/viewer/panels/camera/CkCameraDesk.h"
+#include "host/viewer/panels/camera/CkCameraController.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
@@ -10,12 +10,12 @@
 
 #include <QTabWidget>
 
-CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
+CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
     : QObject(pParent), m_pArea(pArea), m_pPanels(pPanels) {
     CkCameraManager* manager = CkCameraManager::instance();
-    connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraDesk::equip);
-    connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraDesk::clearAway);
-    connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraDesk::cameraGone);
+    connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraController::equip);
+    connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraController::clearAway);
+    connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraController::cameraGone);
     connect(manager, &CkCameraManager::cameraLost, this, [this](const QString& sName) {
         report(tr("Camera \"%1\" was lost. Its views wait for it.").arg(sName));
     });
@@ -24,8 +24,8 @@ CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pPar
         CkCameraManager::instance()->cameraInfo(pHandle, info);
         qInfo("%s", qUtf8Printable(tr("Camera \"%1\" is back.").arg(info.name)));
     });
-    connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraDesk::bringViewForward);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraDesk::bringPanelForward);
+    connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
     // A chain that nobody looks at any more has no reason to run.
     connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
@@ -41,9 +41,9 @@ CkCameraDesk::CkCameraDesk(CkViewArea* pArea, QTabWidget* pPanels, QObject* pPar
     });
 }
 
-CkCameraDesk::~CkCameraDesk() = default;
+CkCameraController::~CkCameraController() = default;
 
-void* CkCameraDesk::openCamera(const QString& sId, bool bWithView, QString* psError) {
+void* CkCameraController::openCamera(const QString& sId, bool bWithView, QString* psError) {
     m_bWithView = bWithView;
     QString error;
     void* handle = CkCameraManager::instance()->openCamera(sId, &error);
@@ -57,7 +57,7 @@ void* CkCameraDesk::openCamera(const QString& sId, bool bWithView, QString* psEr
     return handle;
 }
 
-void CkCameraDesk::equip(void* pHandle) {
+void CkCameraController::equip(void* pHandle) {
     if (m_panels.value(pHandle)) {
         return;
     }
@@ -68,15 +68,15 @@ void CkCameraDesk::equip(void* pHandle) {
     m_pPanels->setTabToolTip(m_pPanels->addTab(panel, info.name), info.name);
     m_pPanels->setCurrentWidget(panel);
     connect(panel, &CkCameraPanel::startRequested, this, [this](void* pCamera) { start(pCamera); });
-    connect(panel, &CkCameraPanel::stopRequested, this, &CkCameraDesk::stop);
-    connect(panel, &CkCameraPanel::newViewRequested, this, &CkCameraDesk::openView);
+    connect(panel, &CkCameraPanel::stopRequested, this, &CkCameraController::stop);
+    connect(panel, &CkCameraPanel::newViewRequested, this, &CkCameraController::openView);
     if (m_bWithView) {
         openView(pHandle);
     }
     emit cameraReady(pHandle);
 }
 
-int CkCameraDesk::openView(void* pHandle) {
+int CkCameraController::openView(void* pHandle) {
     CkChainManager* chains = CkChainManager::instance();
     if (!CkCameraManager::instance()->isOpen(pHandle)) {
         return -1;
@@ -101,7 +101,7 @@ int CkCameraDesk::openView(void* pHandle) {
     return view->viewId();
 }
 
-bool CkCameraDesk::start(void* pHandle, QString* psError) {
+bool CkCameraController::start(void* pHandle, QString* psError) {
     CkCameraManager* manager = CkCameraManager::instance();
     void* handle = pHandle != nullptr ? pHandle : currentCamera();
     if (handle == nullptr || !manager->isOpen(handle)) {
@@ -132,7 +132,7 @@ bool CkCameraDesk::start(void* pHandle, QString* psError) {
     return true;
 }
 
-bool CkCameraDesk::stop(void* pHandle) {
+bool CkCameraController::stop(void* pHandle) {
     CkCameraManager* manager = CkCameraManager::instance();
     void* handle = pHandle != nullptr ? pHandle : currentCamera();
     if (handle == nullptr || !manager->isOpen(handle)) {
@@ -146,28 +146,28 @@ bool CkCameraDesk::stop(void* pHandle) {
     return true;
 }
 
-void CkCameraDesk::closeCamera(void* pHandle) {
+void CkCameraController::closeCamera(void* pHandle) {
     CkCameraManager::instance()->closeCamera(pHandle);
 }
 
-void CkCameraDesk::unplugCamera(void* pHandle) {
+void CkCameraController::unplugCamera(void* pHandle) {
     CkCameraManager::instance()->unplugCamera(pHandle);
 }
 
-void CkCameraDesk::plugCameraIn(const QString& sId) {
+void CkCameraController::plugCameraIn(const QString& sId) {
     QString error;
     if (!CkCameraManager::instance()->plugCameraIn(sId, &error)) {
         report(tr("Camera \"%1\" does not go on: %2").arg(sId, error));
     }
 }
 
-void CkCameraDesk::closeAllCameras() {
+void CkCameraController::closeAllCameras() {
     for (void* handle : CkCameraManager::instance()->openedCameras()) {
         closeCamera(handle);
     }
 }
 
-void CkCameraDesk::clearAway(void* pHandle) {
+void CkCameraController::clearAway(void* pHandle) {
     // The views go first, while the plug-ins can still ask for the camera behind them.
     const QList<CkChain*> chains = chainsOf(pHandle);
     for (const int id : viewsOf(pHandle)) {
@@ -186,14 +186,14 @@ void CkCameraDesk::clearAway(void* pHandle) {
     }
 }
 
-void* CkCameraDesk::cameraOfActiveView() const {
+void* CkCameraController::cameraOfActiveView() const {
     const CkMdiView* view = m_pArea->activeView();
     const QList<void*> handles = view != nullptr ? view->cameraHandles() : QList<void*>();
     return !handles.isEmpty() && CkCameraManager::instance()->isOpen(handles.first()) ? handles.first()
                                                                                       : nullptr;
 }
 
-void* CkCameraDesk::currentCamera() const {
+void* CkCameraController::currentCamera() const {
     if (void* camera = cameraOfActiveView()) {
         return camera;
     }
@@ -204,14 +204,14 @@ void* CkCameraDesk::currentCamera() const {
 
 // Panel and active view belong to the same camera, so that nobody stops one while looking at the other's
 // panel.
-void CkCameraDesk::bringPanelForward() {
+void CkCameraController::bringPanelForward() {
     if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
         m_pPanels->setCurrentWidget(shown);
     }
     emit currentCameraChanged();
 }
 
-void CkCameraDesk::bringViewForward() {
+void CkCameraController::bringViewForward() {
     const auto* shown = qobject_cast<const CkCameraPanel*>(m_pPanels->currentWidget());
     void* const camera = shown != nullptr ? shown->cameraHandle() : nullptr;
     const CkMdiView* active = m_pArea->activeView();
@@ -222,11 +222,11 @@ void CkCameraDesk::bringViewForward() {
     emit currentCameraChanged();
 }
 
-CkCameraPanel* CkCameraDesk::panel(void* pHandle) const {
+CkCameraPanel* CkCameraController::panel(void* pHandle) const {
     return m_panels.value(pHandle);
 }
 
-QList<CkChain*> CkCameraDesk::chainsOf(void* pHandle) const {
+QList<CkChain*> CkCameraController::chainsOf(void* pHandle) const {
     QList<CkChain*> result;
     for (CkChain* chain : CkChainManager::instance()->chains()) {
         for (CkChainable* block : chain->imageSources()) {
@@ -240,7 +240,7 @@ QList<CkChain*> CkCameraDesk::chainsOf(void* pHandle) const {
     return result;
 }
 
-QList<int> CkCameraDesk::viewsOf(void* pHandle) const {
+QList<int> CkCameraController::viewsOf(void* pHandle) const {
     QList<int> result;
     for (const CkMdiView* view : m_pArea->views()) {
         if (view->cameraHandles().contains(pHandle)) {
@@ -250,6 +250,6 @@ QList<int> CkCameraDesk::viewsOf(void* pHandle) const {
     return result;
 }
 
-void CkCameraDesk::report(const QString& sText) const {
+void CkCameraController::report(const QString& sText) const {
     qWarning("%s", qUtf8Printable(sText));
 }
