@@ -41,7 +41,7 @@ class CkMdiView::CkPrivate : public QObject {
 public:
     explicit CkPrivate(CkMdiView* pView)
         : m_pView(pView),
-          m_slot([pView](std::unique_ptr<CkImageData> data) { pView->frameArrived(std::move(data)); }) {
+          m_slot([pView](std::unique_ptr<CkImageData> data) { pView->showFrame(std::move(data)); }) {
         connect(CkChainManager::instance(), &CkChainManager::chainAboutToClose, this,
                 [this](CkChain* pChain) {
                     if (pChain == m_chain) {
@@ -238,7 +238,7 @@ quint64 CkMdiView::droppedFrames() const {
     return m_d->m_slot.droppedFrames();
 }
 
-void CkMdiView::frameArrived(std::unique_ptr<CkImageData> arrived) {
+void CkMdiView::showFrame(std::unique_ptr<CkImageData> arrived) {
     const std::shared_ptr<CkImageData> frame = std::move(arrived);
     if (!frame) {
         return;
@@ -248,7 +248,7 @@ void CkMdiView::frameArrived(std::unique_ptr<CkImageData> arrived) {
     const QPointer<CkMdiView> self(this);
     emit receivedFrame(frame->frameId());
     if (self) {
-        emit imageShown(m_iViewId, frame.get());
+        emit frameShown(m_iViewId, frame.get());
     }
 }
 

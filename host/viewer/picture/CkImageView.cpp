@@ -237,7 +237,7 @@ void CkImageView::setShowsLegend(bool bShow) {
     m_pLegendAction->setChecked(bShow);
 }
 
-void CkImageView::frameArrived(std::unique_ptr<CkImageData> frame) {
+void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
     if (frame && frame->picBuf().data != nullptr) {
         adaptToFormat(*frame);
         m_pCanvas->setPictureSize(QSize(int(frame->picBuf().width), int(frame->picBuf().height)));
@@ -245,7 +245,7 @@ void CkImageView::frameArrived(std::unique_ptr<CkImageData> frame) {
     m_bStale = true;
     m_pCanvas->update();
     const QPointer<CkImageView> self(this);
-    CkMdiView::frameArrived(std::move(frame));
+    CkMdiView::showFrame(std::move(frame));
     if (self && m_hovered.x() >= 0) {
         hoverPixel(m_hovered);
     }

@@ -91,7 +91,7 @@ signals:
     void contrastChanged();
 
 protected:
-    void frameArrived(std::unique_ptr<CkImageData> frame) override;
+    void showFrame(std::unique_ptr<CkImageData> frame) override;
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
 
 private:

@@ -207,7 +207,7 @@ bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidg
     }
     // The first frame brings the view's own colours.
     QObject::connect(
-        first, &CkMdiView::imageShown, first,
+        first, &CkMdiView::frameShown, first,
         [first, viewSettings] { CkRecordingNotes::applyViewSettings(first, viewSettings); },
         Qt::SingleShotConnection);
     // Which makes the playback show the first frame.

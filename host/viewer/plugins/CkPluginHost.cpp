@@ -83,7 +83,7 @@ void CkPluginHost::notifyViewAboutToClose(int iViewId) {
     tellAll([=](CkPlugin& plugin) { plugin.viewAboutToClose(iViewId); });
 }
 
-void CkPluginHost::notifyNewImage(int iViewId, const CkImageData* pData) {
+void CkPluginHost::notifyFrameShown(int iViewId, const CkImageData* pData) {
     tellAll([=](CkPlugin& plugin) { plugin.viewGotNewImage(iViewId, pData); });
 }
 

@@ -28,7 +28,7 @@ public:
 
     void notifyActiveView(int iViewId);
     void notifyViewAboutToClose(int iViewId);
-    void notifyNewImage(int iViewId, const CkImageData* pData);
+    void notifyFrameShown(int iViewId, const CkImageData* pData);
     void notifyNewCamera(void* pCameraHandle);
 
 private:

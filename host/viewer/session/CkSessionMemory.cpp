@@ -139,7 +139,7 @@ void restoreLook(CkImageView* view, const QDomElement& element) {
     view->setProperty(kLook, look);
     // Channels and colours are those of a picture; the first one brings the view's own.
     QObject::connect(
-        view, &CkMdiView::imageShown, view,
+        view, &CkMdiView::frameShown, view,
         [view] {
             const QJsonObject waiting = view->property(kLook).toJsonObject();
             view->setProperty(kLook, QVariant());

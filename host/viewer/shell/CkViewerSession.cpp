@@ -94,10 +94,10 @@ QString CkViewerSession::cameraList() {
 
 void CkViewerSession::watchView(int iViewId) {
     CkMdiView* view = m_window->area()->view(iViewId);
-    connect(view, &CkMdiView::imageShown, this, [this, view](int iShownId, const CkImageData* pData) {
+    connect(view, &CkMdiView::frameShown, this, [this, view](int iShownId, const CkImageData* pData) {
         // A closed view may still get the frame that was on its way.
         if (m_window && m_window->area()->view(iShownId) == view) {
-            m_plugins->notifyNewImage(iShownId, pData);
+            m_plugins->notifyFrameShown(iShownId, pData);
         }
     });
 }

@@ -15,9 +15,9 @@ class CkLut;
 /// A view in the MDI area. Base of image views and of what plug-ins add. User-interface thread.
 ///
 /// A view constructed on a block shows that block's frames: the base attaches itself to the block's chain,
-/// keeps the newest frame in a slot of depth one and hands it over (frameArrived) when the event loop comes
-/// to it. When a block is inserted behind the view's block, the view follows to the new block's output.
-/// A view without a block gets its frames in another way (updateWithConnectedImageData).
+/// keeps the newest frame in a slot of depth one and shows it (showFrame) when the event loop gets to it.
+/// When a block is inserted behind the view's block, the view follows to the new block's output. A view
+/// without a block gets its frames in another way (updateWithConnectedImageData).
 class ZUCOREGUI_EXPORT CkMdiView : public QWidget {
     Q_OBJECT
 
@@ -70,16 +70,16 @@ public:
 signals:
     /// A new frame is there: imageData(iFrameId) answers it during the call, and until the next one comes.
     void receivedFrame(qint32 iFrameId);
-    /// After receivedFrame; for the application, which tells the plug-ins.
-    void imageShown(int iViewId, const CkImageData* pData);
+    /// After receivedFrame; the application forwards it to the plug-ins (CkPlugin::viewGotNewImage).
+    void frameShown(int iViewId, const CkImageData* pData);
     /// The block shown changed (insertion, removal), or went away.
     void dataProviderChanged();
     void viewTitleChanged(); ///< viewTitle answers something else.
 
 protected:
-    /// A frame of the view's own block, owned by the view from then on through the base. Overrides call the
-    /// base last, which stores it and emits the signals.
-    virtual void frameArrived(std::unique_ptr<CkImageData> data);
+    /// Shows a frame of the view's own block and takes ownership of it. Overrides call the base last, which
+    /// stores the frame and emits receivedFrame and frameShown.
+    virtual void showFrame(std::unique_ptr<CkImageData> data);
 
     /// Attaches to another block's frames; null detaches.
     void setDataProvider(CkChainable* pProvider);

@@ -122,7 +122,7 @@ protected:
     void resizeEvent(QResizeEvent* pEvent) override;
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
-    void frameArrived(std::unique_ptr<CkImageData> data) override;
+    void showFrame(std::unique_ptr<CkImageData> data) override;
 
 private:
     void refreshTitle();

@@ -52,11 +52,11 @@ void CkToF3DMdiView::updateWithConnectedImageData(const CkImageData* pData, bool
 }
 
 // A view that was cloned onto a block of its own gets its frames from there.
-void CkToF3DMdiView::frameArrived(std::unique_ptr<CkImageData> arrived) {
+void CkToF3DMdiView::showFrame(std::unique_ptr<CkImageData> arrived) {
     if (arrived) {
         takeFrame(arrived.get(), false);
     }
-    CkMdiView::frameArrived(std::move(arrived));
+    CkMdiView::showFrame(std::move(arrived));
 }
 
 void CkToF3DMdiView::takeFrame(const CkImageData* pData, bool bForce) {

@@ -220,7 +220,7 @@ TEST_F(CkMdiViewTest, HandsFramesOverOnTheUserInterfaceThread) {
         EXPECT_EQ(view.imageData(iFrameId + 1), nullptr);
         order << QString("received %1").arg(iFrameId);
     });
-    QObject::connect(&view, &CkMdiView::imageShown, &view, [&](int iViewId, const CkImageData* pData) {
+    QObject::connect(&view, &CkMdiView::frameShown, &view, [&](int iViewId, const CkImageData* pData) {
         EXPECT_EQ(iViewId, view.viewId());
         order << QString("shown %1").arg(pData->frameId());
     });
@@ -392,7 +392,7 @@ TEST_F(CkMdiViewTest, ViewsOpenAndCloseWhileFramesArrive) {
     for (int iRound = 0; iRound < 60; ++iRound) {
         CkMdiView first(block);
         CkMdiView second(iRound % 2 == 0 ? static_cast<CkChainable*>(source) : block);
-        QObject::connect(&first, &CkMdiView::imageShown, &first, [&](int, const CkImageData* pData) {
+        QObject::connect(&first, &CkMdiView::frameShown, &first, [&](int, const CkImageData* pData) {
             iShown += pData->picBuf().data[0] == 5 ? 1 : -1000;
         });
         // Some views live until they have shown a frame, the others go at once.
@@ -429,7 +429,7 @@ TEST_F(CkMdiViewTest, MemoryStaysFlatWhileAListenerKeepsADialogOpen) {
         bOpened = true;
         dialog.exec();
     });
-    QObject::connect(&view, &CkMdiView::imageShown, &view, [&](int, const CkImageData* pData) {
+    QObject::connect(&view, &CkMdiView::frameShown, &view, [&](int, const CkImageData* pData) {
         // The frame that the dialog held up comes last, still whole.
         pOuter = pData;
         EXPECT_EQ(pData->picBuf().data[0], 5);

@@ -84,7 +84,7 @@ TEST_F(PlaybackBar, EveryFrameIsShown) {
     ASSERT_TRUE(openFile(path("many.tif")));
     ASSERT_TRUE(waitForShown(0));
     QList<quint64> shown;
-    QObject::connect(firstView(), &CkMdiView::imageShown, window(),
+    QObject::connect(firstView(), &CkMdiView::frameShown, window(),
                      [&](int, const CkImageData* data) { shown.append(data->metadata().frameNumber); });
     action("actPlaybackEveryFrame")->trigger();
     action("actPlaybackPlay")->trigger();

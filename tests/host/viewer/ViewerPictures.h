@@ -36,5 +36,5 @@ std::unique_ptr<CkImageData> makeFrame(EkImageDataType type, quint32 width, quin
 class CkFedImageView : public CkImageView {
 public:
     CkFedImageView() : CkImageView(nullptr) {}
-    void feed(std::unique_ptr<CkImageData> frame) { frameArrived(std::move(frame)); }
+    void feed(std::unique_ptr<CkImageData> frame) { showFrame(std::move(frame)); }
 };

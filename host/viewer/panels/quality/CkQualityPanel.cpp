@@ -161,7 +161,7 @@ void CkQualityPanel::follow() {
         m_overlay = new CkRegionOverlay(m_source->canvas());
         m_overlay->setDrawing(m_pDraw->isChecked());
         connect(m_overlay, &CkRegionOverlay::regionDrawn, this, &CkQualityPanel::setRegion);
-        connect(m_source, &CkMdiView::imageShown, this,
+        connect(m_source, &CkMdiView::frameShown, this,
                 [this](int, const CkImageData* pData) { measure(pData); });
         const CkImageData* const frame = m_source->currentImage();
         if (frame != nullptr && (m_now.pixels != frame->picBuf().data ||
