@@ -1,6 +1,6 @@
-#include "tools/tof/CkTofConsole.h"
-#include "tools/tof/CkTofInput.h"
-#include "tools/tof/TofCommands.h"
+#include "tools/tof/CkToFConsole.h"
+#include "tools/tof/CkToFInput.h"
+#include "tools/tof/ToFCommands.h"
 
 #include <QCoreApplication>
 
@@ -50,17 +50,17 @@ int run(const QStringList& arguments) {
         }
     }
     if (name == QLatin1String("-h") || name == QLatin1String("--help")) {
-        CkTofConsole::print(QString::fromLatin1(overview));
-        return TofSuccess;
+        CkToFConsole::print(QString::fromLatin1(overview));
+        return ToFSuccess;
     }
     if (name == QLatin1String("-v") || name == QLatin1String("--version")) {
-        CkTofConsole::print(tofSoftware());
-        return TofSuccess;
+        CkToFConsole::print(tofSoftware());
+        return ToFSuccess;
     }
-    CkTofConsole::error(name.isEmpty()
+    CkToFConsole::error(name.isEmpty()
                             ? QStringLiteral("Which command? See \"tof --help\".")
                             : QStringLiteral("There is no command \"%1\". See \"tof --help\".").arg(name));
-    return TofUsage;
+    return ToFUsage;
 }
 
 } // namespace
@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
     try {
         return run(QCoreApplication::arguments());
     } catch (const std::bad_alloc&) {
-        CkTofConsole::error(QStringLiteral("There is not enough memory."));
-        return TofOutput;
+        CkToFConsole::error(QStringLiteral("There is not enough memory."));
+        return ToFOutput;
     }
 }

@@ -1,0 +1,44 @@
+#include "tools/tof/CkToFComplaints.h"
+
+#include "tools/tof/CkToFConsole.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+constexpr size_t shownKinds = 5;
+
+QString withoutPage(QString message) {
+    static const QRegularExpression page(QStringLiteral("\", page \\d+: "));
+    return message.replace(page, QStringLiteral("\": "));
+}
+
+} // namespace
+
+CkToFComplaints::~CkToFComplaints() {
+    for (const SkKind& kind : m_kinds) {
+        if (kind.count > 1) {
+            CkToFConsole::error(QStringLiteral("%1 (%2 pages in all)").arg(kind.last).arg(kind.count));
+        }
+    }
+    if (m_iOthers > 0) {
+        CkToFConsole::error(QStringLiteral("Further errors of other kinds: %1").arg(m_iOthers));
+    }
+}
+
+void CkToFComplaints::add(const QString& sMessage) {
+    const QString key = withoutPage(sMessage);
+    const auto found = std::find_if(m_kinds.begin(), m_kinds.end(),
+                                    [&key](const SkKind& kind) { return kind.withoutPage == key; });
+    if (found != m_kinds.end()) {
+        found->last = sMessage;
+        ++found->count;
+    } else if (m_kinds.size() < shownKinds) {
+        m_kinds.push_back({key, sMessage, 1});
+        CkToFConsole::error(sMessage);
+    } else {
+        ++m_iOthers;
+    }
+}

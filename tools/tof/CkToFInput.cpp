@@ -1,0 +1,145 @@
+#include "tools/tof/CkToFInput.h"
+
+#include "tools/tof/tofEnding.h"
+
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "zuCore/zuCoreVersion.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qint64 pagesPerReport = 256;
+
+/// Where a page belongs in its set.
+struct SkInSet {
+    bool separate = false; ///< part of a set at all
+    bool begins = true;
+    qint64 length = 1; ///< of the set
+};
+
+SkInSet placeOf(const SkFrameDescription& description) {
+    const CkImageMetadata& metadata = description.metadata;
+    if (!CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+        return {};
+    }
+    return CkToFPicAPI::isRawToFHybridPic(description.info, &metadata)
+               ? SkInSet{true, metadata.sectionIndex == 0, metadata.sectionCount}
+               : SkInSet{true, metadata.phaseSequenceIndex == 0, metadata.phaseSequenceLength};
+}
+
+// A set whose beginning is missing ends somewhere. Images may be there twice.
+bool isFull(const SkToFGroup& group, qint64 length) {
+    return group.count >= 2 * std::max<qint64>(length, 1);
+}
+
+} // namespace
+
+void SkToFGroup::add(const SkFrameDescription& description) {
+    const SkPicBufInfo& info = description.info;
+    const quint64 page = (quint64(info.lineSize) + info.linePadding) * info.height;
+    bytes += page;
+    pixels += quint64(info.width) * info.height;
+    largestPage = std::max(largestPage, page);
+    width = info.width;
+    const bool twoFloats = info.dataType == EkImageDataType::Float32 && info.channels == 2;
+    maybeTof = maybeTof || twoFloats || description.metadata.tofFormatCode != 0 ||
+               info.colorFilterArray != EkColorFilterArray::None;
+}
+
+bool CkToFInput::open(const QString& sFileName) {
+    CkToFConsole::CkProgress progress(QStringLiteral("Opening"));
+    QString error;
+    const bool opened = m_reader.open(sFileName, &error, [&progress](qint64, double share) {
+        progress.show(qint64(share * 100), 100);
+        return true;
+    });
+    if (!opened) {
+        CkToFConsole::error(error);
+        return false;
+    }
+    if (!m_reader.damage().isEmpty()) {
+        complain(m_reader.damage());
+    }
+    return true;
+}
+
+std::vector<SkToFGroup> CkToFInput::groups() const {
+    std::vector<SkToFGroup> groups;
+    CkToFConsole::CkProgress progress(QStringLiteral("Looking through"));
+    bool open = false;
+    for (qint64 page = 0; page < m_reader.frameCount(); ++page) {
+        if (page % pagesPerReport == 0) {
+            progress.show(page, m_reader.frameCount());
+        }
+        SkFrameDescription description;
+        const bool readable = m_reader.describe(page, description, nullptr);
+        const SkInSet place = readable ? placeOf(description) : SkInSet();
+        if (!open || !place.separate || place.begins || isFull(groups.back(), place.length)) {
+            groups.push_back({.first = page, .count = 0});
+        }
+        SkToFGroup& group = groups.back();
+        ++group.count;
+        if (readable) {
+            group.add(description);
+            // A list of angles as long as the set is kept even when most of its images are missing.
+            const quint64 length = place.separate ? quint64(std::max<qint64>(place.length, 1)) : 1;
+            group.bytes = std::max(group.bytes, length * sizeof(qint32));
+        }
+        open = place.separate;
+    }
+    return groups;
+}
+
+QString CkToFInput::tooMuchMemory(const SkToFGroup& group, quint64 uiBytes) const {
+    if (uiBytes <= m_limits.memoryBytes) {
+        return {};
+    }
+    return QStringLiteral("\"%1\", page %2: working on %3 takes %4 MiB; --memory %4 allows that.")
+        .arg(m_reader.fileName(), QString::number(group.first + 1),
+             group.count == 1 ? QStringLiteral("it")
+                              : QStringLiteral("this set of %1 pages").arg(group.count),
+             QString::number((uiBytes >> 20U) + 1));
+}
+
+int CkToFInput::exitCode() const {
+    return m_complaints.isEmpty() ? ToFSuccess : ToFDamaged;
+}
+
+bool CkToFInput::isInput(const QString& sFileName) const {
+    const QString input = QFileInfo(m_reader.fileName()).canonicalFilePath();
+    if (input.isEmpty() || QFileInfo(sFileName).canonicalFilePath() != input) {
+        return false;
+    }
+    CkToFConsole::error(QStringLiteral("\"%1\" is the input; it is not overwritten.").arg(sFileName));
+    return true;
+}
+
+QString tofIncompleteSet(const SkToFGroup& group, const QString& sMissing) {
+    return QStringLiteral(" The set of page %1 %2.")
+        .arg(group.count == 1
+                 ? QString::number(group.first + 1)
+                 : QStringLiteral("%1 to %2").arg(group.first + 1).arg(group.first + group.count))
+        .arg(sMissing);
+}
+
+bool tofMayBeRecording(const QString& sFileName) {
+    const QString ending = tofEnding(sFileName);
+    const QStringList known{QString(), QStringLiteral("tif"), QStringLiteral("tiff")};
+    if (known.contains(ending)) {
+        return true;
+    }
+    CkToFConsole::error(QStringLiteral("\"%1\": a recording is written as .tif or .tiff, not as .%2.")
+                            .arg(sFileName, ending));
+    return false;
+}
+
+QString tofSoftware() {
+    int major = 0;
+    int minor = 0;
+    int patch = 0;
+    zuCoreVersion(major, minor, patch);
+    return QStringLiteral("tof %1.%2.%3").arg(major).arg(minor).arg(patch);
+}

@@ -1,0 +1,329 @@
+#include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "plugins/zplToF/cloud/CkToFDepthFrame.h"
+#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFSettings.h"
+#include "plugins/zplToF/transform/EkTransformType.h"
+#include "tools/tof/CkToFArguments.h"
+#include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFPipeline.h"
+#include "tools/tof/ToFCommands.h"
+#include "tools/tof/ToFInOrder.h"
+
+#include "zuCore/CkImageData.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QSettings>
+
+#include <limits>
+
+namespace {
+
+constexpr double bytesPerPoint = 220;
+constexpr qint64 largestSettings = 4 << 20;
+
+/// What the options make of a cloud.
+struct SkCloudOptions {
+    SkToFOpticalPath path;
+    float zoom = 1.0F;
+    qint64 maxWidth = 640;
+    bool frequencyGiven = false; ///< an option wins over what the camera says
+    bool focalLengthGiven = false;
+};
+
+bool readSettings(const CkToFArguments& options, SkToFOpticalPath& path) {
+    const QString file = options.value(QStringLiteral("settings-file"));
+    const QFileInfo info(file);
+    if (!file.isEmpty() && (!info.isFile() || !info.isReadable())) {
+        CkToFConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
+        return false;
+    }
+    if (!file.isEmpty() && info.size() > largestSettings) {
+        CkToFConsole::error(QStringLiteral("\"%1\" is larger than settings are (%2 MiB).")
+                                .arg(file)
+                                .arg(largestSettings >> 20));
+        return false;
+    }
+    const std::unique_ptr<QSettings> settings =
+        file.isEmpty() ? std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                                     QStringLiteral("Orvane"), QStringLiteral("zuviewer"))
+                       : std::make_unique<QSettings>(file, QSettings::IniFormat);
+    path = ToFSettings::readOpticalPath(*settings);
+    return true;
+}
+
+bool readOptions(const CkToFArguments& options, SkCloudOptions& cloud) {
+    SkToFOpticalPath& path = cloud.path;
+    const bool settings =
+        options.has(QStringLiteral("from-settings")) || options.has(QStringLiteral("settings-file"));
+    if (settings && !readSettings(options, path)) {
+        return false;
+    }
+    const struct {
+        const char* on;
+        const char* off;
+        bool* value;
+    } flags[] = {{"lens", "no-lens", &path.compensateDistortion},
+                 {"ortho", "no-ortho", &path.orthoRadialCorrection}};
+    for (const auto& flag : flags) {
+        const bool on = options.has(QLatin1String(flag.on));
+        const bool off = options.has(QLatin1String(flag.off));
+        if (on && off) {
+            CkToFConsole::error(QStringLiteral("--%1 and --%2 exclude each other.")
+                                    .arg(QLatin1String(flag.on), QLatin1String(flag.off)));
+            return false;
+        }
+        *flag.value = on || (*flag.value && !off);
+    }
+    // Smallest float above 0: lengths, frequencies and thresholds of 0 mean nothing.
+    constexpr float above0 = std::numeric_limits<float>::min();
+    constexpr float any = -std::numeric_limits<float>::infinity();
+    const struct {
+        const char* name;
+        float minimum;
+        float* value;
+    } numbers[] = {{"focal-length", above0, &path.lensFocalLengthMM},
+                   {"cell-size", above0, &path.chipCellSizeMM},
+                   {"frequency", above0, &path.modulationFreqMHz},
+                   {"confidence", above0, &path.confidenceThreshold},
+                   {"offset", any, &path.realDistanceOffsetM}};
+    for (const auto& number : numbers) {
+        if (!options.readNumber(QLatin1String(number.name), number.minimum, *number.value)) {
+            return false;
+        }
+    }
+    cloud.frequencyGiven = options.has(QStringLiteral("frequency"));
+    cloud.focalLengthGiven = options.has(QStringLiteral("focal-length"));
+    double x = path.centerOffsetMM.x();
+    double y = path.centerOffsetMM.y();
+    if (!options.readPair(QStringLiteral("center-offset"), x, y)) {
+        return false;
+    }
+    path.centerOffsetMM = QPointF(x, y);
+    return options.readNumber(QStringLiteral("z-zoom"), above0, cloud.zoom) &&
+           options.readNumber(QStringLiteral("max-width"), 1, cloud.maxWidth);
+}
+
+struct SkClouds {
+    std::vector<QByteArray> texts;
+    QStringList errors;
+    QString incomplete; ///< what the set lacks, when nothing came out for want of it
+};
+
+/// The points of a picture as text; empty when it gives none.
+QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const quint8* colours) {
+    CkToFDepthFrame depth;
+    const int width = int(std::min<qint64>(cloud.maxWidth, std::numeric_limits<int>::max()));
+    if (!depth.update(data.picBuf(), &data.metadata(), width)) {
+        return {};
+    }
+    SkToFCloudParameters parameters;
+    parameters.opticalPath = cloud.path;
+    parameters.opticalPath.takeOverCameraValues(data.metadata());
+    if (cloud.frequencyGiven) {
+        parameters.opticalPath.modulationFreqMHz = cloud.path.modulationFreqMHz;
+    }
+    if (cloud.focalLengthGiven) {
+        parameters.opticalPath.lensFocalLengthMM = cloud.path.lensFocalLengthMM;
+    }
+    parameters.zZoom = cloud.zoom;
+    parameters.pColourTable = colours;
+    CkToFCloudBuilder builder;
+    if (!builder.build(depth.pictures(), parameters)) {
+        return {};
+    }
+    return buildPlyText(builder.exportPoints());
+}
+
+/// What the clouds of a group take: pages as for processing, and points with their text. Pictures that are no
+/// ToF pictures are shrunk.
+quint64 bytesFor(const SkToFGroup& group, const SkCloudOptions& cloud) {
+    const double width = group.width;
+    const double shrink = group.maybeTof ? 1.0 : std::min(1.0, double(cloud.maxWidth) / std::max(1.0, width));
+    const double points = double(group.pixels) * shrink * shrink;
+    return 2 * group.largestPage + (group.maybeTof ? 4 * group.bytes : 0) + quint64(bytesPerPoint * points);
+}
+
+SkClouds groupClouds(const CkRecordingReader& reader, const SkToFGroup& group, const SkCloudOptions& cloud,
+                     const quint8* colours) {
+    SkClouds done;
+    CkToFPipeline gathering(ToFTransform::Depth);
+    bool waiting = false;
+    for (qint64 page = group.first; page < group.first + group.count; ++page) {
+        QString error;
+        std::unique_ptr<CkImageData> data = reader.read(page, &error);
+        if (!error.isEmpty()) {
+            done.errors.append(error);
+        }
+        if (data == nullptr) {
+            continue;
+        }
+        QString reason;
+        if (CkToFPicAPI::incomingSeparatePhases(&data->metadata())) {
+            std::unique_ptr<CkImageData> depth;
+            const auto result = gathering.process(*data, depth, reason);
+            waiting = result == CkToFPipeline::EkResult::Waiting;
+            if (waiting) {
+                continue;
+            }
+            data = std::move(depth);
+        }
+        const QByteArray text = data != nullptr ? cloudText(*data, cloud, colours) : QByteArray();
+        if (text.isEmpty()) {
+            done.errors.append(QStringLiteral("\"%1\", page %2: %3")
+                                   .arg(reader.fileName())
+                                   .arg(page + 1)
+                                   .arg(reason.isEmpty()
+                                            ? QStringLiteral("No cloud can be made of this picture.")
+                                            : reason));
+        } else {
+            done.texts.push_back(text);
+        }
+    }
+    if (waiting && done.texts.empty()) {
+        done.incomplete = tofIncompleteSet(group, gathering.missingImages());
+    }
+    return done;
+}
+
+/// False, after saying why, when the file cannot be written; it is then as it was.
+bool writeFile(const QString& name, const QByteArray& text) {
+    QSaveFile file(name);
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
+        return true;
+    }
+    CkToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
+    return false;
+}
+
+/// room.ply, 7 -> room-00007.ply
+QString numbered(const QString& name, qint64 number) {
+    const QFileInfo info(name);
+    const QString suffix = info.suffix().isEmpty() ? QString() : QLatin1Char('.') + info.suffix();
+    const QString base = name.left(name.size() - suffix.size());
+    return QStringLiteral("%1-%2%3").arg(base).arg(number, 5, 10, QLatin1Char('0')).arg(suffix);
+}
+
+void addOptions(CkToFArguments& options) {
+    const auto value = [&options](const char* name, const char* what, const char* about) {
+        options.addValue(QLatin1String(name), QLatin1String(what), QLatin1String(about));
+    };
+    const auto flag = [&options](const char* name, const char* about) {
+        options.addFlag(QLatin1String(name), QLatin1String(about));
+    };
+    value("frame", "N",
+          "Only this frame or set, counted from 0, into the file named. Without it every one is written "
+          "into a file with its number: room-00000.ply.");
+    flag("from-settings", "Starts from the settings of the viewer.");
+    value("settings-file", "FILE", "The same from another settings file.");
+    flag("lens", "Uses the lens model: points in millimetres.");
+    flag("no-lens", "No lens model: points in units of the picture's half width (the default).");
+    value("focal-length", "MM", "Focal length in mm; otherwise what the camera says, or 3.5.");
+    value("cell-size", "MM", "Pitch of a sensor cell in mm; 0.01 by default.");
+    value("center-offset", "X,Y",
+          "Optical axis from the picture's centre in mm on the chip; 0,0 by default.");
+    value("frequency", "MHZ", "Modulation frequency in MHz; otherwise what the camera says, or 30.");
+    value("confidence", "VALUE",
+          "Drops pixels of a higher confidence value (lower is better); 10 by default.");
+    value("offset", "M", "Metres added to every distance; -1.5 by default.");
+    flag("ortho", "Corrects distances along the ray to distances along the axis (the default).");
+    flag("no-ortho", "Leaves distances along the ray.");
+    value("z-zoom", "FACTOR", "Stretches the depth axis of clouds without lens model; 1 by default.");
+    value("max-width", "PIXELS", "Shrinks pictures that are no ToF pictures to this width; 640 by default.");
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
+    options.addArgument(QStringLiteral("CLOUD"), QStringLiteral("PLY file to write."));
+}
+
+} // namespace
+
+int tofCloud(const QStringList& arguments) {
+    CkToFArguments options(
+        QStringLiteral("cloud [options] RECORDING CLOUD"),
+        QStringLiteral("Makes point clouds (ASCII PLY) of raw ToF, phase shift and depth pictures."),
+        {QStringLiteral("tof cloud --lens --offset 0 --frame 0 room.tif room.ply"),
+         QStringLiteral("tof cloud --from-settings room.tif clouds/room.ply"),
+         QStringLiteral("tof cloud --lens --focal-length 4 --cell-size 0.01 "
+                        "--center-offset 0.1,-0.05 depth.tif depth.ply")});
+    addOptions(options);
+    SkToFLimits::addOptions(options);
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    SkToFLimits limits;
+    if (!limits.read(options)) {
+        return ToFUsage;
+    }
+    SkCloudOptions cloud;
+    qint64 wanted = -1;
+    if (!readOptions(options, cloud) || !options.readNumber(QStringLiteral("frame"), 0, wanted)) {
+        return ToFUsage;
+    }
+    CkToFInput input(limits);
+    if (!input.open(options.argument(0))) {
+        return ToFInput;
+    }
+    std::vector<SkToFGroup> groups = input.groups();
+    if (wanted >= qint64(groups.size())) {
+        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                                .arg(wanted)
+                                .arg(input.reader().fileName())
+                                .arg(groups.size()));
+        return ToFNotApplicable;
+    }
+    if (wanted >= 0) {
+        groups = {groups[size_t(wanted)]};
+    }
+    // Colours do not reach the file; the builder wants a table all the same.
+    const std::vector<quint8> colours(size_t(256) * 4, 255);
+    bool writes = true;
+    qint64 number = 0;
+    qint64 empty = 0;
+    QString incomplete; // the first set that is
+    {
+        CkToFConsole::CkProgress progress(QStringLiteral("Clouds"));
+        inOrder(
+            qint64(groups.size()), input.memoryBytes(),
+            [&](qint64 i) { return bytesFor(groups[size_t(i)], cloud); },
+            [&](qint64 i) {
+                const SkToFGroup& group = groups[size_t(i)];
+                const QString tooMuch = input.tooMuchMemory(group, bytesFor(group, cloud));
+                return tooMuch.isEmpty() ? groupClouds(input.reader(), group, cloud, colours.data())
+                                         : SkClouds{{}, {tooMuch}, {}};
+            },
+            [&](qint64 i, SkClouds&& done) {
+                for (const QString& error : std::as_const(done.errors)) {
+                    input.complain(error);
+                }
+                if (incomplete.isEmpty()) {
+                    incomplete = done.incomplete;
+                }
+                for (const QByteArray& text : done.texts) {
+                    const QString name = wanted >= 0 ? options.argument(1) : numbered(options.argument(1), i);
+                    writes = writes && !input.isInput(name) && writeFile(name, text);
+                    ++number;
+                    empty += text.contains("\nelement vertex 0\n") ? 1 : 0;
+                }
+                progress.show(i + 1, qint64(groups.size()));
+                return writes;
+            });
+    }
+    if (!writes) {
+        return ToFOutput;
+    }
+    if (number == 0) {
+        CkToFConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
+                                .arg(input.reader().fileName(), incomplete));
+        return ToFNotApplicable;
+    }
+    if (empty > 0) {
+        CkToFConsole::error(
+            (number == 1 ? QStringLiteral("The cloud has")
+                         : QStringLiteral("%1 of %2 clouds %3")
+                               .arg(empty)
+                               .arg(number)
+                               .arg(empty == 1 ? QLatin1String("has") : QLatin1String("have"))) +
+            QStringLiteral(" no points: the confidence of every pixel is above %1 or it holds no distance.")
+                .arg(double(cloud.path.confidenceThreshold)));
+    }
+    return input.exitCode();
+}

@@ -1,0 +1,327 @@
+#include "host/recording/CkRecordingWriter.h"
+#include "tools/tof/CkToFArguments.h"
+#include "tools/tof/CkToFInput.h"
+#include "tools/tof/ToFCommands.h"
+#include "tools/tof/ToFPng.h"
+#include "tools/tof/tofEnding.h"
+
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkLut.h"
+#include "zuCore/CkPicBufAPI.h"
+
+#include <QSaveFile>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+// A float, a colour, the bytes of the picture three times over and what they are packed into.
+constexpr quint64 bytesPerPngPixel = 24;
+
+double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
+    const quint8* const at =
+        picBuf.row(y) + (size_t(x) * picBuf.channels + channel) * sampleBytes(picBuf.dataType);
+    const auto read = [at](auto value) {
+        std::memcpy(&value, at, sizeof(value));
+        return double(value);
+    };
+    switch (picBuf.dataType) {
+    case EkImageDataType::Int8:
+        return read(qint8());
+    case EkImageDataType::Int16:
+        return read(qint16());
+    case EkImageDataType::UInt16:
+    case EkImageDataType::Other16:
+        return read(quint16());
+    case EkImageDataType::Int32:
+        return read(qint32());
+    case EkImageDataType::UInt32:
+        return read(quint32());
+    case EkImageDataType::Int64:
+        return read(qint64());
+    case EkImageDataType::UInt64:
+        return read(quint64());
+    case EkImageDataType::Float32:
+        return read(float());
+    case EkImageDataType::Float64:
+        return read(double());
+    default:
+        return read(quint8());
+    }
+}
+
+/// A frame that goes with its memory.
+struct SkOwned {
+    SkPicBuf picBuf;
+    SkOwned() = default;
+    ~SkOwned() { CkPicBufAPI::FreePicBuf(picBuf); }
+    SkOwned(const SkOwned&) = delete;
+    SkOwned& operator=(const SkOwned&) = delete;
+    bool allocate(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits) {
+        return CkPicBufAPI::AllocPicBufFromHeap(picBuf, width, height, channels, type, 0, 0, bits,
+                                                EkDataStorageFormat::Interleaved, EkColorFilterArray::None,
+                                                false, false, 0);
+    }
+};
+
+struct SkImageOptions {
+    qint64 channel = 0;
+    int map = 0;
+    bool ranged = false;
+    float low = 0.0F;
+    float high = 1.0F;
+};
+
+/// Every sample of a channel as float, so that any type takes a range in its own units.
+bool toFloat(const SkPicBuf& source, quint32 firstChannel, quint32 channels, SkOwned& target) {
+    if (!target.allocate(source.width, source.height, channels, EkImageDataType::Float32, 32)) {
+        return false;
+    }
+    for (quint32 y = 0; y < source.height; ++y) {
+        auto* const row = reinterpret_cast<float*>(target.picBuf.row(y));
+        for (quint32 x = 0; x < source.width; ++x) {
+            for (quint32 c = 0; c < channels; ++c) {
+                row[size_t(x) * channels + c] = float(sampleOf(source, x, y, firstChannel + c));
+            }
+        }
+    }
+    return true;
+}
+
+QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
+    SkOwned values;
+    SkOwned colours;
+    if (!toFloat(picture, quint32(options.channel), 1, values) ||
+        !colours.allocate(picture.width, picture.height, 4, EkImageDataType::UInt8, 8)) {
+        return {};
+    }
+    SkPicBuf& grey = values.picBuf;
+    if (options.ranged) {
+        grey.minValue = options.low;
+        grey.maxValue = options.high;
+    } else {
+        CkPicBufAPI::CalcFloatDataMinMax(grey, grey.minValue, grey.maxValue, false);
+    }
+    CkLut lut(32, 1, false, EkImageDataType::Float32);
+    lut.setPseudoColorIndex(options.map);
+    if (!lut.allocRgbTable(256 * 4) || !lut.applyToPic(grey, colours.picBuf)) {
+        return {};
+    }
+    QByteArray samples;
+    samples.reserve(qsizetype(picture.width) * picture.height * 3);
+    for (quint32 y = 0; y < picture.height; ++y) {
+        const quint8* const row = colours.picBuf.row(y);
+        for (quint32 x = 0; x < picture.width; ++x) {
+            samples.append(char(row[4 * x + 2])).append(char(row[4 * x + 1])).append(char(row[4 * x]));
+        }
+    }
+    return encodePng(picture.width, picture.height, 8, 3, samples);
+}
+
+QByteArray measuredPng(const SkPicBuf& picture, const CkImageMetadata& metadata,
+                       const SkImageOptions& options) {
+    const bool isFloat =
+        picture.dataType == EkImageDataType::Float32 || picture.dataType == EkImageDataType::Float64;
+    const bool isSigned =
+        picture.dataType == EkImageDataType::Int8 || picture.dataType == EkImageDataType::Int16 ||
+        picture.dataType == EkImageDataType::Int32 || picture.dataType == EkImageDataType::Int64;
+    const bool isPhase = metadata.channelNames.value(int(options.channel)) == QLatin1String("Phase shift");
+    const double scale = !isFloat ? 1.0 : isPhase ? 65536.0 / (2.0 * M_PI) : 1000.0;
+    const double offset = isSigned ? 32768.0 : 0.0;
+    QByteArray samples;
+    samples.reserve(qsizetype(picture.width) * picture.height * 2);
+    for (quint32 y = 0; y < picture.height; ++y) {
+        for (quint32 x = 0; x < picture.width; ++x) {
+            const double value =
+                std::round(sampleOf(picture, x, y, quint32(options.channel)) * scale + offset);
+            // What is no number gets 0, as an invalid distance does.
+            const auto stored = quint16(value >= 65535.0 ? 65535.0 : value > 0.0 ? value : 0.0);
+            samples.append(reinterpret_cast<const char*>(&stored), sizeof(stored));
+        }
+    }
+    return encodePng(picture.width, picture.height, 16, 1, samples);
+}
+
+int saveTiff(const QString& file, const CkImageData& data) {
+    SkOwned values;
+    const SkPicBuf& picture = data.picBuf();
+    CkRecordingWriter writer;
+    if (!toFloat(picture, 0, picture.channels, values)) {
+        CkToFConsole::error(QStringLiteral("There is not enough memory."));
+        return ToFOutput;
+    }
+    values.picBuf.copyPicAdditionalData(picture);
+    if (!writer.open(file, {{}, {}, tofSoftware()}) || !writer.write(values.picBuf, data.metadata()) ||
+        !writer.close()) {
+        CkToFConsole::error(writer.errorMessage());
+        return ToFOutput;
+    }
+    return ToFSuccess;
+}
+
+int savePng(const QString& name, const QByteArray& png) {
+    QSaveFile file(name);
+    if (png.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(png) != png.size() ||
+        !file.commit()) {
+        CkToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
+        return ToFOutput;
+    }
+    return ToFSuccess;
+}
+
+bool readMap(const QString& name, int& map) {
+    const QStringList names = CkLut::pseudoColorNames();
+    for (int i = 0; i < names.size(); ++i) {
+        if (names[i].compare(name, Qt::CaseInsensitive) == 0) {
+            map = i;
+            return true;
+        }
+    }
+    CkToFConsole::error(
+        QStringLiteral("--map wants one of %1, not \"%2\".").arg(names.join(QStringLiteral(", ")), name));
+    return false;
+}
+
+/// The format that was asked for, or that of the file's ending; the two have to agree. False, after saying
+/// why, when they do not.
+bool readFormat(bool asked, const QString& name, QString& format) {
+    const QString ending = tofEnding(name);
+    const bool asTiff = ending == QLatin1String("tif") || ending == QLatin1String("tiff");
+    if (!asTiff && !ending.isEmpty() && ending != QLatin1String("png")) {
+        CkToFConsole::error(QStringLiteral("\"%1\": a picture is written as .png, .tif or .tiff, not as .%2.")
+                                .arg(name, ending));
+        return false;
+    }
+    if (!asked) {
+        format = asTiff ? QStringLiteral("tiff") : QStringLiteral("png");
+        return true;
+    }
+    const QStringList formats{QStringLiteral("png"), QStringLiteral("png16"), QStringLiteral("tiff")};
+    if (!formats.contains(format)) {
+        CkToFConsole::error(QStringLiteral("--format wants png, png16 or tiff, not \"%1\".").arg(format));
+        return false;
+    }
+    const bool tiff = format == QLatin1String("tiff");
+    if (!ending.isEmpty() && tiff != asTiff) {
+        CkToFConsole::error(
+            QStringLiteral("\"%1\" does not go with --format %2, whose files end in %3.")
+                .arg(name, format, tiff ? QStringLiteral(".tif or .tiff") : QStringLiteral(".png")));
+        return false;
+    }
+    return true;
+}
+
+/// Why a frame is not made into a picture; empty when it may be, or when reading it will tell.
+QString tooMuchMemory(const CkToFInput& input, qint64 frame, bool tiff) {
+    SkFrameDescription description;
+    if (!input.reader().describe(frame, description, nullptr)) {
+        return {};
+    }
+    const SkPicBufInfo& info = description.info;
+    SkToFGroup group{.first = frame};
+    group.add(description);
+    // The frame as it is stored and as it is read, and what is made of a pixel on the way to the file.
+    const quint64 pixelBytes = tiff ? 8ULL * info.channels : bytesPerPngPixel;
+    return input.tooMuchMemory(group, 2 * group.bytes + pixelBytes * group.pixels);
+}
+
+} // namespace
+
+int tofImage(const QStringList& arguments) {
+    CkToFArguments options(QStringLiteral("image [options] RECORDING PICTURE"),
+                           QStringLiteral("Makes a picture of a frame."),
+                           {QStringLiteral("tof image --map Jet --range 0,6.2832 phase.tif phase.png"),
+                            QStringLiteral("tof image --format png16 --frame 10 depth.tif depth.png"),
+                            QStringLiteral("tof image --format tiff --frame 10 depth.tif one.tif")});
+    options.addValue(QStringLiteral("frame"), QStringLiteral("N"),
+                     QStringLiteral("Page of the recording, counted from 0; 0 by default."));
+    options.addValue(
+        QStringLiteral("format"), QStringLiteral("FORMAT"),
+        QStringLiteral(
+            "png: through a colour map; the default, unless PICTURE ends in .tif or .tiff. png16: as "
+            "measured; whole numbers unchanged (signed "
+            "ones plus 32768), metres as millimetres, a phase shift with 65536 for a full turn; what lies "
+            "outside is cut off. tiff: as measured, all channels as 32-bit float."));
+    options.addValue(QStringLiteral("channel"), QStringLiteral("C"),
+                     QStringLiteral("Channel for PNG, counted from 0; 0 by default."));
+    options.addValue(
+        QStringLiteral("map"), QStringLiteral("NAME"),
+        QStringLiteral("Colour map: %1.").arg(CkLut::pseudoColorNames().join(QStringLiteral(", "))));
+    options.addValue(
+        QStringLiteral("range"), QStringLiteral("LOW,HIGH"),
+        QStringLiteral("Values at the ends of the colour map; those of the picture by default."));
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
+    options.addArgument(QStringLiteral("PICTURE"), QStringLiteral("File to write."));
+    SkToFLimits::addOptions(options);
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    SkToFLimits limits;
+    if (!limits.read(options)) {
+        return ToFUsage;
+    }
+    SkImageOptions image;
+    image.ranged = options.has(QStringLiteral("range"));
+    qint64 frame = 0;
+    QString format = options.value(QStringLiteral("format"));
+    if (!readFormat(options.has(QStringLiteral("format")), options.argument(1), format)) {
+        return ToFUsage;
+    }
+    if (!options.readNumber(QStringLiteral("frame"), 0, frame) ||
+        !options.readNumber(QStringLiteral("channel"), 0, image.channel) ||
+        !options.readPair(QStringLiteral("range"), image.low, image.high) ||
+        (options.has(QStringLiteral("map")) && !readMap(options.value(QStringLiteral("map")), image.map))) {
+        return ToFUsage;
+    }
+    if (image.ranged && !(image.low < image.high)) {
+        CkToFConsole::error(QStringLiteral("--range wants the lower value first, not \"%1\".")
+                                .arg(options.value(QStringLiteral("range"))));
+        return ToFUsage;
+    }
+    CkToFInput input(limits);
+    if (!input.open(options.argument(0))) {
+        return ToFInput;
+    }
+    const CkRecordingReader& reader = input.reader();
+    if (input.isInput(options.argument(1))) {
+        return ToFUsage;
+    }
+    if (frame >= reader.frameCount()) {
+        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                                .arg(frame)
+                                .arg(reader.fileName())
+                                .arg(reader.frameCount()));
+        return ToFNotApplicable;
+    }
+    const QString tooMuch = tooMuchMemory(input, frame, format == QLatin1String("tiff"));
+    if (!tooMuch.isEmpty()) {
+        CkToFConsole::error(tooMuch);
+        return ToFNotApplicable;
+    }
+    CkToFConsole::CkProgress progress(QStringLiteral("Reading"));
+    QString error;
+    const std::unique_ptr<CkImageData> data = reader.read(frame, &error);
+    if (!error.isEmpty()) {
+        input.complain(error);
+    }
+    if (data == nullptr) {
+        return ToFInput;
+    }
+    if (image.channel >= data->picBuf().channels) {
+        CkToFConsole::error(QStringLiteral("There is no channel %1; the picture has %2, counted from 0.")
+                                .arg(image.channel)
+                                .arg(data->picBuf().channels));
+        return ToFNotApplicable;
+    }
+    int code = ToFSuccess;
+    if (format == QLatin1String("tiff")) {
+        code = saveTiff(options.argument(1), *data);
+    } else {
+        code = savePng(options.argument(1), format == QLatin1String("png16")
+                                                ? measuredPng(data->picBuf(), data->metadata(), image)
+                                                : colouredPng(data->picBuf(), image));
+    }
+    return code != ToFSuccess ? code : input.exitCode();
+}

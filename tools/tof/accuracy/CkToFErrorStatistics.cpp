@@ -1,0 +1,44 @@
+#include "tools/tof/accuracy/CkToFErrorStatistics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+void CkToFErrorStatistics::add(double fError) {
+    m_magnitudes.push_back(std::abs(fError));
+    const double step = fError - m_fMean;
+    m_fMean += step / double(m_magnitudes.size());
+    m_fSquares += step * (fError - m_fMean);
+}
+
+double CkToFErrorStatistics::mean() const {
+    return isEmpty() ? nothing : m_fMean;
+}
+
+double CkToFErrorStatistics::standardDeviation() const {
+    if (isEmpty()) {
+        return nothing;
+    }
+    return m_magnitudes.size() == 1 ? 0.0 : std::sqrt(m_fSquares / double(m_magnitudes.size() - 1));
+}
+
+double CkToFErrorStatistics::largest() const {
+    return isEmpty() ? nothing : *std::max_element(m_magnitudes.begin(), m_magnitudes.end());
+}
+
+double CkToFErrorStatistics::percentile(double fShare) {
+    if (isEmpty()) {
+        return nothing;
+    }
+    const double rank = std::ceil(fShare * double(m_magnitudes.size()));
+    const auto index =
+        std::clamp<std::ptrdiff_t>(std::ptrdiff_t(rank) - 1, 0, std::ptrdiff_t(m_magnitudes.size()) - 1);
+    std::nth_element(m_magnitudes.begin(), m_magnitudes.begin() + index, m_magnitudes.end());
+    return m_magnitudes[size_t(index)];
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+/// Mean, spread and percentiles of errors. Keeps them all, as percentiles need. One thread at a time.
+class CkToFErrorStatistics {
+public:
+    void add(double fError);
+    bool isEmpty() const { return m_magnitudes.empty(); }
+
+    // Not a number as long as nothing was added; the deviation of a single error is 0.
+    double mean() const;
+    double standardDeviation() const;
+    double largest() const;
+    /// The smallest magnitude that this share (above 0, up to 1) of the errors does not exceed.
+    double percentile(double fShare);
+
+private:
+    std::vector<double> m_magnitudes;
+    // Running mean and sum of squares about it, for errors that are small beside their mean.
+    double m_fMean = 0.0;
+    double m_fSquares = 0.0;
+};
