@@ -34,13 +34,13 @@ void CkVideoSource::describe(Readout readout, SkPicBufInfo& info, CkImageMetadat
     case AandB4:
     case AandB2:
     case AandBSeparate:
-        metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+        metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
         metadata.phasesCount = readout == AandB4 ? 4 : readout == AandB2 ? 2 : 1;
         metadata.phaseSequenceLength = readout == AandBSeparate ? 4 : 0;
         setLayout(info, height * quint32(metadata.phasesCount), 2, EkImageDataType::UInt16, 12);
         break;
     case AminusB4:
-        metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+        metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
         metadata.phasesCount = 4;
         setLayout(info, 4 * height, 1, EkImageDataType::Int16, 12);
         break;

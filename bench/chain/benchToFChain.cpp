@@ -67,7 +67,7 @@ class SimulatedSets : public PushSource {
 public:
     SimulatedSets() {
         setFormat(width, phases * height, 2, EkImageDataType::UInt16, 12);
-        metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+        metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
         metadata.phasesCount = phases;
         CkSimRaster raster(SkSimLens{}, CkSimScene::room());
         CkSimWaveSynth synth;

@@ -286,7 +286,7 @@ std::string checkClassifiers(FuzzBytes& input) {
     SkPicBufInfo info;
     describe(input, info, input.byte() % 4, input.byte() % 12U);
     CkImageMetadata metadata;
-    constexpr quint32 codes[] = {TofFormatCode::RawX2Bits8, TofFormatCode::AminusBBits12Alternate, 0};
+    constexpr quint32 codes[] = {ToFFormatCode::kRawX2Bits8, ToFFormatCode::kAminusBBits12Alternate, 0};
     metadata.tofFormatCode = input.byte() % 2 == 0 ? codes[input.byte() % 3] : input.word();
     metadata.colorFilterArray = input.smallOrAny(14);
     metadata.phasesCount = qint32(input.smallOrAny(9));

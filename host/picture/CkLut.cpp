@@ -1,8 +1,8 @@
 #include "zuCore/CkLut.h"
 
 #include "host/picture/pictureChecks.h"
-#include "host/picture/pictureSamples.h"
 #include "host/picture/pseudoColors.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,7 +101,7 @@ bool CkLut::applyToPic(const SkPicBuf& source, SkPicBuf& target) const {
     const quint64 lastEntry = rgbTableEntries() - 1;
     // Integers of more than 16 bits share entries.
     const double entriesPerValue = double(lastEntry) / maximum;
-    return visitSample(source.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitSamples(source.dataType, [&]<typename T>(T) {
         static constexpr quint8 black[4] = {0, 0, 0, 255};
         const auto color = [&](T value) -> const quint8* {
             if constexpr (std::is_floating_point_v<T>) {

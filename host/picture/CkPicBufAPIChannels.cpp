@@ -3,7 +3,7 @@
 #include "zuCore/CkPicBufAPI.h"
 
 #include "host/picture/pictureChecks.h"
-#include "host/picture/pictureSamples.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -113,7 +113,7 @@ bool CkPicBufAPI::ConvertToGrey(const SkPicBuf& source, SkPicBuf& target) {
     SkPicBufInfo grey = source;
     grey.channels = 1;
     grey.colorFilterArray = EkColorFilterArray::None;
-    return visitSample(source.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitSamples(source.dataType, [&]<typename T>(T) {
         if (!provideTarget(target, grey) || overlap(source, target)) {
             return false;
         }
@@ -148,7 +148,7 @@ bool CkPicBufAPI::ResizePic(const SkPicBuf& source, SkPicBuf& target, quint32 ui
     SkPicBufInfo resized = source;
     resized.width = uiWidth;
     resized.height = uiHeight;
-    return visitSample(source.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitSamples(source.dataType, [&]<typename T>(T) {
         if (!provideTarget(target, resized) || overlap(source, target)) {
             return false;
         }
@@ -179,8 +179,8 @@ bool CkPicBufAPI::ConvertPicToDifBpc(const SkPicBuf& source, SkPicBuf& target, b
         return false;
     }
     const int shift = int(target.bitsPerChannel) - int(source.bitsPerChannel);
-    return visitInteger(source.dataType, [&]<typename S>(SampleTag<S>) {
-        return visitInteger(target.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitIntegerSamples(source.dataType, [&]<typename S>(S) {
+        return visitIntegerSamples(target.dataType, [&]<typename T>(T) {
             if (sizeof(S) == 8 || sizeof(T) == 8) {
                 convertRows<Int128, S, T>(source, target, shift, bRound);
             } else {

@@ -3,7 +3,7 @@
 #include "zuCore/CkPicBufAPI.h"
 
 #include "host/picture/pictureChecks.h"
-#include "host/picture/pictureSamples.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <array>
@@ -107,7 +107,7 @@ bool CkPicBufAPI::CalcFloatDataMinMax(const SkPicBuf& picBuf, float& fMin, float
     if (!hasPixels(picBuf)) {
         return false;
     }
-    const auto measure = [&]<typename T>(SampleTag<T>) {
+    const auto measure = [&]<typename T>(T) {
         CkRange<T> range;
         const size_t step = bFirstChannelOnly ? picBuf.channels : 1;
         const size_t count = bFirstChannelOnly ? picBuf.width : size_t(picBuf.width) * picBuf.channels;
@@ -121,9 +121,9 @@ bool CkPicBufAPI::CalcFloatDataMinMax(const SkPicBuf& picBuf, float& fMin, float
     };
     switch (picBuf.dataType) {
     case EkImageDataType::Float32:
-        return measure(SampleTag<float>());
+        return measure(float());
     case EkImageDataType::Float64:
-        return measure(SampleTag<double>());
+        return measure(double());
     default:
         return false;
     }
@@ -133,7 +133,7 @@ bool CkPicBufAPI::DetectColorBitDepth(const SkPicBuf& picBuf, quint32& uiBits, b
     if (!hasPixels(picBuf)) {
         return false;
     }
-    return visitInteger(picBuf.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitIntegerSamples(picBuf.dataType, [&]<typename T>(T) {
         const size_t step = bFirstChannelOnly ? picBuf.channels : 1;
         const size_t count = bFirstChannelOnly ? picBuf.width : size_t(picBuf.width) * picBuf.channels;
         // The union of all bits is as long as the largest value.
@@ -162,7 +162,7 @@ bool CkPicBufAPI::ShiftBits(SkPicBuf& picBuf, int iShift, bool bUpdateBits) {
     if (!hasPixels(picBuf)) {
         return false;
     }
-    return visitInteger(picBuf.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitIntegerSamples(picBuf.dataType, [&]<typename T>(T) {
         forEachRow(picBuf, [&](quint8* row, size_t samples) {
             for (size_t i = 0; i < samples; ++i) {
                 storeSample<T>(row, i, shifted(loadSample<T>(row, i), qint64(iShift)));
@@ -186,7 +186,7 @@ bool CkPicBufAPI::Subtract(SkPicBuf& picBuf, const SkPicBuf& subtrahend) {
     if (!samePlaces && overlap(picBuf, subtrahend)) {
         return false;
     }
-    return visitSample(picBuf.dataType, [&]<typename T>(SampleTag<T>) {
+    return visitSamples(picBuf.dataType, [&]<typename T>(T) {
         const quint8* other = subtrahend.data;
         forEachRow(picBuf, [&](quint8* row, size_t samples) {
             for (size_t i = 0; i < samples; ++i) {

@@ -84,12 +84,12 @@ SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const C
         image.info = describe(lens, stacked, 2, bytes ? EkImageDataType::UInt8 : EkImageDataType::UInt16,
                               bits, EkColorFilterArray::RawX2AandB);
         image.metadata.channelNames = {QStringLiteral("A"), QStringLiteral("B")};
-        image.metadata.tofFormatCode = bytes ? TofFormatCode::RawX2Bits8 : TofFormatCode::RawX2Bits12;
+        image.metadata.tofFormatCode = bytes ? ToFFormatCode::kRawX2Bits8 : ToFFormatCode::kRawX2Bits12;
     } else {
         image.info = describe(lens, stacked, 1, bytes ? EkImageDataType::Int8 : EkImageDataType::Int16, bits,
                               EkColorFilterArray::RawAminusB);
         image.metadata.channelNames = {QStringLiteral("A-B")};
-        image.metadata.tofFormatCode = bytes ? TofFormatCode::AminusBBits8 : TofFormatCode::AminusBBits12;
+        image.metadata.tofFormatCode = bytes ? ToFFormatCode::kAminusBBits8 : ToFFormatCode::kAminusBBits12;
     }
     image.metadata.colorFilterArray = quint32(image.info.colorFilterArray);
     image.metadata.modulationFrequency = float(settings.modulationMHz);

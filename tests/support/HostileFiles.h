@@ -74,7 +74,7 @@ template <typename Change>
 QByteArray tofText(const Change& change) {
     SkFrameDescription description;
     description.info.bitsPerChannel = 12;
-    description.metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+    description.metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     description.metadata.phasesCount = 1;
     change(description);
     return description.toText();

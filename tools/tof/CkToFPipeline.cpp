@@ -117,7 +117,7 @@ CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::uni
     if (refusal != EkRefusal::None) {
         return waitingOrRefused();
     }
-    CkToFPicture out;
+    CkPicture out;
     if (!CkPicBufAPI::AllocPicBufFromHeap(out.picBuf(), outInfo) ||
         !m_processor.process(m_iTransform, frame, out.picBuf())) {
         sReason = QStringLiteral("The transform cannot work on a picture of %1 x %2 pixels of this kind.")

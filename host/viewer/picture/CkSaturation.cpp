@@ -15,8 +15,8 @@ bool isSigned(EkImageDataType type) {
 }
 
 bool isDifferenceCode(quint32 code) {
-    return code == TofFormatCode::AminusBBits8 || code == TofFormatCode::AminusBBits12 ||
-           code == TofFormatCode::AminusBBits12Alternate;
+    return code == ToFFormatCode::kAminusBBits8 || code == ToFFormatCode::kAminusBBits12 ||
+           code == ToFFormatCode::kAminusBBits12Alternate;
 }
 
 // A block that passes samples on keeps their kind and number; its picture is as good as the source's.

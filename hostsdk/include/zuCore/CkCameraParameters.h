@@ -12,7 +12,7 @@ struct SkCameraInfo {
     QString name;           ///< for people
     QString model;          ///< the maker's
     QString serial;         ///< empty when the camera has none
-    quint32 sensorType = 0; ///< 13: hybrid ToF sensor
+    quint32 sensorType = 0; ///< see ToFSensorType; 0: any other
 };
 
 /// The parameters of an open camera. Lives as long as the camera is open, or until it is plugged in again

@@ -108,6 +108,9 @@ protected:
 
 private:
     friend class CkChain;
+    friend class CkChainGraph;
+    friend class CkChainMessages;
+    friend class CkChainRunner;
 
     void setChainMessage(const QString& sMessage);
     /// Between the two the messages may change as they like: what came of it is told at the end, once. Only

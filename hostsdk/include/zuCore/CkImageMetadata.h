@@ -7,19 +7,19 @@
 
 /// Readout formats of a ToF camera as they appear in CkImageMetadata::tofFormatCode. Exactly these six
 /// are recognised.
-namespace TofFormatCode {
-inline constexpr quint32 RawX2Bits8 = 0x80ab0f08U;             ///< A and B, 8 bit
-inline constexpr quint32 RawX2Bits12 = 0x80ab0f0cU;            ///< A and B, 12 bit in 16
-inline constexpr quint32 RawX2Bits12Alternate = 0x84ab0f0cU;   ///< another code of the same
-inline constexpr quint32 AminusBBits8 = 0x80a05f08U;           ///< A minus B, 8 bit, signed
-inline constexpr quint32 AminusBBits12 = 0x80a05f0cU;          ///< A minus B, 12 bit in 16, signed
-inline constexpr quint32 AminusBBits12Alternate = 0x84a05f0cU; ///< another code of the same
-} // namespace TofFormatCode
+namespace ToFFormatCode {
+inline constexpr quint32 kRawX2Bits8 = 0x80ab0f08U;             ///< A and B, 8 bit
+inline constexpr quint32 kRawX2Bits12 = 0x80ab0f0cU;            ///< A and B, 12 bit in 16
+inline constexpr quint32 kRawX2Bits12Alternate = 0x84ab0f0cU;   ///< another code of the same
+inline constexpr quint32 kAminusBBits8 = 0x80a05f08U;           ///< A minus B, 8 bit, signed
+inline constexpr quint32 kAminusBBits12 = 0x80a05f0cU;          ///< A minus B, 12 bit in 16, signed
+inline constexpr quint32 kAminusBBits12Alternate = 0x84a05f0cU; ///< another code of the same
+} // namespace ToFFormatCode
 
 /// Per-image record that travels with a picture. Plain data, copied by value (strings share).
 struct CkImageMetadata {
     QStringList channelNames;         ///< one per channel: "Phase shift", "Confidence", "Depth", "X1", ...
-    quint32 tofFormatCode = 0;        ///< see TofFormatCode; 0 = none
+    quint32 tofFormatCode = 0;        ///< see ToFFormatCode; 0 = none
     quint32 colorFilterArray = 0;     ///< same code as the descriptor's
     float modulationFrequency = 0.0F; ///< MHz; 0 = absent
     qint32 phasesCount = 0;           ///< phases stacked in this picture; 0 or negative = unknown
@@ -29,7 +29,7 @@ struct CkImageMetadata {
     float hybridPulseDuration = 0.0F; ///< seconds; 0 or negative = default depth range
     quint32 sectionIndex = 0;         ///< position among the sections of a hybrid measurement, from 0
     quint32 sectionCount = 0;         ///< sections of a hybrid measurement
-    quint32 sectionMode = 0;          ///< 3: section 0 is a reference that is subtracted from the others
+    quint32 sectionMode = 0;          ///< see ToFSectionMode
     float lensFocalLength = 0.0F;     ///< mm; 0 or negative = unknown
     float exposureTimeUs = 0.0F;      ///< microseconds
     float frameRate = 0.0F;           ///< sets per second the camera is set to

@@ -17,6 +17,34 @@ struct SkPicBufInfo {
     EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown; ///< the host's are interleaved
     EkColorFilterArray colorFilterArray = EkColorFilterArray::None;   ///< None: no colour filter
     bool layoutFlag = false;                                          ///< false for every raw ToF picture
+
+    /// Interleaved samples without a colour filter, in packed rows: lineSize is width * channels * sample
+    /// bytes, and 0, which allocations refuse, when that exceeds 32 bits.
+    static SkPicBufInfo of(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,
+                           quint32 uiBitsPerChannel) {
+        SkPicBufInfo info;
+        info.width = uiWidth;
+        info.height = uiHeight;
+        info.channels = uiChannels;
+        info.bitsPerChannel = uiBitsPerChannel;
+        info.dataType = dataType;
+        info.storageFormat = EkDataStorageFormat::Interleaved;
+        info.padRows(0);
+        return info;
+    }
+
+    /// Sets linePadding and lineSize: packed rows rounded up to a multiple of so many bytes, lineSize 0 when
+    /// that exceeds 32 bits. 0 and 1: packed.
+    void padRows(quint32 uiLinePadding) {
+        linePadding = uiLinePadding;
+        const quint64 padding = uiLinePadding > 1 ? uiLinePadding : 1;
+        // In two steps: the product of all three factors can exceed 64 bits.
+        const quint64 samples = quint64(width) * channels;
+        const quint64 padded = samples > 0xffffffffU
+                                   ? samples
+                                   : (samples * sampleBytes(dataType) + padding - 1) / padding * padding;
+        lineSize = padded > 0xffffffffU ? 0 : quint32(padded);
+    }
 };
 
 /// What a frame carries beside its pixels; copied from input to output by every block.

@@ -81,7 +81,7 @@ private:
                            const CkImageMetadata& outMeta);
     /// Fills the picture, which is empty when nothing comes of the frame.
     void makePicture(EkTransformType transform, const SkToFFrame& frame, const SkPicBufInfo& outInfo,
-                     CkToFPicture& picture, SkOutcome& outcome);
+                     CkPicture& picture, SkOutcome& outcome);
     bool takeOutputPicture(const SkPicBufInfo& info, bool bClear, SkPicBuf& picBuf);
     void renegotiateIfOutdated(const SkPicBufInfo& info);
     void publish(const QString& sMessage);

@@ -144,7 +144,7 @@ CkToFProcessCnbl::SkOutcome CkToFProcessCnbl::processFrame(EkTransformType trans
         }
     }
     outcome.passThrough = CkToFFrameProcessor::passesThrough(transform, frame);
-    CkToFPicture picture;
+    CkPicture picture;
     if (!outcome.passThrough) {
         makePicture(transform, frame, outInfo, picture, outcome);
     }
@@ -159,7 +159,7 @@ CkToFProcessCnbl::SkOutcome CkToFProcessCnbl::processFrame(EkTransformType trans
 }
 
 void CkToFProcessCnbl::makePicture(EkTransformType transform, const SkToFFrame& frame,
-                                   const SkPicBufInfo& outInfo, CkToFPicture& picture, SkOutcome& outcome) {
+                                   const SkPicBufInfo& outInfo, CkPicture& picture, SkOutcome& outcome) {
     outcome.refusal = m_processor.refusal(transform, frame, outInfo);
     if (isEmpty(outInfo)) {
         outcome.refusal = EkRefusal::NoOutputPixels;
@@ -171,7 +171,7 @@ void CkToFProcessCnbl::makePicture(EkTransformType transform, const SkToFFrame& 
     // Without a picture of the pool the chain counts the frame and says why.
     if (takeOutputPicture(outInfo, clear, picture.picBuf()) &&
         !m_processor.process(transform, frame, picture.picBuf())) {
-        picture.free();
+        picture.reset();
         outcome.refusal = EkRefusal::NotSupported;
     }
 }

@@ -46,8 +46,8 @@ bool isCloudSampleType(EkImageDataType dataType) {
 }
 
 bool isAminBCode(quint32 uiCode) {
-    return uiCode == TofFormatCode::AminusBBits8 || uiCode == TofFormatCode::AminusBBits12 ||
-           uiCode == TofFormatCode::AminusBBits12Alternate;
+    return uiCode == ToFFormatCode::kAminusBBits8 || uiCode == ToFFormatCode::kAminusBBits12 ||
+           uiCode == ToFFormatCode::kAminusBBits12Alternate;
 }
 
 /// What a processing block makes of A minus B pictures: their metadata keep the code of the raw format.

@@ -28,8 +28,8 @@ bool CkToFPicAPI::isRawX2ToFABPic(const SkPicBufInfo& info, const CkImageMetadat
     if (pMetadata == nullptr)
         return true;
     const quint32 code = pMetadata->tofFormatCode;
-    return code == TofFormatCode::RawX2Bits8 || code == TofFormatCode::RawX2Bits12 ||
-           code == TofFormatCode::RawX2Bits12Alternate;
+    return code == ToFFormatCode::kRawX2Bits8 || code == ToFFormatCode::kRawX2Bits12 ||
+           code == ToFFormatCode::kRawX2Bits12Alternate;
 }
 
 bool CkToFPicAPI::isRawToFAminBPic(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
@@ -41,8 +41,8 @@ bool CkToFPicAPI::isRawToFAminBPic(const SkPicBufInfo& info, const CkImageMetada
     if (pMetadata == nullptr)
         return true;
     const quint32 code = pMetadata->tofFormatCode;
-    return code == TofFormatCode::AminusBBits8 || code == TofFormatCode::AminusBBits12 ||
-           code == TofFormatCode::AminusBBits12Alternate;
+    return code == ToFFormatCode::kAminusBBits8 || code == ToFFormatCode::kAminusBBits12 ||
+           code == ToFFormatCode::kAminusBBits12Alternate;
 }
 
 bool CkToFPicAPI::isRawToFHybridPic(const SkPicBufInfo& info, const CkImageMetadata* /*pMetadata*/) {

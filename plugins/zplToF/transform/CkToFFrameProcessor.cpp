@@ -74,7 +74,7 @@ bool CkToFFrameProcessor::prepareHdr(const SkPicBufInfo& sections, qint32 iPhase
 }
 
 void CkToFFrameProcessor::clear() {
-    m_hdr.free();
+    m_hdr.reset();
     m_hdrInfo = SkPicBufInfo();
     m_bHdrMissing = false;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/transform/CkToFPicture.h"
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
+#include "zuCore/CkPicture.h"
 
 /// A frame on its way through the block.
 struct SkToFFrame {
@@ -53,7 +53,7 @@ private:
     bool mergeSections(const SkPicBuf& sections);
     const SkPicBuf& hybridSource(const SkToFFrame& frame, const SkPicBuf& out);
 
-    CkToFPicture m_hdr;
+    CkPicture m_hdr;
     SkPicBufInfo m_hdrInfo; ///< of the work buffer at set-up
     bool m_bHdrMissing = false;
 };

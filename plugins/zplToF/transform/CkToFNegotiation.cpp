@@ -120,7 +120,7 @@ const char* negotiateSetABPhase(const CkToFRequest& request) {
         return notSupported;
     }
     request.setColorFilterArray(EkColorFilterArray::RawX2AandB);
-    request.setTofFormatCode(TofFormatCode::RawX2Bits12);
+    request.setTofFormatCode(ToFFormatCode::kRawX2Bits12);
     request.setChannelNames(namesAandB());
     request.setPhasesCount(qint32(request.phases));
     return nullptr;
@@ -190,7 +190,7 @@ const char* negotiateAandBtoAminB(const CkToFRequest& request) {
     request.setPitch(sampleBytes(request.out.dataType));
     request.setColorFilterArray(EkColorFilterArray::RawAminusB);
     request.setChannelNames(QStringList());
-    request.setTofFormatCode(TofFormatCode::AminusBBits12);
+    request.setTofFormatCode(ToFFormatCode::kAminusBBits12);
     return nullptr;
 }
 

@@ -45,7 +45,7 @@ CkToFPhaseCollector::EkRefusal CkToFPhaseCollector::prepare(const SkPicBufInfo& 
 }
 
 void CkToFPhaseCollector::clear() {
-    m_buffer.free();
+    m_buffer.reset();
     m_set = SkPicBuf();
     CkToFPicAPI::AngleList().swap(m_angles);
 }

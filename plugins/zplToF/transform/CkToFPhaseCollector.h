@@ -1,9 +1,9 @@
 #pragma once
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/transform/CkToFPicture.h"
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
 #include "zuCore/CkImageMetadata.h"
+#include "zuCore/CkPicture.h"
 
 /// Gathers the images of a set (phases or sections) into one picture, stacked in the order of their index.
 ///
@@ -60,7 +60,7 @@ private:
     bool store(const SkPicBuf& image, SkPlace place);
     void describeSet(const SkPicBuf& image);
 
-    CkToFPicture m_buffer;
+    CkPicture m_buffer;
     SkPicBuf m_set;
     CkToFPicAPI::AngleList m_angles;
 };

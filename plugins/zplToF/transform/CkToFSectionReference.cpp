@@ -11,8 +11,8 @@ bool CkToFSectionReference::prepare(const SkPicBufInfo& frame) {
 }
 
 void CkToFSectionReference::clear() {
-    m_reference.free();
-    m_difference.free();
+    m_reference.reset();
+    m_difference.reset();
 }
 
 bool CkToFSectionReference::setReference(const SkPicBuf& frame) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugins/zplToF/transform/CkToFPicture.h"
+#include "zuCore/CkPicture.h"
 
 /// Subtracts a reference section from the sections that follow it. One thread at a time.
 class CkToFSectionReference {
@@ -21,6 +21,6 @@ public:
     const SkPicBuf* difference(const SkPicBuf& frame);
 
 private:
-    CkToFPicture m_reference;
-    CkToFPicture m_difference;
+    CkPicture m_reference;
+    CkPicture m_difference;
 };

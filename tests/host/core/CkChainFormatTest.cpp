@@ -115,7 +115,7 @@ TEST_F(CkChainFormatTest, EveryFieldThatLastsIsNegotiatedOnceWhenItChanges) {
         [](SkPicBufInfo& info, CkImageMetadata&) { info.colorFilterArray = EkColorFilterArray::RawX2AandB; },
         [](SkPicBufInfo& info, CkImageMetadata&) { info.layoutFlag = true; },
         [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.channelNames = QStringList{"A"}; },
-        [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.tofFormatCode = TofFormatCode::RawX2Bits8; },
+        [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8; },
         [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.colorFilterArray = 13; },
         [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.modulationFrequency = 20.0F; },
         [](SkPicBufInfo&, CkImageMetadata& metadata) { metadata.phasesCount = 4; },

@@ -35,6 +35,44 @@ TEST(SkPicBuf, BeginsWithItsDescriptor) {
 
 #pragma GCC diagnostic pop
 
+TEST(SkPicBufInfo, OfDescribesPackedInterleavedRows) {
+    const SkPicBufInfo info = SkPicBufInfo::of(7, 5, 3, EkImageDataType::Int16, 12);
+    EXPECT_EQ(info.width, 7U);
+    EXPECT_EQ(info.height, 5U);
+    EXPECT_EQ(info.channels, 3U);
+    EXPECT_EQ(info.lineSize, 42U);
+    EXPECT_EQ(info.linePadding, 0U);
+    EXPECT_EQ(info.bitsPerChannel, 12U);
+    EXPECT_EQ(info.dataType, EkImageDataType::Int16);
+    EXPECT_EQ(info.storageFormat, EkDataStorageFormat::Interleaved);
+    EXPECT_EQ(info.colorFilterArray, EkColorFilterArray::None);
+    EXPECT_FALSE(info.layoutFlag);
+}
+
+TEST(SkPicBufInfo, RowsArePaddedToAMultiple) {
+    SkPicBufInfo info = SkPicBufInfo::of(7, 5, 3, EkImageDataType::Int16, 12);
+    const quint32 paddings[] = {1, 2, 42, 43, 64, 256};
+    const quint32 lineSizes[] = {42, 42, 42, 43, 64, 256};
+    for (size_t i = 0; i < std::size(paddings); ++i) {
+        info.padRows(paddings[i]);
+        EXPECT_EQ(info.lineSize, lineSizes[i]) << paddings[i];
+        EXPECT_EQ(info.linePadding, paddings[i]);
+    }
+}
+
+TEST(SkPicBufInfo, ARowBeyond32BitsHasNoLineSize) {
+    const auto lineSize = [](quint32 width, quint32 channels, EkImageDataType type) {
+        return SkPicBufInfo::of(width, 1, channels, type, 8).lineSize;
+    };
+    EXPECT_EQ(lineSize(0xffffffffU, 1, EkImageDataType::UInt8), 0xffffffffU);
+    EXPECT_EQ(lineSize(0x80000000U, 2, EkImageDataType::UInt8), 0U);
+    EXPECT_EQ(lineSize(0x20000000U, 1, EkImageDataType::Float64), 0U);
+    EXPECT_EQ(lineSize(0xffffffffU, 0xffffffffU, EkImageDataType::Float64), 0U);
+    SkPicBufInfo padded = SkPicBufInfo::of(0xfffffff1U, 1, 1, EkImageDataType::UInt8, 8);
+    padded.padRows(256);
+    EXPECT_EQ(padded.lineSize, 0U);
+}
+
 TEST(SampleTypes, HaveTheirNumbers) {
     const EkImageDataType types[] = {
         EkImageDataType::Unknown, EkImageDataType::Int8,    EkImageDataType::UInt8,

@@ -111,7 +111,7 @@ TEST(SaturationWatch, OfSeveralExposuresTheShortestDecides) {
 TEST(SaturationWatch, SaysWhenTheSourceDoesNotTell) {
     CkSaturationWatch watch;
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     const auto signedFrame = [] {
         return makeFrame<qint16>(EkImageDataType::Int16, 4, 3, 1, 12,
                                  [](quint32, quint32, quint32) { return qint16(0); });
@@ -155,8 +155,8 @@ TEST(Saturation, OnlySamplesThatCameFromTheCameraTell) {
     EXPECT_EQ(CkSaturation::evidence(info, {}, nullptr), EkEvidence::Floats);
     info.dataType = EkImageDataType::Int16;
     CkImageMetadata difference;
-    for (const quint32 code :
-         {TofFormatCode::AminusBBits8, TofFormatCode::AminusBBits12, TofFormatCode::AminusBBits12Alternate}) {
+    for (const quint32 code : {ToFFormatCode::kAminusBBits8, ToFFormatCode::kAminusBBits12,
+                               ToFFormatCode::kAminusBBits12Alternate}) {
         difference.tofFormatCode = code;
         EXPECT_EQ(CkSaturation::evidence(info, difference, nullptr), EkEvidence::Difference);
     }

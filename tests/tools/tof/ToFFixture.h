@@ -92,7 +92,7 @@ protected:
             made.fill<quint16>(
                 [i](quint32 x, quint32, quint32 c) { return quint16(c == 0 ? 100 + i + int(x) : 10); });
             CkImageMetadata metadata;
-            metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+            metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
             metadata.phasesCount = 1;
             metadata.frameNumber = quint64(i);
             change(metadata);

@@ -398,7 +398,7 @@ TEST_F(CkToFCalibrateOffsetDlgTest, DifferencesOfAPhasesCountThatHasNoPhaseShift
                                          EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
                                          false, 0);
         CkImageMetadata metadata;
-        metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+        metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
         metadata.phasesCount = iPhases;
         metadata.modulationFrequency = 20.0F;
         auto frame = std::make_unique<CkImageData>();

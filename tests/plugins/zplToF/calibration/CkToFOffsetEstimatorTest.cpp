@@ -47,7 +47,7 @@ private:
 
 CkImageMetadata aMinusB(int iPhases) {
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     metadata.phasesCount = iPhases;
     return metadata;
 }
@@ -215,7 +215,7 @@ TEST(CkToFOffsetEstimatorTest, ADifferencePictureIsNotReadBehindItsEnd) {
 
 TEST(CkToFOffsetEstimatorTest, APictureOfAAndBCountsAsPhaseZero) {
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
     Picture<quint16> picture(8, 32, 2, [](quint32 x, quint32, quint32) { return 100 + x; });
     CkToFOffsetEstimator estimator;

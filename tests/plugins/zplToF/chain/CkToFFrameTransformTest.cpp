@@ -109,7 +109,7 @@ TEST(StackedFrame, AandBtoAminBKeepsAllPhases) {
     ASSERT_FALSE(result.empty());
     EXPECT_EQ(rowValues(result.picture()), (std::vector<int>{60, 60, -70, -70}));
     EXPECT_EQ(result.picture().colorFilterArray, EkColorFilterArray::RawAminusB);
-    EXPECT_EQ(result.output->metadata().tofFormatCode, TofFormatCode::AminusBBits12);
+    EXPECT_EQ(result.output->metadata().tofFormatCode, ToFFormatCode::kAminusBBits12);
     EXPECT_EQ(result.output->metadata().phasesCount, 2);
 }
 

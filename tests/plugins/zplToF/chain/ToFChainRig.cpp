@@ -31,7 +31,7 @@ int ToFChainRig::View::takeFrame(CkImageData* data) {
 void ToFChainRig::useAandB(quint32 width, quint32 height, qint32 phases) {
     source->setFormat(width, height, 2, EkImageDataType::UInt16, 12);
     source->metadata = CkImageMetadata();
-    source->metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+    source->metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     source->metadata.phasesCount = phases;
     source->metadata.channelNames = QStringList{"A", "B"};
 }
@@ -39,7 +39,7 @@ void ToFChainRig::useAandB(quint32 width, quint32 height, qint32 phases) {
 void ToFChainRig::useAminusB(quint32 width, quint32 height, qint32 phases) {
     source->setFormat(width, height, 1, EkImageDataType::Int16, 12);
     source->metadata = CkImageMetadata();
-    source->metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    source->metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     source->metadata.phasesCount = phases;
 }
 

@@ -83,7 +83,7 @@ TEST(CkToFDepthFrame, MakesPhaseShiftAndConfidenceOfTwoTaps) {
         setSample<quint8>(*input, 0, quint32(2 * phase), 1, quint8(phase == 3 ? 60 : 50));
     }
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits8;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;
     metadata.phasesCount = 4;
     CkToFDepthFrame frame;
     ASSERT_TRUE(frame.update(*input, &metadata, 640));
@@ -99,7 +99,7 @@ TEST(CkToFDepthFrame, MakesPhaseShiftWithoutConfidenceOfDifferences) {
     setSample<qint16>(*input, 1, 0, 0, -100);
     setSample<qint16>(*input, 1, 2, 0, -100);
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     metadata.phasesCount = 2;
     CkToFDepthFrame frame;
     ASSERT_TRUE(frame.update(*input, &metadata, 640));
@@ -261,7 +261,7 @@ TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
 
     HeapPicture taps(4, 4, 2, EkImageDataType::UInt8);
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits8;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;
     metadata.phasesCount = 5;
     refused(*taps, &metadata, "more phases than rows");
     metadata.phasesCount = std::numeric_limits<qint32>::max();
@@ -271,7 +271,7 @@ TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
     refused(*strange, &metadata, "two taps of a type that nothing processes");
 
     HeapPicture differences(4, 4, 1, EkImageDataType::Int16);
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     metadata.phasesCount = 8;
     refused(*differences, &metadata, "more differences than rows");
 
@@ -308,7 +308,7 @@ TEST(CkToFDepthFrame, APhaseCountThatNothingComputesGivesZeros) {
     HeapPicture taps(4, 6, 2, EkImageDataType::UInt8);
     std::memset(taps->data, 0x5a, size_t(taps->lineSize) * 6);
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits8;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;
     // Pictures that were in use before must not shine through.
     metadata.phasesCount = 2;
     ASSERT_TRUE(frame.update(*taps, &metadata, 640));
@@ -379,7 +379,7 @@ TEST(CkToFDepthFrame, AgreesWithTheProcessingFunctions) {
             reinterpret_cast<quint16*>(input->row(y))[x] =
                 quint16((x * 2654435761U + y * 40503U) >> 7 & 4095);
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
     HeapPicture expected(33, 5, 2, EkImageDataType::Float32);
     ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*input, *expected, 4));

@@ -85,7 +85,7 @@ TEST(CloudMemory, RawAndGenericPicturesAllocateNothingLargeEither) {
         for (quint32 x = 0; x < 640; x++)
             reinterpret_cast<quint16*>(taps->row(y))[x] = quint16((x * 31 + y * 17) % 4096);
     CkImageMetadata metadata;
-    metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+    metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
     EXPECT_LE(largestAllocation(*taps, metadata, EkToFVertexLayout::Points, false), Small);
     HeapPicture grey(600, 300, 1, EkImageDataType::UInt8);

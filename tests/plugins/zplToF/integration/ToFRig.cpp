@@ -128,12 +128,12 @@ bool describe(FakeKind kind, bool separatePhases, SkPicBufInfo& info, CkImageMet
         break;
     case FakeKind::AB:
         info.channels = 2;
-        metadata.tofFormatCode = TofFormatCode::RawX2Bits12;
+        metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
         metadata.channelNames = QStringList{QStringLiteral("A"), QStringLiteral("B")};
         break;
     case FakeKind::AminB:
         info.dataType = EkImageDataType::Int16;
-        metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+        metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
         break;
     case FakeKind::PhaseShift:
     case FakeKind::Depth:

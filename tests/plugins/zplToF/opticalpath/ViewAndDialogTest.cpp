@@ -212,7 +212,7 @@ TEST_F(ViewAndDialogTest, PhaseDataWithoutConfidenceHaveARangeOfZeroOtherDataOfO
     auto frame = TestFrame::generic(8, 6, [](int, int) { return 1.0F; });
     CkImageMetadata metadata = frame->metadata();
     metadata.channelNames = QStringList{QStringLiteral("Phase shift")};
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     frame->setMetadata(metadata);
     give(*view, frame);
     ASSERT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::PhaseShift);

@@ -139,7 +139,7 @@ TEST_F(ToF3DViewDialogTest, TheThresholdOfDepthEndsAtOneAndThatOfPlainPhasesAtZe
     auto plain = TestFrame::generic(8, 6, [](int, int) { return 1.0F; });
     CkImageMetadata metadata;
     metadata.channelNames = {QStringLiteral("Phase shift")};
-    metadata.tofFormatCode = TofFormatCode::AminusBBits12;
+    metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     plain->setMetadata(metadata);
     give(*view, plain);
     ASSERT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::PhaseShift);

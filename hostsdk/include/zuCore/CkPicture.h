@@ -1,0 +1,45 @@
+#pragma once
+
+#include "zuCore/CkPicBufAPI.h"
+
+#include <utility>
+
+/// Owns one reference to a picture and gives it back when destroyed. Movable, not copyable; one thread at a
+/// time.
+class CkPicture {
+public:
+    CkPicture() = default; ///< Without pixels.
+    /// Takes the picture's reference over: no alias of it is freed any more.
+    explicit CkPicture(const SkPicBuf& picBuf) : m_picBuf(picBuf) {}
+    ~CkPicture() { reset(); }
+    CkPicture(CkPicture&& other) noexcept : m_picBuf(other.take()) {}
+    CkPicture& operator=(CkPicture&& other) noexcept {
+        if (this != &other) {
+            reset();
+            m_picBuf = other.take();
+        }
+        return *this;
+    }
+    CkPicture(const CkPicture&) = delete;
+    CkPicture& operator=(const CkPicture&) = delete;
+
+    /// A picture on the heap in place of the one held; lineSize 0: packed rows, rounded up to linePadding.
+    /// Zeroed unless bClear is false. False, and empty, when the descriptor is impossible or memory is short.
+    bool allocate(const SkPicBufInfo& info, bool bClear = true) {
+        return CkPicBufAPI::AllocPicBufFromHeap(
+            m_picBuf, info.width, info.height, info.channels, info.dataType, info.linePadding, info.lineSize,
+            info.bitsPerChannel, info.storageFormat, info.colorFilterArray, info.layoutFlag, !bClear, 0);
+    }
+
+    bool isEmpty() const { return m_picBuf.data == nullptr; } ///< Without pixels.
+    SkPicBuf& picBuf() { return m_picBuf; }                   ///< Stays this object's.
+    const SkPicBuf& picBuf() const { return m_picBuf; }       ///< Stays this object's.
+
+    /// Hands the reference over to the caller; empty afterwards.
+    SkPicBuf take() { return std::exchange(m_picBuf, SkPicBuf()); }
+    /// Gives the reference back; empty afterwards, descriptor included.
+    void reset() { CkPicBufAPI::FreePicBuf(m_picBuf, true); }
+
+private:
+    SkPicBuf m_picBuf;
+};
