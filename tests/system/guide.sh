@@ -12,7 +12,7 @@ complain() {
     bad=1
 }
 
-pages=("$source_dir"/README.md "$source_dir"/CONTRIBUTING.md "$source_dir"/CHANGELOG.md "$source_dir"/docs/sdk.md
+pages=("$source_dir"/README.md "$source_dir"/CONTRIBUTING.md "$source_dir"/CHANGELOG.md "$source_dir"/docs/sdk.md "$source_dir"/docs/architecture.md
     "$source_dir"/docs/guide/*.md)
 
 # An anchor is what a page's headings are called: lower case, blanks as hyphens, other signs left out.
