@@ -18,9 +18,11 @@ void CkChain::CkPrivate::runFrame(SkChainNode& source, CkImageData* pFrame) {
     endTrouble(source);
     if (!fitsSetUp(source, *pFrame)) {
         delete pFrame;
+        tellSource(source, CkImageSource::EkFrameEvent::Dropped);
         return;
     }
     ++source.framesOut;
+    tellSource(source, CkImageSource::EkFrameEvent::Entered);
     if (!giveToSinks(source, pFrame)) {
         giveToSuccessors(source, pFrame);
     }
@@ -30,6 +32,14 @@ void CkChain::CkPrivate::runFrame(SkChainNode& source, CkImageData* pFrame) {
     for (SkChainNode* node : m_order) {
         node->framesDone = node->framesOut.load();
     }
+    tellSource(source, CkImageSource::EkFrameEvent::Done);
+}
+
+void CkChain::CkPrivate::tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event) {
+    guarded(false, [&source, event] {
+        source.source->frameEvent(event);
+        return true;
+    });
 }
 
 void CkChain::CkPrivate::runBlock(SkChainNode& node) {

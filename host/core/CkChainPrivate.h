@@ -5,6 +5,7 @@
 #include "host/core/CkRenegotiationThrottle.h"
 #include "host/core/SkFormat.h"
 #include "zuCore/CkChain.h"
+#include "zuCore/CkImageSource.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <atomic>
@@ -16,7 +17,6 @@
 #include <vector>
 
 class CkImageProvider;
-class CkImageSource;
 class IkChainData;
 
 /// A sink where it is connected.
@@ -132,6 +132,8 @@ public:
     bool askFromThread();
     bool isStopping() const { return m_life == EkLife::Stopping; }
     void runFrame(SkChainNode& source, CkImageData* pFrame);
+    static void tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event);
+    void closeQueue(); ///< Control lock. Tells the sources of the frames that it drops.
     void runBlock(SkChainNode& node);
     IkChainData* process(SkChainNode& node, IkChainData* pData);
     IkChainData* callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs);

@@ -35,7 +35,7 @@ bool CkChain::CkPrivate::start() {
         emit m_q->runningChanged(true);
         return true;
     }
-    m_queue.close();
+    closeQueue();
     tearDown();
     const std::lock_guard lock(m_graph);
     m_bNegotiated = false;
@@ -93,7 +93,7 @@ void CkChain::CkPrivate::stop() {
         return;
     }
     m_life = EkLife::Stopping;
-    m_queue.close();
+    closeQueue();
     m_thread.join();
     tearDown();
     {
@@ -102,6 +102,12 @@ void CkChain::CkPrivate::stop() {
     }
     m_life = EkLife::Stopped;
     emit m_q->runningChanged(false);
+}
+
+void CkChain::CkPrivate::closeQueue() {
+    for (const SkChainNode* source : m_queue.close()) {
+        tellSource(*source, CkImageSource::EkFrameEvent::Dropped);
+    }
 }
 
 bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {

@@ -9,13 +9,16 @@ CkFrameQueue::~CkFrameQueue() {
     clear();
 }
 
-void CkFrameQueue::clear() {
+std::vector<SkChainNode*> CkFrameQueue::clear() {
+    std::vector<SkChainNode*> sources;
     for (const SkItem& item : m_frames) {
         delete item.frame;
         item.source->queued = 0;
         ++item.source->dropped;
+        sources.push_back(item.source);
     }
     m_frames.clear();
+    return sources;
 }
 
 void CkFrameQueue::forgetWishes() {
@@ -30,11 +33,11 @@ void CkFrameQueue::open() {
     m_bOpen = true;
 }
 
-void CkFrameQueue::close() {
+std::vector<SkChainNode*> CkFrameQueue::close() {
     const std::lock_guard lock(m_mutex);
     m_bOpen = false;
-    clear();
     m_filled.notify_all();
+    return clear();
 }
 
 bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <vector>
 
 class CkImageData;
 struct SkChainNode;
@@ -30,7 +31,8 @@ public:
     /// Lets frames in. What was asked for meanwhile is served first.
     void open();
     /// Ends the thread's waiting, deletes what waits, counting it as dropped, and lets nothing in any more.
-    void close();
+    /// Answers the source of each frame it dropped.
+    std::vector<SkChainNode*> close();
 
     /// Takes the frame over when it answers true. False: closed or full.
     bool put(SkChainNode& source, CkImageData* pFrame);
@@ -41,7 +43,7 @@ public:
     SkItem take();
 
 private:
-    void clear();
+    std::vector<SkChainNode*> clear();
 
     std::mutex m_mutex;
     std::condition_variable m_filled;

@@ -5,7 +5,12 @@
 
 CkImageSource::CkImageSource(QObject* pParent) : CkImageProvider(0, pParent) {}
 
-CkImageSource::~CkImageSource() = default;
+CkImageSource::~CkImageSource() {
+    // Deleted while in a chain: no frame event may be called once this part of the object is gone.
+    if (CkChain* const owner = chain()) {
+        owner->m_d->forget(this);
+    }
+}
 
 bool CkImageSource::acceptsDataFrom(CkChainable* pUpstream) {
     return pUpstream == nullptr;
@@ -27,6 +32,10 @@ QList<void*> CkImageSource::cameraHandles() const {
 
 bool CkImageSource::deliver(CkImageData* pData) {
     return CkChain::CkPrivate::deliver(this, pData);
+}
+
+void CkImageSource::frameEvent(EkFrameEvent event) {
+    Q_UNUSED(event);
 }
 
 void CkImageSource::noteLost(quint64 uiFrames) {

@@ -31,6 +31,19 @@ protected:
     /// stopped, or the chain still busy with earlier ones. Any thread.
     bool deliver(CkImageData* pData);
 
+    /// What becomes of a frame that deliver() took: Entered and later Done, or Dropped.
+    enum class EkFrameEvent {
+        Entered, ///< it leaves the source; sinks and blocks get it now
+        Dropped, ///< it did not fit the chain, or the chain stopped before it entered
+        Done     ///< all blocks and sinks have handled it
+    };
+    /// Called once for each event, in the order of delivery, on the chain's thread or on the one that stops
+    /// the chain. Keep it short, for the chain waits. No-op by default.
+    virtual void frameEvent(EkFrameEvent event);
+
     /// Counts frames that were lost on their way here as dropped, unless the chain is stopped. Any thread.
     void noteLost(quint64 uiFrames);
+
+private:
+    friend class CkChain;
 };

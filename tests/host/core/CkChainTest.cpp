@@ -60,6 +60,41 @@ TEST_F(CkChainTest, AFrameIsDoneOnceAllBehindTheBlockAreDoneWithIt) {
     EXPECT_EQ(chain->blockStatistics(source).framesDone, 0U) << "counted anew";
 }
 
+TEST_F(CkChainTest, ASourceIsToldHowFarItsFramesHaveCome) {
+    KeepingSink sink;
+    ASSERT_TRUE(chain->addSink(branch(new PassBlock(), source), &sink));
+    ASSERT_TRUE(chain->start());
+    pushSurely(1);
+    ASSERT_TRUE(waitUntil([&] { return source->frameEvents() == "ED"; }));
+    sink.gate.close();
+    pushSurely(2);
+    ASSERT_TRUE(waitUntil([&] { return sink.gate.waiting() == 1; }));
+    EXPECT_EQ(source->frameEvents(), "EDE");
+    ASSERT_TRUE(source->push(3));
+    ASSERT_TRUE(source->push(4));
+    EXPECT_FALSE(source->push(5)) << "refused, and told so at once";
+    std::thread stopper([this] { chain->stop(); });
+    EXPECT_TRUE(waitUntil([&] { return source->frameEvents() == "EDExx"; })) << source->frameEvents();
+    sink.gate.open();
+    stopper.join();
+    EXPECT_EQ(source->frameEvents(), "EDExxD");
+    chain->removeSink(&sink);
+}
+
+TEST_F(CkChainTest, AFrameThatDoesNotFitTheChainIsToldAsDropped) {
+    ASSERT_TRUE(chain->start());
+    for (quint32 width = 1; width <= 4; ++width) {
+        SkPicBufInfo info = packedFormat(width, 1, 1, EkImageDataType::UInt8);
+        ASSERT_TRUE(source->pushFormat(info, {}, 0));
+        ASSERT_TRUE(waitUntil([&] {
+            const SkBlockStatistics now = chain->blockStatistics(source);
+            return now.framesDone + now.dropped == width;
+        }));
+    }
+    chain->stop();
+    EXPECT_EQ(source->frameEvents(), "EDxEDx");
+}
+
 TEST_F(CkChainTest, AChainWithoutSourceOrRunningDoesNotStart) {
     CkChain* const empty = manager->createChain();
     EXPECT_FALSE(empty->start());

@@ -66,6 +66,16 @@ void TestSource::announceNothing() {
     m_bKnown = false;
 }
 
+std::string TestSource::frameEvents() const {
+    const std::lock_guard lock(m_mutex);
+    return m_frameEvents;
+}
+
+void TestSource::frameEvent(EkFrameEvent event) {
+    const std::lock_guard lock(m_mutex);
+    m_frameEvents += event == EkFrameEvent::Entered ? 'E' : event == EkFrameEvent::Dropped ? 'x' : 'D';
+}
+
 bool TestSource::push(quint8 uiValue) {
     SkPicBufInfo info;
     CkImageMetadata metadata;

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 /// Waits up to half a minute for something that other threads do.
@@ -50,9 +51,15 @@ public:
     bool push(quint8 uiValue);
     bool pushFormat(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint8 uiValue);
     bool pushFrame(std::unique_ptr<CkImageData> frame) { return deliver(frame.release()); }
+    /// What the source was told of its frames: E for Entered, x for Dropped, D for Done, in order.
+    std::string frameEvents() const;
+
+protected:
+    void frameEvent(EkFrameEvent event) override;
 
 private:
     mutable std::mutex m_mutex;
+    std::string m_frameEvents;
     SkPicBufInfo m_info;
     CkImageMetadata m_metadata;
     bool m_bKnown = true;
