@@ -48,7 +48,7 @@ while read -r label; do
         [ -d "$room" ] || complain "docs/architecture.dot names $room, which is not there."
     done
     while read -r text; do
-        text=${text//-/&#45;}
+        text=$(sed 's/-/\&#45;/g' <<<"$text")
         grep -qF -- ">$text<" docs/architecture.svg ||
             complain "docs/architecture.svg does not show \"$text\": dot -Tsvg docs/architecture.dot -o docs/architecture.svg"
     done < <(sed 's/\\n/\n/g' <<<"$label")
