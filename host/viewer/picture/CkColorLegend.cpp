@@ -1,6 +1,6 @@
 #include "host/viewer/picture/CkColorLegend.h"
 
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 
 #include <QPainter>
 #include <cmath>
@@ -85,6 +85,6 @@ void CkColorLegend::paintEvent(QPaintEvent*) {
         // Rounding noise of the ticks must not show as "-1.4e-17".
         const double shown = std::abs(value) < (m_fHigh - m_fLow) * 1e-9 ? 0.0 : value;
         painter.drawText(QRect(bar.right() + 7, y - line / 2, width(), line),
-                         Qt::AlignLeft | Qt::AlignVCenter, CkPictureText::locale().toString(shown, 'g', 5));
+                         Qt::AlignLeft | Qt::AlignVCenter, PictureText::locale().toString(shown, 'g', 5));
     }
 }

@@ -2,8 +2,8 @@
 
 #include "host/viewer/picture/CkColorLegend.h"
 #include "host/viewer/picture/CkImageCanvas.h"
-#include "host/viewer/picture/CkPictureText.h"
-#include "host/viewer/picture/CkSaturation.h"
+#include "host/viewer/picture/PictureText.h"
+#include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
@@ -69,7 +69,7 @@ CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
     connect(m_pCanvas, &CkImageCanvas::zoomChanged, this, [this](double fZoom, bool bFit) {
         m_pFitAction->setChecked(bFit);
         m_pZoomLabel->setText(QStringLiteral(" %1 % ").arg(
-            CkPictureText::locale().toString(fZoom * 100.0, 'f', fZoom < 0.1 ? 1 : 0)));
+            PictureText::locale().toString(fZoom * 100.0, 'f', fZoom < 0.1 ? 1 : 0)));
     });
 
     CkMdiView::setViewLut(new CkLut(8, 1, false, EkImageDataType::UInt8), true, false, false);
@@ -124,7 +124,7 @@ void CkImageView::setAutoContrast(bool bAuto) {
 void CkImageView::setFullRange() {
     if (const CkImageData* frame = currentImage()) {
         setWindow(isFloat(frame->picBuf()) ? SkDisplayWindow{m_statistics.minimum, m_statistics.maximum}
-                                           : CkDisplayTable::fullRange(frame->picBuf()));
+                                           : PictureColours::fullRange(frame->picBuf()));
     }
 }
 
@@ -143,9 +143,9 @@ void CkImageView::setMarksSaturated(bool bMark) {
 
 QString CkImageView::saturationReason() const {
     const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
-    return frame != nullptr ? CkSaturation::reason(
-                                  CkSaturation::evidence(frame->picBuf(), frame->metadata(), dataProvider()))
-                            : QString();
+    return frame != nullptr
+               ? Saturation::reason(Saturation::evidence(frame->picBuf(), frame->metadata(), dataProvider()))
+               : QString();
 }
 
 bool CkImageView::hasPicture() const {
@@ -199,11 +199,11 @@ void CkImageView::setWindow(const SkDisplayWindow& window) {
 QString CkImageView::unit() const {
     CkImageMetadata metadata;
     metadata.channelNames = m_channelNames;
-    return m_iChannel < 0 ? QString() : CkPictureText::channelUnit(m_format, metadata, quint32(m_iChannel));
+    return m_iChannel < 0 ? QString() : PictureText::channelUnit(m_format, metadata, quint32(m_iChannel));
 }
 
 void CkImageView::setChannel(int iChannel) {
-    const int lowest = CkDisplayTable::isColourPicture(m_format) ? -1 : 0;
+    const int lowest = PictureColours::isColourPicture(m_format) ? -1 : 0;
     const int channel = std::clamp(iChannel, lowest, std::max(0, int(m_format.channels) - 1));
     if (channel == m_iChannel) {
         return;
@@ -269,8 +269,8 @@ void CkImageView::adaptToFormat(const CkImageData& frame) {
                                                   picture.layoutFlag, picture.dataType);
     m_format = picture;
     m_channelNames = frame.metadata().channelNames;
-    m_window = CkDisplayTable::fullRange(picture);
-    m_iChannel = CkDisplayTable::isColourPicture(picture) ? -1 : 0;
+    m_window = PictureColours::fullRange(picture);
+    m_iChannel = PictureColours::isColourPicture(picture) ? -1 : 0;
     CkMdiView::setViewLut(adapted, automatic, saturation, false);
     refreshColours();
     fillChannelBox(frame);
@@ -282,12 +282,12 @@ void CkImageView::adaptToFormat(const CkImageData& frame) {
 void CkImageView::fillChannelBox(const CkImageData& frame) {
     const QSignalBlocker blocker(m_pChannelBox);
     m_pChannelBox->clear();
-    if (CkDisplayTable::isColourPicture(m_format)) {
+    if (PictureColours::isColourPicture(m_format)) {
         m_pChannelBox->addItem(tr("Colour"), -1);
     }
     // More channels than anybody picks from a list; the rest can be read under the mouse.
     for (quint32 channel = 0; channel < std::min(m_format.channels, 32U); ++channel) {
-        m_pChannelBox->addItem(CkPictureText::channelName(m_format, frame.metadata(), channel), int(channel));
+        m_pChannelBox->addItem(PictureText::channelName(m_format, frame.metadata(), channel), int(channel));
     }
     m_pChannelBox->setCurrentIndex(m_pChannelBox->findData(m_iChannel));
     m_pChannelBox->setEnabled(m_pChannelBox->count() > 1);
@@ -297,7 +297,7 @@ void CkImageView::fillChannelBox(const CkImageData& frame) {
 
 void CkImageView::refreshColours() {
     if (const CkLut* lut = viewLut(nullptr, nullptr, nullptr)) {
-        m_colours = CkDisplayTable::colours(*lut);
+        m_colours = PictureColours::colours(*lut);
         m_pLegend->setColours(m_colours);
     }
 }
@@ -332,7 +332,7 @@ void CkImageView::render() {
                        : SkDisplayWindow{m_statistics.quantile(kTail), m_statistics.quantile(1.0 - kTail)};
     }
     // Whoever uses the table elsewhere gets the same window.
-    const SkDisplayWindow full = CkDisplayTable::fullRange(picture);
+    const SkDisplayWindow full = PictureColours::fullRange(picture);
     if (lut != nullptr && !isFloat(picture) && full.low == 0.0) {
         if (lut->contrastEntries().isEmpty()) {
             lut->contrastEntries().append(CkLut::CkCompContrast());
@@ -341,13 +341,13 @@ void CkImageView::render() {
         lut->contrastEntries().first().inLow = quint32(std::clamp(m_window.low, 0.0, last));
         lut->contrastEntries().first().inHigh = quint32(std::clamp(m_window.high, 0.0, last));
     }
-    const bool shown = m_iChannel < 0 ? CkDisplayTable::copyColours(picture, m_image)
-                                      : CkDisplayTable::colourChannel(picture, channel, m_colours, m_window,
+    const bool shown = m_iChannel < 0 ? PictureColours::copyColours(picture, m_image)
+                                      : PictureColours::colourChannel(picture, channel, m_colours, m_window,
                                                                       saturation, m_image);
     if (!shown) {
         m_image = QImage();
         m_pCanvas->setEmptyText(
-            tr("Pictures of this format cannot be shown:\n%1").arg(CkPictureText::format(picture)));
+            tr("Pictures of this format cannot be shown:\n%1").arg(PictureText::format(picture)));
     }
     updateLegend();
     emit contrastChanged();
@@ -358,7 +358,7 @@ void CkImageView::updateLegend() {
     const CkImageData* frame = currentImage();
     if (frame != nullptr && m_iChannel >= 0) {
         m_pLegend->setRange(m_window.low, m_window.high,
-                            CkPictureText::channelName(m_format, frame->metadata(), quint32(m_iChannel)),
+                            PictureText::channelName(m_format, frame->metadata(), quint32(m_iChannel)),
                             unit());
     }
 }
@@ -366,6 +366,6 @@ void CkImageView::updateLegend() {
 void CkImageView::hoverPixel(const QPoint& pixel) {
     m_hovered = pixel;
     if (const CkImageData* frame = currentImage()) {
-        emit pixelTextChanged(CkPictureText::pixel(frame->picBuf(), frame->metadata(), pixel.x(), pixel.y()));
+        emit pixelTextChanged(PictureText::pixel(frame->picBuf(), frame->metadata(), pixel.x(), pixel.y()));
     }
 }

@@ -5,7 +5,7 @@
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/CkPictureSnapshot.h"
-#include "host/viewer/picture/CkToolIcons.h"
+#include "host/viewer/picture/ToolIcons.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QComboBox>
@@ -23,7 +23,7 @@ void CkImageView::createToolBar() {
     m_pToolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_pToolBar->setIconSize(QSize(16, 16));
     m_pFitAction =
-        m_pToolBar->addAction(CkToolIcons::fit(palette()), tr("Fit"), m_pCanvas, &CkImageCanvas::zoomToFit);
+        m_pToolBar->addAction(ToolIcons::fit(palette()), tr("Fit"), m_pCanvas, &CkImageCanvas::zoomToFit);
     // The main window's menus have the same with shortcuts, for the active view.
     m_pFitAction->setObjectName(QStringLiteral("toolFit"));
     m_pFitAction->setCheckable(true);
@@ -45,13 +45,13 @@ void CkImageView::createToolBar() {
     m_pToolBar->addWidget(m_pChannelBox);
     connect(m_pChannelBox, &QComboBox::activated, this,
             [this](int iIndex) { setChannel(m_pChannelBox->itemData(iIndex).toInt()); });
-    m_pLegendAction = m_pToolBar->addAction(CkToolIcons::legend(palette()), tr("Legend"));
+    m_pLegendAction = m_pToolBar->addAction(ToolIcons::legend(palette()), tr("Legend"));
     m_pLegendAction->setCheckable(true);
     m_pLegendAction->setChecked(true);
     m_pLegendAction->setToolTip(tr("Show what the colours stand for (Ctrl+L)"));
     connect(m_pLegendAction, &QAction::toggled, this,
             [this](bool bOn) { m_pLegend->setVisible(bOn && m_iChannel >= 0); });
-    m_pToolBar->addAction(CkToolIcons::save(palette()), tr("Save"), this, &CkImageView::saveWithDialog)
+    m_pToolBar->addAction(ToolIcons::save(palette()), tr("Save"), this, &CkImageView::saveWithDialog)
         ->setToolTip(tr("Save the picture to a file (Ctrl+P)"));
 }
 

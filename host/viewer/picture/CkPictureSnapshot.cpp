@@ -1,6 +1,6 @@
 #include "host/viewer/picture/CkPictureSnapshot.h"
 
-#include "host/viewer/picture/CkPictureFile.h"
+#include "host/viewer/picture/PictureFile.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -47,7 +47,7 @@ QList<CkPictureSnapshot::SkForm> CkPictureSnapshot::forms() const {
     }
     if (m_iChannel >= 0) {
         const QString scale =
-            CkPictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel));
+            PictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel));
         forms.append(
             {{tr("16-bit PNG, as measured, %1 (*.png)").arg(scale), QStringLiteral("png"), kAsMeasured},
              EkMeasured::Png16});
@@ -110,13 +110,12 @@ bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured for
     }
     if (form != EkMeasured::Png16) {
         const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_iChannel;
-        return CkPictureFile::saveFloatTiff(m_frame->picBuf(), m_frame->metadata(), channel, sFileName,
-                                            sError);
+        return PictureFile::saveFloatTiff(m_frame->picBuf(), m_frame->metadata(), channel, sFileName, sError);
     }
     if (m_iChannel < 0) {
         sError = tr("A colour picture has no single channel to save; choose a channel first.");
         return false;
     }
-    return CkPictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel), sFileName,
-                                    sError);
+    return PictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel), sFileName,
+                                  sError);
 }

@@ -17,7 +17,7 @@ class CkPictureSnapshot {
     Q_DECLARE_TR_FUNCTIONS(CkPictureSnapshot)
 
 public:
-    /// Forms in which a picture is written as it was measured; see CkPictureFile for what is in the files.
+    /// Forms in which a picture is written as it was measured; see PictureFile for what is in the files.
     enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
 
     /// image: the picture as seen, null when nothing can be shown. pFrame is copied; null without a picture.

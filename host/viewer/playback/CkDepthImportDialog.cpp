@@ -1,7 +1,7 @@
 #include "host/viewer/playback/CkDepthImportDialog.h"
 
-#include "host/viewer/picture/CkDisplayTable.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureColours.h"
+#include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkImageData.h"
 
 #include <QCheckBox>
@@ -51,7 +51,7 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
     m_fLargest = -std::numeric_limits<double>::infinity();
     for (quint32 y = 0; y < picture.height; ++y) {
         for (quint32 x = 0; x < picture.width; ++x) {
-            const double value = CkDisplayTable::sampleValue(picture, x, y, 0);
+            const double value = PictureColours::sampleValue(picture, x, y, 0);
             m_bHasZeros = m_bHasZeros || value == 0.0;
             if (value != 0.0 && std::isfinite(value)) {
                 m_fSmallest = std::min(m_fSmallest, value);
@@ -62,7 +62,7 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
 
     auto* name =
         new QLabel(QStringLiteral("<b>%1</b><br>%2")
-                       .arg(QFileInfo(sFileName).fileName().toHtmlEscaped(), CkPictureText::format(picture)),
+                       .arg(QFileInfo(sFileName).fileName().toHtmlEscaped(), PictureText::format(picture)),
                    this);
     auto* question = new QLabel(tr("The file does not say what its samples mean."), this);
     m_pDepth = new QRadioButton(tr("&Depths"), this);
@@ -171,6 +171,6 @@ void CkDepthImportDialog::showRange() {
     }
     const double metres = metresPerCount();
     const double smallest = m_bHasZeros && !m_pZero->isChecked() ? std::min(m_fSmallest, 0.0) : m_fSmallest;
-    const auto text = [](double value) { return CkPictureText::locale().toString(value, 'f', 3); };
+    const auto text = [](double value) { return PictureText::locale().toString(value, 'f', 3); };
     m_pRange->setText(tr("%1 m to %2 m").arg(text(smallest * metres), text(m_fLargest * metres)));
 }

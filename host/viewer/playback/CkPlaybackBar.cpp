@@ -1,7 +1,7 @@
 #include "host/viewer/playback/CkPlaybackBar.h"
 
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "host/viewer/playback/CkPlayback.h"
 #include "host/viewer/playback/CkWrapLayout.h"
 
@@ -25,7 +25,7 @@ constexpr double kSpeeds[] = {CkVideoSource::SlowestSpeed, 0.25, 0.5, 1.0, 2.0, 
                               CkVideoSource::FastestSpeed};
 
 void addSpeed(QComboBox* box, double speed) {
-    box->addItem(CkPictureText::locale().toString(speed) + QStringLiteral(" \u00d7"), speed);
+    box->addItem(PictureText::locale().toString(speed) + QStringLiteral(" \u00d7"), speed);
 }
 
 int asInt(qint64 value) {

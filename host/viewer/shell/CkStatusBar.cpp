@@ -2,7 +2,7 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "host/viewer/shell/CkRateGraph.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
@@ -108,7 +108,7 @@ void CkStatusBar::refresh() {
     // The counters start again with the chain.
     const quint64 lost = dropped >= m_uiDropped ? dropped - m_uiDropped : dropped;
     m_pGraph->add(rate, seconds > 0.0 ? double(lost) / seconds : 0.0);
-    m_pRate->setText(tr("%1 frames/s").arg(CkPictureText::locale().toString(rate, 'f', 1)));
+    m_pRate->setText(tr("%1 frames/s").arg(PictureText::locale().toString(rate, 'f', 1)));
     m_pDrops->setText(tr("%1 dropped").arg(dropped));
     m_iFrames = 0;
     m_uiDropped = dropped;

@@ -370,7 +370,7 @@ Kennung %3</translation>
     </message>
 </context>
 <context>
-    <name>CkChainEditor</name>
+    <name>ChainEditor</name>
     <message>
         <source>The block to build on is in no chain any more.</source>
         <translation>Der Block, an den angebaut werden soll, gehört zu keiner Kette mehr.</translation>
@@ -1423,7 +1423,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
-    <name>CkPictureFile</name>
+    <name>PictureFile</name>
     <message>
         <source>plus 32768</source>
         <translation>plus 32768</translation>
@@ -1489,7 +1489,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
-    <name>CkPictureText</name>
+    <name>PictureText</name>
     <message>
         <source>Blue</source>
         <translation>Blau</translation>
@@ -2491,7 +2491,7 @@ aufgenommen in %2</translation>
     </message>
 </context>
 <context>
-    <name>CkSaturation</name>
+    <name>Saturation</name>
     <message>
         <source>A minus B does not tell whether A and B were saturated</source>
         <translation>An A minus B ist nicht zu erkennen, ob A und B gesättigt waren</translation>

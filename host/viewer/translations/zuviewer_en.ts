@@ -2,7 +2,7 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
-    <name>CkPictureText</name>
+    <name>PictureText</name>
     <message numerus="yes">
         <source>%n channel(s)</source>
         <translation>

@@ -137,7 +137,7 @@ TEST_F(Controls, PictureMenuWorksOnTheActiveView) {
     trigger("&Automatic Contrast");
     EXPECT_FALSE(view->autoContrast());
     trigger("Full &Range");
-    EXPECT_EQ(view->window(), CkDisplayTable::fullRange(view->currentImage()->picBuf()));
+    EXPECT_EQ(view->window(), PictureColours::fullRange(view->currentImage()->picBuf()));
     trigger("&Automatic Contrast");
     EXPECT_TRUE(view->autoContrast());
     trigger("&Mark Saturated");

@@ -42,7 +42,7 @@ TEST(ImageView, ScalesFloatsFromSmallestToLargestOfTheChannelShown) {
     EXPECT_DOUBLE_EQ(view.window().low, 0.5);
     EXPECT_DOUBLE_EQ(view.window().high, 0.5 + 0.25 * (7 + 3));
     EXPECT_EQ(view.unit(), "rad");
-    EXPECT_EQ(view.shownImage().pixel(8, 0), CkDisplayTable::kInvalid);
+    EXPECT_EQ(view.shownImage().pixel(8, 0), PictureColours::kInvalid);
     view.setChannel(1);
     view.shownImage();
     EXPECT_DOUBLE_EQ(view.window().low, 0.0);

@@ -1,7 +1,7 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
-#include "host/viewer/panels/chain/CkChainEditor.h"
+#include "host/viewer/panels/chain/ChainEditor.h"
 #include "host/viewer/playback/CkRecordButton.h"
 #include "host/viewer/playback/CkRecordingNotes.h"
 #include "tests/host/viewer/RecordingViewFixture.h"
@@ -176,7 +176,7 @@ TEST_F(RecordingDesk, ASourceIsFollowedWhateverIsPutBehindIt) {
     ASSERT_TRUE(waitForWritten(job, 1));
     auto* block = new CkDemoBlock;
     QString error;
-    ASSERT_TRUE(CkChainEditor::insertAfter(block, source, error)) << qPrintable(error);
+    ASSERT_TRUE(ChainEditor::insertAfter(block, source, error)) << qPrintable(error);
     block->m_bFail = true; // nothing leaves the block any more
     const qint64 before = job->counters().written;
     EXPECT_TRUE(waitForWritten(job, before + 3));
@@ -236,7 +236,7 @@ TEST_F(RecordingDesk, AChainBehindTheRecordedSourceIsOffered) {
     auto* block = new CkDemoBlock;
     block->m_iSetting = 77;
     QString error;
-    ASSERT_TRUE(CkChainEditor::insertAfter(block, source, error)) << qPrintable(error);
+    ASSERT_TRUE(ChainEditor::insertAfter(block, source, error)) << qPrintable(error);
     CkRecordingJob* job = record(source, path("chain.tif"));
     ASSERT_TRUE(waitForWritten(job, 3));
     job->stop();
@@ -276,7 +276,7 @@ TEST_F(RecordingDesk, AChainBehindTheRecordedSourceIsOffered) {
 TEST_F(RecordingDesk, TheOutputOfAChainIsNotProcessedTwice) {
     CkChainable* source = recordings()->sourceToRecord();
     QString error;
-    ASSERT_TRUE(CkChainEditor::insertAfter(new CkDemoBlock, source, error)) << qPrintable(error);
+    ASSERT_TRUE(ChainEditor::insertAfter(new CkDemoBlock, source, error)) << qPrintable(error);
     CkChainable* output = recordings()->outputToRecord();
     EXPECT_NE(output, source);
     CkRecordingJob* job = record(output, path("output.tif"));

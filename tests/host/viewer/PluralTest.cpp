@@ -1,5 +1,5 @@
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
 
 #include <QCoreApplication>
@@ -30,7 +30,7 @@ TEST(EnglishPlurals, APictureHasOneChannelOrMore) {
     const auto format = [](quint32 channels) {
         const auto frame = makeFrame<quint16>(EkImageDataType::UInt16, 8, 4, channels, 12,
                                               [](quint32, quint32, quint32) { return quint16(0); });
-        return CkPictureText::format(frame->picBuf()).toStdString();
+        return PictureText::format(frame->picBuf()).toStdString();
     };
     EXPECT_EQ(format(1), "8 x 4, 1 channel, 12 bit unsigned");
     EXPECT_EQ(format(2), "8 x 4, 2 channels, 12 bit unsigned");

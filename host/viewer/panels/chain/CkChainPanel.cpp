@@ -1,7 +1,7 @@
 #include "host/viewer/panels/chain/CkChainPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/panels/chain/CkChainEditor.h"
+#include "host/viewer/panels/chain/ChainEditor.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
@@ -149,7 +149,7 @@ void CkChainPanel::showTitle() {
 void CkChainPanel::updateButtons() {
     CkChainable* block = m_pTree->selectedBlock();
     const bool chain = m_pTree->chain() != nullptr;
-    const bool source = block != nullptr && CkChainEditor::isSource(block);
+    const bool source = block != nullptr && ChainEditor::isSource(block);
     const QString none = tr("Select a block first");
     const QString addHint =
         chain ? tr("Add a block behind the selected one") : tr("The active view shows no chain");
@@ -212,9 +212,9 @@ CkChainable* CkChainPanel::addBlock(const QString& sUniqueId, bool bBranch) {
         after = m_pArea->activeView()->dataProvider();
     }
     QString error;
-    CkChainable* block = CkChainEditor::createBlock(sUniqueId, error);
-    if (block == nullptr || !(bBranch ? CkChainEditor::branchAfter(block, after, error)
-                                      : CkChainEditor::insertAfter(block, after, error))) {
+    CkChainable* block = ChainEditor::createBlock(sUniqueId, error);
+    if (block == nullptr || !(bBranch ? ChainEditor::branchAfter(block, after, error)
+                                      : ChainEditor::insertAfter(block, after, error))) {
         showProblem(error);
         return nullptr;
     }
@@ -267,7 +267,7 @@ void CkChainPanel::removeSelected() {
     }
     delete m_dialogs.take(block);
     QString error;
-    if (!CkChainEditor::remove(block, error)) {
+    if (!ChainEditor::remove(block, error)) {
         showProblem(error);
     }
     refresh();
@@ -298,7 +298,7 @@ void CkChainPanel::helpSelected() {
 
 void CkChainPanel::toggleSelected() {
     CkChainable* block = m_pTree->selectedBlock();
-    if (block != nullptr && !CkChainEditor::isSource(block)) {
+    if (block != nullptr && !ChainEditor::isSource(block)) {
         block->setState(block->state() == CkChainable::Blocked ? CkChainable::Ready : CkChainable::Blocked);
         m_pTree->refreshCounters();
         updateButtons();

@@ -1,6 +1,6 @@
 #include "host/viewer/panels/chain/CkChainTree.h"
 
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageProvider.h"
@@ -267,11 +267,11 @@ void CkChainTree::showCounters(QTreeWidgetItem* pItem, const CkChainable* pBlock
                                                                : QBrush(palette().color(QPalette::Text)));
     const double ms =
         statistics.framesIn > 0 ? double(statistics.processNs) / 1e6 / double(statistics.framesIn) : 0.0;
-    setCell(pItem, TimeColumn, CkPictureText::locale().toString(ms, 'f', ms < 10.0 ? 2 : 1));
+    setCell(pItem, TimeColumn, PictureText::locale().toString(ms, 'f', ms < 10.0 ? 2 : 1));
     SkPicBufInfo info;
     QString hint = tr("%1: %2").arg(pBlock->title(), shownState(pBlock));
     if (m_chain->negotiatedInfo(pBlock, info, nullptr)) {
-        hint += QLatin1Char('\n') + CkPictureText::format(info);
+        hint += QLatin1Char('\n') + PictureText::format(info);
     }
     if (pBlock == m_shown) {
         hint += QLatin1Char('\n') + tr("The active view shows this block.");

@@ -1,6 +1,6 @@
 #include "host/viewer/panels/lut/CkHistogramWidget.h"
 
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -98,7 +98,7 @@ void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
         setToolTip(m_bEmpty
                        ? tr("Histogram of the active view")
                        : tr("Histogram of the active view; at the mouse: %1")
-                             .arg(CkPictureText::locale().toString(toValue(pEvent->position().x()), 'g', 5)));
+                             .arg(PictureText::locale().toString(toValue(pEvent->position().x()), 'g', 5)));
         return;
     }
     const double value = toValue(std::clamp(pEvent->position().x(), 0.0, double(width())));

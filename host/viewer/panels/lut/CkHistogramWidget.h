@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/viewer/picture/CkDisplayTable.h"
-#include "host/viewer/picture/CkPictureStatistics.h"
+#include "host/viewer/picture/PictureColours.h"
+#include "host/viewer/picture/PictureStatistics.h"
 
 #include <QWidget>
 

@@ -4,7 +4,7 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/panels/lut/CkHistogramWidget.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 
@@ -29,7 +29,7 @@ constexpr int kShowMs = 150;
 QPixmap mapPixmap(int index, const QSize& size) {
     CkLut lut(8, 1, false, EkImageDataType::UInt8);
     lut.setPseudoColorIndex(index);
-    const QList<QRgb> colours = CkDisplayTable::colours(lut);
+    const QList<QRgb> colours = PictureColours::colours(lut);
     QImage image(size, QImage::Format_RGB32);
     for (int x = 0; x < size.width() && !colours.isEmpty(); ++x) {
         const QRgb colour = colours[(colours.size() - 1) * x / std::max(1, size.width() - 1)];
@@ -82,7 +82,7 @@ QComboBox* CkLutPanel::createMapBox() {
     box->setIconSize(size);
     const QStringList names = CkLut::pseudoColorNames();
     for (int i = 0; i < names.size(); ++i) {
-        box->addItem(QIcon(mapPixmap(i, size)), CkPictureText::translated(names[i]));
+        box->addItem(QIcon(mapPixmap(i, size)), PictureText::translated(names[i]));
     }
     return box;
 }
@@ -246,7 +246,7 @@ void CkLutPanel::showWindow() {
         number->setValue(number == m_pLow ? window.low : window.high);
     }
     m_pHistogram->showStatistics(statistics, window, true);
-    const QLocale locale = CkPictureText::locale();
+    const QLocale locale = PictureText::locale();
     QString summary =
         tr("Values %1 to %2")
             .arg(locale.toString(statistics.minimum, 'g', 5), locale.toString(statistics.maximum, 'g', 5));
@@ -256,7 +256,7 @@ void CkLutPanel::showWindow() {
     if (statistics.notFinite > 0) {
         summary += tr(", %1 invalid").arg(statistics.notFinite);
     }
-    m_pSummary->setText(CkPictureText::format(picture) + QLatin1Char('\n') + summary);
+    m_pSummary->setText(PictureText::format(picture) + QLatin1Char('\n') + summary);
 }
 
 void CkLutPanel::applyMap(int iIndex) {

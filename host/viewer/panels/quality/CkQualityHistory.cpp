@@ -1,6 +1,6 @@
 #include "host/viewer/panels/quality/CkQualityHistory.h"
 
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 
 #include <QStringList>
 
@@ -53,7 +53,7 @@ QString CkQualityHistory::number(double fValue, const QString& sUnit) {
     }
     const double size = std::abs(fValue);
     const int decimals = size >= 10000.0 ? 0 : size >= 1000.0 ? 1 : size >= 10.0 ? 2 : 3;
-    const QString number = CkPictureText::locale().toString(fValue, 'f', decimals);
+    const QString number = PictureText::locale().toString(fValue, 'f', decimals);
     return sUnit.isEmpty() ? number : number + QLatin1Char(' ') + sUnit;
 }
 

@@ -5,7 +5,7 @@
 #include "host/viewer/panels/quality/CkRegionOverlay.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/picture/CkSaturation.h"
+#include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
@@ -224,23 +224,23 @@ void CkQualityPanel::showRegion() {
 }
 
 bool CkQualityPanel::findSaturated(const CkImageData& frame, std::vector<bool>& saturated) {
-    using EkAnswer = CkSaturationWatch::EkAnswer;
+    using EkAnswer = CkSaturationMonitor::EkAnswer;
     const SkPicBuf& picture = frame.picBuf();
-    const CkSaturation::EkEvidence evidence =
-        CkSaturation::evidence(picture, frame.metadata(), m_source->dataProvider());
-    m_now.saturationReason = CkSaturation::reason(evidence);
-    if (evidence != CkSaturation::EkEvidence::Computed) {
+    const Saturation::EkEvidence evidence =
+        Saturation::evidence(picture, frame.metadata(), m_source->dataProvider());
+    m_now.saturationReason = Saturation::reason(evidence);
+    if (evidence != Saturation::EkEvidence::Computed) {
         m_watch.watch(nullptr);
         return true;
     }
-    m_watch.watch(CkSaturation::soleSource(m_source->dataProvider()));
+    m_watch.watch(Saturation::soleSource(m_source->dataProvider()));
     const QSize size(int(picture.width), int(picture.height));
     const EkAnswer answer = m_watch.saturated(picture.additionalData.frameNumber, size,
                                               m_now.meter.region() & QRect(QPoint(0, 0), size), saturated);
     m_now.saturationReason = answer == EkAnswer::Known    ? QString()
                              : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
                              : answer == EkAnswer::Difference
-                                 ? CkSaturation::reason(CkSaturation::EkEvidence::Difference)
+                                 ? Saturation::reason(Saturation::EkEvidence::Difference)
                                  : tr("the camera's picture does not tell");
     const bool had = !m_now.history.values().empty();
     if (answer == EkAnswer::Missed && had && m_now.values.saturationKnown) {

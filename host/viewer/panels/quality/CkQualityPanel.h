@@ -2,7 +2,7 @@
 
 #include "host/viewer/panels/quality/CkQualityHistory.h"
 #include "host/viewer/panels/quality/CkQualityMeter.h"
-#include "host/viewer/panels/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkSaturationMonitor.h"
 
 #include <QHash>
 #include <QPointer>
@@ -115,7 +115,7 @@ private:
     QPointer<CkImageView> m_source;
     QPointer<CkRegionOverlay> m_overlay;
     QHash<QString, QRect> m_regions;
-    CkSaturationWatch m_watch;
+    CkSaturationMonitor m_watch;
     SkMeasurement m_now;
     std::map<int, SkMeasurement> m_kept; ///< by the views' identifiers
     bool m_bInSight = true;

@@ -6,7 +6,7 @@
 #include "host/viewer/panels/quality/CkQualityPanel.h"
 #include "host/viewer/panels/quality/CkQualityPlot.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
@@ -219,7 +219,7 @@ void CkQualityPanel::updateControls() {
     const bool told = frame != nullptr && frame->metadata().lensFocalLength > 0.0F;
     enable(m_pFocalLength, !told, tr("Of the lens; the plane is fitted in space"),
            told ? tr("The camera tells its focal length: %1 mm")
-                      .arg(CkPictureText::locale().toString(double(frame->metadata().lensFocalLength)))
+                      .arg(PictureText::locale().toString(double(frame->metadata().lensFocalLength)))
                 : QString());
 }
 

@@ -1,7 +1,7 @@
-#include "host/viewer/panels/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkSaturationMonitor.h"
 
 #include "host/viewer/picture/CkSampleVisitor.h"
-#include "host/viewer/picture/CkSaturation.h"
+#include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -31,18 +31,18 @@ qint64 positionInSet(const SkPicBufInfo& info, const CkImageMetadata& metadata) 
     return separate ? std::max<qint64>(0, metadata.phaseSequenceIndex) : 0;
 }
 
-CkSaturationWatch::EkAnswer answerOf(const SkPicBuf& picture, const CkImageMetadata& metadata) {
-    if (CkSaturation::evidence(picture, metadata, nullptr) == CkSaturation::EkEvidence::Difference) {
-        return CkSaturationWatch::EkAnswer::Difference;
+CkSaturationMonitor::EkAnswer answerOf(const SkPicBuf& picture, const CkImageMetadata& metadata) {
+    if (Saturation::evidence(picture, metadata, nullptr) == Saturation::EkEvidence::Difference) {
+        return CkSaturationMonitor::EkAnswer::Difference;
     }
     const bool readable =
         visitSampleType(picture.dataType, [](auto type) { return std::is_unsigned_v<decltype(type)>; });
-    return readable ? CkSaturationWatch::EkAnswer::Known : CkSaturationWatch::EkAnswer::Untold;
+    return readable ? CkSaturationMonitor::EkAnswer::Known : CkSaturationMonitor::EkAnswer::Untold;
 }
 
 template <class T>
 void markPixels(const SkPicBuf& picture, std::vector<quint8>& pixels) {
-    const T full = T(CkSaturation::fullScale(picture));
+    const T full = T(Saturation::fullScale(picture));
     quint8* pixel = pixels.data();
     for (quint32 y = 0; y < picture.height; ++y) {
         const T* sample = reinterpret_cast<const T*>(picture.row(y));
@@ -58,11 +58,11 @@ void markPixels(const SkPicBuf& picture, std::vector<quint8>& pixels) {
 
 } // namespace
 
-CkSaturationWatch::~CkSaturationWatch() {
+CkSaturationMonitor::~CkSaturationMonitor() {
     watch(nullptr);
 }
 
-void CkSaturationWatch::watch(CkChainable* pSource) {
+void CkSaturationMonitor::watch(CkChainable* pSource) {
     CkChain* const chain = pSource != nullptr ? pSource->chain() : nullptr;
     // A block that is put behind the source takes the source's sinks over.
     if (chain != nullptr && pSource == m_source && chain->sinkBlock(this) == pSource) {
@@ -82,7 +82,7 @@ void CkSaturationWatch::watch(CkChainable* pSource) {
     }
 }
 
-int CkSaturationWatch::takeFrame(CkImageData* pData) {
+int CkSaturationMonitor::takeFrame(CkImageData* pData) {
     const std::unique_ptr<CkImageData> frame(pData);
     if (frame && frame->picBuf().data != nullptr && CkPicBufAPI::isValid(frame->picBuf())) {
         add(*frame);
@@ -90,7 +90,7 @@ int CkSaturationWatch::takeFrame(CkImageData* pData) {
     return 0;
 }
 
-void CkSaturationWatch::add(const CkImageData& frame) {
+void CkSaturationMonitor::add(const CkImageData& frame) {
     const SkPicBuf& picture = frame.picBuf();
     SkSet set;
     set.frameNumber = picture.additionalData.frameNumber;
@@ -122,9 +122,9 @@ void CkSaturationWatch::add(const CkImageData& frame) {
     }
 }
 
-CkSaturationWatch::EkAnswer CkSaturationWatch::saturated(quint64 uiFrameNumber, const QSize& size,
-                                                         const QRect& region,
-                                                         std::vector<bool>& saturated) const {
+CkSaturationMonitor::EkAnswer CkSaturationMonitor::saturated(quint64 uiFrameNumber, const QSize& size,
+                                                             const QRect& region,
+                                                             std::vector<bool>& saturated) const {
     const std::lock_guard lock(m_mutex);
     const auto set = std::find_if(m_sets.rbegin(), m_sets.rend(), [uiFrameNumber](const SkSet& entry) {
         return entry.frameNumber == uiFrameNumber;

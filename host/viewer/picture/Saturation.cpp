@@ -1,9 +1,14 @@
-#include "host/viewer/picture/CkSaturation.h"
+#include "host/viewer/picture/Saturation.h"
 
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageSource.h"
 
+#include <QCoreApplication>
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Saturation)
+};
 
 bool isFloat(EkImageDataType type) {
     return type == EkImageDataType::Float32 || type == EkImageDataType::Float64;
@@ -21,7 +26,7 @@ bool isDifferenceCode(quint32 code) {
 
 // A block that passes samples on keeps their kind and number; its picture is as good as the source's.
 bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
-    const CkChainable* const source = CkSaturation::soleSource(pBlock);
+    const CkChainable* const source = Saturation::soleSource(pBlock);
     SkPicBufInfo original;
     if (source == nullptr || !source->chain()->negotiatedInfo(source, original, nullptr)) {
         return pBlock != nullptr && qobject_cast<const CkImageSource*>(pBlock) == nullptr;
@@ -34,8 +39,8 @@ bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
 
 } // namespace
 
-CkSaturation::EkEvidence CkSaturation::evidence(const SkPicBufInfo& info, const CkImageMetadata& metadata,
-                                                const CkChainable* pBlock) {
+Saturation::EkEvidence Saturation::evidence(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                            const CkChainable* pBlock) {
     if (isMadeAnew(info, pBlock)) {
         return EkEvidence::Computed;
     }
@@ -46,20 +51,20 @@ CkSaturation::EkEvidence CkSaturation::evidence(const SkPicBufInfo& info, const 
                                                                                : EkEvidence::Samples;
 }
 
-QString CkSaturation::reason(EkEvidence evidence) {
+QString Saturation::reason(EkEvidence evidence) {
     switch (evidence) {
     case EkEvidence::Difference:
-        return tr("A minus B does not tell whether A and B were saturated");
+        return Texts::tr("A minus B does not tell whether A and B were saturated");
     case EkEvidence::Floats:
-        return tr("Samples of this kind have no end of their range");
+        return Texts::tr("Samples of this kind have no end of their range");
     case EkEvidence::Computed:
-        return tr("A computed picture does not tell; the picture of the camera does");
+        return Texts::tr("A computed picture does not tell; the picture of the camera does");
     default:
         return {};
     }
 }
 
-CkChainable* CkSaturation::soleSource(const CkChainable* pBlock) {
+CkChainable* Saturation::soleSource(const CkChainable* pBlock) {
     const CkChainable* block = pBlock;
     while (block != nullptr && qobject_cast<const CkImageSource*>(block) == nullptr) {
         const QList<CkChainable*> feeders = block->precedessors();
@@ -68,7 +73,7 @@ CkChainable* CkSaturation::soleSource(const CkChainable* pBlock) {
     return block != nullptr && block->chain() != nullptr ? const_cast<CkChainable*>(block) : nullptr;
 }
 
-quint64 CkSaturation::fullScale(const SkPicBufInfo& info) {
+quint64 Saturation::fullScale(const SkPicBufInfo& info) {
     const quint32 held = 8 * sampleBytes(info.dataType);
     const quint32 bits = info.bitsPerChannel == 0 || info.bitsPerChannel > held ? held : info.bitsPerChannel;
     return bits >= 64 ? ~quint64(0) : (quint64(1) << bits) - 1;

@@ -1,7 +1,7 @@
-#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/PictureColours.h"
 
-#include "host/viewer/picture/CkPictureStatistics.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureStatistics.h"
+#include "host/viewer/picture/PictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/PaddedPicture.h"
 #include "tests/support/SampleTypes.h"
@@ -37,13 +37,13 @@ TYPED_TEST(EverySampleType, WindowSpreadsOverTheColours) {
                                     [](quint32 x, quint32, quint32 c) { return c == 1 ? T(10 * x) : T(99); });
     ASSERT_TRUE(frame);
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 1, greys(101), {0.0, 100.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, greys(101), {0.0, 100.0}, false, image));
     ASSERT_EQ(image.size(), QSize(11, 3));
     for (int x = 0; x < 11; ++x) {
         EXPECT_EQ(level(image, x, 2), 10 * x);
     }
     // Outside of a narrower window the end colours stand.
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 1, greys(101), {40.0, 60.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, greys(101), {40.0, 60.0}, false, image));
     EXPECT_EQ(level(image, 0, 0), 0);
     EXPECT_EQ(level(image, 5, 0), 50);
     EXPECT_EQ(level(image, 10, 0), 100);
@@ -69,10 +69,10 @@ TYPED_TEST(EverySampleType, SampleValueReadsTheSample) {
     using T = TypeParam;
     const auto frame = makeFrame<T>(SampleTypeOf<T>::value, 4, 5, 3, 8 * sizeof(T),
                                     [](quint32 x, quint32 y, quint32 c) { return T(x + 4 * y + 20 * c); });
-    EXPECT_EQ(CkDisplayTable::sampleValue(frame->picBuf(), 3, 4, 2), 3 + 16 + 40);
-    EXPECT_TRUE(std::isnan(CkDisplayTable::sampleValue(frame->picBuf(), 4, 0, 0)));
-    EXPECT_TRUE(std::isnan(CkDisplayTable::sampleValue(frame->picBuf(), 0, 5, 0)));
-    EXPECT_TRUE(std::isnan(CkDisplayTable::sampleValue(frame->picBuf(), 0, 0, 3)));
+    EXPECT_EQ(PictureColours::sampleValue(frame->picBuf(), 3, 4, 2), 3 + 16 + 40);
+    EXPECT_TRUE(std::isnan(PictureColours::sampleValue(frame->picBuf(), 4, 0, 0)));
+    EXPECT_TRUE(std::isnan(PictureColours::sampleValue(frame->picBuf(), 0, 5, 0)));
+    EXPECT_TRUE(std::isnan(PictureColours::sampleValue(frame->picBuf(), 0, 0, 3)));
 }
 
 TEST(DisplayTable, NegativeSamplesHaveTheirPlace) {
@@ -80,7 +80,7 @@ TEST(DisplayTable, NegativeSamplesHaveTheirPlace) {
         makeFrame<qint16>(EkImageDataType::Int16, 3, 1, 1, 16,
                           [](quint32 x, quint32, quint32) { return qint16(int(x) * 100 - 100); });
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, greys(201), {-100.0, 100.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(201), {-100.0, 100.0}, false, image));
     EXPECT_EQ(level(image, 0, 0), 0);
     EXPECT_EQ(level(image, 1, 0), 100);
     EXPECT_EQ(level(image, 2, 0), 200);
@@ -93,9 +93,9 @@ TEST(DisplayTable, ValuesThatAreNotFiniteAreBlack) {
                                         [&](quint32 x, quint32, quint32) { return values[x]; });
     QList<QRgb> colours = {qRgb(10, 20, 30), qRgb(200, 100, 50)};
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, colours, {1.0, 2.0}, true, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, colours, {1.0, 2.0}, true, image));
     for (int x = 0; x < 3; ++x) {
-        EXPECT_EQ(image.pixel(x, 0), CkDisplayTable::kInvalid) << x;
+        EXPECT_EQ(image.pixel(x, 0), PictureColours::kInvalid) << x;
     }
     EXPECT_EQ(image.pixel(3, 0), colours[0]);
     EXPECT_EQ(image.pixel(4, 0), colours[1]);
@@ -116,8 +116,8 @@ TEST(DisplayTable, PictureWithoutAnyFiniteValueIsBlackAndHasNoRange) {
     EXPECT_EQ(statistics.minimum, 0.0);
     EXPECT_EQ(statistics.maximum, 0.0);
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, greys(2), {0.0, 0.0}, false, image));
-    EXPECT_EQ(image.pixel(3, 3), CkDisplayTable::kInvalid);
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(2), {0.0, 0.0}, false, image));
+    EXPECT_EQ(image.pixel(3, 3), PictureColours::kInvalid);
 }
 
 TEST(DisplayTable, HugeFloatsOfBothSignsAreCountedWithoutHarm) {
@@ -129,7 +129,7 @@ TEST(DisplayTable, HugeFloatsOfBothSignsAreCountedWithoutHarm) {
     ASSERT_TRUE(computeStatistics(frame->picBuf(), 0, statistics));
     EXPECT_EQ(statistics.finite, 2U);
     QImage image;
-    EXPECT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, greys(2),
+    EXPECT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(2),
                                               {statistics.minimum, statistics.maximum}, false, image));
 }
 
@@ -139,11 +139,11 @@ TEST(DisplayTable, SaturatedSamplesAreRedOnRequest) {
             return quint16(x == 0 ? 4094 : x == 1 ? 4095 : 5000);
         });
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, true, image));
-    EXPECT_NE(image.pixel(0, 0), CkDisplayTable::kSaturated);
-    EXPECT_EQ(image.pixel(1, 0), CkDisplayTable::kSaturated);
-    EXPECT_EQ(image.pixel(2, 0), CkDisplayTable::kSaturated);
-    ASSERT_TRUE(CkDisplayTable::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, true, image));
+    EXPECT_NE(image.pixel(0, 0), PictureColours::kSaturated);
+    EXPECT_EQ(image.pixel(1, 0), PictureColours::kSaturated);
+    EXPECT_EQ(image.pixel(2, 0), PictureColours::kSaturated);
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, false, image));
     EXPECT_EQ(level(image, 2, 0), 255);
 }
 
@@ -151,30 +151,30 @@ TEST(DisplayTable, RangesFollowTypeAndBits) {
     SkPicBufInfo info;
     info.dataType = EkImageDataType::UInt16;
     info.bitsPerChannel = 12;
-    EXPECT_EQ(CkDisplayTable::fullRange(info), (SkDisplayWindow{0.0, 4095.0}));
+    EXPECT_EQ(PictureColours::fullRange(info), (SkDisplayWindow{0.0, 4095.0}));
     info.dataType = EkImageDataType::Int16;
     info.bitsPerChannel = 16;
-    EXPECT_EQ(CkDisplayTable::fullRange(info), (SkDisplayWindow{-32768.0, 32767.0}));
+    EXPECT_EQ(PictureColours::fullRange(info), (SkDisplayWindow{-32768.0, 32767.0}));
     info.dataType = EkImageDataType::UInt8;
     info.bitsPerChannel = 0;
-    EXPECT_EQ(CkDisplayTable::fullRange(info), (SkDisplayWindow{0.0, 255.0}));
+    EXPECT_EQ(PictureColours::fullRange(info), (SkDisplayWindow{0.0, 255.0}));
     info.bitsPerChannel = 4'000'000'000U;
-    EXPECT_EQ(CkDisplayTable::fullRange(info), (SkDisplayWindow{0.0, 255.0}));
+    EXPECT_EQ(PictureColours::fullRange(info), (SkDisplayWindow{0.0, 255.0}));
 }
 
 TEST(DisplayTable, RefusesWhatCannotBeShown) {
     QImage image;
-    EXPECT_FALSE(CkDisplayTable::colourChannel(SkPicBuf(), 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(SkPicBuf(), 0, greys(2), {0, 1}, false, image));
     const auto frame = makeFrame<quint8>(EkImageDataType::UInt8, 2, 2, 1, 8,
                                          [](quint32, quint32, quint32) { return quint8(1); });
-    EXPECT_FALSE(CkDisplayTable::colourChannel(frame->picBuf(), 1, greys(2), {0, 1}, false, image));
-    EXPECT_FALSE(CkDisplayTable::colourChannel(frame->picBuf(), 0, {}, {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 1, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 0, {}, {0, 1}, false, image));
     SkPicBuf other = frame->picBuf();
     other.dataType = EkImageDataType(77);
-    EXPECT_FALSE(CkDisplayTable::colourChannel(other, 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(other, 0, greys(2), {0, 1}, false, image));
     other = frame->picBuf();
     other.lineSize = 1;
-    EXPECT_FALSE(CkDisplayTable::colourChannel(other, 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(other, 0, greys(2), {0, 1}, false, image));
     SkPictureStatistics statistics;
     EXPECT_FALSE(computeStatistics(other, 0, statistics));
     EXPECT_TRUE(image.isNull());
@@ -184,25 +184,25 @@ TEST(DisplayTable, ColourPicturesAreBlueGreenRed) {
     const auto frame =
         makeFrame<quint8>(EkImageDataType::UInt8, 2, 1, 3, 8,
                           [](quint32 x, quint32, quint32 c) { return quint8(x == 0 ? 10 + c : 100 + c); });
-    ASSERT_TRUE(CkDisplayTable::isColourPicture(frame->picBuf()));
+    ASSERT_TRUE(PictureColours::isColourPicture(frame->picBuf()));
     QImage image;
-    ASSERT_TRUE(CkDisplayTable::copyColours(frame->picBuf(), image));
+    ASSERT_TRUE(PictureColours::copyColours(frame->picBuf(), image));
     EXPECT_EQ(image.pixel(0, 0), qRgb(12, 11, 10));
     EXPECT_EQ(image.pixel(1, 0), qRgb(102, 101, 100));
 }
 
 TEST(DisplayTable, ColoursAreTheMapWarpedByGamma) {
     CkLut lut(8, 1, false, EkImageDataType::UInt8);
-    QList<QRgb> plain = CkDisplayTable::colours(lut);
-    ASSERT_EQ(plain.size(), CkDisplayTable::kColours);
+    QList<QRgb> plain = PictureColours::colours(lut);
+    ASSERT_EQ(plain.size(), PictureColours::kColours);
     EXPECT_EQ(plain.first(), qRgb(0, 0, 0));
     EXPECT_EQ(plain.last(), qRgb(255, 255, 255));
     CkLut::CkCompContrast contrast;
     contrast.gamma = 2.0;
     lut.contrastEntries().append(contrast);
-    const QList<QRgb> warped = CkDisplayTable::colours(lut);
+    const QList<QRgb> warped = PictureColours::colours(lut);
     // The middle of the range squared is a quarter of it.
-    EXPECT_NEAR(qRed(warped[CkDisplayTable::kColours / 2]), 255.0 / 4.0, 1.0);
+    EXPECT_NEAR(qRed(warped[PictureColours::kColours / 2]), 255.0 / 4.0, 1.0);
     EXPECT_EQ(warped.last(), qRgb(255, 255, 255));
 }
 
@@ -212,14 +212,14 @@ TEST(PictureText, NamesChannelsUnitsAndValues) {
     });
     CkImageMetadata metadata;
     metadata.channelNames = QStringList{"Phase shift", "Confidence"};
-    const QString text = CkPictureText::pixel(frame->picBuf(), metadata, 1, 1);
+    const QString text = PictureText::pixel(frame->picBuf(), metadata, 1, 1);
     EXPECT_EQ(text, "x 1, y 1:  Phase shift 3.1416 rad,  Confidence 2");
-    EXPECT_TRUE(CkPictureText::pixel(frame->picBuf(), metadata, 2, 0).isEmpty());
-    EXPECT_TRUE(CkPictureText::pixel(frame->picBuf(), metadata, -1, 0).isEmpty());
+    EXPECT_TRUE(PictureText::pixel(frame->picBuf(), metadata, 2, 0).isEmpty());
+    EXPECT_TRUE(PictureText::pixel(frame->picBuf(), metadata, -1, 0).isEmpty());
     metadata.channelNames = QStringList{"Depth", "Confidence"};
-    EXPECT_EQ(CkPictureText::channelUnit(frame->picBuf(), metadata, 0), "m");
-    EXPECT_EQ(CkPictureText::channelUnit(frame->picBuf(), metadata, 1), "");
-    EXPECT_EQ(CkPictureText::number(frame->picBuf(), std::numeric_limits<double>::quiet_NaN()), "NaN");
+    EXPECT_EQ(PictureText::channelUnit(frame->picBuf(), metadata, 0), "m");
+    EXPECT_EQ(PictureText::channelUnit(frame->picBuf(), metadata, 1), "");
+    EXPECT_EQ(PictureText::number(frame->picBuf(), std::numeric_limits<double>::quiet_NaN()), "NaN");
 }
 
 TEST(PictureText, CountsAreSaidOnceForAllChannels) {
@@ -227,10 +227,10 @@ TEST(PictureText, CountsAreSaidOnceForAllChannels) {
         return quint16(1000 * (c + 1) + x);
     });
     frame->picBuf().colorFilterArray = EkColorFilterArray::RawX2AandB;
-    EXPECT_EQ(CkPictureText::pixel(frame->picBuf(), {}, 1, 0), "x 1, y 0:  A 1001,  B 2001 counts");
+    EXPECT_EQ(PictureText::pixel(frame->picBuf(), {}, 1, 0), "x 1, y 0:  A 1001,  B 2001 counts");
     auto colour = makeFrame<quint8>(EkImageDataType::UInt8, 1, 1, 3, 8,
                                     [](quint32, quint32, quint32 c) { return quint8(c); });
-    EXPECT_EQ(CkPictureText::pixel(colour->picBuf(), {}, 0, 0), "x 0, y 0:  Blue 0,  Green 1,  Red 2");
+    EXPECT_EQ(PictureText::pixel(colour->picBuf(), {}, 0, 0), "x 0, y 0:  Blue 0,  Green 1,  Red 2");
 }
 
 TEST(PictureText, KnowsRawPicturesWithoutNames) {
@@ -238,15 +238,15 @@ TEST(PictureText, KnowsRawPicturesWithoutNames) {
     info.channels = 2;
     info.dataType = EkImageDataType::UInt16;
     info.colorFilterArray = EkColorFilterArray::RawX2AandB;
-    EXPECT_EQ(CkPictureText::channelName(info, {}, 0), "A");
-    EXPECT_EQ(CkPictureText::channelName(info, {}, 1), "B");
+    EXPECT_EQ(PictureText::channelName(info, {}, 0), "A");
+    EXPECT_EQ(PictureText::channelName(info, {}, 1), "B");
     info.channels = 3;
     info.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
-    EXPECT_EQ(CkPictureText::channelName(info, {}, 2), "X3");
+    EXPECT_EQ(PictureText::channelName(info, {}, 2), "X3");
     info.width = 640;
     info.height = 480;
     info.bitsPerChannel = 12;
-    EXPECT_TRUE(CkPictureText::format(info).contains(QStringLiteral("640 x 480")));
+    EXPECT_TRUE(PictureText::format(info).contains(QStringLiteral("640 x 480")));
 }
 
 } // namespace

@@ -1,12 +1,13 @@
-#include "host/viewer/picture/CkPictureFile.h"
+#include "host/viewer/picture/PictureFile.h"
 
 #include "host/recording/SkFrameDescription.h"
 #include "host/viewer/base/SaveFileName.h"
-#include "host/viewer/picture/CkDisplayTable.h"
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureColours.h"
+#include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QDir>
 #include <QImage>
 #include <QImageWriter>
@@ -19,6 +20,10 @@
 #include <vector>
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(PictureFile)
+};
 
 constexpr double kSteps = 65536.0;
 
@@ -48,8 +53,8 @@ bool isEndingOf(const QString& format, const QString& fileName, QString& error) 
     if (ending.isEmpty() || isSameEnding(ending, format)) {
         return true;
     }
-    error = CkPictureFile::tr("%1: this format needs the ending .%2.")
-                .arg(QDir::toNativeSeparators(fileName), format);
+    error =
+        Texts::tr("%1: this format needs the ending .%2.").arg(QDir::toNativeSeparators(fileName), format);
     return false;
 }
 
@@ -87,7 +92,7 @@ bool writeRows(TIFF* tif, const SkPicBuf& picBuf, quint32 first, quint32 channel
     for (quint32 y = 0; y < picBuf.height; ++y) {
         for (quint32 x = 0; x < picBuf.width; ++x) {
             for (quint32 c = 0; c < channels; ++c) {
-                row[size_t(x) * channels + c] = T(CkDisplayTable::sampleValue(picBuf, x, y, first + c));
+                row[size_t(x) * channels + c] = T(PictureColours::sampleValue(picBuf, x, y, first + c));
             }
         }
         if (TIFFWriteScanline(tif, row.data(), y, 0) != 1) {
@@ -115,8 +120,8 @@ void describePage(TIFF* tif, const SkPicBuf& picBuf, quint16 channels, quint16 b
 
 } // namespace
 
-CkPictureFile::SkScale CkPictureFile::scale16(const SkPicBufInfo& info, const CkImageMetadata& metadata,
-                                              quint32 uiChannel) {
+PictureFile::SkScale PictureFile::scale16(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                          quint32 uiChannel) {
     if (!isFloat(info.dataType)) {
         return {1.0, isSigned(info.dataType) ? kSteps / 2.0 : 0.0};
     }
@@ -124,25 +129,24 @@ CkPictureFile::SkScale CkPictureFile::scale16(const SkPicBufInfo& info, const Ck
     return {phase ? kSteps / (2.0 * M_PI) : 1000.0, 0.0};
 }
 
-QString CkPictureFile::scaleText(const SkPicBufInfo& info, const CkImageMetadata& metadata,
-                                 quint32 uiChannel) {
+QString PictureFile::scaleText(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel) {
     if (isSigned(info.dataType)) {
-        return tr("plus 32768");
+        return Texts::tr("plus 32768");
     }
     if (!isFloat(info.dataType)) {
-        return tr("unchanged");
+        return Texts::tr("unchanged");
     }
-    const QString unit = CkPictureText::channelUnit(info, metadata, uiChannel);
+    const QString unit = PictureText::channelUnit(info, metadata, uiChannel);
     if (unit == QLatin1String("rad")) {
-        return tr("65536 steps for 2 pi");
+        return Texts::tr("65536 steps for 2 pi");
     }
-    return tr("1 step = 0.001 %1").arg(unit).trimmed();
+    return Texts::tr("1 step = 0.001 %1").arg(unit).trimmed();
 }
 
-bool CkPictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& metadata, quint32 uiChannel,
-                              const QString& sFileName, QString& sError) {
+bool PictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& metadata, quint32 uiChannel,
+                            const QString& sFileName, QString& sError) {
     if (!isReadable(picBuf, uiChannel)) {
-        sError = tr("There is no picture to save.");
+        sError = Texts::tr("There is no picture to save.");
         return false;
     }
     if (!isEndingOf(QStringLiteral("png"), sFileName, sError)) {
@@ -150,14 +154,14 @@ bool CkPictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& met
     }
     QImage grey(int(picBuf.width), int(picBuf.height), QImage::Format_Grayscale16);
     if (grey.isNull()) {
-        sError = tr("There is not enough memory for the picture.");
+        sError = Texts::tr("There is not enough memory for the picture.");
         return false;
     }
     const SkScale scale = scale16(picBuf, metadata, uiChannel);
     for (int y = 0; y < grey.height(); ++y) {
         auto* line = reinterpret_cast<quint16*>(grey.scanLine(y));
         for (int x = 0; x < grey.width(); ++x) {
-            const double value = CkDisplayTable::sampleValue(picBuf, quint32(x), quint32(y), uiChannel);
+            const double value = PictureColours::sampleValue(picBuf, quint32(x), quint32(y), uiChannel);
             const double stored = std::round(value * scale.factor + scale.offset);
             // No number compares as false throughout and becomes 0, as an invalid distance does.
             line[x] = quint16(!std::isfinite(value) ? 0.0
@@ -180,11 +184,11 @@ bool CkPictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& met
     return store(buffer.data(), sFileName, sError);
 }
 
-bool CkPictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iChannel,
-                                  const QString& sFileName, QString& sError) {
+bool PictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iChannel,
+                                const QString& sFileName, QString& sError) {
     const quint32 first = quint32(std::max(iChannel, 0));
     if (!isReadable(picBuf, first)) {
-        sError = tr("There is no picture to save.");
+        sError = Texts::tr("There is no picture to save.");
         return false;
     }
     if (!isEndingOf(QStringLiteral("tif"), sFileName, sError)) {
@@ -210,7 +214,7 @@ bool CkPictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata&
     TIFF* const tif = TIFFClientOpen("picture", "wm", &buffer, readBytes, writeBytes, seekByte, closeBytes,
                                      sizeOfBytes, nullptr, nullptr);
     if (tif == nullptr) {
-        sError = tr("There is not enough memory for the picture.");
+        sError = Texts::tr("There is not enough memory for the picture.");
         return false;
     }
     describePage(tif, picBuf, quint16(channels), narrow ? 32 : 64, description.toText());
@@ -219,7 +223,7 @@ bool CkPictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata&
                          TIFFWriteDirectory(tif) == 1;
     TIFFClose(tif);
     if (!written) {
-        sError = tr("There is not enough memory for the picture.");
+        sError = Texts::tr("There is not enough memory for the picture.");
         return false;
     }
     return store(buffer.data(), sFileName, sError);

@@ -1,4 +1,4 @@
-#include "host/viewer/picture/CkPictureStatistics.h"
+#include "host/viewer/picture/PictureStatistics.h"
 
 #include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"

@@ -12,7 +12,7 @@
 
 /// Looks at the pictures of a source and remembers which pixels were saturated, for the pictures that are
 /// computed of them. Watched on the user-interface thread, fed on the chain's.
-class CkSaturationWatch : public IkFrameSink {
+class CkSaturationMonitor : public IkFrameSink {
 public:
     enum class EkAnswer : int {
         Known,
@@ -22,8 +22,8 @@ public:
         Untold,     ///< the samples of the source do not tell
     };
 
-    CkSaturationWatch() = default;
-    ~CkSaturationWatch() override;
+    CkSaturationMonitor() = default;
+    ~CkSaturationMonitor() override;
 
     /// Null: no source. Nothing happens for the source that is watched already.
     void watch(CkChainable* pSource);

@@ -1,4 +1,4 @@
-#include "host/viewer/picture/CkToolIcons.h"
+#include "host/viewer/picture/ToolIcons.h"
 
 #include <QPainter>
 #include <QPalette>
@@ -34,7 +34,7 @@ QIcon icon(const QPalette& palette, const std::function<void(QPainter&)>& draw) 
 
 } // namespace
 
-QIcon CkToolIcons::fit(const QPalette& palette) {
+QIcon ToolIcons::fit(const QPalette& palette) {
     return icon(palette, [](QPainter& painter) {
         painter.drawRect(QRectF(1.5, 2.5, 13, 11));
         // Arrows into two corners.
@@ -45,7 +45,7 @@ QIcon CkToolIcons::fit(const QPalette& palette) {
     });
 }
 
-QIcon CkToolIcons::legend(const QPalette& palette) {
+QIcon ToolIcons::legend(const QPalette& palette) {
     return icon(palette, [](QPainter& painter) {
         QLinearGradient colours(0, 14, 0, 2);
         colours.setColorAt(0.0, QColor(0x30, 0x40, 0xc0));
@@ -59,7 +59,7 @@ QIcon CkToolIcons::legend(const QPalette& palette) {
     });
 }
 
-QIcon CkToolIcons::save(const QPalette& palette) {
+QIcon ToolIcons::save(const QPalette& palette) {
     return icon(palette, [](QPainter& painter) {
         painter.drawPolyline(QPolygonF({{2, 9.5}, {2, 14}, {14, 14}, {14, 9.5}}));
         painter.drawLine(QPointF(8, 1.5), QPointF(8, 10));

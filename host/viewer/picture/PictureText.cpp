@@ -1,13 +1,18 @@
-#include "host/viewer/picture/CkPictureText.h"
+#include "host/viewer/picture/PictureText.h"
 
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/PictureColours.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(PictureText)
+};
 
 bool isFloat(EkImageDataType dataType) {
     return dataType == EkImageDataType::Float32 || dataType == EkImageDataType::Float64;
@@ -20,23 +25,28 @@ bool isSigned(EkImageDataType dataType) {
 
 } // namespace
 
-QString CkPictureText::translated(const QString& sName) {
+QString PictureText::translated(const QString& sName) {
     // What the time-of-flight plug-in and the simulated cameras call their channels, and the colour maps.
-    static const char* const s_known[] = {QT_TR_NOOP("Phase shift"),   QT_TR_NOOP("Confidence"),
-                                          QT_TR_NOOP("Depth"),         QT_TR_NOOP("Grey"),
-                                          QT_TR_NOOP("Inverted grey"), QT_TR_NOOP("Rainbow"),
-                                          QT_TR_NOOP("Hot"),           QT_TR_NOOP("Violet to yellow"),
-                                          QT_TR_NOOP("Spectrum"),      QT_TR_NOOP("Blue to red")};
+    static const char* const s_known[] = {QT_TRANSLATE_NOOP("PictureText", "Phase shift"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Confidence"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Depth"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Grey"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Inverted grey"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Rainbow"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Hot"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Violet to yellow"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Spectrum"),
+                                          QT_TRANSLATE_NOOP("PictureText", "Blue to red")};
     for (const char* name : s_known) {
         if (sName == QLatin1String(name)) {
-            return tr(name);
+            return Texts::tr(name);
         }
     }
     return sName;
 }
 
-QString CkPictureText::channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata,
-                                   quint32 uiChannel) {
+QString PictureText::channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                 quint32 uiChannel) {
     if (int(uiChannel) < metadata.channelNames.size() &&
         metadata.channelNames.size() == qsizetype(info.channels)) {
         return translated(metadata.channelNames[int(uiChannel)]);
@@ -50,15 +60,16 @@ QString CkPictureText::channelName(const SkPicBufInfo& info, const CkImageMetada
     if (info.colorFilterArray == EkColorFilterArray::RawX3Hybrid && info.channels == 3) {
         return QStringLiteral("X%1").arg(uiChannel + 1);
     }
-    if (CkDisplayTable::isColourPicture(info)) {
-        const QStringList names = {tr("Blue"), tr("Green"), tr("Red"), tr("Alpha")};
+    if (PictureColours::isColourPicture(info)) {
+        const QStringList names = {Texts::tr("Blue"), Texts::tr("Green"), Texts::tr("Red"),
+                                   Texts::tr("Alpha")};
         return names.value(int(uiChannel));
     }
-    return info.channels == 1 ? tr("Value") : tr("Channel %1").arg(uiChannel + 1);
+    return info.channels == 1 ? Texts::tr("Value") : Texts::tr("Channel %1").arg(uiChannel + 1);
 }
 
-QString CkPictureText::channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata,
-                                   quint32 uiChannel) {
+QString PictureText::channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata,
+                                 quint32 uiChannel) {
     const QString name = metadata.channelNames.value(int(uiChannel));
     if (name == QLatin1String("Phase shift")) {
         return QStringLiteral("rad");
@@ -67,17 +78,17 @@ QString CkPictureText::channelUnit(const SkPicBufInfo& info, const CkImageMetada
         return QStringLiteral("m");
     }
     const bool counts =
-        info.channels > 0 && !isFloat(info.dataType) && !CkDisplayTable::isColourPicture(info);
-    return counts ? tr("counts") : QString();
+        info.channels > 0 && !isFloat(info.dataType) && !PictureColours::isColourPicture(info);
+    return counts ? Texts::tr("counts") : QString();
 }
 
-QLocale CkPictureText::locale() {
+QLocale PictureText::locale() {
     QLocale user;
     user.setNumberOptions(user.numberOptions() | QLocale::OmitGroupSeparator);
     return user;
 }
 
-QString CkPictureText::number(const SkPicBufInfo& info, double fValue) {
+QString PictureText::number(const SkPicBufInfo& info, double fValue) {
     if (std::isnan(fValue)) {
         return QStringLiteral("NaN");
     }
@@ -87,7 +98,7 @@ QString CkPictureText::number(const SkPicBufInfo& info, double fValue) {
     return isFloat(info.dataType) ? locale().toString(fValue, 'g', 5) : locale().toString(fValue, 'f', 0);
 }
 
-QString CkPictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iX, int iY) {
+QString PictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iX, int iY) {
     if (picBuf.data == nullptr || iX < 0 || iY < 0 || quint32(iX) >= picBuf.width ||
         quint32(iY) >= picBuf.height) {
         return {};
@@ -100,7 +111,7 @@ QString CkPictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& meta
     }
     QStringList values;
     for (quint32 channel = 0; channel < shown; ++channel) {
-        const double value = CkDisplayTable::sampleValue(picBuf, quint32(iX), quint32(iY), channel);
+        const double value = PictureColours::sampleValue(picBuf, quint32(iX), quint32(iY), channel);
         QString entry = channelName(picBuf, metadata, channel) + QLatin1Char(' ') + number(picBuf, value);
         const QString unit = channelUnit(picBuf, metadata, channel);
         // A unit that all share is said once, behind the last one.
@@ -112,12 +123,12 @@ QString CkPictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& meta
     return QStringLiteral("x %1, y %2:  %3").arg(iX).arg(iY).arg(values.join(QStringLiteral(",  ")));
 }
 
-QString CkPictureText::format(const SkPicBufInfo& info) {
-    QString kind = isFloat(info.dataType)    ? tr("float")
-                   : isSigned(info.dataType) ? tr("signed")
-                                             : tr("unsigned");
-    const QString channels = tr("%n channel(s)", nullptr, pluralNumber(info.channels));
-    return tr("%1 x %2, %3, %4 bit %5")
+QString PictureText::format(const SkPicBufInfo& info) {
+    QString kind = isFloat(info.dataType)    ? Texts::tr("float")
+                   : isSigned(info.dataType) ? Texts::tr("signed")
+                                             : Texts::tr("unsigned");
+    const QString channels = Texts::tr("%n channel(s)", nullptr, pluralNumber(info.channels));
+    return Texts::tr("%1 x %2, %3, %4 bit %5")
         .arg(info.width)
         .arg(info.height)
         .arg(channels)

@@ -1,4 +1,4 @@
-#include "host/viewer/panels/chain/CkChainEditor.h"
+#include "host/viewer/panels/chain/ChainEditor.h"
 
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -6,9 +6,14 @@
 #include "zuCore/CkImageSource.h"
 #include "zuCore/CkRTTI.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ChainEditor)
+};
 
 template <class Change>
 bool changeStopped(CkChain* chain, Change change) {
@@ -29,7 +34,7 @@ using Operation = bool (CkChainManager::*)(CkChain*, CkChainable*, CkChainable*)
 bool add(Operation operation, CkChainable* block, CkChainable* after, QString& error) {
     CkChain* chain = after != nullptr ? after->chain() : nullptr;
     if (chain == nullptr) {
-        error = CkChainEditor::tr("The block to build on is in no chain any more.");
+        error = Texts::tr("The block to build on is in no chain any more.");
         delete block;
         return false;
     }
@@ -37,7 +42,7 @@ bool add(Operation operation, CkChainable* block, CkChainable* after, QString& e
     const bool done =
         changeStopped(chain, [&] { return (CkChainManager::instance()->*operation)(chain, block, after); });
     if (!done) {
-        error = CkChainEditor::tr(
+        error = Texts::tr(
                     "\"%1\" cannot work on the output of \"%2\", or what follows cannot work on its output.")
                     .arg(title, after->title());
         CkChainManager::instance()->deleteChainable(block);
@@ -47,30 +52,29 @@ bool add(Operation operation, CkChainable* block, CkChainable* after, QString& e
 
 } // namespace
 
-CkChainable* CkChainEditor::createBlock(const QString& sUniqueId, QString& sError) {
+CkChainable* ChainEditor::createBlock(const QString& sUniqueId, QString& sError) {
     QObject* object = CkRTTI::instance()->create(sUniqueId);
     auto* block = qobject_cast<CkChainable*>(object);
     if (block == nullptr) {
-        sError = object != nullptr ? CkChainEditor::tr("\"%1\" is no processing block.").arg(sUniqueId)
+        sError = object != nullptr ? Texts::tr("\"%1\" is no processing block.").arg(sUniqueId)
                                    : CkRTTI::instance()->lastError();
         delete object;
     }
     return block;
 }
 
-bool CkChainEditor::insertAfter(CkChainable* pBlock, CkChainable* pAfter, QString& sError) {
+bool ChainEditor::insertAfter(CkChainable* pBlock, CkChainable* pAfter, QString& sError) {
     return add(&CkChainManager::insertAfter, pBlock, pAfter, sError);
 }
 
-bool CkChainEditor::branchAfter(CkChainable* pBlock, CkChainable* pAfter, QString& sError) {
+bool ChainEditor::branchAfter(CkChainable* pBlock, CkChainable* pAfter, QString& sError) {
     return add(&CkChainManager::branchAfter, pBlock, pAfter, sError);
 }
 
-bool CkChainEditor::remove(CkChainable* pBlock, QString& sError) {
+bool ChainEditor::remove(CkChainable* pBlock, QString& sError) {
     CkChain* chain = pBlock->chain();
     if (chain == nullptr || isSource(pBlock)) {
-        sError =
-            CkChainEditor::tr("A source cannot be taken out of its chain; close the chain's views instead.");
+        sError = Texts::tr("A source cannot be taken out of its chain; close the chain's views instead.");
         return false;
     }
     const QString title = pBlock->title();
@@ -79,12 +83,11 @@ bool CkChainEditor::remove(CkChainable* pBlock, QString& sError) {
         return CkChainManager::instance()->remove(owner, pBlock, false);
     });
     if (!done) {
-        sError =
-            CkChainEditor::tr("\"%1\" cannot be removed: what it feeds cannot work without it.").arg(title);
+        sError = Texts::tr("\"%1\" cannot be removed: what it feeds cannot work without it.").arg(title);
     }
     return done;
 }
 
-bool CkChainEditor::isSource(const CkChainable* pBlock) {
+bool ChainEditor::isSource(const CkChainable* pBlock) {
     return qobject_cast<const CkImageSource*>(pBlock) != nullptr;
 }

@@ -1,6 +1,6 @@
-#include "host/viewer/picture/CkSaturation.h"
+#include "host/viewer/picture/Saturation.h"
 #include "host/viewer/panels/quality/CkQualityMeter.h"
-#include "host/viewer/panels/quality/CkSaturationWatch.h"
+#include "host/viewer/panels/quality/CkSaturationMonitor.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/PushSource.h"
 #include "zuCore/CkChain.h"
@@ -11,8 +11,8 @@
 
 namespace {
 
-using EkAnswer = CkSaturationWatch::EkAnswer;
-using EkEvidence = CkSaturation::EkEvidence;
+using EkAnswer = CkSaturationMonitor::EkAnswer;
+using EkEvidence = Saturation::EkEvidence;
 
 std::unique_ptr<CkImageData> numbered(std::unique_ptr<CkImageData> frame, quint64 number,
                                       const CkImageMetadata& metadata = {}) {
@@ -30,8 +30,8 @@ std::unique_ptr<CkImageData> taps(quint32 width, quint32 height, quint32 hotX, q
                               });
 }
 
-std::vector<bool> ask(const CkSaturationWatch& watch, quint64 number, const QSize& size, const QRect& region,
-                      EkAnswer expected = EkAnswer::Known) {
+std::vector<bool> ask(const CkSaturationMonitor& watch, quint64 number, const QSize& size,
+                      const QRect& region, EkAnswer expected = EkAnswer::Known) {
     std::vector<bool> saturated;
     EXPECT_EQ(watch.saturated(number, size, region, saturated), expected);
     return saturated;
@@ -63,8 +63,8 @@ public:
 
 } // namespace
 
-TEST(SaturationWatch, APhaseThatIsSaturatedInOneTapMakesThePixelInvalid) {
-    CkSaturationWatch watch;
+TEST(SaturationMonitor, APhaseThatIsSaturatedInOneTapMakesThePixelInvalid) {
+    CkSaturationMonitor watch;
     // Four phases of three rows; the third phase is hot at (1, 2), in the second tap.
     watch.takeFrame(numbered(taps(4, 12, 1, 2 * 3 + 2, 1), 40).release());
     EXPECT_EQ(ask(watch, 40, kSize, kAll), only(1, 2));
@@ -77,8 +77,8 @@ TEST(SaturationWatch, APhaseThatIsSaturatedInOneTapMakesThePixelInvalid) {
     ask(watch, 40, kSize, QRect(3, 0, 2, 1), EkAnswer::Unrelated);
 }
 
-TEST(SaturationWatch, PhasesThatComeOneByOneAddUpToTheirSet) {
-    CkSaturationWatch watch;
+TEST(SaturationMonitor, PhasesThatComeOneByOneAddUpToTheirSet) {
+    CkSaturationMonitor watch;
     CkImageMetadata metadata;
     metadata.phasesCount = 1;
     metadata.phaseSequenceLength = 2;
@@ -92,8 +92,8 @@ TEST(SaturationWatch, PhasesThatComeOneByOneAddUpToTheirSet) {
     EXPECT_EQ(ask(watch, 3, kSize, kAll), std::vector<bool>(12, false)) << "a new set forgets";
 }
 
-TEST(SaturationWatch, OfSeveralExposuresTheShortestDecides) {
-    CkSaturationWatch watch;
+TEST(SaturationMonitor, OfSeveralExposuresTheShortestDecides) {
+    CkSaturationMonitor watch;
     const auto stack = [](quint32 hotRow) {
         auto frame =
             makeFrame<quint8>(EkImageDataType::UInt8, 4, 6, 3, 8, [=](quint32 x, quint32 y, quint32) {
@@ -108,8 +108,8 @@ TEST(SaturationWatch, OfSeveralExposuresTheShortestDecides) {
     EXPECT_EQ(ask(watch, 6, kSize, kAll), only(2, 1));
 }
 
-TEST(SaturationWatch, SaysWhenTheSourceDoesNotTell) {
-    CkSaturationWatch watch;
+TEST(SaturationMonitor, SaysWhenTheSourceDoesNotTell) {
+    CkSaturationMonitor watch;
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     const auto signedFrame = [] {
@@ -127,12 +127,12 @@ TEST(SaturationWatch, SaysWhenTheSourceDoesNotTell) {
     ask(watch, 3, kSize, kAll, EkAnswer::Untold);
 }
 
-TEST(SaturationWatch, StaysWithTheSourceWhenABlockIsPutBehindIt) {
+TEST(SaturationMonitor, StaysWithTheSourceWhenABlockIsPutBehindIt) {
     CkChain* chain = CkChainManager::instance()->createChain();
     auto* source = new PushSource;
     source->setFormat(4, 6, 1, EkImageDataType::UInt8, 8);
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
-    CkSaturationWatch watch;
+    CkSaturationMonitor watch;
     watch.watch(source);
     EXPECT_EQ(chain->sinkBlock(&watch), source);
     auto* block = new CkHalving;
@@ -150,17 +150,17 @@ TEST(Saturation, OnlySamplesThatCameFromTheCameraTell) {
     info.height = 6;
     info.channels = 1;
     info.dataType = EkImageDataType::UInt8;
-    EXPECT_EQ(CkSaturation::evidence(info, {}, nullptr), EkEvidence::Samples);
+    EXPECT_EQ(Saturation::evidence(info, {}, nullptr), EkEvidence::Samples);
     info.dataType = EkImageDataType::Float32;
-    EXPECT_EQ(CkSaturation::evidence(info, {}, nullptr), EkEvidence::Floats);
+    EXPECT_EQ(Saturation::evidence(info, {}, nullptr), EkEvidence::Floats);
     info.dataType = EkImageDataType::Int16;
     CkImageMetadata difference;
     for (const quint32 code : {ToFFormatCode::kAminusBBits8, ToFFormatCode::kAminusBBits12,
                                ToFFormatCode::kAminusBBits12Alternate}) {
         difference.tofFormatCode = code;
-        EXPECT_EQ(CkSaturation::evidence(info, difference, nullptr), EkEvidence::Difference);
+        EXPECT_EQ(Saturation::evidence(info, difference, nullptr), EkEvidence::Difference);
     }
-    EXPECT_EQ(CkSaturation::evidence(info, {}, nullptr), EkEvidence::Samples);
+    EXPECT_EQ(Saturation::evidence(info, {}, nullptr), EkEvidence::Samples);
 
     CkChain* chain = CkChainManager::instance()->createChain();
     auto* source = new PushSource;
@@ -169,18 +169,18 @@ TEST(Saturation, OnlySamplesThatCameFromTheCameraTell) {
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, source, nullptr));
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, block, source));
     ASSERT_TRUE(chain->start());
-    EXPECT_EQ(CkSaturation::soleSource(block), source);
-    EXPECT_EQ(CkSaturation::evidence(source->info, {}, source), EkEvidence::Samples);
-    EXPECT_EQ(CkSaturation::evidence(source->info, {}, block), EkEvidence::Samples) << "passed on";
+    EXPECT_EQ(Saturation::soleSource(block), source);
+    EXPECT_EQ(Saturation::evidence(source->info, {}, source), EkEvidence::Samples);
+    EXPECT_EQ(Saturation::evidence(source->info, {}, block), EkEvidence::Samples) << "passed on";
     SkPicBufInfo half = source->info;
     half.height = 3;
-    EXPECT_EQ(CkSaturation::evidence(half, {}, block), EkEvidence::Computed);
+    EXPECT_EQ(Saturation::evidence(half, {}, block), EkEvidence::Computed);
     SkPicBufInfo other = source->info;
     other.dataType = EkImageDataType::Float32;
-    EXPECT_EQ(CkSaturation::evidence(other, {}, block), EkEvidence::Computed);
+    EXPECT_EQ(Saturation::evidence(other, {}, block), EkEvidence::Computed);
     CkChainManager::instance()->closeChain(chain);
-    EXPECT_FALSE(CkSaturation::reason(EkEvidence::Computed).isEmpty());
-    EXPECT_TRUE(CkSaturation::reason(EkEvidence::Samples).isEmpty());
+    EXPECT_FALSE(Saturation::reason(EkEvidence::Computed).isEmpty());
+    EXPECT_TRUE(Saturation::reason(EkEvidence::Samples).isEmpty());
 }
 
 TEST(QualityMeter, SaturatedPixelsAreNotValidWhateverTheyHold) {

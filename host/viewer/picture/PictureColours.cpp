@@ -1,4 +1,4 @@
-#include "host/viewer/picture/CkDisplayTable.h"
+#include "host/viewer/picture/PictureColours.h"
 
 #include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkLut.h"
@@ -45,10 +45,10 @@ void colourSmall(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& col
     constexpr size_t count = size_t(1) << (8 * sizeof(T));
     std::vector<QRgb> direct(count);
     const Scale scale(colours, window);
-    const SkDisplayWindow full = CkDisplayTable::fullRange(picBuf);
+    const SkDisplayWindow full = PictureColours::fullRange(picBuf);
     for (size_t i = 0; i < count; ++i) {
         const double value = double(T(Unsigned(i)));
-        direct[i] = saturation && isSaturated(value, full) ? CkDisplayTable::kSaturated : scale.colour(value);
+        direct[i] = saturation && isSaturated(value, full) ? PictureColours::kSaturated : scale.colour(value);
     }
     for (quint32 y = 0; y < picBuf.height; ++y) {
         const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
@@ -63,7 +63,7 @@ template <class T>
 void colourLarge(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& colours,
                  const SkDisplayWindow& window, bool saturation, QImage& image) {
     const Scale scale(colours, window);
-    const SkDisplayWindow full = CkDisplayTable::fullRange(picBuf);
+    const SkDisplayWindow full = PictureColours::fullRange(picBuf);
     const bool mark = saturation && std::is_integral_v<T>;
     for (quint32 y = 0; y < picBuf.height; ++y) {
         const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
@@ -71,9 +71,9 @@ void colourLarge(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& col
         for (quint32 x = 0; x < picBuf.width; ++x, sample += picBuf.channels) {
             const double value = double(*sample);
             if (!std::isfinite(value)) {
-                target[x] = CkDisplayTable::kInvalid;
+                target[x] = PictureColours::kInvalid;
             } else if (mark && isSaturated(value, full)) {
-                target[x] = CkDisplayTable::kSaturated;
+                target[x] = PictureColours::kSaturated;
             } else {
                 target[x] = scale.colour(value);
             }
@@ -101,7 +101,7 @@ bool prepareImage(const SkPicBuf& picBuf, QImage& image) {
 
 } // namespace
 
-SkDisplayWindow CkDisplayTable::fullRange(const SkPicBufInfo& info) {
+SkDisplayWindow PictureColours::fullRange(const SkPicBufInfo& info) {
     const bool isSigned = info.dataType == EkImageDataType::Int8 || info.dataType == EkImageDataType::Int16 ||
                           info.dataType == EkImageDataType::Int32 || info.dataType == EkImageDataType::Int64;
     if (info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64) {
@@ -117,7 +117,7 @@ SkDisplayWindow CkDisplayTable::fullRange(const SkPicBufInfo& info) {
     return {0.0, std::ldexp(1.0, int(bits)) - 1.0};
 }
 
-QList<QRgb> CkDisplayTable::colours(const CkLut& lut) {
+QList<QRgb> PictureColours::colours(const CkLut& lut) {
     // A table for bytes without contrast entries is the bare map.
     CkLut bare(8, 1, false, EkImageDataType::UInt8);
     bare.setPseudoColorIndex(lut.pseudoColorIndex());
@@ -137,7 +137,7 @@ QList<QRgb> CkDisplayTable::colours(const CkLut& lut) {
     return result;
 }
 
-bool CkDisplayTable::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const QList<QRgb>& colours,
+bool PictureColours::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const QList<QRgb>& colours,
                                    const SkDisplayWindow& window, bool bSaturation, QImage& image) {
     if (!isReadable(picBuf) || uiChannel >= picBuf.channels || colours.size() < 2) {
         return false;
@@ -156,12 +156,12 @@ bool CkDisplayTable::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, co
     });
 }
 
-bool CkDisplayTable::isColourPicture(const SkPicBufInfo& info) {
+bool PictureColours::isColourPicture(const SkPicBufInfo& info) {
     return info.dataType == EkImageDataType::UInt8 && (info.channels == 3 || info.channels == 4) &&
            info.colorFilterArray == EkColorFilterArray::None;
 }
 
-bool CkDisplayTable::copyColours(const SkPicBuf& picBuf, QImage& image) {
+bool PictureColours::copyColours(const SkPicBuf& picBuf, QImage& image) {
     if (!isColourPicture(picBuf) || !isReadable(picBuf) || !prepareImage(picBuf, image)) {
         return false;
     }
@@ -175,7 +175,7 @@ bool CkDisplayTable::copyColours(const SkPicBuf& picBuf, QImage& image) {
     return true;
 }
 
-double CkDisplayTable::sampleValue(const SkPicBuf& picBuf, quint32 uiX, quint32 uiY, quint32 uiChannel) {
+double PictureColours::sampleValue(const SkPicBuf& picBuf, quint32 uiX, quint32 uiY, quint32 uiChannel) {
     double value = std::numeric_limits<double>::quiet_NaN();
     if (!isReadable(picBuf) || uiX >= picBuf.width || uiY >= picBuf.height || uiChannel >= picBuf.channels) {
         return value;

@@ -1,4 +1,4 @@
-#include "host/viewer/picture/CkPictureFile.h"
+#include "host/viewer/picture/PictureFile.h"
 
 #include "host/viewer/picture/CkImageView.h"
 #include "tests/host/viewer/ViewerPictures.h"
@@ -92,7 +92,7 @@ TEST(PictureFile, FloatTiffHoldsEveryFloatExactly) {
     const auto frame = phaseFrame();
     QString error;
     const QString all = folder.filePath("all.tif");
-    ASSERT_TRUE(CkPictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), -1, all, error))
+    ASSERT_TRUE(PictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), -1, all, error))
         << qPrintable(error);
     const SkPage page = readPage(all);
     ASSERT_EQ(page.width, kWidth);
@@ -118,7 +118,7 @@ TEST(PictureFile, OneChannelMakesAPageThatEveryReaderTakes) {
     const auto frame = phaseFrame();
     QString error;
     const QString one = folder.filePath("one.tif");
-    ASSERT_TRUE(CkPictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), 1, one, error))
+    ASSERT_TRUE(PictureFile::saveFloatTiff(frame->picBuf(), frame->metadata(), 1, one, error))
         << qPrintable(error);
     const SkPage page = readPage(one);
     ASSERT_EQ(page.channels, 1);
@@ -137,13 +137,13 @@ TEST(PictureFile, IntegersBeyondFloatsBecomeDoubles) {
         });
     QString error;
     const QString wide = folder.filePath("wide.tif");
-    ASSERT_TRUE(CkPictureFile::saveFloatTiff(frame->picBuf(), {}, 0, wide, error)) << qPrintable(error);
+    ASSERT_TRUE(PictureFile::saveFloatTiff(frame->picBuf(), {}, 0, wide, error)) << qPrintable(error);
     const SkPage widePage = readPage(wide);
     ASSERT_EQ(widePage.bits, 64);
     EXPECT_EQ(at<double>(widePage, 0, 0, 0), 4294967293.0);
     EXPECT_EQ(at<double>(widePage, 2, 0, 0), 4294967295.0);
     const QString narrow = folder.filePath("narrow.tif");
-    ASSERT_TRUE(CkPictureFile::saveFloatTiff(counts->picBuf(), {}, 0, narrow, error)) << qPrintable(error);
+    ASSERT_TRUE(PictureFile::saveFloatTiff(counts->picBuf(), {}, 0, narrow, error)) << qPrintable(error);
     const SkPage narrowPage = readPage(narrow);
     ASSERT_EQ(narrowPage.bits, 32);
     EXPECT_EQ(at<float>(narrowPage, 0, 0, 0), -32768.0F);
@@ -168,7 +168,7 @@ TEST(PictureFile, Png16HoldsMillimetresAndPartsOfATurn) {
     const auto depth = makeFrame<float>(EkImageDataType::Float32, 7, 1, 1, 32,
                                         [&](quint32 x, quint32, quint32) { return depths[x]; });
     const QString depthFile = folder.filePath("depth.png");
-    ASSERT_TRUE(CkPictureFile::savePng16(depth->picBuf(), named({"Depth"}), 0, depthFile, error))
+    ASSERT_TRUE(PictureFile::savePng16(depth->picBuf(), named({"Depth"}), 0, depthFile, error))
         << qPrintable(error);
     const QImage mm(depthFile);
     ASSERT_EQ(mm.format(), QImage::Format_Grayscale16);
@@ -184,7 +184,7 @@ TEST(PictureFile, Png16HoldsMillimetresAndPartsOfATurn) {
         });
     const QString phaseFile = folder.filePath("phase.png");
     ASSERT_TRUE(
-        CkPictureFile::savePng16(phase->picBuf(), named({"Other", "Phase shift"}), 1, phaseFile, error));
+        PictureFile::savePng16(phase->picBuf(), named({"Other", "Phase shift"}), 1, phaseFile, error));
     const QImage turns(phaseFile);
     for (int x = 0; x < 4; ++x) {
         EXPECT_EQ(grey(turns, x, 0), 16384 * x) << x;
@@ -198,7 +198,7 @@ TEST(PictureFile, Png16KeepsWholeNumbers) {
         makeFrame<quint16>(EkImageDataType::UInt16, 3, 1, 1, 16, [](quint32 x, quint32, quint32) {
             return quint16(x == 0 ? 0 : x == 1 ? 4095 : 65535);
         });
-    ASSERT_TRUE(CkPictureFile::savePng16(plain->picBuf(), {}, 0, folder.filePath("u.png"), error));
+    ASSERT_TRUE(PictureFile::savePng16(plain->picBuf(), {}, 0, folder.filePath("u.png"), error));
     const QImage whole(folder.filePath("u.png"));
     EXPECT_EQ(grey(whole, 1, 0), 4095);
     EXPECT_EQ(grey(whole, 2, 0), 65535);
@@ -206,7 +206,7 @@ TEST(PictureFile, Png16KeepsWholeNumbers) {
         makeFrame<qint16>(EkImageDataType::Int16, 3, 1, 1, 16, [](quint32 x, quint32, quint32) {
             return qint16(x == 0 ? -32768 : x == 1 ? -5 : 100);
         });
-    ASSERT_TRUE(CkPictureFile::savePng16(difference->picBuf(), {}, 0, folder.filePath("s.png"), error));
+    ASSERT_TRUE(PictureFile::savePng16(difference->picBuf(), {}, 0, folder.filePath("s.png"), error));
     const QImage shifted(folder.filePath("s.png"));
     EXPECT_EQ(grey(shifted, 0, 0), 0);
     EXPECT_EQ(grey(shifted, 1, 0), 32763);
@@ -217,18 +217,17 @@ TEST(PictureFile, WhatCannotBeWrittenIsSaidAndLeavesTheOldFile) {
     const QTemporaryDir folder;
     const auto frame = phaseFrame();
     QString error;
-    EXPECT_FALSE(
-        CkPictureFile::saveFloatTiff(frame->picBuf(), {}, 0, folder.filePath("no/such/a.tif"), error));
+    EXPECT_FALSE(PictureFile::saveFloatTiff(frame->picBuf(), {}, 0, folder.filePath("no/such/a.tif"), error));
     EXPECT_TRUE(error.contains("a.tif")) << qPrintable(error);
-    EXPECT_FALSE(CkPictureFile::savePng16(frame->picBuf(), {}, 0, folder.filePath("no/such/b.png"), error));
+    EXPECT_FALSE(PictureFile::savePng16(frame->picBuf(), {}, 0, folder.filePath("no/such/b.png"), error));
     EXPECT_TRUE(error.contains("b.png")) << qPrintable(error);
     const QString kept = folder.filePath("kept.tif");
     QFile old(kept);
     ASSERT_TRUE(old.open(QIODevice::WriteOnly));
     old.write("old");
     old.close();
-    EXPECT_FALSE(CkPictureFile::saveFloatTiff(frame->picBuf(), {}, 2, kept, error));
-    EXPECT_FALSE(CkPictureFile::savePng16(SkPicBuf(), {}, 0, kept, error));
+    EXPECT_FALSE(PictureFile::saveFloatTiff(frame->picBuf(), {}, 2, kept, error));
+    EXPECT_FALSE(PictureFile::savePng16(SkPicBuf(), {}, 0, kept, error));
     EXPECT_FALSE(error.isEmpty());
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(), "old");
