@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Checks docs/architecture.md against the tree: every path it names exists, every function it names stands in a file
-# that the same paragraph names, and the picture shows what its source says.
+# that the same paragraph names, and the picture shows what its source says. Of the other pages: the paths.
 #   architecture.sh SOURCE_DIR
 set -u
 cd "$1" || exit 1
@@ -53,6 +53,12 @@ while read -r label; do
             complain "docs/architecture.svg does not show \"$text\": dot -Tsvg docs/architecture.dot -o docs/architecture.svg"
     done < <(sed 's/\\n/\n/g' <<<"$label")
 done < <(grep -v '^ *//' docs/architecture.dot | grep -oE 'label="[^"]+"' | sed -E 's/^label="(.*)"$/\1/')
+
+# But for a room that a worked example makes up and a folder of the build.
+while IFS=: read -r other path; do
+    [ -e "$path" ] || [[ $path =~ ^(host/viewer/panels/notes|docs/sdk)$ ]] || complain "$other names $path, which is not there."
+done < <(grep -oE '`(hostsdk|host|sim|plugins|tools|tests|bench|fuzz|docs|scripts|packaging|cmake)/[A-Za-z0-9_./-]+`' README.md CONTRIBUTING.md \
+    docs/sdk.md $(find hostsdk host sim plugins tools tests bench fuzz scripts packaging -name README.md) | tr -d '`')
 
 # A page without code spans, or spans in another form, would pass unread.
 [ $paths -ge 25 ] && [ $functions -ge 20 ] ||
