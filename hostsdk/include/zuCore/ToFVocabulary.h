@@ -14,10 +14,13 @@ inline constexpr double kSpeedOfLight = 299792458.0;
 inline constexpr float kSpeedOfLightInAirMMHz = 299.70254F;
 
 /// Names in CkImageMetadata::channelNames. The first one of a float picture says what its values are.
+///
+/// Beside a phase shift the confidence is its standard deviation in radians; beside a hybrid depth it is a
+/// ratio of the windows, and 0 marks a pixel without a measurement.
 namespace ToFChannel {
 inline constexpr QLatin1String kPhaseShift{"Phase shift"}; ///< radians, [0, 2 pi)
 inline constexpr QLatin1String kDepth{"Depth"};            ///< metres, along the ray
-inline constexpr QLatin1String kConfidence{"Confidence"};  ///< amplitude in counts of the raw picture
+inline constexpr QLatin1String kConfidence{"Confidence"};  ///< dimensionless; lower is better
 inline constexpr QLatin1String kA{"A"};                    ///< first tap of a two-tap pixel
 inline constexpr QLatin1String kB{"B"};                    ///< second tap
 inline constexpr QLatin1String kAminusB{"A-B"};            ///< signed difference of the taps
