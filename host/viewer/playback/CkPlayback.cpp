@@ -2,7 +2,7 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/playback/CkFrameGate.h"
+#include "host/viewer/playback/CkFrameThrottle.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCoreGui/CkMdiView.h"
@@ -27,7 +27,7 @@ QList<CkVideoSource*> playersOf(CkChain* chain) {
 } // namespace
 
 CkPlayback::CkPlayback(CkViewArea* pArea, QObject* pParent)
-    : QObject(pParent), m_pArea(pArea), m_pGate(new CkFrameGate(this)) {
+    : QObject(pParent), m_pArea(pArea), m_pThrottle(new CkFrameThrottle(this)) {
     connect(pArea, &CkViewArea::activeViewChanged, this, &CkPlayback::follow);
     connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, &CkPlayback::watch);
 }
@@ -55,7 +55,7 @@ void CkPlayback::watch(CkChain* pChain) {
     // At once: the first frame may follow at any time.
     connect(pChain, &CkChain::structureChanged, this, [this, pChain] {
         for (CkVideoSource* source : playersOf(pChain)) {
-            source->setAfterFrame(m_pGate->function());
+            source->setAfterFrame(m_pThrottle->function());
         }
     });
     // Not before all of the start is over, which may be one of several in a row.

@@ -6,7 +6,7 @@
 #include <optional>
 
 class CkChain;
-class CkFrameGate;
+class CkFrameThrottle;
 class CkMdiView;
 class CkVideoSource;
 class CkViewArea;
@@ -53,6 +53,6 @@ private:
     void watch(CkChain* pChain);
 
     CkViewArea* m_pArea;
-    CkFrameGate* m_pGate;
+    CkFrameThrottle* m_pThrottle;
     QPointer<CkVideoSource> m_source;
 };

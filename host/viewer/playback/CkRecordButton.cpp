@@ -1,16 +1,16 @@
 #include "host/viewer/playback/CkRecordButton.h"
 
 #include "host/viewer/panels/camera/CkCameraController.h"
-#include "host/viewer/playback/CkRecordingDesk.h"
 #include "host/viewer/playback/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingManager.h"
 #include "zuCore/CkImageSource.h"
 
 #include <QPainter>
 
 namespace {
 
-CkRecordingJob* runningOf(const CkRecordingDesk& desk, void* handle) {
-    for (CkRecordingJob* job : desk.jobs()) {
+CkRecordingJob* runningOf(const CkRecordingManager& manager, void* handle) {
+    for (CkRecordingJob* job : manager.jobs()) {
         const auto* source = qobject_cast<const CkImageSource*>(job->block());
         if (job->state() == CkRecordingJob::EkState::Running && source != nullptr &&
             source->cameraHandles().contains(handle)) {
@@ -22,13 +22,13 @@ CkRecordingJob* runningOf(const CkRecordingDesk& desk, void* handle) {
 
 } // namespace
 
-CkRecordButton::CkRecordButton(CkRecordingDesk* pDesk, CkCameraController* pCameras, void* pCameraHandle,
-                               QWidget* pParent)
-    : QPushButton(pParent), m_pDesk(pDesk), m_pCameras(pCameras), m_pHandle(pCameraHandle) {
+CkRecordButton::CkRecordButton(CkRecordingManager* pManager, CkCameraController* pCameras,
+                               void* pCameraHandle, QWidget* pParent)
+    : QPushButton(pParent), m_pManager(pManager), m_pCameras(pCameras), m_pHandle(pCameraHandle) {
     setObjectName(QStringLiteral("btnRecord"));
     setIcon(icon());
     connect(this, &QPushButton::clicked, this, &CkRecordButton::press);
-    connect(pDesk, &CkRecordingDesk::jobsChanged, this, &CkRecordButton::refresh);
+    connect(pManager, &CkRecordingManager::jobsChanged, this, &CkRecordButton::refresh);
     refresh();
 }
 
@@ -44,18 +44,18 @@ QIcon CkRecordButton::icon() {
 }
 
 void CkRecordButton::press() {
-    if (CkRecordingJob* running = runningOf(*m_pDesk, m_pHandle)) {
+    if (CkRecordingJob* running = runningOf(*m_pManager, m_pHandle)) {
         running->stop();
         return;
     }
-    if (m_pDesk->sourceOfCamera(m_pHandle) == nullptr) {
+    if (m_pManager->sourceOfCamera(m_pHandle) == nullptr) {
         m_pCameras->openView(m_pHandle);
     }
-    m_pDesk->recordWithDialog(m_pDesk->sourceOfCamera(m_pHandle));
+    m_pManager->recordWithDialog(m_pManager->sourceOfCamera(m_pHandle));
 }
 
 void CkRecordButton::refresh() {
-    const bool running = runningOf(*m_pDesk, m_pHandle) != nullptr;
+    const bool running = runningOf(*m_pManager, m_pHandle) != nullptr;
     setText(running ? tr("Stop Recording") : tr("Record..."));
     setToolTip(
         running ? tr("Write what waits and close the file")

@@ -4,14 +4,14 @@
 #include <QPushButton>
 
 class CkCameraController;
-class CkRecordingDesk;
+class CkRecordingManager;
 
 /// Starts and stops the recording of a camera. User-interface thread.
 class CkRecordButton : public QPushButton {
     Q_OBJECT
 
 public:
-    CkRecordButton(CkRecordingDesk* pDesk, CkCameraController* pCameras, void* pCameraHandle,
+    CkRecordButton(CkRecordingManager* pManager, CkCameraController* pCameras, void* pCameraHandle,
                    QWidget* pParent = nullptr);
 
     static QIcon icon();
@@ -20,7 +20,7 @@ private:
     void press();
     void refresh();
 
-    CkRecordingDesk* m_pDesk;
+    CkRecordingManager* m_pManager;
     CkCameraController* m_pCameras;
     void* m_pHandle;
 };

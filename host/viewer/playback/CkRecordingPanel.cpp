@@ -2,8 +2,8 @@
 
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/playback/CkPlaybackBar.h"
-#include "host/viewer/playback/CkRecordingDesk.h"
 #include "host/viewer/playback/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingManager.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,8 +24,8 @@ using EkState = CkRecordingJob::EkState;
 
 } // namespace
 
-CkRecordingPanel::CkRecordingPanel(CkRecordingDesk* pDesk, QWidget* pParent)
-    : QWidget(pParent), m_pDesk(pDesk) {
+CkRecordingPanel::CkRecordingPanel(CkRecordingManager* pManager, QWidget* pParent)
+    : QWidget(pParent), m_pManager(pManager) {
     setObjectName(QStringLiteral("recordingPanel"));
     setMinimumWidth(kWidth);
     auto* content = new QWidget;
@@ -46,8 +46,8 @@ CkRecordingPanel::CkRecordingPanel(CkRecordingDesk* pDesk, QWidget* pParent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(scroll);
-    connect(pDesk, &CkRecordingDesk::jobsChanged, this, &CkRecordingPanel::rebuild);
-    connect(pDesk, &CkRecordingDesk::troubled, this, &CkRecordingPanel::refresh);
+    connect(pManager, &CkRecordingManager::jobsChanged, this, &CkRecordingPanel::rebuild);
+    connect(pManager, &CkRecordingManager::troubled, this, &CkRecordingPanel::refresh);
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         if (isVisible()) {
@@ -114,12 +114,12 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
     grid->setColumnStretch(1, 1);
     connect(row.stop, &QToolButton::clicked, pJob, &CkRecordingJob::stop);
     connect(row.open, &QToolButton::clicked, this, [this, pJob] { emit openRequested(pJob->fileName()); });
-    connect(row.forget, &QToolButton::clicked, this, [this, pJob] { m_pDesk->forget(pJob); });
+    connect(row.forget, &QToolButton::clicked, this, [this, pJob] { m_pManager->forget(pJob); });
     return row;
 }
 
 void CkRecordingPanel::rebuild() {
-    const QList<CkRecordingJob*>& jobs = m_pDesk->jobs();
+    const QList<CkRecordingJob*>& jobs = m_pManager->jobs();
     for (auto row = m_rows.begin(); row != m_rows.end();) {
         if (jobs.contains(row.key())) {
             ++row;
@@ -138,7 +138,7 @@ void CkRecordingPanel::rebuild() {
         }
     }
     m_pEmpty->setVisible(jobs.isEmpty());
-    if (m_pDesk->runningCount() > 0) {
+    if (m_pManager->runningCount() > 0) {
         m_timer.start();
     } else {
         m_timer.stop();

@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <QWidget>
 
-class CkRecordingDesk;
+class CkRecordingManager;
 class CkRecordingJob;
 class QLabel;
 class QToolButton;
@@ -16,7 +16,7 @@ class CkRecordingPanel : public QWidget {
     Q_OBJECT
 
 public:
-    explicit CkRecordingPanel(CkRecordingDesk* pDesk, QWidget* pParent = nullptr);
+    explicit CkRecordingPanel(CkRecordingManager* pManager, QWidget* pParent = nullptr);
 
     /// "12 frames, 58.6 MB, 0:00.4, 3 of 16 in the queue"
     static QString countersText(const CkRecordingJob& job);
@@ -46,7 +46,7 @@ private:
     SkRow createRow(CkRecordingJob* pJob);
     void refreshRow(const SkRow& row, const CkRecordingJob& job) const;
 
-    CkRecordingDesk* m_pDesk;
+    CkRecordingManager* m_pManager;
     QVBoxLayout* m_pRows = nullptr;
     QLabel* m_pEmpty = nullptr;
     QHash<CkRecordingJob*, SkRow> m_rows;

@@ -1,6 +1,6 @@
 #include "host/viewer/plugins/CkPluginHost.h"
 
-#include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginLoadMarker.h"
 #include "zuCore/CkPlugin.h"
 
 #include <QCoreApplication>
@@ -8,8 +8,8 @@
 #include <QFileInfo>
 #include <QLibrary>
 
-CkPluginHost::CkPluginHost(const SkPluginChecks& checks, QObject* pParent)
-    : QObject(pParent), m_gate(checks) {}
+CkPluginHost::CkPluginHost(const SkPluginCheckOptions& checks, QObject* pParent)
+    : QObject(pParent), m_checker(checks) {}
 
 QString CkPluginHost::defaultFolder() {
     const QDir binaries(QCoreApplication::applicationDirPath());
@@ -41,10 +41,10 @@ void CkPluginHost::load(const QString& sPath) {
 
 void CkPluginHost::loadLibrary(const QString& sFileName) {
     const qsizetype before = m_loader.plugins().size();
-    QString problem = m_gate.refusal(sFileName);
+    QString problem = m_checker.refusal(sFileName);
     if (problem.isEmpty()) {
         // Should the program end in here, the next start leaves the library out.
-        const CkLoadingMark mark(m_gate.markFolder(), sFileName);
+        const CkPluginLoadMarker mark(m_checker.markFolder(), sFileName);
         m_loader.load(sFileName, &problem);
     }
     if (!problem.isEmpty()) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginChecker.h"
 #include "zuCore/CkPluginLoader.h"
 
 #include <QObject>
@@ -13,7 +13,8 @@ class CkPluginHost : public QObject {
     Q_OBJECT
 
 public:
-    explicit CkPluginHost(const SkPluginChecks& checks = SkPluginChecks(), QObject* pParent = nullptr);
+    explicit CkPluginHost(const SkPluginCheckOptions& checks = SkPluginCheckOptions(),
+                          QObject* pParent = nullptr);
 
     /// The program's own plug-in folder, found from where the program lies: the same in the build tree and
     /// once installed. Empty when there is none.
@@ -38,7 +39,7 @@ private:
     void loadLibrary(const QString& sFileName);
     void addProblem(const QString& sProblem);
 
-    CkPluginGate m_gate;
+    CkPluginChecker m_checker;
     CkPluginLoader m_loader;
     QStringList m_problems;
 };

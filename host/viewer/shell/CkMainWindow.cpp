@@ -10,9 +10,9 @@
 #include "host/viewer/panels/lut/CkLutPanel.h"
 #include "host/viewer/panels/quality/CkQualityPanel.h"
 #include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
-#include "host/viewer/playback/CkRecordingRoom.h"
-#include "host/viewer/session/CkChainLoading.h"
+#include "host/viewer/session/CkChainLoader.h"
 #include "host/viewer/session/SkWindowLayout.h"
 #include "host/viewer/shell/CkPanelScrollArea.h"
 #include "host/viewer/shell/CkStatusBar.h"
@@ -172,7 +172,7 @@ void CkMainWindow::equipView(int iViewId) {
 }
 
 void CkMainWindow::createRecordings() {
-    m_pRecordings = new CkRecordingRoom(this);
+    m_pRecordings = new CkRecordingController(this);
     auto* centre = new QWidget(this);
     auto* column = new QVBoxLayout(centre);
     column->setContentsMargins(0, 0, 0, 0);
@@ -183,7 +183,7 @@ void CkMainWindow::createRecordings() {
     QDockWidget* dock = addDock(QStringLiteral("dockRecordings"), tr("Recordings"), m_pRecordings->panel(),
                                 Qt::BottomDockWidgetArea);
     dock->hide();
-    connect(m_pRecordings, &CkRecordingRoom::panelWanted, dock, &QWidget::show);
+    connect(m_pRecordings, &CkRecordingController::panelWanted, dock, &QWidget::show);
 }
 
 QMenu* CkMainWindow::menu(int iMenuId) const {
@@ -200,7 +200,7 @@ bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
     for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
         m_pCameras->openCamera(id, false);
     }
-    CkChain* chain = CkChainLoading(sFileName, this).load(sError);
+    CkChain* chain = CkChainLoader(sFileName, this).load(sError);
     if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
         CkChainManager::instance()->closeChain(chain);
         chain = nullptr;

@@ -13,7 +13,7 @@ class CkFileOpener;
 class CkLogPanel;
 class CkLutPanel;
 class CkQualityPanel;
-class CkRecordingRoom;
+class CkRecordingController;
 class CkStatusBar;
 class CkViewArea;
 class QDockWidget;
@@ -45,7 +45,7 @@ public:
     /// plug-ins are loaded.
     void equipPluginMenu();
 
-    CkRecordingRoom* recordings() const { return m_pRecordings; }
+    CkRecordingController* recordings() const { return m_pRecordings; }
 
     /// Opens files of every kind that the viewer knows.
     CkFileOpener* fileOpener() const { return m_pOpener; }
@@ -121,7 +121,7 @@ private:
     QTabWidget* m_pCameraTabs;
     CkCameraController* m_pCameras;
     CkFileOpener* m_pOpener = nullptr;
-    CkRecordingRoom* m_pRecordings = nullptr;
+    CkRecordingController* m_pRecordings = nullptr;
     CkChainPanel* m_pChainPanel = nullptr;
     CkLutPanel* m_pLutPanel = nullptr;
     CkQualityPanel* m_pQualityPanel = nullptr;

@@ -7,7 +7,7 @@
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/playback/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/shell/CkCommandLine.h"
 #include "host/viewer/shell/CkMainWindow.h"
 #include "host/viewer/shell/CkShortcutsDialog.h"

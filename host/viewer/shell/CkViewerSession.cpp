@@ -5,9 +5,9 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogSink.h"
-#include "host/viewer/playback/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/plugins/CkPluginHost.h"
-#include "host/viewer/session/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionSaver.h"
 #include "host/viewer/shell/CkAppDelegate.h"
 #include "host/viewer/shell/CkMainWindow.h"
 #include "host/viewer/shell/CkUnattendedRun.h"
@@ -33,7 +33,7 @@ CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParen
     m_window = std::make_unique<CkMainWindow>();
     m_delegate = std::make_unique<CkAppDelegate>(m_window.get());
     IkAppDelegate::setInstance(m_delegate.get());
-    SkPluginChecks checks;
+    SkPluginCheckOptions checks;
     checks.again = options.checkPlugins;
     m_plugins = std::make_unique<CkPluginHost>(checks);
 
@@ -47,7 +47,7 @@ CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParen
 
 CkViewerSession::~CkViewerSession() {
     m_unattended.reset();
-    m_keeper.reset();
+    m_saver.reset();
     m_window->area()->closeAllViews(false);
     m_window->cameras()->closeAllCameras();
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -155,8 +155,8 @@ bool CkViewerSession::start() {
         m_unattended->start();
     }
     if (!m_options.unattended()) {
-        m_keeper = std::make_unique<CkSessionKeeper>(m_window.get(), restores);
-        connect(m_window.get(), &CkMainWindow::closing, m_keeper.get(), &CkSessionKeeper::end);
+        m_saver = std::make_unique<CkSessionSaver>(m_window.get(), restores);
+        connect(m_window.get(), &CkMainWindow::closing, m_saver.get(), &CkSessionSaver::end);
     }
     return ok;
 }

@@ -10,7 +10,7 @@ class CkAppDelegate;
 class CkMainWindow;
 class CkMdiView;
 class CkPluginHost;
-class CkSessionKeeper;
+class CkSessionSaver;
 class CkUnattendedRun;
 
 /// The running viewer: the window, the delegate that plug-ins talk to, the plug-ins, and what the command
@@ -25,7 +25,7 @@ public:
 
     CkMainWindow* window() const { return m_window.get(); }
     /// Null in unattended runs, and before start().
-    CkSessionKeeper* keeper() const { return m_keeper.get(); }
+    CkSessionSaver* saver() const { return m_saver.get(); }
     CkPluginHost* plugins() const { return m_plugins.get(); }
 
     /// Loads the plug-ins, shows the window, opens cameras and files. False when something that the command
@@ -61,5 +61,5 @@ private:
     std::unique_ptr<CkAppDelegate> m_delegate;
     std::unique_ptr<CkPluginHost> m_plugins;
     std::unique_ptr<CkUnattendedRun> m_unattended;
-    std::unique_ptr<CkSessionKeeper> m_keeper;
+    std::unique_ptr<CkSessionSaver> m_saver;
 };

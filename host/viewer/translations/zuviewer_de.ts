@@ -416,7 +416,7 @@ Kennung %3</translation>
     </message>
 </context>
 <context>
-    <name>CkChainLoading</name>
+    <name>CkChainLoader</name>
     <message>
         <source>Opening &quot;%1&quot;: block %2 of %3</source>
         <translation>„%1“ wird geöffnet: Block %2 von %3</translation>
@@ -1648,7 +1648,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkPluginGate</name>
+    <name>CkPluginChecker</name>
     <message>
         <source>Plug-in &quot;%1&quot; was left out: an earlier start ended while it was being loaded. It is tried again when its file has changed or with --check-plugins.</source>
         <translation>Plug-in „%1“ wurde ausgelassen: Ein früherer Start endete, während es geladen wurde. Es wird wieder versucht, wenn sich seine Datei ändert oder mit --check-plugins.</translation>
@@ -2047,7 +2047,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkRecordingDesk</name>
+    <name>CkRecordingManager</name>
     <message>
         <source>Recording</source>
         <translation>Aufnahme</translation>
@@ -2137,7 +2137,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkRecordingOpening</name>
+    <name>CkRecordingOpener</name>
     <message>
         <source>Opening &quot;%1&quot;...</source>
         <translation>Öffne „%1“...</translation>
@@ -2362,7 +2362,7 @@ aufgenommen in %2</translation>
     </message>
 </context>
 <context>
-    <name>CkRecordingRoom</name>
+    <name>CkRecordingController</name>
     <message>
         <source>&amp;Record the Source...</source>
         <translation>&amp;Quelle aufnehmen...</translation>

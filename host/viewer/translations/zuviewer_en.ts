@@ -32,7 +32,7 @@
     </message>
 </context>
 <context>
-    <name>CkRecordingDesk</name>
+    <name>CkRecordingManager</name>
     <message numerus="yes">
         <source>%1: %n frame(s) recorded, %2 dropped</source>
         <translation>
@@ -56,7 +56,7 @@
     </message>
 </context>
 <context>
-    <name>CkRecordingOpening</name>
+    <name>CkRecordingOpener</name>
     <message numerus="yes">
         <source>Opening &quot;%1&quot;: %n frame(s) so far</source>
         <translation>
@@ -76,7 +76,7 @@
     </message>
 </context>
 <context>
-    <name>CkRecordingRoom</name>
+    <name>CkRecordingController</name>
     <message numerus="yes">
         <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
         <translation>

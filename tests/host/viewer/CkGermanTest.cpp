@@ -74,8 +74,8 @@ TEST_F(German, OneIsNotMany) {
     };
     EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 1), "1 Bild, %1, %2");
     EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 0), "0 Bilder, %1, %2");
-    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 1), "1 Bild ging verloren.");
-    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 3), "3 Bilder gingen verloren.");
+    EXPECT_EQ(text("CkRecordingManager", "%n frame(s) were lost.", 1), "1 Bild ging verloren.");
+    EXPECT_EQ(text("CkRecordingManager", "%n frame(s) were lost.", 3), "3 Bilder gingen verloren.");
     EXPECT_EQ(text("PictureText", "%n channel(s)", 2), utf8("2 Kanäle"));
 }
 

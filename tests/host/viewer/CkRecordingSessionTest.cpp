@@ -1,8 +1,8 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/session/CkSessionKeeper.h"
 #include "host/viewer/session/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionSaver.h"
 
 #include <QDockWidget>
 #include <QFile>
@@ -140,7 +140,7 @@ TEST_P(NamedOnTheCommandLine, LeavesTheSessionAlone) {
     const QString before = remembered();
     nameIt();
     ASSERT_TRUE(start());
-    m_session->keeper()->setDelay(0);
+    m_session->saver()->setDelay(0);
     ASSERT_TRUE(waitForFrame(firstView()));
     EXPECT_EQ(area()->views().size(), 1);
     // The user works with it: panels are remembered, what is open is not.

@@ -19,8 +19,8 @@ TEST(EnglishPlurals, OneFrameIsNotOneFrames) {
     EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 1), "1 frame, %1, %2");
     EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 0), "0 frames, %1, %2");
     EXPECT_EQ(text("CkRecordingPanel", "%n frame(s), %1, %2", 21), "21 frames, %1, %2");
-    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 1), "1 frame was lost.");
-    EXPECT_EQ(text("CkRecordingDesk", "%n frame(s) were lost.", 2), "2 frames were lost.");
+    EXPECT_EQ(text("CkRecordingManager", "%n frame(s) were lost.", 1), "1 frame was lost.");
+    EXPECT_EQ(text("CkRecordingManager", "%n frame(s) were lost.", 2), "2 frames were lost.");
     EXPECT_EQ(text("CkQualityPlot", "last %n frame(s)", 1), "last frame");
     EXPECT_EQ(text("CkQualityPlot", "last %n frame(s)", 200), "last 200 frames");
     EXPECT_EQ(text("CkUnattendedRun", "Only %1 of %n frame(s) came.", 1), "Only %1 of 1 frame came.");

@@ -7,10 +7,10 @@
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/playback/CkPlayback.h"
 #include "host/viewer/playback/CkPlaybackBar.h"
-#include "host/viewer/playback/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/playback/CkRecordingJob.h"
+#include "host/viewer/playback/CkRecordingManager.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
-#include "host/viewer/playback/CkRecordingRoom.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -24,8 +24,8 @@ protected:
     static constexpr int Patience = 30'000;
 
     QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-    CkRecordingRoom* room() const { return window()->recordings(); }
-    CkRecordingDesk* recordings() const { return room()->cameras(); }
+    CkRecordingController* room() const { return window()->recordings(); }
+    CkRecordingManager* recordings() const { return room()->cameras(); }
 
     static quint16 sample(qint64 frame, quint32 x, quint32 y) {
         return quint16(frame * 100 + qint64(x) + qint64(y) * 10);

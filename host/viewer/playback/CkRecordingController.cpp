@@ -1,4 +1,4 @@
-#include "host/viewer/playback/CkRecordingRoom.h"
+#include "host/viewer/playback/CkRecordingController.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
@@ -8,9 +8,9 @@
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/playback/CkPlayback.h"
 #include "host/viewer/playback/CkRecordButton.h"
-#include "host/viewer/playback/CkRecordingDesk.h"
 #include "host/viewer/playback/CkRecordingJob.h"
-#include "host/viewer/playback/CkRecordingOpening.h"
+#include "host/viewer/playback/CkRecordingManager.h"
+#include "host/viewer/playback/CkRecordingOpener.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
 #include "host/viewer/playback/CkStillPicture.h"
 #include "host/viewer/shell/CkMainWindow.h"
@@ -28,26 +28,26 @@ namespace {
 constexpr int kRefreshMs = 250;
 }
 
-CkRecordingRoom::CkRecordingRoom(CkMainWindow* pWindow)
+CkRecordingController::CkRecordingController(CkMainWindow* pWindow)
     : QObject(pWindow), m_pWindow(pWindow), m_pArea(pWindow->area()), m_pCameras(pWindow->cameras()) {
-    CkRecordingOpening::registerSource();
-    m_pDesk = new CkRecordingDesk(m_pArea, m_pCameras, pWindow);
-    m_pDesk->setParent(this);
+    CkRecordingOpener::registerSource();
+    m_pManager = new CkRecordingManager(m_pArea, m_pCameras, pWindow);
+    m_pManager->setParent(this);
     m_pPlayback = new CkPlayback(m_pArea, this);
     createActions();
     m_pBar = new CkPlaybackBar(m_pPlayback, m_play);
-    m_pPanel = new CkRecordingPanel(m_pDesk);
+    m_pPanel = new CkRecordingPanel(m_pManager);
     m_pLamp = new QLabel(pWindow);
     m_pLamp->setObjectName(QStringLiteral("recordingLamp"));
     m_pLamp->hide();
     pWindow->viewStatusBar()->addPermanentWidget(m_pLamp);
 
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkRecordingRoom::refresh);
-    connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkRecordingRoom::refresh);
-    connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkRecordingRoom::refresh);
-    connect(m_pDesk, &CkRecordingDesk::troubled, this, &CkRecordingRoom::refresh);
-    connect(m_pDesk, &CkRecordingDesk::jobsChanged, this, [this] {
-        if (m_pDesk->runningCount() > 0) {
+    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkRecordingController::refresh);
+    connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkRecordingController::refresh);
+    connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkRecordingController::refresh);
+    connect(m_pManager, &CkRecordingManager::troubled, this, &CkRecordingController::refresh);
+    connect(m_pManager, &CkRecordingManager::jobsChanged, this, [this] {
+        if (m_pManager->runningCount() > 0) {
             m_timer.start();
             emit panelWanted();
         } else {
@@ -55,13 +55,13 @@ CkRecordingRoom::CkRecordingRoom(CkMainWindow* pWindow)
         }
         refresh();
     });
-    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkRecordingRoom::equipCamera);
+    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkRecordingController::equipCamera);
     m_timer.setInterval(kRefreshMs);
-    connect(&m_timer, &QTimer::timeout, this, &CkRecordingRoom::refresh);
+    connect(&m_timer, &QTimer::timeout, this, &CkRecordingController::refresh);
     refresh();
 }
 
-void CkRecordingRoom::createActions() {
+void CkRecordingController::createActions() {
     const auto make = [this](const QString& text, const char* name, const QKeySequence& key, auto slot) {
         auto* action = new QAction(text, this);
         action->setObjectName(QLatin1String(name));
@@ -70,13 +70,13 @@ void CkRecordingRoom::createActions() {
         return action;
     };
     m_pRecordSource = make(tr("&Record the Source..."), "actRecordSource", QKeySequence(Qt::CTRL | Qt::Key_R),
-                           [this] { m_pDesk->recordWithDialog(m_pDesk->sourceToRecord()); });
+                           [this] { m_pManager->recordWithDialog(m_pManager->sourceToRecord()); });
     m_pRecordSource->setIcon(CkRecordButton::icon());
     m_pRecordView =
         make(tr("Record the &View..."), "actRecordView", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R),
-             [this] { m_pDesk->recordWithDialog(m_pDesk->outputToRecord()); });
+             [this] { m_pManager->recordWithDialog(m_pManager->outputToRecord()); });
     m_pStopAll = make(tr("Stop &All Recordings"), "actStopRecordings", QKeySequence(Qt::CTRL | Qt::Key_E),
-                      [this] { m_pDesk->stopAll(); });
+                      [this] { m_pManager->stopAll(); });
 
     const QStyle* style = m_pWindow->style();
     const auto icon = [style](QStyle::StandardPixmap pixmap) { return style->standardIcon(pixmap); };
@@ -110,7 +110,7 @@ void CkRecordingRoom::createActions() {
     }
 }
 
-void CkRecordingRoom::fillMenu(QMenu* pMenu, QWidget* pViews) {
+void CkRecordingController::fillMenu(QMenu* pMenu, QWidget* pViews) {
     pMenu->setToolTipsVisible(true);
     pMenu->addActions({m_pRecordSource, m_pRecordView, m_pStopAll});
     pMenu->addSeparator();
@@ -120,7 +120,7 @@ void CkRecordingRoom::fillMenu(QMenu* pMenu, QWidget* pViews) {
     pMenu->addSeparator();
     pMenu->addActions(ways);
     const QList<QAction*> keys = steps + ways;
-    connect(pMenu, &QMenu::aboutToShow, this, &CkRecordingRoom::refresh);
+    connect(pMenu, &QMenu::aboutToShow, this, &CkRecordingController::refresh);
     for (QAction* action : keys) {
         // Space presses buttons and full stops are typed elsewhere in the window.
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
@@ -129,14 +129,14 @@ void CkRecordingRoom::fillMenu(QMenu* pMenu, QWidget* pViews) {
     m_pBar->addActions(keys);
 }
 
-void CkRecordingRoom::addFileKinds(CkFileOpener* pOpener) {
+void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
     SkFileKind recording;
     recording.id = QStringLiteral("recording");
     recording.title = tr("Recordings and TIFF pictures");
     recording.suffixes = QStringList{QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("btf")};
-    recording.recognises = &CkRecordingOpening::recognises;
+    recording.recognises = &CkRecordingOpener::recognises;
     recording.open = [this](const QString& name, QString& error) {
-        if (!CkRecordingOpening::open(name, m_pArea, m_bAsks ? m_pWindow : nullptr, error)) {
+        if (!CkRecordingOpener::open(name, m_pArea, m_bAsks ? m_pWindow : nullptr, error)) {
             return false;
         }
         // Nobody is there to press play, or to wait.
@@ -158,20 +158,20 @@ void CkRecordingRoom::addFileKinds(CkFileOpener* pOpener) {
     connect(m_pPanel, &CkRecordingPanel::openRequested, m_pWindow, &CkMainWindow::openOrTell);
 }
 
-void CkRecordingRoom::equipCamera(void* pHandle) {
+void CkRecordingController::equipCamera(void* pHandle) {
     CkCameraPanel* panel = m_pCameras->panel(pHandle);
     if (panel == nullptr) {
         return;
     }
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(new CkRecordButton(m_pDesk, m_pCameras, pHandle, panel));
+    row->addWidget(new CkRecordButton(m_pManager, m_pCameras, pHandle, panel));
     panel->addToolLayout(row);
 }
 
-void CkRecordingRoom::refresh() {
-    const CkChainable* source = m_pDesk->sourceToRecord();
-    const CkChainable* output = m_pDesk->outputToRecord();
+void CkRecordingController::refresh() {
+    const CkChainable* source = m_pManager->sourceToRecord();
+    const CkChainable* output = m_pManager->outputToRecord();
     const QString none = tr("The active view shows no chain");
     m_pRecordSource->setEnabled(source != nullptr);
     m_pRecordSource->setToolTip(
@@ -179,7 +179,7 @@ void CkRecordingRoom::refresh() {
     m_pRecordView->setEnabled(output != nullptr);
     m_pRecordView->setToolTip(
         output != nullptr ? tr("Record what the active view is given, after all processing") : none);
-    const int running = m_pDesk->runningCount();
+    const int running = m_pManager->runningCount();
     m_pStopAll->setEnabled(running > 0);
     m_pStopAll->setToolTip(running > 0 ? tr("Write what waits and close the files")
                                        : tr("Nothing is being recorded"));
@@ -204,7 +204,7 @@ void CkRecordingRoom::refresh() {
 
     qint64 written = 0;
     qint64 dropped = 0;
-    for (const CkRecordingJob* job : m_pDesk->jobs()) {
+    for (const CkRecordingJob* job : m_pManager->jobs()) {
         if (job->state() == CkRecordingJob::EkState::Running) {
             const CkRecorder::SkState state = job->counters();
             written += state.written;

@@ -1,4 +1,4 @@
-#include "host/viewer/playback/CkRecordingOpening.h"
+#include "host/viewer/playback/CkRecordingOpener.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
@@ -44,18 +44,18 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
     };
     auto result = std::async(std::launch::async, [&] { return source.openFile(fileName, &error, progress); });
     if (result.wait_for(kPatience) != std::future_status::ready) {
-        QProgressDialog dialog(CkRecordingOpening::tr("Opening \"%1\"...").arg(fileName),
-                               CkRecordingOpening::tr("Cancel"), 0, kProgressSteps, window);
+        QProgressDialog dialog(CkRecordingOpener::tr("Opening \"%1\"...").arg(fileName),
+                               CkRecordingOpener::tr("Cancel"), 0, kProgressSteps, window);
         dialog.setObjectName(QStringLiteral("openingRecording"));
-        dialog.setWindowTitle(CkRecordingOpening::tr("Open Recording"));
+        dialog.setWindowTitle(CkRecordingOpener::tr("Open Recording"));
         dialog.setWindowModality(Qt::ApplicationModal);
         dialog.setMinimumDuration(0);
         dialog.setAutoReset(false);
         QTimer timer;
         QObject::connect(&timer, &QTimer::timeout, &dialog, [&] {
             dialog.setValue(int(share * kProgressSteps));
-            dialog.setLabelText(CkRecordingOpening::tr("Opening \"%1\": %n frame(s) so far", nullptr,
-                                                       pluralNumber(frames.load()))
+            dialog.setLabelText(CkRecordingOpener::tr("Opening \"%1\": %n frame(s) so far", nullptr,
+                                                      pluralNumber(frames.load()))
                                     .arg(fileName));
             if (result.wait_for(0s) == std::future_status::ready) {
                 dialog.done(QDialog::Accepted);
@@ -72,13 +72,13 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
 
 } // namespace
 
-void CkRecordingOpening::registerSource() {
+void CkRecordingOpener::registerSource() {
     CkRTTI::instance()->registerClass(nullptr, &CkVideoSource::staticMetaObject,
                                       QStringLiteral("CkChainable"));
     CkStillPicture::registerFormat();
 }
 
-bool CkRecordingOpening::recognises(const QByteArray& sFirstBytes) {
+bool CkRecordingOpener::recognises(const QByteArray& sFirstBytes) {
     for (const char* magic : {"II\x2a", "II\x2b"}) {
         if (sFirstBytes.startsWith(QByteArray(magic, 3) + '\0')) {
             return true;
@@ -88,7 +88,7 @@ bool CkRecordingOpening::recognises(const QByteArray& sFirstBytes) {
            sFirstBytes.startsWith(QByteArray("MM\0\x2b", 4));
 }
 
-bool CkRecordingOpening::askForScale(CkVideoSource& source, QWidget* pWindow) {
+bool CkRecordingOpener::askForScale(CkVideoSource& source, QWidget* pWindow) {
     const std::shared_ptr<const IkFrameFile> file = source.recording();
     SkFrameDescription first;
     if (!file->describe(0, first, nullptr) || !first.object.isEmpty() ||
@@ -107,7 +107,7 @@ bool CkRecordingOpening::askForScale(CkVideoSource& source, QWidget* pWindow) {
     return true;
 }
 
-bool CkRecordingOpening::askForChain(const CkVideoSource& source, QWidget* pWindow, QDomDocument& chain) {
+bool CkRecordingOpener::askForChain(const CkVideoSource& source, QWidget* pWindow, QDomDocument& chain) {
     QDomDocument scratch;
     QDomElement settings = scratch.createElement(QStringLiteral("block"));
     source.saveSettings(scratch, settings);
@@ -137,7 +137,7 @@ bool CkRecordingOpening::askForChain(const CkVideoSource& source, QWidget* pWind
     return box.clickedButton() == with || box.clickedButton() == without;
 }
 
-CkChain* CkRecordingOpening::restored(const CkVideoSource& source, const QDomDocument& doc, QString& sError) {
+CkChain* CkRecordingOpener::restored(const CkVideoSource& source, const QDomDocument& doc, QString& sError) {
     CkChain* chain = CkChainManager::instance()->createChain();
     if (chain == nullptr || !chain->load(doc.documentElement(), &sError)) {
         CkChainManager::instance()->closeChain(chain);
@@ -152,8 +152,7 @@ CkChain* CkRecordingOpening::restored(const CkVideoSource& source, const QDomDoc
     return chain;
 }
 
-bool CkRecordingOpening::open(const QString& sFileName, CkViewArea* pArea, QWidget* pWindow,
-                              QString& sError) {
+bool CkRecordingOpener::open(const QString& sFileName, CkViewArea* pArea, QWidget* pWindow, QString& sError) {
     auto source = std::make_unique<CkVideoSource>();
     bool cancelled = false;
     if (!openWithProgress(*source, sFileName, pWindow, sError, cancelled)) {

@@ -8,7 +8,7 @@ class CkCameraController;
 class CkFileOpener;
 class CkMainWindow;
 class CkPlayback;
-class CkRecordingDesk;
+class CkRecordingManager;
 class CkRecordingPanel;
 class CkViewArea;
 class QLabel;
@@ -16,16 +16,16 @@ class QMenu;
 
 /// Recording and playback in the main window: the menu, the panel of recordings, the bar of the player, the
 /// lamp in the status bar, and the kinds of files that can be opened. User-interface thread.
-class CkRecordingRoom : public QObject {
+class CkRecordingController : public QObject {
     Q_OBJECT
 
 public:
-    explicit CkRecordingRoom(CkMainWindow* pWindow);
+    explicit CkRecordingController(CkMainWindow* pWindow);
 
     /// The bar belongs under the views.
     CkPlaybackBar* bar() const { return m_pBar; }
     CkRecordingPanel* panel() const { return m_pPanel; }
-    CkRecordingDesk* cameras() const { return m_pDesk; }
+    CkRecordingManager* manager() const { return m_pManager; }
     CkPlayback* playback() const { return m_pPlayback; }
 
     /// Fills a menu; pViews gets the keys of the player, which work while it or the bar has the focus.
@@ -48,7 +48,7 @@ private:
     CkMainWindow* m_pWindow;
     CkViewArea* m_pArea;
     CkCameraController* m_pCameras;
-    CkRecordingDesk* m_pDesk;
+    CkRecordingManager* m_pManager;
     CkPlayback* m_pPlayback;
     CkPlaybackBar::SkActions m_play;
     QAction* m_pEveryFrame = nullptr;

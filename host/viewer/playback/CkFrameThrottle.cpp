@@ -1,4 +1,4 @@
-#include "host/viewer/playback/CkFrameGate.h"
+#include "host/viewer/playback/CkFrameThrottle.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -12,9 +12,9 @@ namespace {
 constexpr int kSliceMs = 5;
 constexpr int kLongestWaitMs = 1000; // a box may hold the user interface, which is no reason to stop
 
-class CkGateEvent : public QEvent {
+class CkReachedEvent : public QEvent {
 public:
-    explicit CkGateEvent(std::shared_ptr<QSemaphore> pReached)
+    explicit CkReachedEvent(std::shared_ptr<QSemaphore> pReached)
         : QEvent(kind()), m_reached(std::move(pReached)) {}
     static Type kind() {
         static const int number = QEvent::registerEventType();
@@ -26,32 +26,33 @@ private:
     std::shared_ptr<QSemaphore> m_reached;
 };
 
-/// Who may be posted to; null once the gate has gone.
+/// Who may be posted to; null once the throttle has gone.
 struct SkTarget {
     QMutex mutex;
-    CkFrameGate* gate = nullptr;
+    CkFrameThrottle* throttle = nullptr;
 };
 
 } // namespace
 
-CkFrameGate::CkFrameGate(QObject* pParent) : QObject(pParent) {}
+CkFrameThrottle::CkFrameThrottle(QObject* pParent) : QObject(pParent) {}
 
-std::function<void(const std::function<bool()>&)> CkFrameGate::function() {
+std::function<void(const std::function<bool()>&)> CkFrameThrottle::function() {
     auto target = std::make_shared<SkTarget>();
-    target->gate = this;
+    target->throttle = this;
     connect(this, &QObject::destroyed, [target] {
         const QMutexLocker lock(&target->mutex);
-        target->gate = nullptr;
+        target->throttle = nullptr;
     });
     return [target](const std::function<bool()>& interrupted) {
         auto reached = std::make_shared<QSemaphore>();
         {
             const QMutexLocker lock(&target->mutex);
-            if (target->gate == nullptr) {
+            if (target->throttle == nullptr) {
                 return;
             }
             // Behind the frames, and behind the painting that follows from them.
-            QCoreApplication::postEvent(target->gate, new CkGateEvent(reached), Qt::LowEventPriority - 1);
+            QCoreApplication::postEvent(target->throttle, new CkReachedEvent(reached),
+                                        Qt::LowEventPriority - 1);
         }
         for (int waited = 0; waited < kLongestWaitMs && !interrupted(); waited += kSliceMs) {
             if (reached->tryAcquire(1, kSliceMs)) {
@@ -61,8 +62,8 @@ std::function<void(const std::function<bool()>&)> CkFrameGate::function() {
     };
 }
 
-void CkFrameGate::customEvent(QEvent* pEvent) {
-    if (pEvent->type() == CkGateEvent::kind()) {
-        static_cast<const CkGateEvent*>(pEvent)->reach();
+void CkFrameThrottle::customEvent(QEvent* pEvent) {
+    if (pEvent->type() == CkReachedEvent::kind()) {
+        static_cast<const CkReachedEvent*>(pEvent)->reach();
     }
 }

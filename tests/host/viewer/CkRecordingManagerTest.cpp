@@ -19,7 +19,7 @@
 
 namespace {
 
-class RecordingDesk : public RecordingViewFixture {
+class RecordingManager : public RecordingViewFixture {
 protected:
     void SetUp() override {
         RecordingViewFixture::SetUp();
@@ -45,7 +45,7 @@ protected:
     void* m_camera = nullptr;
 };
 
-TEST_F(RecordingDesk, ACameraIsRecordedAndPlayed) {
+TEST_F(RecordingManager, ACameraIsRecordedAndPlayed) {
     EXPECT_FALSE(dock()->isVisible());
     CkRecordingJob* job = record(recordings()->sourceToRecord(), path("camera.tif"));
     EXPECT_TRUE(dock()->isVisible());
@@ -81,7 +81,7 @@ TEST_F(RecordingDesk, ACameraIsRecordedAndPlayed) {
     EXPECT_TRUE(recordings()->jobs().isEmpty());
 }
 
-TEST_F(RecordingDesk, TheButtonOfTheCameraAsksForAFile) {
+TEST_F(RecordingManager, TheButtonOfTheCameraAsksForAFile) {
     auto* button = cameras()->panel(m_camera)->findChild<CkRecordButton*>();
     ASSERT_NE(button, nullptr);
     EXPECT_EQ(button->text(), "Record...");
@@ -106,7 +106,7 @@ TEST_F(RecordingDesk, TheButtonOfTheCameraAsksForAFile) {
     EXPECT_EQ(button->text(), "Record...");
 }
 
-TEST_F(RecordingDesk, AFullDiskEndsTheRecordingAndNothingElse) {
+TEST_F(RecordingManager, AFullDiskEndsTheRecordingAndNothingElse) {
     const CkRecordingJob* job = nullptr;
     {
         const FullDisk disk(3'000'000);
@@ -134,7 +134,7 @@ TEST_F(RecordingDesk, AFullDiskEndsTheRecordingAndNothingElse) {
     }
 }
 
-TEST_F(RecordingDesk, FilesThatCannotBeWrittenAreNamed) {
+TEST_F(RecordingManager, FilesThatCannotBeWrittenAreNamed) {
     QString error;
     for (const QString& file : {path("none/a.tif"), m_folder.path(), QStringLiteral("/dev/full")}) {
         error.clear();
@@ -148,7 +148,7 @@ TEST_F(RecordingDesk, FilesThatCannotBeWrittenAreNamed) {
     EXPECT_TRUE(waitForFrame(firstView()));
 }
 
-TEST_F(RecordingDesk, AFileInUseIsNotOverwritten) {
+TEST_F(RecordingManager, AFileInUseIsNotOverwritten) {
     makeRecording(path("played.tif"), 3);
     ASSERT_TRUE(openFile(path("played.tif")));
     CkChainable* source = recordings()->sourceOfCamera(m_camera);
@@ -169,7 +169,7 @@ TEST_F(RecordingDesk, AFileInUseIsNotOverwritten) {
     ASSERT_TRUE(waitUntilFinished(job));
 }
 
-TEST_F(RecordingDesk, ASourceIsFollowedWhateverIsPutBehindIt) {
+TEST_F(RecordingManager, ASourceIsFollowedWhateverIsPutBehindIt) {
     CkChainable* source = recordings()->sourceToRecord();
     CkChain* chain = source->chain();
     CkRecordingJob* job = record(source, path("raw.tif"));
@@ -191,7 +191,7 @@ TEST_F(RecordingDesk, ASourceIsFollowedWhateverIsPutBehindIt) {
     EXPECT_EQ(reader.frameCount(), job->counters().written);
 }
 
-TEST_F(RecordingDesk, TheViewerEndsWithARecordingRunning) {
+TEST_F(RecordingManager, TheViewerEndsWithARecordingRunning) {
     CkRecordingJob* job = record(recordings()->sourceToRecord(), path("end.tif"));
     ASSERT_TRUE(waitForWritten(job, 2));
     const qint64 written = job->counters().written;
@@ -231,7 +231,7 @@ private:
     QTimer m_timer;
 };
 
-TEST_F(RecordingDesk, AChainBehindTheRecordedSourceIsOffered) {
+TEST_F(RecordingManager, AChainBehindTheRecordedSourceIsOffered) {
     CkChainable* source = recordings()->sourceToRecord();
     auto* block = new CkDemoBlock;
     block->m_iSetting = 77;
@@ -273,7 +273,7 @@ TEST_F(RecordingDesk, AChainBehindTheRecordedSourceIsOffered) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
 }
 
-TEST_F(RecordingDesk, TheOutputOfAChainIsNotProcessedTwice) {
+TEST_F(RecordingManager, TheOutputOfAChainIsNotProcessedTwice) {
     CkChainable* source = recordings()->sourceToRecord();
     QString error;
     ASSERT_TRUE(ChainEditor::insertAfter(new CkDemoBlock, source, error)) << qPrintable(error);
@@ -287,7 +287,7 @@ TEST_F(RecordingDesk, TheOutputOfAChainIsNotProcessedTwice) {
     EXPECT_EQ(player()->chain()->blocks().size(), 1);
 }
 
-TEST_F(RecordingDesk, ColoursAndContrastComeBack) {
+TEST_F(RecordingManager, ColoursAndContrastComeBack) {
     CkImageView* view = firstView();
     CkLut* lut = view->viewLut(nullptr, nullptr, nullptr);
     lut->setPseudoColorIndex(2);

@@ -1,4 +1,4 @@
-#include "host/viewer/session/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionSaver.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/picture/CkImageCanvas.h"
@@ -18,12 +18,12 @@ namespace {
 
 constexpr int kPatience = 30'000;
 
-class SessionKeeper : public ViewerFixture {
+class SessionSaver : public ViewerFixture {
 protected:
     bool startKeeping() {
         const bool ok = start();
         // Whatever is to be remembered is so at the next turn of the event loop.
-        m_session->keeper()->setDelay(0);
+        m_session->saver()->setDelay(0);
         return ok;
     }
     void close() {
@@ -40,7 +40,7 @@ protected:
     QMdiSubWindow* frame() const { return area()->subWindowList().value(0); }
 };
 
-TEST_F(SessionKeeper, WhatWasNotClosedComesBackAllTheSame) {
+TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
     ASSERT_TRUE(startKeeping());
     openGrey();
     auto* log = window()->findChild<QDockWidget*>("dockLog");
@@ -67,7 +67,7 @@ TEST_F(SessionKeeper, WhatWasNotClosedComesBackAllTheSame) {
     EXPECT_EQ(frame()->geometry(), QRect(31, 17, 420, 333));
 }
 
-TEST_F(SessionKeeper, AKilledProgramFindsItsViewsAgain) {
+TEST_F(SessionSaver, AKilledProgramFindsItsViewsAgain) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(cameras()->start(openGrey()));
     close();
@@ -89,10 +89,10 @@ TEST_F(SessionKeeper, AKilledProgramFindsItsViewsAgain) {
     EXPECT_TRUE(waitForFrame(area()->views().at(1)));
 }
 
-TEST_F(SessionKeeper, WaitsUntilADialogIsDone) {
+TEST_F(SessionSaver, WaitsUntilADialogIsDone) {
     ASSERT_TRUE(startKeeping());
-    QSignalSpy saved(m_session->keeper(), &CkSessionKeeper::saved);
-    QSignalSpy postponed(m_session->keeper(), &CkSessionKeeper::postponed);
+    QSignalSpy saved(m_session->saver(), &CkSessionSaver::saved);
+    QSignalSpy postponed(m_session->saver(), &CkSessionSaver::postponed);
     QDialog dialog(window());
     dialog.open();
     openGrey();
@@ -103,7 +103,7 @@ TEST_F(SessionKeeper, WaitsUntilADialogIsDone) {
     EXPECT_TRUE(waitUntilRemembered("sim:grey"));
 }
 
-TEST_F(SessionKeeper, ACleanStartReplacesNothingBeforeItsUserActs) {
+TEST_F(SessionSaver, ACleanStartReplacesNothingBeforeItsUserActs) {
     ASSERT_TRUE(start());
     openGrey();
     close();
@@ -118,7 +118,7 @@ TEST_F(SessionKeeper, ACleanStartReplacesNothingBeforeItsUserActs) {
     EXPECT_FALSE(remembered().contains("sim:grey"));
 }
 
-TEST_F(SessionKeeper, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
+TEST_F(SessionSaver, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
     ASSERT_TRUE(startKeeping());
     openGrey();
     ASSERT_TRUE(waitUntilRemembered("sim:grey"));
@@ -131,7 +131,7 @@ TEST_F(SessionKeeper, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
     EXPECT_TRUE(remembered().contains("<view "));
 }
 
-TEST_F(SessionKeeper, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
+TEST_F(SessionSaver, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
     ASSERT_TRUE(start());
     openGrey();
     close();
@@ -143,13 +143,13 @@ TEST_F(SessionKeeper, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
     EXPECT_TRUE(remembered().contains("has3d=\"1\"")) << qPrintable(remembered());
 }
 
-TEST_F(SessionKeeper, UnattendedRunsKeepNothing) {
+TEST_F(SessionSaver, UnattendedRunsKeepNothing) {
     m_options.frames = 1000;
     ASSERT_TRUE(start());
-    EXPECT_EQ(m_session->keeper(), nullptr);
+    EXPECT_EQ(m_session->saver(), nullptr);
 }
 
-class SessionLook : public SessionKeeper {
+class SessionLook : public SessionSaver {
 protected:
     void expectLook() const {
         const CkImageView* view = firstView();

@@ -1,4 +1,4 @@
-#include "host/viewer/playback/CkRecordingDesk.h"
+#include "host/viewer/playback/CkRecordingManager.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
@@ -38,8 +38,8 @@ bool isSameFile(const QString& a, const QString& b) {
 }
 
 void showBox(QWidget* window, const QString& text) {
-    auto* box = new QMessageBox(QMessageBox::Warning, CkRecordingDesk::tr("Recording"), text, QMessageBox::Ok,
-                                window);
+    auto* box = new QMessageBox(QMessageBox::Warning, CkRecordingManager::tr("Recording"), text,
+                                QMessageBox::Ok, window);
     box->setObjectName(QStringLiteral("recordingBox"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setModal(false);
@@ -48,18 +48,18 @@ void showBox(QWidget* window, const QString& text) {
 
 } // namespace
 
-CkRecordingDesk::CkRecordingDesk(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow)
+CkRecordingManager::CkRecordingManager(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow)
     : QObject(pWindow), m_pArea(pArea), m_pCameras(pCameras), m_pWindow(pWindow) {}
 
-CkRecordingDesk::~CkRecordingDesk() = default;
+CkRecordingManager::~CkRecordingManager() = default;
 
-CkChainable* CkRecordingDesk::outputToRecord() const {
+CkChainable* CkRecordingManager::outputToRecord() const {
     const CkMdiView* view = followedView(*m_pArea);
     CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
     return block != nullptr && block->chain() != nullptr ? block : nullptr;
 }
 
-CkChainable* CkRecordingDesk::sourceToRecord() const {
+CkChainable* CkRecordingManager::sourceToRecord() const {
     CkChainable* block = outputToRecord();
     while (block != nullptr && !block->precedessors().isEmpty()) {
         block = block->precedessors().first();
@@ -67,7 +67,7 @@ CkChainable* CkRecordingDesk::sourceToRecord() const {
     return block;
 }
 
-CkChainable* CkRecordingDesk::sourceOfCamera(void* pHandle) const {
+CkChainable* CkRecordingManager::sourceOfCamera(void* pHandle) const {
     const auto isOfCamera = [pHandle](CkChainable* block) {
         const auto* source = qobject_cast<CkImageSource*>(block);
         return source != nullptr && source->cameraHandles().contains(pHandle);
@@ -85,7 +85,7 @@ CkChainable* CkRecordingDesk::sourceOfCamera(void* pHandle) const {
     return nullptr;
 }
 
-bool CkRecordingDesk::isInUse(const QString& sFileName, QString& sReason) const {
+bool CkRecordingManager::isInUse(const QString& sFileName, QString& sReason) const {
     for (const CkRecordingJob* job : m_jobs) {
         if (job->state() != CkRecordingJob::EkState::Finished && isSameFile(job->fileName(), sFileName)) {
             sReason = tr("\"%1\" is being recorded to; choose another file.").arg(sFileName);
@@ -106,13 +106,13 @@ bool CkRecordingDesk::isInUse(const QString& sFileName, QString& sReason) const 
     return false;
 }
 
-QString CkRecordingDesk::titleOf(const CkChainable* pBlock) const {
+QString CkRecordingManager::titleOf(const CkChainable* pBlock) const {
     const CkChain* chain = pBlock->chain();
     return chain != nullptr ? chain->chainTitle(pBlock) : pBlock->title();
 }
 
-CkRecordingJob* CkRecordingDesk::record(CkChainable* pBlock, const QString& sFileName,
-                                        EkRecordingCompression compression, QString& sError) {
+CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& sFileName,
+                                           EkRecordingCompression compression, QString& sError) {
     if (isInUse(sFileName, sError)) {
         return nullptr;
     }
@@ -148,7 +148,7 @@ CkRecordingJob* CkRecordingDesk::record(CkChainable* pBlock, const QString& sFil
     return job;
 }
 
-void CkRecordingDesk::tell(CkRecordingJob* pJob) {
+void CkRecordingManager::tell(CkRecordingJob* pJob) {
     const CkRecorder::SkState state = pJob->counters();
     const QString frames = tr("%1: %n frame(s) recorded, %2 dropped", nullptr, pluralNumber(state.written))
                                .arg(pJob->fileName(), QString::number(state.dropped));
@@ -170,7 +170,7 @@ void CkRecordingDesk::tell(CkRecordingJob* pJob) {
                 .arg(state.error, kept, tr("%n frame(s) were lost.", nullptr, pluralNumber(state.dropped))));
 }
 
-void CkRecordingDesk::recordWithDialog(CkChainable* pBlock) {
+void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
     if (pBlock == nullptr) {
         return;
     }
@@ -203,19 +203,19 @@ void CkRecordingDesk::recordWithDialog(CkChainable* pBlock) {
     }
 }
 
-void CkRecordingDesk::stopAll() {
+void CkRecordingManager::stopAll() {
     for (CkRecordingJob* job : std::as_const(m_jobs)) {
         job->stop();
     }
 }
 
-int CkRecordingDesk::runningCount() const {
+int CkRecordingManager::runningCount() const {
     return int(std::count_if(m_jobs.begin(), m_jobs.end(), [](const CkRecordingJob* job) {
         return job->state() == CkRecordingJob::EkState::Running;
     }));
 }
 
-CkRecordingJob* CkRecordingDesk::runningOf(const CkChainable* pBlock) const {
+CkRecordingJob* CkRecordingManager::runningOf(const CkChainable* pBlock) const {
     for (CkRecordingJob* job : m_jobs) {
         if (job->state() == CkRecordingJob::EkState::Running && job->block() == pBlock && pBlock != nullptr) {
             return job;
@@ -224,7 +224,7 @@ CkRecordingJob* CkRecordingDesk::runningOf(const CkChainable* pBlock) const {
     return nullptr;
 }
 
-void CkRecordingDesk::forget(CkRecordingJob* pJob) {
+void CkRecordingManager::forget(CkRecordingJob* pJob) {
     if (pJob->state() == CkRecordingJob::EkState::Finished && m_jobs.removeOne(pJob)) {
         pJob->deleteLater();
         emit jobsChanged();

@@ -1,4 +1,4 @@
-#include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginLoadMarker.h"
 
 #include <QDir>
 #include <QFile>
@@ -30,7 +30,7 @@ QString readLocked(const QString& fileName) {
 
 } // namespace
 
-CkLoadingMark::CkLoadingMark(const QString& sFolder, const QString& sLibrary) {
+CkPluginLoadMarker::CkPluginLoadMarker(const QString& sFolder, const QString& sLibrary) {
     QDir().mkpath(sFolder);
     m_sFileName = QDir(sFolder).filePath(kPrefix + QString::number(::getpid()));
     // Named at last: nobody finds a mark that is not locked yet.
@@ -48,14 +48,14 @@ CkLoadingMark::CkLoadingMark(const QString& sFolder, const QString& sLibrary) {
     }
 }
 
-CkLoadingMark::~CkLoadingMark() {
+CkPluginLoadMarker::~CkPluginLoadMarker() {
     if (m_iFile >= 0) {
         QFile::remove(m_sFileName);
         ::close(m_iFile);
     }
 }
 
-QStringList CkLoadingMark::takeLeftBehind(const QString& sFolder) {
+QStringList CkPluginLoadMarker::takeLeftBehind(const QString& sFolder) {
     QStringList libraries;
     const QDir folder(sFolder);
     for (const QString& name : folder.entryList({kPrefix + QLatin1Char('*')}, QDir::Files)) {

@@ -1,4 +1,4 @@
-#include "host/viewer/plugins/CkPluginVerdicts.h"
+#include "host/viewer/plugins/CkPluginVerdictCache.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -32,29 +32,30 @@ std::optional<SkLibraryStamp> SkLibraryStamp::of(const QString& sLibrary) {
     return SkLibraryStamp{info.size(), info.lastModified().toMSecsSinceEpoch(), hash.result().toHex()};
 }
 
-CkPluginVerdicts::CkPluginVerdicts(const QString& sFileName, const QString& sHost)
+CkPluginVerdictCache::CkPluginVerdictCache(const QString& sFileName, const QString& sHost)
     : m_sFileName(sFileName), m_sHost(sHost) {
     read();
 }
 
-std::optional<QString> CkPluginVerdicts::find(const QString& sLibrary, const SkLibraryStamp& stamp) const {
+std::optional<QString> CkPluginVerdictCache::find(const QString& sLibrary,
+                                                  const SkLibraryStamp& stamp) const {
     const auto found = m_verdicts.constFind(sLibrary);
     return found != m_verdicts.cend() && found->stamp == stamp ? std::optional(found->refusal) : std::nullopt;
 }
 
-void CkPluginVerdicts::remember(const QString& sLibrary, const SkLibraryStamp& stamp,
-                                const QString& sRefusal) {
+void CkPluginVerdictCache::remember(const QString& sLibrary, const SkLibraryStamp& stamp,
+                                    const QString& sRefusal) {
     m_verdicts.insert(sLibrary, {stamp, sRefusal});
     m_verdicts.removeIf([](const auto& entry) { return !QFileInfo::exists(entry.key()); });
     write();
 }
 
-void CkPluginVerdicts::forgetAll() {
+void CkPluginVerdictCache::forgetAll() {
     m_verdicts.clear();
     write();
 }
 
-void CkPluginVerdicts::read() {
+void CkPluginVerdictCache::read() {
     QFile file(m_sFileName);
     if (!file.open(QIODevice::ReadOnly)) {
         return;
@@ -75,7 +76,7 @@ void CkPluginVerdicts::read() {
     }
 }
 
-void CkPluginVerdicts::write() const {
+void CkPluginVerdictCache::write() const {
     QJsonObject libraries;
     for (auto it = m_verdicts.cbegin(); it != m_verdicts.cend(); ++it) {
         libraries.insert(it.key(), QJsonObject{{kSize, it->stamp.size},

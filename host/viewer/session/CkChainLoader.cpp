@@ -1,4 +1,4 @@
-#include "host/viewer/session/CkChainLoading.h"
+#include "host/viewer/session/CkChainLoader.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/base/CkChainFile.h"
@@ -10,13 +10,13 @@ constexpr qint64 kRefreshMs = 50;
 
 } // namespace
 
-CkChainLoading::CkChainLoading(const QString& sFileName, QWidget* pWindow)
+CkChainLoader::CkChainLoader(const QString& sFileName, QWidget* pWindow)
     : m_sFileName(sFileName), m_pWindow(pWindow) {
     m_sinceStart.start();
     m_sinceShown.start();
 }
 
-CkChain* CkChainLoading::load(QString& sError) {
+CkChain* CkChainLoader::load(QString& sError) {
     const CkVideoSource::CkOpeningProgress opening(
         [this](qint64 found, double) { return framesFound(found); });
     CkChain* const chain = CkChainFile::load(
@@ -28,17 +28,17 @@ CkChain* CkChainLoading::load(QString& sError) {
     return chain;
 }
 
-bool CkChainLoading::blocksRead(qsizetype iRead, qsizetype iAll) {
+bool CkChainLoader::blocksRead(qsizetype iRead, qsizetype iAll) {
     m_iRead = iRead;
     m_iAll = iAll;
     return goesOn(tr("Opening \"%1\": block %2 of %3").arg(m_sFileName).arg(iRead).arg(iAll));
 }
 
-bool CkChainLoading::framesFound(qint64 iFrames) {
+bool CkChainLoader::framesFound(qint64 iFrames) {
     return goesOn(tr("Opening \"%1\": frame %2 of a recording").arg(m_sFileName).arg(iFrames));
 }
 
-bool CkChainLoading::goesOn(const QString& sText) {
+bool CkChainLoader::goesOn(const QString& sText) {
     if (m_dialog == nullptr) {
         if (m_sinceStart.elapsed() < kPatienceMs) {
             return true;

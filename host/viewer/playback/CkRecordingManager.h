@@ -13,13 +13,13 @@ class CkViewArea;
 class QWidget;
 
 /// The recordings that run, and how they are started. User-interface thread.
-class CkRecordingDesk : public QObject {
+class CkRecordingManager : public QObject {
     Q_OBJECT
 
 public:
     /// Boxes and file dialogs stand above pWindow.
-    CkRecordingDesk(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow);
-    ~CkRecordingDesk() override;
+    CkRecordingManager(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow);
+    ~CkRecordingManager() override;
 
     /// Starts to record a block's output. Null, with sError naming the file and the reason, when the file
     /// cannot be made, or is being played or recorded to.

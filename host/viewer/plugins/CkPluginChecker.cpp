@@ -1,6 +1,6 @@
-#include "host/viewer/plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginChecker.h"
 
-#include "host/viewer/plugins/CkLoadingMark.h"
+#include "host/viewer/plugins/CkPluginLoadMarker.h"
 #include "host/viewer/plugins/CkPluginProbe.h"
 
 #include <QDateTime>
@@ -21,15 +21,15 @@ QString hostIdentity() {
 
 } // namespace
 
-QString SkPluginChecks::defaultFolder() {
+QString SkPluginCheckOptions::defaultFolder() {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::CacheLocation))
         .filePath(QStringLiteral("plugins"));
 }
 
-CkPluginGate::CkPluginGate(const SkPluginChecks& checks)
+CkPluginChecker::CkPluginChecker(const SkPluginCheckOptions& checks)
     : m_checks(checks),
       m_verdicts(QDir(checks.memoryFolder).filePath(QStringLiteral("verdicts.json")), hostIdentity()) {
-    const QStringList culprits = CkLoadingMark::takeLeftBehind(m_checks.memoryFolder);
+    const QStringList culprits = CkPluginLoadMarker::takeLeftBehind(m_checks.memoryFolder);
     if (m_checks.again) {
         m_verdicts.forgetAll();
         return;
@@ -45,7 +45,7 @@ CkPluginGate::CkPluginGate(const SkPluginChecks& checks)
     }
 }
 
-QString CkPluginGate::refusal(const QString& sLibrary) {
+QString CkPluginChecker::refusal(const QString& sLibrary) {
     const std::optional<SkLibraryStamp> stamp = SkLibraryStamp::of(sLibrary);
     if (!stamp) {
         return tr("Plug-in \"%1\" was refused: the file cannot be read.")
@@ -55,7 +55,7 @@ QString CkPluginGate::refusal(const QString& sLibrary) {
     return known ? *known : probe(sLibrary, *stamp);
 }
 
-QString CkPluginGate::probe(const QString& sLibrary, const SkLibraryStamp& stamp) {
+QString CkPluginChecker::probe(const QString& sLibrary, const SkLibraryStamp& stamp) {
     const std::optional<QString> refusal = CkPluginProbe::refusal(sLibrary, m_checks.timeLimit);
     if (refusal) {
         m_verdicts.remember(sLibrary, stamp, *refusal);

@@ -11,12 +11,12 @@ class CkChain;
 
 /// Loads a chain file; once that takes longer than a moment, a dialog says how far it is and offers to call
 /// it off. User-interface thread.
-class CkChainLoading {
-    Q_DECLARE_TR_FUNCTIONS(CkChainLoading)
+class CkChainLoader {
+    Q_DECLARE_TR_FUNCTIONS(CkChainLoader)
 
 public:
     /// pWindow, which may be null, is the dialog's parent.
-    CkChainLoading(const QString& sFileName, QWidget* pWindow);
+    CkChainLoader(const QString& sFileName, QWidget* pWindow);
 
     /// Null, with sError naming the file, the place and the reason; empty when it was called off.
     CkChain* load(QString& sError);

@@ -10,15 +10,15 @@ class CkMainWindow;
 
 /// Remembers the window and what is open in it a few seconds after a change, so that a crash does not cost
 /// the day's arrangement. Waits while a dialog is open or a mouse button is down. User-interface thread.
-class CkSessionKeeper : public QObject {
+class CkSessionSaver : public QObject {
     Q_OBJECT
 
 public:
     /// Looks at the window from now on; what there is now counts as remembered. With bAtOnce every change
     /// counts; without, none does before the user's first key or click: a window that was started on the side
     /// does not replace what is remembered by itself.
-    CkSessionKeeper(const CkMainWindow* pWindow, bool bAtOnce);
-    ~CkSessionKeeper() override;
+    CkSessionSaver(const CkMainWindow* pWindow, bool bAtOnce);
+    ~CkSessionSaver() override;
 
     /// Time from a change to the file, in ms.
     void setDelay(int iMs) { m_timer.setInterval(iMs); }

@@ -10,8 +10,8 @@ class QDomDocument;
 class QWidget;
 
 /// Opens recordings and pictures as chains with a source that plays them. User-interface thread.
-class CkRecordingOpening {
-    Q_DECLARE_TR_FUNCTIONS(CkRecordingOpening)
+class CkRecordingOpener {
+    Q_DECLARE_TR_FUNCTIONS(CkRecordingOpener)
 
 public:
     /// Makes the source creatable by chain files; any number of times.

@@ -1,4 +1,4 @@
-#include "host/viewer/session/CkSessionKeeper.h"
+#include "host/viewer/session/CkSessionSaver.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/shell/CkMainWindow.h"
@@ -19,21 +19,21 @@ constexpr int kMostDelays = 5;
 
 } // namespace
 
-CkSessionKeeper::CkSessionKeeper(const CkMainWindow* pWindow, bool bAtOnce)
+CkSessionSaver::CkSessionSaver(const CkMainWindow* pWindow, bool bAtOnce)
     : m_pWindow(pWindow), m_last(SkWindowLayout::of(*pWindow)), m_bOn(bAtOnce) {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kDelayMs);
-    connect(&m_timer, &QTimer::timeout, this, &CkSessionKeeper::save);
+    connect(&m_timer, &QTimer::timeout, this, &CkSessionSaver::save);
     const CkViewArea* const area = pWindow->area();
-    connect(area, &CkViewArea::viewAdded, this, &CkSessionKeeper::touch);
-    connect(area, &CkViewArea::viewClosed, this, &CkSessionKeeper::touch);
-    connect(area, &CkViewArea::activeViewChanged, this, &CkSessionKeeper::touch);
+    connect(area, &CkViewArea::viewAdded, this, &CkSessionSaver::touch);
+    connect(area, &CkViewArea::viewClosed, this, &CkSessionSaver::touch);
+    connect(area, &CkViewArea::activeViewChanged, this, &CkSessionSaver::touch);
     const CkCameraManager* const cameras = CkCameraManager::instance();
-    connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionKeeper::touch);
-    connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionKeeper::touch);
-    connect(cameras, &CkCameraManager::acquisitionChanged, this, &CkSessionKeeper::touch);
+    connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionSaver::touch);
+    connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionSaver::touch);
+    connect(cameras, &CkCameraManager::acquisitionChanged, this, &CkSessionSaver::touch);
     const auto watch = [this](CkChain* pChain) {
-        connect(pChain, &CkChain::structureChanged, this, &CkSessionKeeper::touch);
+        connect(pChain, &CkChain::structureChanged, this, &CkSessionSaver::touch);
     };
     connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, watch);
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -43,9 +43,9 @@ CkSessionKeeper::CkSessionKeeper(const CkMainWindow* pWindow, bool bAtOnce)
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-CkSessionKeeper::~CkSessionKeeper() = default;
+CkSessionSaver::~CkSessionSaver() = default;
 
-void CkSessionKeeper::end() {
+void CkSessionSaver::end() {
     m_timer.stop();
     disconnect(m_pWindow->area(), nullptr, this, nullptr);
     disconnect(CkCameraManager::instance(), nullptr, this, nullptr);
@@ -56,7 +56,7 @@ void CkSessionKeeper::end() {
     QCoreApplication::instance()->removeEventFilter(this);
 }
 
-bool CkSessionKeeper::eventFilter(QObject* pWatched, QEvent* pEvent) {
+bool CkSessionSaver::eventFilter(QObject* pWatched, QEvent* pEvent) {
     switch (pEvent->type()) {
     case QEvent::MouseButtonRelease:
     case QEvent::KeyRelease:
@@ -79,7 +79,7 @@ bool CkSessionKeeper::eventFilter(QObject* pWatched, QEvent* pEvent) {
     return false;
 }
 
-void CkSessionKeeper::touch() {
+void CkSessionSaver::touch() {
     if (!m_bOn) {
         return;
     }
@@ -91,7 +91,7 @@ void CkSessionKeeper::touch() {
     }
 }
 
-void CkSessionKeeper::save() {
+void CkSessionSaver::save() {
     // What is half typed or half dragged is nobody's arrangement.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr ||
         QGuiApplication::mouseButtons() != Qt::NoButton) {

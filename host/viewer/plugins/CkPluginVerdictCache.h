@@ -19,10 +19,10 @@ struct SkLibraryStamp {
 
 /// Remembers from start to start which libraries may be loaded. A file of its own, written at each change;
 /// one that cannot be written or read only makes every start look again. User-interface thread.
-class CkPluginVerdicts {
+class CkPluginVerdictCache {
 public:
     /// sHost says which program the verdicts hold for; those of another one are forgotten.
-    CkPluginVerdicts(const QString& sFileName, const QString& sHost);
+    CkPluginVerdictCache(const QString& sFileName, const QString& sHost);
 
     /// The refusal of a library that has not changed since, empty when it may be loaded. Nothing for an
     /// unknown or changed one.

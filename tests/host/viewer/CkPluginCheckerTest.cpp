@@ -1,7 +1,7 @@
-#include "host/viewer/plugins/CkPluginGate.h"
+#include "host/viewer/plugins/CkPluginChecker.h"
 
-#include "host/viewer/plugins/CkLoadingMark.h"
 #include "host/viewer/plugins/CkPluginHost.h"
+#include "host/viewer/plugins/CkPluginLoadMarker.h"
 #include "host/viewer/plugins/CkPluginProbe.h"
 
 #include <QDateTime>
@@ -21,7 +21,7 @@ namespace {
 // For those that come back, on a machine that is busy with other things.
 constexpr auto kPatience = 60s;
 
-class PluginGate : public ::testing::Test {
+class PluginChecker : public ::testing::Test {
 protected:
     /// A copy of the test plug-in under a name that says what it does.
     QString library(const QString& name) const {
@@ -31,8 +31,8 @@ protected:
         return copy;
     }
 
-    SkPluginChecks checks(bool again = false) const {
-        SkPluginChecks wanted;
+    SkPluginCheckOptions checks(bool again = false) const {
+        SkPluginCheckOptions wanted;
         wanted.memoryFolder = m_folder.filePath(QStringLiteral("memory"));
         wanted.timeLimit = kPatience;
         wanted.again = again;
@@ -41,7 +41,7 @@ protected:
 
     /// What a new start says of the library.
     std::string refusal(const QString& library, bool again = false) const {
-        return CkPluginGate(checks(again)).refusal(library).toStdString();
+        return CkPluginChecker(checks(again)).refusal(library).toStdString();
     }
 
     QTemporaryDir m_folder;
@@ -55,7 +55,7 @@ void overwrite(const QString& fileName, qint64 at, char value) {
 
 } // namespace
 
-TEST_F(PluginGate, WhateverEndsAProgramIsRefusedWithItsName) {
+TEST_F(PluginChecker, WhateverEndsAProgramIsRefusedWithItsName) {
     ASSERT_FALSE(CkPluginProbe::program().isEmpty());
     struct SkCase {
         const char* place;
@@ -65,7 +65,7 @@ TEST_F(PluginGate, WhateverEndsAProgramIsRefusedWithItsName) {
                              {"version", "loaded and started"}, {"init", "loaded and started"},
                              {"name", "loaded and started"},    {"description", "loaded and started"},
                              {"destructor", "it was ended"}};
-    CkPluginGate gate(checks());
+    CkPluginChecker gate(checks());
     for (const SkCase& entry : places) {
         for (const char* deed : {"aborts", "exits", "leaves", "crashes"}) {
             const QString name = QStringLiteral("%1-%2").arg(QLatin1String(entry.place), QLatin1String(deed));
@@ -78,8 +78,8 @@ TEST_F(PluginGate, WhateverEndsAProgramIsRefusedWithItsName) {
     EXPECT_EQ(gate.refusal(library(QStringLiteral("good"))), QString());
 }
 
-TEST_F(PluginGate, WhatThrowsIsRefusedWithTheException) {
-    CkPluginGate gate(checks());
+TEST_F(PluginChecker, WhatThrowsIsRefusedWithTheException) {
+    CkPluginChecker gate(checks());
     for (const char* place : {"library", "constructor", "version", "init", "name", "description"}) {
         const QString name = QLatin1String(place) + QStringLiteral("-throws");
         EXPECT_THAT(gate.refusal(library(name)).toStdString(),
@@ -90,7 +90,7 @@ TEST_F(PluginGate, WhatThrowsIsRefusedWithTheException) {
                 HasSubstr("it ended the program while it was ended"));
 }
 
-TEST_F(PluginGate, WhatHangsIsRefusedAfterTheTimeLimit) {
+TEST_F(PluginChecker, WhatHangsIsRefusedAfterTheTimeLimit) {
     std::vector<std::future<std::optional<QString>>> said;
     for (const char* place : {"library", "constructor", "init", "name", "destructor"}) {
         const QString copy = library(QLatin1String(place) + QStringLiteral("-hangs"));
@@ -104,7 +104,7 @@ TEST_F(PluginGate, WhatHangsIsRefusedAfterTheTimeLimit) {
     }
 }
 
-TEST_F(PluginGate, TheHostLoadsTheGoodOneAmongTheBad) {
+TEST_F(PluginChecker, TheHostLoadsTheGoodOneAmongTheBad) {
     for (const char* name :
          {"constructor-aborts", "destructor-leaves", "good", "init-crashes", "name-exits"}) {
         library(QLatin1String(name));
@@ -116,10 +116,10 @@ TEST_F(PluginGate, TheHostLoadsTheGoodOneAmongTheBad) {
     EXPECT_EQ(host.plugins().first().fileName, m_folder.filePath(QStringLiteral("plugins/good.so")));
     ASSERT_EQ(host.problems().size(), 4);
     EXPECT_THAT(host.problems()[1].toStdString(), HasSubstr("destructor-leaves.so"));
-    EXPECT_TRUE(CkLoadingMark::takeLeftBehind(checks().memoryFolder).isEmpty());
+    EXPECT_TRUE(CkPluginLoadMarker::takeLeftBehind(checks().memoryFolder).isEmpty());
 }
 
-TEST_F(PluginGate, TheLogNamesWhatWasLoaded) {
+TEST_F(PluginChecker, TheLogNamesWhatWasLoaded) {
     const QString copy = library(QStringLiteral("good"));
     CkPluginHost host(checks());
     testing::internal::CaptureStderr();
@@ -130,7 +130,7 @@ TEST_F(PluginGate, TheLogNamesWhatWasLoaded) {
     EXPECT_THAT(said, HasSubstr(expected.arg(host.plugins().first().version, copy).toStdString()));
 }
 
-TEST_F(PluginGate, OnlyNewAndChangedLibrariesAreProbed) {
+TEST_F(PluginChecker, OnlyNewAndChangedLibrariesAreProbed) {
     const QString trace = m_folder.filePath(QStringLiteral("trace"));
     qputenv("ZU_TEST_TRACE", QFile::encodeName(trace));
     const auto probes = [&] { return QFileInfo(trace).size(); };
@@ -166,20 +166,20 @@ TEST_F(PluginGate, OnlyNewAndChangedLibrariesAreProbed) {
     qunsetenv("ZU_TEST_TRACE");
 }
 
-TEST_F(PluginGate, ARefusalIsRememberedToo) {
+TEST_F(PluginChecker, ARefusalIsRememberedToo) {
     const QString copy = library(QStringLiteral("init-aborts"));
     const std::string said = refusal(copy);
     EXPECT_THAT(said, HasSubstr("it ended the program"));
     // Without the probe nothing could be found out anew.
-    const CkPluginVerdicts verdicts(checks().memoryFolder + QStringLiteral("/verdicts.json"),
-                                    QStringLiteral("another program"));
+    const CkPluginVerdictCache verdicts(checks().memoryFolder + QStringLiteral("/verdicts.json"),
+                                        QStringLiteral("another program"));
     const auto stamp = SkLibraryStamp::of(copy);
     ASSERT_TRUE(stamp);
     EXPECT_FALSE(verdicts.find(copy, *stamp));
     EXPECT_EQ(refusal(copy), said);
 }
 
-TEST_F(PluginGate, DamagedMemoryOnlyMakesItLookAgain) {
+TEST_F(PluginChecker, DamagedMemoryOnlyMakesItLookAgain) {
     const QString copy = library(QStringLiteral("good"));
     QDir().mkpath(checks().memoryFolder);
     for (const char* content : {"", "{", "[1]", "{\"libraries\": 3}", "{\"libraries\": {\"a\": [1]}}"}) {
@@ -191,11 +191,11 @@ TEST_F(PluginGate, DamagedMemoryOnlyMakesItLookAgain) {
     }
 }
 
-TEST_F(PluginGate, MarksOfProgramsThatStillRunAreNoSuspicion) {
+TEST_F(PluginChecker, MarksOfProgramsThatStillRunAreNoSuspicion) {
     const QString folder = m_folder.filePath(QStringLiteral("marks"));
     {
-        const CkLoadingMark mark(folder, QStringLiteral("/a.so"));
-        EXPECT_TRUE(CkLoadingMark::takeLeftBehind(folder).isEmpty());
+        const CkPluginLoadMarker mark(folder, QStringLiteral("/a.so"));
+        EXPECT_TRUE(CkPluginLoadMarker::takeLeftBehind(folder).isEmpty());
         EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
     }
     EXPECT_TRUE(QDir(folder).entryList(QDir::Files).isEmpty());
@@ -204,11 +204,11 @@ TEST_F(PluginGate, MarksOfProgramsThatStillRunAreNoSuspicion) {
     ASSERT_TRUE(left.open(QIODevice::WriteOnly));
     left.write("/plug-ins/b.so");
     left.close();
-    EXPECT_EQ(CkLoadingMark::takeLeftBehind(folder), QStringList{QStringLiteral("/plug-ins/b.so")});
-    EXPECT_TRUE(CkLoadingMark::takeLeftBehind(folder).isEmpty());
+    EXPECT_EQ(CkPluginLoadMarker::takeLeftBehind(folder), QStringList{QStringLiteral("/plug-ins/b.so")});
+    EXPECT_TRUE(CkPluginLoadMarker::takeLeftBehind(folder).isEmpty());
 }
 
-TEST_F(PluginGate, WhatEndedOneStartIsLeftOutOfTheNextAndNamed) {
+TEST_F(PluginChecker, WhatEndedOneStartIsLeftOutOfTheNextAndNamed) {
     const QString copy = library(QStringLiteral("init-viewer-aborts"));
     const auto run = [&](const QStringList& more) {
         QProcess viewer;
@@ -236,7 +236,7 @@ TEST_F(PluginGate, WhatEndedOneStartIsLeftOutOfTheNextAndNamed) {
 
 // Copies of a good library with a few bits turned over: whatever they do, the program that wants to load them
 // goes on.
-TEST_F(PluginGate, LibrariesWithTurnedBitsDoNotEndTheProgram) {
+TEST_F(PluginChecker, LibrariesWithTurnedBitsDoNotEndTheProgram) {
     QFile good(library(QStringLiteral("good")));
     ASSERT_TRUE(good.open(QIODevice::ReadOnly));
     const QByteArray whole = good.readAll();
