@@ -349,9 +349,9 @@ TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
     cameras()->closeAllCameras();
 
     ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
-    const QList<void*> cameras = CkCameraManager::instance()->openedCameras();
-    EXPECT_EQ(cameras.size(), 2);
-    for (void* camera : cameras) {
+    const QList<void*> opened = CkCameraManager::instance()->openedCameras();
+    EXPECT_EQ(opened.size(), 2);
+    for (void* camera : opened) {
         EXPECT_TRUE(CkCameraManager::instance()->isAcquiring(camera));
         EXPECT_NE(cameras()->panel(camera), nullptr);
     }

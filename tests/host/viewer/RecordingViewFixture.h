@@ -25,7 +25,7 @@ protected:
 
     QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
     CkRecordingController* room() const { return window()->recordings(); }
-    CkRecordingManager* recordings() const { return room()->cameras(); }
+    CkRecordingManager* recordings() const { return room()->manager(); }
 
     static quint16 sample(qint64 frame, quint32 x, quint32 y) {
         return quint16(frame * 100 + qint64(x) + qint64(y) * 10);
