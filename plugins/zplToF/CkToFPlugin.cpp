@@ -1,9 +1,9 @@
 #include "plugins/zplToF/CkToFPlugin.h"
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
-#include "plugins/zplToF/integration/CkToFCameraCheck.h"
-#include "plugins/zplToF/integration/CkToFToolArea.h"
-#include "plugins/zplToF/translations/CkToFTranslation.h"
+#include "plugins/zplToF/integration/ToFCameraCheck.h"
+#include "plugins/zplToF/integration/ToFToolArea.h"
+#include "plugins/zplToF/translations/ToFTranslation.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkRTTI.h"
@@ -28,7 +28,7 @@ void enable(QAction* action, bool enabled, const QString& why) {
 } // namespace
 
 CkToFPlugin::CkToFPlugin() : m_actions(m_chainHost) {
-    CkToFTranslation::install(QLocale(), this);
+    ToFTranslation::install(QLocale(), this);
 }
 
 CkToFPlugin::~CkToFPlugin() = default;
@@ -105,7 +105,7 @@ void CkToFPlugin::viewGotNewImage(int viewId, const CkImageData* pData) {
 }
 
 void CkToFPlugin::newCameraConnected(void* cameraHandle) {
-    if (CkToFToolArea::addToCameraPanel(cameraHandle, this)) {
+    if (ToFToolArea::addToCameraPanel(cameraHandle, this)) {
         enableMainMenuItems(IkAppDelegate::instance()->activeViewId());
     }
 }
@@ -143,10 +143,10 @@ void CkToFPlugin::startCameraAcquitionFromButton(const QObject* pButton) {
 void CkToFPlugin::enableMainMenuItems(int iActiveViewId) {
     void* camera = nullptr;
     const bool active = iActiveViewId != -1;
-    const bool tofView = active && CkToFCameraCheck::viewBelongsToToFCamera(iActiveViewId, camera);
+    const bool tofView = active && ToFCameraCheck::viewBelongsToToFCamera(iActiveViewId, camera);
     const CkCameraManager* cameras = CkCameraManager::instance();
     const bool onlyToFCamera = active && cameras->openedCameraCount() == 1 &&
-                               CkToFCameraCheck::isToFCamera(cameras->openedCameras().constFirst());
+                               ToFCameraCheck::isToFCamera(cameras->openedCameras().constFirst());
     const QString noView = tr("No view is active");
     const QString noCamera = active ? tr("The active view does not show a ToF camera") : noView;
     enable(m_pOpen3dView, active, noView);

@@ -1,7 +1,7 @@
 #include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
 
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "plugins/zplToF/view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/view3d/SkToFViewSettings.h"
 #include "ui_CkToFCalibrateOffsetDlg.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/CkMdiView.h"

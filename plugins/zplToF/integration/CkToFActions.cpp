@@ -76,7 +76,7 @@ QMessageBox::StandardButton CkToFActions::showMessage(QMessageBox::Icon icon, co
 bool CkToFActions::setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start) {
     const QPointer<CkMdiView> guarded = pView;
     // Without the view: its chain is started once, when the blocks that the action needs are in it.
-    if (!CkToFCameraCheck::switchCameraTo3dFormat(nullptr, cameraHandle)) {
+    if (!ToFCameraCheck::switchCameraTo3dFormat(nullptr, cameraHandle)) {
         showMessage(QMessageBox::Critical, tr("Error"),
                     tr("Cannot set (A and B) or (A-B) reaout mode to camera."));
         return false;
@@ -93,8 +93,8 @@ void CkToFActions::openToF3dView() {
         return;
     }
     SkToFFindings findings;
-    findings.formatKnown = CkToFCameraCheck::imageFormatAtView(view, findings.kinds);
-    findings.tofCamera = CkToFCameraCheck::viewBelongsToToFCamera(view->viewId(), findings.cameraHandle);
+    findings.formatKnown = ToFCameraCheck::imageFormatAtView(view, findings.kinds);
+    findings.tofCamera = ToFCameraCheck::viewBelongsToToFCamera(view->viewId(), findings.cameraHandle);
 
     CkToFChainStart start;
     if (!findings.kinds.any()) {
@@ -136,7 +136,7 @@ void CkToFActions::offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings,
     if (guarded == nullptr) {
         return;
     }
-    CkToFCameraCheck::imageFormatAtView(guarded, findings.kinds);
+    ToFCameraCheck::imageFormatAtView(guarded, findings.kinds);
     if (!findings.kinds.any()) {
         CkChainable* block = CkToFChainEditor::firstToFBlock(guarded->dataProvider());
         if (auto* tofBlock = qobject_cast<CkToFProcessCnbl*>(block)) {
@@ -181,7 +181,7 @@ void CkToFActions::openAllToFViews() {
         return;
     }
     SkToFKinds kinds;
-    CkToFCameraCheck::checkToFFormat(source, kinds);
+    ToFCameraCheck::checkToFFormat(source, kinds);
 
     const int depthView = openBranch(chain, source, CkToFProcessCnbl::Depth);
     if (depthView != -1) {
@@ -197,7 +197,7 @@ void CkToFActions::openAllToFViews() {
 
 bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start) {
     SkToFKinds kinds;
-    CkToFCameraCheck::imageFormatAtView(&view, kinds);
+    ToFCameraCheck::imageFormatAtView(&view, kinds);
     if (kinds.any()) {
         return true;
     }
@@ -205,7 +205,7 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start
     const QString text =
         tr("ToF processing needs (A and B) RAWX2, or (A minus B) RAW image, or X1X2X3 RAWX3 image.");
     void* camera = nullptr;
-    if (!CkToFCameraCheck::viewBelongsToToFCamera(view.viewId(), camera)) {
+    if (!ToFCameraCheck::viewBelongsToToFCamera(view.viewId(), camera)) {
         showMessage(QMessageBox::Critical, title, text);
         return false;
     }
@@ -217,7 +217,7 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start
         return false;
     }
     negotiateAnew(chainOf(guarded));
-    CkToFCameraCheck::imageFormatAtView(guarded, kinds);
+    ToFCameraCheck::imageFormatAtView(guarded, kinds);
     return kinds.anyRaw();
 }
 
@@ -278,7 +278,7 @@ void CkToFActions::calibrateOffset() {
 
     const int active = host->activeViewId();
     void* camera = nullptr;
-    if (!CkToFCameraCheck::viewBelongsToToFCamera(active, camera)) {
+    if (!ToFCameraCheck::viewBelongsToToFCamera(active, camera)) {
         showMessage(QMessageBox::Critical, tr("Error"), tr("Active camera is not the ToF camera."));
         return;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plugins/zplToF/integration/CkToFCameraCheck.h"
 #include "plugins/zplToF/integration/CkToFChainEditor.h"
-#include "plugins/zplToF/integration/CkToFMessageBox.h"
+#include "plugins/zplToF/integration/SkToFMessage.h"
+#include "plugins/zplToF/integration/ToFCameraCheck.h"
 
 #include <QCoreApplication>
 #include <QList>

@@ -3,7 +3,7 @@
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "plugins/zplToF/view3d/CkToFColorTable.h"
-#include "plugins/zplToF/view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/view3d/SkToFViewSettings.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QElapsedTimer>

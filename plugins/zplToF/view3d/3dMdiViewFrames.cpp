@@ -1,11 +1,11 @@
 // The way of a frame into the view, and what the host asks of a view.
 
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "plugins/zplToF/view3d/CkToFEmbeddedWindow.h"
 #include "plugins/zplToF/view3d/CkToFInputRegulator.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
 #include "plugins/zplToF/view3d/CkToFToolBar.h"
+#include "plugins/zplToF/view3d/ToFEmbeddedWindow.h"
+#include "plugins/zplToF/view3d/ToFSceneAttribute.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
 #include "zuCore/CkLut.h"
@@ -305,11 +305,11 @@ CkMdiView* CkToF3DMdiView::clone(CkChainable* pProvider, CkChainable* pSecond) {
 
 Qt3DCore::QAttribute* CkToF3DMdiView::getSceneAttribute(const Qt3DRender::QGeometryRenderer* pRenderer,
                                                         const QString& sName) {
-    return CkToFSceneAttribute::find(pRenderer, sName);
+    return ToFSceneAttribute::find(pRenderer, sName);
 }
 
 QString CkToF3DMdiView::indexBufferName() {
-    return CkToFSceneAttribute::indexName();
+    return ToFSceneAttribute::indexName();
 }
 
 // ---- events
@@ -355,7 +355,7 @@ void CkToF3DMdiView::sceneEvent(QEvent& event) {
             updatePointCloudGeometry();
             break;
         default:
-            CkToFEmbeddedWindow::triggerShortcut(*this, static_cast<QKeyEvent&>(event));
+            ToFEmbeddedWindow::triggerShortcut(*this, static_cast<QKeyEvent&>(event));
             break;
         }
         break;
@@ -363,7 +363,7 @@ void CkToF3DMdiView::sceneEvent(QEvent& event) {
     case QEvent::DragMove:
     case QEvent::DragLeave:
     case QEvent::Drop:
-        CkToFEmbeddedWindow::handOverDrop(*m_scene->window(), *this, event);
+        ToFEmbeddedWindow::handOverDrop(*m_scene->window(), *this, event);
         break;
     default:
         break;

@@ -1,8 +1,8 @@
 #include "plugins/zplToF/view3d/CkToFCloudGeometry.h"
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
-#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
-#include "plugins/zplToF/view3d/CkToFSceneBuffer.h"
+#include "plugins/zplToF/view3d/ToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/ToFSceneBuffer.h"
 
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
@@ -32,7 +32,7 @@ void buildGeometry(QGeometryRenderer* renderer, const CkToFCloudBuilder& cloud) 
     if (cloud.indexCount() != 0) {
         auto* indexBuffer = new Qt3DCore::QBuffer(geometry);
         indexBuffer->setData(cloud.indexBytes());
-        auto* indices = new QAttribute(indexBuffer, CkToFSceneAttribute::indexName(), QAttribute::UnsignedInt,
+        auto* indices = new QAttribute(indexBuffer, ToFSceneAttribute::indexName(), QAttribute::UnsignedInt,
                                        1, uint(cloud.indexCount()), 0, 0, geometry);
         indices->setAttributeType(QAttribute::IndexAttribute);
         geometry->addAttribute(indices);
@@ -47,9 +47,9 @@ void buildGeometry(QGeometryRenderer* renderer, const CkToFCloudBuilder& cloud) 
 } // namespace
 
 void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBuilder& cloud) {
-    QAttribute* positions = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
-    QAttribute* colors = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultColorAttributeName());
-    QAttribute* indices = CkToFSceneAttribute::find(pRenderer, CkToFSceneAttribute::indexName());
+    QAttribute* positions = ToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
+    QAttribute* colors = ToFSceneAttribute::find(pRenderer, QAttribute::defaultColorAttributeName());
+    QAttribute* indices = ToFSceneAttribute::find(pRenderer, ToFSceneAttribute::indexName());
     if (positions == nullptr || colors == nullptr) {
         buildGeometry(pRenderer, cloud);
         m_bTakenUp = false;
@@ -60,9 +60,9 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     Qt3DCore::QBuffer& buffer = *positions->buffer();
     const bool sameSize = buffer.data().size() == cloud.vertexBytes().size();
     if (m_bTakenUp && sameSize && cloud.pointCount() == lastPointCount) {
-        CkToFSceneBuffer::replace(buffer, cloud.vertexBytes());
+        ToFSceneBuffer::replace(buffer, cloud.vertexBytes());
     } else {
-        CkToFSceneBuffer::set(buffer, cloud.vertexBytes());
+        ToFSceneBuffer::set(buffer, cloud.vertexBytes());
         m_bTakenUp = false;
         positions->setCount(uint(cloud.vertexCount()));
         colors->setCount(uint(cloud.vertexCount()));
@@ -70,7 +70,7 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     // The quads' indices depend on the points written and on the size of the picture.
     if (indices != nullptr &&
         (cloud.pointCount() != lastPointCount || indices->count() != uint(cloud.indexCount()))) {
-        CkToFSceneBuffer::set(*indices->buffer(), cloud.indexBytes());
+        ToFSceneBuffer::set(*indices->buffer(), cloud.indexBytes());
         indices->setCount(uint(cloud.indexCount()));
     }
     setDrawnVertices(pRenderer, cloud);

@@ -1,12 +1,12 @@
 #include "plugins/zplToF/view3d/CkToFScene.h"
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
-#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
-#include "plugins/zplToF/view3d/CkToFCloudPick.h"
-#include "plugins/zplToF/view3d/CkToFGlProbe.h"
 #include "plugins/zplToF/view3d/CkToFOrbitController.h"
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
-#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/ToFBoundingBox.h"
+#include "plugins/zplToF/view3d/ToFCloudPick.h"
+#include "plugins/zplToF/view3d/ToFGlProbe.h"
+#include "plugins/zplToF/view3d/ToFSceneAttribute.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -61,7 +61,7 @@ bool CkToFScene::platformUsesPointPrimitives() {
 CkToFScene::CkToFScene(bool bUsePointPrimitives) : m_bUsePointPrimitives(bUsePointPrimitives) {}
 
 std::unique_ptr<CkToFScene> CkToFScene::create(bool bUsePointPrimitives, const QColor& clBackground) {
-    if (!CkToFGlProbe::canRender(bUsePointPrimitives)) {
+    if (!ToFGlProbe::canRender(bUsePointPrimitives)) {
         return nullptr;
     }
     std::unique_ptr<CkToFScene> scene(new CkToFScene(bUsePointPrimitives));
@@ -86,7 +86,7 @@ bool CkToFScene::build(const QColor& clBackground) {
     if (m_window->defaultFrameGraph() == nullptr) {
         return false;
     }
-    if (CkToFGlProbe::isSoftware()) {
+    if (ToFGlProbe::isSoftware()) {
         drawWithoutMultisampling(*m_window);
     }
     logRenderer();
@@ -169,13 +169,13 @@ void CkToFScene::setUpCamera() {
 float CkToFScene::depthAt(const QPointF& place) const {
     using Qt3DCore::QAttribute;
     const QAttribute* positions =
-        CkToFSceneAttribute::find(m_cloudRenderer, QAttribute::defaultPositionAttributeName());
+        ToFSceneAttribute::find(m_cloudRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         return 0.0F;
     }
-    return CkToFCloudPick::depthAt(positions->buffer()->data(), int(positions->count()),
-                                   camera()->projectionMatrix() * camera()->viewMatrix(), m_window->size(),
-                                   place);
+    return ToFCloudPick::depthAt(positions->buffer()->data(), int(positions->count()),
+                                 camera()->projectionMatrix() * camera()->viewMatrix(), m_window->size(),
+                                 place);
 }
 
 Qt3DExtras::Qt3DWindow* CkToFScene::window() const {
@@ -212,7 +212,7 @@ void CkToFScene::setCloud(const CkToFCloudBuilder& cloud) {
 }
 
 void CkToFScene::setBox(float fHalfX, float fHalfY, float fHalfZ) {
-    CkToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bDrawn);
+    ToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bDrawn);
 }
 
 void CkToFScene::setBoxVisible(bool bVisible) {

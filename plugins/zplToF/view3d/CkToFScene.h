@@ -1,7 +1,7 @@
 #pragma once
 
-#include "plugins/zplToF/view3d/CkToFBillboardMaterial.h"
 #include "plugins/zplToF/view3d/CkToFCloudGeometry.h"
+#include "plugins/zplToF/view3d/SkToFBillboardMaterial.h"
 
 #include <QColor>
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/translations/CkToFTranslation.h"
+#include "plugins/zplToF/translations/ToFTranslation.h"
 #include "tests/plugins/zplToF/calibration/CalibrationFixture.h"
 #include "tests/support/LayoutChecks.h"
 
@@ -12,7 +12,7 @@ protected:
     void SetUp() override {
         const QLocale language{QString::fromLatin1(GetParam())};
         QLocale::setDefault(language);
-        EXPECT_EQ(CkToFTranslation::install(language, &owner), language.language() == QLocale::German);
+        EXPECT_EQ(ToFTranslation::install(language, &owner), language.language() == QLocale::German);
         open();
     }
 

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/integration/ToFCameraCheck.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
 #include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkCameraParameters.h"
@@ -167,13 +167,13 @@ TEST_F(WhileTheCameraIsSetUp, ClosedViewLeavesTheCalibrationWithoutAView) {
 }
 
 TEST_F(WhileTheCameraIsSetUp, ClosedViewIsNotAskedForItsChain) {
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
     EXPECT_TRUE(rig.chain()->stopped());
 }
 
 TEST_F(WhileTheCameraIsSetUp, CameraClosedBeforeTheCommitIsNotSetUp) {
     closeTheCameraAtTheFirstValue();
-    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
+    EXPECT_FALSE(ToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
     EXPECT_TRUE(camera.log().committed.isEmpty());
     EXPECT_TRUE(rig.chain()->stopped());
 }

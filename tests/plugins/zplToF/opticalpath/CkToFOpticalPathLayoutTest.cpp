@@ -1,4 +1,4 @@
-#include "plugins/zplToF/translations/CkToFTranslation.h"
+#include "plugins/zplToF/translations/ToFTranslation.h"
 #include "tests/plugins/zplToF/opticalpath/OpticalPathFixture.h"
 #include "tests/support/LayoutChecks.h"
 
@@ -10,7 +10,7 @@ protected:
     void SetUp() override {
         const QLocale language{QString::fromLatin1(GetParam())};
         QLocale::setDefault(language);
-        EXPECT_EQ(CkToFTranslation::install(language, &owner), language.language() == QLocale::German);
+        EXPECT_EQ(ToFTranslation::install(language, &owner), language.language() == QLocale::German);
     }
 
     int left(const char* name) { return child(name)->mapTo(dialog.get(), QPoint()).x(); }

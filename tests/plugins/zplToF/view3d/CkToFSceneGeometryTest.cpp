@@ -1,8 +1,8 @@
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
 #include "plugins/zplToF/view3d/CkToFCloudGeometry.h"
 #include "plugins/zplToF/view3d/CkToFColorTable.h"
+#include "plugins/zplToF/view3d/ToFBoundingBox.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QSignalSpy>
@@ -88,31 +88,31 @@ private:
 // ---- attributes by name
 // ------------------------------------------------------------------------------------
 
-TEST(CkToFSceneAttributeTest, ANameThatDiffersOnlyInLetterCaseIsNotFound) {
+TEST(ToFSceneAttributeTest, ANameThatDiffersOnlyInLetterCaseIsNotFound) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F, false);
+    ToFBoundingBox::update(&renderer, 1.0F, 1.0F, 1.0F, false);
     EXPECT_NE(attribute(renderer, "vertexPosition"), nullptr);
     EXPECT_EQ(attribute(renderer, "vertexposition"), nullptr);
     EXPECT_EQ(attribute(renderer, "VertexPosition"), nullptr);
     EXPECT_EQ(attribute(renderer, "vertexColor"), nullptr);
 }
 
-TEST(CkToFSceneAttributeTest, NothingIsFoundWithoutRendererOrGeometry) {
+TEST(ToFSceneAttributeTest, NothingIsFoundWithoutRendererOrGeometry) {
     const QGeometryRenderer renderer;
     EXPECT_EQ(CkToF3DMdiView::getSceneAttribute(nullptr, QStringLiteral("vertexPosition")), nullptr);
     EXPECT_EQ(attribute(renderer, "vertexPosition"), nullptr);
 }
 
-TEST(CkToFSceneAttributeTest, TheIndexBufferIsCalledSceneIndexBuffer) {
+TEST(ToFSceneAttributeTest, TheIndexBufferIsCalledSceneIndexBuffer) {
     EXPECT_EQ(CkToF3DMdiView::indexBufferName(), QStringLiteral("sceneIndexBuffer"));
 }
 
 // ---- bounding box
 // ------------------------------------------------------------------------------------------
 
-TEST(CkToFBoundingBoxTest, CornersAndEdges) {
+TEST(ToFBoundingBoxTest, CornersAndEdges) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
+    ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
 
     const QAttribute* positions = attribute(renderer, "vertexPosition");
     ASSERT_NE(positions, nullptr);
@@ -142,16 +142,16 @@ TEST(CkToFBoundingBoxTest, CornersAndEdges) {
     EXPECT_EQ(renderer.vertexCount(), 24);
 }
 
-TEST(CkToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
+TEST(ToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
     for (const bool takenUp : {false, true}) {
         QGeometryRenderer renderer;
-        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, takenUp);
+        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, takenUp);
         const auto* geometry = renderer.geometry();
         const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
         const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
         const QByteArray indices = indexBuffer->data();
 
-        CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, takenUp);
+        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, takenUp);
         EXPECT_EQ(renderer.geometry(), geometry);
         EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
         EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
@@ -164,22 +164,22 @@ TEST(CkToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
     }
 }
 
-TEST(CkToFBoundingBoxTest, OnlyTheLastChangeInPlaceIsKeptForTheScene) {
+TEST(ToFBoundingBoxTest, OnlyTheLastChangeInPlaceIsKeptForTheScene) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, true);
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.125F, true);
+    ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, false);
+    ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, true);
+    ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.125F, true);
     const auto& buffer = *attribute(renderer, "vertexPosition")->buffer();
     EXPECT_EQ(pendingChanges(buffer), 1);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.125F);
-    CkToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.75F, false);
+    ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.75F, false);
     EXPECT_EQ(pendingChanges(buffer), 0);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexPosition"))[2], -0.75F);
 }
 
-TEST(CkToFBoundingBoxTest, ZeroExtentsPutEveryCornerAtTheOrigin) {
+TEST(ToFBoundingBoxTest, ZeroExtentsPutEveryCornerAtTheOrigin) {
     QGeometryRenderer renderer;
-    CkToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F, false);
+    ToFBoundingBox::update(&renderer, 0.0F, 0.0F, 0.0F, false);
     for (const float coordinate : contents<float>(attribute(renderer, "vertexPosition"))) {
         EXPECT_EQ(coordinate, 0.0F);
     }

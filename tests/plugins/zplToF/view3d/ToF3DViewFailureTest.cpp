@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFGlProbe.h"
+#include "plugins/zplToF/view3d/ToFGlProbe.h"
 #include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QAction>
@@ -27,7 +27,7 @@ class ToF3DViewFailureTest : public ViewTest {};
 
 TEST_F(ToF3DViewFailureTest, WithoutUsableOpenGLTheViewSaysSoAndTheRestWorks) {
     ASSERT_TRUE(environmentSet);
-    ASSERT_FALSE(CkToFGlProbe::canRender(true));
+    ASSERT_FALSE(ToFGlProbe::canRender(true));
     m_source.shown = TestFrame::phase(8, 6, [](int, int) { return DepthPixel{1.0F, 0.1F}; });
     const auto view = open();
     EXPECT_EQ(view->scene(), nullptr);

@@ -1,6 +1,6 @@
-#include "plugins/zplToF/view3d/CkToFGlProbe.h"
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/ToFGlProbe.h"
 #include "tests/plugins/zplToF/view3d/ViewRig.h"
 
 #include <QFile>
@@ -137,7 +137,7 @@ TEST_F(ToF3DViewSceneTest, TheCaptureStandsUnderTheClearedBuffers) {
 // Four samples a pixel would take a processor more time than all the rest.
 TEST_F(ToF3DViewSceneTest, AProcessorDrawsOneSampleAPixel) {
     const auto view = open();
-    ASSERT_TRUE(CkToFGlProbe::isSoftware());
+    ASSERT_TRUE(ToFGlProbe::isSoftware());
     show(*view);
     EXPECT_LE(view->scene()->window()->format().samples(), 1);
     EXPECT_LE(QSurfaceFormat::defaultFormat().samples(), 1);

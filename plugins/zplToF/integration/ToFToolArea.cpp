@@ -1,9 +1,10 @@
-#include "plugins/zplToF/integration/CkToFToolArea.h"
+#include "plugins/zplToF/integration/ToFToolArea.h"
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPointer>
@@ -12,7 +13,16 @@
 #include <QVariant>
 #include <memory>
 
-bool CkToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
+namespace {
+
+struct SkTexts {
+    // The texts belong to the plug-in class, which users and translators know.
+    Q_DECLARE_TR_FUNCTIONS(CkToFPlugin)
+};
+
+} // namespace
+
+bool ToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
     CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
     IkAppDelegate* host = IkAppDelegate::instance();
     if (host == nullptr || parameters == nullptr ||
@@ -22,7 +32,7 @@ bool CkToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
     auto* layout = new QHBoxLayout;
     QList<QPointer<QWidget>> widgets;
 
-    auto* label = new QLabel(tr("ToF Processing:"));
+    auto* label = new QLabel(SkTexts::tr("ToF Processing:"));
     layout->addWidget(label);
     widgets.append(label);
 
@@ -35,8 +45,9 @@ bool CkToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
         layout->addWidget(button);
         widgets.append(button);
     };
-    addButton(tr("Open 3D View"), "btnToF3D", SLOT(on_actOpenToF3dViewStartAcq()));
-    addButton(tr("Open All ToF Processing Views"), "btnToFAllViews", SLOT(on_actOpenAllToFViewsStartAcq()));
+    addButton(SkTexts::tr("Open 3D View"), "btnToF3D", SLOT(on_actOpenToF3dViewStartAcq()));
+    addButton(SkTexts::tr("Open All ToF Processing Views"), "btnToFAllViews",
+              SLOT(on_actOpenAllToFViewsStartAcq()));
     layout->addSpacerItem(new QSpacerItem(1, 1, QSizePolicy::Expanding, QSizePolicy::Minimum));
 
     if (!host->addCameraPanelLayout(cameraHandle, parameters, layout, 1)) {

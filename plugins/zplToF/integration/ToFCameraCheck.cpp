@@ -1,4 +1,4 @@
-#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/integration/ToFCameraCheck.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkCameraManager.h"
@@ -76,22 +76,22 @@ bool setUpFormat(const CameraPointer& parameters) {
 
 } // namespace
 
-bool CkToFCameraCheck::isToFCamera(void* cameraHandle) {
+bool ToFCameraCheck::isToFCamera(void* cameraHandle) {
     CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
     if (parameters == nullptr) {
         return false;
     }
     return parameters->findParam(g_sReadoutMode, false) != nullptr ||
-           parameters->cameraInfo().sensorType == HybridSensorType;
+           parameters->cameraInfo().sensorType == ToFCameraCheck::kHybridSensorType;
 }
 
-bool CkToFCameraCheck::viewBelongsToToFCamera(int iViewId, void*& cameraHandle) {
+bool ToFCameraCheck::viewBelongsToToFCamera(int iViewId, void*& cameraHandle) {
     IkAppDelegate* host = IkAppDelegate::instance();
     cameraHandle = host != nullptr ? host->cameraHandleOfView(iViewId) : nullptr;
     return cameraHandle != nullptr && isToFCamera(cameraHandle);
 }
 
-bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkPicBufInfo* pInfo, CkImageMetadata* pMetadata) {
+bool ToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkPicBufInfo* pInfo, CkImageMetadata* pMetadata) {
     if (pView == nullptr) {
         return false;
     }
@@ -115,7 +115,7 @@ bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkPicBufInfo* pInfo, 
     return true;
 }
 
-bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds) {
+bool ToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds) {
     kinds = {};
     SkPicBufInfo info;
     CkImageMetadata metadata;
@@ -126,15 +126,15 @@ bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds) {
     return true;
 }
 
-bool CkToFCameraCheck::imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isAminB, bool& isPhaseShift,
-                                         bool& separatePhases, bool& isHybrid) {
+bool ToFCameraCheck::imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isAminB, bool& isPhaseShift,
+                                       bool& separatePhases, bool& isHybrid) {
     SkToFKinds kinds;
     const bool known = imageFormatAtView(pView, kinds);
     std::tie(isAB, isAminB, isPhaseShift, separatePhases, isHybrid) = flags(kinds);
     return known;
 }
 
-bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds) {
+bool ToFCameraCheck::checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds) {
     kinds = {};
     auto* provider = qobject_cast<CkImageProvider*>(pBlock);
     SkPicBufInfo info;
@@ -146,21 +146,21 @@ bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds) {
     return true;
 }
 
-bool CkToFCameraCheck::checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isAminB, bool& isPhaseShift,
-                                      bool& separatePhases, bool& isHybrid) {
+bool ToFCameraCheck::checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isAminB, bool& isPhaseShift,
+                                    bool& separatePhases, bool& isHybrid) {
     SkToFKinds kinds;
     const bool known = checkToFFormat(pBlock, kinds);
     std::tie(isAB, isAminB, isPhaseShift, separatePhases, isHybrid) = flags(kinds);
     return known;
 }
 
-bool CkToFCameraCheck::switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle) {
+bool ToFCameraCheck::switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle) {
     const CameraPointer parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
     const QPointer<CkMdiView> view = pView;
     if (parameters == nullptr) {
         return false;
     }
-    const bool hybrid = parameters->cameraInfo().sensorType == HybridSensorType;
+    const bool hybrid = parameters->cameraInfo().sensorType == ToFCameraCheck::kHybridSensorType;
     if (findParam(parameters, g_sDataFormat) == nullptr ||
         (!hybrid && findParam(parameters, g_sReadoutMode) == nullptr)) {
         return false;

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFBillboardMaterial.h"
+#include "plugins/zplToF/view3d/SkToFBillboardMaterial.h"
 
 #include <QPointF>
 #include <QUrl>

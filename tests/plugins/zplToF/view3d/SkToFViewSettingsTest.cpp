@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/view3d/SkToFViewSettings.h"
 
 #include <QColor>
 #include <QRect>
@@ -26,7 +26,7 @@ const QStringList allKeys = {
     QStringLiteral("ToF.BgColor"),
 };
 
-class CkToFViewSettingsTest : public ::testing::Test {
+class SkToFViewSettingsTest : public ::testing::Test {
 protected:
     std::unique_ptr<QSettings> store() const {
         return std::make_unique<QSettings>(m_folder.filePath(QStringLiteral("settings.ini")),
@@ -55,11 +55,11 @@ protected:
     QTemporaryDir m_folder;
 };
 
-TEST_F(CkToFViewSettingsTest, EmptyStoreGivesTheDefaults) {
+TEST_F(SkToFViewSettingsTest, EmptyStoreGivesTheDefaults) {
     expectDefaults(*store());
 }
 
-TEST_F(CkToFViewSettingsTest, EveryKeyIsRead) {
+TEST_F(SkToFViewSettingsTest, EveryKeyIsRead) {
     put(QStringLiteral("ToF.ShowBBox"), false);
     put(QStringLiteral("ToF.RegulateInputFps"), true);
     put(QStringLiteral("ToF.MaxInputFps"), 12.5F);
@@ -92,7 +92,7 @@ TEST_F(CkToFViewSettingsTest, EveryKeyIsRead) {
     EXPECT_EQ(SkToFViewSettings::readDistanceOffset(*settings, 9.0F), 0.125F);
 }
 
-TEST_F(CkToFViewSettingsTest, JunkInEveryKeyGivesTheDefaults) {
+TEST_F(SkToFViewSettingsTest, JunkInEveryKeyGivesTheDefaults) {
     const QVariantList junk = {
         QStringLiteral("junk"),
         QString(),
@@ -111,7 +111,7 @@ TEST_F(CkToFViewSettingsTest, JunkInEveryKeyGivesTheDefaults) {
     }
 }
 
-TEST_F(CkToFViewSettingsTest, NumbersThatAreNotFiniteCountAsMissing) {
+TEST_F(SkToFViewSettingsTest, NumbersThatAreNotFiniteCountAsMissing) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const QVariant& value : {QVariant(infinity), QVariant(std::numeric_limits<double>::quiet_NaN()),
                                   QVariant(QStringLiteral("inf")), QVariant(QStringLiteral("nan")),
@@ -125,7 +125,7 @@ TEST_F(CkToFViewSettingsTest, NumbersThatAreNotFiniteCountAsMissing) {
     }
 }
 
-TEST_F(CkToFViewSettingsTest, WhatTheDialogStoresIsReadBack) {
+TEST_F(SkToFViewSettingsTest, WhatTheDialogStoresIsReadBack) {
     SkToFViewSettings settings;
     settings.regulateInputFps = true;
     settings.maxInputFps = 0.1F;

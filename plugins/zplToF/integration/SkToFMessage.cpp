@@ -1,4 +1,4 @@
-#include "plugins/zplToF/integration/CkToFMessageBox.h"
+#include "plugins/zplToF/integration/SkToFMessage.h"
 
 #include "zuCoreGui/IkAppDelegate.h"
 

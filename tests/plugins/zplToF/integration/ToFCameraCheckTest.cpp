@@ -1,4 +1,4 @@
-#include "plugins/zplToF/integration/CkToFCameraCheck.h"
+#include "plugins/zplToF/integration/ToFCameraCheck.h"
 #include "tests/plugins/zplToF/integration/ToFRig.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -11,7 +11,7 @@ namespace {
 
 TEST(ToFCameraCheck, ReadoutMode3AndFormat5EndWith4And13) {
     FakeCamera camera({3, 5});
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.value("tof_readout_mode"), 4);
     EXPECT_EQ(camera.value("imgdataformat"), 13);
     EXPECT_EQ(camera.log().commits, 1) << "both changes reach the camera together";
@@ -20,7 +20,7 @@ TEST(ToFCameraCheck, ReadoutMode3AndFormat5EndWith4And13) {
 
 TEST(ToFCameraCheck, ReadoutMode2AndFormat1AreLeftUnchangedWithOneCommit) {
     FakeCamera camera({2, 1});
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.value("tof_readout_mode"), 2);
     EXPECT_EQ(camera.value("imgdataformat"), 1);
     EXPECT_EQ(camera.log().commits, 1);
@@ -29,16 +29,16 @@ TEST(ToFCameraCheck, ReadoutMode2AndFormat1AreLeftUnchangedWithOneCommit) {
 
 TEST(ToFCameraCheck, HybridCameraKeeps17AndReplaces6By18) {
     FakeCamera kept({-1, 17, 13});
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, kept.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, kept.handle()));
     EXPECT_EQ(kept.value("imgdataformat"), 17);
     FakeCamera set({-1, 6, 13});
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, set.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, set.handle()));
     EXPECT_EQ(set.value("imgdataformat"), 18);
 }
 
 TEST(ToFCameraCheck, CameraWithoutDataFormatIsNeverChanged) {
     FakeCamera camera({3, -1});
-    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_FALSE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.value("tof_readout_mode"), 3);
     EXPECT_EQ(camera.log().commits, 0);
 }
@@ -58,15 +58,15 @@ TEST(ToFCameraCheck, ViewAnswersFromItsBlockThoughItHoldsAnImage) {
         view.image->setMetadata(metadata);
 
         SkToFKinds kinds;
-        EXPECT_TRUE(CkToFCameraCheck::imageFormatAtView(&view, kinds));
+        EXPECT_TRUE(ToFCameraCheck::imageFormatAtView(&view, kinds));
         EXPECT_TRUE(kinds.isAB);
 
         source->kind = FakeKind::Unknown;
-        EXPECT_TRUE(CkToFCameraCheck::imageFormatAtView(&view, kinds));
+        EXPECT_TRUE(ToFCameraCheck::imageFormatAtView(&view, kinds));
         EXPECT_FALSE(kinds.any()) << "without the block's answer the image counts, and it is grey";
 
         view.image.reset();
-        EXPECT_FALSE(CkToFCameraCheck::imageFormatAtView(&view, kinds));
+        EXPECT_FALSE(ToFCameraCheck::imageFormatAtView(&view, kinds));
     }
     CkChainManager::instance()->closeChain(chain);
 }
@@ -111,7 +111,7 @@ class SetUp : public ::testing::TestWithParam<SetUpCase> {};
 TEST_P(SetUp, ReadoutAndFormat) {
     const SetUpCase& expected = GetParam();
     FakeCamera camera(expected.model);
-    EXPECT_EQ(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()), expected.accepted);
+    EXPECT_EQ(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()), expected.accepted);
     EXPECT_EQ(camera.value("tof_readout_mode"), expected.readoutMode);
     EXPECT_EQ(camera.value("imgdataformat"), expected.dataFormat);
     EXPECT_EQ(camera.log().commits, expected.accepted ? 1 : 0);
@@ -120,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, SetUp, ::testing::ValuesIn(g_setUpCases
 
 TEST(ToFCameraCheck, CameraThatRefusesTheCommitKeepsItsValues) {
     FakeCamera camera({3, 5, 0, true});
-    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_FALSE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.value("tof_readout_mode"), 3);
     EXPECT_EQ(camera.value("imgdataformat"), 5);
 }
@@ -129,7 +129,7 @@ TEST(ToFCameraCheck, ValueThatIsRefusedTakesTheWholeBatchBack) {
     FakeCameraModel model{3, 5};
     model.refuseFormats = true;
     FakeCamera camera(model);
-    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
+    EXPECT_FALSE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, camera.handle()));
     EXPECT_EQ(camera.log().commits, 0);
     const CkCameraParam* readout = camera.parameters()->findParam(QStringLiteral("tof_readout_mode"));
     EXPECT_EQ(readout->paramValue().toInt(), 3);
@@ -143,18 +143,18 @@ TEST(ToFCameraCheck, WhatIsAToFCamera) {
     FakeCamera withMode({0, -1});
     FakeCamera hybrid({-1, -1, 13});
     FakeCamera other({-1, 13, 12});
-    EXPECT_TRUE(CkToFCameraCheck::isToFCamera(withMode.handle()));
-    EXPECT_TRUE(CkToFCameraCheck::isToFCamera(hybrid.handle()));
-    EXPECT_FALSE(CkToFCameraCheck::isToFCamera(other.handle()));
-    EXPECT_FALSE(CkToFCameraCheck::isToFCamera(nullptr));
+    EXPECT_TRUE(ToFCameraCheck::isToFCamera(withMode.handle()));
+    EXPECT_TRUE(ToFCameraCheck::isToFCamera(hybrid.handle()));
+    EXPECT_FALSE(ToFCameraCheck::isToFCamera(other.handle()));
+    EXPECT_FALSE(ToFCameraCheck::isToFCamera(nullptr));
 }
 
 TEST(ToFCameraCheck, CameraThatHasGoneCountsAsNone) {
     FakeCamera camera({4, 13});
     void* gone = camera.handle();
     camera.close();
-    EXPECT_FALSE(CkToFCameraCheck::isToFCamera(gone));
-    EXPECT_FALSE(CkToFCameraCheck::switchCameraTo3dFormat(nullptr, gone));
+    EXPECT_FALSE(ToFCameraCheck::isToFCamera(gone));
+    EXPECT_FALSE(ToFCameraCheck::switchCameraTo3dFormat(nullptr, gone));
 }
 
 TEST(ToFCameraCheck, ViewBelongsToToFCamera) {
@@ -164,11 +164,11 @@ TEST(ToFCameraCheck, ViewBelongsToToFCamera) {
     app.viewCameras[5] = tof.handle();
     app.viewCameras[6] = other.handle();
     void* handle = &app;
-    EXPECT_TRUE(CkToFCameraCheck::viewBelongsToToFCamera(5, handle));
+    EXPECT_TRUE(ToFCameraCheck::viewBelongsToToFCamera(5, handle));
     EXPECT_EQ(handle, tof.handle());
-    EXPECT_FALSE(CkToFCameraCheck::viewBelongsToToFCamera(6, handle));
+    EXPECT_FALSE(ToFCameraCheck::viewBelongsToToFCamera(6, handle));
     EXPECT_EQ(handle, other.handle());
-    EXPECT_FALSE(CkToFCameraCheck::viewBelongsToToFCamera(7, handle));
+    EXPECT_FALSE(ToFCameraCheck::viewBelongsToToFCamera(7, handle));
     EXPECT_EQ(handle, nullptr);
 }
 
@@ -209,11 +209,11 @@ TEST_P(Kinds, OfABlockAndOfAView) {
         EXPECT_EQ(separate, expected.separatePhases) << of;
         EXPECT_EQ(hybrid, expected.isHybrid) << of;
     };
-    EXPECT_EQ(CkToFCameraCheck::checkToFFormat(rig.source, ab, aMinusB, phaseShift, separate, hybrid),
+    EXPECT_EQ(ToFCameraCheck::checkToFFormat(rig.source, ab, aMinusB, phaseShift, separate, hybrid),
               expected.known);
     check("block");
     ab = aMinusB = phaseShift = separate = hybrid = true;
-    EXPECT_EQ(CkToFCameraCheck::imageFormatAtView(rig.view, ab, aMinusB, phaseShift, separate, hybrid),
+    EXPECT_EQ(ToFCameraCheck::imageFormatAtView(rig.view, ab, aMinusB, phaseShift, separate, hybrid),
               expected.known);
     check("view");
 }
@@ -222,9 +222,9 @@ INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, Kinds, ::testing::ValuesIn(g_kindCases)
 TEST(ToFCameraCheck, BlockThatDeliversNoPicturesHasNoFormat) {
     CkChainable block;
     SkToFKinds kinds;
-    EXPECT_FALSE(CkToFCameraCheck::checkToFFormat(&block, kinds));
-    EXPECT_FALSE(CkToFCameraCheck::checkToFFormat(nullptr, kinds));
-    EXPECT_FALSE(CkToFCameraCheck::imageFormatAtView(nullptr, kinds));
+    EXPECT_FALSE(ToFCameraCheck::checkToFFormat(&block, kinds));
+    EXPECT_FALSE(ToFCameraCheck::checkToFFormat(nullptr, kinds));
+    EXPECT_FALSE(ToFCameraCheck::imageFormatAtView(nullptr, kinds));
 }
 
 TEST(ToFCameraCheck, SettingUpStartsTheStoppedChainOfTheView) {
@@ -232,7 +232,7 @@ TEST(ToFCameraCheck, SettingUpStartsTheStoppedChainOfTheView) {
     ToFRig rig;
     rig.open(FakeKind::AB, false, &camera);
     ASSERT_TRUE(rig.chain()->stopped());
-    EXPECT_TRUE(CkToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
+    EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));
     EXPECT_TRUE(rig.chain()->started());
 }
 

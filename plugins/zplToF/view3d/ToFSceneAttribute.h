@@ -9,7 +9,7 @@ class QGeometryRenderer;
 }
 
 /// Attributes of the scene's geometries by name.
-namespace CkToFSceneAttribute {
+namespace ToFSceneAttribute {
 
 /// The first attribute of exactly this name; null without a renderer, a geometry or a match.
 Qt3DCore::QAttribute* find(const Qt3DRender::QGeometryRenderer* pRenderer, const QString& sName);
@@ -17,4 +17,4 @@ Qt3DCore::QAttribute* find(const Qt3DRender::QGeometryRenderer* pRenderer, const
 /// "sceneIndexBuffer": the name of every index attribute.
 QString indexName();
 
-} // namespace CkToFSceneAttribute
+} // namespace ToFSceneAttribute

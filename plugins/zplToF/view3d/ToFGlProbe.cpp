@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFGlProbe.h"
+#include "plugins/zplToF/view3d/ToFGlProbe.h"
 
 #include <QByteArray>
 #include <QGuiApplication>
@@ -50,7 +50,7 @@ bool contextComesUp(const QSurfaceFormat& wanted, bool needsCore) {
 
 } // namespace
 
-bool CkToFGlProbe::canRender(bool bGeometryShader) {
+bool ToFGlProbe::canRender(bool bGeometryShader) {
     static bool s_known[2] = {false, false};
     bool& known = s_known[bGeometryShader ? 1 : 0];
     if (!known && qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr) {
@@ -67,6 +67,6 @@ bool CkToFGlProbe::canRender(bool bGeometryShader) {
     return known;
 }
 
-bool CkToFGlProbe::isSoftware() {
+bool ToFGlProbe::isSoftware() {
     return s_software;
 }

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFEmbeddedWindow.h"
+#include "plugins/zplToF/view3d/ToFEmbeddedWindow.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -27,7 +27,7 @@ void handOver(const QWindow& window, QWidget& widget, Event& event) {
 
 } // namespace
 
-void CkToFEmbeddedWindow::handOverDrop(const QWindow& window, QWidget& widget, QEvent& event) {
+void ToFEmbeddedWindow::handOverDrop(const QWindow& window, QWidget& widget, QEvent& event) {
     switch (event.type()) {
     case QEvent::DragEnter:
         handOver(window, widget, static_cast<QDragEnterEvent&>(event));
@@ -46,7 +46,7 @@ void CkToFEmbeddedWindow::handOverDrop(const QWindow& window, QWidget& widget, Q
     }
 }
 
-void CkToFEmbeddedWindow::triggerShortcut(const QWidget& widget, const QKeyEvent& event) {
+void ToFEmbeddedWindow::triggerShortcut(const QWidget& widget, const QKeyEvent& event) {
     const QKeySequence pressed(event.keyCombination());
     for (const QWidget* around = &widget; around != nullptr; around = around->parentWidget()) {
         const QList<QAction*> actions = around->actions();

@@ -1,8 +1,8 @@
-#include "plugins/zplToF/view3d/CkToFBoundingBox.h"
+#include "plugins/zplToF/view3d/ToFBoundingBox.h"
 
 #include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
-#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
-#include "plugins/zplToF/view3d/CkToFSceneBuffer.h"
+#include "plugins/zplToF/view3d/ToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/ToFSceneBuffer.h"
 
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QBuffer>
@@ -28,7 +28,7 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 
     auto* positions = new QAttribute(vertexBuffer, QAttribute::defaultPositionAttributeName(),
                                      QAttribute::Float, 3, 8, 0, 0, geometry);
-    auto* edges = new QAttribute(indexBuffer, CkToFSceneAttribute::indexName(), QAttribute::UnsignedShort, 1,
+    auto* edges = new QAttribute(indexBuffer, ToFSceneAttribute::indexName(), QAttribute::UnsignedShort, 1,
                                  uint(indices.size()), 0, 0, geometry);
     edges->setAttributeType(QAttribute::IndexAttribute);
     geometry->addAttribute(positions);
@@ -42,15 +42,15 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 
 } // namespace
 
-void CkToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
-                              float fHalfZ, bool bTakenUp) {
+void ToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
+                            float fHalfZ, bool bTakenUp) {
     const QByteArray corners = bytesOf(CkToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
-    QAttribute* positions = CkToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
+    QAttribute* positions = ToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         buildGeometry(pRenderer, corners);
     } else if (bTakenUp) {
-        CkToFSceneBuffer::replace(*positions->buffer(), corners);
+        ToFSceneBuffer::replace(*positions->buffer(), corners);
     } else {
-        CkToFSceneBuffer::set(*positions->buffer(), corners);
+        ToFSceneBuffer::set(*positions->buffer(), corners);
     }
 }

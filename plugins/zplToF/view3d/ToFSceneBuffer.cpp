@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFSceneBuffer.h"
+#include "plugins/zplToF/view3d/ToFSceneBuffer.h"
 
 #include <QByteArray>
 #include <QVariant>
@@ -15,12 +15,12 @@ void dropPendingChanges(Qt3DCore::QBuffer& buffer) {
 
 } // namespace
 
-void CkToFSceneBuffer::set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes) {
+void ToFSceneBuffer::set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes) {
     dropPendingChanges(buffer);
     buffer.setData(bytes);
 }
 
-void CkToFSceneBuffer::replace(Qt3DCore::QBuffer& buffer, const QByteArray& bytes) {
+void ToFSceneBuffer::replace(Qt3DCore::QBuffer& buffer, const QByteArray& bytes) {
     dropPendingChanges(buffer);
     buffer.updateData(0, bytes);
 }

@@ -1,12 +1,12 @@
-#include "plugins/zplToF/view3d/CkToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/ToFSceneAttribute.h"
 
 #include <QString>
 #include <Qt3DCore/QAttribute>
 #include <Qt3DCore/QGeometry>
 #include <Qt3DRender/QGeometryRenderer>
 
-Qt3DCore::QAttribute* CkToFSceneAttribute::find(const Qt3DRender::QGeometryRenderer* pRenderer,
-                                                const QString& sName) {
+Qt3DCore::QAttribute* ToFSceneAttribute::find(const Qt3DRender::QGeometryRenderer* pRenderer,
+                                              const QString& sName) {
     if (pRenderer == nullptr || pRenderer->geometry() == nullptr) {
         return nullptr;
     }
@@ -19,6 +19,6 @@ Qt3DCore::QAttribute* CkToFSceneAttribute::find(const Qt3DRender::QGeometryRende
     return nullptr;
 }
 
-QString CkToFSceneAttribute::indexName() {
+QString ToFSceneAttribute::indexName() {
     return QStringLiteral("sceneIndexBuffer");
 }

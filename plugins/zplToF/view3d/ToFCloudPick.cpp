@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFCloudPick.h"
+#include "plugins/zplToF/view3d/ToFCloudPick.h"
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 
@@ -16,8 +16,8 @@ constexpr double PixelsAround = 10.0;
 
 } // namespace
 
-float CkToFCloudPick::depthAt(const QByteArray& vertexBytes, int iVertices, const QMatrix4x4& toClip,
-                              const QSizeF& window, const QPointF& place) {
+float ToFCloudPick::depthAt(const QByteArray& vertexBytes, int iVertices, const QMatrix4x4& toClip,
+                            const QSizeF& window, const QPointF& place) {
     float nearest = 0.0F;
     for (int i = 0; i < iVertices; ++i) {
         std::array<float, 3> point;

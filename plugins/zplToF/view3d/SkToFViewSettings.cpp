@@ -1,4 +1,4 @@
-#include "plugins/zplToF/view3d/CkToFViewSettings.h"
+#include "plugins/zplToF/view3d/SkToFViewSettings.h"
 
 #include <QColor>
 #include <QSettings>

@@ -6,7 +6,7 @@ class QBuffer;
 }
 
 /// New contents for the buffers of the scene.
-namespace CkToFSceneBuffer {
+namespace ToFSceneBuffer {
 
 /// The buffer as a whole, of any size.
 void set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
@@ -14,4 +14,4 @@ void set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 /// In place. The scene must have taken up a buffer of this size already.
 void replace(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 
-} // namespace CkToFSceneBuffer
+} // namespace ToFSceneBuffer
