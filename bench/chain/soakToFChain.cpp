@@ -5,7 +5,7 @@
 
 #include "bench/chain/SoakCamera.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
-#include "plugins/zplToF/transform/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 
@@ -57,7 +57,7 @@ bool isRight(const CkImageData& frame) {
     for (int transform = 0; transform < 7; ++transform) {
         SkPicBufInfo out;
         CkImageMetadata outRecord;
-        if (CkToFNegotiation::negotiate(transform, in, out, &record, &outRecord) == nullptr &&
+        if (ToFNegotiation::negotiate(transform, in, out, &record, &outRecord) == nullptr &&
             sameFormat(out, frame.picBuf()) && outRecord.channelNames == frame.metadata().channelNames &&
             outRecord.phasesCount == frame.metadata().phasesCount) {
             return true;

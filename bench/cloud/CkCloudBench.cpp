@@ -3,7 +3,7 @@
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QLocale>
@@ -37,8 +37,9 @@ constexpr quint32 Height = 480;
 /// Phase shift with confidence: a tilted wall with noise and one dropped pixel in ten.
 const SkToFDepthPictures& phasePictures() {
     static CkToFDepthFrame frame;
-    if (!frame.isEmpty())
+    if (!frame.isEmpty()) {
         return frame.pictures();
+    }
     SkPicBuf input;
     CkPicBufAPI::AllocPicBufFromHeap(input, Width, Height, 2, EkImageDataType::Float32, 0, 0, 32,
                                      EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
@@ -54,8 +55,9 @@ const SkToFDepthPictures& phasePictures() {
     }
     CkImageMetadata metadata;
     metadata.channelNames = {"Phase shift", "Confidence"};
-    if (!frame.update(input, &metadata, 640))
+    if (!frame.update(input, &metadata, 640)) {
         fail("depth frame");
+    }
     CkPicBufAPI::FreePicBuf(input);
     return frame.pictures();
 }
@@ -63,28 +65,33 @@ const SkToFDepthPictures& phasePictures() {
 /// 12 bits in 16, the smallest and the largest possible sample among them.
 const SkToFDepthPictures& genericPictures() {
     static SkToFDepthPictures pictures;
-    if (pictures.depthPic.data)
+    if (pictures.depthPic.data) {
         return pictures;
+    }
     CkPicBufAPI::AllocPicBufFromHeap(pictures.depthPic, Width, Height, 1, EkImageDataType::UInt16, 0, 0, 12,
                                      EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
                                      0);
-    for (quint32 y = 0; y < Height; y++)
-        for (quint32 x = 0; x < Width; x++)
+    for (quint32 y = 0; y < Height; y++) {
+        for (quint32 x = 0; x < Width; x++) {
             reinterpret_cast<quint16*>(pictures.depthPic.row(y))[x] = quint16((x * 7 + y * 13) % 4096);
+        }
+    }
     return pictures;
 }
 
 SkToFCloudParameters parametersFor(const SkToFDepthPictures& pictures, bool bLens, double dGamma,
                                    bool bQuads) {
     static std::array<quint8, 1024> colours;
-    for (size_t i = 0; i < colours.size(); i++)
+    for (size_t i = 0; i < colours.size(); i++) {
         colours[i] = quint8(i * 37);
+    }
     SkToFCloudParameters parameters;
     parameters.pColourTable = colours.data();
     parameters.opticalPath.compensateDistortion = bLens;
-    if (dGamma != 1.0)
+    if (dGamma != 1.0) {
         parameters.contrast =
             CkLut::CkCompContrast{0, quint32((1ULL << pictures.depthPic.bitsPerChannel) - 1), 0, 255, dGamma};
+    }
     parameters.layout = bQuads ? EkToFVertexLayout::Quads : EkToFVertexLayout::Points;
     return parameters;
 }
@@ -97,13 +104,16 @@ qint32 orderOf(float fValue) {
 
 void checkEqual(const CkToFCloudBuilder& plain, const CkToFCloudBuilder& fast) {
     if (plain.pointCount() == 0 || plain.pointCount() != fast.pointCount() ||
-        plain.indexBytes() != fast.indexBytes())
+        plain.indexBytes() != fast.indexBytes()) {
         fail("points or indices");
+    }
     const auto* a = reinterpret_cast<const float*>(plain.vertexBytes().constData());
     const auto* b = reinterpret_cast<const float*>(fast.vertexBytes().constData());
-    for (int i = 0; i < plain.vertexCount() * 6; i++)
-        if (std::abs(qint64(orderOf(a[i])) - orderOf(b[i])) > (i % 6 < 2 ? 2 : 0))
+    for (int i = 0; i < plain.vertexCount() * 6; i++) {
+        if (std::abs(qint64(orderOf(a[i])) - orderOf(b[i])) > (i % 6 < 2 ? 2 : 0)) {
             fail("vertices");
+        }
+    }
 }
 
 double threadNanoseconds() {
@@ -150,8 +160,9 @@ void cloud(benchmark::State& state, const SkToFDepthPictures& (*pictures)(), boo
     CkToFCloudBuilder plain;
     plain.setPlainLoop(true);
     CkToFCloudBuilder fast;
-    if (!plain.build(pictures(), parameters) || !fast.build(pictures(), parameters))
+    if (!plain.build(pictures(), parameters) || !fast.build(pictures(), parameters)) {
         fail("build");
+    }
     checkEqual(plain, fast);
     compare(
         state, Width * Height, "pixel", [&] { plain.build(pictures(), parameters); },
@@ -170,8 +181,9 @@ const std::vector<SkToFPoint>& plyPoints() {
         builder.build(phasePictures(), parameters);
         points.assign(builder.exportPoints().begin(), builder.exportPoints().end());
     }
-    if (points.size() != size_t(Width) * Height)
+    if (points.size() != size_t(Width) * Height) {
         fail("PLY points");
+    }
     return points;
 }
 
@@ -179,17 +191,19 @@ QByteArray plyByArg(const std::vector<SkToFPoint>& points) {
     QString text = QString("ply\nformat ascii 1.0\nelement vertex %1\nproperty float x\nproperty float y\n"
                            "property float z\nend_header\n")
                        .arg(points.size());
-    for (const SkToFPoint& p : points)
+    for (const SkToFPoint& p : points) {
         text += QString("%1 %2 %3\n")
                     .arg(double(p.x), 0, 'g', QLocale::FloatingPointShortest)
                     .arg(double(p.y), 0, 'g', QLocale::FloatingPointShortest)
                     .arg(double(p.z), 0, 'g', QLocale::FloatingPointShortest);
+    }
     return text.toUtf8();
 }
 
 void ply(benchmark::State& state) {
-    if (plyByArg(plyPoints()) != buildPlyText(plyPoints()))
+    if (plyByArg(plyPoints()) != buildPlyText(plyPoints())) {
         fail("PLY text");
+    }
     compare(
         state, double(plyPoints().size()), "point", [] { benchmark::DoNotOptimize(plyByArg(plyPoints())); },
         [] { benchmark::DoNotOptimize(buildPlyText(plyPoints())); });
@@ -203,20 +217,24 @@ void depthFrame(benchmark::State& state) {
     CkImageMetadata metadata;
     metadata.channelNames = {"Phase shift", "Confidence"};
     CkToFDepthFrame frame;
-    for (auto _ : state)
-        if (!frame.update(input, &metadata, 640))
+    for (auto _ : state) {
+        if (!frame.update(input, &metadata, 640)) {
             fail("depth frame");
+        }
+    }
     CkPicBufAPI::FreePicBuf(input);
 }
 
 void registerCloud(const std::string& sName, const SkToFDepthPictures& (*pictures)(), bool bLens,
                    double dGamma, bool bQuads) {
-    for (int64_t target : hwy::SupportedAndGeneratedTargets())
-        if (target == HWY_SSE4 || target == HWY_AVX2 || target == HWY_AVX3)
+    for (int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        if (target == HWY_SSE4 || target == HWY_AVX2 || target == HWY_AVX3) {
             benchmark::RegisterBenchmark((sName + '/' + hwy::TargetName(target)).c_str(), cloud, pictures,
                                          bLens, dGamma, bQuads, target)
                 ->UseManualTime()
                 ->Unit(benchmark::kMillisecond);
+        }
+    }
 }
 
 const bool registered = [] {

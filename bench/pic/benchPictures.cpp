@@ -63,8 +63,9 @@ BenchPicture::BenchPicture(quint32 width, quint32 height, quint32 channels, EkIm
     info.dataType = type;
     info.bitsPerChannel = bits;
     info.lineSize = (width * channels * sampleBytes(type) + 255) / 256 * 256;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(pic, info))
+    if (!CkPicBufAPI::AllocPicBufFromHeap(pic, info)) {
         throw std::bad_alloc();
+    }
     // Every page is there before the clock runs.
     std::memset(pic.data, 0, bytes());
 }
@@ -86,9 +87,10 @@ BenchPicture noisePicture(quint32 sections, EkImageDataType type) {
     for (quint32 y = 0; y < 600; ++y) {
         for (quint32 x = 0; x < 832; ++x) {
             const bool dark = isDark(random);
-            for (quint32 sample = 0; sample < 3 * sections; ++sample)
+            for (quint32 sample = 0; sample < 3 * sections; ++sample) {
                 put(picture, x, sample / 3 * 600 + y, sample % 3,
                     dark ? 0.0 : double(random() % (wide ? 4096 : 256)));
+            }
         }
     }
     return picture;

@@ -3,7 +3,7 @@
 #include "bench/pic/copyLoop.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 
 #include <benchmark/benchmark.h>
 
@@ -35,15 +35,17 @@ struct Case {
 
 /// Equal bytes; phase angles within a millionth of the plain loop's.
 bool sameResult(const Case& which, const BenchPicture& expected, const BenchPicture& actual) {
-    if (!which.phaseShift)
+    if (!which.phaseShift) {
         return std::memcmp(expected.pic.data, actual.pic.data, expected.bytes()) == 0;
+    }
     for (quint32 y = 0; y < expected.pic.height; ++y) {
         const auto* first = reinterpret_cast<const float*>(expected.pic.row(y));
         const auto* second = reinterpret_cast<const float*>(actual.pic.row(y));
         for (quint32 sample = 0; sample < expected.pic.width * expected.pic.channels; ++sample) {
             const float tolerance = sample % expected.pic.channels == 0 ? 1e-6F : 0.0F;
-            if (!(std::abs(first[sample] - second[sample]) <= tolerance))
+            if (!(std::abs(first[sample] - second[sample]) <= tolerance)) {
                 return false;
+            }
         }
     }
     return true;
@@ -56,17 +58,18 @@ double pixelsOf(const BenchPicture& result) {
 void measure(benchmark::State& state, const Case& which, const SkToFKernels& kernels) {
     const auto expected = which.result();
     const auto result = which.result();
-    CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
+    ToFKernelChoice::pin(&ToFKernelChoice::plain());
     bool good = which.run(which.source->pic, expected->pic);
-    CkToFKernelChoice::pin(&kernels);
+    ToFKernelChoice::pin(&kernels);
     good = which.run(which.source->pic, result->pic) && good;
-    if (!good || !sameResult(which, *expected, *result))
+    if (!good || !sameResult(which, *expected, *result)) {
         state.SkipWithError("differs from the plain loop");
+    }
     while (state.KeepRunning()) {
         benchmark::DoNotOptimize(which.run(which.source->pic, result->pic));
         benchmark::ClobberMemory();
     }
-    CkToFKernelChoice::pin(nullptr);
+    ToFKernelChoice::pin(nullptr);
     state.counters["ns_per_px"] =
         benchmark::Counter(pixelsOf(*result) * 1e-9,
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
@@ -98,8 +101,9 @@ std::vector<Case> everyCase() {
                              [phases](const SkPicBuf& s, SkPicBuf& r) {
                                  return Api::rawX2PicToPhaseShift_Confidence(s, r, int(phases));
                              }});
-            if (phases != 4)
+            if (phases != 4) {
                 continue;
+            }
             cases.push_back({"A minus B, phase, " + name, share(differencePicture(phases, differences)),
                              phases, 1, Type::Float32, true, [phases](const SkPicBuf& s, SkPicBuf& r) {
                                  return Api::rawAminBPicToPhaseShift(s, r, int(phases));
@@ -149,11 +153,12 @@ std::vector<Case> everyCase() {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
+    }
     const std::vector<Case> cases = everyCase();
     for (const Case& which : cases) {
-        for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
             benchmark::RegisterBenchmark(
                 (which.name + "/" + kernels->sName).c_str(),
                 [&which, kernels](benchmark::State& state) { measure(state, which, *kernels); })

@@ -4,7 +4,7 @@
 #include "bench/pic/benchPictures.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 
 #include <benchmark/benchmark.h>
 #include <opencv2/core.hpp>
@@ -76,8 +76,9 @@ bool sameAngles(const cv::Mat& angle, const SkPicBuf& phase) {
         const auto* theirs = angle.ptr<float>(int(row));
         for (quint32 column = 0; column < phase.width; ++column) {
             const double difference = double(ours[column * phase.channels]) - double(theirs[column]);
-            if (!(std::abs(std::remainder(difference, 6.283185307179586)) < 0.01))
+            if (!(std::abs(std::remainder(difference, 6.283185307179586)) < 0.01)) {
                 return false;
+            }
         }
     }
     return true;
@@ -92,20 +93,22 @@ void countPixels(benchmark::State& state, const SkPicBuf& source) {
 
 template <class Ours, class Theirs>
 void add(const std::string& name, const SkPicBuf& source, const Ours& ours, const Theirs& theirs) {
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         benchmark::RegisterBenchmark(
             (name + "/" + kernels->sName).c_str(), [=, &source](benchmark::State& state) {
                 Results results(source);
                 OpenCvSteps steps;
                 (steps.*theirs)(source);
-                CkToFKernelChoice::pin(kernels);
+                ToFKernelChoice::pin(kernels);
                 const bool taps = source.channels == 2;
                 if (!ours(source, results) ||
-                    !sameAngles(steps.angle, taps ? results.pairs.pic : results.phase.pic))
+                    !sameAngles(steps.angle, taps ? results.pairs.pic : results.phase.pic)) {
                     state.SkipWithError("differs from OpenCV");
-                while (state.KeepRunning())
+                }
+                while (state.KeepRunning()) {
                     benchmark::DoNotOptimize(ours(source, results));
-                CkToFKernelChoice::pin(nullptr);
+                }
+                ToFKernelChoice::pin(nullptr);
                 countPixels(state, source);
             });
     }
@@ -124,8 +127,9 @@ void add(const std::string& name, const SkPicBuf& source, const Ours& ours, cons
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
+    }
     cv::setNumThreads(1);
     const BenchPicture taps = twoTapPicture(phases, Type::UInt16);
     const BenchPicture differences = differencePicture(phases, Type::Int16);

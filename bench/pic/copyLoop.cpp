@@ -19,8 +19,9 @@ __attribute__((target_clones("avx512f", "avx2", "default"))) quint64 readAll(con
     }
     mix[0] ^= mix[1];
     quint64 result = 0;
-    for (int lane = 0; lane < 8; ++lane)
+    for (int lane = 0; lane < 8; ++lane) {
         result ^= mix[0][lane];
+    }
     return result;
 }
 
@@ -32,8 +33,9 @@ quint64 copyLoop(const SkPicBuf& source, SkPicBuf& result) {
     const quint32 stack = std::max(1U, source.height / result.height);
     quint64 mix = 0;
     for (quint32 y = 0; y < result.height; ++y) {
-        for (quint32 image = 0; image < stack; ++image)
+        for (quint32 image = 0; image < stack; ++image) {
             mix ^= readAll(source.row(image * result.height + y), sourceBytes);
+        }
         std::memset(result.row(y), int(mix & 0xFF), resultBytes);
     }
     return mix;

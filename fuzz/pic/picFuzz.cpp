@@ -3,7 +3,7 @@
 #include "fuzz/FuzzBytes.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 
 #include <bit>
 #include <cmath>
@@ -31,8 +31,9 @@ struct FuzzPicture {
         bytes = 16; // impossible descriptors must not be followed at all
         if (describesRows()) {
             const uint64_t needed = uint64_t(pic.height - 1) * pic.lineSize + rowBytes();
-            if (needed > memoryLimit)
+            if (needed > memoryLimit) {
                 return;
+            }
             bytes = size_t(needed);
         }
         const size_t shift = input.byte() % 4;
@@ -154,8 +155,9 @@ bool sameDescription(const Call& call, const FuzzPicture& first, const SkPicBuf&
 
 /// Pixels equal byte for byte; the first channel of an angle picture within a millionth.
 bool samePixels(const Call& call, const FuzzPicture& first, const uint8_t* second) {
-    if (!hasAngles(call, first))
+    if (!hasAngles(call, first)) {
         return std::memcmp(first.pic.data, second, first.bytes) == 0;
+    }
     for (uint32_t y = 0; y < first.pic.height; ++y) {
         const uint64_t start = uint64_t(y) * first.pic.lineSize;
         for (uint64_t sample = 0; sample < uint64_t(first.pic.width) * first.pic.channels; ++sample) {
@@ -164,21 +166,24 @@ bool samePixels(const Call& call, const FuzzPicture& first, const uint8_t* secon
             std::memcpy(&a, first.pic.data + start + 4 * sample, 4);
             std::memcpy(&b, second + start + 4 * sample, 4);
             const bool isAngle = sample % first.pic.channels == 0;
-            if (!(isAngle ? nearlySame(a, b) : sameBits(a, b)))
+            if (!(isAngle ? nearlySame(a, b) : sameBits(a, b))) {
                 return false;
+            }
         }
     }
     return true;
 }
 
 bool paddingKept(const FuzzPicture& result, const std::vector<uint8_t>& before) {
-    if (!result.describesRows())
+    if (!result.describesRows()) {
         return true;
+    }
     for (uint32_t y = 0; y + 1 < result.pic.height; ++y) {
         const size_t start = size_t(y) * result.pic.lineSize + size_t(result.rowBytes());
         const size_t end = size_t(y + 1) * result.pic.lineSize;
-        if (std::memcmp(result.pic.data + start, before.data() + start, end - start) != 0)
+        if (std::memcmp(result.pic.data + start, before.data() + start, end - start) != 0) {
             return false;
+        }
     }
     return true;
 }
@@ -199,8 +204,9 @@ std::string checkOperation(int operation, FuzzBytes& input) {
     FuzzPicture source;
     FuzzPicture result;
     describe(input, source.pic, shape.sourceChannels, shape.sourceType);
-    if (operation == 10)
+    if (operation == 10) {
         source.pic.colorFilterArray = EkColorFilterArray::None;
+    }
     describe(input, result.pic, shape.resultChannels, shape.resultType);
     result.pic.minValue = -2.0F; // what no operation finds and few write
     result.pic.maxValue = -3.0F;
@@ -208,8 +214,9 @@ std::string checkOperation(int operation, FuzzBytes& input) {
     result.allocate(input);
     const bool overlapping =
         input.byte() % 16 == 15 && source.memory && result.memory && result.bytes <= source.bytes;
-    if (overlapping)
+    if (overlapping) {
         result.pic.data = source.pic.data + (source.bytes - result.bytes);
+    }
 
     const SkPicBuf descriptor = result.pic;
     const std::vector<uint8_t> before =
@@ -218,20 +225,24 @@ std::string checkOperation(int operation, FuzzBytes& input) {
     std::vector<uint8_t> first;
     SkPicBuf firstDescription;
     bool firstAnswer = false;
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         result.pic = descriptor;
-        if (!before.empty())
+        if (!before.empty()) {
             std::memcpy(result.pic.data, before.data(), before.size());
-        CkToFKernelChoice::pin(kernels);
+        }
+        ToFKernelChoice::pin(kernels);
         const bool answer = perform(call, source.pic, result.pic);
-        CkToFKernelChoice::pin(nullptr);
-        if (result.pic.data == nullptr)
+        ToFKernelChoice::pin(nullptr);
+        if (result.pic.data == nullptr) {
             continue;
-        if (!answer && std::memcmp(result.pic.data, before.data(), before.size()) != 0)
+        }
+        if (!answer && std::memcmp(result.pic.data, before.data(), before.size()) != 0) {
             return "a refused call wrote pixels";
-        if (!paddingKept(result, before))
+        }
+        if (!paddingKept(result, before)) {
             return "bytes beyond the pixels of a row were written";
-        if (kernels == CkToFKernelChoice::available().front()) {
+        }
+        if (kernels == ToFKernelChoice::available().front()) {
             firstAnswer = answer;
             firstDescription = result.pic;
             first.assign(result.pic.data, result.pic.data + result.bytes);
@@ -258,21 +269,22 @@ std::string checkDepthSearch(FuzzBytes& input) {
         confidence.pic.height = depth.pic.height;
         confidence.pic.lineSize = depth.pic.lineSize;
     }
-    for (FuzzPicture* picture : {&pairs, &depth, &confidence})
+    for (FuzzPicture* picture : {&pairs, &depth, &confidence}) {
         picture->allocate(input);
+    }
     const uint32_t limitBits = input.word();
     float limit = 0.0F;
     std::memcpy(&limit, &limitBits, 4);
     float firstOfPairs = -7.0F;
     float firstOfTwo = -7.0F;
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
-        CkToFKernelChoice::pin(kernels);
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
+        ToFKernelChoice::pin(kernels);
         float ofPairs = -7.0F;
         float ofTwo = -7.0F;
         Api::findMaxDepthClipConfidence(pairs.pic, ofPairs, limit);
         Api::findMaxDepthClipConfidence(depth.pic, confidence.pic, ofTwo, limit);
-        CkToFKernelChoice::pin(nullptr);
-        if (kernels == CkToFKernelChoice::available().front()) {
+        ToFKernelChoice::pin(nullptr);
+        if (kernels == ToFKernelChoice::available().front()) {
             firstOfPairs = ofPairs;
             firstOfTwo = ofTwo;
         } else if (!sameBits(ofPairs, firstOfPairs) || !sameBits(ofTwo, firstOfTwo)) {
@@ -293,17 +305,20 @@ std::string checkClassifiers(FuzzBytes& input) {
     metadata.phaseSequenceLength = qint32(input.smallOrAny(9));
     metadata.sectionCount = input.smallOrAny(5);
     metadata.sectionMode = input.smallOrAny(5);
-    for (int count = input.byte() % 4; count > 0; --count)
+    for (int count = input.byte() % 4; count > 0; --count) {
         metadata.channelNames << (input.byte() % 2 == 0 ? QStringLiteral("Depth") : QString());
+    }
     for (const CkImageMetadata* used :
          {static_cast<const CkImageMetadata*>(nullptr), static_cast<const CkImageMetadata*>(&metadata)}) {
         Api::incomingSeparatePhases(used);
-        if (Api::detectPhasesCount(info, used) == 0)
+        if (Api::detectPhasesCount(info, used) == 0) {
             return "no phases were counted";
+        }
         if (Api::isRawX2ToFABPic(info, used) + Api::isRawToFAminBPic(info, used) +
                 Api::isRawToFHybridPic(info, used) + Api::isDepthImage(info, used) >
-            1)
+            1) {
             return "a picture is of two kinds";
+        }
         Api::isPhaseShiftImage(info, used);
     }
     return {};
@@ -314,9 +329,11 @@ std::string checkClassifiers(FuzzBytes& input) {
 std::string checkPicOperation(const uint8_t* bytes, size_t size) {
     FuzzBytes input(bytes, size);
     const int operation = input.byte() % (operationCount + 2);
-    if (operation == operationCount)
+    if (operation == operationCount) {
         return checkDepthSearch(input);
-    if (operation == operationCount + 1)
+    }
+    if (operation == operationCount + 1) {
         return checkClassifiers(input);
+    }
     return checkOperation(operation, input);
 }

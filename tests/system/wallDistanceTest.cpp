@@ -1,7 +1,7 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "sim/camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraSource.h"

@@ -1,7 +1,7 @@
 #include "tools/tof/CkToFPipeline.h"
 
-#include "plugins/zplToF/transform/CkToFNegotiation.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
+#include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkImageData.h"
 
 #include <algorithm>
@@ -76,8 +76,7 @@ CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::uni
     const SkPicBuf& source = data.picBuf();
     SkPicBufInfo outInfo;
     CkImageMetadata outMeta;
-    const char* const refused =
-        CkToFNegotiation::negotiate(m_iTransform, source, outInfo, &metadata, &outMeta);
+    const char* const refused = ToFNegotiation::negotiate(m_iTransform, source, outInfo, &metadata, &outMeta);
     if (refused != nullptr) {
         sReason = QString::fromLatin1(refused);
         return EkResult::Impossible;

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "plugins/zplToF/cloud/ToFSettings.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
 #include "tools/tof/CkToFArguments.h"

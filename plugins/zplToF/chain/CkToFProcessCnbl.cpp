@@ -1,8 +1,8 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include "plugins/zplToF/chain/CkToFProcessWidget.h"
-#include "plugins/zplToF/transform/CkToFNegotiation.h"
 #include "plugins/zplToF/transform/ToFAngles.h"
+#include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>
@@ -44,7 +44,7 @@ bool CkToFProcessCnbl::queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo
 
 bool CkToFProcessCnbl::negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
                                  const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
-    const char* const error = CkToFNegotiation::negotiate(transform, in, out, pInMeta, pOutMeta);
+    const char* const error = ToFNegotiation::negotiate(transform, in, out, pInMeta, pOutMeta);
     m_sLastError = error != nullptr ? tr(error) : QString();
     return error == nullptr;
 }

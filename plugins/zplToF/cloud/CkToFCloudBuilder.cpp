@@ -1,7 +1,7 @@
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 
-#include "plugins/zplToF/cloud/CkToFCloudLoops.h"
 #include "plugins/zplToF/cloud/CkToFReusedBytes.h"
+#include "plugins/zplToF/cloud/ToFCloudLoops.h"
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -24,8 +24,9 @@ bool isAligned(const SkPicBuf& picture) {
 bool isUsable(const SkToFDepthPictures& pictures) {
     const SkPicBuf& depth = pictures.depthPic;
     if (!depth.data || depth.channels != 1 || !CkPicBufAPI::isValid(depth) || !isAligned(depth) ||
-        quint64(depth.width) * depth.height >= PixelLimit)
+        quint64(depth.width) * depth.height >= PixelLimit) {
         return false;
+    }
     const SkPicBuf& confidence = pictures.confidencePic;
     return !confidence.data ||
            (CkPicBufAPI::isValid(confidence) && confidence.dataType == EkImageDataType::Float32 &&
@@ -37,17 +38,20 @@ bool isUsable(const SkToFDepthPictures& pictures) {
 float largestValue(const SkToFDepthPictures& pictures, float fThreshold, bool bPlain) {
     float largest = pictures.depthPic.maxValue;
     if (pictures.depthPic.dataType != EkImageDataType::Float32 || !pictures.confidencePic.data ||
-        !(fThreshold > 0.0F))
+        !(fThreshold > 0.0F)) {
         return largest;
+    }
     if (bPlain) {
         float trusted = largest;
         if (!CkToFPicAPI::findMaxDepthClipConfidence(pictures.depthPic, pictures.confidencePic, trusted,
-                                                     fThreshold))
+                                                     fThreshold)) {
             return largest;
-        if (std::isfinite(trusted))
+        }
+        if (std::isfinite(trusted)) {
             return trusted;
+        }
     }
-    CkToFCloudLoops::largestTrustedDepth(pictures, fThreshold, largest);
+    ToFCloudLoops::largestTrustedDepth(pictures, fThreshold, largest);
     return largest;
 }
 
@@ -56,8 +60,9 @@ void writeQuadIndices(char* pBytes, qsizetype iFirst, qsizetype iEnd) {
     constexpr std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> corners = {0, 1, 2, 2, 3, 0};
     for (qsizetype point = iFirst; point < iEnd; point++) {
         std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> indices;
-        for (size_t i = 0; i < indices.size(); i++)
+        for (size_t i = 0; i < indices.size(); i++) {
             indices[i] = quint32(4 * point) + corners[i];
+        }
         std::memcpy(pBytes + point * qsizetype(sizeof indices), indices.data(), sizeof indices);
     }
 }
@@ -111,12 +116,13 @@ bool CkToFCloudBuilder::CkPrivate::reserve(const SkToFCloudScales& newScales, Ek
     vertices.prepare(qsizetype(pixels) * bytesPerPoint(newLayout));
     indices.prepare(
         newLayout == EkToFVertexLayout::Quads ? qsizetype(pixels * IndicesPerPoint * sizeof(quint32)) : 0);
-    columns.resize(newScales.width + CkToFCloudLoops::ColumnSlack);
-    bounce.resize(CkToFCloudLoops::BouncePoints * 24);
-    if (newScales.correctRadially && !ensureOrthoFactors(newScales))
+    columns.resize(newScales.width + ToFCloudLoops::ColumnSlack);
+    bounce.resize(ToFCloudLoops::BouncePoints * 24);
+    if (newScales.correctRadially && !ensureOrthoFactors(newScales)) {
         return false;
+    }
     if (exportCapacity != pixels) {
-        exported = std::make_unique_for_overwrite<SkToFPoint[]>(pixels + CkToFCloudLoops::ExportSlack);
+        exported = std::make_unique_for_overwrite<SkToFPoint[]>(pixels + ToFCloudLoops::ExportSlack);
         exportCapacity = pixels;
     }
     return true;
@@ -126,12 +132,14 @@ bool CkToFCloudBuilder::CkPrivate::ensureOrthoFactors(const SkToFCloudScales& s)
     const SkOrthoKey key{s.cellMM, s.resolutionRatio, s.offsetXMM, s.offsetYMM, s.focalMM};
     const bool sameSize =
         orthoFactorPic.data && orthoFactorPic.width == s.width && orthoFactorPic.height == s.height;
-    if (sameSize && key == orthoKey)
+    if (sameSize && key == orthoKey) {
         return true;
+    }
     if (!sameSize && !CkPicBufAPI::AllocPicBufFromHeap(
                          orthoFactorPic, s.width, s.height, 1, EkImageDataType::Float32, 0, 0, 32,
-                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, true, 0))
+                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, true, 0)) {
         return false;
+    }
     orthoKey = key;
     for (quint32 y = 0; y < s.height; y++) {
         float* factors = reinterpret_cast<float*>(orthoFactorPic.row(y));
@@ -154,12 +162,12 @@ void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
     const SkToFCloudInput input{pictures,       scales,         parameters.pColourTable,
                                 orthoFactorPic, columns.data(), layout == EkToFVertexLayout::Quads ? 4 : 1};
     const SkToFCloudOutput output{reinterpret_cast<float*>(bytes), exported.get(), bounce.data()};
-    points = plainLoop ? CkToFCloudLoops::buildPlain(input, output)
-                       : CkToFCloudLoops::buildByVectors(input, output);
-    targetName = plainLoop ? "plain" : CkToFCloudLoops::vectorTargetName();
+    points =
+        plainLoop ? ToFCloudLoops::buildPlain(input, output) : ToFCloudLoops::buildByVectors(input, output);
+    targetName = plainLoop ? "plain" : ToFCloudLoops::vectorTargetName();
 
     const qsizetype end = points * bytesPerPoint(layout);
-    const qsizetype slackEnd = end + qsizetype(CkToFCloudLoops::SlackPoints) * bytesPerPoint(layout);
+    const qsizetype slackEnd = end + qsizetype(ToFCloudLoops::SlackPoints) * bytesPerPoint(layout);
     const qsizetype dirty = vertices.tag() < 0 ? size : std::min(size, std::max(vertices.tag(), slackEnd));
     std::memset(bytes + end, 0, size_t(dirty - end));
     vertices.setTag(end);
@@ -169,14 +177,16 @@ void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
 void CkToFCloudBuilder::CkPrivate::writeIndices() {
     constexpr qsizetype stride = IndicesPerPoint * qsizetype(sizeof(quint32));
     char* bytes = indices.begin();
-    if (layout != EkToFVertexLayout::Quads)
+    if (layout != EkToFVertexLayout::Quads) {
         return;
+    }
     const qsizetype written = indices.tag();
     const qsizetype all = indices.current().size() / stride;
     writeQuadIndices(bytes, std::max<qsizetype>(written, 0), points);
     const qsizetype used = written < 0 ? all : written;
-    if (used > points)
+    if (used > points) {
         std::memset(bytes + points * stride, 0, size_t((used - points) * stride));
+    }
     indices.setTag(points);
 }
 
@@ -186,13 +196,15 @@ CkToFCloudBuilder::CkToFCloudBuilder(CkToFCloudBuilder&& other) noexcept = defau
 CkToFCloudBuilder& CkToFCloudBuilder::operator=(CkToFCloudBuilder&& other) noexcept = default;
 
 bool CkToFCloudBuilder::build(const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters) {
-    if (!isUsable(pictures) || !parameters.pColourTable)
+    if (!isUsable(pictures) || !parameters.pColourTable) {
         return false;
+    }
     const float largest = largestValue(pictures, parameters.opticalPath.confidenceThreshold, m_d->plainLoop);
     const SkToFCloudScales scales = makeCloudScales(pictures, parameters, largest);
     try {
-        if (!m_d->reserve(scales, parameters.layout))
+        if (!m_d->reserve(scales, parameters.layout)) {
             return false;
+        }
     } catch (const std::bad_alloc&) {
         return false;
     }

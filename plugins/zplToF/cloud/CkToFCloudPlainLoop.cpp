@@ -1,4 +1,4 @@
-#include "plugins/zplToF/cloud/CkToFCloudLoops.h"
+#include "plugins/zplToF/cloud/ToFCloudLoops.h"
 
 #include <cmath>
 
@@ -12,8 +12,9 @@ struct Position {
 Position throughLens(float fValue, quint32 uiColumn, quint32 uiRow, const SkToFCloudInput& input) {
     const SkToFCloudScales& s = input.scales;
     float d = wrapDistance(fValue * s.distScale + s.zBase, s.rangeMM);
-    if (s.correctRadially)
+    if (s.correctRadially) {
         d *= reinterpret_cast<const float*>(input.orthoFactorPic.row(uiRow))[uiColumn];
+    }
     return {float(s.chipXMM(uiColumn) * double(d) / s.focalMM),
             float(s.chipYMM(uiRow) * double(d) / s.focalMM), s.zBase > 0.0F ? d - s.zBase : d};
 }
@@ -23,8 +24,9 @@ Position normalised(float fValue, quint32 uiColumn, quint32 uiRow, const SkToFCl
 }
 
 bool passesConfidence(float fConfidence, const SkToFCloudScales& scales) {
-    if (!std::isfinite(fConfidence) || fConfidence > scales.confidenceThreshold)
+    if (!std::isfinite(fConfidence) || fConfidence > scales.confidenceThreshold) {
         return false;
+    }
     return !(scales.dropZeroConfidence && fConfidence == 0.0F);
 }
 
@@ -49,15 +51,17 @@ int buildFrom(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
                                       : nullptr;
         for (quint32 column = 0; column < s.width; column++) {
             const float value = float(samples[column]);
-            if (!std::isfinite(value) || (confidences && !passesConfidence(confidences[column], s)))
+            if (!std::isfinite(value) || (confidences && !passesConfidence(confidences[column], s))) {
                 continue;
+            }
             const Position place =
                 s.useLens ? throughLens(value, column, row, input) : normalised(value, column, row, s);
             const float depth = place.z * s.zScale;
             const Position scene = {place.x * s.xyScale, place.y * s.xyScale,
                                     s.floatPicture ? s.zHalf - depth : depth - s.zHalf};
-            if (!place.isFinite() || !scene.isFinite())
+            if (!place.isFinite() || !scene.isFinite()) {
                 continue;
+            }
 
             const quint8* colour = input.pColourTable + 4 * colourIndex(value, s);
             if (input.verticesPerPoint == 1) {
@@ -80,7 +84,7 @@ int buildFrom(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
 
 } // namespace
 
-int CkToFCloudLoops::buildPlain(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
+int ToFCloudLoops::buildPlain(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
     switch (input.pictures.depthPic.dataType) {
     case EkImageDataType::Int8:
         return buildFrom<qint8>(input, output);

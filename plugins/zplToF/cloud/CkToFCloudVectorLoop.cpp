@@ -9,8 +9,9 @@ namespace {
 template <typename Sample>
 void readSamples(const quint8* pRow, quint32 uiColumn, size_t uiPixels, float* pValues) {
     const auto* samples = reinterpret_cast<const Sample*>(pRow) + uiColumn;
-    for (size_t i = 0; i < uiPixels; i++)
+    for (size_t i = 0; i < uiPixels; i++) {
         pValues[i] = float(samples[i]);
+    }
 }
 
 using SampleReader = void (*)(const quint8*, quint32, size_t, float*);
@@ -41,8 +42,9 @@ const float* floatsOfRow(const SkPicBuf& picture, quint32 uiRow, quint32 uiColum
 
 /// Lets the pixels up to a full vector count as dropped ones.
 const float* padded(const float* pPixels, size_t uiPixels, size_t uiFull, float* pCopy) {
-    if (pPixels != pCopy)
+    if (pPixels != pCopy) {
         std::memcpy(pCopy, pPixels, uiPixels * sizeof(float));
+    }
     std::fill(pCopy + uiPixels, pCopy + uiFull, std::numeric_limits<float>::quiet_NaN());
     return pCopy;
 }
@@ -52,21 +54,27 @@ SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader rea
                                   quint32 uiColumn, size_t uiPixels, size_t uiFull, SkToFCloudChunk& chunk) {
     const SkPicBuf& depthPic = input.pictures.depthPic;
     SkToFCloudChunkSource source{chunk.values, nullptr, nullptr, uiRow, uiColumn};
-    if (reader)
+    if (reader) {
         reader(depthPic.row(uiRow), uiColumn, uiPixels, chunk.values);
-    else
+    } else {
         source.pValues = floatsOfRow(depthPic, uiRow, uiColumn);
-    if (input.scales.filterByConfidence)
+    }
+    if (input.scales.filterByConfidence) {
         source.pConfidences = floatsOfRow(input.pictures.confidencePic, uiRow, uiColumn);
-    if (input.scales.correctRadially)
+    }
+    if (input.scales.correctRadially) {
         source.pFactors = floatsOfRow(input.orthoFactorPic, uiRow, uiColumn);
-    if (uiFull == uiPixels)
+    }
+    if (uiFull == uiPixels) {
         return source;
+    }
     source.pValues = padded(source.pValues, uiPixels, uiFull, chunk.values);
-    if (source.pConfidences)
+    if (source.pConfidences) {
         source.pConfidences = padded(source.pConfidences, uiPixels, uiFull, chunk.confidences);
-    if (source.pFactors)
+    }
+    if (source.pFactors) {
         source.pFactors = padded(source.pFactors, uiPixels, uiFull, chunk.factors);
+    }
     return source;
 }
 
@@ -74,22 +82,25 @@ SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader rea
 /// read with the last vector, but ends in dropped pixels only.
 void fillColumns(const SkToFCloudInput& input) {
     const SkToFCloudScales& s = input.scales;
-    for (quint32 x = 0; x < s.width; x++)
+    for (quint32 x = 0; x < s.width; x++) {
         input.pColumnFactors[x] = s.useLens ? s.chipXMM(x) / s.focalMM : x - s.centreX;
+    }
 }
 
 } // namespace
 
-int CkToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
+int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
     const SkToFCloudScales& s = input.scales;
     const EkImageDataType dataType = input.pictures.depthPic.dataType;
     const SampleReader reader = sampleReader(dataType);
-    if (!reader && dataType != EkImageDataType::Float32)
+    if (!reader && dataType != EkImageDataType::Float32) {
         return 0;
+    }
 
     const SkToFCloudSteps* steps = cloudSteps();
-    if (!steps)
+    if (!steps) {
         return buildPlain(input, output);
+    }
 
     const size_t lanes = steps->lanes;
     const size_t floatsPerPoint = size_t(input.verticesPerPoint) * 6;
@@ -122,21 +133,23 @@ int CkToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFClo
     return int(points);
 }
 
-bool CkToFCloudLoops::largestTrustedDepth(const SkToFDepthPictures& pictures, float fLimit, float& fLargest) {
+bool ToFCloudLoops::largestTrustedDepth(const SkToFDepthPictures& pictures, float fLimit, float& fLargest) {
     const SkToFCloudSteps* steps = cloudSteps();
     const auto largestOfRow = steps ? steps->largestOfRow : largestOfPixels;
     const SkPicBuf& depthPic = pictures.depthPic;
     float largest = -1.0F;
-    for (quint32 row = 0; row < depthPic.height; row++)
+    for (quint32 row = 0; row < depthPic.height; row++) {
         largest = largestOfRow(floatsOfRow(depthPic, row, 0), floatsOfRow(pictures.confidencePic, row, 0),
                                depthPic.width, fLimit, largest);
-    if (largest < 0.0F)
+    }
+    if (largest < 0.0F) {
         return false;
+    }
     fLargest = largest;
     return true;
 }
 
-const char* CkToFCloudLoops::vectorTargetName() {
+const char* ToFCloudLoops::vectorTargetName() {
     const SkToFCloudSteps* steps = cloudSteps();
     return steps ? steps->sName : "plain";
 }

@@ -55,13 +55,15 @@ HWY_INLINE FloatV wrap(FloatV distance, float fRange) {
     const Floats df;
     const auto range = hn::Set(df, fRange);
     const auto negative = hn::Lt(distance, hn::Zero(df));
-    if (HWY_LIKELY(hn::AllFalse(df, hn::Lt(distance, hn::Neg(range)))))
+    if (HWY_LIKELY(hn::AllFalse(df, hn::Lt(distance, hn::Neg(range))))) {
         return hn::IfThenElse(negative, hn::Add(distance, range), distance);
+    }
     // More than one turn: rare, and exact only in double precision.
     HWY_ALIGN float lanes[hn::MaxLanes(df)];
     hn::Store(distance, df, lanes);
-    for (size_t i = 0; i < hn::Lanes(df); i++)
+    for (size_t i = 0; i < hn::Lanes(df); i++) {
         lanes[i] = wrapDistance(lanes[i], fRange);
+    }
     return hn::Load(df, lanes);
 }
 
@@ -105,8 +107,9 @@ void placeThroughLens(const SkToFCloudInput& input, const SkToFCloudChunkSource&
         const auto value = hn::LoadU(df, source.pValues + i);
         auto kept = readsKept(source, i, value, s);
         auto d = wrap(hn::Add(hn::Mul(value, hn::Set(df, s.distScale)), hn::Set(df, s.zBase)), s.rangeMM);
-        if (source.pFactors)
+        if (source.pFactors) {
             d = hn::Mul(d, hn::LoadU(df, source.pFactors + i));
+        }
         const auto x =
             timesDistance(hn::LoadU(dd, columns + i), hn::LoadU(dd, columns + i + hn::Lanes(dd)), d);
         const auto y = timesDistance(rowFactor, rowFactor, d);
@@ -151,8 +154,9 @@ void placeNormalised(const SkToFCloudInput& input, const SkToFCloudChunkSource& 
 
 void colour(const float* pValues, size_t uiPixels, const SkToFCloudScales& scales, SkToFCloudChunk& chunk) {
     if (scales.useGamma) {
-        for (size_t i = 0; i < uiPixels; i++)
+        for (size_t i = 0; i < uiPixels; i++) {
             chunk.colours[i] = chunk.kept[i] ? colourIndex(pValues[i], scales) : 0;
+        }
         return;
     }
     const Floats df;
@@ -244,8 +248,9 @@ public:
         const Quad dq;
         HWY_ALIGN const float corners[3][4] = {
             {-0.0F, -fEdge, -0.0F, 0.0F}, {fEdge, -fEdge, -0.0F, 0.0F}, {fEdge, -0.0F, -0.0F, 0.0F}};
-        for (int i = 0; i < 3; i++)
+        for (int i = 0; i < 3; i++) {
             m_offsets[i] = hn::Load(dq, corners[i]);
+        }
     }
 
     static bool canStream(const float*) { return false; }
@@ -253,8 +258,9 @@ public:
     template <bool Streamed>
     HWY_INLINE void write(hn::Vec<Quad> place, hn::Vec<Quad> rgb, float* out) const {
         const Quad dq;
-        for (int i = 0; i < 3; i++)
+        for (int i = 0; i < 3; i++) {
             store(out + 6 * i, hn::Add(place, m_offsets[i]), rgb);
+        }
         store(out + 18, place, rgb);
     }
 
@@ -319,10 +325,11 @@ size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChi
 
 void computeChunk(const SkToFCloudInput& input, const SkToFCloudChunkSource& source, size_t uiPixels,
                   SkToFCloudChunk& chunk) {
-    if (input.scales.useLens)
+    if (input.scales.useLens) {
         placeThroughLens(input, source, uiPixels, chunk);
-    else
+    } else {
         placeNormalised(input, source, uiPixels, chunk);
+    }
     colour(source.pValues, uiPixels, input.scales, chunk);
 }
 
@@ -384,9 +391,11 @@ const SkToFCloudSteps* cloudSteps() {
 
 float largestOfPixels(const float* pDepths, const float* pConfidences, size_t uiPixels, float fLimit,
                       float fStart) {
-    for (size_t i = 0; i < uiPixels; i++)
-        if (pConfidences[i] > 0.0F && pConfidences[i] <= fLimit && std::isfinite(pDepths[i]))
+    for (size_t i = 0; i < uiPixels; i++) {
+        if (pConfidences[i] > 0.0F && pConfidences[i] <= fLimit && std::isfinite(pDepths[i])) {
             fStart = std::max(fStart, pDepths[i]);
+        }
+    }
     return fStart;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugins/zplToF/cloud/CkToFCloudLoops.h"
+#include "plugins/zplToF/cloud/ToFCloudLoops.h"
 
 /// Pixels that are computed together: their intermediate results stay in the first-level cache.
 inline constexpr size_t ChunkPixels = 256;

@@ -78,13 +78,16 @@ class CkToFDepthFrame::CkShelves {
 public:
     bool take(EkShelf shelf, const SkPicBufInfo& info, bool bClear, SkPicBuf& picture) {
         const size_t bytes = CkPicBufAPI::byteSize(info);
-        if (bytes == 0)
+        if (bytes == 0) {
             return false;
+        }
         const void* owner = &m_keys[shelf];
-        if (m_reserved[shelf] != bytes)
+        if (m_reserved[shelf] != bytes) {
             m_reserved[shelf] = m_pool.reserve(owner, info, PicturesPerShelf) ? bytes : 0;
-        if (m_reserved[shelf] != 0 && m_pool.acquire(owner, info, picture, bClear))
+        }
+        if (m_reserved[shelf] != 0 && m_pool.acquire(owner, info, picture, bClear)) {
             return true;
+        }
         // Somebody keeps several of our pictures; this one comes from outside the shelf.
         return CkPicBufAPI::AllocPicBufFromHeap(picture, info);
     }
@@ -128,13 +131,15 @@ void CkToFDepthFrame::clear() {
 
 bool CkToFDepthFrame::update(const SkPicBuf& picture, const CkImageMetadata* pMetadata,
                              int iMaxGenericWidth) {
-    if (!picture.data)
+    if (!picture.data) {
         return false;
+    }
     clear();
     bool built = false;
     try {
-        if (!m_shelves)
+        if (!m_shelves) {
             m_shelves = std::make_unique<CkShelves>();
+        }
         built = CkPicBufAPI::isValid(picture) && build(picture, pMetadata, iMaxGenericWidth);
     } catch (const std::bad_alloc&) {
         built = false;
@@ -151,18 +156,22 @@ bool CkToFDepthFrame::update(const SkPicBuf& picture, const CkImageMetadata* pMe
 
 bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMetadata, int iMaxGenericWidth) {
     if (picture.dataType == EkImageDataType::Float32 && picture.channels == 2) {
-        if (CkToFPicAPI::isPhaseShiftImage(picture, pMetadata))
+        if (CkToFPicAPI::isPhaseShiftImage(picture, pMetadata)) {
             m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
-        else if (CkToFPicAPI::isDepthImage(picture, pMetadata))
+        } else if (CkToFPicAPI::isDepthImage(picture, pMetadata)) {
             m_pictures.depthDataKind = EkDepthDataType::Depth;
+        }
         return splitChannels(picture);
     }
-    if (CkToFPicAPI::isRawX2ToFABPic(picture, pMetadata))
+    if (CkToFPicAPI::isRawX2ToFABPic(picture, pMetadata)) {
         return buildFromRawX2(picture, pMetadata);
-    if (CkToFPicAPI::isRawToFAminBPic(picture, pMetadata))
+    }
+    if (CkToFPicAPI::isRawToFAminBPic(picture, pMetadata)) {
         return buildFromAminB(picture, pMetadata);
-    if (CkToFPicAPI::isRawToFHybridPic(picture, pMetadata))
+    }
+    if (CkToFPicAPI::isRawToFHybridPic(picture, pMetadata)) {
         return buildFromHybrid(picture, pMetadata);
+    }
     if (isPhaseShiftFromAminB(picture, pMetadata)) {
         m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
         // Phases that wrap cannot be averaged: these pictures are never shrunk.
@@ -184,8 +193,9 @@ bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetad
     const quint32 rows = rowsPerPhase(picture, phases);
     SkPicBuf both;
     if (rows == 0 || !m_shelves->take(WorkShelf, describeFloat(picture.width, rows, 2, picture),
-                                      !isComputedPhaseCount(phases), both))
+                                      !isComputedPhaseCount(phases), both)) {
         return false;
+    }
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
     const bool done =
         CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both, int(phases)) && splitChannels(both);
@@ -205,8 +215,9 @@ bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetad
 
 bool CkToFDepthFrame::buildFromHybrid(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
     SkPicBuf both;
-    if (!m_shelves->take(WorkShelf, describeFloat(picture.width, picture.height, 2, picture), false, both))
+    if (!m_shelves->take(WorkShelf, describeFloat(picture.width, picture.height, 2, picture), false, both)) {
         return false;
+    }
     const float pulseDuration = pMetadata ? pMetadata->hybridPulseDuration : 0.0F;
     m_pictures.depthDataKind = EkDepthDataType::Depth;
     const bool done =
@@ -226,16 +237,20 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
     info.layoutFlag = picture.layoutFlag;
     info.colorFilterArray = picture.colorFilterArray;
     SkPicBuf& depthPic = m_pictures.depthPic;
-    if (!m_shelves->take(DepthShelf, info, !supported, depthPic))
+    if (!m_shelves->take(DepthShelf, info, !supported, depthPic)) {
         return false;
+    }
     // Samples that nothing draws need no conversion: the picture only says that there are none to draw.
-    if (!supported)
+    if (!supported) {
         return true;
-    if (picture.channels == 1)
+    }
+    if (picture.channels == 1) {
         return shrink ? CkPicBufAPI::ResizePic(picture, depthPic, width, height)
                       : CkPicBufAPI::CopyPicBuf(picture, depthPic);
-    if (!shrink)
+    }
+    if (!shrink) {
         return CkPicBufAPI::ConvertToGrey(picture, depthPic);
+    }
 
     SkPicBuf grey;
     SkPicBufInfo greyInfo =
@@ -248,8 +263,10 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
 }
 
 void CkToFDepthFrame::refreshValueRanges() {
-    if (m_pictures.depthPic.dataType == EkImageDataType::Float32)
+    if (m_pictures.depthPic.dataType == EkImageDataType::Float32) {
         refreshRange(m_pictures.depthPic);
-    if (m_pictures.confidencePic.data)
+    }
+    if (m_pictures.confidencePic.data) {
         refreshRange(m_pictures.confidencePic);
+    }
 }

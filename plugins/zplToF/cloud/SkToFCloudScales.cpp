@@ -44,8 +44,9 @@ void setColourMapping(SkToFCloudScales& scales, const SkToFCloudParameters& para
         const double perStep = dMax > 0.0 ? double(fSpan) / dMax : double(fSpan);
         scales.inRange = float((inHigh - inLow) * perStep);
         scales.base = float(inLow * perStep + double(fLow));
-        if (dMax <= 0.0 && inHigh <= inLow)
+        if (dMax <= 0.0 && inHigh <= inLow) {
             scales.inRange = fSpan;
+        }
     } else {
         scales.inRange = float(inHigh - inLow);
         scales.base = float(inLow);
@@ -54,8 +55,9 @@ void setColourMapping(SkToFCloudScales& scales, const SkToFCloudParameters& para
 }
 
 float rangeInMM(EkDepthDataType kind, const SkToFOpticalPath& path, bool bFloat, float fLargest) {
-    if (kind == EkDepthDataType::PhaseShift)
+    if (kind == EkDepthDataType::PhaseShift) {
         return float(1000.0 * (double(SpeedOfLight) / (2.0 * double(path.modulationFreqMHz))));
+    }
     return 1000.0F * (bFloat ? fLargest : 1.0F);
 }
 
@@ -66,8 +68,9 @@ void setLens(SkToFCloudScales& scales, const SkToFDepthPictures& pictures, const
     const bool distances = kind == EkDepthDataType::PhaseShift || kind == EkDepthDataType::Depth;
     if (!path.compensateDistortion || !distances || !float_is_positive(path.lensFocalLengthMM) ||
         !float_is_positive(path.chipCellSizeMM) || !float_is_positive(path.modulationFreqMHz) ||
-        !std::isfinite(path.centerOffsetMM.x()) || !std::isfinite(path.centerOffsetMM.y()))
+        !std::isfinite(path.centerOffsetMM.x()) || !std::isfinite(path.centerOffsetMM.y())) {
         return;
+    }
 
     const float range = rangeInMM(kind, path, scales.floatPicture, fLargest);
     const float offset = 1000.0F * path.realDistanceOffsetM;
@@ -78,8 +81,9 @@ void setLens(SkToFCloudScales& scales, const SkToFDepthPictures& pictures, const
          path.centerOffsetMM.x()) *
         farMM / double(path.lensFocalLengthMM);
     const float xyScale = float(1.0 / halfWidth);
-    if (!float_is_positive(range) || !float_is_positive(float(halfWidth)) || !float_is_positive(xyScale))
+    if (!float_is_positive(range) || !float_is_positive(float(halfWidth)) || !float_is_positive(xyScale)) {
         return;
+    }
 
     scales.useLens = true;
     scales.correctRadially = path.orthoRadialCorrection;
@@ -131,8 +135,9 @@ SkToFCloudScales makeCloudScales(const SkToFDepthPictures& pictures, const SkToF
     scales.zScale = zExtent / usableRange(scales.floatPicture ? span : float(max));
     scales.zHalf = zExtent * 0.5F;
     setLens(scales, pictures, path, fLargest, zoom);
-    if (!scales.floatPicture)
+    if (!scales.floatPicture) {
         scales.zScale *= zoom;
+    }
     return scales;
 }
 
@@ -144,29 +149,32 @@ void readColours(const quint8* pColourTable, SkToFColours& colours) {
 }
 
 float wrapDistance(float fDistance, float fRange) {
-    if (!(fDistance < 0.0F))
+    if (!(fDistance < 0.0F)) {
         return fDistance;
+    }
     const double distance = double(fDistance);
     const double range = double(fRange);
     // Up to this many turns quotient, product and sum are exact in double precision.
     constexpr double ExactTurns = 268435456.0;
     const double turns = std::ceil(-distance / range);
-    if (turns < ExactTurns)
+    if (turns < ExactTurns) {
         return float(distance + turns * range);
+    }
     const double rest = std::fmod(distance, range);
     return float(rest < 0.0 ? rest + range : rest + 0.0);
 }
 
 int colourIndex(float fValue, const SkToFCloudScales& scales) {
     double index = 0.0;
-    if (scales.useGamma)
+    if (scales.useGamma) {
         index = std::pow((double(fValue) - double(scales.base)) / double(scales.inRange), scales.gamma) *
                     double(scales.outRange) +
                 double(scales.outLow);
-    else if (scales.useContrast)
+    } else if (scales.useContrast) {
         index = double((fValue - scales.base) * scales.outRange / scales.inRange + scales.outLow);
-    else
+    } else {
         index = double(fValue);
+    }
     // Also what is not a number ends at 0.
     return index > 0.0 ? int(std::min(index, 255.0)) : 0;
 }

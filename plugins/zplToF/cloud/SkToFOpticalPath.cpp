@@ -3,8 +3,10 @@
 #include "zuCore/CkImageMetadata.h"
 
 void SkToFOpticalPath::takeOverCameraValues(const CkImageMetadata& metadata) {
-    if (metadata.modulationFrequency > 0.0F)
+    if (metadata.modulationFrequency > 0.0F) {
         modulationFreqMHz = metadata.modulationFrequency;
-    if (metadata.lensFocalLength > 0.0F)
+    }
+    if (metadata.lensFocalLength > 0.0F) {
         lensFocalLengthMM = metadata.lensFocalLength;
+    }
 }

@@ -13,43 +13,52 @@ bool isWideType(EkImageDataType dataType) {
 }
 
 bool isFloatPictureOf(const SkPicBufInfo& info, const CkImageMetadata* metadata, const QString& name) {
-    if (info.dataType != EkImageDataType::Float32 || info.channels > 2)
+    if (info.dataType != EkImageDataType::Float32 || info.channels > 2) {
         return false;
-    if (metadata == nullptr || info.channels > quint32(metadata->channelNames.size()))
+    }
+    if (metadata == nullptr || info.channels > quint32(metadata->channelNames.size())) {
         return true;
+    }
     return !metadata->channelNames.isEmpty() && metadata->channelNames.first() == name;
 }
 
 } // namespace
 
 bool CkToFPicAPI::isRawX2ToFABPic(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
-    if (info.channels != 2 || isWideType(info.dataType) || info.layoutFlag)
+    if (info.channels != 2 || isWideType(info.dataType) || info.layoutFlag) {
         return false;
-    if (pMetadata == nullptr)
+    }
+    if (pMetadata == nullptr) {
         return true;
+    }
     const quint32 code = pMetadata->tofFormatCode;
     return code == ToFFormatCode::kRawX2Bits8 || code == ToFFormatCode::kRawX2Bits12 ||
            code == ToFFormatCode::kRawX2Bits12Alternate;
 }
 
 bool CkToFPicAPI::isRawToFAminBPic(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
-    if (info.channels != 1)
+    if (info.channels != 1) {
         return false;
+    }
     // layoutFlag plays no part here, unlike in the two-tap test.
-    if (info.dataType != EkImageDataType::Int8 && info.dataType != EkImageDataType::Int16)
+    if (info.dataType != EkImageDataType::Int8 && info.dataType != EkImageDataType::Int16) {
         return false;
-    if (pMetadata == nullptr)
+    }
+    if (pMetadata == nullptr) {
         return true;
+    }
     const quint32 code = pMetadata->tofFormatCode;
     return code == ToFFormatCode::kAminusBBits8 || code == ToFFormatCode::kAminusBBits12 ||
            code == ToFFormatCode::kAminusBBits12Alternate;
 }
 
 bool CkToFPicAPI::isRawToFHybridPic(const SkPicBufInfo& info, const CkImageMetadata* /*pMetadata*/) {
-    if (info.channels != 3 || info.colorFilterArray != EkColorFilterArray::RawX3Hybrid)
+    if (info.channels != 3 || info.colorFilterArray != EkColorFilterArray::RawX3Hybrid) {
         return false;
-    if (info.dataType == EkImageDataType::UInt32)
+    }
+    if (info.dataType == EkImageDataType::UInt32) {
         return true;
+    }
     return !isWideType(info.dataType) && !info.layoutFlag;
 }
 
@@ -62,20 +71,24 @@ bool CkToFPicAPI::isDepthImage(const SkPicBufInfo& info, const CkImageMetadata* 
 }
 
 bool CkToFPicAPI::incomingSeparatePhases(const CkImageMetadata* pMetadata) {
-    if (pMetadata == nullptr)
+    if (pMetadata == nullptr) {
         return false;
-    if (pMetadata->phaseSequenceLength > 0 && pMetadata->phaseSequenceLength != pMetadata->phasesCount)
+    }
+    if (pMetadata->phaseSequenceLength > 0 && pMetadata->phaseSequenceLength != pMetadata->phasesCount) {
         return true;
-    if (pMetadata->colorFilterArray != quint32(EkColorFilterArray::RawX3Hybrid))
+    }
+    if (pMetadata->colorFilterArray != quint32(EkColorFilterArray::RawX3Hybrid)) {
         return false;
+    }
     // In mode 3 section 0 is a reference. Subtracted unsigned, so that no count can overflow.
     const quint32 counted = pMetadata->sectionCount - (pMetadata->sectionMode == 3 ? 1U : 0U);
     return qint32(counted) > 1;
 }
 
 quint32 CkToFPicAPI::detectPhasesCount(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
-    if (pMetadata != nullptr && pMetadata->phasesCount > 0)
+    if (pMetadata != nullptr && pMetadata->phasesCount > 0) {
         return quint32(pMetadata->phasesCount);
+    }
     switch (info.height) {
     case 960:
         return 2;
@@ -91,8 +104,9 @@ quint32 CkToFPicAPI::detectPhasesCount(const SkPicBufInfo& info, const CkImageMe
 }
 
 quint32 CkToFPicAPI::findAngleIdx(quint32 uiNominalIndex, qint32 iAngle, const AngleList* pAngles) {
-    if (pAngles == nullptr || pAngles->empty())
+    if (pAngles == nullptr || pAngles->empty()) {
         return uiNominalIndex;
+    }
     const auto found = std::find(pAngles->begin(), pAngles->end(), iAngle);
     return found == pAngles->end() ? uiNominalIndex : quint32(std::distance(pAngles->begin(), found));
 }

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/view3d/3dMdiView.h"
 
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
 #include "plugins/zplToF/view3d/CkToFToolBar.h"

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/view3d/ToFBoundingBox.h"
 
-#include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
+#include "plugins/zplToF/cloud/ToFBoundingBoxTables.h"
 #include "plugins/zplToF/view3d/ToFSceneAttribute.h"
 #include "plugins/zplToF/view3d/ToFSceneBuffer.h"
 
@@ -19,7 +19,7 @@ QByteArray bytesOf(const Table& table) {
 }
 
 void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& corners) {
-    const auto& indices = CkToFBoundingBoxTables::indices();
+    const auto& indices = ToFBoundingBoxTables::indices();
     auto* geometry = new Qt3DCore::QGeometry(renderer);
     auto* vertexBuffer = new Qt3DCore::QBuffer(geometry);
     vertexBuffer->setData(corners);
@@ -44,7 +44,7 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 
 void ToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
                             float fHalfZ, bool bTakenUp) {
-    const QByteArray corners = bytesOf(CkToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
+    const QByteArray corners = bytesOf(ToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
     QAttribute* positions = ToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         buildGeometry(pRenderer, corners);

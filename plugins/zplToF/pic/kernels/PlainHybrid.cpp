@@ -34,8 +34,9 @@ qint64 reflectedLight(const Windows& windows) {
 
 template <typename T, typename R, qint64 (*value)(const Windows&)>
 void windowRow(const quint8* source, quint8* result, size_t pixels, int shift) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel, R(value(windowsAt<T>(source, pixel)) >> shift));
+    }
 }
 
 struct DepthConfidence {
@@ -46,8 +47,9 @@ struct DepthConfidence {
 /// (0, 0) for a pixel that cannot be measured.
 DepthConfidence measuredDepth(const Windows& windows, double range) {
     const auto [a, b, c] = windows;
-    if (-nearlyEqual <= a - b && a - b <= nearlyEqual && std::max(a, b) < c)
+    if (-nearlyEqual <= a - b && a - b <= nearlyEqual && std::max(a, b) < c) {
         return {};
+    }
 
     // The pulse returns in windows 1 and 2 or in windows 2 and 3; the remaining one measures ambient light.
     const bool near = a > c;
@@ -58,12 +60,14 @@ DepthConfidence measuredDepth(const Windows& windows, double range) {
 
     const qint64 sum = first + second;
     const qint64 reflected = sum - 2 * ambient;
-    if (reflected <= 0 || second < ambient || first == 0 || second == 0)
+    if (reflected <= 0 || second < ambient || first == 0 || second == 0) {
         return {};
+    }
 
     const double confidence = double(sum * ambient) / double(2 * first * second);
-    if (confidence > confidenceLimit)
+    if (confidence > confidenceLimit) {
         return {};
+    }
     return {float(double(second - ambient) * range / double(reflected) + offset), float(confidence)};
 }
 
@@ -85,8 +89,9 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
         for (; chosen > 0; --chosen) {
             const quint8* row = firstSection + chosen * sectionBytes;
             if (sampleAt<T>(row, 3 * pixel) < threshold && sampleAt<T>(row, 3 * pixel + 1) < threshold &&
-                sampleAt<T>(row, 3 * pixel + 2) < threshold)
+                sampleAt<T>(row, 3 * pixel + 2) < threshold) {
                 break;
+            }
         }
         const quint32 shift = sections - 1 - chosen;
         for (size_t sample = 3 * pixel; sample < 3 * pixel + 3; ++sample) {
@@ -99,8 +104,9 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
 template <typename T>
 void interleaveThreeRow(const quint8* const* rows, quint8* result, size_t pixels) {
     for (size_t pixel = 0; pixel < pixels; ++pixel) {
-        for (size_t window = 0; window < 3; ++window)
+        for (size_t window = 0; window < 3; ++window) {
             putSample(result, 3 * pixel + window, sampleAt<T>(rows[window], pixel));
+        }
     }
 }
 
@@ -109,17 +115,19 @@ float largerTrusted(float maximum, float depth, float confidence, float limit) {
 }
 
 float largestDepthOfPairsRow(const quint8* pairs, const quint8*, size_t pixels, float limit, float maximum) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         maximum = largerTrusted(maximum, sampleAt<float>(pairs, 2 * pixel),
                                 sampleAt<float>(pairs, 2 * pixel + 1), limit);
+    }
     return maximum;
 }
 
 float largestDepthRow(const quint8* depth, const quint8* confidence, size_t pixels, float limit,
                       float maximum) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         maximum =
             largerTrusted(maximum, sampleAt<float>(depth, pixel), sampleAt<float>(confidence, pixel), limit);
+    }
     return maximum;
 }
 

@@ -77,42 +77,47 @@ quint32 scaledLength(FloatVector light) {
 
 template <class Source, int phases>
 quint32 amplitudeOf(const quint8* const* rows, size_t pixel) {
-    if constexpr (phases == 1)
+    if constexpr (phases == 1) {
         return quint32(std::abs(Source::difference(rows[0], pixel)));
-    else
+    } else {
         return scaledLength<phases>(lightVector<Source, phases>(rows, pixel));
+    }
 }
 
 template <class Source, int phases>
 quint32 sampleSum(const quint8* const* rows, size_t pixel) {
     quint32 sum = 0;
-    for (int phase = 0; phase < phases; ++phase)
+    for (int phase = 0; phase < phases; ++phase) {
         sum += Source::sum(rows[phase], pixel);
+    }
     return sum;
 }
 
 /// Standard deviation of the phase shift; 0 for a pixel without signal.
 template <int phases>
 float confidenceOf(quint32 sum, quint32 amplitude) {
-    if (amplitude == 0)
+    if (amplitude == 0) {
         return 0.0F;
-    if constexpr (phases == 1)
+    }
+    if constexpr (phases == 1) {
         return float(std::sqrt(double(sum >> 2))) / float(amplitude);
-    else if constexpr (phases == 2)
+    } else if constexpr (phases == 2) {
         return float(std::sqrt(double(sum >> 3))) / float(amplitude);
-    else if constexpr (phases == 4)
+    } else if constexpr (phases == 4) {
         return float(std::sqrt(double(sum >> 3))) / float(2 * amplitude);
-    else
+    } else {
         return std::sqrt(float(sum >> 4) * onePlusRootOfTwo) / float(4 * amplitude);
+    }
 }
 
 /// A single phase has no angle: its magnitude is passed through.
 template <class Source, int phases>
 float phaseValue(const quint8* const* rows, size_t pixel) {
-    if constexpr (phases == 1)
+    if constexpr (phases == 1) {
         return float(amplitudeOf<Source, 1>(rows, pixel));
-    else
+    } else {
         return phaseShift(lightVector<Source, phases>(rows, pixel));
+    }
 }
 
 template <typename T, int phases>
@@ -130,41 +135,47 @@ void phaseConfidenceRow(const quint8* const* rows, quint8* result, size_t pixels
 
 template <typename T, int phases>
 void phaseRow(const quint8* const* rows, quint8* result, size_t pixels, SkToFRowStats&) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel, phaseValue<Differences<T>, phases>(rows, pixel));
+    }
 }
 
 void angleRow(const quint8* const* rows, quint8* result, size_t pixels) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel,
                   phaseShift(FloatVector{sampleAt<float>(rows[0], pixel), sampleAt<float>(rows[1], pixel)}));
+    }
 }
 
 void fillDarkRow(quint8* result, size_t pixels, float worst) {
     for (size_t pixel = 0; pixel < pixels; ++pixel) {
-        if (sampleAt<float>(result, 2 * pixel + 1) == 0.0F)
+        if (sampleAt<float>(result, 2 * pixel + 1) == 0.0F) {
             putSample(result, 2 * pixel + 1, worst);
+        }
     }
 }
 
 template <typename T, int phases>
 void intensityRow(const quint8* const* rows, quint8* result, size_t pixels) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel, T(sampleSum<TwoTaps<T>, phases>(rows, pixel) / (2 * phases)));
+    }
 }
 
 template <class Source, int phases>
 void amplitudeRow(const quint8* const* rows, quint8* result, size_t pixels) {
     using Amplitude = typename Source::Amplitude;
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel, Amplitude(amplitudeOf<Source, phases>(rows, pixel)));
+    }
 }
 
 /// The difference wraps to the signed type; it is not saturated.
 template <typename T>
 void differenceRow(const quint8* source, quint8* result, size_t pixels) {
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t pixel = 0; pixel < pixels; ++pixel) {
         putSample(result, pixel, std::make_signed_t<T>(TwoTaps<T>::difference(source, pixel)));
+    }
 }
 
 template <int phases, int index>

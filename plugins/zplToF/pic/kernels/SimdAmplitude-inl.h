@@ -36,9 +36,10 @@ HWY_INLINE VU8 evenEightsFirst(VU8 eights) {
     } else {
         constexpr size_t lanes = hn::MaxLanes(DU());
         alignas(64) uint32_t order[lanes];
-        for (size_t lane = 0; lane < lanes; ++lane)
+        for (size_t lane = 0; lane < lanes; ++lane) {
             order[lane] = uint32_t(lane < lanes / 2 ? lane / 2 * 4 + lane % 2
                                                     : (lane - lanes / 2) / 2 * 4 + 2 + lane % 2);
+        }
         const auto indices = hn::SetTableIndices(DU(), order);
         return hn::BitCast(hn::ScalableTag<uint8_t>(),
                            hn::TableLookupLanes(hn::BitCast(DU(), eights), indices));
@@ -176,18 +177,20 @@ struct WordAmplitudeBlock {
             return {hn::ShiftRight<kSquareShift>(lightSquares(rows)),
                     hn::ShiftRight<kSquareShift>(lightSquares(behind)), true};
         }
-        if (fit<14>(bits))
+        if (fit<14>(bits)) {
             return {lengthOf(lightSquares(rows)), lengthOf(lightSquares(behind)), false};
+        }
         return {amplitudeOf<0>(Axes<Source, phases>(rows)), amplitudeOf<0>(Axes<Source, phases>(behind)),
                 false};
     }
 
     HWY_INLINE void finish(const Begun& begun, uint8_t* result) const {
         // Squares of 12-bit samples have 23 bits.
-        if (HWY_LIKELY(begun.areSquares))
+        if (HWY_LIKELY(begun.areSquares)) {
             storeSmallWords(integerRoot(begun.first), integerRoot(begun.second), result);
-        else
+        } else {
             storeWords(begun.first, begun.second, result);
+        }
     }
 
 private:
@@ -199,8 +202,9 @@ private:
         VS16 bits = Source::magnitude(rows[0]);
         constexpr size_t vectors = kPixels * kSourceBytes / hn::MaxLanes(DS16()) / 2;
         for (size_t row = 0; row < kRows; ++row) {
-            for (size_t vector = row == 0 ? 1 : 0; vector < vectors; ++vector)
+            for (size_t vector = row == 0 ? 1 : 0; vector < vectors; ++vector) {
                 bits = hn::Or(bits, Source::magnitude(rows[row] + vector * hn::MaxLanes(DS16()) * 2));
+            }
         }
         return bits;
     }

@@ -68,12 +68,13 @@ struct WideWindowBlock {
         V x1, x2, x3;
         hn::LoadInterleaved3(D(), reinterpret_cast<const int32_t*>(rows[0]), x1, x2, x3);
         const V low = hn::Min(x1, x3);
-        if constexpr (wantAmplitude)
+        if constexpr (wantAmplitude) {
             store(amplitude(low, x2, hn::Max(x1, x3)), result);
-        else
+        } else {
             // More than 31 places leave nothing but the sign, as 31 do.
             store(hn::BitCast(UnsignedD(), shift == 0 ? low : hn::ShiftRightSame(low, std::min(shift, 31))),
                   result);
+        }
     }
 
 private:
@@ -84,8 +85,9 @@ private:
         const UnsignedV span = hn::Sub(hn::BitCast(d, high), hn::BitCast(d, low));
         const UnsignedV rest = hn::Sub(span, hn::Min(span, hn::Sub(larger, hn::BitCast(d, x2))));
         const UnsignedV remaining = hn::Add(rest, hn::Sub(larger, hn::BitCast(d, low)));
-        if (shift == 0)
+        if (shift == 0) {
             return remaining;
+        }
         const auto carried = hn::Lt(remaining, rest);
         const UnsignedV carry =
             hn::IfThenElseZero(carried, hn::Set(d, shift > 32 ? 0U : uint32_t(1ULL << (32 - shift))));
@@ -304,7 +306,7 @@ float largestDepthRow(const quint8* depth, const quint8* confidence, size_t pixe
     forEachBlock(rows, nullptr, pixels, block);
     const float largest = hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
     return isZeroOfUnknownSign(largest, maximum)
-               ? CkToFKernelChoice::plain().largestDepth(depth, confidence, pixels, limit, maximum)
+               ? ToFKernelChoice::plain().largestDepth(depth, confidence, pixels, limit, maximum)
                : largest;
 }
 
@@ -313,7 +315,7 @@ float largestDepthOfPairsRow(const quint8* pairs, const quint8*, size_t pixels, 
     forEachBlock(&pairs, nullptr, pixels, block);
     const float largest = hn::GetLane(hn::MaxOfLanes(DF(), block.largest));
     return isZeroOfUnknownSign(largest, maximum)
-               ? CkToFKernelChoice::plain().largestDepthOfPairs(pairs, nullptr, pixels, limit, maximum)
+               ? ToFKernelChoice::plain().largestDepthOfPairs(pairs, nullptr, pixels, limit, maximum)
                : largest;
 }
 

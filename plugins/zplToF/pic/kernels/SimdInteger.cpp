@@ -49,8 +49,9 @@ struct IntensityBlock {
 
     static HWY_INLINE typename Taps::V mean(BlockRows rows) {
         auto sum = Taps::sum(rows[0]);
-        for (int phase = 1; phase < phases; ++phase)
+        for (int phase = 1; phase < phases; ++phase) {
             sum = hn::Add(sum, Taps::sum(rows[phase]));
+        }
         return hn::ShiftRight<shift>(sum);
     }
     HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {

@@ -23,8 +23,9 @@ struct Built {
             entry = plainKernels();
             entry.sName = hwy::TargetName(targets[index]);
             if ((supported & targets[index]) != 0 && addSimdWaveKernels(targets[index], entry) &&
-                addSimdIntegerKernels(targets[index], entry) && addSimdHybridKernels(targets[index], entry))
+                addSimdIntegerKernels(targets[index], entry) && addSimdHybridKernels(targets[index], entry)) {
                 usable.push_back(&entry);
+            }
         }
     }
 };

@@ -151,17 +151,19 @@ HWY_INLINE VI scaledLength(const Light& light) {
 
 template <size_t part, class Source, int phases>
 HWY_INLINE VI amplitudeOf(const Axes<Source, phases>& axes) {
-    if constexpr (phases == 1)
+    if constexpr (phases == 1) {
         return hn::Abs(lanesOf<part>(axes.x));
-    else
+    } else {
         return scaledLength<Source, phases>(lightVector<part>(axes));
+    }
 }
 
 template <class Source, int phases>
 HWY_INLINE typename Source::V sampleSum(BlockRows rows) {
     auto sum = Source::emptySum(phases);
-    for (int phase = 0; phase < phases; ++phase)
+    for (int phase = 0; phase < phases; ++phase) {
         sum = Source::addSum(sum, rows[phase]);
+    }
     return sum;
 }
 

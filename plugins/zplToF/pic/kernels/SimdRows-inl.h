@@ -56,14 +56,16 @@ HWY_INLINE void walkRow(const uint8_t* const* rows, uint8_t* result, size_t pixe
         at[row] = rows[row];
         if (isShort) {
             std::memcpy(shortSource[row], rows[row], pixels * kSource);
-            for (size_t pixel = pixels; pixel < kPixels; ++pixel)
+            for (size_t pixel = pixels; pixel < kPixels; ++pixel) {
                 std::memcpy(shortSource[row] + pixel * kSource, rows[row] + (pixels - 1) * kSource, kSource);
+            }
             at[row] = shortSource[row];
         }
     }
     walk(at, isShort ? shortResult : result, isShort ? 0 : pixels - kPixels);
-    if (isShort && kResult > 0)
+    if (isShort && kResult > 0) {
         std::memcpy(result, shortResult, pixels * kResult);
+    }
 }
 
 /// Calls block(rows, result) for blocks of Block::kPixels pixels until the row is done. The last block is
@@ -75,8 +77,9 @@ HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t
             constexpr size_t kPixels = Block::kPixels;
             // The inner loop runs twice when the last block has to be moved back.
             for (size_t pixel = 0; pixel < last + kPixels;) {
-                for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
+                for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels) {
                     block(BlockRows{at, pixel * Block::kSourceBytes}, target + pixel * Block::kResultBytes);
+                }
             }
         });
 }
@@ -127,10 +130,11 @@ HWY_INLINE VI lanesOf(VI values) {
 template <size_t part>
 HWY_INLINE VI lanesOf(VS16 values) {
     const hn::Half<DS16> half;
-    if constexpr (part == 0)
+    if constexpr (part == 0) {
         return hn::PromoteTo(DI(), hn::LowerHalf(half, values));
-    else
+    } else {
         return hn::PromoteTo(DI(), hn::UpperHalf(half, values));
+    }
 }
 
 /// Interleaved taps of 16 bits. Shifted to signed values, so that one instruction multiplies both taps by 1

@@ -7,8 +7,8 @@
 #define TOF_SIMD_SECTIONS_TOGGLE
 #endif
 
-#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
 #include "plugins/zplToF/pic/kernels/SimdTriples-inl.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 
 #include <type_traits>
 
@@ -38,8 +38,9 @@ struct Merged {
 
     HWY_INLINE void take(V mask, V samples, uint32_t sectionShift) {
         value = hn::IfVecThenElse(mask, shifted(samples, sectionShift), value);
-        if constexpr (sizeof(R) > sizeof(T))
+        if constexpr (sizeof(R) > sizeof(T)) {
             factor = hn::IfVecThenElse(mask, factorOf(sectionShift), factor);
+        }
     }
 
 private:
@@ -47,10 +48,11 @@ private:
         return hn::Set(TripleTag<T>(), T(T(1) << sectionShift));
     }
     static HWY_INLINE V shifted(V samples, uint32_t sectionShift) {
-        if constexpr (sizeof(R) > sizeof(T))
+        if constexpr (sizeof(R) > sizeof(T)) {
             return samples;
-        else
+        } else {
             return hn::ShiftLeftSame(samples, int(sectionShift));
+        }
     }
 };
 
@@ -147,12 +149,14 @@ HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uin
     auto decided = usablePixels<T>(last, largestUsable);
     MergedBlock<T, R> merged(last, 0);
     for (uint32_t section = sections - 1; section > 0; --section) {
-        if (hn::AllTrue(d, hn::MaskFromVec(decided)))
+        if (hn::AllTrue(d, hn::MaskFromVec(decided))) {
             break;
+        }
         const auto samples = Triples<T>::load(firstSection + (section - 1) * sectionBytes);
         merged.take(hn::Not(decided), samples, sections - section);
-        if (section > 1)
+        if (section > 1) {
             decided = hn::Or(decided, usablePixels<T>(samples, largestUsable));
+        }
     }
     merged.store(result, used);
 }
@@ -167,9 +171,10 @@ HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, ui
         hn::Set(TripleTag<T>(), T(std::min<uint32_t>(threshold - 1U, hwy::LimitsMax<T>())));
     const size_t last = pixels - kPixels;
     for (size_t pixel = 0; pixel < pixels;) {
-        for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels)
+        for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels) {
             mergeBlock<T, R>(firstSection + pixel * 3 * sizeof(T), sectionBytes, sections, largestUsable,
                              result + pixel * 3 * sizeof(R), used);
+        }
     }
 }
 
@@ -179,7 +184,7 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
     // Short rows are not worth copying, below 0 there is no sample, and more sections than a sample has bits
     // need factors wider than it.
     if (pixels < kTriplePixels<T> || threshold == 0 || sections > 8 * sizeof(T)) {
-        CkToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
+        ToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
             firstSection, sectionBytes, sections, threshold, result, pixels, usedBits);
         for (size_t sample = 0; sample < 3 * pixels; ++sample) {
             R value;
@@ -190,18 +195,20 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
     }
     const MergedTag<T, R> d;
     Used<T, R> used = hn::Zero(d);
-    if (sections == 2)
+    if (sections == 2) {
         mergeBlocks<T, R, 2>(firstSection, sectionBytes, 2, threshold, result, pixels, used);
-    else if (sections == 3)
+    } else if (sections == 3) {
         mergeBlocks<T, R, 3>(firstSection, sectionBytes, 3, threshold, result, pixels, used);
-    else if (sections == 4)
+    } else if (sections == 4) {
         mergeBlocks<T, R, 4>(firstSection, sectionBytes, 4, threshold, result, pixels, used);
-    else
+    } else {
         mergeBlocks<T, R, 0>(firstSection, sectionBytes, sections, threshold, result, pixels, used);
+    }
     alignas(64) MergedLane<T, R> lanes[hn::MaxLanes(d)];
     hn::Store(used, d, lanes);
-    for (const auto lane : lanes)
+    for (const auto lane : lanes) {
         usedBits |= lane;
+    }
 }
 #endif
 } // namespace HWY_NAMESPACE

@@ -47,9 +47,10 @@ struct TripleTables {
         for (size_t lane = 0; lane < kLanes; ++lane) {
             thirds[lane % 3][lane] = T(~T(0));
             for (size_t byte = 0; byte < sizeof(T); ++byte) {
-                for (size_t vector = 0; vector < 3; ++vector)
+                for (size_t vector = 0; vector < 3; ++vector) {
                     samples[vector][lane * sizeof(T) + byte] =
                         uint8_t((vector * kLanes + lane) / 3 * 3 % kLanes * sizeof(T) + byte);
+                }
                 ordered[lane * sizeof(T) + byte] = uint8_t(lane * 3 % kLanes * sizeof(T) + byte);
             }
         }
@@ -103,10 +104,11 @@ struct Triples {
         const D d;
         constexpr size_t lanes = kPartPixels<T>;
         const V mixed = everyThird<sample>(first, everyThird<(sample + 2 * lanes) % 3>(second, third));
-        if constexpr (sample == 0)
+        if constexpr (sample == 0) {
             return mixed;
-        else
+        } else {
             return hn::CombineShiftRightBytes<sample * sizeof(T)>(d, mixed, mixed);
+        }
     }
 
     /// The value of every pixel at each of its samples.

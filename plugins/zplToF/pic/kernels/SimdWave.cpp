@@ -50,8 +50,9 @@ HWY_INLINE VF confidenceOf(VI sum, VI amplitude) {
     constexpr int sumShift = phases == 1 ? 2 : phases == 8 ? 4 : 3;
     constexpr int amplitudeShift = phases == 8 ? 2 : phases == 4 ? 1 : 0;
     VF variance = hn::ConvertTo(d, hn::ShiftRight<sumShift>(sum));
-    if constexpr (phases == 8)
+    if constexpr (phases == 8) {
         variance = hn::Mul(variance, hn::Set(d, 2.4142137F));
+    }
     // Sums below 2^24: the root in single precision is the rounded root in double precision.
     const VF signal = hn::ConvertTo(d, hn::ShiftLeft<amplitudeShift>(amplitude));
     const VF confidence = hn::Div(hn::Sqrt(variance), signal);
@@ -75,8 +76,9 @@ struct PhaseConfidenceBlock {
         const Axes<Source, phases> axes(rows);
         const auto sum = sampleSum<Source, phases>(rows);
         putPart<0>(axes, sum, result);
-        if constexpr (Source::kParts == 2)
+        if constexpr (Source::kParts == 2) {
             putPart<1>(axes, sum, result);
+        }
     }
 
     template <size_t part>
@@ -119,8 +121,9 @@ struct PhaseBlock {
     HWY_INLINE void operator()(BlockRows rows, uint8_t* result) {
         const Axes<Source, phases> axes(rows);
         putPart<0>(axes, result);
-        if constexpr (Source::kParts == 2)
+        if constexpr (Source::kParts == 2) {
             putPart<1>(axes, result);
+        }
     }
 
     template <size_t part>

@@ -210,8 +210,9 @@ TEST_P(Normalised, QuadsHaveFourCornersAndSixIndices) {
         EXPECT_FLOAT_EQ(vertex.red, float((7 * 255) & 255) / 255.0F);
     }
     std::vector<quint32> indices;
-    for (int i = 6; i < 12; i++)
+    for (int i = 6; i < 12; i++) {
         indices.push_back(indexAt(builder, i));
+    }
     EXPECT_THAT(indices, ElementsAre(4, 5, 6, 6, 7, 4));
 }
 
@@ -234,10 +235,12 @@ TEST_P(Normalised, BytesBehindThePointsAreZero) {
             << points;
         EXPECT_EQ(indices.mid(qsizetype(points) * 24), QByteArray(qsizetype(35 - points) * 24, '\0'))
             << points;
-        for (quint32 i = 0; i < points; i++)
+        for (quint32 i = 0; i < points; i++) {
             EXPECT_EQ(indexAt(builder, int(6 * i + 4)), 4 * i + 3);
-        if (points % 2 == 0)
+        }
+        if (points % 2 == 0) {
             held = builder.vertexBytes();
+        }
     }
 }
 
@@ -354,8 +357,9 @@ TEST_P(Lens, WrappingEndsWhereTheLoopWould) {
         parameters.opticalPath.realDistanceOffsetM = offsetM;
         for (float value : {0.0F, 0.5F, 1.7F, 3.3F, 6.28F}) {
             double expected = double(value * MMPerRadian + 1000.0F * offsetM);
-            while (expected < 0.0)
+            while (expected < 0.0) {
                 expected += double(RangeMM);
+            }
             ASSERT_TRUE(build(value, EkDepthDataType::PhaseShift));
             ASSERT_EQ(builder.pointCount(), 2);
             EXPECT_NEAR(builder.exportPoints()[1].z, expected, 1e-6 * std::fabs(offsetM) * 1000.0 + 1e-3)

@@ -13,8 +13,9 @@ std::vector<int> coloursOf(const SkPicBuf& picture, std::optional<CkLut::CkCompC
     parameters.contrast = contrast;
     EXPECT_TRUE(builder.build({picture, {}}, parameters));
     std::vector<int> colours;
-    for (int i = 0; i < builder.pointCount(); i++)
+    for (int i = 0; i < builder.pointCount(); i++) {
         colours.push_back(colourOf(vertexAt(builder, i)));
+    }
     return colours;
 }
 
@@ -24,8 +25,9 @@ protected:
     std::vector<int> of(const std::vector<quint16>& samples, quint32 bits,
                         std::optional<CkLut::CkCompContrast> contrast = std::nullopt) {
         HeapPicture picture(quint32(samples.size()), 1, 1, EkImageDataType::UInt16, bits);
-        for (quint32 x = 0; x < samples.size(); x++)
+        for (quint32 x = 0; x < samples.size(); x++) {
             picture.at<quint16>(x, 0) = samples[x];
+        }
         return coloursOf(*picture, contrast, GetParam());
     }
     std::vector<int> ofFloats(const std::vector<float>& samples,

@@ -29,9 +29,11 @@ private:
 /// The instruction sets of this processor that the builder has code for, the plain one left out.
 std::vector<int64_t> vectorTargets() {
     std::vector<int64_t> targets;
-    for (int64_t target : hwy::SupportedAndGeneratedTargets())
-        if (target != HWY_SCALAR && target != HWY_EMU128)
+    for (int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        if (target != HWY_SCALAR && target != HWY_EMU128) {
             targets.push_back(target);
+        }
+    }
     return targets;
 }
 
@@ -59,8 +61,9 @@ struct Scene {
                                                               : unit(random);
             }
         }
-        if (type == EkImageDataType::Float32)
+        if (type == EkImageDataType::Float32) {
             depth.refreshRange();
+        }
     }
 
     SkToFDepthPictures pictures() {
@@ -143,10 +146,11 @@ void expectSameCloud(const CkToFCloudBuilder& plain, const CkToFCloudBuilder& ve
     const auto* b = reinterpret_cast<const float*>(vectors.vertexBytes().constData());
     const int floats = int(plain.vertexBytes().size() / 4);
     for (int i = 0; i < floats; i++) {
-        if (i % 6 < 2)
+        if (i % 6 < 2) {
             ASSERT_LE(std::abs(orderOf(a[i]) - orderOf(b[i])), 2) << "vertex float " << i;
-        else
+        } else {
             ASSERT_EQ(std::bit_cast<quint32>(a[i]), std::bit_cast<quint32>(b[i])) << "vertex float " << i;
+        }
     }
     for (size_t i = 0; i < plain.exportPoints().size(); i++) {
         const SkToFPoint& p = plain.exportPoints()[i];
@@ -259,8 +263,9 @@ TEST_P(CloudSizes, EveryLoopGivesTheCloudOfTheFormulas) {
 
 TEST(CloudTargets, ThisProcessorRunsVectors) {
     std::set<std::string> names;
-    for (int64_t target : vectorTargets())
+    for (int64_t target : vectorTargets()) {
         names.insert(hwy::TargetName(target));
+    }
 #if defined(__x86_64__)
     EXPECT_TRUE(names.count("SSE4") && names.count("AVX2")) << testing::PrintToString(names);
 #endif

@@ -18,12 +18,13 @@ CkImageMetadata named(const char* channel) {
 
 /// Two float channels: 1, 2, 3, ... and 0.01, 0.02, ...
 void fillTwoChannels(SkPicBuf& picture) {
-    for (quint32 y = 0; y < picture.height; y++)
+    for (quint32 y = 0; y < picture.height; y++) {
         for (quint32 x = 0; x < picture.width; x++) {
             const float n = float(y * picture.width + x + 1);
             setSample(picture, x, y, 0, n);
             setSample(picture, x, y, 1, n / 100.0F);
         }
+    }
 }
 
 void expectEmpty(const CkToFDepthFrame& frame) {
@@ -114,8 +115,9 @@ TEST(CkToFDepthFrame, MakesDepthAndConfidenceOfHybridPictures) {
     PaddedPicture input(2, 2, 3, EkImageDataType::UInt16);
     input->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
     const std::array<quint16, 3> windows = {100, 60, 20};
-    for (quint32 channel = 0; channel < 3; channel++)
+    for (quint32 channel = 0; channel < 3; channel++) {
         setSample(*input, 1, 1, channel, windows[channel]);
+    }
     CkToFDepthFrame frame;
     ASSERT_TRUE(frame.update(*input, nullptr, 640));
     EXPECT_EQ(frame.depthDataKind(), EkDepthDataType::Depth);
@@ -161,8 +163,9 @@ TEST(CkToFDepthFrame, OtherPicturesBecomeGreyPicturesOfTheirOwnType) {
     EXPECT_EQ(frame.confidencePic().data, nullptr);
 
     PaddedPicture colour(3, 1, 3, EkImageDataType::UInt8);
-    for (quint32 channel = 0; channel < 3; channel++)
+    for (quint32 channel = 0; channel < 3; channel++) {
         setSample<quint8>(*colour, 2, 0, channel, std::array<quint8, 3>{10, 100, 200}[channel]);
+    }
     ASSERT_TRUE(frame.update(*colour, nullptr, 640));
     EXPECT_EQ(frame.depthPic().channels, 1U);
     // 0.299 * 200 + 0.587 * 100 + 0.114 * 10 = 119.64
@@ -172,9 +175,11 @@ TEST(CkToFDepthFrame, OtherPicturesBecomeGreyPicturesOfTheirOwnType) {
 TEST(CkToFDepthFrame, WideGenericPicturesAreShrunk) {
     CkToFDepthFrame frame;
     PaddedPicture wide(1280, 10, 1, EkImageDataType::UInt8);
-    for (quint32 x = 0; x < 1280; x++)
-        for (quint32 y = 0; y < 10; y++)
+    for (quint32 x = 0; x < 1280; x++) {
+        for (quint32 y = 0; y < 10; y++) {
             setSample<quint8>(*wide, x, y, 0, quint8(x / 2 % 200));
+        }
+    }
     ASSERT_TRUE(frame.update(*wide, nullptr, 640));
     EXPECT_EQ(frame.depthPic().width, 640U);
     EXPECT_EQ(frame.depthPic().height, 5U);
@@ -287,8 +292,9 @@ TEST(CkToFDepthFrame, EveryPhaseCountThatIsComputedGivesPhases) {
     for (qint32 phases : {1, 2, 4, 8}) {
         PaddedPicture input(1, quint32(phases), 1, EkImageDataType::Int16);
         // The angle opposite to the nominal first one is where the differences have their maximum.
-        for (quint32 y = 0; y < quint32(phases); y++)
+        for (quint32 y = 0; y < quint32(phases); y++) {
             setSample<qint16>(*input, 0, y, 0, qint16(-100));
+        }
         setSample<qint16>(*input, 0, quint32(phases) / 2, 0, qint16(100));
         CkImageMetadata metadata;
         metadata.tofFormatCode = 0x80a05f0cU;
@@ -331,8 +337,9 @@ TEST(CkToFDepthFrame, SharedPicturesOutliveUpdatesAndTheFrame) {
         ASSERT_TRUE(frame.update(*input, nullptr, 640));
         ASSERT_TRUE(CkPicBufAPI::SharePicBuf(frame.depthPic(), shared));
         std::memset(input->data, 0, size_t(input->lineSize) * 2);
-        for (int i = 0; i < 5; i++)
+        for (int i = 0; i < 5; i++) {
             ASSERT_TRUE(frame.update(*input, nullptr, 640));
+        }
         EXPECT_NE(frame.depthPic().data, shared.data);
     }
     EXPECT_EQ(sampleAt<float>(shared, 3, 1), 8.0F);
@@ -374,10 +381,12 @@ TEST(CkToFDepthFrame, MovesWithItsPictures) {
 
 TEST(CkToFDepthFrame, AgreesWithTheProcessingFunctions) {
     HeapPicture input(33, 20, 2, EkImageDataType::UInt16, 12);
-    for (quint32 y = 0; y < 20; y++)
-        for (quint32 x = 0; x < 66; x++)
+    for (quint32 y = 0; y < 20; y++) {
+        for (quint32 x = 0; x < 66; x++) {
             reinterpret_cast<quint16*>(input->row(y))[x] =
                 quint16((x * 2654435761U + y * 40503U) >> 7 & 4095);
+        }
+    }
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;

@@ -37,8 +37,9 @@ TEST(CkToFReusedBytes, StaysRightWhenEveryArrayIsShared) {
         std::memset(bytes.begin(), c, 64);
         held.append(bytes.current());
     }
-    for (int i = 0; i < held.size(); i++)
+    for (int i = 0; i < held.size(); i++) {
         EXPECT_EQ(held[i], QByteArray(64, char('a' + i)));
+    }
 }
 
 TEST(CkToFReusedBytes, PreparingChangesNothingYet) {

@@ -56,19 +56,23 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
     for (quint32 y = 0; y < depth.height; y++) {
         for (quint32 x = 0; x < depth.width; x++) {
             const double v = sampleAt(depth, x, y);
-            if (!std::isfinite(v))
+            if (!std::isfinite(v)) {
                 continue;
+            }
             lo = std::min(lo, v);
             hi = std::max(hi, v);
-            if (!confidence.data)
+            if (!confidence.data) {
                 continue;
+            }
             const double c = sampleAt(confidence, x, y);
-            if (c > 0.0 && c <= double(path.confidenceThreshold))
+            if (c > 0.0 && c <= double(path.confidenceThreshold)) {
                 trusted = std::max(trusted, v);
+            }
         }
     }
-    if (trusted >= 0.0 && path.confidenceThreshold > 0.0F)
+    if (trusted >= 0.0 && path.confidenceThreshold > 0.0F) {
         hi = trusted;
+    }
 
     // Colours.
     const double max = std::pow(2.0, depth.bitsPerChannel) - 1.0;
@@ -98,10 +102,12 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
         valueRange = hi - lo;
         zExtent = 1.2 * zoom;
     }
-    if (std::fabs(inRange) < 1e-24)
+    if (std::fabs(inRange) < 1e-24) {
         inRange = 1.0;
-    if (std::fabs(valueRange) < 1e-24)
+    }
+    if (std::fabs(valueRange) < 1e-24) {
         valueRange = 1.0;
+    }
 
     // Scales.
     double xyScale = 2.0 / w;
@@ -135,20 +141,23 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
             depthM = range / 1000.0;
         }
     }
-    if (!isFloat)
+    if (!isFloat) {
         zScale *= zoom;
+    }
     halfDepth = zExtent / 2.0;
     halfHeight = h / w;
 
     for (quint32 y = 0; y < depth.height; y++) {
         for (quint32 x = 0; x < depth.width; x++) {
             const double v = sampleAt(depth, x, y);
-            if (!std::isfinite(v))
+            if (!std::isfinite(v)) {
                 continue;
+            }
             if (confidence.data && kind != 0) {
                 const double c = sampleAt(confidence, x, y);
-                if (!std::isfinite(c) || c > double(path.confidenceThreshold) || (kind == 2 && c == 0.0))
+                if (!std::isfinite(c) || c > double(path.confidenceThreshold) || (kind == 2 && c == 0.0)) {
                     continue;
+                }
             }
             ReferencePoint p;
             const double cx = x - w / 2.0;
@@ -162,12 +171,14 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
                     d = rangeMM / 2.0;
                     distanceTolerance = rangeMM;
                 }
-                while (d < 0.0)
+                while (d < 0.0) {
                     d += rangeMM;
+                }
                 const double chipX = cx * pitch - offsetX;
                 const double chipY = cy * pitch - offsetY;
-                if (path.orthoRadialCorrection)
+                if (path.orthoRadialCorrection) {
                     d *= f / std::sqrt(chipX * chipX + chipY * chipY + f * f);
+                }
                 p.x = chipX * d / f;
                 p.y = chipY * d / f;
                 p.z = zBase > 0.0 ? d - zBase : d;

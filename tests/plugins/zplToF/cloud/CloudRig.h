@@ -43,9 +43,11 @@ private:
 
 /// One float picture with one value a pixel.
 inline void fillFloats(HeapPicture& picture, const std::function<float(quint32 x, quint32 y)>& value) {
-    for (quint32 y = 0; y < picture->height; y++)
-        for (quint32 x = 0; x < picture->width; x++)
+    for (quint32 y = 0; y < picture->height; y++) {
+        for (quint32 x = 0; x < picture->width; x++) {
             picture.at<float>(x, y) = value(x, y);
+        }
+    }
     picture.refreshRange();
 }
 

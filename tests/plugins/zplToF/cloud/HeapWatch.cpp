@@ -22,22 +22,26 @@ bool isWatched() {
 }
 
 void allocated(size_t asked, size_t usable) {
-    if (!isWatched())
+    if (!isWatched()) {
         return;
+    }
     if (asked >= leaveOutFrom) {
         ++leftOutCount;
         return;
     }
-    if (asked > largestBytes)
+    if (asked > largestBytes) {
         largestBytes = asked;
+    }
     liveBytes += usable;
-    if (liveBytes > peakBytes)
+    if (liveBytes > peakBytes) {
         peakBytes = liveBytes.load();
+    }
 }
 
 void freed(size_t usable) {
-    if (isWatched())
+    if (isWatched()) {
         liveBytes -= liveBytes < usable ? liveBytes.load() : usable;
+    }
 }
 
 } // namespace
@@ -55,8 +59,9 @@ namespace {
 [[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(
     [](const volatile void*, size_t size) { allocated(size, size); },
     [](const volatile void* memory) {
-        if (memory)
+        if (memory) {
             freed(__sanitizer_get_allocated_size(memory));
+        }
     });
 
 } // namespace

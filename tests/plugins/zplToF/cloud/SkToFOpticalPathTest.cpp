@@ -36,13 +36,16 @@ TEST(SkToFOpticalPath, TheCamerasOwnValuesWinWhereItHasThem) {
 
 TEST(SkToFOpticalPath, OnlyFiniteValuesAboveZeroArePositive) {
     EXPECT_TRUE(float_is_positive(1e-30F));
-    for (float value : {0.0F, -0.0F, -1.0F, NotANumber, Infinite, -Infinite})
+    for (float value : {0.0F, -0.0F, -1.0F, NotANumber, Infinite, -Infinite}) {
         EXPECT_FALSE(float_is_positive(value)) << value;
+    }
 }
 
 TEST(SkToFOpticalPath, OnlyFiniteValuesAreValid) {
-    for (float value : {0.0F, -1.0F, 3e38F})
+    for (float value : {0.0F, -1.0F, 3e38F}) {
         EXPECT_TRUE(float_is_valid(value)) << value;
-    for (float value : {NotANumber, Infinite, -Infinite})
+    }
+    for (float value : {NotANumber, Infinite, -Infinite}) {
         EXPECT_FALSE(float_is_valid(value)) << value;
+    }
 }

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
 #include "tests/plugins/zplToF/cloud/HeapWatch.h"
 
@@ -32,11 +32,13 @@ size_t largestAllocation(const SkPicBuf& input, const CkImageMetadata& metadata,
         ASSERT_GT(builder.pointCount(), 0);
         given = builder.vertexBytes();
     };
-    for (int i = 0; i < 6; i++)
+    for (int i = 0; i < 6; i++) {
         step();
+    }
     const HeapWatch watch;
-    for (int i = 0; i < 20; i++)
+    for (int i = 0; i < 20; i++) {
         step();
+    }
     const size_t largest = watch.largest();
     CkPicBufAPI::FreePicBuf(shown);
     return largest;
@@ -67,23 +69,28 @@ TEST(HeapWatch, SeesWhatItIsThereToSee) {
 TEST(CloudMemory, PhasePicturesAllocateNothingLargeOnceSizesHaveSettled) {
     HeapPicture input(640, 480, 2, EkImageDataType::Float32);
     std::mt19937 random(1);
-    for (quint32 y = 0; y < 480; y++)
+    for (quint32 y = 0; y < 480; y++) {
         for (quint32 x = 0; x < 640; x++) {
             input.at<float>(x, y, 0) = float(random() % 6000) / 1000.0F;
             input.at<float>(x, y, 1) = float(random() % 1000) / 1000.0F;
         }
+    }
     CkImageMetadata metadata;
     metadata.channelNames = {"Phase shift", "Confidence"};
-    for (bool plain : {false, true})
-        for (auto layout : {EkToFVertexLayout::Points, EkToFVertexLayout::Quads})
+    for (bool plain : {false, true}) {
+        for (auto layout : {EkToFVertexLayout::Points, EkToFVertexLayout::Quads}) {
             EXPECT_LE(largestAllocation(*input, metadata, layout, plain), Small) << textOf(plain, layout);
+        }
+    }
 }
 
 TEST(CloudMemory, RawAndGenericPicturesAllocateNothingLargeEither) {
     HeapPicture taps(320, 480, 2, EkImageDataType::UInt16, 12);
-    for (quint32 y = 0; y < 480; y++)
-        for (quint32 x = 0; x < 640; x++)
+    for (quint32 y = 0; y < 480; y++) {
+        for (quint32 x = 0; x < 640; x++) {
             reinterpret_cast<quint16*>(taps->row(y))[x] = quint16((x * 31 + y * 17) % 4096);
+        }
+    }
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
@@ -98,10 +105,12 @@ TEST(CloudMemory, PlyTextTakesAtMostTwiceItsSize) {
         for (bool falling : {false, true}) {
             // Long lines first and short ones last is where counting the last lines pays least.
             std::vector<SkToFPoint> points(count);
-            for (size_t i = 0; i < count; i++)
-                if (!falling || i < count / 2)
+            for (size_t i = 0; i < count; i++) {
+                if (!falling || i < count / 2) {
                     points[i] = {float(random()) * -1.7e-7F, float(random()) * 1e-12F,
                                  float(random()) * 3e-4F};
+                }
+            }
             const HeapWatch watch;
             const QByteArray text = buildPlyText(points);
             ASSERT_GT(text.size(), qsizetype(6 * count));

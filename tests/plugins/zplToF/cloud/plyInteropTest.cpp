@@ -1,7 +1,7 @@
 // Exported clouds as other programs read them: each one converts the PLY into a plain list of its own.
 
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
 
 #include <QFile>
@@ -142,12 +142,13 @@ INSTANTIATE_TEST_SUITE_P(Readers, PlyInterop, testing::ValuesIn(readers),
 
 TEST_P(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {
     HeapPicture input(640, 480, 2, EkImageDataType::Float32);
-    for (quint32 y = 0; y < 480; y++)
+    for (quint32 y = 0; y < 480; y++) {
         for (quint32 x = 0; x < 640; x++) {
             input.at<float>(x, y, 0) = 3.0F + std::sin(float(x) / 40.0F) * std::cos(float(y) / 30.0F);
             // Every seventh column is dropped: no placeholders may come back for them.
             input.at<float>(x, y, 1) = x % 7 == 3 ? 99.0F : 0.1F;
         }
+    }
     CkImageMetadata metadata;
     metadata.channelNames = {"Phase shift", "Confidence"};
     CkToFDepthFrame frame;

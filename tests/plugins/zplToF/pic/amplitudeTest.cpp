@@ -19,10 +19,12 @@ struct Light {
 /// Largest integer whose square is not above the given one.
 qint64 integerRoot(qint64 square) {
     auto root = qint64(std::sqrt(double(square)));
-    while (root * root > square)
+    while (root * root > square) {
         --root;
-    while ((root + 1) * (root + 1) <= square)
+    }
+    while ((root + 1) * (root + 1) <= square) {
         ++root;
+    }
     return root;
 }
 
@@ -63,10 +65,11 @@ private:
     /// As much as fits from the first phase of the axis, the rest from the phase opposite.
     void putAxis(size_t index, quint32 phase, qint64 value) {
         const qint64 rest = putDifference(index, phase, value);
-        if (mPhases == 4)
+        if (mPhases == 4) {
             EXPECT_EQ(putDifference(index, phase + 2, -rest), 0);
-        else
+        } else {
             EXPECT_EQ(rest, 0);
+        }
     }
     qint64 putDifference(size_t index, quint32 phase, qint64 value) {
         const quint32 y = phase * mHeight + row(index);
@@ -92,14 +95,15 @@ private:
 
 class Amplitude : public ::testing::TestWithParam<const SkToFKernels*> {};
 
-INSTANTIATE_TEST_SUITE_P(Kernels, Amplitude, ::testing::ValuesIn(CkToFKernelChoice::available()),
+INSTANTIATE_TEST_SUITE_P(Kernels, Amplitude, ::testing::ValuesIn(ToFKernelChoice::available()),
                          [](const auto& instance) { return std::string(instance.param->sName); });
 
 std::vector<Light> everyLight(qint64 limit) {
     std::vector<Light> lights;
     for (qint64 y = -limit; y <= limit; ++y) {
-        for (qint64 x = -limit; x <= limit; ++x)
+        for (qint64 x = -limit; x <= limit; ++x) {
             lights.push_back({x, y});
+        }
     }
     return lights;
 }
@@ -137,10 +141,12 @@ std::vector<Light> lightsAtIntegers(qint64 limit, int phases, std::mt19937& rand
                 count == 0 ? shortest : shortest + qint64(random() % quint64(longest - shortest + 1));
             const qint64 y = integerRoot(length * length - x * x);
             const qint64 sign = random() % 2 == 0 ? 1 : -1;
-            if (y <= limit)
+            if (y <= limit) {
                 lights.push_back({x, sign * y});
-            if (y + 1 <= limit)
+            }
+            if (y + 1 <= limit) {
                 lights.push_back({-y - 1, sign * x});
+            }
         }
     }
     return lights;

@@ -40,21 +40,23 @@ protected:
     std::vector<float> ys;
 };
 
-INSTANTIATE_TEST_SUITE_P(Kernels, Arctangent, ::testing::ValuesIn(CkToFKernelChoice::available()),
+INSTANTIATE_TEST_SUITE_P(Kernels, Arctangent, ::testing::ValuesIn(ToFKernelChoice::available()),
                          [](const auto& instance) { return std::string(instance.param->sName); });
 
 TEST_P(Arctangent, FullGridOfSmallIntegers) {
     for (int y = -512; y < 512; ++y) {
-        for (int x = -512; x < 512; ++x)
+        for (int x = -512; x < 512; ++x) {
             add(float(x), float(y));
+        }
     }
     check();
 }
 
 TEST_P(Arctangent, RandomIntegersOfTheWholeRange) {
     std::mt19937 random(42);
-    for (int count = 0; count < 2000000; ++count)
+    for (int count = 0; count < 2000000; ++count) {
         add(float(int(random() % 262141) - 131070), float(int(random() % 262141) - 131070));
+    }
     check();
 }
 
@@ -86,8 +88,9 @@ TEST_P(Arctangent, NonIntegerVectorsOfEightPhases) {
         const auto whole = [&random] { return float(int(random() % 8191) - 4095); };
         return whole() + whole() * 0.70710677F;
     };
-    for (int count = 0; count < 1000000; ++count)
+    for (int count = 0; count < 1000000; ++count) {
         add(component(), component());
+    }
     check();
 }
 

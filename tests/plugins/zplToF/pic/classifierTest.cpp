@@ -47,10 +47,12 @@ TEST(TwoTapPicture, DataType11PassesTheTest) {
 }
 
 TEST(TwoTapPicture, RefusesWideTypesOtherChannelsAndTheLayoutFlag) {
-    for (quint32 type = 0; type < 20; ++type)
+    for (quint32 type = 0; type < 20; ++type) {
         EXPECT_EQ(CkToFPicAPI::isRawX2ToFABPic(described(2, type), nullptr), type < 5 || type > 10) << type;
-    for (quint32 channels : {0U, 1U, 3U, 4U})
+    }
+    for (quint32 channels : {0U, 1U, 3U, 4U}) {
         EXPECT_FALSE(CkToFPicAPI::isRawX2ToFABPic(described(channels, 4), nullptr));
+    }
     EXPECT_FALSE(CkToFPicAPI::isRawX2ToFABPic(described(2, 4, true), nullptr));
 }
 
@@ -68,8 +70,9 @@ TEST(DifferencePicture, LayoutFlagMakesNoDifference) {
 }
 
 TEST(DifferencePicture, OnlySignedEightAndSixteenBitsInOneChannel) {
-    for (quint32 type = 0; type < 20; ++type)
+    for (quint32 type = 0; type < 20; ++type) {
         EXPECT_EQ(CkToFPicAPI::isRawToFAminBPic(described(1, type), nullptr), type == 1 || type == 3);
+    }
     EXPECT_FALSE(CkToFPicAPI::isRawToFAminBPic(described(2, 3), nullptr));
     EXPECT_FALSE(CkToFPicAPI::isRawToFAminBPic(described(0, 3), nullptr));
 }
@@ -217,8 +220,9 @@ TEST(PhasesCount, MetadataWinsUnchecked) {
 TEST(PhasesCount, HeightDecidesWithoutMetadata) {
     const std::pair<quint32, quint32> expected[] = {{480, 1},  {960, 2},  {1920, 4}, {3840, 8},
                                                     {1800, 1}, {1000, 1}, {0, 1},    {600, 1}};
-    for (const auto& [height, count] : expected)
+    for (const auto& [height, count] : expected) {
         EXPECT_EQ(CkToFPicAPI::detectPhasesCount(described(2, 4, false, 0, height), nullptr), count);
+    }
 }
 
 TEST(PhasesCount, Height1800IsThreeForHybridOnly) {

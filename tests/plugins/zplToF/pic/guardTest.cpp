@@ -22,8 +22,9 @@ protected:
         const PicOperation& operation = GetParam();
         source = std::make_unique<TestPicture>(width, operation.stackedPhases ? height * 4 : height,
                                                operation.sourceChannels, operation.sourceType, 0, 4);
-        if (operation.sourceChannels == 3 && operation.resultChannels != 3)
+        if (operation.sourceChannels == 3 && operation.resultChannels != 3) {
             source->pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        }
         result = std::make_unique<TestPicture>(width, height, operation.resultChannels, operation.resultType,
                                                0, 4);
         result->pic.minValue = -1.0F;
@@ -80,9 +81,10 @@ TEST_P(Guard, HybridOperationsAskWhetherThePictureIsHybrid) {
         EXPECT_NE(source->pic.colorFilterArray, EkColorFilterArray::RawX3Hybrid);
         return;
     }
-    for (const quint32 colors : {0U, 8U, 9U, 12U, 14U})
+    for (const quint32 colors : {0U, 8U, 9U, 12U, 14U}) {
         expectRefused("colours",
                       [colors](SkPicBuf& s, SkPicBuf&) { s.colorFilterArray = EkColorFilterArray(colors); });
+    }
     source->pic.layoutFlag = true;
     EXPECT_EQ(run(), GetParam().sourceType == Type::UInt32);
 }
@@ -131,11 +133,12 @@ TEST_P(Guard, ForeignSampleTypes) {
 
 TEST_P(Guard, WrongResultChannels) {
     for (const quint32 channels : {1U, 2U, 3U, 4U}) {
-        if (channels != GetParam().resultChannels)
+        if (channels != GetParam().resultChannels) {
             expectRefused("channels", [channels](SkPicBuf&, SkPicBuf& r) {
                 r.channels = channels;
                 r.width = 2;
             });
+        }
     }
 }
 
@@ -216,8 +219,9 @@ TEST(UnsupportedPhases, WriteNothingButRefreshTheRange) {
 TEST(UnsupportedPhases, MoreThanTheSourceHoldsAreRefused) {
     TestPicture source(6, 32, 2, Type::UInt16);
     TestPicture result(6, 2, 2, Type::Float32);
-    for (const int phases : {17, 1000, std::numeric_limits<int>::max()})
+    for (const int phases : {17, 1000, std::numeric_limits<int>::max()}) {
         EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, phases));
+    }
 }
 
 TEST(DifferenceGuard, DifferencePictureOfTheSameSizeIsLeftAlone) {
@@ -266,24 +270,26 @@ TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
         SkPicBuf d = depth.pic;
         SkPicBuf p = pairs.pic;
         for (SkPicBuf* picture : {&d, &p}) {
-            if (kind == 0)
+            if (kind == 0) {
                 picture->data = nullptr;
-            else if (kind == 1)
+            } else if (kind == 1) {
                 picture->dataType = Type::UInt32;
-            else if (kind == 2)
+            } else if (kind == 2) {
                 picture->channels = 3;
-            else if (kind == 3)
+            } else if (kind == 3) {
                 picture->lineSize -= 1;
-            else
+            } else {
                 picture->height = 0;
+            }
         }
         refused(d, confidence.pic, p);
         EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(confidence.pic, d, maximum, 1.0F));
     }
     for (const auto& [width, height] : {std::pair(3U, 3U), std::pair(4U, 2U), std::pair(4U, 4U)}) {
         TestPicture other(width, height, 1, Type::Float32);
-        for (quint32 x = 0; x < width; ++x)
+        for (quint32 x = 0; x < width; ++x) {
             other.set(x, 0, 0, 0.5F); // a depth as well as a confidence
+        }
         EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, other.pic, maximum, 1.0F));
         EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(other.pic, confidence.pic, maximum, 1.0F));
     }
@@ -296,8 +302,9 @@ TEST(DepthSearchGuard, ChannelsAreCountedExactly) {
     // Every sample is a depth of 2 m that could be trusted, whatever it is taken for.
     for (const quint32 channels : {1U, 2U, 3U, 4U}) {
         TestPicture picture(4, 3, channels, Type::Float32);
-        for (quint32 index = 0; index < 4 * 3 * channels; ++index)
+        for (quint32 index = 0; index < 4 * 3 * channels; ++index) {
             picture.set(index / channels % 4, index / channels / 4, index % channels, 2.0F);
+        }
         float maximum = 7.0F;
         EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(picture.pic, maximum, 3.0F), channels == 2);
         EXPECT_EQ(maximum, channels == 2 ? 2.0F : 7.0F);

@@ -11,11 +11,11 @@ namespace {
 
 class HybridKnownAnswers : public ::testing::TestWithParam<const SkToFKernels*> {
 protected:
-    void SetUp() override { CkToFKernelChoice::pin(GetParam()); }
-    void TearDown() override { CkToFKernelChoice::pin(nullptr); }
+    void SetUp() override { ToFKernelChoice::pin(GetParam()); }
+    void TearDown() override { ToFKernelChoice::pin(nullptr); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Kernels, HybridKnownAnswers, ::testing::ValuesIn(CkToFKernelChoice::available()),
+INSTANTIATE_TEST_SUITE_P(Kernels, HybridKnownAnswers, ::testing::ValuesIn(ToFKernelChoice::available()),
                          [](const auto& instance) { return std::string(instance.param->sName); });
 
 constexpr EkImageDataType unsignedTypes[] = {EkImageDataType::UInt8, EkImageDataType::UInt16,
@@ -223,8 +223,9 @@ TEST_P(HybridKnownAnswers, BitsInUseThatTheResultHoldsAreNotShifted) {
 }
 
 TEST_P(HybridKnownAnswers, ThirtyTwoBitResultsAreNeverShifted) {
-    for (const quint32 resultBits : {0U, 8U, 16U, 31U})
+    for (const quint32 resultBits : {0U, 8U, 16U, 31U}) {
         EXPECT_EQ(narrowed(0x7BCDEF01, 32, EkImageDataType::UInt32, resultBits), 0x7BCDEF01);
+    }
     TestPicture source(1, 1, 3, EkImageDataType::UInt32, 32);
     source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
     setWindows(source, 0, 0, 0x100, 0x70000000, 0x300);
@@ -349,8 +350,9 @@ TEST_P(HybridKnownAnswers, TestImageBecomesThreeWindows) {
     for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
         TestPicture source(5, 6, 1, type);
         for (quint32 y = 0; y < 6; ++y) {
-            for (quint32 x = 0; x < 5; ++x)
+            for (quint32 x = 0; x < 5; ++x) {
                 source.put(x, y, 0, 10 * y + x);
+            }
         }
         TestPicture result(5, 2, 3, type);
         ASSERT_TRUE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic));
@@ -431,8 +433,9 @@ TEST_P(HybridKnownAnswers, LargestDepthAmongTrustedPixels) {
 
 TEST_P(HybridKnownAnswers, NoTrustedPixelLeavesTheMaximumUntouched) {
     TestPicture pairs(20, 3, 2, EkImageDataType::Float32);
-    for (quint32 x = 0; x < 20; ++x)
+    for (quint32 x = 0; x < 20; ++x) {
         pairs.set(x, 1, 0, 5.0F);
+    }
     float maximum = 42.0F;
     EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(pairs.pic, maximum, 1.0F));
     EXPECT_EQ(maximum, 42.0F);

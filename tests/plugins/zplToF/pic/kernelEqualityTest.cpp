@@ -24,12 +24,13 @@ struct Layout {
 
 std::vector<Angles> angleLists(int phases) {
     std::vector<Angles> lists{{}};
-    if (phases == 2)
+    if (phases == 2) {
         lists.insert(lists.end(), {{90, 0}, {0, 180}, {90, 90}});
-    else if (phases == 4)
+    } else if (phases == 4) {
         lists.insert(lists.end(), {{180, 0, 270, 90}, {90, 0, 0, 7, 270}, {270, 180, 90, 0}});
-    else if (phases == 8)
+    } else if (phases == 8) {
         lists.insert(lists.end(), {{315, 270, 225, 180, 135, 90, 45, 0}, {0, 90, 180, 270}});
+    }
     return lists;
 }
 
@@ -73,8 +74,9 @@ void compare(const PicOperation& operation, const SkToFKernels& kernels, int pha
 
     TestPicture source(width, stacked, operation.sourceChannels, operation.sourceType, bits,
                        layout.extraLineBytes, layout.misalignment);
-    if (operation.sourceChannels == 3 && operation.resultChannels != 3)
+    if (operation.sourceChannels == 3 && operation.resultChannels != 3) {
         source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    }
     fillRandom(source, random, bits);
     const std::vector<quint8> sourceBefore = source.store;
 
@@ -83,7 +85,7 @@ void compare(const PicOperation& operation, const SkToFKernels& kernels, int pha
     TestPicture simd(width, height, operation.resultChannels, operation.resultType, 0, layout.extraLineBytes,
                      layout.misalignment);
     {
-        const PinnedKernels pinned(CkToFKernelChoice::plain());
+        const PinnedKernels pinned(ToFKernelChoice::plain());
         ASSERT_TRUE(operation.run(source.pic, plain.pic, phases, &angles));
     }
     {
@@ -102,19 +104,21 @@ INSTANTIATE_TEST_SUITE_P(Operations, KernelEquality, ::testing::ValuesIn(everyPi
 TEST_P(KernelEquality, EveryWidthPhasesLayoutAndAngleList) {
     std::mt19937 random(20240607);
     std::vector<quint32> widths;
-    for (quint32 width = 1; width <= 40; ++width)
+    for (quint32 width = 1; width <= 40; ++width) {
         widths.push_back(width);
+    }
     widths.insert(widths.end(), {64, 65, 129, 640});
     const std::vector<int> phaseCounts =
         GetParam().stackedPhases ? std::vector<int>{1, 2, 3, 4, 8} : std::vector<int>{1};
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         for (const int phases : phaseCounts) {
             for (const quint32 width : widths) {
                 for (const Layout layout : {Layout{0, 0}, Layout{3, 1}, Layout{64, 8}}) {
                     for (const Angles& angles : angleLists(phases)) {
                         compare(GetParam(), *kernels, phases, width, layout, angles, random);
-                        if (HasFatalFailure())
+                        if (HasFatalFailure()) {
                             return;
+                        }
                     }
                 }
             }
@@ -125,10 +129,10 @@ TEST_P(KernelEquality, EveryWidthPhasesLayoutAndAngleList) {
 void compareMerge(const TestPicture& source, EkImageDataType resultType) {
     TestPicture plain(source.pic.width, 2, 3, resultType, 0, 6);
     {
-        const PinnedKernels pinned(CkToFKernelChoice::plain());
+        const PinnedKernels pinned(ToFKernelChoice::plain());
         ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, plain.pic));
     }
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         TestPicture simd(source.pic.width, 2, 3, resultType, 0, 6);
         const PinnedKernels pinned(*kernels);
         ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, simd.pic));
@@ -148,8 +152,9 @@ TEST(KernelEqualityOfMerge, ManySectionsAndThresholds) {
                 source.pic.bitsPerChannel = bits;
                 for (const auto resultType : {EkImageDataType::UInt16, EkImageDataType::UInt32}) {
                     compareMerge(source, resultType);
-                    if (HasFatalFailure())
+                    if (HasFatalFailure()) {
                         return;
+                    }
                 }
             }
         }
@@ -163,8 +168,9 @@ TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
         TestPicture source(200, 6, 3, sourceType, 8);
         fillRandom(source, random, 7);
         for (quint32 y = 0; y < source.pic.height; ++y) {
-            for (quint32 x = 90; x < 97; ++x)
+            for (quint32 x = 90; x < 97; ++x) {
                 source.put(x, y, x % 3, 229 + (x + y) % 20);
+            }
         }
         compareMerge(source, EkImageDataType::UInt16);
         compareMerge(source, EkImageDataType::UInt32);
@@ -188,12 +194,13 @@ TEST(KernelEqualityOfHybridDepth, EveryPulseDuration) {
         fillRandom(source, random, 3); // few values, so that windows are often equal
         for (const float pulse : pulses) {
             TestPicture plain(1001, 3, 2, EkImageDataType::Float32);
-            for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+            for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
                 TestPicture simd(1001, 3, 2, EkImageDataType::Float32);
                 const PinnedKernels pinned(*kernels);
                 ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source.pic, simd.pic, pulse));
-                if (kernels == &CkToFKernelChoice::plain())
+                if (kernels == &ToFKernelChoice::plain()) {
                     plain.store = simd.store;
+                }
                 EXPECT_TRUE(plain.store == simd.store) << kernels->sName << ", " << pulse << " s";
             }
         }
@@ -220,12 +227,13 @@ TestPicture* windowsNearZeroAndLimits() {
 TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
     const std::unique_ptr<TestPicture> source(windowsNearZeroAndLimits());
     TestPicture plain(source->pic.width, 1, 2, EkImageDataType::Float32);
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         TestPicture simd(source->pic.width, 1, 2, EkImageDataType::Float32);
         const PinnedKernels pinned(*kernels);
         ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source->pic, simd.pic, 0.0F));
-        if (kernels == &CkToFKernelChoice::plain())
+        if (kernels == &ToFKernelChoice::plain()) {
             plain.store = simd.store;
+        }
         EXPECT_EQ(plain.store, simd.store) << kernels->sName;
     }
     // 7 and -7 have no sum: their product with the ambient light is 0, divided by a negative number.
@@ -236,7 +244,7 @@ TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
         opposed.set<qint32>(x, 0, 1, -7);
         opposed.set<qint32>(x, 0, 2, -9);
     }
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         TestPicture depth(40, 1, 2, EkImageDataType::Float32);
         const PinnedKernels pinned(*kernels);
         ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(opposed.pic, depth.pic, 0.0F));
@@ -260,10 +268,11 @@ TEST(KernelEqualityOfWideWindows, AmplitudesOf33BitsAndEveryShift) {
                                           : CkToFPicAPI::rawHybridToIntensity(source->pic, result.pic));
                     return result.store;
                 };
-                const std::vector<quint8> plain = run(CkToFKernelChoice::plain());
-                for (const SkToFKernels* kernels : CkToFKernelChoice::available())
+                const std::vector<quint8> plain = run(ToFKernelChoice::plain());
+                for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
                     ASSERT_EQ(plain, run(*kernels))
                         << kernels->sName << (amplitude ? " amplitude" : " intensity");
+                }
             }
         }
     }
@@ -285,11 +294,12 @@ TEST(KernelEqualityOfDepthSearch, EveryWidth) {
                 pairs.set(x, y, 1, trust);
                 depth.set(x, y, 0, metres);
                 confidence.set(x, y, 0, trust);
-                if (trust > 0.0F && trust <= 0.25F && metres > expected)
+                if (trust > 0.0F && trust <= 0.25F && metres > expected) {
                     expected = metres;
+                }
             }
         }
-        for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+        for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
             const PinnedKernels pinned(*kernels);
             float first = -7.0F;
             float second = -7.0F;
@@ -304,8 +314,9 @@ TEST(KernelEqualityOfDepthSearch, EveryWidth) {
 
 TEST(KernelChoice, EveryInstructionSetOfThisProcessorIsAvailable) {
     std::set<std::string> names;
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available())
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         names.insert(kernels->sName);
+    }
     EXPECT_TRUE(names.count("plain"));
     for (const int64_t target : {HWY_SSE4, HWY_AVX2, HWY_AVX3}) {
         EXPECT_EQ(names.count(hwy::TargetName(target)) == 1, (hwy::SupportedTargets() & target) != 0)
@@ -324,7 +335,7 @@ void spy(const quint8* const* rows, quint8* result, size_t pixels) {
 TEST(KernelChoice, PinnedKernelsAreTheOnesThatRun) {
     TestPicture source(40, 8, 2, EkImageDataType::UInt16);
     std::set<SkToFKernels::StackedRow> distinct;
-    for (const SkToFKernels* kernels : CkToFKernelChoice::available()) {
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         SkToFKernels watched = *kernels;
         spiedKernel = watched.amplitude[1][2];
         distinct.insert(spiedKernel);
@@ -336,19 +347,19 @@ TEST(KernelChoice, PinnedKernelsAreTheOnesThatRun) {
         EXPECT_EQ(spiedCalls, 2) << kernels->sName;
     }
     // No two implementations share the code that was watched.
-    EXPECT_EQ(distinct.size(), CkToFKernelChoice::available().size());
+    EXPECT_EQ(distinct.size(), ToFKernelChoice::available().size());
 }
 
 TEST(KernelChoice, AutomaticChoiceFollowsTheEnvironment) {
     const char* wanted = std::getenv("ZU_TOF_KERNELS");
-    const SkToFKernels* named = wanted == nullptr ? nullptr : CkToFKernelChoice::find(wanted);
-    const SkToFKernels* expected = named != nullptr ? named : CkToFKernelChoice::available().back();
-    EXPECT_EQ(&CkToFKernelChoice::active(), expected);
-    EXPECT_EQ(CkToFKernelChoice::find("no such kernels"), nullptr);
-    CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
-    EXPECT_STREQ(CkToFKernelChoice::active().sName, "plain");
-    CkToFKernelChoice::pin(nullptr);
-    EXPECT_EQ(&CkToFKernelChoice::active(), expected);
+    const SkToFKernels* named = wanted == nullptr ? nullptr : ToFKernelChoice::find(wanted);
+    const SkToFKernels* expected = named != nullptr ? named : ToFKernelChoice::available().back();
+    EXPECT_EQ(&ToFKernelChoice::active(), expected);
+    EXPECT_EQ(ToFKernelChoice::find("no such kernels"), nullptr);
+    ToFKernelChoice::pin(&ToFKernelChoice::plain());
+    EXPECT_STREQ(ToFKernelChoice::active().sName, "plain");
+    ToFKernelChoice::pin(nullptr);
+    EXPECT_EQ(&ToFKernelChoice::active(), expected);
 }
 
 TEST(KernelChoice, OperationsRunOnManyThreads) {
@@ -368,8 +379,9 @@ TEST(KernelChoice, OperationsRunOnManyThreads) {
             }
         });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(equal, std::vector<int>(4, 20));
 }
 

@@ -53,17 +53,19 @@ void addHybrid(std::vector<PicOperation>& all, Type type) {
                                return Api::rawHybridToAmplitude(s, r);
                            }});
         }
-        if (type != Type::UInt32 && result != Type::UInt8)
+        if (type != Type::UInt32 && result != Type::UInt8) {
             all.push_back({"MergeSections" + pair, type, 3, result, 3, true, false,
                            [](const SkPicBuf& s, SkPicBuf& r, int, const Angles*) {
                                return Api::processHdrFromImageSections(s, r);
                            }});
+        }
     }
-    if (type != Type::UInt32)
+    if (type != Type::UInt32) {
         all.push_back({"TestImage" + bits, type, 1, type, 3, true, false,
                        [](const SkPicBuf& s, SkPicBuf& r, int, const Angles*) {
                            return Api::convertTestImageToHybridTof(s, r);
                        }});
+    }
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/pic/kernels/CkToFKernelChoice.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 
 #include <cstdint>
 #include <cstring>
@@ -27,8 +27,9 @@ public:
         store.assign(front + size_t(pic.lineSize) * height + 64, guardByte);
         pic.data = store.data() + front;
         if (rowBytes() > 0) {
-            for (quint32 y = 0; y < height; ++y)
+            for (quint32 y = 0; y < height; ++y) {
                 std::memset(pic.row(y), 0, rowBytes());
+            }
         }
     }
     TestPicture(const TestPicture&) = delete;
@@ -69,18 +70,21 @@ public:
     bool guardsIntact() const {
         size_t index = 0;
         for (; index < front; ++index) {
-            if (store[index] != guardByte)
+            if (store[index] != guardByte) {
                 return false;
+            }
         }
         for (quint32 y = 0; y < pic.height; ++y) {
             for (size_t byte = rowBytes(); byte < pic.lineSize; ++byte) {
-                if (pic.row(y)[byte] != guardByte)
+                if (pic.row(y)[byte] != guardByte) {
                     return false;
+                }
             }
         }
         for (index = front + size_t(pic.lineSize) * pic.height; index < store.size(); ++index) {
-            if (store[index] != guardByte)
+            if (store[index] != guardByte) {
                 return false;
+            }
         }
         return true;
     }
@@ -103,12 +107,13 @@ inline void fillRandom(TestPicture& picture, std::mt19937& random, quint32 bits)
             const auto kind = random() % 20;
             for (quint32 channel = 0; channel < picture.pic.channels; ++channel) {
                 qint64 value = low + qint64(random()) % range;
-                if (kind == 0)
+                if (kind == 0) {
                     value = random() % 2 == 0 ? low : low + range - 1;
-                else if (kind == 1)
+                } else if (kind == 1) {
                     value = low + range / 2 + qint64(random() % 5) - (isSigned ? 2 : 0);
-                else if (kind == 2)
+                } else if (kind == 2) {
                     value = isSigned ? 0 : low + range / 3;
+                }
                 picture.put(x, y, channel, value);
             }
         }
@@ -130,8 +135,8 @@ inline qint64 ulpDistance(float first, float second) {
 /// Pins kernels for the life of the object.
 class PinnedKernels {
 public:
-    explicit PinnedKernels(const SkToFKernels& kernels) { CkToFKernelChoice::pin(&kernels); }
-    ~PinnedKernels() { CkToFKernelChoice::pin(nullptr); }
+    explicit PinnedKernels(const SkToFKernels& kernels) { ToFKernelChoice::pin(&kernels); }
+    ~PinnedKernels() { ToFKernelChoice::pin(nullptr); }
     PinnedKernels(const PinnedKernels&) = delete;
     PinnedKernels& operator=(const PinnedKernels&) = delete;
 };

@@ -57,8 +57,9 @@ WaveTruth waveTruth(const TestPicture& source, quint32 x, quint32 y, quint32 hei
         return truth;
     }
     truth.phase = atan2l(sineSum, cosineSum);
-    if (truth.phase < 0)
+    if (truth.phase < 0) {
         truth.phase += 2 * pi;
+    }
     truth.amplitude = hypotl(cosineSum, sineSum) / phases;
     return truth;
 }
@@ -98,15 +99,16 @@ protected:
             return {{}};
         }
     }
-    void SetUp() override { CkToFKernelChoice::pin(&CkToFKernelChoice::plain()); }
-    void TearDown() override { CkToFKernelChoice::pin(nullptr); }
+    void SetUp() override { ToFKernelChoice::pin(&ToFKernelChoice::plain()); }
+    void TearDown() override { ToFKernelChoice::pin(nullptr); }
 };
 
 std::vector<WaveCase> waveCases() {
     std::vector<WaveCase> cases;
     for (const int phases : {1, 2, 4, 8}) {
-        for (const Type type : {Type::UInt8, Type::Int8})
+        for (const Type type : {Type::UInt8, Type::Int8}) {
             cases.push_back({type, phases, 8});
+        }
         for (const Type type : {Type::UInt16, Type::Int16}) {
             cases.push_back({type, phases, 12});
             cases.push_back({type, phases, 16});
@@ -151,12 +153,14 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
                 // The variance is cut to a whole number, as the samples are whole numbers.
                 const int divisor = phases == 1 ? 4 : phases == 8 ? 16 : 8;
                 Extended variance = floorl(truth.sumOfSamples / divisor);
-                if (phases == 8)
+                if (phases == 8) {
                     variance *= 1.0L + sqrtl(2.0L);
+                }
                 const Extended scale = phases == 8 ? 4 : phases == 4 ? 2 : 1;
                 std::optional<Extended> confidence;
-                if (whole != 0 && variance != 0)
+                if (whole != 0 && variance != 0) {
                     confidence = sqrtl(variance) / (scale * whole);
+                }
                 worst = std::max(worst, confidence.value_or(0));
                 confidences.push_back(confidence);
             }
@@ -173,8 +177,9 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
                 ASSERT_GE(phase.get<float>(x, y), 0.0F);
                 ASSERT_TRUE(isTruncated(truth.amplitude, amplitude.at(x, y), phases != 8))
                     << double(truth.amplitude) << " became " << amplitude.at(x, y);
-                if (!taps)
+                if (!taps) {
                     continue;
+                }
                 const Extended expected = confidences[size_t(y) * width + x].value_or(worst);
                 ASSERT_NEAR(double(phase.get<float>(x, y, 1)), double(expected), 4e-7 * double(expected));
                 // The mean takes every stored phase once, whatever the list says.
@@ -187,8 +192,8 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
 
 class HybridReference : public ::testing::TestWithParam<Type> {
 protected:
-    void SetUp() override { CkToFKernelChoice::pin(&CkToFKernelChoice::plain()); }
-    void TearDown() override { CkToFKernelChoice::pin(nullptr); }
+    void SetUp() override { ToFKernelChoice::pin(&ToFKernelChoice::plain()); }
+    void TearDown() override { ToFKernelChoice::pin(nullptr); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Types, HybridReference, ::testing::Values(Type::UInt8, Type::UInt16, Type::UInt32),
@@ -200,8 +205,9 @@ struct HybridTruth {
 };
 
 HybridTruth hybridTruth(Extended a, Extended b, Extended c, Extended range) {
-    if (fabsl(a - b) <= 2 && a < c && b < c)
+    if (fabsl(a - b) <= 2 && a < c && b < c) {
         return {};
+    }
     Extended p = b, q = c, r = a, offset = range;
     if (a > c) {
         p = a;
@@ -210,11 +216,13 @@ HybridTruth hybridTruth(Extended a, Extended b, Extended c, Extended range) {
         offset = 0;
     }
     const Extended signal = p + q - 2 * r;
-    if (signal <= 0 || q < r || p == 0 || q == 0)
+    if (signal <= 0 || q < r || p == 0 || q == 0) {
         return {};
+    }
     const Extended confidence = ((p + q) * r) / (2 * p * q);
-    if (confidence > 0.9L + 1e-15L)
+    if (confidence > 0.9L + 1e-15L) {
         return {};
+    }
     return {(q - r) * range / signal + offset, confidence};
 }
 
@@ -261,7 +269,7 @@ TEST_P(HybridReference, DepthIntensityAmplitude) {
 }
 
 TEST(SectionsReference, MergeOfRandomSections) {
-    CkToFKernelChoice::pin(&CkToFKernelChoice::plain());
+    ToFKernelChoice::pin(&ToFKernelChoice::plain());
     std::mt19937 random(5);
     for (const quint32 sections : {2U, 3U, 5U}) {
         TestPicture source(23, sections * 4 + 1, 3, Type::UInt16, 12, 2);
@@ -276,23 +284,26 @@ TEST(SectionsReference, MergeOfRandomSections) {
                     const quint32 row = section * 4 + y;
                     return std::max({source.at(x, row, 0), source.at(x, row, 1), source.at(x, row, 2)});
                 };
-                while (section > 0 && peak() >= 3685)
+                while (section > 0 && peak() >= 3685) {
                     --section;
+                }
                 for (quint32 channel = 0; channel < 3; ++channel) {
                     qint64 expected = source.at(x, section * 4 + y, channel);
-                    for (quint32 doubled = section; doubled + 1 < sections; ++doubled)
+                    for (quint32 doubled = section; doubled + 1 < sections; ++doubled) {
                         expected *= 2;
+                    }
                     ASSERT_EQ(result.at(x, y, channel), expected);
                     largest = std::max(largest, expected);
                 }
             }
         }
         quint32 bits = 0;
-        while (largest >> bits)
+        while (largest >> bits) {
             ++bits;
+        }
         EXPECT_EQ(result.pic.bitsPerChannel, bits);
     }
-    CkToFKernelChoice::pin(nullptr);
+    ToFKernelChoice::pin(nullptr);
 }
 
 } // namespace

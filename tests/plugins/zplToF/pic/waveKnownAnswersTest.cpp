@@ -13,11 +13,11 @@ using Angles = CkToFPicAPI::AngleList;
 
 class WaveKnownAnswers : public ::testing::TestWithParam<const SkToFKernels*> {
 protected:
-    void SetUp() override { CkToFKernelChoice::pin(GetParam()); }
-    void TearDown() override { CkToFKernelChoice::pin(nullptr); }
+    void SetUp() override { ToFKernelChoice::pin(GetParam()); }
+    void TearDown() override { ToFKernelChoice::pin(nullptr); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Kernels, WaveKnownAnswers, ::testing::ValuesIn(CkToFKernelChoice::available()),
+INSTANTIATE_TEST_SUITE_P(Kernels, WaveKnownAnswers, ::testing::ValuesIn(ToFKernelChoice::available()),
                          [](const auto& instance) { return std::string(instance.param->sName); });
 
 constexpr float pi = 3.14159274F;
@@ -64,8 +64,9 @@ TEST_P(WaveKnownAnswers, NegativeAxisIsPiAndNegativeYIsAbovePi) {
 TEST_P(WaveKnownAnswers, EqualTapsEverywhereKeepConfidenceZero) {
     for (const quint32 width : {1U, 5U, 16U, 37U}) {
         TestPicture source(width, 4, 2, EkImageDataType::UInt16);
-        for (quint32 x = 0; x < width; ++x)
+        for (quint32 x = 0; x < width; ++x) {
             setTaps(source, x, {{7, 7}, {900, 900}, {0, 0}, {65535, 65535}});
+        }
         TestPicture result(width, 1, 2, EkImageDataType::Float32);
         ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
         for (quint32 x = 0; x < width; ++x) {
@@ -81,8 +82,9 @@ TEST_P(WaveKnownAnswers, TheRangeBeginsAtConfidencesOfZeroUnderAnglesThatAreNot)
     for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
         for (const quint32 width : {1U, 5U, 37U}) {
             TestPicture source(width, 4, 2, type);
-            for (quint32 x = 0; x < width; ++x)
+            for (quint32 x = 0; x < width; ++x) {
                 setTaps(source, x, {{5, 5}, {6, 4}, {7, 7}, {8, 8}}); // (0, 2): 2 / 4 is an amplitude of 0
+            }
             TestPicture result(width, 1, 2, EkImageDataType::Float32);
             ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
             const float angle = result.get<float>(0, 0, 0);
@@ -199,8 +201,9 @@ TEST_P(WaveKnownAnswers, AmplitudeAtExactSquares) {
     }
     TestPicture result(6, 1, 1, EkImageDataType::UInt16);
     ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, 4));
-    for (quint32 x = 0; x < 6; ++x)
+    for (quint32 x = 0; x < 6; ++x) {
         EXPECT_EQ(result.get<quint16>(x, 0), vectors[x][2]) << x;
+    }
 }
 
 TEST_P(WaveKnownAnswers, EightBitSinglePhaseTenAndThirty) {
@@ -225,8 +228,9 @@ TEST_P(WaveKnownAnswers, AmplitudeFromSigned16IntoUnsigned8IsRefused) {
 
 TEST_P(WaveKnownAnswers, FourPhasesOfThousand) {
     TestPicture source(3, 4, 2, EkImageDataType::UInt16);
-    for (quint32 x = 0; x < 3; ++x)
+    for (quint32 x = 0; x < 3; ++x) {
         setTaps(source, x, {{1000, 1000}, {1000, 1000}, {1000, 1000}, {1000, 1000}});
+    }
     TestPicture result(3, 1, 1, EkImageDataType::UInt16);
     ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, result.pic, 4));
     EXPECT_EQ(result.get<quint16>(2, 0), 1000);

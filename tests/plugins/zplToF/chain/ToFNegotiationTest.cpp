@@ -1,4 +1,4 @@
-#include "plugins/zplToF/transform/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include <gtest/gtest.h>
@@ -370,7 +370,7 @@ void expectNegotiation(const Picture& picture, int transform, const Expected& ex
 
     const bool accepted = block.queryOutputImageInfo(in, out, inMeta, withOutput ? &outMeta : nullptr);
     const char* const text =
-        CkToFNegotiation::negotiate(transform, in, out, inMeta, withOutput ? &outMeta : nullptr);
+        ToFNegotiation::negotiate(transform, in, out, inMeta, withOutput ? &outMeta : nullptr);
 
     EXPECT_EQ(accepted, expected.error == nullptr);
     EXPECT_STREQ(text, expected.error);
@@ -384,7 +384,7 @@ void expectNegotiation(const Picture& picture, int transform, const Expected& ex
     }
 }
 
-TEST(CkToFNegotiation, MatrixOfTransformsAndPictures) {
+TEST(ToFNegotiation, MatrixOfTransformsAndPictures) {
     for (const Picture& picture : pictures()) {
         for (int transform = 0; transform < 7; ++transform) {
             const Expected& expected = picture.expected[transform];
@@ -403,7 +403,7 @@ TEST(CkToFNegotiation, MatrixOfTransformsAndPictures) {
     }
 }
 
-TEST(CkToFNegotiation, TransformsOutsideTheListCopy) {
+TEST(ToFNegotiation, TransformsOutsideTheListCopy) {
     for (const Picture& picture : pictures()) {
         for (int transform : {-1, 7, 100, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
             SCOPED_TRACE(picture.name);
@@ -414,7 +414,7 @@ TEST(CkToFNegotiation, TransformsOutsideTheListCopy) {
     }
 }
 
-TEST(CkToFNegotiation, OutputsMayBeTheInputs) {
+TEST(ToFNegotiation, OutputsMayBeTheInputs) {
     for (const Picture& picture : pictures()) {
         for (int transform = 0; transform < 7; ++transform) {
             SkPicBufInfo in = picture.format.info();
@@ -422,20 +422,20 @@ TEST(CkToFNegotiation, OutputsMayBeTheInputs) {
             SkPicBufInfo out;
             CkImageMetadata outMeta;
             const char* const text =
-                CkToFNegotiation::negotiate(transform, in, out, &picture.metadata, &outMeta);
+                ToFNegotiation::negotiate(transform, in, out, &picture.metadata, &outMeta);
             SkPicBufInfo both = in;
             CkImageMetadata bothMeta = picture.metadata;
-            EXPECT_STREQ(CkToFNegotiation::negotiate(transform, both, both, &bothMeta, &bothMeta), text);
+            EXPECT_STREQ(ToFNegotiation::negotiate(transform, both, both, &bothMeta, &bothMeta), text);
             expectInfo(both, out);
             EXPECT_EQ(bothMeta, outMeta);
         }
     }
 }
 
-TEST(CkToFNegotiation, APitchBeyond32BitsIsNoPictureAnyMore) {
+TEST(ToFNegotiation, APitchBeyond32BitsIsNoPictureAnyMore) {
     const SkPicBufInfo in = Format{0x40000000, 4, 0x80000000, 2, 8, U8, 0}.info();
     SkPicBufInfo out;
-    EXPECT_EQ(CkToFNegotiation::negotiate(CkToFProcessCnbl::Depth, in, out, nullptr, nullptr), nullptr);
+    EXPECT_EQ(ToFNegotiation::negotiate(CkToFProcessCnbl::Depth, in, out, nullptr, nullptr), nullptr);
     EXPECT_FALSE(CkPicBufAPI::isValid(out));
 }
 
@@ -454,7 +454,7 @@ TEST(NegotiationExample, SingleChannel1664x1800UnderSetABPhase) {
     SkPicBufInfo out;
     CkImageMetadata outMeta;
     ASSERT_EQ(
-        CkToFNegotiation::negotiate(0, Format{1664, 1800, 1664, 1, 8, U8, 0}.info(), out, nullptr, &outMeta),
+        ToFNegotiation::negotiate(0, Format{1664, 1800, 1664, 1, 8, U8, 0}.info(), out, nullptr, &outMeta),
         nullptr);
     expectInfo(out, Format{832, 1800, 1664, 2, 8, U8, 8}.info());
     EXPECT_EQ(outMeta.channelNames, (QStringList{"A", "B"}));
@@ -463,14 +463,14 @@ TEST(NegotiationExample, SingleChannel1664x1800UnderSetABPhase) {
 TEST(NegotiationExample, ThreeChannelsUnderSetABPhaseFail) {
     SkPicBufInfo out;
     EXPECT_STREQ(
-        CkToFNegotiation::negotiate(0, Format{640, 480, 1920, 3, 8, U8, 0}.info(), out, nullptr, nullptr),
+        ToFNegotiation::negotiate(0, Format{640, 480, 1920, 3, 8, U8, 0}.info(), out, nullptr, nullptr),
         "The input image data type is not supported.");
 }
 
 TEST(NegotiationExample, SixteenBitRawX2UnderAandBtoAminB) {
     SkPicBufInfo out;
     ASSERT_EQ(
-        CkToFNegotiation::negotiate(5, Format{100, 480, 400, 2, 12, U16, 0}.info(), out, nullptr, nullptr),
+        ToFNegotiation::negotiate(5, Format{100, 480, 400, 2, 12, U16, 0}.info(), out, nullptr, nullptr),
         nullptr);
     expectInfo(out, Format{100, 480, 256, 1, 12, I16, 9}.info());
 }
@@ -478,7 +478,7 @@ TEST(NegotiationExample, SixteenBitRawX2UnderAandBtoAminB) {
 TEST(NegotiationExample, FourPhasesAandBUnderDepth) {
     SkPicBufInfo out;
     ASSERT_EQ(
-        CkToFNegotiation::negotiate(3, Format{640, 1920, 2560, 2, 12, U16, 0}.info(), out, nullptr, nullptr),
+        ToFNegotiation::negotiate(3, Format{640, 1920, 2560, 2, 12, U16, 0}.info(), out, nullptr, nullptr),
         nullptr);
     expectInfo(out, Format{640, 480, 5120, 2, 32, F32, 0}.info());
 }
@@ -488,7 +488,7 @@ TEST(NegotiationExample, AminusBUnderDepthHasOneChannelAndNoNames) {
     CkImageMetadata outMeta;
     SkPicBufInfo out;
     ASSERT_EQ(
-        CkToFNegotiation::negotiate(3, Format{640, 1920, 1280, 1, 12, I16, 9}.info(), out, &inMeta, &outMeta),
+        ToFNegotiation::negotiate(3, Format{640, 1920, 1280, 1, 12, I16, 9}.info(), out, &inMeta, &outMeta),
         nullptr);
     EXPECT_EQ(out.channels, 1U);
     EXPECT_EQ(out.dataType, F32);
@@ -498,7 +498,7 @@ TEST(NegotiationExample, AminusBUnderDepthHasOneChannelAndNoNames) {
 TEST(NegotiationExample, SetHybridOnThePlainPictureOfTheSensor) {
     SkPicBufInfo out;
     ASSERT_EQ(
-        CkToFNegotiation::negotiate(6, Format{832, 1800, 1664, 1, 16, U16, 0}.info(), out, nullptr, nullptr),
+        ToFNegotiation::negotiate(6, Format{832, 1800, 1664, 1, 16, U16, 0}.info(), out, nullptr, nullptr),
         nullptr);
     expectInfo(out, Format{832, 600, 5120, 3, 12, U16, 13}.info());
 }

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/transform/CkToFNegotiation.h"
+#include "plugins/zplToF/transform/ToFNegotiation.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
@@ -213,8 +213,8 @@ const char* negotiateSetHybrid(const CkToFRequest& request) {
 
 } // namespace
 
-const char* CkToFNegotiation::negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
-                                        const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
+const char* ToFNegotiation::negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
+                                      const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
     // What the input is has to be known before the output, which may be the same objects, changes.
     const CkToFRequest request(in, out, pInMeta, pOutMeta);
     out = request.in;

@@ -19,7 +19,7 @@ struct SkToFCloudOutput {
     float* pBounce;      ///< scratch of BouncePoints points, like pVertices
 };
 
-namespace CkToFCloudLoops {
+namespace ToFCloudLoops {
 
 /// Behind the points that a loop answers, this many more may have been written, inside the buffers given.
 inline constexpr size_t SlackPoints = 2;
@@ -40,4 +40,4 @@ bool largestTrustedDepth(const SkToFDepthPictures& pictures, float fLimit, float
 /// Name of the instruction set that buildByVectors runs on.
 const char* vectorTargetName();
 
-} // namespace CkToFCloudLoops
+} // namespace ToFCloudLoops

@@ -1,4 +1,4 @@
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
 
@@ -25,35 +25,40 @@ QByteArray headerFor(size_t points) {
 /// The text as the obvious implementation writes it.
 QByteArray textByArg(const std::vector<SkToFPoint>& points) {
     QByteArray text = headerFor(points.size());
-    for (const SkToFPoint& point : points)
+    for (const SkToFPoint& point : points) {
         text += byArg(point.x) + ' ' + byArg(point.y) + ' ' + byArg(point.z) + '\n';
+    }
     return text;
 }
 
 std::vector<SkToFPoint> inThrees(std::vector<float> values) {
-    while (values.size() % 3 != 0)
+    while (values.size() % 3 != 0) {
         values.push_back(0.0F);
+    }
     std::vector<SkToFPoint> points;
-    for (size_t i = 0; i < values.size(); i += 3)
+    for (size_t i = 0; i < values.size(); i += 3) {
         points.push_back({values[i], values[i + 1], values[i + 2]});
+    }
     return points;
 }
 
 void expectSameText(const std::vector<SkToFPoint>& points) {
     const QByteArray text = buildPlyText(points);
     const QByteArray expected = textByArg(points);
-    if (text == expected)
+    if (text == expected) {
         return;
+    }
     const QList<QByteArray> lines = text.split('\n');
     const QList<QByteArray> expectedLines = expected.split('\n');
     ASSERT_EQ(lines.size(), expectedLines.size());
-    for (int i = 0; i < lines.size(); i++)
+    for (int i = 0; i < lines.size(); i++) {
         ASSERT_EQ(lines[i].toStdString(), expectedLines[i].toStdString()) << "line " << i;
+    }
 }
 
 } // namespace
 
-TEST(CkToFPlyText, ThreePointsGiveTheHeaderAndThreeLines) {
+TEST(ToFPlyText, ThreePointsGiveTheHeaderAndThreeLines) {
     const std::vector<SkToFPoint> points = {{1.5F, -2.0F, 0.25F}, {0.0F, 0.0F, 0.0F}, {100.0F, 1e-7F, 3e20F}};
     EXPECT_EQ(
         buildPlyText(points).toStdString(),
@@ -66,16 +71,16 @@ TEST(CkToFPlyText, ThreePointsGiveTheHeaderAndThreeLines) {
         "100 1.0000000116860974e-07 300000006012263200000\n");
 }
 
-TEST(CkToFPlyText, APointIsWrittenWithoutTrailingZeros) {
+TEST(ToFPlyText, APointIsWrittenWithoutTrailingZeros) {
     const std::vector<SkToFPoint> points = {{1.5F, -2.0F, 0.25F}};
     EXPECT_EQ(buildPlyText(points), headerFor(1) + "1.5 -2 0.25\n");
 }
 
-TEST(CkToFPlyText, NoPointsGiveTheHeaderOnly) {
+TEST(ToFPlyText, NoPointsGiveTheHeaderOnly) {
     EXPECT_EQ(buildPlyText({}), headerFor(0));
 }
 
-TEST(CkToFPlyText, TrickyNumbersAreThoseOfQString) {
+TEST(ToFPlyText, TrickyNumbersAreThoseOfQString) {
     std::vector<float> values = {0.0F,
                                  -0.0F,
                                  std::numeric_limits<float>::max(),
@@ -91,7 +96,7 @@ TEST(CkToFPlyText, TrickyNumbersAreThoseOfQString) {
                                  Infinite,
                                  -Infinite};
     // Around every change between decimals and exponents.
-    for (int exponent = -46; exponent <= 38; exponent++)
+    for (int exponent = -46; exponent <= 38; exponent++) {
         for (float digits : {1.0F, 1.5F, 9.0F, 9.999999F, 1.234567F, 1.25F}) {
             const float value = float(double(digits) * std::pow(10.0, exponent));
             for (float near : {std::nextafter(value, 0.0F), value, std::nextafter(value, Infinite)}) {
@@ -99,12 +104,14 @@ TEST(CkToFPlyText, TrickyNumbersAreThoseOfQString) {
                 values.push_back(-near);
             }
         }
-    for (int exponent = -149; exponent < 128; exponent++)
+    }
+    for (int exponent = -149; exponent < 128; exponent++) {
         values.push_back(std::ldexp(1.0F, exponent));
+    }
     expectSameText(inThrees(values));
 }
 
-TEST(CkToFPlyText, MinusZeroAndLargeWholeNumbersAreTheseBytes) {
+TEST(ToFPlyText, MinusZeroAndLargeWholeNumbersAreTheseBytes) {
     // Powers of two above 2^53 in the digits that tell doubles apart, filled up with zeros: 2^60 is
     // 1152921504606846976, 2^63 is 9223372036854775808. Where an exponent is shorter it is written: 2^77 is
     // 151115727451828646838272.
@@ -119,7 +126,7 @@ TEST(CkToFPlyText, MinusZeroAndLargeWholeNumbersAreTheseBytes) {
                   .toStdString());
 }
 
-TEST(CkToFPlyText, AMillionNumbersAreThoseOfQString) {
+TEST(ToFPlyText, AMillionNumbersAreThoseOfQString) {
     std::mt19937 random(20);
     std::vector<float> values;
     while (values.size() < 1000000) {
@@ -141,17 +148,19 @@ TEST(CkToFPlyText, AMillionNumbersAreThoseOfQString) {
             value = float(qint32(random() % 200001) - 100000) / float(1 << random() % 12);
             break;
         }
-        if (std::isfinite(value))
+        if (std::isfinite(value)) {
             values.push_back(value);
+        }
     }
     expectSameText(inThrees(values));
 }
 
-TEST(CkToFPlyText, ReadsBackAsTheSamePoints) {
+TEST(ToFPlyText, ReadsBackAsTheSamePoints) {
     std::mt19937 random(3);
     std::vector<SkToFPoint> points(5000);
-    for (SkToFPoint& point : points)
+    for (SkToFPoint& point : points) {
         point = {float(random()) * 1e-6F, -float(random()) * 1e-3F, float(random())};
+    }
     const QList<QByteArray> lines = buildPlyText(points).split('\n');
     ASSERT_EQ(lines.size(), 7 + 5000 + 1);
     for (int i = 0; i < 5000; i++) {

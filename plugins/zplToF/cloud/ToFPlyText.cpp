@@ -1,4 +1,4 @@
-#include "plugins/zplToF/cloud/CkToFPlyText.h"
+#include "plugins/zplToF/cloud/ToFPlyText.h"
 
 #include <algorithm>
 #include <array>
@@ -26,10 +26,12 @@ char* writeLargeNumber(char* out, double value) {
     const char* exponentAt = std::find<const char*>(text.data(), end, 'e');
     size_t exponent = 0;
     std::from_chars(exponentAt + 2, end, exponent);
-    if (negative)
+    if (negative) {
         *out++ = '-';
-    if (exponent + 1 > size_t(end - text.data()))
+    }
+    if (exponent + 1 > size_t(end - text.data())) {
         return std::copy<const char*>(text.data(), end, out);
+    }
     char* const first = out;
     out = std::remove_copy<const char*>(text.data(), exponentAt, out, '.');
     return std::fill_n(out, exponent + 1 - size_t(out - first), '0');
@@ -38,13 +40,14 @@ char* writeLargeNumber(char* out, double value) {
 char* writeNumber(char* out, float fValue, char cSeparator) {
     constexpr double FirstLarge = 9007199254740992.0;
     const double value = double(fValue);
-    if (std::fabs(value) >= FirstLarge && std::isfinite(value))
+    if (std::fabs(value) >= FirstLarge && std::isfinite(value)) {
         out = writeLargeNumber(out, value);
-    else if (value == 0.0 || std::isnan(value))
+    } else if (value == 0.0 || std::isnan(value)) {
         // Their signs say nothing, and to_chars would write them.
         out = std::to_chars(out, out + LongestNumber, std::fabs(value)).ptr;
-    else
+    } else {
         out = std::to_chars(out, out + LongestNumber, value).ptr;
+    }
     *out = cSeparator;
     return out + 1;
 }
@@ -59,8 +62,9 @@ char* writeLine(char* out, const SkToFPoint& point) {
 class CkToFTextBlocks {
 public:
     void append(const SkToFPoint& point) {
-        if (m_used + LongestLine > m_open.size())
+        if (m_used + LongestLine > m_open.size()) {
             flush();
+        }
         m_used = size_t(writeLine(m_open.data() + m_used, point) - m_open.data());
     }
 
@@ -77,8 +81,9 @@ public:
 
     // Block by block: left to the pointers, a long text would be freed by a deep recursion.
     ~CkToFTextBlocks() {
-        while (m_first)
+        while (m_first) {
             m_first = std::move(m_first->next);
+        }
     }
 
 private:
@@ -116,19 +121,22 @@ QByteArray writePly(std::span<const SkToFPoint> points) {
     const auto kept = points.first(points.size() - points.size() / 16);
     const auto counted = points.subspan(kept.size());
     CkToFTextBlocks blocks;
-    for (const SkToFPoint& point : kept)
+    for (const SkToFPoint& point : kept) {
         blocks.append(point);
+    }
     std::array<char, LongestLine> line;
     size_t countedSize = 0;
-    for (const SkToFPoint& point : counted)
+    for (const SkToFPoint& point : counted) {
         countedSize += size_t(writeLine(line.data(), point) - line.data());
+    }
 
     QByteArray text(header.size() + qsizetype(blocks.size() + countedSize), Qt::Uninitialized);
     char* out = text.data();
     std::memcpy(out, header.constData(), size_t(header.size()));
     out = blocks.copyTo(out + header.size());
-    for (const SkToFPoint& point : counted)
+    for (const SkToFPoint& point : counted) {
         out = writeLine(out, point);
+    }
     return text;
 }
 

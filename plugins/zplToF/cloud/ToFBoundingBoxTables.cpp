@@ -1,6 +1,6 @@
-#include "plugins/zplToF/cloud/CkToFBoundingBoxTables.h"
+#include "plugins/zplToF/cloud/ToFBoundingBoxTables.h"
 
-namespace CkToFBoundingBoxTables {
+namespace ToFBoundingBoxTables {
 
 std::array<float, 24> vertices(float fHalfX, float fHalfY, float fHalfZ) {
     const float a = fHalfX;
@@ -18,4 +18,4 @@ const std::array<quint16, 24>& indices() {
     return table;
 }
 
-} // namespace CkToFBoundingBoxTables
+} // namespace ToFBoundingBoxTables
