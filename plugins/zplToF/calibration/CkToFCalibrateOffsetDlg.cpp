@@ -1,16 +1,13 @@
 #include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
 
-#include "plugins/zplToF/view3d/3dMdiView.h"
-#include "plugins/zplToF/view3d/SkToFViewSettings.h"
+#include "plugins/zplToF/view3d/ToFDistanceOffset.h"
 #include "ui_CkToFCalibrateOffsetDlg.h"
 #include "zuCore/CkImageData.h"
 #include "zuCoreGui/CkMdiView.h"
-#include "zuCoreGui/IkAppDelegate.h"
 
 #include <QKeyEvent>
 #include <QLocale>
 #include <QPushButton>
-#include <QSettings>
 #include <cmath>
 
 namespace {
@@ -171,8 +168,7 @@ void CkToFCalibrateOffsetDlg::finish() {
     if (showResult(result) == EkBoxEnd::Deleted) {
         return;
     }
-    storeOffset(result.fOffset);
-    CkToF3DMdiView::updateAllAfterDistanceOffsetChanged();
+    ToFDistanceOffset::store(result.fOffset);
     accept();
 }
 
@@ -206,13 +202,4 @@ CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, 
     }
     --m_iOpenBoxes;
     return dismissal.bHappened ? EkBoxEnd::Dismissed : EkBoxEnd::Acknowledged;
-}
-
-void CkToFCalibrateOffsetDlg::storeOffset(float fOffset) {
-    IkAppDelegate* delegate = IkAppDelegate::instance();
-    if (delegate == nullptr) {
-        return;
-    }
-    const std::unique_ptr<QSettings> settings(delegate->settings());
-    settings->setValue(QLatin1String(ToFSettingsKey::RealDistanceOffsetM), fOffset);
 }

@@ -53,7 +53,6 @@ private:
     EkBoxEnd showError(const QString& sText);
     EkBoxEnd showResult(const CkToFOffsetEstimator::SkResult& result);
     EkBoxEnd showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText);
-    void storeOffset(float fOffset);
 
     std::unique_ptr<Ui::CkToFCalibrateOffsetDlg> m_ui;
     QPointer<CkMdiView> m_view;

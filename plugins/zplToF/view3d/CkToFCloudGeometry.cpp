@@ -53,13 +53,13 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     if (positions == nullptr || colors == nullptr) {
         buildGeometry(pRenderer, cloud);
         m_bTakenUp = false;
-        lastPointCount = cloud.pointCount();
+        m_iLastPointCount = cloud.pointCount();
         return;
     }
 
     Qt3DCore::QBuffer& buffer = *positions->buffer();
     const bool sameSize = buffer.data().size() == cloud.vertexBytes().size();
-    if (m_bTakenUp && sameSize && cloud.pointCount() == lastPointCount) {
+    if (m_bTakenUp && sameSize && cloud.pointCount() == m_iLastPointCount) {
         ToFSceneBuffer::replace(buffer, cloud.vertexBytes());
     } else {
         ToFSceneBuffer::set(buffer, cloud.vertexBytes());
@@ -69,10 +69,10 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     }
     // The quads' indices depend on the points written and on the size of the picture.
     if (indices != nullptr &&
-        (cloud.pointCount() != lastPointCount || indices->count() != uint(cloud.indexCount()))) {
+        (cloud.pointCount() != m_iLastPointCount || indices->count() != uint(cloud.indexCount()))) {
         ToFSceneBuffer::set(*indices->buffer(), cloud.indexBytes());
         indices->setCount(uint(cloud.indexCount()));
     }
     setDrawnVertices(pRenderer, cloud);
-    lastPointCount = cloud.pointCount();
+    m_iLastPointCount = cloud.pointCount();
 }

@@ -16,6 +16,6 @@ public:
     void frameBegun() { m_bTakenUp = true; }
 
 private:
-    int lastPointCount = 0;
+    int m_iLastPointCount = 0;
     bool m_bTakenUp = false; ///< the scene has the vertex buffer in its present size
 };

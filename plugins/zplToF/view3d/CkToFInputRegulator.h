@@ -2,16 +2,25 @@
 
 #include "plugins/zplToF/cloud/SkToFOpticalPath.h"
 
-#include <QtGlobal>
+#include <QElapsedTimer>
 
 /// Limits how often frames are shown. A frame that comes too early is dropped, never kept for later.
-namespace CkToFInputRegulator {
+class CkToFInputRegulator {
+public:
+    /// Whether a frame that comes now is dropped. A limit that is not a number above 0 limits nothing.
+    bool dropsFrame(bool bRegulate, float fMaxFps) const {
+        return drops(bRegulate, fMaxFps, m_timer.isValid() ? m_timer.elapsed() : -1);
+    }
+    /// The interval to the next frame begins.
+    void frameShown() { m_timer.start(); }
 
-/// iElapsedMs: whole milliseconds since the last frame that was shown; negative when there was none. A limit
-/// that is not a number above 0 limits nothing.
-inline bool drops(bool bRegulate, float fMaxFps, qint64 iElapsedMs) {
-    return bRegulate && float_is_positive(fMaxFps) && iElapsedMs > 0 &&
-           1000.0 / double(fMaxFps) > double(iElapsedMs);
-}
+    /// The same for a frame that comes iElapsedMs whole milliseconds after the last one shown; negative when
+    /// there was none.
+    static bool drops(bool bRegulate, float fMaxFps, qint64 iElapsedMs) {
+        return bRegulate && float_is_positive(fMaxFps) && iElapsedMs > 0 &&
+               1000.0 / double(fMaxFps) > double(iElapsedMs);
+    }
 
-} // namespace CkToFInputRegulator
+private:
+    QElapsedTimer m_timer; ///< since the last frame shown
+};

@@ -7,6 +7,7 @@
 #include "plugins/zplToF/view3d/ToFCloudPick.h"
 #include "plugins/zplToF/view3d/ToFGlProbe.h"
 #include "plugins/zplToF/view3d/ToFSceneAttribute.h"
+#include "plugins/zplToF/view3d/ToFSceneFiles.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -55,7 +56,7 @@ void freeNodesWith(Qt3DExtras::Qt3DWindow& window, Qt3DCore::QNode* root) {
 } // namespace
 
 bool CkToFScene::platformUsesPointPrimitives() {
-    return QGuiApplication::platformName() != QLatin1String(WaylandPlatform);
+    return QGuiApplication::platformName() != QLatin1String(kWaylandPlatform);
 }
 
 CkToFScene::CkToFScene(bool bUsePointPrimitives) : m_bUsePointPrimitives(bUsePointPrimitives) {}
@@ -154,10 +155,10 @@ QWidget* CkToFScene::assemble(bool bShowBBox) {
 
 void CkToFScene::setUpCamera() {
     if (Qt3DRender::QCamera* view = camera()) {
-        view->lens()->setPerspectiveProjection(FieldOfView, AspectRatio, 0.1F, 1000.0F);
+        view->lens()->setPerspectiveProjection(kFieldOfView, kAspectRatio, 0.1F, 1000.0F);
         // The window sets the ratio to its own at every resize; the billboards count on ours.
         connect(view, &Qt3DRender::QCamera::aspectRatioChanged, view,
-                [view] { view->setAspectRatio(AspectRatio); });
+                [view] { view->setAspectRatio(kAspectRatio); });
         moveToDefaultPosition();
     }
     const QPointer<const CkToFScene> scene(this);
@@ -251,6 +252,20 @@ QImage CkToFScene::picture(const Qt3DRender::QRenderCaptureReply& reply) const {
     const bool upsideDown =
         !m_bUsePointPrimitives && m_window && m_window->surfaceType() == QSurface::OpenGLSurface;
     return upsideDown ? reply.image().mirrored() : reply.image();
+}
+
+// Queued: replies complete in the middle of Qt 3D's frame.
+bool CkToFScene::saveCapture(const QString& sFileName) {
+    Qt3DRender::QRenderCaptureReply* reply = requestCapture();
+    if (reply == nullptr) {
+        return false;
+    }
+    const auto save = [this, reply, sFileName] {
+        reply->deleteLater();
+        ToFSceneFiles::saveImage(picture(*reply), sFileName);
+    };
+    connect(reply, &Qt3DRender::QRenderCaptureReply::completed, this, save, Qt::QueuedConnection);
+    return true;
 }
 
 bool CkToFScene::eventFilter(QObject* pWatched, QEvent* pEvent) {

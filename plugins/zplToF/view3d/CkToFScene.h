@@ -35,10 +35,10 @@ class CkToFScene : public QObject {
 
 public:
     /// The name of the platform on which the scene is drawn by Qt 3D's default renderer.
-    static constexpr char WaylandPlatform[] = "wayland";
+    static constexpr char kWaylandPlatform[] = "wayland";
     /// Vertical field of view in degrees, and shape of the picture it is meant for; holds for every window.
-    static constexpr float FieldOfView = 45.0F;
-    static constexpr float AspectRatio = 16.0F / 9.0F;
+    static constexpr float kFieldOfView = 45.0F;
+    static constexpr float kAspectRatio = 16.0F / 9.0F;
 
     /// Whether points are drawn as squares by the billboard shaders (everywhere but on Wayland).
     static bool platformUsesPointPrimitives();
@@ -75,6 +75,8 @@ public:
     Qt3DRender::QRenderCaptureReply* requestCapture();
     /// The picture of a completed reply, the right way up; null when the capture failed.
     QImage picture(const Qt3DRender::QRenderCaptureReply& reply) const;
+    /// Saves the next capture under this name; false when none can be requested.
+    bool saveCapture(const QString& sFileName);
 
 signals:
     void programLogChanged(const QString& sLog);

@@ -1,52 +1,33 @@
 #include "plugins/zplToF/view3d/ToFEmbeddedWindow.h"
 
+#include "zuCoreGui/CkMdiView.h"
+#include "zuCoreGui/IkAppDelegate.h"
+
 #include <QAction>
 #include <QCoreApplication>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QKeySequence>
-#include <QWidget>
 #include <QWindow>
 
 namespace {
 
-// The application looks for the one that takes drops from this widget upwards, and remembers it from the
+// The application searches upwards from this widget for one that accepts drops, and remembers it from the
 // enter event on.
 template <typename Event>
-void handOver(const QWindow& window, QWidget& widget, Event& event) {
-    const QPointF place = widget.mapFromGlobal(window.mapToGlobal(event.position()));
-    Event translated(place.toPoint(), event.possibleActions(), event.mimeData(), event.buttons(),
+void sendDrop(const QWindow& window, QWidget& widget, Event& event) {
+    const QPointF position = widget.mapFromGlobal(window.mapToGlobal(event.position()));
+    Event translated(position.toPoint(), event.possibleActions(), event.mimeData(), event.buttons(),
                      event.modifiers());
     translated.setDropAction(event.dropAction());
-    // Who has accepted the enter event need not say so again.
+    // A widget that accepted the enter event need not accept each move.
     translated.setAccepted(event.type() == QEvent::DragMove && event.isAccepted());
     QCoreApplication::sendEvent(&widget, &translated);
     event.setDropAction(translated.dropAction());
     event.setAccepted(translated.isAccepted());
 }
 
-} // namespace
-
-void ToFEmbeddedWindow::handOverDrop(const QWindow& window, QWidget& widget, QEvent& event) {
-    switch (event.type()) {
-    case QEvent::DragEnter:
-        handOver(window, widget, static_cast<QDragEnterEvent&>(event));
-        break;
-    case QEvent::DragMove:
-        handOver(window, widget, static_cast<QDragMoveEvent&>(event));
-        break;
-    case QEvent::Drop:
-        handOver(window, widget, static_cast<QDropEvent&>(event));
-        break;
-    case QEvent::DragLeave:
-        QCoreApplication::sendEvent(&widget, &event);
-        break;
-    default:
-        break;
-    }
-}
-
-void ToFEmbeddedWindow::triggerShortcut(const QWidget& widget, const QKeyEvent& event) {
+void triggerShortcut(const QWidget& widget, const QKeyEvent& event) {
     const QKeySequence pressed(event.keyCombination());
     for (const QWidget* around = &widget; around != nullptr; around = around->parentWidget()) {
         const QList<QAction*> actions = around->actions();
@@ -57,5 +38,50 @@ void ToFEmbeddedWindow::triggerShortcut(const QWidget& widget, const QKeyEvent& 
                 return;
             }
         }
+    }
+}
+
+void activate(const CkMdiView& view) {
+    IkAppDelegate* host = IkAppDelegate::instance();
+    if (host != nullptr && host->activeViewId() != view.viewId()) {
+        host->setActiveView(view.viewId());
+    }
+}
+
+void leaveFullScreen() {
+    IkAppDelegate* host = IkAppDelegate::instance();
+    if (host != nullptr && host->mainWindow() != nullptr && host->mainWindow()->isFullScreen()) {
+        host->leaveFullScreen();
+    }
+}
+
+} // namespace
+
+void ToFEmbeddedWindow::forward(QWindow& window, CkMdiView& view, QEvent& event) {
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+        activate(view);
+        break;
+    case QEvent::KeyPress:
+        if (static_cast<QKeyEvent&>(event).key() == Qt::Key_Escape) {
+            leaveFullScreen();
+        } else {
+            triggerShortcut(view, static_cast<QKeyEvent&>(event));
+        }
+        break;
+    case QEvent::DragEnter:
+        sendDrop(window, view, static_cast<QDragEnterEvent&>(event));
+        break;
+    case QEvent::DragMove:
+        sendDrop(window, view, static_cast<QDragMoveEvent&>(event));
+        break;
+    case QEvent::Drop:
+        sendDrop(window, view, static_cast<QDropEvent&>(event));
+        break;
+    case QEvent::DragLeave:
+        QCoreApplication::sendEvent(&view, &event);
+        break;
+    default:
+        break;
     }
 }

@@ -1,19 +1,23 @@
 #pragma once
 
+class CkMdiView;
 class QEvent;
-class QKeyEvent;
-class QWidget;
 class QWindow;
 
-/// What a native window inside a widget would keep from the widgets around it.
+/// A native window embedded in a view receives events that Qt would otherwise send to the view and the
+/// widgets around it. User-interface thread.
 namespace ToFEmbeddedWindow {
 
-/// Hands an event of drag and drop to the widget, or to the first one around it that takes drops, and gives
-/// its answer to the window. Without any the drop is refused. Other events are left alone.
-void handOverDrop(const QWindow& window, QWidget& widget, QEvent& event);
-
-/// Triggers the enabled action of this shortcut in the widget or those around it. Shortcuts whose widgets
-/// must have the focus do not see the keys of the window. Later, as the action may close the widget.
-void triggerShortcut(const QWidget& widget, const QKeyEvent& event);
+/// Does for an event of the window what the application does for one of a widget:
+///
+/// - a mouse press makes the view the active one,
+/// - Escape leaves full-screen mode,
+/// - any other key triggers the enabled action with this shortcut in the view or a widget around it (queued,
+///   as the action may close the view),
+/// - drag and drop goes to the view, or to the first widget around it that accepts drops; its answer is the
+///   window's. Refused when there is none.
+///
+/// Other events are ignored. The view may be closed by a drop.
+void forward(QWindow& window, CkMdiView& view, QEvent& event);
 
 } // namespace ToFEmbeddedWindow

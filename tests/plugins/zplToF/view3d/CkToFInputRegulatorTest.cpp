@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-using CkToFInputRegulator::drops;
+namespace {
+constexpr auto drops = CkToFInputRegulator::drops;
+} // namespace
 
 TEST(CkToFInputRegulatorTest, FiveFramesASecondDropAt150MillisecondsAndDrawAt200) {
     EXPECT_TRUE(drops(true, 5.0F, 150));

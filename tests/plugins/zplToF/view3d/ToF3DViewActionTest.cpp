@@ -174,11 +174,11 @@ TEST_F(ToF3DViewActionTest, TheZoomMenuSetsTheZoom) {
     const auto view = open();
     const float before = view->cloud().exportPoints()[3].z;
     action(*view, QStringLiteral("0.5x"))->trigger();
-    EXPECT_EQ(view->zZoom(), 0.5F);
+    EXPECT_EQ(view->model().zZoom(), 0.5F);
     EXPECT_NEAR(view->cloud().exportPoints()[3].z - view->cloud().exportPoints()[0].z,
                 0.5F * (before - -0.6F), 1e-5F);
     action(*view, QStringLiteral("100x"))->trigger();
-    EXPECT_EQ(view->zZoom(), 100.0F);
+    EXPECT_EQ(view->model().zZoom(), 100.0F);
 }
 
 TEST_F(ToF3DViewActionTest, AZoomThatIsNoNumberAboveZeroChangesNothing) {
@@ -187,14 +187,14 @@ TEST_F(ToF3DViewActionTest, AZoomThatIsNoNumberAboveZeroChangesNothing) {
         QAction odd(QLatin1String(text), nullptr);
         QObject::connect(&odd, SIGNAL(triggered()), view.get(), SLOT(onZZoomChanged()));
         odd.trigger();
-        EXPECT_EQ(view->zZoom(), 1.0F) << text;
+        EXPECT_EQ(view->model().zZoom(), 1.0F) << text;
     }
     view->onZZoomChanged();
-    EXPECT_EQ(view->zZoom(), 1.0F);
+    EXPECT_EQ(view->model().zZoom(), 1.0F);
     QAction spaced(QStringLiteral(" 2.5 x "), nullptr);
     QObject::connect(&spaced, SIGNAL(triggered()), view.get(), SLOT(onZZoomChanged()));
     spaced.trigger();
-    EXPECT_EQ(view->zZoom(), 2.5F);
+    EXPECT_EQ(view->model().zZoom(), 2.5F);
 }
 
 TEST_F(ToF3DViewActionTest, AThresholdOfZeroOrLessChangesNothing) {
@@ -233,7 +233,7 @@ TEST_F(ToF3DViewActionTest, TheDepthResolutionIsTakenShownAndStored) {
     QAction narrow(QStringLiteral("16"), nullptr);
     QObject::connect(&narrow, SIGNAL(triggered()), view.get(), SLOT(onDepthResChanged()));
     narrow.trigger();
-    EXPECT_EQ(view->depthTexResolutionW(), 16);
+    EXPECT_EQ(view->model().maxGenericWidth(), 16);
     EXPECT_EQ(view->depthFrame().depthPic().width, 16U);
     EXPECT_EQ(view->depthFrame().depthPic().height, 8U);
     EXPECT_EQ(view->depthFrame().resolutionRatio(), 4.0F);
@@ -241,7 +241,7 @@ TEST_F(ToF3DViewActionTest, TheDepthResolutionIsTakenShownAndStored) {
     for (const char* text : {"0", "-4", "wide", "", "1.5", "99999999999"}) {
         narrow.setText(QLatin1String(text));
         narrow.trigger();
-        EXPECT_EQ(view->depthTexResolutionW(), 16) << text;
+        EXPECT_EQ(view->model().maxGenericWidth(), 16) << text;
     }
 }
 

@@ -46,7 +46,7 @@ TEST_F(ToF3DViewFailureTest, WithoutUsableOpenGLTheViewSaysSoAndTheRestWorks) {
     ASSERT_NE(view->currentImage(), nullptr);
     EXPECT_EQ(view->currentImage()->frameId(), 7);
     action(*view, QStringLiteral("2x"))->trigger();
-    EXPECT_EQ(view->zZoom(), 2.0F);
+    EXPECT_EQ(view->model().zZoom(), 2.0F);
     action(*view, QStringLiteral("Default position"))->trigger();
     action(*view, QStringLiteral("Screenshot"))->trigger();
     EXPECT_FALSE(view->grabScene(QStringLiteral("/dev/null")));

@@ -1,6 +1,7 @@
 // What a view takes over from the host, its chain and other views, and what it answers them.
 
 #include "plugins/zplToF/view3d/CkToFScene.h"
+#include "plugins/zplToF/view3d/ToFDistanceOffset.h"
 #include "tests/plugins/zplToF/view3d/SourceInChain.h"
 #include "tests/plugins/zplToF/view3d/ViewRig.h"
 #include "tests/support/NamedBlock.h"
@@ -240,8 +241,8 @@ TEST_F(ToF3DViewHostTest, ACloneOfAVeryHighOrWidePictureHasASize) {
 TEST_F(ToF3DViewHostTest, EveryViewTakesOverANewDistanceOffset) {
     const auto first = open();
     const auto second = open();
-    m_host.store(QStringLiteral("ToF.OptRealDistandeOffsetM"), 0.25F);
-    CkToF3DMdiView::updateAllAfterDistanceOffsetChanged();
+    ToFDistanceOffset::store(0.25F);
+    EXPECT_EQ(m_host.stored(QStringLiteral("ToF.OptRealDistandeOffsetM")).toFloat(), 0.25F);
     EXPECT_EQ(first->options().opticalPath.realDistanceOffsetM, 0.25F);
     EXPECT_EQ(second->options().opticalPath.realDistanceOffsetM, 0.25F);
 }

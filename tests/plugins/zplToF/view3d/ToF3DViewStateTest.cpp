@@ -39,12 +39,12 @@ TEST_F(ToF3DViewStateTest, AnEmptyStoreStartsWithTheDefaults) {
     EXPECT_TRUE(view->options().showBBox);
     EXPECT_FALSE(view->options().regulateInputFps);
     EXPECT_EQ(view->options().maxInputFps, 5.0F);
-    EXPECT_EQ(view->zZoom(), 1.0F);
-    EXPECT_EQ(view->depthTexResolutionW(), 640);
+    EXPECT_EQ(view->model().zZoom(), 1.0F);
+    EXPECT_EQ(view->model().maxGenericWidth(), 640);
     EXPECT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::Generic);
     EXPECT_EQ(view->currentImage(), nullptr);
     EXPECT_TRUE(view->cloud().exportPoints().empty());
-    EXPECT_TRUE(view->usePointPrimitives());
+    EXPECT_TRUE(view->model().usesPoints());
     bool flag1 = false;
     bool flag2 = true;
     unsigned int bits = 0;
@@ -86,7 +86,7 @@ TEST_F(ToF3DViewStateTest, EveryStoredKeyReachesTheView) {
     EXPECT_FALSE(options.opticalPath.orthoRadialCorrection);
     EXPECT_EQ(view->viewLut(nullptr, nullptr, nullptr)->pseudoColorIndex(), 2);
     // Stored for other tools, but every view starts with 640.
-    EXPECT_EQ(view->depthTexResolutionW(), 640);
+    EXPECT_EQ(view->model().maxGenericWidth(), 640);
     ASSERT_NE(view->scene(), nullptr);
     EXPECT_EQ(view->scene()->clearColor(), QColor(16, 32, 48));
 }

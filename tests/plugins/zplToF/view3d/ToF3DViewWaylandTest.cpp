@@ -46,7 +46,7 @@ TEST_F(ToF3DViewWaylandTest, TheSmallestSizeIs800x600AndTheViewWantsAWindowOfIts
 TEST_F(ToF3DViewWaylandTest, TheCloudIsDrawnAsQuadsWithThePerVertexColorMaterial) {
     m_source.shown = TestFrame::generic(40, 30, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
     const auto view = open();
-    EXPECT_FALSE(view->usePointPrimitives());
+    EXPECT_FALSE(view->model().usesPoints());
     const CkToFScene& scene = *view->scene();
     EXPECT_EQ(scene.billboards().material, nullptr);
     EXPECT_EQ(scene.billboards().pointSize, nullptr);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "plugins/zplToF/view3d/SkToFViewSettings.h"
+
+#include <QColor>
+#include <memory>
+
+class QSettings;
+class QVariant;
+
+/// The settings of the application, as the 3D view and the calibration use them. Outside an application
+/// there are none: reading then gives the defaults, writing is a no-op. User-interface thread.
+namespace ToFHostSettings {
+
+/// A new object on every call, as the application hands them out. Null outside an application.
+std::unique_ptr<QSettings> open();
+
+SkToFViewSettings readView();
+/// Opaque.
+QColor readBackground();
+
+/// key: one of ToFSettingsKey.
+void write(const char* key, const QVariant& value);
+
+} // namespace ToFHostSettings

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "plugins/zplToF/cloud/SkToFPoint.h"
+
+#include <span>
+
+class QImage;
+class QString;
+class QWidget;
+
+/// Files written from the scene. A file appears under its name only once it is complete; a file that was
+/// there before stays untouched when writing fails. User-interface thread.
+namespace ToFSceneFiles {
+
+/// The image format follows the extension of the name: PNG, JPEG or BMP. False for a null image and when the
+/// file cannot be written.
+bool saveImage(const QImage& image, const QString& sFileName);
+
+/// Asks for a name, beginning in the host's last directory, and saves the image under it; the directory
+/// chosen becomes the host's last one. Returns what went wrong, for the log; empty on success and when the
+/// user cancels. The parent may be deleted while the dialog is open.
+QString saveImageAs(const QImage& image, QWidget* pParent, const QString& sTitle);
+
+/// The cloud as PLY text. False without points and when the file cannot be written.
+bool savePly(std::span<const SkToFPoint> points, const QString& sFileName);
+
+/// Hands the cloud as PLY text to the host's export, which lets the user choose the file. Returns what went
+/// wrong, for the log; empty on success.
+QString exportPly(std::span<const SkToFPoint> points, QWidget* pParent);
+
+} // namespace ToFSceneFiles
