@@ -65,6 +65,13 @@ SkPicBufInfo SkDepthScale::scaledInfo(const SkPicBufInfo& info) {
     return scaled;
 }
 
+CkImageMetadata SkDepthScale::scaledMetadata(const CkImageMetadata& metadata) {
+    CkImageMetadata scaled = metadata;
+    scaled.channelNames = QStringList{QStringLiteral("Depth")};
+    scaled.colorFilterArray = 0;
+    return scaled;
+}
+
 std::unique_ptr<CkImageData> SkDepthScale::scaled(const CkImageData& frame) const {
     const SkPicBuf& from = frame.picBuf();
     SkPicBuf to;
@@ -75,10 +82,7 @@ std::unique_ptr<CkImageData> SkDepthScale::scaled(const CkImageData& frame) cons
     to.copyPicAdditionalData(from);
     auto result = std::make_unique<CkImageData>();
     result->setPicBuf(to);
-    CkImageMetadata metadata = frame.metadata();
-    metadata.channelNames = QStringList{QStringLiteral("Depth")};
-    metadata.colorFilterArray = 0;
-    result->setMetadata(metadata);
+    result->setMetadata(scaledMetadata(frame.metadata()));
     CkForeignMembers::give(*result, CkForeignMembers::of(frame));
     SkPicBuf& picture = result->picBuf();
     const RowFunction scaleOne = rowFunction(from.dataType);

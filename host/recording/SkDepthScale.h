@@ -5,6 +5,7 @@
 #include <memory>
 
 class CkImageData;
+struct CkImageMetadata;
 
 /// How the samples of a picture of others become depths.
 struct SkDepthScale {
@@ -18,8 +19,9 @@ struct SkDepthScale {
     /// Whether pictures of this format can be scaled: one channel of a known sample type.
     static bool fits(const SkPicBufInfo& info);
 
-    /// The format of the scaled picture: one float channel.
+    /// The format of the scaled picture: one float channel, "Depth".
     static SkPicBufInfo scaledInfo(const SkPicBufInfo& info);
+    static CkImageMetadata scaledMetadata(const CkImageMetadata& metadata);
 
     /// The picture in metres, channel "Depth", owned by the caller, with all else as it was. Null when it
     /// does not fit or memory is short.

@@ -21,8 +21,8 @@ namespace {
 
 constexpr int kRefreshMs = 40;
 constexpr qint64 kMillisecond = 1'000'000;
-constexpr double kSpeeds[] = {CkVideoSource::SlowestSpeed, 0.25, 0.5, 1.0, 2.0, 5.0,
-                              CkVideoSource::FastestSpeed};
+constexpr double kSpeeds[] = {SkPlaybackSettings::kSlowestSpeed, 0.25, 0.5, 1.0, 2.0, 5.0,
+                              SkPlaybackSettings::kFastestSpeed};
 
 void addSpeed(QComboBox* box, double speed) {
     box->addItem(PictureText::locale().toString(speed) + QStringLiteral(" \u00d7"), speed);
@@ -84,8 +84,8 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
 void CkPlaybackBar::createPaceControls() {
     m_pPace = new QComboBox(this);
     m_pPace->setObjectName(QStringLiteral("playbackPace"));
-    m_pPace->addItem(tr("Real time"), int(CkVideoSource::RealTime));
-    m_pPace->addItem(tr("Every frame"), int(CkVideoSource::EveryFrame));
+    m_pPace->addItem(tr("Real time"), int(SkPlaybackSettings::RealTime));
+    m_pPace->addItem(tr("Every frame"), int(SkPlaybackSettings::EveryFrame));
     m_pPace->setToolTip(tr("Real time: as it was recorded; frames that come too late are left out.\n"
                            "Every frame: as fast as the chain goes, nothing left out."));
     m_pSpeed = new QComboBox(this);
@@ -195,7 +195,7 @@ void CkPlaybackBar::showPace() {
         addSpeed(m_pSpeed, source->speed());
     }
     m_pSpeed->setCurrentIndex(m_pSpeed->findData(source->speed()));
-    const bool realTime = source->pace() == CkVideoSource::RealTime;
+    const bool realTime = source->pace() == SkPlaybackSettings::RealTime;
     m_pSpeed->setEnabled(realTime);
     m_pSpeed->setToolTip(realTime ? tr("How much faster or slower than it was recorded")
                                   : tr("Every frame is played as fast as the chain goes; choose real time "

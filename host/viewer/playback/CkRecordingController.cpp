@@ -100,9 +100,9 @@ void CkRecordingController::createActions() {
     m_play.loop->setCheckable(true);
     m_play.loop->setIcon(icon(QStyle::SP_BrowserReload));
     m_pEveryFrame = make(tr("&Every Frame"), "actPlaybackEveryFrame", QKeySequence(Qt::Key_E),
-                         [this] { m_pPlayback->setPace(CkVideoSource::EveryFrame); });
+                         [this] { m_pPlayback->setPace(SkPlaybackSettings::EveryFrame); });
     m_pRealTime = make(tr("Real &Time"), "actPlaybackRealTime", QKeySequence(Qt::Key_T),
-                       [this] { m_pPlayback->setPace(CkVideoSource::RealTime); });
+                       [this] { m_pPlayback->setPace(SkPlaybackSettings::RealTime); });
     auto* paces = new QActionGroup(this);
     for (QAction* action : {m_pEveryFrame, m_pRealTime}) {
         action->setCheckable(true);
@@ -141,7 +141,7 @@ void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
         }
         // Nobody is there to press play, or to wait.
         if (!m_bAsks) {
-            m_pPlayback->setPace(CkVideoSource::EveryFrame);
+            m_pPlayback->setPace(SkPlaybackSettings::EveryFrame);
             m_pPlayback->setLoop(true);
             m_pPlayback->togglePlaying();
         }
@@ -199,7 +199,7 @@ void CkRecordingController::refresh() {
                                               : QStringLiteral("%1 (%2)").arg(name, key));
     }
     if (player != nullptr) {
-        (player->pace() == CkVideoSource::RealTime ? m_pRealTime : m_pEveryFrame)->setChecked(true);
+        (player->pace() == SkPlaybackSettings::RealTime ? m_pRealTime : m_pEveryFrame)->setChecked(true);
     }
 
     qint64 written = 0;

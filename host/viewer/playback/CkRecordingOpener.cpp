@@ -162,7 +162,7 @@ bool CkRecordingOpener::open(const QString& sFileName, CkViewArea* pArea, QWidge
         return false;
     }
     sError.clear();
-    source->setPace(CkVideoSource::RealTime);
+    source->setPace(SkPlaybackSettings::RealTime);
     QDomDocument doc;
     if (pWindow != nullptr && (!askForScale(*source, pWindow) || !askForChain(*source, pWindow, doc))) {
         return false;

@@ -1,6 +1,7 @@
 #include "tests/host/recording/recordingFixture.h"
 #include "tests/support/HostileFiles.h"
 
+#include "host/recording/CkOpeningProgress.h"
 #include "host/recording/CkVideoSource.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -284,7 +285,7 @@ TEST_F(CkVideoSourceTest, SettingTheChainUpAnewDoesNotHurryRealTime) {
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(m_chain, block, m_source));
     QString error;
     ASSERT_TRUE(m_source->openFile(path("slow.tif"), &error)) << qPrintable(error);
-    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setPace(SkPlaybackSettings::RealTime);
     ASSERT_TRUE(m_chain->start());
     m_source->play();
     ASSERT_EQ(m_sink.waitFor(1), Numbers{0});
@@ -300,7 +301,7 @@ TEST_F(CkVideoSourceTest, SettingTheChainUpAnewDoesNotHurryRealTime) {
 
 TEST_F(CkVideoSourceTest, RealTimeKeepsOrderAndAccountsForEveryFrame) {
     openFrames(12); // 40 ms each
-    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setPace(SkPlaybackSettings::RealTime);
     ASSERT_TRUE(m_chain->start());
     const auto begin = std::chrono::steady_clock::now();
     m_source->play();
@@ -315,7 +316,7 @@ TEST_F(CkVideoSourceTest, RealTimeKeepsOrderAndAccountsForEveryFrame) {
 
 TEST_F(CkVideoSourceTest, HalfTheSpeedTakesTwiceTheTime) {
     openFrames(6); // 40 ms each
-    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setPace(SkPlaybackSettings::RealTime);
     m_source->setSpeed(0.5);
     ASSERT_TRUE(m_chain->start());
     const auto begin = std::chrono::steady_clock::now();
@@ -334,13 +335,13 @@ TEST_F(CkVideoSourceTest, AnotherSpeedEndsTheWaitForTheNextFrame) {
     }
     ASSERT_TRUE(writer.close());
     ASSERT_TRUE(m_source->openFile(path("slow.tif"), nullptr));
-    m_source->setPace(CkVideoSource::RealTime);
-    m_source->setSpeed(CkVideoSource::SlowestSpeed);
+    m_source->setPace(SkPlaybackSettings::RealTime);
+    m_source->setSpeed(SkPlaybackSettings::kSlowestSpeed);
     ASSERT_TRUE(m_chain->start());
     m_source->play();
     waitForPosition(0);
     // A minute and a half to go, longer than anybody waits here.
-    m_source->setSpeed(CkVideoSource::FastestSpeed);
+    m_source->setSpeed(SkPlaybackSettings::kFastestSpeed);
     EXPECT_EQ(m_sink.waitFor(2), counted(0, 2));
 }
 
@@ -374,7 +375,7 @@ TEST_F(CkVideoSourceTest, LoadingSettingsReportsTheSearchForFrames) {
     qint64 found = 0;
     bool goesOn = true;
     {
-        const CkVideoSource::CkOpeningProgress progress([&](qint64 frames, double) {
+        const CkOpeningProgress progress([&](qint64 frames, double) {
             found = frames;
             return goesOn;
         });
@@ -406,7 +407,7 @@ TEST_F(CkVideoSourceTest, ADamagedRecordingPlaysAndSaysWhatIsWrong) {
 TEST_F(CkVideoSourceTest, SettingsComeBack) {
     openFrames(2);
     m_source->setLoop(true);
-    m_source->setPace(CkVideoSource::RealTime);
+    m_source->setPace(SkPlaybackSettings::RealTime);
     m_source->setSpeed(0.25);
     QDomDocument doc;
     QDomElement element = doc.createElement(QStringLiteral("block"));
@@ -415,7 +416,7 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     ASSERT_TRUE(other.loadSettings(element));
     EXPECT_EQ(other.fileName(), path("a.tif"));
     EXPECT_TRUE(other.isLoop());
-    EXPECT_EQ(other.pace(), int(CkVideoSource::RealTime));
+    EXPECT_EQ(other.pace(), int(SkPlaybackSettings::RealTime));
     const std::unique_ptr<CkChainable> copy(other.clone());
     ASSERT_NE(qobject_cast<CkVideoSource*>(copy.get()), nullptr);
     EXPECT_EQ(qobject_cast<CkVideoSource*>(copy.get())->frameCount(), 2);

@@ -104,7 +104,7 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     ASSERT_TRUE(waitForShown(9));
     auto* pace = room()->bar()->findChild<QComboBox*>("playbackPace");
     pace->setCurrentIndex(pace->findText("Every frame"));
-    EXPECT_EQ(player()->pace(), int(CkVideoSource::EveryFrame));
+    EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::EveryFrame));
     EXPECT_TRUE(action("actPlaybackEveryFrame")->isChecked());
     action("actPlaybackPlay")->trigger();
     EXPECT_TRUE(waitFor([this] { return action("actPlaybackPlay")->text() == "&Pause"; }));
@@ -118,7 +118,7 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
 TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
-    EXPECT_EQ(player()->pace(), int(CkVideoSource::RealTime));
+    EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
     EXPECT_EQ(room()->bar()->findChild<QComboBox*>("playbackPace")->currentText(), "Real time");
     EXPECT_TRUE(action("actPlaybackRealTime")->isChecked());
     // Nobody waits for a run that ends by itself.
@@ -126,7 +126,7 @@ TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
     m_options.frames = 1'000;
     ASSERT_TRUE(start());
     ASSERT_TRUE(openFile(path("a.tif")));
-    EXPECT_EQ(player()->pace(), int(CkVideoSource::EveryFrame));
+    EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::EveryFrame));
 }
 
 TEST_F(PlaybackBar, TheSpeedIsChosenWhereThereIsOne) {

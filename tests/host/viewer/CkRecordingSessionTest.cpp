@@ -56,7 +56,7 @@ TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
     EXPECT_FALSE(player()->isPlaying());
     EXPECT_TRUE(player()->isLoop());
     EXPECT_EQ(player()->speed(), 0.5);
-    EXPECT_EQ(player()->pace(), int(CkVideoSource::RealTime));
+    EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
     EXPECT_EQ(firstView()->window(), (SkDisplayWindow{100.0, 300.0}));
     EXPECT_TRUE(room()->bar()->isVisible());
     // It goes on from there.

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/recording/CkPageErrors.h"
+#include "zuCore/CkImageMetadata.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <memory>
+
+class CkImageData;
+class IkFrameFile;
+struct SkDepthScale;
+
+/// Reads frames one after the other, scales them to depths where asked to, and condenses the errors. One
+/// thread.
+class CkFrameFetcher {
+public:
+    struct SkFetched {
+        std::unique_ptr<CkImageData> frame; ///< null when nothing of it can be read
+        SkPicBufInfo fileInfo;              ///< of the frame as it lies in the file
+        CkImageMetadata fileMetadata;
+        QString message; ///< to be shown, or empty
+    };
+
+    SkFetched fetch(const IkFrameFile& file, qint64 iFrame, const SkDepthScale& scale);
+    /// After the last frame: a message that was held back, or empty.
+    QString lastMessage() { return m_errors.endOfRow(); }
+
+private:
+    CkPageErrors m_errors;
+};

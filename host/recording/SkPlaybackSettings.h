@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/recording/SkDepthScale.h"
+
+class QDomElement;
+
+/// How a recording is played, without the file and the place in it.
+struct SkPlaybackSettings {
+    enum EkPace : int {
+        EveryFrame = 0, ///< as fast as the chain takes them; each frame once, in order
+        RealTime = 1 ///< at the times at which the frames were taken, scaled by speed; late ones are skipped
+    };
+    static constexpr double kSlowestSpeed = 0.1;
+    static constexpr double kFastestSpeed = 10.0;
+
+    bool loop = false;
+    EkPace pace = EveryFrame;
+    double speed = 1.0; ///< of RealTime: 1 as recorded, 2 twice as fast; kSlowestSpeed to kFastestSpeed
+    SkDepthScale scale;
+
+    static EkPace toPace(int iPace) { return iPace == RealTime ? RealTime : EveryFrame; }
+    /// Clamped; infinite and NaN speeds are ignored.
+    void setSpeed(double fSpeed);
+
+    void save(QDomElement& element) const;
+    /// Missing and malformed attributes give the defaults.
+    static SkPlaybackSettings load(const QDomElement& element);
+};
