@@ -2,6 +2,7 @@
 
 #include "host/viewer/area/CkViewNotices.h"
 #include "host/viewer/area/CkViewWindow.h"
+#include "host/viewer/area/ViewTiling.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCoreGui/CkMdiView.h"
@@ -14,34 +15,12 @@
 
 namespace {
 
-// Nobody is cut below this part of an equal share before the shares are made to fit.
-constexpr double kLeastShare = 0.8;
-
 constexpr int kTextMargin = 12;
 
 double shapeOf(const CkMdiView* view) {
-    // A view that follows another one shows a scene, made for the shape of a screen.
+    // A view that follows another one shows a scene, which suits the shape of a screen.
     const QSize wanted = view != nullptr && view->connectedViewId() < 0 ? view->sizeHint() : QSize(16, 9);
     return wanted.isEmpty() ? 4.0 / 3.0 : double(wanted.width()) / wanted.height();
-}
-
-QList<double> sharesByShape(const QList<CkViewWindow*>& windows) {
-    QList<double> shares;
-    double total = 0.0;
-    for (const CkViewWindow* window : windows) {
-        shares.append(shapeOf(qobject_cast<const CkMdiView*>(window->widget())));
-        total += shares.last();
-    }
-    const double least = kLeastShare / double(windows.size());
-    double sum = 0.0;
-    for (double& share : shares) {
-        share = std::max(share / total, least);
-        sum += share;
-    }
-    for (double& share : shares) {
-        share /= sum;
-    }
-    return shares;
 }
 
 } // namespace
@@ -52,8 +31,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_pNotices = new CkViewNotices(this);
     connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
-        // Null also means that another window of the program has the focus; the view stays the active one
-        // then.
+        // Null also means that another window of the program has the focus: the view stays the active one.
         if (const auto* window = qobject_cast<CkViewWindow*>(pWindow)) {
             makeActive(window->viewId());
         }
@@ -61,7 +39,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
 }
 
 CkViewArea::~CkViewArea() {
-    // Activations while the windows go are nobody's business any more.
+    // Activations during destruction are of no interest.
     disconnect(this, nullptr, this, nullptr);
     closeAllViews(false);
 }
@@ -89,7 +67,7 @@ void CkViewArea::addView(CkMdiView* pView) {
     QWidget* frame = pView;
     if ((pView->viewCaps() & CkMdiView::NativeWindowCap) != 0) {
         pView->setParent(window(), Qt::Window);
-        // The keys that work in the area work in its windows, too.
+        // Shortcuts of the area also work in its windows.
         pView->addActions(actions());
         pView->installEventFilter(this);
     } else {
@@ -243,7 +221,7 @@ void CkViewArea::arrangeLater() {
     m_bArrangePending = true;
     QTimer::singleShot(0, this, [this] {
         m_bArrangePending = false;
-        // Somebody who looks at one view in full size is not disturbed.
+        // A view that the user has maximized stays so.
         if (m_bArrange && !showsOneInFull()) {
             tile();
         }
@@ -253,40 +231,19 @@ void CkViewArea::arrangeLater() {
 void CkViewArea::tile() {
     // Not QMdiArea's own tiling, which puts the active view first: views keep their places.
     QList<CkViewWindow*> windows;
+    QList<double> shapes;
     for (const SkEntry& entry : m_entries) {
         if (entry.window && !entry.window->isMinimized()) {
             windows.append(entry.window);
+            shapes.append(shapeOf(entry.view));
         }
     }
-    const int count = int(windows.size());
-    if (count == 0) {
-        return;
-    }
-    int columns = 1;
-    while (columns * columns < count) {
-        ++columns;
-    }
-    const int rows = (count + columns - 1) / columns;
-    const QSize space = viewport()->size();
-    for (int row = 0; row < rows; ++row) {
-        // The last row may hold fewer views, which then share its width.
-        const QList<CkViewWindow*> inRow = windows.mid(row * columns, columns);
-        const int top = space.height() * row / rows;
-        const int bottom = space.height() * (row + 1) / rows;
-        // In a single row a tall picture leaves its width to the others; more rows keep their columns in
-        // line.
-        const QList<double> shares = rows == 1 ? sharesByShape(inRow) : QList<double>();
-        double start = 0.0;
-        for (int i = 0; i < inRow.size(); ++i) {
-            const double end = start + (shares.isEmpty() ? 1.0 / double(inRow.size()) : shares[i]);
-            const int left = qRound(space.width() * start);
-            const int right = qRound(space.width() * end);
-            if (inRow[i]->isMaximized()) {
-                inRow[i]->showNormal();
-            }
-            inRow[i]->setGeometry(left, top, right - left, bottom - top);
-            start = end;
+    const QList<QRect> places = ViewTiling::places(viewport()->size(), shapes);
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        if (windows[i]->isMaximized()) {
+            windows[i]->showNormal();
         }
+        windows[i]->setGeometry(places[i]);
     }
 }
 

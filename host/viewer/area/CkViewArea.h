@@ -11,10 +11,10 @@ class CkMdiView;
 class CkViewNotices;
 class CkViewWindow;
 
-/// The area that holds all views, owns them, and knows which one is active.
+/// The area that holds and owns all views and knows which one is active. User-interface thread.
 ///
-/// A view with a native sub-surface that needs a window of its own (CkMdiView::NativeWindowCap) becomes a
-/// window beside the main window; everything else about it is the same. User-interface thread.
+/// A view with a native sub-surface that needs a top-level window (CkMdiView::NativeWindowCap) becomes a
+/// window beside the main window; in every other respect it is treated like the rest.
 class CkViewArea : public QMdiArea {
     Q_OBJECT
 
@@ -22,8 +22,8 @@ public:
     explicit CkViewArea(QWidget* pParent = nullptr);
     ~CkViewArea() override;
 
-    /// Takes a view over, shows it and makes it the active one. A view that is there already is only
-    /// activated.
+    /// Takes ownership of a view, shows it and makes it the active one. A view that has been added before is
+    /// only activated.
     void addView(CkMdiView* pView);
 
     /// Null for an unknown identifier.
@@ -33,18 +33,19 @@ public:
 
     /// -1: none. Stays when the program loses the focus to another one.
     int activeViewId() const { return m_iActiveViewId; }
-    /// What the views say about themselves; never null.
+    /// Never null.
     CkViewNotices* notices() const { return m_pNotices; }
     CkMdiView* activeView() const { return view(m_iActiveViewId); }
     void setActiveView(int iViewId);
 
-    /// Closes a view and those that follow it. False for an unknown one, or when the user keeps one that
-    /// holds data; bAsk false closes it anyway. The view is deleted when control returns to the event loop.
+    /// Closes a view and those that follow it. With bAsk the user is asked about each one that holds data.
+    /// False for an unknown view, or when the user keeps one. The view is deleted when control returns to the
+    /// event loop.
     bool closeView(int iViewId, bool bAsk = true);
-    /// False when the user kept one open.
+    /// False when the user keeps one open.
     bool closeAllViews(bool bAsk);
 
-    /// Views are tiled by themselves whenever one comes or goes.
+    /// Whether the views are tiled whenever one is added or closed, or the area is resized.
     bool arrangesItself() const { return m_bArrange; }
     void setArrangesItself(bool bArrange);
 
@@ -56,11 +57,11 @@ public slots:
 
 signals:
     void viewAdded(int iViewId);
-    /// -1: no view is active any more.
+    /// -1: no view is left.
     void activeViewChanged(int iViewId);
     /// The view still exists.
     void viewAboutToClose(int iViewId);
-    /// The view is gone; the chain it showed, null when there was none or it has gone too.
+    /// The view has been closed. chain: the one it showed, null when there was none or it was deleted too.
     void viewClosed(int iViewId, QPointer<CkChain> chain);
 
 protected:

@@ -2,6 +2,8 @@
 
 #include "host/viewer/picture/CkColorLegend.h"
 #include "host/viewer/picture/CkImageCanvas.h"
+#include "host/viewer/picture/CkPictureSnapshot.h"
+#include "host/viewer/picture/CkPictureToolBar.h"
 #include "host/viewer/picture/PictureText.h"
 #include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChain.h"
@@ -11,39 +13,20 @@
 #include "zuCore/CkLut.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
-#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
-#include <QLabel>
+#include <QMenu>
 #include <QPointer>
-#include <QToolBar>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <cmath>
 #include <limits>
-
-namespace {
-
-// The share of pixels at each end that automatic contrast of integer pictures leaves out: hot and dead
-// pixels.
-constexpr double kTail = 0.005;
-
-bool isFloat(const SkPicBufInfo& info) {
-    return info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64;
-}
-
-bool sameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
-    return a.channels == b.channels && a.bitsPerChannel == b.bitsPerChannel && a.dataType == b.dataType &&
-           a.colorFilterArray == b.colorFilterArray;
-}
-
-} // namespace
 
 CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
     setFocusPolicy(Qt::StrongFocus);
     m_pCanvas = new CkImageCanvas(this);
     setFocusProxy(m_pCanvas);
     m_pLegend = new CkColorLegend(this);
-    createToolBar();
+    m_pToolBar = new CkPictureToolBar(m_pCanvas, this);
 
     auto* picture = new QHBoxLayout;
     picture->setContentsMargins(0, 0, 0, 0);
@@ -66,11 +49,10 @@ CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
         m_hovered = QPoint(-1, -1);
         emit pixelTextChanged(QString());
     });
-    connect(m_pCanvas, &CkImageCanvas::zoomChanged, this, [this](double fZoom, bool bFit) {
-        m_pFitAction->setChecked(bFit);
-        m_pZoomLabel->setText(QStringLiteral(" %1 % ").arg(
-            PictureText::locale().toString(fZoom * 100.0, 'f', fZoom < 0.1 ? 1 : 0)));
-    });
+    connect(m_pToolBar, &CkPictureToolBar::channelChosen, this, &CkImageView::setChannel);
+    connect(m_pToolBar, &CkPictureToolBar::legendToggled, this,
+            [this](bool bOn) { m_pLegend->setVisible(bOn && channel() >= 0); });
+    connect(m_pToolBar, &CkPictureToolBar::saveRequested, this, &CkImageView::saveWithDialog);
 
     CkMdiView::setViewLut(new CkLut(8, 1, false, EkImageDataType::UInt8), true, false, false);
     refreshColours();
@@ -100,6 +82,19 @@ CkMdiView* CkImageView::clone(CkChainable* pProvider, CkChainable*) {
     return view;
 }
 
+CkImageView::SkTable CkImageView::table() const {
+    SkTable table;
+    // The base class offers both calls as non-const only.
+    table.lut = const_cast<CkImageView*>(this)->viewLut(&table.contrast.automatic,
+                                                        &table.contrast.markSaturated, nullptr);
+    return table;
+}
+
+const CkImageData* CkImageView::frame() const {
+    const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
+    return frame != nullptr && frame->picBuf().data != nullptr ? frame : nullptr;
+}
+
 void CkImageView::setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate) {
     CkMdiView::setViewLut(pLut, bFlag1, bFlag2, bUpdate);
     refreshColours();
@@ -109,48 +104,40 @@ void CkImageView::setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate
 }
 
 bool CkImageView::autoContrast() const {
-    bool automatic = false;
-    const_cast<CkImageView*>(this)->viewLut(&automatic, nullptr, nullptr);
-    return automatic;
+    return table().contrast.automatic;
 }
 
 void CkImageView::setAutoContrast(bool bAuto) {
-    bool saturation = false;
-    CkLut* lut = viewLut(nullptr, &saturation, nullptr);
-    setViewLut(lut, bAuto, saturation, true);
+    const SkTable now = table();
+    setViewLut(now.lut, bAuto, now.contrast.markSaturated, true);
     emit contrastChanged();
 }
 
 void CkImageView::setFullRange() {
-    if (const CkImageData* frame = currentImage()) {
-        setWindow(isFloat(frame->picBuf()) ? SkDisplayWindow{m_statistics.minimum, m_statistics.maximum}
-                                           : PictureColours::fullRange(frame->picBuf()));
+    if (const CkImageData* shown = frame()) {
+        setWindow(m_renderer.fullRange(shown->picBuf()));
     }
 }
 
 bool CkImageView::marksSaturated() const {
-    bool saturation = false;
-    const_cast<CkImageView*>(this)->viewLut(nullptr, &saturation, nullptr);
-    return saturation;
+    return table().contrast.markSaturated;
 }
 
 void CkImageView::setMarksSaturated(bool bMark) {
-    bool automatic = false;
-    CkLut* lut = viewLut(&automatic, nullptr, nullptr);
-    setViewLut(lut, automatic, bMark, true);
+    const SkTable now = table();
+    setViewLut(now.lut, now.contrast.automatic, bMark, true);
     emit contrastChanged();
 }
 
 QString CkImageView::saturationReason() const {
-    const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
-    return frame != nullptr
-               ? Saturation::reason(Saturation::evidence(frame->picBuf(), frame->metadata(), dataProvider()))
+    const CkImageData* shown = frame();
+    return shown != nullptr
+               ? Saturation::reason(Saturation::evidence(shown->picBuf(), shown->metadata(), dataProvider()))
                : QString();
 }
 
 bool CkImageView::hasPicture() const {
-    const CkImageData* frame = const_cast<CkImageView*>(this)->currentImage();
-    return frame != nullptr && frame->picBuf().data != nullptr;
+    return frame() != nullptr;
 }
 
 void CkImageView::setStale(bool bStale) {
@@ -164,12 +151,12 @@ void CkImageView::setEmptyText(const QString& sText) {
 }
 
 double CkImageView::gamma() const {
-    const CkLut* lut = const_cast<CkImageView*>(this)->viewLut(nullptr, nullptr, nullptr);
+    const CkLut* lut = table().lut;
     return lut == nullptr || lut->contrastEntries().isEmpty() ? 1.0 : lut->contrastEntries().first().gamma;
 }
 
 void CkImageView::setGamma(double fGamma) {
-    CkLut* lut = viewLut(nullptr, nullptr, nullptr);
+    CkLut* lut = table().lut;
     if (lut == nullptr || !std::isfinite(fGamma) || fGamma <= 0.0) {
         return;
     }
@@ -185,56 +172,48 @@ void CkImageView::setGamma(double fGamma) {
 }
 
 void CkImageView::setWindow(const SkDisplayWindow& window) {
-    if (!std::isfinite(window.low) || !std::isfinite(window.high)) {
+    if (!m_renderer.setWindow(window)) {
         return;
     }
-    bool saturation = false;
-    CkLut* lut = viewLut(nullptr, &saturation, nullptr);
-    CkMdiView::setViewLut(lut, false, saturation, false);
-    m_window = {std::min(window.low, window.high), std::max(window.low, window.high)};
+    const SkTable now = table();
+    CkMdiView::setViewLut(now.lut, false, now.contrast.markSaturated, false);
     refresh();
     emit contrastChanged();
 }
 
 QString CkImageView::unit() const {
-    CkImageMetadata metadata;
-    metadata.channelNames = m_channelNames;
-    return m_iChannel < 0 ? QString() : PictureText::channelUnit(m_format, metadata, quint32(m_iChannel));
+    return m_renderer.unit();
 }
 
 void CkImageView::setChannel(int iChannel) {
-    const int lowest = PictureColours::isColourPicture(m_format) ? -1 : 0;
-    const int channel = std::clamp(iChannel, lowest, std::max(0, int(m_format.channels) - 1));
-    if (channel == m_iChannel) {
+    if (!m_renderer.setChannel(iChannel)) {
         return;
     }
-    m_iChannel = channel;
-    m_pChannelBox->setCurrentIndex(m_pChannelBox->findData(channel));
+    m_pToolBar->setChannel(channel());
     refresh();
     emit contrastChanged();
-    // Colours have no contrast to set, single channels do.
+    // A single channel has a contrast to set, a colour picture has none.
     if (IkAppDelegate* delegate = IkAppDelegate::instance()) {
         delegate->viewLutChanged(this);
     }
 }
 
 int CkImageView::channelCount() const {
-    return m_pChannelBox->count();
+    return m_pToolBar->channelCount();
 }
 
 void CkImageView::stepChannel(int iStep) {
-    const int count = m_pChannelBox->count();
-    if (count > 1) {
-        setChannel(m_pChannelBox->itemData((m_pChannelBox->currentIndex() + iStep + count) % count).toInt());
+    if (channelCount() > 1) {
+        setChannel(m_pToolBar->channelAfter(iStep));
     }
 }
 
 bool CkImageView::showsLegend() const {
-    return m_pLegendAction->isChecked();
+    return m_pToolBar->showsLegend();
 }
 
 void CkImageView::setShowsLegend(bool bShow) {
-    m_pLegendAction->setChecked(bShow);
+    m_pToolBar->setShowsLegend(bShow);
 }
 
 void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
@@ -242,8 +221,8 @@ void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
         adaptToFormat(*frame);
         m_pCanvas->setPictureSize(QSize(int(frame->picBuf().width), int(frame->picBuf().height)));
     }
-    m_bStale = true;
-    m_pCanvas->update();
+    refresh();
+    // A slot that is told of the frame may close the view.
     const QPointer<CkImageView> self(this);
     CkMdiView::showFrame(std::move(frame));
     if (self && m_hovered.x() >= 0) {
@@ -252,120 +231,98 @@ void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
 }
 
 void CkImageView::adaptToFormat(const CkImageData& frame) {
-    const SkPicBuf& picture = frame.picBuf();
-    const bool names = frame.metadata().channelNames != m_channelNames;
-    if (sameFormat(picture, m_format) && !names) {
+    using EkChange = CkPictureRenderer::EkChange;
+    const SkTable now = table();
+    const EkChange change = m_renderer.adaptTo(frame);
+    if (change == EkChange::None) {
         return;
     }
-    const bool first = m_format.channels == 0 || isFloat(picture) != isFloat(m_format);
-    bool automatic = false;
-    bool saturation = false;
-    CkLut* lut = viewLut(&automatic, &saturation, nullptr);
+    const SkPicBuf& picture = frame.picBuf();
     IkAppDelegate* delegate = IkAppDelegate::instance();
-    // A picture of another kind starts with the colours the user likes for its kind.
-    CkLut* adapted = first && delegate != nullptr
+    // A picture of another kind starts with the colours that the user prefers for its kind.
+    CkLut* adapted = change == EkChange::Kind && delegate != nullptr
                          ? delegate->createLut(picture, cameraHandles())
-                         : lut->transformToFormat(picture.bitsPerChannel, picture.channels,
-                                                  picture.layoutFlag, picture.dataType);
-    m_format = picture;
-    m_channelNames = frame.metadata().channelNames;
-    m_window = PictureColours::fullRange(picture);
-    m_iChannel = PictureColours::isColourPicture(picture) ? -1 : 0;
-    CkMdiView::setViewLut(adapted, automatic, saturation, false);
+                         : now.lut->transformToFormat(picture.bitsPerChannel, picture.channels,
+                                                      picture.layoutFlag, picture.dataType);
+    CkMdiView::setViewLut(adapted, now.contrast.automatic, now.contrast.markSaturated, false);
     refreshColours();
-    fillChannelBox(frame);
+    m_pToolBar->setChannels(picture, frame.metadata(), channel());
     if (delegate != nullptr && delegate->activeViewId() == viewId()) {
         delegate->refreshLutControls();
     }
 }
 
-void CkImageView::fillChannelBox(const CkImageData& frame) {
-    const QSignalBlocker blocker(m_pChannelBox);
-    m_pChannelBox->clear();
-    if (PictureColours::isColourPicture(m_format)) {
-        m_pChannelBox->addItem(tr("Colour"), -1);
-    }
-    // More channels than anybody picks from a list; the rest can be read under the mouse.
-    for (quint32 channel = 0; channel < std::min(m_format.channels, 32U); ++channel) {
-        m_pChannelBox->addItem(PictureText::channelName(m_format, frame.metadata(), channel), int(channel));
-    }
-    m_pChannelBox->setCurrentIndex(m_pChannelBox->findData(m_iChannel));
-    m_pChannelBox->setEnabled(m_pChannelBox->count() > 1);
-    m_pChannelBox->setToolTip(m_pChannelBox->count() > 1 ? tr("Channel that is shown")
-                                                         : tr("This picture has only one channel"));
-}
-
 void CkImageView::refreshColours() {
-    if (const CkLut* lut = viewLut(nullptr, nullptr, nullptr)) {
-        m_colours = PictureColours::colours(*lut);
-        m_pLegend->setColours(m_colours);
+    if (const CkLut* lut = table().lut) {
+        m_renderer.setColours(*lut);
+        m_pLegend->setColours(m_renderer.colours());
     }
 }
 
 void CkImageView::refresh() {
-    m_bStale = true;
+    m_bOutdated = true;
     m_pCanvas->update();
 }
 
 const QImage& CkImageView::shownImage() {
-    if (m_bStale) {
+    if (m_bOutdated) {
         render();
     }
-    return m_image;
+    return m_renderer.image();
 }
 
 void CkImageView::render() {
-    m_bStale = false;
-    const CkImageData* frame = currentImage();
-    if (frame == nullptr || frame->picBuf().data == nullptr) {
+    m_bOutdated = false;
+    const CkImageData* shown = frame();
+    if (shown == nullptr) {
         return;
     }
-    const SkPicBuf& picture = frame->picBuf();
-    bool automatic = false;
-    bool saturation = false;
-    CkLut* lut = viewLut(&automatic, &saturation, nullptr);
-    const quint32 channel = quint32(std::max(m_iChannel, 0));
-    computeStatistics(picture, channel, m_statistics);
-    if (automatic && m_statistics.finite > 0) {
-        m_window = isFloat(picture)
-                       ? SkDisplayWindow{m_statistics.minimum, m_statistics.maximum}
-                       : SkDisplayWindow{m_statistics.quantile(kTail), m_statistics.quantile(1.0 - kTail)};
-    }
-    // Whoever uses the table elsewhere gets the same window.
-    const SkDisplayWindow full = PictureColours::fullRange(picture);
-    if (lut != nullptr && !isFloat(picture) && full.low == 0.0) {
-        if (lut->contrastEntries().isEmpty()) {
-            lut->contrastEntries().append(CkLut::CkCompContrast());
-        }
-        const double last = std::min(full.high, double(std::numeric_limits<quint32>::max()));
-        lut->contrastEntries().first().inLow = quint32(std::clamp(m_window.low, 0.0, last));
-        lut->contrastEntries().first().inHigh = quint32(std::clamp(m_window.high, 0.0, last));
-    }
-    const bool shown = m_iChannel < 0 ? PictureColours::copyColours(picture, m_image)
-                                      : PictureColours::colourChannel(picture, channel, m_colours, m_window,
-                                                                      saturation, m_image);
-    if (!shown) {
-        m_image = QImage();
+    const SkPicBuf& picture = shown->picBuf();
+    const SkTable now = table();
+    if (!m_renderer.render(picture, now.contrast)) {
         m_pCanvas->setEmptyText(
             tr("Pictures of this format cannot be shown:\n%1").arg(PictureText::format(picture)));
+    }
+    // The plug-ins that use the view's table get the same window.
+    if (now.lut != nullptr) {
+        m_renderer.storeWindow(picture, *now.lut);
     }
     updateLegend();
     emit contrastChanged();
 }
 
 void CkImageView::updateLegend() {
-    m_pLegend->setVisible(m_pLegendAction->isChecked() && m_iChannel >= 0);
-    const CkImageData* frame = currentImage();
-    if (frame != nullptr && m_iChannel >= 0) {
-        m_pLegend->setRange(m_window.low, m_window.high,
-                            PictureText::channelName(m_format, frame->metadata(), quint32(m_iChannel)),
-                            unit());
+    m_pLegend->setVisible(showsLegend() && channel() >= 0);
+    const CkImageData* shown = frame();
+    if (shown != nullptr && channel() >= 0) {
+        m_pLegend->setRange(
+            window().low, window().high,
+            PictureText::channelName(m_renderer.format(), shown->metadata(), quint32(channel())), unit());
     }
 }
 
 void CkImageView::hoverPixel(const QPoint& pixel) {
     m_hovered = pixel;
-    if (const CkImageData* frame = currentImage()) {
-        emit pixelTextChanged(PictureText::pixel(frame->picBuf(), frame->metadata(), pixel.x(), pixel.y()));
+    if (const CkImageData* shown = currentImage()) {
+        emit pixelTextChanged(PictureText::pixel(shown->picBuf(), shown->metadata(), pixel.x(), pixel.y()));
     }
+}
+
+void CkImageView::contextMenuEvent(QContextMenuEvent* pEvent) {
+    QMenu menu(this);
+    menu.addActions(m_pToolBar->zoomActions());
+    menu.addSeparator();
+    menu.addAction(m_pToolBar->legendAction());
+    menu.addSeparator();
+    menu.addAction(tr("Save Picture..."), this, &CkImageView::saveWithDialog);
+    menu.exec(pEvent->globalPos());
+}
+
+CkPictureSnapshot CkImageView::snapshot() {
+    return {shownImage(), currentImage(), channel(), m_pToolBar->channelText()};
+}
+
+void CkImageView::saveWithDialog() {
+    // A snapshot: frames keep coming while the dialog is open.
+    snapshot().saveWithDialog(this);
 }

@@ -1,22 +1,19 @@
 #pragma once
 
-#include "host/viewer/picture/PictureColours.h"
-#include "host/viewer/picture/PictureStatistics.h"
+#include "host/viewer/picture/CkPictureRenderer.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QImage>
-#include <QList>
+#include <QPoint>
 #include <QString>
 
 class CkColorLegend;
 class CkImageCanvas;
 class CkPictureSnapshot;
-class QAction;
-class QComboBox;
-class QLabel;
-class QToolBar;
+class CkPictureToolBar;
 
-/// Shows the pictures of any type that a block delivers, coloured by a look-up table, with zoom and pan.
+/// Shows the pictures of any sample type that a block delivers, coloured by a look-up table, with zoom and
+/// pan. User-interface thread.
 ///
 /// Flag 1 of the view's table is automatic contrast (on: the window follows each frame; floats exactly from
 /// their smallest to their largest value, integers without the half percent at each end), flag 2 marks
@@ -37,24 +34,24 @@ public:
     CkImageCanvas* canvas() const { return m_pCanvas; }
 
     /// Channel shown; -1: all, as colours.
-    int channel() const { return m_iChannel; }
+    int channel() const { return m_renderer.channel(); }
     void setChannel(int iChannel);
     /// Entries of the list of channels, "all as colours" included; 0 before the first picture.
     int channelCount() const;
-    /// The next (1) or previous (-1) entry of the list of channels, round and round.
+    /// To the next (1) or previous (-1) entry of the list of channels, wrapping around.
     void stepChannel(int iStep);
 
     bool showsLegend() const;
     void setShowsLegend(bool bShow);
 
     /// The values at the ends of the colours, in the unit of the channel.
-    SkDisplayWindow window() const { return m_window; }
-    /// Sets the window by hand and switches automatic contrast off. A reversed window is turned round.
+    SkDisplayWindow window() const { return m_renderer.window(); }
+    /// Sets a fixed window and switches automatic contrast off. A reversed window is turned round.
     void setWindow(const SkDisplayWindow& window);
     void setAutoContrast(bool bAuto);
     bool autoContrast() const;
-    /// The whole range of the picture's values by hand: all that an integer can hold, or what a float picture
-    /// holds at the moment.
+    /// Fixes the window to the whole range of the picture's values: all that an integer can hold, or what a
+    /// float picture holds at the moment.
     void setFullRange();
     void setMarksSaturated(bool bMark);
     bool marksSaturated() const;
@@ -65,18 +62,19 @@ public:
     double gamma() const;
 
     /// Of the frame that was painted last. All zero before the first.
-    const SkPictureStatistics& statistics() const { return m_statistics; }
+    const SkPictureStatistics& statistics() const { return m_renderer.statistics(); }
     /// Unit of the channel shown, may be empty.
     QString unit() const;
-    bool showsColours() const { return m_iChannel < 0; }
+    bool showsColours() const { return channel() < 0; }
     bool hasPicture() const;
 
-    /// Darkens the picture: it is no longer what the camera sees.
+    /// Darkens the picture: it no longer shows what the camera sees.
     void setStale(bool bStale);
-    /// Instead of the picture, as long as there is none.
+    /// The text shown as long as there is no picture.
     void setEmptyText(const QString& sText);
 
-    /// The picture as it is on the screen, at its own size; colours it when that has not been done yet.
+    /// The picture as it is on the screen, at its own size; colours it first when the newest frame has not
+    /// been coloured yet. Null before the first picture and for a format that cannot be shown.
     const QImage& shownImage();
 
     /// What is on the screen at the moment, to be saved.
@@ -85,7 +83,7 @@ public:
     void saveWithDialog();
 
 signals:
-    /// Text about the pixel under the mouse; empty when it left.
+    /// Text about the pixel under the mouse; empty when the mouse has left the picture.
     void pixelTextChanged(const QString& sText);
     /// Window, range or histogram changed.
     void contrastChanged();
@@ -95,9 +93,15 @@ protected:
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
 
 private:
-    void createToolBar();
+    /// The view's table with its two flags.
+    struct SkTable {
+        CkLut* lut = nullptr;
+        CkPictureRenderer::SkContrast contrast;
+    };
+    SkTable table() const;
+    const CkImageData* frame() const;
+
     void adaptToFormat(const CkImageData& frame);
-    void fillChannelBox(const CkImageData& frame);
     void refreshColours();
     void render();
     void updateLegend();
@@ -106,20 +110,8 @@ private:
 
     CkImageCanvas* m_pCanvas = nullptr;
     CkColorLegend* m_pLegend = nullptr;
-    QToolBar* m_pToolBar = nullptr;
-    QComboBox* m_pChannelBox = nullptr;
-    QLabel* m_pZoomLabel = nullptr;
-    QAction* m_pFitAction = nullptr;
-    QAction* m_pLegendAction = nullptr;
-
-    SkPicBufInfo m_format;
-    QStringList m_channelNames;
-    QList<QRgb> m_colours;
-    SkDisplayWindow m_window;
-    SkPictureStatistics m_statistics;
-    QImage m_image;
-    QPoint m_hovered{-1, -1};
-    int m_iChannel = 0;
-    bool m_bStale = true; ///< the image does not show the newest frame yet
-    bool m_bColoured = false;
+    CkPictureToolBar* m_pToolBar = nullptr;
+    CkPictureRenderer m_renderer;
+    QPoint m_hovered{-1, -1}; ///< pixel under the mouse; negative: none
+    bool m_bOutdated = true;  ///< the image does not show the newest frame or settings yet
 };

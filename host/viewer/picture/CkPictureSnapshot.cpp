@@ -3,10 +3,15 @@
 #include "host/viewer/picture/PictureFile.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCoreGui/IkAppDelegate.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QImageWriter>
+#include <QMessageBox>
+#include <QPointer>
 #include <QSaveFile>
+#include <QWidget>
 
 namespace {
 
@@ -14,7 +19,7 @@ namespace {
 constexpr int kAsSeen = 0;
 constexpr int kAsMeasured = 1;
 
-// Pixels of its own: a picture of the chain's pool would be missed there for as long as a dialog is open.
+// A deep copy: a buffer of the chain's pool would be missing there for as long as a dialog is open.
 std::unique_ptr<CkImageData> copyOf(const CkImageData& frame) {
     SkPicBuf pixels;
     if (!CkPicBufAPI::CopyPicBuf(frame.picBuf(), pixels)) {
@@ -118,4 +123,32 @@ bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured for
     }
     return PictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel), sFileName,
                                   sError);
+}
+
+void CkPictureSnapshot::saveWithDialog(QWidget* pParent) const {
+    const QList<SkForm> offered = forms();
+    if (offered.isEmpty()) {
+        return;
+    }
+    QList<SkSaveForm> files;
+    for (const SkForm& form : offered) {
+        files.append(form.file);
+    }
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    // The camera may be unplugged, and the view with it, while the dialog is open.
+    const QPointer<QWidget> parent(pParent);
+    int chosen = 0;
+    const QString name = askSaveFileName(pParent, tr("Save Picture"),
+                                         delegate != nullptr ? delegate->lastDirectory() : QString(), files,
+                                         chosen, EkSaveEndings::Ours);
+    if (!parent || name.isEmpty()) {
+        return;
+    }
+    const std::optional<EkMeasured> measured = offered[chosen].measured;
+    QString error;
+    if (!(measured ? saveAsMeasured(name, *measured, &error) : saveAsSeen(name, &error))) {
+        QMessageBox::warning(pParent, tr("Save Picture"), error);
+    } else if (delegate != nullptr) {
+        delegate->setLastDirectory(QFileInfo(name).absolutePath());
+    }
 }

@@ -10,18 +10,19 @@
 #include <optional>
 
 class CkImageData;
+class QWidget;
 
-/// What a picture view showed at one moment, to be written to files: whatever the view shows later changes
-/// nothing of it. User-interface thread.
+/// What a picture view showed at one moment, to be written to files; frames that the view shows later do not
+/// change it. User-interface thread.
 class CkPictureSnapshot {
     Q_DECLARE_TR_FUNCTIONS(CkPictureSnapshot)
 
 public:
-    /// Forms in which a picture is written as it was measured; see PictureFile for what is in the files.
+    /// Forms in which a picture is written as it was measured; PictureFile describes what is in the files.
     enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
 
     /// image: the picture as seen, null when nothing can be shown. pFrame is copied; null without a picture.
-    /// iChannel, named sChannel: the one that is seen; -1: all, as colours.
+    /// iChannel, named sChannel: the channel seen; -1: all, as colours.
     CkPictureSnapshot(const QImage& image, const CkImageData* pFrame, int iChannel, const QString& sChannel);
     ~CkPictureSnapshot();
     CkPictureSnapshot(CkPictureSnapshot&&) noexcept;
@@ -39,6 +40,10 @@ public:
     /// as measured: the channel seen, or all of them. False, with psError set, on failure.
     bool saveAsSeen(const QString& sFileName, QString* psError) const;
     bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const;
+
+    /// Asks the user for the file and its form, writes it, and reports a failure in a message box. No-op
+    /// without a picture. pParent may be deleted while the dialog is open.
+    void saveWithDialog(QWidget* pParent) const;
 
 private:
     bool writeAsSeen(const QString& sFileName, QString& sError) const;

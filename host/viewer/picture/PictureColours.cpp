@@ -1,8 +1,8 @@
 #include "host/viewer/picture/PictureColours.h"
 
-#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkLut.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,9 +15,10 @@ namespace {
 /// Position of a value in the table of colours.
 class Scale {
 public:
-    Scale(const QList<QRgb>& colours, const SkDisplayWindow& window)
-        : m_colours(colours.constData()), m_low(window.low), m_last(double(colours.size()) - 1.0) {
-        const double range = window.high - window.low;
+    explicit Scale(const SkColouring& colouring)
+        : m_colours(colouring.colours.constData()), m_low(colouring.window.low),
+          m_last(double(colouring.colours.size()) - 1.0) {
+        const double range = colouring.window.high - colouring.window.low;
         // An empty window is a step: everything above its value gets the last colour.
         m_factor = range > 0.0 && std::isfinite(range) ? m_last / range : std::numeric_limits<double>::max();
     }
@@ -38,17 +39,17 @@ bool isSaturated(double value, const SkDisplayWindow& full) {
 }
 
 template <class T>
-void colourSmall(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& colours,
-                 const SkDisplayWindow& window, bool saturation, QImage& image) {
-    // One entry for each value a sample can have, so that the loop over the pixels is a plain look-up.
+void colourSmall(const SkPicBuf& picBuf, quint32 channel, const SkColouring& colouring, QImage& image) {
+    // One entry for each value of the sample type: the loop over the pixels is a plain look-up.
     using Unsigned = std::make_unsigned_t<T>;
     constexpr size_t count = size_t(1) << (8 * sizeof(T));
     std::vector<QRgb> direct(count);
-    const Scale scale(colours, window);
+    const Scale scale(colouring);
     const SkDisplayWindow full = PictureColours::fullRange(picBuf);
     for (size_t i = 0; i < count; ++i) {
         const double value = double(T(Unsigned(i)));
-        direct[i] = saturation && isSaturated(value, full) ? PictureColours::kSaturated : scale.colour(value);
+        direct[i] = colouring.markSaturated && isSaturated(value, full) ? PictureColours::kSaturated
+                                                                        : scale.colour(value);
     }
     for (quint32 y = 0; y < picBuf.height; ++y) {
         const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
@@ -60,11 +61,10 @@ void colourSmall(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& col
 }
 
 template <class T>
-void colourLarge(const SkPicBuf& picBuf, quint32 channel, const QList<QRgb>& colours,
-                 const SkDisplayWindow& window, bool saturation, QImage& image) {
-    const Scale scale(colours, window);
+void colourLarge(const SkPicBuf& picBuf, quint32 channel, const SkColouring& colouring, QImage& image) {
+    const Scale scale(colouring);
     const SkDisplayWindow full = PictureColours::fullRange(picBuf);
-    const bool mark = saturation && std::is_integral_v<T>;
+    const bool mark = colouring.markSaturated && std::is_integral_v<T>;
     for (quint32 y = 0; y < picBuf.height; ++y) {
         const T* sample = reinterpret_cast<const T*>(picBuf.row(y)) + channel;
         QRgb* target = reinterpret_cast<QRgb*>(image.scanLine(int(y)));
@@ -102,15 +102,13 @@ bool prepareImage(const SkPicBuf& picBuf, QImage& image) {
 } // namespace
 
 SkDisplayWindow PictureColours::fullRange(const SkPicBufInfo& info) {
-    const bool isSigned = info.dataType == EkImageDataType::Int8 || info.dataType == EkImageDataType::Int16 ||
-                          info.dataType == EkImageDataType::Int32 || info.dataType == EkImageDataType::Int64;
-    if (info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64) {
+    if (isFloatType(info.dataType)) {
         return {0.0, 1.0};
     }
     const quint32 sampleBits = 8 * sampleBytes(info.dataType);
     const quint32 bits =
         info.bitsPerChannel == 0 || info.bitsPerChannel > sampleBits ? sampleBits : info.bitsPerChannel;
-    if (isSigned) {
+    if (isSignedIntegerType(info.dataType)) {
         const double half = std::ldexp(1.0, int(bits) - 1);
         return {-half, half - 1.0};
     }
@@ -137,20 +135,20 @@ QList<QRgb> PictureColours::colours(const CkLut& lut) {
     return result;
 }
 
-bool PictureColours::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const QList<QRgb>& colours,
-                                   const SkDisplayWindow& window, bool bSaturation, QImage& image) {
-    if (!isReadable(picBuf) || uiChannel >= picBuf.channels || colours.size() < 2) {
+bool PictureColours::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const SkColouring& colouring,
+                                   QImage& image) {
+    if (!isReadable(picBuf) || uiChannel >= picBuf.channels || colouring.colours.size() < 2) {
         return false;
     }
-    return visitSampleType(picBuf.dataType, [&](auto type) {
+    return visitSamples(picBuf.dataType, [&](auto type) {
         using T = decltype(type);
         if (!prepareImage(picBuf, image)) {
             return false;
         }
         if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
-            colourSmall<T>(picBuf, uiChannel, colours, window, bSaturation, image);
+            colourSmall<T>(picBuf, uiChannel, colouring, image);
         } else {
-            colourLarge<T>(picBuf, uiChannel, colours, window, bSaturation, image);
+            colourLarge<T>(picBuf, uiChannel, colouring, image);
         }
         return true;
     });
@@ -180,7 +178,7 @@ double PictureColours::sampleValue(const SkPicBuf& picBuf, quint32 uiX, quint32 
     if (!isReadable(picBuf) || uiX >= picBuf.width || uiY >= picBuf.height || uiChannel >= picBuf.channels) {
         return value;
     }
-    visitSampleType(picBuf.dataType, [&](auto type) {
+    visitSamples(picBuf.dataType, [&](auto type) {
         using T = decltype(type);
         value =
             double(reinterpret_cast<const T*>(picBuf.row(uiY))[size_t(uiX) * picBuf.channels + uiChannel]);

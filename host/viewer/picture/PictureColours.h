@@ -15,29 +15,35 @@ struct SkDisplayWindow {
     bool operator==(const SkDisplayWindow&) const = default;
 };
 
+/// How the samples of one channel become colours.
+struct SkColouring {
+    QList<QRgb> colours; ///< at least two, spread over the window
+    SkDisplayWindow window;
+    bool markSaturated = false; ///< integer samples at the end of their range
+};
+
 /// Turns pictures into images for the screen. Stateless; any thread.
 namespace PictureColours {
 
-inline constexpr QRgb kSaturated = 0xffff0000U;
-inline constexpr QRgb kInvalid = 0xff000000U;
+inline constexpr QRgb kSaturated = 0xffff0000U; ///< red
+inline constexpr QRgb kInvalid = 0xff000000U;   ///< black
 inline constexpr int kColours = 1024;
 
-/// Every value an integer picture can hold by its significant bits; 0 to 1 for floats.
+/// From the smallest to the largest value that the significant bits of an integer picture can hold; 0 to 1
+/// for floats.
 SkDisplayWindow fullRange(const SkPicBufInfo& info);
 
 /// The table's map, warped by its gamma; kColours entries from the lowest to the highest value.
 QList<QRgb> colours(const CkLut& lut);
 
-/// Colours one channel: the window is spread over the colours, values that are not finite become
-/// black, and with bSaturation integer samples at the end of their range become red. The image is made
-/// anew when its size differs. False, with the image untouched, for pictures that cannot be read, an
-/// unknown channel or fewer than two colours.
-bool colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const QList<QRgb>& colours,
-                   const SkDisplayWindow& window, bool bSaturation, QImage& image);
+/// Colours one channel. Values that are not finite become kInvalid, saturated integer samples kSaturated when
+/// they are to be marked. The image is allocated anew when its size differs. False, with the image untouched,
+/// for pictures that cannot be read, an unknown channel or fewer than two colours.
+bool colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const SkColouring& colouring, QImage& image);
 
 /// Whether a picture is a colour picture (three or four 8-bit channels blue, green, red).
 bool isColourPicture(const SkPicBufInfo& info);
-/// Shows a colour picture as it is.
+/// Copies a colour picture into an image. False, with the image untouched, for any other picture.
 bool copyColours(const SkPicBuf& picBuf, QImage& image);
 
 /// One sample; not a number for what cannot be read.

@@ -5,6 +5,7 @@
 #include "host/viewer/picture/PictureColours.h"
 #include "host/viewer/picture/PictureText.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -27,18 +28,9 @@ struct Texts {
 
 constexpr double kSteps = 65536.0;
 
-bool isFloat(EkImageDataType type) {
-    return type == EkImageDataType::Float32 || type == EkImageDataType::Float64;
-}
-
-bool isSigned(EkImageDataType type) {
-    return type == EkImageDataType::Int8 || type == EkImageDataType::Int16 ||
-           type == EkImageDataType::Int32 || type == EkImageDataType::Int64;
-}
-
 // A 32-bit float has 24 bits for whole numbers.
 bool fitsFloat32(EkImageDataType type) {
-    return type == EkImageDataType::Float32 || (!isFloat(type) && sampleBytes(type) <= 2);
+    return type == EkImageDataType::Float32 || (!isFloatType(type) && sampleBytes(type) <= 2);
 }
 
 bool isReadable(const SkPicBuf& picBuf, quint32 channel) {
@@ -122,18 +114,18 @@ void describePage(TIFF* tif, const SkPicBuf& picBuf, quint16 channels, quint16 b
 
 PictureFile::SkScale PictureFile::scale16(const SkPicBufInfo& info, const CkImageMetadata& metadata,
                                           quint32 uiChannel) {
-    if (!isFloat(info.dataType)) {
-        return {1.0, isSigned(info.dataType) ? kSteps / 2.0 : 0.0};
+    if (!isFloatType(info.dataType)) {
+        return {1.0, isSignedIntegerType(info.dataType) ? kSteps / 2.0 : 0.0};
     }
-    const bool phase = metadata.channelNames.value(int(uiChannel)) == QLatin1String("Phase shift");
+    const bool phase = metadata.channelNames.value(int(uiChannel)) == ToFChannel::kPhaseShift;
     return {phase ? kSteps / (2.0 * M_PI) : 1000.0, 0.0};
 }
 
 QString PictureFile::scaleText(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel) {
-    if (isSigned(info.dataType)) {
+    if (isSignedIntegerType(info.dataType)) {
         return Texts::tr("plus 32768");
     }
-    if (!isFloat(info.dataType)) {
+    if (!isFloatType(info.dataType)) {
         return Texts::tr("unchanged");
     }
     const QString unit = PictureText::channelUnit(info, metadata, uiChannel);

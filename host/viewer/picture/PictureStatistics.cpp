@@ -1,7 +1,7 @@
 #include "host/viewer/picture/PictureStatistics.h"
 
-#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +86,7 @@ bool computeStatistics(const SkPicBuf& picBuf, quint32 channel, SkPictureStatist
     if (picBuf.data == nullptr || !CkPicBufAPI::isValid(picBuf) || channel >= picBuf.channels) {
         return false;
     }
-    return visitSampleType(picBuf.dataType, [&](auto type) {
+    return visitSamples(picBuf.dataType, [&](auto type) {
         using T = decltype(type);
         limitsOf<T>(picBuf, channel, statistics);
         fillHistogram<T>(picBuf, channel, statistics);

@@ -2,6 +2,7 @@
 
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/picture/PictureColours.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -13,15 +14,6 @@ namespace {
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(PictureText)
 };
-
-bool isFloat(EkImageDataType dataType) {
-    return dataType == EkImageDataType::Float32 || dataType == EkImageDataType::Float64;
-}
-
-bool isSigned(EkImageDataType dataType) {
-    return dataType == EkImageDataType::Int8 || dataType == EkImageDataType::Int16 ||
-           dataType == EkImageDataType::Int32 || dataType == EkImageDataType::Int64;
-}
 
 } // namespace
 
@@ -71,14 +63,14 @@ QString PictureText::channelName(const SkPicBufInfo& info, const CkImageMetadata
 QString PictureText::channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata,
                                  quint32 uiChannel) {
     const QString name = metadata.channelNames.value(int(uiChannel));
-    if (name == QLatin1String("Phase shift")) {
+    if (name == ToFChannel::kPhaseShift) {
         return QStringLiteral("rad");
     }
-    if (name == QLatin1String("Depth")) {
+    if (name == ToFChannel::kDepth) {
         return QStringLiteral("m");
     }
     const bool counts =
-        info.channels > 0 && !isFloat(info.dataType) && !PictureColours::isColourPicture(info);
+        info.channels > 0 && !isFloatType(info.dataType) && !PictureColours::isColourPicture(info);
     return counts ? Texts::tr("counts") : QString();
 }
 
@@ -95,7 +87,7 @@ QString PictureText::number(const SkPicBufInfo& info, double fValue) {
     if (std::isinf(fValue)) {
         return fValue > 0 ? QStringLiteral("+Inf") : QStringLiteral("-Inf");
     }
-    return isFloat(info.dataType) ? locale().toString(fValue, 'g', 5) : locale().toString(fValue, 'f', 0);
+    return isFloatType(info.dataType) ? locale().toString(fValue, 'g', 5) : locale().toString(fValue, 'f', 0);
 }
 
 QString PictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iX, int iY) {
@@ -124,9 +116,9 @@ QString PictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metada
 }
 
 QString PictureText::format(const SkPicBufInfo& info) {
-    QString kind = isFloat(info.dataType)    ? Texts::tr("float")
-                   : isSigned(info.dataType) ? Texts::tr("signed")
-                                             : Texts::tr("unsigned");
+    QString kind = isFloatType(info.dataType)           ? Texts::tr("float")
+                   : isSignedIntegerType(info.dataType) ? Texts::tr("signed")
+                                                        : Texts::tr("unsigned");
     const QString channels = Texts::tr("%n channel(s)", nullptr, pluralNumber(info.channels));
     return Texts::tr("%1 x %2, %3, %4 bit %5")
         .arg(info.width)

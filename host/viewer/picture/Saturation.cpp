@@ -10,15 +10,6 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(Saturation)
 };
 
-bool isFloat(EkImageDataType type) {
-    return type == EkImageDataType::Float32 || type == EkImageDataType::Float64;
-}
-
-bool isSigned(EkImageDataType type) {
-    return type == EkImageDataType::Int8 || type == EkImageDataType::Int16 ||
-           type == EkImageDataType::Int32 || type == EkImageDataType::Int64;
-}
-
 bool isDifferenceCode(quint32 code) {
     return code == ToFFormatCode::kAminusBBits8 || code == ToFFormatCode::kAminusBBits12 ||
            code == ToFFormatCode::kAminusBBits12Alternate;
@@ -44,11 +35,12 @@ Saturation::EkEvidence Saturation::evidence(const SkPicBufInfo& info, const CkIm
     if (isMadeAnew(info, pBlock)) {
         return EkEvidence::Computed;
     }
-    if (isFloat(info.dataType)) {
+    if (isFloatType(info.dataType)) {
         return EkEvidence::Floats;
     }
-    return isSigned(info.dataType) && isDifferenceCode(metadata.tofFormatCode) ? EkEvidence::Difference
-                                                                               : EkEvidence::Samples;
+    return isSignedIntegerType(info.dataType) && isDifferenceCode(metadata.tofFormatCode)
+               ? EkEvidence::Difference
+               : EkEvidence::Samples;
 }
 
 QString Saturation::reason(EkEvidence evidence) {

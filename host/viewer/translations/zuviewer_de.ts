@@ -2,6 +2,36 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
+    <name>ChainEditor</name>
+    <message>
+        <source>The block to build on is in no chain any more.</source>
+        <translation>Der Block, an den angebaut werden soll, gehört zu keiner Kette mehr.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or what follows cannot work on its output.</source>
+        <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder die folgenden Blöcke können seine Ausgabe nicht verarbeiten.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no processing block.</source>
+        <translation>„%1“ ist kein Verarbeitungsblock.</translation>
+    </message>
+    <message>
+        <source>A source cannot be taken out of its chain; close the chain&apos;s views instead.</source>
+        <translation>Eine Quelle lässt sich nicht aus ihrer Kette nehmen; schließen Sie stattdessen die Ansichten der Kette.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be removed: what it feeds cannot work without it.</source>
+        <translation>„%1“ lässt sich nicht entfernen: Die Blöcke dahinter können ohne ihn nicht arbeiten.</translation>
+    </message>
+</context>
+<context>
+    <name>CkBlockDialogs</name>
+    <message>
+        <source>Help: %1</source>
+        <translation>Hilfe: %1</translation>
+    </message>
+</context>
+<context>
     <name>CkCameraController</name>
     <message>
         <source>Camera &quot;%1&quot; cannot be opened: %2</source>
@@ -370,29 +400,6 @@ Kennung %3</translation>
     </message>
 </context>
 <context>
-    <name>ChainEditor</name>
-    <message>
-        <source>The block to build on is in no chain any more.</source>
-        <translation>Der Block, an den angebaut werden soll, gehört zu keiner Kette mehr.</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or what follows cannot work on its output.</source>
-        <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder die folgenden Blöcke können seine Ausgabe nicht verarbeiten.</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; is no processing block.</source>
-        <translation>„%1“ ist kein Verarbeitungsblock.</translation>
-    </message>
-    <message>
-        <source>A source cannot be taken out of its chain; close the chain&apos;s views instead.</source>
-        <translation>Eine Quelle lässt sich nicht aus ihrer Kette nehmen; schließen Sie stattdessen die Ansichten der Kette.</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; cannot be removed: what it feeds cannot work without it.</source>
-        <translation>„%1“ lässt sich nicht entfernen: Die Blöcke dahinter können ohne ihn nicht arbeiten.</translation>
-    </message>
-</context>
-<context>
     <name>CkChainFile</name>
     <message>
         <source>%1: this is no chain file.</source>
@@ -531,10 +538,6 @@ Kennung %3</translation>
     <message>
         <source>&quot;%1&quot; has nothing to configure.</source>
         <translation>An „%1“ gibt es nichts einzustellen.</translation>
-    </message>
-    <message>
-        <source>Help: %1</source>
-        <translation>Hilfe: %1</translation>
     </message>
     <message>
         <source>Processing Chain</source>
@@ -894,70 +897,14 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Bild</translation>
     </message>
     <message>
-        <source>Colour</source>
-        <translation>Farbe</translation>
-    </message>
-    <message>
-        <source>Channel that is shown</source>
-        <translation>Gezeigter Kanal</translation>
-    </message>
-    <message>
-        <source>This picture has only one channel</source>
-        <translation>Dieses Bild hat nur einen Kanal</translation>
-    </message>
-    <message>
         <source>Pictures of this format cannot be shown:
 %1</source>
         <translation>Bilder dieses Formats können nicht gezeigt werden:
 %1</translation>
     </message>
     <message>
-        <source>Fit</source>
-        <translation>Einpassen</translation>
-    </message>
-    <message>
-        <source>There is no picture yet</source>
-        <translation>Es ist noch kein Bild da</translation>
-    </message>
-    <message>
-        <source>Legend</source>
-        <translation>Legende</translation>
-    </message>
-    <message>
-        <source>Save</source>
-        <translation>Speichern</translation>
-    </message>
-    <message>
         <source>Save Picture...</source>
         <translation>Bild speichern...</translation>
-    </message>
-    <message>
-        <source>Save Picture</source>
-        <translation>Bild speichern</translation>
-    </message>
-    <message>
-        <source>Show the whole picture (Ctrl+0, double click on the picture)</source>
-        <translation>Das ganze Bild zeigen (Strg+0, Doppelklick auf das Bild)</translation>
-    </message>
-    <message>
-        <source>One screen pixel for each picture pixel (Ctrl+/, double click on the picture)</source>
-        <translation>Ein Bildschirmpixel je Bildpixel (Strg+/, Doppelklick auf das Bild)</translation>
-    </message>
-    <message>
-        <source>Smaller (Ctrl+-, mouse wheel)</source>
-        <translation>Kleiner (Strg+-, Mausrad)</translation>
-    </message>
-    <message>
-        <source>Larger (Ctrl++, mouse wheel)</source>
-        <translation>Größer (Strg++, Mausrad)</translation>
-    </message>
-    <message>
-        <source>Show what the colours stand for (Ctrl+L)</source>
-        <translation>Zeigen, wofür die Farben stehen (Strg+L)</translation>
-    </message>
-    <message>
-        <source>Save the picture to a file (Ctrl+P)</source>
-        <translation>Das Bild in eine Datei speichern (Strg+P)</translation>
     </message>
 </context>
 <context>
@@ -1423,37 +1370,6 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
-    <name>PictureFile</name>
-    <message>
-        <source>plus 32768</source>
-        <translation>plus 32768</translation>
-    </message>
-    <message>
-        <source>unchanged</source>
-        <translation>unverändert</translation>
-    </message>
-    <message>
-        <source>65536 steps for 2 pi</source>
-        <translation>65536 Stufen für 2 Pi</translation>
-    </message>
-    <message>
-        <source>1 step = 0.001 %1</source>
-        <translation>1 Stufe = 0,001 %1</translation>
-    </message>
-    <message>
-        <source>There is no picture to save.</source>
-        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
-    </message>
-    <message>
-        <source>There is not enough memory for the picture.</source>
-        <translation>Der Speicher reicht für das Bild nicht aus.</translation>
-    </message>
-    <message>
-        <source>%1: this format needs the ending .%2.</source>
-        <translation>%1: Dieses Format braucht die Endung .%2.</translation>
-    </message>
-</context>
-<context>
     <name>CkPictureSnapshot</name>
     <message>
         <source>PNG, as seen (*.png)</source>
@@ -1487,99 +1403,64 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <source>A colour picture has no single channel to save; choose a channel first.</source>
         <translation>Ein Farbbild hat keinen einzelnen Kanal zum Speichern; wählen Sie zuerst einen Kanal.</translation>
     </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild speichern</translation>
+    </message>
 </context>
 <context>
-    <name>PictureText</name>
+    <name>CkPictureToolBar</name>
     <message>
-        <source>Blue</source>
-        <translation>Blau</translation>
+        <source>Legend</source>
+        <translation>Legende</translation>
     </message>
     <message>
-        <source>Green</source>
-        <translation>Grün</translation>
+        <source>Show what the colours stand for (Ctrl+L)</source>
+        <translation>Zeigen, wofür die Farben stehen (Strg+L)</translation>
     </message>
     <message>
-        <source>Red</source>
-        <translation>Rot</translation>
+        <source>Save</source>
+        <translation>Speichern</translation>
     </message>
     <message>
-        <source>Alpha</source>
-        <translation>Alpha</translation>
+        <source>Save the picture to a file (Ctrl+P)</source>
+        <translation>Das Bild in eine Datei speichern (Strg+P)</translation>
     </message>
     <message>
-        <source>Value</source>
-        <translation>Wert</translation>
+        <source>Fit</source>
+        <translation>Einpassen</translation>
     </message>
     <message>
-        <source>Channel %1</source>
-        <translation>Kanal %1</translation>
+        <source>Show the whole picture (Ctrl+0, double click on the picture)</source>
+        <translation>Das ganze Bild zeigen (Strg+0, Doppelklick auf das Bild)</translation>
     </message>
     <message>
-        <source>float</source>
-        <translation>Gleitkomma</translation>
+        <source>One screen pixel for each picture pixel (Ctrl+/, double click on the picture)</source>
+        <translation>Ein Bildschirmpixel je Bildpixel (Strg+/, Doppelklick auf das Bild)</translation>
     </message>
     <message>
-        <source>signed</source>
-        <translation>mit Vorzeichen</translation>
+        <source>Smaller (Ctrl+-, mouse wheel)</source>
+        <translation>Kleiner (Strg+-, Mausrad)</translation>
     </message>
     <message>
-        <source>unsigned</source>
-        <translation>ohne Vorzeichen</translation>
+        <source>Larger (Ctrl++, mouse wheel)</source>
+        <translation>Größer (Strg++, Mausrad)</translation>
     </message>
     <message>
-        <source>%1 x %2, %3, %4 bit %5</source>
-        <translation>%1 x %2, %3, %4 Bit %5</translation>
+        <source>There is no picture yet</source>
+        <translation>Es ist noch kein Bild da</translation>
     </message>
     <message>
-        <source>Phase shift</source>
-        <translation>Phase</translation>
+        <source>Colour</source>
+        <translation>Farbe</translation>
     </message>
     <message>
-        <source>Confidence</source>
-        <translation>Konfidenz</translation>
+        <source>Channel that is shown</source>
+        <translation>Gezeigter Kanal</translation>
     </message>
     <message>
-        <source>Depth</source>
-        <translation>Tiefe</translation>
-    </message>
-    <message>
-        <source>Grey</source>
-        <translation>Grau</translation>
-    </message>
-    <message>
-        <source>counts</source>
-        <translation>Counts</translation>
-    </message>
-    <message>
-        <source>Inverted grey</source>
-        <translation>Grau, umgekehrt</translation>
-    </message>
-    <message>
-        <source>Rainbow</source>
-        <translation>Regenbogen</translation>
-    </message>
-    <message>
-        <source>Hot</source>
-        <translation>Glut</translation>
-    </message>
-    <message>
-        <source>Violet to yellow</source>
-        <translation>Violett bis Gelb</translation>
-    </message>
-    <message>
-        <source>Spectrum</source>
-        <translation>Spektrum</translation>
-    </message>
-    <message>
-        <source>Blue to red</source>
-        <translation>Blau bis Rot</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n channel(s)</source>
-        <translation>
-            <numerusform>%n Kanal</numerusform>
-            <numerusform>%n Kanäle</numerusform>
-        </translation>
+        <source>This picture has only one channel</source>
+        <translation>Dieses Bild hat nur einen Kanal</translation>
     </message>
 </context>
 <context>
@@ -1748,41 +1629,10 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkQualityHistory</name>
+    <name>CkQualityControls</name>
     <message>
-        <source>Mean</source>
-        <translation>Mittelwert</translation>
-    </message>
-    <message>
-        <source>Std. dev. over the region</source>
-        <translation>Standardabw. über die Region</translation>
-    </message>
-    <message>
-        <source>Std. dev. over time</source>
-        <translation>Standardabw. über die Zeit</translation>
-    </message>
-    <message>
-        <source>Valid pixels</source>
-        <translation>Gültige Pixel</translation>
-    </message>
-    <message>
-        <source>Tilt</source>
-        <translation>Neigung</translation>
-    </message>
-    <message>
-        <source>Flatness</source>
-        <translation>Ebenheit</translation>
-    </message>
-    <message>
-        <source>RMS from the plane</source>
-        <translation>RMS zur Ebene</translation>
-    </message>
-</context>
-<context>
-    <name>CkQualityPanel</name>
-    <message>
-        <source>%1 cannot be written: %2.</source>
-        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+        <source>What the curve shows</source>
+        <translation>Was die Kurve zeigt</translation>
     </message>
     <message>
         <source>Draw Region</source>
@@ -1799,66 +1649,6 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     <message>
         <source>Save CSV...</source>
         <translation>CSV speichern...</translation>
-    </message>
-    <message>
-        <source>Mean</source>
-        <translation>Mittelwert</translation>
-    </message>
-    <message>
-        <source>Mean of the valid pixels of the newest frame</source>
-        <translation>Mittelwert der gültigen Pixel des neuesten Bildes</translation>
-    </message>
-    <message>
-        <source>Std. dev. over the region</source>
-        <translation>Standardabw. über die Region</translation>
-    </message>
-    <message>
-        <source>Standard deviation of the valid pixels of the newest frame</source>
-        <translation>Standardabweichung der gültigen Pixel des neuesten Bildes</translation>
-    </message>
-    <message>
-        <source>Std. dev. over time</source>
-        <translation>Standardabw. über die Zeit</translation>
-    </message>
-    <message>
-        <source>How much a pixel varies from frame to frame: quadratic mean of the standard deviations that the pixels have had since the start</source>
-        <translation>Wie sehr ein Pixel von Bild zu Bild schwankt: quadratisches Mittel der Standardabweichungen, die die Pixel seit Beginn hatten</translation>
-    </message>
-    <message>
-        <source>Valid pixels</source>
-        <translation>Gültige Pixel</translation>
-    </message>
-    <message>
-        <source>Share of pixels that are finite, confident enough and not saturated</source>
-        <translation>Anteil der Pixel, die endlich, verlässlich genug und nicht gesättigt sind</translation>
-    </message>
-    <message>
-        <source>Tilt</source>
-        <translation>Neigung</translation>
-    </message>
-    <message>
-        <source>Angle between the optical axis and the normal of the plane through the points</source>
-        <translation>Winkel zwischen der optischen Achse und der Normalen der Ebene durch die Punkte</translation>
-    </message>
-    <message>
-        <source>Flatness</source>
-        <translation>Ebenheit</translation>
-    </message>
-    <message>
-        <source>From the point furthest in front of that plane to the one furthest behind it</source>
-        <translation>Vom vordersten Punkt vor dieser Ebene bis zum hintersten dahinter</translation>
-    </message>
-    <message>
-        <source>RMS from the plane</source>
-        <translation>RMS zur Ebene</translation>
-    </message>
-    <message>
-        <source>Quadratic mean of the points&apos; distances from that plane</source>
-        <translation>Quadratisches Mittel der Abstände der Punkte von dieser Ebene</translation>
-    </message>
-    <message>
-        <source>What the curve shows</source>
-        <translation>Was die Kurve zeigt</translation>
     </message>
     <message>
         <source>Pitch of the sensor&apos;s cells; the plane is fitted in space</source>
@@ -1879,22 +1669,6 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     <message>
         <source>Confidence limit</source>
         <translation>Konfidenzgrenze</translation>
-    </message>
-    <message>
-        <source>No view is active</source>
-        <translation>Es ist keine Ansicht aktiv</translation>
-    </message>
-    <message>
-        <source>The active view shows no picture. Open a depth picture of its chain to measure in it.</source>
-        <translation>Die aktive Ansicht zeigt kein Bild. Öffnen Sie ein Tiefenbild ihrer Kette, um darin zu messen.</translation>
-    </message>
-    <message>
-        <source>There is no picture yet</source>
-        <translation>Es ist noch kein Bild da</translation>
-    </message>
-    <message>
-        <source>No distances: no plane is fitted.</source>
-        <translation>Keine Abstände: Es wird keine Ebene angepasst.</translation>
     </message>
     <message>
         <source>Drag a rectangle on the picture with the left mouse button</source>
@@ -1919,6 +1693,36 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     <message>
         <source>The camera tells its focal length: %1 mm</source>
         <translation>Die Kamera meldet ihre Brennweite: %1 mm</translation>
+    </message>
+</context>
+<context>
+    <name>CkQualityHistory</name>
+    <message>
+        <source>%1 cannot be written: %2.</source>
+        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+    </message>
+</context>
+<context>
+    <name>CkQualityPanel</name>
+    <message>
+        <source>No view is active</source>
+        <translation>Es ist keine Ansicht aktiv</translation>
+    </message>
+    <message>
+        <source>The active view shows no picture. Open a depth picture of its chain to measure in it.</source>
+        <translation>Die aktive Ansicht zeigt kein Bild. Öffnen Sie ein Tiefenbild ihrer Kette, um darin zu messen.</translation>
+    </message>
+    <message>
+        <source>There is no picture yet</source>
+        <translation>Es ist noch kein Bild da</translation>
+    </message>
+    <message>
+        <source>No distances: no plane is fitted.</source>
+        <translation>Keine Abstände: Es wird keine Ebene angepasst.</translation>
+    </message>
+    <message>
+        <source>Drag a rectangle on the picture with the left mouse button</source>
+        <translation>Ziehen Sie mit der linken Maustaste ein Rechteck im Bild auf</translation>
     </message>
     <message>
         <source>Save Values</source>
@@ -1954,14 +1758,6 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
             <numerusform>%1: Region bei %2, %3 mit %4 x %5 Pixeln, %n Bild</numerusform>
             <numerusform>%1: Region bei %2, %3 mit %4 x %5 Pixeln, %n Bilder</numerusform>
         </translation>
-    </message>
-    <message>
-        <source>the camera&apos;s picture was not seen</source>
-        <translation>das Bild der Kamera wurde nicht gesehen</translation>
-    </message>
-    <message>
-        <source>the camera&apos;s picture does not tell</source>
-        <translation>am Bild der Kamera ist es nicht zu erkennen</translation>
     </message>
     <message>
         <source>Saturated pixels may count as valid: %1.</source>
@@ -2491,21 +2287,6 @@ aufgenommen in %2</translation>
     </message>
 </context>
 <context>
-    <name>Saturation</name>
-    <message>
-        <source>A minus B does not tell whether A and B were saturated</source>
-        <translation>An A minus B ist nicht zu erkennen, ob A und B gesättigt waren</translation>
-    </message>
-    <message>
-        <source>Samples of this kind have no end of their range</source>
-        <translation>Werte dieser Art haben keinen Höchstwert</translation>
-    </message>
-    <message>
-        <source>A computed picture does not tell; the picture of the camera does</source>
-        <translation>An einem berechneten Bild ist es nicht zu erkennen, aber am Bild der Kamera</translation>
-    </message>
-</context>
-<context>
     <name>CkSessionMemory</name>
     <message>
         <source>Camera &quot;%1&quot; of the last session: %2</source>
@@ -3006,6 +2787,17 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
 </context>
 <context>
+    <name>CkViewMeasurement</name>
+    <message>
+        <source>the camera&apos;s picture was not seen</source>
+        <translation>das Bild der Kamera wurde nicht gesehen</translation>
+    </message>
+    <message>
+        <source>the camera&apos;s picture does not tell</source>
+        <translation>am Bild der Kamera ist es nicht zu erkennen</translation>
+    </message>
+</context>
+<context>
     <name>CkViewNotices</name>
     <message>
         <source>&quot;%1&quot; is unplugged. The view goes on when it is plugged in again.</source>
@@ -3090,6 +2882,205 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     <message>
         <source>it is no ordinary file</source>
         <translation>das ist keine gewöhnliche Datei</translation>
+    </message>
+</context>
+<context>
+    <name>PictureFile</name>
+    <message>
+        <source>plus 32768</source>
+        <translation>plus 32768</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>unverändert</translation>
+    </message>
+    <message>
+        <source>65536 steps for 2 pi</source>
+        <translation>65536 Stufen für 2 Pi</translation>
+    </message>
+    <message>
+        <source>1 step = 0.001 %1</source>
+        <translation>1 Stufe = 0,001 %1</translation>
+    </message>
+    <message>
+        <source>There is no picture to save.</source>
+        <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the picture.</source>
+        <translation>Der Speicher reicht für das Bild nicht aus.</translation>
+    </message>
+    <message>
+        <source>%1: this format needs the ending .%2.</source>
+        <translation>%1: Dieses Format braucht die Endung .%2.</translation>
+    </message>
+</context>
+<context>
+    <name>PictureText</name>
+    <message>
+        <source>Blue</source>
+        <translation>Blau</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>Grün</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>Rot</translation>
+    </message>
+    <message>
+        <source>Alpha</source>
+        <translation>Alpha</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Channel %1</source>
+        <translation>Kanal %1</translation>
+    </message>
+    <message>
+        <source>float</source>
+        <translation>Gleitkomma</translation>
+    </message>
+    <message>
+        <source>signed</source>
+        <translation>mit Vorzeichen</translation>
+    </message>
+    <message>
+        <source>unsigned</source>
+        <translation>ohne Vorzeichen</translation>
+    </message>
+    <message>
+        <source>%1 x %2, %3, %4 bit %5</source>
+        <translation>%1 x %2, %3, %4 Bit %5</translation>
+    </message>
+    <message>
+        <source>Phase shift</source>
+        <translation>Phase</translation>
+    </message>
+    <message>
+        <source>Confidence</source>
+        <translation>Konfidenz</translation>
+    </message>
+    <message>
+        <source>Depth</source>
+        <translation>Tiefe</translation>
+    </message>
+    <message>
+        <source>Grey</source>
+        <translation>Grau</translation>
+    </message>
+    <message>
+        <source>counts</source>
+        <translation>Counts</translation>
+    </message>
+    <message>
+        <source>Inverted grey</source>
+        <translation>Grau, umgekehrt</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hot</source>
+        <translation>Glut</translation>
+    </message>
+    <message>
+        <source>Violet to yellow</source>
+        <translation>Violett bis Gelb</translation>
+    </message>
+    <message>
+        <source>Spectrum</source>
+        <translation>Spektrum</translation>
+    </message>
+    <message>
+        <source>Blue to red</source>
+        <translation>Blau bis Rot</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n channel(s)</source>
+        <translation>
+            <numerusform>%n Kanal</numerusform>
+            <numerusform>%n Kanäle</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>QualityQuantities</name>
+    <message>
+        <source>Mean</source>
+        <translation>Mittelwert</translation>
+    </message>
+    <message>
+        <source>Mean of the valid pixels of the newest frame</source>
+        <translation>Mittelwert der gültigen Pixel des neuesten Bildes</translation>
+    </message>
+    <message>
+        <source>Std. dev. over the region</source>
+        <translation>Standardabw. über die Region</translation>
+    </message>
+    <message>
+        <source>Standard deviation of the valid pixels of the newest frame</source>
+        <translation>Standardabweichung der gültigen Pixel des neuesten Bildes</translation>
+    </message>
+    <message>
+        <source>Std. dev. over time</source>
+        <translation>Standardabw. über die Zeit</translation>
+    </message>
+    <message>
+        <source>How much a pixel varies from frame to frame: quadratic mean of the standard deviations that the pixels have had since the start</source>
+        <translation>Wie sehr ein Pixel von Bild zu Bild schwankt: quadratisches Mittel der Standardabweichungen, die die Pixel seit Beginn hatten</translation>
+    </message>
+    <message>
+        <source>Valid pixels</source>
+        <translation>Gültige Pixel</translation>
+    </message>
+    <message>
+        <source>Share of pixels that are finite, confident enough and not saturated</source>
+        <translation>Anteil der Pixel, die endlich, verlässlich genug und nicht gesättigt sind</translation>
+    </message>
+    <message>
+        <source>Tilt</source>
+        <translation>Neigung</translation>
+    </message>
+    <message>
+        <source>Angle between the optical axis and the normal of the plane through the points</source>
+        <translation>Winkel zwischen der optischen Achse und der Normalen der Ebene durch die Punkte</translation>
+    </message>
+    <message>
+        <source>Flatness</source>
+        <translation>Ebenheit</translation>
+    </message>
+    <message>
+        <source>From the point furthest in front of that plane to the one furthest behind it</source>
+        <translation>Vom vordersten Punkt vor dieser Ebene bis zum hintersten dahinter</translation>
+    </message>
+    <message>
+        <source>RMS from the plane</source>
+        <translation>RMS zur Ebene</translation>
+    </message>
+    <message>
+        <source>Quadratic mean of the points&apos; distances from that plane</source>
+        <translation>Quadratisches Mittel der Abstände der Punkte von dieser Ebene</translation>
+    </message>
+</context>
+<context>
+    <name>Saturation</name>
+    <message>
+        <source>A minus B does not tell whether A and B were saturated</source>
+        <translation>An A minus B ist nicht zu erkennen, ob A und B gesättigt waren</translation>
+    </message>
+    <message>
+        <source>Samples of this kind have no end of their range</source>
+        <translation>Werte dieser Art haben keinen Höchstwert</translation>
+    </message>
+    <message>
+        <source>A computed picture does not tell; the picture of the camera does</source>
+        <translation>An einem berechneten Bild ist es nicht zu erkennen, aber am Bild der Kamera</translation>
     </message>
 </context>
 <context>

@@ -2,16 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
-    <name>PictureText</name>
-    <message numerus="yes">
-        <source>%n channel(s)</source>
-        <translation>
-            <numerusform>%n channel</numerusform>
-            <numerusform>%n channels</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
     <name>CkQualityPanel</name>
     <message numerus="yes">
         <source>%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)</source>
@@ -92,6 +82,16 @@
         <translation>
             <numerusform>Only %1 of %n frame came.</numerusform>
             <numerusform>Only %1 of %n frames came.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>PictureText</name>
+    <message numerus="yes">
+        <source>%n channel(s)</source>
+        <translation>
+            <numerusform>%n channel</numerusform>
+            <numerusform>%n channels</numerusform>
         </translation>
     </message>
 </context>

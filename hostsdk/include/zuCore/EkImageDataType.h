@@ -56,3 +56,13 @@ constexpr quint32 sampleBytes(EkImageDataType dataType) {
         return 1;
     }
 }
+
+constexpr bool isFloatType(EkImageDataType dataType) {
+    return dataType == EkImageDataType::Float32 || dataType == EkImageDataType::Float64;
+}
+
+/// Whether samples are signed integers.
+constexpr bool isSignedIntegerType(EkImageDataType dataType) {
+    return dataType == EkImageDataType::Int8 || dataType == EkImageDataType::Int16 ||
+           dataType == EkImageDataType::Int32 || dataType == EkImageDataType::Int64;
+}

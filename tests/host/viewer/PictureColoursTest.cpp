@@ -37,13 +37,13 @@ TYPED_TEST(EverySampleType, WindowSpreadsOverTheColours) {
                                     [](quint32 x, quint32, quint32 c) { return c == 1 ? T(10 * x) : T(99); });
     ASSERT_TRUE(frame);
     QImage image;
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, greys(101), {0.0, 100.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, {greys(101), {0.0, 100.0}, false}, image));
     ASSERT_EQ(image.size(), QSize(11, 3));
     for (int x = 0; x < 11; ++x) {
         EXPECT_EQ(level(image, x, 2), 10 * x);
     }
     // Outside of a narrower window the end colours stand.
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, greys(101), {40.0, 60.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, {greys(101), {40.0, 60.0}, false}, image));
     EXPECT_EQ(level(image, 0, 0), 0);
     EXPECT_EQ(level(image, 5, 0), 50);
     EXPECT_EQ(level(image, 10, 0), 100);
@@ -80,7 +80,8 @@ TEST(DisplayTable, NegativeSamplesHaveTheirPlace) {
         makeFrame<qint16>(EkImageDataType::Int16, 3, 1, 1, 16,
                           [](quint32 x, quint32, quint32) { return qint16(int(x) * 100 - 100); });
     QImage image;
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(201), {-100.0, 100.0}, false, image));
+    ASSERT_TRUE(
+        PictureColours::colourChannel(frame->picBuf(), 0, {greys(201), {-100.0, 100.0}, false}, image));
     EXPECT_EQ(level(image, 0, 0), 0);
     EXPECT_EQ(level(image, 1, 0), 100);
     EXPECT_EQ(level(image, 2, 0), 200);
@@ -93,7 +94,7 @@ TEST(DisplayTable, ValuesThatAreNotFiniteAreBlack) {
                                         [&](quint32 x, quint32, quint32) { return values[x]; });
     QList<QRgb> colours = {qRgb(10, 20, 30), qRgb(200, 100, 50)};
     QImage image;
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, colours, {1.0, 2.0}, true, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, {colours, {1.0, 2.0}, true}, image));
     for (int x = 0; x < 3; ++x) {
         EXPECT_EQ(image.pixel(x, 0), PictureColours::kInvalid) << x;
     }
@@ -116,7 +117,7 @@ TEST(DisplayTable, PictureWithoutAnyFiniteValueIsBlackAndHasNoRange) {
     EXPECT_EQ(statistics.minimum, 0.0);
     EXPECT_EQ(statistics.maximum, 0.0);
     QImage image;
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(2), {0.0, 0.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, {greys(2), {0.0, 0.0}, false}, image));
     EXPECT_EQ(image.pixel(3, 3), PictureColours::kInvalid);
 }
 
@@ -129,8 +130,8 @@ TEST(DisplayTable, HugeFloatsOfBothSignsAreCountedWithoutHarm) {
     ASSERT_TRUE(computeStatistics(frame->picBuf(), 0, statistics));
     EXPECT_EQ(statistics.finite, 2U);
     QImage image;
-    EXPECT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(2),
-                                              {statistics.minimum, statistics.maximum}, false, image));
+    EXPECT_TRUE(PictureColours::colourChannel(
+        frame->picBuf(), 0, {greys(2), {statistics.minimum, statistics.maximum}, false}, image));
 }
 
 TEST(DisplayTable, SaturatedSamplesAreRedOnRequest) {
@@ -139,11 +140,11 @@ TEST(DisplayTable, SaturatedSamplesAreRedOnRequest) {
             return quint16(x == 0 ? 4094 : x == 1 ? 4095 : 5000);
         });
     QImage image;
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, true, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, {greys(256), {0.0, 4095.0}, true}, image));
     EXPECT_NE(image.pixel(0, 0), PictureColours::kSaturated);
     EXPECT_EQ(image.pixel(1, 0), PictureColours::kSaturated);
     EXPECT_EQ(image.pixel(2, 0), PictureColours::kSaturated);
-    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, greys(256), {0.0, 4095.0}, false, image));
+    ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 0, {greys(256), {0.0, 4095.0}, false}, image));
     EXPECT_EQ(level(image, 2, 0), 255);
 }
 
@@ -164,17 +165,17 @@ TEST(DisplayTable, RangesFollowTypeAndBits) {
 
 TEST(DisplayTable, RefusesWhatCannotBeShown) {
     QImage image;
-    EXPECT_FALSE(PictureColours::colourChannel(SkPicBuf(), 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(SkPicBuf(), 0, {greys(2), {0, 1}, false}, image));
     const auto frame = makeFrame<quint8>(EkImageDataType::UInt8, 2, 2, 1, 8,
                                          [](quint32, quint32, quint32) { return quint8(1); });
-    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 1, greys(2), {0, 1}, false, image));
-    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 0, {}, {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 1, {greys(2), {0, 1}, false}, image));
+    EXPECT_FALSE(PictureColours::colourChannel(frame->picBuf(), 0, {{}, {0, 1}, false}, image));
     SkPicBuf other = frame->picBuf();
     other.dataType = EkImageDataType(77);
-    EXPECT_FALSE(PictureColours::colourChannel(other, 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(other, 0, {greys(2), {0, 1}, false}, image));
     other = frame->picBuf();
     other.lineSize = 1;
-    EXPECT_FALSE(PictureColours::colourChannel(other, 0, greys(2), {0, 1}, false, image));
+    EXPECT_FALSE(PictureColours::colourChannel(other, 0, {greys(2), {0, 1}, false}, image));
     SkPictureStatistics statistics;
     EXPECT_FALSE(computeStatistics(other, 0, statistics));
     EXPECT_TRUE(image.isNull());

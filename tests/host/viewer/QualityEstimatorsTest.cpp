@@ -1,5 +1,6 @@
 #include "host/viewer/panels/quality/CkQualityHistory.h"
 #include "host/viewer/panels/quality/CkQualityMeter.h"
+#include "host/viewer/panels/quality/QualityQuantities.h"
 #include "tests/host/viewer/ViewerPictures.h"
 #include "tests/support/LocaleScope.h"
 
@@ -282,19 +283,19 @@ TEST(QualityHistory, TableHoldsOneLineAFrame) {
               "plane_rms_mm,saturation_known\n"
               "7,2,mm,1234.5,0.25,,0.75,,,,1\n"
               "8,2,mm,1234.5,0.25,,0.75,,,,0\n");
-    EXPECT_TRUE(CkQualityHistory::text(values).startsWith(QStringLiteral("Mean\t1234.5 mm\n")));
-    EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Valid pixels\t75.00 %\n")));
-    EXPECT_TRUE(CkQualityHistory::text(values).contains(QStringLiteral("Tilt\t\u2013\n")));
+    EXPECT_TRUE(QualityQuantities::text(values).startsWith(QStringLiteral("Mean\t1234.5 mm\n")));
+    EXPECT_TRUE(QualityQuantities::text(values).contains(QStringLiteral("Valid pixels\t75.00 %\n")));
+    EXPECT_TRUE(QualityQuantities::text(values).contains(QStringLiteral("Tilt\t\u2013\n")));
     {
         // People read them as they write them; programs read the table.
         const LocaleScope german{QLocale(QLocale::German)};
-        EXPECT_EQ(CkQualityHistory::number(1234.5, QStringLiteral("mm")), QStringLiteral("1234,5 mm"));
+        EXPECT_EQ(QualityQuantities::number(1234.5, QStringLiteral("mm")), QStringLiteral("1234,5 mm"));
         EXPECT_TRUE(history.csv(QString(), QRect()).contains("7,2,mm,1234.5,0.25"));
     }
-    for (size_t i = 0; i < CkQualityHistory::kMost + 5; ++i) {
+    for (size_t i = 0; i < CkQualityHistory::kMaximumFrames + 5; ++i) {
         values.frameNumber = i;
         history.add(values);
     }
-    EXPECT_EQ(history.values().size(), CkQualityHistory::kMost);
-    EXPECT_EQ(history.values().back().frameNumber, CkQualityHistory::kMost + 4);
+    EXPECT_EQ(history.values().size(), CkQualityHistory::kMaximumFrames);
+    EXPECT_EQ(history.values().back().frameNumber, CkQualityHistory::kMaximumFrames + 4);
 }

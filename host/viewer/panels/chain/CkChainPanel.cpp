@@ -2,6 +2,7 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/panels/chain/ChainEditor.h"
+#include "host/viewer/panels/chain/CkBlockDialogs.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
@@ -10,13 +11,10 @@
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QAction>
-#include <QDialog>
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
-#include <QTextBrowser>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -26,6 +24,7 @@ constexpr int kCounterMs = 500;
 
 CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
     setObjectName(QStringLiteral("chainPanel"));
+    m_pDialogs = new CkBlockDialogs(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     m_pTitle = new QLabel(this);
@@ -33,51 +32,14 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
     layout->addWidget(m_pTitle);
     m_pTree = new CkChainTree(this);
     layout->addWidget(m_pTree, 1);
+    createActions();
+    createButtons(layout);
 
-    m_pAddMenu = new QMenu(tr("&Add Block"), this);
-    m_pAddMenu->setObjectName(QStringLiteral("menuAddBlock"));
-    m_pAddMenu->setToolTipsVisible(true);
-    m_pAddButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
-    m_pAddButton->setMenu(m_pAddMenu);
-    m_pAddButton->setPopupMode(QToolButton::InstantPopup);
-    m_pConfigureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
-    m_pConfigureAction->setIconText(tr("Configure..."));
-    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_B);
-    m_pToggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
-    m_pToggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
-    m_pRemoveAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);
-    m_pRemoveAction->setIconText(tr("Remove"));
-    m_pRemoveAction->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
-    m_pHelpAction = addAction(tr("&Help for Block"), this, &CkChainPanel::helpSelected);
-    m_pHelpAction->setIconText(tr("Help"));
-    m_pHelpAction->setShortcut(Qt::CTRL | Qt::Key_F1);
-    QToolButton* configure = addButtonFor(m_pConfigureAction, QStringLiteral("btnConfigureBlock"));
-    QToolButton* toggle = addButtonFor(m_pToggleAction, QStringLiteral("btnToggleBlock"));
-    QToolButton* remove = addButtonFor(m_pRemoveAction, QStringLiteral("btnRemoveBlock"));
-    QToolButton* help = addButtonFor(m_pHelpAction, QStringLiteral("btnHelpBlock"));
-    m_pSaveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
-    QToolButton* load = addButton(tr("Open..."), QStringLiteral("btnLoadChain"));
-    load->setToolTip(tr("Open a chain file with views on its ends (Ctrl+O)"));
-    auto* first = new QHBoxLayout;
-    first->addWidget(m_pAddButton);
-    first->addWidget(configure);
-    first->addWidget(toggle);
-    first->addWidget(remove);
-    first->addStretch();
-    auto* second = new QHBoxLayout;
-    second->addWidget(help);
-    second->addStretch();
-    second->addWidget(load);
-    second->addWidget(m_pSaveButton);
-    layout->addLayout(first);
-    layout->addLayout(second);
-
-    connect(m_pSaveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
-    connect(load, &QToolButton::clicked, this, &CkChainPanel::loadRequested);
     connect(m_pAddMenu, &QMenu::aboutToShow, this, &CkChainPanel::fillAddMenu);
     connect(m_pTree, &QTreeWidget::itemSelectionChanged, this, &CkChainPanel::updateButtons);
     connect(m_pTree, &QTreeWidget::currentItemChanged, this, &CkChainPanel::updateButtons);
     connect(m_pTree, &QTreeWidget::itemDoubleClicked, this, &CkChainPanel::configureSelected);
+    connect(m_pDialogs, &CkBlockDialogs::closed, m_pTree, &CkChainTree::refreshCounters);
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkChainPanel::refresh);
     m_counters.setInterval(kCounterMs);
     connect(&m_counters, &QTimer::timeout, this, [this] {
@@ -92,11 +54,49 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
 }
 
 CkChainPanel::~CkChainPanel() {
-    // A configuration widget must not outlive the block it configures, nor be left behind by the panel.
-    const QList<QPointer<QDialog>> dialogs = m_dialogs.values();
-    for (const QPointer<QDialog>& dialog : dialogs) {
-        delete dialog;
-    }
+    // While the tree still exists, which is refreshed when a dialog closes.
+    delete m_pDialogs;
+}
+
+void CkChainPanel::createActions() {
+    m_pAddMenu = new QMenu(tr("&Add Block"), this);
+    m_pAddMenu->setObjectName(QStringLiteral("menuAddBlock"));
+    m_pAddMenu->setToolTipsVisible(true);
+    m_pConfigureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
+    m_pConfigureAction->setIconText(tr("Configure..."));
+    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_B);
+    m_pToggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
+    m_pToggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
+    m_pRemoveAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);
+    m_pRemoveAction->setIconText(tr("Remove"));
+    m_pRemoveAction->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    m_pHelpAction = addAction(tr("&Help for Block"), this, &CkChainPanel::helpSelected);
+    m_pHelpAction->setIconText(tr("Help"));
+    m_pHelpAction->setShortcut(Qt::CTRL | Qt::Key_F1);
+}
+
+void CkChainPanel::createButtons(QVBoxLayout* pLayout) {
+    m_pAddButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
+    m_pAddButton->setMenu(m_pAddMenu);
+    m_pAddButton->setPopupMode(QToolButton::InstantPopup);
+    auto* first = new QHBoxLayout;
+    first->addWidget(m_pAddButton);
+    first->addWidget(addButtonFor(m_pConfigureAction, QStringLiteral("btnConfigureBlock")));
+    first->addWidget(addButtonFor(m_pToggleAction, QStringLiteral("btnToggleBlock")));
+    first->addWidget(addButtonFor(m_pRemoveAction, QStringLiteral("btnRemoveBlock")));
+    first->addStretch();
+    auto* second = new QHBoxLayout;
+    second->addWidget(addButtonFor(m_pHelpAction, QStringLiteral("btnHelpBlock")));
+    second->addStretch();
+    m_pSaveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
+    QToolButton* load = addButton(tr("Open..."), QStringLiteral("btnLoadChain"));
+    load->setToolTip(tr("Open a chain file with views on its ends (Ctrl+O)"));
+    second->addWidget(load);
+    second->addWidget(m_pSaveButton);
+    pLayout->addLayout(first);
+    pLayout->addLayout(second);
+    connect(m_pSaveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
+    connect(load, &QToolButton::clicked, this, &CkChainPanel::loadRequested);
 }
 
 QToolButton* CkChainPanel::addButton(const QString& sText, const QString& sName) {
@@ -136,7 +136,7 @@ void CkChainPanel::refresh() {
     updateButtons();
 }
 
-// Titles of blocks change with their settings.
+// Called again and again: the titles of blocks change with their settings.
 void CkChainPanel::showTitle() {
     const CkChain* const chain = m_pTree->chain();
     const QString title = chain != nullptr ? chain->chainTitle(m_view ? m_view->dataProvider() : nullptr)
@@ -231,33 +231,9 @@ void CkChainPanel::configureSelected() {
     if (block == nullptr) {
         return;
     }
-    if (QDialog* open = m_dialogs.value(block)) {
-        open->raise();
-        open->activateWindow();
-        return;
-    }
-    QWidget* settings = block->configurationWidget();
-    if (settings == nullptr) {
+    if (!m_pDialogs->configure(block)) {
         showProblem(tr("\"%1\" has nothing to configure.").arg(block->title()));
-        return;
     }
-    auto* dialog = new QDialog(window());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setObjectName(QStringLiteral("configureBlockDialog"));
-    dialog->setWindowTitle(settings->windowTitle().isEmpty() ? block->title() : settings->windowTitle());
-    auto* layout = new QVBoxLayout(dialog);
-    layout->addWidget(settings, 1);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);
-    layout->addWidget(buttons);
-    connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
-    connect(dialog, &QObject::destroyed, this, [this] {
-        m_dialogs.removeIf([](const auto& entry) { return entry.value().isNull(); });
-        m_pTree->refreshCounters();
-    });
-    // Gone before the block is, so that its widget never sees a block that is half gone.
-    connect(block, &QObject::destroyed, dialog, [dialog] { delete dialog; });
-    m_dialogs.insert(block, dialog);
-    dialog->show();
 }
 
 void CkChainPanel::removeSelected() {
@@ -265,7 +241,7 @@ void CkChainPanel::removeSelected() {
     if (block == nullptr) {
         return;
     }
-    delete m_dialogs.take(block);
+    m_pDialogs->close(block);
     QString error;
     if (!ChainEditor::remove(block, error)) {
         showProblem(error);
@@ -275,25 +251,9 @@ void CkChainPanel::removeSelected() {
 
 void CkChainPanel::helpSelected() {
     CkChainable* block = m_pTree->selectedBlock();
-    if (block == nullptr || !block->hasHelp()) {
-        return;
+    if (block != nullptr && block->hasHelp()) {
+        m_pDialogs->help(block);
     }
-    QString text;
-    block->help(text);
-    auto* dialog = new QDialog(window());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setObjectName(QStringLiteral("blockHelpDialog"));
-    dialog->setWindowTitle(tr("Help: %1").arg(block->title()));
-    dialog->resize(520, 320);
-    auto* layout = new QVBoxLayout(dialog);
-    auto* browser = new QTextBrowser(dialog);
-    browser->setOpenExternalLinks(true);
-    browser->setHtml(text);
-    layout->addWidget(browser, 1);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);
-    connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
-    layout->addWidget(buttons);
-    dialog->show();
 }
 
 void CkChainPanel::toggleSelected() {
@@ -306,7 +266,7 @@ void CkChainPanel::toggleSelected() {
 }
 
 void CkChainPanel::showProblem(const QString& sText) {
-    // Not modal: frames go on, and whoever drives the panel goes on too.
+    // Not modal: frames keep coming, and the caller must not be held up.
     auto* box =
         new QMessageBox(QMessageBox::Warning, tr("Processing Chain"), sText, QMessageBox::Ok, window());
     box->setObjectName(QStringLiteral("chainProblemBox"));

@@ -2,22 +2,22 @@
 
 #include "zuCore/CkChainable.h"
 
-#include <QHash>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
+class CkBlockDialogs;
 class CkChainTree;
 class CkMdiView;
 class CkViewArea;
 class QAction;
-class QDialog;
 class QLabel;
 class QMenu;
 class QToolButton;
+class QVBoxLayout;
 
-/// The chain behind the active view: its blocks with states, errors and counters; adding, configuring,
-/// switching, removing and explaining them; saving the chain and opening another. User-interface thread.
+/// The chain of the active view: its blocks with states, errors and counters; adding, configuring, switching,
+/// removing and explaining them; saving the chain and opening another. User-interface thread.
 class CkChainPanel : public QWidget {
     Q_OBJECT
 
@@ -30,8 +30,9 @@ public:
     /// What the panel's buttons do, for a menu: configure, switch, remove, explain the selected block.
     QList<QAction*> blockActions() const;
 
-    /// Puts a new block of a class behind the selected block (or the view's one), or beside what follows
-    /// there, with a picture view of its own. Null, after telling the user why, when that cannot be.
+    /// Inserts a new block of a registered class after the selected one (after the active view's block when
+    /// none is selected); with bBranch as a branch of its own, with a picture view. Null, after a message box
+    /// with the reason, when that is not possible.
     CkChainable* addBlock(const QString& sUniqueId, bool bBranch);
 
 public slots:
@@ -45,10 +46,12 @@ public slots:
 signals:
     void saveRequested();
     void loadRequested();
-    /// A picture view on a block is wanted.
+    /// A branch was added: a picture view on its block is to be opened.
     void viewRequested(CkChainable* pBlock);
 
 private:
+    void createActions();
+    void createButtons(QVBoxLayout* pLayout);
     QToolButton* addButton(const QString& sText, const QString& sName);
     QToolButton* addButtonFor(QAction* pAction, const QString& sName);
     void fillAddMenu();
@@ -57,16 +60,16 @@ private:
     void showProblem(const QString& sText);
 
     CkViewArea* m_pArea;
-    CkChainTree* m_pTree;
-    QLabel* m_pTitle;
-    QMenu* m_pAddMenu;
-    QToolButton* m_pAddButton;
-    QAction* m_pConfigureAction;
-    QAction* m_pToggleAction;
-    QAction* m_pRemoveAction;
-    QAction* m_pHelpAction;
-    QToolButton* m_pSaveButton;
-    QTimer m_counters;
+    CkChainTree* m_pTree = nullptr;
+    CkBlockDialogs* m_pDialogs = nullptr;
+    QLabel* m_pTitle = nullptr;
+    QMenu* m_pAddMenu = nullptr;
+    QToolButton* m_pAddButton = nullptr;
+    QAction* m_pConfigureAction = nullptr;
+    QAction* m_pToggleAction = nullptr;
+    QAction* m_pRemoveAction = nullptr;
+    QAction* m_pHelpAction = nullptr;
+    QToolButton* m_pSaveButton = nullptr;
+    QTimer m_counters; ///< refreshes what the tree and the buttons show
     QPointer<CkMdiView> m_view;
-    QHash<const CkChainable*, QPointer<QDialog>> m_dialogs;
 };

@@ -228,8 +228,7 @@ void CkLutPanel::clearWindow() {
 
 void CkLutPanel::showWindow() {
     const SkPicBuf& picture = m_imageView->currentImage()->picBuf();
-    const bool isFloat =
-        picture.dataType == EkImageDataType::Float32 || picture.dataType == EkImageDataType::Float64;
+    const bool isFloat = isFloatType(picture.dataType);
     const SkDisplayWindow window = m_imageView->window();
     const SkPictureStatistics& statistics = m_imageView->statistics();
     const double range = std::max(window.high - window.low, 1e-9);

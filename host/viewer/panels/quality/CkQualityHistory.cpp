@@ -1,7 +1,6 @@
 #include "host/viewer/panels/quality/CkQualityHistory.h"
 
-#include "host/viewer/picture/PictureText.h"
-
+#include <QSaveFile>
 #include <QStringList>
 
 #include <cmath>
@@ -16,7 +15,7 @@ QString cell(double value) {
 
 void CkQualityHistory::add(const SkQualityValues& values) {
     m_values.push_back(values);
-    if (m_values.size() > kMost) {
+    if (m_values.size() > kMaximumFrames) {
         m_values.pop_front();
     }
 }
@@ -47,26 +46,13 @@ QByteArray CkQualityHistory::csv(const QString& sView, const QRect& region) cons
     return text.toUtf8();
 }
 
-QString CkQualityHistory::number(double fValue, const QString& sUnit) {
-    if (!std::isfinite(fValue)) {
-        return QStringLiteral("\u2013");
+bool CkQualityHistory::saveCsv(const QString& sFileName, const QString& sView, const QRect& region,
+                               QString& sError) const {
+    const QByteArray text = csv(sView, region);
+    QSaveFile file(sFileName);
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
+        return true;
     }
-    const double size = std::abs(fValue);
-    const int decimals = size >= 10000.0 ? 0 : size >= 1000.0 ? 1 : size >= 10.0 ? 2 : 3;
-    const QString number = PictureText::locale().toString(fValue, 'f', decimals);
-    return sUnit.isEmpty() ? number : number + QLatin1Char(' ') + sUnit;
-}
-
-QString CkQualityHistory::text(const SkQualityValues& values) {
-    const auto line = [](const QString& sName, const QString& sValue) {
-        return sName + QLatin1Char('\t') + sValue + QLatin1Char('\n');
-    };
-    const QString mm = QStringLiteral("mm");
-    return line(tr("Mean"), number(values.mean, values.unit)) +
-           line(tr("Std. dev. over the region"), number(values.spatialStd, values.unit)) +
-           line(tr("Std. dev. over time"), number(values.temporalStd, values.unit)) +
-           line(tr("Valid pixels"), number(100.0 * values.validShare, QStringLiteral("%"))) +
-           line(tr("Tilt"), number(values.tiltDegrees, QStringLiteral("\u00b0"))) +
-           line(tr("Flatness"), number(values.flatness, mm)) +
-           line(tr("RMS from the plane"), number(values.planeRms, mm));
+    sError = tr("%1 cannot be written: %2.").arg(sFileName, file.errorString());
+    return false;
 }

@@ -13,21 +13,19 @@ class CkQualityHistory {
     Q_DECLARE_TR_FUNCTIONS(CkQualityHistory)
 
 public:
-    static constexpr size_t kMost = 3000; ///< frames kept
+    static constexpr size_t kMaximumFrames = 3000;
 
     void add(const SkQualityValues& values);
     void clear() { m_values.clear(); }
     const std::deque<SkQualityValues>& values() const { return m_values; }
 
-    /// One line a frame below one line of names that hold the unit; a point as decimal sign, nothing for what
-    /// is not known.
+    /// A comment line, a line of column names with units, then one line a frame; decimal points, an empty
+    /// cell for a value that is not known.
     QByteArray csv(const QString& sView, const QRect& region) const;
 
-    /// The newest values for people: name, tabulator, value with unit.
-    static QString text(const SkQualityValues& values);
-
-    /// A value with its unit; a dash for what is not known.
-    static QString number(double fValue, const QString& sUnit);
+    /// Writes csv() to a file. False, with sError set and an existing file unchanged, when it cannot be
+    /// written.
+    bool saveCsv(const QString& sFileName, const QString& sView, const QRect& region, QString& sError) const;
 
 private:
     std::deque<SkQualityValues> m_values;

@@ -1,63 +1,72 @@
 #include "host/viewer/panels/quality/CkQualityPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/panels/quality/CkQualityPlot.h"
+#include "host/viewer/base/SaveFileName.h"
+#include "host/viewer/base/pluralNumber.h"
+#include "host/viewer/panels/quality/CkQualityControls.h"
 #include "host/viewer/panels/quality/CkRegionOverlay.h"
+#include "host/viewer/panels/quality/QualityQuantities.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
+#include "zuCore/ToFVocabulary.h"
+#include "zuCoreGui/IkAppDelegate.h"
 
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QSaveFile>
-#include <QToolButton>
+#include <QAction>
+#include <QClipboard>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QVBoxLayout>
 #include <algorithm>
 
 namespace {
 
 constexpr int kShowMs = 200;
 
-double quantity(const SkQualityValues& values, int index) {
-    switch (index) {
-    case 0:
-        return values.mean;
-    case 1:
-        return values.spatialStd;
-    case 2:
-        return values.temporalStd;
-    case 3:
-        return 100.0 * values.validShare;
-    case 4:
-        return values.tiltDegrees;
-    case 5:
-        return values.flatness;
-    default:
-        return values.planeRms;
-    }
-}
-
-QString unitOf(const SkQualityValues& values, int index) {
-    return index <= 2   ? values.unit
-           : index == 3 ? QStringLiteral("%")
-           : index == 4 ? QStringLiteral("\u00b0")
-                        : QStringLiteral("mm");
-}
-
 const CkChain* chainOf(const CkMdiView* view) {
     const CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
     return block != nullptr ? block->chain() : nullptr;
+}
+
+// The picture view that a view is measured in: itself, the one it follows, or one of its chain; or null.
+CkImageView* pictureViewFor(CkMdiView* view, const CkViewArea& area) {
+    if (auto* image = qobject_cast<CkImageView*>(view)) {
+        return image;
+    }
+    if (auto* connected =
+            view != nullptr ? qobject_cast<CkImageView*>(area.view(view->connectedViewId())) : nullptr) {
+        return connected;
+    }
+    const CkChain* const chain = chainOf(view);
+    CkImageView* found = nullptr;
+    for (CkMdiView* candidate : area.views()) {
+        auto* const image = qobject_cast<CkImageView*>(candidate);
+        if (image == nullptr || chain == nullptr || chainOf(image) != chain) {
+            continue;
+        }
+        // Distances are what a cloud is made from; without them any picture of the chain will do.
+        const CkImageData* const frame = image->currentImage();
+        const QString first = frame != nullptr ? frame->metadata().channelNames.value(0) : QString();
+        if (first == ToFChannel::kDepth || first == ToFChannel::kPhaseShift) {
+            return image;
+        }
+        found = found == nullptr ? image : found;
+    }
+    return found;
 }
 
 } // namespace
 
 CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
     setObjectName(QStringLiteral("qualityPanel"));
-    createControls();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_pControls = new CkQualityControls(this);
+    layout->addWidget(m_pControls);
+    createActions();
     m_delay.setSingleShot(true);
     m_delay.setInterval(kShowMs);
     connect(&m_delay, &QTimer::timeout, this, &CkQualityPanel::showNumbers);
@@ -72,18 +81,17 @@ CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pP
         m_kept.erase(iViewId);
         follow();
     });
-    connect(m_pDraw, &QToolButton::toggled, this, [this](bool bOn) {
+    connect(m_pControls, &CkQualityControls::drawToggled, this, [this](bool bOn) {
+        m_pDrawAction->setChecked(bOn);
         if (m_overlay) {
             m_overlay->setDrawing(bOn);
         }
     });
-    connect(m_pRestart, &QPushButton::clicked, this, &CkQualityPanel::restart);
-    connect(m_pCopy, &QPushButton::clicked, this, &CkQualityPanel::copy);
-    connect(m_pSave, &QPushButton::clicked, this, &CkQualityPanel::saveWithDialog);
-    connect(m_pQuantity, &QComboBox::currentIndexChanged, this, &CkQualityPanel::showNumbers);
-    for (QDoubleSpinBox* number : {m_pFocalLength, m_pCellSize, m_pConfidence}) {
-        connect(number, &QDoubleSpinBox::valueChanged, this, &CkQualityPanel::applySettings);
-    }
+    connect(m_pControls, &CkQualityControls::restartRequested, this, &CkQualityPanel::restart);
+    connect(m_pControls, &CkQualityControls::copyRequested, this, &CkQualityPanel::copy);
+    connect(m_pControls, &CkQualityControls::saveRequested, this, &CkQualityPanel::saveWithDialog);
+    connect(m_pControls, &CkQualityControls::quantityChosen, this, &CkQualityPanel::showNumbers);
+    connect(m_pControls, &CkQualityControls::settingsChanged, this, &CkQualityPanel::applySettings);
     showNumbers();
 }
 
@@ -91,9 +99,50 @@ CkQualityPanel::~CkQualityPanel() {
     release();
 }
 
+QAction* CkQualityPanel::addMenuAction(const QString& sText, const char* name, const QKeySequence& key) {
+    auto* action = new QAction(sText, this);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(key);
+    m_actions.append(action);
+    return action;
+}
+
+void CkQualityPanel::createActions() {
+    m_pDrawAction = addMenuAction(tr("&Draw Region"), "actQualityDraw", Qt::CTRL | Qt::Key_M);
+    m_pDrawAction->setCheckable(true);
+    connect(m_pDrawAction, &QAction::triggered, this, [this](bool bOn) {
+        if (bOn && !isSeen()) {
+            emit sightWanted();
+        }
+        m_pControls->setDrawsRegion(bOn);
+    });
+    connect(addMenuAction(tr("R&estart Measurement"), "actQualityRestart", Qt::CTRL | Qt::SHIFT | Qt::Key_N),
+            &QAction::triggered, this, &CkQualityPanel::restart);
+    connect(addMenuAction(tr("&Copy Values"), "actQualityCopy", Qt::CTRL | Qt::SHIFT | Qt::Key_C),
+            &QAction::triggered, this, &CkQualityPanel::copy);
+    connect(addMenuAction(tr("Save &Values..."), "actQualitySave", Qt::CTRL | Qt::SHIFT | Qt::Key_S),
+            &QAction::triggered, this, &CkQualityPanel::saveWithDialog);
+}
+
+void CkQualityPanel::allowMeasuring(bool bOn, const QString& sWhy) {
+    for (QAction* action : m_actions) {
+        if (action != m_pDrawAction) {
+            action->setEnabled(bOn);
+            action->setToolTip(bOn ? QString() : sWhy);
+        }
+    }
+}
+
 void CkQualityPanel::showEvent(QShowEvent* pEvent) {
     QWidget::showEvent(pEvent);
     follow();
+}
+
+void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
+    QWidget::hideEvent(pEvent);
+    release();
+    // Not updateControls(): when the window is being destroyed, the area may be gone.
+    allowMeasuring(false, tr("The panel Quality is not in sight"));
 }
 
 void CkQualityPanel::setInSight(bool bInSight) {
@@ -101,51 +150,8 @@ void CkQualityPanel::setInSight(bool bInSight) {
     follow();
 }
 
-void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
-    QWidget::hideEvent(pEvent);
-    release();
-    // Not with the area's help: this may be the end of the window.
-    allowMeasuring(false, tr("The panel Quality is not in sight"));
-}
-
-CkImageView* CkQualityPanel::sourceFor(CkMdiView* pView) const {
-    if (auto* image = qobject_cast<CkImageView*>(pView)) {
-        return image;
-    }
-    if (auto* connected = pView != nullptr
-                              ? qobject_cast<CkImageView*>(m_pArea->view(pView->connectedViewId()))
-                              : nullptr) {
-        return connected;
-    }
-    const CkChain* const chain = chainOf(pView);
-    CkImageView* found = nullptr;
-    for (CkMdiView* view : m_pArea->views()) {
-        auto* const image = qobject_cast<CkImageView*>(view);
-        if (image == nullptr || chain == nullptr || chainOf(image) != chain) {
-            continue;
-        }
-        // Any picture of the chain will do, one with distances is what a cloud is made of.
-        const CkImageData* const frame = image->currentImage();
-        const QString first = frame != nullptr ? frame->metadata().channelNames.value(0) : QString();
-        if (first == QLatin1String("Depth") || first == QLatin1String("Phase shift")) {
-            return image;
-        }
-        found = found == nullptr ? image : found;
-    }
-    return found;
-}
-
-QString CkQualityPanel::regionKey() const {
-    const QSize size = m_source ? m_source->canvas()->pictureSize() : QSize();
-    const CkChain* const chain = chainOf(m_source);
-    const QString owner = chain != nullptr
-                              ? QStringLiteral("chain %1").arg(quintptr(chain))
-                              : QStringLiteral("view %1").arg(m_source ? m_source->viewId() : -1);
-    return QStringLiteral("%1, %2 x %3").arg(owner).arg(size.width()).arg(size.height());
-}
-
 void CkQualityPanel::follow() {
-    CkImageView* const source = isVisible() && m_bInSight ? sourceFor(m_pArea->activeView()) : nullptr;
+    CkImageView* const source = isSeen() ? pictureViewFor(m_pArea->activeView(), *m_pArea) : nullptr;
     if (source == m_source) {
         updateControls();
         return;
@@ -159,13 +165,12 @@ void CkQualityPanel::follow() {
         }
         applySettings();
         m_overlay = new CkRegionOverlay(m_source->canvas());
-        m_overlay->setDrawing(m_pDraw->isChecked());
+        m_overlay->setDrawing(m_pControls->drawsRegion());
         connect(m_overlay, &CkRegionOverlay::regionDrawn, this, &CkQualityPanel::setRegion);
         connect(m_source, &CkMdiView::frameShown, this,
                 [this](int, const CkImageData* pData) { measure(pData); });
         const CkImageData* const frame = m_source->currentImage();
-        if (frame != nullptr && (m_now.pixels != frame->picBuf().data ||
-                                 m_now.values.frameNumber != frame->metadata().frameNumber)) {
+        if (frame != nullptr && !m_now.isNewest(*frame)) {
             measure(frame);
         } else {
             showRegion();
@@ -174,141 +179,126 @@ void CkQualityPanel::follow() {
     showNumbers();
 }
 
-void CkQualityPanel::applySettings() {
-    m_now.meter.setLens({m_pFocalLength->value(), m_pCellSize->value()});
-    m_now.meter.setConfidenceLimit(float(m_pConfidence->value()));
-}
-
 void CkQualityPanel::release() {
     if (m_source) {
         disconnect(m_source, nullptr, this, nullptr);
         m_kept[m_source->viewId()] = std::move(m_now);
     }
     delete m_overlay;
-    m_watch.watch(nullptr);
+    m_saturation.watch(nullptr);
     m_source = nullptr;
-    m_now = SkMeasurement();
+    m_now = CkViewMeasurement();
     m_delay.stop();
+}
+
+void CkQualityPanel::applySettings() {
+    m_now.setSettings(m_pControls->lens(), m_pControls->confidenceLimit());
 }
 
 void CkQualityPanel::setRegion(const QRect& region) {
     if (!m_source) {
         return;
     }
-    m_regions.insert(regionKey(), region);
-    m_now.history.clear();
+    m_regions.setRegion(*m_source, region);
+    m_now.clearHistory();
     measure(m_source->currentImage());
     showNumbers();
 }
 
-void CkQualityPanel::chooseRegion(const QSize& size) {
-    const QString key = regionKey();
-    if (!m_regions.contains(key)) {
-        // Something to look at before a region is drawn: the middle.
-        const QSize part(std::max(1, size.width() / 4), std::max(1, size.height() / 4));
-        m_regions.insert(
-            key, QRect(QPoint((size.width() - part.width()) / 2, (size.height() - part.height()) / 2), part));
-    }
-    const QRect region = m_regions.value(key);
-    if (region != m_now.meter.region()) {
-        m_now.meter.setRegion(region);
-        m_now.history.clear();
-    }
-    showRegion();
-}
-
 void CkQualityPanel::showRegion() {
     if (m_overlay) {
-        m_overlay->setRegion(m_now.meter.region());
+        m_overlay->setRegion(m_now.region());
     }
-}
-
-bool CkQualityPanel::findSaturated(const CkImageData& frame, std::vector<bool>& saturated) {
-    using EkAnswer = CkSaturationMonitor::EkAnswer;
-    const SkPicBuf& picture = frame.picBuf();
-    const Saturation::EkEvidence evidence =
-        Saturation::evidence(picture, frame.metadata(), m_source->dataProvider());
-    m_now.saturationReason = Saturation::reason(evidence);
-    if (evidence != Saturation::EkEvidence::Computed) {
-        m_watch.watch(nullptr);
-        return true;
-    }
-    m_watch.watch(Saturation::soleSource(m_source->dataProvider()));
-    const QSize size(int(picture.width), int(picture.height));
-    const EkAnswer answer = m_watch.saturated(picture.additionalData.frameNumber, size,
-                                              m_now.meter.region() & QRect(QPoint(0, 0), size), saturated);
-    m_now.saturationReason = answer == EkAnswer::Known    ? QString()
-                             : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
-                             : answer == EkAnswer::Difference
-                                 ? Saturation::reason(Saturation::EkEvidence::Difference)
-                                 : tr("the camera's picture does not tell");
-    const bool had = !m_now.history.values().empty();
-    if (answer == EkAnswer::Missed && had && m_now.values.saturationKnown) {
-        m_now.saturationReason.clear(); // the next frame will be seen
-        return false;
-    }
-    if (answer == EkAnswer::Known && had && !m_now.values.saturationKnown) {
-        m_now.meter.restart();
-        m_now.history.clear();
-    }
-    return true;
 }
 
 void CkQualityPanel::measure(const CkImageData* pFrame) {
     if (!m_source || pFrame == nullptr || pFrame->picBuf().data == nullptr) {
         return;
     }
-    chooseRegion(QSize(int(pFrame->picBuf().width), int(pFrame->picBuf().height)));
-    std::vector<bool> saturated;
-    if (!findSaturated(*pFrame, saturated)) {
-        return;
-    }
-    const QString unit = m_now.values.unit;
-    if (m_now.meter.add(*pFrame, quint32(std::max(0, m_source->channel())), saturated, m_now.values)) {
-        m_now.values.saturationKnown = m_now.saturationReason.isEmpty();
-        // A curve has one unit and one spread over time.
-        if (m_now.values.unit != unit || m_now.values.frames == 1) {
-            m_now.history.clear();
-        }
-        m_now.history.add(m_now.values);
-    }
-    m_now.pixels = pFrame->picBuf().data;
-    if (!m_delay.isActive()) {
+    const QSize size(int(pFrame->picBuf().width), int(pFrame->picBuf().height));
+    m_now.setRegion(m_regions.region(*m_source, size));
+    showRegion();
+    const quint32 channel = quint32(std::max(0, m_source->channel()));
+    if (m_now.add(*pFrame, channel, m_source->dataProvider(), m_saturation) && !m_delay.isActive()) {
         m_delay.start();
     }
 }
 
 void CkQualityPanel::restart() {
-    m_now.meter.restart();
-    m_now.history.clear();
-    m_now.values = SkQualityValues();
+    m_now.restart();
     showNumbers();
 }
 
 void CkQualityPanel::showNumbers() {
-    const int count = int(m_numbers.size());
-    for (int i = 0; i < count; ++i) {
-        m_numbers[i]->setText(CkQualityHistory::number(quantity(m_now.values, i), unitOf(m_now.values, i)));
-    }
-    const int chosen = std::max(0, m_pQuantity->currentIndex());
-    const auto& history = m_now.history.values();
-    const size_t width = size_t(std::max(2, m_pPlot->width()));
-    const size_t first = history.size() > width ? history.size() - width : 0;
-    std::vector<double> curve;
-    for (size_t i = first; i < history.size(); ++i) {
-        curve.push_back(quantity(history[i], chosen));
-    }
-    m_pPlot->showValues(curve, unitOf(m_now.values, chosen));
+    m_pControls->showValues(m_now.values(), m_now.history());
     updateControls();
 }
 
-bool CkQualityPanel::saveHistory(const QString& sFileName, QString& sError) const {
-    const QByteArray text =
-        m_now.history.csv(m_source ? m_source->viewTitle().simplified() : QString(), m_now.meter.region());
-    QSaveFile file(sFileName);
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
-        return true;
+QString CkQualityPanel::stateText(const QString& sNothing) const {
+    if (!m_source || m_now.isEmpty()) {
+        return sNothing;
     }
-    sError = tr("%1 cannot be written: %2.").arg(sFileName, file.errorString());
-    return false;
+    const QRect& region = m_now.region();
+    QString text =
+        tr("%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)", nullptr,
+           pluralNumber(m_now.values().frames))
+            .arg(m_source->viewTitle().simplified(), QString::number(region.x()), QString::number(region.y()),
+                 QString::number(region.width()), QString::number(region.height()));
+    if (m_now.values().unit != QLatin1String("mm")) {
+        text += QLatin1Char('\n') + tr("No distances: no plane is fitted.");
+    }
+    if (!m_now.saturationReason().isEmpty()) {
+        text +=
+            QLatin1Char('\n') + tr("Saturated pixels may count as valid: %1.").arg(m_now.saturationReason());
+    }
+    return text;
+}
+
+void CkQualityPanel::updateControls() {
+    CkMdiView* const active = m_pArea->activeView();
+    const QString nothing = active == nullptr ? tr("No view is active")
+                            : !m_source ? tr("The active view shows no picture. Open a depth picture of its "
+                                             "chain to measure in it.")
+                                        : tr("There is no picture yet");
+    const CkImageData* const frame = m_source ? m_source->currentImage() : nullptr;
+    CkQualityControls::SkState state;
+    state.canDraw = m_source;
+    state.measures = m_source && !m_now.isEmpty();
+    state.text = stateText(nothing);
+    state.reason = nothing;
+    state.focalLengthMm = frame != nullptr ? double(frame->metadata().lensFocalLength) : 0.0;
+    m_pControls->showState(state);
+    const bool drawable = pictureViewFor(active, *m_pArea) != nullptr;
+    m_pDrawAction->setEnabled(drawable);
+    m_pDrawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
+                                       : nothing);
+    allowMeasuring(state.measures, isSeen() ? nothing : tr("The panel Quality is not in sight"));
+}
+
+void CkQualityPanel::copy() {
+    QGuiApplication::clipboard()->setText(QualityQuantities::text(m_now.values()));
+}
+
+bool CkQualityPanel::saveHistory(const QString& sFileName, QString& sError) const {
+    const QString view = m_source ? m_source->viewTitle().simplified() : QString();
+    return m_now.history().saveCsv(sFileName, view, m_now.region(), sError);
+}
+
+void CkQualityPanel::saveWithDialog() {
+    IkAppDelegate* delegate = IkAppDelegate::instance();
+    const QString folder = delegate != nullptr ? delegate->lastDirectory() : QString();
+    int form = 0;
+    const QPointer<CkQualityPanel> self(this);
+    const QString name =
+        askSaveFileName(this, tr("Save Values"), folder,
+                        {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}, form);
+    if (!self || name.isEmpty()) {
+        return;
+    }
+    QString error;
+    if (!saveHistory(name, error)) {
+        QMessageBox::warning(this, tr("Save Values"), error);
+    } else if (delegate != nullptr) {
+        delegate->setLastDirectory(QFileInfo(name).absolutePath());
+    }
 }

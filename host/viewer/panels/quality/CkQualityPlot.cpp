@@ -1,6 +1,6 @@
 #include "host/viewer/panels/quality/CkQualityPlot.h"
 
-#include "host/viewer/panels/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/QualityQuantities.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -37,8 +37,8 @@ void CkQualityPlot::paintEvent(QPaintEvent*) {
         return;
     }
     const int line = fontMetrics().height();
-    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, CkQualityHistory::number(high, m_sUnit));
-    painter.drawText(inside, Qt::AlignBottom | Qt::AlignLeft, CkQualityHistory::number(low, m_sUnit));
+    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, QualityQuantities::number(high, m_sUnit));
+    painter.drawText(inside, Qt::AlignBottom | Qt::AlignLeft, QualityQuantities::number(low, m_sUnit));
     painter.drawText(inside, Qt::AlignBottom | Qt::AlignRight,
                      tr("last %n frame(s)", nullptr, int(m_values.size())));
     const QRectF area = QRectF(inside).adjusted(0, line + 2, 0, -line - 2);

@@ -1,10 +1,11 @@
 #include "host/viewer/panels/quality/CkSaturationMonitor.h"
 
-#include "host/viewer/picture/CkSampleVisitor.h"
 #include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/SampleVisitor.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -13,17 +14,15 @@ namespace {
 
 // A computed picture reaches the screen some frames behind its source.
 constexpr size_t kKept = 8;
-constexpr quint32 kHybridArrangement = quint32(EkColorFilterArray::RawX3Hybrid);
-constexpr quint32 kReferenceMode = 3;
 
 bool isHybrid(const SkPicBufInfo& info) {
-    return quint32(info.colorFilterArray) == kHybridArrangement;
+    return info.colorFilterArray == EkColorFilterArray::RawX3Hybrid;
 }
 
 /// Position of a picture in a set of several that make one; 0 for a picture of its own.
 qint64 positionInSet(const SkPicBufInfo& info, const CkImageMetadata& metadata) {
     if (isHybrid(info)) {
-        const qint64 reference = metadata.sectionMode == kReferenceMode ? 1 : 0;
+        const qint64 reference = metadata.sectionMode == ToFSectionMode::kReferenceFirst ? 1 : 0;
         return std::max<qint64>(0, qint64(metadata.sectionIndex) - reference);
     }
     const bool separate =
@@ -36,7 +35,7 @@ CkSaturationMonitor::EkAnswer answerOf(const SkPicBuf& picture, const CkImageMet
         return CkSaturationMonitor::EkAnswer::Difference;
     }
     const bool readable =
-        visitSampleType(picture.dataType, [](auto type) { return std::is_unsigned_v<decltype(type)>; });
+        visitSamples(picture.dataType, [](auto type) { return std::is_unsigned_v<decltype(type)>; });
     return readable ? CkSaturationMonitor::EkAnswer::Known : CkSaturationMonitor::EkAnswer::Untold;
 }
 
@@ -107,7 +106,7 @@ void CkSaturationMonitor::add(const CkImageData& frame) {
     }
     if (set.answer == EkAnswer::Known && !(position > 0 && set.onlyTopCounts)) {
         set.pixels.resize(size_t(picture.width) * picture.height);
-        visitSampleType(picture.dataType, [&](auto type) {
+        visitSamples(picture.dataType, [&](auto type) {
             using T = decltype(type);
             if constexpr (std::is_unsigned_v<T>) {
                 markPixels<T>(picture, set.pixels);

@@ -1,7 +1,8 @@
 #include "host/viewer/panels/quality/RegionSamples.h"
 
-#include "host/viewer/picture/CkSampleVisitor.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/SampleVisitor.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <cmath>
 #include <limits>
@@ -10,13 +11,11 @@
 
 namespace {
 
-// Metres times megahertz in air: what the point cloud reckons with.
-constexpr double kLightSpeed = 299.70254;
 constexpr float kInvalid = std::numeric_limits<float>::quiet_NaN();
 
 /// Channel with confidences, or -1.
 int confidenceChannel(const SkPicBuf& picture, const CkImageMetadata& metadata) {
-    const qsizetype index = metadata.channelNames.indexOf(QLatin1String("Confidence"));
+    const qsizetype index = metadata.channelNames.indexOf(ToFChannel::kConfidence);
     return picture.dataType == EkImageDataType::Float32 && index < qsizetype(picture.channels) ? int(index)
                                                                                                : -1;
 }
@@ -71,20 +70,20 @@ bool readRegion(const SkPicBuf& picture, const CkImageMetadata& metadata, const 
         return false;
     }
     const QString name = metadata.channelNames.value(int(rule.channel));
-    const bool depth = name == QLatin1String("Depth");
-    const bool phase = name == QLatin1String("Phase shift");
+    const bool depth = name == ToFChannel::kDepth;
+    const bool phase = name == ToFChannel::kPhaseShift;
     const double frequency = double(metadata.modulationFrequency);
     double scale = 1.0;
     if (depth) {
         scale = 1000.0;
     } else if (phase && std::isfinite(frequency) && frequency > 0.0) {
-        samples.wrapMm = 1000.0 * kLightSpeed / (2.0 * frequency);
+        samples.wrapMm = 1000.0 * double(kSpeedOfLightInAirMMHz) / (2.0 * frequency);
         scale = samples.wrapMm / (2.0 * std::numbers::pi);
     }
     samples.distances = depth || samples.wrapMm > 0.0;
     samples.unit = samples.distances ? QStringLiteral("mm") : phase ? QStringLiteral("rad") : QString();
     samples.values.reserve(size_t(region.width()) * size_t(region.height()));
-    const bool read = visitSampleType(picture.dataType, [&](auto type) {
+    const bool read = visitSamples(picture.dataType, [&](auto type) {
         readValues<decltype(type)>(picture, region, rule.channel, scale, samples.values);
         return true;
     });

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+
+class CkChainable;
+class QDialog;
+class QWidget;
+
+/// The dialogs that the chain panel opens for single blocks: settings and help, none of them modal. A
+/// settings dialog is closed before its block is deleted, and when this object is. User-interface thread.
+class CkBlockDialogs : public QObject {
+    Q_OBJECT
+
+public:
+    /// pOwner: the widget in whose window the dialogs open.
+    explicit CkBlockDialogs(QWidget* pOwner);
+    ~CkBlockDialogs() override;
+
+    /// Opens a block's settings, or brings them forward. False for a block without any.
+    bool configure(CkChainable* pBlock);
+    /// Closes a block's settings.
+    void close(const CkChainable* pBlock);
+    /// Shows the help of a block that has one.
+    void help(CkChainable* pBlock);
+
+signals:
+    /// A settings dialog was closed.
+    void closed();
+
+private:
+    QWidget* m_pOwner;
+    QHash<const CkChainable*, QPointer<QDialog>> m_settings;
+};

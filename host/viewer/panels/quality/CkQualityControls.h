@@ -1,0 +1,78 @@
+#pragma once
+
+#include "host/viewer/panels/quality/CkQualityMeter.h"
+
+#include <QWidget>
+
+class CkQualityHistory;
+class CkQualityPlot;
+class QComboBox;
+class QDoubleSpinBox;
+class QFormLayout;
+class QGridLayout;
+class QLabel;
+class QPushButton;
+class QToolButton;
+
+/// What the quality panel shows: its buttons, the values, the curve and the settings. Measures nothing
+/// itself. User-interface thread.
+class CkQualityControls : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CkQualityControls(QWidget* pParent = nullptr);
+
+    SkQualityLens lens() const;
+    /// Pixels of a higher confidence value are not valid.
+    float confidenceLimit() const;
+    bool drawsRegion() const;
+    void setDrawsRegion(bool bDraw);
+
+    /// The newest values, and the chosen one as a curve over the last frames.
+    void showValues(const SkQualityValues& values, const CkQualityHistory& history);
+
+    /// What the controls can do at the moment.
+    struct SkState {
+        bool canDraw = false;       ///< there is a picture to draw on
+        bool measures = false;      ///< there are values
+        QString text;               ///< what is measured, or why nothing is
+        QString reason;             ///< the tool tip of what cannot be done
+        double focalLengthMm = 0.0; ///< as the camera reports it; 0: it reports none
+    };
+    void showState(const SkState& state);
+
+signals:
+    void drawToggled(bool bOn);
+    void restartRequested();
+    void copyRequested();
+    void saveRequested();
+    /// Another quantity is to be plotted.
+    void quantityChosen();
+    /// The lens or the confidence limit was changed.
+    void settingsChanged();
+
+protected:
+    void resizeEvent(QResizeEvent* pEvent) override;
+
+private:
+    void createButtons();
+    void placeButtons();
+    QFormLayout* createValues();
+    QFormLayout* createSettings();
+    QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
+                                 int iDecimals);
+
+    QGridLayout* m_pButtonGrid = nullptr;
+    int m_iButtonColumns = 0; ///< of the grid; 0 before the first layout
+    QToolButton* m_pDraw = nullptr;
+    QPushButton* m_pRestart = nullptr;
+    QPushButton* m_pCopy = nullptr;
+    QPushButton* m_pSave = nullptr;
+    QLabel* m_pText = nullptr;
+    QList<QLabel*> m_numbers;
+    QComboBox* m_pQuantity = nullptr;
+    CkQualityPlot* m_pPlot = nullptr;
+    QDoubleSpinBox* m_pFocalLength = nullptr;
+    QDoubleSpinBox* m_pCellSize = nullptr;
+    QDoubleSpinBox* m_pConfidence = nullptr;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/viewer/panels/quality/CkQualityHistory.h"
+#include "host/viewer/panels/quality/CkQualityMeter.h"
+
+#include <QCoreApplication>
+
+class CkChainable;
+class CkImageData;
+class CkSaturationMonitor;
+
+/// What has been measured in one view: the newest values, those of the last frames, and how far saturated
+/// pixels are known. Knows no widget. User-interface thread.
+class CkViewMeasurement {
+    Q_DECLARE_TR_FUNCTIONS(CkViewMeasurement)
+
+public:
+    /// In pixels of the picture. Another region than before clears the history.
+    void setRegion(const QRect& region);
+    const QRect& region() const { return m_meter.region(); }
+    /// Other settings than before restart the spread over time.
+    void setSettings(const SkQualityLens& lens, float fConfidenceLimit);
+
+    /// Measures a channel of a frame that pProvider delivered. monitor is set to the source that tells of
+    /// saturated pixels when the frame is a computed picture, and to none otherwise. False for a frame that
+    /// is left out, because the source's picture of it was missed and the next one will not be.
+    bool add(const CkImageData& frame, quint32 uiChannel, const CkChainable* pProvider,
+             CkSaturationMonitor& monitor);
+    /// Whether this frame was added last.
+    bool isNewest(const CkImageData& frame) const;
+
+    void clearHistory() { m_history.clear(); }
+    /// Drops the frames so far.
+    void restart();
+
+    /// Of the frame added last.
+    const SkQualityValues& values() const { return m_values; }
+    const CkQualityHistory& history() const { return m_history; }
+    bool isEmpty() const { return m_history.values().empty(); }
+    /// Why saturated pixels may count as valid; empty: they do not.
+    const QString& saturationReason() const { return m_sSaturationReason; }
+
+private:
+    bool findSaturated(const CkImageData& frame, const CkChainable* pProvider, CkSaturationMonitor& monitor,
+                       std::vector<bool>& saturated);
+
+    CkQualityMeter m_meter;
+    CkQualityHistory m_history;
+    SkQualityValues m_values;
+    const void* m_pPixels = nullptr; ///< of the frame added last, only compared
+    QString m_sSaturationReason;
+};
