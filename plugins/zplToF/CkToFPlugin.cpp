@@ -7,6 +7,7 @@
 #include "plugins/zplToF/view3d/3dMdiView.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkRTTI.h"
+#include "zuCore/ToFVocabulary.h"
 #include "zuCore/zuCoreVersion.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
@@ -17,7 +18,8 @@
 
 namespace {
 
-// The host may have taken the menu, and the entry with it, away. What is disabled says why.
+// The host may have deleted the menu together with its entries. The tool tip of a disabled entry gives the
+// reason.
 void enable(QAction* action, bool enabled, const QString& why) {
     if (action != nullptr) {
         action->setEnabled(enabled);
@@ -49,7 +51,7 @@ bool CkToFPlugin::init() {
         m_pOpen3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
         m_pOpenAllViews = add(tr("Open All ToF Processing Views"), "menuOpenAllToFProcessingViews");
         m_pCalibrate = add(tr("Calibrate distance offset..."), "menuTofCalibrateOffset");
-        // Cameras come and go without a change of the active view.
+        // Cameras are opened and closed without a change of the active view.
         connect(menu, &QMenu::aboutToShow, this, [this] {
             if (IkAppDelegate* now = IkAppDelegate::instance()) {
                 enableMainMenuItems(now->activeViewId());
@@ -95,7 +97,7 @@ void CkToFPlugin::viewAboutToClose(int viewId) {
 }
 
 void CkToFPlugin::viewGotNewImage(int viewId, const CkImageData* pData) {
-    // A frame may make the host close views, so the list is walked as it was, over guarded pointers.
+    // A copy: a frame may make the host close views, which changes the list.
     const QList<QPointer<CkToF3DMdiView>> views = m_actions.views();
     for (const QPointer<CkToF3DMdiView>& view : views) {
         if (view != nullptr && view->connectedViewId() == viewId) {
@@ -133,7 +135,7 @@ void CkToFPlugin::on_actCalibrateOffset() {
 }
 
 void CkToFPlugin::startCameraAcquitionFromButton(const QObject* pButton) {
-    const QVariant handle = pButton != nullptr ? pButton->property("tof_camera_handle") : QVariant();
+    const QVariant handle = pButton != nullptr ? pButton->property(ToFProperty::kCameraHandle) : QVariant();
     IkAppDelegate* host = IkAppDelegate::instance();
     if (handle.isValid() && host != nullptr) {
         host->startAcquisition(1, handle.toULongLong());

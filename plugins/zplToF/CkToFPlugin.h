@@ -1,7 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/integration/CkToFActions.h"
-#include "plugins/zplToF/integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFChainHost.h"
 #include "zuCore/CkPlugin.h"
 
 #include <QObject>
@@ -9,8 +9,8 @@
 
 class QAction;
 
-/// Entry point of the library: registers the processing block, wires the user's actions and forwards the
-/// host's notifications. User-interface thread.
+/// Entry point of the library, a manifest: registers the processing block, wires the user's actions and
+/// forwards the host's notifications. User-interface thread.
 class CkToFPlugin : public QObject, public CkPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "com.orvane.Pictor.CkToFPlugin")
@@ -34,7 +34,7 @@ public:
 
     CkToFActions& actions() { return m_actions; }
 
-    /// Starts acquisition of the camera whose handle a tool button carries; nothing for any other object.
+    /// Starts acquisition of the camera whose handle a tool button carries; no-op for any other object.
     static void startCameraAcquitionFromButton(const QObject* pButton);
 
 public slots:

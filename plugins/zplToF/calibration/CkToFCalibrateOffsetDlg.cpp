@@ -11,14 +11,14 @@
 #include <cmath>
 
 namespace {
-constexpr int s_iDefaultFrames = 5;
-constexpr int s_iInches = 1;
-constexpr float s_fCmPerInch = 2.54F;
-constexpr float s_fCmPerMetre = 100.0F;
-constexpr float s_fInchesPerMetre = 39.37008F;
+constexpr int kDefaultFrames = 5;
+constexpr int kInches = 1; // index in the list of units
+constexpr float kCmPerInch = 2.54F;
+constexpr float kCmPerMetre = 100.0F;
+constexpr float kInchesPerMetre = 39.37008F;
 
-// Tells a box that was dismissed, with Escape or its close button, from one that was acknowledged: with a
-// single button the two have the same result.
+// Recognises that a box was dismissed, with Escape or its close button. A box with a single button returns
+// the same result then as when the button is pressed.
 class CkToFDismissal : public QObject {
 public:
     bool bHappened = false;
@@ -35,12 +35,13 @@ public:
 CkToFCalibrateOffsetDlg::CkToFCalibrateOffsetDlg(CkMdiView* pView, QWidget* pParent)
     : QDialog(pParent), m_ui(std::make_unique<Ui::CkToFCalibrateOffsetDlg>()), m_view(pView) {
     m_ui->setupUi(this);
-    m_ui->spinAveraging->setValue(s_iDefaultFrames);
+    m_ui->spinAveraging->setValue(kDefaultFrames);
     m_ui->lbProgress->setText(QStringLiteral(" "));
     m_ui->label_2->setToolTip(m_ui->spinAveraging->toolTip());
     m_ui->lbDistance->setToolTip(m_ui->edDistance->toolTip());
 
-    // adjustSize alone stops at two thirds of the screen, which cuts the dialog off at large scalings.
+    // adjustSize alone limits the size to two thirds of the screen, which cuts the dialog off at large scale
+    // factors.
     adjustSize();
     const int iWidth = qMax(width(), sizeHint().width());
     setFixedSize(iWidth, layout()->totalHeightForWidth(iWidth));
@@ -64,8 +65,8 @@ void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
     }
     bool bNumber = false;
     float fDistance = QLocale().toFloat(m_ui->edDistance->text(), &bNumber);
-    if (m_ui->cbUnit->currentIndex() == s_iInches) {
-        fDistance *= s_fCmPerInch;
+    if (m_ui->cbUnit->currentIndex() == kInches) {
+        fDistance *= kCmPerInch;
     }
     if (!bNumber || !std::isfinite(fDistance)) {
         if (showError(tr("Please set the distance as decimal number.")) != EkBoxEnd::Deleted) {
@@ -100,7 +101,7 @@ void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
         finishIfComplete();
         return;
     }
-    // One box at a time: a camera delivers the next wrong frame before anyone has read it.
+    // One box at a time: the camera delivers the next wrong frame before the user has read it.
     const EkBoxEnd end =
         m_iOpenBoxes > 0
             ? EkBoxEnd::Acknowledged
@@ -109,7 +110,7 @@ void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
     if (end == EkBoxEnd::Deleted || m_state != EkState::Measuring) {
         return;
     }
-    // A camera that sends nothing else opens the next box before anyone can get at Cancel.
+    // With a camera that sends nothing else the next box opens before the user can reach Cancel.
     if (end == EkBoxEnd::Dismissed && m_uiFramesDone == 0) {
         reject();
         return;
@@ -127,7 +128,7 @@ void CkToFCalibrateOffsetDlg::stopMeasuring() {
     if (m_state != EkState::Measuring) {
         return;
     }
-    // What is queued already finds nothing to do.
+    // Notifications that are queued already are ignored in this state.
     m_state = EkState::Done;
     if (m_view) {
         disconnect(m_view, SIGNAL(receivedFrame(qint32)), this, SLOT(on_viewFrameReceived(qint32)));
@@ -142,7 +143,7 @@ void CkToFCalibrateOffsetDlg::showProgress() {
     m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_uiFramesDone).arg(m_iFramesToAverage));
 }
 
-// Frames are counted while a box is open, too; the result waits for whoever reads that one.
+// Frames are counted while a box is open, too; the result is shown after it is closed.
 void CkToFCalibrateOffsetDlg::finishIfComplete() {
     if (isComplete() && m_iOpenBoxes == 0) {
         stopMeasuring();
@@ -151,7 +152,7 @@ void CkToFCalibrateOffsetDlg::finishIfComplete() {
 }
 
 void CkToFCalibrateOffsetDlg::finish() {
-    if (!(m_fModulationFreq >= CkToFOffsetEstimator::s_fMinModulationFreq) || std::isinf(m_fModulationFreq)) {
+    if (!(m_fModulationFreq >= CkToFOffsetEstimator::kMinModulationFreq) || std::isinf(m_fModulationFreq)) {
         if (showError(tr("Modulation frequency not present in image metadata.")) != EkBoxEnd::Deleted) {
             accept();
         }
@@ -178,7 +179,7 @@ CkToFCalibrateOffsetDlg::EkBoxEnd CkToFCalibrateOffsetDlg::showError(const QStri
 
 CkToFCalibrateOffsetDlg::EkBoxEnd
 CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result) {
-    const float fFactor = m_ui->cbUnit->currentIndex() == 0 ? s_fCmPerMetre : s_fInchesPerMetre;
+    const float fFactor = m_ui->cbUnit->currentIndex() == 0 ? kCmPerMetre : kInchesPerMetre;
     const QLocale locale;
     return showBox(QMessageBox::Information, tr("Result"),
                    tr("Measured distance: %1 %2\n\nCalculated offset: %3 %2")
@@ -187,7 +188,7 @@ CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result
                             locale.toString(double(fFactor * result.fOffset), 'f', 2)));
 }
 
-// The static functions of QMessageBox do not survive that their parent is deleted while they run.
+// The static functions of QMessageBox crash when their parent is deleted while the box is open.
 CkToFCalibrateOffsetDlg::EkBoxEnd
 CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText) {
     ++m_iOpenBoxes;

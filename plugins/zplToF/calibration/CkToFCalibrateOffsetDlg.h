@@ -15,9 +15,9 @@ class CkToFCalibrateOffsetDlg;
 /// Dialog "Calibrate ToF Distance Offset": measures a wall at a known distance on the frames of a view and
 /// stores the difference as the distance offset of the 3D view. User-interface thread.
 ///
-/// OK starts measuring; the dialog closes by itself when it is done. Cancel ends it at any time, and so does
-/// Escape in the box that tells of a wrong frame as long as no frame has been counted: a camera may send
-/// nothing else. The view may close meanwhile; no frame comes any more then.
+/// OK starts measuring; the dialog closes itself when it is done. Cancel closes it at any time. So does
+/// Escape in the box that reports a wrong frame, as long as no frame has been counted: a camera may send
+/// nothing else. The view may be closed meanwhile; no more frames are received then.
 class CkToFCalibrateOffsetDlg : public QDialog {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private:
     enum class EkBoxEnd {
         Acknowledged, ///< with its button or Enter
         Dismissed,    ///< with Escape or its close button
-        Deleted       ///< together with the dialog, of which nothing may be touched then
+        Deleted       ///< together with the dialog; no member may be touched then
     };
 
     void stopMeasuring();
@@ -61,6 +61,6 @@ private:
     unsigned int m_uiFramesDone = 0;
     int m_iFramesToAverage = 0;
     float m_fDistance = 0.0F;       ///< cm
-    float m_fModulationFreq = 0.0F; ///< MHz, of the frame counted last
+    float m_fModulationFreq = 0.0F; ///< MHz, of the last frame counted
     int m_iOpenBoxes = 0;
 };

@@ -2,35 +2,24 @@
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <cmath>
 #include <cstring>
 #include <limits>
 
 namespace {
-// Speed of light in air in m * MHz, the one the 3D view computes with.
-constexpr float s_fLightSpeed = 299.70254F;
-constexpr double s_fFullTurn = 6.283185307179586;
-constexpr float s_fCmPerMetre = 100.0F;
+constexpr double kFullTurn = 6.283185307179586; // radians
+constexpr float kCmPerMetre = 100.0F;
 
-// A phase shift picture that gives its memory back.
-class CkToFScratchPicture {
-public:
-    CkToFScratchPicture(const SkPicBuf& source, quint32 uiHeight, quint32 uiChannels) {
-        CkPicBufAPI::AllocPicBufFromHeap(
-            picture, source.width, uiHeight, uiChannels, EkImageDataType::Float32, source.linePadding, 0, 32,
-            EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false, 0);
-    }
-    ~CkToFScratchPicture() { CkPicBufAPI::FreePicBuf(picture, true); }
-    CkToFScratchPicture(const CkToFScratchPicture&) = delete;
-    CkToFScratchPicture& operator=(const CkToFScratchPicture&) = delete;
-
-    SkPicBuf picture;
-};
-
-// Other counts leave the kernel's result unwritten; a phase shift of 0 would pass for a measurement.
-bool canBeEvaluated(quint32 uiPhases) {
-    return uiPhases == 1 || uiPhases == 2 || uiPhases == 4 || uiPhases == 8;
+CkPicture phasePicture(const SkPicBuf& source, quint32 uiHeight, quint32 uiChannels) {
+    SkPicBufInfo info = SkPicBufInfo::of(source.width, uiHeight, uiChannels, EkImageDataType::Float32, 32);
+    info.linePadding = source.linePadding;
+    info.lineSize = 0;
+    CkPicture picture;
+    picture.allocate(info);
+    return picture;
 }
 } // namespace
 
@@ -45,22 +34,24 @@ bool CkToFOffsetEstimator::addPicture(const SkPicBuf& picture, const CkImageMeta
         return true;
     }
     if (CkToFPicAPI::isRawToFAminBPic(picture, pMetadata)) {
-        if (!canBeEvaluated(uiPhases)) {
+        // For other counts the kernel leaves its result unwritten; the phase shift of 0 would count as
+        // measured.
+        if (!ToFPhases::isSupportedCount(uiPhases)) {
             return false;
         }
-        // As high as one phase: the kernel reads so many rows of every phase.
-        CkToFScratchPicture scratch(picture, picture.height / uiPhases, 1);
-        if (!CkToFPicAPI::rawAminBPicToPhaseShift(picture, scratch.picture, int(uiPhases))) {
+        // The kernel reads as many rows of each phase as its result has.
+        CkPicture phase = phasePicture(picture, picture.height / uiPhases, 1);
+        if (!CkToFPicAPI::rawAminBPicToPhaseShift(picture, phase.picBuf(), int(uiPhases))) {
             return false;
         }
-        addPhaseShift(scratch.picture);
+        addPhaseShift(phase.picBuf());
         return true;
     }
     if (CkToFPicAPI::isRawX2ToFABPic(picture, pMetadata)) {
-        // The difference kernel refuses two channels, so such frames count as phase shift 0.
-        CkToFScratchPicture scratch(picture, picture.height, 2);
-        CkToFPicAPI::rawAminBPicToPhaseShift(picture, scratch.picture, int(uiPhases));
-        addPhaseShift(scratch.picture);
+        // The kernel refuses two channels and leaves the result zero: such frames count with phase shift 0.
+        CkPicture phase = phasePicture(picture, picture.height, 2);
+        CkToFPicAPI::rawAminBPicToPhaseShift(picture, phase.picBuf(), int(uiPhases));
+        addPhaseShift(phase.picBuf());
         return true;
     }
     return false;
@@ -72,9 +63,9 @@ bool CkToFOffsetEstimator::hasMean() const {
 
 CkToFOffsetEstimator::SkResult CkToFOffsetEstimator::result(float fDistanceCm, float fModulationFreq) const {
     const float fMeanPhase = m_fPhaseSum / float(m_iPixelCount);
-    const float fHalfWavelength = s_fLightSpeed / (2.0F * fModulationFreq);
-    const float fMeasured = float(double(fMeanPhase) / s_fFullTurn * double(fHalfWavelength));
-    return {fMeasured, fDistanceCm / s_fCmPerMetre - fMeasured};
+    const float fHalfWavelength = kSpeedOfLightInAirMMHz / (2.0F * fModulationFreq);
+    const float fMeasured = float(double(fMeanPhase) / kFullTurn * double(fHalfWavelength));
+    return {fMeasured, fDistanceCm / kCmPerMetre - fMeasured};
 }
 
 float CkToFOffsetEstimator::sumCentralPhaseShiftPixels(const SkPicBuf* pImage, int iChannel, int iSquareSize,
@@ -102,7 +93,7 @@ float CkToFOffsetEstimator::sumCentralPhaseShiftPixels(const SkPicBuf* pImage, i
     for (qint64 iRow = iFirstRow; iRow < iFirstRow + iSide; ++iRow) {
         const quint8* row = pImage->row(quint32(iRow));
         for (qint64 iColumn = iFirstColumn; iColumn < iFirstColumn + iSide; ++iColumn) {
-            // Rows may start at any byte.
+            // Rows may begin at any byte.
             float fValue = 0.0F;
             std::memcpy(&fValue, row + size_t(iColumn * pImage->channels + iChannel) * sizeof fValue,
                         sizeof fValue);
@@ -115,6 +106,6 @@ float CkToFOffsetEstimator::sumCentralPhaseShiftPixels(const SkPicBuf* pImage, i
 
 void CkToFOffsetEstimator::addPhaseShift(const SkPicBuf& picture) {
     int iCount = 0;
-    m_fPhaseSum += sumCentralPhaseShiftPixels(&picture, 0, s_iSquareSize, iCount);
+    m_fPhaseSum += sumCentralPhaseShiftPixels(&picture, 0, kSquareSize, iCount);
     m_iPixelCount += iCount;
 }

@@ -4,8 +4,8 @@
 #include "zuCore/SkPicBuf.h"
 
 /// Estimates the constant distance error of a ToF camera in front of a wall: averages the phase shift in the
-/// middle of several frames and compares the distance it stands for with the true one. Plain value without a
-/// window; not synchronised.
+/// middle of several frames, converts it to a distance and compares that with the true one. Plain value;
+/// knows no window; not synchronised.
 class CkToFOffsetEstimator {
 public:
     struct SkResult {
@@ -13,28 +13,29 @@ public:
         float fOffset;           ///< m, to be added to measured distances
     };
 
-    /// Side of the square in the middle that is averaged, pixels.
-    static constexpr int s_iSquareSize = 6;
-    /// Below this, MHz, a frame does not say its modulation frequency.
-    static constexpr float s_fMinModulationFreq = 0.1F;
+    /// Side of the averaged square in the middle of a frame, pixels.
+    static constexpr int kSquareSize = 6;
+    /// MHz; a frame of a lower modulation frequency counts as one without.
+    static constexpr float kMinModulationFreq = 0.1F;
 
     void reset();
 
-    /// Adds a phase shift picture, or a raw one that is turned into phase shift first. False, and nothing is
+    /// Adds a phase shift picture, or a raw one that is converted to phase shift first. False, and nothing is
     /// added, for a picture of another kind and for one of A minus B that does not have 1, 2, 4 or 8 phases.
-    /// Metadata may be null.
+    /// pMetadata may be null.
     bool addPicture(const SkPicBuf& picture, const CkImageMetadata* pMetadata);
 
     float phaseSum() const { return m_fPhaseSum; }
     int pixelCount() const { return m_iPixelCount; }
 
-    /// Whether the pixels gathered so far have a finite mean.
+    /// Whether the pixels added so far have a finite mean.
     bool hasMean() const;
-    /// fDistanceCm in cm, fModulationFreq in MHz, at least s_fMinModulationFreq. Precondition: hasMean.
+    /// fDistanceCm in cm, fModulationFreq in MHz, at least kMinModulationFreq. Precondition: hasMean.
     SkResult result(float fDistanceCm, float fModulationFreq) const;
 
-    /// Sum of one channel over the square in the middle of a float picture; half the width (height) where the
-    /// picture is too narrow (low) for it. iCount: pixels summed, 0 for a picture that cannot be summed.
+    /// Sum of one channel over the square in the middle of a float picture. Where the picture is narrower
+    /// (lower) than the square, the side is half its width (height). iCount: pixels summed; 0 for a picture
+    /// that cannot be summed.
     static float sumCentralPhaseShiftPixels(const SkPicBuf* pImage, int iChannel, int iSquareSize,
                                             int& iCount);
 

@@ -13,7 +13,7 @@
 namespace {
 
 void runCalibrationDialog(CkMdiView* view, QWidget* parent) {
-    // The main window may go while the dialog is open, and takes the dialog along.
+    // The main window may be deleted while the dialog is open, together with the dialog.
     const QPointer<CkToFCalibrateOffsetDlg> dialog(new CkToFCalibrateOffsetDlg(view, parent));
     dialog->exec();
     delete dialog;
@@ -24,9 +24,9 @@ CkChain* chainOf(const CkMdiView* view) {
     return block != nullptr ? block->chain() : nullptr;
 }
 
-// A running chain negotiates a camera's new format with its next frame. Whoever asks a block at once what it
-// delivers would still be told of the old one; a stopped chain tells of the new one.
-void negotiateAnew(CkChain* chain) {
+// A running chain negotiates a camera's new format with its next frame; until then its blocks report the old
+// one. Restarted, it negotiates at once.
+void renegotiate(CkChain* chain) {
     if (chain != nullptr && chain->started()) {
         const CkChain::CkControlLock lock(chain);
         chain->stop();
@@ -75,7 +75,7 @@ QMessageBox::StandardButton CkToFActions::showMessage(QMessageBox::Icon icon, co
 
 bool CkToFActions::setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start) {
     const QPointer<CkMdiView> guarded = pView;
-    // Without the view: its chain is started once, when the blocks that the action needs are in it.
+    // Without the view: its chain is started once, after the action has inserted its blocks.
     if (!ToFCameraCheck::switchCameraTo3dFormat(nullptr, cameraHandle)) {
         showMessage(QMessageBox::Critical, tr("Error"),
                     tr("Cannot set (A and B) or (A-B) reaout mode to camera."));
@@ -101,7 +101,7 @@ void CkToFActions::openToF3dView() {
         offerToFFormatFor3d(*view, findings, start);
     }
     if (view == nullptr) {
-        return; // closed while a box was open or the camera was set up
+        return; // closed while a box was open or while the camera was set up
     }
     const bool gathered = !findings.needsGathering() || gatherPhases(*view);
     start.now();
@@ -131,7 +131,7 @@ void CkToFActions::offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings,
         return;
     }
     if (setUpCamera(guarded, findings.cameraHandle, start)) {
-        negotiateAnew(chainOf(guarded));
+        renegotiate(chainOf(guarded));
     }
     if (guarded == nullptr) {
         return;
@@ -168,7 +168,7 @@ void CkToFActions::openAllToFViews() {
     if (chainOf(view) == nullptr || !ensureToFFormatForAll(*view, start)) {
         return;
     }
-    // The box may have been open for long: what stood behind the view is looked up anew.
+    // Looked up again: the chain may have changed while the box was open.
     CkChain* const oldChain = chainOf(view);
     const QList<CkChainable*> sources =
         oldChain != nullptr ? oldChain->imageSources() : QList<CkChainable*>();
@@ -210,13 +210,13 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start
         return false;
     }
     const QPointer<CkMdiView> guarded = &view;
-    const bool goesOn =
+    const bool accepted =
         showMessage(QMessageBox::Question, title, askToUpdate(text), QMessageBox::Yes | QMessageBox::Cancel,
                     QMessageBox::Yes) == QMessageBox::Yes;
-    if (!goesOn || guarded == nullptr || !setUpCamera(guarded, camera, start)) {
+    if (!accepted || guarded == nullptr || !setUpCamera(guarded, camera, start)) {
         return false;
     }
-    negotiateAnew(chainOf(guarded));
+    renegotiate(chainOf(guarded));
     ToFCameraCheck::imageFormatAtView(guarded, kinds);
     return kinds.anyRaw();
 }
@@ -235,7 +235,7 @@ CkChain* CkToFActions::moveSourceToNewChain(CkMdiView& view, CkChainable* pSourc
         }
         return nullptr;
     }
-    // A host may close the view with its chain, or the chain with its view: neither is touched unguarded.
+    // A host may close the view together with its chain, or the chain with its view.
     IkAppDelegate::instance()->closeView(viewId);
     if (oldChain != nullptr) {
         m_chainHost.closeChain(oldChain);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "plugins/zplToF/integration/CkToFChainEditor.h"
+#include "plugins/zplToF/integration/CkToFChainHost.h"
+#include "plugins/zplToF/integration/CkToFChainStart.h"
 #include "plugins/zplToF/integration/SkToFMessage.h"
 #include "plugins/zplToF/integration/ToFCameraCheck.h"
 
@@ -14,7 +16,7 @@ class CkToF3DMdiView;
 class QWidget;
 
 /// The user's three actions: open a 3D view, open all processing views, calibrate. User-interface thread;
-/// nothing throws. Refusals are told in message boxes.
+/// nothing throws. Refusals are reported in message boxes.
 class CkToFActions {
     // The texts belong to the plug-in class, which users and translators know.
     Q_DECLARE_TR_FUNCTIONS(CkToFPlugin)
@@ -23,10 +25,10 @@ public:
     /// Runs the calibration dialog modally on a view (may be null).
     using CalibrationFunction = std::function<void(CkMdiView*, QWidget*)>;
 
-    /// chainHost stays the caller's.
+    /// chainHost outlives the actions, which do not own it.
     explicit CkToFActions(CkToFChainHost& chainHost);
 
-    /// Replace what talks to the user.
+    /// Replace the functions that open message boxes and the dialog; for tests.
     void setMessageFunction(ToFMessageFunction show) { m_showMessage = std::move(show); }
     void setCalibrationFunction(CalibrationFunction run) { m_runCalibration = std::move(run); }
 
@@ -39,7 +41,7 @@ public:
     void forgetView(int iViewId);
 
 private:
-    /// The active view, or the one it follows when it is a 3D view; null when there is none.
+    /// The active view, or the connected one when it is a 3D view; null when there is none.
     static CkMdiView* activeImageView();
     static QString askToUpdate(const QString& sText);
 
@@ -48,11 +50,11 @@ private:
                                             QMessageBox::StandardButtons buttons = QMessageBox::Ok,
                                             QMessageBox::StandardButton defaultButton = QMessageBox::Ok);
 
-    /// Sets the camera up, and starts the view's chain (later) when it is stopped. False, which the user was
-    /// told then, when the camera refuses. The view may be null, and may have been closed afterwards.
+    /// Sets the camera up and leaves a stopped chain of the view to start. False, after a message to the
+    /// user, when the camera refuses. The view may be null, and may have been closed afterwards.
     bool setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start);
 
-    /// What is known of a view that a 3D view is to open on.
+    /// What is known about the view that a 3D view is to follow.
     struct SkToFFindings {
         SkToFKinds kinds;
         bool formatKnown = false;
@@ -63,19 +65,21 @@ private:
             return tofCamera && (kinds.isAB || kinds.isAminB) && kinds.separatePhases;
         }
     };
-    /// Before a 3D view opens on a view that shows nothing ToF: tells, or offers to set the camera up.
+    /// For a view without ToF data: warns, or offers to set the camera up, before a 3D view is opened.
     void offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings, CkToFChainStart& start);
-    /// Puts a gathering block in front of the view where phases come one by one. False: no view is opened.
+    /// Inserts a block before the view that gathers phases which come as separate images. False: the view
+    /// cannot be opened.
     bool gatherPhases(const CkMdiView& view);
     void add3dView(int iConnectedViewId);
 
-    /// Before the processing views open: false when the action ends here.
+    /// Sees to it that the view has a ToF format before the processing views are opened. False: the action
+    /// ends.
     bool ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start);
     /// Moves the first source of the view's chain into a new chain and closes the view; null on failure.
     CkChain* moveSourceToNewChain(CkMdiView& view, CkChainable* pSource);
-    /// A branch with its view. The view's identifier, or -1.
+    /// Adds a branch and opens a view on it. The view's identifier, or -1.
     int openBranch(CkChain* pChain, CkChainable* pSource, int iTransform);
-    /// Sees to a block with phase shift output behind the view, for the calibration. False: there is none.
+    /// Sees to it that the view's frames are phase shifts, by a ToF block before it. False: there is none.
     bool ensureDepthFor(const CkMdiView& view);
 
     CkToFChainHost& m_chainHost;

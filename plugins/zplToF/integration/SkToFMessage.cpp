@@ -6,7 +6,7 @@
 
 QMessageBox::StandardButton showToFMessage(const SkToFMessage& message) {
     IkAppDelegate* host = IkAppDelegate::instance();
-    // The main window may go while the box is open, and takes the box along.
+    // The main window may be deleted while the box is open, together with the box.
     const QPointer<QMessageBox> box(new QMessageBox(message.icon, message.title, message.text,
                                                     message.buttons,
                                                     host != nullptr ? host->mainWindow() : nullptr));

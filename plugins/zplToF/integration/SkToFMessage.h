@@ -13,10 +13,10 @@ struct SkToFMessage {
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
 };
 
-/// Shows a message to the user and answers the button pressed. Every box of the plug-in's actions comes
-/// through a function of this type, so that whoever drives the actions can answer in the user's place.
+/// Shows a message to the user and returns the button pressed. Every box of the plug-in's actions is shown by
+/// a function of this type, so that a test can answer in the user's place.
 using ToFMessageFunction = std::function<QMessageBox::StandardButton(const SkToFMessage&)>;
 
-/// A modal box on the host's main window; NoButton when the window went while it was open. User-interface
-/// thread.
+/// A modal box on the host's main window; NoButton when the window was deleted while it was open.
+/// User-interface thread.
 QMessageBox::StandardButton showToFMessage(const SkToFMessage& message);

@@ -6,6 +6,7 @@
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
+#include "zuCore/ToFVocabulary.h"
 #include "zuCoreGui/CkMdiView.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
@@ -16,11 +17,8 @@
 
 namespace {
 
-constexpr int g_iReadoutAminusB = 2;
-constexpr int g_iReadoutAandB = 4;
-
-const QString g_sReadoutMode = QStringLiteral("tof_readout_mode");
-const QString g_sDataFormat = QStringLiteral("imgdataformat");
+using ToFParameter::kDataFormat;
+using ToFParameter::kReadoutMode;
 
 void summarise(const SkPicBufInfo& info, const CkImageMetadata& metadata, SkToFKinds& kinds) {
     kinds.isAB = CkToFPicAPI::isRawX2ToFABPic(info, &metadata);
@@ -31,19 +29,19 @@ void summarise(const SkPicBufInfo& info, const CkImageMetadata& metadata, SkToFK
     kinds.isHybrid = CkToFPicAPI::isRawToFHybridPic(info, &metadata);
 }
 
-/// In the order of the functions that take one by one.
+/// In the order of the functions that take single flags.
 std::tuple<bool, bool, bool, bool, bool> flags(const SkToFKinds& kinds) {
     return {kinds.isAB, kinds.isAminB, kinds.isPhaseShift, kinds.separatePhases, kinds.isHybrid};
 }
 
 using CameraPointer = QPointer<CkCameraParameters>;
 
-CkCameraParam* findParam(const CameraPointer& parameters, const QString& name) {
+CkCameraParam* findParam(const CameraPointer& parameters, QLatin1String name) {
     return parameters != nullptr ? parameters->findParam(name, false) : nullptr;
 }
 
-/// Sets the parameter to fallback unless it has one of the accepted values; what was set joins the batch.
-bool keepOrSet(const CameraPointer& parameters, const QString& name, std::initializer_list<int> accepted,
+/// Sets the parameter to fallback unless it has one of the accepted values, and adds it to the batch.
+bool keepOrSet(const CameraPointer& parameters, QLatin1String name, std::initializer_list<int> accepted,
                int fallback) {
     CkCameraParam* param = findParam(parameters, name);
     if (param == nullptr) {
@@ -53,7 +51,7 @@ bool keepOrSet(const CameraPointer& parameters, const QString& name, std::initia
     if (std::find(accepted.begin(), accepted.end(), current) != accepted.end()) {
         return true;
     }
-    // Whoever is told of the value may close the camera.
+    // Receivers of the camera's signals may close it.
     if (!param->setParamValue(CkValue(fallback)) || parameters == nullptr) {
         return false;
     }
@@ -62,16 +60,19 @@ bool keepOrSet(const CameraPointer& parameters, const QString& name, std::initia
 }
 
 bool setUpFormat(const CameraPointer& parameters) {
-    if (findParam(parameters, g_sReadoutMode) == nullptr) {
-        return keepOrSet(parameters, g_sDataFormat, {17, 18}, 18);
+    using namespace ToFDataFormat;
+    if (findParam(parameters, kReadoutMode) == nullptr) {
+        return keepOrSet(parameters, kDataFormat, {kHybrid8, kHybrid12}, kHybrid12);
     }
-    if (!keepOrSet(parameters, g_sReadoutMode, {g_iReadoutAminusB, g_iReadoutAandB}, g_iReadoutAandB)) {
+    if (!keepOrSet(parameters, kReadoutMode, {ToFReadoutMode::kAminusB, ToFReadoutMode::kAandB},
+                   ToFReadoutMode::kAandB)) {
         return false;
     }
-    if (findParam(parameters, g_sReadoutMode)->paramValue().toInt() == g_iReadoutAandB) {
-        return keepOrSet(parameters, g_sDataFormat, {11, 13}, 13);
+    if (findParam(parameters, kReadoutMode)->paramValue().toInt() == ToFReadoutMode::kAandB) {
+        return keepOrSet(parameters, kDataFormat, {kAandB8, kAandB12}, kAandB12);
     }
-    return keepOrSet(parameters, g_sDataFormat, {0, 1, 5, 6}, 6);
+    return keepOrSet(parameters, kDataFormat,
+                     {kAminusB8, kAminusB16, kAminusB8Alternate, kAminusB16Alternate}, kAminusB16Alternate);
 }
 
 } // namespace
@@ -81,8 +82,8 @@ bool ToFCameraCheck::isToFCamera(void* cameraHandle) {
     if (parameters == nullptr) {
         return false;
     }
-    return parameters->findParam(g_sReadoutMode, false) != nullptr ||
-           parameters->cameraInfo().sensorType == ToFCameraCheck::kHybridSensorType;
+    return parameters->findParam(kReadoutMode, false) != nullptr ||
+           parameters->cameraInfo().sensorType == ToFSensorType::kHybrid;
 }
 
 bool ToFCameraCheck::viewBelongsToToFCamera(int iViewId, void*& cameraHandle) {
@@ -160,9 +161,9 @@ bool ToFCameraCheck::switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle
     if (parameters == nullptr) {
         return false;
     }
-    const bool hybrid = parameters->cameraInfo().sensorType == ToFCameraCheck::kHybridSensorType;
-    if (findParam(parameters, g_sDataFormat) == nullptr ||
-        (!hybrid && findParam(parameters, g_sReadoutMode) == nullptr)) {
+    const bool hybrid = parameters->cameraInfo().sensorType == ToFSensorType::kHybrid;
+    if (findParam(parameters, kDataFormat) == nullptr ||
+        (!hybrid && findParam(parameters, kReadoutMode) == nullptr)) {
         return false;
     }
     const bool setUp = setUpFormat(parameters);

@@ -14,9 +14,9 @@ struct SkToFKinds {
     bool separatePhases = false; ///< phases or sections come as separate images
     bool isHybrid = false;       ///< raw, X1 X2 X3
 
-    /// Whether anything is there that a ToF view can work with.
+    /// Whether a ToF view can work with it.
     bool any() const { return isAB || isAminB || isPhaseShift || isHybrid; }
-    /// Whether it is raw data that a processing block can work with.
+    /// Whether it is raw data, input of a processing block.
     bool anyRaw() const { return isAB || isAminB || isHybrid; }
 };
 
@@ -24,31 +24,28 @@ struct SkToFKinds {
 /// false rather than fail, also for cameras that have been closed and for null pointers.
 namespace ToFCameraCheck {
 
-/// Sensor type of the hybrid camera, which has no readout mode.
-inline constexpr quint32 kHybridSensorType = 13;
-
 bool isToFCamera(void* cameraHandle);
 
-/// cameraHandle gets the handle of the view's camera, null for a view without one.
+/// cameraHandle: set to the handle of the view's camera, null for a view without one.
 bool viewBelongsToToFCamera(int iViewId, void*& cameraHandle);
 
-/// The format a view shows: that of its block when known, else that of its current image. info and
-/// metadata may be null.
+/// The format a view shows: that of its block when known, else that of its current image. False when neither
+/// is known. pInfo and pMetadata may be null.
 bool imageFormatAtView(CkMdiView* pView, SkPicBufInfo* pInfo, CkImageMetadata* pMetadata);
 
-/// The same, summarised; all flags are false when no format is known (false).
+/// The same as flags; all are false when no format is known.
 bool imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isAminB, bool& isPhaseShift, bool& separatePhases,
                        bool& isHybrid);
 bool imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds);
 
-/// The flags of a block's output format. False when it is not a block of pictures or unknown.
+/// The same for the output format of a block. False when pBlock is no CkImageProvider or knows no format.
 bool checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isAminB, bool& isPhaseShift, bool& separatePhases,
                     bool& isHybrid);
 bool checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds);
 
-/// Puts a ToF camera into a readout mode and data format that the processing understands, in one commit,
-/// and starts the chain of the view's block when it is stopped (pView may be null). False when it is no
-/// ToF camera or refuses; its values are then as before. Receivers of the camera's signals may close the
+/// Sets a ToF camera to a readout mode and data format that the processing supports, in one commit, and
+/// starts the chain of the view's block if it is stopped (pView may be null). False when the camera is no ToF
+/// camera or refuses a value; its values are then as before. Receivers of the camera's signals may close the
 /// view and the camera.
 bool switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle);
 

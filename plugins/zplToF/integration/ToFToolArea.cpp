@@ -2,6 +2,7 @@
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkCameraParameters.h"
+#include "zuCore/ToFVocabulary.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QCoreApplication>
@@ -26,7 +27,7 @@ bool ToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
     CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(cameraHandle);
     IkAppDelegate* host = IkAppDelegate::instance();
     if (host == nullptr || parameters == nullptr ||
-        parameters->findParam(QStringLiteral("tof_readout_mode"), false) == nullptr) {
+        parameters->findParam(ToFParameter::kReadoutMode, false) == nullptr) {
         return false;
     }
     auto* layout = new QHBoxLayout;
@@ -40,7 +41,7 @@ bool ToFToolArea::addToCameraPanel(void* cameraHandle, QObject* pReceiver) {
         auto* button = new QToolButton;
         button->setText(text);
         button->setObjectName(QLatin1String(name));
-        button->setProperty("tof_camera_handle", QVariant::fromValue(quint64(quintptr(cameraHandle))));
+        button->setProperty(ToFProperty::kCameraHandle, QVariant::fromValue(quint64(quintptr(cameraHandle))));
         QObject::connect(button, SIGNAL(clicked(bool)), pReceiver, slot);
         layout->addWidget(button);
         widgets.append(button);

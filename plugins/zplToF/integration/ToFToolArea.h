@@ -5,10 +5,9 @@ class QObject;
 /// The two buttons that a ToF camera's panel gets. User-interface thread.
 namespace ToFToolArea {
 
-/// Builds the area and hands it to the host to place. pReceiver has the slots
-/// on_actOpenToF3dViewStartAcq() and on_actOpenAllToFViewsStartAcq(). False for a camera that has no ToF
-/// readout mode or has gone, and without a host. Where the host has no panel for the camera, nothing is
-/// left behind.
+/// Builds the area and has the host place it. pReceiver has the slots on_actOpenToF3dViewStartAcq() and
+/// on_actOpenAllToFViewsStartAcq(). False for a camera without ToF readout mode, for a closed one, and
+/// without a host. Builds nothing when the host has no panel for the camera.
 bool addToCameraPanel(void* cameraHandle, QObject* pReceiver);
 
 } // namespace ToFToolArea

@@ -8,16 +8,16 @@
 #include <cmath>
 
 namespace {
-constexpr double s_fThresholdStep = 0.1;
+constexpr double kThresholdStep = 0.1;
 
-// What the dialog itself put into a field, or took out of it last.
-constexpr char s_knownText[] = "knownText";
+// Property of a field: the text that the dialog wrote into it, or read from it last.
+constexpr char kKnownText[] = "knownText";
 
 int columnWidth(const QGridLayout* pGrid, int iColumn) {
     int iWidth = 0;
     for (int iRow = 0; iRow < pGrid->rowCount(); ++iRow) {
         const QLayoutItem* item = pGrid->itemAtPosition(iRow, iColumn);
-        // Items over several columns say nothing about one of them.
+        // The width of an item that spans columns is not that of one of them.
         if (item != nullptr && item != pGrid->itemAtPosition(iRow, iColumn == 0 ? 1 : iColumn - 1)) {
             iWidth = std::max(iWidth, item->sizeHint().width());
         }
@@ -69,7 +69,8 @@ CkToFOpticalPathSettingsDlg::CkToFOpticalPathSettingsDlg(
 
     explainLabels();
     alignColumns();
-    // adjustSize alone stops at two thirds of the screen, which cuts the dialog off at large scalings.
+    // adjustSize alone limits the size to two thirds of the screen, which cuts the dialog off at large scale
+    // factors.
     adjustSize();
     setFixedSize(size().expandedTo(sizeHint()));
 }
@@ -123,12 +124,12 @@ void CkToFOpticalPathSettingsDlg::onBgColorPickedChanged() {
 
 void CkToFOpticalPathSettingsDlg::fillEdit(QLineEdit* pEdit, double fValue, char cFormat) {
     pEdit->setText(QLocale().toString(fValue, cFormat, 2));
-    pEdit->setProperty(s_knownText, pEdit->text());
+    pEdit->setProperty(kKnownText, pEdit->text());
 }
 
-// The field shows fewer digits than the value has, so a text that nobody touched is not parsed back.
+// The field shows fewer digits than the value has, so an unedited text is not parsed back.
 bool CkToFOpticalPathSettingsDlg::readEdit(QLineEdit* pEdit, float& fValue, bool bPositiveOnly) {
-    if (pEdit->text() == pEdit->property(s_knownText).toString()) {
+    if (pEdit->text() == pEdit->property(kKnownText).toString()) {
         return false;
     }
     bool bNumber = false;
@@ -137,14 +138,13 @@ bool CkToFOpticalPathSettingsDlg::readEdit(QLineEdit* pEdit, float& fValue, bool
         return false;
     }
     fValue = fParsed;
-    pEdit->setProperty(s_knownText, pEdit->text());
+    pEdit->setProperty(kKnownText, pEdit->text());
     return true;
 }
 
 void CkToFOpticalPathSettingsDlg::setUpThreshold(bool bConfidenceAvailable, float fThresholdMin,
                                                  float fThresholdMax) {
-    m_ui->tbConfThreshold->setRange(CkValue(fThresholdMin), CkValue(fThresholdMax),
-                                    CkValue(s_fThresholdStep));
+    m_ui->tbConfThreshold->setRange(CkValue(fThresholdMin), CkValue(fThresholdMax), CkValue(kThresholdStep));
     m_ui->tbConfThreshold->setValue(CkValue(m_fConfidenceThreshold));
     m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_fConfidenceThreshold), 'f', 2));
     if (bConfidenceAvailable) {
@@ -157,7 +157,7 @@ void CkToFOpticalPathSettingsDlg::setUpThreshold(bool bConfidenceAvailable, floa
     }
 }
 
-// A label tells the same as the control that it names, and a unit the same as the label of its row.
+// A label has the tool tip of its control, a unit that of its row's label.
 void CkToFOpticalPathSettingsDlg::explainLabels() {
     const QList<QLabel*> labels = findChildren<QLabel*>();
     for (QLabel* label : labels) {
@@ -169,7 +169,7 @@ void CkToFOpticalPathSettingsDlg::explainLabels() {
     m_ui->edRegInputFps->setAccessibleName(m_ui->chkRegInputFps->text());
 }
 
-// The rows outside the group share the columns of those inside, though a frame lies between them.
+// The rows outside the group line up with those inside, although the group's frame lies between them.
 void CkToFOpticalPathSettingsDlg::alignColumns() {
     ensurePolished();
     const QMargins frame = m_ui->groupOpt->contentsMargins() + m_ui->gridLayout_3->contentsMargins();

@@ -14,10 +14,11 @@ class CkToFOpticalPathSettingsDlg;
 }
 
 /// Dialog "3D View Settings": optical path, confidence threshold, bounding box, background and refresh limit
-/// of a 3D view. Knows no view: it is given values, sends what acts at once as signals and is asked for the
-/// rest after dialogValuesChanged (Apply) or when it was accepted (OK). User-interface thread.
+/// of a 3D view. Knows no view: it is constructed with values and emits a signal for each change that acts at
+/// once; the other values are read from it after dialogValuesChanged (Apply) or after it was accepted (OK).
+/// User-interface thread.
 ///
-/// A value that the user has not edited comes back exactly as it was given, whatever the field shows of it.
+/// A value that the user has not edited is returned exactly as it was given, however the field rounds it.
 class CkToFOpticalPathSettingsDlg : public QDialog {
     Q_OBJECT
 
@@ -33,13 +34,13 @@ public:
                                 bool bLimitInputFps, float fMaxInputFps, QWidget* pParent = nullptr);
     ~CkToFOpticalPathSettingsDlg() override;
 
-    // Values as of the last Apply or OK, as given before.
+    // Values as of the last Apply or OK; before that as given.
     float modulationFreq() const { return m_values.fModulationFreq; }
     bool compensate() const { return m_values.bCompensate; }
     float lensFocalLength() const { return m_values.fLensFocalLength; }
     QPointF centerOffset() const { return m_values.ptCenterOffset; }
-    /// Micrometres. Whoever keeps millimetres compares with what was handed in before dividing: a float does
-    /// not always survive the way there and back.
+    /// Micrometres. A caller that stores millimetres compares with the value it passed in before dividing: a
+    /// float does not always survive the conversion and back.
     float chipCellSize() const { return m_values.fChipCellSize; }
     float realDistOffset() const { return m_values.fRealDistOffset; }
     bool orthoDistance() const { return m_values.bOrthoDistance; }
@@ -48,12 +49,12 @@ public:
     /// Follows the bar at once.
     float confidenceThreshold() const { return m_fConfidenceThreshold; }
 
-    /// Takes the controls over into the values. A field that does not hold a number, or a focal length or
-    /// cell size not above 0, keeps its value. Always true.
+    /// Reads the values from the controls. A field that holds no number, or a focal length or cell size not
+    /// above 0, keeps its value. Always true.
     bool writeValuesFromControls();
 
 signals:
-    /// Apply: the values have been taken over.
+    /// Apply: the values have been read from the controls.
     void dialogValuesChanged();
     void confidenceThresholdChanged(float);
     void bboxVisibityChanged(bool);

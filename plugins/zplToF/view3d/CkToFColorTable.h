@@ -1,22 +1,19 @@
 #pragma once
 
-#include "zuCore/SkPicBuf.h"
+#include "zuCore/CkPicture.h"
 
 /// The 256 colours of a pseudo-colour map as one row of pixels. User-interface thread.
 class CkToFColorTable {
 public:
     CkToFColorTable();
-    ~CkToFColorTable();
-    CkToFColorTable(const CkToFColorTable&) = delete;
-    CkToFColorTable& operator=(const CkToFColorTable&) = delete;
 
     /// Fills the table with a map of CkLut. False when memory was short.
     bool update(int iPseudoColorIndex);
 
     /// 256 entries of 4 bytes: blue, green, red, 255; null when memory was short.
-    const quint8* colors() const { return m_gradientLutPic.data; }
+    const quint8* colors() const { return m_gradientLutPic.picBuf().data; }
 
 private:
-    SkPicBuf m_gradientLutPic;    ///< 256 x 1, 4 channels
-    SkPicBuf m_gradientSourcePic; ///< 256 x 1, the values 0 to 255
+    CkPicture m_gradientLutPic;    ///< 256 x 1, 4 channels
+    CkPicture m_gradientSourcePic; ///< 256 x 1, the values 0 to 255
 };

@@ -10,9 +10,9 @@
 #include <random>
 
 namespace {
-constexpr float s_fNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float s_fHalfPi = 1.5707963F;
-constexpr float s_fPi = 3.1415927F;
+constexpr float kPi = 3.1415927F;
 
 // Owns its pixels; every sample is what the function says of column, row and channel.
 template <class Sample>
@@ -161,7 +161,7 @@ TEST(CkToFOffsetEstimatorTest, WhatCannotBeSummedGivesNothing) {
 
 TEST(CkToFOffsetEstimatorTest, TwentyMegahertzAndAMeanOfPiAre3Point746Metres) {
     CkToFOffsetEstimator estimator;
-    Picture<float> picture(8, 8, 2, [](quint32, quint32, quint32 c) { return c == 0 ? s_fPi : 100.0F; });
+    Picture<float> picture(8, 8, 2, [](quint32, quint32, quint32 c) { return c == 0 ? kPi : 100.0F; });
     ASSERT_TRUE(estimator.addPicture(picture.picture, nullptr));
     const auto result = estimator.result(40.0F, 20.0F);
     // 36 additions in single precision. Half a turn of half a wavelength: 0.5 * 299.70254 / 40 = 3.74628175;
@@ -250,8 +250,7 @@ TEST(CkToFOffsetEstimatorTest, ThereIsNoMeanWithoutPixelsOrOfNoNumbers) {
     Picture<float> good(6, 6, 1, [](quint32, quint32, quint32) { return 1.0; });
     EXPECT_TRUE(estimator.addPicture(good.picture, nullptr));
     EXPECT_TRUE(estimator.hasMean());
-    Picture<float> bad(6, 6, 1,
-                       [](quint32 x, quint32 y, quint32) { return x == 3 && y == 3 ? s_fNan : 1.0F; });
+    Picture<float> bad(6, 6, 1, [](quint32 x, quint32 y, quint32) { return x == 3 && y == 3 ? kNan : 1.0F; });
     EXPECT_TRUE(estimator.addPicture(bad.picture, nullptr));
     EXPECT_FALSE(estimator.hasMean());
 }

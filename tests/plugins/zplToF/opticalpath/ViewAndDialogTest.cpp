@@ -1,122 +1,24 @@
-#include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
-#include "tests/support/LocaleScope.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/plugins/zplToF/opticalpath/ViewAndDialogFixture.h"
 #include "zuCoreGui/CkColorPickerLabel.h"
 #include "zuCoreGui/CkTuningBar.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
-#include <QDialogButtonBox>
-#include <QFile>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSettings>
 #include <dlfcn.h>
 
-// The 3D view with its settings dialog, opened and worked as a person does.
-
 namespace {
-QStringList s_writes;
-
-// Resident memory in KiB, as the kernel counts it.
-qint64 residentKiB() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').first().toLongLong();
-        }
-    }
-    return -1;
-}
-
-class ViewAndDialogTest : public ViewTest {
-protected:
-    ViewAndDialogTest() { s_writes.clear(); }
-
-    // Opens the dialog; work is done in it, and has to close it.
-    void withDialog(CkToF3DMdiView& view, std::function<void()> work) {
-        s_writes.clear();
-        driver.expectWindow([this, work](QWidget* pWindow) {
-            dialog = qobject_cast<CkToFOpticalPathSettingsDlg*>(pWindow);
-            ASSERT_NE(dialog, nullptr);
-            QApplication::setActiveWindow(dialog);
-            work();
-            if (dialog != nullptr && dialog->isVisible()) {
-                ADD_FAILURE() << "the dialog was left open";
-                dialog->reject();
-            }
-        });
-        action(view, "Settings...")->trigger();
-        EXPECT_EQ(driver.pending(), 0);
-        EXPECT_TRUE(dialog.isNull());
-    }
-
-    template <class Widget = QWidget>
-    Widget* child(const char* name) {
-        return dialog->findChild<Widget*>(QLatin1String(name));
-    }
-
-    void type(const char* name, const QString& sText) {
-        auto* edit = child<QLineEdit>(name);
-        edit->setFocus();
-        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(edit, sText);
-    }
-
-    void toggle(const char* name) {
-        QTest::mouseClick(child(name), Qt::LeftButton, Qt::NoModifier, QPoint(8, child(name)->height() / 2));
-    }
-
-    void click(QDialogButtonBox::StandardButton button) {
-        QTest::mouseClick(child<QDialogButtonBox>("buttonBox")->button(button), Qt::LeftButton);
-    }
-
-    // Without the colouring, which the view stores by itself with its first frame.
-    QStringList storedKeys() {
-        QStringList keys = QSettings(m_host.settingsFile(), QSettings::IniFormat).allKeys();
-        keys.removeAll("ToF.LUTPseudoColor");
-        keys.sort();
-        return keys;
-    }
-
-    // A view that starts on a frame: the kind of its data decides on the threshold it starts with.
-    std::unique_ptr<CkToF3DMdiView> openOn(std::unique_ptr<CkImageData> frame) {
-        m_host.registerView(&m_source);
-        m_source.shown = std::move(frame);
-        return open();
-    }
-
-    // A wall at a quarter of the range; the confidence grows from 0.5 at the left to 2 at the right.
-    static std::unique_ptr<CkImageData> wall(quint64 uiFrameNumber = 0) {
-        return TestFrame::phase(
-            16, 12,
-            [](int x, int) {
-                return DepthPixel{1.5707964F, 0.5F + 0.1F * float(x)};
-            },
-            uiFrameNumber);
-    }
-
-    LocaleScope locale{QLocale(QLocale::English, QLocale::UnitedStates)};
-    ModalDriver driver;
-    QPointer<CkToFOpticalPathSettingsDlg> dialog;
-};
-
-const QStringList s_dialogKeys = {"ToF.OptCompensateDistorsion", "ToF.OptLensFocalLengthMM",
-                                  "ToF.OptChipCellSizeMM",       "ToF.OptCenterOffsetMM",
-                                  "ToF.OptModulationFreq",       "ToF.OptConfidenceThreshold",
-                                  "ToF.OptRealDistandeOffsetM",  "ToF.OptOrthoRadialCorrection",
-                                  "ToF.RegulateInputFps",        "ToF.MaxInputFps"};
+const QStringList kDialogKeys = {"ToF.OptCompensateDistorsion", "ToF.OptLensFocalLengthMM",
+                                 "ToF.OptChipCellSizeMM",       "ToF.OptCenterOffsetMM",
+                                 "ToF.OptModulationFreq",       "ToF.OptConfidenceThreshold",
+                                 "ToF.OptRealDistandeOffsetM",  "ToF.OptOrthoRadialCorrection",
+                                 "ToF.RegulateInputFps",        "ToF.MaxInputFps"};
 } // namespace
 
-// Stands before the library's own function, writes the key down and calls that one: the file itself does not
-// tell in which order its keys were written.
+// Replaces the library's own function: records the key and calls that one. The order in which keys were
+// written cannot be read from the file.
 void QSettings::setValue(QAnyStringView key, const QVariant& value) {
-    s_writes << key.toString();
+    settingsWrites << key.toString();
     using Function = void (*)(QSettings*, QAnyStringView, const QVariant&);
     static const auto s_real =
         reinterpret_cast<Function>(dlsym(RTLD_NEXT, "_ZN9QSettings8setValueE14QAnyStringViewRK8QVariant"));
@@ -126,7 +28,7 @@ void QSettings::setValue(QAnyStringView key, const QVariant& value) {
 TEST_F(ViewAndDialogTest, OkWritesTheSettingsInTheirOrder) {
     auto view = openOn(wall());
     withDialog(*view, [this] { click(QDialogButtonBox::Ok); });
-    EXPECT_EQ(s_writes, s_dialogKeys);
+    EXPECT_EQ(settingsWrites, kDialogKeys);
 }
 
 TEST_F(ViewAndDialogTest, OkStoresEveryValueApplyAndCancelNone) {
@@ -186,7 +88,7 @@ TEST_F(ViewAndDialogTest, TypingAbcAsTheFocalLengthKeepsTheOldOneAndStillSavesAl
         click(QDialogButtonBox::Ok);
     });
     EXPECT_EQ(view->options().opticalPath.lensFocalLengthMM, 3.5F);
-    QStringList keys = s_dialogKeys;
+    QStringList keys = kDialogKeys;
     keys.sort();
     EXPECT_EQ(storedKeys(), keys);
 }
@@ -284,7 +186,7 @@ TEST_F(ViewAndDialogTest, CancelAfterMovingTheThresholdKeepsItInTheViewUnsaved) 
     });
     EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.7F, 1e-6F);
     EXPECT_FALSE(m_host.stored("ToF.OptConfidenceThreshold").isValid());
-    EXPECT_TRUE(s_writes.isEmpty());
+    EXPECT_TRUE(settingsWrites.isEmpty());
 }
 
 TEST_F(ViewAndDialogTest, OkStoresAMovedThresholdAsItStandsInTheView) {
@@ -348,60 +250,10 @@ TEST_F(ViewAndDialogTest, BoxAndColourActAtOnceAndAreSavedByTheView) {
         EXPECT_EQ(m_host.stored("ToF.BgColor").toUInt(), 0xff0000U);
         click(QDialogButtonBox::Cancel);
     });
-    EXPECT_EQ(s_writes, (QStringList{"ToF.ShowBBox", "ToF.BgColor"}));
+    EXPECT_EQ(settingsWrites, (QStringList{"ToF.ShowBBox", "ToF.BgColor"}));
     withDialog(*view, [this] {
         EXPECT_EQ(child<CkColorPickerLabel>("pickBgColor")->pickerColor(), QColor(255, 0, 0));
         EXPECT_FALSE(child<QCheckBox>("chkBoundingBox")->isChecked());
         click(QDialogButtonBox::Cancel);
     });
-}
-
-TEST_F(ViewAndDialogTest, FramesGoOnAndControlsActWhileTheDialogIsOpenAndMemoryStaysFlat) {
-    const auto frameAt = [](quint64 uiFrame) {
-        return TestFrame::phase(
-            320, 240,
-            [uiFrame](int x, int) {
-                return DepthPixel{0.5F + float(uiFrame % 5), 0.005F * float(x)};
-            },
-            uiFrame);
-    };
-    auto view = openOn(frameAt(0));
-    show(*view, QSize(192, 160));
-    withDialog(*view, [&] {
-        qint64 iSettled = 0;
-        int iFewest = 320 * 240;
-        int iMost = 0;
-        for (quint64 uiFrame = 1; uiFrame <= 450; ++uiFrame) {
-            give(*view, frameAt(uiFrame));
-            ASSERT_NE(view->currentImage(), nullptr);
-            EXPECT_EQ(view->currentImage()->frameId(), qint32(uiFrame));
-            if (uiFrame % 5 == 0) {
-                QTest::keyClick(child("tbConfThreshold"), uiFrame % 10 == 0 ? Qt::Key_End : Qt::Key_Home);
-                QTest::keyClick(child("tbConfThreshold"), Qt::Key_Right);
-                click(QDialogButtonBox::Apply);
-            }
-            iFewest = qMin(iFewest, view->cloud().pointCount());
-            iMost = qMax(iMost, view->cloud().pointCount());
-            QCoreApplication::processEvents();
-            // By then allocators that hold memory back, those of sanitizers among them, have all they want.
-            if (uiFrame == 150) {
-                iSettled = residentKiB();
-            }
-        }
-        // Depth and confidence of a frame take 600 KiB, its cloud 1800 more: 300 of them 175 and 527 MiB.
-        // What the renderer has in hand at one moment and not at the other is some ten clouds.
-        EXPECT_LT(residentKiB() - iSettled, 100 * 1024);
-        EXPECT_LT(iFewest, 320 * 240 / 10);
-        EXPECT_GT(iMost, 320 * 240 * 9 / 10);
-        click(QDialogButtonBox::Cancel);
-    });
-}
-
-TEST_F(ViewAndDialogTest, TheViewMayCloseWhileItsDialogIsOpen) {
-    auto view = openOn(wall());
-    driver.expectWindow([&](QWidget*) { view.reset(); });
-    view->showOpticalPathDlg();
-    EXPECT_EQ(driver.pending(), 0);
-    EXPECT_EQ(view, nullptr);
-    EXPECT_EQ(storedKeys(), QStringList());
 }
