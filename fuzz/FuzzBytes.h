@@ -12,8 +12,9 @@ public:
     uint8_t byte() { return at < size ? bytes[at++] : uint8_t(0); }
     uint32_t word() {
         uint32_t value = 0;
-        for (int count = 0; count < 4; ++count)
+        for (int count = 0; count < 4; ++count) {
             value = value << 8 | byte();
+        }
         return value;
     }
     /// Mostly a number below the limit, now and then any number.

@@ -1,6 +1,6 @@
-// What the recorder takes: a ToF camera's 30 sets a second (640 x 480 x 4 phases, A and B, 16 bit: 147 MB/s),
-// and as much as it can, beside what the disk takes from a plain loop of writes. Every file is read back and
-// compared before a number is told.
+// Throughput of the recorder: at the 30 sets a second of a ToF camera (640 x 480 x 4 phases, A and B, 16 bit:
+// 147 MB/s) and unpaced, compared with a plain loop of writes to the same disk. Every file is read back and
+// verified before a number is printed.
 
 #include "host/recording/CkRecorder.h"
 #include "host/recording/CkRecordingReader.h"
@@ -24,13 +24,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr quint32 width = 640;
-constexpr quint32 height = 480 * 4;
-constexpr quint32 channels = 2;
-constexpr size_t frameBytes = size_t(width) * height * channels * sizeof(quint16);
-constexpr double setsPerSecond = 30.0;
-constexpr int differentFrames = 8;
-constexpr double megabyte = 1e6;
+constexpr quint32 kWidth = 640;
+constexpr quint32 kHeight = 480 * 4;
+constexpr quint32 kChannels = 2;
+constexpr size_t kFrameBytes = size_t(kWidth) * kHeight * kChannels * sizeof(quint16);
+constexpr double kSetsPerSecond = 30.0;
+constexpr int kDifferentFrames = 8;
+constexpr double kMegabyte = 1e6;
 
 double secondsSince(Clock::time_point begin) {
     return std::chrono::duration<double>(Clock::now() - begin).count();
@@ -42,15 +42,15 @@ quint16 sample(int frame, size_t index) {
 
 std::vector<std::unique_ptr<CkImageData>> makeFrames() {
     std::vector<std::unique_ptr<CkImageData>> frames;
-    for (int i = 0; i < differentFrames; ++i) {
+    for (int i = 0; i < kDifferentFrames; ++i) {
         SkPicBuf picture;
-        if (!CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, channels, EkImageDataType::UInt16, 0, 0,
-                                              12, EkDataStorageFormat::Interleaved,
+        if (!CkPicBufAPI::AllocPicBufFromHeap(picture, kWidth, kHeight, kChannels, EkImageDataType::UInt16, 0,
+                                              0, 12, EkDataStorageFormat::Interleaved,
                                               EkColorFilterArray::RawX2AandB, false, false, 0)) {
             return {};
         }
         auto* const samples = reinterpret_cast<quint16*>(picture.data);
-        for (size_t k = 0; k < frameBytes / sizeof(quint16); ++k) {
+        for (size_t k = 0; k < kFrameBytes / sizeof(quint16); ++k) {
             samples[k] = sample(i, k);
         }
         frames.push_back(std::make_unique<CkImageData>());
@@ -69,8 +69,8 @@ bool isRight(const QString& file, qint64 expected) {
     }
     for (qint64 i = 0; i < expected; i += std::max<qint64>(1, expected / 10)) {
         const auto frame = reader.read(i, &error);
-        const int number = frame != nullptr ? int(frame->metadata().frameNumber) % differentFrames : 0;
-        for (size_t k = 0; frame != nullptr && k < frameBytes / sizeof(quint16); k += 9973) {
+        const int number = frame != nullptr ? int(frame->metadata().frameNumber) % kDifferentFrames : 0;
+        for (size_t k = 0; frame != nullptr && k < kFrameBytes / sizeof(quint16); k += 9973) {
             if (reinterpret_cast<const quint16*>(frame->picBuf().data)[k] != sample(number, k)) {
                 std::printf("  WRONG samples in frame %lld\n", static_cast<long long>(i));
                 return false;
@@ -110,18 +110,18 @@ bool record(const QString& file, const std::vector<std::unique_ptr<CkImageData>>
         if (paced) {
             std::this_thread::sleep_until(
                 begin + std::chrono::duration_cast<Clock::duration>(
-                            std::chrono::duration<double>(double(offered) / setsPerSecond)));
+                            std::chrono::duration<double>(double(offered) / kSetsPerSecond)));
         } else if (!recorder.waitForRoom()) {
             break;
         }
-        recorder.takeFrame(numbered(*frames[size_t(offered % differentFrames)], offered));
+        recorder.takeFrame(numbered(*frames[size_t(offered % kDifferentFrames)], offered));
         longestQueue = std::max(longestQueue, recorder.state().waiting);
         ++offered;
     }
     recorder.stop();
     const double took = secondsSince(begin);
     const CkRecorder::SkState state = recorder.state();
-    const double rate = double(state.written) * double(frameBytes) / took / megabyte;
+    const double rate = double(state.written) * double(kFrameBytes) / took / kMegabyte;
     std::printf(
         "  %-28s %5lld sets offered, %5lld written, %lld dropped, queue at most %2d of %d, %7.1f MB/s of "
         "samples, %.2f of a plain loop%s\n",
@@ -136,20 +136,20 @@ bool record(const QString& file, const std::vector<std::unique_ptr<CkImageData>>
     return right && (!paced || state.dropped == 0);
 }
 
-/// MB/s that a loop of writes gets to the same place.
+/// MB/s of a plain loop of writes to the same place.
 double plainLoop(const QString& file, const CkImageData& frame, double seconds) {
     const int handle = ::open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     const auto begin = Clock::now();
     double written = 0.0;
     while (handle >= 0 && secondsSince(begin) < seconds) {
-        const ssize_t done = ::write(handle, frame.picBuf().data, frameBytes);
+        const ssize_t done = ::write(handle, frame.picBuf().data, kFrameBytes);
         if (done <= 0) {
             break;
         }
         written += double(done);
     }
     ::close(handle);
-    const double rate = written / secondsSince(begin) / megabyte;
+    const double rate = written / secondsSince(begin) / kMegabyte;
     QFile::remove(file);
     return rate;
 }
@@ -166,8 +166,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const QString file = place.filePath(QStringLiteral("a.tif"));
-    std::printf("A set: %u x %u x %u x 2 bytes = %.2f MB; to %s, %.0f s each\n", width, height, channels,
-                double(frameBytes) / megabyte, qPrintable(folder), seconds);
+    std::printf("A set: %u x %u x %u x 2 bytes = %.2f MB; to %s, %.0f s each\n", kWidth, kHeight, kChannels,
+                double(kFrameBytes) / kMegabyte, qPrintable(folder), seconds);
     const double plain = plainLoop(file, *frames.front(), seconds);
     std::printf("  %-28s %.1f MB/s\n", "plain loop of writes:", plain);
     const bool paced = record(file, frames, seconds, EkRecordingCompression::None, true, plain);

@@ -1,5 +1,5 @@
-// Sets a second of the simulated sensors on one core. Every benchmark first checks that what it is about to
-// time is right, and stops when it is not.
+// Sets a second of the simulated sensors on one core. Every benchmark first verifies the result of what it
+// times, and stops when it is wrong.
 
 #include "sim/synth/CkSimHybridSynth.h"
 #include "sim/synth/CkSimWaveSynth.h"
@@ -27,15 +27,16 @@ struct SkFrame : SkPicBuf {
     }
 };
 
-constexpr int ANGLES[8] = {0, 90, 180, 270, 45, 135, 225, 315};
+constexpr int kAngles[8] = {0, 90, 180, 270, 45, 135, 225, 315};
 
 void makeWaveSet(CkSimWaveSynth& synth, CkSimRaster& raster, quint64 set, int phases, SkFrame& frame) {
     raster.moveTo(double(set) / 30.0);
-    for (int phase = 0; phase < phases; ++phase)
-        synth.writePhase(raster, set, ANGLES[phase], frame, quint32(phase * raster.lens().height));
+    for (int phase = 0; phase < phases; ++phase) {
+        synth.writePhase(raster, set, kAngles[phase], frame, quint32(phase * raster.lens().height));
+    }
 }
 
-/// Mean error of the distances that a four-phase set of A and B taps gives, metres.
+/// Mean distance error, in metres, of a four-phase set of A and B taps.
 double meanWaveError(const SkFrame& frame, const CkSimRaster& raster, double modulationMHz) {
     const int rows = raster.lens().height;
     const int columns = raster.lens().width;
@@ -43,8 +44,9 @@ double meanWaveError(const SkFrame& frame, const CkSimRaster& raster, double mod
     double sum = 0.0;
     for (int row = 0; row < rows; ++row) {
         const quint16* line[4];
-        for (int phase = 0; phase < 4; ++phase)
+        for (int phase = 0; phase < 4; ++phase) {
             line[phase] = reinterpret_cast<const quint16*>(frame.row(quint32(phase * rows + row)));
+        }
         for (int column = 0; column < columns; ++column) {
             const auto difference = [&](int phase) {
                 return double(line[phase][2 * column]) - double(line[phase][2 * column + 1]);
@@ -103,8 +105,9 @@ void hybridSets(benchmark::State& state) {
             const double first = line[3 * column] - third;
             const double second = line[3 * column + 1] - third;
             const double truth = double(raster.distance()[row * 832 + column]);
-            if (first + second > 100.0)
+            if (first + second > 100.0) {
                 sum += second / (first + second) * CkSimHybridSynth::range(pulseNs) - truth;
+            }
         }
     }
     if (std::abs(sum) / (832.0 * 600.0) > 0.005) {
@@ -114,9 +117,10 @@ void hybridSets(benchmark::State& state) {
     quint64 set = 0;
     for (auto _ : state) {
         raster.moveTo(double(set) / 30.0);
-        for (int section = 0; section < sections; ++section)
+        for (int section = 0; section < sections; ++section) {
             synth.writeSection(raster, set, section, CkSimHybridSynth::EkSection::Plain, frame,
                                quint32(section) * 600U);
+        }
         ++set;
         benchmark::DoNotOptimize(frame.data);
         benchmark::ClobberMemory();

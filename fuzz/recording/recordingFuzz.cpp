@@ -8,8 +8,8 @@
 
 namespace {
 
-// Enough for every path; more only makes each run slower.
-constexpr qint64 mostFrames = 6;
+// Enough to reach every path; more only slow each run down.
+constexpr qint64 kMostFrames = 6;
 
 std::string checkText(const QByteArray& text) {
     SkFrameDescription first;
@@ -26,7 +26,7 @@ std::string checkText(const QByteArray& text) {
     return second.toText(&again) == written ? std::string() : "a text changes when it is written again";
 }
 
-/// Touches every sample, for the sanitizer to see.
+/// Reads every sample, so that the sanitizer checks the access.
 bool hasAllSamples(const SkPicBuf& picture) {
     const size_t row = size_t(picture.width) * picture.channels * sampleBytes(picture.dataType);
     quint32 sum = 0;
@@ -80,9 +80,9 @@ std::string checkRecording(const uint8_t* bytes, size_t size) {
     if (!reader.open(file.name(), &error)) {
         return error.contains(file.name()) ? std::string() : "a refused file is not named";
     }
-    // Half of the frames from the end: what is behind a damage must not be reached.
+    // Half of the frames from the end: nothing after the damage may be reachable.
     const qint64 frames = reader.frameCount();
-    for (qint64 step = 0; step < std::min(frames, mostFrames); ++step) {
+    for (qint64 step = 0; step < std::min(frames, kMostFrames); ++step) {
         std::string broken = checkFrame(reader, step % 2 == 0 ? step / 2 : frames - 1 - step / 2);
         if (!broken.empty()) {
             return broken;

@@ -5,7 +5,7 @@
 #include <string>
 
 /// Opens the bytes as a recording and reads it, or, when they begin with a brace, reads them as the text of a
-/// page. Empty when every promise was kept, otherwise what was broken: a refusal says why and names the file,
-/// a frame has the format its description tells, every sample of it can be read, a text that was read and
+/// page. Empty when every contract held, otherwise the violation: a refusal has a reason and names the file,
+/// a frame has the format of its description, every sample of it can be read, a text that was read and
 /// written again says the same.
 std::string checkRecording(const uint8_t* bytes, size_t size);

@@ -1,4 +1,4 @@
-// Writes the recordings that the fuzzing begins with into the folder that is named.
+// Writes the seed recordings of the fuzz target into the folder given as argument.
 #include "host/recording/CkRecordingWriter.h"
 #include "tests/support/ForeignTiff.h"
 #include "tests/support/HostileFiles.h"
@@ -58,7 +58,7 @@ void writeOurs(const QString& file, quint32 channels, EkImageDataType type,
     require(writer.close(), file);
 }
 
-/// Files that ask for more than they hold, small enough for the fuzzing.
+/// Files that claim more than they hold, small enough for a fuzz corpus.
 void writeHostile(const QDir& folder) {
     const auto name = [&folder](const char* shape) {
         return folder.filePath(QStringLiteral("hostile-%1.tif").arg(QLatin1String(shape)));

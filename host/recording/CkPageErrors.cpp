@@ -6,7 +6,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto betweenTexts = 500ms;
+constexpr auto kBetweenTexts = 500ms;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkPageErrors)
@@ -21,7 +21,7 @@ QString CkPageErrors::text() const {
 QString CkPageErrors::add(const QString& sError, Clock::time_point now) {
     m_sLast = sError;
     ++m_iInRow;
-    m_bHeldBack = m_iInRow > 1 && now - m_shown < betweenTexts;
+    m_bHeldBack = m_iInRow > 1 && now - m_shown < kBetweenTexts;
     if (m_bHeldBack) {
         return {};
     }

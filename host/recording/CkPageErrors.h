@@ -4,16 +4,16 @@
 
 #include <chrono>
 
-/// Errors of pages that are read one after the other, as texts to be shown. The first one of a row comes at
-/// once, the others twice a second with their number: a file may have a million pages that cannot be read,
-/// and whoever shows the texts is slower than they come.
+/// Condenses the errors of consecutive pages into messages for the user. The first error of a run is reported
+/// at once, the following ones twice a second with their count: a file may have a million unreadable pages,
+/// and the log cannot keep up with one message each.
 class CkPageErrors {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// After a page that could not be read, or not whole. Empty when there is nothing to be shown now.
+    /// After a page that could not be read completely. The message to show now, or empty.
     QString add(const QString& sError, Clock::time_point now);
-    /// After a page that could be read, and behind the last one: what add has held back, or empty.
+    /// After a readable page, and after the last page: the message that add() held back, or empty.
     QString endOfRow();
 
 private:

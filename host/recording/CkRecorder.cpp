@@ -1,5 +1,6 @@
 #include "host/recording/CkRecorder.h"
 
+#include "host/recording/ForeignMembers.h"
 #include "zuCore/CkImageData.h"
 
 #include <QCoreApplication>
@@ -142,7 +143,7 @@ void CkRecorder::run() {
         const bool broken = !m_state.error.isEmpty();
         lock.unlock();
         const bool written =
-            !broken && m_writer.write(frame->picBuf(), frame->metadata(), CkForeignMembers::of(*frame));
+            !broken && m_writer.write(frame->picBuf(), frame->metadata(), ForeignMembers::of(*frame));
         frame.reset();
         lock.lock();
         m_bWriting = false;

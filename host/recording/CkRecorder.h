@@ -10,53 +10,52 @@
 #include <mutex>
 #include <thread>
 
-/// Records the frames of a block. Writing happens on a thread of the recorder's own; a frame that finds the
-/// queue full is dropped and counted. After a write error every further frame is. Any thread, start and stop
-/// one at a time.
+/// Records the frames of a block. A thread of its own writes them; a frame that finds the queue full is
+/// dropped and counted, and so is every frame after a write error. Any thread; start and stop one at a time.
 class CkRecorder : public IkFrameSink {
 public:
     struct SkOptions {
         EkRecordingCompression compression = EkRecordingCompression::None;
-        int queueFrames = 16; ///< frames that may wait for the disk, at least 1
+        int queueFrames = 16; ///< capacity of the queue to the disk, at least 1
     };
     struct SkState {
         qint64 written = 0; ///< frames that are in the file
-        qint64 dropped = 0; ///< frames that are not and will not be
-        int waiting = 0;    ///< frames in the queue, with the one that is being written
+        qint64 dropped = 0; ///< frames that never will be
+        int waiting = 0;    ///< frames in the queue, including the one being written
         quint64 bytes = 0;  ///< of the file
-        QString error;      ///< names file and page; empty while all is well
+        QString error;      ///< names file and page; empty without one
     };
 
     CkRecorder();
     /// Stops.
     ~CkRecorder() override;
 
-    /// Makes the file and takes frames from then on. False, with psError, when the file cannot be written or
-    /// the recorder runs already.
+    /// Creates the file; from then on frames are recorded. False, with psError, when the file cannot be
+    /// written or the recorder runs already.
     bool start(const QString& sFileName, const SkRecordingInfo& recording, const SkOptions& options,
                QString* psError);
-    /// Writes what waits and closes the file. Frames that come later are deleted and not counted. False when
-    /// a frame was lost or an error was met; the state tells.
+    /// Writes the queued frames and closes the file. Frames that arrive later are deleted and not counted.
+    /// False when a frame was dropped or an error occurred, see state().
     bool stop();
     bool isRunning() const;
 
     SkState state() const;
-    /// Called after each drop and each error, from the thread that noticed; quick, and not calling back. Set
-    /// it while stopped.
+    /// Called after each dropped frame and each error, on the thread that detected it. Must return quickly
+    /// and not call the recorder. To be set while stopped.
     void setTroubleFunction(std::function<void(const SkState&)> trouble);
 
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override;
 
-    /// Waits until the queue has room, for producers that would rather wait than lose a frame. False when the
-    /// recorder does not run or has met an error.
+    /// Blocks until the queue has room, for producers that prefer back-pressure to dropped frames. False when
+    /// the recorder is stopped or an error occurred.
     bool waitForRoom();
 
 private:
     void run();
     SkState stateLocked() const;
 
-    mutable std::mutex m_mutex; ///< guards all but the writer, which is the thread's while it runs
+    mutable std::mutex m_mutex; ///< guards all but the writer, which belongs to the thread while it runs
     std::condition_variable m_changed;
     std::deque<std::unique_ptr<CkImageData>> m_queue;
     SkState m_state;

@@ -1,6 +1,7 @@
 #include "host/recording/CkRecordingReader.h"
 
 #include "host/recording/CkTiffPage.h"
+#include "host/recording/ForeignMembers.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -110,7 +111,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         frame->setPicBuf(picBuf);
         frame->setMetadata(description.metadata);
         if (!description.object.isEmpty()) {
-            CkForeignMembers::give(*frame, description.foreignMembers());
+            ForeignMembers::give(*frame, description.foreignMembers());
         }
         const CkTiffPage::EkResult result = page.readSamples(frame->picBuf(), reason);
         if (result != CkTiffPage::EkResult::Complete) {

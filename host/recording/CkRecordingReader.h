@@ -4,8 +4,8 @@
 #include "host/recording/IkFrameFile.h"
 #include "host/recording/SkReadLimits.h"
 
-/// Reads recordings, and TIFF files of others as stacks of pictures. Open on one thread; after that any
-/// number of threads may read, each frame in the same time wherever it is.
+/// Reads recordings, and the TIFF files of other programs as stacks of pictures. Open on one thread; after
+/// that any number of threads may read. Access is random: every frame takes the same time.
 class CkRecordingReader : public IkFrameFile {
 public:
     explicit CkRecordingReader(const SkReadLimits& limits = {});
@@ -13,9 +13,8 @@ public:
     CkRecordingReader(const CkRecordingReader&) = delete;
     CkRecordingReader& operator=(const CkRecordingReader&) = delete;
 
-    /// Finds all pages. False, with psError, when there is not one frame to be read or the search was
-    /// cancelled. A file that is damaged further on opens with the frames in front of the damage; one of more
-    /// pages than the limit counts as damaged there.
+    /// Finds all pages. False, with psError, when the file has no readable frame or the search was cancelled.
+    /// A damaged file opens with the frames before the damage; a page beyond the limit counts as damage.
     bool open(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
 
     QString damage() const override { return m_sDamage; }

@@ -18,8 +18,8 @@ namespace {
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "Samples are written as they lie in memory.");
 
-constexpr quint64 headerBytes = 16;
-constexpr quint64 linkInHeader = 8;
+constexpr quint64 kHeaderBytes = 16;
+constexpr quint64 kLinkInHeader = 8;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingWriter)
@@ -48,7 +48,7 @@ bool isKnown(EkImageDataType dataType) {
     return dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::Other16;
 }
 
-/// The directory of a page, and what does not fit into its entries, for a place in the file that is known.
+/// Builds a page directory, with the values too large for its entries, for a known file offset.
 class CkDirectory {
 public:
     explicit CkDirectory(quint64 uiOffset) : m_uiOffset(uiOffset) {}
@@ -74,11 +74,11 @@ public:
         addEntry(tag, TIFF_ASCII, count, field);
     }
 
-    /// Everything to be written at the offset; the directory begins uiDirectory bytes behind it and the link
-    /// to the next one uiLink bytes.
+    /// The bytes to write at the offset. uiDirectory and uiLink: where in them the directory and its link to
+    /// the next one begin.
     QByteArray bytes(quint64& uiDirectory, quint64& uiLink) {
         const quint64 count = quint64(m_entries.size()) / 20;
-        // The link is then a multiple of 8 and lies in one page of memory: no reader sees half of it.
+        // Aligned to 8 the link never crosses a memory page, so no concurrent reader sees half of it.
         quint64 start = alignedUp(m_uiOffset + quint64(m_outside.size()), 8);
         start += count % 2 == 0 ? 0 : 4;
         uiDirectory = start - m_uiOffset;
@@ -95,7 +95,7 @@ private:
     static void append(QByteArray& bytes, Value value) {
         bytes.append(reinterpret_cast<const char*>(&value), sizeof(value));
     }
-    // Tags have to come in ascending order.
+    // TIFF requires ascending tags.
     void addEntry(quint16 tag, quint16 type, quint64 count, quint64 field) {
         append(m_entries, qToLittleEndian(tag));
         append(m_entries, qToLittleEndian(type));
@@ -108,7 +108,7 @@ private:
     QByteArray m_outside;
 };
 
-/// Each sample less its left neighbour, from right to left; wraps around.
+/// The horizontal predictor: each sample minus its left neighbour, from right to left; wraps around.
 template <typename Sample>
 void predictRow(quint8* row, size_t samples, size_t channels) {
     for (size_t i = samples; i-- > channels;) {
@@ -183,9 +183,9 @@ bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& re
         return false;
     }
     // Little endian, BigTIFF, offsets of 8 bytes, no page yet.
-    const quint8 header[headerBytes] = {'I', 'I', 43, 0, 8};
-    m_uiEnd = headerBytes;
-    m_uiLink = linkInHeader;
+    const quint8 header[kHeaderBytes] = {'I', 'I', 43, 0, 8};
+    m_uiEnd = kHeaderBytes;
+    m_uiLink = kLinkInHeader;
     if (!writeAt(header, sizeof(header), 0)) {
         const QString reason = m_sError;
         close();
@@ -216,7 +216,7 @@ QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t uiBytes) {
                        sampleBytes(picBuf.dataType));
         }
     }
-    // Qt puts the length in front of an ordinary zlib stream; the page wants the stream alone.
+    // qCompress puts the length before the zlib stream; TIFF stores the stream alone.
     return qCompress(m_packed.data(), qsizetype(uiBytes), 1).mid(4);
 }
 
@@ -229,9 +229,9 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         picBuf.channels > 4) {
         return fail(Texts::tr("A picture of this format cannot be recorded."));
     }
-    // Checked factor by factor: the product of all may overflow.
+    // Checked factor by factor: the full product may overflow.
     const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
-    if (row > MaximumPictureBytes || row * picBuf.height > MaximumPictureBytes) {
+    if (row > kMaximumPictureBytes || row * picBuf.height > kMaximumPictureBytes) {
         return fail(Texts::tr("The picture is larger than 1 GiB."));
     }
     try {
@@ -294,7 +294,7 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         const quint64 pageOffset = qToLittleEndian(behind + directory);
         if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), behind) ||
             !writeAt(&pageOffset, sizeof(pageOffset), m_uiLink)) {
-            // What did not become a page gives its space back; without that the file is just longer.
+            // Frees the space of the failed page. Should that fail too, the file is merely longer.
             [[maybe_unused]] const int code = ::ftruncate(m_iFile, off_t(m_uiEnd));
             return false;
         }

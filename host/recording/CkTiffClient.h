@@ -7,8 +7,8 @@
 
 class CkTiffFile;
 
-/// libtiff's view of a file: a header that makes one page the first one, and then what the file holds. One
-/// thread at a time; the file has to outlive it.
+/// libtiff's view of a file: a synthetic header that makes one page the first one, followed by the file's own
+/// bytes. One thread at a time; the file must outlive it.
 class CkTiffClient {
 public:
     CkTiffClient(const CkTiffFile& file, quint64 uiPageOffset);
@@ -19,7 +19,7 @@ public:
     /// Null, with error, when the page's directory cannot be read or asks for too much.
     TIFF* tif() const { return m_tif; }
     const CkTiffFile& file() const { return m_file; }
-    /// What libtiff complained of first.
+    /// The first error that libtiff reported.
     const QString& error() const { return m_error; }
     void clearError() { m_error.clear(); }
 

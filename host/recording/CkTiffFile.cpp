@@ -16,8 +16,8 @@
 
 namespace {
 
-constexpr quint64 maximumEntries = 4096; // of a directory; real ones have two dozen
-constexpr qint64 pagesPerReport = 256;
+constexpr quint64 kMaximumEntries = 4096; // of a directory; two dozen are usual
+constexpr qint64 kPagesPerReport = 256;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
@@ -70,7 +70,7 @@ qint64 CkTiffFile::readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const
             return -1;
         }
         if (done == 0) {
-            break; // somebody made the file shorter
+            break; // the file was truncated meanwhile
         }
         next += done;
         uiOffset += quint64(done);
@@ -89,7 +89,7 @@ quint64 CkTiffFile::number(const quint8* pBytes, int iBytes) const {
 
 bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
     m_sFileName = sFileName;
-    // Not to hang on a pipe that nobody writes to.
+    // O_NONBLOCK: opening a pipe without a writer would block.
     m_iFile = ::open(QFile::encodeName(sFileName).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status = {};
     if (m_iFile < 0 || ::fstat(m_iFile, &status) != 0) {
@@ -147,7 +147,7 @@ bool CkTiffFile::readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes
         return false;
     }
     uiCount = number(pBytes, countBytes);
-    if (uiCount == 0 || uiCount > maximumEntries) {
+    if (uiCount == 0 || uiCount > kMaximumEntries) {
         sReason = Texts::tr("There is no directory where the page should have one.");
         return false;
     }
@@ -157,7 +157,7 @@ bool CkTiffFile::readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes
 bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const {
     const int countBytes = m_bBigTiff ? 8 : 2;
     const int linkBytes = m_bBigTiff ? 8 : 4;
-    // One read is enough for the directories of recordings.
+    // The directory of a recorded page fits into one read.
     quint8 block[512];
     const qint64 got = readAt(block, sizeof(block), uiOffset);
     quint64 count = 0;
@@ -189,22 +189,22 @@ bool CkTiffFile::checkDirectory(quint64 uiPageOffset, QString& sReason) const {
         sReason = Texts::tr("The file ends inside the page's directory.");
         return false;
     }
-    // Each count is below 2^64 / 8 once it is below the limit, and there are few entries: no overflow.
+    // No overflow: each count is clamped to the limit, and there are few entries.
     quint64 bytes = 0;
-    for (size_t at = 0; at < entries.size() && bytes <= SkReadLimits::directoryBytes; at += entryBytes()) {
+    for (size_t at = 0; at < entries.size() && bytes <= SkReadLimits::kDirectoryBytes; at += entryBytes()) {
         const quint64 values = number(entries.data() + at + 4, m_bBigTiff ? 8 : 4);
         const quint64 valueBytes = bytesOfType(number(entries.data() + at + 2, 2));
-        bytes += std::min(values, SkReadLimits::directoryBytes + 1) * valueBytes;
+        bytes += std::min(values, SkReadLimits::kDirectoryBytes + 1) * valueBytes;
     }
-    if (bytes > SkReadLimits::directoryBytes) {
+    if (bytes > SkReadLimits::kDirectoryBytes) {
         sReason = Texts::tr("The page's directory asks for more than %1 MiB beside the samples.")
-                      .arg(SkReadLimits::directoryBytes >> 20U);
+                      .arg(SkReadLimits::kDirectoryBytes >> 20U);
         return false;
     }
     return true;
 }
 
-// The pages found end with a circle of this length, perhaps run through several times.
+// The index ends with a cycle of this length, possibly repeated.
 void CkTiffFile::cutCircle(quint64 uiLength) {
     size_t first = 0;
     while (m_pages[first] != m_pages[first + uiLength]) {
@@ -219,8 +219,8 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFu
     quint8 header[16] = {};
     readAt(header, sizeof(header), 0);
     quint64 offset = m_bBigTiff ? number(header + 8, 8) : number(header + 4, 4);
-    // A page that comes again is found by comparing with the one at the last power of two: no set of all
-    // pages is needed, and a circle is run through a few times at most.
+    // Cycle detection after Brent: each page is compared with the one at the last power of two. That needs no
+    // set of all pages and visits a cycle a few times at most.
     quint64 mark = 0;
     qint64 markedAt = 0;
     while (offset != 0) {
@@ -246,7 +246,7 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFu
         }
         m_pages.push_back(offset);
         offset = next;
-        if (progress && ((pages + 1) % pagesPerReport == 0 || offset == 0) &&
+        if (progress && ((pages + 1) % kPagesPerReport == 0 || offset == 0) &&
             !progress(pages + 1, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
             sReason = Texts::tr("Opening was cancelled.");
             return EkIndex::Cancelled;

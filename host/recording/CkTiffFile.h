@@ -5,8 +5,8 @@
 #include <functional>
 #include <vector>
 
-/// A TIFF or BigTIFF file opened for reading, and where its pages are. After open and readIndex any number of
-/// threads may read.
+/// A TIFF or BigTIFF file opened for reading, with the index of its pages. After open and readIndex any
+/// number of threads may read.
 class CkTiffFile {
 public:
     /// Pages found so far and the share of the file they lie in, 0 to 1. Answering false ends the search.
@@ -21,23 +21,23 @@ public:
     bool open(const QString& sFileName, QString& sReason);
 
     enum class EkIndex { Complete, Damaged, Cancelled };
-    /// Follows the chain of pages. Damaged: pages up to the damage are known, sReason says what is wrong with
-    /// the one behind them; a file of more than iMaximumPages pages is damaged there.
+    /// Follows the chain of pages. Damaged: the pages before the damage are indexed, sReason says what is
+    /// wrong with the next one. A page beyond iMaximumPages counts as damage.
     EkIndex readIndex(qint64 iMaximumPages, const ProgressFunction& progress, QString& sReason);
 
     /// False, with sReason, for a page whose directory asks for more memory than any real one
-    /// (SkReadLimits::directoryBytes). To be asked before the directory is handed to libtiff, which reads
-    /// every tag, known or not.
+    /// (SkReadLimits::kDirectoryBytes). To be checked before libtiff sees the directory, for it reads every
+    /// tag, known or not.
     bool checkDirectory(quint64 uiPageOffset, QString& sReason) const;
 
     const std::vector<quint64>& pageOffsets() const { return m_pages; }
     quint64 byteCount() const { return m_uiBytes; }
     QString fileName() const { return m_sFileName; }
 
-    /// The file's header with another page as the first one; answers its length, at most 16.
+    /// A header for this file with another first page. Returns its length, at most 16.
     size_t headerFor(quint64 uiPageOffset, quint8* pHeader) const;
 
-    /// Bytes read; fewer than asked for at the end of the file, -1 on an error.
+    /// Number of bytes read: fewer than requested at the end of the file, -1 on an error.
     qint64 readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const;
 
 private:

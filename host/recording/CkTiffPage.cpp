@@ -17,8 +17,8 @@
 
 namespace {
 
-// Rows of memory begin at multiples of this at most.
-constexpr quint32 maximumPadding = 4096;
+// Largest row alignment that is restored from a recording.
+constexpr quint32 kMaximumPadding = 4096;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingReader)
@@ -96,7 +96,7 @@ bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString&
     while (std::isspace(quint8(*words)) != 0) {
         ++words;
     }
-    // Others write long texts of their own, which are no concern of ours.
+    // Other programs may store long texts of any kind here.
     if (*words != '{') {
         return true;
     }
@@ -107,14 +107,14 @@ bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString&
         return false;
     }
     bOurs = description.fromText(QByteArray::fromRawData(words, qsizetype(length)));
-    // More bits than a sample has would be a shift out of range for whoever scales by them.
+    // More bits than a sample has would make scaling code shift out of range.
     const quint32 sampleBits = 8 * sampleBytes(description.info.dataType);
     if (description.info.bitsPerChannel == 0 || description.info.bitsPerChannel > sampleBits) {
         description.info.bitsPerChannel = sampleBits;
     }
-    // How rows lay in memory when the frame was recorded is a wish; a large one is not worth its memory.
+    // The recorded row padding is only a hint; a large one is not worth its memory.
     SkPicBufInfo& info = description.info;
-    if (info.linePadding > maximumPadding ||
+    if (info.linePadding > kMaximumPadding ||
         (quint64(info.lineSize) + info.linePadding) * info.height > m_uiLimit) {
         info.linePadding = 0;
     }
@@ -154,7 +154,7 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
         return false;
     }
     const quint64 row = quint64(width) * (samples * sampleBytes(info.dataType));
-    if (row > CkRecordingWriter::MaximumPictureBytes) {
+    if (row > CkRecordingWriter::kMaximumPictureBytes) {
         sReason = tooLarge(info);
         return false;
     }
@@ -165,10 +165,10 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
 bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
     TIFF* const tif = m_client->tif();
     const SkTiffParts parts = SkTiffParts::of(tif, info);
-    if (parts.count == 0 || parts.count > SkReadLimits::maximumParts) {
+    if (parts.count == 0 || parts.count > SkReadLimits::kMaximumParts) {
         sReason = Texts::tr("The page is said to be cut into %1 strips or tiles; 1 to %2 are read.")
                       .arg(parts.count)
-                      .arg(SkReadLimits::maximumParts);
+                      .arg(SkReadLimits::kMaximumParts);
         return false;
     }
     uint16_t compression = COMPRESSION_NONE;
@@ -176,14 +176,14 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
     const quint64 fileBytes = m_client->file().byteCount();
     const quint64 unpacked = parts.unpackedBytes(info);
     if (compression == COMPRESSION_NONE) {
-        m_uiLimit =
-            std::min(CkRecordingWriter::MaximumPictureBytes, SkReadLimits::smallPictureBytes + 2 * fileBytes);
+        m_uiLimit = std::min(CkRecordingWriter::kMaximumPictureBytes,
+                             SkReadLimits::kSmallPictureBytes + 2 * fileBytes);
         sReason = unpacked > m_uiLimit ? tooLarge(info) : QString();
         return sReason.isEmpty();
     }
     const quint64 stored = parts.storedBytes(tif, fileBytes);
     m_uiLimit =
-        std::min(m_limits.unpackedBytes, SkReadLimits::smallPictureBytes + stored * m_limits.expansion);
+        std::min(m_limits.unpackedBytes, SkReadLimits::kSmallPictureBytes + stored * m_limits.expansion);
     if (unpacked > m_uiLimit) {
         sReason =
             Texts::tr("The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages "
@@ -195,8 +195,8 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
                 .arg(m_limits.expansion);
         return false;
     }
-    // libtiff takes a strip's bytes into memory before it unpacks them; nothing grows by packing to twice.
-    if (parts.largestStored(tif, fileBytes) > SkReadLimits::smallPictureBytes + 2 * parts.partBytes(info)) {
+    // libtiff loads the compressed bytes of a strip before it unpacks them. No compression doubles the size.
+    if (parts.largestStored(tif, fileBytes) > SkReadLimits::kSmallPictureBytes + 2 * parts.partBytes(info)) {
         sReason =
             Texts::tr("A strip or tile of the page is said to have more compressed bytes than samples.");
         return false;
@@ -219,7 +219,7 @@ bool CkTiffPage::readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSo
         bSome = bSome || got > 0;
         return false;
     }
-    // Plain samples can be shown as far as the file goes.
+    // Of an uncompressed page, whatever the file still holds is shown.
     const qint64 plain = m_client->file().readAt(pBytes, quint64(iBytes), offset);
     bSome = bSome || plain > 0;
     return false;
@@ -233,7 +233,7 @@ CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason)
         sReason = reason(Texts::tr("The samples cannot be read."));
     }
     if (m_bForeignRgb) {
-        // Colour pictures of the house come as blue, green, red.
+        // Colour pictures are blue, green, red in memory.
         const size_t bytes = sampleBytes(picBuf.dataType);
         for (quint32 y = 0; y < picBuf.height; ++y) {
             for (quint32 x = 0; x < picBuf.width; ++x) {

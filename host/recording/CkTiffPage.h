@@ -9,8 +9,8 @@ class CkTiffClient;
 class CkTiffFile;
 struct SkTiffParts;
 
-/// One page of a TIFF file, opened without walking through those in front of it. One thread at a time;
-/// several pages of a file may be read by several threads.
+/// One page of a TIFF file, opened directly at its offset. One thread at a time; different pages of a file
+/// may be read on different threads.
 class CkTiffPage {
 public:
     CkTiffPage(const CkTiffFile& file, qint64 iPage, const SkReadLimits& limits);
@@ -20,12 +20,11 @@ public:
 
     enum class EkResult { Complete, Partial, Failed };
 
-    /// Format and text of the page. A page of somebody else's has no metadata but its number. False, with
-    /// sReason, when the page cannot be read, asks for more than the limits allow or its samples have an
-    /// unsupported form.
+    /// Format and text of the page. A page of another program has no metadata but its number. False, with
+    /// sReason, when the page cannot be read, exceeds the limits or has samples of an unsupported form.
     bool describe(SkFrameDescription& description, QString& sReason);
 
-    /// Reads the samples into a picture of the format told by describe, which has to be called before.
+    /// Reads the samples into a picture of the format from describe(), which must be called first.
     /// Partial: what could not be read is 0; sReason says why.
     EkResult readSamples(SkPicBuf& picBuf, QString& sReason);
 
@@ -43,6 +42,6 @@ private:
     std::unique_ptr<CkTiffClient> m_client;
     SkReadLimits m_limits;
     qint64 m_iPage;
-    quint64 m_uiLimit = 0; ///< of what this page's samples may take
+    quint64 m_uiLimit = 0; ///< bytes that the samples of this page may take
     bool m_bForeignRgb = false;
 };

@@ -1,6 +1,7 @@
 #include "host/recording/CkVideoSource.h"
 
 #include "host/recording/CkOpeningProgress.h"
+#include "host/recording/FrameFiles.h"
 #include "zuCore/CkChain.h"
 
 #include <QDomElement>
@@ -37,7 +38,7 @@ CkVideoSource::~CkVideoSource() {
 }
 
 bool CkVideoSource::openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress) {
-    const std::shared_ptr<const IkFrameFile> file = CkFrameFiles::open(sFileName, psError, progress);
+    const std::shared_ptr<const IkFrameFile> file = FrameFiles::open(sFileName, psError, progress);
     if (file == nullptr) {
         return false;
     }

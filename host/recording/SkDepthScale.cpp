@@ -1,6 +1,6 @@
 #include "host/recording/SkDepthScale.h"
 
-#include "host/recording/SkFrameDescription.h"
+#include "host/recording/ForeignMembers.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -14,7 +14,7 @@ void scaleRow(const quint8* from, float* to, quint32 width, const SkDepthScale& 
     for (quint32 x = 0; x < width; ++x) {
         Sample value;
         std::memcpy(&value, from + size_t(x) * sizeof(Sample), sizeof(Sample));
-        // In double precision: counts above 2^24 are no floats.
+        // In double precision: a float does not hold counts above 2^24.
         to[x] = scale.zeroIsNothing && value == Sample(0) ? std::numeric_limits<float>::quiet_NaN()
                                                           : float(double(value) * scale.metresPerCount);
     }
@@ -83,7 +83,7 @@ std::unique_ptr<CkImageData> SkDepthScale::scaled(const CkImageData& frame) cons
     auto result = std::make_unique<CkImageData>();
     result->setPicBuf(to);
     result->setMetadata(scaledMetadata(frame.metadata()));
-    CkForeignMembers::give(*result, CkForeignMembers::of(frame));
+    ForeignMembers::give(*result, ForeignMembers::of(frame));
     SkPicBuf& picture = result->picBuf();
     const RowFunction scaleOne = rowFunction(from.dataType);
     for (quint32 y = 0; y < from.height; ++y) {

@@ -7,10 +7,10 @@
 class CkImageData;
 struct CkImageMetadata;
 
-/// How the samples of a picture of others become depths.
+/// Converts the samples of a foreign picture to depths.
 struct SkDepthScale {
     double metresPerCount = 0.0; ///< 0: the samples stay as they are
-    bool zeroIsNothing = true;   ///< a sample of 0 says that nothing was measured, and becomes "not a number"
+    bool zeroIsNothing = true;   ///< a sample of 0 means "not measured" and becomes NaN
 
     bool operator==(const SkDepthScale&) const = default;
 
@@ -23,7 +23,7 @@ struct SkDepthScale {
     static SkPicBufInfo scaledInfo(const SkPicBufInfo& info);
     static CkImageMetadata scaledMetadata(const CkImageMetadata& metadata);
 
-    /// The picture in metres, channel "Depth", owned by the caller, with all else as it was. Null when it
-    /// does not fit or memory is short.
+    /// The picture in metres, channel "Depth", owned by the caller; all else unchanged. Null when the
+    /// format does not fit or memory is short.
     std::unique_ptr<CkImageData> scaled(const CkImageData& frame) const;
 };

@@ -94,7 +94,7 @@ void fromJson(const QJsonValue& json, QStringList& value) {
     }
 }
 
-// One list for both ways, so that neither can forget a member.
+// One list for reading and writing, so that neither can miss a member.
 template <typename Metadata, typename Visit>
 void visitMetadata(Metadata& m, const Visit& visit) {
     visit("channelNames", m.channelNames);
@@ -124,7 +124,7 @@ void visitAdditional(Additional& a, const Visit& visit) {
     visit("timestampNs", a.timestampNs);
 }
 
-/// Writes members into an object that may hold others already.
+/// Inserts members into an object that may already hold others.
 class CkMemberWriter {
 public:
     explicit CkMemberWriter(QJsonObject& members) : m_members(members) {}
@@ -153,7 +153,7 @@ private:
 };
 
 QByteArray toAscii(const QByteArray& utf8) {
-    // The tag is defined as ASCII; readers differ in what they make of anything else.
+    // TIFF defines the tag as ASCII; readers disagree about anything else.
     QByteArray ascii;
     ascii.reserve(utf8.size());
     const QString text = QString::fromUtf8(utf8);
@@ -178,14 +178,12 @@ QJsonObject without(QJsonObject object, const QStringList& names) {
     return object;
 }
 
-constexpr char foreignProperty[] = "zuForeignMembers";
-
 } // namespace
 
 QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
     QJsonObject root = object;
-    root.insert(QLatin1String("schema"), QLatin1String(SchemaName));
-    root.insert(QLatin1String("schemaVersion"), SchemaVersion);
+    root.insert(QLatin1String("schema"), QLatin1String(kSchemaName));
+    root.insert(QLatin1String("schemaVersion"), kSchemaVersion);
 
     QJsonObject picture = root.value(QLatin1String("picture")).toObject();
     const CkMemberWriter writePicture(picture);
@@ -212,7 +210,7 @@ QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
         recording.insert(QLatin1String("software"), pRecording->software);
         root.insert(QLatin1String("recording"), recording);
     } else {
-        // A frame that was the first one of another file.
+        // The frame was the first one of another file.
         const QJsonObject rest = without(root.value(QLatin1String("recording")).toObject(), recordingNames());
         root.remove(QLatin1String("recording"));
         if (!rest.isEmpty()) {
@@ -224,7 +222,7 @@ QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
 
 bool SkFrameDescription::fromText(const QByteArray& text) {
     const QJsonObject root = QJsonDocument::fromJson(text).object();
-    if (root.value(QLatin1String("schema")).toString() != QLatin1String(SchemaName)) {
+    if (root.value(QLatin1String("schema")).toString() != QLatin1String(kSchemaName)) {
         return false;
     }
     object = root;
@@ -242,7 +240,7 @@ bool SkFrameDescription::fromText(const QByteArray& text) {
     readPicture("layoutFlag", info.layoutFlag);
     info.storageFormat = EkDataStorageFormat(storage);
     info.colorFilterArray = EkColorFilterArray(filter);
-    // Bytes tell "another two-byte type" from no other.
+    // The TIFF tags cannot express "another two-byte type".
     if (info.dataType == EkImageDataType::UInt16 &&
         picture.value(QLatin1String("dataType")).toInt() == int(EkImageDataType::Other16)) {
         info.dataType = EkImageDataType::Other16;
@@ -273,12 +271,4 @@ QJsonObject SkFrameDescription::foreignMembers() const {
         }
     }
     return foreign;
-}
-
-QJsonObject CkForeignMembers::of(const CkImageData& frame) {
-    return frame.property(foreignProperty).toJsonObject();
-}
-
-void CkForeignMembers::give(CkImageData& frame, const QJsonObject& members) {
-    frame.setProperty(foreignProperty, members.isEmpty() ? QVariant() : QVariant(members));
 }

@@ -2,24 +2,22 @@
 
 #include <QtGlobal>
 
-/// What a file may ask of its reader. A picture that is stored plain is bounded by the file itself as well:
-/// twice the file's bytes and smallPictureBytes, so that what is left of a file that was cut off can be
-/// shown.
+/// Limits against hostile files. An uncompressed picture may also take at most twice the file's bytes plus
+/// kSmallPictureBytes: enough to show what is left of a truncated file.
 struct SkReadLimits {
-    /// Pages behind this many are left out, and named as the file's damage.
+    /// Further pages are left out and reported as damage.
     qint64 pages = 1'000'000;
-    /// Bytes of a picture that is stored compressed, unpacked.
+    /// Uncompressed bytes of a compressed picture.
     quint64 unpackedBytes = 256ULL << 20U;
-    /// How many times its compressed bytes a picture may have. Deflate packs 1032 bytes into one at best, LZW
-    /// some 1400.
+    /// Compression ratio that is believed. Deflate reaches 1032 at best, LZW about 1400.
     quint32 expansion = 2048;
 
-    /// Pictures up to this size need not be in the file.
-    static constexpr quint64 smallPictureBytes = 16ULL << 20U;
+    /// Pictures up to this size are read even when the file holds less of them.
+    static constexpr quint64 kSmallPictureBytes = 16ULL << 20U;
     /// Strips or tiles of a page.
-    static constexpr quint32 maximumParts = 1'000'000;
-    /// What a directory may hold beside the samples: texts, strip tables, tags of others.
-    static constexpr quint64 directoryBytes = 32ULL << 20U;
-    /// The text of a recording's page; the first one holds the chain, too.
+    static constexpr quint32 kMaximumParts = 1'000'000;
+    /// Everything in a directory but the samples: texts, strip tables, unknown tags.
+    static constexpr quint64 kDirectoryBytes = 32ULL << 20U;
+    /// The text of a recording's page; that of the first page includes the chain.
     static constexpr qint64 textBytes(qint64 iPage) { return iPage == 0 ? 4LL << 20U : 1LL << 20U; }
 };

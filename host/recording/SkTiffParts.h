@@ -4,10 +4,10 @@
 
 #include <tiffio.h>
 
-/// The strips or tiles of a page: which samples lie together in the file.
+/// How the samples of a page are cut into strips or tiles.
 struct SkTiffParts {
     bool tiled = false;
-    quint32 planes = 1;   ///< channels stored one behind the other
+    quint32 planes = 1;   ///< channels stored one after the other
     quint32 channels = 1; ///< samples per pixel in a part
     quint32 width = 0;    ///< pixels of a row in a part
     quint32 height = 0;   ///< rows of a part; the last strip may have fewer
@@ -15,12 +15,12 @@ struct SkTiffParts {
 
     static SkTiffParts of(TIFF* tif, const SkPicBufInfo& info);
 
-    /// Of one part, unpacked. The largest number when the product does not fit.
+    /// Uncompressed bytes of one part; saturates.
     quint64 partBytes(const SkPicBufInfo& info) const;
-    /// Of all parts, unpacked; tiles reach beyond the picture.
+    /// Uncompressed bytes of all parts; saturates. Tiles reach beyond the picture.
     quint64 unpackedBytes(const SkPicBufInfo& info) const;
-    /// Bytes that the parts take in the file, each as far as the file goes. count has to be checked before.
+    /// Bytes of all parts in the file, each clipped to the file. count must have been checked.
     quint64 storedBytes(TIFF* tif, quint64 uiFileBytes) const;
-    /// The most bytes of a part that are read in one go, in the form in which they are stored.
+    /// Bytes of the largest part in the file, clipped to it.
     quint64 largestStored(TIFF* tif, quint64 uiFileBytes) const;
 };

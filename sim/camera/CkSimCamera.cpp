@@ -9,9 +9,8 @@
 
 namespace {
 
-/// Pictures that receivers and the camera may hold together: some in a chain, one in each of a few views, one
-/// being painted.
-constexpr int PICTURES_IN_POOL = 8;
+/// Pictures in flight at once: some in a chain, one in each of a few views, one being painted.
+constexpr int kPicturesInPool = 8;
 
 qint64 periodNs(const SkSimSettings& settings) {
     return std::llround(1e9 / settings.frameRate);
@@ -37,21 +36,25 @@ CkSimCamera::~CkSimCamera() {
 bool CkSimCamera::frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
     const std::lock_guard lock(m_mutex);
     info = m_plan.front().info;
-    if (pMetadata)
+    if (pMetadata) {
         *pMetadata = m_plan.front().metadata;
+    }
     return true;
 }
 
 bool CkSimCamera::start(FrameFunction deliver, QString* psError) {
     const auto refuse = [&](const QString& sReason) {
-        if (psError)
+        if (psError) {
             *psError = sReason;
+        }
         return false;
     };
-    if (m_running)
+    if (m_running) {
         return refuse(CkSimCamera::tr("The camera is already running."));
-    if (!deliver)
+    }
+    if (!deliver) {
         return refuse(CkSimCamera::tr("Nobody receives the camera's frames."));
+    }
     stop();
     {
         const std::lock_guard lock(m_mutex);
@@ -80,9 +83,10 @@ void CkSimCamera::stop() {
         m_stopping = true;
     }
     m_changed.notify_all();
-    // A receiver that stops the camera out of its own call cannot wait for itself; the thread ends after it.
-    if (m_worker.load() == std::this_thread::get_id())
+    // A receiver that stops the camera from within its callback must not join its own thread.
+    if (m_worker.load() == std::this_thread::get_id()) {
         return;
+    }
     if (m_thread.joinable()) {
         m_thread.join();
         m_deliver = nullptr;
@@ -101,8 +105,9 @@ void CkSimCamera::setPaused(bool bPaused) {
 void CkSimCamera::step() {
     {
         const std::lock_guard lock(m_mutex);
-        if (m_paused)
+        if (m_paused) {
             ++m_steps;
+        }
     }
     m_changed.notify_all();
 }
@@ -114,14 +119,16 @@ bool CkSimCamera::trueDistance(qint64 timestampNs, SkPicBuf& target) const {
         settings = m_settings;
     }
     CkSimPainter painter(m_kind);
-    if (!painter.moveTo(settings, double(timestampNs) * 1e-9))
+    if (!painter.moveTo(settings, double(timestampNs) * 1e-9)) {
         return false;
+    }
     const SkSimLens& lens = painter.raster()->lens();
     if (!target.data && !CkPicBufAPI::AllocPicBufFromHeap(target, quint32(lens.width), quint32(lens.height),
                                                           1, EkImageDataType::Float32, 0, 0, 32,
                                                           EkDataStorageFormat::Interleaved,
-                                                          EkColorFilterArray::None, false, true, 0))
+                                                          EkColorFilterArray::None, false, true, 0)) {
         return false;
+    }
     return painter.raster()->writeDistance(target);
 }
 
@@ -133,7 +140,7 @@ bool CkSimCamera::applySettings(const QList<CkCameraParam*>& committing) {
         m_settings = settings;
         m_plan = std::move(plan);
     }
-    // A longer period that is being waited for may have become a shorter one.
+    // The period that is being waited for may have become shorter.
     m_changed.notify_all();
     return true;
 }
@@ -149,8 +156,9 @@ void CkSimCamera::run() {
             settings = m_settings;
             plan = m_plan;
         }
-        if (!deliverSet(settings, plan, due))
+        if (!deliverSet(settings, plan, due)) {
             break;
+        }
         ++m_setNumber;
         m_clockNs += periodNs(settings);
     }
@@ -178,9 +186,10 @@ bool CkSimCamera::waitForSet(Clock::time_point& due) {
         const std::chrono::nanoseconds period(first ? 0 : periodNs(m_settings));
         due = before + period;
         if (now >= due) {
-            // Sets that could not be made in time are left out, not made up for in a burst.
-            if (now - due > period)
+            // Late sets are skipped, not caught up with in a burst.
+            if (now - due > period) {
                 due = now;
+            }
             return true;
         }
         m_changed.wait_until(lock, due);
@@ -196,9 +205,10 @@ bool CkSimCamera::waitUntil(Clock::time_point due) {
 
 bool CkSimCamera::reservePictures(const SkPicBufInfo& info) {
     const size_t bytes = CkPicBufAPI::byteSize(info);
-    if (bytes == m_pictureBytes)
+    if (bytes == m_pictureBytes) {
         return true;
-    m_pictureBytes = m_pool.reserve(this, info, PICTURES_IN_POOL) ? bytes : 0;
+    }
+    m_pictureBytes = m_pool.reserve(this, info, kPicturesInPool) ? bytes : 0;
     return m_pictureBytes > 0;
 }
 
@@ -211,8 +221,9 @@ bool CkSimCamera::deliverSet(const SkSimSettings& settings, const SkSimPlan& pla
     }
     const std::chrono::nanoseconds interval(periodNs(settings) / qint64(plan.size()));
     for (size_t index = 0; index < plan.size(); ++index) {
-        if (index > 0 && !waitUntil(due + qint64(index) * interval))
+        if (index > 0 && !waitUntil(due + qint64(index) * interval)) {
             return false;
+        }
         if (!deliverImage(settings, plan[index])) {
             ++m_droppedSets;
             m_frameNumber += plan.size() - index;
@@ -224,8 +235,9 @@ bool CkSimCamera::deliverSet(const SkSimSettings& settings, const SkSimPlan& pla
 
 bool CkSimCamera::deliverImage(const SkSimSettings& settings, const SkSimImage& image) {
     SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromPool(&m_pool, this, picture, image.info, false))
+    if (!CkPicBufAPI::AllocPicBufFromPool(&m_pool, this, picture, image.info, false)) {
         return false;
+    }
     if (!m_painter.paint(settings, image, m_setNumber, picture)) {
         CkPicBufAPI::FreePicBuf(picture);
         return false;

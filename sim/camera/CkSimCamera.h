@@ -17,10 +17,10 @@
 
 /// A simulated camera. A thread of its own paints and delivers one set of images per period.
 ///
-/// Committed settings apply from the next set on. All images of a set show the scene at the same moment of
+/// Committed settings take effect with the next set. All images of a set show the scene at the same moment of
 /// the camera's clock, which runs from 0 at each start by one period per set, however long a set took: the
-/// pictures depend on settings and set number alone. A set that finds no free picture memory, because its
-/// receivers still hold all of it, is dropped.
+/// pictures depend on settings and set number alone. A set is dropped when the receivers still hold all
+/// pictures of the pool.
 class CkSimCamera : public IkCamera {
     Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
 
@@ -37,16 +37,16 @@ public:
     bool start(FrameFunction deliver, QString* psError) override;
     void stop() override;
     bool isRunning() const override { return m_running; }
-    /// Takes effect after the set that is being delivered; kept over stop and start.
+    /// Takes effect after the set in flight; survives stop and start.
     void setPaused(bool bPaused) override;
     void step() override;
 
-    /// True radial distances in metres of a frame, by its additionalData.timestampNs, with the settings as
-    /// they are. An empty target is allocated on the heap; any other must be a one-channel float picture of
-    /// the sensor's size (of one phase or section). False when it is not or memory is short. Any thread.
+    /// True radial distances in metres at a frame's additionalData.timestampNs, with the current settings. An
+    /// empty target is allocated on the heap; any other must be a one-channel float picture of the sensor's
+    /// size (of one phase or section). False when it is not or memory is short. Any thread.
     bool trueDistance(qint64 timestampNs, SkPicBuf& target) const;
 
-    /// Sets not delivered, or not to their end, for want of picture memory since the start. Any thread.
+    /// Sets since the start that were not delivered completely because the pool was empty. Any thread.
     quint64 droppedSets() const { return m_droppedSets; }
 
 private:

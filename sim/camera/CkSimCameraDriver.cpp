@@ -7,13 +7,13 @@
 #include <new>
 #include <utility>
 
-const QString CkSimCameraDriver::WAVE_ID = QStringLiteral("sim:wave");
-const QString CkSimCameraDriver::HYBRID_ID = QStringLiteral("sim:hybrid");
-const QString CkSimCameraDriver::GREY_ID = QStringLiteral("sim:grey");
+const QString CkSimCameraDriver::kWaveId = QStringLiteral("sim:wave");
+const QString CkSimCameraDriver::kHybridId = QStringLiteral("sim:hybrid");
+const QString CkSimCameraDriver::kGreyId = QStringLiteral("sim:grey");
 
 namespace {
 
-constexpr quint32 HYBRID_SENSOR = 13;
+constexpr quint32 kHybridSensorType = 13;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkSimCameraDriver)
@@ -21,13 +21,13 @@ struct Texts {
 
 QList<std::pair<EkSimCameraKind, SkCameraInfo>> cameras() {
     return {{EkSimCameraKind::Wave,
-             {CkSimCameraDriver::WAVE_ID, Texts::tr("Simulated ToF camera"), QStringLiteral("SIM-CW-640"),
+             {CkSimCameraDriver::kWaveId, Texts::tr("Simulated ToF camera"), QStringLiteral("SIM-CW-640"),
               QStringLiteral("SIM0001"), 0}},
             {EkSimCameraKind::Hybrid,
-             {CkSimCameraDriver::HYBRID_ID, Texts::tr("Simulated hybrid ToF camera"),
-              QStringLiteral("SIM-HY-832"), QStringLiteral("SIM0002"), HYBRID_SENSOR}},
+             {CkSimCameraDriver::kHybridId, Texts::tr("Simulated hybrid ToF camera"),
+              QStringLiteral("SIM-HY-832"), QStringLiteral("SIM0002"), kHybridSensorType}},
             {EkSimCameraKind::Grey,
-             {CkSimCameraDriver::GREY_ID, Texts::tr("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
+             {CkSimCameraDriver::kGreyId, Texts::tr("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
               QStringLiteral("SIM0003"), 0}}};
 }
 
@@ -39,24 +39,28 @@ QString CkSimCameraDriver::name() const {
 
 QList<SkCameraInfo> CkSimCameraDriver::availableCameras() const {
     QList<SkCameraInfo> infos;
-    for (const auto& [kind, info] : cameras())
+    for (const auto& [kind, info] : cameras()) {
         infos.append(info);
+    }
     return infos;
 }
 
 std::unique_ptr<IkCamera> CkSimCameraDriver::open(const QString& sId, QString* psError) {
     for (const auto& [kind, info] : cameras()) {
-        if (info.id != sId)
+        if (info.id != sId) {
             continue;
+        }
         try {
             return std::make_unique<CkSimCamera>(kind, info);
         } catch (const std::bad_alloc&) {
-            if (psError)
+            if (psError) {
                 *psError = Texts::tr("Not enough memory to open \"%1\".").arg(info.name);
+            }
             return nullptr;
         }
     }
-    if (psError)
+    if (psError) {
         *psError = Texts::tr("There is no simulated camera \"%1\".").arg(sId);
+    }
     return nullptr;
 }

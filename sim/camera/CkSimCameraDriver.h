@@ -6,9 +6,9 @@
 /// They are always there; each can be opened more than once, as unrelated cameras.
 class CkSimCameraDriver : public IkCameraDriver {
 public:
-    static const QString WAVE_ID;
-    static const QString HYBRID_ID;
-    static const QString GREY_ID;
+    static const QString kWaveId;
+    static const QString kHybridId;
+    static const QString kGreyId;
 
     QString name() const override;
     QList<SkCameraInfo> availableCameras() const override;

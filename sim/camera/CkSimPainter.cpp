@@ -26,8 +26,9 @@ bool CkSimPainter::moveTo(const SkSimSettings& settings, double seconds) {
 
 bool CkSimPainter::paint(const SkSimSettings& settings, const SkSimImage& image, quint64 set,
                          SkPicBuf& picture) {
-    if (!m_raster)
+    if (!m_raster) {
         return false;
+    }
     try {
         if (image.content == EkSimContent::Grey) {
             m_grey.setup(settings.exposure);
@@ -41,15 +42,17 @@ bool CkSimPainter::paint(const SkSimSettings& settings, const SkSimImage& image,
                 painted = m_wave.writePhase(*m_raster, set, part, picture, row);
             } else {
                 auto kind = CkSimHybridSynth::EkSection::Plain;
-                if (image.content == EkSimContent::Reference)
+                if (image.content == EkSimContent::Reference) {
                     kind = CkSimHybridSynth::EkSection::Reference;
-                else if (image.metadata.sectionMode == 3)
+                } else if (image.metadata.sectionMode == 3) {
                     kind = CkSimHybridSynth::EkSection::Measured;
+                }
                 m_hybrid.setup(settings.exposure, settings.pulseNs);
                 painted = m_hybrid.writeSection(*m_raster, set, part, kind, picture, row);
             }
-            if (!painted)
+            if (!painted) {
                 return false;
+            }
             row += quint32(m_raster->lens().height);
         }
         return true;

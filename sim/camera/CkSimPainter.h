@@ -8,8 +8,7 @@
 
 #include <memory>
 
-/// Paints the images of a plan. Keeps what settings and scene have in common from image to image; one thread
-/// at a time.
+/// Paints the images of a plan. Caches what the images share (raster, sensor maps). One thread at a time.
 class CkSimPainter {
 public:
     explicit CkSimPainter(EkSimCameraKind kind) : m_kind(kind) {}
@@ -17,15 +16,15 @@ public:
     /// Shows the scene of the settings at a time in seconds. False when memory is short.
     bool moveTo(const SkSimSettings& settings, double seconds);
 
-    /// Paints an image of a set after moveTo. The picture has the image's format. False, with an undefined
-    /// part painted, when it has not.
+    /// Paints an image of a set, after moveTo, into a picture of the image's format. False, with undefined
+    /// content, for a picture of another format.
     bool paint(const SkSimSettings& settings, const SkSimImage& image, quint64 set, SkPicBuf& picture);
 
     /// What moveTo showed last; null before.
     const CkSimRaster* raster() const { return m_raster.get(); }
 
 private:
-    /// What a raster is made of.
+    /// What the raster depends on.
     struct SkView {
         SkSimLens lens;
         EkSimScene scene = EkSimScene::Room;

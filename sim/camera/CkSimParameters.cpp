@@ -14,7 +14,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
 };
 
-/// A parameter: how people see it, how it is read from settings and written to them.
+/// A parameter: its description, how it is read from the settings and written to them.
 struct SkBinding {
     SkDescription description;
     std::function<CkValue(const SkSimSettings&)> read;
@@ -134,7 +134,7 @@ void addHybridBindings(std::vector<SkBinding>& bindings) {
          [](Settings& s, const CkValue& v) { s.sectionMode = v.toInt(); }});
 }
 
-/// What every camera has that measures distances.
+/// For every camera that measures distances.
 void addToFBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back({choice("sim_converter_bits", Texts::tr("Converter"),
                                Texts::tr("Bits of the 16-bit formats. 16 bits show the accuracy of the "
@@ -205,13 +205,15 @@ void addCommonBindings(std::vector<SkBinding>& bindings) {
                         [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
 }
 
-/// Settings that a camera of the kind starts with: ready for ToF.
+/// What a camera of the kind starts with: ready for ToF.
 SkSimSettings startSettings(EkSimCameraKind kind) {
     SkSimSettings settings;
-    if (kind == EkSimCameraKind::Wave)
+    if (kind == EkSimCameraKind::Wave) {
         settings.dataFormat = 13;
-    if (kind == EkSimCameraKind::Hybrid)
+    }
+    if (kind == EkSimCameraKind::Hybrid) {
         settings.dataFormat = 18;
+    }
     return settings;
 }
 
@@ -219,19 +221,23 @@ SkSimSettings startSettings(EkSimCameraKind kind) {
 
 CkSimParameters::CkSimParameters(EkSimCameraKind kind, CkCameraParameters& parameters) : m_kind(kind) {
     std::vector<SkBinding> bindings;
-    if (kind == EkSimCameraKind::Wave)
+    if (kind == EkSimCameraKind::Wave) {
         addWaveBindings(bindings);
-    if (kind == EkSimCameraKind::Hybrid)
+    }
+    if (kind == EkSimCameraKind::Hybrid) {
         addHybridBindings(bindings);
+    }
     addCommonBindings(bindings);
-    if (kind != EkSimCameraKind::Grey)
+    if (kind != EkSimCameraKind::Grey) {
         addToFBindings(bindings);
+    }
 
     const SkSimSettings start = startSettings(kind);
     for (SkBinding& binding : bindings) {
         binding.description.value = binding.read(start);
-        if (CkCameraParam* param = parameters.addParam(binding.description))
+        if (CkCameraParam* param = parameters.addParam(binding.description)) {
             m_bound.push_back({param, std::move(binding.write)});
+        }
     }
 }
 

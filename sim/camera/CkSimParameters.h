@@ -14,8 +14,8 @@ public:
     /// this object.
     CkSimParameters(EkSimCameraKind kind, CkCameraParameters& parameters);
 
-    /// The settings with the set values of the parameters that are being committed and the committed values
-    /// of all others.
+    /// The settings with the new values of the parameters being committed and the committed values of all
+    /// others.
     SkSimSettings settings(const QList<CkCameraParam*>& committing) const;
 
 private:

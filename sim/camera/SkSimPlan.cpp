@@ -2,10 +2,10 @@
 
 namespace {
 
-constexpr int READOUT_AMINUSB = 2;
-constexpr int READOUT_AANDB = 4;
-constexpr int REFERENCE_MODE = 3;
-constexpr quint32 ROW_ALIGNMENT = 64;
+constexpr int kReadoutAminusB = 2;
+constexpr int kReadoutAandB = 4;
+constexpr int kReferenceMode = 3;
+constexpr quint32 kRowAlignment = 64;
 
 bool isByteFormat(int format) {
     return format == 0 || format == 5 || format == 11 || format == 17;
@@ -23,7 +23,7 @@ bool isWindowFormat(int format) {
     return format == 17 || format == 18;
 }
 
-/// Formats that are no format of this camera at all are delivered in bytes.
+/// Unknown formats are delivered as bytes.
 bool isKnownWideFormat(int format) {
     return format == 1 || format == 6 || format == 13 || format == 18;
 }
@@ -35,9 +35,9 @@ SkPicBufInfo describe(const SkSimLens& lens, size_t parts, quint32 channels, EkI
     info.height = quint32(lens.height) * quint32(parts);
     info.channels = channels;
     info.bitsPerChannel = bits;
-    info.linePadding = ROW_ALIGNMENT;
+    info.linePadding = kRowAlignment;
     const quint32 packed = info.width * channels * sampleBytes(type);
-    info.lineSize = (packed + ROW_ALIGNMENT - 1) / ROW_ALIGNMENT * ROW_ALIGNMENT;
+    info.lineSize = (packed + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
     info.dataType = type;
     info.storageFormat = EkDataStorageFormat::Interleaved;
     info.colorFilterArray = arrangement;
@@ -50,8 +50,9 @@ std::vector<int> phaseAngles(int phases) {
     // Two phases are a quarter turn apart, not half a turn: half a turn would only repeat the first with its
     // taps exchanged.
     const int step = phases == 8 ? 45 : 90;
-    for (int phase = 0; phase < phases; ++phase)
+    for (int phase = 0; phase < phases; ++phase) {
         angles.push_back(phase * step);
+    }
     return angles;
 }
 
@@ -66,11 +67,12 @@ SkSimPlan greyPlan(const SkSimLens& lens, const SkSimSettings& settings, const C
 }
 
 SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const CkImageMetadata& common) {
-    const bool taps = settings.readoutMode == READOUT_AANDB && isTapFormat(settings.dataFormat);
+    const bool taps = settings.readoutMode == kReadoutAandB && isTapFormat(settings.dataFormat);
     const bool difference =
-        settings.readoutMode == READOUT_AMINUSB && isDifferenceFormat(settings.dataFormat);
-    if (!taps && !difference)
+        settings.readoutMode == kReadoutAminusB && isDifferenceFormat(settings.dataFormat);
+    if (!taps && !difference) {
         return greyPlan(lens, settings, common);
+    }
 
     const bool bytes = isByteFormat(settings.dataFormat);
     const quint32 bits = bytes ? 8U : quint32(settings.converterBits);
@@ -111,12 +113,13 @@ SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const C
 }
 
 SkSimPlan hybridPlan(const SkSimLens& lens, const SkSimSettings& settings, const CkImageMetadata& common) {
-    if (!isWindowFormat(settings.dataFormat))
+    if (!isWindowFormat(settings.dataFormat)) {
         return greyPlan(lens, settings, common);
+    }
 
     const bool bytes = isByteFormat(settings.dataFormat);
     const size_t stacked = settings.separateImages ? 1 : size_t(settings.sections);
-    const bool reference = settings.sectionMode == REFERENCE_MODE;
+    const bool reference = settings.sectionMode == kReferenceMode;
 
     SkSimImage image;
     image.info = describe(lens, stacked, 3, bytes ? EkImageDataType::UInt8 : EkImageDataType::UInt16,
@@ -128,21 +131,23 @@ SkSimPlan hybridPlan(const SkSimLens& lens, const SkSimSettings& settings, const
     image.metadata.phasesCount = qint32(stacked);
     image.metadata.sectionMode = quint32(settings.sectionMode);
 
-    // A section of the measurement is an image: stacked exposures are one section.
+    // A section is an image: stacked exposures count as one.
     SkSimPlan plan;
     if (reference) {
         image.content = EkSimContent::Reference;
         image.parts.clear();
-        for (size_t part = 0; part < stacked; ++part)
+        for (size_t part = 0; part < stacked; ++part) {
             image.parts.push_back(int(part));
+        }
         plan.push_back(image);
     }
     image.content = EkSimContent::Sections;
     const int images = settings.separateImages ? settings.sections : 1;
     for (int index = 0; index < images; ++index) {
         image.parts.clear();
-        for (size_t part = 0; part < stacked; ++part)
+        for (size_t part = 0; part < stacked; ++part) {
             image.parts.push_back(index + int(part));
+        }
         plan.push_back(image);
     }
     for (size_t index = 0; index < plan.size(); ++index) {
@@ -170,8 +175,9 @@ SkSimPlan makeSimPlan(EkSimCameraKind kind, const SkSimSettings& settings, const
     common.frameRate = float(settings.frameRate);
     common.cameraName = camera.name;
     common.cameraSerial = camera.serial;
-    if (settings.reportFocalLength)
+    if (settings.reportFocalLength) {
         common.lensFocalLength = float(settings.focalLengthMm);
+    }
 
     const SkSimLens lens = simLens(kind, settings);
     switch (kind) {

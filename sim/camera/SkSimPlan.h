@@ -14,7 +14,7 @@ enum class EkSimContent { Grey, Phases, Sections, Reference };
 /// One image of a set: its format and what is painted into it.
 struct SkSimImage {
     SkPicBufInfo info;
-    CkImageMetadata metadata; ///< time stamp and frame number are left to the delivery
+    CkImageMetadata metadata; ///< time stamp and frame number are set on delivery
     EkSimContent content = EkSimContent::Grey;
     std::vector<int> parts; ///< phase angles in degrees or section numbers, from top to bottom
 };
@@ -24,6 +24,6 @@ using SkSimPlan = std::vector<SkSimImage>;
 
 SkSimLens simLens(EkSimCameraKind kind, const SkSimSettings& settings);
 
-/// What a camera with these settings delivers. A readout mode and a data format that do not fit each other
-/// give plain grey pictures, as a camera does that is not set up for ToF.
+/// What a camera with these settings delivers. A readout mode that does not fit the data format gives plain
+/// grey pictures, like those of a camera that is not set up for ToF.
 SkSimPlan makeSimPlan(EkSimCameraKind kind, const SkSimSettings& settings, const SkCameraInfo& camera);

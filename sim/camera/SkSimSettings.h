@@ -6,8 +6,8 @@ enum class EkSimCameraKind { Wave, Hybrid, Grey };
 
 enum class EkSimScene { Room = 0, Wall = 1 };
 
-/// Everything a simulated camera can be told; each kind uses its share. Plain data; the defaults are those of
-/// the camera parameters.
+/// Everything that can be set on a simulated camera; each kind uses its share. Plain data; the defaults are
+/// those of the camera parameters.
 struct SkSimSettings {
     double frameRate = 30.0; ///< sets per second
     SkSimExposure exposure;

@@ -10,8 +10,8 @@
 /// An ordinary sensor that sees the scene by ambient light. One thread at a time.
 class CkSimGreySynth {
 public:
-    static constexpr double AMBIENT_ELECTRONS = 40000.0; ///< of a white surface in full daylight after 1 ms
-    static constexpr double READ_NOISE_ELECTRONS = 15.0;
+    static constexpr double kAmbientElectrons = 40000.0; ///< of a white surface in full daylight after 1 ms
+    static constexpr double kReadNoiseElectrons = 15.0;
 
     void setup(const SkSimExposure& exposure) { m_exposure = exposure; }
 

@@ -21,8 +21,9 @@ void writeWindows(const float* first, const float* second, const float* third, f
 } // namespace
 
 void CkSimHybridSynth::setup(const SkSimExposure& exposure, double pulseNs) {
-    if (exposure == m_exposure && pulseNs == m_pulseNs)
+    if (exposure == m_exposure && pulseNs == m_pulseNs) {
         return;
+    }
     m_exposure = exposure;
     m_pulseNs = pulseNs;
     m_raster = 0;
@@ -34,26 +35,29 @@ bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, quint64 set, int 
     const int height = raster.lens().height;
     const bool bytes = target.dataType == EkImageDataType::UInt8;
     if (target.channels != 3 || (!bytes && target.dataType != EkImageDataType::UInt16) || section < 0 ||
-        section > 15 || !simFits(target, width, height, firstRow))
+        section > 15 || !simFits(target, width, height, firstRow)) {
         return false;
+    }
     follow(raster);
 
     const float gain = simGain(target.bitsPerChannel);
     for (int row = 0; row < height; ++row) {
         expose(set, section, kind, row, width);
         quint8* line = target.row(firstRow + quint32(row));
-        if (bytes)
+        if (bytes) {
             writeWindows(m_window[0].data(), m_window[1].data(), m_window[2].data(), gain, width, line);
-        else
+        } else {
             writeWindows(m_window[0].data(), m_window[1].data(), m_window[2].data(), gain, width,
                          reinterpret_cast<quint16*>(line));
+        }
     }
     return true;
 }
 
 void CkSimHybridSynth::follow(const CkSimRaster& raster) {
-    if (m_raster == raster.identity() && m_revision == raster.revision())
+    if (m_raster == raster.identity() && m_revision == raster.revision()) {
         return;
+    }
     const int width = raster.lens().width;
     SkSimRect area = {0, 0, width, raster.lens().height};
     if (m_raster == raster.identity() && m_revision + 1 == raster.revision()) {
@@ -67,8 +71,8 @@ void CkSimHybridSynth::follow(const CkSimRaster& raster) {
         }
     }
     const double milliseconds = m_exposure.timeUs / 1000.0;
-    const double signal = SIGNAL_ELECTRONS * milliseconds;
-    const double ambient = AMBIENT_ELECTRONS * m_exposure.ambient * milliseconds;
+    const double signal = kSignalElectrons * milliseconds;
+    const double ambient = kAmbientElectrons * m_exposure.ambient * milliseconds;
     const double rangesPerMetre = 1.0 / range(m_pulseNs);
     for (int row = area.top; row < area.bottom; ++row) {
         size_t index = size_t(row) * size_t(width) + size_t(area.left);
@@ -76,8 +80,9 @@ void CkSimHybridSynth::follow(const CkSimRaster& raster) {
             const double delay =
                 (double(raster.distance()[index]) + m_exposure.distanceOffsetM) * rangesPerMetre;
             const double returned = signal * double(raster.echo()[index]);
-            for (int window = 0; window < 3; ++window)
+            for (int window = 0; window < 3; ++window) {
                 m_pulse[window][index] = float(returned * std::max(0.0, 1.0 - std::abs(delay - window)));
+            }
             m_ambient[index] = float(ambient * double(raster.ambient()[index]));
         }
     }
@@ -88,23 +93,25 @@ void CkSimHybridSynth::follow(const CkSimRaster& raster) {
 void CkSimHybridSynth::expose(quint64 set, int section, EkSection kind, int row, int width) {
     const float sensitivity = float(1U << section);
     const float pulseWeight = kind == EkSection::Reference ? 0.0F : sensitivity;
-    const float ambientWeight = kind == EkSection::Reference ? sensitivity * REFERENCE_SHARE : sensitivity;
+    const float ambientWeight = kind == EkSection::Reference ? sensitivity * kReferenceShare : sensitivity;
     const size_t start = size_t(row) * size_t(width);
     const float* ambient = m_ambient.data() + start;
     for (int window = 0; window < 3; ++window) {
         const float* pulse = m_pulse[window].data() + start;
         float* collected = m_window[window].data();
-        for (int column = 0; column < width; ++column)
+        for (int column = 0; column < width; ++column) {
             collected[column] = ambient[column] * ambientWeight + pulse[column] * pulseWeight;
+        }
     }
     if (m_exposure.noise) {
-        constexpr float readVariance = float(READ_NOISE_ELECTRONS * READ_NOISE_ELECTRONS);
+        constexpr float kReadVariance = float(kReadNoiseElectrons * kReadNoiseElectrons);
         // Reference and measurement of the same section are two exposures.
         const quint32 exposure = quint32(section) + (kind == EkSection::Reference ? 16U : 0U);
         CkSimNoise::fillRow<3>(CkSimNoise::rowKey(m_exposure.seed, set, exposure, quint32(row)), width,
                                {m_gauss[0].data(), m_gauss[1].data(), m_gauss[2].data()});
-        for (int window = 0; window < 3; ++window)
-            addSimNoise(m_window[window].data(), m_gauss[window].data(), readVariance, width);
+        for (int window = 0; window < 3; ++window) {
+            addSimNoise(m_window[window].data(), m_gauss[window].data(), kReadVariance, width);
+        }
     }
     if (kind != EkSection::Plain) {
         // The pattern belongs to the sensor: the same whatever set, section and seed of the noise.
@@ -113,11 +120,12 @@ void CkSimHybridSynth::expose(quint64 set, int section, EkSection kind, int row,
             quint64 pattern = CkSimNoise::bits(key, quint32(column));
             for (std::vector<float>& window : m_window) {
                 window[size_t(column)] +=
-                    DARK_LEVEL_ELECTRONS + DARK_PATTERN_ELECTRONS * float(pattern & 0xffU) / 255.0F;
+                    kDarkLevelElectrons + kDarkPatternElectrons * float(pattern & 0xffU) / 255.0F;
                 pattern >>= 8;
             }
         }
     }
-    for (std::vector<float>& window : m_window)
+    for (std::vector<float>& window : m_window) {
         saturateSim(window.data(), width);
+    }
 }

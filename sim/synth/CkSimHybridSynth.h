@@ -16,25 +16,25 @@
 /// One thread at a time.
 class CkSimHybridSynth {
 public:
-    static constexpr double LIGHT_SPEED_M_S = 299792458.0;
-    static constexpr double SIGNAL_ELECTRONS = 45000.0; ///< of a white surface at 1 m, facing, after 1 ms
-    static constexpr double AMBIENT_ELECTRONS = 600.0;  ///< in one window, white, full daylight, after 1 ms
-    static constexpr double READ_NOISE_ELECTRONS = 15.0;
+    static constexpr double kLightSpeedMPerS = 299792458.0;
+    static constexpr double kSignalElectrons = 45000.0; ///< of a white surface at 1 m, facing, after 1 ms
+    static constexpr double kAmbientElectrons = 600.0;  ///< in one window, white, full daylight, after 1 ms
+    static constexpr double kReadNoiseElectrons = 15.0;
     /// Dark level that a section shows when a reference section comes with it; plus a pattern that differs
-    /// from pixel to pixel and stays from frame to frame, 0 to DARK_PATTERN_ELECTRONS.
-    static constexpr float DARK_LEVEL_ELECTRONS = 600.0F;
-    static constexpr float DARK_PATTERN_ELECTRONS = 255.0F;
-    /// Share of the window time for which the reference section is exposed. Its subtraction takes the dark
-    /// level away and leaves enough ambient light in the third window to judge a pixel by.
-    static constexpr float REFERENCE_SHARE = 0.5F;
+    /// from pixel to pixel and stays from frame to frame, 0 to kDarkPatternElectrons.
+    static constexpr float kDarkLevelElectrons = 600.0F;
+    static constexpr float kDarkPatternElectrons = 255.0F;
+    /// Share of the window time for which the reference section is exposed. Its subtraction removes the
+    /// dark level and leaves enough ambient light in the third window for judging a pixel.
+    static constexpr float kReferenceShare = 0.5F;
 
     enum class EkSection {
-        Plain,    ///< the sensor takes its dark level away itself
-        Measured, ///< with dark level, to be taken away by the reference
+        Plain,    ///< the sensor subtracts its dark level itself
+        Measured, ///< with dark level, which the reference removes
         Reference ///< dark level and a share of the ambient light, no pulse
     };
 
-    static double range(double pulseNs) { return pulseNs * 1e-9 * LIGHT_SPEED_M_S * 0.5; }
+    static double range(double pulseNs) { return pulseNs * 1e-9 * kLightSpeedMPerS * 0.5; }
 
     void setup(const SkSimExposure& exposure, double pulseNs);
 

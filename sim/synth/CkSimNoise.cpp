@@ -5,16 +5,17 @@
 
 namespace {
 
-/// Where the normal distribution has left a probability of 0 to 1/2 to its right.
+/// The value that a standard normal variable exceeds with a probability of 0 to 1/2.
 double upperQuantile(double probability) {
     double low = 0.0;
     double high = 10.0;
     for (int halving = 0; halving < 48; ++halving) {
         const double middle = 0.5 * (low + high);
-        if (0.5 * std::erfc(middle / std::numbers::sqrt2) > probability)
+        if (0.5 * std::erfc(middle / std::numbers::sqrt2) > probability) {
             low = middle;
-        else
+        } else {
             high = middle;
+        }
     }
     return 0.5 * (low + high);
 }
@@ -28,7 +29,7 @@ std::array<float, 4096> makeQuantiles() {
         upper[size_t(slice)] = upperQuantile((slice + 0.5) / count);
         squares += upper[size_t(slice)] * upper[size_t(slice)];
     }
-    // Slices cut the tails off; scaled so that the variance is 1 all the same.
+    // The slices cut off the tails; rescaled to variance 1.
     const double scale = 1.0 / std::sqrt(squares / half);
     std::array<float, count> table{};
     for (int slice = 0; slice < half; ++slice) {

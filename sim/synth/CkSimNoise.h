@@ -4,7 +4,7 @@
 
 #include <array>
 
-/// Random numbers from counters instead of a running state: a value depends on seed, set, exposure and pixel
+/// Counter-based random numbers instead of a running state: a value depends on seed, set, exposure and pixel
 /// alone, never on the order in which pixels or pictures are made. Any thread.
 class CkSimNoise {
 public:
@@ -27,13 +27,15 @@ public:
         for (int column = 0; column < count; ++column) {
             const quint64 value = bits(key, quint32(column));
             rows[0][column] = table[value & 0xfffU];
-            if constexpr (channels > 1)
+            if constexpr (channels > 1) {
                 rows[1][column] = table[(value >> 20) & 0xfffU];
-            if constexpr (channels > 2)
+            }
+            if constexpr (channels > 2) {
                 rows[2][column] = table[(value >> 40) & 0xfffU];
+            }
         }
     }
 
-    /// The normal distribution cut into 4096 slices of equal probability; small enough for the first cache.
+    /// The normal distribution cut into 4096 slices of equal probability; small enough for the L1 cache.
     static const std::array<float, 4096>& quantiles();
 };

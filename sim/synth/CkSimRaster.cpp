@@ -8,10 +8,12 @@
 namespace {
 
 SkSimRect united(const SkSimRect& first, const SkSimRect& second) {
-    if (first.isEmpty())
+    if (first.isEmpty()) {
         return second;
-    if (second.isEmpty())
+    }
+    if (second.isEmpty()) {
         return first;
+    }
     return {std::min(first.left, second.left), std::min(first.top, second.top),
             std::max(first.right, second.right), std::max(first.bottom, second.bottom)};
 }
@@ -49,8 +51,9 @@ CkSimRaster::CkSimRaster(const SkSimLens& lens, const CkSimScene& scene)
 }
 
 void CkSimRaster::moveTo(double seconds) {
-    if (!m_scene.hasSphere() || seconds == m_seconds)
+    if (!m_scene.hasSphere() || seconds == m_seconds) {
         return;
+    }
     const SkSimRect before = m_sphereArea;
     restore(before);
     const SkSimVector center = m_scene.sphereCenter(seconds);
@@ -65,10 +68,12 @@ bool CkSimRaster::writeDistance(SkPicBuf& target) const {
     const size_t rowBytes = size_t(m_lens.width) * sizeof(float);
     if (!target.data || target.dataType != EkImageDataType::Float32 || target.channels != 1 ||
         target.width != quint32(m_lens.width) || target.height != quint32(m_lens.height) ||
-        target.lineSize < rowBytes)
+        target.lineSize < rowBytes) {
         return false;
-    for (quint32 row = 0; row < target.height; ++row)
+    }
+    for (quint32 row = 0; row < target.height; ++row) {
         std::memcpy(target.row(row), m_shown.distance.data() + size_t(row) * target.width, rowBytes);
+    }
     const auto [low, high] = std::minmax_element(m_shown.distance.begin(), m_shown.distance.end());
     target.minValue = *low;
     target.maxValue = *high;
@@ -83,7 +88,7 @@ SkSimVector CkSimRaster::rayOf(int column, int row) const {
 }
 
 SkSimRect CkSimRaster::sphereArea(const SkSimVector& center) const {
-    // The picture of the cube around the sphere encloses the picture of the sphere.
+    // The projection of the cube around the sphere encloses that of the sphere.
     const double radius = m_scene.sphereRadius();
     const double pixels = m_lens.focalLengthMm / m_lens.cellSizeMm;
     const double nearZ = center.z - radius;
@@ -101,8 +106,9 @@ SkSimRect CkSimRaster::sphereArea(const SkSimVector& center) const {
 }
 
 void CkSimRaster::restore(const SkSimRect& area) {
-    if (area.isEmpty())
+    if (area.isEmpty()) {
         return;
+    }
     const auto copy = [&](const std::vector<float>& source, std::vector<float>& target) {
         for (int row = area.top; row < area.bottom; ++row) {
             const size_t start = size_t(row) * size_t(m_lens.width) + size_t(area.left);
@@ -118,11 +124,13 @@ void CkSimRaster::drawSphere(const SkSimVector& center, const SkSimRect& area) {
     SkSimHit hit;
     for (int row = area.top; row < area.bottom; ++row) {
         for (int column = area.left; column < area.right; ++column) {
-            if (!m_scene.hitSphere(rayOf(column, row), center, hit))
+            if (!m_scene.hitSphere(rayOf(column, row), center, hit)) {
                 continue;
+            }
             const size_t index = size_t(row) * size_t(m_lens.width) + size_t(column);
-            if (float(hit.distance) >= m_standing.distance[index])
+            if (float(hit.distance) >= m_standing.distance[index]) {
                 continue;
+            }
             m_shown.distance[index] = float(hit.distance);
             m_shown.echo[index] = float(hit.reflectivity * hit.cosine / (hit.distance * hit.distance));
             m_shown.ambient[index] = float(hit.reflectivity * hit.daylight);

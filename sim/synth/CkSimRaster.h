@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/// Columns left to right - 1 and rows top to bottom - 1.
+/// Half-open: columns left to right - 1, rows top to bottom - 1.
 struct SkSimRect {
     int left = 0;
     int top = 0;
@@ -19,22 +19,22 @@ struct SkSimRect {
 
 /// A scene seen through a lens: the true distance and the light of every pixel at one moment.
 ///
-/// What stands still is worked out once; moving on in time touches only the pixels that the sphere leaves or
-/// enters. The result depends on the time alone, not on the moments visited before. One thread at a time.
+/// The static part is computed once; moving in time touches only the pixels that the sphere leaves or enters.
+/// The result depends on the time alone, not on earlier calls. One thread at a time.
 class CkSimRaster {
 public:
     CkSimRaster(const SkSimLens& lens, const CkSimScene& scene);
     CkSimRaster(const CkSimRaster&) = delete;
     CkSimRaster& operator=(const CkSimRaster&) = delete;
 
-    /// Different for every raster of the program, unlike an address that may be used again.
+    /// Unique in the process, unlike an address, which may be reused.
     quint64 identity() const { return m_identity; }
     const SkSimLens& lens() const { return m_lens; }
 
     /// Shows the scene at a time in seconds.
     void moveTo(double seconds);
 
-    /// Counts the moments shown.
+    /// Rises with every moveTo.
     quint64 revision() const { return m_revision; }
     /// Pixels that may differ from the revision before.
     const SkSimRect& changed() const { return m_changed; }

@@ -7,15 +7,15 @@
 
 namespace {
 
-constexpr double FLOOR_REFLECTIVITY = 0.35;
-constexpr double CEILING_REFLECTIVITY = 0.80;
-constexpr double SPHERE_REFLECTIVITY = 0.75;
+constexpr double kFloorReflectivity = 0.35;
+constexpr double kCeilingReflectivity = 0.80;
+constexpr double kSphereReflectivity = 0.75;
 
 double component(const SkSimVector& vector, int axis) {
     return axis == 0 ? vector.x : axis == 1 ? vector.y : vector.z;
 }
 
-/// The lamps hang from the ceiling: what faces up gets all their light, what faces down the least.
+/// The lamps hang from the ceiling: surfaces that face up get all their light, those that face down least.
 double daylightOn(double normalUp) {
     return 0.65 + 0.35 * normalUp;
 }
@@ -35,14 +35,16 @@ SkCrossing cross(const SkSimVector& direction, const SkSimVector& low, const SkS
         double first = component(low, axis);
         double last = component(high, axis);
         if (speed == 0.0) {
-            if (first > 0.0 || last < 0.0)
+            if (first > 0.0 || last < 0.0) {
                 crossing.leave = -1.0;
+            }
             continue;
         }
         first /= speed;
         last /= speed;
-        if (first > last)
+        if (first > last) {
             std::swap(first, last);
+        }
         if (first > crossing.enter) {
             crossing.enter = first;
             crossing.enterAxis = axis;
@@ -57,7 +59,7 @@ SkCrossing cross(const SkSimVector& direction, const SkSimVector& low, const SkS
 
 SkSimHit hitFace(const SkSimVector& direction, double distance, int axis, double reflectivity) {
     const double speed = component(direction, axis);
-    // The face that is seen looks back at the ray.
+    // The visible face points against the ray.
     const double normalUp = axis == 1 ? (speed < 0.0 ? 1.0 : -1.0) : 0.0;
     return {distance, reflectivity, std::abs(speed), daylightOn(normalUp)};
 }
@@ -84,18 +86,21 @@ CkSimScene CkSimScene::wall(double distance, double reflectivity) {
 }
 
 SkSimHit CkSimScene::hitStanding(const SkSimVector& direction) const {
-    if (m_wallDistance > 0.0)
+    if (m_wallDistance > 0.0) {
         return {m_wallDistance / direction.z, m_wallReflectivity, direction.z, daylightOn(0.0)};
+    }
 
     const SkCrossing walls = cross(direction, m_room.low, m_room.high);
     double reflectivity = m_room.reflectivity;
-    if (walls.leaveAxis == 1)
-        reflectivity = direction.y < 0.0 ? FLOOR_REFLECTIVITY : CEILING_REFLECTIVITY;
+    if (walls.leaveAxis == 1) {
+        reflectivity = direction.y < 0.0 ? kFloorReflectivity : kCeilingReflectivity;
+    }
     SkSimHit nearest = hitFace(direction, walls.leave, walls.leaveAxis, reflectivity);
     for (const SkBox& box : m_boxes) {
         const SkCrossing crossing = cross(direction, box.low, box.high);
-        if (crossing.enterAxis >= 0 && crossing.enter < crossing.leave && crossing.enter < nearest.distance)
+        if (crossing.enterAxis >= 0 && crossing.enter < crossing.leave && crossing.enter < nearest.distance) {
             nearest = hitFace(direction, crossing.enter, crossing.enterAxis, box.reflectivity);
+        }
     }
     return nearest;
 }
@@ -110,15 +115,17 @@ bool CkSimScene::hitSphere(const SkSimVector& direction, const SkSimVector& cent
     const double centerSquared = center.x * center.x + center.y * center.y + center.z * center.z;
     const double radiusSquared = m_sphereRadius * m_sphereRadius;
     const double halfChordSquared = radiusSquared - (centerSquared - along * along);
-    if (halfChordSquared <= 0.0)
+    if (halfChordSquared <= 0.0) {
         return false;
+    }
     const double distance = along - std::sqrt(halfChordSquared);
-    if (distance <= 0.0)
+    if (distance <= 0.0) {
         return false;
+    }
     const SkSimVector normal = {(distance * direction.x - center.x) / m_sphereRadius,
                                 (distance * direction.y - center.y) / m_sphereRadius,
                                 (distance * direction.z - center.z) / m_sphereRadius};
     const double facing = -(normal.x * direction.x + normal.y * direction.y + normal.z * direction.z);
-    hit = {distance, SPHERE_REFLECTIVITY, std::max(facing, 0.0), daylightOn(normal.y)};
+    hit = {distance, kSphereReflectivity, std::max(facing, 0.0), daylightOn(normal.y)};
     return true;
 }

@@ -28,8 +28,9 @@ void writeDifference(const float* tapA, const float* tapB, float gain, int count
 } // namespace
 
 void CkSimWaveSynth::setup(const SkSimExposure& exposure, double modulationMHz) {
-    if (exposure == m_exposure && modulationMHz == m_modulationMHz)
+    if (exposure == m_exposure && modulationMHz == m_modulationMHz) {
         return;
+    }
     m_exposure = exposure;
     m_modulationMHz = modulationMHz;
     m_raster = 0;
@@ -43,8 +44,9 @@ bool CkSimWaveSynth::writePhase(const CkSimRaster& raster, quint64 set, int angl
                                                target.dataType == EkImageDataType::UInt16);
     const bool difference = target.channels == 1 && (target.dataType == EkImageDataType::Int8 ||
                                                      target.dataType == EkImageDataType::Int16);
-    if ((!taps && !difference) || !simFits(target, width, height, firstRow))
+    if ((!taps && !difference) || !simFits(target, width, height, firstRow)) {
         return false;
+    }
     follow(raster);
 
     const bool bytes = sampleBytes(target.dataType) == 1;
@@ -53,21 +55,23 @@ bool CkSimWaveSynth::writePhase(const CkSimRaster& raster, quint64 set, int angl
     for (int row = 0; row < height; ++row) {
         expose(angleDegrees, set, row, width);
         quint8* line = target.row(firstRow + quint32(row));
-        if (taps && bytes)
+        if (taps && bytes) {
             writeTaps(m_tapA.data(), m_tapB.data(), gain, width, line);
-        else if (taps)
+        } else if (taps) {
             writeTaps(m_tapA.data(), m_tapB.data(), gain, width, reinterpret_cast<quint16*>(line));
-        else if (bytes)
+        } else if (bytes) {
             writeDifference(m_tapA.data(), m_tapB.data(), gain, width, reinterpret_cast<qint8*>(line));
-        else
+        } else {
             writeDifference(m_tapA.data(), m_tapB.data(), gain, width, reinterpret_cast<qint16*>(line));
+        }
     }
     return true;
 }
 
 void CkSimWaveSynth::follow(const CkSimRaster& raster) {
-    if (m_raster == raster.identity() && m_revision == raster.revision())
+    if (m_raster == raster.identity() && m_revision == raster.revision()) {
         return;
+    }
     const int width = raster.lens().width;
     const size_t count = raster.distance().size();
     SkSimRect area = {0, 0, width, raster.lens().height};
@@ -77,12 +81,13 @@ void CkSimWaveSynth::follow(const CkSimRaster& raster) {
         m_mean.resize(count);
         m_cosine.resize(count);
         m_sine.resize(count);
-        for (std::vector<float>* row : {&m_tapA, &m_tapB, &m_gaussA, &m_gaussB})
+        for (std::vector<float>* row : {&m_tapA, &m_tapB, &m_gaussA, &m_gaussB}) {
             row->resize(size_t(width));
+        }
     }
     const double milliseconds = m_exposure.timeUs / 1000.0;
-    const double signal = SIGNAL_ELECTRONS * milliseconds;
-    const double ambient = AMBIENT_ELECTRONS * m_exposure.ambient * milliseconds;
+    const double signal = kSignalElectrons * milliseconds;
+    const double ambient = kAmbientElectrons * m_exposure.ambient * milliseconds;
     const double radiansPerMetre = 2.0 * std::numbers::pi / unambiguousRange(m_modulationMHz);
     for (int row = area.top; row < area.bottom; ++row) {
         size_t index = size_t(row) * size_t(width) + size_t(area.left);
@@ -91,8 +96,8 @@ void CkSimWaveSynth::follow(const CkSimRaster& raster) {
             const double phase =
                 radiansPerMetre * (double(raster.distance()[index]) + m_exposure.distanceOffsetM);
             m_mean[index] = float(half + 0.5 * ambient * double(raster.ambient()[index]));
-            m_cosine[index] = float(half * CONTRAST * std::cos(phase));
-            m_sine[index] = float(half * CONTRAST * std::sin(phase));
+            m_cosine[index] = float(half * kContrast * std::cos(phase));
+            m_sine[index] = float(half * kContrast * std::sin(phase));
         }
     }
     m_raster = raster.identity();
@@ -115,11 +120,11 @@ void CkSimWaveSynth::expose(int angleDegrees, quint64 set, int row, int width) {
         tapB[column] = mean[column] - swing;
     }
     if (m_exposure.noise) {
-        constexpr float readVariance = float(READ_NOISE_ELECTRONS * READ_NOISE_ELECTRONS);
+        constexpr float kReadVariance = float(kReadNoiseElectrons * kReadNoiseElectrons);
         CkSimNoise::fillRow<2>(CkSimNoise::rowKey(m_exposure.seed, set, quint32(angleDegrees), quint32(row)),
                                width, {m_gaussA.data(), m_gaussB.data()});
-        addSimNoise(tapA, m_gaussA.data(), readVariance, width);
-        addSimNoise(tapB, m_gaussB.data(), readVariance, width);
+        addSimNoise(tapA, m_gaussA.data(), kReadVariance, width);
+        addSimNoise(tapB, m_gaussB.data(), kReadVariance, width);
     }
     saturateSim(tapA, width);
     saturateSim(tapB, width);

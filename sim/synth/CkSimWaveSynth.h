@@ -15,22 +15,22 @@
 /// p = 2 pi * (distance + offset) / unambiguousRange, wrapped. One thread at a time.
 class CkSimWaveSynth {
 public:
-    static constexpr double LIGHT_SPEED_M_MHZ = 299.70254; ///< in air
-    static constexpr double SIGNAL_ELECTRONS = 60000.0; ///< S of a white surface at 1 m, facing, after 1 ms
-    static constexpr double AMBIENT_ELECTRONS = 4000.0; ///< N of a white surface in full daylight after 1 ms
-    static constexpr double CONTRAST = 0.9;
-    static constexpr double READ_NOISE_ELECTRONS = 25.0; ///< standard deviation, each tap
+    static constexpr double kLightSpeedMMHz = 299.70254; ///< in air
+    static constexpr double kSignalElectrons = 60000.0;  ///< S of a white surface at 1 m, facing, after 1 ms
+    static constexpr double kAmbientElectrons = 4000.0;  ///< N of a white surface in full daylight after 1 ms
+    static constexpr double kContrast = 0.9;
+    static constexpr double kReadNoiseElectrons = 25.0; ///< standard deviation, each tap
 
     /// Distance in metres at which the phase shift starts again at 0.
-    static double unambiguousRange(double modulationMHz) { return LIGHT_SPEED_M_MHZ / (2.0 * modulationMHz); }
+    static double unambiguousRange(double modulationMHz) { return kLightSpeedMMHz / (2.0 * modulationMHz); }
 
     void setup(const SkSimExposure& exposure, double modulationMHz);
 
     /// Exposes the phase of an angle in degrees and writes it as a sub-image from a row on. The format is the
     /// target's: two channels UInt8 or UInt16 are A and B, one channel Int8 or Int16 is A minus B, of
     /// bitsPerChannel bits. The largest tap count, 2^bits - 1, stands for a full pixel; a difference is in
-    /// tap counts, but where 8 or 16 bits fill the sample 2^(bits - 1) - 1 stands for a full pixel, for the
-    /// sign needs its room. set and angle choose the noise. False, with nothing written, when the target has
+    /// tap counts, but where 8 or 16 bits fill the sample 2^(bits - 1) - 1 stands for a full pixel, since the
+    /// sign takes one bit. set and angle choose the noise. False, with nothing written, when the target has
     /// another format or no room.
     bool writePhase(const CkSimRaster& raster, quint64 set, int angleDegrees, SkPicBuf& target,
                     quint32 firstRow);

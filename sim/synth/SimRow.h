@@ -4,10 +4,10 @@
 
 #include <cmath>
 
-/// Row loops that the sensors share. Values are electrons; each loop is plain enough to be vectorised.
+/// Row loops shared by the sensors. Values are electrons; the loops are simple enough for auto-vectorisation.
 
 /// Electrons that a pixel holds before it saturates.
-inline constexpr float SIM_FULL_WELL = 60000.0F;
+inline constexpr float kSimFullWell = 60000.0F;
 
 /// Adds shot noise (Gaussian approximation of the Poisson distribution) and read noise.
 inline void addSimNoise(float* electrons, const float* gauss, float readVariance, int count) {
@@ -17,22 +17,22 @@ inline void addSimNoise(float* electrons, const float* gauss, float readVariance
     }
 }
 
-/// Cuts at empty and full pixels.
+/// Clamps to empty and full pixels.
 inline void saturateSim(float* electrons, int count) {
     for (int column = 0; column < count; ++column) {
         float value = electrons[column];
         value = value < 0.0F ? 0.0F : value;
-        electrons[column] = value > SIM_FULL_WELL ? SIM_FULL_WELL : value;
+        electrons[column] = value > kSimFullWell ? kSimFullWell : value;
     }
 }
 
 /// Counts per electron of a converter whose largest count stands for a full pixel.
 inline float simGain(quint32 bits) {
-    return float((1U << bits) - 1U) / SIM_FULL_WELL;
+    return float((1U << bits) - 1U) / kSimFullWell;
 }
 
-/// Whether a picture can take a whole sub-image of the size at a row: rows long enough, bits that the sample
-/// type holds.
+/// Whether a sub-image of the size fits into the picture at a row: rows long enough, and no more bits than
+/// the sample type has.
 inline bool simFits(const SkPicBuf& target, int width, int height, quint32 firstRow) {
     const quint32 sampleBits = 8 * sampleBytes(target.dataType);
     return target.data && target.width == quint32(width) && target.bitsPerChannel >= 2 &&

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// What every simulated sensor is told about an exposure. Plain data.
+/// Exposure settings that all simulated sensors share.
 struct SkSimExposure {
     double timeUs = 1000.0;       ///< microseconds of one exposure
     double ambient = 1.0;         ///< brightness of the ambient light, 1: lamps on, 0: dark

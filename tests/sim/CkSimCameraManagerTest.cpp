@@ -9,11 +9,11 @@ TEST(CkSimCamera, worksThroughTheCameraManager) {
     CkCameraManager* manager = CkCameraManager::instance();
     manager->addDriver(std::make_unique<CkSimCameraDriver>());
     QString sError;
-    void* handle = manager->openCamera(CkSimCameraDriver::WAVE_ID, &sError);
+    void* handle = manager->openCamera(CkSimCameraDriver::kWaveId, &sError);
     ASSERT_NE(handle, nullptr) << sError.toStdString();
     SkCameraInfo info;
     ASSERT_TRUE(manager->cameraInfo(handle, info));
-    EXPECT_EQ(info.id, CkSimCameraDriver::WAVE_ID);
+    EXPECT_EQ(info.id, CkSimCameraDriver::kWaveId);
     ASSERT_NE(manager->cameraParameters(handle)->findParam("tof_readout_mode"), nullptr);
 
     SimFrames receiver;
@@ -31,6 +31,7 @@ TEST(CkSimCamera, worksThroughTheCameraManager) {
     manager->removeFrameReceiver(&receiver);
     manager->closeCamera(handle);
     EXPECT_FALSE(manager->isOpen(handle));
-    for (const SimFrames::Frame& frame : receiver.take())
+    for (const SimFrames::Frame& frame : receiver.take()) {
         EXPECT_EQ(frame->picBuf().channels, 2U);
+    }
 }

@@ -14,14 +14,15 @@ namespace {
 
 std::unique_ptr<IkCamera> openWave() {
     CkSimCameraDriver driver;
-    return driver.open(CkSimCameraDriver::WAVE_ID, nullptr);
+    return driver.open(CkSimCameraDriver::kWaveId, nullptr);
 }
 
 bool samePixels(const SkPicBuf& first, const SkPicBuf& second) {
     const size_t packed = size_t(first.width) * first.channels * sampleBytes(first.dataType);
     for (quint32 row = 0; row < first.height; ++row) {
-        if (std::memcmp(first.row(row), second.row(row), packed) != 0)
+        if (std::memcmp(first.row(row), second.row(row), packed) != 0) {
             return false;
+        }
     }
     return true;
 }
@@ -82,8 +83,9 @@ TEST(CkSimCamera, countsItsFramesAndItsClock) {
     SimFrames receiver;
     camera->setPaused(true);
     ASSERT_TRUE(camera->start(receiver.receiver(), nullptr));
-    for (int set = 0; set < 3; ++set)
+    for (int set = 0; set < 3; ++set) {
         camera->step();
+    }
     ASSERT_TRUE(receiver.waitFor(6));
     camera->stop();
     const auto frames = receiver.take();
@@ -340,15 +342,17 @@ TEST(CkSimCamera, lendsAFewPicturesAndDropsWhenAllAreHeld) {
     SimFrames holder;
     ASSERT_TRUE(camera->start(holder.receiver(), nullptr));
     ASSERT_TRUE(holder.waitFor(4));
-    for (int waited = 0; sim->droppedSets() < 3 && waited < 30000; ++waited)
+    for (int waited = 0; sim->droppedSets() < 3 && waited < 30000; ++waited) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     EXPECT_GE(sim->droppedSets(), 3U);
     const size_t held = holder.count();
     const quint64 lost = sim->droppedSets();
     std::set<const quint8*> memory;
     std::vector<SimFrames::Frame> frames = holder.take();
-    for (const SimFrames::Frame& frame : frames)
+    for (const SimFrames::Frame& frame : frames) {
         memory.insert(frame->picBuf().data);
+    }
     EXPECT_EQ(memory.size(), held);
     // Given back, the same memory comes again.
     frames.clear();
@@ -367,7 +371,8 @@ TEST(CkSimCamera, framesOutliveTheCamera) {
         ASSERT_TRUE(camera->start(receiver.receiver(), nullptr));
         ASSERT_TRUE(receiver.waitFor(2));
     }
-    for (const SimFrames::Frame& frame : receiver.take())
+    for (const SimFrames::Frame& frame : receiver.take()) {
         EXPECT_EQ(frame->picBuf().row(frame->picBuf().height - 1) - frame->picBuf().data,
                   qptrdiff(1919) * frame->picBuf().lineSize);
+    }
 }

@@ -77,8 +77,9 @@ bool isPainted(const SkPicBuf& picture) {
     const quint32 pixelBytes = picture.channels * sampleBytes(picture.dataType);
     for (quint32 row = 0; row < picture.height; row += 8) {
         for (quint32 column = 0; column < picture.width; ++column) {
-            if (std::memcmp(picture.data, picture.row(row) + size_t(column) * pixelBytes, pixelBytes) != 0)
+            if (std::memcmp(picture.data, picture.row(row) + size_t(column) * pixelBytes, pixelBytes) != 0) {
                 return true;
+            }
         }
     }
     return false;
@@ -121,7 +122,7 @@ SkExpected expectedWave(int readout, int format, int phases, bool separate, int 
 } // namespace
 
 TEST(CkSimFormat, waveCameraDeliversWhatItSaysInEveryMode) {
-    const auto camera = openCamera(CkSimCameraDriver::WAVE_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kWaveId);
     ASSERT_TRUE(camera);
     ASSERT_TRUE(commitSim(*camera, {{"framerate", 200.0}, {"sim_noise", false}}));
     for (const int readout : {2, 4, 3}) {
@@ -129,8 +130,9 @@ TEST(CkSimFormat, waveCameraDeliversWhatItSaysInEveryMode) {
             for (const int phases : {1, 2, 4, 8}) {
                 for (const int separate : {0, 1}) {
                     for (const int converter : {12, 16}) {
-                        if (converter == 16 && phases != 4)
+                        if (converter == 16 && phases != 4) {
                             continue;
+                        }
                         SCOPED_TRACE(testing::Message()
                                      << "readout " << readout << ", format " << format << ", " << phases
                                      << " phases, separate " << separate << ", converter " << converter);
@@ -160,8 +162,9 @@ TEST(CkSimFormat, waveCameraDeliversWhatItSaysInEveryMode) {
                             EXPECT_EQ(metadata.frameNumber, index);
                             EXPECT_EQ(frames[index]->picBuf().additionalData.frameNumber, index);
                         }
-                        if (HasFailure())
+                        if (HasFailure()) {
                             return;
+                        }
                     }
                 }
             }
@@ -170,7 +173,7 @@ TEST(CkSimFormat, waveCameraDeliversWhatItSaysInEveryMode) {
 }
 
 TEST(CkSimFormat, hybridCameraDeliversWhatItSaysInEveryMode) {
-    const auto camera = openCamera(CkSimCameraDriver::HYBRID_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kHybridId);
     ASSERT_TRUE(camera);
     EXPECT_EQ(camera->parameters()->cameraInfo().sensorType, 13U);
     EXPECT_EQ(camera->parameters()->findParam("tof_readout_mode"), nullptr);
@@ -219,8 +222,9 @@ TEST(CkSimFormat, hybridCameraDeliversWhatItSaysInEveryMode) {
                         EXPECT_EQ(metadata.phaseSequenceLength, 0);
                         EXPECT_EQ(metadata.frameNumber, index);
                     }
-                    if (HasFailure())
+                    if (HasFailure()) {
                         return;
+                    }
                 }
             }
         }
@@ -228,7 +232,7 @@ TEST(CkSimFormat, hybridCameraDeliversWhatItSaysInEveryMode) {
 }
 
 TEST(CkSimFormat, greyCameraIsNoToFCamera) {
-    const auto camera = openCamera(CkSimCameraDriver::GREY_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kGreyId);
     ASSERT_TRUE(camera);
     EXPECT_NE(camera->parameters()->cameraInfo().sensorType, 13U);
     EXPECT_EQ(camera->parameters()->findParam("tof_readout_mode"), nullptr);
@@ -242,7 +246,7 @@ TEST(CkSimFormat, greyCameraIsNoToFCamera) {
 }
 
 TEST(CkSimFormat, framesTellCameraAndExposure) {
-    const auto camera = openCamera(CkSimCameraDriver::WAVE_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kWaveId);
     ASSERT_TRUE(commitSim(*camera, {{"exposure", 250.0},
                                     {"framerate", 12.5},
                                     {"tof_modulation_frequency", 37.5},
@@ -265,7 +269,7 @@ TEST(CkSimFormat, framesTellCameraAndExposure) {
 }
 
 TEST(CkSimFormat, separateImagesAreThePartsOfTheStackedOne) {
-    const auto camera = openCamera(CkSimCameraDriver::WAVE_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kWaveId);
     ASSERT_TRUE(commitSim(*camera, {{"framerate", 200.0}}));
     const auto stacked = simSet(*camera, 1);
     ASSERT_TRUE(commitSim(*camera, {{"tof_phase_images", 1}}));
@@ -275,20 +279,22 @@ TEST(CkSimFormat, separateImagesAreThePartsOfTheStackedOne) {
     for (quint32 index = 0; index < 4; ++index) {
         const SkPicBuf& part = separate[index]->picBuf();
         EXPECT_EQ(part.additionalData.timestampNs, stacked[0]->picBuf().additionalData.timestampNs);
-        for (quint32 row = 0; row < 480; ++row)
+        for (quint32 row = 0; row < 480; ++row) {
             ASSERT_EQ(std::memcmp(part.row(row), stacked[0]->picBuf().row(index * 480 + row), 640 * 4), 0);
+        }
     }
 }
 
 TEST(CkSimFormat, trueDistancesBelongToTheFrame) {
-    const auto camera = openCamera(CkSimCameraDriver::WAVE_ID);
+    const auto camera = openCamera(CkSimCameraDriver::kWaveId);
     const auto* sim = static_cast<const CkSimCamera*>(camera.get());
     ASSERT_TRUE(commitSim(*camera, {{"framerate", 2.0}, {"sim_noise", false}, {"sim_converter_bits", 16}}));
     SimFrames receiver;
     camera->setPaused(true);
     ASSERT_TRUE(camera->start(receiver.receiver(), nullptr));
-    for (int step = 0; step < 3; ++step)
+    for (int step = 0; step < 3; ++step) {
         camera->step();
+    }
     ASSERT_TRUE(receiver.waitFor(3));
     camera->stop();
     const auto frames = receiver.take();
@@ -311,12 +317,14 @@ TEST(CkSimFormat, trueDistancesBelongToTheFrame) {
                 const double x = difference(0) - difference(2);
                 const double y = difference(1) - difference(3);
                 // Counts are rounded by 1/2: a pointer of at least 400 is right to 2 sqrt(2) / 400 rad.
-                if (std::hypot(x, y) < 400.0)
+                if (std::hypot(x, y) < 400.0) {
                     continue;
+                }
                 ++compared;
                 double phase = std::atan2(y, x);
-                if (phase < 0.0)
+                if (phase < 0.0) {
                     phase += 2.0 * 3.141592653589793;
+                }
                 ASSERT_NEAR(phase / (2.0 * 3.141592653589793) * 7.4925635, double(distances[column]), 0.0086);
             }
         }
@@ -336,7 +344,7 @@ TEST(CkSimFormat, trueDistancesBelongToTheFrame) {
 
 TEST(CkSimFormat, parametersTellWhatTheyAre) {
     for (const QString& sId :
-         {CkSimCameraDriver::WAVE_ID, CkSimCameraDriver::HYBRID_ID, CkSimCameraDriver::GREY_ID}) {
+         {CkSimCameraDriver::kWaveId, CkSimCameraDriver::kHybridId, CkSimCameraDriver::kGreyId}) {
         const auto camera = openCamera(sId);
         ASSERT_TRUE(camera);
         ASSERT_FALSE(camera->parameters()->params().isEmpty());
@@ -354,8 +362,9 @@ TEST(CkSimFormat, parametersTellWhatTheyAre) {
             }
             if (description.kind == CkCameraParam::EkKind::Enumeration) {
                 bool listed = false;
-                for (const CkCameraParam::SkEnumEntry& entry : description.entries)
+                for (const CkCameraParam::SkEnumEntry& entry : description.entries) {
                     listed = listed || entry.value == description.value.toInt64();
+                }
                 EXPECT_TRUE(listed);
             }
         }

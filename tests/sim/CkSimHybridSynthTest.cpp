@@ -101,8 +101,9 @@ TEST(CkSimHybridSynth, depthComesBackInBothHalvesOfTheRange) {
                 const double truth = radial(column, row, test.wall) + test.offset;
                 // Where the return begins or ends a window, rounding decides which window it is in.
                 const double place = truth / range;
-                if (place > 1.95 || std::abs(place - 1.0) < 0.05)
+                if (place > 1.95 || std::abs(place - 1.0) < 0.05) {
                     continue;
+                }
                 ++checked;
                 const SkDepth depth = depthOf(picture.at(column, row, 0), picture.at(column, row, 1),
                                               picture.at(column, row, 2), range);
@@ -118,8 +119,9 @@ TEST(CkSimHybridSynth, eachSectionIsTwiceAsSensitive) {
     CkSimHybridSynth synth;
     synth.setup(quiet(), 40.0);
     SimPicture picture(W, 4 * H, 3, EkImageDataType::UInt16, 12);
-    for (int section = 0; section < 4; ++section)
+    for (int section = 0; section < 4; ++section) {
         ASSERT_TRUE(synth.writeSection(raster, 0, section, EkSection::Plain, picture, quint32(section) * H));
+    }
     for (quint32 row = 0; row < H; row += 11) {
         for (quint32 column = 0; column < W; column += 13) {
             for (quint32 channel = 0; channel < 3; ++channel) {

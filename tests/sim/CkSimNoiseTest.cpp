@@ -24,8 +24,9 @@ SkRows draw(quint64 seed, quint64 set, quint32 exposure, quint32 row, int count)
 
 double correlation(const std::vector<float>& first, const std::vector<float>& second, size_t shift = 0) {
     double sum = 0.0;
-    for (size_t index = 0; index + shift < first.size(); ++index)
+    for (size_t index = 0; index + shift < first.size(); ++index) {
         sum += double(first[index]) * double(second[index + shift]);
+    }
     return sum / double(first.size() - shift);
 }
 
@@ -77,8 +78,9 @@ TEST(CkSimNoise, keysDoNotCollide) {
     for (quint64 seed = 0; seed < 8; ++seed) {
         for (quint64 set = 0; set < 8; ++set) {
             for (quint32 exposure = 0; exposure < 8; ++exposure) {
-                for (quint32 row = 0; row < 64; ++row)
+                for (quint32 row = 0; row < 64; ++row) {
                     keys.insert(CkSimNoise::rowKey(seed, set, exposure, row));
+                }
             }
         }
     }

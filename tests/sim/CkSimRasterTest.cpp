@@ -27,8 +27,9 @@ TEST(CkSimRaster, wallIsAtItsDistanceAlongTheAxis) {
     // The corner: 3.2 mm and 2.4 mm off the axis at 3.5 mm focal length.
     EXPECT_NEAR(distanceAt(raster, 0, 0), 2.0 * std::sqrt(10.24 + 5.76 + 12.25) / 3.5, 1e-6);
     for (int row = 0; row < lens.height; row += 7) {
-        for (int column = 0; column < lens.width; column += 7)
+        for (int column = 0; column < lens.width; column += 7) {
             ASSERT_NEAR(distanceAt(raster, column, row) * axisShare(lens, column, row), 2.0, 1e-6);
+        }
     }
 }
 
@@ -37,8 +38,9 @@ TEST(CkSimRaster, wallSendsLightBackByInverseSquareAndCosine) {
     const CkSimRaster near(lens, CkSimScene::wall(1.5, 0.6));
     const CkSimRaster far(lens, CkSimScene::wall(3.0, 0.6));
     EXPECT_NEAR(double(near.echo()[240 * 640 + 320]), 0.6 / 2.25, 1e-6);
-    for (size_t index = 0; index < near.echo().size(); index += 97)
+    for (size_t index = 0; index < near.echo().size(); index += 97) {
         ASSERT_NEAR(double(near.echo()[index] / far.echo()[index]), 4.0, 1e-5);
+    }
     const double share = axisShare(lens, 50, 30);
     EXPECT_NEAR(double(near.echo()[30 * 640 + 50]), 0.6 * share * share * share / 2.25, 1e-6);
 }
@@ -109,8 +111,9 @@ TEST(CkSimRaster, spherePointsAreOnTheSphere) {
 
 TEST(CkSimRaster, dependsOnTheTimeAloneNotOnThePath) {
     CkSimRaster wanderer(SkSimLens{}, CkSimScene::room());
-    for (const double seconds : {5.0, 0.25, 1.0, 2.5, 2.0})
+    for (const double seconds : {5.0, 0.25, 1.0, 2.5, 2.0}) {
         wanderer.moveTo(seconds);
+    }
     CkSimRaster direct(SkSimLens{}, CkSimScene::room());
     direct.moveTo(2.0);
     EXPECT_EQ(wanderer.distance(), direct.distance());

@@ -47,10 +47,12 @@ SkPointer pointerOf(const SimPicture& picture, int phases, quint32 height, quint
         d.push_back(picture.channels == 2 ? picture.at(column, line, 0) - picture.at(column, line, 1)
                                           : picture.at(column, line));
     }
-    if (phases == 2)
+    if (phases == 2) {
         return {d[0], d[1]};
-    if (phases == 4)
+    }
+    if (phases == 4) {
         return {d[0] - d[2], d[1] - d[3]};
+    }
     const double p = d[1] - d[5];
     const double q = d[3] - d[7];
     return {d[0] - d[4] + (p - q) * std::sqrt(0.5), d[2] - d[6] + (p + q) * std::sqrt(0.5)};
@@ -115,10 +117,12 @@ TEST(CkSimWaveSynth, phasesGiveTheDistanceWithinTheQuantisation) {
 
         const double range = 299.70254 / (2.0 * test.modulationMHz);
         double fullScale = double((1U << test.bits) - 1U);
-        if (test.type == EkImageDataType::Int8)
+        if (test.type == EkImageDataType::Int8) {
             fullScale = 127.0;
-        if (test.type == EkImageDataType::Int16 && test.bits == 16)
+        }
+        if (test.type == EkImageDataType::Int16 && test.bits == 16) {
             fullScale = 32767.0;
+        }
         const double weights[] = {0.0, 0.5, 1.0, 0.0, 2.0, 0.0, 0.0, 0.0, 2.0 + 2.0 * std::sqrt(2.0)};
         const double e = (test.phases == 2 ? 1.0 : weights[test.phases]) * (taps ? 1.0 : 0.5) + 0.02;
         for (quint32 row = 0; row < H; row += 5) {

@@ -21,8 +21,9 @@ public:
         return [this](CkImageData* data) {
             Frame frame(data);
             const std::lock_guard lock(m_mutex);
-            if (m_keep)
+            if (m_keep) {
                 m_frames.push_back(std::move(frame));
+            }
             ++m_count;
             m_arrived.notify_all();
         };
@@ -67,8 +68,9 @@ inline bool commitSim(IkCamera& camera, const std::vector<SimValue>& values) {
     CkCameraParameters* parameters = camera.parameters();
     for (const SimValue& entry : values) {
         CkCameraParam* param = parameters->findParam(QString::fromLatin1(entry.name));
-        if (!param || !param->setParamValue(CkValue(entry.value)))
+        if (!param || !param->setParamValue(CkValue(entry.value))) {
             return false;
+        }
         parameters->addParamCommitToBatch(param);
     }
     return parameters->endCommitBatch(true);
@@ -78,8 +80,9 @@ inline bool commitSim(IkCamera& camera, const std::vector<SimValue>& values) {
 inline std::vector<SimFrames::Frame> simSet(IkCamera& camera, size_t images) {
     SimFrames frames;
     camera.setPaused(true);
-    if (!camera.start(frames.receiver(), nullptr))
+    if (!camera.start(frames.receiver(), nullptr)) {
         return {};
+    }
     camera.step();
     frames.waitFor(images);
     camera.stop();

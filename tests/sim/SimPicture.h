@@ -49,8 +49,9 @@ public:
         const size_t packed = size_t(width) * channels * sampleBytes(dataType);
         for (quint32 line = 0; line < height; ++line) {
             if (!std::all_of(row(line) + packed, row(line) + lineSize,
-                             [](quint8 byte) { return byte == FILL; }))
+                             [](quint8 byte) { return byte == FILL; })) {
                 return false;
+            }
         }
         const quint8* guard = data + size_t(lineSize) * height;
         return std::all_of(guard, guard + 64, [](quint8 byte) { return byte == FILL; });
@@ -60,8 +61,9 @@ public:
         for (quint32 line = 0; line < height; ++line) {
             for (quint32 column = 0; column < width; ++column) {
                 for (quint32 channel = 0; channel < channels; ++channel) {
-                    if (at(column, line, channel) != other.at(column, otherFirstRow + line, channel))
+                    if (at(column, line, channel) != other.at(column, otherFirstRow + line, channel)) {
                         return false;
+                    }
                 }
             }
         }

@@ -92,7 +92,7 @@ double quantisationBoundM(const SkPicBuf& raw, int x, int y, int rowsPerPhase) {
 TEST(WallDistance, ExportedCloudOfAWallAtTwoMetresIsThereWithinTheQuantisation) {
     CkCameraManager* cameras = CkCameraManager::instance();
     cameras->addDriver(std::make_unique<CkSimCameraDriver>());
-    void* camera = cameras->openCamera(CkSimCameraDriver::WAVE_ID);
+    void* camera = cameras->openCamera(CkSimCameraDriver::kWaveId);
     ASSERT_NE(camera, nullptr);
     set(camera, "sim_scene", 1);
     set(camera, "sim_wall_distance", g_wallM);

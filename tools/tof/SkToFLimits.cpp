@@ -16,7 +16,7 @@ void SkToFLimits::addOptions(CkToFArguments& options) {
     options.addValue(QStringLiteral("max-expansion"), QStringLiteral("N"),
                      QStringLiteral("Refuses pages that are said to have more than N times their compressed "
                                     "bytes, and more than %1 MiB; %2 by default.")
-                         .arg(SkReadLimits::smallPictureBytes >> 20U)
+                         .arg(SkReadLimits::kSmallPictureBytes >> 20U)
                          .arg(usual.reading.expansion));
 }
 

@@ -1,5 +1,6 @@
 #include "host/viewer/playback/CkStillPicture.h"
 
+#include "host/recording/FrameFiles.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -72,7 +73,7 @@ QStringList CkStillPicture::suffixes() {
 
 void CkStillPicture::registerFormat() {
     static const bool done = [] {
-        CkFrameFiles::addFormat(&CkStillPicture::recognises, &CkStillPicture::open);
+        FrameFiles::addFormat(&CkStillPicture::recognises, &CkStillPicture::open);
         return true;
     }();
     Q_UNUSED(done)

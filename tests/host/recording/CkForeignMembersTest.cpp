@@ -2,6 +2,7 @@
 
 #include "host/recording/CkRecorder.h"
 #include "host/recording/CkVideoSource.h"
+#include "host/recording/ForeignMembers.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageProvider.h"
@@ -114,9 +115,9 @@ TEST_F(CkForeignMembersTest, TheyGoThroughBlocksThatMakeNewFrames) {
 TEST_F(CkForeignMembersTest, OnlyWhatIsUnknownCountsAsForeign) {
     CkRecordingReader reader;
     ASSERT_TRUE(reader.open(path("first.tif"), nullptr));
-    EXPECT_EQ(CkForeignMembers::of(*reader.read(2, nullptr)), laterVersion(2));
+    EXPECT_EQ(ForeignMembers::of(*reader.read(2, nullptr)), laterVersion(2));
     record(path("plain.tif"), 1);
     ASSERT_TRUE(reader.open(path("plain.tif"), nullptr));
-    EXPECT_TRUE(CkForeignMembers::of(*reader.read(0, nullptr)).isEmpty());
+    EXPECT_TRUE(ForeignMembers::of(*reader.read(0, nullptr)).isEmpty());
     EXPECT_TRUE(reader.read(0, nullptr)->dynamicPropertyNames().isEmpty());
 }

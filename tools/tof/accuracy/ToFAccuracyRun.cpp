@@ -86,30 +86,31 @@ void addLimits(const CkSimRaster& raster, const SkSimSettings& settings, SkToFAc
     double sensor = 0.0;
     for (size_t i = 0; i < count; ++i) {
         if (result.point.hybrid) {
-            const double pulse = Hybrid::SIGNAL_ELECTRONS * milliseconds * double(raster.echo()[i]);
-            const double light = Hybrid::AMBIENT_ELECTRONS * settings.exposure.ambient * milliseconds *
+            const double pulse = Hybrid::kSignalElectrons * milliseconds * double(raster.echo()[i]);
+            const double light = Hybrid::kAmbientElectrons * settings.exposure.ambient * milliseconds *
                                  double(raster.ambient()[i]);
             const double range = Hybrid::range(settings.pulseNs);
             const double place = double(raster.distance()[i]) / range;
             const double share = place - std::floor(place);
             const double first = light + pulse * (1.0 - share);
             const double second = light + pulse * share;
-            const double other = Hybrid::READ_NOISE_ELECTRONS * Hybrid::READ_NOISE_ELECTRONS + rounding;
+            const double other = Hybrid::kReadNoiseElectrons * Hybrid::kReadNoiseElectrons + rounding;
             const double millimetres = 1000.0 * range;
             shot += std::pow(pulseShareSigma(first, second, light) * millimetres, 2);
             sensor += std::pow(pulseShareSigma(first, second, light, other) * millimetres, 2);
             result.signal += pulse / double(count);
             result.total += (pulse + 3.0 * light) / double(count);
         } else {
-            const double signal = Wave::SIGNAL_ELECTRONS * milliseconds * double(raster.echo()[i]);
-            const double total = signal + Wave::AMBIENT_ELECTRONS * settings.exposure.ambient * milliseconds *
+            const double signal = Wave::kSignalElectrons * milliseconds * double(raster.echo()[i]);
+            const double total = signal + Wave::kAmbientElectrons * settings.exposure.ambient * milliseconds *
                                               double(raster.ambient()[i]);
-            const double other = 2.0 * (Wave::READ_NOISE_ELECTRONS * Wave::READ_NOISE_ELECTRONS + rounding);
+            const double other = 2.0 * (Wave::kReadNoiseElectrons * Wave::kReadNoiseElectrons + rounding);
             const double millimetres =
                 1000.0 * Wave::unambiguousRange(settings.modulationMHz) / (2.0 * std::numbers::pi);
             const int phases = result.point.phases;
-            shot += std::pow(wavePhaseSigma(signal, total, Wave::CONTRAST, phases) * millimetres, 2);
-            sensor += std::pow(wavePhaseSigma(signal, total, Wave::CONTRAST, phases, other) * millimetres, 2);
+            shot += std::pow(wavePhaseSigma(signal, total, Wave::kContrast, phases) * millimetres, 2);
+            sensor +=
+                std::pow(wavePhaseSigma(signal, total, Wave::kContrast, phases, other) * millimetres, 2);
             result.signal += signal / double(count);
             result.total += total / double(count);
         }

@@ -30,7 +30,7 @@ protected:
 
     void SetUp() override {
         QString sError;
-        camera = CkCameraManager::instance()->openCamera(CkSimCameraDriver::WAVE_ID, &sError);
+        camera = CkCameraManager::instance()->openCamera(CkSimCameraDriver::kWaveId, &sError);
         ASSERT_NE(camera, nullptr) << sError.toStdString();
         CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(camera);
         const std::pair<const char*, double> values[] = {{"sim_scene", 1},

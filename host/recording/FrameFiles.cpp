@@ -1,5 +1,6 @@
+#include "host/recording/FrameFiles.h"
+
 #include "host/recording/CkRecordingReader.h"
-#include "host/recording/IkFrameFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -8,11 +9,11 @@
 
 namespace {
 
-constexpr qint64 firstBytes = 512;
+constexpr qint64 kFirstBytes = 512;
 
 struct SkFormat {
     std::function<bool(const QByteArray&)> recognises;
-    CkFrameFiles::OpenFunction open;
+    FrameFiles::OpenFunction open;
 };
 
 std::vector<SkFormat>& formats() {
@@ -26,17 +27,17 @@ QByteArray beginningOf(const QString& sFileName) {
         return {};
     }
     QFile file(sFileName);
-    return file.open(QIODevice::ReadOnly) ? file.read(firstBytes) : QByteArray();
+    return file.open(QIODevice::ReadOnly) ? file.read(kFirstBytes) : QByteArray();
 }
 
 } // namespace
 
-void CkFrameFiles::addFormat(std::function<bool(const QByteArray&)> recognises, OpenFunction open) {
+void FrameFiles::addFormat(std::function<bool(const QByteArray&)> recognises, OpenFunction open) {
     formats().push_back({std::move(recognises), std::move(open)});
 }
 
-std::shared_ptr<const IkFrameFile> CkFrameFiles::open(const QString& sFileName, QString* psError,
-                                                      const IkFrameFile::ProgressFunction& progress) {
+std::shared_ptr<const IkFrameFile> FrameFiles::open(const QString& sFileName, QString* psError,
+                                                    const IkFrameFile::ProgressFunction& progress) {
     const QByteArray beginning = beginningOf(sFileName);
     for (const SkFormat& format : formats()) {
         if (!beginning.isEmpty() && format.recognises(beginning)) {

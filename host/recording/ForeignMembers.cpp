@@ -1,0 +1,19 @@
+#include "host/recording/ForeignMembers.h"
+
+#include "zuCore/CkImageData.h"
+
+#include <QVariant>
+
+namespace {
+
+constexpr char kForeignProperty[] = "zuForeignMembers";
+
+}
+
+QJsonObject ForeignMembers::of(const CkImageData& frame) {
+    return frame.property(kForeignProperty).toJsonObject();
+}
+
+void ForeignMembers::give(CkImageData& frame, const QJsonObject& members) {
+    frame.setProperty(kForeignProperty, members.isEmpty() ? QVariant() : QVariant(members));
+}
