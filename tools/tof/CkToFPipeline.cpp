@@ -1,8 +1,8 @@
 #include "tools/tof/CkToFPipeline.h"
 
-#include "plugins/zplToF/transform/EkTransformType.h"
 #include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkImageData.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 
@@ -14,24 +14,31 @@ bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
            a.colorFilterArray == b.colorFilterArray;
 }
 
-} // namespace
-
-void CkToFPipeline::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata) {
-    m_processor.clear();
-    m_prepared = in;
-    m_bPrepared = true;
-    m_input.prepare(in, metadata, true);
-    const SkPicBufInfo* const set = m_input.setInfo();
-    if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
-        m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
+/// The texts of the processing block, where they do not speak of a chain.
+QString refusalText(ToFFrames::EkRefusal refusal, const SkPicBufInfo& source) {
+    switch (refusal) {
+    case ToFFrames::EkRefusal::None: // no picture could be allocated
+    case ToFFrames::EkRefusal::NoOutputPixels:
+    case ToFFrames::EkRefusal::NotSupported:
+        return QStringLiteral("The transform cannot work on a picture of %1 x %2 pixels of this kind.")
+            .arg(source.width)
+            .arg(source.height);
+    default:
+        return QString::fromLatin1(ToFFrames::refusalText(refusal));
     }
 }
 
+} // namespace
+
+CkToFPipeline::CkToFPipeline(int iTransform) : m_iTransform(iTransform) {
+    m_transformer.reset(true);
+}
+
 QString CkToFPipeline::missingImages() const {
-    const CkToFPicAPI::AngleList& angles = m_input.angles();
+    const CkToFPicAPI::AngleList& angles = m_transformer.angles();
     QStringList missing;
     for (size_t i = 0; i < angles.size(); ++i) {
-        if (angles[i] == CkToFPhaseCollector::missingAngle) {
+        if (angles[i] == CkToFPhaseCollector::kMissingAngle) {
             missing.append(QString::number(i));
         }
     }
@@ -49,84 +56,56 @@ QString CkToFPipeline::missingImages() const {
         .arg(missing.join(QStringLiteral(", ")));
 }
 
-bool CkToFPipeline::hasAllAngles(QString& sReason) const {
-    const CkToFPicAPI::AngleList& angles = m_input.angles();
+QString CkToFPipeline::missingAngle() const {
+    const CkToFPicAPI::AngleList& angles = m_transformer.angles();
     const auto count = qint32(angles.size());
-    if (count == 1) {
-        return true;
+    if (!ToFPhases::isSupportedCount(count)) {
+        return QStringLiteral("ToF processing requires 2, 4 or 8 phases.");
     }
-    if (count != 2 && count != 4 && count != 8) {
-        sReason = QStringLiteral("ToF processing requires 2, 4 or 8 phases.");
-        return false;
-    }
-    const qint32 spacing = count == 8 ? 45 : 90;
     for (qint32 i = 0; i < count; ++i) {
-        if (std::find(angles.begin(), angles.end(), i * spacing) == angles.end()) {
-            sReason =
-                QStringLiteral("The set of %1 phases has none of %2 degrees.").arg(count).arg(i * spacing);
-            return false;
+        const qint32 angle = i * ToFPhases::nominalStep(count);
+        if (std::find(angles.begin(), angles.end(), angle) == angles.end()) {
+            return QStringLiteral("The set of %1 phases has none of %2 degrees.").arg(count).arg(angle);
         }
     }
-    return true;
+    return {};
 }
 
 CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::unique_ptr<CkImageData>& result,
                                                QString& sReason) {
-    const CkImageMetadata& metadata = data.metadata();
     const SkPicBuf& source = data.picBuf();
-    SkPicBufInfo outInfo;
-    CkImageMetadata outMeta;
-    const char* const refused = ToFNegotiation::negotiate(m_iTransform, source, outInfo, &metadata, &outMeta);
-    if (refused != nullptr) {
-        sReason = QString::fromLatin1(refused);
+    SkToFFormat out;
+    const char* const error =
+        ToFNegotiation::negotiate(m_iTransform, source, out.info, &data.metadata(), &out.metadata);
+    if (error != nullptr) {
+        sReason = QString::fromLatin1(error);
         return EkResult::Impossible;
     }
-    if (!m_bPrepared || !isSameFormat(source, m_prepared)) {
-        prepare(source, metadata);
+    if (!m_prepared || !isSameFormat(source, *m_prepared)) {
+        m_prepared = source;
+        m_transformer.prepare(source, data.metadata());
     }
-    using EkRefusal = ToFFrames::EkRefusal;
-    EkRefusal refusal = EkRefusal::None;
-    const auto waitingOrRefused = [&] {
-        sReason = QString::fromLatin1(ToFFrames::refusalText(refusal));
-        return refusal == EkRefusal::None ? EkResult::Waiting : EkResult::Impossible;
-    };
-    const SkPicBuf* const picture = m_input.lessReference(source, metadata, refusal);
-    if (picture == nullptr) {
-        return waitingOrRefused();
+    using EkOutcome = CkToFTransformer::EkOutcome;
+    CkToFTransformer::SkResult done = m_transformer.process(
+        m_iTransform, data, out,
+        [](const SkPicBufInfo& info, bool, CkPicture& picture) { return picture.allocate(info); });
+    if (done.angleError != nullptr) {
+        sReason = missingAngle();
+        return EkResult::Impossible;
     }
-    SkToFFrame frame{.frame = *picture, .input = picture};
-    frame.hybrid = CkToFPicAPI::isRawToFHybridPic(source, &metadata);
-    frame.phases = CkToFPicAPI::detectPhasesCount(source, &metadata);
-    frame.pulseDuration = metadata.hybridPulseDuration;
-    if (!CkToFFrameProcessor::needsNoSet(m_iTransform) && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
-        refusal = m_input.gather(metadata, frame);
-        if (frame.input == nullptr) {
-            return waitingOrRefused();
-        }
-        const bool byAngle = m_iTransform == ToFTransform::Amplitude || m_iTransform == ToFTransform::Depth;
-        if (byAngle && !frame.hybrid && !hasAllAngles(sReason)) {
-            return EkResult::Impossible;
-        }
-    }
-    if (CkToFFrameProcessor::passesThrough(m_iTransform, frame)) {
+    switch (done.outcome) {
+    case EkOutcome::NewFrame:
+        result = std::move(done.frame);
+        return EkResult::Frame;
+    case EkOutcome::SameFrame:
         result.reset(data.share());
         return result != nullptr ? EkResult::Frame : EkResult::Impossible;
+    case EkOutcome::Waiting:
+        return EkResult::Waiting;
+    case EkOutcome::Refused:
+    case EkOutcome::NoPicture:
+        break;
     }
-    refusal = m_processor.refusal(m_iTransform, frame, outInfo);
-    if (refusal != EkRefusal::None) {
-        return waitingOrRefused();
-    }
-    CkPicture out;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(out.picBuf(), outInfo) ||
-        !m_processor.process(m_iTransform, frame, out.picBuf())) {
-        sReason = QStringLiteral("The transform cannot work on a picture of %1 x %2 pixels of this kind.")
-                      .arg(source.width)
-                      .arg(source.height);
-        return EkResult::Impossible;
-    }
-    out.picBuf().copyPicAdditionalData(source);
-    result = std::make_unique<CkImageData>();
-    result->setPicBuf(out.take());
-    result->setMetadata(outMeta);
-    return EkResult::Frame;
+    sReason = refusalText(done.refusal, source);
+    return EkResult::Impossible;
 }

@@ -1,39 +1,34 @@
 #pragma once
 
-#include "plugins/zplToF/transform/CkToFFrameInput.h"
-#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/CkToFTransformer.h"
 
 #include <QString>
 
 #include <memory>
+#include <optional>
 
-class CkImageData;
-
-/// Applies one ToF transform to the frames of a group, as the processing block of a chain does. One thread at
-/// a time; one object a group.
+/// Applies one ToF transform to the frames of a group, one object for each group: CkToFTransformer with this
+/// program's error texts, and prepared anew when frames of another format follow. One thread at a time.
 class CkToFPipeline {
 public:
     /// iTransform: a ToFTransform::EkTransformType.
-    explicit CkToFPipeline(int iTransform) : m_iTransform(iTransform) {}
+    explicit CkToFPipeline(int iTransform);
 
     enum class EkResult {
         Frame,     ///< a frame came out
         Waiting,   ///< the set is not complete yet
-        Impossible ///< the transform makes nothing of this frame
+        Impossible ///< the transform cannot process this frame
     };
-    /// sReason is set when nothing can come out.
+    /// sReason is set for Impossible.
     EkResult process(const CkImageData& data, std::unique_ptr<CkImageData>& result, QString& sReason);
 
-    /// What the set lacks that was waited for last, as the rest of a sentence that begins with the set.
+    /// What the incomplete set lacks, as the rest of a sentence of which the set is the subject.
     QString missingImages() const;
 
 private:
-    void prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
-    bool hasAllAngles(QString& sReason) const;
+    QString missingAngle() const;
 
     int m_iTransform;
-    bool m_bPrepared = false;
-    SkPicBufInfo m_prepared;
-    CkToFFrameInput m_input;
-    CkToFFrameProcessor m_processor;
+    std::optional<SkPicBufInfo> m_prepared; ///< the format the transformer is prepared for
+    CkToFTransformer m_transformer;
 };

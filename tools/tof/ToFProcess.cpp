@@ -1,5 +1,5 @@
 #include "host/recording/CkRecordingWriter.h"
-#include "plugins/zplToF/transform/EkTransformType.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/CkToFPipeline.h"
@@ -23,10 +23,9 @@ struct SkProcessed {
 };
 
 int transformOf(const QString& name) {
-    static const char* const names[] = {"ab", "intensity", "amplitude", "depth", "concat", "aminb", "hybrid"};
-    for (int i = 0; i < int(std::size(names)); ++i) {
-        if (name == QLatin1String(names[i])) {
-            return i;
+    for (const SkToFTransform& transform : ToFTransforms::all()) {
+        if (name == transform.name) {
+            return transform.type;
         }
     }
     return -1;

@@ -1,32 +1,27 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 
 #include "plugins/zplToF/chain/CkToFProcessWidget.h"
-#include "plugins/zplToF/transform/ToFAngles.h"
 #include "plugins/zplToF/transform/ToFNegotiation.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
 #include "zuCore/CkChain.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkMemoryPool.h"
 
 #include <QDomElement>
-#include <iterator>
 
 namespace {
 
-constexpr int imageProcessingBlock = 41;
-
-QString titleWord(int transform) {
-    static const char* const words[] = {"SetABPhase",    "Intensity",    "Amplitude", "Depth",
-                                        "Concat phases", "AandBtoAminB", "SetHybrid"};
-    const bool known = transform >= 0 && transform < int(std::size(words));
-    return known ? QString::fromLatin1(words[transform]) : QString();
-}
+constexpr int kImageProcessingBlock = 41;
 
 } // namespace
 
-CkToFProcessCnbl::CkToFProcessCnbl() : CkImageProvider(imageProcessingBlock) {}
+CkToFProcessCnbl::CkToFProcessCnbl() : CkImageProvider(kImageProcessingBlock) {}
 
 CkToFProcessCnbl::~CkToFProcessCnbl() = default;
 
 QString CkToFProcessCnbl::title() const {
-    return QStringLiteral("ToF ") + titleWord(transform());
+    const SkToFTransform* const row = ToFTransforms::find(transform());
+    return QStringLiteral("ToF ") + (row != nullptr ? QString(row->title) : QString());
 }
 
 bool CkToFProcessCnbl::acceptsDataFrom(CkChainable* pUpstream) {
@@ -54,7 +49,7 @@ void CkToFProcessCnbl::setTransform(EkTransformType transform, bool bRestartChai
     if (ownChain == nullptr) {
         m_transform = transform;
     } else {
-        // Nobody may start the chain between the stop and the new value.
+        // No other thread may start the chain before the new value is stored.
         const CkChain::CkControlLock lock(ownChain);
         const bool running = !ownChain->stopped();
         if (running) {
@@ -69,16 +64,11 @@ void CkToFProcessCnbl::setTransform(EkTransformType transform, bool bRestartChai
 }
 
 bool CkToFProcessCnbl::checkAllPhasesAngleValuesCompleteForProcessing(QString* psMessage) {
-    return checkAngles(transform(), psMessage);
-}
-
-bool CkToFProcessCnbl::checkAngles(EkTransformType transform, QString* psMessage) const {
-    const bool needsAngles = transform == Amplitude || transform == Depth;
-    const char* const message = needsAngles ? ToFAngles::whyIncomplete(m_input.angles()) : nullptr;
-    if (message != nullptr && psMessage != nullptr) {
-        *psMessage = tr(message);
+    const char* const error = m_transformer.angleError(transform());
+    if (error != nullptr && psMessage != nullptr) {
+        *psMessage = tr(error);
     }
-    return message == nullptr;
+    return error == nullptr;
 }
 
 bool CkToFProcessCnbl::isInChainWithVideoSource() {
@@ -92,6 +82,115 @@ bool CkToFProcessCnbl::isInChainWithVideoSource() {
     }
     const QLatin1String name(sources.first()->metaObject()->className());
     return name == QLatin1String("CkCameraSource") || name == QLatin1String("CkVideoSource");
+}
+
+void CkToFProcessCnbl::setupStart() {
+    CkImageProvider::setupStart();
+    m_sShownRefusal.clear();
+    m_transformer.reset(isInChainWithVideoSource());
+    // What will keep every frame from being processed is published before the first one arrives.
+    const EkTransformType startTransform = transform();
+    const SkToFTransform* const row = ToFTransforms::find(startTransform);
+    EkRefusal refusal = row != nullptr ? EkRefusal::None : EkRefusal::UnknownTransform;
+    SkPicBufInfo in;
+    CkImageMetadata metadata;
+    if (inputImageInfo(in, &metadata)) {
+        const EkRefusal buffers = m_transformer.prepare(in, metadata);
+        SkPicBufInfo out;
+        if (!negotiate(startTransform, in, out, &metadata, nullptr)) {
+            publishRefusal(m_sLastError);
+            return;
+        }
+        if (refusal == EkRefusal::None && (out.width == 0 || out.height == 0)) {
+            refusal = EkRefusal::NoOutputPixels;
+        } else if (refusal == EkRefusal::None && row->input != SkToFTransform::EkInput::Frame) {
+            refusal = buffers;
+        }
+    }
+    if (refusal != EkRefusal::None) {
+        publishRefusal(tr(ToFFrames::refusalText(refusal)));
+    }
+}
+
+void CkToFProcessCnbl::setupStop() {
+    CkImageProvider::setupStop();
+    m_sShownRefusal.clear();
+    m_transformer.clear();
+}
+
+IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
+    if (pData == nullptr || state() == Blocked) {
+        return nullptr;
+    }
+    auto* const data = dynamic_cast<CkImageData*>(pData);
+    if (data == nullptr) {
+        refuse(tr(ToFFrames::refusalText(EkRefusal::NoPicture)));
+        return nullptr;
+    }
+    // Read once: another thread may store a new value while this frame is processed.
+    const EkTransformType frameTransform = transform();
+    SkToFFormat out;
+    if (!negotiate(frameTransform, data->picBuf(), out.info, &data->metadata(), &out.metadata)) {
+        refuse(m_sLastError);
+        return nullptr;
+    }
+    if (data->picBuf().data == nullptr) {
+        refuse(tr(ToFFrames::refusalText(EkRefusal::NoPixels)));
+        return nullptr;
+    }
+    CkToFTransformer::SkResult result = m_transformer.process(
+        frameTransform, *data, out, [this](const SkPicBufInfo& info, bool clear, CkPicture& picture) {
+            return takeFromPool(info, clear, picture);
+        });
+    if (result.outcome == CkToFTransformer::EkOutcome::Refused) {
+        publishRefusal(tr(ToFFrames::refusalText(result.refusal)));
+        noteDropped();
+    } else {
+        publish(result.angleError != nullptr ? tr(result.angleError) : QString());
+    }
+    if (result.outcome == CkToFTransformer::EkOutcome::SameFrame) {
+        return data;
+    }
+    if (result.frame != nullptr) {
+        delete data;
+    }
+    return result.frame.release();
+}
+
+bool CkToFProcessCnbl::takeFromPool(const SkPicBufInfo& info, bool bClear, CkPicture& picture) {
+    const size_t bytes = CkPicBufAPI::byteSize(info);
+    CkMemoryPool* const pool = memoryPool();
+    if (bytes == 0 || pool == nullptr) {
+        return false;
+    }
+    if (CkPicBufAPI::AllocPicBufFromPool(pool, this, picture.picBuf(), info, bClear)) {
+        return true;
+    }
+    // The chain counts the frame and gives the reason. It also limits how often it negotiates anew, so that a
+    // source that describes its frames wrongly does not stall it.
+    if (chain() != nullptr && pool->bytesPerPicture(this) != bytes) {
+        chain()->requestRenegotiation();
+    }
+    return false;
+}
+
+void CkToFProcessCnbl::publish(const QString& sMessage) {
+    if (errorMessage() != sMessage) {
+        setErrorMessage(sMessage);
+    }
+}
+
+void CkToFProcessCnbl::publishRefusal(const QString& sReason) {
+    m_sShownRefusal = sReason;
+    publish(sReason);
+}
+
+void CkToFProcessCnbl::refuse(const QString& sReason) {
+    const QString shown = errorMessage();
+    if (shown.isEmpty() || shown == m_sShownRefusal) {
+        publishRefusal(sReason);
+    }
+    noteDropped();
 }
 
 bool CkToFProcessCnbl::saveSettings(QDomDocument& doc, QDomElement& element) const {

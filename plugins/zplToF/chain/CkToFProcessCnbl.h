@@ -1,14 +1,10 @@
 #pragma once
 
-#include "plugins/zplToF/transform/CkToFFrameInput.h"
-#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
+#include "plugins/zplToF/transform/CkToFTransformer.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
 #include "zuCore/CkImageProvider.h"
 
 #include <atomic>
-#include <optional>
-
-class CkImageData;
 
 /// Chain block that applies one ToF transform to every frame.
 ///
@@ -62,37 +58,17 @@ public:
 private:
     using EkRefusal = ToFFrames::EkRefusal;
 
-    /// What became of a frame.
-    struct SkOutcome {
-        CkImageData* output = nullptr; ///< null for none
-        bool passThrough = false;      ///< the frame itself is the output
-        EkRefusal refusal = EkRefusal::None;
-        QString message; ///< of a frame that is not refused
-    };
-
     bool negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
                    const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);
-    bool checkAngles(EkTransformType transform, QString* psMessage) const;
-    EkRefusal prepareBuffers(const SkPicBufInfo& in, const CkImageMetadata& metadata);
-    void forgetFrames();
-    bool isFedByVideo();
+    bool takeFromPool(const SkPicBufInfo& info, bool bClear, CkPicture& picture);
 
-    SkOutcome processFrame(EkTransformType transform, const CkImageData& data, const SkPicBufInfo& outInfo,
-                           const CkImageMetadata& outMeta);
-    /// Fills the picture, which is empty when nothing comes of the frame.
-    void makePicture(EkTransformType transform, const SkToFFrame& frame, const SkPicBufInfo& outInfo,
-                     CkPicture& picture, SkOutcome& outcome);
-    bool takeOutputPicture(const SkPicBufInfo& info, bool bClear, SkPicBuf& picBuf);
-    void renegotiateIfOutdated(const SkPicBufInfo& info);
-    void publish(const QString& sMessage);
-    void show(const QString& sRefusal);
+    void publish(const QString& sMessage); ///< as the error message; empty for none
+    void publishRefusal(const QString& sReason);
+    /// Drops a frame that cannot be processed at all. A message of another origin is not replaced.
     void refuse(const QString& sReason);
 
     std::atomic<EkTransformType> m_transform{Amplitude};
     QString m_sLastError;
-    QString m_sShownRefusal; ///< reason shown last
-    CkToFFrameInput m_input;
-    CkToFFrameProcessor m_processor;
-    std::optional<bool> m_fedByVideo; ///< the structure of a running chain does not change
-    quint32 m_uiMismatches = 0;       ///< frames in a row that did not fit the pool
+    QString m_sShownRefusal; ///< the refusal published last
+    CkToFTransformer m_transformer;
 };

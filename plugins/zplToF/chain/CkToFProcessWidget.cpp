@@ -4,32 +4,55 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
+namespace {
+
+using namespace ToFTransform;
+
+/// A choice of the widget. The texts of those below the line name raw formats and are the same in every
+/// language.
+struct SkItem {
+    EkTransformType transform;
+    const char* text;
+    bool belowLine;
+};
+
+constexpr SkItem kItems[] = {
+    {Intensity, QT_TRANSLATE_NOOP("CkToFProcessWidget", "Intensity [in: RawX2 (A and B), Raw Hybrid ToF]"),
+     false},
+    {Amplitude,
+     QT_TRANSLATE_NOOP("CkToFProcessWidget", "Amplitude [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"),
+     false},
+    {Depth,
+     QT_TRANSLATE_NOOP("CkToFProcessWidget",
+                       "Phase shift (depth) and confidence [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"),
+     false},
+    {ConcatPhases,
+     QT_TRANSLATE_NOOP("CkToFProcessWidget", "Concatenate phases coming as separate images from camera"),
+     false},
+    {SetABPhase, "Set metadata as RawX2 phases image with (A and B)", true},
+    {AandBtoAminB, "RawX2 (A and B) to signed Raw (A-B)", true},
+    {SetHybrid, "Set metadata as Raw Hybrid ToF image", true},
+};
+
+} // namespace
+
 CkToFProcessWidget::CkToFProcessWidget(CkToFProcessCnbl* pBlock) : m_pBlock(pBlock) {
     setWindowTitle(tr("ToF Image Processing"));
     auto* const layout = new QVBoxLayout(this);
-    m_pIntensity = createTransformItem(layout, tr("Intensity [in: RawX2 (A and B), Raw Hybrid ToF]"),
-                                       ToFTransform::Intensity);
-    m_pAmplitude = createTransformItem(
-        layout, tr("Amplitude [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"), ToFTransform::Amplitude);
-    m_pDepth = createTransformItem(
-        layout, tr("Phase shift (depth) and confidence [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"),
-        ToFTransform::Depth);
-    m_pConcatPhases = createTransformItem(
-        layout, tr("Concatenate phases coming as separate images from camera"), ToFTransform::ConcatPhases);
-
-    auto* const line = new QFrame(this);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    layout->addWidget(line);
-
-    // These speak the language of the raw formats in every translation.
-    m_pSetABPhase =
-        createTransformItem(layout, QStringLiteral("Set metadata as RawX2 phases image with (A and B)"),
-                            ToFTransform::SetABPhase);
-    m_pAandBtoAminB = createTransformItem(layout, QStringLiteral("RawX2 (A and B) to signed Raw (A-B)"),
-                                          ToFTransform::AandBtoAminB);
-    m_pSetHybrid = createTransformItem(layout, QStringLiteral("Set metadata as Raw Hybrid ToF image"),
-                                       ToFTransform::SetHybrid);
+    QFrame* line = nullptr;
+    for (const SkItem& item : kItems) {
+        if (item.belowLine && line == nullptr) {
+            line = new QFrame(this);
+            line->setFrameShape(QFrame::HLine);
+            line->setFrameShadow(QFrame::Sunken);
+            layout->addWidget(line);
+        }
+        const QString text = item.belowLine ? QString::fromLatin1(item.text) : tr(item.text);
+        m_buttons[size_t(item.transform)] =
+            createTransformItem(layout, text, m_pBlock->transform() == item.transform);
+    }
 }
 
 CkToFProcessWidget::~CkToFProcessWidget() = default;
@@ -43,25 +66,13 @@ QRadioButton* CkToFProcessWidget::createTransformItem(QVBoxLayout* pLayout, cons
     return button;
 }
 
-QRadioButton* CkToFProcessWidget::createTransformItem(QVBoxLayout* pLayout, const QString& sText,
-                                                      ToFTransform::EkTransformType transform) {
-    return createTransformItem(pLayout, sText, m_pBlock->transform() == transform);
-}
-
 void CkToFProcessWidget::on_radioClicked() {
     const auto* const button = qobject_cast<QRadioButton*>(sender());
     if (button == nullptr || m_pBlock.isNull()) {
         return;
     }
-    const std::pair<const QRadioButton*, ToFTransform::EkTransformType> items[] = {
-        {m_pSetABPhase, ToFTransform::SetABPhase},     {m_pAandBtoAminB, ToFTransform::AandBtoAminB},
-        {m_pSetHybrid, ToFTransform::SetHybrid},       {m_pIntensity, ToFTransform::Intensity},
-        {m_pAmplitude, ToFTransform::Amplitude},       {m_pDepth, ToFTransform::Depth},
-        {m_pConcatPhases, ToFTransform::ConcatPhases},
-    };
-    for (const auto& [item, transform] : items) {
-        if (item == button) {
-            m_pBlock->setTransform(transform, true);
-        }
+    const auto clicked = std::find(m_buttons.begin(), m_buttons.end(), button);
+    if (clicked != m_buttons.end()) {
+        m_pBlock->setTransform(EkTransformType(clicked - m_buttons.begin()), true);
     }
 }

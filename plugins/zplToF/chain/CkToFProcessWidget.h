@@ -1,9 +1,12 @@
 #pragma once
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
 
 #include <QPointer>
 #include <QWidget>
+
+#include <array>
 
 class QRadioButton;
 class QVBoxLayout;
@@ -14,7 +17,7 @@ class CkToFProcessWidget : public QWidget {
     Q_OBJECT
 
 public:
-    /// The block stays the caller's; once it has gone, clicks do nothing.
+    /// The block stays the caller's; once it is deleted, clicks do nothing.
     explicit CkToFProcessWidget(CkToFProcessCnbl* pBlock);
     ~CkToFProcessWidget() override;
 
@@ -25,15 +28,6 @@ private slots:
     void on_radioClicked();
 
 private:
-    QRadioButton* createTransformItem(QVBoxLayout* pLayout, const QString& sText,
-                                      ToFTransform::EkTransformType transform);
-
     QPointer<CkToFProcessCnbl> m_pBlock;
-    QRadioButton* m_pSetABPhase = nullptr;
-    QRadioButton* m_pAandBtoAminB = nullptr;
-    QRadioButton* m_pSetHybrid = nullptr;
-    QRadioButton* m_pIntensity = nullptr;
-    QRadioButton* m_pAmplitude = nullptr;
-    QRadioButton* m_pDepth = nullptr;
-    QRadioButton* m_pConcatPhases = nullptr;
+    std::array<QRadioButton*, ToFTransforms::kCount> m_buttons{}; ///< by EkTransformType
 };

@@ -1,8 +1,10 @@
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/ToFFormats.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <array>
@@ -45,20 +47,10 @@ bool isCloudSampleType(EkImageDataType dataType) {
            dataType == EkImageDataType::Float32;
 }
 
-bool isAminBCode(quint32 uiCode) {
-    return uiCode == ToFFormatCode::kAminusBBits8 || uiCode == ToFFormatCode::kAminusBBits12 ||
-           uiCode == ToFFormatCode::kAminusBBits12Alternate;
-}
-
 /// What a processing block makes of A minus B pictures: their metadata keep the code of the raw format.
 bool isPhaseShiftFromAminB(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
     return info.dataType == EkImageDataType::Float32 && info.channels == 1 && pMetadata &&
-           isAminBCode(pMetadata->tofFormatCode);
-}
-
-/// Phase counts that the phase functions compute; for any other they leave the result as it is.
-bool isComputedPhaseCount(quint32 uiPhases) {
-    return uiPhases == 1 || uiPhases == 2 || uiPhases == 4 || uiPhases == 8;
+           ToFFormats::isDifference(pMetadata->tofFormatCode);
 }
 
 /// Rows of one phase; 0 when there are fewer rows than phases.
@@ -193,7 +185,7 @@ bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetad
     const quint32 rows = rowsPerPhase(picture, phases);
     SkPicBuf both;
     if (rows == 0 || !m_shelves->take(WorkShelf, describeFloat(picture.width, rows, 2, picture),
-                                      !isComputedPhaseCount(phases), both)) {
+                                      !ToFPhases::isSupportedCount(phases), both)) {
         return false;
     }
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
@@ -209,7 +201,7 @@ bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetad
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
     return rows != 0 &&
            m_shelves->take(DepthShelf, describeFloat(picture.width, rows, 1, picture),
-                           !isComputedPhaseCount(phases), m_pictures.depthPic) &&
+                           !ToFPhases::isSupportedCount(phases), m_pictures.depthPic) &&
            CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_pictures.depthPic, int(phases));
 }
 

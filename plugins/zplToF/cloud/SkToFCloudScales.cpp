@@ -1,19 +1,18 @@
 #include "plugins/zplToF/cloud/SkToFCloudScales.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-/// The field's usual figure in metres times megahertz, in single precision; results are compared with clouds
-/// made from it.
-constexpr float SpeedOfLight = 299.70254F;
-constexpr float TwoPi = 6.2831855F;
-constexpr float NearlyNoRange = 1e-24F;
-constexpr float NormalisedDepth = 1.2F;
+constexpr float kTwoPi = 6.2831855F;
+constexpr float kNearlyNoRange = 1e-24F;
+constexpr float kNormalisedDepth = 1.2F;
 
 float usableRange(float fRange) {
-    return std::fabs(fRange) < NearlyNoRange ? 1.0F : fRange;
+    return std::fabs(fRange) < kNearlyNoRange ? 1.0F : fRange;
 }
 
 double largestSample(quint32 uiBits) {
@@ -56,7 +55,7 @@ void setColourMapping(SkToFCloudScales& scales, const SkToFCloudParameters& para
 
 float rangeInMM(EkDepthDataType kind, const SkToFOpticalPath& path, bool bFloat, float fLargest) {
     if (kind == EkDepthDataType::PhaseShift) {
-        return float(1000.0 * (double(SpeedOfLight) / (2.0 * double(path.modulationFreqMHz))));
+        return float(1000.0 * (double(kSpeedOfLightInAirMMHz) / (2.0 * double(path.modulationFreqMHz))));
     }
     return 1000.0F * (bFloat ? fLargest : 1.0F);
 }
@@ -93,7 +92,7 @@ void setLens(SkToFCloudScales& scales, const SkToFDepthPictures& pictures, const
     scales.offsetYMM = path.centerOffsetMM.y();
     scales.focalMM = double(path.lensFocalLengthMM);
     scales.rangeMM = range;
-    scales.distScale = kind == EkDepthDataType::PhaseShift ? range / TwoPi : 1000.0F;
+    scales.distScale = kind == EkDepthDataType::PhaseShift ? range / kTwoPi : 1000.0F;
     scales.zBase = zBase;
     scales.xyScale = xyScale;
     const float zExtent = float(double(fZoom) * double(range) / halfWidth);
@@ -131,7 +130,7 @@ SkToFCloudScales makeCloudScales(const SkToFDepthPictures& pictures, const SkToF
     scales.xyScale = float(2.0 / scales.width);
     scales.pointSpacing = scales.xyScale;
     scales.zBase = low;
-    const float zExtent = scales.floatPicture ? NormalisedDepth * zoom : NormalisedDepth;
+    const float zExtent = scales.floatPicture ? kNormalisedDepth * zoom : kNormalisedDepth;
     scales.zScale = zExtent / usableRange(scales.floatPicture ? span : float(max));
     scales.zHalf = zExtent * 0.5F;
     setLens(scales, pictures, path, fLargest, zoom);
@@ -155,9 +154,9 @@ float wrapDistance(float fDistance, float fRange) {
     const double distance = double(fDistance);
     const double range = double(fRange);
     // Up to this many turns quotient, product and sum are exact in double precision.
-    constexpr double ExactTurns = 268435456.0;
+    constexpr double kExactTurns = 268435456.0;
     const double turns = std::ceil(-distance / range);
-    if (turns < ExactTurns) {
+    if (turns < kExactTurns) {
         return float(distance + turns * range);
     }
     const double rest = std::fmod(distance, range);

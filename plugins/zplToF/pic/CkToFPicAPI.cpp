@@ -1,6 +1,8 @@
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 
-#include <QString>
+#include "plugins/zplToF/pic/ToFFormats.h"
+#include "plugins/zplToF/pic/ToFHybridGeometry.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,7 +14,7 @@ bool isWideType(EkImageDataType dataType) {
     return dataType >= EkImageDataType::Int32 && dataType <= EkImageDataType::Float64;
 }
 
-bool isFloatPictureOf(const SkPicBufInfo& info, const CkImageMetadata* metadata, const QString& name) {
+bool isFloatPictureOf(const SkPicBufInfo& info, const CkImageMetadata* metadata, QLatin1String name) {
     if (info.dataType != EkImageDataType::Float32 || info.channels > 2) {
         return false;
     }
@@ -31,9 +33,7 @@ bool CkToFPicAPI::isRawX2ToFABPic(const SkPicBufInfo& info, const CkImageMetadat
     if (pMetadata == nullptr) {
         return true;
     }
-    const quint32 code = pMetadata->tofFormatCode;
-    return code == ToFFormatCode::kRawX2Bits8 || code == ToFFormatCode::kRawX2Bits12 ||
-           code == ToFFormatCode::kRawX2Bits12Alternate;
+    return ToFFormats::isTwoTaps(pMetadata->tofFormatCode);
 }
 
 bool CkToFPicAPI::isRawToFAminBPic(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
@@ -47,9 +47,7 @@ bool CkToFPicAPI::isRawToFAminBPic(const SkPicBufInfo& info, const CkImageMetada
     if (pMetadata == nullptr) {
         return true;
     }
-    const quint32 code = pMetadata->tofFormatCode;
-    return code == ToFFormatCode::kAminusBBits8 || code == ToFFormatCode::kAminusBBits12 ||
-           code == ToFFormatCode::kAminusBBits12Alternate;
+    return ToFFormats::isDifference(pMetadata->tofFormatCode);
 }
 
 bool CkToFPicAPI::isRawToFHybridPic(const SkPicBufInfo& info, const CkImageMetadata* /*pMetadata*/) {
@@ -63,11 +61,11 @@ bool CkToFPicAPI::isRawToFHybridPic(const SkPicBufInfo& info, const CkImageMetad
 }
 
 bool CkToFPicAPI::isPhaseShiftImage(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
-    return isFloatPictureOf(info, pMetadata, QStringLiteral("Phase shift"));
+    return isFloatPictureOf(info, pMetadata, ToFChannel::kPhaseShift);
 }
 
 bool CkToFPicAPI::isDepthImage(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
-    return isFloatPictureOf(info, pMetadata, QStringLiteral("Depth"));
+    return isFloatPictureOf(info, pMetadata, ToFChannel::kDepth);
 }
 
 bool CkToFPicAPI::incomingSeparatePhases(const CkImageMetadata* pMetadata) {
@@ -80,8 +78,9 @@ bool CkToFPicAPI::incomingSeparatePhases(const CkImageMetadata* pMetadata) {
     if (pMetadata->colorFilterArray != quint32(EkColorFilterArray::RawX3Hybrid)) {
         return false;
     }
-    // In mode 3 section 0 is a reference. Subtracted unsigned, so that no count can overflow.
-    const quint32 counted = pMetadata->sectionCount - (pMetadata->sectionMode == 3 ? 1U : 0U);
+    // Unsigned, so that no count can overflow.
+    const quint32 references = pMetadata->sectionMode == ToFSectionMode::kReferenceFirst ? 1U : 0U;
+    const quint32 counted = pMetadata->sectionCount - references;
     return qint32(counted) > 1;
 }
 
@@ -89,6 +88,7 @@ quint32 CkToFPicAPI::detectPhasesCount(const SkPicBufInfo& info, const CkImageMe
     if (pMetadata != nullptr && pMetadata->phasesCount > 0) {
         return quint32(pMetadata->phasesCount);
     }
+    // Multiples of the 480 rows of a two-tap sensor.
     switch (info.height) {
     case 960:
         return 2;
@@ -96,7 +96,7 @@ quint32 CkToFPicAPI::detectPhasesCount(const SkPicBufInfo& info, const CkImageMe
         return 4;
     case 3840:
         return 8;
-    case 1800:
+    case ToFHybridGeometry::kStackHeight:
         return info.colorFilterArray == EkColorFilterArray::RawX3Hybrid ? 3 : 1;
     default:
         return 1;

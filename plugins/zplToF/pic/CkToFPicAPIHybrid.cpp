@@ -3,15 +3,15 @@
 #include "plugins/zplToF/pic/ToFPicGuard.h"
 #include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <bit>
 
 namespace {
 
-constexpr double speedOfLight = 299792458.0;      // m/s
-constexpr double defaultDepthRange = 11.99169832; // m, a pulse of 80 ns
-constexpr double saturationShare = 0.9;
+constexpr double kDefaultDepthRange = 11.99169832; // m, a pulse of 80 ns
+constexpr double kSaturationShare = 0.9;
 
 /// Index of an unsigned sample width in the kernel tables; -1 for anything else.
 int unsignedIndex(EkImageDataType dataType) {
@@ -60,7 +60,7 @@ bool processWindows(const SkPicBuf& source, SkPicBuf& result,
 /// Largest sample that counts as unsaturated plus one. Pictures that claim 64 bits or more are taken as 64.
 quint16 saturationThreshold(quint32 bitsPerChannel) {
     const quint64 largest = bitsPerChannel >= 64 ? ~quint64(0) : (quint64(1) << bitsPerChannel) - 1;
-    return quint16(quint64(double(largest) * saturationShare));
+    return quint16(quint64(double(largest) * kSaturationShare));
 }
 
 bool isFloatPicture(const SkPicBuf& picture, quint32 channels) {
@@ -102,7 +102,7 @@ bool CkToFPicAPI::rawHybridToDepth_Confidence(const SkPicBuf& source, SkPicBuf& 
         return false;
     }
     const double range =
-        fPulseDurationS > 0.0F ? double(fPulseDurationS) * speedOfLight * 0.5 : defaultDepthRange;
+        fPulseDurationS > 0.0F ? double(fPulseDurationS) * kSpeedOfLight * 0.5 : kDefaultDepthRange;
     const SkToFKernels::DepthRow kernel = ToFKernelChoice::active().hybridDepth[index];
     for (quint32 y = 0; y < result.height; ++y) {
         kernel(source.row(y), result.row(y), result.width, range);

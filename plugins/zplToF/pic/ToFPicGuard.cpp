@@ -1,11 +1,13 @@
 #include "plugins/zplToF/pic/ToFPicGuard.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <cstdint>
 #include <limits>
 
 namespace {
 
-/// Bytes from row 0 to behind the last pixel of the last row.
+/// Bytes from the first pixel of the first row to the end of the last pixel of the last row.
 quint64 touchedBytes(const SkPicBufInfo& info) {
     return quint64(info.height - 1) * info.lineSize +
            quint64(info.width) * info.channels * sampleBytes(info.dataType);
@@ -47,7 +49,7 @@ bool ToFPicGuard::locatePhases(const SkPicBuf& source, const SkPicBuf& result, i
         return false;
     }
     for (quint32 phase = 0; phase < quint32(iPhases); ++phase) {
-        const qint32 angle = qint32(phase) * (iPhases == 8 ? 45 : 90);
+        const qint32 angle = qint32(phase) * ToFPhases::nominalStep(iPhases);
         const quint32 subImage = CkToFPicAPI::findAngleIdx(phase, angle, pAngles);
         if (!holdsStack(source, result, quint64(subImage) + 1)) {
             return false;

@@ -1,15 +1,11 @@
 #include "plugins/zplToF/transform/CkToFFrameInput.h"
 
-namespace {
-
-constexpr quint32 referenceSectionMode = 3;
-
-} // namespace
+#include "zuCore/ToFVocabulary.h"
 
 CkToFFrameInput::EkRefusal CkToFFrameInput::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata,
                                                     bool bGathers) {
     clear();
-    if (metadata.sectionMode == referenceSectionMode && !m_reference.prepare(in)) {
+    if (metadata.sectionMode == ToFSectionMode::kReferenceFirst && !m_reference.prepare(in)) {
         m_referenceRefusal = EkRefusal::NoMemory;
     }
     if (bGathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
@@ -28,7 +24,7 @@ void CkToFFrameInput::clear() {
 
 const SkPicBuf* CkToFFrameInput::lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
                                                EkRefusal& refusal) {
-    if (metadata.sectionMode != referenceSectionMode) {
+    if (metadata.sectionMode != ToFSectionMode::kReferenceFirst) {
         return &picture;
     }
     if (!m_reference.hasBuffers()) {

@@ -1,34 +1,33 @@
 #pragma once
 
-#include "plugins/zplToF/transform/CkToFFrameProcessor.h"
 #include "plugins/zplToF/transform/CkToFPhaseCollector.h"
 #include "plugins/zplToF/transform/CkToFSectionReference.h"
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
+#include "plugins/zplToF/transform/SkToFFrame.h"
 
-/// Makes of a frame what a transform works on: takes its reference section away and gathers the images of a
-/// set. Owns the buffers for both; one thread at a time. Nothing is allocated for frames like those of the
-/// set-up.
+/// Turns a frame into the input of a transform: subtracts the reference section and gathers the images of a
+/// set. Owns the buffers for both; one thread at a time. Nothing is allocated for frames like those it was
+/// prepared for.
 class CkToFFrameInput {
 public:
     using EkRefusal = ToFFrames::EkRefusal;
 
-    /// Makes the buffers for frames of a format; images of a set are gathered only with bGathers. The refusal
-    /// is what will become of every set, or None.
+    /// Allocates the buffers for frames of a format; images of a set are gathered only with bGathers. The
+    /// refusal is the one every set will meet, or None.
     EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata, bool bGathers);
     void clear();
 
-    /// The picture without its reference section; an alias, valid until the next call. Null when nothing can
-    /// come of it: a reference section itself (None), or what is refused.
+    /// The picture less its reference section; an alias, valid until the next call. Null when there is
+    /// nothing to process: for a reference section itself (refusal None), or for a section that is refused.
     const SkPicBuf* lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
                                   EkRefusal& refusal);
 
-    /// Puts the frame into its set and enters the set, when it is complete, as the frame's input, which is
-    /// null otherwise.
+    /// Adds the frame to its set. The frame's input becomes the set when it is complete, otherwise null.
     EkRefusal gather(const CkImageMetadata& metadata, SkToFFrame& frame);
 
-    /// Of the set's images so far, see CkToFPhaseCollector.
+    /// Of the images gathered so far, see CkToFPhaseCollector.
     const CkToFPicAPI::AngleList& angles() const { return m_collector.angles(); }
-    /// Format of a whole set; null when none is gathered.
+    /// Format of a complete set; null when no sets are gathered.
     const SkPicBufInfo* setInfo() const {
         return m_collector.hasBuffer() ? &m_collector.bufferInfo() : nullptr;
     }

@@ -1,25 +1,21 @@
 #include "plugins/zplToF/transform/CkToFPhaseCollector.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <algorithm>
 #include <new>
-
-namespace {
-
-constexpr quint32 referenceSectionMode = 3;
-
-} // namespace
 
 CkToFPhaseCollector::SkPlace CkToFPhaseCollector::SkPlace::of(const CkImageMetadata& metadata, bool bHybrid) {
     if (!bHybrid) {
         return {metadata.phaseSequenceLength, metadata.phaseSequenceIndex};
     }
-    const qint64 reference = metadata.sectionMode == referenceSectionMode ? 1 : 0;
+    const qint64 reference = metadata.sectionMode == ToFSectionMode::kReferenceFirst ? 1 : 0;
     return {qint64(metadata.sectionCount) - reference, qint64(metadata.sectionIndex) - reference};
 }
 
 bool CkToFPhaseCollector::isTooLarge(const SkPicBufInfo& image, qint64 iCount) {
-    const quint64 imageBytes = std::max<quint64>(CkPicBufAPI::byteSize(image), minimumImageBytes);
-    return iCount > 0 && quint64(iCount) > maximumBytes / imageBytes;
+    const quint64 imageBytes = std::max<quint64>(CkPicBufAPI::byteSize(image), kMinimumImageBytes);
+    return iCount > 0 && quint64(iCount) > kMaximumBytes / imageBytes;
 }
 
 CkToFPhaseCollector::EkRefusal CkToFPhaseCollector::prepare(const SkPicBufInfo& image, qint64 iCount) {
@@ -53,10 +49,10 @@ void CkToFPhaseCollector::clear() {
 CkToFPhaseCollector::SkAdded CkToFPhaseCollector::add(const SkPicBuf& image, SkPlace place, qint32 iAngle) {
     const bool tooLarge = isTooLarge(image, place.count);
     if (place.count >= 0 && !tooLarge) {
-        m_angles.resize(size_t(place.count), missingAngle);
+        m_angles.resize(size_t(place.count), kMissingAngle);
     }
     if (place.index == 0) {
-        std::fill(m_angles.begin(), m_angles.end(), missingAngle);
+        std::fill(m_angles.begin(), m_angles.end(), kMissingAngle);
     }
     if (place.index < 0 || place.index >= place.count) {
         return {.refusal = EkRefusal::OutsideSet};
@@ -68,7 +64,7 @@ CkToFPhaseCollector::SkAdded CkToFPhaseCollector::add(const SkPicBuf& image, SkP
         return {.refusal = EkRefusal::SetDiffers};
     }
     m_angles[size_t(place.index)] = iAngle;
-    if (std::find(m_angles.begin(), m_angles.end(), missingAngle) != m_angles.end()) {
+    if (std::find(m_angles.begin(), m_angles.end(), kMissingAngle) != m_angles.end()) {
         return {};
     }
     describeSet(image);
@@ -76,7 +72,7 @@ CkToFPhaseCollector::SkAdded CkToFPhaseCollector::add(const SkPicBuf& image, SkP
 }
 
 bool CkToFPhaseCollector::store(const SkPicBuf& image, SkPlace place) {
-    // An empty buffer is no target, and has no rows either.
+    // Also refuses to store into an empty buffer, which has no rows.
     const quint64 firstRow = quint64(place.index) * image.height;
     const quint64 setRows = quint64(place.count) * image.height;
     return setRows <= m_buffer.picBuf().height &&
@@ -85,7 +81,7 @@ bool CkToFPhaseCollector::store(const SkPicBuf& image, SkPlace place) {
 }
 
 void CkToFPhaseCollector::describeSet(const SkPicBuf& image) {
-    // Like its last image: bits or labels may have changed since set-up.
+    // Described like its last image: bits or labels may have changed since the buffer was allocated.
     m_set = m_buffer.picBuf();
     m_set.height = quint32(m_angles.size()) * image.height;
     m_set.width = image.width;

@@ -16,7 +16,7 @@ void CkToFSectionReference::clear() {
 }
 
 bool CkToFSectionReference::setReference(const SkPicBuf& frame) {
-    // An empty target would be allocated by the copy.
+    // The copy would allocate an empty target.
     return !m_reference.isEmpty() && CkPicBufAPI::CopyPicBuf(frame, m_reference.picBuf());
 }
 
@@ -26,7 +26,7 @@ const SkPicBuf* CkToFSectionReference::difference(const SkPicBuf& frame) {
         !CkPicBufAPI::Subtract(result, m_reference.picBuf())) {
         return nullptr;
     }
-    // Bits and labels are those of the frame at hand, which may differ from set-up.
+    // Bits and labels of this frame may differ from those the buffers were allocated with.
     result.bitsPerChannel = frame.bitsPerChannel;
     result.colorFilterArray = frame.colorFilterArray;
     result.layoutFlag = frame.layoutFlag;

@@ -5,14 +5,14 @@
 /// Subtracts a reference section from the sections that follow it. One thread at a time.
 class CkToFSectionReference {
 public:
-    /// Makes room for frames of a format; the reference starts zeroed. False when the memory cannot be had;
-    /// then there is no buffer at all.
+    /// Allocates the buffers for frames of a format; the reference is zero. False, and no buffers, when
+    /// memory is short.
     bool prepare(const SkPicBufInfo& frame);
     void clear();
 
     bool hasBuffers() const { return !m_difference.isEmpty(); }
 
-    /// Keeps a frame as the reference. False, and nothing happens, without buffers or for a frame of another
+    /// Copies a frame as the reference. False, and no change, without buffers or for a frame of another
     /// format.
     bool setReference(const SkPicBuf& frame);
 

@@ -2,21 +2,21 @@
 
 namespace ToFFrames {
 
-/// Why nothing comes of a frame, other than that its set is not complete yet.
+/// Why a frame has no output, other than that its set is not complete yet.
 enum class EkRefusal {
     None,
     NoPicture,        ///< data of another kind
     NoPixels,         ///< a picture without data
-    UnknownTransform, ///< as a chain file may hold one
-    SetTooLarge,      ///< beyond CkToFPhaseCollector::maximumBytes
-    NoMemory,         ///< a work buffer could not be had at set-up
+    UnknownTransform, ///< a number from a chain file that is no transform
+    SetTooLarge,      ///< beyond CkToFPhaseCollector::kMaximumBytes
+    NoMemory,         ///< no memory for a work buffer at set-up
     SetDiffers,       ///< the images have another number or format than at set-up
     OutsideSet,       ///< index of an image outside its set
-    NoReference,      ///< a section to subtract from, set up without
+    NoReference,      ///< the section needs a reference, but there was none at set-up
     ReferenceDiffers, ///< a section of another format than its reference
-    NothingToMerge,   ///< hybrid, less than two sections
-    NoOutputPixels,   ///< no row or column would come out
-    NotSupported      ///< sample type or layout that no operation takes
+    NothingToMerge,   ///< hybrid, fewer than two sections
+    NoOutputPixels,   ///< the output would have no row or column
+    NotSupported      ///< no operation for this sample type or layout
 };
 
 /// The text for the user, untranslated (context CkToFProcessCnbl); empty for None.

@@ -4,8 +4,8 @@
 
 namespace ToFTransform {
 
-/// What the processing block makes of a frame. The numbers are stored in chain files; any other number may
-/// come from one and yields no output.
+/// What the processing block turns a frame into. The numbers are stored in chain files, which may hold any
+/// other number as well: it yields no output.
 enum EkTransformType : qint32 {
     SetABPhase = 0,   ///< re-labels as two-tap picture, pixels unchanged
     Intensity = 1,    ///< ambient light

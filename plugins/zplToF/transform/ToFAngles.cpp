@@ -1,24 +1,26 @@
 #include "plugins/zplToF/transform/ToFAngles.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <algorithm>
-#include <span>
 
 namespace {
 
-const char* const wantsTwo =
+const char* const kWantsTwo =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "2 phases processing requires phases with 0 and 90 deg.");
-const char* const wantsFour =
+const char* const kWantsFour =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "4 phases processing requires phases with 0, 90, 180 and 270 deg.");
-const char* const wantsEight =
+const char* const kWantsEight =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl",
                       "8 phases processing requires phases with 0, 45, 90, 135, 180, 225, 270 and 315 deg.");
-const char* const wantsAnyOfThese =
+const char* const kWantsAnyOfThese =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "ToF processing requires 2, 4 or 8 phases.");
 
-/// Whether every angle of a nominal order is in the list where it will be looked up.
-bool holdsAngles(const CkToFPicAPI::AngleList& angles, std::span<const qint32> nominal) {
-    for (quint32 i = 0; i < nominal.size(); ++i) {
-        if (angles[CkToFPicAPI::findAngleIdx(i, nominal[i], &angles)] != nominal[i]) {
+/// Whether all nominal angles are in the list.
+bool holdsAngles(const CkToFPicAPI::AngleList& angles) {
+    const qint32 step = ToFPhases::nominalStep(qint64(angles.size()));
+    for (qint32 i = 0; i < qint32(angles.size()); ++i) {
+        if (std::find(angles.begin(), angles.end(), i * step) == angles.end()) {
             return false;
         }
     }
@@ -28,19 +30,16 @@ bool holdsAngles(const CkToFPicAPI::AngleList& angles, std::span<const qint32> n
 } // namespace
 
 const char* ToFAngles::whyIncomplete(const CkToFPicAPI::AngleList& angles) {
-    static constexpr qint32 nominal2[] = {0, 90};
-    static constexpr qint32 nominal4[] = {0, 90, 180, 270};
-    static constexpr qint32 nominal8[] = {0, 45, 90, 135, 180, 225, 270, 315};
     switch (angles.size()) {
     case 1:
         return nullptr;
     case 2:
-        return holdsAngles(angles, nominal2) ? nullptr : wantsTwo;
+        return holdsAngles(angles) ? nullptr : kWantsTwo;
     case 4:
-        return holdsAngles(angles, nominal4) ? nullptr : wantsFour;
+        return holdsAngles(angles) ? nullptr : kWantsFour;
     case 8:
-        return holdsAngles(angles, nominal8) ? nullptr : wantsEight;
+        return holdsAngles(angles) ? nullptr : kWantsEight;
     default:
-        return wantsAnyOfThese;
+        return kWantsAnyOfThese;
     }
 }

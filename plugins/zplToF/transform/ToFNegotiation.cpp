@@ -1,58 +1,57 @@
 #include "plugins/zplToF/transform/ToFNegotiation.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "plugins/zplToF/transform/EkTransformType.h"
+#include "plugins/zplToF/pic/ToFHybridGeometry.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace {
 
-// The words of the user interface; the singular and plural "channel" are two different texts.
-const char* const notSupported =
+// Texts of the user interface. "A and B channel" and "A and B channels" are two texts on purpose: both are in
+// use.
+const char* const kNotSupported =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image data type is not supported.");
-const char* const wantsAandB =
+const char* const kWantsAandB =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel.");
-const char* const wantsAmplitudeInput = QT_TRANSLATE_NOOP(
+const char* const kWantsAmplitudeInput = QT_TRANSLATE_NOOP(
     "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel, or RAW A "
                         "minus B ToF image, or X1X2X3 ToF image.");
-const char* const wantsDepthInput = QT_TRANSLATE_NOOP(
+const char* const kWantsDepthInput = QT_TRANSLATE_NOOP(
     "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channels, or RAW A "
                         "minus B ToF image, or X1X2X3 ToF image.");
 
-// The one geometry in which the hybrid sensor delivers its three windows as a plain picture.
-constexpr quint32 hybridWidth = 832;
-constexpr quint32 hybridHeight = 600;
-constexpr quint32 hybridStackHeight = 3 * hybridHeight;
-
 // Shared by all frames, so that naming channels allocates nothing.
 const QStringList& namesAandB() {
-    static const QStringList names{QStringLiteral("A"), QStringLiteral("B")};
+    static const QStringList names{ToFChannel::kA, ToFChannel::kB};
     return names;
 }
 const QStringList& namesPhaseShift() {
-    static const QStringList names{QStringLiteral("Phase shift"), QStringLiteral("Confidence")};
+    static const QStringList names{ToFChannel::kPhaseShift, ToFChannel::kConfidence};
     return names;
 }
 const QStringList& namesDepth() {
-    static const QStringList names{QStringLiteral("Depth"), QStringLiteral("Confidence")};
+    static const QStringList names{ToFChannel::kDepth, ToFChannel::kConfidence};
     return names;
 }
 const QStringList& namesHybrid() {
-    static const QStringList names{QStringLiteral("X1"), QStringLiteral("X2"), QStringLiteral("X3")};
+    static const QStringList names{ToFChannel::kX1, ToFChannel::kX2, ToFChannel::kX3};
     return names;
 }
 
-/// A number that leaves 32 bits becomes the largest, which no picture can have: it is refused later on.
+/// A number that exceeds 32 bits becomes the largest one. No picture is that large, so it is refused later.
 quint32 to32Bits(quint64 value) {
     return quint32(std::min<quint64>(value, std::numeric_limits<quint32>::max()));
 }
 
-/// One negotiation: the input, what is known about it, and where the output goes.
-class CkToFRequest {
-public:
-    CkToFRequest(const SkPicBufInfo& input, SkPicBufInfo& output, const CkImageMetadata* inMeta,
-                 CkImageMetadata* outMeta)
+} // namespace
+
+/// One negotiation: the input, what is known about it, and the output.
+struct ToFNegotiation::SkRequest {
+    SkRequest(const SkPicBufInfo& input, SkPicBufInfo& output, const CkImageMetadata* inMeta,
+              CkImageMetadata* outMeta)
         : in(input), out(output), meta(outMeta), phases(CkToFPicAPI::detectPhasesCount(input, inMeta)),
           twoTaps(CkToFPicAPI::isRawX2ToFABPic(input, inMeta)),
           difference(CkToFPicAPI::isRawToFAminBPic(input, inMeta)),
@@ -101,7 +100,7 @@ public:
         }
     }
 
-    /// One value per pixel in place of all phases, not a ToF picture any more.
+    /// One value per pixel in place of all phases; the result is no raw ToF picture any more.
     void setSingleImage(quint32 channels, EkImageDataType dataType) const {
         out.dataType = dataType;
         out.channels = channels;
@@ -112,12 +111,12 @@ public:
     }
 };
 
-const char* negotiateSetABPhase(const CkToFRequest& request) {
+const char* ToFNegotiation::setABPhase(const SkRequest& request) {
     if (request.in.channels == 1) {
         request.out.channels = 2;
         request.out.width = request.in.width >> 1U;
     } else if (request.in.channels != 2) {
-        return notSupported;
+        return kNotSupported;
     }
     request.setColorFilterArray(EkColorFilterArray::RawX2AandB);
     request.setTofFormatCode(ToFFormatCode::kRawX2Bits12);
@@ -126,7 +125,9 @@ const char* negotiateSetABPhase(const CkToFRequest& request) {
     return nullptr;
 }
 
-const char* negotiateIntegerImage(const CkToFRequest& request) {
+namespace {
+
+const char* negotiateIntegerImage(const ToFNegotiation::SkRequest& request) {
     EkImageDataType dataType = request.in.dataType;
     if (request.difference) {
         dataType = dataType == EkImageDataType::Int8 ? EkImageDataType::UInt8 : EkImageDataType::UInt16;
@@ -136,9 +137,20 @@ const char* negotiateIntegerImage(const CkToFRequest& request) {
     return nullptr;
 }
 
-const char* negotiateDepth(const CkToFRequest& request) {
+} // namespace
+
+const char* ToFNegotiation::intensity(const SkRequest& request) {
+    return request.twoTaps || request.hybrid ? negotiateIntegerImage(request) : kWantsAandB;
+}
+
+const char* ToFNegotiation::amplitude(const SkRequest& request) {
+    return request.twoTaps || request.difference || request.hybrid ? negotiateIntegerImage(request)
+                                                                   : kWantsAmplitudeInput;
+}
+
+const char* ToFNegotiation::depth(const SkRequest& request) {
     if (!request.twoTaps && !request.difference && !request.hybrid) {
-        return wantsDepthInput;
+        return kWantsDepthInput;
     }
     request.out.bitsPerChannel = 32;
     if (request.difference && !request.hybrid) {
@@ -151,7 +163,7 @@ const char* negotiateDepth(const CkToFRequest& request) {
     return nullptr;
 }
 
-const char* negotiateConcatPhases(const CkToFRequest& request) {
+const char* ToFNegotiation::concatPhases(const SkRequest& request) {
     if (!request.hybrid) {
         if (request.separate) {
             const quint64 length = quint64(std::max(request.sequenceLength, 0));
@@ -177,9 +189,9 @@ const char* negotiateConcatPhases(const CkToFRequest& request) {
     return nullptr;
 }
 
-const char* negotiateAandBtoAminB(const CkToFRequest& request) {
+const char* ToFNegotiation::aandBtoAminB(const SkRequest& request) {
     if (!request.twoTaps) {
-        return wantsAandB;
+        return kWantsAandB;
     }
     request.out.channels = 1;
     if (request.in.dataType == EkImageDataType::UInt8) {
@@ -194,50 +206,32 @@ const char* negotiateAandBtoAminB(const CkToFRequest& request) {
     return nullptr;
 }
 
-const char* negotiateSetHybrid(const CkToFRequest& request) {
+const char* ToFNegotiation::setHybrid(const SkRequest& request) {
     const SkPicBufInfo& in = request.in;
-    if (in.channels == 1 && in.width == hybridWidth && in.height == hybridStackHeight) {
+    if (in.channels == 1 && in.width == ToFHybridGeometry::kWidth &&
+        in.height == ToFHybridGeometry::kStackHeight) {
         request.out.channels = 3;
-        request.out.height = hybridHeight;
+        request.out.height = ToFHybridGeometry::kHeight;
         if (in.dataType == EkImageDataType::UInt16 && in.bitsPerChannel == 16) {
             request.out.bitsPerChannel = 12;
         }
         request.setPitch(3 * quint64(sampleBytes(in.dataType)));
     } else if (in.channels != 3) {
-        return notSupported;
+        return kNotSupported;
     }
     request.setColorFilterArray(EkColorFilterArray::RawX3Hybrid);
     request.setChannelNames(namesHybrid());
     return nullptr;
 }
 
-} // namespace
-
 const char* ToFNegotiation::negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
                                       const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
-    // What the input is has to be known before the output, which may be the same objects, changes.
-    const CkToFRequest request(in, out, pInMeta, pOutMeta);
+    // The outputs may be the inputs: the request copies what it needs before they change.
+    const SkRequest request(in, out, pInMeta, pOutMeta);
     out = request.in;
     if (pOutMeta != nullptr && pOutMeta != pInMeta) {
         *pOutMeta = pInMeta != nullptr ? *pInMeta : CkImageMetadata();
     }
-    switch (iTransform) {
-    case ToFTransform::SetABPhase:
-        return negotiateSetABPhase(request);
-    case ToFTransform::Intensity:
-        return request.twoTaps || request.hybrid ? negotiateIntegerImage(request) : wantsAandB;
-    case ToFTransform::Amplitude:
-        return request.twoTaps || request.difference || request.hybrid ? negotiateIntegerImage(request)
-                                                                       : wantsAmplitudeInput;
-    case ToFTransform::Depth:
-        return negotiateDepth(request);
-    case ToFTransform::ConcatPhases:
-        return negotiateConcatPhases(request);
-    case ToFTransform::AandBtoAminB:
-        return negotiateAandBtoAminB(request);
-    case ToFTransform::SetHybrid:
-        return negotiateSetHybrid(request);
-    default:
-        return nullptr;
-    }
+    const SkToFTransform* const transform = ToFTransforms::find(iTransform);
+    return transform != nullptr ? transform->negotiate(request) : nullptr;
 }

@@ -1,0 +1,42 @@
+#include "plugins/zplToF/transform/CkToFHdrBuffer.h"
+
+#include "plugins/zplToF/pic/CkToFPicAPI.h"
+
+#include <limits>
+
+bool CkToFHdrBuffer::prepare(const SkPicBufInfo& sections, qint32 iPhasesCount) {
+    clear();
+    SkPicBufInfo info = sections;
+    if (iPhasesCount > 1) {
+        info.height /= quint32(iPhasesCount);
+    }
+    info.dataType = EkImageDataType::UInt32;
+    info.bitsPerChannel = 32;
+    const quint64 pitch = (quint64(info.width) * info.channels * 4 + 255) & ~quint64(255);
+    if (pitch > std::numeric_limits<quint32>::max()) {
+        return false;
+    }
+    info.lineSize = quint32(pitch);
+    if (!m_picture.allocate(info)) {
+        m_bLacksMemory = CkPicBufAPI::byteSize(info) != 0;
+        return false;
+    }
+    m_info = info;
+    return true;
+}
+
+void CkToFHdrBuffer::clear() {
+    m_picture.reset();
+    m_info = SkPicBufInfo();
+    m_bLacksMemory = false;
+}
+
+SkPicBuf* CkToFHdrBuffer::merge(const SkPicBuf& sections) {
+    if (m_picture.isEmpty()) {
+        return nullptr;
+    }
+    SkPicBuf& merged = m_picture.picBuf();
+    // A merge stores the number of bits in use; a dark frame uses none and would keep those of the last one.
+    static_cast<SkPicBufInfo&>(merged) = m_info;
+    return CkToFPicAPI::processHdrFromImageSections(sections, merged) ? &merged : nullptr;
+}

@@ -1,0 +1,112 @@
+#include "plugins/zplToF/transform/CkToFTransformer.h"
+
+#include "plugins/zplToF/transform/ToFAngles.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
+#include "zuCore/CkImageData.h"
+
+namespace {
+
+using EkOutcome = CkToFTransformer::EkOutcome;
+using EkRefusal = CkToFTransformer::EkRefusal;
+
+bool isEmpty(const SkPicBufInfo& info) {
+    return info.width == 0 || info.height == 0;
+}
+
+CkToFTransformer::SkResult withoutOutput(EkRefusal refusal) {
+    CkToFTransformer::SkResult result;
+    result.outcome = refusal == EkRefusal::None ? EkOutcome::Waiting : EkOutcome::Refused;
+    result.refusal = refusal;
+    return result;
+}
+
+} // namespace
+
+void CkToFTransformer::reset(bool bGathers) {
+    clear();
+    m_bGathers = bGathers;
+}
+
+void CkToFTransformer::clear() {
+    m_input.clear();
+    m_processor.clear();
+}
+
+CkToFTransformer::EkRefusal CkToFTransformer::prepare(const SkPicBufInfo& in,
+                                                      const CkImageMetadata& metadata) {
+    m_processor.clear();
+    const EkRefusal refusal = m_input.prepare(in, metadata, m_bGathers);
+    const SkPicBufInfo* const set = m_input.setInfo();
+    if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
+        m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
+    }
+    return refusal == EkRefusal::None && m_processor.lacksHdrBuffer() ? EkRefusal::NoMemory : refusal;
+}
+
+const char* CkToFTransformer::angleError(int iTransform) const {
+    const SkToFTransform* const transform = ToFTransforms::find(iTransform);
+    return transform != nullptr && transform->needsAngles ? ToFAngles::whyIncomplete(angles()) : nullptr;
+}
+
+CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkImageData& data,
+                                                     const SkToFFormat& out,
+                                                     const PictureSource& pictureSource) {
+    const SkToFTransform* const transform = ToFTransforms::find(iTransform);
+    if (transform == nullptr) {
+        return withoutOutput(EkRefusal::UnknownTransform);
+    }
+    const CkImageMetadata& metadata = data.metadata();
+    EkRefusal refusal = EkRefusal::None;
+    const SkPicBuf* const section = m_input.lessReference(data.picBuf(), metadata, refusal);
+    if (section == nullptr) {
+        return withoutOutput(refusal);
+    }
+    SkToFFrame frame{.frame = *section, .input = section};
+    frame.hybrid = CkToFPicAPI::isRawToFHybridPic(data.picBuf(), &metadata);
+    frame.phases = CkToFPicAPI::detectPhasesCount(data.picBuf(), &metadata);
+    frame.pulseDuration = metadata.hybridPulseDuration;
+    SkResult result;
+    if (m_bGathers && transform->gathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+        refusal = m_input.gather(metadata, frame);
+        if (frame.input == nullptr && transform->input != SkToFTransform::EkInput::Frame) {
+            // When no set can ever give pixels, each of its images reports it.
+            const bool incomplete = refusal == EkRefusal::None;
+            return withoutOutput(incomplete && isEmpty(out.info) ? EkRefusal::NoOutputPixels : refusal);
+        }
+        if (frame.input != nullptr && !frame.hybrid) {
+            result.angleError = angleError(iTransform);
+        }
+    }
+    if (CkToFFrameProcessor::passesThrough(iTransform, frame)) {
+        result.outcome = EkOutcome::SameFrame;
+        return result;
+    }
+    makeFrame(iTransform, frame, out, pictureSource, result);
+    if (result.frame != nullptr) {
+        result.frame->picBuf().copyPicAdditionalData(data.picBuf());
+    }
+    return result;
+}
+
+void CkToFTransformer::makeFrame(int iTransform, const SkToFFrame& frame, const SkToFFormat& out,
+                                 const PictureSource& pictureSource, SkResult& result) {
+    result.outcome = EkOutcome::Refused;
+    result.refusal =
+        isEmpty(out.info) ? EkRefusal::NoOutputPixels : m_processor.refusal(iTransform, frame, out.info);
+    if (result.refusal != EkRefusal::None) {
+        return;
+    }
+    CkPicture picture;
+    if (!pictureSource(out.info, CkToFFrameProcessor::leavesPixelsOpen(iTransform, frame), picture)) {
+        result.outcome = EkOutcome::NoPicture;
+        return;
+    }
+    if (!m_processor.process(iTransform, frame, picture.picBuf())) {
+        result.refusal = EkRefusal::NotSupported;
+        return;
+    }
+    result.frame = std::make_unique<CkImageData>();
+    result.frame->setPicBuf(picture.take());
+    result.frame->setMetadata(out.metadata);
+    result.outcome = EkOutcome::NewFrame;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "plugins/zplToF/transform/EkTransformType.h"
+#include "zuCore/SkPicBuf.h"
+
+#include <QLatin1String>
+
+#include <span>
+
+class CkToFHdrBuffer;
+struct SkToFFrame;
+namespace ToFNegotiation {
+struct SkRequest;
+}
+
+/// Everything that tells one transform from the others.
+struct SkToFTransform {
+    enum class EkInput {
+        Frame,  ///< a frame as it arrived, whether or not it belongs to a set
+        Phases, ///< all phases, or all exposure sections, of a measurement
+        Set     ///< the images of a set, which it puts together; frames that belong to none pass through
+    };
+
+    ToFTransform::EkTransformType type;
+    QLatin1String title; ///< in the title of the processing block
+    QLatin1String name;  ///< on the command line
+    EkInput input;
+    bool gathers;     ///< images of a set that arrive one by one are kept until the set is complete
+    bool needsAngles; ///< the result depends on the angles of the phases
+
+    /// Sets the output's format. Null, or the untranslated error text (context CkToFProcessCnbl).
+    const char* (*negotiate)(const ToFNegotiation::SkRequest& request);
+    /// Fills a picture of that format. False: nothing useful was written.
+    bool (*compute)(const SkToFFrame& frame, CkToFHdrBuffer& hdr, SkPicBuf& out);
+};
+
+/// The transforms. Immutable, any thread.
+namespace ToFTransforms {
+
+inline constexpr size_t kCount = 7;
+
+/// In the order of ToFTransform::EkTransformType.
+std::span<const SkToFTransform> all();
+
+/// Null for a number that is none of ToFTransform::EkTransformType.
+const SkToFTransform* find(int iTransform);
+
+} // namespace ToFTransforms
