@@ -3,7 +3,7 @@
 #include "host/recording/CkTiffPage.h"
 #include "host/recording/ForeignMembers.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 
 #include <QCoreApplication>
 
@@ -101,14 +101,14 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
             refuse(psError, message(iFrame, reason));
             return nullptr;
         }
-        SkPicBuf picBuf;
-        if (!CkPicBufAPI::AllocPicBufFromHeap(picBuf, description.info)) {
+        CkPicture read;
+        if (!read.allocate(description.info)) {
             refuse(psError, message(iFrame, Texts::tr("There is not enough memory.")));
             return nullptr;
         }
         auto frame = std::make_unique<CkImageData>();
-        picBuf.additionalData = description.additionalData;
-        frame->setPicBuf(picBuf);
+        read.picBuf().additionalData = description.additionalData;
+        frame->setPicBuf(read.take());
         frame->setMetadata(description.metadata);
         if (!description.object.isEmpty()) {
             ForeignMembers::give(*frame, description.foreignMembers());

@@ -1,7 +1,7 @@
 #include "sim/camera/CkSimCamera.h"
 
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 
 #include <cmath>
 #include <memory>
@@ -123,10 +123,9 @@ bool CkSimCamera::trueDistance(qint64 timestampNs, SkPicBuf& target) const {
         return false;
     }
     const SkSimLens& lens = painter.raster()->lens();
-    if (!target.data && !CkPicBufAPI::AllocPicBufFromHeap(target, quint32(lens.width), quint32(lens.height),
-                                                          1, EkImageDataType::Float32, 0, 0, 32,
-                                                          EkDataStorageFormat::Interleaved,
-                                                          EkColorFilterArray::None, false, true, 0)) {
+    if (target.data == nullptr &&
+        !CkPicBufAPI::AllocPicBufFromHeap(target, SkPicBufInfo::of(quint32(lens.width), quint32(lens.height),
+                                                                   1, EkImageDataType::Float32, 32))) {
         return false;
     }
     return painter.raster()->writeDistance(target);
@@ -234,23 +233,20 @@ bool CkSimCamera::deliverSet(const SkSimSettings& settings, const SkSimPlan& pla
 }
 
 bool CkSimCamera::deliverImage(const SkSimSettings& settings, const SkSimImage& image) {
-    SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromPool(&m_pool, this, picture, image.info, false)) {
+    CkPicture picture;
+    if (!CkPicBufAPI::AllocPicBufFromPool(&m_pool, this, picture.picBuf(), image.info, false) ||
+        !m_painter.paint(settings, image, m_setNumber, picture.picBuf())) {
         return false;
     }
-    if (!m_painter.paint(settings, image, m_setNumber, picture)) {
-        CkPicBufAPI::FreePicBuf(picture);
-        return false;
-    }
-    picture.additionalData.frameNumber = m_frameNumber;
-    picture.additionalData.timestampNs = m_clockNs;
+    picture.picBuf().additionalData.frameNumber = m_frameNumber;
+    picture.picBuf().additionalData.timestampNs = m_clockNs;
     CkImageMetadata metadata = image.metadata;
     metadata.frameNumber = m_frameNumber;
     metadata.timestampNs = hostClockNs();
     ++m_frameNumber;
 
     auto data = std::make_unique<CkImageData>();
-    data->setPicBuf(picture);
+    data->setPicBuf(picture.take());
     data->setMetadata(metadata);
     m_deliver(data.release());
     return true;

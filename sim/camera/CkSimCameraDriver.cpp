@@ -2,6 +2,8 @@
 
 #include "sim/camera/CkSimCamera.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <QCoreApplication>
 
 #include <new>
@@ -13,8 +15,6 @@ const QString CkSimCameraDriver::kGreyId = QStringLiteral("sim:grey");
 
 namespace {
 
-constexpr quint32 kHybridSensorType = 13;
-
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkSimCameraDriver)
 };
@@ -25,7 +25,7 @@ QList<std::pair<EkSimCameraKind, SkCameraInfo>> cameras() {
               QStringLiteral("SIM0001"), 0}},
             {EkSimCameraKind::Hybrid,
              {CkSimCameraDriver::kHybridId, Texts::tr("Simulated hybrid ToF camera"),
-              QStringLiteral("SIM-HY-832"), QStringLiteral("SIM0002"), kHybridSensorType}},
+              QStringLiteral("SIM-HY-832"), QStringLiteral("SIM0002"), ToFSensorType::kHybrid}},
             {EkSimCameraKind::Grey,
              {CkSimCameraDriver::kGreyId, Texts::tr("Simulated grey camera"), QStringLiteral("SIM-GR-640"),
               QStringLiteral("SIM0003"), 0}}};

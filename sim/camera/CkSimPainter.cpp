@@ -1,5 +1,7 @@
 #include "sim/camera/CkSimPainter.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <new>
 
 bool CkSimPainter::moveTo(const SkSimSettings& settings, double seconds) {
@@ -44,7 +46,7 @@ bool CkSimPainter::paint(const SkSimSettings& settings, const SkSimImage& image,
                 auto kind = CkSimHybridSynth::EkSection::Plain;
                 if (image.content == EkSimContent::Reference) {
                     kind = CkSimHybridSynth::EkSection::Reference;
-                } else if (image.metadata.sectionMode == 3) {
+                } else if (image.metadata.sectionMode == ToFSectionMode::kReferenceFirst) {
                     kind = CkSimHybridSynth::EkSection::Measured;
                 }
                 m_hybrid.setup(settings.exposure, settings.pulseNs);

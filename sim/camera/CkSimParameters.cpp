@@ -1,5 +1,7 @@
 #include "sim/camera/CkSimParameters.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 #include <QCoreApplication>
 
 #include <functional>
@@ -21,17 +23,18 @@ struct SkBinding {
     std::function<void(SkSimSettings&, const CkValue&)> write;
 };
 
-SkDescription describe(const char* name, const QString& displayName, const QString& toolTip, EkKind kind) {
+SkDescription describe(const QString& name, const QString& displayName, const QString& toolTip, EkKind kind) {
     SkDescription description;
-    description.name = QString::fromLatin1(name);
+    description.name = name;
     description.displayName = displayName;
     description.toolTip = toolTip;
     description.kind = kind;
     return description;
 }
 
-SkDescription number(const char* name, const QString& displayName, const QString& toolTip, const char* unit,
-                     double minimum, double maximum, double step, EkKind kind = EkKind::Float) {
+SkDescription number(const QString& name, const QString& displayName, const QString& toolTip,
+                     const char* unit, double minimum, double maximum, double step,
+                     EkKind kind = EkKind::Float) {
     SkDescription description = describe(name, displayName, toolTip, kind);
     description.unit = QString::fromLatin1(unit);
     description.minimum = minimum;
@@ -40,11 +43,11 @@ SkDescription number(const char* name, const QString& displayName, const QString
     return description;
 }
 
-SkDescription flag(const char* name, const QString& displayName, const QString& toolTip) {
+SkDescription flag(const QString& name, const QString& displayName, const QString& toolTip) {
     return describe(name, displayName, toolTip, EkKind::Bool);
 }
 
-SkDescription choice(const char* name, const QString& displayName, const QString& toolTip,
+SkDescription choice(const QString& name, const QString& displayName, const QString& toolTip,
                      const QList<CkCameraParam::SkEnumEntry>& entries, bool acceptsUnlisted = false) {
     SkDescription description = describe(name, displayName, toolTip, EkKind::Enumeration);
     description.entries = entries;
@@ -56,22 +59,24 @@ using Settings = SkSimSettings;
 
 void addWaveBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back(
-        {choice("tof_readout_mode", Texts::tr("ToF readout mode"),
+        {choice(ToFParameter::kReadoutMode, Texts::tr("ToF readout mode"),
                 Texts::tr("What the sensor reads out. Any other value delivers plain grey pictures."),
-                {{0, Texts::tr("Grey, no ToF")}, {2, Texts::tr("A minus B")}, {4, Texts::tr("A and B")}},
+                {{ToFReadoutMode::kGrey, Texts::tr("Grey, no ToF")},
+                 {ToFReadoutMode::kAminusB, Texts::tr("A minus B")},
+                 {ToFReadoutMode::kAandB, Texts::tr("A and B")}},
                 true),
          [](const Settings& s) { return CkValue(s.readoutMode); },
          [](Settings& s, const CkValue& v) { s.readoutMode = v.toInt(); }});
     bindings.push_back(
-        {choice("imgdataformat", Texts::tr("Image data format"),
+        {choice(ToFParameter::kDataFormat, Texts::tr("Image data format"),
                 Texts::tr("Format of the frames. One that does not fit the readout mode delivers "
                           "plain grey pictures."),
-                {{0, Texts::tr("A minus B, 8 bit")},
-                 {1, Texts::tr("A minus B, 16 bit")},
-                 {5, Texts::tr("A minus B, 8 bit, second code")},
-                 {6, Texts::tr("A minus B, 16 bit, second code")},
-                 {11, Texts::tr("A and B, 8 bit")},
-                 {13, Texts::tr("A and B, 12 bit in 16")}},
+                {{ToFDataFormat::kAminusB8, Texts::tr("A minus B, 8 bit")},
+                 {ToFDataFormat::kAminusB16, Texts::tr("A minus B, 16 bit")},
+                 {ToFDataFormat::kAminusB8Alternate, Texts::tr("A minus B, 8 bit, second code")},
+                 {ToFDataFormat::kAminusB16Alternate, Texts::tr("A minus B, 16 bit, second code")},
+                 {ToFDataFormat::kAandB8, Texts::tr("A and B, 8 bit")},
+                 {ToFDataFormat::kAandB12, Texts::tr("A and B, 12 bit in 16")}},
                 true),
          [](const Settings& s) { return CkValue(s.dataFormat); },
          [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
@@ -98,12 +103,12 @@ void addWaveBindings(std::vector<SkBinding>& bindings) {
 
 void addHybridBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back(
-        {choice("imgdataformat", Texts::tr("Image data format"),
+        {choice(ToFParameter::kDataFormat, Texts::tr("Image data format"),
                 Texts::tr("Format of the frames. Any other value delivers plain grey pictures."),
-                {{0, Texts::tr("Grey, 8 bit")},
-                 {1, Texts::tr("Grey, 16 bit")},
-                 {17, Texts::tr("X1X2X3, 8 bit")},
-                 {18, Texts::tr("X1X2X3, 12 bit in 16")}},
+                {{ToFDataFormat::kGrey8, Texts::tr("Grey, 8 bit")},
+                 {ToFDataFormat::kGrey16, Texts::tr("Grey, 16 bit")},
+                 {ToFDataFormat::kHybrid8, Texts::tr("X1X2X3, 8 bit")},
+                 {ToFDataFormat::kHybrid12, Texts::tr("X1X2X3, 12 bit in 16")}},
                 true),
          [](const Settings& s) { return CkValue(s.dataFormat); },
          [](Settings& s, const CkValue& v) { s.dataFormat = v.toInt(); }});
@@ -129,7 +134,8 @@ void addHybridBindings(std::vector<SkBinding>& bindings) {
         {choice("hybrid_section_mode", Texts::tr("Section mode"),
                 Texts::tr("With a reference, section 0 holds the dark level and background light "
                           "that is subtracted from the others."),
-                {{0, Texts::tr("Measurement only")}, {3, Texts::tr("Reference first")}}),
+                {{int(ToFSectionMode::kMeasurementOnly), Texts::tr("Measurement only")},
+                 {int(ToFSectionMode::kReferenceFirst), Texts::tr("Reference first")}}),
          [](const Settings& s) { return CkValue(s.sectionMode); },
          [](Settings& s, const CkValue& v) { s.sectionMode = v.toInt(); }});
 }
@@ -209,10 +215,10 @@ void addCommonBindings(std::vector<SkBinding>& bindings) {
 SkSimSettings startSettings(EkSimCameraKind kind) {
     SkSimSettings settings;
     if (kind == EkSimCameraKind::Wave) {
-        settings.dataFormat = 13;
+        settings.dataFormat = ToFDataFormat::kAandB12;
     }
     if (kind == EkSimCameraKind::Hybrid) {
-        settings.dataFormat = 18;
+        settings.dataFormat = ToFDataFormat::kHybrid12;
     }
     return settings;
 }

@@ -1,81 +1,82 @@
 #include "sim/camera/SkSimPlan.h"
 
+#include "zuCore/ToFVocabulary.h"
+
+#include <numeric>
+
 namespace {
 
-constexpr int kReadoutAminusB = 2;
-constexpr int kReadoutAandB = 4;
-constexpr int kReferenceMode = 3;
+// Rows start on cache lines.
 constexpr quint32 kRowAlignment = 64;
 
-bool isByteFormat(int format) {
-    return format == 0 || format == 5 || format == 11 || format == 17;
+/// What the pixels of a data format hold.
+enum class EkArrangement { Unknown, Taps, Difference, Windows };
+
+/// A data format of ToFDataFormat. Any other value is a format of one byte that holds nothing known.
+struct SkDataFormat {
+    EkArrangement arrangement = EkArrangement::Unknown;
+    bool wide = false; ///< 16 bits a sample instead of 8
+};
+
+SkDataFormat dataFormat(int format) {
+    switch (format) {
+    case ToFDataFormat::kAminusB8:
+    case ToFDataFormat::kAminusB8Alternate:
+        return {EkArrangement::Difference, false};
+    case ToFDataFormat::kAminusB16:
+    case ToFDataFormat::kAminusB16Alternate:
+        return {EkArrangement::Difference, true};
+    case ToFDataFormat::kAandB8:
+        return {EkArrangement::Taps, false};
+    case ToFDataFormat::kAandB12:
+        return {EkArrangement::Taps, true};
+    case ToFDataFormat::kHybrid8:
+        return {EkArrangement::Windows, false};
+    case ToFDataFormat::kHybrid12:
+        return {EkArrangement::Windows, true};
+    default:
+        return {};
+    }
 }
 
-bool isTapFormat(int format) {
-    return format == 11 || format == 13;
-}
-
-bool isDifferenceFormat(int format) {
-    return format == 0 || format == 5 || format == 1 || format == 6;
-}
-
-bool isWindowFormat(int format) {
-    return format == 17 || format == 18;
-}
-
-/// Unknown formats are delivered as bytes.
-bool isKnownWideFormat(int format) {
-    return format == 1 || format == 6 || format == 13 || format == 18;
-}
-
+/// An image of so many parts of the sensor's size on top of each other.
 SkPicBufInfo describe(const SkSimLens& lens, size_t parts, quint32 channels, EkImageDataType type,
-                      quint32 bits, EkColorFilterArray arrangement) {
-    SkPicBufInfo info;
-    info.width = quint32(lens.width);
-    info.height = quint32(lens.height) * quint32(parts);
-    info.channels = channels;
-    info.bitsPerChannel = bits;
-    info.linePadding = kRowAlignment;
-    const quint32 packed = info.width * channels * sampleBytes(type);
-    info.lineSize = (packed + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
-    info.dataType = type;
-    info.storageFormat = EkDataStorageFormat::Interleaved;
-    info.colorFilterArray = arrangement;
+                      int converterBits) {
+    const bool wide = sampleBytes(type) > 1;
+    SkPicBufInfo info = SkPicBufInfo::of(quint32(lens.width), quint32(lens.height) * quint32(parts), channels,
+                                         type, wide ? quint32(converterBits) : 8U);
+    info.padRows(kRowAlignment);
     return info;
 }
 
 std::vector<int> phaseAngles(int phases) {
     std::vector<int> angles;
     angles.reserve(size_t(phases));
-    // Two phases are a quarter turn apart, not half a turn: half a turn would only repeat the first with its
-    // taps exchanged.
-    const int step = phases == 8 ? 45 : 90;
     for (int phase = 0; phase < phases; ++phase) {
-        angles.push_back(phase * step);
+        angles.push_back(phase * ToFPhases::nominalStep(phases));
     }
     return angles;
 }
 
 SkSimPlan greyPlan(const SkSimLens& lens, const SkSimSettings& settings, const CkImageMetadata& common) {
     SkSimImage image;
-    const bool wide = isKnownWideFormat(settings.dataFormat);
-    image.info = describe(lens, 1, 1, wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8,
-                          wide ? quint32(settings.converterBits) : 8U, EkColorFilterArray::None);
+    const bool wide = dataFormat(settings.dataFormat).wide;
+    image.info =
+        describe(lens, 1, 1, wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8, settings.converterBits);
     image.metadata = common;
-    image.metadata.channelNames = {QStringLiteral("Grey")};
+    image.metadata.channelNames = QStringList{ToFChannel::kGrey};
     return {image};
 }
 
 SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const CkImageMetadata& common) {
-    const bool taps = settings.readoutMode == kReadoutAandB && isTapFormat(settings.dataFormat);
+    const auto [arrangement, wide] = dataFormat(settings.dataFormat);
+    const bool taps = settings.readoutMode == ToFReadoutMode::kAandB && arrangement == EkArrangement::Taps;
     const bool difference =
-        settings.readoutMode == kReadoutAminusB && isDifferenceFormat(settings.dataFormat);
+        settings.readoutMode == ToFReadoutMode::kAminusB && arrangement == EkArrangement::Difference;
     if (!taps && !difference) {
         return greyPlan(lens, settings, common);
     }
 
-    const bool bytes = isByteFormat(settings.dataFormat);
-    const quint32 bits = bytes ? 8U : quint32(settings.converterBits);
     const std::vector<int> angles = phaseAngles(settings.phases);
     const size_t stacked = settings.separateImages ? 1 : angles.size();
 
@@ -83,15 +84,17 @@ SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const C
     image.content = EkSimContent::Phases;
     image.metadata = common;
     if (taps) {
-        image.info = describe(lens, stacked, 2, bytes ? EkImageDataType::UInt8 : EkImageDataType::UInt16,
-                              bits, EkColorFilterArray::RawX2AandB);
-        image.metadata.channelNames = {QStringLiteral("A"), QStringLiteral("B")};
-        image.metadata.tofFormatCode = bytes ? ToFFormatCode::kRawX2Bits8 : ToFFormatCode::kRawX2Bits12;
+        image.info = describe(lens, stacked, 2, wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8,
+                              settings.converterBits);
+        image.info.colorFilterArray = EkColorFilterArray::RawX2AandB;
+        image.metadata.channelNames = QStringList{ToFChannel::kA, ToFChannel::kB};
+        image.metadata.tofFormatCode = wide ? ToFFormatCode::kRawX2Bits12 : ToFFormatCode::kRawX2Bits8;
     } else {
-        image.info = describe(lens, stacked, 1, bytes ? EkImageDataType::Int8 : EkImageDataType::Int16, bits,
-                              EkColorFilterArray::RawAminusB);
-        image.metadata.channelNames = {QStringLiteral("A-B")};
-        image.metadata.tofFormatCode = bytes ? ToFFormatCode::kAminusBBits8 : ToFFormatCode::kAminusBBits12;
+        image.info = describe(lens, stacked, 1, wide ? EkImageDataType::Int16 : EkImageDataType::Int8,
+                              settings.converterBits);
+        image.info.colorFilterArray = EkColorFilterArray::RawAminusB;
+        image.metadata.channelNames = QStringList{ToFChannel::kAminusB};
+        image.metadata.tofFormatCode = wide ? ToFFormatCode::kAminusBBits12 : ToFFormatCode::kAminusBBits8;
     }
     image.metadata.colorFilterArray = quint32(image.info.colorFilterArray);
     image.metadata.modulationFrequency = float(settings.modulationMHz);
@@ -113,42 +116,38 @@ SkSimPlan wavePlan(const SkSimLens& lens, const SkSimSettings& settings, const C
 }
 
 SkSimPlan hybridPlan(const SkSimLens& lens, const SkSimSettings& settings, const CkImageMetadata& common) {
-    if (!isWindowFormat(settings.dataFormat)) {
+    const auto [arrangement, wide] = dataFormat(settings.dataFormat);
+    if (arrangement != EkArrangement::Windows) {
         return greyPlan(lens, settings, common);
     }
 
-    const bool bytes = isByteFormat(settings.dataFormat);
     const size_t stacked = settings.separateImages ? 1 : size_t(settings.sections);
-    const bool reference = settings.sectionMode == kReferenceMode;
 
     SkSimImage image;
-    image.info = describe(lens, stacked, 3, bytes ? EkImageDataType::UInt8 : EkImageDataType::UInt16,
-                          bytes ? 8U : quint32(settings.converterBits), EkColorFilterArray::RawX3Hybrid);
+    image.info = describe(lens, stacked, 3, wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8,
+                          settings.converterBits);
+    image.info.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
     image.metadata = common;
-    image.metadata.channelNames = {QStringLiteral("X1"), QStringLiteral("X2"), QStringLiteral("X3")};
+    image.metadata.channelNames = QStringList{ToFChannel::kX1, ToFChannel::kX2, ToFChannel::kX3};
     image.metadata.colorFilterArray = quint32(image.info.colorFilterArray);
     image.metadata.hybridPulseDuration = float(settings.pulseNs * 1e-9);
     image.metadata.phasesCount = qint32(stacked);
     image.metadata.sectionMode = quint32(settings.sectionMode);
 
-    // A section is an image: stacked exposures count as one.
+    // A section of the measurement is an image: stacked exposures are one section.
     SkSimPlan plan;
-    if (reference) {
-        image.content = EkSimContent::Reference;
-        image.parts.clear();
-        for (size_t part = 0; part < stacked; ++part) {
-            image.parts.push_back(int(part));
-        }
+    const auto addImage = [&](EkSimContent content, int first) {
+        image.content = content;
+        image.parts.resize(stacked);
+        std::iota(image.parts.begin(), image.parts.end(), first);
         plan.push_back(image);
+    };
+    if (image.metadata.sectionMode == ToFSectionMode::kReferenceFirst) {
+        addImage(EkSimContent::Reference, 0);
     }
-    image.content = EkSimContent::Sections;
     const int images = settings.separateImages ? settings.sections : 1;
     for (int index = 0; index < images; ++index) {
-        image.parts.clear();
-        for (size_t part = 0; part < stacked; ++part) {
-            image.parts.push_back(index + int(part));
-        }
-        plan.push_back(image);
+        addImage(EkSimContent::Sections, index);
     }
     for (size_t index = 0; index < plan.size(); ++index) {
         plan[index].metadata.sectionIndex = quint32(index);

@@ -2,6 +2,8 @@
 
 #include "sim/synth/SkSimExposure.h"
 
+#include "zuCore/ToFVocabulary.h"
+
 enum class EkSimCameraKind { Wave, Hybrid, Grey };
 
 enum class EkSimScene { Room = 0, Wall = 1 };
@@ -16,15 +18,15 @@ struct SkSimSettings {
     double wallReflectivity = 0.8;
     double focalLengthMm = 3.5;
     bool reportFocalLength = false; ///< whether the frames tell the focal length
-    int dataFormat = 0;             ///< code of the camera's output format
+    int dataFormat = 0;             ///< see ToFDataFormat
     int converterBits = 12;         ///< of the 16-bit formats: 12 or 16
     bool separateImages = false;    ///< phases or sections one image each instead of stacked
 
-    int readoutMode = 4; ///< 2: A minus B, 4: A and B, any other: no ToF readout
+    int readoutMode = ToFReadoutMode::kAandB; ///< any other than kAandB and kAminusB: no ToF readout
     double modulationMHz = 20.0;
     int phases = 4; ///< 1, 2, 4 or 8
 
     double pulseNs = 40.0;
     int sections = 1;    ///< 1 to 4
-    int sectionMode = 0; ///< 3: a reference section comes first
+    int sectionMode = 0; ///< see ToFSectionMode
 };

@@ -7,12 +7,12 @@
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <QSaveFile>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace {
@@ -21,50 +21,16 @@ namespace {
 constexpr quint64 bytesPerPngPixel = 24;
 
 double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
-    const quint8* const at =
-        picBuf.row(y) + (size_t(x) * picBuf.channels + channel) * sampleBytes(picBuf.dataType);
-    const auto read = [at](auto value) {
-        std::memcpy(&value, at, sizeof(value));
-        return double(value);
-    };
-    switch (picBuf.dataType) {
-    case EkImageDataType::Int8:
-        return read(qint8());
-    case EkImageDataType::Int16:
-        return read(qint16());
-    case EkImageDataType::UInt16:
-    case EkImageDataType::Other16:
-        return read(quint16());
-    case EkImageDataType::Int32:
-        return read(qint32());
-    case EkImageDataType::UInt32:
-        return read(quint32());
-    case EkImageDataType::Int64:
-        return read(qint64());
-    case EkImageDataType::UInt64:
-        return read(quint64());
-    case EkImageDataType::Float32:
-        return read(float());
-    case EkImageDataType::Float64:
-        return read(double());
-    default:
-        return read(quint8());
-    }
+    const bool isWord = picBuf.dataType == EkImageDataType::Other16;
+    const quint8* const row = picBuf.row(y);
+    const size_t index = size_t(x) * picBuf.channels + channel;
+    double value = row[index]; // of a type that is not known: a byte
+    visitSamples(isWord ? EkImageDataType::UInt16 : picBuf.dataType, [&](auto zero) {
+        value = double(loadSample<decltype(zero)>(row, index));
+        return true;
+    });
+    return value;
 }
-
-/// A frame that goes with its memory.
-struct SkOwned {
-    SkPicBuf picBuf;
-    SkOwned() = default;
-    ~SkOwned() { CkPicBufAPI::FreePicBuf(picBuf); }
-    SkOwned(const SkOwned&) = delete;
-    SkOwned& operator=(const SkOwned&) = delete;
-    bool allocate(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits) {
-        return CkPicBufAPI::AllocPicBufFromHeap(picBuf, width, height, channels, type, 0, 0, bits,
-                                                EkDataStorageFormat::Interleaved, EkColorFilterArray::None,
-                                                false, false, 0);
-    }
-};
 
 struct SkImageOptions {
     qint64 channel = 0;
@@ -75,12 +41,13 @@ struct SkImageOptions {
 };
 
 /// Every sample of a channel as float, so that any type takes a range in its own units.
-bool toFloat(const SkPicBuf& source, quint32 firstChannel, quint32 channels, SkOwned& target) {
-    if (!target.allocate(source.width, source.height, channels, EkImageDataType::Float32, 32)) {
+bool toFloat(const SkPicBuf& source, quint32 firstChannel, quint32 channels, CkPicture& target) {
+    if (!target.allocate(
+            SkPicBufInfo::of(source.width, source.height, channels, EkImageDataType::Float32, 32))) {
         return false;
     }
     for (quint32 y = 0; y < source.height; ++y) {
-        auto* const row = reinterpret_cast<float*>(target.picBuf.row(y));
+        auto* const row = reinterpret_cast<float*>(target.picBuf().row(y));
         for (quint32 x = 0; x < source.width; ++x) {
             for (quint32 c = 0; c < channels; ++c) {
                 row[size_t(x) * channels + c] = float(sampleOf(source, x, y, firstChannel + c));
@@ -91,13 +58,13 @@ bool toFloat(const SkPicBuf& source, quint32 firstChannel, quint32 channels, SkO
 }
 
 QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
-    SkOwned values;
-    SkOwned colours;
+    CkPicture values;
+    CkPicture colours;
     if (!toFloat(picture, quint32(options.channel), 1, values) ||
-        !colours.allocate(picture.width, picture.height, 4, EkImageDataType::UInt8, 8)) {
+        !colours.allocate(SkPicBufInfo::of(picture.width, picture.height, 4, EkImageDataType::UInt8, 8))) {
         return {};
     }
-    SkPicBuf& grey = values.picBuf;
+    SkPicBuf& grey = values.picBuf();
     if (options.ranged) {
         grey.minValue = options.low;
         grey.maxValue = options.high;
@@ -106,13 +73,13 @@ QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
     }
     CkLut lut(32, 1, false, EkImageDataType::Float32);
     lut.setPseudoColorIndex(options.map);
-    if (!lut.allocRgbTable(256 * 4) || !lut.applyToPic(grey, colours.picBuf)) {
+    if (!lut.allocRgbTable(256 * 4) || !lut.applyToPic(grey, colours.picBuf())) {
         return {};
     }
     QByteArray samples;
     samples.reserve(qsizetype(picture.width) * picture.height * 3);
     for (quint32 y = 0; y < picture.height; ++y) {
-        const quint8* const row = colours.picBuf.row(y);
+        const quint8* const row = colours.picBuf().row(y);
         for (quint32 x = 0; x < picture.width; ++x) {
             samples.append(char(row[4 * x + 2])).append(char(row[4 * x + 1])).append(char(row[4 * x]));
         }
@@ -145,15 +112,15 @@ QByteArray measuredPng(const SkPicBuf& picture, const CkImageMetadata& metadata,
 }
 
 int saveTiff(const QString& file, const CkImageData& data) {
-    SkOwned values;
+    CkPicture values;
     const SkPicBuf& picture = data.picBuf();
     CkRecordingWriter writer;
     if (!toFloat(picture, 0, picture.channels, values)) {
         CkToFConsole::error(QStringLiteral("There is not enough memory."));
         return ToFOutput;
     }
-    values.picBuf.copyPicAdditionalData(picture);
-    if (!writer.open(file, {{}, {}, tofSoftware()}) || !writer.write(values.picBuf, data.metadata()) ||
+    values.picBuf().copyPicAdditionalData(picture);
+    if (!writer.open(file, {{}, {}, tofSoftware()}) || !writer.write(values.picBuf(), data.metadata()) ||
         !writer.close()) {
         CkToFConsole::error(writer.errorMessage());
         return ToFOutput;

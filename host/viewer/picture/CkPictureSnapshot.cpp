@@ -2,7 +2,7 @@
 
 #include "host/viewer/picture/PictureFile.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QDir>
@@ -21,12 +21,12 @@ constexpr int kAsMeasured = 1;
 
 // A deep copy: a buffer of the chain's pool would be missing there for as long as a dialog is open.
 std::unique_ptr<CkImageData> copyOf(const CkImageData& frame) {
-    SkPicBuf pixels;
-    if (!CkPicBufAPI::CopyPicBuf(frame.picBuf(), pixels)) {
+    CkPicture pixels;
+    if (!CkPicBufAPI::CopyPicBuf(frame.picBuf(), pixels.picBuf())) {
         return nullptr;
     }
     auto copy = std::make_unique<CkImageData>();
-    copy->setPicBuf(pixels);
+    copy->setPicBuf(pixels.take());
     copy->setMetadata(frame.metadata());
     return copy;
 }

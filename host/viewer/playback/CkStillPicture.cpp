@@ -2,7 +2,7 @@
 
 #include "host/recording/FrameFiles.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 
 #include <QCoreApplication>
 #include <QImageReader>
@@ -35,27 +35,21 @@ QImage plainForm(const QImage& image) {
 }
 
 SkPicBufInfo infoOf(const QImage& image) {
-    SkPicBufInfo info;
-    info.width = quint32(image.width());
-    info.height = quint32(image.height());
-    info.storageFormat = EkDataStorageFormat::Interleaved;
     const bool wide = image.format() == QImage::Format_Grayscale16 || image.format() == QImage::Format_RGBA64;
-    info.dataType = wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8;
-    info.bitsPerChannel = wide ? 16 : 8;
+    quint32 channels = 1;
     switch (image.format()) {
     case QImage::Format_BGR888:
-        info.channels = 3;
+        channels = 3;
         break;
     case QImage::Format_ARGB32:
     case QImage::Format_RGBA64:
-        info.channels = 4;
+        channels = 4;
         break;
     default:
-        info.channels = 1;
         break;
     }
-    info.lineSize = info.width * info.channels * sampleBytes(info.dataType);
-    return info;
+    return SkPicBufInfo::of(quint32(image.width()), quint32(image.height()), channels,
+                            wide ? EkImageDataType::UInt16 : EkImageDataType::UInt8, wide ? 16 : 8);
 }
 
 } // namespace
@@ -114,11 +108,11 @@ bool CkStillPicture::describe(qint64 iFrame, SkFrameDescription& description, QS
 std::unique_ptr<CkImageData> CkStillPicture::read(qint64 iFrame, QString* psError,
                                                   QJsonObject* pObject) const {
     SkFrameDescription description;
-    SkPicBuf picture;
+    CkPicture picture;
     if (!describe(iFrame, description, psError)) {
         return nullptr;
     }
-    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, m_info)) {
+    if (!picture.allocate(m_info)) {
         if (psError != nullptr) {
             *psError = QCoreApplication::translate("CkStillPicture", "\"%1\": There is not enough memory.")
                            .arg(m_sFileName);
@@ -132,7 +126,7 @@ std::unique_ptr<CkImageData> CkStillPicture::read(qint64 iFrame, QString* psErro
         *pObject = QJsonObject();
     }
     for (quint32 y = 0; y < m_info.height; ++y) {
-        quint8* const row = picture.row(y);
+        quint8* const row = picture.picBuf().row(y);
         std::memcpy(row, m_image.constScanLine(int(y)), m_info.lineSize);
         if (m_image.format() == QImage::Format_RGBA64) {
             auto* const samples = reinterpret_cast<quint16*>(row);
@@ -142,6 +136,6 @@ std::unique_ptr<CkImageData> CkStillPicture::read(qint64 iFrame, QString* psErro
         }
     }
     auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(picture);
+    frame->setPicBuf(picture.take());
     return frame;
 }

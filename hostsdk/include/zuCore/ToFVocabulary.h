@@ -49,9 +49,11 @@ inline constexpr int kAminusB = 2; ///< the signed difference of the taps
 inline constexpr int kAandB = 4;   ///< both taps
 } // namespace ToFReadoutMode
 
-/// Values of ToFParameter::kDataFormat. The codes of one arrangement differ in what else the sensor sends; a
-/// camera without readout mode uses 0 and 1 for grey pictures of 8 and 16 bits.
+/// Values of ToFParameter::kDataFormat. A camera with the readout modes of ToFReadoutMode sends differences
+/// with the codes that a camera without readout modes uses for grey pictures.
 namespace ToFDataFormat {
+inline constexpr int kGrey8 = 0;              ///< 8 bit, of cameras without readout mode
+inline constexpr int kGrey16 = 1;             ///< 16 bit, of cameras without readout mode
 inline constexpr int kAminusB8 = 0;           ///< 8 bit, signed
 inline constexpr int kAminusB16 = 1;          ///< 16 bit, signed
 inline constexpr int kAminusB8Alternate = 5;  ///< another code of kAminusB8

@@ -3,7 +3,7 @@
 #include "plugins/zplToF/cloud/CkToFReusedBytes.h"
 #include "plugins/zplToF/cloud/ToFCloudLoops.h"
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,8 +77,6 @@ struct SkOrthoKey {
 
 class CkToFCloudBuilder::CkPrivate {
 public:
-    ~CkPrivate() { CkPicBufAPI::FreePicBuf(orthoFactorPic); }
-
     bool reserve(const SkToFCloudScales& scales, EkToFVertexLayout newLayout);
     bool ensureOrthoFactors(const SkToFCloudScales& scales);
     void build(const SkToFDepthPictures& pictures, const SkToFCloudScales& newScales,
@@ -96,7 +94,7 @@ public:
     std::unique_ptr<SkToFPoint[]> exported;
     size_t exportCapacity = 0;
 
-    SkPicBuf orthoFactorPic;
+    CkPicture orthoFactorPic;
     SkOrthoKey orthoKey;
     std::vector<double> columns;
     std::vector<float> bounce;
@@ -130,19 +128,19 @@ bool CkToFCloudBuilder::CkPrivate::reserve(const SkToFCloudScales& newScales, Ek
 
 bool CkToFCloudBuilder::CkPrivate::ensureOrthoFactors(const SkToFCloudScales& s) {
     const SkOrthoKey key{s.cellMM, s.resolutionRatio, s.offsetXMM, s.offsetYMM, s.focalMM};
+    SkPicBuf& factorPic = orthoFactorPic.picBuf();
     const bool sameSize =
-        orthoFactorPic.data && orthoFactorPic.width == s.width && orthoFactorPic.height == s.height;
+        factorPic.data != nullptr && factorPic.width == s.width && factorPic.height == s.height;
     if (sameSize && key == orthoKey) {
         return true;
     }
-    if (!sameSize && !CkPicBufAPI::AllocPicBufFromHeap(
-                         orthoFactorPic, s.width, s.height, 1, EkImageDataType::Float32, 0, 0, 32,
-                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, true, 0)) {
+    const SkPicBufInfo info = SkPicBufInfo::of(s.width, s.height, 1, EkImageDataType::Float32, 32);
+    if (!sameSize && !orthoFactorPic.allocate(info, false)) {
         return false;
     }
     orthoKey = key;
     for (quint32 y = 0; y < s.height; y++) {
-        float* factors = reinterpret_cast<float*>(orthoFactorPic.row(y));
+        float* factors = reinterpret_cast<float*>(factorPic.row(y));
         const double dy = s.chipYMM(y);
         for (quint32 x = 0; x < s.width; x++) {
             const double dx = s.chipXMM(x);
@@ -159,8 +157,12 @@ void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
     scales = newScales;
     char* bytes = vertices.begin();
     const qsizetype size = vertices.current().size();
-    const SkToFCloudInput input{pictures,       scales,         parameters.pColourTable,
-                                orthoFactorPic, columns.data(), layout == EkToFVertexLayout::Quads ? 4 : 1};
+    const SkToFCloudInput input{pictures,
+                                scales,
+                                parameters.pColourTable,
+                                orthoFactorPic.picBuf(),
+                                columns.data(),
+                                layout == EkToFVertexLayout::Quads ? 4 : 1};
     const SkToFCloudOutput output{reinterpret_cast<float*>(bytes), exported.get(), bounce.data()};
     points =
         plainLoop ? ToFCloudLoops::buildPlain(input, output) : ToFCloudLoops::buildByVectors(input, output);
@@ -213,7 +215,7 @@ bool CkToFCloudBuilder::build(const SkToFDepthPictures& pictures, const SkToFClo
 }
 
 void CkToFCloudBuilder::freeOrthoFactorPic() {
-    CkPicBufAPI::FreePicBuf(m_d->orthoFactorPic);
+    m_d->orthoFactorPic.reset();
 }
 
 void CkToFCloudBuilder::setPlainLoop(bool bPlainLoop) {

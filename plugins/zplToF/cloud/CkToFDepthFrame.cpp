@@ -3,12 +3,10 @@
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "plugins/zplToF/pic/ToFFormats.h"
 #include "zuCore/CkMemoryPool.h"
-#include "zuCore/CkPicBufAPI.h"
 #include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <new>
 #include <utility>
 
@@ -21,20 +19,9 @@ constexpr int PicturesPerShelf = 2;
 
 SkPicBufInfo describe(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,
                       quint32 uiBits, const SkPicBufInfo& like) {
-    SkPicBufInfo info;
-    info.width = uiWidth;
-    info.height = uiHeight;
-    info.channels = uiChannels;
-    info.bitsPerChannel = uiBits;
-    info.dataType = dataType;
-    info.storageFormat = EkDataStorageFormat::Interleaved;
+    SkPicBufInfo info = SkPicBufInfo::of(uiWidth, uiHeight, uiChannels, dataType, uiBits);
     // Rows that begin inside a sample could not be read as numbers.
-    info.linePadding = like.linePadding % sizeof(quint64) == 0 ? like.linePadding : 0;
-    const quint64 padding = std::max(1U, info.linePadding);
-    const quint64 packed = quint64(uiWidth) * uiChannels * sampleBytes(dataType);
-    const quint64 padded = (packed + padding - 1) / padding * padding;
-    // A row that does not fit stays 0, which no allocation accepts.
-    info.lineSize = padded <= std::numeric_limits<quint32>::max() ? quint32(padded) : 0;
+    info.padRows(like.linePadding % sizeof(quint64) == 0 ? like.linePadding : 0);
     return info;
 }
 
@@ -94,18 +81,18 @@ CkToFDepthFrame::CkToFDepthFrame() {
     clear();
 }
 
-CkToFDepthFrame::~CkToFDepthFrame() {
-    clear();
-}
+CkToFDepthFrame::~CkToFDepthFrame() = default;
 
 CkToFDepthFrame::CkToFDepthFrame(CkToFDepthFrame&& other) noexcept
-    : m_pictures(std::exchange(other.m_pictures, {})), m_shelves(std::move(other.m_shelves)) {
+    : m_depth(std::move(other.m_depth)), m_confidence(std::move(other.m_confidence)),
+      m_pictures(std::exchange(other.m_pictures, {})), m_shelves(std::move(other.m_shelves)) {
     other.clear();
 }
 
 CkToFDepthFrame& CkToFDepthFrame::operator=(CkToFDepthFrame&& other) noexcept {
     if (this != &other) {
-        clear();
+        m_depth = std::move(other.m_depth);
+        m_confidence = std::move(other.m_confidence);
         m_pictures = std::exchange(other.m_pictures, {});
         m_shelves = std::move(other.m_shelves);
         other.clear();
@@ -114,8 +101,8 @@ CkToFDepthFrame& CkToFDepthFrame::operator=(CkToFDepthFrame&& other) noexcept {
 }
 
 void CkToFDepthFrame::clear() {
-    CkPicBufAPI::FreePicBuf(m_pictures.depthPic);
-    CkPicBufAPI::FreePicBuf(m_pictures.confidencePic);
+    m_depth.reset();
+    m_confidence.reset();
     m_pictures = {};
     m_pictures.depthPic.channels = 1;
     m_pictures.depthPic.bitsPerChannel = 8;
@@ -141,7 +128,9 @@ bool CkToFDepthFrame::update(const SkPicBuf& picture, const CkImageMetadata* pMe
         return false;
     }
     refreshValueRanges();
-    m_pictures.depthPic.copyPicAdditionalData(picture);
+    m_depth.picBuf().copyPicAdditionalData(picture);
+    m_pictures.depthPic = m_depth.picBuf();
+    m_pictures.confidencePic = m_confidence.picBuf();
     m_pictures.resolutionRatio = float(picture.width) / float(m_pictures.depthPic.width);
     return true;
 }
@@ -174,25 +163,23 @@ bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMet
 
 bool CkToFDepthFrame::splitChannels(const SkPicBuf& picture) {
     const SkPicBufInfo info = describeFloat(picture.width, picture.height, 1, picture);
-    return m_shelves->take(DepthShelf, info, false, m_pictures.depthPic) &&
-           m_shelves->take(ConfidenceShelf, info, false, m_pictures.confidencePic) &&
-           CkPicBufAPI::ExtractChannel(picture, m_pictures.depthPic, 0) &&
-           CkPicBufAPI::ExtractChannel(picture, m_pictures.confidencePic, 1);
+    return m_shelves->take(DepthShelf, info, false, m_depth.picBuf()) &&
+           m_shelves->take(ConfidenceShelf, info, false, m_confidence.picBuf()) &&
+           CkPicBufAPI::ExtractChannel(picture, m_depth.picBuf(), 0) &&
+           CkPicBufAPI::ExtractChannel(picture, m_confidence.picBuf(), 1);
 }
 
 bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
     const quint32 phases = CkToFPicAPI::detectPhasesCount(picture, pMetadata);
     const quint32 rows = rowsPerPhase(picture, phases);
-    SkPicBuf both;
+    CkPicture work;
+    SkPicBuf& both = work.picBuf();
     if (rows == 0 || !m_shelves->take(WorkShelf, describeFloat(picture.width, rows, 2, picture),
                                       !ToFPhases::isSupportedCount(phases), both)) {
         return false;
     }
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
-    const bool done =
-        CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both, int(phases)) && splitChannels(both);
-    CkPicBufAPI::FreePicBuf(both);
-    return done;
+    return CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both, int(phases)) && splitChannels(both);
 }
 
 bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
@@ -201,21 +188,19 @@ bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetad
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
     return rows != 0 &&
            m_shelves->take(DepthShelf, describeFloat(picture.width, rows, 1, picture),
-                           !ToFPhases::isSupportedCount(phases), m_pictures.depthPic) &&
-           CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_pictures.depthPic, int(phases));
+                           !ToFPhases::isSupportedCount(phases), m_depth.picBuf()) &&
+           CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_depth.picBuf(), int(phases));
 }
 
 bool CkToFDepthFrame::buildFromHybrid(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
-    SkPicBuf both;
+    CkPicture work;
+    SkPicBuf& both = work.picBuf();
     if (!m_shelves->take(WorkShelf, describeFloat(picture.width, picture.height, 2, picture), false, both)) {
         return false;
     }
     const float pulseDuration = pMetadata ? pMetadata->hybridPulseDuration : 0.0F;
     m_pictures.depthDataKind = EkDepthDataType::Depth;
-    const bool done =
-        CkToFPicAPI::rawHybridToDepth_Confidence(picture, both, pulseDuration) && splitChannels(both);
-    CkPicBufAPI::FreePicBuf(both);
-    return done;
+    return CkToFPicAPI::rawHybridToDepth_Confidence(picture, both, pulseDuration) && splitChannels(both);
 }
 
 bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) {
@@ -228,7 +213,7 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
     SkPicBufInfo info = describe(width, height, 1, picture.dataType, picture.bitsPerChannel, picture);
     info.layoutFlag = picture.layoutFlag;
     info.colorFilterArray = picture.colorFilterArray;
-    SkPicBuf& depthPic = m_pictures.depthPic;
+    SkPicBuf& depthPic = m_depth.picBuf();
     if (!m_shelves->take(DepthShelf, info, !supported, depthPic)) {
         return false;
     }
@@ -244,21 +229,17 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
         return CkPicBufAPI::ConvertToGrey(picture, depthPic);
     }
 
-    SkPicBuf grey;
-    SkPicBufInfo greyInfo =
+    CkPicture work;
+    SkPicBuf& grey = work.picBuf();
+    const SkPicBufInfo greyInfo =
         describe(picture.width, picture.height, 1, picture.dataType, picture.bitsPerChannel, picture);
-    const bool done = m_shelves->take(WorkShelf, greyInfo, false, grey) &&
-                      CkPicBufAPI::ConvertToGrey(picture, grey) &&
-                      CkPicBufAPI::ResizePic(grey, depthPic, width, height);
-    CkPicBufAPI::FreePicBuf(grey);
-    return done;
+    return m_shelves->take(WorkShelf, greyInfo, false, grey) && CkPicBufAPI::ConvertToGrey(picture, grey) &&
+           CkPicBufAPI::ResizePic(grey, depthPic, width, height);
 }
 
 void CkToFDepthFrame::refreshValueRanges() {
-    if (m_pictures.depthPic.dataType == EkImageDataType::Float32) {
-        refreshRange(m_pictures.depthPic);
-    }
-    if (m_pictures.confidencePic.data) {
-        refreshRange(m_pictures.confidencePic);
-    }
+    if (m_depth.picBuf().dataType == EkImageDataType::Float32)
+        refreshRange(m_depth.picBuf());
+    if (m_confidence.picBuf().data)
+        refreshRange(m_confidence.picBuf());
 }

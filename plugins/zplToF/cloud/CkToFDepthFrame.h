@@ -2,6 +2,7 @@
 
 #include "plugins/zplToF/cloud/SkToFDepthPictures.h"
 #include "zuCore/CkImageMetadata.h"
+#include "zuCore/CkPicture.h"
 
 #include <memory>
 
@@ -50,6 +51,8 @@ private:
     bool buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth);
     void refreshValueRanges();
 
-    SkToFDepthPictures m_pictures;
+    CkPicture m_depth;
+    CkPicture m_confidence;
+    SkToFDepthPictures m_pictures; ///< aliases of the two
     std::unique_ptr<CkShelves> m_shelves;
 };

@@ -12,7 +12,7 @@
 #include "tools/tof/accuracy/CkToFErrorStatistics.h"
 #include "tools/tof/accuracy/ToFNoiseLimit.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "zuCore/CkPicture.h"
 
 #include <bit>
 #include <cmath>
@@ -194,13 +194,13 @@ SkToFAccuracyResult measureAccuracy(const SkToFAccuracyPoint& point, const SkToF
     CkToFErrorStatistics statistics;
     const quint64 set = firstSet(point);
     for (qint64 frame = 0; frame < setup.frames; ++frame) {
-        SkPicBuf picture;
-        if (!CkPicBufAPI::AllocPicBufFromHeap(picture, info)) {
+        CkPicture picture;
+        if (!picture.allocate(info)) {
             result.error = QStringLiteral("There is not enough memory.");
             return result;
         }
         CkImageData raw;
-        raw.setPicBuf(picture);
+        raw.setPicBuf(picture.take());
         raw.setMetadata(image.metadata);
         for (quint32 part = 0; part < parts; ++part) {
             const quint32 row = part * quint32(setup.height);
