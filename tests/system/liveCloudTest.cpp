@@ -1,4 +1,4 @@
-#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNoticeController.h"
 #include "tests/system/SystemFixture.h"
 
 #include <QSet>

@@ -1,6 +1,6 @@
 #include "host/viewer/area/CkViewArea.h"
 
-#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNoticeController.h"
 #include "host/viewer/area/CkViewWindow.h"
 #include "host/viewer/area/ViewTiling.h"
 #include "zuCore/CkChain.h"
@@ -29,7 +29,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
     setBackground(QColor(0x3a, 0x3d, 0x42));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    m_pNotices = new CkViewNotices(this);
+    m_pNotices = new CkViewNoticeController(this);
     connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
         // Null also means that another window of the program has the focus: the view stays the active one.
         if (const auto* window = qobject_cast<CkViewWindow*>(pWindow)) {

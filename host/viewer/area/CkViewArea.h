@@ -8,7 +8,7 @@
 #include <QSet>
 
 class CkMdiView;
-class CkViewNotices;
+class CkViewNoticeController;
 class CkViewWindow;
 
 /// The area that holds and owns all views and knows which one is active. User-interface thread.
@@ -34,7 +34,7 @@ public:
     /// -1: none. Stays when the program loses the focus to another one.
     int activeViewId() const { return m_iActiveViewId; }
     /// Never null.
-    CkViewNotices* notices() const { return m_pNotices; }
+    CkViewNoticeController* notices() const { return m_pNotices; }
     CkMdiView* activeView() const { return view(m_iActiveViewId); }
     void setActiveView(int iViewId);
 
@@ -81,7 +81,7 @@ private:
     bool showsOneInFull() const;
     void arrangeLater();
 
-    CkViewNotices* m_pNotices = nullptr;
+    CkViewNoticeController* m_pNotices = nullptr;
     QList<SkEntry> m_entries;
     QSet<int> m_closing;
     int m_iActiveViewId = -1;

@@ -6,7 +6,7 @@
 
 CkViewWindow::CkViewWindow(int iViewId, QWidget* pParent) : QMdiSubWindow(pParent), m_iViewId(iViewId) {
     setAttribute(Qt::WA_DeleteOnClose);
-    // The window's own menus have a key for it, and a key that two entries have works for neither.
+    // The main window's menus have the same shortcuts, and an ambiguous shortcut triggers neither action.
     for (QAction* action : systemMenu()->actions()) {
         action->setShortcuts(QList<QKeySequence>());
     }

@@ -11,11 +11,11 @@ public:
 
     int viewId() const { return m_iViewId; }
 
-    /// Closes without asking any more; the window and its view are deleted later.
+    /// Closes without asking again; the window and its view are deleted later.
     void closeNow();
 
 signals:
-    /// The user wants to close; the receiver calls closeNow when that is fine.
+    /// The user wants to close the view; the receiver calls closeNow to agree.
     void closeRequested(int iViewId);
 
 protected:

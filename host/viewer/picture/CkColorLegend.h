@@ -5,7 +5,8 @@
 #include <QString>
 #include <QWidget>
 
-/// A bar of the colours of a picture with the values they stand for. User-interface thread.
+/// The colour bar beside a picture, labelled with the values that the colours stand for. User-interface
+/// thread.
 class CkColorLegend : public QWidget {
     Q_OBJECT
 
@@ -19,7 +20,7 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    /// Values at which the bar is labelled: round numbers, at most iMaximum of them, from low to high.
+    /// Values at which the bar is labelled: at most iMaximum round numbers, from low to high.
     static QList<double> tickValues(double fLow, double fHigh, int iMaximum);
 
 protected:

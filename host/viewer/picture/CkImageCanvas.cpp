@@ -98,8 +98,7 @@ void CkImageCanvas::setZoomAt(double fZoom, const QPointF& anchor) {
 }
 
 void CkImageCanvas::limitCentre() {
-    // The picture never leaves the widget altogether; one that is smaller than the widget stays in the
-    // middle.
+    // A picture larger than the widget covers it; a smaller one is centred.
     const double halfWidth = width() / 2.0 / m_fZoom;
     const double halfHeight = height() / 2.0 / m_fZoom;
     const auto limit = [](double centre, double half, double length) {
@@ -119,11 +118,11 @@ void CkImageCanvas::paintEvent(QPaintEvent*) {
         return;
     }
     const double scale = zoom();
-    // Enlarged pixels stay square for whoever looks at single ones.
+    // Not smoothed when enlarged: single pixels are to be told apart.
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < 1.0);
-    // Only the part that is in sight is scaled.
-    const QRectF sight = QRectF(toPicture(QPointF(0, 0)), toPicture(QPointF(width(), height())));
-    const QRect part = sight.toAlignedRect().adjusted(-1, -1, 1, 1) & image->rect();
+    // Only the visible part is scaled.
+    const QRectF visible = QRectF(toPicture(QPointF(0, 0)), toPicture(QPointF(width(), height())));
+    const QRect part = visible.toAlignedRect().adjusted(-1, -1, 1, 1) & image->rect();
     const QRectF target(fromPicture(part.topLeft()), QSizeF(part.width() * scale, part.height() * scale));
     painter.drawImage(target, *image, part);
     if (m_bDimmed) {

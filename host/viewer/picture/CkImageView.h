@@ -26,7 +26,7 @@ public:
     ~CkImageView() override;
 
     QString viewTitle() const override;
-    /// In the shape of the picture.
+    /// With the aspect ratio of the picture.
     QSize sizeHint() const override;
     CkMdiView* clone(CkChainable* pProvider, CkChainable* pSecond) override;
     void setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate) override;
@@ -79,7 +79,7 @@ public:
 
     /// What is on the screen at the moment, to be saved.
     CkPictureSnapshot snapshot();
-    /// Asks for the file.
+    /// Asks for a file and writes the picture to it.
     void saveWithDialog();
 
 signals:

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Groups of forms to save in.
+// Values of SkSaveForm::group.
 constexpr int kAsSeen = 0;
 constexpr int kAsMeasured = 1;
 

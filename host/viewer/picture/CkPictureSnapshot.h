@@ -36,7 +36,7 @@ public:
     /// Empty when there is no picture.
     QList<SkForm> forms() const;
 
-    /// Writes the picture as seen (in the format that the name's ending tells, at the picture's own size), or
+    /// Writes the picture as seen (in the format of the file name's extension, at the picture's own size), or
     /// as measured: the channel seen, or all of them. False, with psError set, on failure.
     bool saveAsSeen(const QString& sFileName, QString* psError) const;
     bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const;

@@ -28,7 +28,7 @@ struct Texts {
 
 constexpr double kSteps = 65536.0;
 
-// A 32-bit float has 24 bits for whole numbers.
+// A 32-bit float holds integers of up to 24 bits exactly.
 bool fitsFloat32(EkImageDataType type) {
     return type == EkImageDataType::Float32 || (!isFloatType(type) && sampleBytes(type) <= 2);
 }
@@ -39,7 +39,7 @@ bool isReadable(const SkPicBuf& picBuf, quint32 channel) {
            picBuf.width <= longest && picBuf.height <= longest && picBuf.channels <= 0xffffU;
 }
 
-// A file that is no JPEG must not be called one.
+// A file must not carry the extension of another format.
 bool isEndingOf(const QString& format, const QString& fileName, QString& error) {
     const QString ending = fileEnding(fileName);
     if (ending.isEmpty() || isSameEnding(ending, format)) {
@@ -59,7 +59,7 @@ bool store(const QByteArray& bytes, const QString& fileName, QString& error) {
     return true;
 }
 
-// libtiff writes into memory, so that only a whole picture replaces the file.
+// libtiff writes into memory: an existing file is only replaced by a complete picture.
 tmsize_t readBytes(thandle_t handle, void* bytes, tmsize_t count) {
     return tmsize_t(static_cast<QBuffer*>(handle)->read(static_cast<char*>(bytes), count));
 }
@@ -155,7 +155,7 @@ bool PictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& metad
         for (int x = 0; x < grey.width(); ++x) {
             const double value = PictureColours::sampleValue(picBuf, quint32(x), quint32(y), uiChannel);
             const double stored = std::round(value * scale.factor + scale.offset);
-            // No number compares as false throughout and becomes 0, as an invalid distance does.
+            // A value that is not finite becomes 0, like an invalid distance.
             line[x] = quint16(!std::isfinite(value) ? 0.0
                               : stored >= kSteps    ? kSteps - 1.0
                               : stored > 0.0        ? stored
@@ -194,10 +194,10 @@ bool PictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata& m
     description.info.dataType = narrow ? EkImageDataType::Float32 : EkImageDataType::Float64;
     description.info.bitsPerChannel = narrow ? 32 : 64;
     description.info.lineSize = picBuf.width * channels * (narrow ? 4U : 8U);
-    // Floats are no sensor picture any more.
+    // A picture of floats is no raw sensor picture.
     description.info.colorFilterArray = EkColorFilterArray::None;
     description.metadata = metadata;
-    // As the picture says it, not as the viewer's language has it.
+    // The name in the metadata, which is not translated.
     if (channels == 1) {
         description.metadata.channelNames = metadata.channelNames.mid(qsizetype(first), 1);
     }

@@ -12,10 +12,10 @@ struct SkPictureStatistics {
     double maximum = 0.0; ///< largest finite value
     quint64 finite = 0;
     quint64 notFinite = 0;
-    /// Evenly over [minimum, maximum]; of large pictures a regular selection of rows.
+    /// Bins of equal width over [minimum, maximum]; of large pictures only every n-th row is counted.
     std::array<quint32, kBins> histogram{};
 
-    /// The value below which this share (0 to 1) of the pixels lies, to one bin.
+    /// The value below which this share (0 to 1) of the pixels lies, accurate to one bin.
     double quantile(double share) const;
 };
 

@@ -18,18 +18,18 @@ struct Texts {
 } // namespace
 
 QString PictureText::translated(const QString& sName) {
-    // What the time-of-flight plug-in and the simulated cameras call their channels, and the colour maps.
-    static const char* const s_known[] = {QT_TRANSLATE_NOOP("PictureText", "Phase shift"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Confidence"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Depth"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Grey"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Inverted grey"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Rainbow"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Hot"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Violet to yellow"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Spectrum"),
-                                          QT_TRANSLATE_NOOP("PictureText", "Blue to red")};
-    for (const char* name : s_known) {
+    // Channels of the time-of-flight plug-in and the simulated cameras, and colour maps.
+    static const char* const kKnown[] = {QT_TRANSLATE_NOOP("PictureText", "Phase shift"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Confidence"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Depth"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Grey"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Inverted grey"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Rainbow"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Hot"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Violet to yellow"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Spectrum"),
+                                         QT_TRANSLATE_NOOP("PictureText", "Blue to red")};
+    for (const char* name : kKnown) {
         if (sName == QLatin1String(name)) {
             return Texts::tr(name);
         }
@@ -106,7 +106,7 @@ QString PictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metada
         const double value = PictureColours::sampleValue(picBuf, quint32(iX), quint32(iY), channel);
         QString entry = channelName(picBuf, metadata, channel) + QLatin1Char(' ') + number(picBuf, value);
         const QString unit = channelUnit(picBuf, metadata, channel);
-        // A unit that all share is said once, behind the last one.
+        // A unit that all channels share is given once, after the last value.
         if (!unit.isEmpty() && (!same || channel + 1 == shown)) {
             entry += QLatin1Char(' ') + unit;
         }

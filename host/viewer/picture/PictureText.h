@@ -5,20 +5,20 @@
 
 #include <QLocale>
 
-/// What the viewer writes about pictures. Stateless; any thread.
+/// Texts about pictures in the user's language. Stateless; any thread.
 namespace PictureText {
 
-/// Name of a channel: what the picture says (well-known names in the user's language), else what its
-/// sensor arrangement tells, else a number.
+/// Name of a channel: from the metadata (well-known names translated), else from the sensor arrangement, else
+/// a number.
 QString channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
 
 /// Unit of a channel's values: "rad", "m", counts for whole numbers of a sensor, or empty.
 QString channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
 
-/// How numbers are written: as the user's language wants it, without marks between thousands.
+/// The user's number format, without group separators.
 QLocale locale();
 
-/// A value with as many digits as are worth reading.
+/// A value: floats with five significant digits, integers in full.
 QString number(const SkPicBufInfo& info, double fValue);
 
 /// Position and all channels of a pixel; empty outside the picture.
@@ -27,8 +27,8 @@ QString pixel(const SkPicBuf& picBuf, const CkImageMetadata& metadata, int iX, i
 /// Size, channels, bits and kind of samples.
 QString format(const SkPicBufInfo& info);
 
-/// A name that the program and its plug-ins give themselves ("Depth", "Grey" ...) in the user's language;
-/// any other as it is.
+/// Translates the name of a channel or colour map that the program or its plug-ins define ("Depth", "Grey"
+/// ...); returns any other name unchanged.
 QString translated(const QString& sName);
 
 } // namespace PictureText

@@ -15,7 +15,7 @@ bool isDifferenceCode(quint32 code) {
            code == ToFFormatCode::kAminusBBits12Alternate;
 }
 
-// A block that passes samples on keeps their kind and number; its picture is as good as the source's.
+// A block that only passes samples on keeps their type and number: its picture counts as the source's.
 bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
     const CkChainable* const source = Saturation::soleSource(pBlock);
     SkPicBufInfo original;

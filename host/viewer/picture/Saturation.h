@@ -5,26 +5,26 @@
 
 class CkChainable;
 
-/// Whether pictures tell which of their pixels were saturated. Stateless; any thread.
+/// Whether a picture shows which of its pixels were saturated. Stateless; any thread.
 namespace Saturation {
 
 enum class EkEvidence : int {
-    Samples,    ///< those at the end of their range are
+    Samples,    ///< it does: samples at the end of their range are saturated
     Difference, ///< A minus B: two saturated taps cancel out
-    Floats,     ///< there is no end of the range
-    Computed,   ///< from other pictures, which tell it
+    Floats,     ///< floats have no end of their range
+    Computed,   ///< it was computed from other pictures, which show it
 };
 
-/// Of a picture that leaves a block; null for a picture of no block.
+/// Of a picture that pBlock delivered; null: no block did.
 EkEvidence evidence(const SkPicBufInfo& info, const CkImageMetadata& metadata, const CkChainable* pBlock);
 
-/// For people: why the picture does not tell. Empty when it does.
+/// Why the picture does not show it, for the user. Empty when it does.
 QString reason(EkEvidence evidence);
 
-/// The only source that a block's frames come from; null for several and outside a chain.
+/// The only source of a block's frames; null when there are several, and outside a chain.
 CkChainable* soleSource(const CkChainable* pBlock);
 
-/// The smallest sample that is saturated, of an unsigned integer picture.
+/// The smallest saturated sample of an unsigned integer picture.
 quint64 fullScale(const SkPicBufInfo& info);
 
 } // namespace Saturation

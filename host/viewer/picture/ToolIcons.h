@@ -4,8 +4,8 @@
 
 class QPalette;
 
-/// Signs of the image view's tool bar, drawn in the colours of the palette: words would not fit beside a
-/// small picture in every language. User-interface thread.
+/// Icons of the picture tool bar, drawn in the colours of the palette. Icons, because texts do not fit a
+/// small view in every language. User-interface thread.
 namespace ToolIcons {
 
 /// A picture that fills its frame.

@@ -2798,7 +2798,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
 </context>
 <context>
-    <name>CkViewNotices</name>
+    <name>CkViewNoticeController</name>
     <message>
         <source>&quot;%1&quot; is unplugged. The view goes on when it is plugged in again.</source>
         <translation>„%1“ ist abgezogen. Die Ansicht läuft weiter, sobald die Kamera wieder angesteckt ist.</translation>

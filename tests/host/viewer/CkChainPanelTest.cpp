@@ -1,6 +1,6 @@
 #include "tests/host/viewer/ViewerFixture.h"
 
-#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNoticeController.h"
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/chain/CkChainTree.h"

@@ -1,6 +1,6 @@
 #include "tests/host/viewer/ViewerFixture.h"
 
-#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNoticeController.h"
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraMenu.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"

@@ -119,12 +119,12 @@ TEST(SaturationMonitor, SaysWhenTheSourceDoesNotTell) {
     watch.takeFrame(numbered(signedFrame(), 1, metadata).release());
     ask(watch, 1, kSize, kAll, EkAnswer::Difference);
     watch.takeFrame(numbered(signedFrame(), 2).release());
-    ask(watch, 2, kSize, kAll, EkAnswer::Untold);
+    ask(watch, 2, kSize, kAll, EkAnswer::Undetermined);
     watch.takeFrame(numbered(makeFrame<float>(EkImageDataType::Float32, 4, 3, 1, 32,
                                               [](quint32, quint32, quint32) { return 1.0F; }),
                              3)
                         .release());
-    ask(watch, 3, kSize, kAll, EkAnswer::Untold);
+    ask(watch, 3, kSize, kAll, EkAnswer::Undetermined);
 }
 
 TEST(SaturationMonitor, StaysWithTheSourceWhenABlockIsPutBehindIt) {

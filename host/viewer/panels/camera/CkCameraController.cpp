@@ -13,8 +13,8 @@
 CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
     : QObject(pParent), m_pArea(pArea), m_pPanels(pPanels) {
     CkCameraManager* manager = CkCameraManager::instance();
-    connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraController::equip);
-    connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraController::clearAway);
+    connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraController::addPanel);
+    connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraController::removeViewsAndPanel);
     connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraController::cameraGone);
     connect(manager, &CkCameraManager::cameraLost, this, [this](const QString& sName) {
         report(tr("Camera \"%1\" was lost. Its views wait for it.").arg(sName));
@@ -26,7 +26,7 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
     });
     connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
-    // A chain that nobody looks at any more has no reason to run.
+    // A chain without any view has no reason to run.
     connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
             return;
@@ -57,7 +57,7 @@ void* CkCameraController::openCamera(const QString& sId, bool bWithView, QString
     return handle;
 }
 
-void CkCameraController::equip(void* pHandle) {
+void CkCameraController::addPanel(void* pHandle) {
     if (m_panels.value(pHandle)) {
         return;
     }
@@ -139,7 +139,7 @@ bool CkCameraController::stop(void* pHandle) {
         return false;
     }
     manager->stopAcquisition(handle);
-    manager->setPaused(handle, false); // what is started again runs
+    manager->setPaused(handle, false); // so that the next start delivers frames
     for (CkChain* chain : chainsOf(handle)) {
         chain->stop();
     }
@@ -167,8 +167,8 @@ void CkCameraController::closeAllCameras() {
     }
 }
 
-void CkCameraController::clearAway(void* pHandle) {
-    // The views go first, while the plug-ins can still ask for the camera behind them.
+void CkCameraController::removeViewsAndPanel(void* pHandle) {
+    // Views first: while they close, plug-ins may still ask for their camera.
     const QList<CkChain*> chains = chainsOf(pHandle);
     for (const int id : viewsOf(pHandle)) {
         m_pArea->closeView(id, false);
@@ -179,8 +179,8 @@ void CkCameraController::clearAway(void* pHandle) {
     if (CkCameraPanel* panel = m_panels.take(pHandle)) {
         m_pPanels->removeTab(m_pPanels->indexOf(panel));
         panel->hide();
-        // The click that led here may have come from inside the panel, but its editors must not outlive the
-        // camera.
+        // Not deleted at once: the click that led here may come from the panel itself. Its editors must not
+        // outlive the camera.
         panel->detach();
         panel->deleteLater();
     }
@@ -202,8 +202,8 @@ void* CkCameraController::currentCamera() const {
                                                                               : nullptr;
 }
 
-// Panel and active view belong to the same camera, so that nobody stops one while looking at the other's
-// panel.
+// The panel in front and the active view belong to the same camera: its Stop button stops the picture that
+// the user is looking at.
 void CkCameraController::bringPanelForward() {
     if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
         m_pPanels->setCurrentWidget(shown);

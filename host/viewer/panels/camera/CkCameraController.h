@@ -20,21 +20,21 @@ public:
     CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent = nullptr);
     ~CkCameraController() override;
 
-    /// Opens a camera with a panel and, with bWithView, a picture view on a chain of its own. The handle of
-    /// one that is open already. Null, with psError set, on failure.
+    /// Opens a camera with a panel and, with bWithView, a picture view on a chain of its own. Returns its
+    /// handle, also when it is open already; null, with psError set, on failure.
     void* openCamera(const QString& sId, bool bWithView, QString* psError = nullptr);
 
-    /// Opens another picture view with a new chain on a camera. Its identifier, or -1.
+    /// Opens another picture view with a new chain on a camera. Returns its identifier, or -1.
     int openView(void* pHandle);
 
-    /// Starts a camera and every chain it feeds. A camera that nobody looks at gets a view, and one of the
-    /// camera's views is active afterwards. Null: the current camera.
+    /// Starts a camera and every chain it feeds. A camera without a view gets one, and one of the camera's
+    /// views is active afterwards. Null: the current camera.
     bool start(void* pHandle, QString* psError = nullptr);
     bool stop(void* pHandle);
 
     /// Closes a camera with its views, chains and panel.
     void closeCamera(void* pHandle);
-    /// As if the camera had been pulled off: views, chains and panel stay and wait for it.
+    /// As if the cable had been pulled: views, chains and panel stay until the camera is plugged in again.
     void unplugCamera(void* pHandle);
     void plugCameraIn(const QString& sId);
     void closeAllCameras();
@@ -44,19 +44,19 @@ public:
     /// Null for a camera without a panel.
     CkCameraPanel* panel(void* pHandle) const;
     QList<CkChain*> chainsOf(void* pHandle) const;
-    /// Identifiers of the views behind which the camera stands, in order of opening.
+    /// Identifiers of the views that show the camera, in order of opening.
     QList<int> viewsOf(void* pHandle) const;
 
 signals:
-    /// The panel of a new camera is there (plug-ins may fill it now).
+    /// A new camera has its panel; plug-ins may add to it now.
     void cameraReady(void* pHandle);
     void cameraGone();
-    /// currentCamera may answer something else.
+    /// currentCamera may return another camera.
     void currentCameraChanged();
 
 private:
-    void equip(void* pHandle);
-    void clearAway(void* pHandle);
+    void addPanel(void* pHandle);
+    void removeViewsAndPanel(void* pHandle);
     void* cameraOfActiveView() const;
     void bringPanelForward();
     void bringViewForward();

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The entry that is being triggered may be among them.
+// Not deleted at once: the action being triggered may be among them.
 void clearLater(QMenu* menu) {
     for (QAction* action : menu->actions()) {
         menu->removeAction(action);
@@ -63,15 +63,7 @@ CkCameraMenu::CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* 
     m_pPlugInMenu = pMenu->addMenu(tr("Plu&g In"));
     m_pPlugInMenu->setObjectName(QStringLiteral("menuPlugInCamera"));
     pMenu->addSeparator();
-    QAction* reopen = pMenu->addAction(tr("&Reopen at Start"));
-    reopen->setObjectName(QStringLiteral("actReopenCameras"));
-    reopen->setCheckable(true);
-    reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
-    reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
-    reopen->setToolTip(
-        tr("Open the cameras, recordings and views of this session again when the viewer is started"));
-    connect(reopen, &QAction::toggled, this,
-            [](bool bOn) { CkViewerSettings::open()->setValue(CkViewerSettings::keyReopenCameras(), bOn); });
+    addReopenAction(pMenu);
 
     CkCameraManager* manager = CkCameraManager::instance();
     connect(manager, &CkCameraManager::availableCamerasChanged, this, &CkCameraMenu::refresh);
@@ -83,6 +75,18 @@ CkCameraMenu::CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* 
     connect(m_pCameras, &CkCameraController::currentCameraChanged, this, &CkCameraMenu::refresh);
     connect(pMenu, &QMenu::aboutToShow, this, &CkCameraMenu::refresh);
     refresh();
+}
+
+void CkCameraMenu::addReopenAction(QMenu* pMenu) {
+    QAction* reopen = pMenu->addAction(tr("&Reopen at Start"));
+    reopen->setObjectName(QStringLiteral("actReopenCameras"));
+    reopen->setCheckable(true);
+    reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
+    reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
+    reopen->setToolTip(
+        tr("Open the cameras, recordings and views of this session again when the viewer is started"));
+    connect(reopen, &QAction::toggled, this,
+            [](bool bOn) { CkViewerSettings::open()->setValue(CkViewerSettings::keyReopenCameras(), bOn); });
 }
 
 void CkCameraMenu::refresh() {
@@ -165,14 +169,15 @@ void CkCameraMenu::fillHandleMenus() {
     for (const SkCameraInfo& info : manager->camerasHeldApart()) {
         m_pPlugInMenu->addAction(info.name, this, [this, id = info.id] { m_pCameras->plugCameraIn(id); });
     }
-    const auto judge = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
+    const auto enableIfFilled = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
         menu->setEnabled(!menu->isEmpty());
         menu->menuAction()->setToolTip(menu->isEmpty() ? sWhy : sHint);
     };
-    judge(m_pCloseMenu, tr("Close a camera with its views"), tr("No camera is open"));
-    judge(m_pUnplugMenu, tr("As if its cable had been pulled: its views keep their pictures and wait"),
-          tr("No camera is open"));
-    judge(m_pPlugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
+    enableIfFilled(m_pCloseMenu, tr("Close a camera with its views"), tr("No camera is open"));
+    enableIfFilled(m_pUnplugMenu,
+                   tr("As if its cable had been pulled: its views keep their pictures and wait"),
+                   tr("No camera is open"));
+    enableIfFilled(m_pPlugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
 }
 
 void CkCameraMenu::toggleAcquisition() {

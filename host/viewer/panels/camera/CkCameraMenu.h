@@ -6,7 +6,7 @@ class CkCameraController;
 class QAction;
 class QMenu;
 
-/// Fills the Camera menu: the cameras that can be opened, start, pause and step of the current one, closing
+/// The actions of the Camera menu: opening cameras, starting, pausing and stepping the current one, closing,
 /// unplugging and plugging in. User-interface thread.
 class CkCameraMenu : public QObject {
     Q_OBJECT
@@ -20,10 +20,11 @@ public:
     QMenu* plugInMenu() const { return m_pPlugInMenu; }
 
 public slots:
-    /// Cameras came or went, or another one is the current one.
+    /// Updates all actions, after cameras came or went or another one became the current one.
     void refresh();
 
 private:
+    void addReopenAction(QMenu* pMenu);
     void fillOpenMenu();
     void fillHandleMenus();
     void toggleAcquisition();

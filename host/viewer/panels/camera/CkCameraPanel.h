@@ -9,8 +9,8 @@ class QPushButton;
 class QScrollArea;
 class QVBoxLayout;
 
-/// Panel of one open camera: start, stop, pause, step; what plug-ins add; every parameter. Goes before the
-/// camera does; stays while it is unplugged. User-interface thread.
+/// Panel of one open camera: start, stop, pause, step; the tools of plug-ins; every parameter. Deleted before
+/// the camera is closed; stays while it is unplugged. User-interface thread.
 class CkCameraPanel : public QWidget {
     Q_OBJECT
 
@@ -19,13 +19,13 @@ public:
 
     void* cameraHandle() const { return m_pCameraHandle; }
 
-    /// Lets go of the camera and its parameters, before a panel is deleted later.
+    /// Drops the camera and its parameters, for a panel that is to be deleted later.
     void detach();
 
-    /// Puts a layout below the start and stop buttons and takes it over.
+    /// Adds a layout below the start and stop buttons and takes ownership of it.
     void addToolLayout(QLayout* pLayout);
 
-    /// Whether the camera is being held by the pause button.
+    /// Whether the camera is paused.
     bool isPaused() const;
 
 signals:

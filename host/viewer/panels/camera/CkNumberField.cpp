@@ -16,7 +16,7 @@ CkNumberField::CkNumberField(QWidget* pParent) : QDoubleSpinBox(pParent) {
 
 void CkNumberField::stepBy(int iSteps) {
     QDoubleSpinBox::stepBy(iSteps);
-    // A step ends the typing too. What was typed is only worth a word when the step did not begin there.
+    // A step also ends typing. The text is only reported when the step could not start from its value.
     const auto last = std::exchange(m_typed, std::nullopt);
     if (last && (!last->value || *last->value < minimum() || *last->value > maximum())) {
         emit typed(*last);
@@ -35,8 +35,8 @@ QString CkNumberField::withoutUnit(const QString& sText) const {
 std::optional<double> CkNumberField::number(const QString& sText) const {
     QString text = withoutUnit(sText);
     const QString decimalSign = locale().decimalPoint();
-    static const QRegularExpression s_thousands(QStringLiteral("^[+-]?\\d{1,3}[.,]\\d{3}$"));
-    if (!text.contains(decimalSign) && s_thousands.match(text).hasMatch()) {
+    static const QRegularExpression kThousands(QStringLiteral("^[+-]?\\d{1,3}[.,]\\d{3}$"));
+    if (!text.contains(decimalSign) && kThousands.match(text).hasMatch()) {
         return std::nullopt;
     }
     text.replace(QLatin1Char(','), QLatin1Char('.'));
@@ -46,11 +46,11 @@ std::optional<double> CkNumberField::number(const QString& sText) const {
 }
 
 QValidator::State CkNumberField::validate(QString& sText, int&) const {
-    static const QRegularExpression s_beginning(QStringLiteral("^[+-]?\\d*([.,]\\d*)?([eE][+-]?\\d*)?$"));
+    static const QRegularExpression kBeginning(QStringLiteral("^[+-]?\\d*([.,]\\d*)?([eE][+-]?\\d*)?$"));
     if (number(sText)) {
         return QValidator::Acceptable;
     }
-    return s_beginning.match(withoutUnit(sText)).hasMatch() ? QValidator::Intermediate : QValidator::Invalid;
+    return kBeginning.match(withoutUnit(sText)).hasMatch() ? QValidator::Intermediate : QValidator::Invalid;
 }
 
 void CkNumberField::fixup(QString& sText) const {

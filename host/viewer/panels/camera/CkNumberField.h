@@ -5,15 +5,15 @@
 
 #include <optional>
 
-/// A spin box into which every number can be typed, also beyond its range, so that who types one is told what
-/// became of it. Decimal points and decimal commas are both read. User-interface thread.
+/// A spin box that accepts any number while the user types, also one outside its range, so that the user can
+/// be told what was made of it. Reads decimal points and decimal commas. User-interface thread.
 class CkNumberField : public QDoubleSpinBox {
     Q_OBJECT
 
 public:
     struct SkTyped {
         QString text;                ///< without the unit
-        std::optional<double> value; ///< none: not a number, the old value stays
+        std::optional<double> value; ///< none: not a number, the old value is kept
     };
 
     explicit CkNumberField(QWidget* pParent = nullptr);
@@ -27,15 +27,15 @@ public:
     void stepBy(int iSteps) override;
 
 signals:
-    /// After Enter, or when the field was left: the value that what was typed led to is set.
+    /// After Enter, or when the field lost the focus; the resulting value has been set.
     void typed(const CkNumberField::SkTyped& typed);
 
 private:
     QString withoutUnit(const QString& sText) const;
-    /// None for what is no number, or could be one of two: "1,500" where the decimal sign is a point.
+    /// None for text that is no number or an ambiguous one: "1,500" where the decimal sign is a point.
     std::optional<double> number(const QString& sText) const;
 
-    // Set where the base class asks what the text means, which it does in constant functions.
+    // Set in the const overrides in which the base class asks for the meaning of the text.
     mutable std::optional<SkTyped> m_typed;
     bool m_bTrailingZeros = true;
 };

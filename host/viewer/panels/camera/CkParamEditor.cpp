@@ -20,7 +20,7 @@ constexpr int kDragDelayMs = 60;
 constexpr int kFineDecimals = 9;
 constexpr double kSameValue = 1e-9; ///< relative
 
-// As many decimals as the step needs. Without steps any value goes, and none may be lost on the way.
+// As many decimals as the step needs. Without a step any value is possible, and none may be rounded.
 int decimalsOf(const CkCameraParam::SkDescription& description) {
     if (description.kind == CkCameraParam::EkKind::Integer) {
         return 0;
@@ -34,7 +34,7 @@ int decimalsOf(const CkCameraParam::SkDescription& description) {
     return std::clamp(int(std::ceil(-std::log10(description.step) - 1e-9)), 1, 6);
 }
 
-// Drivers write micro as "u", people do not.
+// Drivers write "u" for micro; the user is to read the sign.
 QString unitText(const CkCameraParam::SkDescription& description) {
     if (description.unit.isEmpty()) {
         return {};
@@ -82,7 +82,7 @@ CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(
     m_delay.setInterval(kDragDelayMs);
     connect(&m_delay, &QTimer::timeout, this, [this] {
         applyNumber(m_fDelayed);
-        m_bRefused = false; // was not typed
+        m_bRefused = false; // nothing was typed
     });
 }
 
@@ -116,7 +116,7 @@ void CkParamEditor::createNumber() {
         m_delay.stop();
         applyNumber(fValue);
     });
-    connect(m_pNumber, &CkNumberField::typed, this, &CkParamEditor::judge);
+    connect(m_pNumber, &CkNumberField::typed, this, &CkParamEditor::remarkOn);
 }
 
 void CkParamEditor::createFlag() {
@@ -173,7 +173,7 @@ void CkParamEditor::showValue(const CkValue& vValue) {
 void CkParamEditor::showListValue(qint64 iValue) {
     int index = m_pList->findData(iValue);
     if (index < 0) {
-        // A value the list does not know (set by a program, accepted by the camera) is shown as what it is.
+        // A value that is not in the list (set by a program, accepted by the camera) is shown as a number.
         m_pList->addItem(tr("Other (%1)").arg(iValue), iValue);
         index = m_pList->count() - 1;
     }
@@ -195,7 +195,7 @@ void CkParamEditor::apply(const CkValue& vValue) {
     showValue(m_pParam->committedValue());
 }
 
-void CkParamEditor::judge(const CkNumberField::SkTyped& typed) {
+void CkParamEditor::remarkOn(const CkNumberField::SkTyped& typed) {
     const CkValue now = m_pParam->committedValue();
     if (std::exchange(m_bRefused, false)) {
         return;

@@ -12,10 +12,10 @@ class QComboBox;
 class QHBoxLayout;
 class QLabel;
 
-/// Edits one camera parameter: a tuning bar and a number for integers and floats, a box to tick for flags, a
-/// list for enumerations. A change reaches the camera at once; what the camera refuses goes back to the old
-/// value. Where a value that was typed is not the one that was set, a line below says what was made of it.
-/// Follows changes made elsewhere. Lives no longer than the parameter. User-interface thread.
+/// Edits one camera parameter: a tuning bar and a number for integers and floats, a check box for flags, a
+/// list for enumerations. A change is sent to the camera at once; when the camera refuses it, the old value
+/// is restored. A line below tells the user when a typed value was not set as it is. Follows changes made
+/// elsewhere. Must not outlive the parameter. User-interface thread.
 class CkParamEditor : public QWidget {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ public:
     explicit CkParamEditor(CkCameraParam* pParam, QWidget* pParent = nullptr);
 
     CkCameraParam* param() const { return m_pParam; }
-    /// What became of the value that was typed last; empty when it was set as it is.
+    /// What was made of the value that was typed last; empty when it was set as it is.
     QString remark() const;
 
 signals:
@@ -38,7 +38,7 @@ private:
     void showListValue(qint64 iValue);
     void apply(const CkValue& vValue);
     void applyNumber(double fValue);
-    void judge(const CkNumberField::SkTyped& typed);
+    void remarkOn(const CkNumberField::SkTyped& typed);
     void setRemark(const QString& sRemark);
     QString numberText(const CkValue& vValue) const;
 
@@ -49,7 +49,7 @@ private:
     CkNumberField* m_pNumber = nullptr;
     QCheckBox* m_pFlag = nullptr;
     QComboBox* m_pList = nullptr;
-    QTimer m_delay; ///< gathers the steps of a drag so that the camera is not set for each of them
+    QTimer m_delay; ///< combines the steps of a drag: the camera is not set for each of them
     double m_fDelayed = 0.0;
-    bool m_bRefused = false; ///< the camera, what is being typed
+    bool m_bRefused = false; ///< the camera refused the value being typed
 };

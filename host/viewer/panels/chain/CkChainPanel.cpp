@@ -136,7 +136,7 @@ void CkChainPanel::refresh() {
     updateButtons();
 }
 
-// Called again and again: the titles of blocks change with their settings.
+// Part of every refresh: the titles of blocks change with their settings.
 void CkChainPanel::showTitle() {
     const CkChain* const chain = m_pTree->chain();
     const QString title = chain != nullptr ? chain->chainTitle(m_view ? m_view->dataProvider() : nullptr)

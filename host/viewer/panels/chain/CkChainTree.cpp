@@ -14,10 +14,10 @@ namespace {
 constexpr int kBlockRole = Qt::UserRole;
 constexpr int kErrorRole = Qt::UserRole + 1;
 constexpr int kStateRole = Qt::UserRole + 2;
-// Blocks behind that stand below each other: there is no room for more steps, and every step costs at each
-// change.
+// Deeper blocks share the last level: there is no room for more indentation, and each level costs time at
+// every change.
 constexpr int kMostLevels = 16;
-// That the widths of the columns are taken from.
+// Rows from which the column widths are computed.
 constexpr int kMeasuredRows = 100;
 
 int levelOf(const QTreeWidgetItem* item) {
@@ -28,7 +28,7 @@ int levelOf(const QTreeWidgetItem* item) {
     return level;
 }
 
-QIcon signIcon(const QColor& color, bool filled) {
+QIcon stateIcon(const QColor& color, bool filled) {
     QPixmap pixmap(24, 24);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -71,7 +71,7 @@ void CkChainTree::setChain(CkChain* pChain, CkChainable* pShown) {
         }
         m_chain = pChain;
         if (pChain != nullptr) {
-            // Queued: the structure may be reported by another thread, and in the middle of a change.
+            // Queued: the signal may come from another thread, and in the middle of a change.
             connect(pChain, &CkChain::structureChanged, this, &CkChainTree::rebuild, Qt::QueuedConnection);
             connect(pChain, &CkChain::runningChanged, this, &CkChainTree::refreshCounters,
                     Qt::QueuedConnection);
@@ -131,7 +131,7 @@ void CkChainTree::rebuild() {
     m_items.clear();
     clear();
     if (m_chain) {
-        // Put together outside: the tree would lay all its rows out for every new one.
+        // Built outside the tree, which would lay out all its rows for each new one.
         QTreeWidgetItem root;
         for (CkChainable* source : m_chain->imageSources()) {
             addBranch(source, &root);
@@ -168,7 +168,7 @@ void CkChainTree::addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent) {
 }
 
 void CkChainTree::refreshSoon() {
-    // A thousand blocks that fail at the same time are one change.
+    // One refresh is enough for a thousand blocks that fail at the same time.
     if (!m_bRefreshPending) {
         m_bRefreshPending = true;
         QMetaObject::invokeMethod(this, &CkChainTree::refreshCounters, Qt::QueuedConnection);
@@ -196,7 +196,7 @@ void CkChainTree::showState(QTreeWidgetItem* pItem, const CkChainable* pBlock) {
                                            : QColor(0xd0, 0xa0, 0x20);
     if (pItem->data(0, kStateRole).toString() != state) {
         pItem->setData(0, kStateRole, state);
-        pItem->setIcon(BlockColumn, signIcon(sign, !blocked));
+        pItem->setIcon(BlockColumn, stateIcon(sign, !blocked));
     }
     setCell(pItem, BlockColumn, blocked ? tr("%1 (off)").arg(pBlock->title()) : pBlock->title());
     QFont bold = font();
@@ -212,8 +212,8 @@ void CkChainTree::showError(QTreeWidgetItem* pItem, const QString& sError) {
     if (sError.isEmpty()) {
         if (line != nullptr) {
             delete line;
-            // Not left to the tree: when a part of the window is painted before it comes to it, it lays its
-            // rows out while it paints, and the request to paint all of them is lost.
+            // Not left to the tree: when a part of the window is painted first, the tree lays out its rows
+            // while painting, and the request to repaint all of them is lost.
             executeDelayedItemsLayout();
         }
         return;
@@ -242,7 +242,7 @@ void CkChainTree::refreshCounters() {
         }
     }
     {
-        // Told of each cell, the tree would measure its rows again for every one.
+        // Notified of each cell, the tree would measure its rows again every time.
         const QSignalBlocker quiet(model());
         for (const auto& [item, block] : std::as_const(rows)) {
             showState(item, block);

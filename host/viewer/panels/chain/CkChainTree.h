@@ -7,8 +7,8 @@
 class CkChain;
 class CkChainable;
 
-/// A chain as a tree from its sources down, with a sign for the state, counters, and error texts below the
-/// blocks they belong to. User-interface thread; the blocks may change from any.
+/// A chain as a tree from its sources down, with state icons, counters, and error texts below the blocks they
+/// belong to. User-interface thread; the blocks may change on any thread.
 class CkChainTree : public QTreeWidget {
     Q_OBJECT
 
@@ -27,12 +27,12 @@ public:
 
     /// The row of a block, null when it is not shown.
     QTreeWidgetItem* itemOf(const CkChainable* pBlock) const;
-    /// "runs", "stopped", "off" or "error", as the block's sign and tool tip say it.
+    /// "runs", "stopped", "off" or "error", as in the block's icon and tool tip.
     QString shownState(const CkChainable* pBlock) const;
     /// The error text shown below a block; empty for none.
     QString shownError(const CkChainable* pBlock) const;
 
-    /// Counters and times, without touching the structure.
+    /// Updates states, errors, counters and times, but not the structure.
     void refreshCounters();
 
 private:

@@ -5,7 +5,7 @@
 #include <QAbstractTableModel>
 #include <QSortFilterProxyModel>
 
-/// The log as a table: time, level, source, text. User-interface thread.
+/// The log as a table: time, level, text. User-interface thread.
 class CkLogModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -26,15 +26,15 @@ public:
     /// 0 debug, 1 information, 2 warning, 3 error.
     static int severity(QtMsgType type);
     static QString levelText(int iSeverity);
-    /// Whether an entry has the highest level only to pass every filter: a part of the program tells what it
-    /// runs on. It is no error and does not look like one.
+    /// Whether an entry is logged at the highest level only to pass every filter, as the start of the 3D view
+    /// with the graphics it found. It is no error and is not shown as one.
     static bool isAnnouncement(const SkLogEntry& entry);
 
 private:
     QList<SkLogEntry> m_entries;
 };
 
-/// The rows of a log from a severity upwards that contain a text.
+/// The entries of at least a severity that contain a text. User-interface thread.
 class CkLogFilter : public QSortFilterProxyModel {
     Q_OBJECT
 

@@ -21,6 +21,30 @@ CkLogPanel::CkLogPanel(QWidget* pParent) : QWidget(pParent) {
     m_pModel = new CkLogModel(this);
     m_pFilter = new CkLogFilter(this);
     m_pFilter->setSourceModel(m_pModel);
+    createView();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 4);
+    layout->setSpacing(4);
+    layout->addLayout(createFilterBar());
+    layout->addWidget(m_pView, 1);
+    for (const SkLogEntry& entry : CkLogSink::instance()->entries()) {
+        m_pModel->add(entry);
+    }
+    // Queued on this thread too: logging must not wait for the view.
+    connect(
+        CkLogSink::instance(), &CkLogSink::entryAdded, this,
+        [this](const SkLogEntry& entry) {
+            const QScrollBar* scroll = m_pView->verticalScrollBar();
+            const bool atEnd = scroll->value() == scroll->maximum();
+            m_pModel->add(entry);
+            if (atEnd) {
+                m_pView->scrollToBottom();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+void CkLogPanel::createView() {
     m_pView = new QTreeView(this);
     m_pView->setModel(m_pFilter);
     m_pView->setRootIsDecorated(false);
@@ -36,7 +60,9 @@ CkLogPanel::CkLogPanel(QWidget* pParent) : QWidget(pParent) {
     connect(copy, &QAction::triggered, this, &CkLogPanel::copySelected);
     m_pView->addAction(copy);
     m_pView->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
 
+QLayout* CkLogPanel::createFilterBar() {
     m_pLevel = new QComboBox(this);
     m_pLevel->setObjectName(QStringLiteral("logLevel"));
     for (int severity = 0; severity < 4; ++severity) {
@@ -55,30 +81,10 @@ CkLogPanel::CkLogPanel(QWidget* pParent) : QWidget(pParent) {
     bar->addWidget(m_pLevel);
     bar->addWidget(m_pSearch, 1);
     bar->addWidget(clear);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 4, 6, 4);
-    layout->setSpacing(4);
-    layout->addLayout(bar);
-    layout->addWidget(m_pView, 1);
-
     connect(m_pLevel, &QComboBox::currentIndexChanged, m_pFilter, &CkLogFilter::setMinimumSeverity);
     connect(m_pSearch, &QLineEdit::textChanged, m_pFilter, &CkLogFilter::setSearchText);
     connect(clear, &QToolButton::clicked, m_pModel, &CkLogModel::clear);
-    for (const SkLogEntry& entry : CkLogSink::instance()->entries()) {
-        m_pModel->add(entry);
-    }
-    // Queued also from this thread: whoever logs is not held up by the view.
-    connect(
-        CkLogSink::instance(), &CkLogSink::entryAdded, this,
-        [this](const SkLogEntry& entry) {
-            const QScrollBar* scroll = m_pView->verticalScrollBar();
-            const bool atEnd = scroll->value() == scroll->maximum();
-            m_pModel->add(entry);
-            if (atEnd) {
-                m_pView->scrollToBottom();
-            }
-        },
-        Qt::QueuedConnection);
+    return bar;
 }
 
 void CkLogPanel::focusSearch() {

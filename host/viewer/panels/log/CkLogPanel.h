@@ -5,10 +5,11 @@
 class CkLogFilter;
 class CkLogModel;
 class QComboBox;
+class QLayout;
 class QLineEdit;
 class QTreeView;
 
-/// Shows the log with a choice of levels and a search. User-interface thread.
+/// Shows the log, filtered by level and by a search text. User-interface thread.
 class CkLogPanel : public QWidget {
     Q_OBJECT
 
@@ -22,6 +23,8 @@ public slots:
     void focusSearch();
 
 private:
+    void createView();
+    QLayout* createFilterBar();
     void copySelected();
 
     CkLogModel* m_pModel;

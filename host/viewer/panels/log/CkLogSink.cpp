@@ -44,7 +44,7 @@ void CkLogSink::handle(QtMsgType type, const QMessageLogContext& context, const 
     if (sink->m_previous != nullptr) {
         sink->m_previous(type, context, sText);
     }
-    // A slot that logs while an entry is being handed on must not come round again.
+    // A slot that logs while it receives an entry must not recurse.
     static thread_local bool s_bInside = false;
     if (s_bInside) {
         return;

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 
+/// A message of Qt's message logging.
 struct SkLogEntry {
     QDateTime time;
     QtMsgType type = QtInfoMsg;
@@ -13,22 +14,22 @@ struct SkLogEntry {
     QString text;
 };
 
-/// Takes everything that Qt's message logger gets, keeps the newest entries, and still hands it on to where
-/// it went before (the terminal). Any thread.
+/// Receives all messages of Qt's message logging, keeps the newest ones and passes each on to the handler
+/// that was installed before (the terminal). Any thread.
 class CkLogSink : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int kKept = 10'000;
+    static constexpr int kKept = 10'000; ///< entries
 
     static CkLogSink* instance();
 
-    /// Installs the message handler; a second call does nothing.
+    /// Installs the message handler; a second call is a no-op.
     void install();
-    /// Puts the old handler back.
+    /// Restores the previous handler.
     void uninstall();
 
-    /// What was kept so far, oldest first.
+    /// The entries kept, oldest first.
     QList<SkLogEntry> entries() const;
 
 signals:

@@ -19,8 +19,8 @@ void CkHistogramWidget::showStatistics(const SkPictureStatistics& statistics, co
     m_window = window;
     m_bEditable = bEditable;
     m_bEmpty = statistics.finite == 0;
-    // The scale stands still under the hand that drags.
-    if (m_iDragged == 0) {
+    // The scale stays fixed during a drag.
+    if (m_dragged == EkEnd::None) {
         updateRange();
     }
     update();
@@ -29,7 +29,7 @@ void CkHistogramWidget::showStatistics(const SkPictureStatistics& statistics, co
 void CkHistogramWidget::clear() {
     m_bEmpty = true;
     m_bEditable = false;
-    m_iDragged = 0;
+    m_dragged = EkEnd::None;
     update();
 }
 
@@ -62,7 +62,7 @@ void CkHistogramWidget::paintEvent(QPaintEvent*) {
         painter.drawText(rect(), Qt::AlignCenter, tr("no picture"));
         return;
     }
-    // Square roots let rare values be seen beside frequent ones.
+    // Square roots: rare values remain visible beside frequent ones.
     const quint32 most = *std::max_element(m_statistics.histogram.begin(), m_statistics.histogram.end());
     const double heightScale = (height() - 6) / std::sqrt(std::max(1.0, double(most)));
     const double binWidth = (m_statistics.maximum - m_statistics.minimum) / SkPictureStatistics::kBins;
@@ -89,12 +89,12 @@ void CkHistogramWidget::mousePressEvent(QMouseEvent* pEvent) {
         return;
     }
     const double x = pEvent->position().x();
-    m_iDragged = std::abs(x - toX(m_window.low)) < std::abs(x - toX(m_window.high)) ? -1 : 1;
+    m_dragged = std::abs(x - toX(m_window.low)) < std::abs(x - toX(m_window.high)) ? EkEnd::Low : EkEnd::High;
     mouseMoveEvent(pEvent);
 }
 
 void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
-    if (m_iDragged == 0) {
+    if (m_dragged == EkEnd::None) {
         setToolTip(m_bEmpty
                        ? tr("Histogram of the active view")
                        : tr("Histogram of the active view; at the mouse: %1")
@@ -102,7 +102,7 @@ void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
         return;
     }
     const double value = toValue(std::clamp(pEvent->position().x(), 0.0, double(width())));
-    if (m_iDragged < 0) {
+    if (m_dragged == EkEnd::Low) {
         m_window.low = std::min(value, m_window.high);
     } else {
         m_window.high = std::max(value, m_window.low);
@@ -112,7 +112,7 @@ void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
 }
 
 void CkHistogramWidget::mouseReleaseEvent(QMouseEvent*) {
-    m_iDragged = 0;
+    m_dragged = EkEnd::None;
     updateRange();
     update();
 }

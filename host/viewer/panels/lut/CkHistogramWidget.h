@@ -30,6 +30,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent* pEvent) override;
 
 private:
+    enum class EkEnd : int { None, Low, High };
+
     double toX(double fValue) const;
     double toValue(double fX) const;
     void updateRange();
@@ -37,7 +39,7 @@ private:
     SkPictureStatistics m_statistics;
     SkDisplayWindow m_window;
     SkDisplayWindow m_range; ///< values at the left and right border
-    int m_iDragged = 0;      ///< -1 low end, 1 high end, 0 none
+    EkEnd m_dragged = EkEnd::None;
     bool m_bEditable = false;
     bool m_bEmpty = true;
 };

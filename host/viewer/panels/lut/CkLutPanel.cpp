@@ -93,7 +93,7 @@ QDoubleSpinBox* CkLutPanel::createNumber(const QString& sName) {
     number->setRange(-1e12, 1e12);
     number->setKeyboardTracking(false);
     number->setAlignment(Qt::AlignRight);
-    // The huge range must not decide the width.
+    // The wide range must not determine the width.
     number->setMinimumWidth(70);
     number->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     return number;
@@ -208,10 +208,10 @@ void CkLutPanel::setContrastEnabled(bool bEnabled, const QString& sWhy) {
     set(m_pHigh, tr("Value shown with the last colour"));
     set(m_pGamma, tr("Below 1 the dark parts become lighter, above 1 darker"));
     set(m_pFullButton, tr("The whole range of values, without automatic contrast"));
-    const QString untold = bEnabled ? m_imageView->saturationReason() : QString();
-    if (!untold.isEmpty()) {
+    const QString reason = bEnabled ? m_imageView->saturationReason() : QString();
+    if (!reason.isEmpty()) {
         m_pSaturationBox->setEnabled(false);
-        m_pSaturationBox->setToolTip(untold);
+        m_pSaturationBox->setToolTip(reason);
     }
 }
 

@@ -14,8 +14,8 @@ class QDoubleSpinBox;
 class QLabel;
 class QPushButton;
 
-/// Controls of the active view's colour table: map, contrast window, gamma, saturation, histogram. Views that
-/// are no picture views only have a map. User-interface thread.
+/// Controls of the active view's look-up table: colour map, contrast window, gamma, saturation, histogram.
+/// For views that are not picture views only the map can be chosen. User-interface thread.
 class CkLutPanel : public QWidget {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ public:
     explicit CkLutPanel(CkViewArea* pArea, QWidget* pParent = nullptr);
 
 public slots:
-    /// Another view became active, or its table was changed by itself.
+    /// Shows the active view's table, after another view became active or its table was changed elsewhere.
     void refresh();
 
 private:

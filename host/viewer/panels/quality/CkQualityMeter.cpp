@@ -62,8 +62,9 @@ bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, const std:
     values.temporalStd = m_temporal.standardDeviation();
     fillSpread(values);
     if (m_samples.distances) {
-        const double told = double(frame.metadata().lensFocalLength);
-        fillPlane(picture, region, std::isfinite(told) && told > 0.0 ? told : m_lens.focalLengthMm, values);
+        const double reported = double(frame.metadata().lensFocalLength);
+        fillPlane(picture, region,
+                  std::isfinite(reported) && reported > 0.0 ? reported : m_lens.focalLengthMm, values);
     }
     return true;
 }

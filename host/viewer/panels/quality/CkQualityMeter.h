@@ -11,25 +11,25 @@ class CkImageData;
 
 /// The lens that turns distances into points. Plain data.
 struct SkQualityLens {
-    double focalLengthMm = 3.5; ///< above 0; what the frame says wins
+    double focalLengthMm = 3.5; ///< above 0; that of the frame takes precedence
     double cellSizeMm = 0.01;   ///< above 0
     bool operator==(const SkQualityLens&) const = default;
 };
 
 /// Measures a region frame by frame. No widget; one thread at a time.
 ///
-/// The spread over time starts anew whenever region, channel, limit, unit or the picture's size change.
+/// The spread over time restarts whenever region, channel, limit, unit or the picture's size change.
 class CkQualityMeter {
 public:
-    /// Picture coordinates; cut to the picture. An empty region measures nothing.
+    /// In pixels of the picture, clipped to it. An empty region measures nothing.
     void setRegion(const QRect& region);
     const QRect& region() const { return m_region; }
     void setConfidenceLimit(float fLimit);
     void setLens(const SkQualityLens& lens) { m_lens = lens; }
     void restart();
 
-    /// saturated: pixels of the region that are not valid whatever they hold, row by row; empty for none.
-    /// False when the frame has no such channel or nothing of it lies in the region.
+    /// saturated: which pixels of the region are not valid because they were saturated, row by row; empty:
+    /// none. False when the frame has no such channel or does not overlap the region.
     bool add(const CkImageData& frame, quint32 uiChannel, const std::vector<bool>& saturated,
              SkQualityValues& values);
 
@@ -41,7 +41,7 @@ private:
     QRect m_region;
     SkRegionRule m_rule;
     SkQualityLens m_lens;
-    // What the values so far belong to.
+    // Common to all frames since the last restart.
     QSize m_size;
     QString m_sUnit;
     double m_fReferenceMm = SkQualityValues::kNothing;

@@ -42,7 +42,7 @@ void CkQualityPlot::paintEvent(QPaintEvent*) {
     painter.drawText(inside, Qt::AlignBottom | Qt::AlignRight,
                      tr("last %n frame(s)", nullptr, int(m_values.size())));
     const QRectF area = QRectF(inside).adjusted(0, line + 2, 0, -line - 2);
-    // A value that does not change is a line in the middle.
+    // A constant value is drawn as a line in the middle.
     const double span = high > low ? high - low : 1.0;
     const double middle = high > low ? low : low - 0.5;
     const double step = area.width() / double(std::max<size_t>(m_values.size() - 1, 1));

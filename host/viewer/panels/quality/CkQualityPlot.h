@@ -12,7 +12,8 @@ class CkQualityPlot : public QWidget {
 public:
     explicit CkQualityPlot(QWidget* pParent = nullptr);
 
-    /// The newest value last; gaps where a value is not finite. As many as the widget is wide are enough.
+    /// The newest value last; a value that is not finite leaves a gap. No more than the widget is wide are
+    /// needed.
     void showValues(const std::vector<double>& values, const QString& sUnit);
 
     QSize sizeHint() const override { return {260, 90}; }

@@ -23,8 +23,7 @@ void CkRegionOverlay::setRegion(const QRect& region) {
 }
 
 void CkRegionOverlay::setDrawing(bool bDrawing) {
-    m_bDrawing = bDrawing;
-    m_bDragging = false;
+    m_state = bDrawing ? EkState::Drawing : EkState::Idle;
     update();
 }
 
@@ -43,17 +42,17 @@ bool CkRegionOverlay::eventFilter(QObject* pWatched, QEvent* pEvent) {
     const bool press = pEvent->type() == QEvent::MouseButtonPress;
     const bool move = pEvent->type() == QEvent::MouseMove;
     const bool release = pEvent->type() == QEvent::MouseButtonRelease;
-    if (!m_bDrawing || !(press || move || release) || m_pCanvas->pictureSize().isEmpty()) {
+    if (m_state == EkState::Idle || !(press || move || release) || m_pCanvas->pictureSize().isEmpty()) {
         return QWidget::eventFilter(pWatched, pEvent);
     }
     const auto* mouse = static_cast<QMouseEvent*>(pEvent);
     if (press && mouse->button() == Qt::LeftButton) {
-        m_bDragging = true;
+        m_state = EkState::Dragging;
         m_start = pixelAt(mouse->position());
         m_drawn = QRect();
         return true;
     }
-    if (!m_bDragging) {
+    if (m_state != EkState::Dragging) {
         return QWidget::eventFilter(pWatched, pEvent);
     }
     const QPoint end = pixelAt(mouse->position());
@@ -61,8 +60,8 @@ bool CkRegionOverlay::eventFilter(QObject* pWatched, QEvent* pEvent) {
                     QPoint(std::max(m_start.x(), end.x()), std::max(m_start.y(), end.y())));
     update();
     if (release && mouse->button() == Qt::LeftButton) {
-        m_bDragging = false;
-        // A click is no region.
+        m_state = EkState::Drawing;
+        // A click does not make a region.
         if (m_drawn.width() >= 2 && m_drawn.height() >= 2) {
             emit regionDrawn(m_drawn);
         }
@@ -71,16 +70,16 @@ bool CkRegionOverlay::eventFilter(QObject* pWatched, QEvent* pEvent) {
 }
 
 void CkRegionOverlay::paintEvent(QPaintEvent*) {
-    const QRect region = m_bDragging ? m_drawn : m_region;
+    const QRect region = m_state == EkState::Dragging ? m_drawn : m_region;
     if (region.isEmpty()) {
         return;
     }
     const QRectF frame(m_pCanvas->fromPicture(region.topLeft()),
                        m_pCanvas->fromPicture(QPointF(region.right() + 1, region.bottom() + 1)));
     QPainter painter(this);
-    // Two colours, so that it is seen on any picture.
+    // Two colours: visible on any picture.
     painter.setPen(QPen(Qt::black, 3));
     painter.drawRect(frame);
-    painter.setPen(QPen(m_bDrawing ? QColor(0xff, 0xd0, 0x40) : QColor(Qt::white), 1));
+    painter.setPen(QPen(m_state != EkState::Idle ? QColor(0xff, 0xd0, 0x40) : QColor(Qt::white), 1));
     painter.drawRect(frame);
 }

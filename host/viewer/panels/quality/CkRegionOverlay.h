@@ -5,8 +5,8 @@
 
 class CkImageCanvas;
 
-/// The frame of a region on a picture, and the dragging of a new one. Lies over the canvas, lets everything
-/// pass while no region is drawn, and goes with the canvas. User-interface thread.
+/// Draws the frame of a region over a picture, and lets the user drag a new one. Covers the canvas, leaves
+/// the mouse to it unless a region is to be drawn, and is deleted with it. User-interface thread.
 class CkRegionOverlay : public QWidget {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
     /// In pixels of the picture; an empty one is not shown.
     void setRegion(const QRect& region);
 
-    /// While on, dragging with the left button draws a region in place of moving the picture.
+    /// While on, dragging with the left button draws a region instead of moving the picture.
     void setDrawing(bool bDrawing);
 
 signals:
@@ -28,12 +28,17 @@ protected:
     void paintEvent(QPaintEvent* pEvent) override;
 
 private:
+    enum class EkState : int {
+        Idle,     ///< the mouse moves the picture
+        Drawing,  ///< the next drag draws a region
+        Dragging, ///< a region is being dragged
+    };
+
     QPoint pixelAt(const QPointF& position) const;
 
     CkImageCanvas* m_pCanvas;
     QRect m_region;
     QRect m_drawn;
     QPoint m_start;
-    bool m_bDrawing = false;
-    bool m_bDragging = false;
+    EkState m_state = EkState::Idle;
 };

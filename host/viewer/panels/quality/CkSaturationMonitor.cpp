@@ -12,8 +12,8 @@
 
 namespace {
 
-// A computed picture reaches the screen some frames behind its source.
-constexpr size_t kKept = 8;
+// A computed picture reaches the screen some frames after its source's.
+constexpr size_t kKeptSets = 8;
 
 bool isHybrid(const SkPicBufInfo& info) {
     return info.colorFilterArray == EkColorFilterArray::RawX3Hybrid;
@@ -36,7 +36,7 @@ CkSaturationMonitor::EkAnswer answerOf(const SkPicBuf& picture, const CkImageMet
     }
     const bool readable =
         visitSamples(picture.dataType, [](auto type) { return std::is_unsigned_v<decltype(type)>; });
-    return readable ? CkSaturationMonitor::EkAnswer::Known : CkSaturationMonitor::EkAnswer::Untold;
+    return readable ? CkSaturationMonitor::EkAnswer::Known : CkSaturationMonitor::EkAnswer::Undetermined;
 }
 
 template <class T>
@@ -63,7 +63,7 @@ CkSaturationMonitor::~CkSaturationMonitor() {
 
 void CkSaturationMonitor::watch(CkChainable* pSource) {
     CkChain* const chain = pSource != nullptr ? pSource->chain() : nullptr;
-    // A block that is put behind the source takes the source's sinks over.
+    // A block that is inserted after the source takes over the source's sinks.
     if (chain != nullptr && pSource == m_source && chain->sinkBlock(this) == pSource) {
         return;
     }
@@ -116,7 +116,7 @@ void CkSaturationMonitor::add(const CkImageData& frame) {
     }
     const std::lock_guard lock(m_mutex);
     m_sets.push_back(std::move(set));
-    if (m_sets.size() > kKept) {
+    if (m_sets.size() > kKeptSets) {
         m_sets.pop_front();
     }
 }

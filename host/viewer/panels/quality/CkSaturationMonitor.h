@@ -10,26 +10,27 @@
 #include <mutex>
 #include <vector>
 
-/// Looks at the pictures of a source and remembers which pixels were saturated, for the pictures that are
-/// computed of them. Watched on the user-interface thread, fed on the chain's.
+/// Records which pixels of a source's pictures were saturated, for the pictures that are computed from them.
+/// Set up and queried on the user-interface thread, fed on a thread of the chain.
 class CkSaturationMonitor : public IkFrameSink {
 public:
     enum class EkAnswer : int {
         Known,
-        Missed,     ///< the source's picture was not seen
-        Unrelated,  ///< the pixels do not belong to pixels of the source's picture
-        Difference, ///< the source delivers A minus B
-        Untold,     ///< the samples of the source do not tell
+        Missed,       ///< the source's picture was not recorded
+        Unrelated,    ///< the pixels do not belong to pixels of the source's picture
+        Difference,   ///< the source delivers A minus B
+        Undetermined, ///< the source's samples do not show it
     };
 
     CkSaturationMonitor() = default;
     ~CkSaturationMonitor() override;
 
-    /// Null: no source. Nothing happens for the source that is watched already.
+    /// Records the pictures of a source instead of the previous one; null: of none. A no-op for the same
+    /// source.
     void watch(CkChainable* pSource);
 
-    /// Which pixels of a region of a computed picture were saturated in what it was computed of, row by row.
-    /// saturated is only filled when it is known.
+    /// Which pixels in a region of a computed picture were saturated in the pictures it was computed from,
+    /// row by row. size: of the computed picture. saturated is filled for Known only.
     EkAnswer saturated(quint64 uiFrameNumber, const QSize& size, const QRect& region,
                        std::vector<bool>& saturated) const;
 
@@ -37,7 +38,7 @@ public:
     int heldFrames() const override { return 1; }
 
 private:
-    /// Of all pictures of a set.
+    /// What is known of the pictures that make one computed picture.
     struct SkSet {
         quint64 frameNumber = 0;
         EkAnswer answer = EkAnswer::Known;

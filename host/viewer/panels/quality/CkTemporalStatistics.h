@@ -4,13 +4,13 @@
 
 #include <vector>
 
-/// Spread over time, each pixel by itself, one pass (Welford). Values that are not finite are passed over.
-/// One thread at a time.
+/// Spread over time of each pixel, in one pass (Welford). Values that are not finite are skipped. One thread
+/// at a time.
 class CkTemporalStatistics {
 public:
     void clear();
 
-    /// A frame; another number of values than before starts anew.
+    /// Adds a frame; another number of values than before restarts.
     void add(const std::vector<float>& values);
 
     qint64 frames() const { return m_frames; }

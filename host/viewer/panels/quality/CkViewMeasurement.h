@@ -18,7 +18,7 @@ public:
     /// In pixels of the picture. Another region than before clears the history.
     void setRegion(const QRect& region);
     const QRect& region() const { return m_meter.region(); }
-    /// Other settings than before restart the spread over time.
+    /// Another confidence limit than before restarts the spread over time.
     void setSettings(const SkQualityLens& lens, float fConfidenceLimit);
 
     /// Measures a channel of a frame that pProvider delivered. monitor is set to the source that tells of

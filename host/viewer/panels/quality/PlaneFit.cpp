@@ -6,7 +6,7 @@
 
 namespace {
 
-// Points whose spread across their best line is smaller than this share of that along it lie on a line.
+// Points lie on a line when their spread across it is below this share of the spread along it.
 constexpr double kOnALine = 1e-12;
 
 } // namespace
@@ -22,7 +22,7 @@ std::optional<SkFittedPlane> fitPlane(const std::vector<SkSpacePoint>& points) {
         centre.y += point.y / count;
         centre.z += point.z / count;
     }
-    // About the centre the offset drops out, and nothing is lost to large coordinates.
+    // Relative to the centre the offset drops out, and large coordinates cost no precision.
     double xx = 0.0;
     double xy = 0.0;
     double yy = 0.0;

@@ -13,7 +13,7 @@ struct SkRegionSamples {
     std::vector<float> values; ///< not a number: not valid
     QString unit;              ///< "mm" for distances, "rad", or empty
     bool distances = false;    ///< millimetres along the ray
-    double wrapMm = 0.0;       ///< at which distances start again; 0: they do not
+    double wrapMm = 0.0;       ///< after which distances repeat; 0: they do not
 };
 
 /// How samples are read. Plain data.
@@ -22,12 +22,12 @@ struct SkRegionRule {
     float confidenceLimit = 10.0F; ///< of a confidence channel; pixels with a higher value are not valid
 };
 
-/// Reads a region that lies within the picture. A phase shift becomes millimetres when the metadata tell the
-/// modulation frequency, a depth always. Not valid is what is not finite, has no confidence, is a depth of no
-/// confidence, or an integer at the end of its range. False for a picture or channel that cannot be read. Any
-/// thread.
+/// Reads a region that lies within the picture. A depth becomes millimetres, a phase shift when the metadata
+/// holds the modulation frequency. A value is not valid when it is not finite, an integer at the end of its
+/// range, or a phase shift or depth whose confidence exceeds the limit; a depth also when its confidence is
+/// 0. False for a picture or channel that cannot be read. Any thread.
 bool readRegion(const SkPicBuf& picture, const CkImageMetadata& metadata, const QRect& region,
                 const SkRegionRule& rule, SkRegionSamples& samples);
 
-/// Brings distances that start again to the turn that is nearest to a reference.
+/// Moves distances that repeat by whole periods to the one nearest to a reference.
 void unwrapSamples(SkRegionSamples& samples, double referenceMm);

@@ -5,8 +5,8 @@
 
 #include <limits>
 
-/// What is known about a region after a frame. Lengths and spreads in `unit`; not a number where nothing can
-/// be said. Plain data.
+/// What is known about a region after a frame. Mean and spreads in `unit`; not a number for what is not
+/// known. Plain data.
 struct SkQualityValues {
     static constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
 

@@ -1,4 +1,4 @@
-#include "host/viewer/area/CkViewNotices.h"
+#include "host/viewer/area/CkViewNoticeController.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/picture/CkImageView.h"
@@ -11,10 +11,10 @@
 
 namespace {
 
-constexpr int kLookMs = 250;
-constexpr int kIdleLooks = 4;
+constexpr int kCheckMs = 250;
+constexpr int kIdleChecks = 4;
 
-/// The block itself and all that feed it, the nearest first.
+/// The block itself and everything upstream of it, the nearest first.
 QList<const CkChainable*> upstreamOf(const CkChainable* pBlock) {
     QList<const CkChainable*> blocks;
     if (pBlock != nullptr) {
@@ -43,27 +43,27 @@ QString unpluggedCamera(const QList<void*>& handles) {
 
 } // namespace
 
-CkViewNotices::CkViewNotices(CkViewArea* pArea) : QObject(pArea), m_pArea(pArea) {
-    connect(pArea, &CkViewArea::viewAdded, this, &CkViewNotices::watch);
+CkViewNoticeController::CkViewNoticeController(CkViewArea* pArea) : QObject(pArea), m_pArea(pArea) {
+    connect(pArea, &CkViewArea::viewAdded, this, &CkViewNoticeController::watch);
     connect(pArea, &CkViewArea::viewAboutToClose, this, [this](int iViewId) { m_entries.remove(iViewId); });
-    // At once where that is told; errors of blocks come from other threads, and often in swarms.
+    // Errors of blocks come from other threads, often many at once: the timer polls them.
     const CkCameraManager* manager = CkCameraManager::instance();
-    connect(manager, &CkCameraManager::cameraUnplugged, this, &CkViewNotices::refresh);
-    connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkViewNotices::refresh);
-    m_timer.setInterval(kLookMs);
-    connect(&m_timer, &QTimer::timeout, this, &CkViewNotices::refresh);
+    connect(manager, &CkCameraManager::cameraUnplugged, this, &CkViewNoticeController::refresh);
+    connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkViewNoticeController::refresh);
+    m_timer.setInterval(kCheckMs);
+    connect(&m_timer, &QTimer::timeout, this, &CkViewNoticeController::refresh);
     m_timer.start();
 }
 
-QString CkViewNotices::notice(int iViewId) const {
+QString CkViewNoticeController::notice(int iViewId) const {
     return m_entries.value(iViewId).text;
 }
 
-void CkViewNotices::watch(int iViewId) {
+void CkViewNoticeController::watch(int iViewId) {
     m_entries[iViewId].view = m_pArea->view(iViewId);
 }
 
-void CkViewNotices::refresh() {
+void CkViewNoticeController::refresh() {
     for (SkEntry& entry : m_entries) {
         if (entry.view) {
             refreshView(entry);
@@ -71,7 +71,7 @@ void CkViewNotices::refresh() {
     }
 }
 
-CkChainable* CkViewNotices::providerOf(const CkMdiView* pView) const {
+CkChainable* CkViewNoticeController::providerOf(const CkMdiView* pView) const {
     if (CkChainable* own = pView->dataProvider()) {
         return own;
     }
@@ -79,7 +79,8 @@ CkChainable* CkViewNotices::providerOf(const CkMdiView* pView) const {
     return followed != nullptr ? followed->dataProvider() : nullptr;
 }
 
-CkViewNotices::SkNotice CkViewNotices::noticeFor(CkMdiView* pView, const CkChainable* pProvider) {
+CkViewNoticeController::SkNotice CkViewNoticeController::noticeFor(CkMdiView* pView,
+                                                                   const CkChainable* pProvider) {
     const QString camera = unpluggedCamera(pView->cameraHandles());
     if (!camera.isEmpty()) {
         return {tr("\"%1\" is unplugged. The view goes on when it is plugged in again.").arg(camera), true};
@@ -96,7 +97,7 @@ CkViewNotices::SkNotice CkViewNotices::noticeFor(CkMdiView* pView, const CkChain
     return {};
 }
 
-QString CkViewNotices::emptyText(const CkMdiView* pView, const CkChainable* pProvider) {
+QString CkViewNoticeController::emptyText(const CkMdiView* pView, const CkChainable* pProvider) {
     const CkCameraManager* manager = CkCameraManager::instance();
     const QList<void*> cameras = pView->cameraHandles();
     bool running = false;
@@ -112,7 +113,7 @@ QString CkViewNotices::emptyText(const CkMdiView* pView, const CkChainable* pPro
                                : tr("No picture yet. The camera runs; the first picture is on its way.");
 }
 
-CkViewNotices::SkFlow CkViewNotices::flowTo(const CkChainable* pProvider) {
+CkViewNoticeController::SkFlow CkViewNoticeController::flowTo(const CkChainable* pProvider) {
     SkFlow flow;
     for (const CkChainable* block : upstreamOf(pProvider)) {
         if (const CkChain* chain = block->chain()) {
@@ -124,19 +125,19 @@ CkViewNotices::SkFlow CkViewNotices::flowTo(const CkChainable* pProvider) {
     return flow;
 }
 
-void CkViewNotices::refreshView(SkEntry& entry) {
+void CkViewNoticeController::refreshView(SkEntry& entry) {
     const CkChainable* provider = providerOf(entry.view);
     const SkNotice notice = noticeFor(entry.view, provider);
     const SkFlow flow = flowTo(provider);
     if (notice.text.isEmpty() || flow.out != entry.flow.out) {
-        entry.idleLooks = 0;
+        entry.idleChecks = 0;
     } else if (flow.in != entry.flow.in) {
-        ++entry.idleLooks;
+        ++entry.idleChecks;
     }
     entry.flow = flow;
     if (auto* image = qobject_cast<CkImageView*>(entry.view)) {
-        // A message alone does not mean that nothing comes: some blocks warn and go on.
-        image->setStale(notice.isHalted || entry.idleLooks >= kIdleLooks);
+        // An error message alone does not mean that no frames arrive: some blocks warn and keep delivering.
+        image->setStale(notice.isHalted || entry.idleChecks >= kIdleChecks);
         image->setEmptyText(emptyText(image, provider));
     }
     if (notice.text != entry.text) {
@@ -144,7 +145,7 @@ void CkViewNotices::refreshView(SkEntry& entry) {
     }
 }
 
-void CkViewNotices::show(SkEntry& entry, const QString& sText) {
+void CkViewNoticeController::show(SkEntry& entry, const QString& sText) {
     entry.text = sText;
     auto* const layout = qobject_cast<QBoxLayout*>(entry.view->layout());
     if (!entry.banner && layout != nullptr) {
@@ -152,7 +153,7 @@ void CkViewNotices::show(SkEntry& entry, const QString& sText) {
         entry.banner->setObjectName(QStringLiteral("viewNotice"));
         entry.banner->setWordWrap(true);
         entry.banner->setTextFormat(Qt::PlainText);
-        // Whatever it says, it does not decide how wide the view is.
+        // A long text must not widen the view.
         entry.banner->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
         entry.banner->setStyleSheet(
             QStringLiteral("background: #ffe9b0; color: #5a3a00; padding: 4px 8px; font-weight: bold"));

@@ -11,29 +11,29 @@ class CkMdiView;
 class CkViewArea;
 class QLabel;
 
-/// Tells in each view why it shows nothing new: a camera that is unplugged, a block that fails or is switched
-/// off. The text stands above the view's contents, and a picture that is out of date is darkened. A view that
-/// follows another one is told the same. User-interface thread.
-class CkViewNotices : public QObject {
+/// Shows in each view why it receives no new frames: an unplugged camera, a block that fails or is switched
+/// off. The text appears above the view's contents, and an outdated picture is darkened. A view that follows
+/// another one shows the same text. User-interface thread.
+class CkViewNoticeController : public QObject {
     Q_OBJECT
 
 public:
-    explicit CkViewNotices(CkViewArea* pArea);
+    explicit CkViewNoticeController(CkViewArea* pArea);
 
     /// The text above a view's contents; empty for none.
     QString notice(int iViewId) const;
 
-    /// Looks at all views now, rather than a few times a second.
+    /// Checks all views now; it otherwise happens a few times a second.
     void refresh();
 
 private:
     struct SkNotice {
-        QString text;          ///< empty: all is well
-        bool isHalted = false; ///< nothing comes, for certain
+        QString text;          ///< empty: nothing to report
+        bool isHalted = false; ///< certainly no frames arrive
     };
     /// Frames counted at a view's block since its chain was started.
     struct SkFlow {
-        quint64 in = 0; ///< by it and all that feed it
+        quint64 in = 0; ///< at the block and everything upstream of it
         quint64 out = 0;
     };
     struct SkEntry {
@@ -41,7 +41,7 @@ private:
         QPointer<QLabel> banner;
         QString text;
         SkFlow flow;
-        int idleLooks = 0; ///< in a row, that saw frames go in and none come out
+        int idleChecks = 0; ///< consecutive ones that found frames in and none out
     };
 
     void watch(int iViewId);
