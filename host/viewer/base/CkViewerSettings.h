@@ -29,7 +29,7 @@ public:
     static QString keyGeometry() { return QStringLiteral("Viewer/Geometry"); }
     static QString keyState() { return QStringLiteral("Viewer/State"); }
     static QString keyArrange() { return QStringLiteral("Viewer/Arrange"); }
-    /// See CkSessionMemory.
+    /// See SessionWriter.
     static QString keySession() { return QStringLiteral("Viewer/Session"); }
     static QString keyReopenCameras() { return QStringLiteral("Viewer/ReopenCameras"); }
     static QString keyLastDirectory() { return QStringLiteral("Viewer/LastDirectory"); }

@@ -1,6 +1,5 @@
 #include "host/viewer/playback/CkRecordButton.h"
 
-#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/playback/CkRecordingJob.h"
 #include "host/viewer/playback/CkRecordingManager.h"
 #include "zuCore/CkImageSource.h"
@@ -22,9 +21,9 @@ CkRecordingJob* runningOf(const CkRecordingManager& manager, void* handle) {
 
 } // namespace
 
-CkRecordButton::CkRecordButton(CkRecordingManager* pManager, CkCameraController* pCameras,
-                               void* pCameraHandle, QWidget* pParent)
-    : QPushButton(pParent), m_pManager(pManager), m_pCameras(pCameras), m_pHandle(pCameraHandle) {
+CkRecordButton::CkRecordButton(CkRecordingManager* pManager, void* pCameraHandle,
+                               std::function<void()> openView, QWidget* pParent)
+    : QPushButton(pParent), m_pManager(pManager), m_pHandle(pCameraHandle), m_openView(std::move(openView)) {
     setObjectName(QStringLiteral("btnRecord"));
     setIcon(icon());
     connect(this, &QPushButton::clicked, this, &CkRecordButton::press);
@@ -49,7 +48,7 @@ void CkRecordButton::press() {
         return;
     }
     if (m_pManager->sourceOfCamera(m_pHandle) == nullptr) {
-        m_pCameras->openView(m_pHandle);
+        m_openView();
     }
     m_pManager->recordWithDialog(m_pManager->sourceOfCamera(m_pHandle));
 }

@@ -3,7 +3,8 @@
 #include <QIcon>
 #include <QPushButton>
 
-class CkCameraController;
+#include <functional>
+
 class CkRecordingManager;
 
 /// Starts and stops the recording of a camera. User-interface thread.
@@ -11,7 +12,8 @@ class CkRecordButton : public QPushButton {
     Q_OBJECT
 
 public:
-    CkRecordButton(CkRecordingManager* pManager, CkCameraController* pCameras, void* pCameraHandle,
+    /// A camera without a chain has nothing to record; openView is then to open a view on one.
+    CkRecordButton(CkRecordingManager* pManager, void* pCameraHandle, std::function<void()> openView,
                    QWidget* pParent = nullptr);
 
     static QIcon icon();
@@ -21,6 +23,6 @@ private:
     void refresh();
 
     CkRecordingManager* m_pManager;
-    CkCameraController* m_pCameras;
     void* m_pHandle;
+    std::function<void()> m_openView;
 };

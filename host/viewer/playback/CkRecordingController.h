@@ -4,50 +4,67 @@
 
 #include <QObject>
 
-class CkCameraController;
+#include <functional>
+
 class CkFileOpener;
-class CkMainWindow;
 class CkPlayback;
 class CkRecordingManager;
 class CkRecordingPanel;
 class CkViewArea;
 class QLabel;
-class QMenu;
+class QPushButton;
 
-/// Recording and playback in the main window: the menu, the panel of recordings, the bar of the player, the
-/// lamp in the status bar, and the kinds of files that can be opened. User-interface thread.
+/// Recording and playback as the main window sees them: actions, the panel of recordings, the playback bar,
+/// the recording lamp, and the kinds of files that can be opened. The window places them. User-interface
+/// thread.
 class CkRecordingController : public QObject {
     Q_OBJECT
 
 public:
-    explicit CkRecordingController(CkMainWindow* pWindow);
+    /// Dialogs open above pWindow, which becomes the parent. The playback keys work while the area or the bar
+    /// has the focus.
+    CkRecordingController(CkViewArea* pArea, QWidget* pWindow);
 
-    /// The bar belongs under the views.
+    /// Belongs below the views.
     CkPlaybackBar* bar() const { return m_pBar; }
     CkRecordingPanel* panel() const { return m_pPanel; }
+    /// Belongs into the status bar; hidden while nothing is recorded.
+    QLabel* lamp() const { return m_pLamp; }
     CkRecordingManager* manager() const { return m_pManager; }
     CkPlayback* playback() const { return m_pPlayback; }
 
-    /// Fills a menu; pViews gets the keys of the player, which work while it or the bar has the focus.
-    void fillMenu(QMenu* pMenu, QWidget* pViews);
+    /// Entries of the menu in their order, separators included; refresh() before they are shown.
+    const QList<QAction*>& menuActions() const { return m_menuActions; }
+    /// A new button that records a camera. openView is to open a view on the camera, whose chain is then
+    /// recorded.
+    QPushButton* createRecordButton(void* pCameraHandle, std::function<void()> openView, QWidget* pParent);
     /// Recordings and pictures become files that can be opened.
     void addFileKinds(CkFileOpener* pOpener);
 
-    /// Without, files are opened with defaults and no question is asked.
+    /// False: files are opened with defaults and no question is asked.
     void setAsks(bool bAsks) { m_bAsks = bAsks; }
 
-signals:
-    /// A recording began: the panel should be seen.
-    void panelWanted();
-
-private:
-    void createActions();
-    void equipCamera(void* pHandle);
+public slots:
+    /// Brings actions and lamp up to date.
     void refresh();
 
-    CkMainWindow* m_pWindow;
+signals:
+    /// A recording has started: the panel is to be shown.
+    void panelWanted();
+    /// A finished recording is to be opened.
+    void openRequested(const QString& sFileName);
+
+private:
+    void createRecordActions();
+    void createPlaybackActions();
+    void fillMenuActions();
+    QAction* createAction(const QString& sText, const char* sName, const QKeySequence& key);
+    void refreshRecordActions();
+    void refreshPlaybackActions();
+    void refreshLamp();
+
+    QWidget* m_pWindow;
     CkViewArea* m_pArea;
-    CkCameraController* m_pCameras;
     CkRecordingManager* m_pManager;
     CkPlayback* m_pPlayback;
     CkPlaybackBar::SkActions m_play;
@@ -56,6 +73,8 @@ private:
     QAction* m_pRecordSource = nullptr;
     QAction* m_pRecordView = nullptr;
     QAction* m_pStopAll = nullptr;
+    QList<QAction*> m_menuActions;
+    QList<QAction*> m_playbackActions; ///< those of m_menuActions that need a recording in the active view
     CkPlaybackBar* m_pBar = nullptr;
     CkRecordingPanel* m_pPanel = nullptr;
     QLabel* m_pLamp = nullptr;

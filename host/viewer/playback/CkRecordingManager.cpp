@@ -5,9 +5,8 @@
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
 #include "host/viewer/base/pluralNumber.h"
-#include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/playback/CkRecordingJob.h"
-#include "host/viewer/playback/CkRecordingNotes.h"
+#include "host/viewer/playback/RecordedChain.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageSource.h"
@@ -48,8 +47,8 @@ void showBox(QWidget* window, const QString& text) {
 
 } // namespace
 
-CkRecordingManager::CkRecordingManager(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow)
-    : QObject(pWindow), m_pArea(pArea), m_pCameras(pCameras), m_pWindow(pWindow) {}
+CkRecordingManager::CkRecordingManager(CkViewArea* pArea, QWidget* pWindow)
+    : QObject(pWindow), m_pArea(pArea), m_pWindow(pWindow) {}
 
 CkRecordingManager::~CkRecordingManager() = default;
 
@@ -75,7 +74,7 @@ CkChainable* CkRecordingManager::sourceOfCamera(void* pHandle) const {
     if (CkChainable* active = sourceToRecord(); isOfCamera(active)) {
         return active;
     }
-    for (const CkChain* chain : m_pCameras->chainsOf(pHandle)) {
+    for (const CkChain* chain : CkChainManager::instance()->chains()) {
         for (CkChainable* block : chain->imageSources()) {
             if (isOfCamera(block)) {
                 return block;
@@ -129,7 +128,7 @@ CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& s
     auto* job = new CkRecordingJob(this);
     CkRecorder::SkOptions options;
     options.compression = compression;
-    if (!job->start(pBlock, QFileInfo(sFileName).absoluteFilePath(), CkRecordingNotes::of(pBlock, view),
+    if (!job->start(pBlock, QFileInfo(sFileName).absoluteFilePath(), RecordedChain::describe(pBlock, view),
                     options, sError)) {
         delete job;
         return nullptr;

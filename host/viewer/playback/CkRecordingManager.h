@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QString>
 
-class CkCameraController;
 class CkChainable;
 class CkRecordingJob;
 class CkViewArea;
@@ -18,7 +17,7 @@ class CkRecordingManager : public QObject {
 
 public:
     /// Boxes and file dialogs stand above pWindow.
-    CkRecordingManager(CkViewArea* pArea, CkCameraController* pCameras, QWidget* pWindow);
+    CkRecordingManager(CkViewArea* pArea, QWidget* pWindow);
     ~CkRecordingManager() override;
 
     /// Starts to record a block's output. Null, with sError naming the file and the reason, when the file
@@ -55,7 +54,6 @@ private:
     void tell(CkRecordingJob* pJob);
 
     CkViewArea* m_pArea;
-    CkCameraController* m_pCameras;
     QWidget* m_pWindow;
     QList<CkRecordingJob*> m_jobs;
 };

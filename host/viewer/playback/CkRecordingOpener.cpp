@@ -5,9 +5,10 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/picture/CkImageView.h"
+#include "host/viewer/picture/ViewAppearance.h"
 #include "host/viewer/playback/CkDepthImportDialog.h"
-#include "host/viewer/playback/CkRecordingNotes.h"
 #include "host/viewer/playback/CkStillPicture.h"
+#include "host/viewer/playback/RecordedChain.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkImageData.h"
@@ -70,6 +71,34 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
     return opened;
 }
 
+/// Null, with error set, when the chain cannot be loaded.
+CkChain* loadChain(const CkVideoSource& source, const QDomDocument& doc, QString& error) {
+    CkChain* chain = CkChainManager::instance()->createChain();
+    if (chain == nullptr || !chain->load(doc.documentElement(), &error)) {
+        CkChainManager::instance()->closeChain(chain);
+        return nullptr;
+    }
+    for (CkChainable* block : chain->imageSources()) {
+        if (auto* player = qobject_cast<CkVideoSource*>(block);
+            player != nullptr && player->frameCount() == 0) {
+            player->shareFile(source);
+        }
+    }
+    return chain;
+}
+
+/// A chain of the source alone, which then owns it. Null when no chain can be made.
+CkChain* chainOf(std::unique_ptr<CkVideoSource>& source) {
+    CkChainManager* chains = CkChainManager::instance();
+    CkChain* chain = chains->createChain();
+    if (chain == nullptr || !chains->insertAfter(chain, source.get(), nullptr)) {
+        chains->closeChain(chain);
+        return nullptr;
+    }
+    static_cast<void>(source.release());
+    return chain;
+}
+
 } // namespace
 
 void CkRecordingOpener::registerSource() {
@@ -88,7 +117,7 @@ bool CkRecordingOpener::recognises(const QByteArray& sFirstBytes) {
            sFirstBytes.startsWith(QByteArray("MM\0\x2b", 4));
 }
 
-bool CkRecordingOpener::askForScale(CkVideoSource& source, QWidget* pWindow) {
+bool CkRecordingOpener::askForScale(CkVideoSource& source) const {
     const std::shared_ptr<const IkFrameFile> file = source.recording();
     SkFrameDescription first;
     if (!file->describe(0, first, nullptr) || !first.object.isEmpty() ||
@@ -99,7 +128,7 @@ bool CkRecordingOpener::askForScale(CkVideoSource& source, QWidget* pWindow) {
     if (frame == nullptr) {
         return true;
     }
-    CkDepthImportDialog dialog(file->fileName(), *frame, pWindow);
+    CkDepthImportDialog dialog(file->fileName(), *frame, m_pWindow);
     if (dialog.exec() != QDialog::Accepted) {
         return false;
     }
@@ -107,14 +136,14 @@ bool CkRecordingOpener::askForScale(CkVideoSource& source, QWidget* pWindow) {
     return true;
 }
 
-bool CkRecordingOpener::askForChain(const CkVideoSource& source, QWidget* pWindow, QDomDocument& chain) {
+bool CkRecordingOpener::askForChain(const CkVideoSource& source, QDomDocument& chain) const {
     QDomDocument scratch;
     QDomElement settings = scratch.createElement(QStringLiteral("block"));
     source.saveSettings(scratch, settings);
     // The file is open already.
     settings.removeAttribute(QStringLiteral("file"));
     QString error;
-    chain = CkRecordingNotes::chainBehind(source.recording()->recordingInfo(), settings, error);
+    chain = RecordedChain::forPlayback(source.recording()->recordingInfo(), settings, error);
     if (!error.isEmpty()) {
         qWarning("\"%s\": %s", qUtf8Printable(source.fileName()), qUtf8Printable(error));
     }
@@ -124,8 +153,8 @@ bool CkRecordingOpener::askForChain(const CkVideoSource& source, QWidget* pWindo
     QMessageBox box(QMessageBox::Question, tr("Open Recording"),
                     tr("\"%1\" was recorded with a processing chain:\n\n%2\n\nOpen it with this chain?")
                         .arg(QFileInfo(source.fileName()).fileName(),
-                             CkRecordingNotes::blockTitles(chain).join(QStringLiteral(", "))),
-                    QMessageBox::NoButton, pWindow);
+                             RecordedChain::blockTitles(chain).join(QStringLiteral(", "))),
+                    QMessageBox::NoButton, m_pWindow);
     box.setObjectName(QStringLiteral("restoreChainBox"));
     const QAbstractButton* with = box.addButton(tr("With the &Chain"), QMessageBox::AcceptRole);
     const QAbstractButton* without = box.addButton(tr("&Pictures Only"), QMessageBox::NoRole);
@@ -137,25 +166,10 @@ bool CkRecordingOpener::askForChain(const CkVideoSource& source, QWidget* pWindo
     return box.clickedButton() == with || box.clickedButton() == without;
 }
 
-CkChain* CkRecordingOpener::restored(const CkVideoSource& source, const QDomDocument& doc, QString& sError) {
-    CkChain* chain = CkChainManager::instance()->createChain();
-    if (chain == nullptr || !chain->load(doc.documentElement(), &sError)) {
-        CkChainManager::instance()->closeChain(chain);
-        return nullptr;
-    }
-    for (CkChainable* block : chain->imageSources()) {
-        if (auto* player = qobject_cast<CkVideoSource*>(block);
-            player != nullptr && player->frameCount() == 0) {
-            player->shareFile(source);
-        }
-    }
-    return chain;
-}
-
-bool CkRecordingOpener::open(const QString& sFileName, CkViewArea* pArea, QWidget* pWindow, QString& sError) {
+bool CkRecordingOpener::open(const QString& sFileName, QString& sError) {
     auto source = std::make_unique<CkVideoSource>();
     bool cancelled = false;
-    if (!openWithProgress(*source, sFileName, pWindow, sError, cancelled)) {
+    if (!openWithProgress(*source, sFileName, m_pWindow, sError, cancelled)) {
         if (cancelled) {
             sError.clear();
         }
@@ -164,36 +178,39 @@ bool CkRecordingOpener::open(const QString& sFileName, CkViewArea* pArea, QWidge
     sError.clear();
     source->setPace(SkPlaybackSettings::RealTime);
     QDomDocument doc;
-    if (pWindow != nullptr && (!askForScale(*source, pWindow) || !askForChain(*source, pWindow, doc))) {
+    if (m_pWindow != nullptr && (!askForScale(*source) || !askForChain(*source, doc))) {
         return false;
     }
     const QString damage = source->errorMessage();
     if (!damage.isEmpty()) {
         qWarning("%s", qUtf8Printable(damage));
     }
-    const QJsonObject viewSettings = source->recording()->recordingInfo().viewSettings;
-    CkChainManager* chains = CkChainManager::instance();
+    const QJsonObject appearance = source->recording()->recordingInfo().viewSettings;
     CkChain* chain = nullptr;
     if (!doc.isNull()) {
         QString reason;
-        chain = restored(*source, doc, reason);
+        chain = loadChain(*source, doc, reason);
         if (chain == nullptr) {
-            // The pictures are better than nothing.
             qWarning("%s",
                      qUtf8Printable(tr("\"%1\" is opened without its chain: %2").arg(sFileName, reason)));
         }
     }
     if (chain == nullptr) {
-        chain = chains->createChain();
-        if (chain == nullptr || !chains->insertAfter(chain, source.get(), nullptr)) {
-            chains->closeChain(chain);
+        chain = chainOf(source);
+        if (chain == nullptr) {
             sError = tr("\"%1\": no new processing chain can be made.").arg(sFileName);
             return false;
         }
-        static_cast<void>(source.release()); // the chain's now
     }
-    QList<CkChainable*> shown = chain->imageSources();
-    for (CkChainable* end : CkChainFile::shownEnds(chain, sFileName)) {
+    openViews(chain, sFileName, appearance);
+    // On the start of a chain the playback shows its first frame.
+    chain->start();
+    return true;
+}
+
+void CkRecordingOpener::openViews(CkChain* pChain, const QString& sFileName, const QJsonObject& appearance) {
+    QList<CkChainable*> shown = pChain->imageSources();
+    for (CkChainable* end : CkChainFile::shownEnds(pChain, sFileName)) {
         if (!shown.contains(end)) {
             shown.append(end);
         }
@@ -201,15 +218,8 @@ bool CkRecordingOpener::open(const QString& sFileName, CkViewArea* pArea, QWidge
     CkImageView* first = nullptr;
     for (CkChainable* block : std::as_const(shown)) {
         auto* view = new CkImageView(block);
-        pArea->addView(view);
+        m_pArea->addView(view);
         first = first == nullptr ? view : first;
     }
-    // The first frame brings the view's own colours.
-    QObject::connect(
-        first, &CkMdiView::frameShown, first,
-        [first, viewSettings] { CkRecordingNotes::applyViewSettings(first, viewSettings); },
-        Qt::SingleShotConnection);
-    // Which makes the playback show the first frame.
-    chain->start();
-    return true;
+    ViewAppearance::applyAfterFirstPicture(*first, appearance);
 }

@@ -1,5 +1,6 @@
 #include "host/viewer/plugins/CkPluginChecker.h"
 
+#include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/plugins/CkPluginLoadMarker.h"
 #include "host/viewer/plugins/CkPluginProbe.h"
 
@@ -14,7 +15,7 @@ namespace {
 QString hostIdentity() {
     const QFileInfo program(CkPluginProbe::program());
     return QStringLiteral("%1 Qt %2 %3 %4")
-        .arg(QStringLiteral(ZU_VIEWER_VERSION), QLatin1String(qVersion()))
+        .arg(ViewerVersion::number(), QLatin1String(qVersion()))
         .arg(program.size())
         .arg(program.lastModified().toMSecsSinceEpoch());
 }

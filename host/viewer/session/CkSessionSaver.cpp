@@ -1,7 +1,6 @@
 #include "host/viewer/session/CkSessionSaver.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/shell/CkMainWindow.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -9,25 +8,27 @@
 #include <QApplication>
 #include <QDockWidget>
 #include <QEvent>
+#include <QMainWindow>
 #include <QMdiSubWindow>
 
 namespace {
 
 constexpr int kDelayMs = 3000;
-// Whoever does not stop working is not put off for longer than this many delays.
+// Changes that keep coming put saving off by at most this many delays.
 constexpr int kMostDelays = 5;
 
 } // namespace
 
-CkSessionSaver::CkSessionSaver(const CkMainWindow* pWindow, bool bAtOnce)
-    : m_pWindow(pWindow), m_last(SkWindowLayout::of(*pWindow)), m_bOn(bAtOnce) {
+CkSessionSaver::CkSessionSaver(const QMainWindow* pWindow, const CkViewArea* pArea, EkSessionScope scope,
+                               bool bAtOnce)
+    : m_pWindow(pWindow), m_pArea(pArea), m_scope(scope), m_last(SkWindowLayout::of(*pWindow, *pArea, scope)),
+      m_bOn(bAtOnce) {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kDelayMs);
     connect(&m_timer, &QTimer::timeout, this, &CkSessionSaver::save);
-    const CkViewArea* const area = pWindow->area();
-    connect(area, &CkViewArea::viewAdded, this, &CkSessionSaver::touch);
-    connect(area, &CkViewArea::viewClosed, this, &CkSessionSaver::touch);
-    connect(area, &CkViewArea::activeViewChanged, this, &CkSessionSaver::touch);
+    connect(pArea, &CkViewArea::viewAdded, this, &CkSessionSaver::touch);
+    connect(pArea, &CkViewArea::viewClosed, this, &CkSessionSaver::touch);
+    connect(pArea, &CkViewArea::activeViewChanged, this, &CkSessionSaver::touch);
     const CkCameraManager* const cameras = CkCameraManager::instance();
     connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionSaver::touch);
     connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionSaver::touch);
@@ -39,7 +40,7 @@ CkSessionSaver::CkSessionSaver(const CkMainWindow* pWindow, bool bAtOnce)
     for (CkChain* chain : CkChainManager::instance()->chains()) {
         watch(chain);
     }
-    // Settings of blocks, colours and the like have no signal; but they change under somebody's hands.
+    // Settings of blocks, colours and the like have no signal, but change on keys and mouse events only.
     QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -47,7 +48,7 @@ CkSessionSaver::~CkSessionSaver() = default;
 
 void CkSessionSaver::end() {
     m_timer.stop();
-    disconnect(m_pWindow->area(), nullptr, this, nullptr);
+    disconnect(m_pArea, nullptr, this, nullptr);
     disconnect(CkCameraManager::instance(), nullptr, this, nullptr);
     disconnect(CkChainManager::instance(), nullptr, this, nullptr);
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -92,14 +93,14 @@ void CkSessionSaver::touch() {
 }
 
 void CkSessionSaver::save() {
-    // What is half typed or half dragged is nobody's arrangement.
+    // A session is not saved halfway through an edit or a drag.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr ||
         QGuiApplication::mouseButtons() != Qt::NoButton) {
         m_timer.start();
         emit postponed();
         return;
     }
-    const SkWindowLayout now = SkWindowLayout::of(*m_pWindow);
+    const SkWindowLayout now = SkWindowLayout::of(*m_pWindow, *m_pArea, m_scope);
     if (now == m_last) {
         return;
     }

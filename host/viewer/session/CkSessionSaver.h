@@ -6,29 +6,27 @@
 #include <QObject>
 #include <QTimer>
 
-class CkMainWindow;
-
-/// Remembers the window and what is open in it a few seconds after a change, so that a crash does not cost
-/// the day's arrangement. Waits while a dialog is open or a mouse button is down. User-interface thread.
+/// Saves the window's layout and what is open in it a few seconds after a change, so that a crash does not
+/// cost the session. Waits while a dialog is open or a mouse button is down. User-interface thread.
 class CkSessionSaver : public QObject {
     Q_OBJECT
 
 public:
-    /// Looks at the window from now on; what there is now counts as remembered. With bAtOnce every change
-    /// counts; without, none does before the user's first key or click: a window that was started on the side
-    /// does not replace what is remembered by itself.
-    CkSessionSaver(const CkMainWindow* pWindow, bool bAtOnce);
+    /// Watches the window from now on; its present layout counts as saved. With bAtOnce every change counts;
+    /// without, none does before the user's first key or click: a viewer that only started does not replace
+    /// the saved session.
+    CkSessionSaver(const QMainWindow* pWindow, const CkViewArea* pArea, EkSessionScope scope, bool bAtOnce);
     ~CkSessionSaver() override;
 
     /// Time from a change to the file, in ms.
     void setDelay(int iMs) { m_timer.setInterval(iMs); }
 
-    /// The window is closing; nothing is remembered any more.
+    /// The window is closing; nothing is saved any more.
     void end();
 
 signals:
     void saved();
-    /// There is something to remember, but not now.
+    /// A change is still unsaved, because a dialog, a popup or a mouse button is in the way.
     void postponed();
 
 protected:
@@ -38,9 +36,11 @@ private:
     void touch();
     void save();
 
-    const CkMainWindow* m_pWindow;
+    const QMainWindow* m_pWindow;
+    const CkViewArea* m_pArea;
+    EkSessionScope m_scope;
     SkWindowLayout m_last;
     QTimer m_timer;
-    QElapsedTimer m_waiting; ///< since the oldest change that is not remembered
-    bool m_bOn;
+    QElapsedTimer m_waiting; ///< since the oldest unsaved change
+    bool m_bOn;              ///< changes count
 };

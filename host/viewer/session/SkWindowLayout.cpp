@@ -2,17 +2,30 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/session/CkSessionMemory.h"
-#include "host/viewer/shell/CkMainWindow.h"
+#include "host/viewer/session/SessionWriter.h"
 
+#include <QMainWindow>
 #include <QSettings>
 
-SkWindowLayout SkWindowLayout::of(const CkMainWindow& window) {
+SkWindowLayout SkWindowLayout::of(const QMainWindow& window, const CkViewArea& area, EkSessionScope scope) {
     std::optional<QByteArray> session;
-    if (window.remembers() == CkMainWindow::EkRemembers::LayoutAndSession) {
-        session = CkSessionMemory::describe(window);
+    if (scope == EkSessionScope::LayoutAndSession) {
+        session = SessionWriter::write(area);
     }
-    return {window.saveGeometry(), window.saveState(), session, window.area()->arrangesItself()};
+    return {window.saveGeometry(), window.saveState(), session, area.arrangesItself()};
+}
+
+SkWindowLayout SkWindowLayout::load() {
+    const auto settings = CkViewerSettings::open();
+    return {settings->value(CkViewerSettings::keyGeometry()).toByteArray(),
+            settings->value(CkViewerSettings::keyState()).toByteArray(), std::nullopt,
+            settings->value(CkViewerSettings::keyArrange(), true).toBool()};
+}
+
+void SkWindowLayout::applyTo(QMainWindow& window, CkViewArea& area) const {
+    window.restoreGeometry(geometry);
+    window.restoreState(state);
+    area.setArrangesItself(arrange);
 }
 
 void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
@@ -29,6 +42,6 @@ void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
     if (session && (pBefore == nullptr || pBefore->session != session)) {
         settings->setValue(CkViewerSettings::keySession(), *session);
     }
-    // The file is replaced as a whole.
+    // QSettings replaces the file as a whole.
     settings->sync();
 }

@@ -159,10 +159,6 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
     return EkResult::Run;
 }
 
-QString CkCommandLine::versionText() {
-    return QStringLiteral("zuviewer " ZU_VIEWER_VERSION);
-}
-
 bool CkCommandLine::isInformationOnly(const QStringList& arguments) {
     static const QStringList information = {QStringLiteral("-h"), QStringLiteral("--help"),
                                             QStringLiteral("-v"), QStringLiteral("--version"),

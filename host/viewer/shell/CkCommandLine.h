@@ -41,9 +41,6 @@ public:
     /// Needs an application object.
     QString helpText() const { return m_parser.helpText(); }
 
-    /// "zuviewer 1.0.0".
-    static QString versionText();
-
     /// Whether help or the version is asked for, which need no screen.
     static bool isInformationOnly(const QStringList& arguments);
 

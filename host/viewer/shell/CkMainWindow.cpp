@@ -2,9 +2,9 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkChainFile.h"
-#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraMenu.h"
+#include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
@@ -13,7 +13,6 @@
 #include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
 #include "host/viewer/session/CkChainLoader.h"
-#include "host/viewer/session/SkWindowLayout.h"
 #include "host/viewer/shell/CkPanelScrollArea.h"
 #include "host/viewer/shell/CkStatusBar.h"
 #include "zuCore/CkCameraManager.h"
@@ -26,11 +25,13 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QSet>
-#include <QSettings>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -172,7 +173,8 @@ void CkMainWindow::equipView(int iViewId) {
 }
 
 void CkMainWindow::createRecordings() {
-    m_pRecordings = new CkRecordingController(this);
+    m_pRecordings = new CkRecordingController(m_pArea, this);
+    m_pStatusBar->addPermanentWidget(m_pRecordings->lamp());
     auto* centre = new QWidget(this);
     auto* column = new QVBoxLayout(centre);
     column->setContentsMargins(0, 0, 0, 0);
@@ -184,6 +186,20 @@ void CkMainWindow::createRecordings() {
                                 Qt::BottomDockWidgetArea);
     dock->hide();
     connect(m_pRecordings, &CkRecordingController::panelWanted, dock, &QWidget::show);
+    connect(m_pRecordings, &CkRecordingController::openRequested, this, &CkMainWindow::openOrTell);
+    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkMainWindow::addRecordButton);
+}
+
+void CkMainWindow::addRecordButton(void* pCameraHandle) {
+    CkCameraPanel* panel = m_pCameras->panel(pCameraHandle);
+    if (panel == nullptr) {
+        return;
+    }
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_pRecordings->createRecordButton(
+        pCameraHandle, [this, pCameraHandle] { m_pCameras->openView(pCameraHandle); }, panel));
+    panel->addToolLayout(row);
 }
 
 QMenu* CkMainWindow::menu(int iMenuId) const {
@@ -265,16 +281,13 @@ void CkMainWindow::setFullScreen(bool bOn) {
 }
 
 void CkMainWindow::restoreLayout() {
-    const auto settings = CkViewerSettings::open();
-    restoreGeometry(settings->value(CkViewerSettings::keyGeometry()).toByteArray());
-    restoreState(settings->value(CkViewerSettings::keyState()).toByteArray());
+    SkWindowLayout::load().applyTo(*this, *m_pArea);
     m_pFullScreenAction->setChecked(isFullScreen());
-    m_pArea->setArrangesItself(settings->value(CkViewerSettings::keyArrange(), true).toBool());
     m_pArrangeAction->setChecked(m_pArea->arrangesItself());
 }
 
 void CkMainWindow::saveLayout() const {
-    SkWindowLayout::of(*this).save();
+    SkWindowLayout::of(*this, *m_pArea, m_sessionScope).save();
 }
 
 void CkMainWindow::resetLayout() {
@@ -283,22 +296,9 @@ void CkMainWindow::resetLayout() {
     m_pArrangeAction->setChecked(true);
 }
 
-CkSessionMemory::SkRestored CkMainWindow::restoreSession() {
-    const auto settings = CkViewerSettings::open();
-    if (!settings->value(CkViewerSettings::keyReopenCameras(), true).toBool()) {
-        return {};
-    }
-    CkSessionMemory::SkRestored restored =
-        CkSessionMemory::restore(*this, settings->value(CkViewerSettings::keySession()).toByteArray());
-    for (const QString& problem : restored.problems) {
-        qWarning("%s", qUtf8Printable(problem));
-    }
-    return restored;
-}
-
 void CkMainWindow::closeEvent(QCloseEvent* pEvent) {
-    // While the views are still there to be remembered.
-    if (m_remembers != EkRemembers::Nothing) {
+    // Before the views close, which are part of the session.
+    if (m_sessionScope != EkSessionScope::Nothing) {
         saveLayout();
     }
     if (!m_pArea->closeAllViews(true)) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/viewer/session/CkSessionMemory.h"
+#include "host/viewer/session/SkWindowLayout.h"
 #include "zuCore/CkChainable.h"
 
 #include <QMainWindow>
@@ -71,14 +71,8 @@ public:
     void saveLayout() const;
     /// Panels as in a new installation; the views stay.
     void resetLayout();
-    /// Opens the cameras, recordings and views of the last session again, unless the user does not want that.
-    /// Writes to the log what could not be opened.
-    CkSessionMemory::SkRestored restoreSession();
-    /// What the next start finds again. A window that was opened for something named does not replace what is
-    /// open in the user's usual one.
-    enum class EkRemembers { Nothing, Layout, LayoutAndSession };
-    void setRemembers(EkRemembers remembers) { m_remembers = remembers; }
-    EkRemembers remembers() const { return m_remembers; }
+    /// What closing the window saves.
+    void setSessionScope(EkSessionScope scope) { m_sessionScope = scope; }
 
     /// Texts for Help > About: one line per loaded plug-in.
     void setPluginTexts(const QStringList& texts) { m_pluginTexts = texts; }
@@ -107,6 +101,7 @@ private:
     void openRecordingWithDialog();
     void createFileOpener();
     void createRecordings();
+    void addRecordButton(void* pCameraHandle);
     void createRecordingMenu();
     void fillRecentMenu();
     static void addRecent(const QString& sFileName);
@@ -144,5 +139,5 @@ private:
     QList<QAction*> m_channelActions;  ///< need one of several channels
     QStringList m_pluginTexts;
     QByteArray m_defaultState;
-    EkRemembers m_remembers = EkRemembers::LayoutAndSession;
+    EkSessionScope m_sessionScope = EkSessionScope::LayoutAndSession;
 };

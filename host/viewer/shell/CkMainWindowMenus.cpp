@@ -4,6 +4,7 @@
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
+#include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageView.h"
@@ -130,7 +131,9 @@ void CkMainWindow::createRecordingMenu() {
     // Not one of the menus that plug-ins know by number.
     QMenu* recording = menuBar()->addMenu(tr("&Recording"));
     recording->setObjectName(QStringLiteral("menuRecording"));
-    m_pRecordings->fillMenu(recording, m_pArea);
+    recording->setToolTipsVisible(true);
+    recording->addActions(m_pRecordings->menuActions());
+    connect(recording, &QMenu::aboutToShow, m_pRecordings, &CkRecordingController::refresh);
 }
 
 void CkMainWindow::createHelpMenu() {
@@ -277,7 +280,7 @@ void CkMainWindow::saveChainWithDialog() {
 }
 
 void CkMainWindow::showAbout() {
-    QString text = QStringLiteral("<h3>%1</h3>").arg(CkCommandLine::versionText());
+    QString text = QStringLiteral("<h3>%1</h3>").arg(ViewerVersion::text());
     text += tr("<p>Viewer for industrial cameras.</p><p><b>Plug-ins</b></p>");
     if (m_pluginTexts.isEmpty()) {
         text += tr("<p>none</p>");

@@ -1,4 +1,5 @@
 #include "host/viewer/shell/CkViewerSession.h"
+#include "host/viewer/base/ViewerVersion.h"
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
@@ -7,6 +8,7 @@
 #include "host/viewer/panels/log/CkLogSink.h"
 #include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/plugins/CkPluginHost.h"
+#include "host/viewer/session/CkSessionReader.h"
 #include "host/viewer/session/CkSessionSaver.h"
 #include "host/viewer/shell/CkAppDelegate.h"
 #include "host/viewer/shell/CkMainWindow.h"
@@ -103,7 +105,7 @@ void CkViewerSession::watchView(int iViewId) {
 }
 
 bool CkViewerSession::start() {
-    qInfo("%s", qUtf8Printable(CkCommandLine::versionText()));
+    qInfo("%s", qUtf8Printable(ViewerVersion::text()));
     const QString folder = CkPluginHost::defaultFolder();
     if (!folder.isEmpty()) {
         m_plugins->load(folder);
@@ -120,10 +122,10 @@ bool CkViewerSession::start() {
     // Whoever names cameras or files gets these and no others, and finds the others again later.
     const bool named =
         !m_options.cameras.isEmpty() || !m_options.chainFiles.isEmpty() || !m_options.files.isEmpty();
-    using EkRemembers = CkMainWindow::EkRemembers;
-    m_window->setRemembers(m_options.unattended() ? EkRemembers::Nothing
-                           : named                ? EkRemembers::Layout
-                                                  : EkRemembers::LayoutAndSession);
+    const EkSessionScope scope = m_options.unattended() ? EkSessionScope::Nothing
+                                 : named                ? EkSessionScope::Layout
+                                                        : EkSessionScope::LayoutAndSession;
+    m_window->setSessionScope(scope);
     m_window->recordings()->setAsks(!m_options.unattended());
     const bool remembers = !m_options.unattended() && !m_options.cleanStart;
     if (remembers) {
@@ -137,11 +139,13 @@ bool CkViewerSession::start() {
     ok = openFiles() && ok;
     const bool restores = remembers && !named;
     if (restores) {
-        for (const int id : m_window->restoreSession().viewsWith3d) {
+        const SkRestoredSession restored =
+            CkSessionReader::restoreLast(m_window->area(), m_window->cameras());
+        for (const int id : restored.viewsWith3d) {
             whenReady(id, [this, id] {
                 open3dView(id);
                 if (CkMdiView* view = m_window->area()->view(id)) {
-                    CkSessionMemory::followerOpened(*view);
+                    CkSessionReader::set3dViewOpened(*view);
                 }
             });
         }
@@ -155,7 +159,7 @@ bool CkViewerSession::start() {
         m_unattended->start();
     }
     if (!m_options.unattended()) {
-        m_saver = std::make_unique<CkSessionSaver>(m_window.get(), restores);
+        m_saver = std::make_unique<CkSessionSaver>(m_window.get(), m_window->area(), scope, restores);
         connect(m_window.get(), &CkMainWindow::closing, m_saver.get(), &CkSessionSaver::end);
     }
     return ok;

@@ -1,4 +1,5 @@
 #include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/shell/CkCommandLine.h"
 #include "host/viewer/shell/CkViewerSession.h"
 
@@ -46,7 +47,7 @@ int inform(int argc, char** argv, const QStringList& arguments) {
     case CkCommandLine::EkResult::Help:
         return report(0, commandLine.helpText());
     case CkCommandLine::EkResult::Version:
-        return report(0, CkCommandLine::versionText());
+        return report(0, ViewerVersion::text());
     case CkCommandLine::EkResult::Error:
         return report(kBadCommandLine, QStringLiteral("zuviewer: ") + error);
     case CkCommandLine::EkResult::Run:
@@ -79,7 +80,7 @@ void reportMissingScreen(QtMsgType type, const QMessageLogContext&, const QStrin
 int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("zuviewer"));
     QCoreApplication::setOrganizationName(QStringLiteral("Orvane"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZU_VIEWER_VERSION));
+    QCoreApplication::setApplicationVersion(ViewerVersion::number());
     QStringList given;
     bool style = qEnvironmentVariableIsSet("QT_STYLE_OVERRIDE");
     for (int i = 0; i < argc; ++i) {

@@ -1922,7 +1922,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkRecordingNotes</name>
+    <name>RecordedChain</name>
     <message>
         <source>The chain in the recording cannot be read: %1.</source>
         <translation>Die Kette in der Aufnahme kann nicht gelesen werden: %1.</translation>
@@ -2287,7 +2287,7 @@ aufgenommen in %2</translation>
     </message>
 </context>
 <context>
-    <name>CkSessionMemory</name>
+    <name>CkSessionReader</name>
     <message>
         <source>Camera &quot;%1&quot; of the last session: %2</source>
         <translation>Kamera „%1“ der letzten Sitzung: %2</translation>

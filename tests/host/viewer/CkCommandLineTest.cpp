@@ -1,5 +1,7 @@
 #include "host/viewer/shell/CkCommandLine.h"
 
+#include "host/viewer/base/ViewerVersion.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -74,7 +76,7 @@ TEST(CommandLine, HelpAndVersionWin) {
     EXPECT_EQ(parse({"--help"}).result, Result::Help);
     EXPECT_EQ(parse({"-h", "--frames", "nonsense"}).result, Result::Help);
     EXPECT_EQ(parse({"--version"}).result, Result::Version);
-    EXPECT_TRUE(CkCommandLine::versionText().startsWith(QStringLiteral("zuviewer ")));
+    EXPECT_TRUE(ViewerVersion::text().startsWith(QStringLiteral("zuviewer ")));
 }
 
 TEST(CommandLine, HelpNamesEveryOption) {

@@ -1,9 +1,10 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/base/CkFileOpener.h"
+#include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/chain/ChainEditor.h"
 #include "host/viewer/playback/CkRecordButton.h"
-#include "host/viewer/playback/CkRecordingNotes.h"
+#include "host/viewer/playback/RecordedChain.h"
 #include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/support/FullDisk.h"
@@ -69,7 +70,7 @@ TEST_F(RecordingManager, ACameraIsRecordedAndPlayed) {
     CkRecordingReader reader;
     ASSERT_TRUE(reader.open(path("camera.tif"), nullptr));
     EXPECT_EQ(reader.frameCount(), state.written);
-    EXPECT_EQ(reader.recordingInfo().software, CkCommandLine::versionText());
+    EXPECT_EQ(reader.recordingInfo().software, ViewerVersion::text());
     EXPECT_TRUE(reader.recordingInfo().chainXml.contains("sim:grey"));
     EXPECT_EQ(reader.recordingInfo().viewSettings["kind"].toString(), "picture");
 
@@ -316,14 +317,14 @@ TEST(RecordingNotes, ChainsOfNobodyAreRefused) {
     const QDomElement settings = doc.createElement("block");
     QString error;
     SkRecordingInfo info;
-    EXPECT_TRUE(CkRecordingNotes::chainBehind(info, settings, error).isNull());
+    EXPECT_TRUE(RecordedChain::forPlayback(info, settings, error).isNull());
     EXPECT_TRUE(error.isEmpty());
     for (const QString& bad :
          {QStringLiteral("no xml"), QStringLiteral("<svg/>"), QStringLiteral("<chain><a></chain>"),
           QStringLiteral("<chain>") + QStringLiteral("<a>").repeated(200'000)}) {
         error.clear();
         info.chainXml = bad;
-        EXPECT_TRUE(CkRecordingNotes::chainBehind(info, settings, error).isNull());
+        EXPECT_TRUE(RecordedChain::forPlayback(info, settings, error).isNull());
         EXPECT_FALSE(error.isEmpty());
     }
 }
@@ -339,7 +340,7 @@ TEST(RecordingNotes, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
         info.chainXml = QStringLiteral("<chain version=\"1\">") + QString::fromUtf8(begin).repeated(levels) +
                         QString::fromUtf8(end).repeated(levels) + QStringLiteral("</chain>");
         QString error;
-        EXPECT_TRUE(CkRecordingNotes::chainBehind(info, settings, error).isNull()) << begin;
+        EXPECT_TRUE(RecordedChain::forPlayback(info, settings, error).isNull()) << begin;
         EXPECT_TRUE(error.contains("nested deeper than 100 levels")) << qPrintable(error);
     }
 }
@@ -356,7 +357,7 @@ TEST(RecordingNotes, OnlyWhatTheRecordedBlockFeedsIsKept) {
     QDomElement settings = doc.createElement("block");
     settings.setAttribute("loop", 1);
     QString error;
-    const QDomDocument kept = CkRecordingNotes::chainBehind(info, settings, error);
+    const QDomDocument kept = RecordedChain::forPlayback(info, settings, error);
     ASSERT_FALSE(kept.isNull());
     QStringList classes;
     for (QDomElement block = kept.documentElement().firstChildElement(); !block.isNull();

@@ -1,7 +1,7 @@
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
-#include "host/viewer/session/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionReader.h"
 #include "host/viewer/session/CkSessionSaver.h"
 
 #include <QDockWidget>
@@ -83,7 +83,7 @@ TEST_F(RecordingSession, WaitsForAFileThatIsNotThereToday) {
     ASSERT_TRUE(QFile::rename(path("a.tif"), path("elsewhere.tif")));
     m_options.cleanStart = true;
     ASSERT_TRUE(start());
-    const CkSessionMemory::SkRestored restored = CkSessionMemory::restore(*window(), text);
+    const SkRestoredSession restored = CkSessionReader(area(), cameras()).restore(text);
     ASSERT_EQ(restored.problems.size(), 1);
     EXPECT_TRUE(restored.problems.first().contains("a.tif")) << qPrintable(restored.problems.first());
     EXPECT_EQ(area()->views().size(), 1);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
+
 #include <QHash>
 #include <QPointer>
 #include <QTreeWidget>
-
-class CkChain;
-class CkChainable;
 
 /// A chain as a tree from its sources down, with state icons, counters, and error texts below the blocks they
 /// belong to. User-interface thread; the blocks may change on any thread.

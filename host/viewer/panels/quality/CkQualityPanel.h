@@ -3,6 +3,7 @@
 #include "host/viewer/panels/quality/CkMeasuredRegions.h"
 #include "host/viewer/panels/quality/CkSaturationMonitor.h"
 #include "host/viewer/panels/quality/CkViewMeasurement.h"
+#include "host/viewer/picture/CkImageView.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -10,7 +11,6 @@
 
 #include <map>
 
-class CkImageView;
 class CkMdiView;
 class CkQualityControls;
 class CkRegionOverlay;

@@ -1,4 +1,4 @@
-#include "host/viewer/session/CkSessionMemory.h"
+#include "host/viewer/session/CkSessionReader.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "tests/host/viewer/ViewerBlocks.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-class SessionMemory : public ViewerFixture {
+class Session : public ViewerFixture {
 protected:
     /// As the user does it: the window asks the views, remembers, closes.
     void endSession() {
@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(SessionMemory, CamerasAndViewsComeBackAsTheyWere) {
+TEST_F(Session, CamerasAndViewsComeBackAsTheyWere) {
     ASSERT_TRUE(start());
     void* grey = openGrey();
     void* wave = cameras()->openCamera("sim:wave", true);
@@ -60,7 +60,7 @@ TEST_F(SessionMemory, CamerasAndViewsComeBackAsTheyWere) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
 }
 
-TEST_F(SessionMemory, BlocksOfTheChainsAndTheirSettingsComeBack) {
+TEST_F(Session, BlocksOfTheChainsAndTheirSettingsComeBack) {
     CkRTTI::instance()->registerClass(nullptr, &CkDemoBlock::staticMetaObject, QStringLiteral("CkChainable"));
     ASSERT_TRUE(start());
     openGrey();
@@ -85,7 +85,7 @@ TEST_F(SessionMemory, BlocksOfTheChainsAndTheirSettingsComeBack) {
     m_session.reset();
 }
 
-TEST_F(SessionMemory, PanelsAndPlacesComeBack) {
+TEST_F(Session, PanelsAndPlacesComeBack) {
     ASSERT_TRUE(start());
     openGrey();
     auto* log = window()->findChild<QDockWidget*>("dockLog");
@@ -106,7 +106,7 @@ TEST_F(SessionMemory, PanelsAndPlacesComeBack) {
     EXPECT_TRUE(area()->arrangesItself());
 }
 
-TEST_F(SessionMemory, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
+TEST_F(Session, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
     ASSERT_TRUE(start());
     openGrey();
     endSession();
@@ -137,7 +137,7 @@ TEST_F(SessionMemory, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitched
     EXPECT_FALSE(window()->findChild<QAction*>("actReopenCameras")->isChecked());
 }
 
-TEST_F(SessionMemory, UnattendedRunsNeitherReadNorWrite) {
+TEST_F(Session, UnattendedRunsNeitherReadNorWrite) {
     ASSERT_TRUE(start());
     openGrey();
     endSession();
@@ -149,7 +149,7 @@ TEST_F(SessionMemory, UnattendedRunsNeitherReadNorWrite) {
     EXPECT_EQ(remembered(), before);
 }
 
-TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
+TEST_F(Session, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
     ASSERT_TRUE(start());
     cameras()->openCamera("sim:wave", true);
     openGrey();
@@ -158,7 +158,7 @@ TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
     text.replace("sim:wave", "sim:pulled-off");
     m_options.cleanStart = true;
     ASSERT_TRUE(start());
-    const CkSessionMemory::SkRestored restored = CkSessionMemory::restore(*window(), text.toUtf8());
+    const SkRestoredSession restored = CkSessionReader(area(), cameras()).restore(text.toUtf8());
     ASSERT_EQ(restored.problems.size(), 1);
     EXPECT_TRUE(restored.problems.first().contains("sim:pulled-off"))
         << qPrintable(restored.problems.first());
@@ -167,20 +167,20 @@ TEST_F(SessionMemory, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
 }
 
-TEST_F(SessionMemory, NonsenseOpensNothingAndSaysSo) {
+TEST_F(Session, NonsenseOpensNothingAndSaysSo) {
     ASSERT_TRUE(start());
     const QByteArray deep = "<session version='1'>" + QByteArray("<_a>").repeated(150'000) +
                             QByteArray("</_a>").repeated(150'000) + "</session>";
     for (const QByteArray& text :
          {QByteArray("no xml"), QByteArray("<session version=\"99\"/>"), QByteArray("<other/>"), deep}) {
-        EXPECT_EQ(CkSessionMemory::restore(*window(), text).problems.size(), 1)
+        EXPECT_EQ(CkSessionReader(area(), cameras()).restore(text).problems.size(), 1)
             << text.left(50).toStdString();
     }
-    EXPECT_TRUE(CkSessionMemory::restore(*window(), QByteArray()).problems.isEmpty());
+    EXPECT_TRUE(CkSessionReader(area(), cameras()).restore(QByteArray()).problems.isEmpty());
     const QByteArray hollow =
         "<session version='1'><chain/><chain><chain version='1'/></chain>"
         "<view chain='0' block='0'/><view chain='1' block='3'/><view chain='-1'/></session>";
-    CkSessionMemory::restore(*window(), hollow);
+    CkSessionReader(area(), cameras()).restore(hollow);
     EXPECT_TRUE(area()->views().isEmpty());
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
 }
