@@ -1,4 +1,5 @@
 #include "tests/system/SystemFixture.h"
+#include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageProvider.h"
 

@@ -1,5 +1,6 @@
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
+#include "host/viewer/shell/CkChainFileController.h"
 #include "tests/system/SystemFixture.h"
 
 #include <QRadioButton>
@@ -56,9 +57,9 @@ TEST_F(ToFBlock, BlockIsAddedConfiguredExplainedAndSavedFromThePanel) {
 
     const QString file = m_folder.filePath("depth.zuchain");
     QString error;
-    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->saveActive(file, error)) << qPrintable(error);
     cameras()->closeAllCameras();
-    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->open(file, error)) << qPrintable(error);
     EXPECT_EQ(blockTitles(), QStringList{"ToF Depth"});
     EXPECT_TRUE(waitForFrame(firstView()));
 }

@@ -47,6 +47,39 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
     setObjectName(QStringLiteral("depthImportDialog"));
     setWindowTitle(tr("Import Picture"));
     const SkPicBuf& picture = first.picBuf();
+    measure(picture);
+
+    auto* name =
+        new QLabel(QStringLiteral("<b>%1</b><br>%2")
+                       .arg(QFileInfo(sFileName).fileName().toHtmlEscaped(), PictureText::format(picture)),
+                   this);
+    auto* question = new QLabel(tr("The file does not say what its samples mean."), this);
+    m_pDepth = new QRadioButton(tr("&Depths"), this);
+    m_pDepth->setObjectName(QStringLiteral("importDepth"));
+    m_pPicture = new QRadioButton(tr("A grey &picture, samples as they are"), this);
+    m_pPicture->setObjectName(QStringLiteral("importPicture"));
+    createDetails();
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Open | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Open)->setDefault(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(name);
+    layout->addSpacing(6);
+    layout->addWidget(question);
+    layout->addWidget(m_pDepth);
+    layout->addWidget(m_pDetails);
+    layout->addWidget(m_pPicture);
+    layout->addSpacing(6);
+    layout->addWidget(buttons);
+
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_pDepth, &QRadioButton::toggled, m_pDetails, &QWidget::setEnabled);
+    SkDepthScale proposed = proposal(picture, m_fLargest);
+    proposed.zeroIsNothing = m_bHasZeros || !isFloat(picture);
+    setScale(proposed);
+}
+
+void CkDepthImportDialog::measure(const SkPicBuf& picture) {
     m_fSmallest = std::numeric_limits<double>::infinity();
     m_fLargest = -std::numeric_limits<double>::infinity();
     for (quint32 y = 0; y < picture.height; ++y) {
@@ -59,17 +92,9 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
             }
         }
     }
+}
 
-    auto* name =
-        new QLabel(QStringLiteral("<b>%1</b><br>%2")
-                       .arg(QFileInfo(sFileName).fileName().toHtmlEscaped(), PictureText::format(picture)),
-                   this);
-    auto* question = new QLabel(tr("The file does not say what its samples mean."), this);
-    m_pDepth = new QRadioButton(tr("&Depths"), this);
-    m_pDepth->setObjectName(QStringLiteral("importDepth"));
-    m_pPicture = new QRadioButton(tr("A grey &picture, samples as they are"), this);
-    m_pPicture->setObjectName(QStringLiteral("importPicture"));
-
+void CkDepthImportDialog::createDetails() {
     m_pDetails = new QWidget(this);
     auto* form = new QFormLayout(m_pDetails);
     form->setContentsMargins(24, 0, 0, 0);
@@ -96,28 +121,9 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
     m_pRange = new QLabel(m_pDetails);
     m_pRange->setObjectName(QStringLiteral("importRange"));
     form->addRow(tr("This picture then has:"), m_pRange);
-
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Open | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Open)->setDefault(true);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(name);
-    layout->addSpacing(6);
-    layout->addWidget(question);
-    layout->addWidget(m_pDepth);
-    layout->addWidget(m_pDetails);
-    layout->addWidget(m_pPicture);
-    layout->addSpacing(6);
-    layout->addWidget(buttons);
-
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_pDepth, &QRadioButton::toggled, m_pDetails, &QWidget::setEnabled);
     connect(m_pUnit, &QComboBox::currentIndexChanged, this, &CkDepthImportDialog::adaptToUnit);
     connect(m_pMillimetres, &QDoubleSpinBox::valueChanged, this, &CkDepthImportDialog::showRange);
     connect(m_pZero, &QCheckBox::toggled, this, &CkDepthImportDialog::showRange);
-    SkDepthScale proposed = proposal(picture, m_fLargest);
-    proposed.zeroIsNothing = m_bHasZeros || !isFloat(picture);
-    setScale(proposed);
 }
 
 void CkDepthImportDialog::setScale(const SkDepthScale& scale) {

@@ -10,6 +10,7 @@ class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
 class QRadioButton;
+struct SkPicBuf;
 
 /// Asks what the samples of a picture of others mean: a grey picture, or depths and in which unit.
 /// User-interface thread.
@@ -31,6 +32,8 @@ public:
     void setScale(const SkDepthScale& scale);
 
 private:
+    void measure(const SkPicBuf& picture);
+    void createDetails();
     double metresPerCount() const;
     void adaptToUnit();
     void showRange();

@@ -63,19 +63,7 @@ CkCommandLine::CkCommandLine() {
              "Tries every plug-in in a process of its own again, also those left out before.")});
     m_parser.addOption({kChain, CkCommandLine::tr("Opens a chain file. May be given several times."),
                         QStringLiteral("file")});
-    m_parser.addOption(
-        {kFrames,
-         CkCommandLine::tr("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
-                           "were written."),
-         QStringLiteral("N")});
-    m_parser.addOption({kScreenshot, CkCommandLine::tr("With --frames: writes a picture of the window."),
-                        QStringLiteral("file")});
-    m_parser.addOption({kScreenshot3d,
-                        CkCommandLine::tr("With --frames: writes a picture of the 3D scene; implies --3d."),
-                        QStringLiteral("file")});
-    m_parser.addOption({kExportPly,
-                        CkCommandLine::tr("With --frames: writes the point cloud as PLY; implies --3d."),
-                        QStringLiteral("file")});
+    addUnattendedOptions();
     m_parser.addOption({kSettings,
                         CkCommandLine::tr("Keeps the settings in this INI file instead of the user's own."),
                         QStringLiteral("file")});
@@ -97,6 +85,22 @@ CkCommandLine::CkCommandLine() {
                                    QStringLiteral("[file...]"));
 }
 
+void CkCommandLine::addUnattendedOptions() {
+    m_parser.addOption(
+        {kFrames,
+         CkCommandLine::tr("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
+                           "were written."),
+         QStringLiteral("N")});
+    m_parser.addOption({kScreenshot, CkCommandLine::tr("With --frames: writes a picture of the window."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kScreenshot3d,
+                        CkCommandLine::tr("With --frames: writes a picture of the 3D scene; implies --3d."),
+                        QStringLiteral("file")});
+    m_parser.addOption({kExportPly,
+                        CkCommandLine::tr("With --frames: writes the point cloud as PLY; implies --3d."),
+                        QStringLiteral("file")});
+}
+
 CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkViewerOptions& options,
                                              QString& sError) {
     options = SkViewerOptions();
@@ -110,21 +114,7 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
     if (m_parser.isSet(QStringLiteral("version"))) {
         return EkResult::Version;
     }
-    options.cameras = m_parser.values(kCamera);
-    options.listCameras = m_parser.isSet(kListCameras);
-    options.checkPlugins = m_parser.isSet(kCheckPlugins);
-    options.pluginPaths = m_parser.values(kPluginPath);
-    options.chainFiles = m_parser.values(kChain);
-    options.files = m_parser.positionalArguments();
-    options.cleanStart = m_parser.isSet(kClean);
-    options.triggers = m_parser.values(kTrigger);
-    options.settingsFile = m_parser.value(kSettings);
-    options.screenshotFile = m_parser.value(kScreenshot);
-    options.screenshot3dFile = m_parser.value(kScreenshot3d);
-    options.plyFile = m_parser.value(kExportPly);
-    const bool wants3dFile = !options.screenshot3dFile.isEmpty() || !options.plyFile.isEmpty();
-    options.open3dView = m_parser.isSet(k3d) || wants3dFile;
-
+    readValues(options);
     if (m_parser.isSet(kFrames)) {
         bool ok = false;
         options.frames = m_parser.value(kFrames).toInt(&ok);
@@ -135,7 +125,8 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
                          .arg(m_parser.value(kFrames));
             return EkResult::Error;
         }
-    } else if (wants3dFile || !options.screenshotFile.isEmpty()) {
+    } else if (!options.screenshot3dFile.isEmpty() || !options.plyFile.isEmpty() ||
+               !options.screenshotFile.isEmpty()) {
         sError = CkCommandLine::tr("--screenshot, --screenshot-3d and --export-ply need --frames.");
         return EkResult::Error;
     }
@@ -157,6 +148,23 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
         return EkResult::Error;
     }
     return EkResult::Run;
+}
+
+void CkCommandLine::readValues(SkViewerOptions& options) const {
+    options.cameras = m_parser.values(kCamera);
+    options.listCameras = m_parser.isSet(kListCameras);
+    options.checkPlugins = m_parser.isSet(kCheckPlugins);
+    options.pluginPaths = m_parser.values(kPluginPath);
+    options.chainFiles = m_parser.values(kChain);
+    options.files = m_parser.positionalArguments();
+    options.cleanStart = m_parser.isSet(kClean);
+    options.triggers = m_parser.values(kTrigger);
+    options.settingsFile = m_parser.value(kSettings);
+    options.screenshotFile = m_parser.value(kScreenshot);
+    options.screenshot3dFile = m_parser.value(kScreenshot3d);
+    options.plyFile = m_parser.value(kExportPly);
+    options.open3dView =
+        m_parser.isSet(k3d) || !options.screenshot3dFile.isEmpty() || !options.plyFile.isEmpty();
 }
 
 bool CkCommandLine::isInformationOnly(const QStringList& arguments) {

@@ -45,5 +45,8 @@ public:
     static bool isInformationOnly(const QStringList& arguments);
 
 private:
+    void addUnattendedOptions();
+    void readValues(SkViewerOptions& options) const;
+
     QCommandLineParser m_parser;
 };

@@ -1,7 +1,7 @@
 #include "host/viewer/shell/CkMainWindow.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraMenu.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
@@ -12,14 +12,15 @@
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
-#include "host/viewer/session/CkChainLoader.h"
+#include "host/viewer/shell/CkChainFileController.h"
+#include "host/viewer/shell/CkFileMenu.h"
+#include "host/viewer/shell/CkHelpMenu.h"
+#include "host/viewer/shell/CkPanelDocks.h"
 #include "host/viewer/shell/CkPanelScrollArea.h"
+#include "host/viewer/shell/CkPictureMenu.h"
 #include "host/viewer/shell/CkStatusBar.h"
-#include "zuCore/CkCameraManager.h"
-#include "zuCore/CkChain.h"
-#include "zuCore/CkChainManager.h"
+#include "host/viewer/shell/CkViewMenu.h"
 #include "zuCore/CkChainable.h"
-#include "zuCore/CkImageSource.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QCloseEvent>
@@ -29,22 +30,21 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
-#include <QSet>
 #include <QTabWidget>
+#include <QTimer>
+#include <QUrl>
 #include <QVBoxLayout>
-#include <algorithm>
 
 namespace {
-constexpr int kLeftWidth = 350;
-constexpr int kRightWidth = 360;
-constexpr int kLeastWidth = 200;
-constexpr int kLogHeight = 150;
-// Of the window's width, where it does not suffice for these and the views.
-constexpr double kLargestShare = 0.3;
+
+constexpr QSize kInitialSize(1600, 1000);
 // What window managers put around a window, title bars of large fonts included.
 constexpr QSize kFrame(16, 44);
+
+constexpr int kPluginShortcuts = 9;
 
 QList<QAction*> leavesOf(const QMenu* menu) {
     QList<QAction*> leaves;
@@ -57,114 +57,170 @@ QList<QAction*> leavesOf(const QMenu* menu) {
     }
     return leaves;
 }
+
+QStringList localFiles(const QMimeData& data) {
+    QStringList files;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile()) {
+            files.append(url.toLocalFile());
+        }
+    }
+    return files;
+}
+
+// A drag source deletes its files after a move.
+void acceptAsCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
+}
+
 } // namespace
 
-CkMainWindow::CkMainWindow(QWidget* pParent) : QMainWindow(pParent) {
+CkMainWindow::CkMainWindow(QWidget* parent) : QMainWindow(parent) {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("zuviewer"));
     setAcceptDrops(true);
-    m_pArea = new CkViewArea(this);
-    m_pCameraTabs = new QTabWidget;
-    m_pCameraTabs->setDocumentMode(true);
-    m_pCameraTabs->setUsesScrollButtons(true);
-    m_pCameraTabs->setElideMode(Qt::ElideRight);
-    m_pCameras = new CkCameraController(m_pArea, m_pCameraTabs, this);
-    m_pStatusBar = new CkStatusBar(m_pArea, this);
-    setStatusBar(m_pStatusBar);
+    m_area = new CkViewArea(this);
+    m_cameraTabs = new QTabWidget;
+    m_cameraTabs->setDocumentMode(true);
+    m_cameraTabs->setUsesScrollButtons(true);
+    m_cameraTabs->setElideMode(Qt::ElideRight);
+    m_cameras = new CkCameraController(m_area, m_cameraTabs, this);
+    m_statusBar = new CkStatusBar(m_area, this);
+    setStatusBar(m_statusBar);
     createDocks();
     createRecordings();
-    createFileOpener();
-    createFileMenu();
-    m_menus.append(menuBar()->addMenu(tr("&Camera")));
-    m_pCameraMenu = new CkCameraMenu(m_pCameras, m_menus.last(), this);
-    createViewMenu();
-    createPictureMenu();
-    createChainMenu();
-    createRecordingMenu();
-    m_menus.append(menuBar()->addMenu(tr("&Plug-ins")));
-    createHelpMenu();
-    for (QMenu* menu : menuBar()->findChildren<QMenu*>()) {
-        menu->setToolTipsVisible(true);
-    }
-
-    const auto openView = [this](CkChainable* pBlock) { openViewOn(pBlock); };
-    connect(m_pChainPanel, &CkChainPanel::viewRequested, this, openView);
-    connect(m_pChainPanel, &CkChainPanel::saveRequested, this, &CkMainWindow::saveChainWithDialog);
-    connect(m_pChainPanel, &CkChainPanel::loadRequested, this, &CkMainWindow::openChainWithDialog);
-    connect(m_pArea, &CkViewArea::viewAdded, this, &CkMainWindow::equipView);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkMainWindow::updateActions);
-    connect(m_pArea, &CkViewArea::activeViewChanged, m_pCameraMenu, &CkCameraMenu::refresh);
+    createFileControllers();
+    createMenus();
+    connectParts();
     updateActions();
-
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    const QSize available = screen != nullptr ? screen->availableSize() : QSize(1600, 1000);
-    resize(QSize(1600, 1000).boundedTo(available - kFrame));
-    const int share = int(kLargestShare * width());
-    resizeDocks({m_docks[0], m_docks[1]}, {std::min(kLeftWidth, share), std::min(kRightWidth, share)},
-                Qt::Horizontal);
-    resizeDocks({m_pLogDock}, {kLogHeight}, Qt::Vertical);
-    m_defaultState = saveState();
+    setInitialLayout();
 }
 
 CkMainWindow::~CkMainWindow() {
-    // Panels look at views and chains: the views go while the panels are still there.
-    m_pArea->closeAllViews(false);
-}
-
-QDockWidget* CkMainWindow::addDock(const QString& sName, const QString& sTitle, QWidget* pWidget,
-                                   Qt::DockWidgetArea area) {
-    auto* dock = new QDockWidget(sTitle, this);
-    dock->setObjectName(sName);
-    dock->setWidget(pWidget);
-    addDockWidget(area, dock);
-    m_docks.append(dock);
-    return dock;
+    // Panels look at views and chains: the views close while the panels still exist.
+    m_area->closeAllViews(false);
 }
 
 void CkMainWindow::createDocks() {
-    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
-    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    addDock(QStringLiteral("dockCameras"), tr("Cameras"), new CkPanelScrollArea(m_pCameraTabs),
-            Qt::LeftDockWidgetArea);
-    m_pChainPanel = new CkChainPanel(m_pArea);
-    addDock(QStringLiteral("dockChain"), tr("Processing Chain"), new CkPanelScrollArea(m_pChainPanel),
-            Qt::RightDockWidgetArea);
-    m_pLutPanel = new CkLutPanel(m_pArea);
-    QDockWidget* const colours = addDock(QStringLiteral("dockColours"), tr("Colours"),
-                                         new CkPanelScrollArea(m_pLutPanel), Qt::RightDockWidgetArea);
-    m_pQualityPanel = new CkQualityPanel(m_pArea);
-    QDockWidget* const quality = addDock(QStringLiteral("dockQuality"), tr("Quality"),
-                                         new CkPanelScrollArea(m_pQualityPanel), Qt::RightDockWidgetArea);
-    connect(quality, &QDockWidget::visibilityChanged, m_pQualityPanel, &CkQualityPanel::setInSight);
-    connect(m_pQualityPanel, &CkQualityPanel::sightWanted, quality, [quality] {
+    m_docks = new CkPanelDocks(this);
+    m_cameraDock = m_docks->add(QStringLiteral("dockCameras"), tr("Cameras"),
+                                new CkPanelScrollArea(m_cameraTabs), Qt::LeftDockWidgetArea);
+    m_chainPanel = new CkChainPanel(m_area);
+    m_chainDock = m_docks->add(QStringLiteral("dockChain"), tr("Processing Chain"),
+                               new CkPanelScrollArea(m_chainPanel), Qt::RightDockWidgetArea);
+    m_lutPanel = new CkLutPanel(m_area);
+    QDockWidget* colours = m_docks->add(QStringLiteral("dockColours"), tr("Colours"),
+                                        new CkPanelScrollArea(m_lutPanel), Qt::RightDockWidgetArea);
+    m_qualityPanel = new CkQualityPanel(m_area);
+    QDockWidget* quality = m_docks->add(QStringLiteral("dockQuality"), tr("Quality"),
+                                        new CkPanelScrollArea(m_qualityPanel), Qt::RightDockWidgetArea);
+    connect(quality, &QDockWidget::visibilityChanged, m_qualityPanel, &CkQualityPanel::setInSight);
+    connect(m_qualityPanel, &CkQualityPanel::sightWanted, quality, [quality] {
         quality->show();
         quality->raise();
     });
     tabifyDockWidget(colours, quality);
     colours->raise();
-    m_pLogPanel = new CkLogPanel;
-    m_pLogDock = addDock(QStringLiteral("dockLog"), tr("Log"), m_pLogPanel, Qt::BottomDockWidgetArea);
-    m_docks[0]->setMinimumWidth(kLeastWidth);
-    m_docks[1]->setMinimumWidth(kLeastWidth);
+    m_logPanel = new CkLogPanel;
+    m_logDock = m_docks->add(QStringLiteral("dockLog"), tr("Log"), m_logPanel, Qt::BottomDockWidgetArea);
 }
 
-void CkMainWindow::equipPluginMenu() {
-    // Plug-ins do not know each other; the window gives out what is free.
-    int number = 0;
-    for (QMenu* menu : menu(IkAppDelegate::PluginMenu)->findChildren<QMenu*>()) {
+void CkMainWindow::createRecordings() {
+    m_recordings = new CkRecordingController(m_area, this);
+    m_statusBar->addPermanentWidget(m_recordings->lamp());
+    auto* centre = new QWidget(this);
+    auto* column = new QVBoxLayout(centre);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_area, 1);
+    column->addWidget(m_recordings->bar());
+    setCentralWidget(centre);
+    m_recordingDock = m_docks->add(QStringLiteral("dockRecordings"), tr("Recordings"), m_recordings->panel(),
+                                   Qt::BottomDockWidgetArea);
+    m_recordingDock->hide();
+}
+
+void CkMainWindow::createFileControllers() {
+    m_chainFiles = new CkChainFileController(m_area, m_cameras, this);
+    m_fileOpener = new CkFileOpener(this);
+    m_chainFiles->addFileKind(m_fileOpener);
+    m_recordings->addFileKinds(m_fileOpener);
+}
+
+void CkMainWindow::createMenus() {
+    // The order in m_menus is the one plug-ins know.
+    m_menus.append(menuBar()->addMenu(tr("&File")));
+    m_fileMenu = new CkFileMenu(m_menus.last(), m_fileOpener, m_chainFiles, this);
+    m_menus.append(menuBar()->addMenu(tr("&Camera")));
+    m_cameraMenu = new CkCameraMenu(m_cameras, m_menus.last(), this);
+    m_menus.append(menuBar()->addMenu(tr("&View")));
+    m_viewMenu = new CkViewMenu(m_menus.last(), m_area, m_docks, this);
+    m_pictureMenu =
+        new CkPictureMenu(menuBar()->addMenu(tr("P&icture")), m_area, m_qualityPanel->menuActions(), this);
+    createChainMenu();
+    createRecordingMenu();
+    m_menus.append(menuBar()->addMenu(tr("&Plug-ins")));
+    m_menus.append(menuBar()->addMenu(tr("&Help")));
+    m_helpMenu = new CkHelpMenu(m_menus.last(), menuBar(), this);
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>()) {
         menu->setToolTipsVisible(true);
     }
-    for (QAction* action : leavesOf(menu(IkAppDelegate::PluginMenu))) {
-        if (action->shortcut().isEmpty() && number < 9) {
+}
+
+void CkMainWindow::createChainMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("Chai&n"));
+    menu->addMenu(m_chainPanel->addMenu());
+    menu->addActions(m_chainPanel->blockActions());
+}
+
+void CkMainWindow::createRecordingMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("&Recording"));
+    menu->setObjectName(QStringLiteral("menuRecording"));
+    menu->addActions(m_recordings->menuActions());
+    connect(menu, &QMenu::aboutToShow, m_recordings, &CkRecordingController::refresh);
+}
+
+void CkMainWindow::connectParts() {
+    connect(m_cameras, &CkCameraController::cameraReady, this, &CkMainWindow::addRecordButton);
+    connect(m_recordings, &CkRecordingController::panelWanted, m_recordingDock, &QWidget::show);
+    connect(m_recordings, &CkRecordingController::openRequested, m_fileMenu, &CkFileMenu::openOrReport);
+    connect(m_chainPanel, &CkChainPanel::viewRequested, this, &CkMainWindow::openView);
+    connect(m_chainPanel, &CkChainPanel::saveRequested, m_fileMenu, &CkFileMenu::saveChainWithDialog);
+    connect(m_chainPanel, &CkChainPanel::loadRequested, m_fileMenu, &CkFileMenu::openChainWithDialog);
+    connect(m_pictureMenu, &CkPictureMenu::viewChanged, m_lutPanel, &CkLutPanel::refresh);
+    connect(m_viewMenu, &CkViewMenu::fullScreenRequested, this, &CkMainWindow::setFullScreen);
+    connect(m_viewMenu, &CkViewMenu::logSearchRequested, this, &CkMainWindow::searchLog);
+    connect(m_area, &CkViewArea::viewAdded, this, &CkMainWindow::addMenuActions);
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkMainWindow::updateActions);
+    connect(m_area, &CkViewArea::activeViewChanged, m_cameraMenu, &CkCameraMenu::refresh);
+}
+
+void CkMainWindow::setInitialLayout() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QSize available = screen != nullptr ? screen->availableSize() : kInitialSize;
+    resize(kInitialSize.boundedTo(available - kFrame));
+    m_docks->setInitialLayout(m_cameraDock, m_chainDock, m_logDock);
+}
+
+void CkMainWindow::assignPluginShortcuts() {
+    // Plug-ins do not know each other, so the window hands out shortcuts.
+    QMenu* plugins = menu(IkAppDelegate::PluginMenu);
+    for (QMenu* submenu : plugins->findChildren<QMenu*>()) {
+        submenu->setToolTipsVisible(true);
+    }
+    int number = 0;
+    for (QAction* action : leavesOf(plugins)) {
+        if (action->shortcut().isEmpty() && number < kPluginShortcuts) {
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key(Qt::Key_1 + number)));
             ++number;
         }
     }
 }
 
-void CkMainWindow::equipView(int iViewId) {
-    CkMdiView* view = m_pArea->view(iViewId);
-    // In a window of its own there is no menu, but its keys are wanted there, too.
+void CkMainWindow::addMenuActions(int viewId) {
+    CkMdiView* view = m_area->view(viewId);
+    // A view in a window of its own has no menu bar, but is to obey its shortcuts.
     if (view != nullptr && view->isWindow()) {
         for (const QAction* action : menuBar()->actions()) {
             view->addActions(leavesOf(action->menu()));
@@ -172,139 +228,82 @@ void CkMainWindow::equipView(int iViewId) {
     }
 }
 
-void CkMainWindow::createRecordings() {
-    m_pRecordings = new CkRecordingController(m_pArea, this);
-    m_pStatusBar->addPermanentWidget(m_pRecordings->lamp());
-    auto* centre = new QWidget(this);
-    auto* column = new QVBoxLayout(centre);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(m_pArea, 1);
-    column->addWidget(m_pRecordings->bar());
-    setCentralWidget(centre);
-    QDockWidget* dock = addDock(QStringLiteral("dockRecordings"), tr("Recordings"), m_pRecordings->panel(),
-                                Qt::BottomDockWidgetArea);
-    dock->hide();
-    connect(m_pRecordings, &CkRecordingController::panelWanted, dock, &QWidget::show);
-    connect(m_pRecordings, &CkRecordingController::openRequested, this, &CkMainWindow::openOrTell);
-    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkMainWindow::addRecordButton);
-}
-
-void CkMainWindow::addRecordButton(void* pCameraHandle) {
-    CkCameraPanel* panel = m_pCameras->panel(pCameraHandle);
+void CkMainWindow::addRecordButton(void* camera) {
+    CkCameraPanel* panel = m_cameras->panel(camera);
     if (panel == nullptr) {
         return;
     }
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_pRecordings->createRecordButton(
-        pCameraHandle, [this, pCameraHandle] { m_pCameras->openView(pCameraHandle); }, panel));
+    row->addWidget(m_recordings->createRecordButton(
+        camera, [this, camera] { m_cameras->openView(camera); }, panel));
     panel->addToolLayout(row);
 }
 
-QMenu* CkMainWindow::menu(int iMenuId) const {
-    return m_menus.value(iMenuId);
+QMenu* CkMainWindow::menu(int menuId) const {
+    return m_menus.value(menuId);
 }
 
-bool CkMainWindow::openChainFile(const QString& sFileName, QString& sError) {
-    CkCameraManager* manager = CkCameraManager::instance();
-    QStringList known;
-    for (const SkCameraInfo& info : manager->availableCameras()) {
-        known.append(info.id);
-    }
-    const QList<void*> openBefore = manager->openedCameras();
-    for (const QString& id : CkChainFile::camerasIn(sFileName, known)) {
-        m_pCameras->openCamera(id, false);
-    }
-    CkChain* chain = CkChainLoader(sFileName, this).load(sError);
-    if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
-        CkChainManager::instance()->closeChain(chain);
-        chain = nullptr;
-        sError = tr("%1: the chain is empty.").arg(sFileName);
-    }
-    if (chain == nullptr) {
-        for (void* handle : manager->openedCameras()) {
-            if (!openBefore.contains(handle)) {
-                m_pCameras->closeCamera(handle);
-            }
-        }
-        return false;
-    }
-    for (CkChainable* end : CkChainFile::shownEnds(chain, sFileName)) {
-        m_pArea->addView(new CkImageView(end));
-    }
-    chain->start();
-    QSet<void*> started;
-    for (CkChainable* source : chain->imageSources()) {
-        for (void* handle : qobject_cast<CkImageSource*>(source)->cameraHandles()) {
-            if (!started.contains(handle)) {
-                started.insert(handle);
-                m_pCameras->start(handle);
-            }
-        }
-    }
-    addRecent(sFileName);
-    return true;
-}
-
-CkChain* CkMainWindow::activeChain() const {
-    const CkMdiView* view = m_pArea->activeView();
-    const CkChainable* provider = view != nullptr ? view->dataProvider() : nullptr;
-    return provider != nullptr ? provider->chain() : nullptr;
-}
-
-bool CkMainWindow::saveChain(const CkChain& chain, const QString& sFileName, QString& sError) {
-    if (!CkChainFile::save(&chain, sFileName, sError)) {
-        return false;
-    }
-    addRecent(sFileName);
-    return true;
-}
-
-bool CkMainWindow::saveChainFile(const QString& sFileName, QString& sError) {
-    const CkChain* chain = activeChain();
-    sError = tr("The active view shows no chain.");
-    return chain != nullptr && saveChain(*chain, sFileName, sError);
-}
-
-void CkMainWindow::openViewOn(CkChainable* pBlock) {
-    if (pBlock != nullptr && pBlock->chain() != nullptr) {
-        m_pArea->addView(new CkImageView(pBlock));
+void CkMainWindow::openView(CkChainable* block) {
+    if (block != nullptr && block->chain() != nullptr) {
+        m_area->addView(new CkImageView(block));
     }
 }
 
-void CkMainWindow::setFullScreen(bool bOn) {
-    if (bOn != isFullScreen()) {
+void CkMainWindow::searchLog() {
+    m_logDock->show();
+    m_logPanel->focusSearch();
+}
+
+void CkMainWindow::updateActions() {
+    m_fileMenu->refresh();
+    m_viewMenu->refresh();
+    m_pictureMenu->refresh();
+}
+
+void CkMainWindow::setFullScreen(bool on) {
+    if (on != isFullScreen()) {
         setWindowState(windowState() ^ Qt::WindowFullScreen);
     }
-    m_pFullScreenAction->setChecked(bOn);
+    m_viewMenu->setFullScreenChecked(on);
 }
 
 void CkMainWindow::restoreLayout() {
-    SkWindowLayout::load().applyTo(*this, *m_pArea);
-    m_pFullScreenAction->setChecked(isFullScreen());
-    m_pArrangeAction->setChecked(m_pArea->arrangesItself());
+    SkWindowLayout::load().applyTo(*this, *m_area);
+    m_viewMenu->setFullScreenChecked(isFullScreen());
+    m_viewMenu->refresh();
 }
 
 void CkMainWindow::saveLayout() const {
-    SkWindowLayout::of(*this, *m_pArea, m_sessionScope).save();
+    SkWindowLayout::of(*this, *m_area, m_sessionScope).save();
 }
 
-void CkMainWindow::resetLayout() {
-    restoreState(m_defaultState);
-    m_pArea->setArrangesItself(true);
-    m_pArrangeAction->setChecked(true);
-}
-
-void CkMainWindow::closeEvent(QCloseEvent* pEvent) {
+void CkMainWindow::closeEvent(QCloseEvent* event) {
     // Before the views close, which are part of the session.
     if (m_sessionScope != EkSessionScope::Nothing) {
         saveLayout();
     }
-    if (!m_pArea->closeAllViews(true)) {
-        pEvent->ignore();
+    if (!m_area->closeAllViews(true)) {
+        event->ignore();
         return;
     }
     emit closing();
-    pEvent->accept();
+    event->accept();
+}
+
+void CkMainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!localFiles(*event->mimeData()).isEmpty()) {
+        acceptAsCopy(*event);
+    }
+}
+
+void CkMainWindow::dropEvent(QDropEvent* event) {
+    const QStringList files = localFiles(*event->mimeData());
+    acceptAsCopy(*event);
+    // The program that the files come from is blocked until this returns.
+    QTimer::singleShot(0, this, [this, files] {
+        for (const QString& file : files) {
+            m_fileMenu->openOrReport(file);
+        }
+    });
 }

@@ -1,143 +1,123 @@
 #pragma once
 
 #include "host/viewer/session/SkWindowLayout.h"
-#include "zuCore/CkChainable.h"
 
 #include <QMainWindow>
-#include <QPointer>
 
 class CkCameraController;
 class CkCameraMenu;
+class CkChainFileController;
 class CkChainPanel;
+class CkChainable;
+class CkFileMenu;
 class CkFileOpener;
+class CkHelpMenu;
 class CkLogPanel;
 class CkLutPanel;
+class CkPanelDocks;
+class CkPictureMenu;
 class CkQualityPanel;
 class CkRecordingController;
 class CkStatusBar;
 class CkViewArea;
+class CkViewMenu;
 class QDockWidget;
 class QMenu;
 class QTabWidget;
 
-/// The viewer's window: views in the middle, cameras on the left, chain and colours on the right, log below.
-/// User-interface thread.
+/// The viewer's window: views in the middle, cameras on the left, chain and colours on the right, log at the
+/// bottom. It creates what the rooms offer, places it and connects it. User-interface thread.
 class CkMainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    explicit CkMainWindow(QWidget* pParent = nullptr);
+    explicit CkMainWindow(QWidget* parent = nullptr);
     ~CkMainWindow() override;
 
-    CkViewArea* area() const { return m_pArea; }
-    CkCameraController* cameras() const { return m_pCameras; }
-    CkChainPanel* chainPanel() const { return m_pChainPanel; }
-    CkLutPanel* lutPanel() const { return m_pLutPanel; }
-    CkQualityPanel* qualityPanel() const { return m_pQualityPanel; }
-    CkLogPanel* logPanel() const { return m_pLogPanel; }
-    CkStatusBar* viewStatusBar() const { return m_pStatusBar; }
-    CkCameraMenu* cameraMenu() const { return m_pCameraMenu; }
+    // Never null, and owned by the window.
+    CkViewArea* area() const { return m_area; }
+    CkCameraController* cameras() const { return m_cameras; }
+    CkRecordingController* recordings() const { return m_recordings; }
+    CkChainFileController* chainFiles() const { return m_chainFiles; }
+    /// Opens files of every kind that the viewer knows.
+    CkFileOpener* fileOpener() const { return m_fileOpener; }
+    CkChainPanel* chainPanel() const { return m_chainPanel; }
+    CkLutPanel* lutPanel() const { return m_lutPanel; }
+    CkQualityPanel* qualityPanel() const { return m_qualityPanel; }
+    CkLogPanel* logPanel() const { return m_logPanel; }
+    CkStatusBar* viewStatusBar() const { return m_statusBar; }
+    CkCameraMenu* cameraMenu() const { return m_cameraMenu; }
+    CkViewMenu* viewMenu() const { return m_viewMenu; }
+    CkHelpMenu* helpMenu() const { return m_helpMenu; }
 
     /// IkAppDelegate::EkMenuId; null for any other number.
-    QMenu* menu(int iMenuId) const;
+    QMenu* menu(int menuId) const;
 
     /// Gives the entries that plug-ins have put into their menu shortcuts, where they have none. Once the
     /// plug-ins are loaded.
-    void equipPluginMenu();
+    void assignPluginShortcuts();
 
-    CkRecordingController* recordings() const { return m_pRecordings; }
+    void setFullScreen(bool on);
 
-    /// Opens files of every kind that the viewer knows.
-    CkFileOpener* fileOpener() const { return m_pOpener; }
-
-    /// Opens a file; a box says why it cannot be.
-    void openOrTell(const QString& sFileName);
-
-    /// Opens a chain file: the cameras it names, its chain, and a picture view on each of its ends; then
-    /// starts them. False, with sError set, when that cannot be.
-    bool openChainFile(const QString& sFileName, QString& sError);
-    /// Chain files opened or saved last, newest first.
-    static QStringList recentChains();
-    /// Saves the active view's chain.
-    bool saveChainFile(const QString& sFileName, QString& sError);
-
-    void setFullScreen(bool bOn);
-
-    /// What the active view is or shows has changed: enables what can be done with it.
-    void updateActions();
-
-    /// Window geometry and dock layout, from and to the settings. Saving remembers what is open, too.
+    /// Window geometry and dock layout, from and to the settings. Saving includes the session if the scope
+    /// does.
     void restoreLayout();
     void saveLayout() const;
-    /// Panels as in a new installation; the views stay.
-    void resetLayout();
     /// What closing the window saves.
     void setSessionScope(EkSessionScope scope) { m_sessionScope = scope; }
 
-    /// Texts for Help > About: one line per loaded plug-in.
-    void setPluginTexts(const QStringList& texts) { m_pluginTexts = texts; }
+public slots:
+    /// What the active view is or shows has changed: enables what can be done with it.
+    void updateActions();
 
 signals:
     /// The user closed the window and no view objected.
     void closing();
 
 protected:
-    void closeEvent(QCloseEvent* pEvent) override;
-    void dragEnterEvent(QDragEnterEvent* pEvent) override;
-    void dropEvent(QDropEvent* pEvent) override;
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
-    QDockWidget* addDock(const QString& sName, const QString& sTitle, QWidget* pWidget,
-                         Qt::DockWidgetArea area);
     void createDocks();
-    void createFileMenu();
-    void createViewMenu();
-    QAction* createPanelAction(QDockWidget* pDock);
-    void createPictureMenu();
-    void createChainMenu();
-    void createHelpMenu();
-    void updatePictureActions();
-    void openChainWithDialog();
-    void openRecordingWithDialog();
-    void createFileOpener();
     void createRecordings();
-    void addRecordButton(void* pCameraHandle);
+    void createFileControllers();
+    void createMenus();
+    void createChainMenu();
     void createRecordingMenu();
-    void fillRecentMenu();
-    static void addRecent(const QString& sFileName);
-    CkChain* activeChain() const;
-    static bool saveChain(const CkChain& chain, const QString& sFileName, QString& sError);
-    void saveChainWithDialog();
-    void openViewOn(CkChainable* pBlock);
-    void equipView(int iViewId);
-    void showAbout();
+    void connectParts();
+    void setInitialLayout();
+    void addRecordButton(void* camera);
+    void addMenuActions(int viewId);
+    void openView(CkChainable* block);
+    void searchLog();
 
-    CkViewArea* m_pArea;
-    QTabWidget* m_pCameraTabs;
-    CkCameraController* m_pCameras;
-    CkFileOpener* m_pOpener = nullptr;
-    CkRecordingController* m_pRecordings = nullptr;
-    CkChainPanel* m_pChainPanel = nullptr;
-    CkLutPanel* m_pLutPanel = nullptr;
-    CkQualityPanel* m_pQualityPanel = nullptr;
-    CkLogPanel* m_pLogPanel = nullptr;
-    CkStatusBar* m_pStatusBar = nullptr;
-    CkCameraMenu* m_pCameraMenu = nullptr;
-    QDockWidget* m_pLogDock = nullptr;
-    QList<QDockWidget*> m_docks;
-    QList<QMenu*> m_menus;
-    QMenu* m_pRecentMenu = nullptr;
-    QAction* m_pSaveChainAction = nullptr;
-    QAction* m_pArrangeAction = nullptr;
-    QAction* m_pFullScreenAction = nullptr;
-    QAction* m_pAutoContrastAction = nullptr;
-    QAction* m_pSaturatedAction = nullptr;
-    QAction* m_pLegendAction = nullptr;
-    QList<QAction*> m_viewActions;     ///< need any active view
-    QList<QAction*> m_pictureActions;  ///< need an active picture view
-    QList<QAction*> m_contrastActions; ///< need one that is coloured by a table
-    QList<QAction*> m_channelActions;  ///< need one of several channels
-    QStringList m_pluginTexts;
-    QByteArray m_defaultState;
+    CkViewArea* m_area = nullptr;
+    QTabWidget* m_cameraTabs = nullptr;
+    CkStatusBar* m_statusBar = nullptr;
+    CkPanelDocks* m_docks = nullptr;
+
+    CkCameraController* m_cameras = nullptr;
+    CkRecordingController* m_recordings = nullptr;
+    CkChainFileController* m_chainFiles = nullptr;
+    CkFileOpener* m_fileOpener = nullptr;
+
+    CkChainPanel* m_chainPanel = nullptr;
+    CkLutPanel* m_lutPanel = nullptr;
+    CkQualityPanel* m_qualityPanel = nullptr;
+    CkLogPanel* m_logPanel = nullptr;
+    QDockWidget* m_cameraDock = nullptr;
+    QDockWidget* m_chainDock = nullptr;
+    QDockWidget* m_logDock = nullptr;
+    QDockWidget* m_recordingDock = nullptr;
+
+    CkFileMenu* m_fileMenu = nullptr;
+    CkCameraMenu* m_cameraMenu = nullptr;
+    CkViewMenu* m_viewMenu = nullptr;
+    CkPictureMenu* m_pictureMenu = nullptr;
+    CkHelpMenu* m_helpMenu = nullptr;
+    QList<QMenu*> m_menus; ///< by IkAppDelegate::EkMenuId
+
     EkSessionScope m_sessionScope = EkSessionScope::LayoutAndSession;
 };

@@ -11,6 +11,8 @@
 #include "host/viewer/session/CkSessionReader.h"
 #include "host/viewer/session/CkSessionSaver.h"
 #include "host/viewer/shell/CkAppDelegate.h"
+#include "host/viewer/shell/CkChainFileController.h"
+#include "host/viewer/shell/CkHelpMenu.h"
 #include "host/viewer/shell/CkMainWindow.h"
 #include "host/viewer/shell/CkUnattendedRun.h"
 #include "sim/camera/CkSimCameraDriver.h"
@@ -106,6 +108,44 @@ void CkViewerSession::watchView(int iViewId) {
 
 bool CkViewerSession::start() {
     qInfo("%s", qUtf8Printable(ViewerVersion::text()));
+    loadPlugins();
+    // Named cameras or files are opened instead of the last session, which stays stored.
+    const bool named =
+        !m_options.cameras.isEmpty() || !m_options.chainFiles.isEmpty() || !m_options.files.isEmpty();
+    const EkSessionScope scope = m_options.unattended() ? EkSessionScope::Nothing
+                                 : named                ? EkSessionScope::Layout
+                                                        : EkSessionScope::LayoutAndSession;
+    m_window->setSessionScope(scope);
+    m_window->recordings()->setAsks(!m_options.unattended());
+    const bool restoresLayout = !m_options.unattended() && !m_options.cleanStart;
+    const bool restoresSession = restoresLayout && !named;
+    if (restoresLayout) {
+        m_window->restoreLayout();
+    }
+    if (m_options.windowSize.isValid()) {
+        m_window->resize(m_options.windowSize);
+    }
+    m_window->show();
+    bool ok = openCameras();
+    ok = openFiles() && ok;
+    if (restoresSession) {
+        restoreSession();
+    }
+    if (m_options.open3dView || !m_options.triggers.isEmpty()) {
+        actWhenReady();
+    }
+    if (m_options.unattended()) {
+        m_unattended = std::make_unique<CkUnattendedRun>(m_options, m_window.get());
+        connect(m_unattended.get(), &CkUnattendedRun::finished, this, &CkViewerSession::finished);
+        m_unattended->start();
+    } else {
+        m_saver = std::make_unique<CkSessionSaver>(m_window.get(), m_window->area(), scope, restoresSession);
+        connect(m_window.get(), &CkMainWindow::closing, m_saver.get(), &CkSessionSaver::end);
+    }
+    return ok;
+}
+
+void CkViewerSession::loadPlugins() {
     const QString folder = CkPluginHost::defaultFolder();
     if (!folder.isEmpty()) {
         m_plugins->load(folder);
@@ -117,52 +157,20 @@ bool CkViewerSession::start() {
     for (const CkPluginLoader::SkLoadedPlugin& loaded : m_plugins->plugins()) {
         texts.append(QStringLiteral("%1: %2").arg(loaded.name, loaded.description));
     }
-    m_window->setPluginTexts(texts);
-    m_window->equipPluginMenu();
-    // Whoever names cameras or files gets these and no others, and finds the others again later.
-    const bool named =
-        !m_options.cameras.isEmpty() || !m_options.chainFiles.isEmpty() || !m_options.files.isEmpty();
-    const EkSessionScope scope = m_options.unattended() ? EkSessionScope::Nothing
-                                 : named                ? EkSessionScope::Layout
-                                                        : EkSessionScope::LayoutAndSession;
-    m_window->setSessionScope(scope);
-    m_window->recordings()->setAsks(!m_options.unattended());
-    const bool remembers = !m_options.unattended() && !m_options.cleanStart;
-    if (remembers) {
-        m_window->restoreLayout();
+    m_window->helpMenu()->setPluginTexts(texts);
+    m_window->assignPluginShortcuts();
+}
+
+void CkViewerSession::restoreSession() {
+    const SkRestoredSession restored = CkSessionReader::restoreLast(m_window->area(), m_window->cameras());
+    for (const int id : restored.viewsWith3d) {
+        whenReady(id, [this, id] {
+            open3dView(id);
+            if (CkMdiView* view = m_window->area()->view(id)) {
+                CkSessionReader::set3dViewOpened(*view);
+            }
+        });
     }
-    if (m_options.windowSize.isValid()) {
-        m_window->resize(m_options.windowSize);
-    }
-    m_window->show();
-    bool ok = openCameras();
-    ok = openFiles() && ok;
-    const bool restores = remembers && !named;
-    if (restores) {
-        const SkRestoredSession restored =
-            CkSessionReader::restoreLast(m_window->area(), m_window->cameras());
-        for (const int id : restored.viewsWith3d) {
-            whenReady(id, [this, id] {
-                open3dView(id);
-                if (CkMdiView* view = m_window->area()->view(id)) {
-                    CkSessionReader::set3dViewOpened(*view);
-                }
-            });
-        }
-    }
-    if (m_options.open3dView || !m_options.triggers.isEmpty()) {
-        actWhenReady();
-    }
-    if (m_options.unattended()) {
-        m_unattended = std::make_unique<CkUnattendedRun>(m_options, m_window.get());
-        connect(m_unattended.get(), &CkUnattendedRun::finished, this, &CkViewerSession::finished);
-        m_unattended->start();
-    }
-    if (!m_options.unattended()) {
-        m_saver = std::make_unique<CkSessionSaver>(m_window.get(), m_window->area(), scope, restores);
-        connect(m_window.get(), &CkMainWindow::closing, m_saver.get(), &CkSessionSaver::end);
-    }
-    return ok;
 }
 
 bool CkViewerSession::openCameras() {
@@ -185,7 +193,7 @@ bool CkViewerSession::openFiles() {
     bool ok = true;
     for (const QString& fileName : m_options.chainFiles) {
         QString error;
-        if (!m_window->openChainFile(fileName, error)) {
+        if (!m_window->chainFiles()->open(fileName, error)) {
             qCritical("%s", qUtf8Printable(error));
             ok = false;
         }

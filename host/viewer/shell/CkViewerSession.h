@@ -46,6 +46,8 @@ signals:
 
 private:
     void watchView(int iViewId);
+    void loadPlugins();
+    void restoreSession();
     bool openCameras();
     bool openFiles();
     /// Calls a function once a view has shown its first frame.

@@ -423,6 +423,21 @@ Kennung %3</translation>
     </message>
 </context>
 <context>
+    <name>CkChainFileController</name>
+    <message>
+        <source>%1: the chain is empty.</source>
+        <translation>%1: Die Kette ist leer.</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain.</source>
+        <translation>Die aktive Ansicht zeigt keine Kette.</translation>
+    </message>
+    <message>
+        <source>Chain files</source>
+        <translation>Kettendateien</translation>
+    </message>
+</context>
+<context>
     <name>CkChainLoader</name>
     <message>
         <source>Opening &quot;%1&quot;: block %2 of %3</source>
@@ -845,6 +860,77 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
 </context>
 <context>
+    <name>CkFileMenu</name>
+    <message>
+        <source>&amp;Open Chain...</source>
+        <translation>Kette ö&amp;ffnen...</translation>
+    </message>
+    <message>
+        <source>Open R&amp;ecording...</source>
+        <translation>&amp;Aufnahme öffnen...</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;Save Chain...</source>
+        <translation>Kette &amp;speichern...</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Open Chain</source>
+        <translation>Kette öffnen</translation>
+    </message>
+    <message>
+        <source>Chain files (*.zuchain);;All files (*)</source>
+        <translation>Kettendateien (*.zuchain);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Open Recording</source>
+        <translation>Aufnahme öffnen</translation>
+    </message>
+    <message>
+        <source>No file was opened yet</source>
+        <translation>Es wurde noch keine Datei geöffnet</translation>
+    </message>
+    <message>
+        <source>Files opened or saved last</source>
+        <translation>Zuletzt geöffnete oder gespeicherte Dateien</translation>
+    </message>
+    <message>
+        <source>Save Chain</source>
+        <translation>Kette speichern</translation>
+    </message>
+    <message>
+        <source>Chain files (*.zuchain)</source>
+        <translation>Kettendateien (*.zuchain)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>The chain has been closed in the meantime.</source>
+        <translation>Die Kette wurde inzwischen geschlossen.</translation>
+    </message>
+    <message>
+        <source>Save the active view&apos;s chain</source>
+        <translation>Die Kette der aktiven Ansicht speichern</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain</source>
+        <translation>Die aktive Ansicht zeigt keine Kette</translation>
+    </message>
+</context>
+<context>
     <name>CkFileOpener</name>
     <message>
         <source>&quot;%1&quot; is a folder; open the files in it.</source>
@@ -869,6 +955,29 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
+    </message>
+</context>
+<context>
+    <name>CkHelpMenu</name>
+    <message>
+        <source>&amp;Keyboard and Mouse</source>
+        <translation>&amp;Tastatur und Maus</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>&amp;Über</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;Viewer for industrial cameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</source>
+        <translation>&lt;p&gt;Betrachter für Industriekameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;none&lt;/p&gt;</source>
+        <translation>&lt;p&gt;keine&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>About zuviewer</source>
+        <translation>Über zuviewer</translation>
     </message>
 </context>
 <context>
@@ -1087,240 +1196,36 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Protokoll</translation>
     </message>
     <message>
-        <source>%1: the chain is empty.</source>
-        <translation>%1: Die Kette ist leer.</translation>
-    </message>
-    <message>
-        <source>The active view shows no chain.</source>
-        <translation>Die aktive Ansicht zeigt keine Kette.</translation>
-    </message>
-    <message>
-        <source>Chain files (*.zuchain);;All files (*)</source>
-        <translation>Kettendateien (*.zuchain);;Alle Dateien (*)</translation>
-    </message>
-    <message>
         <source>&amp;File</source>
         <translation>&amp;Datei</translation>
-    </message>
-    <message>
-        <source>&amp;Open Chain...</source>
-        <translation>Kette ö&amp;ffnen...</translation>
-    </message>
-    <message>
-        <source>Open &amp;Recent</source>
-        <translation>&amp;Zuletzt geöffnet</translation>
-    </message>
-    <message>
-        <source>&amp;Save Chain...</source>
-        <translation>Kette &amp;speichern...</translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
-        <translation>&amp;Beenden</translation>
     </message>
     <message>
         <source>&amp;View</source>
         <translation>&amp;Ansicht</translation>
     </message>
     <message>
-        <source>Zoom to &amp;Fit</source>
-        <translation>Ein&amp;passen</translation>
-    </message>
-    <message>
-        <source>&amp;Original Size (1:1)</source>
-        <translation>&amp;Originalgröße (1:1)</translation>
-    </message>
-    <message>
-        <source>Zoom &amp;In</source>
-        <translation>Ver&amp;größern</translation>
-    </message>
-    <message>
-        <source>Zoom O&amp;ut</source>
-        <translation>Ver&amp;kleinern</translation>
-    </message>
-    <message>
-        <source>&amp;Tile</source>
-        <translation>&amp;Nebeneinander</translation>
-    </message>
-    <message>
-        <source>C&amp;ascade</source>
-        <translation>&amp;Überlappend</translation>
-    </message>
-    <message>
-        <source>Arrange Auto&amp;matically</source>
-        <translation>Auto&amp;matisch anordnen</translation>
-    </message>
-    <message>
-        <source>Tile the views whenever one comes or goes</source>
-        <translation>Die Ansichten neu anordnen, sobald eine dazukommt oder geschlossen wird</translation>
-    </message>
-    <message>
-        <source>&amp;Next View</source>
-        <translation>Nä&amp;chste Ansicht</translation>
-    </message>
-    <message>
-        <source>&amp;Previous View</source>
-        <translation>&amp;Vorige Ansicht</translation>
-    </message>
-    <message>
-        <source>&amp;Close View</source>
-        <translation>Ansicht &amp;schließen</translation>
-    </message>
-    <message>
-        <source>Search the &amp;Log</source>
-        <translation>Protokoll &amp;durchsuchen</translation>
-    </message>
-    <message>
-        <source>F&amp;ull Screen</source>
-        <translation>V&amp;ollbild</translation>
-    </message>
-    <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
-    </message>
-    <message>
-        <source>&amp;Keyboard and Mouse</source>
-        <translation>&amp;Tastatur und Maus</translation>
-    </message>
-    <message>
-        <source>&amp;About</source>
-        <translation>&amp;Über</translation>
-    </message>
-    <message>
-        <source>Save the active view&apos;s chain</source>
-        <translation>Die Kette der aktiven Ansicht speichern</translation>
-    </message>
-    <message>
-        <source>The active view shows no chain</source>
-        <translation>Die aktive Ansicht zeigt keine Kette</translation>
-    </message>
-    <message>
-        <source>No view is open</source>
-        <translation>Es ist keine Ansicht offen</translation>
-    </message>
-    <message>
-        <source>The active view is no picture view</source>
-        <translation>Die aktive Ansicht ist keine Bildansicht</translation>
-    </message>
-    <message>
-        <source>Open Chain</source>
-        <translation>Kette öffnen</translation>
-    </message>
-    <message>
-        <source>Save Chain</source>
-        <translation>Kette speichern</translation>
-    </message>
-    <message>
-        <source>&lt;p&gt;Viewer for industrial cameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</source>
-        <translation>&lt;p&gt;Betrachter für Industriekameras.&lt;/p&gt;&lt;p&gt;&lt;b&gt;Plug-ins&lt;/b&gt;&lt;/p&gt;</translation>
-    </message>
-    <message>
-        <source>&lt;p&gt;none&lt;/p&gt;</source>
-        <translation>&lt;p&gt;keine&lt;/p&gt;</translation>
-    </message>
-    <message>
-        <source>About zuviewer</source>
-        <translation>Über zuviewer</translation>
-    </message>
-    <message>
-        <source>&amp;Default Layout</source>
-        <translation>S&amp;tandardanordnung</translation>
-    </message>
-    <message>
-        <source>Put the panels back where they were in the beginning</source>
-        <translation>Die Bedienfelder dorthin zurückstellen, wo sie am Anfang waren</translation>
-    </message>
-    <message>
-        <source>No file was opened yet</source>
-        <translation>Es wurde noch keine Datei geöffnet</translation>
-    </message>
-    <message>
-        <source>Files opened or saved last</source>
-        <translation>Zuletzt geöffnete oder gespeicherte Dateien</translation>
     </message>
     <message>
         <source>P&amp;icture</source>
         <translation>&amp;Bild</translation>
     </message>
     <message>
-        <source>&amp;Automatic Contrast</source>
-        <translation>&amp;Automatischer Kontrast</translation>
-    </message>
-    <message>
-        <source>&amp;Mark Saturated</source>
-        <translation>Sä&amp;ttigung markieren</translation>
-    </message>
-    <message>
-        <source>&amp;Legend</source>
-        <translation>&amp;Legende</translation>
-    </message>
-    <message>
-        <source>&amp;Next Channel</source>
-        <translation>&amp;Nächster Kanal</translation>
-    </message>
-    <message>
-        <source>&amp;Previous Channel</source>
-        <translation>Vo&amp;riger Kanal</translation>
-    </message>
-    <message>
-        <source>&amp;Save Picture...</source>
-        <translation>Bild &amp;speichern...</translation>
-    </message>
-    <message>
-        <source>A colour picture is shown as it is</source>
-        <translation>Ein Farbbild wird gezeigt, wie es ist</translation>
-    </message>
-    <message>
-        <source>The picture has only one channel</source>
-        <translation>Das Bild hat nur einen Kanal</translation>
-    </message>
-    <message>
         <source>Chai&amp;n</source>
         <translation>K&amp;ette</translation>
-    </message>
-    <message>
-        <source>Full &amp;Range</source>
-        <translation>&amp;Voller Bereich</translation>
     </message>
     <message>
         <source>Recordings</source>
         <translation>Aufnahmen</translation>
     </message>
     <message>
-        <source>Open R&amp;ecording...</source>
-        <translation>&amp;Aufnahme öffnen...</translation>
-    </message>
-    <message>
         <source>&amp;Recording</source>
         <translation>Au&amp;fnahme</translation>
     </message>
     <message>
-        <source>Open Recording</source>
-        <translation>Aufnahme öffnen</translation>
-    </message>
-    <message>
-        <source>Chain files</source>
-        <translation>Kettendateien</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Öffnen</translation>
-    </message>
-    <message>
         <source>Quality</source>
         <translation>Qualität</translation>
-    </message>
-    <message>
-        <source>Chain files (*.zuchain)</source>
-        <translation>Kettendateien (*.zuchain)</translation>
-    </message>
-    <message>
-        <source>All files (*)</source>
-        <translation>Alle Dateien (*)</translation>
-    </message>
-    <message>
-        <source>The chain has been closed in the meantime.</source>
-        <translation>Die Kette wurde inzwischen geschlossen.</translation>
     </message>
 </context>
 <context>
@@ -1367,6 +1272,69 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     <message>
         <source>%1 is between two steps; %2 was set.</source>
         <translation>%1 liegt zwischen zwei Schritten; eingestellt ist %2.</translation>
+    </message>
+</context>
+<context>
+    <name>CkPictureMenu</name>
+    <message>
+        <source>&amp;Save Picture...</source>
+        <translation>Bild &amp;speichern...</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;Fit</source>
+        <translation>Ein&amp;passen</translation>
+    </message>
+    <message>
+        <source>&amp;Original Size (1:1)</source>
+        <translation>&amp;Originalgröße (1:1)</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>Ver&amp;größern</translation>
+    </message>
+    <message>
+        <source>Zoom O&amp;ut</source>
+        <translation>Ver&amp;kleinern</translation>
+    </message>
+    <message>
+        <source>&amp;Automatic Contrast</source>
+        <translation>&amp;Automatischer Kontrast</translation>
+    </message>
+    <message>
+        <source>Full &amp;Range</source>
+        <translation>&amp;Voller Bereich</translation>
+    </message>
+    <message>
+        <source>&amp;Mark Saturated</source>
+        <translation>Sä&amp;ttigung markieren</translation>
+    </message>
+    <message>
+        <source>&amp;Legend</source>
+        <translation>&amp;Legende</translation>
+    </message>
+    <message>
+        <source>&amp;Next Channel</source>
+        <translation>&amp;Nächster Kanal</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Channel</source>
+        <translation>Vo&amp;riger Kanal</translation>
+    </message>
+    <message>
+        <source>The active view is no picture view</source>
+        <translation>Die aktive Ansicht ist keine Bildansicht</translation>
+    </message>
+    <message>
+        <source>No view is open</source>
+        <translation>Es ist keine Ansicht offen</translation>
+    </message>
+    <message>
+        <source>A colour picture is shown as it is</source>
+        <translation>Ein Farbbild wird gezeigt, wie es ist</translation>
+    </message>
+    <message>
+        <source>The picture has only one channel</source>
+        <translation>Das Bild hat nur einen Kanal</translation>
     </message>
 </context>
 <context>
@@ -1843,6 +1811,107 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
+    <name>CkRecordingController</name>
+    <message>
+        <source>&amp;Record the Source...</source>
+        <translation>&amp;Quelle aufnehmen...</translation>
+    </message>
+    <message>
+        <source>Record the &amp;View...</source>
+        <translation>&amp;Ansicht aufnehmen...</translation>
+    </message>
+    <message>
+        <source>Stop &amp;All Recordings</source>
+        <translation>Alle Aufnahmen &amp;beenden</translation>
+    </message>
+    <message>
+        <source>&amp;First Frame</source>
+        <translation>&amp;Erstes Bild</translation>
+    </message>
+    <message>
+        <source>Step &amp;Back</source>
+        <translation>Schritt &amp;zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Play</source>
+        <translation>Ab&amp;spielen</translation>
+    </message>
+    <message>
+        <source>&amp;Step Forward</source>
+        <translation>Schritt &amp;vor</translation>
+    </message>
+    <message>
+        <source>&amp;Last Frame</source>
+        <translation>&amp;Letztes Bild</translation>
+    </message>
+    <message>
+        <source>L&amp;oop</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Every Frame</source>
+        <translation>&amp;Jedes Bild</translation>
+    </message>
+    <message>
+        <source>Real &amp;Time</source>
+        <translation>Ech&amp;tzeit</translation>
+    </message>
+    <message>
+        <source>Recordings and TIFF pictures</source>
+        <translation>Aufnahmen und TIFF-Bilder</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>The active view shows no chain</source>
+        <translation>Die aktive Ansicht zeigt keine Kette</translation>
+    </message>
+    <message>
+        <source>Record &quot;%1&quot; as it is delivered</source>
+        <translation>„%1“ aufnehmen, wie es geliefert wird</translation>
+    </message>
+    <message>
+        <source>Record what the active view is given, after all processing</source>
+        <translation>Aufnehmen, was die aktive Ansicht nach der gesamten Verarbeitung bekommt</translation>
+    </message>
+    <message>
+        <source>Write what waits and close the files</source>
+        <translation>Schreibt, was noch wartet, und schließt die Dateien</translation>
+    </message>
+    <message>
+        <source>Nothing is being recorded</source>
+        <translation>Es wird nichts aufgenommen</translation>
+    </message>
+    <message>
+        <source>The active view shows no recording</source>
+        <translation>Die aktive Ansicht zeigt keine Aufnahme</translation>
+    </message>
+    <message>
+        <source>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 dropped&lt;/b&gt;</source>
+        <translation>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 verloren&lt;/b&gt;</translation>
+    </message>
+    <message numerus="yes">
+        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
+        <translation>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bild</numerusform>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bilder</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The active view shows a single picture</source>
+        <translation>Die aktive Ansicht zeigt ein einzelnes Bild</translation>
+    </message>
+</context>
+<context>
+    <name>CkRecordingJob</name>
+    <message>
+        <source>&quot;%1&quot;: there is nothing to record: the view shows no chain.</source>
+        <translation>„%1“: Es gibt nichts aufzunehmen: Die Ansicht zeigt keine Kette.</translation>
+    </message>
+</context>
+<context>
     <name>CkRecordingManager</name>
     <message>
         <source>Recording</source>
@@ -1912,24 +1981,6 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
             <numerusform>%n Bild ging verloren.</numerusform>
             <numerusform>%n Bilder gingen verloren.</numerusform>
         </translation>
-    </message>
-</context>
-<context>
-    <name>CkRecordingJob</name>
-    <message>
-        <source>&quot;%1&quot;: there is nothing to record: the view shows no chain.</source>
-        <translation>„%1“: Es gibt nichts aufzunehmen: Die Ansicht zeigt keine Kette.</translation>
-    </message>
-</context>
-<context>
-    <name>RecordedChain</name>
-    <message>
-        <source>The chain in the recording cannot be read: %1.</source>
-        <translation>Die Kette in der Aufnahme kann nicht gelesen werden: %1.</translation>
-    </message>
-    <message>
-        <source>it is no chain</source>
-        <translation>sie ist keine Kette</translation>
     </message>
 </context>
 <context>
@@ -2155,100 +2206,6 @@ aufgenommen in %2</translation>
     <message>
         <source>A strip or tile of the page is said to have more compressed bytes than samples.</source>
         <translation>Ein Streifen oder eine Kachel der Seite soll mehr komprimierte Bytes als Werte haben.</translation>
-    </message>
-</context>
-<context>
-    <name>CkRecordingController</name>
-    <message>
-        <source>&amp;Record the Source...</source>
-        <translation>&amp;Quelle aufnehmen...</translation>
-    </message>
-    <message>
-        <source>Record the &amp;View...</source>
-        <translation>&amp;Ansicht aufnehmen...</translation>
-    </message>
-    <message>
-        <source>Stop &amp;All Recordings</source>
-        <translation>Alle Aufnahmen &amp;beenden</translation>
-    </message>
-    <message>
-        <source>&amp;First Frame</source>
-        <translation>&amp;Erstes Bild</translation>
-    </message>
-    <message>
-        <source>Step &amp;Back</source>
-        <translation>Schritt &amp;zurück</translation>
-    </message>
-    <message>
-        <source>&amp;Play</source>
-        <translation>Ab&amp;spielen</translation>
-    </message>
-    <message>
-        <source>&amp;Step Forward</source>
-        <translation>Schritt &amp;vor</translation>
-    </message>
-    <message>
-        <source>&amp;Last Frame</source>
-        <translation>&amp;Letztes Bild</translation>
-    </message>
-    <message>
-        <source>L&amp;oop</source>
-        <translation>&amp;Wiederholen</translation>
-    </message>
-    <message>
-        <source>&amp;Every Frame</source>
-        <translation>&amp;Jedes Bild</translation>
-    </message>
-    <message>
-        <source>Real &amp;Time</source>
-        <translation>Ech&amp;tzeit</translation>
-    </message>
-    <message>
-        <source>Recordings and TIFF pictures</source>
-        <translation>Aufnahmen und TIFF-Bilder</translation>
-    </message>
-    <message>
-        <source>Pictures</source>
-        <translation>Bilder</translation>
-    </message>
-    <message>
-        <source>The active view shows no chain</source>
-        <translation>Die aktive Ansicht zeigt keine Kette</translation>
-    </message>
-    <message>
-        <source>Record &quot;%1&quot; as it is delivered</source>
-        <translation>„%1“ aufnehmen, wie es geliefert wird</translation>
-    </message>
-    <message>
-        <source>Record what the active view is given, after all processing</source>
-        <translation>Aufnehmen, was die aktive Ansicht nach der gesamten Verarbeitung bekommt</translation>
-    </message>
-    <message>
-        <source>Write what waits and close the files</source>
-        <translation>Schreibt, was noch wartet, und schließt die Dateien</translation>
-    </message>
-    <message>
-        <source>Nothing is being recorded</source>
-        <translation>Es wird nichts aufgenommen</translation>
-    </message>
-    <message>
-        <source>The active view shows no recording</source>
-        <translation>Die aktive Ansicht zeigt keine Aufnahme</translation>
-    </message>
-    <message>
-        <source>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 dropped&lt;/b&gt;</source>
-        <translation>, &lt;b style=&apos;color:#c02020&apos;&gt;%1 verloren&lt;/b&gt;</translation>
-    </message>
-    <message numerus="yes">
-        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
-        <translation>
-            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bild</numerusform>
-            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Aufnahme: %n Bilder</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>The active view shows a single picture</source>
-        <translation>Die aktive Ansicht zeigt ein einzelnes Bild</translation>
     </message>
 </context>
 <context>
@@ -2798,6 +2755,57 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     </message>
 </context>
 <context>
+    <name>CkViewMenu</name>
+    <message>
+        <source>F&amp;ull Screen</source>
+        <translation>V&amp;ollbild</translation>
+    </message>
+    <message>
+        <source>&amp;Tile</source>
+        <translation>&amp;Nebeneinander</translation>
+    </message>
+    <message>
+        <source>C&amp;ascade</source>
+        <translation>&amp;Überlappend</translation>
+    </message>
+    <message>
+        <source>Arrange Auto&amp;matically</source>
+        <translation>Auto&amp;matisch anordnen</translation>
+    </message>
+    <message>
+        <source>Tile the views whenever one comes or goes</source>
+        <translation>Die Ansichten neu anordnen, sobald eine dazukommt oder geschlossen wird</translation>
+    </message>
+    <message>
+        <source>&amp;Next View</source>
+        <translation>Nä&amp;chste Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Previous View</source>
+        <translation>&amp;Vorige Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Close View</source>
+        <translation>Ansicht &amp;schließen</translation>
+    </message>
+    <message>
+        <source>&amp;Default Layout</source>
+        <translation>S&amp;tandardanordnung</translation>
+    </message>
+    <message>
+        <source>Put the panels back where they were in the beginning</source>
+        <translation>Die Bedienfelder dorthin zurückstellen, wo sie am Anfang waren</translation>
+    </message>
+    <message>
+        <source>Search the &amp;Log</source>
+        <translation>Protokoll &amp;durchsuchen</translation>
+    </message>
+    <message>
+        <source>No view is open</source>
+        <translation>Es ist keine Ansicht offen</translation>
+    </message>
+</context>
+<context>
     <name>CkViewNoticeController</name>
     <message>
         <source>&quot;%1&quot; is unplugged. The view goes on when it is plugged in again.</source>
@@ -3066,6 +3074,17 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
     <message>
         <source>Quadratic mean of the points&apos; distances from that plane</source>
         <translation>Quadratisches Mittel der Abstände der Punkte von dieser Ebene</translation>
+    </message>
+</context>
+<context>
+    <name>RecordedChain</name>
+    <message>
+        <source>The chain in the recording cannot be read: %1.</source>
+        <translation>Die Kette in der Aufnahme kann nicht gelesen werden: %1.</translation>
+    </message>
+    <message>
+        <source>it is no chain</source>
+        <translation>sie ist keine Kette</translation>
     </message>
 </context>
 <context>

@@ -22,6 +22,16 @@
     </message>
 </context>
 <context>
+    <name>CkRecordingController</name>
+    <message numerus="yes">
+        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
+        <translation>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame</numerusform>
+            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frames</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>CkRecordingManager</name>
     <message numerus="yes">
         <source>%1: %n frame(s) recorded, %2 dropped</source>
@@ -62,16 +72,6 @@
         <translation>
             <numerusform>%n frame, %1, %2</numerusform>
             <numerusform>%n frames, %1, %2</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
-    <name>CkRecordingController</name>
-    <message numerus="yes">
-        <source>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame(s)</source>
-        <translation>
-            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frame</numerusform>
-            <numerusform>&lt;span style=&apos;color:#d02020&apos;&gt;●&lt;/span&gt; Recording: %n frames</numerusform>
         </translation>
     </message>
 </context>

@@ -1,3 +1,5 @@
+#include "host/viewer/shell/CkChainFileController.h"
+#include "host/viewer/shell/CkFileMenu.h"
 #include "tests/host/viewer/ViewerFixture.h"
 
 #include "host/viewer/area/CkViewNoticeController.h"
@@ -316,12 +318,12 @@ TEST_F(ChainPanel, ChainFileBringsTheSameBlocksBackWithTheirSettings) {
     branch->m_iSetting = 23;
     const QString file = m_folder.filePath("test.zuchain");
     QString error;
-    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->saveActive(file, error)) << qPrintable(error);
     cameras()->closeAllCameras();
     ASSERT_TRUE(area()->views().isEmpty());
 
     // The camera is opened again for the file.
-    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->open(file, error)) << qPrintable(error);
     ASSERT_EQ(CkChainManager::instance()->chains().size(), 1);
     const CkChain* loaded = CkChainManager::instance()->chains().first();
     QList<int> settings;
@@ -348,7 +350,7 @@ TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
     ASSERT_TRUE(CkChainFile::save(both, file, error)) << qPrintable(error);
     cameras()->closeAllCameras();
 
-    ASSERT_TRUE(window()->openChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->open(file, error)) << qPrintable(error);
     const QList<void*> opened = CkCameraManager::instance()->openedCameras();
     EXPECT_EQ(opened.size(), 2);
     for (void* camera : opened) {
@@ -364,7 +366,7 @@ TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
 TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
     const QString file = m_folder.filePath("drop.zuchain");
     QString error;
-    ASSERT_TRUE(window()->saveChainFile(file, error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->saveActive(file, error)) << qPrintable(error);
     QMimeData content;
     content.setUrls({QUrl::fromLocalFile(file), QUrl::fromLocalFile(m_folder.filePath("none.zuchain"))});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
@@ -379,7 +381,7 @@ TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
     ASSERT_NE(box, nullptr);
     EXPECT_TRUE(box->text().contains("none.zuchain"));
     box->close();
-    EXPECT_EQ(CkMainWindow::recentChains(), QStringList{file});
+    EXPECT_EQ(CkFileMenu::recentFiles(), QStringList{file});
     emit window()->menu(IkAppDelegate::FileMenu)->aboutToShow();
     auto* recent = window()->findChild<QMenu*>("menuRecentChains");
     ASSERT_EQ(recent->actions().size(), 1);
@@ -439,7 +441,7 @@ TEST_F(ChainPanel, AChainFileThatCannotBeLoadedLeavesNoCameraOpen) {
     const QList<void*> before = CkCameraManager::instance()->openedCameras();
     ASSERT_EQ(before.size(), 1);
     QString error;
-    EXPECT_FALSE(window()->openChainFile(fileName, error));
+    EXPECT_FALSE(window()->chainFiles()->open(fileName, error));
     EXPECT_TRUE(error.contains("not.there")) << qPrintable(error);
     EXPECT_EQ(CkCameraManager::instance()->openedCameras(), before);
     EXPECT_NE(cameras()->panel(before.first()), nullptr);
@@ -467,12 +469,12 @@ TEST_F(ChainPanel, UnusableChainFilesAreRefusedWithTheirName) {
         m_folder.filePath("missing.zuchain")};
     for (const QString& file : files) {
         QString error;
-        EXPECT_FALSE(window()->openChainFile(file, error)) << qPrintable(file);
+        EXPECT_FALSE(window()->chainFiles()->open(file, error)) << qPrintable(file);
         EXPECT_TRUE(error.contains(QFileInfo(file).fileName())) << qPrintable(error);
     }
     EXPECT_EQ(CkChainManager::instance()->chains().size(), before);
     QString error;
-    EXPECT_FALSE(window()->saveChainFile(m_folder.filePath("no/such/folder/a.zuchain"), error));
+    EXPECT_FALSE(window()->chainFiles()->saveActive(m_folder.filePath("no/such/folder/a.zuchain"), error));
     EXPECT_TRUE(error.contains("a.zuchain"));
 }
 

@@ -1,3 +1,4 @@
+#include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/support/LocaleScope.h"
 
@@ -99,7 +100,7 @@ TEST_F(DepthImport, SixteenBitPngBecomesMetresByDefault) {
     EXPECT_EQ(firstView()->unit(), "m");
     // The chain file brings it back without a question.
     QString error;
-    ASSERT_TRUE(window()->saveChainFile(path("depth.zuchain"), error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->saveActive(path("depth.zuchain"), error)) << qPrintable(error);
     ASSERT_TRUE(area()->closeAllViews(false));
     ASSERT_TRUE(waitFor([this] { return area()->views().isEmpty(); }));
     ASSERT_TRUE(openFile(path("depth.zuchain")));

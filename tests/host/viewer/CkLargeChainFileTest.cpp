@@ -1,5 +1,6 @@
 #include "host/viewer/base/CkChainFile.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
+#include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"
@@ -88,7 +89,7 @@ TEST_F(LargeChainFile, ARowOf999BlocksOpensAndIsListed) {
     for (int i = 1; i < 999; ++i) {
         row += demo(i, QString::number(i - 1));
     }
-    ASSERT_TRUE(window()->openChainFile(write(row), m_error)) << qPrintable(m_error);
+    ASSERT_TRUE(window()->chainFiles()->open(write(row), m_error)) << qPrintable(m_error);
     EXPECT_EQ(area()->views().size(), 1);
     expectAllListed(999);
 }
@@ -98,7 +99,7 @@ TEST_F(LargeChainFile, OnlyTheFirstOfManyEndsGetAView) {
     for (int i = 1; i < 999; ++i) {
         fan += demo(i, QStringLiteral("0"));
     }
-    ASSERT_TRUE(window()->openChainFile(write(fan), m_error)) << qPrintable(m_error);
+    ASSERT_TRUE(window()->chainFiles()->open(write(fan), m_error)) << qPrintable(m_error);
     ASSERT_EQ(area()->views().size(), 16);
     const QList<CkChainable*> blocks = chain()->blocks();
     for (int i = 0; i < 16; ++i) {
@@ -133,7 +134,7 @@ TEST_F(LargeChainFile, TooManySourcesAreRefused) {
     CkChain* const loaded = CkChainFile::load(write(cameras), m_error);
     ASSERT_NE(loaded, nullptr) << qPrintable(m_error);
     CkChainManager::instance()->closeChain(loaded);
-    EXPECT_FALSE(window()->openChainFile(write(cameras + camera(100)), m_error));
+    EXPECT_FALSE(window()->chainFiles()->open(write(cameras + camera(100)), m_error));
     EXPECT_THAT(m_error.toStdString(),
                 HasSubstr("block\" number 101 in line 1: the chain has more than 100 sources"));
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
@@ -144,7 +145,7 @@ TEST_F(LargeChainFile, BlocksOfAHundredThousandAttributesAreRefused) {
     for (int i = 0; i < 100'000; ++i) {
         attributes += QStringLiteral(" a%1='1'").arg(i);
     }
-    EXPECT_FALSE(window()->openChainFile(write(QStringLiteral("<block%1/>").arg(attributes)), m_error));
+    EXPECT_FALSE(window()->chainFiles()->open(write(QStringLiteral("<block%1/>").arg(attributes)), m_error));
     EXPECT_THAT(m_error.toStdString(), HasSubstr("large.zuchain: line 1"));
     EXPECT_THAT(m_error.toStdString(), HasSubstr("more than 1000 attributes"));
 }
@@ -156,7 +157,7 @@ TEST_F(LargeChainFile, PipesAndDevicesAreRefusedAsRecordings) {
         const QString block =
             QStringLiteral("<block class=\"com.orvane.Pictor.CkVideoSource\" id=\"0\" file=\"%1\"/>")
                 .arg(name);
-        EXPECT_FALSE(window()->openChainFile(write(block), m_error)) << qPrintable(name);
+        EXPECT_FALSE(window()->chainFiles()->open(write(block), m_error)) << qPrintable(name);
         EXPECT_THAT(m_error.toStdString(), HasSubstr("large.zuchain"));
         EXPECT_THAT(m_error.toStdString(),
                     HasSubstr("\"" + name.toStdString() + "\": This is no ordinary file."));
@@ -165,7 +166,7 @@ TEST_F(LargeChainFile, PipesAndDevicesAreRefusedAsRecordings) {
     // A recording that is not there at the moment is another matter.
     const QString missing =
         QStringLiteral("<block class=\"com.orvane.Pictor.CkVideoSource\" id=\"0\" file=\"/nowhere/a.tif\"/>");
-    EXPECT_TRUE(window()->openChainFile(write(missing), m_error)) << qPrintable(m_error);
+    EXPECT_TRUE(window()->chainFiles()->open(write(missing), m_error)) << qPrintable(m_error);
 }
 
 TEST_F(LargeChainFile, ProgressCountsBlocksAndCallsOff) {
@@ -206,7 +207,7 @@ TEST_F(LargeChainFile, ADialogCallsTheLoadingOff) {
     });
     press.start(1);
     m_error = QStringLiteral("not touched");
-    EXPECT_FALSE(window()->openChainFile(write(slow), m_error));
+    EXPECT_FALSE(window()->chainFiles()->open(write(slow), m_error));
     EXPECT_TRUE(pressed);
     EXPECT_TRUE(m_error.isEmpty()) << qPrintable(m_error);
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());

@@ -1,3 +1,4 @@
+#include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkFileOpener.h"
@@ -307,7 +308,7 @@ TEST_F(PlaybackBar, ChainFilesKeepTheirRecording) {
     ASSERT_TRUE(waitForShown(0));
     action("actPlaybackLoop")->trigger();
     QString error;
-    ASSERT_TRUE(window()->saveChainFile(path("played.zuchain"), error)) << qPrintable(error);
+    ASSERT_TRUE(window()->chainFiles()->saveActive(path("played.zuchain"), error)) << qPrintable(error);
     ASSERT_TRUE(area()->closeAllViews(false));
     ASSERT_TRUE(waitFor([this] { return area()->views().isEmpty(); }));
     ASSERT_TRUE(openFile(path("played.zuchain")));

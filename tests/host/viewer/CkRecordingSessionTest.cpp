@@ -1,3 +1,4 @@
+#include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
@@ -129,7 +130,7 @@ protected:
         ASSERT_TRUE(start());
         ASSERT_TRUE(openFile(path("a.tif")));
         QString error;
-        ASSERT_TRUE(window()->saveChainFile(path("a.zuchain"), error)) << qPrintable(error);
+        ASSERT_TRUE(window()->chainFiles()->saveActive(path("a.zuchain"), error)) << qPrintable(error);
         m_session.reset();
     }
 };

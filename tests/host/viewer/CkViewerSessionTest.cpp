@@ -12,6 +12,7 @@
 #include "host/viewer/shell/CkStatusBar.h"
 #include "host/viewer/shell/CkUnattendedRun.h"
 #include "zuCore/CkCameraParameters.h"
+#include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 #include "zuCoreGui/IkAppDelegate.h"

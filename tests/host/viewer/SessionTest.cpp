@@ -1,4 +1,5 @@
 #include "host/viewer/session/CkSessionReader.h"
+#include "host/viewer/shell/CkViewMenu.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "tests/host/viewer/ViewerBlocks.h"
@@ -101,7 +102,7 @@ TEST_F(Session, PanelsAndPlacesComeBack) {
     EXPECT_FALSE(area()->arrangesItself());
     ASSERT_EQ(area()->subWindowList().size(), 1);
     EXPECT_EQ(area()->subWindowList().first()->geometry(), QRect(31, 17, 420, 333));
-    window()->resetLayout();
+    window()->viewMenu()->resetLayout();
     EXPECT_FALSE(window()->findChild<QDockWidget*>("dockLog")->isHidden());
     EXPECT_TRUE(area()->arrangesItself());
 }
