@@ -10,12 +10,12 @@
 
 namespace {
 
-// What the chain itself writes is inside; the root only says what kind of file this is.
+// The root identifies the kind of file; inside is what CkChain::save() writes.
 const QString kRoot = QStringLiteral("zuchainfile");
 const QString kChain = QStringLiteral("chain");
 constexpr int kVersion = 1;
-// More would not fit on a screen, and each costs drawing time.
-constexpr qsizetype kMostViews = 16;
+// More do not fit on a screen, and each takes time to draw.
+constexpr qsizetype kMaximumViews = 16;
 
 bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
     QString reason;
@@ -36,7 +36,8 @@ bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
     return true;
 }
 
-// How a source notes its camera is the source's own business; its identifier is unique enough to be found.
+// Each kind of source has its own attribute for its camera; camera identifiers are unique enough to be found
+// in any.
 void collectCameras(const QDomElement& element, const QStringList& cameraIds, QStringList& found) {
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {
@@ -114,11 +115,11 @@ QList<CkChainable*> CkChainFile::ends(const CkChain* pChain) {
 
 QList<CkChainable*> CkChainFile::shownEnds(const CkChain* pChain, const QString& sFileName) {
     const QList<CkChainable*> all = ends(pChain);
-    if (all.size() > kMostViews) {
+    if (all.size() > kMaximumViews) {
         qWarning("%s", qUtf8Printable(tr("%1: the chain has %2 ends; the first %3 of them are shown.")
                                           .arg(sFileName)
                                           .arg(all.size())
-                                          .arg(kMostViews)));
+                                          .arg(kMaximumViews)));
     }
-    return all.first(std::min(all.size(), kMostViews));
+    return all.first(std::min(all.size(), kMaximumViews));
 }

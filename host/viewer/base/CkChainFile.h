@@ -14,14 +14,14 @@ class CkChainFile {
     Q_DECLARE_TR_FUNCTIONS(CkChainFile)
 
 public:
-    /// False, with sError naming the file and the reason; a file that was there before is then untouched.
+    /// False, with sError naming the file and the reason; an existing file is then left as it was.
     static bool save(const CkChain* pChain, const QString& sFileName, QString& sError);
 
-    /// Makes a chain of a file. Null, with sError naming the file, the place and the reason.
+    /// Creates the chain that a file describes. Null, with sError naming the file, the place and the reason.
     static CkChain* load(const QString& sFileName, QString& sError,
                          const CkChain::LoadProgress& progress = {});
 
-    /// Which of the given cameras a file mentions, so that they can be opened before it is; empty for an
+    /// Which of the given cameras a file names, to be opened before its chain is loaded; empty for an
     /// unreadable file.
     static QStringList camerasIn(const QString& sFileName, const QStringList& cameraIds);
 

@@ -27,7 +27,7 @@ const SkFileKind* CkFileOpener::find(const QString& sFileName, QString& sError) 
         sError = tr("\"%1\" is a folder; open the files in it.").arg(sFileName);
         return nullptr;
     }
-    // A pipe or a device might never answer.
+    // Reading a pipe or a device may block forever.
     if (info.exists() && !info.isFile()) {
         sError = tr("\"%1\" is no ordinary file.").arg(sFileName);
         return nullptr;
@@ -69,7 +69,7 @@ bool CkFileOpener::open(const QString& sFileName, QString& sError) {
     if (kind == nullptr) {
         return false;
     }
-    // A copy: what opening does may add kinds.
+    // A copy: opening a file may add kinds.
     const QString id = kind->id;
     const auto open = kind->open;
     const QString path = QFileInfo(sFileName).absoluteFilePath();

@@ -13,17 +13,17 @@ struct SkFileKind {
     QString id;           ///< "chain", "recording"
     QString title;        ///< plural, for file dialogs: "Recordings"
     QStringList suffixes; ///< without dot, lower case
-    /// Whether a file that begins with these bytes (at most CkFileOpener::FirstBytes) is one; null: never by
-    /// contents.
+    /// Whether a file that begins with these bytes (at most CkFileOpener::FirstBytes) is of this kind; null:
+    /// only the suffix decides.
     std::function<bool(const QByteArray& sFirstBytes)> recognises;
-    /// False, with sError naming the file and the reason, or empty when the user called it off.
+    /// False, with sError naming the file and the reason, or empty when the user cancelled.
     std::function<bool(const QString& sFileName, QString& sError)> open;
 };
 
-/// Opens files of every kind, wherever they come from: menu, command line, drag and drop, recent files.
+/// Opens files of every kind, from the menu, the command line, drag and drop, and the list of recent files.
 ///
-/// The contents decide; where they tell nothing, the ending of the name does. Kinds are asked in the order in
-/// which they were added. User-interface thread.
+/// The contents decide; where they are inconclusive, the suffix does. Kinds are tried in the order in which
+/// they were added. User-interface thread.
 class CkFileOpener : public QObject {
     Q_OBJECT
 
@@ -38,10 +38,10 @@ public:
     /// read or is of no known kind.
     QString kindOf(const QString& sFileName, QString& sError) const;
 
-    /// False, with sError naming the file and the reason, or empty when the user called it off.
+    /// False, with sError naming the file and the reason, or empty when the user cancelled.
     bool open(const QString& sFileName, QString& sError);
 
-    /// For file dialogs: all kinds together first, then each one, all files last; of one kind with sId.
+    /// For file dialogs: all kinds together first, then each one, all files last. With sId only that kind.
     QString dialogFilter(const QString& sId = QString()) const;
 
 signals:

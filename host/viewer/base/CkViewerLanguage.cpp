@@ -7,7 +7,8 @@
 
 namespace {
 
-// Only the first language of the user counts, as for the plug-ins, so that a window does not mix two.
+// By language and territory only, not by the user's further languages: plug-ins do the same, and a window
+// does not mix two languages.
 void install(const QLocale& locale, const QString& name, const QString& folder) {
     auto translator = std::make_unique<QTranslator>();
     if (translator->load(QLocale(locale.language(), locale.territory()), name, QStringLiteral("_"), folder)) {
@@ -16,7 +17,8 @@ void install(const QLocale& locale, const QString& name, const QString& folder) 
     }
 }
 
-// Texts with a number need a singular and a plural in English too. Any other language goes on top.
+// Texts with a count need a singular and a plural in English too. Translators installed later take
+// precedence.
 void installEnglishPlurals() {
     install(QLocale(QLocale::English), QStringLiteral("zuviewer"), QStringLiteral(":/zuviewer/translations"));
 }
@@ -29,20 +31,20 @@ QStringList CkViewerLanguage::codes() {
 }
 
 QString CkViewerLanguage::wanted(const QStringList& arguments) {
-    static const QString s_option = QStringLiteral("--language");
+    static const QString kOption = QStringLiteral("--language");
     QString code;
     for (qsizetype i = 1; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {
-        if (arguments[i] == s_option && i + 1 < arguments.size()) {
+        if (arguments[i] == kOption && i + 1 < arguments.size()) {
             code = arguments[++i];
-        } else if (arguments[i].startsWith(s_option + QLatin1Char('='))) {
-            code = arguments[i].mid(s_option.size() + 1);
+        } else if (arguments[i].startsWith(kOption + QLatin1Char('='))) {
+            code = arguments[i].mid(kOption.size() + 1);
         }
     }
     return codes().contains(code) ? code : QString();
 }
 
 QLocale CkViewerLanguage::apply(const QString& sCode) {
-    // A user from Vienna who asks for German keeps the numbers of Vienna.
+    // A user in Vienna who asks for German keeps the Austrian number format.
     if (codes().contains(sCode) && QLocale(sCode).language() != QLocale().language()) {
         QLocale::setDefault(QLocale(sCode));
     }

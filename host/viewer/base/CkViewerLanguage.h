@@ -4,18 +4,18 @@
 #include <QString>
 #include <QStringList>
 
-/// The language that the viewer, its plug-ins and Qt's own texts speak. Before the first text is shown, once
-/// a process; user-interface thread.
+/// The language of the viewer, its plug-ins and Qt's own texts. Set once a process, before the first text is
+/// shown; user-interface thread.
 class CkViewerLanguage {
 public:
-    /// Codes of the languages there are, English ("en") first.
+    /// Codes of the available languages, English ("en") first.
     static QStringList codes();
 
-    /// What "--language" asks for on a command line that was not parsed yet, so that even the complaint about
-    /// it is in the right language. Empty when nothing or nonsense is asked for.
+    /// The code given with "--language" on a command line that has not been parsed yet, so that errors of the
+    /// command line are reported in that language, too. Empty without the option or for an unknown code.
     static QString wanted(const QStringList& arguments);
 
-    /// Makes a language that of the program: the default locale, which numbers and plug-ins follow, and the
-    /// texts. An empty or unknown code leaves the user's own locale. The locale that is in force then.
+    /// Sets the default locale, which numbers and plug-ins follow, and installs the texts. An empty or
+    /// unknown code keeps the user's own locale. Returns the locale now in force.
     static QLocale apply(const QString& sCode);
 };

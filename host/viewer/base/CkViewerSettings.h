@@ -5,25 +5,25 @@
 
 class QSettings;
 
-/// Where the viewer keeps its settings, and every key the viewer itself uses. Plug-ins share the store under
+/// The viewer's settings store and every key that the viewer itself uses. Plug-ins use the same store under
 /// keys of their own ("ToF." ...).
 ///
 /// | key                          | type       | default        | written by       |
 /// |------------------------------|------------|----------------|------------------|
-/// | Viewer/Geometry              | byte array | none           | main window      |
-/// | Viewer/State                 | byte array | none           | main window      |
-/// | Viewer/Arrange              | bool       | true           | main window      |
-/// | Viewer/Session              | byte array | empty          | main window      |
-/// | Viewer/ReopenCameras        | bool       | true           | Camera menu      |
+/// | Viewer/Geometry              | byte array | none           | SkWindowLayout   |
+/// | Viewer/State                 | byte array | none           | SkWindowLayout   |
+/// | Viewer/Arrange               | bool       | true           | SkWindowLayout   |
+/// | Viewer/Session               | byte array | empty          | SkWindowLayout   |
+/// | Viewer/ReopenCameras         | bool       | true           | Camera menu      |
 /// | Viewer/LastDirectory         | string     | empty          | file dialogs     |
 /// | Viewer/PseudoColorInteger    | int        | 0 (grey)       | colour panel     |
 /// | Viewer/PseudoColorFloat      | int        | see .cpp       | colour panel     |
-/// | Viewer/RecentChains          | strings    | empty          | chain files      |
+/// | Viewer/RecentChains          | strings    | empty          | File menu        |
 class CkViewerSettings {
 public:
-    /// Empty: the user's own store. Before the first use; user-interface thread.
+    /// Empty: the user's own store. To be called before the first open(); user-interface thread.
     static void setFileName(const QString& sFileName);
-    /// A new object on the same store at each call.
+    /// Each call returns a new object on the same store.
     static std::unique_ptr<QSettings> open();
 
     static QString keyGeometry() { return QStringLiteral("Viewer/Geometry"); }
@@ -38,6 +38,7 @@ public:
         return bFloat ? QStringLiteral("Viewer/PseudoColorFloat")
                       : QStringLiteral("Viewer/PseudoColorInteger");
     }
-    /// A colourful map for measured values when there is one, grey for camera pictures.
+    /// Index of the pseudo-colour table of new views: a colourful one for floating-point samples, grey for
+    /// integers.
     static int defaultPseudoColor(bool bFloat);
 };

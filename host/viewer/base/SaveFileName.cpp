@@ -9,7 +9,7 @@
 
 namespace {
 
-// Every box dies with the parent, which a camera that is unplugged may take away.
+// The box is destroyed with its parent, which goes with an unplugged camera.
 QMessageBox::StandardButton ask(QWidget* parent, const QString& title, const QString& text,
                                 QMessageBox::Icon icon, QMessageBox::StandardButtons buttons) {
     const QPointer<QMessageBox> box(new QMessageBox(icon, title, text, buttons, parent));
@@ -47,7 +47,7 @@ QString refusal(const QString& name, const QString& ending, const QList<SkSaveFo
 
 enum class EkVerdict { Good, Again };
 
-// Makes name and form agree, or tells the user why they do not.
+// Makes name and format agree, or tells the user why they cannot.
 EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>& forms, QString& name,
                  int& chosen) {
     const QString ending = fileEnding(name);
@@ -60,7 +60,7 @@ EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>&
         chosen = form;
         return EkVerdict::Good;
     }
-    // The dialog takes whatever has a dot for whole, and has looked for that name only.
+    // The dialog adds no ending to a name with a dot, and has checked only that name for an existing file.
     name += QLatin1Char('.') + forms[chosen].suffix;
     const QString question =
         QCoreApplication::translate("SaveFileName", "%1 already exists.\nDo you want to replace it?")
@@ -74,9 +74,8 @@ EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>&
 } // namespace
 
 QString fileEnding(const QString& sFileName) {
-    static const QRegularExpression s_ending(
-        QStringLiteral("\\.([A-Za-z0-9]{0,4}[A-Za-z][A-Za-z0-9]{0,4})$"));
-    return s_ending.match(QFileInfo(sFileName).fileName()).captured(1).toLower();
+    static const QRegularExpression kEnding(QStringLiteral("\\.([A-Za-z0-9]{0,4}[A-Za-z][A-Za-z0-9]{0,4})$"));
+    return kEnding.match(QFileInfo(sFileName).fileName()).captured(1).toLower();
 }
 
 bool isSameEnding(const QString& sEnding, const QString& sOther) {
@@ -97,7 +96,7 @@ QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& 
     for (const SkSaveForm& form : forms) {
         filters.append(form.filter);
     }
-    // Dies with its parent, which a camera that is unplugged may take away.
+    // Destroyed with its parent, which goes with an unplugged camera.
     const QPointer<QFileDialog> dialog(new QFileDialog(pParent, sTitle, sStart));
     dialog->setObjectName(sObjectName);
     dialog->setAcceptMode(QFileDialog::AcceptSave);

@@ -12,13 +12,13 @@ class QLabel;
 class QRadioButton;
 struct SkPicBuf;
 
-/// Asks what the samples of a picture of others mean: a grey picture, or depths and in which unit.
+/// Asks what the samples of a picture from another program mean: grey values, or depths and in which unit.
 /// User-interface thread.
 class CkDepthImportDialog : public QDialog {
     Q_OBJECT
 
 public:
-    /// The first frame gives the range that the dialog shows and its first proposal.
+    /// The first frame provides the range that the dialog shows and its initial proposal.
     CkDepthImportDialog(const QString& sFileName, const CkImageData& first, QWidget* pParent = nullptr);
 
     /// Whether pictures of this format may hold depths: one channel of more than 8 bits.
@@ -38,7 +38,7 @@ private:
     void adaptToUnit();
     void showRange();
 
-    double m_fSmallest = 0.0; ///< without zeros
+    double m_fSmallest = 0.0; ///< of the finite samples other than 0
     double m_fLargest = 0.0;
     bool m_bHasZeros = false;
     QRadioButton* m_pPicture = nullptr;

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int kSliceMs = 5;
-constexpr int kLongestWaitMs = 1000; // a box may hold the user interface, which is no reason to stop
+constexpr int kLongestWaitMs = 1000; // a modal loop may block the user interface; the playback then continues
 
 class CkReachedEvent : public QEvent {
 public:
@@ -26,7 +26,7 @@ private:
     std::shared_ptr<QSemaphore> m_reached;
 };
 
-/// Who may be posted to; null once the throttle has gone.
+/// Receiver of the events; null once the throttle has been destroyed.
 struct SkTarget {
     QMutex mutex;
     CkFrameThrottle* throttle = nullptr;
@@ -50,7 +50,7 @@ std::function<void(const std::function<bool()>&)> CkFrameThrottle::function() {
             if (target->throttle == nullptr) {
                 return;
             }
-            // Behind the frames, and behind the painting that follows from them.
+            // After the frames and after the paint events that they cause.
             QCoreApplication::postEvent(target->throttle, new CkReachedEvent(reached),
                                         Qt::LowEventPriority - 1);
         }

@@ -4,15 +4,16 @@
 
 #include <functional>
 
-/// Lets a player go on when the user interface has shown what it was given: a view keeps only the newest
-/// frame, and would lose those that come faster.
+/// Back-pressure for a playing source: lets it continue once the user interface has shown the last frame. A
+/// view keeps only the newest frame and would drop those that come faster. User-interface thread.
 class CkFrameThrottle : public QObject {
     Q_OBJECT
 
 public:
     explicit CkFrameThrottle(QObject* pParent = nullptr);
 
-    /// For CkVideoSource::setAfterFrame. Works on after the throttle has gone, without waiting.
+    /// For CkVideoSource::setAfterFrame; called on the source's thread. Returns at once after the throttle has
+    /// been destroyed.
     std::function<void(const std::function<bool()>&)> function();
 
 protected:

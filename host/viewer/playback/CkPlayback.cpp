@@ -11,7 +11,7 @@
 
 namespace {
 
-/// None for a chain that has gone in the meantime.
+/// None for a chain that has been closed in the meantime.
 QList<CkVideoSource*> playersOf(CkChain* chain) {
     QList<CkVideoSource*> players;
     if (CkChainManager::instance()->chains().contains(chain)) {
@@ -52,13 +52,13 @@ CkVideoSource* CkPlayback::source() const {
 }
 
 void CkPlayback::watch(CkChain* pChain) {
-    // At once: the first frame may follow at any time.
+    // Not queued: the first frame may follow at any time.
     connect(pChain, &CkChain::structureChanged, this, [this, pChain] {
         for (CkVideoSource* source : playersOf(pChain)) {
             source->setAfterFrame(m_pThrottle->function());
         }
     });
-    // Not before all of the start is over, which may be one of several in a row.
+    // Queued: after the start is complete, which may be one of several in a row.
     connect(
         pChain, &CkChain::runningChanged, this,
         [this, pChain](bool bRunning) {
@@ -102,7 +102,7 @@ void CkPlayback::togglePlaying() {
         m_source->pause();
         return;
     }
-    // Somebody stopped the chain, and wants to see something now.
+    // The chain has been stopped; playing implies that it runs.
     if (CkChain* chain = m_source->chain(); chain != nullptr && chain->stopped()) {
         chain->start();
     }

@@ -21,14 +21,14 @@ class CkPlayback : public QObject {
 public:
     explicit CkPlayback(CkViewArea* pArea, QObject* pParent = nullptr);
 
-    /// The recording that the view's pictures come from; null when they come from elsewhere. A view that
-    /// follows another one has that one's.
+    /// The recording at the start of the view's chain; null when its pictures come from elsewhere. For a view
+    /// that follows another one, that one's recording.
     static CkVideoSource* sourceOf(const CkViewArea& area, const CkMdiView* pView);
 
     /// Of the active view; null when it shows no recording.
     CkVideoSource* source() const;
 
-    /// Time of a frame since the first one, in nanoseconds; nothing for recordings without time stamps.
+    /// Time of a frame since the first one, in nanoseconds; std::nullopt for recordings without time stamps.
     std::optional<qint64> timeOf(qint64 iFrame) const;
 
 public slots:

@@ -37,7 +37,7 @@ int asInt(qint64 value) {
 CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent)
     : QWidget(pParent), m_pPlayback(pPlayback), m_actions(actions) {
     setObjectName(QStringLiteral("playbackBar"));
-    // Beside the panels of a small screen there is no room for all of it in one line.
+    // Between the panels of a small screen one line is too short for all controls.
     auto* layout = new CkWrapLayout(this);
     layout->setContentsMargins(6, 3, 6, 3);
     layout->setSpacing(4);
@@ -75,7 +75,7 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
             [this](int iValue) { m_pPlayback->goTo(iValue); });
     connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
     connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
-    // The player may be much faster than anybody reads: looking now and then costs less than being told.
+    // Polled: the source may be much faster than the eye, and a signal for each frame would cost more.
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkPlaybackBar::refresh);
     adaptToSource();
@@ -139,7 +139,7 @@ void CkPlaybackBar::adaptToSource() {
             m_sTotal = timeText(*total);
         }
     }
-    // As wide as the longest text, so that nothing moves while it plays.
+    // As wide as the longest text, so that the controls keep their places during playback.
     m_pTime->setMinimumWidth(
         fontMetrics().horizontalAdvance(m_sTotal.isEmpty() ? QString()
                                                            : m_sTotal + QStringLiteral(" / ") + m_sTotal) +
@@ -165,7 +165,7 @@ void CkPlaybackBar::refresh() {
             m_pSlider->setValue(asInt(position));
         }
         const auto* edit = m_pNumber->findChild<QLineEdit*>();
-        // A number that is being typed stays.
+        // Not while the user is typing a number.
         if (edit == nullptr || !edit->isModified()) {
             m_pNumber->setValue(asInt(position));
         }
@@ -190,7 +190,7 @@ void CkPlaybackBar::showPace() {
     const QSignalBlocker paceBlocker(m_pPace);
     const QSignalBlocker speedBlocker(m_pSpeed);
     m_pPace->setCurrentIndex(m_pPace->findData(source->pace()));
-    // A chain file may hold one that is not in the list.
+    // A chain file may contain a speed that is not in the list.
     if (m_pSpeed->findData(source->speed()) < 0) {
         addSpeed(m_pSpeed, source->speed());
     }

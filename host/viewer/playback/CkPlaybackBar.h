@@ -11,7 +11,7 @@ class QSlider;
 class QSpinBox;
 class QToolButton;
 
-/// Controls of the recording behind the active view; hidden while there is none, or only one frame.
+/// Controls of the recording that the active view shows; hidden while there is none, or only one frame.
 /// User-interface thread.
 class CkPlaybackBar : public QWidget {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
     /// "0:01.234".
     static QString timeText(qint64 iNanoseconds);
 
-    /// What the bar shows is brought up to date; happens by itself while it is visible.
+    /// Brings the bar up to date; happens automatically while it is visible.
     void refresh();
 
 private:
@@ -51,6 +51,7 @@ private:
     QComboBox* m_pPace = nullptr;
     QComboBox* m_pSpeed = nullptr;
     QTimer m_timer;
-    qint64 m_iShown = -2; ///< frame whose time is shown
-    QString m_sTotal;     ///< length of the recording
+    qint64 m_iShown =
+        -2;           ///< frame whose time is shown; -1 is a position of the source, before its first frame
+    QString m_sTotal; ///< length of the recording
 };

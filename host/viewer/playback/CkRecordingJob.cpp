@@ -10,13 +10,15 @@ constexpr int kPollMs = 20;
 }
 
 CkRecordingJob::CkRecordingJob(QObject* pParent) : QObject(pParent) {
-    // From the chain's or the recorder's thread, possibly for each frame: one message at a time is enough.
+    // Called on the chain's or the recorder's thread, possibly for each frame: one queued call at a time is
+    // enough.
     m_recorder.setTroubleFunction([this](const CkRecorder::SkState&) {
         if (!m_bTroublePending.exchange(true)) {
-            QMetaObject::invokeMethod(this, &CkRecordingJob::noticeTrouble, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, &CkRecordingJob::handleTrouble, Qt::QueuedConnection);
         }
     });
-    connect(CkChainManager::instance(), &CkChainManager::chainAboutToClose, this, &CkRecordingJob::chainGoes);
+    connect(CkChainManager::instance(), &CkChainManager::chainAboutToClose, this,
+            &CkRecordingJob::chainCloses);
 }
 
 CkRecordingJob::~CkRecordingJob() {
@@ -63,7 +65,7 @@ void CkRecordingJob::attach() {
         if (m_state != EkState::Running || fed == m_block) {
             return;
         }
-        // A source is recorded as it is, whatever is put behind it.
+        // A source is recorded as it is, whatever is added after it.
         if (m_bSource && m_block && m_block->chain() == m_chain) {
             m_chain->addSink(m_block, &m_recorder);
         } else if (fed != nullptr) {
@@ -80,16 +82,16 @@ void CkRecordingJob::detach() {
     }
 }
 
-void CkRecordingJob::chainGoes(CkChain* pChain) {
+void CkRecordingJob::chainCloses(CkChain* pChain) {
     if (pChain != m_chain || m_state != EkState::Running) {
         return;
     }
     detach();
-    // A source that was taken out of this chain is put into another one next.
+    // A source that was taken out of this chain is added to another one next.
     QTimer::singleShot(0, this, &CkRecordingJob::attach);
 }
 
-void CkRecordingJob::noticeTrouble() {
+void CkRecordingJob::handleTrouble() {
     m_bTroublePending = false;
     if (m_state == EkState::Running && !counters().error.isEmpty()) {
         stop();
@@ -104,7 +106,7 @@ void CkRecordingJob::stop() {
     m_iElapsedMs = m_clock.elapsed();
     m_state = EkState::Finishing;
     detach();
-    // The disk may take its time for what waits.
+    // Writing the frames in flight may take long on a slow disk.
     m_finishing = std::async(std::launch::async, [this] { return m_recorder.stop(); });
     auto* poll = new QTimer(this);
     connect(poll, &QTimer::timeout, this, [this, poll] {

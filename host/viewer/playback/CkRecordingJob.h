@@ -15,8 +15,8 @@ class CkChain;
 
 /// One recording of a block's output, from its start until the file is closed. User-interface thread.
 ///
-/// A source is followed wherever it goes (blocks put behind it, another chain); the output of a view is
-/// followed like the view follows it. The recording ends by itself when its block goes.
+/// A source stays recorded when blocks are added after it or when it moves to another chain; the output that
+/// a view shows is followed as the view follows it. The recording ends when its block is destroyed.
 class CkRecordingJob : public QObject {
     Q_OBJECT
 
@@ -24,36 +24,36 @@ public:
     enum class EkState { Running, Finishing, Finished };
 
     explicit CkRecordingJob(QObject* pParent = nullptr);
-    /// Writes what waits and closes the file.
+    /// Writes the frames in flight and closes the file.
     ~CkRecordingJob() override;
 
-    /// False, with sError, when the file cannot be made or the block is in no chain.
+    /// False, with sError set, when the file cannot be created or the block is in no chain.
     bool start(CkChainable* pBlock, const QString& sFileName, const SkRecordingInfo& info,
                const CkRecorder::SkOptions& options, QString& sError);
-    /// Takes no more frames; the file is closed once those that wait have been written.
+    /// Accepts no more frames; the file is closed once those in flight have been written.
     void stop();
 
     EkState state() const { return m_state; }
     CkRecorder::SkState counters() const { return m_recorder.state(); }
     QString fileName() const { return m_sFileName; }
-    /// The block recorded; null when it has gone.
+    /// The recorded block; null when it has been destroyed.
     CkChainable* block() const { return m_block; }
-    /// What is recorded, for people.
+    /// What is recorded, as shown to the user.
     QString title() const { return m_sTitle; }
     void setTitle(const QString& sTitle) { m_sTitle = sTitle; }
     /// Milliseconds from the start to now, or to the stop.
     qint64 elapsedMs() const;
 
 signals:
-    /// A frame was lost, or an error met.
+    /// A frame was dropped, or an error occurred.
     void troubled();
     void stateChanged();
 
 private:
     void attach();
     void detach();
-    void chainGoes(CkChain* pChain);
-    void noticeTrouble();
+    void chainCloses(CkChain* pChain);
+    void handleTrouble();
 
     CkRecorder m_recorder;
     EkState m_state = EkState::Finished;

@@ -138,7 +138,7 @@ CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& s
     connect(job, &CkRecordingJob::troubled, this, [this, job] { emit troubled(job); });
     connect(job, &CkRecordingJob::stateChanged, this, [this, job] {
         if (job->state() == CkRecordingJob::EkState::Finished) {
-            tell(job);
+            report(job);
         }
         emit jobsChanged();
     });
@@ -147,7 +147,7 @@ CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& s
     return job;
 }
 
-void CkRecordingManager::tell(CkRecordingJob* pJob) {
+void CkRecordingManager::report(CkRecordingJob* pJob) {
     const CkRecorder::SkState state = pJob->counters();
     const QString frames = tr("%1: %n frame(s) recorded, %2 dropped", nullptr, pluralNumber(state.written))
                                .arg(pJob->fileName(), QString::number(state.dropped));

@@ -28,11 +28,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 300ms; // until a dialog says what is going on
+constexpr auto kPatience = 300ms; // before a progress dialog opens
 constexpr int kPollMs = 30;
 constexpr int kProgressSteps = 1000;
 
-/// Searches the file for its frames on another thread, so that the window stays alive over a slow disk.
+/// Searches the file for its frames on another thread, so that the window stays responsive with a slow disk.
 bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* window, QString& error,
                       bool& cancelled) {
     std::atomic<bool> cancel = false;
@@ -64,7 +64,7 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
         });
         timer.start(kPollMs);
         dialog.exec();
-        cancel = true; // too late when the search is over
+        cancel = true; // without effect once the search is over
     }
     const bool opened = result.get();
     cancelled = !opened && cancel && share < 1.0;

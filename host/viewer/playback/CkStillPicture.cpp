@@ -12,11 +12,11 @@
 
 namespace {
 
-// Larger ones are no pictures of cameras.
+// Camera pictures are smaller.
 constexpr int kMaximumMegabytes = 1024;
 
-/// The picture in a form whose rows are those of a picture buffer.
-QImage plainForm(const QImage& image) {
+/// Converts to a format whose rows have the layout of a picture buffer.
+QImage bufferLayout(const QImage& image) {
     switch (image.format()) {
     case QImage::Format_Grayscale16:
     case QImage::Format_Grayscale8:
@@ -86,7 +86,7 @@ std::shared_ptr<const IkFrameFile> CkStillPicture::open(const QString& sFileName
         }
         return nullptr;
     }
-    return std::shared_ptr<const IkFrameFile>(new CkStillPicture(sFileName, plainForm(image)));
+    return std::shared_ptr<const IkFrameFile>(new CkStillPicture(sFileName, bufferLayout(image)));
 }
 
 CkStillPicture::CkStillPicture(const QString& sFileName, const QImage& image)

@@ -4,15 +4,15 @@
 
 #include <QImage>
 
-/// A PNG, JPEG or BMP file as a file of one frame. Grey pictures
-/// of 8 and 16 bits keep their samples; colours become blue, green, red, and alpha where there is one.
+/// A PNG, JPEG or BMP file as a recording of one frame. Grey pictures of 8 and 16 bits keep their samples;
+/// colours become blue, green, red, and alpha where there is one. Immutable; any thread.
 class CkStillPicture : public IkFrameFile {
 public:
     /// Whether a file with these first bytes is a picture of a common format.
     static bool recognises(const QByteArray& sFirstBytes);
     static QStringList suffixes();
 
-    /// Makes pictures playable by sources; any number of times.
+    /// Makes pictures playable by CkVideoSource; may be called repeatedly.
     static void registerFormat();
 
     /// Null, with psError naming the file and the reason.
@@ -30,7 +30,7 @@ private:
     CkStillPicture(const QString& sFileName, const QImage& image);
 
     QString m_sFileName;
-    QImage m_image; ///< of one of the formats that are copied row by row
+    QImage m_image; ///< in a format whose rows can be copied as they are
     SkPicBufInfo m_info;
     SkRecordingInfo m_recording;
 };

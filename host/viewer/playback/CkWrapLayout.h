@@ -6,8 +6,9 @@
 #include <memory>
 #include <vector>
 
-/// Lays its items out in a line, and in further lines below where the width does not suffice. What is left of
-/// a line goes to the items in it that want to expand. As narrow as its widest item. User-interface thread.
+/// Lays its items out in a line, and in further lines below where the width does not suffice. Spare width of
+/// a line goes to those of its items that expand. Its minimum width is that of its widest item.
+/// User-interface thread.
 class CkWrapLayout : public QLayout {
 public:
     explicit CkWrapLayout(QWidget* pParent);
@@ -21,7 +22,7 @@ public:
     Qt::Orientations expandingDirections() const override { return Qt::Horizontal; }
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int iWidth) const override;
-    /// All in one line.
+    /// Of all items in one line.
     QSize sizeHint() const override;
     QSize minimumSize() const override;
     void setGeometry(const QRect& rect) override;

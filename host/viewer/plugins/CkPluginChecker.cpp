@@ -11,7 +11,7 @@
 
 namespace {
 
-// What a library does may change with the program that loads it.
+// A library may behave differently in another version of the program.
 QString hostIdentity() {
     const QFileInfo program(CkPluginProbe::program());
     return QStringLiteral("%1 Qt %2 %3 %4")
@@ -62,8 +62,8 @@ QString CkPluginChecker::probe(const QString& sLibrary, const SkLibraryStamp& st
         m_verdicts.remember(sLibrary, stamp, *refusal);
         return *refusal;
     }
-    if (!m_bSaidUnchecked) {
-        m_bSaidUnchecked = true;
+    if (!m_bWarnedUnchecked) {
+        m_bWarnedUnchecked = true;
         qWarning("%s", qUtf8Printable(
                            tr("Plug-ins are loaded unchecked: the program zuPluginProbe cannot be run.")));
     }

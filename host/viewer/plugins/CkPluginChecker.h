@@ -9,32 +9,31 @@
 #include <chrono>
 
 struct SkPluginCheckOptions {
-    QString memoryFolder = defaultFolder(); ///< of what is remembered; made when it is wanted
-    std::chrono::milliseconds timeLimit = std::chrono::seconds(10); ///< for a plug-in's start and end
-    bool again = false; ///< forgets what is remembered and looks at every library anew
+    QString memoryFolder = defaultFolder(); ///< of verdicts and load markers; created on demand
+    std::chrono::milliseconds timeLimit = std::chrono::seconds(10); ///< for starting and ending a plug-in
+    bool again = false; ///< drops all verdicts and checks every library again
 
     static QString defaultFolder();
 };
 
-/// Decides which libraries the program may load: those that a process of their own came through with, or that
-/// did so before and have not changed, and whose loading did not end the program the last time.
-/// User-interface thread.
+/// Decides which libraries the program may load: those that passed the probe, now or before their last
+/// change, and whose loading did not crash the last start. User-interface thread.
 class CkPluginChecker {
     Q_DECLARE_TR_FUNCTIONS(CkPluginChecker)
 
 public:
     explicit CkPluginChecker(const SkPluginCheckOptions& checks);
 
-    /// Why the library stays outside, or empty. Takes the time of a process for a new or changed one.
+    /// Why the library is not loaded, or empty. Runs a process for a new or changed one.
     QString refusal(const QString& sLibrary);
 
-    /// Where to leave the mark of a library that is being loaded; see CkPluginLoadMarker.
-    QString markFolder() const { return m_checks.memoryFolder; }
+    /// For the CkPluginLoadMarker of a library that is being loaded.
+    QString markerFolder() const { return m_checks.memoryFolder; }
 
 private:
     QString probe(const QString& sLibrary, const SkLibraryStamp& stamp);
 
     SkPluginCheckOptions m_checks;
     CkPluginVerdictCache m_verdicts;
-    bool m_bSaidUnchecked = false;
+    bool m_bWarnedUnchecked = false;
 };

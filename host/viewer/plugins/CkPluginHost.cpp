@@ -13,7 +13,7 @@ CkPluginHost::CkPluginHost(const SkPluginCheckOptions& checks, QObject* pParent)
 
 QString CkPluginHost::defaultFolder() {
     const QDir binaries(QCoreApplication::applicationDirPath());
-    // The second one is where a distribution with libraries by architecture puts it.
+    // The second is the place on distributions with a library folder per architecture.
     for (const char* relative : {"../lib/zuviewer/plugins", "../" ZU_PLUGIN_INSTALL_DIR}) {
         const QFileInfo folder(binaries.filePath(QLatin1String(relative)));
         if (folder.isDir()) {
@@ -43,14 +43,14 @@ void CkPluginHost::loadLibrary(const QString& sFileName) {
     const qsizetype before = m_loader.plugins().size();
     QString problem = m_checker.refusal(sFileName);
     if (problem.isEmpty()) {
-        // Should the program end in here, the next start leaves the library out.
-        const CkPluginLoadMarker mark(m_checker.markFolder(), sFileName);
+        // If the program crashes in here, the next start leaves the library out.
+        const CkPluginLoadMarker marker(m_checker.markerFolder(), sFileName);
         m_loader.load(sFileName, &problem);
     }
     if (!problem.isEmpty()) {
         addProblem(problem);
     } else if (m_loader.plugins().size() > before) {
-        // A copy: the list is one, too, and gone after this line.
+        // A copy, for plugins() returns a temporary list.
         const CkPluginLoader::SkLoadedPlugin loaded = m_loader.plugins().constLast();
         qInfo("%s",
               qUtf8Printable(
@@ -69,7 +69,7 @@ void CkPluginHost::tellAll(Call call) {
         try {
             call(*loaded.plugin);
         } catch (...) {
-            // Whatever it was, the other plug-ins and the viewer go on.
+            // Of any type: the other plug-ins and the viewer are to continue.
             qCritical("%s threw an exception", qUtf8Printable(loaded.fileName));
         }
     }

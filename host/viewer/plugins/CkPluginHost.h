@@ -8,7 +8,7 @@
 
 class CkImageData;
 
-/// The loaded plug-ins and what they are told. User-interface thread.
+/// Loads the plug-ins and forwards events to them. User-interface thread.
 class CkPluginHost : public QObject {
     Q_OBJECT
 
@@ -16,12 +16,12 @@ public:
     explicit CkPluginHost(const SkPluginCheckOptions& checks = SkPluginCheckOptions(),
                           QObject* pParent = nullptr);
 
-    /// The program's own plug-in folder, found from where the program lies: the same in the build tree and
-    /// once installed. Empty when there is none.
+    /// The program's own plug-in folder, located relative to the program, in the build tree as when
+    /// installed. Empty when there is none.
     static QString defaultFolder();
 
-    /// Loads every library of a folder in order of file name, or a single library, once the gate lets it in.
-    /// What is refused is written to the log and remembered as a problem; the others load all the same.
+    /// Loads every library of a folder in order of file name, or a single library, if CkPluginChecker has no
+    /// objection. A refused library is logged and listed in problems(); the others are loaded nevertheless.
     void load(const QString& sPath);
 
     QList<CkPluginLoader::SkLoadedPlugin> plugins() const { return m_loader.plugins(); }
@@ -33,7 +33,7 @@ public:
     void notifyNewCamera(void* pCameraHandle);
 
 private:
-    /// What a plug-in throws is logged and kept from the others.
+    /// Calls every plug-in; an exception of one is logged and does not keep the others from being called.
     template <typename Call>
     void tellAll(Call call);
     void loadLibrary(const QString& sFileName);

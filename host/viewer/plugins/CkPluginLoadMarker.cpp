@@ -10,15 +10,15 @@
 namespace {
 
 const QString kPrefix = QStringLiteral("loading-");
-constexpr size_t kMostBytes = 16 * 1024;
+constexpr size_t kMaximumBytes = 16 * 1024;
 
 QString readLocked(const QString& fileName) {
     const int file =
         ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     QString library;
     if (file >= 0 && ::flock(file, LOCK_EX | LOCK_NB) == 0) {
-        QByteArray content(qsizetype(kMostBytes), '\0');
-        const ssize_t got = ::read(file, content.data(), kMostBytes);
+        QByteArray content(qsizetype(kMaximumBytes), '\0');
+        const ssize_t got = ::read(file, content.data(), kMaximumBytes);
         library = QFile::decodeName(content.left(got > 0 ? got : 0));
         QFile::remove(fileName);
     }
@@ -33,7 +33,7 @@ QString readLocked(const QString& fileName) {
 CkPluginLoadMarker::CkPluginLoadMarker(const QString& sFolder, const QString& sLibrary) {
     QDir().mkpath(sFolder);
     m_sFileName = QDir(sFolder).filePath(kPrefix + QString::number(::getpid()));
-    // Named at last: nobody finds a mark that is not locked yet.
+    // Renamed last, so that no other viewer finds the file before it is locked.
     const QByteArray unnamed =
         QFile::encodeName(QDir(sFolder).filePath(QStringLiteral("new-%1").arg(::getpid())));
     m_iFile = ::open(unnamed.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);

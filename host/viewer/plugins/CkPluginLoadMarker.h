@@ -3,18 +3,18 @@
 #include <QString>
 #include <QStringList>
 
-/// Tells the next start which library this program was loading when it ended. A file stands in the folder for
-/// as long as the object lives; the system holds a lock on it that ends with the program, so that viewers
-/// which start side by side do not suspect each other. User-interface thread.
+/// Tells the next start which library the program was loading when it crashed: a file that exists during the
+/// lifetime of the object. The file is locked, and the system releases the lock when the program ends, so
+/// that viewers that start at the same time ignore each other's files. User-interface thread.
 class CkPluginLoadMarker {
 public:
-    /// A folder that cannot be written to leaves no mark.
+    /// Does nothing when the folder cannot be written to.
     CkPluginLoadMarker(const QString& sFolder, const QString& sLibrary);
     ~CkPluginLoadMarker();
     CkPluginLoadMarker(const CkPluginLoadMarker&) = delete;
     CkPluginLoadMarker& operator=(const CkPluginLoadMarker&) = delete;
 
-    /// The libraries whose loading ended a program, and takes their marks away.
+    /// The libraries whose loading ended a program; removes their files.
     static QStringList takeLeftBehind(const QString& sFolder);
 
 private:

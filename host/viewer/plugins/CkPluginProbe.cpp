@@ -14,10 +14,10 @@ using namespace PluginProbeSteps;
 
 namespace {
 
-// What is longer is not from the probe.
-constexpr qint64 kMostOutput = 64 * 1024;
+// In bytes; the probe writes less.
+constexpr qint64 kMaximumOutput = 64 * 1024;
 
-/// Ends the child with everything that the plug-in may have started in it.
+/// Kills the child and all processes that the plug-in may have started in it.
 void endGroup(QProcess& child) {
     const auto group = pid_t(child.processId());
     if (group > 0) {
@@ -31,7 +31,7 @@ void endGroup(QProcess& child) {
 
 QString CkPluginProbe::program() {
     const QDir binaries(QCoreApplication::applicationDirPath());
-    // The second one is where a distribution puts programs that nobody calls by hand.
+    // The second is where distributions install programs that users do not start themselves.
     for (const char* relative : {"../libexec/zuviewer", "../" ZU_PROBE_INSTALL_DIR}) {
         const QFileInfo file(QDir(binaries.filePath(QLatin1String(relative))),
                              QStringLiteral("zuPluginProbe"));
@@ -57,13 +57,13 @@ std::optional<QString> CkPluginProbe::refusal(const QString& sLibrary, std::chro
     }
     const bool finished = child.waitForFinished(int(timeLimit.count()));
     endGroup(child);
-    const QList<QByteArray> lines = child.read(kMostOutput).split('\n');
+    const QList<QByteArray> lines = child.read(kMaximumOutput).split('\n');
     const QByteArray last = lines.size() > 1 ? lines[lines.size() - 2] : QByteArray();
     if (last.startsWith(kRefused)) {
         return QString::fromUtf8(last.mid(kRefused.size()));
     }
     if (last.isEmpty()) {
-        return {}; // the child itself could not work
+        return {}; // the probe itself failed
     }
     const QString library = QDir::toNativeSeparators(sLibrary);
     if (!finished) {

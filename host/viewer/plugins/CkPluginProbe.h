@@ -6,18 +6,18 @@
 #include <chrono>
 #include <optional>
 
-/// Finds out in a short-lived process of its own what loading a plug-in does to a program. Thread that may
-/// wait.
+/// Loads a plug-in in a short-lived process of its own, to find out what it does to a program. For a thread
+/// that may block.
 class CkPluginProbe {
     Q_DECLARE_TR_FUNCTIONS(CkPluginProbe)
 
 public:
-    /// The program that is run, found from where this one lies; empty when it is missing.
+    /// The program to run, located relative to this one; empty when it is missing.
     static QString program();
 
     /// Loads the library in a child process, starts the plug-in, asks for its texts and ends it, as the
-    /// viewer would. Empty: it came through. Otherwise the message that names the library and what it did.
-    /// Nothing when the child process cannot be run, which says nothing about the library.
+    /// viewer would. An empty text: the plug-in passed. Otherwise a message that names the library and what
+    /// it did. std::nullopt when the child process cannot be run, which tells nothing about the library.
     static std::optional<QString> refusal(const QString& sLibrary, std::chrono::milliseconds timeLimit);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr qint64 kMostBytes = 1024 * 1024;
+constexpr qint64 kMaximumBytes = 1024 * 1024;
 
 const QString kHost = QStringLiteral("host");
 const QString kLibraries = QStringLiteral("libraries");
@@ -60,7 +60,7 @@ void CkPluginVerdictCache::read() {
     if (!file.open(QIODevice::ReadOnly)) {
         return;
     }
-    const QJsonObject root = QJsonDocument::fromJson(file.read(kMostBytes)).object();
+    const QJsonObject root = QJsonDocument::fromJson(file.read(kMaximumBytes)).object();
     if (root.value(kHost).toString() != m_sHost) {
         return;
     }

@@ -6,29 +6,29 @@
 
 #include <optional>
 
-/// A library as it was when it was looked at.
+/// Identifies the state of a library file.
 struct SkLibraryStamp {
     qint64 size = -1;
     qint64 timeMs = 0; ///< last change, milliseconds since 1970
     QByteArray hash;   ///< of the content
 
-    /// Reads the whole file. Nothing when it is no ordinary file or cannot be read.
+    /// Reads the whole file. std::nullopt when it is no regular file or cannot be read.
     static std::optional<SkLibraryStamp> of(const QString& sLibrary);
     bool operator==(const SkLibraryStamp&) const = default;
 };
 
-/// Remembers from start to start which libraries may be loaded. A file of its own, written at each change;
-/// one that cannot be written or read only makes every start look again. User-interface thread.
+/// Caches in a file, written at each change, which libraries may be loaded. When the file cannot be read or
+/// written, every start checks again. User-interface thread.
 class CkPluginVerdictCache {
 public:
-    /// sHost says which program the verdicts hold for; those of another one are forgotten.
+    /// sHost identifies the program that the verdicts hold for; those of another one are dropped.
     CkPluginVerdictCache(const QString& sFileName, const QString& sHost);
 
-    /// The refusal of a library that has not changed since, empty when it may be loaded. Nothing for an
-    /// unknown or changed one.
+    /// Why the library was refused, empty when it may be loaded. std::nullopt for a library that is unknown
+    /// or has changed since.
     std::optional<QString> find(const QString& sLibrary, const SkLibraryStamp& stamp) const;
 
-    /// An empty refusal: it may be loaded.
+    /// An empty refusal: the library may be loaded. Drops the verdicts of libraries that no longer exist.
     void remember(const QString& sLibrary, const SkLibraryStamp& stamp, const QString& sRefusal);
     void forgetAll();
 

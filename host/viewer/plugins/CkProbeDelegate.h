@@ -5,11 +5,12 @@
 #include <QMainWindow>
 #include <QTemporaryDir>
 
-/// An application without cameras, views and remembered settings, as plug-ins find it in the probe: a window
-/// that is not shown, its menus, and settings that are thrown away. User-interface thread.
+/// The application that plug-ins find in the probe: a hidden window with its menus, temporary settings, no
+/// cameras, no views. User-interface thread.
 class CkProbeDelegate : public IkAppDelegate {
 public:
-    CkProbeDelegate(); ///< Is the instance for as long as it lives.
+    /// The instance of IkAppDelegate during its lifetime.
+    CkProbeDelegate();
     ~CkProbeDelegate() override;
 
     QSettings* settings() override;

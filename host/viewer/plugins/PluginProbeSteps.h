@@ -2,18 +2,18 @@
 
 #include <QByteArray>
 
-/// What the viewer and the probe program tell each other: lines on the probe's standard output.
+/// What the probe program reports to the viewer: lines on its standard output.
 namespace PluginProbeSteps {
 
-/// Said before each step, so that the viewer knows which one the plug-in did not come back from.
+/// Written before each step, so that the viewer knows in which one the plug-in crashed or hung.
 inline const QByteArray kStart = QByteArrayLiteral("start");
 inline const QByteArray kEnd = QByteArrayLiteral("end");
-/// The plug-in came through all steps.
+/// The plug-in passed all steps.
 inline const QByteArray kDone = QByteArrayLiteral("done");
-/// The plug-in was refused in an orderly way; what follows on the line is the message.
+/// The loader refused the plug-in; its message follows on the line.
 inline const QByteArray kRefused = QByteArrayLiteral("refused ");
 
-/// Set in the probe's environment, for plug-ins that want to hold back there.
+/// Environment variable of the probe, for plug-ins that want to do less there.
 inline constexpr const char* kVariable = "ZU_PLUGIN_PROBE";
 
 } // namespace PluginProbeSteps

@@ -1,4 +1,4 @@
-// Loads one plug-in, starts it and ends it, so that whatever it does to a program happens here and not in the
+// Loads one plug-in, starts it and ends it, so that a crash or a hang happens in this process and not in the
 // viewer.
 
 #include "host/viewer/base/CkViewerLanguage.h"
@@ -29,7 +29,7 @@ void report(const QByteArray& line) {
     static_cast<void>(::write(s_iReport, text.constData(), size_t(text.size())));
 }
 
-/// What the plug-in prints goes nowhere, so that it cannot be taken for a report.
+/// Keeps the standard output for reports; what the plug-in prints is discarded.
 void takeStandardOutput() {
     s_iReport = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -44,14 +44,14 @@ void limit(__rlimit_resource resource, rlim_t value) {
 }
 
 void limitDamage() {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody waits for the answer any more
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // not to outlive the viewer
     limit(RLIMIT_CORE, 0);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     limit(RLIMIT_DATA, rlim_t(4) << 30U);
 #endif
 }
 
-/// The life of a plug-in in the viewer, from loading to the end.
+/// What happens to a plug-in in the viewer, from loading to unloading.
 int probe(const QString& sLibrary) {
     report(kStart);
     CkPluginLoader loader;
@@ -60,7 +60,7 @@ int probe(const QString& sLibrary) {
         report(kRefused + error.simplified().toUtf8());
         return kRefusal;
     }
-    // What it has put off until the window stands.
+    // Runs what the plug-in has deferred to the event loop.
     QCoreApplication::processEvents();
     report(kEnd);
     QObject* const object = loader.plugins().first().object;

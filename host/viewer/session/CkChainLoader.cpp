@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr qint64 kPatienceMs = 300; // until a dialog says what is going on
+constexpr qint64 kPatienceMs = 300; // before the dialog opens
 constexpr qint64 kRefreshMs = 50;
 
 } // namespace
@@ -30,14 +30,14 @@ CkChain* CkChainLoader::load(QString& sError) {
 bool CkChainLoader::blocksRead(qsizetype iRead, qsizetype iAll) {
     m_iRead = iRead;
     m_iAll = iAll;
-    return goesOn(tr("Opening \"%1\": block %2 of %3").arg(m_sFileName).arg(iRead).arg(iAll));
+    return report(tr("Opening \"%1\": block %2 of %3").arg(m_sFileName).arg(iRead).arg(iAll));
 }
 
 bool CkChainLoader::framesFound(qint64 iFrames) {
-    return goesOn(tr("Opening \"%1\": frame %2 of a recording").arg(m_sFileName).arg(iFrames));
+    return report(tr("Opening \"%1\": frame %2 of a recording").arg(m_sFileName).arg(iFrames));
 }
 
-bool CkChainLoader::goesOn(const QString& sText) {
+bool CkChainLoader::report(const QString& sText) {
     if (m_dialog == nullptr) {
         if (m_sinceStart.elapsed() < kPatienceMs) {
             return true;
@@ -56,7 +56,7 @@ bool CkChainLoader::goesOn(const QString& sText) {
     m_dialog->setMaximum(int(m_iAll));
     m_dialog->setLabelText(sText);
     m_dialog->setValue(int(m_iRead));
-    // The dialog does so itself only when the value has changed.
+    // The dialog processes events itself only when the value has changed.
     QCoreApplication::processEvents();
     return !m_dialog->wasCanceled();
 }

@@ -9,8 +9,8 @@
 
 class CkChain;
 
-/// Loads a chain file; once that takes longer than a moment, a dialog says how far it is and offers to call
-/// it off. User-interface thread.
+/// Loads a chain file; when that takes long, a dialog shows the progress and offers to cancel.
+/// User-interface thread.
 class CkChainLoader {
     Q_DECLARE_TR_FUNCTIONS(CkChainLoader)
 
@@ -18,11 +18,11 @@ public:
     /// pWindow, which may be null, is the dialog's parent.
     CkChainLoader(const QString& sFileName, QWidget* pWindow);
 
-    /// Null, with sError naming the file, the place and the reason; empty when it was called off.
+    /// Null, with sError naming the file, the place and the reason, or empty when the user cancelled.
     CkChain* load(QString& sError);
 
 private:
-    bool goesOn(const QString& sText);
+    bool report(const QString& sText);
     bool blocksRead(qsizetype iRead, qsizetype iAll);
     bool framesFound(qint64 iFrames);
 

@@ -11,18 +11,18 @@ struct SkViewerOptions {
     QStringList cameras;     ///< numbers in the list of cameras (from 0) or camera identifiers
     QStringList pluginPaths; ///< folders and libraries, loaded after the program's own plug-in folder
     QStringList chainFiles;
-    QStringList files;    ///< of any kind that the viewer opens
-    QStringList triggers; ///< object names of menu entries and buttons to click once the first frame is there
-    QString settingsFile; ///< empty: the user's own settings
+    QStringList files;        ///< of any kind that the viewer opens
+    QStringList triggers;     ///< object names of menu entries and buttons to click after the first frame
+    QString settingsFile;     ///< empty: the user's own settings
     QString screenshotFile;   ///< picture of the main window; needs frames
     QString screenshot3dFile; ///< picture of the 3D scene; needs frames
     QString plyFile;          ///< point cloud; needs frames
-    QSize windowSize;         ///< empty: remembered or default
-    int frames = 0;           ///< leave after so many frames were shown; 0: run until closed
+    QSize windowSize;         ///< empty: the saved or the default size
+    int frames = 0;           ///< exit after this number of shown frames; 0: run until closed
     bool open3dView = false;  ///< open the 3D view of the first camera beside its raw picture
     bool listCameras = false;
-    bool checkPlugins = false; ///< look at every plug-in anew, whatever is remembered of it
-    bool cleanStart = false;   ///< nothing of the last session comes back
+    bool checkPlugins = false; ///< check every plug-in again, whatever the cached verdict
+    bool cleanStart = false;   ///< restore nothing of the last session
     bool unattended() const { return frames > 0; }
 };
 
@@ -35,13 +35,13 @@ public:
 
     CkCommandLine();
 
-    /// Arguments with the program's name first. Error: sError says what is wrong in one line.
+    /// Arguments with the program's name first. For Error, sError describes the error in one line.
     EkResult parse(const QStringList& arguments, SkViewerOptions& options, QString& sError);
 
     /// Needs an application object.
     QString helpText() const { return m_parser.helpText(); }
 
-    /// Whether help or the version is asked for, which need no screen.
+    /// Whether the arguments ask for help, the version or the cameras only, which needs no screen.
     static bool isInformationOnly(const QStringList& arguments);
 
 private:

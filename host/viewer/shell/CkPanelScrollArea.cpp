@@ -5,7 +5,7 @@
 #include <algorithm>
 
 namespace {
-// What the panels on both sides leave to the views.
+// Width left to the views by the panels on both sides.
 constexpr int kViewsWidth = 320;
 } // namespace
 

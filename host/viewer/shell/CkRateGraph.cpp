@@ -25,7 +25,7 @@ void CkRateGraph::clear() {
 void CkRateGraph::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().base());
-    // Ten frames a second at least, so that a slow camera does not look like a fast one.
+    // At least ten frames per second, so that a slow camera does not look like a fast one.
     double most = 10.0;
     for (const SkSample& sample : m_samples) {
         most = std::max(most, sample.frames + sample.dropped);

@@ -16,7 +16,7 @@ constexpr int kRefreshMs = 1000;
 CkStatusBar::CkStatusBar(CkViewArea* pArea, QWidget* pParent) : QStatusBar(pParent), m_pArea(pArea) {
     m_pPixel = new QLabel(this);
     m_pPixel->setObjectName(QStringLiteral("statusPixel"));
-    // Its text may be long, and must not widen the window.
+    // A long text must not widen the window.
     m_pPixel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_pRate = new QLabel(this);
     m_pRate->setObjectName(QStringLiteral("statusRate"));
@@ -64,7 +64,7 @@ void CkStatusBar::follow() {
         disconnect(m_counted, nullptr, this, nullptr);
     }
     m_view = view;
-    // A view that follows another one is handed that one's frames.
+    // A view that follows another one gets that one's frames.
     CkMdiView* counted = view;
     if (view != nullptr && view->connectedViewId() >= 0) {
         counted = m_pArea->view(view->connectedViewId());
@@ -78,18 +78,18 @@ void CkStatusBar::follow() {
     }
     m_pPixel->clear();
     m_iFrames = 0;
-    m_uiDropped = droppedBehind(counted);
+    m_uiDropped = droppedBy(counted);
     m_pGraph->clear();
     m_clock.restart();
     m_pRate->setText(view != nullptr ? tr("- frames/s") : QString());
     m_pDrops->setText(view != nullptr ? tr("%1 dropped").arg(m_uiDropped) : QString());
 }
 
-quint64 CkStatusBar::droppedBehind(const CkMdiView* pView) {
+quint64 CkStatusBar::droppedBy(const CkMdiView* pView) {
     const CkChainable* provider = pView != nullptr ? pView->dataProvider() : nullptr;
     const CkChain* chain = provider != nullptr ? provider->chain() : nullptr;
     quint64 dropped = 0;
-    // Down the first way only: what other branches lose is none of this view's business.
+    // Along the first predecessors only: drops in other branches do not concern this view.
     while (provider != nullptr && chain != nullptr) {
         dropped += chain->blockStatistics(provider).dropped;
         const QList<CkChainable*> before = provider->precedessors();
@@ -104,8 +104,8 @@ void CkStatusBar::refresh() {
     }
     const double seconds = double(m_clock.restart()) / 1000.0;
     const double rate = seconds > 0.0 ? m_iFrames / seconds : 0.0;
-    const quint64 dropped = droppedBehind(m_counted);
-    // The counters start again with the chain.
+    const quint64 dropped = droppedBy(m_counted);
+    // The counters restart with the chain.
     const quint64 lost = dropped >= m_uiDropped ? dropped - m_uiDropped : dropped;
     m_pGraph->add(rate, seconds > 0.0 ? double(lost) / seconds : 0.0);
     m_pRate->setText(tr("%1 frames/s").arg(PictureText::locale().toString(rate, 'f', 1)));

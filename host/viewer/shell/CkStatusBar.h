@@ -21,8 +21,8 @@ public:
     QString rateText() const;
     QString dropText() const;
 
-    /// Frames the active view or its chain lost since the chain was started.
-    static quint64 droppedBehind(const CkMdiView* pView);
+    /// Frames that a view or its chain dropped since the chain was started.
+    static quint64 droppedBy(const CkMdiView* pView);
 
 private:
     void follow();

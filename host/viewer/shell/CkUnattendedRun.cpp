@@ -22,7 +22,7 @@ CkUnattendedRun::CkUnattendedRun(const SkViewerOptions& options, CkMainWindow* p
 }
 
 void CkUnattendedRun::start() {
-    // What an earlier run left must not pass for this one's.
+    // Files of an earlier run must not pass for this one's.
     for (const QString& file : {m_options.screenshotFile, m_options.screenshot3dFile, m_options.plyFile}) {
         if (!file.isEmpty()) {
             QFile::remove(file);

@@ -10,9 +10,9 @@
 class CkMainWindow;
 class CkMdiView;
 
-/// A run without a person: waits until enough frames were shown, writes the files asked for, and is finished.
-/// Waits for nothing longer than a limit. Views of plug-ins are asked by name for what only they can do:
-/// "grabScene(QString)" and "savePly(QString)", both answering a bool. User-interface thread.
+/// A run without a user: waits until enough frames were shown, writes the files asked for, and finishes. Each
+/// step has a time limit. What only views of plug-ins can do is invoked by name: "grabScene(QString)" and
+/// "savePly(QString)", which return a bool. User-interface thread.
 class CkUnattendedRun : public QObject {
     Q_OBJECT
 
@@ -23,11 +23,11 @@ public:
 
     void start();
 
-    /// How long to wait for each step, in milliseconds.
+    /// Time limit of each step, in milliseconds.
     void setPatience(int iMs) { m_iPatienceMs = iMs; }
 
-    /// Writes what the window looks like, native surfaces inside it included where the platform lets that be
-    /// seen.
+    /// Writes a picture of the window, including native surfaces inside it where the platform makes these
+    /// visible.
     static bool grabWindow(QWidget* pWindow, const QString& sFileName);
 
 signals:

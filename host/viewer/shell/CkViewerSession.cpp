@@ -57,7 +57,7 @@ CkViewerSession::~CkViewerSession() {
     for (CkChain* chain : CkChainManager::instance()->chains()) {
         CkChainManager::instance()->closeChain(chain);
     }
-    // Views and tool areas of plug-ins are deleted while their code is still there.
+    // Views and tool areas of plug-ins must be deleted before their code is unloaded.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     m_plugins->disconnect();
     disconnect(m_window->area(), nullptr, m_plugins.get(), nullptr);
@@ -99,7 +99,7 @@ QString CkViewerSession::cameraList() {
 void CkViewerSession::watchView(int iViewId) {
     CkMdiView* view = m_window->area()->view(iViewId);
     connect(view, &CkMdiView::frameShown, this, [this, view](int iShownId, const CkImageData* pData) {
-        // A closed view may still get the frame that was on its way.
+        // A closed view may still get a frame in flight.
         if (m_window && m_window->area()->view(iShownId) == view) {
             m_plugins->notifyFrameShown(iShownId, pData);
         }
@@ -209,11 +209,11 @@ bool CkViewerSession::openFiles() {
 }
 
 void CkViewerSession::whenReady(int iViewId, const std::function<void()>& what) {
-    // The first frame must be there, so that the actions know what the view shows.
+    // After the first frame, so that actions know what the view shows.
     connect(
         m_window->area()->view(iViewId), &CkMdiView::receivedFrame, this,
         [this, what] {
-            // Not in the middle of the frame's delivery: the actions may open boxes.
+            // Not during the delivery of the frame: actions may open modal dialogs.
             QTimer::singleShot(0, this, what);
         },
         Qt::SingleShotConnection);
@@ -260,7 +260,7 @@ bool CkViewerSession::trigger(const QString& sObjectName) {
             return true;
         }
         if (auto* button = root->findChild<QAbstractButton*>(sObjectName)) {
-            // A button in a panel behind another tab could not be clicked by a person before it was in front.
+            // As for a user, the panel of a button has to be in front before the button can be clicked.
             for (QWidget* parent = button->parentWidget(); parent != nullptr;
                  parent = parent->parentWidget()) {
                 if (auto* const dock = qobject_cast<QDockWidget*>(parent)) {

@@ -13,14 +13,14 @@ class CkPluginHost;
 class CkSessionSaver;
 class CkUnattendedRun;
 
-/// The running viewer: the window, the delegate that plug-ins talk to, the plug-ins, and what the command
-/// line asked for. One at a time; user-interface thread.
+/// The running viewer: window, application delegate for plug-ins, plug-ins, and the actions of the command
+/// line. One at a time; user-interface thread.
 class CkViewerSession : public QObject {
     Q_OBJECT
 
 public:
     explicit CkViewerSession(const SkViewerOptions& options, QObject* pParent = nullptr);
-    /// Closes views, chains and cameras in the order in which they depend on each other.
+    /// Closes views, cameras and chains in the order of their dependencies.
     ~CkViewerSession() override;
 
     CkMainWindow* window() const { return m_window.get(); }
@@ -28,11 +28,11 @@ public:
     CkSessionSaver* saver() const { return m_saver.get(); }
     CkPluginHost* plugins() const { return m_plugins.get(); }
 
-    /// Loads the plug-ins, shows the window, opens cameras and files. False when something that the command
-    /// line named cannot be opened; the rest is open all the same, and the log says what failed.
+    /// Loads the plug-ins, shows the window, opens cameras and files. False when something named on the
+    /// command line cannot be opened; the rest is opened nevertheless, and the log tells what failed.
     bool start();
 
-    /// The camera drivers that come with the viewer, into the camera manager; once a process.
+    /// Adds the camera drivers that come with the viewer to the camera manager; later calls are no-ops.
     static void addBuiltInDrivers();
 
     /// The identifier of a camera given by number or identifier; empty for an unknown one.
@@ -50,7 +50,7 @@ private:
     void restoreSession();
     bool openCameras();
     bool openFiles();
-    /// Calls a function once a view has shown its first frame.
+    /// Calls the function after the view's first frame.
     void whenReady(int iViewId, const std::function<void()>& what);
     void open3dView(int iViewId);
     void actWhenReady();

@@ -19,7 +19,7 @@ int report(int code, const QString& text) {
     return code;
 }
 
-/// Qt takes its own options out by itself only where windows are to be opened.
+/// QCoreApplication does not remove the options of QGuiApplication.
 QStringList withoutWindowOptions(const QStringList& given) {
     static const QStringList withValue = {
         QStringLiteral("platform"), QStringLiteral("platformpluginpath"), QStringLiteral("platformtheme"),
@@ -65,7 +65,7 @@ QIcon programIcon() {
     return icon;
 }
 
-// Qt ends the program by abort() when it finds no screen; people get a sentence instead.
+// Qt aborts the program when it finds no screen; report the reason instead.
 void reportMissingScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
     if (type == QtFatalMsg) {
         std::fputs("zuviewer: no window can be opened: there is no display that can be reached (DISPLAY or "
@@ -97,14 +97,14 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(usual);
 
     QApplication::setWindowIcon(programIcon());
-    // Wayland knows windows by the name of their menu entry.
+    // Wayland identifies windows by the name of their desktop entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("zuviewer"));
 
     CkViewerLanguage::apply(CkViewerLanguage::wanted(QCoreApplication::arguments()));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;
-    // What is Qt's own (-style, -platform ...) has been taken out by now.
+    // Qt's own options (-style, -platform ...) have been removed by now.
     if (commandLine.parse(QCoreApplication::arguments(), options, error) != CkCommandLine::EkResult::Run) {
         return report(kBadCommandLine, QStringLiteral("zuviewer: ") + error);
     }
