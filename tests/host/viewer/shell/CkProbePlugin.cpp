@@ -1,4 +1,4 @@
-#include "tests/host/viewer/CkProbePlugin.h"
+#include "tests/host/viewer/shell/CkProbePlugin.h"
 
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkImageData.h"

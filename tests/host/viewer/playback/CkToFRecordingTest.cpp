@@ -1,6 +1,6 @@
 // Recordings under the real time-of-flight plug-in, which never hears of a camera.
 
-#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/host/viewer/playback/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"

@@ -1,5 +1,5 @@
 #include "host/viewer/shell/CkChainFileController.h"
-#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/host/viewer/playback/RecordingViewFixture.h"
 #include "tests/support/LocaleScope.h"
 
 #include "host/viewer/base/CkFileOpener.h"

@@ -1,6 +1,6 @@
 // The program on small screens and on those of many dots: its window fits, whatever is open in it.
 
-#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/host/viewer/playback/RecordingViewFixture.h"
 
 #include <QImage>
 #include <QProcess>

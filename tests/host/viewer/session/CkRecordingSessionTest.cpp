@@ -1,5 +1,5 @@
 #include "host/viewer/shell/CkChainFileController.h"
-#include "tests/host/viewer/RecordingViewFixture.h"
+#include "tests/host/viewer/playback/RecordingViewFixture.h"
 
 #include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/session/CkSessionReader.h"

@@ -1,8 +1,8 @@
 // Every key of the window, with the focus in every kind of view and panel: it belongs to one entry, and that
 // one acts.
 
-#include "tests/host/viewer/RecordingViewFixture.h"
 #include "tests/host/viewer/ViewerBlocks.h"
+#include "tests/host/viewer/playback/RecordingViewFixture.h"
 
 #include "host/viewer/panels/log/CkLogPanel.h"
 #include "host/viewer/picture/CkImageCanvas.h"
