@@ -12,8 +12,8 @@ class CkFrameThrottle : public QObject {
 public:
     explicit CkFrameThrottle(QObject* pParent = nullptr);
 
-    /// For CkVideoSource::setAfterFrame; called on the source's thread. Returns at once after the throttle has
-    /// been destroyed.
+    /// For CkVideoSource::setAfterFrame; called on the source's thread. Returns at once after the throttle
+    /// has been destroyed.
     std::function<void(const std::function<bool()>&)> function();
 
 protected:

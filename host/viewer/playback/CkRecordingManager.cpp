@@ -223,7 +223,7 @@ CkRecordingJob* CkRecordingManager::runningOf(const CkChainable* pBlock) const {
     return nullptr;
 }
 
-void CkRecordingManager::forget(CkRecordingJob* pJob) {
+void CkRecordingManager::remove(CkRecordingJob* pJob) {
     if (pJob->state() == CkRecordingJob::EkState::Finished && m_jobs.removeOne(pJob)) {
         pJob->deleteLater();
         emit jobsChanged();

@@ -42,7 +42,7 @@ public:
     /// The running recording of this block, or null.
     CkRecordingJob* runningOf(const CkChainable* pBlock) const;
     /// Removes and deletes a finished one.
-    void forget(CkRecordingJob* pJob);
+    void remove(CkRecordingJob* pJob);
 
 signals:
     void jobsChanged();

@@ -102,19 +102,19 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
     row.stop =
         button(tr("Stop"), QStringLiteral("btnStopRecording"), tr("Write what waits and close the file"));
     row.open = button(tr("Open"), QStringLiteral("btnOpenRecording"), tr("Play this recording"));
-    row.forget = button(QStringLiteral("\u2715"), QStringLiteral("btnForgetRecording"),
+    row.remove = button(QStringLiteral("\u2715"), QStringLiteral("btnForgetRecording"),
                         tr("Take this line away; the file stays"));
     grid->addWidget(row.lamp, 0, 0, Qt::AlignTop);
     grid->addWidget(row.name, 0, 1, 1, 4);
     grid->addWidget(row.counters, 1, 1);
     grid->addWidget(row.stop, 1, 2, Qt::AlignTop);
     grid->addWidget(row.open, 1, 3, Qt::AlignTop);
-    grid->addWidget(row.forget, 1, 4, Qt::AlignTop);
+    grid->addWidget(row.remove, 1, 4, Qt::AlignTop);
     grid->addWidget(row.drops, 2, 1, 1, 4);
     grid->setColumnStretch(1, 1);
     connect(row.stop, &QToolButton::clicked, pJob, &CkRecordingJob::stop);
     connect(row.open, &QToolButton::clicked, this, [this, pJob] { emit openRequested(pJob->fileName()); });
-    connect(row.forget, &QToolButton::clicked, this, [this, pJob] { m_pManager->forget(pJob); });
+    connect(row.remove, &QToolButton::clicked, this, [this, pJob] { m_pManager->remove(pJob); });
     return row;
 }
 
@@ -181,5 +181,5 @@ void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) c
     row.open->setVisible(finished);
     row.open->setEnabled(state.written > 0);
     row.open->setToolTip(state.written > 0 ? tr("Play this recording") : tr("The file holds no frame"));
-    row.forget->setVisible(finished);
+    row.remove->setVisible(finished);
 }

@@ -39,7 +39,7 @@ private:
         QLabel* drops = nullptr;
         QToolButton* stop = nullptr;
         QToolButton* open = nullptr;
-        QToolButton* forget = nullptr;
+        QToolButton* remove = nullptr;
     };
 
     void rebuild();

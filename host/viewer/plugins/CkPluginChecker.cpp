@@ -32,12 +32,12 @@ CkPluginChecker::CkPluginChecker(const SkPluginCheckOptions& checks)
       m_verdicts(QDir(checks.memoryFolder).filePath(QStringLiteral("verdicts.json")), hostIdentity()) {
     const QStringList culprits = CkPluginLoadMarker::takeLeftBehind(m_checks.memoryFolder);
     if (m_checks.again) {
-        m_verdicts.forgetAll();
+        m_verdicts.clear();
         return;
     }
     for (const QString& library : culprits) {
         if (const auto stamp = SkLibraryStamp::of(library)) {
-            m_verdicts.remember(
+            m_verdicts.insert(
                 library, *stamp,
                 tr("Plug-in \"%1\" was left out: an earlier start ended while it was being loaded. It "
                    "is tried again when its file has changed or with --check-plugins.")
@@ -59,7 +59,7 @@ QString CkPluginChecker::refusal(const QString& sLibrary) {
 QString CkPluginChecker::probe(const QString& sLibrary, const SkLibraryStamp& stamp) {
     const std::optional<QString> refusal = CkPluginProbe::refusal(sLibrary, m_checks.timeLimit);
     if (refusal) {
-        m_verdicts.remember(sLibrary, stamp, *refusal);
+        m_verdicts.insert(sLibrary, stamp, *refusal);
         return *refusal;
     }
     if (!m_bWarnedUnchecked) {

@@ -43,14 +43,14 @@ std::optional<QString> CkPluginVerdictCache::find(const QString& sLibrary,
     return found != m_verdicts.cend() && found->stamp == stamp ? std::optional(found->refusal) : std::nullopt;
 }
 
-void CkPluginVerdictCache::remember(const QString& sLibrary, const SkLibraryStamp& stamp,
-                                    const QString& sRefusal) {
+void CkPluginVerdictCache::insert(const QString& sLibrary, const SkLibraryStamp& stamp,
+                                  const QString& sRefusal) {
     m_verdicts.insert(sLibrary, {stamp, sRefusal});
     m_verdicts.removeIf([](const auto& entry) { return !QFileInfo::exists(entry.key()); });
     write();
 }
 
-void CkPluginVerdictCache::forgetAll() {
+void CkPluginVerdictCache::clear() {
     m_verdicts.clear();
     write();
 }

@@ -29,8 +29,8 @@ public:
     std::optional<QString> find(const QString& sLibrary, const SkLibraryStamp& stamp) const;
 
     /// An empty refusal: the library may be loaded. Drops the verdicts of libraries that no longer exist.
-    void remember(const QString& sLibrary, const SkLibraryStamp& stamp, const QString& sRefusal);
-    void forgetAll();
+    void insert(const QString& sLibrary, const SkLibraryStamp& stamp, const QString& sRefusal);
+    void clear();
 
 private:
     struct SkVerdict {

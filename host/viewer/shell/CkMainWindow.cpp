@@ -20,6 +20,7 @@
 #include "host/viewer/shell/CkPictureMenu.h"
 #include "host/viewer/shell/CkStatusBar.h"
 #include "host/viewer/shell/CkViewMenu.h"
+#include "host/viewer/shell/MenuActions.h"
 #include "zuCore/CkChainable.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
@@ -43,20 +44,6 @@ namespace {
 constexpr QSize kInitialSize(1600, 1000);
 // What window managers put around a window, title bars of large fonts included.
 constexpr QSize kFrame(16, 44);
-
-constexpr int kPluginShortcuts = 9;
-
-QList<QAction*> leavesOf(const QMenu* menu) {
-    QList<QAction*> leaves;
-    for (QAction* action : menu->actions()) {
-        if (action->menu() != nullptr) {
-            leaves += leavesOf(action->menu());
-        } else if (!action->isSeparator()) {
-            leaves.append(action);
-        }
-    }
-    return leaves;
-}
 
 QStringList localFiles(const QMimeData& data) {
     QStringList files;
@@ -190,7 +177,10 @@ void CkMainWindow::connectParts() {
     connect(m_chainPanel, &CkChainPanel::loadRequested, m_fileMenu, &CkFileMenu::openChainWithDialog);
     connect(m_pictureMenu, &CkPictureMenu::viewChanged, m_lutPanel, &CkLutPanel::refresh);
     connect(m_viewMenu, &CkViewMenu::fullScreenRequested, this, &CkMainWindow::setFullScreen);
-    connect(m_viewMenu, &CkViewMenu::logSearchRequested, this, &CkMainWindow::searchLog);
+    connect(m_viewMenu, &CkViewMenu::logSearchRequested, this, [this] {
+        m_logDock->show();
+        m_logPanel->focusSearch();
+    });
     connect(m_area, &CkViewArea::viewAdded, this, &CkMainWindow::addMenuActions);
     connect(m_area, &CkViewArea::activeViewChanged, this, &CkMainWindow::updateActions);
     connect(m_area, &CkViewArea::activeViewChanged, m_cameraMenu, &CkCameraMenu::refresh);
@@ -209,13 +199,7 @@ void CkMainWindow::assignPluginShortcuts() {
     for (QMenu* submenu : plugins->findChildren<QMenu*>()) {
         submenu->setToolTipsVisible(true);
     }
-    int number = 0;
-    for (QAction* action : leavesOf(plugins)) {
-        if (action->shortcut().isEmpty() && number < kPluginShortcuts) {
-            action->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key(Qt::Key_1 + number)));
-            ++number;
-        }
-    }
+    MenuActions::assignShortcuts(plugins);
 }
 
 void CkMainWindow::addMenuActions(int viewId) {
@@ -223,7 +207,7 @@ void CkMainWindow::addMenuActions(int viewId) {
     // A view in a window of its own has no menu bar, but is to obey its shortcuts.
     if (view != nullptr && view->isWindow()) {
         for (const QAction* action : menuBar()->actions()) {
-            view->addActions(leavesOf(action->menu()));
+            view->addActions(MenuActions::leavesOf(action->menu()));
         }
     }
 }
@@ -240,19 +224,10 @@ void CkMainWindow::addRecordButton(void* camera) {
     panel->addToolLayout(row);
 }
 
-QMenu* CkMainWindow::menu(int menuId) const {
-    return m_menus.value(menuId);
-}
-
 void CkMainWindow::openView(CkChainable* block) {
     if (block != nullptr && block->chain() != nullptr) {
         m_area->addView(new CkImageView(block));
     }
-}
-
-void CkMainWindow::searchLog() {
-    m_logDock->show();
-    m_logPanel->focusSearch();
 }
 
 void CkMainWindow::updateActions() {

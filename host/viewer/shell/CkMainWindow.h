@@ -2,6 +2,7 @@
 
 #include "host/viewer/session/SkWindowLayout.h"
 
+#include <QList>
 #include <QMainWindow>
 
 class CkCameraController;
@@ -51,7 +52,7 @@ public:
     CkHelpMenu* helpMenu() const { return m_helpMenu; }
 
     /// IkAppDelegate::EkMenuId; null for any other number.
-    QMenu* menu(int menuId) const;
+    QMenu* menu(int menuId) const { return m_menus.value(menuId); }
 
     /// Gives the entries that plug-ins have put into their menu shortcuts, where they have none. Once the
     /// plug-ins are loaded.
@@ -91,7 +92,6 @@ private:
     void addRecordButton(void* camera);
     void addMenuActions(int viewId);
     void openView(CkChainable* block);
-    void searchLog();
 
     CkViewArea* m_area = nullptr;
     QTabWidget* m_cameraTabs = nullptr;
