@@ -1,6 +1,7 @@
 #include "zuCore/CkCameraManager.h"
 
-#include "host/core/SkOpenCamera.h"
+#include "host/core/CkCameraDrivers.h"
+#include "host/core/CkOpenCamera.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -25,72 +26,28 @@ void setError(QString* psError, const QString& text) {
 
 class CkCameraManager::CkPrivate {
 public:
-    std::shared_ptr<SkOpenCamera> find(void* pHandle) const {
+    std::shared_ptr<CkOpenCamera> find(void* pHandle) const {
         const std::lock_guard lock(m_mutex);
         const auto found = std::find_if(m_open.begin(), m_open.end(),
                                         [pHandle](const auto& open) { return open->handle == pHandle; });
         return found == m_open.end() ? nullptr : *found;
     }
 
-    std::vector<std::shared_ptr<SkOpenCamera>> all() const {
+    std::vector<std::shared_ptr<CkOpenCamera>> all() const {
         const std::lock_guard lock(m_mutex);
         return m_open;
     }
 
     mutable std::mutex m_mutex; ///< guards the list only, never held while foreign code runs
-    std::vector<std::shared_ptr<SkOpenCamera>> m_open;
-    /// A new camera object of the driver that offers it; fills info. Null, with sReason set where the driver
-    /// tells one, on failure.
-    std::unique_ptr<IkCamera> openAtDriver(const QString& sId, SkCameraInfo& info, QString& sReason) const;
-    /// What the drivers offer, held apart or not. bComplete: all of them answered.
-    QList<SkCameraInfo> offered(bool& bComplete) const;
-    bool isHeldApart(const QString& sId) const {
-        return std::any_of(m_heldApart.cbegin(), m_heldApart.cend(),
-                           [&sId](const SkCameraInfo& info) { return info.id == sId; });
-    }
-
-    std::vector<std::unique_ptr<IkCameraDriver>> m_drivers;
-    QList<SkCameraInfo> m_heldApart; ///< by unplugCamera, whatever their drivers say
-    /// Handles are numbers that count up: one that has gone never comes back as another camera's.
+    std::vector<std::shared_ptr<CkOpenCamera>> m_open;
+    CkCameraDrivers m_drivers;
+    /// Handles are numbers that count up: that of a closed camera never becomes another one's.
     quintptr m_uiNextHandle = 1;
 };
 
-std::unique_ptr<IkCamera> CkCameraManager::CkPrivate::openAtDriver(const QString& sId, SkCameraInfo& info,
-                                                                   QString& sReason) const {
-    for (const auto& driver : m_drivers) {
-        try {
-            const QList<SkCameraInfo> cameras = driver->availableCameras();
-            const auto found = std::find_if(cameras.cbegin(), cameras.cend(),
-                                            [&sId](const SkCameraInfo& entry) { return entry.id == sId; });
-            if (found == cameras.cend()) {
-                continue;
-            }
-            info = *found;
-            sReason.clear();
-            std::unique_ptr<IkCamera> camera = driver->open(sId, &sReason);
-            return camera != nullptr && camera->parameters() != nullptr ? std::move(camera) : nullptr;
-        } catch (...) {
-            return nullptr;
-        }
-    }
-    return nullptr;
-}
-
-QList<SkCameraInfo> CkCameraManager::CkPrivate::offered(bool& bComplete) const {
-    QList<SkCameraInfo> cameras;
-    bComplete = true;
-    for (const auto& driver : m_drivers) {
-        try {
-            cameras.append(driver->availableCameras());
-        } catch (...) {
-            bComplete = false; // one broken driver does not hide the cameras of the others
-        }
-    }
-    return cameras;
-}
-
 CkCameraManager::CkCameraManager() : m_d(std::make_unique<CkPrivate>()) {
-    // Cameras stop with the application object, while everything their threads use is still there.
+    // Cameras are closed at the end of the application object, while everything their threads use still
+    // exists.
     qAddPostRoutine(closeAllCameras);
 }
 
@@ -107,15 +64,15 @@ CkCameraManager* CkCameraManager::instance() {
 
 void CkCameraManager::addDriver(std::unique_ptr<IkCameraDriver> driver) {
     if (driver) {
-        m_d->m_drivers.push_back(std::move(driver));
+        m_d->m_drivers.add(std::move(driver));
         emit availableCamerasChanged();
     }
 }
 
 QList<SkCameraInfo> CkCameraManager::availableCameras() const {
     bool complete = true;
-    QList<SkCameraInfo> cameras = m_d->offered(complete);
-    cameras.removeIf([this](const SkCameraInfo& info) { return m_d->isHeldApart(info.id); });
+    QList<SkCameraInfo> cameras = m_d->m_drivers.offered(complete);
+    cameras.removeIf([this](const SkCameraInfo& info) { return m_d->m_drivers.isHeldApart(info.id); });
     return cameras;
 }
 
@@ -125,13 +82,13 @@ void* CkCameraManager::openCamera(const QString& sId, QString* psError) {
             return open->handle;
         }
     }
-    if (m_d->isHeldApart(sId)) {
+    if (m_d->m_drivers.isHeldApart(sId)) {
         setError(psError, tr("Camera \"%1\" is unplugged.").arg(sId));
         return nullptr;
     }
     QString reason = tr("There is no camera \"%1\".").arg(sId);
-    auto open = std::make_shared<SkOpenCamera>();
-    open->camera = m_d->openAtDriver(sId, open->info, reason);
+    auto open = std::make_shared<CkOpenCamera>();
+    open->camera = m_d->m_drivers.open(sId, open->info, reason);
     if (!open->camera) {
         setError(psError, reason.isEmpty() ? tr("Camera \"%1\" cannot be opened.").arg(sId) : reason);
         return nullptr;
@@ -146,11 +103,11 @@ void* CkCameraManager::openCamera(const QString& sId, QString* psError) {
 }
 
 void CkCameraManager::closeCamera(void* pHandle) {
-    const std::shared_ptr<SkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
     if (!open || open->presence == EkPresence::Closing) {
         return;
     }
-    open->presence = EkPresence::Closing; // who hears of it may call again
+    open->presence = EkPresence::Closing; // a slot of cameraAboutToClose may call closeCamera again
     emit cameraAboutToClose(pHandle);
     stopAcquisition(pHandle);
     {
@@ -162,17 +119,17 @@ void CkCameraManager::closeCamera(void* pHandle) {
 }
 
 void CkCameraManager::unplugCamera(void* pHandle) {
-    const std::shared_ptr<SkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
     if (!open || open->presence != EkPresence::PluggedIn) {
         return;
     }
-    m_d->m_heldApart.append(open->info);
+    m_d->m_drivers.holdApart(open->info);
     takeAsLost(pHandle);
     emit availableCamerasChanged();
 }
 
 bool CkCameraManager::plugCameraIn(const QString& sId, QString* psError) {
-    if (m_d->m_heldApart.removeIf([&sId](const SkCameraInfo& info) { return info.id == sId; }) == 0) {
+    if (!m_d->m_drivers.endHoldApart(sId)) {
         setError(psError, tr("Camera \"%1\" is not unplugged.").arg(sId));
         return false;
     }
@@ -189,12 +146,10 @@ bool CkCameraManager::plugCameraIn(const QString& sId, QString* psError) {
 
 void CkCameraManager::checkCameras() {
     bool complete = true;
-    const QList<SkCameraInfo> offered = m_d->offered(complete);
+    const QList<SkCameraInfo> offered = m_d->m_drivers.offered(complete);
     for (const auto& open : m_d->all()) {
         const QString id = open->info.id;
-        const bool there =
-            !m_d->isHeldApart(id) && std::any_of(offered.cbegin(), offered.cend(),
-                                                 [&id](const SkCameraInfo& info) { return info.id == id; });
+        const bool there = !m_d->m_drivers.isHeldApart(id) && CkCameraDrivers::contains(offered, id);
         if (there && isUnplugged(open->handle)) {
             takeBack(open->handle, nullptr);
         } else if (!there && complete) {
@@ -205,7 +160,7 @@ void CkCameraManager::checkCameras() {
 }
 
 void CkCameraManager::takeAsLost(void* pHandle) {
-    const std::shared_ptr<SkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
     if (!open || open->presence != EkPresence::PluggedIn) {
         return;
     }
@@ -218,20 +173,20 @@ void CkCameraManager::takeAsLost(void* pHandle) {
 }
 
 bool CkCameraManager::takeBack(void* pHandle, QString* psError) {
-    const std::shared_ptr<SkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
     if (!isUnplugged(pHandle)) {
         return false;
     }
     QString reason;
     SkCameraInfo info;
-    std::unique_ptr<IkCamera> fresh = m_d->openAtDriver(open->info.id, info, reason);
+    std::unique_ptr<IkCamera> fresh = m_d->m_drivers.open(open->info.id, info, reason);
     if (!fresh) {
         setError(psError,
                  reason.isEmpty() ? tr("Camera \"%1\" cannot be opened.").arg(open->info.id) : reason);
         return false;
     }
     const bool runs = open->presence == EkPresence::UnpluggedWhileRunning;
-    // Kept until everybody has let go of its parameters.
+    // Deleted after the slots of cameraPluggedIn, which replace its parameters by the new ones.
     std::unique_ptr<IkCamera> old = open->replug(std::move(fresh));
     open->presence = EkPresence::PluggedIn;
     emit cameraPluggedIn(pHandle);
@@ -246,7 +201,7 @@ bool CkCameraManager::isUnplugged(void* pHandle) const {
 }
 
 QList<SkCameraInfo> CkCameraManager::camerasHeldApart() const {
-    return m_d->m_heldApart;
+    return m_d->m_drivers.heldApart();
 }
 
 QList<void*> CkCameraManager::openedCameras() const {
@@ -300,9 +255,9 @@ bool CkCameraManager::startAcquisition(void* pHandle, QString* psError) {
     QString reason;
     bool running = false;
     try {
-        // The camera is stopped before what it delivers to goes.
-        running = open->camera->start([target = open.get()](CkImageData* frame) { target->dispatch(frame); },
-                                      &reason);
+        // A camera is stopped before the object it delivers to is deleted.
+        running = open->camera->start(
+            [target = open.get()](CkImageData* frame) { target->receivers.dispatch(frame); }, &reason);
     } catch (...) {
         running = false;
     }
@@ -351,12 +306,12 @@ void CkCameraManager::step(void* pHandle) {
 void CkCameraManager::addFrameReceiver(void* pHandle, const void* pReceiver,
                                        IkCamera::FrameFunction receive) {
     if (const auto open = m_d->find(pHandle); open && pReceiver != nullptr && receive) {
-        open->addReceiver(pReceiver, std::move(receive));
+        open->receivers.add(pReceiver, std::move(receive));
     }
 }
 
 void CkCameraManager::removeFrameReceiver(const void* pReceiver) {
     for (const auto& open : m_d->all()) {
-        open->removeReceiver(pReceiver);
+        open->receivers.remove(pReceiver);
     }
 }

@@ -1,16 +1,33 @@
 #include "zuCore/CkChain.h"
 
 #include "host/core/CkChainPrivate.h"
-#include "host/core/guarded.h"
+#include "host/core/CkChainReader.h"
+#include "host/core/chainWriter.h"
+#include "host/core/guardedCall.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkImageSource.h"
 
 #include <algorithm>
 
+namespace {
+
+/// Pictures a sink may hold, whatever it says: memory is reserved for them.
+constexpr int kMaximumHeldFrames = 1000;
+
+QList<CkChainable*> blocksOf(const CkChainGraph::Nodes& nodes) {
+    QList<CkChainable*> found;
+    found.reserve(qsizetype(nodes.size()));
+    std::transform(nodes.begin(), nodes.end(), std::back_inserter(found),
+                   [](const SkChainNode* node) { return node->block; });
+    return found;
+}
+
+} // namespace
+
 IkFrameSink::~IkFrameSink() = default;
 
 CkChain::CkControlLock::CkControlLock(CkChain* pChain) : m_pChain(pChain) {
-    // The chain's own thread must not wait for those who wait for it to end.
+    // The chain's own thread must not wait: the holder may be in stop, waiting for that thread.
     if (m_pChain != nullptr && m_pChain->m_d->isChainThread()) {
         m_pChain = nullptr;
     }
@@ -45,14 +62,14 @@ bool CkChain::started() const {
 }
 
 bool CkChain::stopped() const {
-    // A chain that is about to stop still works: who sees "stopped" may change a block.
-    return m_d->m_life == CkPrivate::EkLife::Stopped;
+    // A chain that is stopping still works on a frame; a caller that sees "stopped" may change its blocks.
+    return m_d->m_state == EkChainState::Stopped;
 }
 
 QList<CkChainable*> CkChain::imageSources() const {
-    const std::lock_guard lock(m_d->m_graph);
+    const auto lock = m_d->m_graph.lock();
     QList<CkChainable*> sources;
-    for (const auto& node : m_d->m_nodes) {
+    for (const auto& node : m_d->m_graph.nodes()) {
         if (node->source != nullptr) {
             sources.append(node->block);
         }
@@ -60,40 +77,28 @@ QList<CkChainable*> CkChain::imageSources() const {
     return sources;
 }
 
-namespace {
-
-QList<CkChainable*> blocksOf(const std::vector<SkChainNode*>& nodes) {
-    QList<CkChainable*> found;
-    found.reserve(qsizetype(nodes.size()));
-    std::transform(nodes.begin(), nodes.end(), std::back_inserter(found),
-                   [](const SkChainNode* node) { return node->block; });
-    return found;
-}
-
-} // namespace
-
 QList<CkChainable*> CkChain::blocks() const {
-    const std::lock_guard lock(m_d->m_graph);
-    return blocksOf(m_d->ordered());
+    const auto lock = m_d->m_graph.lock();
+    return blocksOf(m_d->m_graph.ordered());
 }
 
 QList<CkChainable*> CkChain::precedessors(const CkChainable* pBlock) const {
-    const std::lock_guard lock(m_d->m_graph);
-    const SkChainNode* const node = m_d->find(pBlock);
+    const auto lock = m_d->m_graph.lock();
+    const SkChainNode* const node = m_d->m_graph.find(pBlock);
     return node == nullptr ? QList<CkChainable*>() : blocksOf(node->predecessors);
 }
 
 QList<CkChainable*> CkChain::successors(const CkChainable* pBlock) const {
-    const std::lock_guard lock(m_d->m_graph);
-    const SkChainNode* const node = m_d->find(pBlock);
+    const auto lock = m_d->m_graph.lock();
+    const SkChainNode* const node = m_d->m_graph.find(pBlock);
     return node == nullptr ? QList<CkChainable*>() : blocksOf(node->successors);
 }
 
 QString CkChain::chainTitle(const CkChainable* pProvider) const {
     QList<CkChainable*> way;
     {
-        const std::lock_guard lock(m_d->m_graph);
-        const SkChainNode* node = m_d->find(pProvider);
+        const auto lock = m_d->m_graph.lock();
+        const SkChainNode* node = m_d->m_graph.find(pProvider);
         while (node != nullptr) {
             way.prepend(node->block);
             node = node->predecessors.empty() ? nullptr : node->predecessors.front();
@@ -101,8 +106,8 @@ QString CkChain::chainTitle(const CkChainable* pProvider) const {
     }
     QStringList titles;
     for (const CkChainable* block : std::as_const(way)) {
-        titles.append(guarded(QString::fromLatin1(block->metaObject()->className()),
-                              [block] { return block->title(); }));
+        titles.append(guardedCall(QString::fromLatin1(block->metaObject()->className()),
+                                  [block] { return block->title(); }));
     }
     return titles.join(QStringLiteral(" - "));
 }
@@ -115,51 +120,30 @@ bool CkChain::addSink(CkChainable* pBlock, IkFrameSink* pSink) {
     if (pSink == nullptr) {
         return false;
     }
-    const int held = std::clamp(guarded(0, [pSink] { return pSink->heldFrames(); }), 0, 1000);
-    {
-        const std::lock_guard lock(m_d->m_graph);
-        SkChainNode* const node = m_d->find(pBlock);
-        if (node == nullptr) {
-            return false;
-        }
-        for (const auto& other : m_d->m_nodes) {
-            std::erase_if(other->sinks, [pSink](const SkSinkEntry& entry) { return entry.sink == pSink; });
-        }
-        node->sinks.push_back({pSink, held, m_d->m_uiNextSerial++});
+    const int held =
+        std::clamp(guardedCall(0, [pSink] { return pSink->heldFrames(); }), 0, kMaximumHeldFrames);
+    if (!m_d->m_graph.addSink(pBlock, pSink, held)) {
+        return false;
     }
-    m_d->m_queue.askForGrowth();
+    m_d->m_queue.requestGrowth();
     return true;
 }
 
 void CkChain::removeSink(IkFrameSink* pSink) {
-    std::unique_lock lock(m_d->m_graph);
-    for (const auto& node : m_d->m_nodes) {
-        std::erase_if(node->sinks, [pSink](const SkSinkEntry& entry) { return entry.sink == pSink; });
-    }
-    // A sink that takes itself away while it takes a frame cannot wait for itself.
-    if (!m_d->isChainThread()) {
-        m_d->m_sinkDone.wait(lock, [&] { return m_d->m_pBusySink != pSink; });
-    }
+    // A sink that removes itself while it takes a frame cannot wait for itself.
+    m_d->m_graph.removeSink(pSink, !m_d->isChainThread());
 }
 
 CkChainable* CkChain::sinkBlock(const IkFrameSink* pSink) const {
-    const std::lock_guard lock(m_d->m_graph);
-    for (const auto& node : m_d->m_nodes) {
-        for (const SkSinkEntry& entry : node->sinks) {
-            if (entry.sink == pSink) {
-                return node->block;
-            }
-        }
-    }
-    return nullptr;
+    return m_d->m_graph.sinkBlock(pSink);
 }
 
 SkBlockStatistics CkChain::blockStatistics(const CkChainable* pBlock) const {
-    const std::lock_guard lock(m_d->m_graph);
+    const auto lock = m_d->m_graph.lock();
     SkBlockStatistics statistics;
-    if (const SkChainNode* const node = m_d->find(pBlock)) {
-        // Against the order in which a frame changes them: what is done has left, and what a sink had to drop
-        // has left too.
+    if (const SkChainNode* const node = m_d->m_graph.find(pBlock)) {
+        // Read against the order in which a frame changes them, so that no snapshot has more frames done, or
+        // dropped by sinks, than left.
         statistics.framesDone = node->framesDone;
         statistics.dropped = node->dropped;
         statistics.framesOut = node->framesOut;
@@ -171,8 +155,8 @@ SkBlockStatistics CkChain::blockStatistics(const CkChainable* pBlock) const {
 
 bool CkChain::negotiatedInfo(const CkChainable* pBlock, SkPicBufInfo& info,
                              CkImageMetadata* pMetadata) const {
-    const std::lock_guard lock(m_d->m_graph);
-    const SkChainNode* const node = m_d->find(pBlock);
+    const auto lock = m_d->m_graph.lock();
+    const SkChainNode* const node = m_d->m_graph.find(pBlock);
     if (node == nullptr || !node->output.known) {
         return false;
     }
@@ -185,8 +169,49 @@ bool CkChain::negotiatedInfo(const CkChainable* pBlock, SkPicBufInfo& info,
 
 void CkChain::requestRenegotiation() {
     if (m_d->isChainThread()) {
-        m_d->askFromThread();
+        m_d->m_runner.requestRenegotiation();
     } else {
-        m_d->m_queue.askForRenegotiation();
+        m_d->m_queue.requestRenegotiation();
     }
+}
+
+bool CkChain::save(QDomDocument& doc, QDomElement& element) const {
+    const std::lock_guard control(m_d->m_control);
+    return writeChain(*this, doc, element);
+}
+
+bool CkChain::load(const QDomElement& element, QString* psError) {
+    return load(element, psError, LoadProgress());
+}
+
+bool CkChain::load(const QDomElement& element, QString* psError, const LoadProgress& progress) {
+    const auto refuse = [psError](const QString& text) {
+        if (psError != nullptr) {
+            *psError = text;
+        }
+        return false;
+    };
+    CkChainReader reader(progress);
+    if (!reader.read(element)) {
+        return refuse(reader.error());
+    }
+    std::vector<SkReadBlock> read = reader.takeBlocks();
+    {
+        const std::lock_guard control(m_d->m_control);
+        if (!stopped()) {
+            return refuse(tr("The chain runs; stop it first."));
+        }
+        m_d->clear();
+        CkChainGraph::Nodes nodes;
+        for (SkReadBlock& entry : read) {
+            SkChainNode* const node = m_d->m_graph.addNode(entry.block.release(), nullptr);
+            for (const size_t feeder : entry.feeders) {
+                m_d->m_graph.connect(*nodes[feeder], *node);
+            }
+            nodes.push_back(node);
+        }
+    }
+    emit structureChanged();
+    emit sinksMoved();
+    return true;
 }

@@ -1,35 +1,32 @@
-#include "host/core/CkChainPrivate.h"
+#include "host/core/CkChainGraph.h"
+
+#include "host/core/guardedCall.h"
+#include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
-#include "zuCore/CkImageSource.h"
+#include "zuCore/CkImageData.h"
+#include "zuCore/CkMemoryPool.h"
 
 #include <QPointer>
 #include <algorithm>
+#include <iterator>
 #include <queue>
 
-SkChainNode::SkChainNode(CkChainable* pBlock, quint64 uiSerial)
-    : block(pBlock), provider(qobject_cast<CkImageProvider*>(pBlock)),
-      source(qobject_cast<CkImageSource*>(pBlock)), serial(uiSerial) {}
-
-CkChain::CkPrivate::CkPrivate(CkChain* pChain) : m_q(pChain) {}
-
-CkChain::CkPrivate::~CkPrivate() = default;
-
-SkChainNode* CkChain::CkPrivate::find(const CkChainable* pBlock) const {
+SkChainNode* CkChainGraph::find(const CkChainable* pBlock) const {
     const auto found = m_nodeOf.find(pBlock);
     return found == m_nodeOf.end() ? nullptr : found->second;
 }
 
-void CkChain::CkPrivate::attach(CkChainable* pBlock, CkChain* pChain) {
-    // Under the block's own lock: no frame is on its way into the old chain afterwards.
+void CkChainGraph::attach(CkChainable* pBlock, CkChain* pChain) {
+    // A source hands frames over with this lock held: afterwards none is on its way into the old chain.
     const std::lock_guard lock(pBlock->m_mutex);
     pBlock->m_pChain = pChain;
 }
 
-SkChainNode* CkChain::CkPrivate::addNode(CkChainable* pBlock, SkChainNode* pPredecessor) {
-    pBlock->setParent(nullptr); // the chain is the only owner
+SkChainNode* CkChainGraph::addNode(CkChainable* pBlock, SkChainNode* pPredecessor) {
+    pBlock->setParent(nullptr);
     SkChainNode* node = nullptr;
     {
-        const std::lock_guard lock(m_graph);
+        const std::lock_guard lock(m_mutex);
         m_nodes.push_back(std::make_unique<SkChainNode>(pBlock, m_uiNextSerial++));
         node = m_nodes.back().get();
         m_nodeOf.emplace(pBlock, node);
@@ -37,11 +34,17 @@ SkChainNode* CkChain::CkPrivate::addNode(CkChainable* pBlock, SkChainNode* pPred
             connectNodes(*pPredecessor, *node);
         }
     }
-    attach(pBlock, m_q);
+    attach(pBlock, m_chain);
     return node;
 }
 
-void CkChain::CkPrivate::connectNodes(SkChainNode& from, SkChainNode& to) {
+void CkChainGraph::connect(SkChainNode& from, SkChainNode& to) {
+    const std::lock_guard lock(m_mutex);
+    connectNodes(from, to);
+}
+
+void CkChainGraph::connectNodes(SkChainNode& from, SkChainNode& to) {
+    // The shorter list is searched: connecting a thousand blocks to one takes linear time.
     const bool fewer = from.successors.size() < to.predecessors.size();
     const auto& ends = fewer ? from.successors : to.predecessors;
     if (std::find(ends.begin(), ends.end(), fewer ? &to : &from) == ends.end()) {
@@ -50,9 +53,9 @@ void CkChain::CkPrivate::connectNodes(SkChainNode& from, SkChainNode& to) {
     }
 }
 
-void CkChain::CkPrivate::moveOutputs(SkChainNode& from, SkChainNode& to) {
-    const std::lock_guard lock(m_graph);
-    std::vector<SkChainNode*> moved;
+void CkChainGraph::moveOutputs(SkChainNode& from, SkChainNode& to) {
+    const std::lock_guard lock(m_mutex);
+    Nodes moved;
     for (SkChainNode* successor : from.successors) {
         if (successor != &to) {
             moved.push_back(successor);
@@ -72,15 +75,15 @@ void CkChain::CkPrivate::moveOutputs(SkChainNode& from, SkChainNode& to) {
     }
     to.sinks.insert(to.sinks.end(), from.sinks.begin(), from.sinks.end());
     from.sinks.clear();
-    // The walk over sinks counts on rising serials.
+    // giveToSinks relies on rising serials.
     std::sort(to.sinks.begin(), to.sinks.end(),
               [](const SkSinkEntry& a, const SkSinkEntry& b) { return a.serial < b.serial; });
 }
 
-void CkChain::CkPrivate::removeNode(SkChainNode* pNode) {
+void CkChainGraph::removeNode(SkChainNode* pNode) {
     attach(pNode->block, nullptr);
     m_pool.release(pNode->block);
-    const std::lock_guard lock(m_graph);
+    const std::lock_guard lock(m_mutex);
     for (SkChainNode* predecessor : pNode->predecessors) {
         std::erase(predecessor->successors, pNode);
     }
@@ -91,11 +94,12 @@ void CkChain::CkPrivate::removeNode(SkChainNode* pNode) {
     std::erase_if(m_nodes, [pNode](const auto& node) { return node.get() == pNode; });
 }
 
-void CkChain::CkPrivate::clear() {
-    // Sources first: they may still have somebody delivering to them.
+void CkChainGraph::clear() {
+    // Sources first: a camera may still deliver to them. Deleting one block may delete others, hence
+    // QPointer.
     std::vector<QPointer<CkChainable>> blocks;
     {
-        const std::lock_guard lock(m_graph);
+        const std::lock_guard lock(m_mutex);
         for (const SkChainNode* node : ordered()) {
             blocks.emplace_back(node->block);
         }
@@ -106,32 +110,19 @@ void CkChain::CkPrivate::clear() {
     }
     std::vector<std::unique_ptr<SkChainNode>> nodes;
     {
-        const std::lock_guard lock(m_graph);
+        const std::lock_guard lock(m_mutex);
         nodes.swap(m_nodes);
         m_nodeOf.clear();
-        m_order.clear();
     }
     for (const QPointer<CkChainable>& block : blocks) {
         delete block.data();
     }
 }
 
-void CkChain::CkPrivate::forget(CkChainable* pBlock) {
-    stop();
-    SkChainNode* node = nullptr;
-    {
-        const std::lock_guard lock(m_graph);
-        node = find(pBlock);
-    }
-    if (node != nullptr) {
-        removeNode(node);
-    }
-}
-
-std::vector<SkChainNode*> CkChain::CkPrivate::ordered() const {
-    // Of those whose predecessors have their place, the one that was inserted first comes next.
+CkChainGraph::Nodes CkChainGraph::ordered() const {
+    // Of the nodes whose predecessors are placed, the one inserted first comes next.
     const auto later = [](const SkChainNode* a, const SkChainNode* b) { return a->serial > b->serial; };
-    std::priority_queue<SkChainNode*, std::vector<SkChainNode*>, decltype(later)> ready(later);
+    std::priority_queue<SkChainNode*, Nodes, decltype(later)> ready(later);
     std::unordered_map<const SkChainNode*, size_t> missing;
     for (const auto& node : m_nodes) {
         missing[node.get()] = node->predecessors.size();
@@ -139,7 +130,7 @@ std::vector<SkChainNode*> CkChain::CkPrivate::ordered() const {
             ready.push(node.get());
         }
     }
-    std::vector<SkChainNode*> order;
+    Nodes order;
     order.reserve(m_nodes.size());
     while (!ready.empty()) {
         SkChainNode* const node = ready.top();
@@ -152,4 +143,72 @@ std::vector<SkChainNode*> CkChain::CkPrivate::ordered() const {
         }
     }
     return order;
+}
+
+void CkChainGraph::disconnectSink(const IkFrameSink* pSink) {
+    for (const auto& node : m_nodes) {
+        std::erase_if(node->sinks, [pSink](const SkSinkEntry& entry) { return entry.sink == pSink; });
+    }
+}
+
+bool CkChainGraph::addSink(CkChainable* pBlock, IkFrameSink* pSink, int iHeldFrames) {
+    const std::lock_guard lock(m_mutex);
+    SkChainNode* const node = find(pBlock);
+    if (node == nullptr) {
+        return false;
+    }
+    disconnectSink(pSink);
+    node->sinks.push_back({pSink, iHeldFrames, m_uiNextSerial++});
+    return true;
+}
+
+void CkChainGraph::removeSink(IkFrameSink* pSink, bool bWait) {
+    std::unique_lock lock(m_mutex);
+    disconnectSink(pSink);
+    if (bWait) {
+        m_sinkDone.wait(lock, [&] { return m_pBusySink != pSink; });
+    }
+}
+
+CkChainable* CkChainGraph::sinkBlock(const IkFrameSink* pSink) const {
+    const std::lock_guard lock(m_mutex);
+    for (const auto& node : m_nodes) {
+        for (const SkSinkEntry& entry : node->sinks) {
+            if (entry.sink == pSink) {
+                return node->block;
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool CkChainGraph::giveToSinks(SkChainNode& node, IkChainData* pData) {
+    auto* const frame = dynamic_cast<CkImageData*>(pData);
+    if (frame == nullptr) {
+        return false;
+    }
+    // The lock is released for every call, and sinks come and go meanwhile: the walk resumes by serial.
+    quint64 serial = 0;
+    bool given = false;
+    std::unique_lock lock(m_mutex);
+    while (!given) {
+        const auto next = std::find_if(node.sinks.begin(), node.sinks.end(),
+                                       [serial](const SkSinkEntry& entry) { return entry.serial > serial; });
+        if (next == node.sinks.end()) {
+            break;
+        }
+        serial = next->serial;
+        IkFrameSink* const sink = next->sink;
+        given = node.outputs.empty() && std::next(next) == node.sinks.end();
+        m_pBusySink = sink;
+        lock.unlock();
+        node.dropped += guardedCall(quint64(1), [given, frame, sink] {
+            CkImageData* const own = given ? frame : frame->share();
+            return own == nullptr ? quint64(1) : quint64(std::max(0, sink->takeFrame(own)));
+        });
+        lock.lock();
+        m_pBusySink = nullptr;
+        m_sinkDone.notify_all();
+    }
+    return given;
 }

@@ -1,7 +1,7 @@
 #include "zuCore/CkChainManager.h"
 
 #include "host/core/CkChainPrivate.h"
-#include "host/core/guarded.h"
+#include "host/core/guardedCall.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageSource.h"
@@ -12,7 +12,8 @@
 
 namespace {
 
-/// Chains end with the application object, while the threads and libraries they use are all still there.
+/// Chains are closed at the end of the application object, while the threads and libraries they use still
+/// exist.
 void closeAllChains() {
     CkChainManager* const manager = CkChainManager::instance();
     for (CkChain* chain : manager->chains()) {
@@ -21,7 +22,7 @@ void closeAllChains() {
 }
 
 bool accepts(CkChainable* block, CkChainable* feeder) {
-    return guarded(false, [block, feeder] { return block->acceptsDataFrom(feeder); });
+    return guardedCall(false, [block, feeder] { return block->acceptsDataFrom(feeder); });
 }
 
 bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) {
@@ -29,7 +30,7 @@ bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) 
                        [feeder](const auto* node) { return accepts(node->block, feeder); });
 }
 
-/// Whether all that a first block feeds can do without it: what has no other feeder has to stand first.
+/// Whether every block that a first block feeds has another feeder or accepts to stand first itself.
 bool remainWithout(const SkChainNode& first) {
     return std::all_of(first.successors.begin(), first.successors.end(), [](const auto* node) {
         return node->predecessors.size() > 1 || accepts(node->block, nullptr);
@@ -39,7 +40,7 @@ bool remainWithout(const SkChainNode& first) {
 } // namespace
 
 CkChainManager::CkChainManager() {
-    // Made first, so that it goes last: camera sources take leave of it.
+    // Constructed first, therefore destroyed last: camera sources use both until they are deleted.
     CkRTTI::instance();
     CkCameraManager::instance();
     qAddPostRoutine(closeAllChains);
@@ -73,7 +74,7 @@ void CkChainManager::closeChain(CkChain* pChain) {
     if (!m_chains.contains(pChain) || pChain->m_d->m_bClosing) {
         return;
     }
-    pChain->m_d->m_bClosing = true; // who hears of it may call again
+    pChain->m_d->m_bClosing = true; // a slot of chainAboutToClose may call closeChain again
     pChain->stop();
     emit chainAboutToClose(pChain);
     m_chains.removeAll(pChain);
@@ -99,7 +100,7 @@ bool CkChainManager::insert(CkChain* pChain, CkChainable* pNew, CkChainable* pAf
         if (!pChain->stopped()) {
             return false;
         }
-        SkChainNode* const after = pAfter == nullptr ? nullptr : chain.find(pAfter);
+        SkChainNode* const after = pAfter == nullptr ? nullptr : chain.m_graph.find(pAfter);
         if (pAfter == nullptr) {
             if (bBranch || qobject_cast<CkImageSource*>(pNew) == nullptr) {
                 return false;
@@ -112,9 +113,9 @@ bool CkChainManager::insert(CkChain* pChain, CkChainable* pNew, CkChainable* pAf
             return false;
         }
         sinksMoved = takesOver && !after->sinks.empty();
-        SkChainNode* const node = chain.addNode(pNew, after);
+        SkChainNode* const node = chain.m_graph.addNode(pNew, after);
         if (takesOver) {
-            chain.moveOutputs(*after, *node);
+            chain.m_graph.moveOutputs(*after, *node);
         }
     }
     emit pChain->structureChanged();
@@ -132,21 +133,21 @@ bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlo
     bool sinksMoved = false;
     {
         const CkChain::CkControlLock control(pChain);
-        SkChainNode* const node = chain.find(pBlock);
+        SkChainNode* const node = chain.m_graph.find(pBlock);
         if (!pChain->stopped() || node == nullptr) {
             return false;
         }
         SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
-        // A block that is kept goes on elsewhere; what it fed is then its owner's to feed or to close.
+        // The owner of a block that is kept decides what becomes of the blocks it fed.
         if (feeder == nullptr ? !bKeepBlock && !remainWithout(*node)
                               : !acceptedByAll(node->successors, feeder->block)) {
             return false;
         }
         sinksMoved = !node->sinks.empty();
         if (feeder != nullptr) {
-            chain.moveOutputs(*node, *feeder);
+            chain.m_graph.moveOutputs(*node, *feeder);
         }
-        chain.removeNode(node);
+        chain.m_graph.removeNode(node);
     }
     if (!bKeepBlock) {
         delete pBlock;

@@ -1,56 +1,50 @@
-// What a chain says of its blocks.
-
 #include "host/core/CkChainMessages.h"
 
-#include "host/core/guarded.h"
+#include "host/core/CkRenegotiationThrottle.h"
+#include "host/core/guardedCall.h"
 #include "zuCore/CkChainable.h"
 
 namespace {
 
-constexpr quint64 calmFrames = 30;
+constexpr quint64 kCalmFrames = 30; // a second of a usual camera
 
 } // namespace
 
-CkChain::CkPrivate::CkHeldMessages::CkHeldMessages(const std::vector<SkChainNode*>& nodes) : m_nodes(nodes) {
+CkChainMessages::CkHold::CkHold(const std::vector<SkChainNode*>& nodes) : m_nodes(nodes) {
     for (const SkChainNode* node : m_nodes) {
         node->block->holdMessages();
     }
 }
 
-CkChain::CkPrivate::CkHeldMessages::~CkHeldMessages() {
+CkChainMessages::CkHold::~CkHold() {
     for (const SkChainNode* node : m_nodes) {
-        guarded(false, [node] {
-            node->block->tellMessages();
-            return true;
-        });
+        guardedCall([node] { node->block->tellMessages(); });
     }
 }
 
-void CkChain::CkPrivate::showChainText(SkChainNode& node) {
-    guarded(false, [&node] {
-        node.block->setChainMessage(node.troubleFrame == 0 ? node.setUpText : node.troubleText);
-        return true;
-    });
+void CkChainMessages::show(SkChainNode& node) {
+    guardedCall(
+        [&node] { node.block->setChainMessage(node.troubleFrame == 0 ? node.setUpText : node.troubleText); });
 }
 
-void CkChain::CkPrivate::showSetUpError(SkChainNode& node, const QString& sText) {
+void CkChainMessages::showSetUpError(SkChainNode& node, const QString& sText) {
     node.setUpText = sText;
-    showChainText(node);
+    show(node);
 }
 
-void CkChain::CkPrivate::showTrouble(SkChainNode& node, const QString& sText) const {
+void CkChainMessages::showTrouble(SkChainNode& node, const QString& sText) const {
     if (node.troubleFrame == 0) {
         node.troubleText = sText;
     }
     if (node.troubleText == sText) {
         node.troubleFrame = m_throttle.frame();
-        showChainText(node);
+        show(node);
     }
 }
 
-void CkChain::CkPrivate::endTrouble(SkChainNode& node) const {
-    if (node.troubleFrame != 0 && m_throttle.frame() > node.troubleFrame + calmFrames) {
+void CkChainMessages::endTrouble(SkChainNode& node) const {
+    if (node.troubleFrame != 0 && m_throttle.frame() > node.troubleFrame + kCalmFrames) {
         node.troubleFrame = 0;
-        showChainText(node);
+        show(node);
     }
 }

@@ -1,6 +1,6 @@
 #include "host/core/CkFrameQueue.h"
 
-#include "host/core/CkChainPrivate.h"
+#include "host/core/SkChainNode.h"
 #include "zuCore/CkImageData.h"
 
 #include <utility>
@@ -21,7 +21,7 @@ std::vector<SkChainNode*> CkFrameQueue::clear() {
     return sources;
 }
 
-void CkFrameQueue::forgetWishes() {
+void CkFrameQueue::clearRequests() {
     const std::lock_guard lock(m_mutex);
     m_bRenegotiate = false;
     m_bGrow = false;
@@ -42,7 +42,7 @@ std::vector<SkChainNode*> CkFrameQueue::close() {
 
 bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {
     const std::lock_guard lock(m_mutex);
-    if (!m_bOpen || source.queued >= FramesPerSource) {
+    if (!m_bOpen || source.queued >= kFramesPerSource) {
         return false;
     }
     m_frames.push_back({&source, pFrame, false, false, false});
@@ -51,13 +51,13 @@ bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {
     return true;
 }
 
-void CkFrameQueue::askForRenegotiation() {
+void CkFrameQueue::requestRenegotiation() {
     const std::lock_guard lock(m_mutex);
     m_bRenegotiate = true;
     m_filled.notify_one();
 }
 
-void CkFrameQueue::askForGrowth() {
+void CkFrameQueue::requestGrowth() {
     const std::lock_guard lock(m_mutex);
     m_bGrow = true;
     m_filled.notify_one();

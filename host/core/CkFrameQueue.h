@@ -9,16 +9,16 @@
 class CkImageData;
 struct SkChainNode;
 
-/// What waits for a chain's thread: frames, a few per source, and wishes. Any thread.
+/// What waits for a chain's thread: frames, a few per source, and requests. Any thread.
 class CkFrameQueue {
 public:
-    /// Frames of one source that may wait. One would lose frames to every hiccup of the thread; more only add
-    /// latency.
-    static constexpr int FramesPerSource = 2;
+    /// Frames of one source that may wait. With one, every delay of the thread would cost a frame; more than
+    /// two only add latency.
+    static constexpr int kFramesPerSource = 2;
 
     struct SkItem {
         SkChainNode* source = nullptr;
-        CkImageData* frame = nullptr; ///< null: nothing but wishes
+        CkImageData* frame = nullptr; ///< null: requests only
         bool renegotiate = false;
         bool growPools = false;
         bool stop = false;
@@ -26,20 +26,20 @@ public:
 
     ~CkFrameQueue();
 
-    /// Forgets what was asked for: whoever is about to set everything up serves that too.
-    void forgetWishes();
-    /// Lets frames in. What was asked for meanwhile is served first.
+    /// Drops the requests: the caller is about to set everything up, which serves them too.
+    void clearRequests();
+    /// Lets frames in. Requests made since clearRequests are served before the first one.
     void open();
     /// Ends the thread's waiting, deletes what waits, counting it as dropped, and lets nothing in any more.
-    /// Answers the source of each frame it dropped.
+    /// Returns the source of each frame it dropped.
     std::vector<SkChainNode*> close();
 
-    /// Takes the frame over when it answers true. False: closed or full.
+    /// Takes the frame over. False, and the frame stays the caller's, when closed or full.
     bool put(SkChainNode& source, CkImageData* pFrame);
-    void askForRenegotiation();
-    void askForGrowth();
+    void requestRenegotiation();
+    void requestGrowth(); ///< of the pools
 
-    /// Waits for something to do. Wishes come before the frame they are answered with.
+    /// Waits for something to do. The requests of an item are to be served before its frame.
     SkItem take();
 
 private:

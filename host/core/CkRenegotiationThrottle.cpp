@@ -4,9 +4,9 @@
 
 namespace {
 
-constexpr quint32 mostDoublingsOfBlocks = 6;
-constexpr quint32 mostDoublings = 62;
-constexpr quint64 calmFrames = 64;
+constexpr quint32 kMaximumBlockDoublings = 6;  // 64 frames
+constexpr quint32 kMaximumValueDoublings = 62; // beyond any run; more would overflow
+constexpr quint64 kCalmFrames = 64;            // without a request, after which the waiting starts over
 
 } // namespace
 
@@ -14,12 +14,12 @@ void CkRenegotiationThrottle::reset() {
     *this = CkRenegotiationThrottle();
 }
 
-void CkRenegotiationThrottle::served(EkWish wish, EkFormatChange change) {
-    SkWishes& served = wish == EkWish::Block ? m_block : m_values;
-    if (change >= EkFormatChange::Sets || m_uiFrame > served.uiNext + calmFrames) {
+void CkRenegotiationThrottle::served(EkRequest request, EkFormatChange change) {
+    SkBackOff& served = request == EkRequest::Block ? m_block : m_values;
+    if (change >= EkFormatChange::Sets || m_uiFrame > served.uiNext + kCalmFrames) {
         served.uiDoublings = 0;
     }
-    const quint32 most = wish == EkWish::Block ? mostDoublingsOfBlocks : mostDoublings;
+    const quint32 most = request == EkRequest::Block ? kMaximumBlockDoublings : kMaximumValueDoublings;
     served.uiDoublings = std::min(served.uiDoublings + 1, most);
     served.uiNext = m_uiFrame + (quint64(1) << served.uiDoublings);
 }

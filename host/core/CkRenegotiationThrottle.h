@@ -6,14 +6,14 @@
 
 /// Keeps a chain from setting itself up anew with every frame. Counts in frames; chain thread.
 ///
-/// What a frame needs to be worked on is granted to a block at most with every second frame, so that of two
-/// frames in a row one gets through. Wishes that frames can do without wait twice as long each time while
-/// they come again and again.
+/// A refit, without which a frame cannot be processed, is granted to a block with every second frame at most,
+/// so that of two frames in a row one gets through. Requests that frames can do without wait twice as long
+/// each time they come again.
 class CkRenegotiationThrottle {
 public:
-    enum class EkWish {
-        Block, ///< a block asks, or might work now; waits 64 frames at most
-        Values ///< metadata are others; every set that is being gathered would be lost to it
+    enum class EkRequest {
+        Block, ///< a block requests it, or might work now; waits 64 frames at most
+        Values ///< only metadata changed; a set that is being gathered would be lost
     };
 
     void reset(); ///< before a run
@@ -21,20 +21,23 @@ public:
     quint64 frame() const { return m_uiFrame; } ///< counts from 1
 
     /// uiLast: the frame for which the same block was last granted it, 0 for none.
-    bool isNeedGranted(quint64 uiLast) const { return uiLast == 0 || m_uiFrame >= uiLast + 2; }
+    bool isRefitGranted(quint64 uiLast) const { return uiLast == 0 || m_uiFrame >= uiLast + 2; }
 
-    bool isWishGranted(EkWish wish) const { return m_uiFrame >= wishes(wish).uiNext; }
-    /// This came of a wish that was granted.
-    void served(EkWish wish, EkFormatChange change);
+    bool isGranted(EkRequest request) const { return m_uiFrame >= backOff(request).uiNext; }
+    /// After a granted request, with the change it made.
+    void served(EkRequest request, EkFormatChange change);
 
 private:
-    struct SkWishes {
+    /// Exponential back-off of the requests of one kind.
+    struct SkBackOff {
         quint64 uiNext = 0; ///< frame from which on they are granted
         quint32 uiDoublings = 0;
     };
-    const SkWishes& wishes(EkWish wish) const { return wish == EkWish::Block ? m_block : m_values; }
+    const SkBackOff& backOff(EkRequest request) const {
+        return request == EkRequest::Block ? m_block : m_values;
+    }
 
     quint64 m_uiFrame = 0;
-    SkWishes m_block;
-    SkWishes m_values;
+    SkBackOff m_block;
+    SkBackOff m_values;
 };

@@ -46,4 +46,5 @@ protected:
 
 private:
     friend class CkChain;
+    friend class CkChainRunner;
 };

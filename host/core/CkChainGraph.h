@@ -1,0 +1,68 @@
+#pragma once
+
+#include "host/core/SkChainNode.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+class CkChain;
+class CkMemoryPool;
+
+/// The blocks of a chain, their connections, and the sinks connected to them.
+///
+/// Blocks and connections change with the chain's control lock and while the chain is stopped; sinks come and
+/// go at any time. The lock of the graph guards the lists against readers on other threads. It is never held
+/// while foreign code runs.
+class CkChainGraph {
+public:
+    using Nodes = std::vector<SkChainNode*>;
+
+    /// A block that leaves the graph loses its shelf in the pool.
+    CkChainGraph(CkChain* pChain, CkMemoryPool& pool) : m_chain(pChain), m_pool(pool) {}
+
+    [[nodiscard]] std::unique_lock<std::mutex> lock() const { return std::unique_lock(m_mutex); }
+
+    // ---- with the lock held by the caller -----------------------------------------------------------
+    SkChainNode* find(const CkChainable* pBlock) const; ///< Null for a foreign block.
+    /// In order of insertion.
+    const std::vector<std::unique_ptr<SkChainNode>>& nodes() const { return m_nodes; }
+    /// Every node after its predecessors; fewer than there are when connections form a cycle.
+    Nodes ordered() const;
+
+    // ---- structure; these take the lock -------------------------------------------------------------
+    /// Makes the chain the block's only owner.
+    SkChainNode* addNode(CkChainable* pBlock, SkChainNode* pPredecessor);
+    void connect(SkChainNode& from, SkChainNode& to); ///< No-op where a connection exists.
+    /// Everything that from feeds, blocks (but to itself) and sinks, is fed by to afterwards.
+    void moveOutputs(SkChainNode& from, SkChainNode& to);
+    void removeNode(SkChainNode* pNode); ///< The block is kept.
+    void clear();                        ///< Deletes the blocks.
+
+    // ---- sinks; these take the lock -----------------------------------------------------------------
+    /// Moves a sink that is connected already. False for a foreign block.
+    bool addSink(CkChainable* pBlock, IkFrameSink* pSink, int iHeldFrames);
+    /// With bWait it returns when the sink is no longer inside takeFrame.
+    void removeSink(IkFrameSink* pSink, bool bWait);
+    CkChainable* sinkBlock(const IkFrameSink* pSink) const; ///< Null when unknown.
+    /// Gives every sink of the node an object of its own. True when the last one was given pData itself,
+    /// because nothing else needs it. Chain thread.
+    bool giveToSinks(SkChainNode& node, IkChainData* pData);
+
+private:
+    static void attach(CkChainable* pBlock, CkChain* pChain);
+    static void connectNodes(SkChainNode& from, SkChainNode& to); ///< with the lock
+    void disconnectSink(const IkFrameSink* pSink);                ///< with the lock
+
+    CkChain* const m_chain;
+    CkMemoryPool& m_pool;
+
+    mutable std::mutex m_mutex;
+    std::vector<std::unique_ptr<SkChainNode>> m_nodes;
+    std::unordered_map<const CkChainable*, SkChainNode*> m_nodeOf;
+    quint64 m_uiNextSerial = 1;
+    IkFrameSink* m_pBusySink = nullptr;
+    std::condition_variable m_sinkDone;
+};

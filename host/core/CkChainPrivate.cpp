@@ -1,0 +1,202 @@
+#include "host/core/CkChainPrivate.h"
+
+#include "host/core/ChainNegotiation.h"
+#include "zuCore/CkChainable.h"
+#include "zuCore/CkImageData.h"
+
+#include <exception>
+
+CkChain::CkPrivate::CkPrivate(CkChain* pChain)
+    : m_q(pChain), m_graph(pChain, m_pool), m_setUp(m_graph, m_pool),
+      m_runner({m_graph, m_pool, m_setUp, m_queue, m_state}) {}
+
+bool CkChain::CkPrivate::start() {
+    if (isChainThread()) {
+        return false;
+    }
+    const std::lock_guard control(m_control);
+    if (m_state != EkChainState::Stopped) {
+        return false;
+    }
+    // What follows serves all requests up to here; it may miss later ones, so those stay.
+    m_queue.clearRequests();
+    if (!m_setUp.prepare()) {
+        return false;
+    }
+    m_runner.beginRun();
+    m_state = EkChainState::Starting;
+    m_bAbortStart = false;
+    bool running = false;
+    try {
+        setUpForRun();
+        running = !m_bAbortStart;
+        if (running) {
+            m_thread = std::thread([this] { run(); });
+        }
+    } catch (const std::exception&) { // no thread or no memory
+        running = false;
+    }
+    if (running) {
+        m_state = EkChainState::Running;
+        emit m_q->runningChanged(true);
+        return true;
+    }
+    closeQueue();
+    m_setUp.tearDown();
+    const auto lock = m_graph.lock();
+    m_bNegotiated = false;
+    m_state = EkChainState::Stopped;
+    return false;
+}
+
+void CkChain::CkPrivate::setUpForRun() {
+    const CkChainMessages::CkHold hold(m_setUp.order());
+    m_setUp.negotiate(nullptr);
+    setNegotiated(true);
+    m_setUp.reservePools(false);
+    m_queue.open(); // a source may deliver its first frame from setupStart
+    m_setUp.setUp();
+}
+
+void CkChain::CkPrivate::stop() {
+    if (isChainThread()) {
+        return; // it would wait for itself
+    }
+    const std::lock_guard control(m_control);
+    if (m_state == EkChainState::Starting) {
+        m_bAbortStart = true;
+    }
+    if (m_state != EkChainState::Running) {
+        return;
+    }
+    m_state = EkChainState::Stopping;
+    closeQueue();
+    m_thread.join();
+    m_setUp.tearDown();
+    setNegotiated(false);
+    m_state = EkChainState::Stopped;
+    emit m_q->runningChanged(false);
+}
+
+void CkChain::CkPrivate::closeQueue() {
+    for (const SkChainNode* source : m_queue.close()) {
+        CkChainRunner::tellSource(*source, CkImageSource::EkFrameEvent::Dropped);
+    }
+}
+
+void CkChain::CkPrivate::clear() {
+    m_setUp.forgetOrder();
+    m_graph.clear();
+}
+
+void CkChain::CkPrivate::forget(CkChainable* pBlock) {
+    stop();
+    SkChainNode* node = nullptr;
+    {
+        const auto lock = m_graph.lock();
+        node = m_graph.find(pBlock);
+    }
+    if (node != nullptr) {
+        m_graph.removeNode(node);
+    }
+}
+
+void CkChain::CkPrivate::setNegotiated(bool bNegotiated) {
+    const auto lock = m_graph.lock();
+    m_bNegotiated = bNegotiated;
+}
+
+CkChain::CkPrivate::EkCache CkChain::CkPrivate::cachedOutput(const CkChainable* pBlock,
+                                                             SkFormat& format) const {
+    const auto lock = m_graph.lock();
+    if (!m_bNegotiated) {
+        return EkCache::NotNegotiated;
+    }
+    const SkChainNode* const node = m_graph.find(pBlock);
+    if (node == nullptr || !node->output.known) {
+        return EkCache::Unknown;
+    }
+    format = node->output;
+    return EkCache::Known;
+}
+
+bool CkChain::CkPrivate::outputFormat(const CkChainable* pBlock, SkFormat& format) {
+    EkCache cached = cachedOutput(pBlock, format);
+    if (cached != EkCache::NotNegotiated || isChainThread()) {
+        return cached == EkCache::Known;
+    }
+    // A stopped chain: its blocks are asked now, while no other thread can start it.
+    const std::lock_guard control(m_control);
+    cached = cachedOutput(pBlock, format);
+    if (cached != EkCache::NotNegotiated) {
+        return cached == EkCache::Known;
+    }
+    const SkChainNode* node = nullptr;
+    {
+        const auto lock = m_graph.lock();
+        node = m_graph.find(pBlock);
+    }
+    return node != nullptr && ChainNegotiation::currentOutput(*node, format);
+}
+
+bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
+    if (pFrame == nullptr) {
+        return false;
+    }
+    bool taken = false;
+    {
+        // Held to the end: the block cannot leave its chain, nor the chain be deleted, while the frame is
+        // handed over.
+        CkChainable* const block = pSource;
+        const std::lock_guard lock(block->m_mutex);
+        if (block->m_pChain != nullptr) {
+            CkPrivate& chain = *block->m_pChain->m_d;
+            const auto graph = chain.m_graph.lock();
+            SkChainNode* const node = chain.m_graph.find(pSource);
+            taken = node != nullptr && chain.m_queue.put(*node, pFrame);
+            // A stopped chain expects no frames; one that is about to start or stop loses them.
+            if (node != nullptr && (taken || chain.m_state != EkChainState::Stopped)) {
+                ++node->framesIn;
+                node->dropped += taken ? 0 : 1;
+            }
+        }
+    }
+    if (!taken) {
+        delete pFrame;
+    }
+    return taken;
+}
+
+void CkChain::CkPrivate::noteLost(CkImageSource* pSource, quint64 uiFrames) {
+    CkChainable* const block = pSource;
+    const std::lock_guard lock(block->m_mutex);
+    if (block->m_pChain == nullptr) {
+        return;
+    }
+    CkPrivate& chain = *block->m_pChain->m_d;
+    const auto graph = chain.m_graph.lock();
+    SkChainNode* const node = chain.m_graph.find(pSource);
+    if (node != nullptr && chain.m_state != EkChainState::Stopped) {
+        node->framesIn += uiFrames;
+        node->dropped += uiFrames;
+    }
+}
+
+void CkChain::CkPrivate::run() {
+    m_threadId = std::this_thread::get_id();
+    for (;;) {
+        const CkFrameQueue::SkItem item = m_queue.take();
+        if (item.stop) {
+            m_threadId = std::thread::id(); // the system may give the id to another thread afterwards
+            return;
+        }
+        if (item.renegotiate) {
+            m_runner.renegotiate();
+        } else if (item.growPools) {
+            m_setUp.reservePools(true);
+        }
+        if (item.frame != nullptr) {
+            m_runner.runFrame(*item.source, item.frame);
+        }
+    }
+}

@@ -1,0 +1,217 @@
+#include "host/core/CkChainRunner.h"
+
+#include "host/core/ChainNegotiation.h"
+#include "host/core/SkFrameProperties.h"
+#include "host/core/guardedCall.h"
+#include "zuCore/CkChain.h"
+#include "zuCore/CkChainable.h"
+#include "zuCore/CkImageData.h"
+
+#include <QPointer>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+using EkRequest = CkRenegotiationThrottle::EkRequest;
+
+void CkChainRunner::runFrame(SkChainNode& source, CkImageData* pFrame) {
+    m_throttle.beginFrame();
+    m_messages.endTrouble(source);
+    if (!fitsSetUp(source, *pFrame)) {
+        delete pFrame;
+        tellSource(source, CkImageSource::EkFrameEvent::Dropped);
+        return;
+    }
+    ++source.framesOut;
+    tellSource(source, CkImageSource::EkFrameEvent::Entered);
+    if (!m_parts.graph.giveToSinks(source, pFrame)) {
+        giveToSuccessors(source, pFrame);
+    }
+    const CkChainGraph::Nodes& order = m_parts.setUp.order();
+    for (size_t i = source.index + 1; i < order.size(); ++i) {
+        runBlock(*order[i]);
+    }
+    for (SkChainNode* node : order) {
+        node->framesDone = node->framesOut.load();
+    }
+    tellSource(source, CkImageSource::EkFrameEvent::Done);
+}
+
+void CkChainRunner::renegotiate() {
+    m_throttle.served(EkRequest::Block, m_parts.setUp.renegotiate(nullptr));
+}
+
+bool CkChainRunner::requestRenegotiation() {
+    const bool granted = m_throttle.isGranted(EkRequest::Block);
+    if (granted) {
+        m_parts.queue.requestRenegotiation();
+    }
+    return granted;
+}
+
+void CkChainRunner::tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event) {
+    guardedCall([&source, event] { source.source->frameEvent(event); });
+}
+
+void CkChainRunner::runBlock(SkChainNode& node) {
+    // Of several results the successors get the last one, made when the block has seen all its input. Passing
+    // on all of them would make the work on a frame grow with the number of paths instead of connections.
+    IkChainData* result = nullptr;
+    for (IkChainData*& place : node.inbox) {
+        IkChainData* const input = std::exchange(place, nullptr);
+        if (input == nullptr) {
+            continue;
+        }
+        IkChainData* const next = process(node, input);
+        if (next == nullptr) {
+            continue;
+        }
+        delete std::exchange(result, nullptr);
+        ++node.framesOut;
+        if (!m_parts.graph.giveToSinks(node, next)) {
+            result = next;
+        }
+    }
+    if (result != nullptr) {
+        giveToSuccessors(node, result);
+    }
+}
+
+IkChainData* CkChainRunner::process(SkChainNode& node, IkChainData* pData) {
+    ++node.framesIn;
+    if (m_parts.state == EkChainState::Stopping) {
+        ++node.dropped;
+        delete pData;
+        return nullptr;
+    }
+    if (node.block->state() == CkChainable::Blocked) {
+        delete pData;
+        return nullptr;
+    }
+    m_messages.endTrouble(node);
+    recoverBlock(node, *pData);
+    if (!node.ready) {
+        ++node.dropped;
+        delete pData;
+        return nullptr;
+    }
+    const CkMemoryPool::SkRefusals before = m_parts.pool.refusals(node.block);
+    bool inputIsOurs = true;
+    IkChainData* const result = callBlock(node, pData, inputIsOurs);
+    if (result == nullptr) {
+        if (inputIsOurs) {
+            countMissingOutput(node, before);
+            delete pData;
+        }
+        return nullptr;
+    }
+    if (!fitsSetUp(node, *result)) {
+        delete result;
+        return nullptr;
+    }
+    return result;
+}
+
+IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs) {
+    CkChainable* const block = node.block;
+    // Needed after an exception only: whether the input was deleted already.
+    const auto* const inputFrame = dynamic_cast<CkImageData*>(pData);
+    const QPointer<const QObject> input(inputFrame);
+    IkChainData* result = nullptr;
+    block->m_bFrameDropped = false;
+    const auto begin = std::chrono::steady_clock::now();
+    try {
+        const SkFrameProperties properties = SkFrameProperties::of(inputFrame);
+        result = block->processData(pData);
+        auto* const frame = properties.names.isEmpty() ? nullptr : dynamic_cast<CkImageData*>(result);
+        if (frame != nullptr) {
+            properties.addTo(*frame);
+        }
+    } catch (...) {
+        bInputIsOurs = result == nullptr && !input.isNull();
+        delete std::exchange(result, nullptr);
+        block->m_bFrameDropped = bInputIsOurs;
+        // Text before count: a reader that sees the count rise finds the reason.
+        m_messages.showTrouble(node, CkChain::tr("The block failed on a frame."));
+        node.dropped += bInputIsOurs ? 0 : 1;
+    }
+    const std::chrono::nanoseconds spent = std::chrono::steady_clock::now() - begin;
+    node.processNs += quint64(spent.count());
+    return result;
+}
+
+void CkChainRunner::countMissingOutput(SkChainNode& node, const CkMemoryPool::SkRefusals& before) {
+    const CkMemoryPool::SkRefusals after = m_parts.pool.refusals(node.block);
+    const bool misfit = after.misfits != before.misfits;
+    if (misfit && !requestRenegotiation()) {
+        m_messages.showTrouble(node,
+                               CkChain::tr("The output of the block does not fit the pictures made for it."));
+    }
+    // Without a shelf, as for an output without pixels, the pool refuses nothing.
+    const bool refused = (node.provider != nullptr && !node.negotiated) ||
+                         (node.pictures > 0 && m_parts.pool.capacity(node.block) == 0);
+    if (misfit || refused || after.exhausted != before.exhausted || node.block->m_bFrameDropped) {
+        ++node.dropped;
+    }
+}
+
+void CkChainRunner::recoverBlock(SkChainNode& node, const IkChainData& data) {
+    const auto* const frame = dynamic_cast<const CkImageData*>(&data);
+    if (node.provider == nullptr || node.negotiated || frame == nullptr ||
+        !m_throttle.isGranted(EkRequest::Block)) {
+        return;
+    }
+    SkFormat output;
+    if (ChainNegotiation::queryOutput(*node.provider, SkFormat::of(*frame), output)) {
+        renegotiate();
+    }
+}
+
+bool CkChainRunner::fitsSetUp(SkChainNode& node, const IkChainData& data) {
+    const auto* const frame = dynamic_cast<const CkImageData*>(&data);
+    if (frame == nullptr || (node.provider == nullptr && node.outputs.empty())) {
+        return true;
+    }
+    SkFormat seen = SkFormat::of(*frame);
+    const EkFormatChange change = formatChange(seen, node.output);
+    if (change == EkFormatChange::None) {
+        return true;
+    }
+    node.lastFrame = std::move(seen);
+    if (change == EkFormatChange::Values) {
+        if (m_throttle.isGranted(EkRequest::Values)) {
+            m_throttle.served(EkRequest::Values, m_parts.setUp.renegotiate(&node));
+        }
+        return true;
+    }
+    if (m_throttle.isRefitGranted(node.refitFrame)) {
+        node.refitFrame = m_throttle.frame();
+        m_parts.setUp.renegotiate(&node);
+        return true;
+    }
+    if (change != EkFormatChange::Pictures) {
+        return true;
+    }
+    m_messages.showTrouble(
+        node, CkChain::tr("Frames come in another format time and again; while the chain is set up "
+                          "anew for one, others are dropped."));
+    ++node.dropped; // after the text, as above
+    return false;
+}
+
+void CkChainRunner::giveToSuccessors(SkChainNode& node, IkChainData* pData) {
+    const size_t count = node.outputs.size();
+    for (size_t i = 0; i < count; ++i) {
+        const SkChainOutput& output = node.outputs[i];
+        IkChainData* const own =
+            i + 1 == count ? pData : guardedCall<>(nullptr, [pData] { return pData->share(); });
+        if (own == nullptr) {
+            ++output.to->framesIn;
+            ++output.to->dropped;
+        }
+        output.to->inbox[output.place] = own;
+    }
+    if (count == 0) {
+        delete pData;
+    }
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "host/core/CkChainMessages.h"
+#include "host/core/CkChainSetUp.h"
+#include "host/core/CkFrameQueue.h"
+#include "host/core/CkRenegotiationThrottle.h"
+#include "zuCore/CkImageSource.h"
+#include "zuCore/CkMemoryPool.h"
+
+#include <atomic>
+
+enum class EkChainState { Stopped, Starting, Running, Stopping };
+
+/// Takes frames through the blocks of a chain, one at a time. Chain thread, but for beginRun and tellSource.
+class CkChainRunner {
+public:
+    struct SkParts {
+        CkChainGraph& graph;
+        CkMemoryPool& pool;
+        CkChainSetUp& setUp;
+        CkFrameQueue& queue;
+        const std::atomic<EkChainState>& state;
+    };
+    explicit CkChainRunner(const SkParts& parts) : m_parts(parts), m_messages(m_throttle) {}
+
+    void beginRun() { m_throttle.reset(); } ///< Before the thread starts.
+
+    /// Takes the frame over.
+    void runFrame(SkChainNode& source, CkImageData* pFrame);
+    /// Sets the chain up anew, as a block or another thread requested.
+    void renegotiate();
+    /// A request of a block, on the chain's thread. False when it is not granted: requests that change no
+    /// format are granted ever more rarely.
+    bool requestRenegotiation();
+
+    /// What the source throws is ignored.
+    static void tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event);
+
+private:
+    void runBlock(SkChainNode& node);
+    IkChainData* process(SkChainNode& node, IkChainData* pData);
+    IkChainData* callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs);
+    void countMissingOutput(SkChainNode& node, const CkMemoryPool::SkRefusals& before);
+    /// The one rule for whatever leaves a source or a block: for a frame in another format than the
+    /// negotiated one the chain is set up anew. False when the frame has to be dropped.
+    bool fitsSetUp(SkChainNode& node, const IkChainData& data);
+    void recoverBlock(SkChainNode& node, const IkChainData& data);
+    static void giveToSuccessors(SkChainNode& node, IkChainData* pData);
+
+    const SkParts m_parts;
+    CkRenegotiationThrottle m_throttle;
+    const CkChainMessages m_messages;
+};
