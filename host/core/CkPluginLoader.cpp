@@ -64,8 +64,8 @@ QString identityRefusal(const QPluginLoader& loader) {
                : CkPluginLoader::tr("it is a plug-in for another program (\"%1\").").arg(iid);
 }
 
-/// Runs plug-in code; what it throws becomes a reason for refusal. The exception is gone when this returns,
-/// so that the library that defined it can be unloaded.
+/// Runs plug-in code; what it throws becomes a reason for refusal. The exception is destroyed when this
+/// returns, so that the library that defined it can be unloaded.
 template <class Function>
 QString guarded(Function function) {
     try {

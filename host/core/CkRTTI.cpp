@@ -82,7 +82,7 @@ bool CkRTTI::registerClass(QObject* pPlugin, const QMetaObject* pMetaObject, con
 }
 
 void CkRTTI::unregisterPlugin(QObject* pPlugin) {
-    // Null stands for the host's own classes; they stay.
+    // Null means the host's own classes, which are never unregistered.
     if (pPlugin != nullptr) {
         m_classes.removeIf([pPlugin](const SkRegisteredClass& known) { return known.plugin == pPlugin; });
     }
@@ -110,7 +110,7 @@ QObject* CkRTTI::create(const QString& sUniqueIdOrClassName) const {
         m_sLastError = Texts::tr("There is no class \"%1\".").arg(sUniqueIdOrClassName);
         return nullptr;
     }
-    // A plug-in's constructor may throw; the host goes on without the object.
+    // A plug-in's constructor may throw; the host continues without the object.
     try {
         if (QObject* const object = found->metaObject->newInstance()) {
             return object;

@@ -9,14 +9,14 @@ namespace {
 
 qint64 saturatedInt64(double value) {
     // 2^63 is the first double beyond the range; the largest qint64 itself has no double of its own.
-    constexpr double limit = 9223372036854775808.0;
+    constexpr double kLimit = 9223372036854775808.0;
     if (std::isnan(value)) {
         return 0;
     }
-    if (value >= limit) {
+    if (value >= kLimit) {
         return std::numeric_limits<qint64>::max();
     }
-    if (value < -limit) {
+    if (value < -kLimit) {
         return std::numeric_limits<qint64>::min();
     }
     return qint64(value);
@@ -25,7 +25,8 @@ qint64 saturatedInt64(double value) {
 double numberIn(const QString& text) {
     bool ok = false;
     const double value = text.toDouble(&ok);
-    // Too large a number is answered as infinity together with a failure; that is the saturated value.
+    // For a number that is too large toDouble reports failure and returns infinity, which is the saturated
+    // value.
     return ok || std::isinf(value) ? value : 0.0;
 }
 

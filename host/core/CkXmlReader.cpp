@@ -14,12 +14,17 @@ struct Texts {
 };
 
 // What is handed to Qt's reader at a time.
-constexpr qsizetype pieceLength = 16 * 1024;
-// Qt's reader compares every attribute of a tag with all others before it shows any of them, so that tags are
-// stopped on their way in: by signs that attributes need and a comment may have too.
-constexpr qint64 signsPerAttribute = 10;
+constexpr qsizetype kPieceLength = 16 * 1024;
+// QXmlStreamReader compares every attribute of a tag with all others before it reports any of them: two
+// million would take hours. Such tags are stopped while they are fed in, by counting '=' and quotes, of which
+// a comment or a text may have some as well.
+constexpr qint64 kSignsPerAttribute = 10;
 
-/// Walks through a document with Qt's own tokenizer and stops at the first limit.
+/// Feeds a document to QXmlStreamReader piece by piece and stops at the first limit.
+///
+/// The stream reader checks syntax, encoding and entities. It has no limits of its own on depth, elements,
+/// attributes, or the length of a token, and the document that is built afterwards would overflow the stack
+/// when a deep one is destroyed; that is what this class adds.
 class CkXmlGuard {
 public:
     explicit CkXmlGuard(const SkXmlLimits& limits) : m_limits(limits) {
@@ -107,10 +112,10 @@ bool CkXmlGuard::takePiece(const Text& piece) {
     m_iPending += piece.size();
     m_iPendingEquals += piece.count('=');
     m_iPendingQuotes += piece.count('"') + piece.count('\'');
-    if (std::min(m_iPendingEquals, m_iPendingQuotes / 2) > signsPerAttribute * m_limits.attributes) {
+    if (std::min(m_iPendingEquals, m_iPendingQuotes / 2) > kSignsPerAttribute * m_limits.attributes) {
         return fail(Texts::tr("an element has more than %1 attributes").arg(m_limits.attributes));
     }
-    return m_iPending <= m_limits.tokenBytes + pieceLength ||
+    return m_iPending <= m_limits.tokenBytes + kPieceLength ||
            fail(Texts::tr("a tag or text is longer than %1 bytes").arg(m_limits.tokenBytes));
 }
 
@@ -120,8 +125,8 @@ bool CkXmlGuard::accepts(const Text& text) {
         m_sError = Texts::tr("it is larger than %1 bytes").arg(m_limits.bytes);
         return false;
     }
-    for (qsizetype at = 0; at < text.size(); at += pieceLength) {
-        if (!takePiece(text.mid(at, pieceLength))) {
+    for (qsizetype at = 0; at < text.size(); at += kPieceLength) {
+        if (!takePiece(text.mid(at, kPieceLength))) {
             return false;
         }
     }

@@ -47,7 +47,7 @@ void CkColorPickerLabel::paintEvent(QPaintEvent*) {
     painter.setBrush(clFill);
     painter.drawRoundedRect(swatch, 3.0, 3.0);
     if (hasFocus()) {
-        // A light ring in between keeps the focus ring visible on a swatch of its own colour.
+        // A light ring in between keeps the focus ring visible on a swatch of the same colour.
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(palette().color(group, QPalette::Base), 4.0));
         painter.drawRoundedRect(QRectF(rect()).adjusted(2.0, 2.0, -2.0, -2.0), 3.0, 3.0);
@@ -79,7 +79,7 @@ void CkColorPickerLabel::keyPressEvent(QKeyEvent* pEvent) {
 }
 
 void CkColorPickerLabel::pick() {
-    // The window, and with it the dialog, may go while the dialog is open.
+    // The window, and with it the dialog, may be deleted while the dialog is open.
     const QPointer<QColorDialog> dialog(new QColorDialog(m_clColor, this));
     const int iResult = dialog->exec();
     if (!dialog) {

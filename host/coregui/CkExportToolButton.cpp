@@ -20,7 +20,7 @@ QString firstSuffix(const QString& sFilter) {
     return s_pattern.match(sFilter).captured(1);
 }
 
-// Both windows live on the heap: they go with their parent, which may be closed while they are open.
+// Both windows are on the heap: their parent deletes them when it is closed while they are open.
 QString askForFile(QWidget* pParent, const QString& sFilter) {
     IkAppDelegate* delegate = IkAppDelegate::instance();
     const QPointer<QFileDialog> dialog(new QFileDialog(pParent, CkExportToolButton::tr("Export")));

@@ -32,14 +32,14 @@ int CkFrameSlot::takeFrame(CkImageData* pData) {
         m_uiDropped.fetch_add(1, std::memory_order_relaxed);
         return 1;
     }
-    // Low priority: whoever listens to receivedFrame through the queue comes before the next frame, even when
-    // the event loop is always late. Otherwise a listener on a busy view would never see its frame again.
+    // Low priority: queued connections to receivedFrame are served before the next frame, even when the event
+    // loop never catches up. Otherwise their slots would never find the frame they were told of.
     QCoreApplication::postEvent(this, new QEvent(frameEventType()), Qt::LowEventPriority);
     return 0;
 }
 
 int CkFrameSlot::heldFrames() const {
-    // Waiting, on its way in, shown, and one that a listener with an event loop of its own holds up.
+    // Waiting, arriving, shown, and one that a listener with a nested event loop still holds.
     return 4;
 }
 

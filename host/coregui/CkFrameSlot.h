@@ -8,13 +8,13 @@
 #include <memory>
 #include <mutex>
 
-/// Place for one frame between a chain's thread and the user-interface thread. A frame that comes before the
-/// last one was fetched takes its place, so what waits never grows, whatever the event loop is busy with.
+/// Hands frames from a chain's thread to the user-interface thread, with room for one. A frame that comes
+/// before the last one was fetched replaces it, so that nothing queues up while the event loop is busy.
 class CkFrameSlot : public QObject, public IkFrameSink {
 public:
     using Receiver = std::function<void(std::unique_ptr<CkImageData>)>;
 
-    /// The receiver is called on the thread this object was made on.
+    /// The receiver is called on the thread that constructed this object.
     explicit CkFrameSlot(Receiver receiver);
     ~CkFrameSlot() override;
 
@@ -22,8 +22,9 @@ public:
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override;
 
-    /// Forgets the frame that waits. After the slot was taken off its chain.
+    /// Drops the frame that waits. To be called after the slot was removed from its chain.
     void clear();
+    /// Frames that were replaced before they were fetched. Any thread.
     quint64 droppedFrames() const { return m_uiDropped.load(std::memory_order_relaxed); }
 
 protected:

@@ -17,7 +17,7 @@ int nextViewId() {
     return s_iNext++;
 }
 
-// Branches may meet again: each block is asked once.
+// Branches may join again: each block is asked once.
 void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& asked, QList<void*>& handles) {
     if (asked.contains(pBlock)) {
         return;
@@ -31,8 +31,8 @@ void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& asked, 
         }
         return;
     }
-    for (CkChainable* before : pBlock->precedessors()) {
-        collectCameraHandles(before, asked, handles);
+    for (CkChainable* feeder : pBlock->precedessors()) {
+        collectCameraHandles(feeder, asked, handles);
     }
 }
 } // namespace
@@ -48,7 +48,7 @@ public:
                         lose();
                     }
                 });
-        // A view that waits for its deletion gets no more frames.
+        // A view between deleteLater and its destructor gets no more frames.
         pView->installEventFilter(this);
     }
 
@@ -100,7 +100,7 @@ public:
         emit m_pView->dataProviderChanged();
     }
 
-    // The chain decides where the sink stands now; the view only takes note.
+    // After the chain moved or dropped the sink.
     void follow() {
         CkChainable* block = m_chain ? m_chain->sinkBlock(&m_slot) : nullptr;
         if (block == nullptr) {
@@ -120,7 +120,7 @@ public:
         emit m_pView->viewTitleChanged();
     }
 
-    // The title is made of those of all blocks on the way to the view.
+    // The view's title is composed of the titles of all blocks upstream.
     void watchTitles() {
         for (const QMetaObject::Connection& watched : std::as_const(m_titles)) {
             disconnect(watched);
@@ -139,8 +139,8 @@ public:
     QPointer<CkChainable> m_provider;
     QPointer<CkChainable> m_second;
     QList<QMetaObject::Connection> m_titles;
-    // Shared with listeners further up the stack: one that runs an event loop of its own keeps its frame
-    // while the next one is shown.
+    // Shared with showFrame calls further up the stack: a listener that runs a nested event loop keeps its
+    // frame while the next one is shown.
     std::shared_ptr<CkImageData> m_current;
     std::unique_ptr<CkLut> m_lut;
     bool m_bFlag1 = false;

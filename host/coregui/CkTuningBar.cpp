@@ -9,16 +9,16 @@
 #include <cmath>
 
 namespace {
-constexpr int s_iWheelNotch = 120;
-constexpr int s_iPageSteps = 10;
-constexpr double s_fDefaultSteps = 100.0;
+constexpr int kWheelNotch = 120; // eighths of a degree, as QWheelEvent counts
+constexpr int kPageSteps = 10;
+constexpr double kDefaultSteps = 100.0;
 
-// Everything hangs on the height of the text, so that the bar fits beside labels at any font and scaling.
+// All sizes follow the height of the text, so that the bar fits beside labels at any font and scaling.
 double handleRadius(const QFontMetrics& metrics) {
     return 0.42 * metrics.height();
 }
 
-constexpr double s_fRingWidth = 2.0;
+constexpr double kRingWidth = 2.0;
 } // namespace
 
 CkTuningBar::CkTuningBar(QWidget* pParent) : QWidget(pParent) {
@@ -39,7 +39,7 @@ void CkTuningBar::setRange(const CkValue& vMinimum, const CkValue& vMaximum, con
     m_fMaximum = vMaximum.toDouble();
     const double fStep = vStep.toDouble();
     if (hasUsableRange()) {
-        m_fStep = std::isfinite(fStep) && fStep > 0.0 ? fStep : (m_fMaximum - m_fMinimum) / s_fDefaultSteps;
+        m_fStep = std::isfinite(fStep) && fStep > 0.0 ? fStep : (m_fMaximum - m_fMinimum) / kDefaultSteps;
         m_fValue = std::clamp(m_fValue, m_fMinimum, m_fMaximum);
     }
     updateUsability();
@@ -60,7 +60,7 @@ QSize CkTuningBar::sizeHint() const {
 }
 
 QSize CkTuningBar::minimumSizeHint() const {
-    const int iHeight = int(std::ceil(2.0 * (handleRadius(fontMetrics()) + s_fRingWidth + 1.0)));
+    const int iHeight = int(std::ceil(2.0 * (handleRadius(fontMetrics()) + kRingWidth + 1.0)));
     return {iHeight * 4, iHeight};
 }
 
@@ -72,7 +72,7 @@ void CkTuningBar::paintEvent(QPaintEvent*) {
         isEnabled() ? palette().color(group, QPalette::Highlight) : palette().color(group, QPalette::Mid);
     const QColor clOutline = palette().color(group, QPalette::Dark);
     const double fRadius = handleRadius(fontMetrics());
-    const double fMargin = fRadius + s_fRingWidth + 1.0;
+    const double fMargin = fRadius + kRingWidth + 1.0;
     const double fMiddle = height() / 2.0;
     const double fLength = std::max(0.0, width() - 2.0 * fMargin);
     const double fShare = hasUsableRange() ? (m_fValue - m_fMinimum) / (m_fMaximum - m_fMinimum) : 0.0;
@@ -102,9 +102,9 @@ void CkTuningBar::paintEvent(QPaintEvent*) {
 
     const QPointF centre(fHandle, fMiddle);
     if (hasFocus()) {
-        painter.setPen(QPen(clHighlight, s_fRingWidth));
+        painter.setPen(QPen(clHighlight, kRingWidth));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(centre, fRadius + s_fRingWidth / 2, fRadius + s_fRingWidth / 2);
+        painter.drawEllipse(centre, fRadius + kRingWidth / 2, fRadius + kRingWidth / 2);
     }
     const QColor clHandle = palette().color(group, QPalette::Button);
     painter.setPen(QPen(clOutline, 1.0));
@@ -140,8 +140,8 @@ void CkTuningBar::wheelEvent(QWheelEvent* pEvent) {
     }
     // Fine wheels and touch pads send parts of a notch.
     m_iWheelRest += pEvent->angleDelta().y() != 0 ? pEvent->angleDelta().y() : pEvent->angleDelta().x();
-    const int iNotches = m_iWheelRest / s_iWheelNotch;
-    m_iWheelRest -= iNotches * s_iWheelNotch;
+    const int iNotches = m_iWheelRest / kWheelNotch;
+    m_iWheelRest -= iNotches * kWheelNotch;
     if (iNotches != 0) {
         changeByUser(m_fValue + iNotches * m_fStep);
     }
@@ -168,10 +168,10 @@ void CkTuningBar::keyPressEvent(QKeyEvent* pEvent) {
         changeByUser(m_fValue + m_fStep);
         break;
     case Qt::Key_PageDown:
-        changeByUser(m_fValue - s_iPageSteps * m_fStep);
+        changeByUser(m_fValue - kPageSteps * m_fStep);
         break;
     case Qt::Key_PageUp:
-        changeByUser(m_fValue + s_iPageSteps * m_fStep);
+        changeByUser(m_fValue + kPageSteps * m_fStep);
         break;
     case Qt::Key_Home:
         changeByUser(m_fMinimum);
@@ -207,7 +207,7 @@ void CkTuningBar::changeByUser(double fValue) {
 }
 
 double CkTuningBar::valueAt(double fX) const {
-    const double fMargin = handleRadius(fontMetrics()) + s_fRingWidth + 1.0;
+    const double fMargin = handleRadius(fontMetrics()) + kRingWidth + 1.0;
     const double fLength = width() - 2.0 * fMargin;
     double fShare = fLength > 0.0 ? std::clamp((fX - fMargin) / fLength, 0.0, 1.0) : 0.0;
     if (layoutDirection() == Qt::RightToLeft) {

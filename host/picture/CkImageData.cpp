@@ -19,7 +19,7 @@ void CkImageData::setPicBuf(const SkPicBuf& picBuf) {
     if (&picBuf == &m_picBuf) {
         return;
     }
-    // The new one is in place before the old one goes: a pool may hand the old pixels out again at once.
+    // The new one is in place before the old one is freed: a pool may hand the old pixels out again at once.
     SkPicBuf previous = m_picBuf;
     m_picBuf = picBuf;
     CkPicBufAPI::FreePicBuf(previous, true);

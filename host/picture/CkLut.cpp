@@ -48,8 +48,8 @@ int CkLut::pseudoColorCount() {
 }
 
 QStringList CkLut::pseudoColorNames() {
-    static const QStringList names = pseudoColorMapNames();
-    return names;
+    static const QStringList kNames = pseudoColorMapNames();
+    return kNames;
 }
 
 void CkLut::setPseudoColorIndex(int iIndex) {
@@ -95,18 +95,18 @@ bool CkLut::applyToPic(const SkPicBuf& source, SkPicBuf& target) const {
     }
     const CkCompContrast contrast = activeContrast();
     const double maximum = maximumOfBits(m_uiBits);
-    // Of a window without end no value has a place: it counts as one without width.
+    // No value has a position in an infinite window: it counts as one without width.
     const bool bounded = std::isfinite(source.minValue) && std::isfinite(source.maxValue);
     const double span = bounded ? double(source.maxValue) - double(source.minValue) : 0.0;
     const quint64 lastEntry = rgbTableEntries() - 1;
     // Integers of more than 16 bits share entries.
     const double entriesPerValue = double(lastEntry) / maximum;
     return visitSamples(source.dataType, [&]<typename T>(T) {
-        static constexpr quint8 black[4] = {0, 0, 0, 255};
+        static constexpr quint8 kBlack[4] = {0, 0, 0, 255};
         const auto color = [&](T value) -> const quint8* {
             if constexpr (std::is_floating_point_v<T>) {
                 if (!std::isfinite(value)) {
-                    return black;
+                    return kBlack;
                 }
                 const double onScale =
                     span > 0.0 ? (double(value) - double(source.minValue)) / span * maximum : 0.0;

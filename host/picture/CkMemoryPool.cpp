@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The pictures of one owner. Lives until its pool has let go of it and every picture is back.
+/// The pictures of one owner. Lives until its pool has released it and every picture is back.
 class CkShelf final : public IkPicMemoryShelf, public std::enable_shared_from_this<CkShelf> {
 public:
     explicit CkShelf(size_t uiBytes) : m_uiBytes(uiBytes) {}
@@ -20,7 +20,7 @@ public:
     CkShelf& operator=(const CkShelf&) = delete;
 
     bool fill(int iCount) {
-        m_free.reserve(size_t(iCount)); // giving back must not allocate
+        m_free.reserve(size_t(iCount)); // takeBack must not allocate
         for (int i = 0; i < iCount; ++i) {
             CkPicMemory* const memory = CkPicMemory::create(m_uiBytes, true);
             if (memory == nullptr) {
@@ -125,7 +125,7 @@ bool CkMemoryPool::reserve(const void* pOwner, const SkPicBufInfo& info, int iCo
     try {
         auto shelf = std::make_shared<CkShelf>(bytes);
         const bool filled = shelf->fill(iCount);
-        // An empty shelf, too: it counts what its owner asks of it in vain.
+        // An empty shelf is kept, too: it counts the requests that it refuses.
         const std::lock_guard lock(m_d->m_mutex);
         m_d->m_shelves[pOwner] = std::move(shelf);
         return filled;

@@ -13,12 +13,12 @@
 
 namespace {
 
-/// Smallest and largest finite value so far. Several lanes side by side, so that the loop needs no value
-/// of the pixel before.
+/// Smallest and largest finite value so far. Independent lanes, so that the loop has no dependency from one
+/// pixel to the next and can be vectorised.
 template <typename T>
 class CkRange {
 public:
-    static constexpr size_t lanes = 16;
+    static constexpr size_t kLanes = 16;
 
     CkRange() {
         m_low.fill(std::numeric_limits<T>::infinity());
@@ -34,14 +34,14 @@ public:
     void addRow(const quint8* row, size_t count, size_t step) {
         size_t i = 0;
         if (step == 1) {
-            for (; i + lanes <= count; i += lanes) {
-                for (size_t lane = 0; lane < lanes; ++lane) {
+            for (; i + kLanes <= count; i += kLanes) {
+                for (size_t lane = 0; lane < kLanes; ++lane) {
                     add(lane, loadSample<T>(row, i + lane));
                 }
             }
         }
         for (; i < count; ++i) {
-            add(i % lanes, loadSample<T>(row, i * step));
+            add(i % kLanes, loadSample<T>(row, i * step));
         }
     }
 
@@ -49,13 +49,13 @@ public:
     T high() const { return *std::max_element(m_high.begin(), m_high.end()); }
 
 private:
-    std::array<T, lanes> m_low;
-    std::array<T, lanes> m_high;
+    std::array<T, kLanes> m_low;
+    std::array<T, kLanes> m_high;
 };
 
 float toFloatRange(double value) {
-    constexpr double limit = std::numeric_limits<float>::max();
-    return float(std::clamp(value, -limit, limit));
+    constexpr double kLimit = std::numeric_limits<float>::max();
+    return float(std::clamp(value, -kLimit, kLimit));
 }
 
 template <typename T>

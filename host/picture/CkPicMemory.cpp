@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr size_t alignment = 64;
+constexpr size_t kAlignment = 64; // a cache line
 
-/// Systems promise more memory than they have and end the program that uses it; a picture that can never be
-/// in memory as a whole is refused instead.
+/// The system overcommits memory and kills the process that uses it; a picture that can never be in memory as
+/// a whole is refused instead.
 size_t physicalMemory() {
     static const size_t bytes = [] {
         const long pages = sysconf(_SC_PHYS_PAGES);
@@ -28,7 +28,7 @@ size_t physicalMemory() {
 } // namespace
 
 CkPicMemory* CkPicMemory::create(size_t uiBytes, bool bClear) noexcept {
-    const size_t overhead = sizeof(CkPicMemory) + alignment - 1;
+    const size_t overhead = sizeof(CkPicMemory) + kAlignment - 1;
     if (uiBytes == 0 || uiBytes > size_t(PTRDIFF_MAX) - overhead || uiBytes > physicalMemory()) {
         return nullptr;
     }
@@ -37,12 +37,12 @@ CkPicMemory* CkPicMemory::create(size_t uiBytes, bool bClear) noexcept {
     if (block == nullptr) {
         return nullptr;
     }
-    const auto behindHeader = reinterpret_cast<std::uintptr_t>(block) + sizeof(CkPicMemory);
-    const auto aligned = (behindHeader + alignment - 1) / alignment * alignment;
+    const auto afterHeader = reinterpret_cast<std::uintptr_t>(block) + sizeof(CkPicMemory);
+    const auto aligned = (afterHeader + kAlignment - 1) / kAlignment * kAlignment;
     auto* const pixels = static_cast<quint8*>(block) + (aligned - reinterpret_cast<std::uintptr_t>(block));
 #if defined(__SANITIZE_ADDRESS__)
-    // The slack that alignment leaves would hide writes behind the last row.
-    ASAN_POISON_MEMORY_REGION(pixels + uiBytes, overhead - sizeof(CkPicMemory) - (aligned - behindHeader));
+    // The slack that alignment leaves would hide writes past the last row.
+    ASAN_POISON_MEMORY_REGION(pixels + uiBytes, overhead - sizeof(CkPicMemory) - (aligned - afterHeader));
 #endif
     return new (block) CkPicMemory(pixels, uiBytes);
 }

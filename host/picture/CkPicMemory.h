@@ -8,7 +8,7 @@
 
 class CkPicMemory;
 
-/// Where the memory of pooled pictures goes when its last holder lets go. Any thread.
+/// Takes the memory of a pooled picture back when its last reference is released. Any thread.
 class IkPicMemoryShelf {
 public:
     virtual ~IkPicMemoryShelf() = default;
@@ -19,7 +19,7 @@ public:
 /// Counting may happen on any thread.
 class CkPicMemory {
 public:
-    /// Memory with one reference; pixels aligned to 64 bytes, zeroed when bClear. Null when it cannot be had.
+    /// Memory with one reference; pixels aligned to 64 bytes, zeroed when bClear. Null when memory is short.
     static CkPicMemory* create(size_t uiBytes, bool bClear) noexcept;
     static void destroy(CkPicMemory* pMemory) noexcept;
 

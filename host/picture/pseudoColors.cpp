@@ -22,7 +22,7 @@ constexpr ControlPoint rainbow[] = {{0.0, 0.0, 0.0, 1.0},
                                     {0.5, 0.0, 1.0, 0.0},
                                     {0.75, 1.0, 1.0, 0.0},
                                     {1.0, 1.0, 0.0, 0.0}};
-// The same with dark ends, so that the ends of the range stand out less.
+// The same with dark ends, so that the ends of the range are less prominent.
 constexpr ControlPoint jet[] = {{0.0, 0.0, 0.0, 0.5},   {0.125, 0.0, 0.0, 1.0}, {0.375, 0.0, 1.0, 1.0},
                                 {0.625, 1.0, 1.0, 0.0}, {0.875, 1.0, 0.0, 0.0}, {1.0, 0.5, 0.0, 0.0}};
 constexpr ControlPoint hot[] = {
