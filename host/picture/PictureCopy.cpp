@@ -1,22 +1,20 @@
-// Copies that do not look at sample values.
-
-#include "zuCore/CkPicBufAPI.h"
+#include "host/picture/PictureCopy.h"
 
 #include "host/picture/pictureChecks.h"
 
 #include <cstring>
 
-bool CkPicBufAPI::CopyPicBuf(const SkPicBuf& source, SkPicBuf& target) {
+bool PictureCopy::copy(const SkPicBuf& source, SkPicBuf& target) {
     if (!hasPixels(source)) {
         return false;
     }
     if (target.data == nullptr) {
         const SkPicBuf original = source; // the target may be a picture whose pixels were taken away
-        if (!AllocPicBufFromHeap(target, original)) {
+        if (!CkPicBufAPI::AllocPicBufFromHeap(target, original)) {
             return false;
         }
     }
-    if (!sameSize(source, target) || !CopyRect(target, 0, 0, source, 0, 0, source.width, source.height)) {
+    if (!sameSize(source, target) || !copyRect(target, 0, 0, source, 0, 0, source.width, source.height)) {
         return false;
     }
     target.minValue = source.minValue;
@@ -25,7 +23,7 @@ bool CkPicBufAPI::CopyPicBuf(const SkPicBuf& source, SkPicBuf& target) {
     return true;
 }
 
-bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
+bool PictureCopy::copyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
                            quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight) {
     if (!hasPixels(source) || !hasPixels(target) || !samePixelFormat(source, target)) {
         return false;
@@ -56,7 +54,7 @@ bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTarget
     return true;
 }
 
-bool CkPicBufAPI::ExtractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel) {
+bool PictureCopy::extractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel) {
     if (!hasPixels(source) || !hasPixels(target) || uiChannel >= source.channels || target.channels != 1 ||
         target.dataType != source.dataType || !sameSize(source, target) || overlap(source, target)) {
         return false;

@@ -1,6 +1,4 @@
-// Operations that make a picture of another format or size.
-
-#include "zuCore/CkPicBufAPI.h"
+#include "host/picture/PictureConversion.h"
 
 #include "host/picture/pictureChecks.h"
 #include "zuCore/SampleVisitor.h"
@@ -106,7 +104,7 @@ void convertRows(const SkPicBuf& source, SkPicBuf& target, int shift, bool round
 
 } // namespace
 
-bool CkPicBufAPI::ConvertToGrey(const SkPicBuf& source, SkPicBuf& target) {
+bool PictureConversion::toGrey(const SkPicBuf& source, SkPicBuf& target) {
     if (!hasPixels(source)) {
         return false;
     }
@@ -141,7 +139,7 @@ bool CkPicBufAPI::ConvertToGrey(const SkPicBuf& source, SkPicBuf& target) {
     });
 }
 
-bool CkPicBufAPI::ResizePic(const SkPicBuf& source, SkPicBuf& target, quint32 uiWidth, quint32 uiHeight) {
+bool PictureConversion::resize(const SkPicBuf& source, SkPicBuf& target, quint32 uiWidth, quint32 uiHeight) {
     if (!hasPixels(source) || uiWidth == 0 || uiHeight == 0) {
         return false;
     }
@@ -167,7 +165,7 @@ bool CkPicBufAPI::ResizePic(const SkPicBuf& source, SkPicBuf& target, quint32 ui
     });
 }
 
-bool CkPicBufAPI::ConvertPicToDifBpc(const SkPicBuf& source, SkPicBuf& target, bool bRound) {
+bool PictureConversion::changeBitDepth(const SkPicBuf& source, SkPicBuf& target, bool bRound) {
     if (!hasPixels(source) || !hasPixels(target) || !sameSize(source, target) ||
         source.channels != target.channels || overlap(source, target)) {
         return false;

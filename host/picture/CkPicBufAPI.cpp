@@ -1,34 +1,23 @@
-// Memory: allocation, references, sizes.
-
 #include "zuCore/CkPicBufAPI.h"
 
 #include "host/picture/CkPicMemory.h"
+#include "host/picture/PictureConversion.h"
+#include "host/picture/PictureCopy.h"
+#include "host/picture/PictureSamples.h"
 #include "host/picture/pictureChecks.h"
 #include "zuCore/CkMemoryPool.h"
 
-#include <limits>
-
 namespace {
-
-/// Rows rounded up to a multiple of the padding; 0 when that leaves 32 bits.
-quint32 paddedLineSize(quint64 uiRowBytes, quint32 uiPadding) {
-    quint64 bytes = uiRowBytes;
-    if (uiPadding > 1) {
-        bytes = (bytes + uiPadding - 1) / uiPadding * uiPadding;
-    }
-    return bytes <= std::numeric_limits<quint32>::max() ? quint32(bytes) : 0;
-}
 
 /// info.lineSize 0 asks for packed, padded rows.
 bool allocate(SkPicBuf& picBuf, SkPicBufInfo info, bool bClear, size_t uiReserveBytes) {
     CkPicBufAPI::FreePicBuf(picBuf, true);
     picBuf = SkPicBuf();
-    const quint64 rowBytes = pictureRowBytes(info);
-    if (rowBytes == 0) {
+    if (pictureRowBytes(info) == 0) {
         return false;
     }
     if (info.lineSize == 0) {
-        info.lineSize = paddedLineSize(rowBytes, info.linePadding);
+        info.padRows(info.linePadding);
     }
     const size_t bytes = CkPicBufAPI::byteSize(info);
     size_t total = 0;
@@ -124,4 +113,47 @@ size_t CkPicBufAPI::byteSize(const SkPicBufInfo& info) {
 bool CkPicBufAPI::isValid(const SkPicBufInfo& info) {
     const quint64 rowBytes = pictureRowBytes(info);
     return rowBytes != 0 && info.height != 0 && info.lineSize >= rowBytes;
+}
+
+bool CkPicBufAPI::CopyPicBuf(const SkPicBuf& source, SkPicBuf& target) {
+    return PictureCopy::copy(source, target);
+}
+
+bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
+                           quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight) {
+    return PictureCopy::copyRect(target, uiTargetX, uiTargetY, source, uiSourceX, uiSourceY, uiWidth,
+                                 uiHeight);
+}
+
+bool CkPicBufAPI::ExtractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel) {
+    return PictureCopy::extractChannel(source, target, uiChannel);
+}
+
+bool CkPicBufAPI::ConvertToGrey(const SkPicBuf& source, SkPicBuf& target) {
+    return PictureConversion::toGrey(source, target);
+}
+
+bool CkPicBufAPI::ResizePic(const SkPicBuf& source, SkPicBuf& target, quint32 uiWidth, quint32 uiHeight) {
+    return PictureConversion::resize(source, target, uiWidth, uiHeight);
+}
+
+bool CkPicBufAPI::ConvertPicToDifBpc(const SkPicBuf& source, SkPicBuf& target, bool bRound) {
+    return PictureConversion::changeBitDepth(source, target, bRound);
+}
+
+bool CkPicBufAPI::CalcFloatDataMinMax(const SkPicBuf& picBuf, float& fMin, float& fMax,
+                                      bool bFirstChannelOnly) {
+    return PictureSamples::valueRange(picBuf, fMin, fMax, bFirstChannelOnly);
+}
+
+bool CkPicBufAPI::DetectColorBitDepth(const SkPicBuf& picBuf, quint32& uiBits, bool bFirstChannelOnly) {
+    return PictureSamples::bitDepth(picBuf, uiBits, bFirstChannelOnly);
+}
+
+bool CkPicBufAPI::ShiftBits(SkPicBuf& picBuf, int iShift, bool bUpdateBits) {
+    return PictureSamples::shiftBits(picBuf, iShift, bUpdateBits);
+}
+
+bool CkPicBufAPI::Subtract(SkPicBuf& picBuf, const SkPicBuf& subtrahend) {
+    return PictureSamples::subtract(picBuf, subtrahend);
 }

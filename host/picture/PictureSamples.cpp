@@ -1,6 +1,4 @@
-// Operations on sample values, one sample at a time.
-
-#include "zuCore/CkPicBufAPI.h"
+#include "host/picture/PictureSamples.h"
 
 #include "host/picture/pictureChecks.h"
 #include "zuCore/SampleVisitor.h"
@@ -102,8 +100,7 @@ void forEachRow(SkPicBuf& picBuf, PerRow&& perRow) {
 
 } // namespace
 
-bool CkPicBufAPI::CalcFloatDataMinMax(const SkPicBuf& picBuf, float& fMin, float& fMax,
-                                      bool bFirstChannelOnly) {
+bool PictureSamples::valueRange(const SkPicBuf& picBuf, float& fMin, float& fMax, bool bFirstChannelOnly) {
     if (!hasPixels(picBuf)) {
         return false;
     }
@@ -129,7 +126,7 @@ bool CkPicBufAPI::CalcFloatDataMinMax(const SkPicBuf& picBuf, float& fMin, float
     }
 }
 
-bool CkPicBufAPI::DetectColorBitDepth(const SkPicBuf& picBuf, quint32& uiBits, bool bFirstChannelOnly) {
+bool PictureSamples::bitDepth(const SkPicBuf& picBuf, quint32& uiBits, bool bFirstChannelOnly) {
     if (!hasPixels(picBuf)) {
         return false;
     }
@@ -158,7 +155,7 @@ bool CkPicBufAPI::DetectColorBitDepth(const SkPicBuf& picBuf, quint32& uiBits, b
     });
 }
 
-bool CkPicBufAPI::ShiftBits(SkPicBuf& picBuf, int iShift, bool bUpdateBits) {
+bool PictureSamples::shiftBits(SkPicBuf& picBuf, int iShift, bool bUpdateBits) {
     if (!hasPixels(picBuf)) {
         return false;
     }
@@ -176,7 +173,7 @@ bool CkPicBufAPI::ShiftBits(SkPicBuf& picBuf, int iShift, bool bUpdateBits) {
     });
 }
 
-bool CkPicBufAPI::Subtract(SkPicBuf& picBuf, const SkPicBuf& subtrahend) {
+bool PictureSamples::subtract(SkPicBuf& picBuf, const SkPicBuf& subtrahend) {
     if (!hasPixels(picBuf) || !hasPixels(subtrahend) || !sameSize(picBuf, subtrahend) ||
         !samePixelFormat(picBuf, subtrahend)) {
         return false;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+
+/// Pictures in another format or size. Specified in CkPicBufAPI.h.
+namespace PictureConversion {
+
+/// CkPicBufAPI::ConvertToGrey
+bool toGrey(const SkPicBuf& source, SkPicBuf& target);
+/// CkPicBufAPI::ResizePic
+bool resize(const SkPicBuf& source, SkPicBuf& target, quint32 uiWidth, quint32 uiHeight);
+/// CkPicBufAPI::ConvertPicToDifBpc
+bool changeBitDepth(const SkPicBuf& source, SkPicBuf& target, bool bRound);
+
+} // namespace PictureConversion
