@@ -16,7 +16,7 @@ class CkCameraManagerTest : public testing::Test {
 protected:
     CkCameraManagerTest() { cameras.reset(); }
     ~CkCameraManagerTest() override {
-        manager->disconnect(&context); // what its receivers refer to has gone
+        manager->disconnect(&context); // what its receivers refer to is deleted
         cameras.reset();
     }
 
@@ -207,7 +207,7 @@ TEST_F(CkCameraManagerTest, WhatADriverNoLongerOffersIsTakenAsPulledOff) {
     manager->checkCameras();
     EXPECT_TRUE(manager->isUnplugged(handle));
     EXPECT_FALSE(manager->isUnplugged(other));
-    EXPECT_TRUE(manager->camerasHeldApart().isEmpty()) << "nobody but the driver brings it back";
+    EXPECT_TRUE(manager->camerasHeldApart().isEmpty()) << "only the driver brings it back";
     cameras.first->offered = true;
     manager->checkCameras();
     EXPECT_FALSE(manager->isUnplugged(handle));
@@ -273,7 +273,7 @@ TEST_F(CkCameraManagerTest, EachReceiverGetsAnObjectOfItsOwnOnTheSamePixels) {
     cameras.first->deliver(fakeFrame(8, 7));
     EXPECT_EQ(got.size(), 3U) << "the same key replaces";
     manager->removeFrameReceiver(&b);
-    cameras.first->deliver(fakeFrame(8, 8)); // nobody there: deleted
+    cameras.first->deliver(fakeFrame(8, 8)); // without a receiver: deleted
     EXPECT_EQ(got.size(), 3U);
 }
 

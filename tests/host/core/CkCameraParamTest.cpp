@@ -144,7 +144,7 @@ TEST_F(CkCameraParamTest, ABatchReachesTheCameraAsOneInOrder) {
     QList<CkCameraParam*> changed;
     QObject::connect(&parameters, &CkCameraParameters::committed, &parameters, [&](const auto& params) {
         changed = params;
-        EXPECT_EQ(a->committedValue(), CkValue(3)); // all in place before anybody hears of it
+        EXPECT_EQ(a->committedValue(), CkValue(3)); // all in place before the first signal
         EXPECT_EQ(b->committedValue(), CkValue(true));
     });
     b->setParamValue(true);
@@ -209,7 +209,7 @@ TEST_F(CkCameraParamTest, AForeignParameterDoesNotGetIntoABatch) {
     EXPECT_TRUE(parameters.endCommitBatch(true));
     EXPECT_TRUE(commits.empty());
     EXPECT_EQ(foreign->committedValue(), CkValue(1));
-    EXPECT_TRUE(foreign->commit()) << "without a driver behind it every value is accepted";
+    EXPECT_TRUE(foreign->commit()) << "without a driver every value is accepted";
 }
 
 TEST(CkCameraParameters, ADriverThatThrowsRefuses) {

@@ -176,10 +176,10 @@ TEST_F(CkChainFormatTest, WhatChangesFromFrameToFrameIsNoFormat) {
 
 TEST_F(CkChainFormatTest, ASingleFramePassedOnInAnotherSizeReachesViewsAndBlocksBehind) {
     auto* const passing = branch(new UnstackedBlock(), source);
-    auto* const behind = branch(new AddBlock(1), passing);
+    auto* const downstream = branch(new AddBlock(1), passing);
     KeepingSink atPassing;
     chain->addSink(passing, &atPassing);
-    chain->addSink(behind, &sink);
+    chain->addSink(downstream, &sink);
     for (const quint32 height : {4U, 6U, 5U}) {
         source->announce(packedFormat(8, height));
         ASSERT_TRUE(chain->start());
@@ -188,7 +188,7 @@ TEST_F(CkChainFormatTest, ASingleFramePassedOnInAnotherSizeReachesViewsAndBlocks
         EXPECT_EQ(atPassing.count(), before + 1);
         ASSERT_EQ(sink.count(), before + 1);
         EXPECT_EQ(sink.lastInfo().height, height);
-        EXPECT_EQ(behind->inputAtStart.height, height) << "set up for what really comes";
+        EXPECT_EQ(downstream->inputAtStart.height, height) << "set up for what really comes";
         EXPECT_EQ(chain->blockStatistics(passing).dropped, 0U);
         chain->stop();
     }

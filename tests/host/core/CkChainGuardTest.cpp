@@ -280,11 +280,11 @@ TEST_F(CkChainGuardTest, ABlockThatCannotBeSetUpIsHandedNoFramesAndItsReasonStay
 
 TEST_F(CkChainGuardTest, ABlockThatRefusesItsInputSaysSoBeforeTheFirstFrame) {
     auto* const silent = branch(new AddBlock(1), source);
-    auto* const behind = branch(new AddBlock(1), silent);
+    auto* const downstream = branch(new AddBlock(1), silent);
     silent->refuses = true;
     ASSERT_TRUE(chain->start());
     EXPECT_EQ(silent->errorMessage(), "The block cannot work on the format of its input.");
-    EXPECT_EQ(behind->errorMessage(), QString()) << "nothing is wrong with this one";
+    EXPECT_EQ(downstream->errorMessage(), QString()) << "nothing is wrong with this one";
     silent->setErrorMessage("this is no wall");
     EXPECT_EQ(silent->errorMessage(), "this is no wall") << "the block's own reason is the better one";
     silent->setErrorMessage(QString());

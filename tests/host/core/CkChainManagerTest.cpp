@@ -131,15 +131,15 @@ TEST_F(CkChainManagerTest, ARemovedSourceLeavesItsSinksWithoutFrames) {
 
 TEST_F(CkChainManagerTest, ASourceIsNotTakenAwayFromWhatOnlyItFeeds) {
     auto* const other = new TestSource();
-    auto* const behind = new PassBlock();
+    auto* const downstream = new PassBlock();
     ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));
-    ASSERT_TRUE(manager->insertAfter(chain, behind, other));
-    EXPECT_FALSE(manager->remove(chain, other, false)) << "nothing could feed the block behind it any more";
-    EXPECT_EQ(chain->precedessors(behind), QList<CkChainable*>{other});
-    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, other, behind}));
+    ASSERT_TRUE(manager->insertAfter(chain, downstream, other));
+    EXPECT_FALSE(manager->remove(chain, other, false)) << "nothing could feed the block after it any more";
+    EXPECT_EQ(chain->precedessors(downstream), QList<CkChainable*>{other});
+    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, other, downstream}));
     manager->deleteChainable(other);
     EXPECT_EQ(chain->blocks().size(), 3);
-    ASSERT_TRUE(manager->remove(chain, behind, false));
+    ASSERT_TRUE(manager->remove(chain, downstream, false));
     EXPECT_TRUE(manager->remove(chain, other, false));
     EXPECT_EQ(chain->blocks(), QList<CkChainable*>{source});
 }
@@ -186,7 +186,7 @@ TEST_F(CkChainManagerTest, ClosingDeletesBlocksOnceAndTellsWhileAllIsWhole) {
 
 TEST_F(CkChainManagerTest, DeletingABlockTakesItOutFirst) {
     auto* const block = branch(new AddBlock(1), source);
-    auto* const behind = branch(new PassBlock(), block);
+    auto* const downstream = branch(new PassBlock(), block);
     bool deleted = false;
     block->pDeleted = &deleted;
     ASSERT_TRUE(chain->start());
@@ -195,7 +195,7 @@ TEST_F(CkChainManagerTest, DeletingABlockTakesItOutFirst) {
     chain->stop();
     manager->deleteChainable(block);
     EXPECT_TRUE(deleted);
-    EXPECT_EQ(chain->precedessors(behind), QList<CkChainable*>{source});
+    EXPECT_EQ(chain->precedessors(downstream), QList<CkChainable*>{source});
     manager->deleteChainable(nullptr);
 }
 

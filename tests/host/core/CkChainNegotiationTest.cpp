@@ -37,14 +37,14 @@ public:
 
 TEST_F(CkChainNegotiationTest, AStoppedChainAnswersFromTheSourceDown) {
     auto* const block = branch(new AddBlock(1), source);
-    auto* const behind = branch(new PassBlock(), block);
+    auto* const downstream = branch(new PassBlock(), block);
     block->dividesRows = true;
     source->announce(packedFormat(8, 12), phases(4));
     SkPicBufInfo info;
     CkImageMetadata metadata;
-    ASSERT_TRUE(behind->outputImageInfo(info, &metadata));
+    ASSERT_TRUE(downstream->outputImageInfo(info, &metadata));
     EXPECT_EQ(info.height, 3U);
-    ASSERT_TRUE(behind->inputImageInfo(info, nullptr));
+    ASSERT_TRUE(downstream->inputImageInfo(info, nullptr));
     EXPECT_EQ(info.height, 3U);
     ASSERT_TRUE(block->inputImageInfo(info, nullptr));
     EXPECT_EQ(info.height, 12U);
@@ -52,10 +52,10 @@ TEST_F(CkChainNegotiationTest, AStoppedChainAnswersFromTheSourceDown) {
     EXPECT_FALSE(source->inputImageInfo(info, nullptr));
 
     source->announce(packedFormat(8, 12), phases(2));
-    ASSERT_TRUE(behind->outputImageInfo(info, nullptr));
+    ASSERT_TRUE(downstream->outputImageInfo(info, nullptr));
     EXPECT_EQ(info.height, 6U);
     source->announceNothing();
-    EXPECT_FALSE(behind->outputImageInfo(info, nullptr));
+    EXPECT_FALSE(downstream->outputImageInfo(info, nullptr));
     PassBlock alone;
     EXPECT_FALSE(alone.outputImageInfo(info, nullptr));
     EXPECT_FALSE(alone.inputImageInfo(info, nullptr));
@@ -63,18 +63,18 @@ TEST_F(CkChainNegotiationTest, AStoppedChainAnswersFromTheSourceDown) {
 
 TEST_F(CkChainNegotiationTest, SetupFindsItsInputFormatNegotiated) {
     auto* const block = branch(new AddBlock(1), source);
-    auto* const behind = branch(new AddBlock(1), block);
+    auto* const downstream = branch(new AddBlock(1), block);
     block->dividesRows = true;
     source->announce(packedFormat(8, 12), phases(4));
     ASSERT_TRUE(chain->start());
-    EXPECT_TRUE(behind->inputKnownAtStart);
-    EXPECT_EQ(behind->inputAtStart.height, 3U);
+    EXPECT_TRUE(downstream->inputKnownAtStart);
+    EXPECT_EQ(downstream->inputAtStart.height, 3U);
     SkPicBufInfo info;
-    ASSERT_TRUE(chain->negotiatedInfo(behind, info, nullptr));
+    ASSERT_TRUE(chain->negotiatedInfo(downstream, info, nullptr));
     EXPECT_EQ(info.height, 3U);
-    EXPECT_EQ(chain->memoryPool()->bytesPerPicture(behind), 24U);
+    EXPECT_EQ(chain->memoryPool()->bytesPerPicture(downstream), 24U);
     chain->stop();
-    EXPECT_TRUE(chain->negotiatedInfo(behind, info, nullptr)) << "still known after a stop";
+    EXPECT_TRUE(chain->negotiatedInfo(downstream, info, nullptr)) << "still known after a stop";
 }
 
 TEST_F(CkChainNegotiationTest, ABlockThatCannotNegotiateHasNoPoolAndRecovers) {

@@ -21,7 +21,7 @@ private:
     std::vector<std::unique_ptr<CkImageData>> m_frames;
 };
 
-/// Takes one of three frames and says so.
+/// Takes one of three frames and reports the others as dropped.
 class LazySink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
@@ -76,7 +76,7 @@ TEST_F(CkChainPoolTest, SinksBehindPassingBlocksHoldTheFirstOnesPictures) {
     chain->addSink(pass, &first);
     chain->addSink(pass2, &second);
     ASSERT_TRUE(chain->start());
-    // The block's own, four in each view, one for the block behind it.
+    // The block's own, four in each view, one for the block after it.
     EXPECT_EQ(chain->memoryPool()->capacity(block), 1 + 4 + 4 + 1);
     EXPECT_EQ(chain->memoryPool()->capacity(pass), 0) << "no shelf for who makes no pictures";
     for (int i = 0; i < 50; ++i) {

@@ -162,7 +162,7 @@ TEST_F(CkChainTest, FramesThatAStopFindsWaitingAreDroppedAndCounted) {
     EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
     block->gate.open();
     stopper.join();
-    EXPECT_FALSE(source->push(4)) << "nobody asks a stopped chain for frames";
+    EXPECT_FALSE(source->push(4)) << "a stopped chain expects no frames";
     const SkBlockStatistics statistics = chain->blockStatistics(source);
     EXPECT_EQ(statistics.framesIn, 4U);
     EXPECT_EQ(statistics.framesOut, 1U);
@@ -185,15 +185,15 @@ TEST_F(CkChainTest, StatisticsCountFromTheLastStart) {
 
 TEST_F(CkChainTest, ABlockThatAnswersNullEndsTheFrame) {
     auto* const block = branch(new AddBlock(1), source);
-    auto* const behind = branch(new AddBlock(1), block);
+    auto* const downstream = branch(new AddBlock(1), block);
     KeepingSink sink;
-    chain->addSink(behind, &sink);
+    chain->addSink(downstream, &sink);
     block->refuses = true;
     ASSERT_TRUE(chain->start());
     pushSurely(1);
     ASSERT_TRUE(waitUntil([&] { return block->frames == 1; }));
     chain->stop();
-    EXPECT_EQ(behind->frames, 0);
+    EXPECT_EQ(downstream->frames, 0);
     EXPECT_THAT(sink.values(), IsEmpty());
     EXPECT_EQ(chain->blockStatistics(block).framesOut, 0U);
     chain->removeSink(&sink);

@@ -62,9 +62,9 @@ TEST_F(CkChainThreadTest, StopReturnsOnlyWhenNoBlockIsInsideProcessData) {
 
 TEST_F(CkChainThreadTest, RestartsFromManyThreadsAtFullFrameRate) {
     auto* const block = branch(new AddBlock(1), source);
-    auto* const behind = branch(new AddBlock(1), block);
+    auto* const downstream = branch(new AddBlock(1), block);
     KeepingSink sink(2, 2);
-    chain->addSink(behind, &sink);
+    chain->addSink(downstream, &sink);
     ASSERT_TRUE(chain->start());
     {
         const Pusher pusher(source);
@@ -75,8 +75,8 @@ TEST_F(CkChainThreadTest, RestartsFromManyThreadsAtFullFrameRate) {
                     const CkChain::CkControlLock lock(chain);
                     const bool wasRunning = !chain->stopped();
                     chain->stop();
-                    EXPECT_TRUE(wasRunning) << "nobody stops between another's stop and start";
-                    EXPECT_FALSE(block->inside || behind->inside);
+                    EXPECT_TRUE(wasRunning) << "no other thread stops between stop and start";
+                    EXPECT_FALSE(block->inside || downstream->inside);
                     block->number = n;
                     EXPECT_TRUE(chain->start());
                 }
@@ -85,7 +85,7 @@ TEST_F(CkChainThreadTest, RestartsFromManyThreadsAtFullFrameRate) {
         restarters.emplace_back([&] {
             SkPicBufInfo info;
             for (int n = 0; n < 200; ++n) {
-                EXPECT_TRUE(behind->outputImageInfo(info, nullptr));
+                EXPECT_TRUE(downstream->outputImageInfo(info, nullptr));
                 chain->blockStatistics(block);
                 chain->requestRenegotiation();
             }

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A chain loaded from a description: the predecessors of each block behind the source, which is number 0.
+/// A chain loaded from a description: the predecessors of each block after the source, which is number 0.
 class CkChainWalkTest : public ChainFixture {
 protected:
     CkChainWalkTest() {

@@ -49,14 +49,14 @@ const char* const valid =
 
 TEST_F(CkChainXmlTest, ASourceThatIsKeptLeavesAChainThatIsSavedAndLoaded) {
     auto* const other = new TestSource();
-    auto* const behind = new PassBlock();
+    auto* const downstream = new PassBlock();
     auto* const last = new PassBlock();
     ASSERT_TRUE(manager->insertAfter(chain, other, nullptr));
-    ASSERT_TRUE(manager->insertAfter(chain, behind, other));
-    ASSERT_TRUE(manager->insertAfter(chain, last, behind));
+    ASSERT_TRUE(manager->insertAfter(chain, downstream, other));
+    ASSERT_TRUE(manager->insertAfter(chain, last, downstream));
     ASSERT_TRUE(manager->remove(chain, other, true));
-    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, behind, last}));
-    EXPECT_TRUE(chain->precedessors(behind).isEmpty());
+    EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, downstream, last}));
+    EXPECT_TRUE(chain->precedessors(downstream).isEmpty());
     EXPECT_EQ(other->chain(), nullptr);
     delete other;
     QDomDocument doc;

@@ -12,7 +12,7 @@ protected:
     ChainFixture() { EXPECT_TRUE(manager->insertAfter(chain, source, nullptr)); }
     ~ChainFixture() override { manager->closeChain(chain); }
 
-    /// A block behind another one, as a branch.
+    /// A block after another one, as a branch.
     template <class Block>
     Block* branch(Block* block, CkChainable* after) {
         EXPECT_TRUE(manager->branchAfter(chain, block, after));

@@ -88,7 +88,7 @@ protected:
 };
 
 // Connected after a view, it gets every frame after the view.
-class BehindTheView : public IkFrameSink {
+class OtherSink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
         delete pData;
@@ -250,8 +250,8 @@ TEST_F(CkMdiViewTest, TheNewestFrameWinsAndTheOthersAreCounted) {
 
 TEST_F(CkMdiViewTest, AQueuedListenerSeesItsFrameOnAViewThatIsAlwaysLate) {
     CkMdiView view(source);
-    BehindTheView behind;
-    ASSERT_TRUE(chain->addSink(source, &behind));
+    OtherSink other;
+    ASSERT_TRUE(chain->addSink(source, &other));
     ASSERT_TRUE(chain->start());
     int iNext = 1;
     int iSeen = 0;
@@ -260,10 +260,10 @@ TEST_F(CkMdiViewTest, AQueuedListenerSeesItsFrameOnAViewThatIsAlwaysLate) {
     QObject::connect(&view, &CkMdiView::receivedFrame, &view, [&] {
         if (iNext < 20) {
             ASSERT_TRUE(source->push(quint64(iNext++)));
-            for (int i = 0; i < s_iPatience && behind.frames < iNext; ++i) {
+            for (int i = 0; i < s_iPatience && other.frames < iNext; ++i) {
                 QThread::msleep(1);
             }
-            ASSERT_EQ(behind.frames, iNext);
+            ASSERT_EQ(other.frames, iNext);
         }
     });
     QObject::connect(
@@ -273,7 +273,7 @@ TEST_F(CkMdiViewTest, AQueuedListenerSeesItsFrameOnAViewThatIsAlwaysLate) {
     ASSERT_TRUE(source->push(0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return iSeen + iMissed == 20; }, s_iPatience));
     EXPECT_EQ(iMissed, 0);
-    chain->removeSink(&behind);
+    chain->removeSink(&other);
 }
 
 TEST_F(CkMdiViewTest, FollowsABlockInsertedBehindItsOwnAndComesBack) {
@@ -316,7 +316,7 @@ TEST_F(CkMdiViewTest, OutlivesItsChain) {
     CkChainManager::instance()->closeChain(chain);
     EXPECT_EQ(view.dataProvider(), nullptr);
     EXPECT_EQ(changes.count(), 1);
-    // The picture stays, though the pool it came from has gone.
+    // The picture stays, though the pool it came from was destroyed.
     ASSERT_NE(view.imageData(1), nullptr);
     EXPECT_EQ(view.imageData(1)->picBuf().data[0], 1);
     EXPECT_TRUE(view.cameraHandles().isEmpty());

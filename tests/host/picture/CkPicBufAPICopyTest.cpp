@@ -155,7 +155,8 @@ TEST(CopyRect, WithinOnePictureReadsBeforeItOverwrites) {
 }
 
 TEST(CopyRect, RefusesOverlappingMemoryWithAnotherLineSize) {
-    // Two pictures in one block of bytes: rows of 8 and rows of 12 bytes, the second 20 bytes behind.
+    // Two pictures in one block of bytes: rows of 8 and rows of 12 bytes, the second 20 bytes after the
+    // first.
     std::vector<quint8> bytes(200);
     for (size_t i = 0; i < bytes.size(); ++i) {
         bytes[i] = quint8(i);
@@ -181,7 +182,7 @@ TEST(CopyRect, RefusesOverlappingMemoryWithAnotherLineSize) {
     EXPECT_EQ(bytes, before);
     EXPECT_TRUE(CkPicBufAPI::CopyRect(wide, 0, 0, narrow, 0, 0, 0, 6)) << "an empty rectangle";
 
-    // Behind the last row nothing is shared; with the same lineSize every overlap is copied in order.
+    // After the last row nothing is shared; with the same lineSize every overlap is copied in order.
     wide.data = narrow.data + 48;
     EXPECT_TRUE(CkPicBufAPI::CopyPicBuf(narrow, wide));
     EXPECT_EQ(sampleAt<quint8>(wide, 7, 5), 47);
