@@ -1,13 +1,12 @@
-// How the 3D view loads a machine: frames of 640 x 480 at 20 a second into a shown window.
+// The load of the 3D view on a machine: frames of 640 x 480 at 20 per second into a visible window.
 //
 //   xvfb-run -a benchToFView3d [seconds]
 //
-// Four runs: no frames (what an idle view costs), frames, frames of which nothing is drawn (what is left of
-// the latency without rendering: Qt 3D draws on the main thread, so on a processor that is most of it), and
-// frames with the capture leaf left in the frame graph. Of each: latency of the main thread's event loop (a
-// timer of 1 ms asked how late it comes), frames that were taken, time inside our own code per frame, and
-// processor time per frame of the main thread and of all threads, which does not depend on what else the
-// machine does.
+// Four runs: no frames (the cost of an idle view), frames, frames with drawing disabled (Qt 3D draws on the
+// main thread, which with a software renderer is most of the latency), and frames with the capture leaf
+// enabled in the frame graph. For each run: the latency of the main thread's event loop (how late a timer of
+// 1 ms fires), the frames shown, the time in our own code per frame, and the processor time per frame of the
+// main thread and of all threads, which does not depend on other load.
 
 #include "plugins/zplToF/view3d/3dMdiView.h"
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
@@ -32,9 +31,9 @@
 
 namespace {
 
-constexpr int Width = 640;
-constexpr int Height = 480;
-constexpr int FrameMs = 50;
+constexpr int kWidth = 640;
+constexpr int kHeight = 480;
+constexpr int kFrameMs = 50;
 
 double now(clockid_t clock) {
     timespec time{};
@@ -44,14 +43,14 @@ double now(clockid_t clock) {
 
 std::unique_ptr<CkImageData> waves(int i) {
     SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, Width, Height, 2, EkImageDataType::Float32, 0, 0, 32,
+    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
                                           EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
                                           false, 0)) {
         std::abort();
     }
-    for (int y = 0; y < Height; ++y) {
+    for (int y = 0; y < kHeight; ++y) {
         auto* row = reinterpret_cast<float*>(picture.row(quint32(y)));
-        for (int x = 0; x < Width; ++x) {
+        for (int x = 0; x < kWidth; ++x) {
             row[2 * x] = 3.0F + std::sin(float(x + 5 * i) / 40.0F) * std::cos(float(y) / 30.0F);
             row[2 * x + 1] = 0.1F;
         }
@@ -104,7 +103,7 @@ Load run(CkToF3DMdiView& view, const std::vector<std::unique_ptr<CkImageData>>& 
     const double all = now(CLOCK_PROCESS_CPUTIME_ID);
     ticker.start(1);
     if (!frames.empty()) {
-        camera.start(FrameMs);
+        camera.start(kFrameMs);
     }
     QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     loop.exec();
@@ -153,11 +152,11 @@ int main(int argc, char** argv) {
 
     print("no frames", run(view, {}, milliseconds));
     print("20 frames/s", run(view, frames, milliseconds));
-    if (view.cloud().pointCount() != Width * Height) {
+    if (view.cloud().pointCount() != kWidth * kHeight) {
         std::fprintf(stderr, "the cloud is not what was given\n");
         return 1;
     }
-    // Everything but the drawing itself: the scene takes the buffers up and runs its jobs.
+    // All but the drawing: the scene takes the buffers up and runs its jobs.
     Qt3DRender::QFrameGraphNode* leaf = view.scene()->window()->defaultFrameGraph();
     for (auto* child = leaf; child != nullptr; child = leaf->findChild<Qt3DRender::QFrameGraphNode*>()) {
         leaf = child;

@@ -50,7 +50,7 @@ protected:
         ASSERT_TRUE(param(camera, name)->commit()) << name;
     }
 
-    /// Opens the menus on the way to one, as a person does.
+    /// Opens a menu by way of those above it, as a user does.
     void openMenu(QMenu* menu) {
         if (auto* above = qobject_cast<QMenu*>(menu->parentWidget())) {
             ASSERT_NO_FATAL_FAILURE(openMenu(above));
@@ -66,7 +66,7 @@ protected:
         ASSERT_NO_FATAL_FAILURE(openMenu(menu));
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
     }
-    /// Of a menu that lists what is there at the moment; it is filled anew as it opens.
+    /// For a menu that is filled each time it opens.
     void clickOnlyEntry(const char* menuName) {
         auto* menu = window()->findChild<QMenu*>(QLatin1String(menuName));
         ASSERT_NE(menu, nullptr) << menuName;
@@ -101,7 +101,7 @@ protected:
         return found;
     }
 
-    /// Titles of the blocks behind the source of the only chain.
+    /// Titles of the blocks after the source of the only chain.
     static QStringList blockTitles() {
         const QList<CkChain*> chains = CkChainManager::instance()->chains();
         EXPECT_EQ(chains.size(), 1);
@@ -118,10 +118,10 @@ protected:
         return QTest::qWaitFor([&] { return frames.count() >= count; }, 60'000);
     }
 
-    /// What the button of a message box is clicked for; the texts of the boxes that came.
+    /// The button to click in message boxes, and the texts of the boxes that were shown.
     QMessageBox::StandardButton m_answer = QMessageBox::Ok;
     QStringList m_boxes;
-    /// Looks after a dialog that is no message box.
+    /// Handles a dialog that is no message box.
     std::function<void(QDialog*)> m_onDialog;
 
 private:

@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr double g_wallM = 1.25;
-constexpr double g_builtInM = 0.2;
-const QString g_offsetKey = QStringLiteral("ToF.OptRealDistandeOffsetM");
+constexpr double kWallM = 1.25;
+constexpr double kBuiltInM = 0.2;
+const QString kOffsetKey = QStringLiteral("ToF.OptRealDistandeOffsetM");
 
-/// Passes pictures on without their modulation frequency, as of a recording that never knew it.
+/// Passes pictures on without their modulation frequency, like a recording that has none.
 class ForgetFrequency : public CkImageProvider {
 public:
     bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
@@ -43,7 +43,7 @@ protected:
     void openWall() {
         {
             QSettings settings(m_options.settingsFile, QSettings::IniFormat);
-            settings.setValue(g_offsetKey, 0.0F);
+            settings.setValue(kOffsetKey, 0.0F);
             settings.setValue("ToF.OptCompensateDistorsion", true);
             settings.setValue("ToF.OptConfidenceThreshold", 1e6F); // every pixel counts
         }
@@ -51,15 +51,15 @@ protected:
         m_camera = openWaveCamera();
         ASSERT_NE(m_camera, nullptr);
         set(m_camera, "sim_scene", 1);
-        set(m_camera, "sim_wall_distance", g_wallM);
-        set(m_camera, "sim_distance_offset", g_builtInM);
+        set(m_camera, "sim_wall_distance", kWallM);
+        set(m_camera, "sim_distance_offset", kBuiltInM);
         set(m_camera, "sim_noise", 0);
         ASSERT_TRUE(cameras()->start(m_camera));
         ASSERT_TRUE(waitForFrame(firstView()));
     }
 
-    /// Opens the dialog from the menu, fills it in and presses OK; whileMeasuring is called now and then
-    /// until the dialog closes.
+    /// Opens the dialog from the menu, fills it in and presses OK; whileMeasuring is called repeatedly until
+    /// the dialog closes.
     void calibrate(const QString& distance, bool inches = false,
                    std::function<void(QDialog*)> whileMeasuring = {}) {
         bool started = false;
@@ -97,7 +97,7 @@ protected:
     }
 
     double storedOffset() const {
-        return QSettings(m_options.settingsFile, QSettings::IniFormat).value(g_offsetKey).toDouble();
+        return QSettings(m_options.settingsFile, QSettings::IniFormat).value(kOffsetKey).toDouble();
     }
 
     CkMdiView* open3dView() {
@@ -145,10 +145,10 @@ protected:
     void* m_camera = nullptr;
 };
 
-// Without noise only the converter's steps remain before, and after the calibration, which averages the same
-// pixels, what single precision and the rays beside the axis leave: far below 1 mm.
-constexpr double g_converterM = 0.005;
-constexpr double g_calibratedM = 0.001;
+// Without noise only quantisation remains before the calibration. After it, as it averages the same pixels,
+// only the errors of single precision and of the rays off the axis: far below 1 mm.
+constexpr double kConverterM = 0.005;
+constexpr double kCalibratedM = 0.001;
 
 struct SkEntry {
     const char* distance;
@@ -170,8 +170,8 @@ TEST_P(CalibrationInUnits, StoresTheOffsetAndTheWallStandsAtItsPlace) {
                     .match(m_boxes[0])
                     .hasMatch())
         << qPrintable(m_boxes[0]);
-    EXPECT_NEAR(storedOffset(), -g_builtInM, g_converterM);
-    EXPECT_NEAR(wallInCloud(open3dView()), g_wallM, g_calibratedM);
+    EXPECT_NEAR(storedOffset(), -kBuiltInM, kConverterM);
+    EXPECT_NEAR(wallInCloud(open3dView()), kWallM, kCalibratedM);
 }
 // 1.25 m; with the built-in offset 1.45 m are measured, 57.09 inches.
 INSTANTIATE_TEST_SUITE_P(CalibrationInViewer, CalibrationInUnits,
@@ -181,9 +181,9 @@ TEST_F(CalibrationInViewer, OnA3dViewItGoesOnShowingAndTakesTheOffsetOverAtOnce)
     ASSERT_NO_FATAL_FAILURE(openWall());
     CkMdiView* scene = open3dView();
     ASSERT_NE(scene, nullptr);
-    EXPECT_NEAR(wallInCloud(scene), g_wallM + g_builtInM, g_converterM);
+    EXPECT_NEAR(wallInCloud(scene), kWallM + kBuiltInM, kConverterM);
     ASSERT_EQ(area()->activeViewId(), scene->viewId());
-    // Frames go on before OK starts the measurement, and with it.
+    // Frames keep coming before OK starts the measurement, and during it.
     int framesWhileOpen = 0;
     const auto watch = QObject::connect(scene, &CkMdiView::receivedFrame, [&](qint32) {
         framesWhileOpen += QApplication::activeModalWidget() != nullptr ? 1 : 0;
@@ -192,8 +192,8 @@ TEST_F(CalibrationInViewer, OnA3dViewItGoesOnShowingAndTakesTheOffsetOverAtOnce)
     QObject::disconnect(watch);
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_GE(framesWhileOpen, 5);
-    EXPECT_NEAR(storedOffset(), -g_builtInM, g_converterM);
-    EXPECT_NEAR(wallInCloud(scene), g_wallM, g_calibratedM);
+    EXPECT_NEAR(storedOffset(), -kBuiltInM, kConverterM);
+    EXPECT_NEAR(wallInCloud(scene), kWallM, kCalibratedM);
 }
 
 TEST_F(CalibrationInViewer, CancelHalfWayLeavesTheOffsetAlone) {
@@ -249,7 +249,7 @@ TEST_F(CalibrationInViewer, CameraUnpluggedWhileMeasuringHoldsTheMeasurementUnti
     });
     EXPECT_GE(looks, 3);
     ASSERT_EQ(m_boxes.size(), 1) << qPrintable(m_boxes.join(u'\n'));
-    EXPECT_NEAR(storedOffset(), -g_builtInM, g_converterM);
+    EXPECT_NEAR(storedOffset(), -kBuiltInM, kConverterM);
 }
 
 TEST_F(CalibrationInViewer, MetadataWithoutModulationFrequencyAreToldAndStoreNothing) {

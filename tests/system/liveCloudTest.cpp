@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr QRgb g_background = qRgb(0x30, 0x30, 0x80);
+constexpr QRgb kBackground = qRgb(0x30, 0x30, 0x80);
 
-/// What is on the screen where a view's scene is.
+/// The part of the screen that shows a view's scene.
 QImage screenOf(CkMdiView* view) {
     // The scene lies below the tool bar, down to the view's lower edge.
     const int top = 48;
@@ -31,7 +31,7 @@ SceneLook look(const QImage& image) {
         for (int x = 0; x < image.width(); ++x) {
             const QRgb pixel = image.pixel(x, y);
             colours.insert(pixel);
-            seen.background += pixel == g_background ? 1 : 0;
+            seen.background += pixel == kBackground ? 1 : 0;
         }
     }
     seen.colours = colours.size();
@@ -51,7 +51,7 @@ int differingPixels(const QImage& left, const QImage& right) {
 
 class LiveCloud : public SystemFixture {
 protected:
-    /// A cloud in many colours on the background, which moves. Noise is off, so only the scene does.
+    /// A moving cloud of many colours on the background. Without noise, so that only the scene moves.
     void expectLiveCloud(CkMdiView* scene) {
         SceneLook seen;
         QImage first;
@@ -59,7 +59,7 @@ protected:
         const auto cornersAreEmpty = [&first] {
             for (const int x : {5, first.width() - 5}) {
                 for (const int y : {5, first.height() - 5}) {
-                    if (first.pixel(x, y) != g_background) {
+                    if (first.pixel(x, y) != kBackground) {
                         return false;
                     }
                 }
@@ -98,7 +98,7 @@ protected:
         }
     }
 
-    /// Each view lies free in the area and is large enough to read.
+    /// No view is covered by another, and each is large enough to read.
     bool isTiled() const {
         const QList<CkMdiView*> all = area()->views();
         for (qsizetype i = 0; i < all.size(); ++i) {
@@ -166,7 +166,7 @@ TEST_F(LiveCloud, HybridCameraGetsItsOwnThreeBranches) {
 
 TEST_F(LiveCloud, ClosingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
     ASSERT_TRUE(start());
-    // Twice: the second time stands on what the first one left.
+    // Twice: the second time starts from the state that the first one left.
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(cameras()->start(openWaveCamera()));
         ASSERT_TRUE(waitForFrame(firstView()));

@@ -10,9 +10,9 @@
 
 namespace {
 
-const QString g_tofBlock = QStringLiteral("com.orvane.Pictor.CkToFProcessCnbl");
+const QString kToFBlock = QStringLiteral("com.orvane.Pictor.CkToFProcessCnbl");
 
-/// A running wave camera with the block behind it.
+/// A running wave camera with the block after it.
 class ToFBlock : public SystemFixture {
 protected:
     void SetUp() override {
@@ -22,7 +22,7 @@ protected:
         ASSERT_TRUE(cameras()->start(camera));
         ASSERT_TRUE(waitForFrame(firstView()));
         panel = window()->chainPanel();
-        block = panel->addBlock(g_tofBlock, false);
+        block = panel->addBlock(kToFBlock, false);
         ASSERT_NE(block, nullptr);
     }
 

@@ -15,16 +15,16 @@
 #include <gtest/gtest.h>
 #include <mutex>
 
-// The whole way without a window: camera, chain, phase shift, depth picture, cloud, exported text.
+// End to end without a window: camera, chain, phase shift, depth picture, cloud, exported text.
 
 namespace {
 
-constexpr double g_wallM = 2.0;
-constexpr double g_frequencyMHz = 20.0;
-constexpr double g_rangeM = 299.70254 / (2.0 * g_frequencyMHz);
-constexpr double g_twoPi = 6.283185307179586;
+constexpr double kWallM = 2.0;
+constexpr double kFrequencyMHz = 20.0;
+constexpr double kRangeM = 299.70254 / (2.0 * kFrequencyMHz);
+constexpr double kTwoPi = 6.283185307179586;
 
-/// Keeps the first frame that comes.
+/// Keeps the first frame.
 class FirstFrame : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
@@ -58,7 +58,7 @@ struct PlyPoint {
     double x, y, z;
 };
 
-/// Reads the text back the way any reader does.
+/// Reads the text back as any PLY reader does.
 std::vector<PlyPoint> readPly(const QByteArray& text) {
     std::vector<PlyPoint> points;
     bool header = true;
@@ -75,7 +75,7 @@ std::vector<PlyPoint> readPly(const QByteArray& text) {
     return points;
 }
 
-/// How far quantisation alone can move the distance of a pixel.
+/// Largest error of a pixel's distance that quantisation alone can cause.
 ///
 /// Each sample is off by at most half a count. A - B is then off by at most 1, and x = (A0 - B0) - (A180 -
 /// B180) and y likewise by at most 2, so the vector (x, y) of length z moves by at most 2 sqrt(2), which
@@ -86,7 +86,7 @@ double quantisationBoundM(const SkPicBuf& raw, int x, int y, int rowsPerPhase) {
         return double(row[2 * x]) - double(row[2 * x + 1]);
     };
     const double length = std::hypot(difference(0) - difference(2), difference(1) - difference(3));
-    return std::asin(2.0 * std::sqrt(2.0) / length) / g_twoPi * g_rangeM;
+    return std::asin(2.0 * std::sqrt(2.0) / length) / kTwoPi * kRangeM;
 }
 
 TEST(WallDistance, ExportedCloudOfAWallAtTwoMetresIsThereWithinTheQuantisation) {
@@ -95,10 +95,10 @@ TEST(WallDistance, ExportedCloudOfAWallAtTwoMetresIsThereWithinTheQuantisation) 
     void* camera = cameras->openCamera(CkSimCameraDriver::kWaveId);
     ASSERT_NE(camera, nullptr);
     set(camera, "sim_scene", 1);
-    set(camera, "sim_wall_distance", g_wallM);
+    set(camera, "sim_wall_distance", kWallM);
     set(camera, "sim_noise", 0);
     set(camera, "sim_converter_bits", 16);
-    set(camera, "tof_modulation_frequency", g_frequencyMHz);
+    set(camera, "tof_modulation_frequency", kFrequencyMHz);
 
     CkChain* chain = CkChainManager::instance()->createChain();
     auto* source = new CkCameraSource(camera);
@@ -127,7 +127,7 @@ TEST(WallDistance, ExportedCloudOfAWallAtTwoMetresIsThereWithinTheQuantisation) 
     parameters.opticalPath.compensateDistortion = true;
     parameters.opticalPath.lensFocalLengthMM = 3.5F;
     parameters.opticalPath.chipCellSizeMM = 0.01F;
-    parameters.opticalPath.modulationFreqMHz = float(g_frequencyMHz);
+    parameters.opticalPath.modulationFreqMHz = float(kFrequencyMHz);
     parameters.opticalPath.confidenceThreshold = 1e6F;
     parameters.opticalPath.realDistanceOffsetM = 0.0F;
     parameters.pColourTable = lut.rgbTable();
@@ -146,11 +146,11 @@ TEST(WallDistance, ExportedCloudOfAWallAtTwoMetresIsThereWithinTheQuantisation) 
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             const PlyPoint& point = points[size_t(y) * width + size_t(x)];
-            // The last term is what single precision leaves of phases below 2 pi and metres below 10:
+            // The last term is the error of single precision for phases below 2 pi and distances below 10 m:
             // a few units of 2^-22 relative to the range.
             const double bound =
-                quantisationBoundM(rawPicture, x, y, height) + 4.0 * std::ldexp(g_rangeM, -22);
-            const double error = std::abs(point.z / 1000.0 - g_wallM);
+                quantisationBoundM(rawPicture, x, y, height) + 4.0 * std::ldexp(kRangeM, -22);
+            const double error = std::abs(point.z / 1000.0 - kWallM);
             ASSERT_LE(error, bound) << "pixel " << x << ", " << y;
             worst = std::max(worst, bound);
         }

@@ -5,11 +5,12 @@ namespace Qt3DRender {
 class QGeometryRenderer;
 }
 
-/// Hands a finished cloud to the renderer of the point cloud.
+/// Passes a finished cloud to the geometry renderer of the point cloud. User-interface thread.
 class CkToFCloudGeometry {
 public:
-    /// The first call builds the geometry, later ones exchange its buffers: in place when the number of
-    /// points and the size of the buffer are those of the call before and the scene has taken up the buffer.
+    /// The first call builds the geometry, later calls replace the contents of its buffers: in place when the
+    /// number of points and the size of the buffer have not changed since the last call and the scene has
+    /// taken the buffer up.
     void update(Qt3DRender::QGeometryRenderer* pRenderer, const CkToFCloudBuilder& cloud);
 
     /// The scene has taken up all changes made so far.
@@ -17,5 +18,5 @@ public:
 
 private:
     int m_iLastPointCount = 0;
-    bool m_bTakenUp = false; ///< the scene has the vertex buffer in its present size
+    bool m_bTakenUp = false; ///< the scene has taken the vertex buffer up in its present size
 };

@@ -7,7 +7,7 @@ class CkToFColorTable {
 public:
     CkToFColorTable();
 
-    /// Fills the table with a map of CkLut. False when memory was short.
+    /// Fills the table with a pseudo-colour map of CkLut. False when memory was short.
     bool update(int iPseudoColorIndex);
 
     /// 256 entries of 4 bytes: blue, green, red, 255; null when memory was short.

@@ -11,13 +11,13 @@
 
 namespace {
 
-constexpr double NotchFactor = 1.1;
-constexpr double NotchesOverWindow = 10.0; ///< of a zoom by both buttons
-constexpr double AngleOfNotch = 120.0;     ///< QWheelEvent counts eighths of a degree
-constexpr double DegreesOverWindow = 180.0;
-constexpr double DegreesOfKey = 5.0;
-constexpr double WindowOfKey = 0.05;                     ///< share of the window's height
-constexpr float NearestCentre = 0.2F, Farthest = 500.0F; ///< scene units; within the camera's planes
+constexpr double kNotchFactor = 1.1;
+constexpr double kNotchesOverWindow = 10.0; ///< of a zoom with both buttons
+constexpr double kAngleOfNotch = 120.0;     ///< QWheelEvent counts eighths of a degree
+constexpr double kDegreesOverWindow = 180.0;
+constexpr double kDegreesOfKey = 5.0;
+constexpr double kWindowOfKey = 0.05;                      ///< share of the window's height
+constexpr float kNearestCentre = 0.2F, kFarthest = 500.0F; ///< scene units; within the camera's planes
 
 } // namespace
 
@@ -26,7 +26,7 @@ CkToFOrbitController::CkToFOrbitController(QWindow* pWindow, DepthAt depthAt, Qt
     pWindow->installEventFilter(this);
 }
 
-// Called with every drawing, which must not matter.
+// The base class calls this once per frame.
 void CkToFOrbitController::moveCamera(const InputState&, float) {}
 
 bool CkToFOrbitController::eventFilter(QObject* pWatched, QEvent* pEvent) {
@@ -63,18 +63,18 @@ void CkToFOrbitController::drag(const QMouseEvent& event) {
     const bool left = event.buttons().testFlag(Qt::LeftButton);
     const bool right = event.buttons().testFlag(Qt::RightButton);
     if (left && right) {
-        zoom(-NotchesOverWindow * moved.y() / m_pWindow->height());
+        zoom(-kNotchesOverWindow * moved.y() / m_pWindow->height());
     } else if (left) {
         move(moved, m_fDepth);
     } else if (right) {
-        turn(moved * (DegreesOverWindow / m_pWindow->width()));
+        turn(moved * (kDegreesOverWindow / m_pWindow->width()));
     }
 }
 
 void CkToFOrbitController::wheel(const QWheelEvent& event) {
-    // With Alt the wheel is reported as one to the side.
+    // With Alt held, Qt reports the wheel as a horizontal one.
     const QPoint angle = event.angleDelta();
-    zoom((angle.y() != 0 ? angle.y() : angle.x()) / AngleOfNotch);
+    zoom((angle.y() != 0 ? angle.y() : angle.x()) / kAngleOfNotch);
 }
 
 void CkToFOrbitController::key(const QKeyEvent& event) {
@@ -102,11 +102,11 @@ void CkToFOrbitController::key(const QKeyEvent& event) {
         return;
     }
     if (event.modifiers().testFlag(Qt::AltModifier)) {
-        turn(-direction * DegreesOfKey);
+        turn(-direction * kDegreesOfKey);
     } else if (event.modifiers().testFlag(Qt::ShiftModifier)) {
         zoom(-direction.y());
     } else {
-        move(-direction * WindowOfKey * m_pWindow->height(), centreDepth());
+        move(-direction * kWindowOfKey * m_pWindow->height(), centreDepth());
     }
 }
 
@@ -119,7 +119,7 @@ void CkToFOrbitController::move(const QPointF& pixels, float fDepth) {
 }
 
 void CkToFOrbitController::turn(const QPointF& degrees) {
-    // Seen upside down the scene has to turn the other way to go along.
+    // When the camera is upside down, the scene has to turn the other way to follow the mouse.
     const double sense = camera()->upVector().y() < 0.0F ? -1.0 : 1.0;
     const QVector3D up(0.0F, 1.0F, 0.0F);
     camera()->rotateAboutViewCenter(QQuaternion::fromAxisAndAngle(up, float(-sense * degrees.x())));
@@ -130,7 +130,7 @@ void CkToFOrbitController::turn(const QPointF& degrees) {
 void CkToFOrbitController::zoom(double dNotches) {
     const float distance = centreDepth();
     const float wanted =
-        std::clamp(distance / float(std::pow(NotchFactor, dNotches)), NearestCentre, Farthest);
+        std::clamp(distance / float(std::pow(kNotchFactor, dNotches)), kNearestCentre, kFarthest);
     if (distance > 0.0F) {
         camera()->setPosition(camera()->viewCenter() - camera()->viewVector() * (wanted / distance));
     }

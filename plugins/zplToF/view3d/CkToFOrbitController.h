@@ -10,19 +10,18 @@ class QMouseEvent;
 class QWheelEvent;
 class QWindow;
 
-/// Moves the camera by mouse, wheel and keys of a window, by the same amount however often the scene is
-/// drawn: what it is derived from turns and moves by the time between two drawings.
+/// Moves the camera by the mouse, wheel and key events of a window. The base class would move it once per
+/// frame, by an amount that depends on the time since the last one; here the frame rate makes no difference.
 ///
-/// Left button: the point under the mouse follows it. Right button: turns about the view centre, by 180
-/// degrees over the width of the window. Both, or the wheel: nearer and farther, 10 % a notch. Arrow keys
-/// move, with Alt they turn; Page Up and Page Down, and with Shift the arrows up and down, go nearer and
-/// farther.
+/// Left button: the point under the mouse follows it. Right button: rotates about the view centre, 180
+/// degrees over the width of the window. Both buttons, or the wheel: zoom, 10 % per notch. Arrow keys move,
+/// with Alt they rotate; Page Up and Page Down, or Shift with the up and down arrows, zoom.
 class CkToFOrbitController : public Qt3DExtras::QOrbitCameraController {
     Q_OBJECT
 
 public:
-    /// Distance along the line of sight, in scene units, of what is seen at a place in the window; not above
-    /// 0 where nothing is. Asked at the beginning of a move.
+    /// Distance along the line of sight, in scene units, of the point drawn at a position in the window; 0 or
+    /// less where there is none. Called when a move begins.
     using DepthAt = std::function<float(const QPointF&)>;
 
     CkToFOrbitController(QWindow* pWindow, DepthAt depthAt, Qt3DCore::QNode* pParent);

@@ -11,18 +11,19 @@ class QRenderCaptureReply;
 class QSubtreeEnabler;
 } // namespace Qt3DRender
 
-/// Pictures of the rendered scene. The capture node is a second leaf of the frame graph, for which the whole
-/// scene would be drawn twice in every frame; it takes part only while a picture is wanted.
+/// Captures pictures of the rendered scene. The capture node is a second leaf of the frame graph, for which
+/// Qt 3D draws the whole scene a second time in every frame; it is enabled only while a request is pending.
 class CkToFRenderCapture : public QObject {
     Q_OBJECT
 
 public:
-    /// pBranch: the node under which to capture; it owns what is made here but this object.
+    /// pBranch: the node under which to capture; it owns the nodes created here.
     explicit CkToFRenderCapture(Qt3DRender::QFrameGraphNode* pBranch, QObject* pParent = nullptr);
 
     Qt3DRender::QRenderCapture* capture() const;
 
-    /// The reply completes after the next drawn frame; its receiver deletes it. Null when the nodes are gone.
+    /// The reply completes after the next frame is drawn; the caller deletes it. Null when the nodes have
+    /// been deleted.
     Qt3DRender::QRenderCaptureReply* request();
 
 private:

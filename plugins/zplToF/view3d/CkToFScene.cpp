@@ -33,8 +33,8 @@
 
 namespace {
 
-// Four samples a pixel are what Qt 3D asks for, also as the default of its contexts. A processor spends more
-// time on them than on the whole rest of the picture, while the program waits.
+// Qt 3D requests four samples per pixel, also as the default of its contexts. A software renderer spends more
+// time on them than on the rest of the picture, and the main thread waits for it.
 void drawWithoutMultisampling(QWindow& window) {
     QSurfaceFormat format = window.format();
     format.setSamples(0);
@@ -42,8 +42,8 @@ void drawWithoutMultisampling(QWindow& window) {
     QSurfaceFormat::setDefaultFormat(format);
 }
 
-// A window gives its nodes to the aspect engine when it is shown. One that never was keeps its own root and
-// its settings, the frame graph among them, for ever.
+// A window hands its nodes to the aspect engine when it is shown. If it never was, its root and its settings,
+// frame graph included, would leak.
 void freeNodesWith(Qt3DExtras::Qt3DWindow& window, Qt3DCore::QNode* root) {
     QObject::connect(&window, &QObject::destroyed,
                      [root = QPointer<Qt3DCore::QNode>(root),
@@ -73,7 +73,7 @@ CkToFScene::~CkToFScene() {
     if (m_window && !m_bRuns) {
         freeNodesWith(*m_window, m_root != nullptr ? m_root->parentNode() : nullptr);
     }
-    // Until it is assembled nobody else owns the window and the nodes in it.
+    // Before assemble the window and the nodes have no other owner.
     if (!m_container) {
         delete m_root;
         delete m_cloudRenderer;
@@ -91,7 +91,7 @@ bool CkToFScene::build(const QColor& clBackground) {
         drawWithoutMultisampling(*m_window);
     }
     logRenderer();
-    // A view that nothing happens in costs nothing; otherwise Qt 3D draws without pause, on this thread.
+    // The default policy draws continuously, on this thread, even when nothing changes.
     m_window->renderSettings()->setRenderPolicy(Qt3DRender::QRenderSettings::OnDemand);
     setClearColor(clBackground);
 
@@ -113,7 +113,7 @@ Qt3DRender::QMaterial* CkToFScene::createBillboardShaderMaterial(Qt3DCore::QNode
     return m_billboards.material;
 }
 
-// At critical level, so that the line stands in the host's log whatever its filter.
+// At critical level, so that the line passes every filter of the host's log.
 void CkToFScene::logRenderer() const {
     const Qt3DRender::QRenderCapabilities* found = m_window->renderSettings()->renderCapabilities();
     qCritical().noquote() << QStringLiteral("Starting ToF 3D with OpenGL %1.%2 (glsl %3) on %4, platform: %5")
@@ -156,7 +156,7 @@ QWidget* CkToFScene::assemble(bool bShowBBox) {
 void CkToFScene::setUpCamera() {
     if (Qt3DRender::QCamera* view = camera()) {
         view->lens()->setPerspectiveProjection(kFieldOfView, kAspectRatio, 0.1F, 1000.0F);
-        // The window sets the ratio to its own at every resize; the billboards count on ours.
+        // Qt3DWindow::resizeEvent sets the camera's aspect ratio to the window's; the billboards need ours.
         connect(view, &Qt3DRender::QCamera::aspectRatioChanged, view,
                 [view] { view->setAspectRatio(kAspectRatio); });
         moveToDefaultPosition();
@@ -199,7 +199,7 @@ Qt3DRender::QCamera* CkToFScene::camera() const {
     return m_window ? m_window->camera() : nullptr;
 }
 
-// A sub-surface of Wayland is drawn without ever being reported as exposed.
+// On Wayland a sub-surface is drawn but never reported as exposed.
 bool CkToFScene::isDrawn() const {
     return m_window && (platformUsesPointPrimitives() ? m_window->isExposed() : m_window->isVisible());
 }
@@ -247,14 +247,14 @@ Qt3DRender::QRenderCaptureReply* CkToFScene::requestCapture() {
     return m_capture != nullptr && isDrawn() ? m_capture->request() : nullptr;
 }
 
-// Qt 3D's default renderer hands out what it drew by OpenGL bottom row first; its OpenGL renderer does not.
+// Qt 3D's default renderer returns pictures drawn by OpenGL bottom row first; its OpenGL renderer does not.
 QImage CkToFScene::picture(const Qt3DRender::QRenderCaptureReply& reply) const {
     const bool upsideDown =
         !m_bUsePointPrimitives && m_window && m_window->surfaceType() == QSurface::OpenGLSurface;
     return upsideDown ? reply.image().mirrored() : reply.image();
 }
 
-// Queued: replies complete in the middle of Qt 3D's frame.
+// Queued: a reply completes in the middle of Qt 3D's frame, where the view must not be closed.
 bool CkToFScene::saveCapture(const QString& sFileName) {
     Qt3DRender::QRenderCaptureReply* reply = requestCapture();
     if (reply == nullptr) {

@@ -27,28 +27,28 @@ class QMaterial;
 class QRenderCaptureReply;
 } // namespace Qt3DRender
 
-/// What is drawn: the cloud, the box around it and the camera, in a window of their own.
-/// User-interface thread. The window belongs to the container once there is one; the nodes belong to the
-/// window.
+/// The scene that is drawn: cloud, bounding box and camera, in a native window. User-interface thread. The
+/// container owns the window once it exists, the window owns the nodes.
 class CkToFScene : public QObject {
     Q_OBJECT
 
 public:
-    /// The name of the platform on which the scene is drawn by Qt 3D's default renderer.
+    /// The platform on which Qt 3D's default renderer draws the scene, not its OpenGL renderer.
     static constexpr char kWaylandPlatform[] = "wayland";
-    /// Vertical field of view in degrees, and shape of the picture it is meant for; holds for every window.
+    /// Vertical field of view in degrees, and aspect ratio of the projection; the same for windows of any
+    /// shape.
     static constexpr float kFieldOfView = 45.0F;
     static constexpr float kAspectRatio = 16.0F / 9.0F;
 
-    /// Whether points are drawn as squares by the billboard shaders (everywhere but on Wayland).
+    /// Whether the billboard shaders draw each point as a square (everywhere but on Wayland).
     static bool platformUsesPointPrimitives();
 
-    /// The window, its nodes, cloud and box without geometry. Null where the scene cannot be drawn: no usable
-    /// OpenGL context, or no frame graph.
+    /// Makes the window and its nodes; cloud and box have no geometry yet. Null when the scene cannot be
+    /// drawn: no usable OpenGL context, or no frame graph.
     static std::unique_ptr<CkToFScene> create(bool bUsePointPrimitives, const QColor& clBackground);
     ~CkToFScene() override;
 
-    /// Puts the pieces together and wraps the window into a widget, owned by the caller. Once only.
+    /// Connects the nodes and wraps the window into a widget, owned by the caller. Call once.
     QWidget* assemble(bool bShowBBox);
 
     Qt3DExtras::Qt3DWindow* window() const;
@@ -59,7 +59,7 @@ public:
     CkToFRenderCapture* renderCapture() const { return m_capture; }
     const SkToFBillboardMaterial& billboards() const { return m_billboards; }
 
-    /// Whether the window is on screen. What happens while it is not cannot be seen.
+    /// Whether the window is on screen.
     bool isDrawn() const;
 
     void setCloud(const CkToFCloudBuilder& cloud);
@@ -67,15 +67,15 @@ public:
     void setBoxVisible(bool bVisible);
     QColor clearColor() const;
     void setClearColor(const QColor& clColor);
-    /// Keeps the square points square for a view of this size.
+    /// Corrects the shape of the points for a view of this size, so that they stay square.
     void setViewSize(const QSize& size);
     void moveToDefaultPosition();
 
-    /// See CkToFRenderCapture; null when the window is not on screen, where no picture would ever come.
+    /// See CkToFRenderCapture. Null when the window is not on screen: such a reply would never complete.
     Qt3DRender::QRenderCaptureReply* requestCapture();
-    /// The picture of a completed reply, the right way up; null when the capture failed.
+    /// The picture of a completed reply, top row first; null when the capture failed.
     QImage picture(const Qt3DRender::QRenderCaptureReply& reply) const;
-    /// Saves the next capture under this name; false when none can be requested.
+    /// Requests a capture and saves it under this name when it completes; false when none can be requested.
     bool saveCapture(const QString& sFileName);
 
 signals:
@@ -93,8 +93,8 @@ private:
     float depthAt(const QPointF& place) const;
 
     const bool m_bUsePointPrimitives;
-    bool m_bRuns = false;  ///< the window was shown once, and Qt 3D has run the scene ever since
-    bool m_bDrawn = false; ///< a frame has begun, with what there was at that time
+    bool m_bRuns = false;  ///< the window has been shown: from then on Qt 3D runs the scene
+    bool m_bDrawn = false; ///< a frame has begun, and the nodes have been taken up
     QPointer<QWidget> m_container;
     QPointer<Qt3DExtras::Qt3DWindow> m_window;
     QPointer<Qt3DCore::QEntity> m_root;

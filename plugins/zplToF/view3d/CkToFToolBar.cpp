@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The text of the action as a label, in as many places as ask for one.
+/// Shows the text of the action as a label, in the tool bar and in its menu.
 class CkToFLabelAction : public QWidgetAction {
 public:
     using QWidgetAction::QWidgetAction;
@@ -15,7 +15,7 @@ public:
 protected:
     QWidget* createWidget(QWidget* pParent) override {
         auto* label = new QLabel(text(), pParent);
-        // Plain buttons have this space around their texts; an item of a menu would stick to its edge.
+        // The margins of plain buttons; without them the text would touch the edge of the menu.
         label->setContentsMargins(6, 2, 6, 2);
         connect(this, &QAction::changed, label, [this, label] { label->setText(text()); });
         return label;
@@ -27,11 +27,11 @@ protected:
 void CkToFToolBar::addMenu(const QString& sText, QMenu* pMenu) {
     QAction* action = pMenu->menuAction();
     action->setText(sText);
-    // Otherwise made of the text, and trimmed.
+    // By default made from the text, and trimmed.
     action->setIconText(sText);
     addAction(action);
     if (auto* button = qobject_cast<QToolButton*>(widgetForAction(action))) {
-        // A button made for an action opens the action's menu without knowing it as its own.
+        // A tool bar's button opens the action's menu, but its own menu() is null.
         button->removeAction(action);
         button->setMenu(pMenu);
         button->setDefaultAction(action);

@@ -2,21 +2,21 @@
 
 #include <QToolBar>
 
-/// A tool bar of which everything stays within reach however narrow it is: what does not fit is in the menu
-/// behind its "»" button, texts included. User-interface thread.
+/// A tool bar whose items can be reached however narrow it is: those that do not fit are in the menu of its
+/// "»" button, labels included. User-interface thread.
 class CkToFToolBar : public QToolBar {
     Q_OBJECT
 
 public:
     using QToolBar::QToolBar;
 
-    /// A button that opens the menu, which stays the caller's.
+    /// Adds a button that opens the menu. The caller keeps ownership of the menu.
     void addMenu(const QString& sText, QMenu* pMenu);
-    /// Empty space that pushes what follows to the right.
+    /// Adds empty space that pushes the following items to the right.
     void addSpace();
-    /// A text, empty at first. Its label here; where it does not fit, another one in the menu shows the same.
+    /// Adds a label, empty at first. Where it does not fit, the menu shows the same text.
     void addLabel();
-    /// The text of the label.
+    /// Sets the text of the label.
     void setLabelText(const QString& sText);
 
 private:

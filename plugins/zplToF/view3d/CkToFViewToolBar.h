@@ -18,9 +18,9 @@ public:
     /// The size of the measured volume, and whether there are points to export.
     void showCloud(const CkToFCloudBuilder& cloud);
 
-    /// The factor that an action stands for ("0.5x"); 0 when the object is no such action.
+    /// The factor in the text of an action ("0.5x"); 0 when the object is no such action.
     static float zoomFactor(const QObject* pAction);
-    /// The width in pixels that an action stands for ("320"); 0 when the object is no such action.
+    /// The width in pixels in the text of an action ("320"); 0 when the object is no such action.
     static int width(const QObject* pAction);
 
 private:

@@ -41,7 +41,7 @@ SkToFBillboardMaterial SkToFBillboardMaterial::create(Qt3DCore::QNode* pParent) 
     auto* pass = new Qt3DRender::QRenderPass(material);
     pass->setShaderProgram(result.program);
 
-    // The key that the default forward renderer selects its techniques by.
+    // The key by which the default forward renderer selects techniques.
     auto* filterKey = new Qt3DRender::QFilterKey;
     filterKey->setName(QStringLiteral("renderingStyle"));
     filterKey->setValue(QStringLiteral("forward"));

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr uint DefaultBackground = 0x303080;
+constexpr uint kDefaultBackground = 0x303080;
 
-// By way of a real number: what QVariant makes of one that is out of range is not defined.
+// Converted as a double: the result of QVariant's integer conversions is undefined for numbers out of range.
 template <typename Whole>
 Whole readWhole(const QSettings& settings, const char* key, Whole defaultValue) {
     bool ok = false;
@@ -56,9 +56,9 @@ int SkToFViewSettings::readPseudoColor(const QSettings& settings) {
 }
 
 QColor SkToFViewSettings::readBackground(const QSettings& settings) {
-    return QColor(QRgb(readWhole(settings, ToFSettingsKey::BgColor, DefaultBackground)));
+    return QColor(QRgb(readWhole(settings, ToFSettingsKey::BgColor, kDefaultBackground)));
 }
 
 QColor SkToFViewSettings::defaultBackground() {
-    return QColor(QRgb(DefaultBackground));
+    return QColor(QRgb(kDefaultBackground));
 }

@@ -6,8 +6,8 @@
 class QSettings;
 class QColor;
 
-/// The options of a 3D view. Reading never fails: what is missing, of another type or not finite counts as
-/// its default. Numbers that are merely of no use (a focal length of 0) are kept as they are.
+/// The options of a 3D view. Reading never fails: a value that is missing, of another type or not finite is
+/// replaced by its default. Numbers that merely make no sense (a focal length of 0) are kept.
 struct SkToFViewSettings {
     bool showBBox = true;          ///< box around the measured volume
     bool regulateInputFps = false; ///< limit the rate of frames that are shown
@@ -15,7 +15,8 @@ struct SkToFViewSettings {
     SkToFOpticalPath opticalPath;
 
     static SkToFViewSettings read(const QSettings& settings);
-    /// What the settings dialog stores when it is accepted; the box keeps its own writer.
+    /// Writes what the settings dialog stores when it is accepted: all but showBBox, which the view writes
+    /// itself.
     void writeDialogValues(QSettings& settings) const;
 
     static float readDistanceOffset(const QSettings& settings, float fDefault);

@@ -8,8 +8,8 @@ class QGeometryRenderer;
 namespace ToFBoundingBox {
 
 /// Gives the renderer a box of these half extents in scene units. The first call builds the geometry, later
-/// ones exchange the corners only: in place when the scene has taken up the box, as changes in place would
-/// wait for it otherwise.
+/// calls replace the corners only: in place if bTakenUp, that is once the scene has taken the box up; before
+/// that, changes in place would queue up.
 void update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY, float fHalfZ,
             bool bTakenUp);
 

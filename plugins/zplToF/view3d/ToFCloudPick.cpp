@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double PixelsAround = 10.0;
+constexpr double kPixelsAround = 10.0;
 
 } // namespace
 
@@ -25,13 +25,13 @@ float ToFCloudPick::depthAt(const QByteArray& vertexBytes, int iVertices, const 
                     sizeof point);
         const QVector4D clip = toClip * QVector4D(point[0], point[1], point[2], 1.0F);
         const float depth = clip.w();
-        // Behind the camera, or behind what was found.
+        // Behind the camera, or farther than the nearest so far.
         if (!(depth > 0.0F) || (nearest > 0.0F && depth >= nearest)) {
             continue;
         }
         const double x = (double(clip.x() / depth) + 1.0) * 0.5 * window.width();
         const double y = (1.0 - double(clip.y() / depth)) * 0.5 * window.height();
-        if (std::abs(x - place.x()) <= PixelsAround && std::abs(y - place.y()) <= PixelsAround) {
+        if (std::abs(x - place.x()) <= kPixelsAround && std::abs(y - place.y()) <= kPixelsAround) {
             nearest = depth;
         }
     }

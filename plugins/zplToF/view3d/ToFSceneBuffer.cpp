@@ -6,9 +6,9 @@
 
 namespace {
 
-// Where Qt 3D keeps the changes in place until the scene takes them up. As long as there are any it does not
-// look at the contents as a whole, and a change of all of them in between would be lost. Changes that were
-// not taken up yet are of no use once all bytes are new.
+// The property in which Qt 3D queues changes in place until the scene takes them up. While there are any it
+// ignores the buffer's data as a whole, so that a setData in between would be lost. Since every call replaces
+// all bytes, the queued changes can be dropped.
 void dropPendingChanges(Qt3DCore::QBuffer& buffer) {
     buffer.setProperty("QT3D_updateData", QVariant());
 }

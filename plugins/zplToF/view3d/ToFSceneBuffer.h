@@ -5,13 +5,14 @@ namespace Qt3DCore {
 class QBuffer;
 }
 
-/// New contents for the buffers of the scene.
+/// Replaces the contents of the scene's buffers. Qt 3D's own setData and updateData lose changes when they
+/// are mixed before a frame is drawn.
 namespace ToFSceneBuffer {
 
-/// The buffer as a whole, of any size.
+/// Replaces the whole buffer; its size may change.
 void set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 
-/// In place. The scene must have taken up a buffer of this size already.
+/// Replaces the bytes in place. The scene must have taken the buffer up in this size.
 void replace(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 
 } // namespace ToFSceneBuffer

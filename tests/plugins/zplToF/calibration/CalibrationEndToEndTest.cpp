@@ -13,14 +13,14 @@
 #include <QSignalSpy>
 #include <cmath>
 
-// The whole way: a camera with a built-in error in front of a wall, its chain, the view on it, the
-// calibration on the view, and a 3D view that shows the wall afterwards.
+// End to end: a camera with a built-in error in front of a wall, its chain, the view on it, the calibration
+// on the view, and a 3D view that shows the wall afterwards.
 
 namespace {
-constexpr int s_iPatience = 60000; // ms
-constexpr double s_fWall = 1.25;   // m
-constexpr double s_fError = 0.2;   // m
-constexpr int s_iMiddle = 3;       // half the side of the square that is calibrated on
+constexpr int kPatience = 60000; // ms
+constexpr double kWall = 1.25;   // m
+constexpr double kError = 0.2;   // m
+constexpr int kMiddle = 3;       // half the side of the square that the calibration averages
 
 class CalibrationEndToEndTest : public CalibrationTest {
 protected:
@@ -34,8 +34,8 @@ protected:
         ASSERT_NE(camera, nullptr) << sError.toStdString();
         CkCameraParameters* parameters = CkCameraManager::instance()->cameraParameters(camera);
         const std::pair<const char*, double> values[] = {{"sim_scene", 1},
-                                                         {"sim_wall_distance", s_fWall},
-                                                         {"sim_distance_offset", s_fError},
+                                                         {"sim_wall_distance", kWall},
+                                                         {"sim_distance_offset", kError},
                                                          {"tof_modulation_frequency", 20}};
         for (const auto& [name, fValue] : values) {
             CkCameraParam* param = parameters->findParam(QLatin1String(name));
@@ -43,8 +43,7 @@ protected:
             ASSERT_TRUE(param->setParamValue(CkValue(fValue))) << name;
             ASSERT_TRUE(param->commit()) << name;
         }
-        ASSERT_NEAR(parameters->findParam("sim_distance_offset")->committedValue().toDouble(), s_fError,
-                    1e-9);
+        ASSERT_NEAR(parameters->findParam("sim_distance_offset")->committedValue().toDouble(), kError, 1e-9);
 
         chain = CkChainManager::instance()->createChain();
         auto* source = new CkCameraSource(camera);
@@ -56,7 +55,7 @@ protected:
         delegate.registerView(shown.get());
         ASSERT_TRUE(chain->start());
         ASSERT_TRUE(CkCameraManager::instance()->startAcquisition(camera, &sError)) << sError.toStdString();
-        ASSERT_TRUE(QTest::qWaitFor([this] { return shown->currentImage() != nullptr; }, s_iPatience));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return shown->currentImage() != nullptr; }, kPatience));
     }
 
     void TearDown() override {
@@ -73,13 +72,13 @@ protected:
             chooseInches();
         }
         click(QDialogButtonBox::Ok);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, s_iPatience));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, kPatience));
         EXPECT_EQ(dialog->result(), QDialog::Accepted);
         ASSERT_EQ(driver.boxes.size(), 1);
         EXPECT_EQ(driver.boxes[0].title, "Result");
     }
 
-    // Nine measurements at this rate leave time to do something half way.
+    // Nine measurements at this rate leave time for an action halfway through.
     void slowDown() {
         CkCameraParam* rate = CkCameraManager::instance()->cameraParameters(camera)->findParam("framerate");
         ASSERT_TRUE(rate != nullptr && rate->setParamValue(CkValue(4.0)) && rate->commit());
@@ -88,7 +87,7 @@ protected:
     bool waitForCounted(int iFrames) {
         return QTest::qWaitFor(
             [this, iFrames] { return progress().section(QLatin1Char(' '), 1, 1).toInt() >= iFrames; },
-            s_iPatience);
+            kPatience);
     }
 
     struct SkWall {
@@ -97,7 +96,7 @@ protected:
         int iPixels;
     };
 
-    // The middle of the wall as a 3D view shows it that is opened now.
+    // The middle of the wall in a 3D view that is opened now.
     SkWall wallIn3d() {
         delegate.store("ToF.OptCompensateDistorsion", true);
         delegate.store("ToF.OptConfidenceThreshold", 1e6F);
@@ -112,8 +111,8 @@ protected:
         double fSum = 0.0;
         double fSquares = 0.0;
         int iPixels = 0;
-        for (quint32 y = uiHeight / 2 - s_iMiddle; y < uiHeight / 2 + s_iMiddle; ++y) {
-            for (quint32 x = uiWidth / 2 - s_iMiddle; x < uiWidth / 2 + s_iMiddle; ++x) {
+        for (quint32 y = uiHeight / 2 - kMiddle; y < uiHeight / 2 + kMiddle; ++y) {
+            for (quint32 x = uiWidth / 2 - kMiddle; x < uiWidth / 2 + kMiddle; ++x) {
                 const double fZ = double(view3d.cloud().exportPoints()[size_t(y) * uiWidth + x].z) / 1000.0;
                 fSum += fZ;
                 fSquares += fZ * fZ;
@@ -124,19 +123,19 @@ protected:
         return {fMean, std::sqrt(std::max(0.0, fSquares / iPixels - fMean * fMean)), iPixels};
     }
 
-    // Five standard deviations of the difference of two means: of the five calibration frames and of the one
-    // that is shown, over the scatter that the frame itself has; and 1 mm for what is no noise: whole numbers
-    // from the converter, rays that are not quite the axis, single precision.
+    // Five standard deviations of the difference of two means, that of the five calibration frames and that
+    // of the frame shown, from the scatter of the frame itself; plus 1 mm for errors other than noise:
+    // quantisation by the converter, rays slightly off the axis, single precision.
     static double noiseBound(const SkWall& wall) {
         return 5.0 * wall.fScatter * std::sqrt(1.0 / (5.0 * wall.iPixels) + 1.0 / wall.iPixels) + 0.001;
     }
 
     void expectWallAtItsPlace() {
         const SkWall wall = wallIn3d();
-        EXPECT_NEAR(wall.fDistance, s_fWall, noiseBound(wall))
+        EXPECT_NEAR(wall.fDistance, kWall, noiseBound(wall))
             << "scatter of a pixel " << wall.fScatter << " m";
-        // The bound says something: it is far below the error that the calibration took out.
-        EXPECT_LT(noiseBound(wall), s_fError / 4.0);
+        // The bound is meaningful: far below the error that the calibration removed.
+        EXPECT_LT(noiseBound(wall), kError / 4.0);
     }
 
     void* camera = nullptr;
@@ -149,10 +148,10 @@ protected:
 TEST_F(CalibrationEndToEndTest, TheWallStandsAtItsDistanceAfterCalibratingInCentimetres) {
     delegate.store(key, 0.0F);
     const SkWall before = wallIn3d();
-    EXPECT_NEAR(before.fDistance, s_fWall + s_fError, noiseBound(before));
+    EXPECT_NEAR(before.fDistance, kWall + kError, noiseBound(before));
     calibrate("125", false);
     EXPECT_TRUE(driver.boxes[0].text.contains(" cm\n")) << driver.boxes[0].text.toStdString();
-    EXPECT_NEAR(delegate.stored(key).toDouble(), -s_fError, noiseBound(before));
+    EXPECT_NEAR(delegate.stored(key).toDouble(), -kError, noiseBound(before));
     expectWallAtItsPlace();
 }
 
@@ -174,7 +173,7 @@ TEST_F(CalibrationEndToEndTest, AnAbortHalfWayLeavesTheOffsetAlone) {
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
     const QString sAtCancel = progress();
     QSignalSpy frames(shown.get(), &CkMdiView::receivedFrame);
-    ASSERT_TRUE(QTest::qWaitFor([&frames] { return frames.count() >= 2; }, s_iPatience));
+    ASSERT_TRUE(QTest::qWaitFor([&frames] { return frames.count() >= 2; }, kPatience));
     EXPECT_EQ(progress(), sAtCancel);
     EXPECT_EQ(delegate.stored(key).toFloat(), 0.125F);
     EXPECT_TRUE(driver.boxes.isEmpty());
@@ -187,7 +186,7 @@ TEST_F(CalibrationEndToEndTest, FramesOfAWrongKindInBetweenDoNotSpoilTheResult) 
     typeDistance("125");
     click(QDialogButtonBox::Ok);
     ASSERT_TRUE(waitForCounted(2));
-    // Amplitude pictures for a while; the first box that tells so switches back.
+    // Amplitude pictures at first; the first error box switches back.
     bool bSwitched = false;
     driver.onBox = [&](QMessageBox* pBox) {
         if (!bSwitched && pBox->icon() == QMessageBox::Critical) {
@@ -197,7 +196,7 @@ TEST_F(CalibrationEndToEndTest, FramesOfAWrongKindInBetweenDoNotSpoilTheResult) 
         QTest::keyClick(pBox, Qt::Key_Return);
     };
     block->setTransform(CkToFProcessCnbl::Amplitude, true);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, s_iPatience));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog->isVisible(); }, kPatience));
     ASSERT_GE(driver.boxes.size(), 2);
     EXPECT_EQ(driver.boxes.first().text, wrongKind);
     EXPECT_EQ(driver.boxes.last().title, "Result");

@@ -19,7 +19,7 @@
 #include <map>
 #include <memory>
 
-/// Shows the frames that a test hands it, and keeps them all.
+/// Shows the frames that a test passes in, and keeps them all.
 class FrameView : public CkMdiView {
 public:
     const CkImageData* imageData(qint32 iFrameId) override {
@@ -33,7 +33,7 @@ public:
         emit receivedFrame(iFrameId);
     }
 
-    /// Tells of a frame that is not there any more.
+    /// Announces a frame that no longer exists.
     void announce(qint32 iFrameId) { emit receivedFrame(iFrameId); }
 
 private:
@@ -127,7 +127,7 @@ protected:
         return frame;
     }
 
-    /// Shows a frame and lets the queued notification through.
+    /// Shows a frame and delivers the queued notification.
     void feed(std::unique_ptr<CkImageData> frame) {
         view->show(std::move(frame));
         QCoreApplication::processEvents();

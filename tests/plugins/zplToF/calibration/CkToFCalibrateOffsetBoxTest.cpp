@@ -7,7 +7,7 @@
 namespace {
 using CkToFCalibrateOffsetBoxTest = CalibrationTest;
 constexpr float kPi = 3.1415927F;
-// Metres; 180 additions in single precision and the way to metres.
+// Metres: 180 additions in single precision, and the conversion to metres.
 constexpr float kRounding = 5e-6F;
 } // namespace
 
@@ -140,7 +140,7 @@ TEST_F(CkToFCalibrateOffsetBoxTest, TheLastFrameBehindTheBoxOfABadDistanceIsSett
     child<QLineEdit>("edDistance")->setText("abc");
     driver.onBox = [this](QMessageBox* pBox) {
         if (driver.boxes.size() == 1) {
-            feed(greyFrame()); // no second box over this one
+            feed(greyFrame()); // opens no second box on top of this one
             feedPhases(3, kPi);
             EXPECT_EQ(progress(), "Progresss: 3 / 3");
         }
@@ -162,7 +162,7 @@ TEST_F(CkToFCalibrateOffsetBoxTest, OkInCodeNeitherRepeatsNorUndoesAFinishedMeas
         if (driver.boxes.size() == 1) {
             feedPhases(3, kPi);
         }
-        dialog->on_buttonBox_accepted(); // all is counted, or the result is shown already
+        dialog->on_buttonBox_accepted(); // all frames are counted, or the result is shown already
         feedPhases(2, 1.0F);
         EXPECT_EQ(progress(), "Progresss: 3 / 3");
         child<QLineEdit>("edDistance")->setText("abc");

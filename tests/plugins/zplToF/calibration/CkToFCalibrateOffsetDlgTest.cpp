@@ -7,7 +7,7 @@
 namespace {
 using CkToFCalibrateOffsetDlgTest = CalibrationTest;
 constexpr float kPi = 3.1415927F;
-// Metres; 180 additions in single precision and the way to metres.
+// Metres: 180 additions in single precision, and the conversion to metres.
 constexpr float kRounding = 5e-6F;
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInf = std::numeric_limits<float>::infinity();

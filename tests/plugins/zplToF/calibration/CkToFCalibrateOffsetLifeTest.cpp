@@ -10,7 +10,7 @@
 namespace {
 using CkToFCalibrateOffsetLifeTest = CalibrationTest;
 constexpr float kPi = 3.1415927F;
-// Metres; 180 additions in single precision and the way to metres.
+// Metres: 180 additions in single precision, and the conversion to metres.
 constexpr float kRounding = 5e-6F;
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 } // namespace
@@ -19,7 +19,7 @@ TEST_F(CkToFCalibrateOffsetLifeTest, CancelHalfWayStoresNothingAndStopsListening
     open();
     click(QDialogButtonBox::Ok);
     feedPhases(3, kPi);
-    view->show(phaseFrame(kPi)); // queued when Cancel comes
+    view->show(phaseFrame(kPi)); // queued when Cancel is clicked
     view->show(greyFrame());
     click(QDialogButtonBox::Cancel);
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
@@ -130,7 +130,7 @@ TEST_F(CkToFCalibrateOffsetLifeTest, PressingOkTwiceInCodeCountsFramesOnce) {
 }
 
 TEST_F(CkToFCalibrateOffsetLifeTest, A3dViewTakesTheOffsetOver) {
-    // The 3D view's own answer to a frame identifier is its current picture; the signal comes from the base.
+    // The 3D view's imageData returns its current picture for the identifier; the base emits the signal.
     class Framed3dView : public CkToF3DMdiView {
     public:
         Framed3dView() : CkToF3DMdiView(-1, -1, nullptr, nullptr) {}

@@ -4,7 +4,7 @@
 
 #include <QLayout>
 
-// What a person sees. Run a second time at twice the scaling.
+// The layout that the user sees. Run a second time at a scale factor of 2.
 
 namespace {
 class CkToFCalibrationLayoutTest : public CalibrationTest, public testing::WithParamInterface<const char*> {

@@ -11,10 +11,10 @@
 
 namespace {
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float s_fHalfPi = 1.5707963F;
+constexpr float kHalfPi = 1.5707963F;
 constexpr float kPi = 3.1415927F;
 
-// Owns its pixels; every sample is what the function says of column, row and channel.
+// Owns its pixels; the function gives each sample from column, row and channel.
 template <class Sample>
 class Picture {
 public:
@@ -58,7 +58,8 @@ float sum(const SkPicBuf& picture, int iChannel, int& iCount) {
 } // namespace
 
 TEST(CkToFOffsetEstimatorTest, SumsTheMiddleSixBySixOfALargePicture) {
-    // Powers of two at the corners of the square and just outside of it: exact sums that tell them apart.
+    // Powers of two at the corners of the square and just outside it: sums are exact and tell the pixels
+    // apart.
     Picture<float> full(640, 480, 1, [](quint32 x, quint32 y, quint32) {
         const bool bInside = x >= 317 && x <= 322 && y >= 237 && y <= 242;
         return bInside ? 1.0 : 1024.0;
@@ -193,16 +194,17 @@ TEST(CkToFOffsetEstimatorTest, ADifferencePictureIsReadPhaseByPhase) {
     Picture<qint16> words(6, 24, 1, sample);
     ASSERT_TRUE(estimator.addPicture(words.picture, &metadata));
     EXPECT_EQ(estimator.pixelCount(), 36);
-    EXPECT_NEAR(estimator.phaseSum(), 36 * s_fHalfPi, 1e-4);
+    EXPECT_NEAR(estimator.phaseSum(), 36 * kHalfPi, 1e-4);
     const auto small = [](quint32, quint32 y, quint32) { return y / 6 == 1 ? 100 : y / 6 == 3 ? -50 : 7; };
     Picture<qint8> bytes(6, 24, 1, small);
     ASSERT_TRUE(estimator.addPicture(bytes.picture, &metadata));
     EXPECT_EQ(estimator.pixelCount(), 72);
-    EXPECT_NEAR(estimator.phaseSum(), 72 * s_fHalfPi, 1e-4);
+    EXPECT_NEAR(estimator.phaseSum(), 72 * kHalfPi, 1e-4);
 }
 
 TEST(CkToFOffsetEstimatorTest, ADifferencePictureIsNotReadBehindItsEnd) {
-    // The bytes behind the last row belong to the sanitizer: every phase count that fits, or does not.
+    // The sanitizer guards the bytes after the last row: all phase counts, whether they divide the height or
+    // not.
     for (const int iPhases : {1, 2, 3, 4, 5, 8, 24, 25, 1000, std::numeric_limits<int>::max()}) {
         const CkImageMetadata metadata = aMinusB(iPhases);
         Picture<qint16> picture(6, 24, 1, [](quint32, quint32, quint32) { return 5; });

@@ -2,13 +2,13 @@
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkChainManager.h"
 
 #include <QTextStream>
 #include <gtest/gtest.h>
 
-/// What the tables of the three actions have in common.
+/// Shared by the tables of the three actions.
 
 enum class CameraKind { None, NotToF, ToF, Hybrid };
 
@@ -20,14 +20,14 @@ inline bool isToF(CameraKind kind) {
 enum class ViewOn {
     Nothing,         ///< there is none
     Source,          ///< an image view on the source of the chain
-    Block,           ///< on a block behind the source that is no ToF block
+    Block,           ///< on a block after the source that is no ToF block
     Amplitude,       ///< on a ToF block
-    BehindAmplitude, ///< on a block behind it
+    BehindAmplitude, ///< on a block after such a ToF block
     Depth,           ///< on a ToF block
-    Raw,             ///< on a ToF block that makes A minus B of A and B and leaves the phases as they come
-    BehindRaw,       ///< on a block behind it
+    Raw,             ///< on a ToF block that makes A minus B from A and B and leaves the phases separate
+    BehindRaw,       ///< on a block after such a ToF block
     Scene,           ///< a 3D view that follows an image view on the source
-    LonelyScene,     ///< a 3D view whose image view has gone
+    LonelyScene,     ///< a 3D view whose image view has been closed
     OwnImage,        ///< a view without a block that holds an image of its own, or none
 };
 
@@ -35,7 +35,7 @@ inline bool hasBlock(ViewOn on) {
     return on != ViewOn::Nothing && on != ViewOn::LonelyScene && on != ViewOn::OwnImage;
 }
 
-/// The blocks behind the source: p passes on, a digit is a ToF block with that transform.
+/// The blocks after the source: p passes pictures on, a digit is a ToF block with that transform.
 inline const char* shapeBehind(ViewOn on) {
     switch (on) {
     case ViewOn::Block:
@@ -59,8 +59,8 @@ inline bool isRaw(FakeKind kind) {
     return kind == FakeKind::AB || kind == FakeKind::AminB || kind == FakeKind::Hybrid;
 }
 
-/// What is left of a source's pictures where the view looks at them. A block that refuses its input has no
-/// output that is known.
+/// The kind of the source's pictures when they reach the view. A block that refuses its input has no known
+/// output.
 inline FakeKind shownKind(ViewOn on, FakeKind source) {
     switch (on) {
     case ViewOn::Amplitude:
@@ -76,7 +76,7 @@ inline FakeKind shownKind(ViewOn on, FakeKind source) {
     }
 }
 
-/// What the source delivers once its camera was set up; only cameras that sent grey pictures change.
+/// What the source delivers after its camera has been set up; only a camera that sent grey pictures changes.
 inline FakeKind kindAfterSetUp(FakeKind kind, CameraKind camera) {
     if (kind != FakeKind::Grey) {
         return kind;
@@ -84,8 +84,8 @@ inline FakeKind kindAfterSetUp(FakeKind kind, CameraKind camera) {
     return camera == CameraKind::Hybrid ? FakeKind::Hybrid : FakeKind::AB;
 }
 
-/// Puts the blocks of a shape behind the rig's source; the rig's view ends on the last.
-inline void buildShape(ToFRig& rig, const char* shape) {
+/// Inserts the blocks of a shape after the source; the view ends up on the last one.
+inline void buildShape(ToFFixture& rig, const char* shape) {
     CkChainable* last = rig.source;
     for (const char* letter = shape; *letter != '\0'; ++letter) {
         CkChainable* block = nullptr;
@@ -112,9 +112,9 @@ inline QString shapeOf(const CkChain* chain) {
     return shape;
 }
 
-/// A chain of a source of this kind, the blocks that belong to the view, and the active view. Its image view
-/// is there in any case.
-inline void openOn(ToFRig& rig, ViewOn on, FakeKind kind, bool separate, const FakeCamera* camera) {
+/// A chain with a source of this kind, the blocks of the view, and the active view. The chain always has an
+/// image view.
+inline void openOn(ToFFixture& rig, ViewOn on, FakeKind kind, bool separate, const FakeCamera* camera) {
     rig.open(kind, separate, camera);
     ASSERT_NO_FATAL_FAILURE(buildShape(rig, shapeBehind(on)));
     CkMdiView* active = nullptr;
@@ -143,7 +143,7 @@ inline void openOn(ToFRig& rig, ViewOn on, FakeKind kind, bool separate, const F
     rig.app.calls.clear();
 }
 
-/// One camera of every kind, none of them set up for ToF yet.
+/// One camera of each kind, none of them set up for ToF yet.
 struct TableCameras {
     FakeCamera plain{{-1, 5}};
     FakeCamera tof{{3, 5}};
@@ -163,7 +163,7 @@ struct TableCameras {
         return nullptr;
     }
 
-    /// "readout/format" of the three, then the number of commits of each.
+    /// "readout/format" of the three cameras, then the number of commits of each.
     QString state() const {
         QString text;
         QTextStream stream(&text);
@@ -173,7 +173,7 @@ struct TableCameras {
         stream << plain.log().commits << tof.log().commits << hybrid.log().commits;
         return text;
     }
-    /// The same as it has to be: only the camera of this kind was set up, once; none for None.
+    /// The same as expected: only the camera of this kind was set up, once; none for None.
     static QString expectedState(CameraKind setUp) {
         return QStringLiteral("-1/5 %1 %2 0%3%4")
             .arg(setUp == CameraKind::ToF ? QStringLiteral("4/13") : QStringLiteral("3/5"),

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/calibration/CkToFCalibrateOffsetDlg.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "tests/support/ModalDriver.h"
 #include "zuCore/CkChainManager.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 TEST(ToFCalibrateAction, NonToFActiveViewShowsOnlyTheErrorAndNoDialog) {
     FakeCamera camera({-1, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     rig.actions.calibrateOffset();
     ASSERT_EQ(rig.boxes.size(), 1U);
@@ -24,7 +24,7 @@ TEST(ToFCalibrateAction, NonToFActiveViewShowsOnlyTheErrorAndNoDialog) {
 
 TEST(ToFCalibrateAction, OwnBlockWithAmplitudeSwitchesToDepthAndRestartsItsChain) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     auto* block = new CkToFProcessCnbl;
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, rig.source));
@@ -32,7 +32,7 @@ TEST(ToFCalibrateAction, OwnBlockWithAmplitudeSwitchesToDepthAndRestartsItsChain
     int restarts = 0;
     QObject::connect(rig.chain(), &CkChain::runningChanged, [&restarts](bool on) { restarts += on ? 1 : 0; });
     rig.actions.calibrateOffset();
-    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_EQ(ToFFixture::transforms(rig.chain()), QList<int>{3});
     EXPECT_EQ(rig.chain()->blocks().size(), 2) << "no block is inserted";
     EXPECT_EQ(restarts, 1);
     EXPECT_TRUE(rig.chain()->started());
@@ -42,7 +42,7 @@ TEST(ToFCalibrateAction, OwnBlockWithAmplitudeSwitchesToDepthAndRestartsItsChain
 
 TEST(ToFCalibrateAction, OwnBlockWithDepthIsLeftRunning) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     auto* block = new CkToFProcessCnbl;
     block->setTransform(CkToFProcessCnbl::EkTransformType(3), false);
@@ -57,7 +57,7 @@ TEST(ToFCalibrateAction, OwnBlockWithDepthIsLeftRunning) {
 
 TEST(ToFCalibrateAction, ViewWithoutAChainBlockShowsTheErrorAndStillOpensTheDialog) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     CkMdiView lonely;
     rig.app.registerView(&lonely);
     rig.app.activeView = lonely.viewId();
@@ -72,13 +72,13 @@ TEST(ToFCalibrateAction, ViewWithoutAChainBlockShowsTheErrorAndStillOpensTheDial
 
 TEST(ToFCalibrateAction, RawViewGetsADepthBlockBehindItsSource) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.actions.calibrateOffset();
     EXPECT_EQ(camera.value("tof_readout_mode"), 4);
     EXPECT_EQ(camera.value("imgdataformat"), 13);
     EXPECT_EQ(camera.log().commits, 1);
-    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_EQ(ToFFixture::transforms(rig.chain()), QList<int>{3});
     EXPECT_TRUE(rig.chain()->started());
     EXPECT_EQ(rig.calibrated.size(), 1);
     EXPECT_TRUE(rig.boxes.empty());
@@ -86,7 +86,7 @@ TEST(ToFCalibrateAction, RawViewGetsADepthBlockBehindItsSource) {
 
 TEST(ToFCalibrateAction, FailedInsertionIsToldAndTheDialogStillOpens) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     rig.chainHost.failing << QStringLiteral("insertAfter");
     rig.actions.calibrateOffset();
@@ -100,7 +100,7 @@ TEST(ToFCalibrateAction, CameraThatCannotBeSetUpIsToldInTheseWords) {
     FakeCamera withoutFormat({4, -1});
     FakeCamera refusing({3, 5, 0, true});
     for (const FakeCamera* camera : {&withoutFormat, &refusing}) {
-        ToFRig rig;
+        ToFFixture rig;
         rig.open(FakeKind::AB, false, camera);
         rig.actions.calibrateOffset();
         ASSERT_EQ(rig.boxes.size(), 1U);
@@ -114,19 +114,19 @@ TEST(ToFCalibrateAction, CameraThatCannotBeSetUpIsToldInTheseWords) {
 
 TEST(ToFCalibrateAction, CameraThatDoesNotStartIsSetUpAllTheSame) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.app.acquisitionSucceeds = false;
     rig.actions.calibrateOffset();
     EXPECT_EQ(camera.value("tof_readout_mode"), 4);
-    EXPECT_EQ(ToFRig::transforms(rig.chain()), QList<int>{3});
+    EXPECT_EQ(ToFFixture::transforms(rig.chain()), QList<int>{3});
     EXPECT_EQ(rig.calibrated.size(), 1);
     EXPECT_TRUE(rig.boxes.empty());
 }
 
 TEST(ToFCalibrateAction, CameraThatWasUnpluggedMeanwhileIsNone) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     camera.close();
     rig.actions.calibrateOffset();
@@ -136,7 +136,7 @@ TEST(ToFCalibrateAction, CameraThatWasUnpluggedMeanwhileIsNone) {
 
 TEST(ToFCalibrateAction, DialogIsAChildOfTheMainWindow) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     QWidget window;
     rig.app.window = &window;

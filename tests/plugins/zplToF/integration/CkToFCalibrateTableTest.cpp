@@ -2,14 +2,14 @@
 
 namespace {
 
-/// Blocks behind the source, of which the view shows the last.
+/// Blocks after the source; the view is on the last one.
 struct ChainShape {
     const char* before;
-    const char* after; ///< with the block that the action puts in
+    const char* after; ///< with the block that the action inserts
     bool inserts;
 };
 
-const ChainShape g_shapes[] = {
+const ChainShape kShapes[] = {
     {"", "3", true},       {"p", "p3", true}, {"pp", "p3p", true}, {"2p", "2p3", true}, {"3p", "3p3", true},
     {"2pp", "2p3p", true}, {"2", "3", false}, {"3", "3", false},   {"p1", "p3", false},
 };
@@ -22,7 +22,7 @@ class CalibrateTable : public ::testing::TestWithParam<Combination> {};
 TEST_P(CalibrateTable, BoxesChainCameraAndDialog) {
     const auto& [shape, kind, camera, separate, insertionFails, running, sceneIsActive] = GetParam();
     const TableCameras cameras;
-    ToFRig rig;
+    ToFFixture rig;
     ASSERT_NO_FATAL_FAILURE(
         openOn(rig, sceneIsActive ? ViewOn::Scene : ViewOn::Source, kind, separate, cameras.of(camera)));
     ASSERT_NO_FATAL_FAILURE(buildShape(rig, shape.before));
@@ -61,7 +61,7 @@ TEST_P(CalibrateTable, BoxesChainCameraAndDialog) {
     EXPECT_EQ(rig.calibrated, QList<QPointer<CkMdiView>>{active});
 }
 INSTANTIATE_TEST_SUITE_P(ToFCalibrateAction, CalibrateTable,
-                         ::testing::Combine(::testing::ValuesIn(g_shapes),
+                         ::testing::Combine(::testing::ValuesIn(kShapes),
                                             ::testing::Values(FakeKind::Unknown, FakeKind::Grey, FakeKind::AB,
                                                               FakeKind::AminB, FakeKind::Hybrid),
                                             ::testing::Values(CameraKind::None, CameraKind::NotToF,
@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(ToFCalibrateAction, CalibrateTable,
                                             ::testing::Values(false)));
 INSTANTIATE_TEST_SUITE_P(
     ToFCalibrateActionOn3dView, CalibrateTable,
-    ::testing::Combine(::testing::ValuesIn(g_shapes), ::testing::Values(FakeKind::Grey, FakeKind::AB),
+    ::testing::Combine(::testing::ValuesIn(kShapes), ::testing::Values(FakeKind::Grey, FakeKind::AB),
                        ::testing::Values(CameraKind::NotToF, CameraKind::ToF, CameraKind::Hybrid),
                        ::testing::Bool(), ::testing::Bool(), ::testing::Bool(), ::testing::Values(true)));
 
@@ -80,7 +80,7 @@ class CalibrateWithoutAChain
 TEST_P(CalibrateWithoutAChain, BoxesCameraAndDialog) {
     const auto& [on, kind, camera, running] = GetParam();
     const TableCameras cameras;
-    ToFRig rig;
+    ToFFixture rig;
     ASSERT_NO_FATAL_FAILURE(openOn(rig, on, kind, false, cameras.of(camera)));
     CkMdiView* const active = rig.app.mdiView(rig.app.activeView);
     if (running) {
@@ -89,7 +89,7 @@ TEST_P(CalibrateWithoutAChain, BoxesCameraAndDialog) {
     rig.actions.calibrateOffset();
 
     EXPECT_EQ(rig.app.calls, QStringList{"startAcquisition 1 0"});
-    // The view without a block still has a camera; the others have lost theirs.
+    // The view without a block still has a camera; the others no longer do.
     const bool isTold = on == ViewOn::OwnImage && isToF(camera);
     EXPECT_EQ(rig.boxLines(),
               QStringList{line(QMessageBox::Critical, "Error",

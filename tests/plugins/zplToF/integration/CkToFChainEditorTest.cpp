@@ -1,5 +1,5 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ protected:
         EXPECT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), block, after));
         return block;
     }
-    ToFRig rig;
+    ToFFixture rig;
     CkToFChainEditor editor{rig.chainHost};
 };
 
@@ -52,7 +52,7 @@ class Insertion : public ::testing::TestWithParam<std::tuple<bool, bool>> {};
 
 TEST_P(Insertion, StopsRestartsAndFreesAsTheChainWas) {
     const auto [running, succeeds] = GetParam();
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     CkToFChainEditor editor(rig.chainHost);
     if (running) {
@@ -63,7 +63,7 @@ TEST_P(Insertion, StopsRestartsAndFreesAsTheChainWas) {
     }
     EXPECT_EQ(editor.insertDepthBlock(rig.source), succeeds);
     EXPECT_EQ(rig.chain()->started(), running || succeeds);
-    EXPECT_EQ(ToFRig::transforms(rig.chain()), succeeds ? QList<int>{3} : QList<int>{});
+    EXPECT_EQ(ToFFixture::transforms(rig.chain()), succeeds ? QList<int>{3} : QList<int>{});
     EXPECT_EQ(rig.chain()->blocks().size(), succeeds ? 2 : 1);
 }
 INSTANTIATE_TEST_SUITE_P(ToFChainEditor, Insertion, ::testing::Combine(::testing::Bool(), ::testing::Bool()));

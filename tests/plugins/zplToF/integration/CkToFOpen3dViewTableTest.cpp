@@ -19,7 +19,7 @@ struct Combination {
     }
     /// After the question, if there was one.
     FakeKind shownInTheEnd() const {
-        // An image that a view holds stays as it is.
+        // An image that a view holds does not change.
         const bool changes = asks() && yes && hasBlock(on);
         return changes ? shownKind(on, kindAfterSetUp(kind, camera)) : shown();
     }
@@ -31,15 +31,15 @@ struct Combination {
     bool triesToInsert() const { return needsGathering() && hasBlock(on) && on != ViewOn::Raw; }
 };
 
-/// For whoever reads a row that failed.
+/// For the message of a row that fails.
 void PrintTo(const Combination& given, std::ostream* out) {
     *out << "view " << int(given.on) << ", pictures " << int(given.kind) << ", camera " << int(given.camera)
          << (given.separate ? ", separate" : "") << (given.running ? ", running" : "")
          << (given.yes ? ", yes" : ", no") << (given.inserts ? "" : ", insertion fails");
 }
 
-/// Every combination of which each answer counts: an answer only where there is a question, a failing
-/// insertion only where something is inserted, single phases only of pictures that have phases.
+/// All combinations that differ: an answer only where there is a question, a failing insertion only where a
+/// block is inserted, separate phases only of pictures that have phases.
 std::vector<Combination> combinations() {
     std::vector<Combination> all;
     for (const ViewOn on : {ViewOn::Nothing, ViewOn::Source, ViewOn::Block, ViewOn::Amplitude,
@@ -117,7 +117,7 @@ TEST_P(Open3dViewTable, BoxesChainCameraAndViews) {
     const Combination& given = GetParam();
     const Outcome expected = expectedOutcome(given);
     const TableCameras cameras;
-    ToFRig rig;
+    ToFFixture rig;
     ASSERT_NO_FATAL_FAILURE(openOn(rig, given.on, given.kind, given.separate, cameras.of(given.camera)));
     const int followed = given.on == ViewOn::OwnImage ? rig.app.activeView : rig.view->viewId();
     rig.answer = given.yes ? QMessageBox::Yes : QMessageBox::No;

@@ -20,21 +20,21 @@ struct Combination {
     bool asks() const { return hasBlock(on) && isNoToFPicture() && isToF(camera); }
     bool isSetUp() const { return asks() && yes; }
     FakeKind sourceInTheEnd() const { return isSetUp() ? kindAfterSetUp(kind, camera) : kind; }
-    /// What was unknown, or comes out of a block that makes grey pictures, stays so.
+    /// An unknown format, and that of a block that makes grey pictures, does not change.
     bool goesOn() const {
         return hasBlock(on) && (!isNoToFPicture() || (isSetUp() && isRaw(shownKind(on, sourceInTheEnd()))));
     }
 };
 
-/// For whoever reads a row that failed.
+/// For the message of a row that fails.
 void PrintTo(const Combination& given, std::ostream* out) {
     *out << "view " << int(given.on) << ", pictures " << int(given.kind) << ", camera " << int(given.camera)
          << ", failure " << int(given.failure) << (given.separate ? ", separate" : "")
          << (given.running ? ", running" : "") << (given.yes ? ", yes" : ", no");
 }
 
-/// Every combination of which each part counts: an answer only where there is a question, failures only where
-/// the action gets that far.
+/// All combinations that differ: an answer only where there is a question, failures only where the action
+/// gets that far.
 std::vector<Combination> combinations() {
     std::vector<Combination> all;
     const auto add = [&all](Combination made) {
@@ -125,7 +125,7 @@ Outcome expectedOutcome(const Combination& given) {
     return outcome;
 }
 
-void letFail(ToFRig& rig, Failure failure) {
+void letFail(ToFFixture& rig, Failure failure) {
     switch (failure) {
     case Failure::Nothing:
         break;
@@ -157,7 +157,7 @@ TEST_P(OpenAllTable, BoxesChainsCameraAndViews) {
     const Outcome expected = expectedOutcome(given);
     const TableCameras cameras;
     const int sourcesBefore = FakeSource::alive;
-    ToFRig rig;
+    ToFFixture rig;
     ASSERT_NO_FATAL_FAILURE(openOn(rig, given.on, given.kind, given.separate, cameras.of(given.camera)));
     rig.answer = given.yes ? QMessageBox::Yes : QMessageBox::Cancel;
     letFail(rig, given.failure);

@@ -1,16 +1,16 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-const QString g_needs =
+const QString kNeeds =
     QStringLiteral("ToF processing needs (A and B) RAWX2, or (A minus B) RAW image, or X1X2X3 RAWX3 image.");
-const QString g_question =
-    g_needs + QStringLiteral("\n\nDo you want to update the camera parameters automatically?");
+const QString kQuestion =
+    kNeeds + QStringLiteral("\n\nDo you want to update the camera parameters automatically?");
 
 int imageViews(const FakeAppDelegate& app) {
     return int(app.calls.filter(QStringLiteral("openImageView")).size());
@@ -23,12 +23,12 @@ CkChain* onlyChain() {
 
 TEST(ToFOpenAllViews, AandBSourceGetsDepthAmplitudeIntensityAndOneThreeDView) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     rig.actions.openAllToFViews();
     CkChain* chain = onlyChain();
     ASSERT_NE(chain, nullptr);
-    EXPECT_EQ(ToFRig::transforms(chain), (QList<int>{3, 2, 1}));
+    EXPECT_EQ(ToFFixture::transforms(chain), (QList<int>{3, 2, 1}));
     EXPECT_EQ(imageViews(rig.app), 3);
     ASSERT_EQ(rig.actions.views().size(), 1);
     // The 3D view follows the image view of the "Depth" branch.
@@ -44,27 +44,27 @@ TEST(ToFOpenAllViews, AandBSourceGetsDepthAmplitudeIntensityAndOneThreeDView) {
 }
 
 TEST(ToFOpenAllViews, AminusBSourceGetsOnlyDepthAndAmplitude) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AminB);
     rig.actions.openAllToFViews();
     ASSERT_NE(onlyChain(), nullptr);
-    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2}));
+    EXPECT_EQ(ToFFixture::transforms(onlyChain()), (QList<int>{3, 2}));
     EXPECT_EQ(imageViews(rig.app), 2);
     EXPECT_EQ(rig.actions.views().size(), 1);
     rig.view = nullptr;
 }
 
 TEST(ToFOpenAllViews, HybridSourceGetsItsThreeBranches) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Hybrid);
     rig.actions.openAllToFViews();
     ASSERT_NE(onlyChain(), nullptr);
-    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2, 1}));
+    EXPECT_EQ(ToFFixture::transforms(onlyChain()), (QList<int>{3, 2, 1}));
     rig.view = nullptr;
 }
 
 TEST(ToFOpenAllViews, ReplacesTheActiveViewAndItsChainAndMovesTheSource) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     ASSERT_TRUE(rig.chain()->start());
     const QPointer<CkMdiView> oldView = rig.view;
@@ -79,7 +79,7 @@ TEST(ToFOpenAllViews, ReplacesTheActiveViewAndItsChainAndMovesTheSource) {
 }
 
 TEST(ToFOpenAllViews, BranchesAreFedByTheSourceItself) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     CkChainable* source = rig.source;
     rig.actions.openAllToFViews();
@@ -94,13 +94,13 @@ TEST(ToFOpenAllViews, BranchesAreFedByTheSourceItself) {
 
 TEST(ToFOpenAllViews, NotAToFCameraIsToldAndNothingHappens) {
     FakeCamera camera({-1, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.actions.openAllToFViews();
     ASSERT_EQ(rig.boxes.size(), 1U);
     EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Critical);
     EXPECT_EQ(rig.boxes[0].title, "Invalid input image");
-    EXPECT_EQ(rig.boxes[0].text, g_needs);
+    EXPECT_EQ(rig.boxes[0].text, kNeeds);
     EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Ok);
     EXPECT_EQ(rig.chain()->blocks(), QList<CkChainable*>{rig.source});
     EXPECT_TRUE(rig.actions.views().isEmpty());
@@ -108,24 +108,24 @@ TEST(ToFOpenAllViews, NotAToFCameraIsToldAndNothingHappens) {
 
 TEST(ToFOpenAllViews, AnswerYesSetsTheCameraUpAndGoesOn) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.answer = QMessageBox::Yes;
     rig.actions.openAllToFViews();
     ASSERT_EQ(rig.boxes.size(), 1U);
     EXPECT_EQ(rig.boxes[0].icon, QMessageBox::Question);
-    EXPECT_EQ(rig.boxes[0].text, g_question);
+    EXPECT_EQ(rig.boxes[0].text, kQuestion);
     EXPECT_EQ(rig.boxes[0].buttons, QMessageBox::Yes | QMessageBox::Cancel);
     EXPECT_EQ(rig.boxes[0].defaultButton, QMessageBox::Yes);
     EXPECT_EQ(camera.log().commits, 1);
     ASSERT_NE(onlyChain(), nullptr);
-    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{3, 2, 1}));
+    EXPECT_EQ(ToFFixture::transforms(onlyChain()), (QList<int>{3, 2, 1}));
     rig.view = nullptr;
 }
 
 TEST(ToFOpenAllViews, AnswerCancelLeavesEverything) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.answer = QMessageBox::Cancel;
     rig.actions.openAllToFViews();
@@ -136,7 +136,7 @@ TEST(ToFOpenAllViews, AnswerCancelLeavesEverything) {
 
 TEST(ToFOpenAllViews, CameraThatCannotBeSetUpIsToldAndEndsTheAction) {
     FakeCamera camera({3, 5, 0, true});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.answer = QMessageBox::Yes;
     rig.actions.openAllToFViews();
@@ -152,7 +152,7 @@ TEST(ToFOpenAllViews, CameraThatCannotBeSetUpIsToldAndEndsTheAction) {
 
 TEST(ToFOpenAllViews, StoppedSourceIsStartedOnceAfterYes) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::Grey, false, &camera);
     rig.answer = QMessageBox::Yes;
     const ChainLog log;
@@ -164,9 +164,9 @@ TEST(ToFOpenAllViews, StoppedSourceIsStartedOnceAfterYes) {
 
 TEST(ToFOpenAllViews, StoppedChainThatStaysIsStartedOnceAfterYes) {
     FakeCamera camera({3, 5});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
-    // What the view shows is grey whatever the camera sends: the action ends after the set-up.
+    // The view shows grey pictures whatever the camera sends: the action ends after the set-up.
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(rig.chain(), new CkToFProcessCnbl, rig.source));
     rig.answer = QMessageBox::Yes;
     const ChainLog log;
@@ -177,7 +177,7 @@ TEST(ToFOpenAllViews, StoppedChainThatStaysIsStartedOnceAfterYes) {
 }
 
 TEST(ToFOpenAllViews, ViewWithoutABlockOrAChainIsLeftAlone) {
-    ToFRig rig;
+    ToFFixture rig;
     CkMdiView lonely;
     rig.app.registerView(&lonely);
     rig.app.activeView = lonely.viewId();
@@ -187,14 +187,14 @@ TEST(ToFOpenAllViews, ViewWithoutABlockOrAChainIsLeftAlone) {
 }
 
 TEST(ToFOpenAllViews, ChainWithoutASourceIsLeftAlone) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     CkChain* chain = rig.chain();
     auto* block = new PassBlock;
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(chain, block, rig.source));
     ASSERT_TRUE(CkChainManager::instance()->remove(chain, rig.source, true));
     delete rig.source;
-    ViewWithImage view(block); // what it shows is left from before
+    ViewWithImage view(block); // it still shows an earlier image
     view.image = std::make_unique<CkImageData>();
     SkPicBuf picture;
     CkImageMetadata metadata;
@@ -211,7 +211,7 @@ TEST(ToFOpenAllViews, ChainWithoutASourceIsLeftAlone) {
 }
 
 TEST(ToFOpenAllViews, FailedRemovalLeavesTheChainRunning) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     ASSERT_TRUE(rig.chain()->start());
     rig.chainHost.failing << QStringLiteral("remove");
@@ -224,7 +224,7 @@ TEST(ToFOpenAllViews, FailedRemovalLeavesTheChainRunning) {
 
 TEST(ToFOpenAllViews, NoNewChainDeletesTheSource) {
     const int alive = FakeSource::alive;
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     rig.chainHost.failing << QStringLiteral("createChain");
     rig.actions.openAllToFViews();
@@ -237,7 +237,7 @@ TEST(ToFOpenAllViews, NoNewChainDeletesTheSource) {
 
 TEST(ToFOpenAllViews, SourceThatDoesNotFitTheNewChainIsDeletedWithIt) {
     const int alive = FakeSource::alive;
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     rig.chainHost.failing << QStringLiteral("insertAfter");
     rig.actions.openAllToFViews();
@@ -247,7 +247,7 @@ TEST(ToFOpenAllViews, SourceThatDoesNotFitTheNewChainIsDeletedWithIt) {
 }
 
 TEST(ToFOpenAllViews, BranchThatCannotBeAddedIsDeletedAndTheActionGoesOn) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     rig.chainHost.failing << QStringLiteral("branchAfter");
     rig.actions.openAllToFViews();
@@ -261,7 +261,7 @@ TEST(ToFOpenAllViews, BranchThatCannotBeAddedIsDeletedAndTheActionGoesOn) {
 }
 
 TEST(ToFOpenAllViews, BranchWithoutAViewIsTakenOutAgainAndTheNextOneFollows) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     int opened = 0;
     rig.app.makeImageView = [&opened](CkChainable* block) -> CkMdiView* {
@@ -270,12 +270,12 @@ TEST(ToFOpenAllViews, BranchWithoutAViewIsTakenOutAgainAndTheNextOneFollows) {
     rig.actions.openAllToFViews();
     rig.view = nullptr;
     ASSERT_NE(onlyChain(), nullptr);
-    EXPECT_EQ(ToFRig::transforms(onlyChain()), (QList<int>{2, 1}));
+    EXPECT_EQ(ToFFixture::transforms(onlyChain()), (QList<int>{2, 1}));
     EXPECT_TRUE(rig.actions.views().isEmpty()) << "the 3D view belongs to the first branch";
 }
 
 TEST(ToFOpenAllViews, ActiveThreeDViewStandsForTheViewItFollows) {
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB);
     rig.actions.openToF3dView();
     ASSERT_EQ(rig.actions.views().size(), 1);

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/integration/ToFCameraCheck.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkCameraParameters.h"
 #include "zuCore/CkChainManager.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// A box waits for the user while the rest of the host goes on: views, chains and cameras may go meanwhile.
+// The host keeps running while a box waits for the user: views, chains and cameras may be closed meanwhile.
 
 class WhileABoxIsOpen : public ::testing::Test {
 protected:
@@ -39,7 +39,7 @@ protected:
     }
 
     FakeCamera camera{{3, 5}};
-    ToFRig rig;
+    ToFFixture rig;
     const QString refused = QStringLiteral("Cannot set (A and B) or (A-B) reaout mode to camera.");
 };
 
@@ -122,7 +122,7 @@ TEST_F(WhileABoxIsOpen, ViewClosedDuringTheErrorOfTheCameraGetsNo3dView) {
     expectNothingWasOpened();
 }
 
-/// Whoever is told that the camera has changed may close what shows it.
+/// A receiver of the camera's signals may close the view that shows it.
 class WhileTheCameraIsSetUp : public WhileABoxIsOpen {
 protected:
     void SetUp() override {

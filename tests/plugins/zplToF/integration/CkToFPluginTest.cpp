@@ -1,7 +1,7 @@
 #include "plugins/zplToF/CkToFPlugin.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -34,7 +34,7 @@ protected:
                 action("menuTofCalibrateOffset")->isEnabled()};
     }
 
-    /// Three-dimensional views on a view that becomes the active one.
+    /// 3D views that follow a view, which becomes the active one.
     void openToF3dViews(CkMdiView& on, int count) {
         app.registerView(&on);
         app.activeView = on.viewId();
@@ -178,7 +178,7 @@ TEST_F(ToFPlugin, MenuThatOpensKnowsOfCamerasThatCameOrWentMeanwhile) {
     app.viewCameras[1] = camera.handle();
     emit menu->aboutToShow();
     EXPECT_EQ(enabled(), (QList<bool>{true, true, true}));
-    camera.close(); // its view is still there, with a handle that has gone
+    camera.close(); // its view still exists, with a stale handle
     emit menu->aboutToShow();
     EXPECT_EQ(enabled(), (QList<bool>{true, false, false}));
 }

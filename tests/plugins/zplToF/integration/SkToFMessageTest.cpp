@@ -8,7 +8,7 @@
 
 namespace {
 
-// The box as the user sees it, with the keys that answer it.
+// The box as the user sees it, answered by keys.
 
 class ToFMessageBox : public ::testing::Test {
 protected:

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/integration/ToFCameraCheck.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -78,8 +78,8 @@ struct SetUpCase {
     int dataFormat;
 };
 
-/// Every readout mode against every format that has a meaning, worked out by hand.
-const SetUpCase g_setUpCases[] = {
+/// Every readout mode with every format that has a meaning; expected values from the rules for each mode.
+const SetUpCase kSetUpCases[] = {
     {{4, 11}, true, 4, 11},
     {{4, 13}, true, 4, 13},
     {{4, 0}, true, 4, 13},
@@ -116,7 +116,7 @@ TEST_P(SetUp, ReadoutAndFormat) {
     EXPECT_EQ(camera.value("imgdataformat"), expected.dataFormat);
     EXPECT_EQ(camera.log().commits, expected.accepted ? 1 : 0);
 }
-INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, SetUp, ::testing::ValuesIn(g_setUpCases));
+INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, SetUp, ::testing::ValuesIn(kSetUpCases));
 
 TEST(ToFCameraCheck, CameraThatRefusesTheCommitKeepsItsValues) {
     FakeCamera camera({3, 5, 0, true});
@@ -133,7 +133,7 @@ TEST(ToFCameraCheck, ValueThatIsRefusedTakesTheWholeBatchBack) {
     EXPECT_EQ(camera.log().commits, 0);
     const CkCameraParam* readout = camera.parameters()->findParam(QStringLiteral("tof_readout_mode"));
     EXPECT_EQ(readout->paramValue().toInt(), 3);
-    // Whoever commits next commits nothing of it.
+    // The next commit does not contain any of it.
     EXPECT_TRUE(camera.parameters()->endCommitBatch(true));
     EXPECT_TRUE(camera.log().committed.isEmpty());
     EXPECT_EQ(camera.value("tof_readout_mode"), 3);
@@ -178,7 +178,7 @@ struct KindCase {
     bool known, isAB, isAminB, isPhaseShift, separatePhases, isHybrid;
 };
 
-const KindCase g_kindCases[] = {
+const KindCase kKindCases[] = {
     {FakeKind::Unknown, false, false, false, false, false, false, false},
     {FakeKind::Grey, false, true, false, false, false, false, false},
     {FakeKind::AB, false, true, true, false, false, false, false},
@@ -194,9 +194,9 @@ class Kinds : public ::testing::TestWithParam<KindCase> {};
 
 TEST_P(Kinds, OfABlockAndOfAView) {
     const KindCase& expected = GetParam();
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(expected.kind, expected.separate);
-    // Flags are overwritten whatever they held.
+    // Flags are overwritten, whatever they were.
     bool ab = true;
     bool aMinusB = true;
     bool phaseShift = true;
@@ -217,7 +217,7 @@ TEST_P(Kinds, OfABlockAndOfAView) {
               expected.known);
     check("view");
 }
-INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, Kinds, ::testing::ValuesIn(g_kindCases));
+INSTANTIATE_TEST_SUITE_P(ToFCameraCheck, Kinds, ::testing::ValuesIn(kKindCases));
 
 TEST(ToFCameraCheck, BlockThatDeliversNoPicturesHasNoFormat) {
     CkChainable block;
@@ -229,7 +229,7 @@ TEST(ToFCameraCheck, BlockThatDeliversNoPicturesHasNoFormat) {
 
 TEST(ToFCameraCheck, SettingUpStartsTheStoppedChainOfTheView) {
     FakeCamera camera({4, 13});
-    ToFRig rig;
+    ToFFixture rig;
     rig.open(FakeKind::AB, false, &camera);
     ASSERT_TRUE(rig.chain()->stopped());
     EXPECT_TRUE(ToFCameraCheck::switchCameraTo3dFormat(rig.view, camera.handle()));

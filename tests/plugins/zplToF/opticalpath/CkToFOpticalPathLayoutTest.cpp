@@ -2,7 +2,7 @@
 #include "tests/plugins/zplToF/opticalpath/OpticalPathFixture.h"
 #include "tests/support/LayoutChecks.h"
 
-// What a person sees. Run a second time at twice the scaling.
+// The layout that the user sees. Run a second time at a scale factor of 2.
 
 namespace {
 class CkToFOpticalPathLayoutTest : public OpticalPathTest, public testing::WithParamInterface<const char*> {

@@ -132,7 +132,7 @@ TEST_F(CkToFOpticalPathSettingsDlgTest, TheTabKeyVisitsTheControlsInOrder) {
               (QStringList{"chkCompensate", "edModulationFreq", "edChipCellSize", "edLensFocalLength",
                            "edOptCenterOffsetX", "edOptCenterOffsetY", "edRealDistOffset", "chkBoundingBox",
                            "chkRegInputFps", "edRegInputFps"}));
-    // The others can be reached by the keyboard, too.
+    // The others can also be reached with the keyboard.
     QStringList rest;
     for (int i = 0; i < 8; ++i) {
         rest << QApplication::focusWidget()->objectName();

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <functional>
 
-// What Apply, OK and Cancel take over, value by value.
+// Which values Apply, OK and Cancel take over, one by one.
 
 namespace {
 using CkToFOpticalPathValuesTest = OpticalPathTest;

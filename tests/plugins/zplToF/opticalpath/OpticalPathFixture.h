@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-/// A dialog on values that tests change before they open it.
+/// A dialog on values that a test changes before it opens it.
 class OpticalPathTest : public testing::Test {
 protected:
     EkDepthDataType depthDataType = EkDepthDataType::PhaseShift;
@@ -56,7 +56,7 @@ protected:
 
     QString text(const char* name) { return child<QLineEdit>(name)->text(); }
 
-    /// By keys, over what is there.
+    /// Types the text, replacing the present one.
     void type(const char* name, const QString& sText) {
         auto* edit = child<QLineEdit>(name);
         edit->setFocus();
@@ -70,7 +70,7 @@ protected:
     }
 
     void toggle(const char* name) {
-        // Styles take the box and its text, not the empty space behind.
+        // Styles accept clicks on the box and its text, not on the empty space after it.
         auto* box = child<QCheckBox>(name);
         QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, QPoint(8, box->height() / 2));
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 #include "tests/support/LocaleScope.h"
 #include "tests/support/ModalDriver.h"
 
@@ -18,7 +18,7 @@ class ViewAndDialogTest : public ViewTest {
 protected:
     ViewAndDialogTest() { settingsWrites.clear(); }
 
-    /// Opens the dialog; work is done in it, and has to close it.
+    /// Opens the dialog and calls work, which has to close it.
     void withDialog(CkToF3DMdiView& view, std::function<void()> work) {
         settingsWrites.clear();
         driver.expectWindow([this, work](QWidget* pWindow) {
@@ -56,7 +56,7 @@ protected:
         QTest::mouseClick(child<QDialogButtonBox>("buttonBox")->button(button), Qt::LeftButton);
     }
 
-    /// Without the colouring, which the view stores by itself with its first frame.
+    /// Keys in the settings, but for the colour map, which the view stores with its first frame.
     QStringList storedKeys() {
         QStringList keys = QSettings(m_host.settingsFile(), QSettings::IniFormat).allKeys();
         keys.removeAll("ToF.LUTPseudoColor");
@@ -64,7 +64,7 @@ protected:
         return keys;
     }
 
-    /// A view that starts on a frame: the kind of its data decides on the threshold it starts with.
+    /// A view opened on a frame; the kind of its data decides the initial threshold.
     std::unique_ptr<CkToF3DMdiView> openOn(std::unique_ptr<CkImageData> frame) {
         m_host.registerView(&m_source);
         m_source.shown = std::move(frame);

@@ -51,13 +51,13 @@ TEST_F(ViewAndDialogLifeTest, FramesGoOnAndControlsActWhileTheDialogIsOpenAndMem
             iFewest = qMin(iFewest, view->cloud().pointCount());
             iMost = qMax(iMost, view->cloud().pointCount());
             QCoreApplication::processEvents();
-            // By then allocators that hold memory back, those of sanitizers among them, have all they want.
+            // By then allocators that retain freed memory, such as those of sanitizers, have settled.
             if (uiFrame == 150) {
                 iSettled = residentKiB();
             }
         }
-        // Depth and confidence of a frame take 600 KiB, its cloud 1800 more: 300 of them 175 and 527 MiB.
-        // What the renderer has in hand at one moment and not at the other is some ten clouds.
+        // Depth and confidence of a frame take 600 KiB, its cloud another 1800: 175 and 527 MiB for 300
+        // frames. The renderer holds up to some ten clouds more at one moment than at another.
         EXPECT_LT(residentKiB() - iSettled, 100 * 1024);
         EXPECT_LT(iFewest, 320 * 240 / 10);
         EXPECT_GT(iMost, 320 * 240 * 9 / 10);

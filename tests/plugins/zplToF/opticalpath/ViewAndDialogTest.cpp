@@ -61,7 +61,7 @@ TEST_F(ViewAndDialogTest, OkStoresEveryValueApplyAndCancelNone) {
         EXPECT_EQ(options.opticalPath.realDistanceOffsetM, bTaken ? 0.25F : -1.5F);
         EXPECT_EQ(options.regulateInputFps, bTaken);
         EXPECT_EQ(options.maxInputFps, bTaken ? 7.0F : 5.0F);
-        // Apply leaves the orthogonal correction alone.
+        // Apply does not change the orthogonal correction.
         EXPECT_EQ(options.opticalPath.orthoRadialCorrection, button != QDialogButtonBox::Ok);
         if (button != QDialogButtonBox::Ok) {
             EXPECT_EQ(storedKeys(), QStringList());
@@ -174,7 +174,7 @@ TEST_F(ViewAndDialogTest, CancelAfterMovingTheThresholdKeepsItInTheViewUnsaved) 
     show(*view);
     ASSERT_EQ(view->cloud().pointCount(), 16 * 12);
     withDialog(*view, [&] {
-        // From 10 the bar stands at its end, 2; three steps down are 1.7.
+        // The bar clips 10 to its end, 2; three steps down give 1.7.
         for (int i = 0; i < 3; ++i) {
             QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
         }
@@ -192,14 +192,14 @@ TEST_F(ViewAndDialogTest, CancelAfterMovingTheThresholdKeepsItInTheViewUnsaved) 
 TEST_F(ViewAndDialogTest, OkStoresAMovedThresholdAsItStandsInTheView) {
     auto view = openOn(wall());
     withDialog(*view, [&] {
-        // From 10 the bar stands at its end, 2; two steps down are 1.8.
+        // The bar clips 10 to its end, 2; two steps down give 1.8.
         QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
         QTest::keyClick(child("tbConfThreshold"), Qt::Key_Left);
         click(QDialogButtonBox::Ok);
     });
     EXPECT_NEAR(view->options().opticalPath.confidenceThreshold, 1.8F, 1e-6F);
     EXPECT_NEAR(m_host.stored("ToF.OptConfidenceThreshold").toFloat(), 1.8F, 1e-6F);
-    // Of 0 the view takes no notice.
+    // The view ignores 0.
     withDialog(*view, [&] {
         QTest::keyClick(child("tbConfThreshold"), Qt::Key_Home);
         EXPECT_EQ(child<QLabel>("lbConfThresholdValue")->text(), "0.00");

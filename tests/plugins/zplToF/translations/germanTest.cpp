@@ -4,7 +4,7 @@
 #include "plugins/zplToF/chain/CkToFProcessWidget.h"
 #include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 #include "tests/support/FakeAppDelegate.h"
 #include "tests/support/LocaleScope.h"
 
@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-// What the plug-in says, and what it must say the same everywhere, where the user's language is German.
+// The plug-in's texts for a German user: those that are translated, and those that must not be.
 
 namespace {
 QString utf8(const char* text) {
@@ -72,7 +72,7 @@ TEST_F(ToFGermanTest, TheCamerasPanelIsGermanItsObjectNamesAreNot) {
 TEST(ToFGermanActions, MessagesAreGerman) {
     const LocaleScope locale{QLocale(QLocale::German, QLocale::Germany)};
     FakeCamera camera({-1, 13});
-    ToFRig rig;
+    ToFFixture rig;
     const CkToFPlugin plugin;
     rig.open(FakeKind::AB, false, &camera);
     rig.actions.calibrateOffset();

@@ -32,12 +32,12 @@ std::vector<T> contents(const QAttribute* attribute) {
     return values;
 }
 
-/// What the scene has to take up yet of the changes in place.
+/// The changes in place that the scene has yet to take up.
 qsizetype pendingChanges(const Qt3DCore::QBuffer& buffer) {
     return buffer.property("QT3D_updateData").toList().size();
 }
 
-/// Clouds of grey pictures of one byte, all pixels drawn.
+/// Clouds of 8-bit grey pictures; all pixels are drawn.
 class CloudMaker {
 public:
     explicit CloudMaker(EkToFVertexLayout layout) : m_layout(layout) { m_colors.update(0); }
@@ -58,7 +58,7 @@ public:
         return m_cloud;
     }
 
-    /// Only the first so many pixels are drawn.
+    /// Only this many pixels are drawn, the first ones.
     const CkToFCloudBuilder& makePartly(quint32 width, quint32 height, quint32 points) {
         SkPicBuf& picture = m_pictures.depthPic;
         EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, 1, EkImageDataType::Float32, 0,
@@ -250,7 +250,7 @@ TEST(CkToFCloudGeometryTest, TheSameCountIsUpdatedInPlaceOnceTheSceneTookUpTheBu
     EXPECT_EQ(attribute(renderer, "vertexPosition")->buffer(), buffer);
     EXPECT_EQ(countChanges.count(), 0);
     EXPECT_EQ(contents<float>(attribute(renderer, "vertexColor"))[3], 1.0F);
-    // Qt keeps what was changed in place until the scene takes it up; only the last of it counts.
+    // Qt queues changes in place until the scene takes them up; only the last one counts.
     EXPECT_EQ(pendingChanges(*buffer), 1);
     geometry.update(&renderer, clouds.make(4, 3, 9));
     EXPECT_EQ(pendingChanges(*buffer), 1);
@@ -268,7 +268,7 @@ TEST(CkToFCloudGeometryTest, AChangeInPlaceThatIsStillPendingGivesWayToAnotherSi
     ASSERT_EQ(pendingChanges(*buffer), 1);
     geometry.update(&renderer, clouds.make(2, 2, 2));
     EXPECT_EQ(pendingChanges(*buffer), 0);
-    // The scene has not seen the new size: changes in place would not reach it.
+    // The scene has not taken the new size up: changes in place would be lost.
     geometry.update(&renderer, clouds.make(2, 2, 3));
     EXPECT_EQ(pendingChanges(*buffer), 0);
     geometry.frameBegun();
@@ -333,7 +333,7 @@ TEST(CkToFCloudGeometryTest, QuadsTakeNewIndicesWithAnotherSizeOfAsManyPoints) {
     geometry.update(&renderer, clouds.makePartly(4, 1, 2));
     const QAttribute* indices = attribute(renderer, "sceneIndexBuffer");
     EXPECT_EQ(indices->count(), 24U);
-    // Every pixel is counted, the last two draw nothing.
+    // All pixels are counted; the last two draw nothing.
     const std::vector<quint32> expected = {0, 1, 2, 2, 3, 0, 4, 5, 6, 6, 7, 4,
                                            0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_EQ(contents<quint32>(indices), expected);

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QStringList allKeys = {
+const QStringList kAllKeys = {
     QStringLiteral("ToF.ShowBBox"),
     QStringLiteral("ToF.RegulateInputFps"),
     QStringLiteral("ToF.MaxInputFps"),
@@ -103,7 +103,7 @@ TEST_F(SkToFViewSettingsTest, JunkInEveryKeyGivesTheDefaults) {
         QStringLiteral("@Variant(\\0\\0\\0)"),
     };
     for (const QVariant& value : junk) {
-        for (const QString& key : allKeys) {
+        for (const QString& key : kAllKeys) {
             put(key, value);
         }
         SCOPED_TRACE(value.typeName());
@@ -116,7 +116,7 @@ TEST_F(SkToFViewSettingsTest, NumbersThatAreNotFiniteCountAsMissing) {
     for (const QVariant& value : {QVariant(infinity), QVariant(std::numeric_limits<double>::quiet_NaN()),
                                   QVariant(QStringLiteral("inf")), QVariant(QStringLiteral("nan")),
                                   QVariant(QStringLiteral("1e400"))}) {
-        for (const QString& key : allKeys) {
+        for (const QString& key : kAllKeys) {
             put(key, value);
         }
         put(QStringLiteral("ToF.OptCenterOffsetMM"), QPointF(infinity, 0.0));
@@ -140,7 +140,7 @@ TEST_F(SkToFViewSettingsTest, WhatTheDialogStoresIsReadBack) {
     settings.writeDialogValues(*store());
     EXPECT_EQ(SkToFViewSettings::read(*store()), settings);
 
-    // The box has a writer of its own.
+    // showBBox is written elsewhere.
     EXPECT_FALSE(store()->contains(QStringLiteral("ToF.ShowBBox")));
     QStringList written = store()->allKeys();
     written.sort();

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-/// A source of 640 x 480 pictures of phase shift and confidence in a chain of its own.
+/// A source of pictures of phase shift and confidence, 640 x 480, in a chain of its own.
 struct SourceInChain {
     SourceInChain() {
         block->setFormat(640, 480, 2, EkImageDataType::Float32, 32);

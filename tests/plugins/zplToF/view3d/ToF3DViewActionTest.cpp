@@ -1,6 +1,6 @@
 // Actions, the box and the background.
 
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QAction>
 #include <Qt3DCore/QEntity>
@@ -61,7 +61,7 @@ TEST_F(ToF3DViewActionTest, AThresholdWithoutConfidenceIsStoredButBuildsNothing)
     const auto view = open();
     const auto* positions =
         CkToF3DMdiView::getSceneAttribute(view->scene()->cloudRenderer(), QStringLiteral("vertexPosition"));
-    // A build that changed nothing visible would still show in the colours.
+    // Any rebuild would show in the colours.
     view->viewLut(nullptr, nullptr, nullptr)->setPseudoColorIndex(2);
     view->setViewLut(view->viewLut(nullptr, nullptr, nullptr), true, false, false);
     const QByteArray before = positions->buffer()->data();
@@ -93,14 +93,14 @@ TEST_F(ToF3DViewActionTest, TheDepthResolutionIsTakenShownAndStored) {
 
 TEST_F(ToF3DViewActionTest, ANewDistanceOffsetIsReadAfterCalibration) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     const float before = view->cloud().exportPoints()[0].z;
     m_host.store(QStringLiteral("ToF.OptRealDistandeOffsetM"), -0.25F);
     view->updateAfterDistanceOffsetChanged();
     EXPECT_EQ(view->options().opticalPath.realDistanceOffsetM, -0.25F);
     EXPECT_NEAR(view->cloud().exportPoints()[0].z, before - 250.0F, 0.01F);
-    // Junk leaves what there is.
+    // Invalid texts change nothing.
     m_host.store(QStringLiteral("ToF.OptRealDistandeOffsetM"), QStringLiteral("junk"));
     view->updateAfterDistanceOffsetChanged();
     EXPECT_EQ(view->options().opticalPath.realDistanceOffsetM, -0.25F);
@@ -145,7 +145,7 @@ TEST_F(ToF3DViewActionTest, TheBoxOf640x480IsTwoWideAndOneAndAHalfHigh) {
     std::array<float, 24> corners{};
     ASSERT_EQ(positions->buffer()->data().size(), 96);
     std::memcpy(corners.data(), positions->buffer()->data().constData(), 96);
-    // The first corner, and the seventh, which lies opposite.
+    // The first corner, and the opposite one, the seventh.
     EXPECT_EQ(corners[18] - corners[0], 2.0F);
     EXPECT_EQ(corners[19] - corners[1], 1.5F);
 }

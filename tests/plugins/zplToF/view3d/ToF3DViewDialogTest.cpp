@@ -1,5 +1,5 @@
 #include "plugins/zplToF/opticalpath/CkToFOpticalPathSettingsDlg.h"
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 #include "zuCoreGui/CkTuningBar.h"
 
 #include <QAction>
@@ -36,7 +36,7 @@ protected:
 };
 
 TEST_F(ToF3DViewDialogTest, OkTakesOverAndStoresEveryValue) {
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     inDialog(*view, [](CkToFOpticalPathSettingsDlg& dialog) {
         toggle(dialog, "chkCompensate");
@@ -71,7 +71,7 @@ TEST_F(ToF3DViewDialogTest, OkTakesOverAndStoresEveryValue) {
 TEST_F(ToF3DViewDialogTest, AnUntouchedDialogChangesNothing) {
     m_host.store(QStringLiteral("ToF.OptChipCellSizeMM"), 0.0137F);
     m_host.store(QStringLiteral("ToF.OptRealDistandeOffsetM"), -1.23456F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     const SkToFViewSettings before = view->options();
     inDialog(*view, [](CkToFOpticalPathSettingsDlg& dialog) { press(dialog, QDialogButtonBox::Ok); });
@@ -80,7 +80,7 @@ TEST_F(ToF3DViewDialogTest, AnUntouchedDialogChangesNothing) {
 
 TEST_F(ToF3DViewDialogTest, ApplyLeavesTheOrthogonalCorrectionToOk) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     const QByteArray before = vertices(*view);
     inDialog(*view, [&](CkToFOpticalPathSettingsDlg& dialog) {
@@ -98,7 +98,7 @@ TEST_F(ToF3DViewDialogTest, ApplyLeavesTheOrthogonalCorrectionToOk) {
 
 TEST_F(ToF3DViewDialogTest, WhatWasAppliedStaysAfterCancelAndIsNotStored) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     inDialog(*view, [](CkToFOpticalPathSettingsDlg& dialog) {
         type(dialog, "edRealDistOffset", "0.5");
@@ -116,7 +116,7 @@ TEST_F(ToF3DViewDialogTest, AThresholdMovedBeforeCancelStaysInTheViewOnly) {
     inDialog(*view, [&](CkToFOpticalPathSettingsDlg& dialog) {
         auto* bar = dialog.findChild<CkTuningBar*>(QStringLiteral("tbConfThreshold"));
         ASSERT_NE(bar, nullptr);
-        // The largest confidence there is.
+        // The largest confidence in the frame.
         EXPECT_EQ(bar->minimum(), 0.0);
         EXPECT_EQ(bar->maximum(), 3.5);
         QTest::keyClick(bar, Qt::Key_End);
@@ -151,7 +151,7 @@ TEST_F(ToF3DViewDialogTest, TheThresholdOfDepthEndsAtOneAndThatOfPlainPhasesAtZe
 
 TEST_F(ToF3DViewDialogTest, BoxAndBackgroundActAtOnce) {
     m_host.store(QStringLiteral("ToF.BgColor"), 0x010203U);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     view->scene()->setClearColor(QColor(9, 8, 7));
     inDialog(*view, [&](CkToFOpticalPathSettingsDlg& dialog) {

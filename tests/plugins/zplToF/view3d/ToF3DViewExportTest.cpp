@@ -1,4 +1,4 @@
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -32,7 +32,7 @@ TEST_F(ToF3DViewExportTest, ScreenshotsAreWrittenAsPngJpegAndBmp) {
         letEventsHappen(20);
         const QImage image(file);
         EXPECT_EQ(image.size(), view->scene()->window()->size()) << name;
-        // JPEG is not exact.
+        // JPEG is lossy.
         const QColor color = image.pixelColor(image.width() / 2, image.height() / 4);
         EXPECT_NEAR(color.red(), 0x20, 3) << name;
         EXPECT_NEAR(color.green(), 0x40, 3) << name;
@@ -102,8 +102,8 @@ TEST_F(ToF3DViewExportTest, AScreenshotThatCannotBeWrittenIsLoggedAndLeavesNoFil
     EXPECT_EQ(m_host.directory, m_folder.path());
 }
 
-/// A capture that failed has no picture. The dialog opens all the same; no file comes of it, and the log says
-/// so.
+/// A failed capture has no picture. The dialog opens nevertheless; no file is written, and the failure is
+/// logged.
 TEST_F(ToF3DViewExportTest, ACaptureWithoutAPictureLeavesNoFile) {
     const auto view = open();
     show(*view);
@@ -114,7 +114,8 @@ TEST_F(ToF3DViewExportTest, ACaptureWithoutAPictureLeavesNoFile) {
     const QString file = inFolder(QStringLiteral("shot.png"));
     bool shown = false;
     m_driver.expectWindow([&](QWidget* window) {
-        // The reply may go only when Qt has done with it, and its own signal is not for the view.
+        // The reply must outlive Qt's use of it, and the view must not receive the signal of the real
+        // capture.
         QObject::disconnect(reply, nullptr, view.get(), nullptr);
         EXPECT_TRUE(waitFor([&] { return reply->isComplete(); }));
         shown = true;
@@ -122,7 +123,7 @@ TEST_F(ToF3DViewExportTest, ACaptureWithoutAPictureLeavesNoFile) {
     });
     criticalMessages.clear();
     const QtMessageHandler before = qInstallMessageHandler(collect);
-    // From the event loop, as Qt does.
+    // From the event loop, as Qt emits it.
     QMetaObject::invokeMethod(reply, &Qt3DRender::QRenderCaptureReply::completed, Qt::QueuedConnection);
     EXPECT_TRUE(waitFor([&] { return shown && !criticalMessages.isEmpty(); }));
     qInstallMessageHandler(before);
@@ -175,7 +176,7 @@ TEST_F(ToF3DViewExportTest, ScenesAreGrabbedWithoutADialog) {
     EXPECT_EQ(QImage(bmp).size(), view->scene()->window()->size());
 }
 
-// Three pixels of a picture one row high, at distances 1, 2 and 3 of the range.
+// Three pixels of a picture of one row, at distances 1, 2 and 3 of the range.
 TEST_F(ToF3DViewExportTest, AnExportOfThreePointsHasItsHeaderAndThreeLines) {
     m_source.shown = TestFrame::generic(
         4, 1, [](int x, int) { return x < 3 ? 0.5F * float(x) : std::numeric_limits<float>::quiet_NaN(); });
@@ -207,7 +208,7 @@ TEST_F(ToF3DViewExportTest, AnExportOfThreePointsHasItsHeaderAndThreeLines) {
         EXPECT_EQ(numbers[1], QByteArray("0.25"));
         EXPECT_NEAR(numbers[2].toDouble(), 0.6 - 0.6 * i, 1e-6);
     }
-    // The same without a dialog.
+    // The same text without a dialog.
     const QString again = inFolder(QStringLiteral("again.ply"));
     EXPECT_TRUE(view->savePly(again));
     QFile second(again);

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/view3d/ToFGlProbe.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QAction>
 #include <QLabel>
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Set before anything touches OpenGL: Mesa reads it once. 2.1 has no core profile and no geometry shaders.
+// Set before the first use of OpenGL: Mesa reads it once. 2.1 has no core profile and no geometry shaders.
 const bool environmentSet = qputenv("MESA_GL_VERSION_OVERRIDE", "2.1");
 
 const QString errorText = QStringLiteral(
@@ -51,7 +51,7 @@ TEST_F(ToF3DViewFailureTest, WithoutUsableOpenGLTheViewSaysSoAndTheRestWorks) {
     action(*view, QStringLiteral("Screenshot"))->trigger();
     EXPECT_FALSE(view->grabScene(QStringLiteral("/dev/null")));
     EXPECT_FALSE(action(*view, QStringLiteral("Export data"))->isEnabled());
-    // Both are stored although nothing can show them.
+    // Both are stored although there is no scene to show them.
     view->showBoundingBox(false);
     view->selectBgColor(0x112233U);
     EXPECT_EQ(m_host.stored(QStringLiteral("ToF.ShowBBox")).toBool(), false);
@@ -61,8 +61,8 @@ TEST_F(ToF3DViewFailureTest, WithoutUsableOpenGLTheViewSaysSoAndTheRestWorks) {
     view->moveToDefault3DPosition();
 }
 
-/// An application whose settings fail in the middle of making a scene: the third time they are asked for,
-/// after the options and the number of the colour map.
+/// An application whose settings throw while the scene is being made: the third time they are requested,
+/// after the options and the pseudo-colour index.
 class FailingDelegate : public FakeAppDelegate {
 public:
     QSettings* settings() override {

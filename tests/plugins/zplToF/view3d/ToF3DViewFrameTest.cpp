@@ -1,6 +1,6 @@
 // From a frame to the cloud.
 
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QAction>
 #include <algorithm>
@@ -37,17 +37,17 @@ TEST_F(ToF3DViewFrameTest, ConfidenceOfZeroKeepsEveryPhasePoint) {
 
 TEST_F(ToF3DViewFrameTest, PhaseAt30MHzShowsItsRangeInTheLabel) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     // 299.70254 / 60 = 4.995 m deep; half of 8 pixels of 0.01 mm at 3.5 mm: 2 x 4.995 x 0.04 / 3.5 = 0.11 m.
     EXPECT_EQ(label(*view), QStringLiteral("Width: 0.1 m Height: 0.1 m Depth: 5.0 m"));
-    // Half a turn is half the range.
+    // A phase shift of half a turn is half the range.
     EXPECT_NEAR(view->cloud().exportPoints()[0].z, 4995.04F / 2.0F, 0.05F);
 }
 
 TEST_F(ToF3DViewFrameTest, ADistanceOf100MillimetresBelowZeroWrapsRound) {
     useLens(-2.59752F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     // 2497.52 - 2597.52 = -100: placed at 4995.04 - 100.
     EXPECT_NEAR(view->cloud().exportPoints()[0].z, 4895.04F, 0.1F);
@@ -95,7 +95,7 @@ TEST_F(ToF3DViewFrameTest, EveryFrameIsReportedWithItsPictureBehindTheIdentifier
     });
     give(*view, frame);
     EXPECT_EQ(reported, QList<qint32>{41});
-    // Afterwards the identifier answers the depth picture, for those who were told late.
+    // Afterwards imageData returns the depth picture, for receivers that were notified through the queue.
     const CkImageData* data = view->imageData(41);
     ASSERT_NE(data, nullptr);
     EXPECT_EQ(data, view->currentImage());
@@ -151,7 +151,7 @@ TEST_F(ToF3DViewFrameTest, TheCamerasOwnLensAndFrequencyWinAndAreNotStored) {
     EXPECT_EQ(view->options().opticalPath.modulationFreqMHz, 60.0F);
     EXPECT_EQ(view->options().opticalPath.lensFocalLengthMM, 6.0F);
     EXPECT_FALSE(m_host.stored(QStringLiteral("ToF.OptModulationFreq")).isValid());
-    // 0 means unknown.
+    // 0: unknown.
     metadata.modulationFrequency = 0.0F;
     metadata.lensFocalLength = -1.0F;
     frame->setMetadata(metadata);

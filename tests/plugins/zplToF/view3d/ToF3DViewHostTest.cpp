@@ -1,9 +1,9 @@
-// What a view takes over from the host, its chain and other views, and what it answers them.
+// What a view takes over from the host, its chain and other views, and what it returns to them.
 
 #include "plugins/zplToF/view3d/CkToFScene.h"
 #include "plugins/zplToF/view3d/ToFDistanceOffset.h"
 #include "tests/plugins/zplToF/view3d/SourceInChain.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 #include "tests/support/NamedBlock.h"
 #include "zuCore/CkLut.h"
 
@@ -65,7 +65,7 @@ TEST_F(ToF3DViewHostTest, TheTitleOfAViewWhoseChainIsGoneTellsWhatItShows) {
 // ---- frames
 // ------------------------------------------------------------------------------------------------
 
-// With the limit on only the first frame becomes a cloud; each of them is reported with its pixels.
+// With the limit on, only the first frame becomes a cloud; every frame is reported with its pixels.
 TEST_F(ToF3DViewHostTest, FramesOfItsOwnBlockAreAnsweredThemselves) {
     for (const bool limited : {false, true}) {
         m_host.store(QStringLiteral("ToF.RegulateInputFps"), limited);
@@ -85,7 +85,7 @@ TEST_F(ToF3DViewHostTest, FramesOfItsOwnBlockAreAnsweredThemselves) {
             letEventsHappen(2);
             ASSERT_TRUE(waitFor([&] { return source.block->push(quint64(i)); }));
             ASSERT_TRUE(waitFor([&] { return reported.size() == i; }));
-            // Who was told through the queue finds it as well.
+            // A receiver that is notified through the queue finds it, too.
             ASSERT_NE(view.imageData(i), nullptr);
             EXPECT_EQ(view.imageData(i)->picBuf().channels, 2U);
         }
@@ -118,7 +118,7 @@ TEST_F(ToF3DViewHostTest, AFrameThatComesTooEarlyIsReportedAllTheSame) {
     EXPECT_EQ(view->currentImage()->frameId(), 1);
 }
 
-// The time counts from the last frame that was shown: dropped ones do not put the next one off.
+// The interval begins with the last frame shown: dropped frames do not delay the next one.
 TEST_F(ToF3DViewHostTest, TheFirstFrameAfterTheIntervalIsShown) {
     m_host.store(QStringLiteral("ToF.RegulateInputFps"), true);
     m_host.store(QStringLiteral("ToF.MaxInputFps"), 2.0F);
@@ -231,7 +231,7 @@ TEST_F(ToF3DViewHostTest, ACloneOfAVeryHighOrWidePictureHasASize) {
     EXPECT_EQ(sizeFor(1, 5'000'000), QSize(496, QWIDGETSIZE_MAX));
     EXPECT_EQ(sizeFor(1, 4'000'000'000U), QSize(496, QWIDGETSIZE_MAX));
     EXPECT_EQ(sizeFor(496, 700), QSize(496, 700));
-    // The smallest height that the view takes.
+    // The minimum height of the view.
     EXPECT_EQ(sizeFor(5'000'000, 1), QSize(496, 160));
 }
 

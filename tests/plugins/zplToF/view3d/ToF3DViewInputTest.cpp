@@ -1,6 +1,6 @@
 // Keys and mouse in the window of the scene.
 
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QAction>
 #include <Qt3DExtras/Qt3DWindow>
@@ -13,7 +13,7 @@ class ToF3DViewInputTest : public ViewActionTest {};
 
 TEST_F(ToF3DViewInputTest, PressingOTwiceReturnsTheCloudToItsFirstState) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     show(*view);
     const QByteArray before = vertices(*view);
@@ -58,7 +58,7 @@ QList<Qt3DInput::QAction*> controllerButtons(const CkToF3DMdiView& view) {
     return entities[0]->parentNode()->findChildren<Qt3DInput::QAction*>();
 }
 
-/// Until Qt 3D has drawn a frame, nobody hands the mouse to its controllers.
+/// Before Qt 3D has drawn a frame, its controllers receive no mouse events.
 void waitForInput(const QImage& drawn) {
     ASSERT_FALSE(drawn.isNull());
 }
@@ -88,7 +88,7 @@ TEST_F(ToF3DViewInputTest, DefaultPositionAfterOrbiting) {
     Qt3DRender::QCamera* camera = view->scene()->camera();
     EXPECT_EQ(camera->position(), QVector3D(0, 0, 3));
     QWindow* window = view->scene()->window();
-    // The controller reads the mouse once a frame and turns with what moved since the last one.
+    // The controller reads the mouse once per frame and rotates by the movement since the last one.
     QTest::mousePress(window, Qt::RightButton, {}, QPoint(200, 200));
     int x = 200;
     ASSERT_TRUE(waitFor([&] {

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QFile>
 #include <QPointer>
@@ -17,14 +17,14 @@
 
 namespace {
 
-// Read when the application object is made. Mesa's GLX keeps almost 5 MB of every software context that is
-// destroyed, also of an empty Qt3DWindow; by way of EGL only what the views themselves leave would show.
+// Read when the application object is constructed. Mesa's GLX leaks almost 5 MB per destroyed software
+// context, even that of an empty Qt3DWindow; with EGL only leaks of the views themselves remain.
 const bool environmentSet = qputenv("QT_XCB_GL_INTEGRATION", "xcb_egl");
 
-constexpr int Width = 160;
-constexpr int Height = 120;
+constexpr int kWidth = 160;
+constexpr int kHeight = 120;
 
-/// Megabytes of memory the process occupies, freed memory given back first.
+/// Resident memory of the process in MB, after returning freed memory to the system.
 double residentMegabytes() {
     malloc_trim(0);
     QFile file(QStringLiteral("/proc/self/statm"));
@@ -32,19 +32,19 @@ double residentMegabytes() {
     return file.readAll().split(' ').value(1).toDouble() * 4096.0 / 1e6;
 }
 
-// Sanitizers keep freed memory back on purpose; there the run itself is the test.
+// Sanitizers retain freed memory on purpose; with them the run itself is the test.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr double MayGrowBy = 100.0;
-constexpr double HundredViewsMayKeep = 1e6; // MB
+constexpr double kMayGrowBy = 100.0;
+constexpr double kHundredViewsMayKeep = 1e6; // MB
 #else
-constexpr double MayGrowBy = 1.05;
-constexpr double HundredViewsMayKeep = 3.5; // MB, twice what Qt 3D keeps
+constexpr double kMayGrowBy = 1.05;
+constexpr double kHundredViewsMayKeep = 3.5; // MB, twice what Qt 3D keeps
 #endif
 
 std::unique_ptr<CkImageData> frameNumber(int i) {
-    // Every third frame has fewer points, so that both ways of filling the buffers are taken.
+    // Every third frame has fewer points, so that buffers are updated in place and replaced.
     return TestFrame::phase(
-        Width, Height,
+        kWidth, kHeight,
         [i](int x, int y) {
             return DepthPixel{1.0F + float((x + i) % 50) * 0.05F, y < 10 && i % 3 == 0 ? 99.0F : 0.1F};
         },
@@ -53,8 +53,8 @@ std::unique_ptr<CkImageData> frameNumber(int i) {
 
 class ToF3DViewLifeTest : public ViewTest {};
 
-// What a view leaves behind is 16 kB of Qt 3D's: the text of the renderer's capabilities that the backend of
-// QRenderSettings makes and nobody frees (heaptrack, 200 views: 3.29 of 3.9 MB in all, none from our code).
+// A view leaks 16 kB in Qt 3D: the text of the renderer's capabilities, which the backend of QRenderSettings
+// allocates and never frees (heaptrack, 200 views: 3.29 of 3.9 MB in all, none from our code).
 
 TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNothing) {
     ASSERT_TRUE(environmentSet);
@@ -71,23 +71,21 @@ TEST_F(ToF3DViewLifeTest, TwoHundredViewsOpenedAndClosedWithFramesRunningLeaveNo
                 give(*view, frames[size_t((round + i) % 6)]);
                 letEventsHappen(5);
             }
-            // Closed with a frame and a capture still on their way. Whoever lets events happen before the
-            // view is gone waits for ever: the capture comes, and its file dialog with it, which nobody
-            // answers.
+            // Closed with a frame and a capture in flight. Processing events before the view is deleted would
+            // block: the capture would complete and open its file dialog, which stays unanswered.
             if (round % 2 == 0) {
                 view->saveScreenshot();
             }
         }
         return residentMegabytes();
     };
-    // A leak grows with every hundred; an arena of the allocator comes once, so another hundred is asked
-    // then.
+    // A leak grows with every hundred views, an arena of the allocator is added once: another hundred tells.
     double before = openAndCloseHundred();
     QStringList told{QString::number(before)};
     bool flat = false;
     for (int hundred = 2; hundred <= 4 && !flat; ++hundred) {
         const double now = openAndCloseHundred();
-        flat = now <= before + HundredViewsMayKeep;
+        flat = now <= before + kHundredViewsMayKeep;
         before = now;
         told.append(QString::number(now));
     }
@@ -109,28 +107,28 @@ TEST_F(ToF3DViewLifeTest, TwoThousandFramesShownHiddenAndShownAgainKeepMemoryFla
             }
         }
     };
-    // Before it was ever shown nothing but the newest frame is kept.
+    // Before the view is first shown, only the newest frame is kept.
     giveMany(20, false);
     const double neverShown = residentMegabytes();
     giveMany(380, false);
-    EXPECT_LE(residentMegabytes(), neverShown * MayGrowBy);
+    EXPECT_LE(residentMegabytes(), neverShown * kMayGrowBy);
 
     show(*view, QSize(320, 260));
     giveMany(300, true);
     letEventsHappen(200);
     const double shown = residentMegabytes();
     giveMany(300, true);
-    EXPECT_LE(residentMegabytes(), shown * MayGrowBy) << "shown";
+    EXPECT_LE(residentMegabytes(), shown * kMayGrowBy) << "shown";
 
     view->hide();
     ASSERT_TRUE(waitFor([&] { return !view->scene()->isDrawn(); }));
     giveMany(400, true);
-    EXPECT_LE(residentMegabytes(), shown * MayGrowBy) << "hidden";
+    EXPECT_LE(residentMegabytes(), shown * kMayGrowBy) << "hidden";
 
     show(*view, QSize(320, 260));
     giveMany(600, true);
     letEventsHappen(200);
-    EXPECT_LE(residentMegabytes(), shown * MayGrowBy) << "shown again";
+    EXPECT_LE(residentMegabytes(), shown * kMayGrowBy) << "shown again";
     EXPECT_EQ(capture(*view).size().isEmpty(), false);
 }
 

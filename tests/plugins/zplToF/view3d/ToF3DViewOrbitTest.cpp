@@ -1,6 +1,6 @@
 // Mouse, wheel and keys move the camera by the same amount however often the scene is drawn.
 
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QMouseEvent>
 #include <QThread>
@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr std::array millisecondsOfADrawing = {200UL, 16UL}; ///< 5 and 60 drawings a second
+constexpr std::array kFrameTimesMs = {200UL, 16UL}; ///< 5 and 60 frames per second
 
 class ToF3DViewOrbitTest : public ViewActionTest {
 protected:
     ToF3DViewOrbitTest() { m_host.provideLuts = false; }
 
-    /// A view of points near (z = 0.6) on the left and far (z = -0.6) on the right that takes this long to
-    /// draw.
+    /// A view of points near (z = 0.6) on the left and far (z = -0.6) on the right; each frame takes this
+    /// long to draw.
     std::unique_ptr<CkToF3DMdiView> openSlow(unsigned long milliseconds) {
         m_source.shown = TestFrame::generic(40, 30, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
         auto view = open();
@@ -41,7 +41,7 @@ protected:
         return {(float(x) - 20.0F) / 20.0F, (15.0F - float(y)) / 20.0F, x < 20 ? 0.6F : -0.6F};
     }
 
-    /// Where the camera sees a point of the scene.
+    /// Where the camera projects a point of the scene.
     static QPointF placeOf(const CkToF3DMdiView& view, const QVector3D& point) {
         const Qt3DRender::QCamera* camera = view.scene()->camera();
         const QVector3D seen = (camera->projectionMatrix() * camera->viewMatrix()).map(point);
@@ -50,7 +50,7 @@ protected:
                 (1.0 - double(seen.y())) / 2.0 * size.height()};
     }
 
-    /// As a hand moves the mouse, with drawings in between.
+    /// Moves the mouse as a user does, with frames drawn in between.
     static void drag(const CkToF3DMdiView& view, Qt::MouseButton button, const QPoint& from,
                      const QPoint& by) {
         QWindow* window = view.scene()->window();
@@ -62,7 +62,7 @@ protected:
         }
         letEventsHappen(20);
         QTest::mouseRelease(window, button, {}, from + by);
-        // What is still under way.
+        // Events still in flight.
         letEventsHappen(500);
     }
 
@@ -83,7 +83,7 @@ protected:
 };
 
 TEST_F(ToF3DViewOrbitTest, ThePointUnderTheMouseFollowsIt) {
-    for (const unsigned long milliseconds : millisecondsOfADrawing) {
+    for (const unsigned long milliseconds : kFrameTimesMs) {
         for (const int x : {12, 28}) {
             const auto view = openSlow(milliseconds);
             const QVector3D point = pointOf(x, 15);
@@ -107,11 +107,11 @@ TEST_F(ToF3DViewOrbitTest, BesideThePointsTheViewCentreFollowsTheMouse) {
 }
 
 TEST_F(ToF3DViewOrbitTest, ADragOverTheWindowTurnsByHalfATurn) {
-    for (const unsigned long milliseconds : millisecondsOfADrawing) {
+    for (const unsigned long milliseconds : kFrameTimesMs) {
         const auto view = openSlow(milliseconds);
         const Qt3DRender::QCamera* camera = view->scene()->camera();
         const int width = view->scene()->window()->width();
-        // The front goes to the right: the camera to the left.
+        // The front moves to the right: the camera to the left.
         drag(*view, Qt::RightButton, QPoint(0, 100), QPoint(width / 2, 0));
         expectNear(camera->position(), QVector3D(-3.0F, 0.0F, 0.0F), 0.05);
         drag(*view, Qt::RightButton, QPoint(0, 100), QPoint(width / 2, 0));
@@ -128,7 +128,7 @@ TEST_F(ToF3DViewOrbitTest, ADragDownwardsTurnsTheFrontDown) {
     drag(*view, Qt::RightButton, QPoint(100, 10), QPoint(0, width / 4));
     const float part = 3.0F * std::sqrt(0.5F);
     expectNear(camera->position(), QVector3D(0.0F, part, part), 0.05);
-    // Past the pole the scene stands on its head and still goes along with the mouse.
+    // Past the pole the scene is upside down and still follows the mouse.
     drag(*view, Qt::RightButton, QPoint(100, 10), QPoint(0, width / 2));
     expectNear(camera->position(), QVector3D(0.0F, part, -part), 0.1);
     ASSERT_LT(camera->upVector().y(), 0.0F);
@@ -139,7 +139,7 @@ TEST_F(ToF3DViewOrbitTest, ADragDownwardsTurnsTheFrontDown) {
 }
 
 TEST_F(ToF3DViewOrbitTest, TheWheelZoomsByATenthANotch) {
-    for (const unsigned long milliseconds : millisecondsOfADrawing) {
+    for (const unsigned long milliseconds : kFrameTimesMs) {
         const auto view = openSlow(milliseconds);
         turnWheel(*view, QPoint(0, 120));
         EXPECT_NEAR(distance(*view), 3.0 / 1.1, 1e-4);
@@ -151,7 +151,7 @@ TEST_F(ToF3DViewOrbitTest, TheWheelZoomsByATenthANotch) {
             turnWheel(*view, QPoint(0, -120));
         }
         EXPECT_NEAR(distance(*view), 3.0 * std::pow(1.1, 5), 1e-3);
-        // Half a notch; and, with Alt held, to the side.
+        // Half a notch; and, with Alt held, a horizontal one.
         turnWheel(*view, QPoint(0, 60));
         EXPECT_NEAR(distance(*view), 3.0 * std::pow(1.1, 4.5), 1e-3);
         turnWheel(*view, QPoint(120, 0));
@@ -177,7 +177,7 @@ TEST_F(ToF3DViewOrbitTest, BothButtonsZoom) {
     QWindow* window = view->scene()->window();
     QTest::mousePress(window, Qt::LeftButton, {}, QPoint(100, 100));
     QTest::mousePress(window, Qt::RightButton, {}, QPoint(100, 100));
-    // QTest knows of one button at a time.
+    // QTest supports one button at a time.
     const QPointF place(150.0, 100.0 + window->height() / 4.0);
     QMouseEvent move(QEvent::MouseMove, place, window->mapToGlobal(place), Qt::NoButton,
                      Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
@@ -200,7 +200,7 @@ TEST_F(ToF3DViewOrbitTest, KeysMoveTurnAndZoomByFixedSteps) {
     const auto view = openSlow(200);
     Qt3DRender::QCamera* camera = view->scene()->camera();
     QWindow* window = view->scene()->window();
-    // 5 % of the height that is seen at the view centre.
+    // 5 % of the height visible at the view centre.
     const float step = float(0.05 * 2.0 * 3.0 * std::tan(22.5 * M_PI / 180.0));
     QTest::keyClick(window, Qt::Key_Up);
     expectNear(camera->position(), QVector3D(0.0F, step, 3.0F), 1e-4);
@@ -218,7 +218,7 @@ TEST_F(ToF3DViewOrbitTest, KeysMoveTurnAndZoomByFixedSteps) {
     EXPECT_NEAR(distance(*view), 3.0 / 1.1, 1e-4);
     QTest::keyClick(window, Qt::Key_Down, Qt::ShiftModifier);
     EXPECT_NEAR(distance(*view), 3.0, 1e-4);
-    // The camera goes to the right, by 5 degrees.
+    // The camera moves to the right, by 5 degrees.
     QTest::keyClick(window, Qt::Key_Right, Qt::AltModifier);
     const double angle = 5.0 * M_PI / 180.0;
     expectNear(camera->position(),

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -13,12 +13,12 @@
 
 namespace {
 
-constexpr float NoPoint = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNoPoint = std::numeric_limits<float>::quiet_NaN();
 const QColor background(48, 48, 128);
 const QColor red(255, 0, 0);
 const QColor blue(0, 0, 255);
 
-/// Rectangle of the pixels of a picture that hold a colour; null when there are none.
+/// Bounding rectangle of the pixels of a colour in a picture; null when there are none.
 QRect extentOf(const QImage& image, const QColor& color) {
     QRect extent;
     for (int y = 0; y < image.height(); ++y) {
@@ -39,8 +39,8 @@ QColor at(const QImage& image, const QPointF& place) {
 /// nearest (z = 0.6), the largest red and farthest (z = -0.6). Without the box, so that only points show.
 class ToF3DViewPictureTest : public ViewTest {
 protected:
-    static constexpr int Width = 40;
-    static constexpr int Height = 30;
+    static constexpr int kWidth = 40;
+    static constexpr int kHeight = 30;
 
     ToF3DViewPictureTest() {
         m_host.store(QStringLiteral("ToF.LUTPseudoColor"), 2);
@@ -64,11 +64,11 @@ TEST_F(ToF3DViewPictureTest, TheBackgroundIsTheColorOfTheSettings) {
 }
 
 TEST_F(ToF3DViewPictureTest, ARedQuadOfPointsIsRedAtTheProjectedPixel) {
-    m_source.shown = TestFrame::generic(Width, Height, [](int x, int y) {
+    m_source.shown = TestFrame::generic(kWidth, kHeight, [](int x, int y) {
         if (x >= 28 && x < 32 && y >= 4 && y < 8) {
             return 2.0F;
         }
-        return x == 5 && y == 25 ? 1.0F : NoPoint;
+        return x == 5 && y == 25 ? 1.0F : kNoPoint;
     });
     const auto view = open();
     ASSERT_EQ(view->cloud().pointCount(), 17);
@@ -81,7 +81,7 @@ TEST_F(ToF3DViewPictureTest, ARedQuadOfPointsIsRedAtTheProjectedPixel) {
         }
     }
     EXPECT_EQ(at(image, project(place(5, 25, 0.6F), size)), blue);
-    // Two steps beside the points nothing is drawn.
+    // Two steps beside the points the background shows.
     for (const QPoint beside : {QPoint(25, 6), QPoint(34, 6), QPoint(30, 1), QPoint(30, 10), QPoint(5, 22)}) {
         EXPECT_EQ(at(image, project(place(beside.x(), beside.y(), -0.6F), size)), background)
             << beside.x() << ' ' << beside.y();
@@ -89,7 +89,7 @@ TEST_F(ToF3DViewPictureTest, ARedQuadOfPointsIsRedAtTheProjectedPixel) {
 }
 
 TEST_F(ToF3DViewPictureTest, TheScreenShowsWhatTheCaptureHolds) {
-    m_source.shown = TestFrame::generic(Width, Height, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
+    m_source.shown = TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
     const auto view = open();
     view->move(0, 0);
     show(*view);
@@ -113,15 +113,15 @@ TEST_F(ToF3DViewPictureTest, TheScreenShowsWhatTheCaptureHolds) {
 
 // The far patch lies on the line of sight through the near one: (x - 20) / 3.6 against (x - 20) / 2.4.
 TEST_F(ToF3DViewPictureTest, NearerHidesFarther) {
-    // Near points first in the buffer, then last: the order of drawing must not matter.
+    // Near points first in the buffer, then last: the order must not matter.
     for (const bool nearFirst : {true, false}) {
         const int nearY = nearFirst ? 15 - 4 : 15 + 4;
         const int farY = nearFirst ? 15 - 6 : 15 + 6;
-        m_source.shown = TestFrame::generic(Width, Height, [&](int x, int y) {
+        m_source.shown = TestFrame::generic(kWidth, kHeight, [&](int x, int y) {
             if (std::abs(x - 20) <= 6 && std::abs(y - farY) <= 1) {
                 return 2.0F;
             }
-            return std::abs(x - 20) <= 2 && std::abs(y - nearY) <= 1 ? 1.0F : NoPoint;
+            return std::abs(x - 20) <= 2 && std::abs(y - nearY) <= 1 ? 1.0F : kNoPoint;
         });
         const auto view = open();
         show(*view);
@@ -138,8 +138,8 @@ TEST_F(ToF3DViewPictureTest, NearerHidesFarther) {
 
 TEST_F(ToF3DViewPictureTest, TheBoxesCornersProjectWhereTheyShould) {
     m_host.store(QStringLiteral("ToF.ShowBBox"), true);
-    m_source.shown = TestFrame::generic(Width, Height, [](int x, int y) {
-        return x == 20 && y == 15 ? 1.0F : x == 21 && y == 15 ? 2.0F : NoPoint;
+    m_source.shown = TestFrame::generic(kWidth, kHeight, [](int x, int y) {
+        return x == 20 && y == 15 ? 1.0F : x == 21 && y == 15 ? 2.0F : kNoPoint;
     });
     const auto view = open();
     show(*view);
@@ -165,7 +165,7 @@ TEST_F(ToF3DViewPictureTest, TheBoxesCornersProjectWhereTheyShould) {
             }
         }
     }
-    // On an edge, and away from every edge.
+    // On an edge, and away from all edges.
     EXPECT_TRUE(bright({0.0F, 0.75F, 0.6F}));
     EXPECT_TRUE(bright({-1.0F, 0.0F, -0.6F}));
     EXPECT_FALSE(bright({0.0F, 0.4F, 0.6F}));
@@ -179,7 +179,7 @@ TEST_F(ToF3DViewPictureTest, TheBoxesCornersProjectWhereTheyShould) {
 TEST_F(ToF3DViewPictureTest, APointHalvesAtTwiceTheDistance) {
     // A picture of 4 pixels makes large points: one at the origin's column, halfway in depth.
     m_source.shown = TestFrame::generic(4, 4, [](int x, int y) {
-        return x == 2 && y == 2 ? 1.5F : x == 0 && y == 0 ? 1.0F : x == 0 && y == 3 ? 2.0F : NoPoint;
+        return x == 2 && y == 2 ? 1.5F : x == 0 && y == 0 ? 1.0F : x == 0 && y == 3 ? 2.0F : kNoPoint;
     });
     const auto view = open();
     show(*view);
@@ -203,7 +203,7 @@ TEST_F(ToF3DViewPictureTest, APointHalvesAtTwiceTheDistance) {
 
 TEST_F(ToF3DViewPictureTest, ResizeKeepsSquaresSquare) {
     m_source.shown = TestFrame::generic(4, 4, [](int x, int y) {
-        return x == 2 && y == 2 ? 1.5F : x == 0 && y == 0 ? 1.0F : x == 0 && y == 3 ? 2.0F : NoPoint;
+        return x == 2 && y == 2 ? 1.5F : x == 0 && y == 0 ? 1.0F : x == 0 && y == 3 ? 2.0F : kNoPoint;
     });
     const auto view = open();
     show(*view);
@@ -217,7 +217,7 @@ TEST_F(ToF3DViewPictureTest, ResizeKeepsSquaresSquare) {
         const QColor color = at(image, project({0.0F, 0.0F, 0.0F}, image.size()));
         ASSERT_NE(color, background);
         const QRect extent = extentOf(image, color);
-        // Square for the whole view; the scene is lower than the view by its tool bar.
+        // Square in the view as a whole; the scene is lower than the view by the tool bar.
         const double toolBar = double(size.height()) / image.height();
         EXPECT_NEAR(extent.width(), extent.height() * toolBar, 2.0) << size.width() << 'x' << size.height();
         EXPECT_GT(extent.height(), 60);
@@ -225,34 +225,34 @@ TEST_F(ToF3DViewPictureTest, ResizeKeepsSquaresSquare) {
 }
 
 TEST_F(ToF3DViewPictureTest, ANewFrameReplacesThePicture) {
-    m_source.shown = TestFrame::generic(Width, Height, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
+    m_source.shown = TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
     const auto view = open();
     show(*view);
     const QSize size = sceneSize(*view);
     EXPECT_EQ(at(capture(*view), project(place(30, 15, -0.6F), size)), red);
     // The same number of points, and then fewer.
-    give(*view, TestFrame::generic(Width, Height, [](int x, int) { return x < 20 ? 2.0F : 1.0F; }));
+    give(*view, TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 20 ? 2.0F : 1.0F; }));
     EXPECT_EQ(at(capture(*view), project(place(30, 15, 0.6F), size)), blue);
-    give(*view, TestFrame::generic(Width, Height, [](int x, int) { return x < 10 ? 2.0F : NoPoint; }));
+    give(*view, TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 10 ? 2.0F : kNoPoint; }));
     const QImage fewer = capture(*view);
     EXPECT_EQ(at(fewer, project(place(30, 15, 0.6F), size)), background);
     EXPECT_EQ(at(fewer, project(place(5, 15, 0.6F), size)), blue);
 }
 
 TEST_F(ToF3DViewPictureTest, FramesThatCameWhileHiddenShowAsTheNewestOnly) {
-    m_source.shown = TestFrame::generic(Width, Height, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
+    m_source.shown = TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 20 ? 1.0F : 2.0F; });
     const auto view = open();
     for (int i = 0; i < 5; ++i) {
-        give(*view, TestFrame::generic(Width, Height, [i](int x, int) { return x < 4 * i ? 1.0F : 2.0F; }));
-        // What is exported is still the cloud that was built last.
-        EXPECT_EQ(view->cloud().pointCount(), Width * Height);
+        give(*view, TestFrame::generic(kWidth, kHeight, [i](int x, int) { return x < 4 * i ? 1.0F : 2.0F; }));
+        // The export is still the cloud that was built last.
+        EXPECT_EQ(view->cloud().pointCount(), kWidth * kHeight);
     }
-    give(*view, TestFrame::generic(Width, Height, [](int x, int) { return x < 4 ? 1.0F : NoPoint; }));
-    EXPECT_EQ(view->cloud().pointCount(), Width * Height);
+    give(*view, TestFrame::generic(kWidth, kHeight, [](int x, int) { return x < 4 ? 1.0F : kNoPoint; }));
+    EXPECT_EQ(view->cloud().pointCount(), kWidth * kHeight);
     EXPECT_EQ(view->depthFrame().depthPic().minValue, 1.0F);
     EXPECT_EQ(view->depthFrame().depthPic().maxValue, 1.0F);
     show(*view);
-    ASSERT_TRUE(waitFor([&] { return view->cloud().pointCount() == 4 * Height; }));
+    ASSERT_TRUE(waitFor([&] { return view->cloud().pointCount() == 4 * kHeight; }));
     const QImage image = capture(*view);
     const QSize size = sceneSize(*view);
     EXPECT_EQ(at(image, project(place(2, 15, 0.6F), size)), blue);
@@ -260,10 +260,10 @@ TEST_F(ToF3DViewPictureTest, FramesThatCameWhileHiddenShowAsTheNewestOnly) {
 
     view->hide();
     ASSERT_TRUE(waitFor([&] { return !view->scene()->isDrawn(); }));
-    give(*view, TestFrame::generic(Width, Height, [](int, int) { return 1.0F; }));
-    EXPECT_EQ(view->cloud().pointCount(), 4 * Height);
+    give(*view, TestFrame::generic(kWidth, kHeight, [](int, int) { return 1.0F; }));
+    EXPECT_EQ(view->cloud().pointCount(), 4 * kHeight);
     show(*view);
-    ASSERT_TRUE(waitFor([&] { return view->cloud().pointCount() == Width * Height; }));
+    ASSERT_TRUE(waitFor([&] { return view->cloud().pointCount() == kWidth * kHeight; }));
     EXPECT_EQ(at(capture(*view), project(place(20, 15, 0.6F), size)), blue);
 }
 

@@ -1,7 +1,7 @@
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
 #include "plugins/zplToF/view3d/ToFGlProbe.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -134,7 +134,7 @@ TEST_F(ToF3DViewSceneTest, TheCaptureStandsUnderTheClearedBuffers) {
     EXPECT_EQ(node, clear);
 }
 
-// Four samples a pixel would take a processor more time than all the rest.
+// Four samples per pixel would take a software renderer more time than everything else.
 TEST_F(ToF3DViewSceneTest, AProcessorDrawsOneSampleAPixel) {
     const auto view = open();
     ASSERT_TRUE(ToFGlProbe::isSoftware());

@@ -1,9 +1,9 @@
-// What is on screen is the frame given last, whatever came before it and however many frames came between two
-// drawings. Runs once on X11 (points) and once on Wayland (quads).
+// The screen shows the last frame, whatever frames came before it and however many of them came between two
+// drawn ones. Runs once on X11 (points) and once on Wayland (quads).
 
 #include "plugins/zplToF/view3d/CkToFColorTable.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QHash>
 #include <QWidget>
@@ -15,12 +15,12 @@
 
 namespace {
 
-/// What a frame looks like. Confidences of points that are shown lie below 0.5, of all others above.
+/// The look of a frame. Points that are shown have confidences below 0.5, all others above.
 struct FrameKind {
     int width;
     int height;
-    int shownRows;  ///< the points of the rows from the top that pass the threshold
-    float nearness; ///< 0 to 1; where the shading of the depth begins
+    int shownRows;  ///< rows from the top whose points pass the threshold
+    float nearness; ///< 0 to 1; where the depth begins
 };
 
 constexpr std::array kinds = {
@@ -38,7 +38,7 @@ std::unique_ptr<CkImageData> frameOf(size_t kind) {
     });
 }
 
-/// Something on screen that takes frames.
+/// Something on screen that shows frames.
 class Shown {
 public:
     virtual ~Shown() = default;
@@ -65,7 +65,7 @@ private:
     std::unique_ptr<CkToF3DMdiView> m_view;
 };
 
-/// The scene alone, for the layout that views do not use on this platform.
+/// The scene alone, for the vertex layout that views do not use on this platform.
 class ShownScene : public Shown {
 public:
     ShownScene(EkToFVertexLayout layout, size_t kind)
@@ -113,7 +113,7 @@ protected:
     Opener views() {
         return [this](size_t kind) { return std::make_unique<ShownView>(open(), kind); };
     }
-    /// The other layout can be drawn as well, except for points on Wayland.
+    /// The other layout can be drawn, too, except for points on Wayland.
     static Opener quadsWithoutView() {
         return [](size_t kind) { return std::make_unique<ShownScene>(EkToFVertexLayout::Quads, kind); };
     }
@@ -123,7 +123,7 @@ protected:
         return capture(shown.scene());
     }
 
-    /// The frame as something new shows it that was given nothing else.
+    /// The frame as a new target shows it that was given no other.
     const QImage& reference(const Opener& opener, size_t kind) {
         QImage& image = m_references[kind];
         if (image.isNull()) {
@@ -132,7 +132,7 @@ protected:
         return image;
     }
 
-    /// Gives all frames and draws after the last one only.
+    /// Passes all frames and draws only after the last one.
     void expectLastIsShown(const Opener& opener, Shown& shown, const Sequence& sequence) {
         for (const size_t kind : sequence) {
             shown.give(kind);
@@ -166,7 +166,7 @@ void ToF3DViewSequenceTest::walkThroughSizes(const Opener& opener) {
     }
 }
 
-// Some of the frames are drawn, or half drawn, before the next one comes.
+// Some of the frames are drawn, or partly drawn, before the next one comes.
 void ToF3DViewSequenceTest::walkAtRandom(const Opener& opener, unsigned seed, int sequences) {
     std::mt19937 random(seed);
     const auto below = [&random](size_t limit) { return random() % limit; };

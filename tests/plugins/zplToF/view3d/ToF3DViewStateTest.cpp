@@ -1,6 +1,6 @@
 #include "plugins/zplToF/view3d/CkToFScene.h"
 #include "tests/plugins/zplToF/view3d/SourceInChain.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 #include "tests/support/ModalDriver.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkLut.h"
@@ -85,7 +85,7 @@ TEST_F(ToF3DViewStateTest, EveryStoredKeyReachesTheView) {
     EXPECT_EQ(options.opticalPath.realDistanceOffsetM, 0.25F);
     EXPECT_FALSE(options.opticalPath.orthoRadialCorrection);
     EXPECT_EQ(view->viewLut(nullptr, nullptr, nullptr)->pseudoColorIndex(), 2);
-    // Stored for other tools, but every view starts with 640.
+    // Stored for other tools; every view starts with 640.
     EXPECT_EQ(view->model().maxGenericWidth(), 640);
     ASSERT_NE(view->scene(), nullptr);
     EXPECT_EQ(view->scene()->clearColor(), QColor(16, 32, 48));
@@ -241,7 +241,7 @@ TEST_F(ToF3DViewStateTest, ACloneOf640x480Is496x372) {
     delete clone;
 }
 
-// Nobody forwards frames to it: the host knows no view that it follows.
+// No frames are forwarded to it: the host has no view of the identifier it follows.
 TEST_F(ToF3DViewStateTest, ACloneShowsTheFramesOfItsOwnBlock) {
     const SourceInChain source;
     const auto view = open();
@@ -288,7 +288,7 @@ TEST_F(ToF3DViewStateTest, TheFirstPictureTakesTheHostsTable) {
     EXPECT_EQ(m_host.calls.last(), QStringLiteral("viewLutChanged %1").arg(view->viewId()));
     EXPECT_FALSE(m_host.calls.contains(QStringLiteral("refreshLutControls")));
 
-    // Further pictures of the same depth keep it.
+    // Further pictures of the same bit depth keep it.
     m_host.calls.clear();
     give(*view, somePhase());
     EXPECT_EQ(view->viewLut(nullptr, nullptr, nullptr), lut);

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include <QGuiApplication>
 #include <QLabel>
@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr float NoPoint = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNoPoint = std::numeric_limits<float>::quiet_NaN();
 
 class ToF3DViewWaylandTest : public ViewTest {
 protected:
@@ -90,7 +90,7 @@ TEST_F(ToF3DViewWaylandTest, AGrabShowsTheCloud) {
         if (x >= 26 && x < 34 && y >= 4 && y < 12) {
             return 2.0F;
         }
-        return x == 5 && y == 25 ? 1.0F : NoPoint;
+        return x == 5 && y == 25 ? 1.0F : kNoPoint;
     });
     const auto view = open();
     show(*view, QSize(800, 600));
@@ -116,7 +116,7 @@ TEST_F(ToF3DViewWaylandTest, FramesAreShownHiddenAndShownAgain) {
     EXPECT_EQ(view->cloud().pointCount(), 1200);
     view->hide();
     ASSERT_TRUE(waitFor([&] { return !view->scene()->isDrawn(); }));
-    give(*view, TestFrame::generic(40, 30, [](int x, int) { return x < 4 ? 1.0F : NoPoint; }));
+    give(*view, TestFrame::generic(40, 30, [](int x, int) { return x < 4 ? 1.0F : kNoPoint; }));
     EXPECT_EQ(view->cloud().pointCount(), 1200);
     show(*view, QSize(800, 600));
     ASSERT_TRUE(waitFor([&] { return view->cloud().pointCount() == 4 * 30; }));

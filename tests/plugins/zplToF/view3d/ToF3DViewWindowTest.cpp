@@ -1,6 +1,6 @@
-// The native window of the scene inside the widgets around it: keys, drops, and the tool bar above it.
+// The native window of the scene within the widgets around it: keys, drops, and the tool bar above it.
 
-#include "tests/plugins/zplToF/view3d/ViewActionRig.h"
+#include "tests/plugins/zplToF/view3d/ViewActionFixture.h"
 
 #include <QAction>
 #include <QDragEnterEvent>
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// A main window that takes files.
+/// A main window that accepts dropped files.
 class Surroundings : public QWidget {
 public:
     Surroundings() {
@@ -55,7 +55,7 @@ protected:
         ASSERT_TRUE(waitFor([this] { return m_pView->scene()->isDrawn(); }));
     }
     QWindow* window() const { return m_pView->scene()->window(); }
-    /// The place of the scene's origin in the surroundings.
+    /// The position of the scene's origin in the main window.
     QPoint offset() const { return m_surroundings.mapFromGlobal(window()->mapToGlobal(QPoint(0, 0))); }
     QAction* addKey(Qt::Key key, Qt::ShortcutContext context, int& count) {
         auto* action = new QAction(&m_surroundings);
@@ -91,7 +91,7 @@ TEST_F(ToF3DViewWindowTest, KeysOfTheWidgetsAroundWorkWithTheFocusInTheScene) {
     EXPECT_EQ(played, 1);
     press(Qt::Key_Home);
     EXPECT_EQ(stopped, 1);
-    // Once, though both ways see it.
+    // Once, although both the shortcut map and the window see the key.
     press(Qt::Key_F9);
     EXPECT_EQ(everywhere, 1);
     home->setEnabled(false);
@@ -145,7 +145,7 @@ TEST_F(ToF3DViewWindowTest, FilesDroppedOnTheSceneReachTheWindowAroundIt) {
     EXPECT_EQ(m_surroundings.dropped, QList<QPoint>{offset() + QPoint(50, 60)});
     EXPECT_EQ(m_surroundings.files, m_files.urls());
 
-    // Another one that changes its mind.
+    // Another drag, which leaves again.
     QCoreApplication::sendEvent(window(), &enter);
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(window(), &leave);
@@ -170,7 +170,7 @@ TEST_F(ToF3DViewWindowTest, WhereNobodyTakesFilesADropIsRefused) {
 
 TEST_F(ToF3DViewWindowTest, WhateverDoesNotFitIsBehindTheButtonOfTheToolBar) {
     useLens(0.0F);
-    m_source.shown = phaseOf(Pi);
+    m_source.shown = phaseOf(kPi);
     const auto view = open();
     show(*view, QSize(900, 300));
     const auto* toolBar = view->findChild<QToolBar*>();
@@ -198,7 +198,7 @@ TEST_F(ToF3DViewWindowTest, WhateverDoesNotFitIsBehindTheButtonOfTheToolBar) {
     }
     EXPECT_TRUE(onlyTheTextWasBehind);
 
-    // There the texts can be read, and the menus opened.
+    // There the labels can be read and the menus opened.
     letEventsHappen(20);
     button->menu()->popup(QPoint(10, 10));
     ASSERT_TRUE(waitFor([&] { return button->menu()->isVisible(); }));

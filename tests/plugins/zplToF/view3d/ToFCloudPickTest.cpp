@@ -10,7 +10,8 @@
 
 namespace {
 
-/// Looks from (0, 0, 3) to the origin: 1 unit at distance d is 100 / d pixels of a window of 200 x 200.
+/// The camera at (0, 0, 3) looks at the origin: 1 unit at distance d is 100 / d pixels in a window of 200 x
+/// 200.
 class ToFCloudPickTest : public testing::Test {
 protected:
     ToFCloudPickTest() {

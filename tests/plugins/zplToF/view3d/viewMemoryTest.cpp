@@ -1,7 +1,7 @@
-// On its own, as it replaces the allocation functions of the whole program.
+// A program of its own, as it replaces the allocation functions.
 
 #include "tests/plugins/zplToF/cloud/HeapWatch.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include "plugins/zplToF/view3d/CkToFScene.h"
 #include <Qt3DCore/QAttribute>
@@ -9,16 +9,16 @@
 
 namespace {
 
-constexpr size_t Small = 4096;
-constexpr int Width = 320;
-constexpr int Height = 240;
+constexpr size_t kSmall = 4096;
+constexpr int kWidth = 320;
+constexpr int kHeight = 240;
 
 class ToF3DViewMemoryTest : public ViewTest {};
 
-/// Pixels that are dropped differ from frame to frame, and so does their number if wanted.
+/// Which pixels are dropped differs from frame to frame, and so does their number if requested.
 std::unique_ptr<CkImageData> frameNumber(int i, bool sameCount) {
     return TestFrame::phase(
-        Width, Height,
+        kWidth, kHeight,
         [=](int x, int y) {
             const bool dropped = y == i || (!sameCount && y < 10 * i);
             return DepthPixel{1.0F + float((x + 7 * i) % 50) * 0.1F, dropped ? 99.0F : 0.1F};
@@ -26,7 +26,7 @@ std::unique_ptr<CkImageData> frameNumber(int i, bool sameCount) {
         quint64(i));
 }
 
-/// What the buffer of Qt 3D takes is as large as the vertices; everything else in a frame must be small.
+/// Qt 3D's buffer takes as much as the vertices; all other allocations of a frame must be small.
 TEST_F(ToF3DViewMemoryTest, AFrameAllocatesNothingLargeBeyondWhatQtsBufferTakes) {
     m_host.store(QStringLiteral("ToF.OptCompensateDistorsion"), true);
     for (const bool sameCount : {true, false}) {
@@ -36,14 +36,14 @@ TEST_F(ToF3DViewMemoryTest, AFrameAllocatesNothingLargeBeyondWhatQtsBufferTakes)
         }
         const auto view = open();
         show(*view, QSize(300, 260));
-        const auto bufferSize = size_t(Width) * Height * CkToFCloudBuilder::BytesPerVertex;
+        const auto bufferSize = size_t(kWidth) * kHeight * CkToFCloudBuilder::BytesPerVertex;
         for (int i = 0; i < 32; ++i) {
             const CkImageData* frame = frames[size_t(i % 4)].get();
             {
                 const HeapWatch watch(bufferSize);
                 view->updateWithConnectedImageData(frame, false);
                 if (i >= 12) {
-                    EXPECT_LE(watch.largest(), Small) << "frame " << i;
+                    EXPECT_LE(watch.largest(), kSmall) << "frame " << i;
                     EXPECT_LE(watch.leftOut(), 2U) << "frame " << i;
                 }
             }
@@ -51,7 +51,7 @@ TEST_F(ToF3DViewMemoryTest, AFrameAllocatesNothingLargeBeyondWhatQtsBufferTakes)
             letEventsHappen(20);
         }
         EXPECT_EQ(size_t(view->cloud().vertexBytes().size()), bufferSize);
-        EXPECT_GT(view->cloud().pointCount(), Width * Height / 2);
+        EXPECT_GT(view->cloud().pointCount(), kWidth * kHeight / 2);
     }
 }
 

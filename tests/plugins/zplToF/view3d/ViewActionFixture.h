@@ -1,7 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 #include "tests/support/ModalDriver.h"
 
 #include <QFileDialog>
@@ -13,13 +13,13 @@
 #include <Qt3DCore/QBuffer>
 #include <Qt3DRender/QGeometryRenderer>
 
-inline constexpr float Pi = 3.14159265F;
+inline constexpr float kPi = 3.14159265F;
 
 inline std::unique_ptr<CkImageData> phaseOf(float radians, float confidence = 0.1F) {
     return TestFrame::phase(8, 6, [=](int, int) { return DepthPixel{radians, confidence}; });
 }
 
-/// A 3D view worked by actions, keys and dialogs.
+/// A 3D view operated by actions, keys and dialogs.
 class ViewActionTest : public ViewTest {
 protected:
     static QByteArray vertices(const CkToF3DMdiView& view) {
@@ -43,7 +43,7 @@ protected:
     static void connectReports(const CkMdiView& view, const std::function<void(qint32)>& report) {
         QObject::connect(&view, &CkMdiView::receivedFrame, report);
     }
-    /// Files named like this go where the test looks.
+    /// The path of a file in the temporary folder.
     QString inFolder(const QString& name) const { return m_folder.filePath(name); }
     static void chooseFile(QWidget* window, const QString& name) {
         auto* dialog = qobject_cast<QFileDialog*>(window);

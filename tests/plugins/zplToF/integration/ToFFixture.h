@@ -15,13 +15,13 @@
 
 class CkCameraParameters;
 
-/// Parameters of a camera as a test wants them; a value of -1 leaves the parameter out.
+/// Parameters of a fake camera; -1 omits the parameter.
 struct FakeCameraModel {
     int readoutMode = 4;
     int dataFormat = 13;
     quint32 sensorType = 0;
     bool refuseCommits = false;
-    bool refuseFormats = false; ///< the data format takes no other value
+    bool refuseFormats = false; ///< the data format cannot be changed
 };
 
 /// What reached the camera.
@@ -30,7 +30,7 @@ struct FakeCameraLog {
     QStringList committed; ///< "name=value", in order
 };
 
-/// Opens a camera with such parameters through the camera manager, and closes it again.
+/// Opens a camera with these parameters through the camera manager, and closes it.
 class FakeCamera {
 public:
     explicit FakeCamera(const FakeCameraModel& model);
@@ -54,7 +54,7 @@ enum class FakeKind { Unknown, Grey, AB, AminB, PhaseShift, Depth, Hybrid };
 /// Descriptor and metadata of a picture of a kind; false for Unknown.
 bool describe(FakeKind kind, bool separatePhases, SkPicBufInfo& info, CkImageMetadata& metadata);
 
-/// A source that says it delivers pictures of a kind.
+/// A source whose output format is one of these kinds.
 class FakeSource : public CkImageSource {
     Q_OBJECT
 
@@ -71,7 +71,7 @@ public:
     FakeKind kind;
     bool separatePhases;
     QList<void*> handles;
-    /// A camera that was set up delivers A and B, a hybrid one X1X2X3, from then on.
+    /// Once this camera is set up, the source delivers A and B, for a hybrid camera X1X2X3.
     const FakeCamera* follows = nullptr;
     static int alive;
 };
@@ -107,7 +107,7 @@ public:
     std::unique_ptr<CkImageData> image;
 };
 
-/// Starts (true) and stops of all chains there are and of those that come, in order.
+/// Records starts (true) and stops of all chains, also of those created later, in order.
 class ChainLog {
 public:
     ChainLog();
@@ -123,11 +123,11 @@ private:
     QObject m_context;
 };
 
-/// One view on a chain of one source, the application around it, and the actions under test.
-class ToFRig {
+/// One view on a chain with one source, a fake application, and the actions under test.
+class ToFFixture {
 public:
-    ToFRig();
-    ~ToFRig();
+    ToFFixture();
+    ~ToFFixture();
 
     /// A chain of a source of this kind with an active view on it.
     void open(FakeKind kind, bool separatePhases = false, const FakeCamera* camera = nullptr);
@@ -142,9 +142,9 @@ public:
     CkToFActions actions{chainHost};
     std::vector<SkToFMessage> boxes;
     QMessageBox::StandardButton answer = QMessageBox::Ok;
-    QList<bool> ranAtBoxes;                ///< whether the chain ran when a box came up
+    QList<bool> ranAtBoxes;                ///< whether the chain was running when a box was shown
     QList<QPointer<CkMdiView>> calibrated; ///< views the calibration dialog was run on
-    QList<bool> ranAtCalibrations;         ///< as with the boxes
+    QList<bool> ranAtCalibrations;         ///< as for the boxes
     FakeSource* source = nullptr;
     CkMdiView* view = nullptr;
 

@@ -1,4 +1,4 @@
-#include "tests/plugins/zplToF/view3d/ViewRig.h"
+#include "tests/plugins/zplToF/view3d/ViewFixture.h"
 
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
@@ -107,7 +107,7 @@ QImage ViewTest::capture(CkToF3DMdiView& view) {
 
 QImage ViewTest::capture(CkToFScene& scene) {
     QImage image;
-    // What was changed just before may miss the first frame.
+    // A change made just before may miss the first frame.
     for (int i = 0; i < 2; ++i) {
         Qt3DRender::QRenderCaptureReply* reply = scene.requestCapture();
         if (reply == nullptr) {

@@ -1,4 +1,4 @@
-#include "tests/plugins/zplToF/integration/ToFRig.h"
+#include "tests/plugins/zplToF/integration/ToFFixture.h"
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr const char* g_readout = "tof_readout_mode";
-constexpr const char* g_format = "imgdataformat";
+constexpr const char* kReadout = "tof_readout_mode";
+constexpr const char* kFormat = "imgdataformat";
 
 CkCameraParam::SkDescription integer(const char* name, int value) {
     CkCameraParam::SkDescription description;
@@ -30,10 +30,10 @@ public:
               return !model.refuseCommits;
           }) {
         if (model.readoutMode >= 0) {
-            m_parameters.addParam(integer(g_readout, model.readoutMode));
+            m_parameters.addParam(integer(kReadout, model.readoutMode));
         }
         if (model.dataFormat >= 0) {
-            CkCameraParam::SkDescription format = integer(g_format, model.dataFormat);
+            CkCameraParam::SkDescription format = integer(kFormat, model.dataFormat);
             format.readOnly = model.refuseFormats;
             m_parameters.addParam(format);
         }
@@ -51,7 +51,7 @@ private:
     bool m_running = false;
 };
 
-/// The one driver of all model cameras; the next camera to open is what the test asked for last.
+/// The driver of all fake cameras; the next one opened has the parameters that the test set last.
 class ModelDriver : public IkCameraDriver {
 public:
     QString name() const override { return QStringLiteral("models"); }
@@ -161,9 +161,9 @@ bool describe(FakeKind kind, bool separatePhases, SkPicBufInfo& info, CkImageMet
 bool FakeSource::sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
     CkImageMetadata metadata;
     FakeKind delivered = kind;
-    if (follows != nullptr && follows->value(g_readout) == 4 && follows->value(g_format) == 13) {
+    if (follows != nullptr && follows->value(kReadout) == 4 && follows->value(kFormat) == 13) {
         delivered = FakeKind::AB;
-    } else if (follows != nullptr && follows->value(g_readout) == -1 && follows->value(g_format) == 18) {
+    } else if (follows != nullptr && follows->value(kReadout) == -1 && follows->value(kFormat) == 18) {
         delivered = FakeKind::Hybrid;
     }
     const bool known = describe(delivered, separatePhases, info, metadata);
@@ -227,7 +227,7 @@ void ChainLog::watch(CkChain* chain) {
     QObject::connect(chain, &CkChain::runningChanged, &m_context, [this](bool on) { runs << on; });
 }
 
-ToFRig::ToFRig() {
+ToFFixture::ToFFixture() {
     actions.setMessageFunction([this](const SkToFMessage& message) {
         boxes.push_back(message);
         ranAtBoxes << chainRuns();
@@ -239,7 +239,7 @@ ToFRig::ToFRig() {
     });
 }
 
-ToFRig::~ToFRig() {
+ToFFixture::~ToFFixture() {
     const QList<CkChain*> chains = CkChainManager::instance()->chains();
     for (CkChain* chain : chains) {
         chain->stop();
@@ -256,7 +256,7 @@ ToFRig::~ToFRig() {
     }
 }
 
-void ToFRig::open(FakeKind kind, bool separatePhases, const FakeCamera* camera) {
+void ToFFixture::open(FakeKind kind, bool separatePhases, const FakeCamera* camera) {
     m_chain = CkChainManager::instance()->createChain();
     source = new FakeSource(kind, separatePhases);
     if (camera != nullptr) {
@@ -270,7 +270,7 @@ void ToFRig::open(FakeKind kind, bool separatePhases, const FakeCamera* camera) 
     app.activeView = view->viewId();
 }
 
-QList<int> ToFRig::transforms(CkChain* chain) {
+QList<int> ToFFixture::transforms(CkChain* chain) {
     QList<int> found;
     const QList<CkChainable*> blocks = chain->blocks();
     for (CkChainable* block : blocks) {
@@ -281,7 +281,7 @@ QList<int> ToFRig::transforms(CkChain* chain) {
     return found;
 }
 
-QStringList ToFRig::boxTexts() const {
+QStringList ToFFixture::boxTexts() const {
     QStringList texts;
     for (const SkToFMessage& box : boxes) {
         texts << box.text;
@@ -289,7 +289,7 @@ QStringList ToFRig::boxTexts() const {
     return texts;
 }
 
-QStringList ToFRig::boxLines() const {
+QStringList ToFFixture::boxLines() const {
     QStringList lines;
     for (const SkToFMessage& box : boxes) {
         lines << boxLine(box);
