@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks docs/architecture.md against the tree: every path it names exists, every function it names stands in a file
-# that the same paragraph names, and the picture shows what its source says. Of the other pages: the paths.
+# Checks docs/architecture.md against the tree: every path it names exists, every function it names is in a file that
+# the same paragraph names, and the picture matches its source. Of the other pages it checks the paths.
 #   architecture.sh SOURCE_DIR
 set -u
 cd "$1" || exit 1

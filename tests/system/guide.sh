@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Holds the documents to what is there: every link and picture they name exists, every picture of the guide is
-# used, every command line of ours that is shown is one that the programs take.
+# Checks the documents against the tree: every link and picture they name exists, every picture of the guide is used,
+# and the programs accept every command line shown.
 #   guide.sh SOURCE_DIR BUILD_DIR
 set -u
 source_dir=$1
@@ -15,7 +15,7 @@ complain() {
 pages=("$source_dir"/README.md "$source_dir"/CONTRIBUTING.md "$source_dir"/CHANGELOG.md "$source_dir"/docs/sdk.md "$source_dir"/docs/architecture.md
     "$source_dir"/docs/guide/*.md)
 
-# An anchor is what a page's headings are called: lower case, blanks as hyphens, other signs left out.
+# Anchors are made from headings: lower case, hyphens for blanks, other characters removed.
 anchors() { sed -nE 's/^#+ +//p' "$1" | tr '[:upper:]' '[:lower:]' | sed -E 's/[^a-z0-9 _-]//g; s/ /-/g'; }
 
 for page in "${pages[@]}"; do
@@ -25,7 +25,7 @@ for page in "${pages[@]}"; do
         file=${file:+$(dirname "$page")/$file}
         file=${file:-$page}
         checked=$((checked + 1))
-        [ -e "$file" ] || { complain "${page#"$source_dir"/} names $target, which is not there."; continue; }
+        [ -e "$file" ] || { complain "${page#"$source_dir"/} names $target, which does not exist."; continue; }
         [[ $target != *#* ]] || anchors "$file" | grep -qxF -- "${target#*#}" ||
             complain "${page#"$source_dir"/} names $target, but that page has no such heading."
     done < <(grep -oE '\]\([^) ]+\)' "$page" | sed -E 's/^\]\((.*)\)$/\1/')
@@ -36,8 +36,8 @@ for picture in "$source_dir"/docs/guide/images/*.png; do
         complain "docs/screenshots.sh does not take ${picture#"$source_dir"/}."
 done
 
-# Lines of code blocks that call a program of ours, with variables set in front of it or not; a line that ends with
-# a backslash goes on.
+# Lines of code blocks that call a program of ours, with or without variables set before it; a backslash continues a
+# line.
 commands() {
     sed -E ':join; /\\$/ { N; s/ *\\\n */ /; b join }' "${pages[@]}" |
         sed -nE 's/^ {4,}(([A-Z_0-9]+=[^ ]*|xvfb-run -a) )*((tof|zuviewer|\.\/run|\.\/test)( .*)?)$/\3/p' | sed -E 's/ +#.*//'
@@ -47,7 +47,7 @@ while read -r line; do
     read -ra words <<<"$line"
     case ${words[0]} in
     tof | zuviewer)
-        # With --help everything in front of it is still read: an unknown option or command is an error.
+        # With --help everything before it is still parsed: an unknown option or command is an error.
         "$build_dir/bin/${words[0]}" "${words[@]:1}" --help >/dev/null 2>"$build_dir/guide.log" ||
             complain "The documents show \"$line\", but: $(cat "$build_dir/guide.log")"
         ;;

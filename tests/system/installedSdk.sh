@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the build, builds a plug-in of somebody else against the installed SDK, and lets the installed viewer
-# load it beside its own.
+# Installs the build, builds a third-party plug-in against the installed SDK, and has the installed viewer load it
+# together with its own.
 #   installedSdk.sh SOURCE_DIR BUILD_DIR
 set -eu
 source_dir=$1
@@ -13,7 +13,7 @@ cmake -S "$source_dir/tests/system/outsidePlugin" -B "$work/build" -G Ninja -DCM
     { cat "$work/configure.log"; exit 1; }
 cmake --build "$work/build" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
 
-# The installed files have to find each other: nothing of the build tree is on any path.
+# The installed files must find each other: no path leads into the build tree.
 unset LD_LIBRARY_PATH QT_PLUGIN_PATH
 QT_QPA_PLATFORM=offscreen timeout 60 "$work/usr/bin/zuviewer" --settings "$work/settings.ini" \
     --plugin-path "$work/build/liboutside.so" --camera 2 --frames 3 >"$work/viewer.log" 2>&1 ||
@@ -25,7 +25,7 @@ grep -q "ToF Images Visualization" "$work/viewer.log" ||
 ! grep -q "unchecked" "$work/viewer.log" ||
     { cat "$work/viewer.log"; echo "The installed viewer does not find its plug-in probe."; exit 1; }
 
-# The same library spoilt: refused with its name and a reason, and the viewer runs on.
+# The same library, corrupted: refused with its name and a reason, and the viewer keeps running.
 head -c 3000 "$work/build/liboutside.so" >"$work/libbroken.so"
 QT_QPA_PLATFORM=offscreen timeout 60 "$work/usr/bin/zuviewer" --settings "$work/settings.ini" \
     --plugin-path "$work/libbroken.so" --camera 2 --frames 3 >"$work/viewer.log" 2>&1 ||

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Holds what goes into the packages, without building any: which file is in which component, that the menu entry,
-# the icon and the manual pages are sound, and that the version is the same everywhere.
+# Checks the contents of the packages, without building any: which file is in which component, that the menu entry,
+# the icon and the manual pages are valid, and that the version is the same everywhere.
 #   packages.sh SOURCE_DIR BUILD_DIR
 set -u
 source_dir=$1
@@ -13,7 +13,7 @@ complain() {
     bad=1
 }
 
-# component NAME REGEX...: the component installs a file for each expression, and no file beside.
+# component NAME REGEX...: the component installs a file for each expression, and no other file.
 component() {
     local name=$1 file expression
     shift
@@ -27,7 +27,7 @@ component() {
     done
     while read -r file; do
         for expression in "$@"; do [[ $file =~ ^$expression$ ]] && continue 2; done
-        complain "Component $name has $file, which nobody asked for."
+        complain "Component $name has $file, which is not expected there."
     done <"$work/$name.files"
 }
 version=$(sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' "$source_dir/CMakeLists.txt")
@@ -53,7 +53,7 @@ key() { sed -nE "s/^$1=//p" "$desktop"; }
 [ -f "$work/runtime/share/icons/hicolor/scalable/apps/$(key Icon).svg" ] || complain "The menu entry's icon is not installed."
 for type in $(key MimeType | tr ';' ' '); do
     [[ $type == image/* ]] || grep -q "type=\"$type\"" "$work/runtime/share/mime/packages/zuviewer.xml" ||
-        complain "The menu entry names the type $type, which nobody defines."
+        complain "The menu entry names the type $type, which is not defined."
 done
 for size in 16 24 32 48 64 128 256; do
     # Width and height are the 17th to 24th byte of a PNG file.
