@@ -100,7 +100,7 @@ TEST(ViewArea, SceneGetsMoreWidthThanATallPictureBesideIt) {
     EXPECT_EQ(left.right() + 1, right.left());
     EXPECT_EQ(right.right() + 1, area.viewport()->width());
     EXPECT_GT(right.width(), 3 * left.width() / 2);
-    // But not less than three tenths for the picture.
+    // But the picture keeps at least three tenths.
     EXPECT_GE(left.width(), 300);
 }
 
@@ -136,7 +136,7 @@ TEST(ViewArea, ViewWithANativeSurfaceGetsAWindowOfItsOwn) {
     EXPECT_TRUE(own->isVisible());
     EXPECT_EQ(area.subWindowList().size(), 1);
     EXPECT_EQ(area.activeView(), own);
-    // The user closes it at its own frame.
+    // The user closes its window.
     QSignalSpy closing(&area, &CkViewArea::viewAboutToClose);
     const int id = own->viewId();
     own->close();

@@ -118,7 +118,7 @@ TEST(ImageView, WindowByHandStaysAndEndsAutomaticContrast) {
     EXPECT_EQ(view.window(), (SkDisplayWindow{1010.0, 1031.0}));
     EXPECT_EQ(image.pixel(10, 0), qRgb(0, 0, 0));
     EXPECT_EQ(image.pixel(31, 0), qRgb(255, 255, 255));
-    // Whoever else uses the table finds the window in it.
+    // Other users of the table find the window in it.
     const CkLut* lut = view.viewLut(nullptr, nullptr, nullptr);
     ASSERT_FALSE(lut->contrastEntries().isEmpty());
     EXPECT_EQ(lut->contrastEntries().first().inLow, 1010U);
@@ -193,7 +193,7 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     EXPECT_EQ(reinterpret_cast<const quint16*>(raw.constScanLine(5))[17], 1017);
     EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath("no/such/folder/a.png"), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("a.png"))) << qPrintable(error);
-    // No file is called what it is not.
+    // A wrong extension is refused.
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.jpg"), EkMeasured::Png16, &error));
     EXPECT_TRUE(error.endsWith("raw.jpg: this format needs the ending .png.")) << qPrintable(error);
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.png"), EkMeasured::FloatTiff, &error));
@@ -208,7 +208,7 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     }
     ASSERT_TRUE(view.snapshot().saveAsSeen(folder.filePath("seen.jpeg"), &error));
     EXPECT_EQ(QImageReader(folder.filePath("seen.jpeg")).format(), "jpeg");
-    // A colour picture has a channel to save only once one was chosen.
+    // A colour picture has no channel to save until one is chosen.
     view.feed(makeFrame<quint8>(EkImageDataType::UInt8, 8, 8, 3, 8,
                                 [](quint32 x, quint32, quint32 c) { return quint8(10 * x + c); }));
     EXPECT_EQ(view.snapshot().forms().size(), 3);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// A ramp of pure greys, so that a colour tells its place in the table.
+// A ramp of pure greys: a colour gives its index in the table.
 QList<QRgb> greys(int count) {
     QList<QRgb> colours;
     for (int i = 0; i < count; ++i) {
@@ -42,7 +42,7 @@ TYPED_TEST(EverySampleType, WindowSpreadsOverTheColours) {
     for (int x = 0; x < 11; ++x) {
         EXPECT_EQ(level(image, x, 2), 10 * x);
     }
-    // Outside of a narrower window the end colours stand.
+    // Values outside a narrower window get the end colours.
     ASSERT_TRUE(PictureColours::colourChannel(frame->picBuf(), 1, {greys(101), {40.0, 60.0}, false}, image));
     EXPECT_EQ(level(image, 0, 0), 0);
     EXPECT_EQ(level(image, 5, 0), 50);

@@ -128,7 +128,7 @@ TEST_F(ParamEditor, ReadOnlyIsDisabledAndSaysSo) {
 
 class ParamTyping : public ParamEditor {
 protected:
-    /// Types over what stands there and presses Enter.
+    /// Replaces the text and presses Enter.
     void type(const CkCameraParam* param, CkParamEditor& editor, const QString& text) {
         editor.show();
         auto* number = editor.findChild<QDoubleSpinBox*>();
@@ -149,13 +149,13 @@ TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedWithAWord) {
     EXPECT_EQ(param->committedValue().toDouble(), 80.0);
     EXPECT_EQ(editor.remark(), "9000 is too large; 80.0 MHz was set.");
     EXPECT_TRUE(editor.findChild<QLabel*>("paramRemark")->isVisible());
-    // Again, though nothing changes by it.
+    // The same again, which changes nothing.
     type(param, editor, "81");
     EXPECT_EQ(editor.remark(), "81 is too large; 80.0 MHz was set.");
     type(param, editor, "-3");
     EXPECT_EQ(param->committedValue().toDouble(), 5.0);
     EXPECT_EQ(editor.remark(), "-3 is too small; 5.0 MHz was set.");
-    // A value that is taken as it is needs no word.
+    // A value that is set as it is needs no remark.
     type(param, editor, "42.5");
     EXPECT_EQ(param->committedValue().toDouble(), 42.5);
     EXPECT_EQ(editor.remark(), "");

@@ -28,7 +28,7 @@ namespace {
 
 const QString kDemo = QStringLiteral("test.CkDemoBlock");
 
-/// What of a widget was painted anew.
+/// Records which parts of a widget are repainted.
 class PaintedRegion : public QObject {
 public:
     explicit PaintedRegion(QWidget* pWidget) { pWidget->installEventFilter(this); }
@@ -46,7 +46,7 @@ public:
 
 private:
     QRegion m_region;
-    QRegion m_first; ///< by the first painting
+    QRegion m_first; ///< in the first paint
 };
 
 class ChainPanel : public ViewerFixture {
@@ -161,8 +161,8 @@ TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
     PaintedRegion painted(tree()->viewport());
     const QRect row = tree()->visualItemRect(tree()->itemOf(block));
     const QRect below(0, row.bottom() + 2, tree()->viewport()->width(), row.height() - 4);
-    // Something of the tree is always about to be painted when a row goes. That painting takes with it where
-    // the row was, or what the tree finds out of date while it paints may stay on screen.
+    // A part of the tree is always about to be painted when a row is removed. That paint has to include the
+    // place of the row, or outdated rows may stay on screen.
     int gone = 0;
     QObject::connect(tree()->model(), &QAbstractItemModel::rowsRemoved, &painted, [&] {
         painted.clear();
@@ -215,7 +215,7 @@ TEST_F(ChainPanel, ABrokenBlockSaysSoInItsViewAndTheOldPictureIsDark) {
     block->m_bFail = false;
     EXPECT_TRUE(QTest::qWaitFor([&] { return notice().isEmpty() && !view->canvas()->isDimmed(); }, 20'000));
     EXPECT_FALSE(view->findChild<QLabel*>("viewNotice")->isVisible());
-    // A block that is switched off, too.
+    // The same for a block that is switched off.
     block->setState(CkChainable::Blocked);
     EXPECT_TRUE(QTest::qWaitFor([&] { return notice() == "\"Demo 5\" is switched off."; }, 20'000));
     EXPECT_TRUE(view->canvas()->isDimmed());
@@ -228,7 +228,7 @@ TEST_F(ChainPanel, AWarningThatHoldsNothingUpDarkensNothing) {
     block->m_bWarn = true;
     const auto notice = [&] { return area()->notices()->notice(view->viewId()); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return notice() == "Demo 5: Odd, but it works."; }, 20'000));
-    // However often one looks, there is a frame between two looks.
+    // A frame arrives between any two checks.
     QSignalSpy frames(view, &CkMdiView::receivedFrame);
     for (int look = 0; look < 10; ++look) {
         const qsizetype before = frames.size();
@@ -292,7 +292,7 @@ TEST_F(ChainPanel, ConfigureHelpSwitchAndRemove) {
     EXPECT_EQ(chain()->blocks(), QList<CkChainable*>{source});
     EXPECT_EQ(firstView()->dataProvider(), source);
     EXPECT_TRUE(chain()->started());
-    // Its settings dialog has gone with the block.
+    // Its settings dialog was closed with the block.
     EXPECT_EQ(window()->findChild<QDialog*>("configureBlockDialog"), nullptr);
     tree()->selectBlock(source);
     EXPECT_FALSE(panel()->findChild<QToolButton*>("btnRemoveBlock")->isEnabled());
@@ -389,7 +389,7 @@ TEST_F(ChainPanel, DroppedAndRecentFilesOpen) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
 }
 
-/// Too slow for two of three frames, as it says.
+/// Too slow for two of three frames, and reports it.
 class SlowSink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
@@ -415,7 +415,7 @@ TEST(ChainTree, ShowsHowManyFramesEachBlockPassedOnAndLost) {
     EXPECT_EQ(item->text(CkChainTree::DroppedColumn), "0");
     ASSERT_TRUE(chain->start());
     for (quint64 frame = 0; frame < 6; ++frame) {
-        // One by one: a full queue would lose frames of its own.
+        // One by one: a full queue would drop further frames.
         ASSERT_TRUE(source->push(frame));
         ASSERT_TRUE(
             QTest::qWaitFor([&] { return chain->blockStatistics(source).framesOut == frame + 1; }, 30'000));

@@ -94,7 +94,7 @@ TEST_F(QualityPanelTest, MeasuresTheMiddleOfTheActivePicture) {
     EXPECT_TRUE(
         QTest::qWaitFor([this] { return child<QLabel>("qualityValue0")->text() == "1600.0 mm"; }, 30000));
     EXPECT_TRUE(where().contains(", 2 frames\n")) << qPrintable(where());
-    // Nobody knows where this picture comes from.
+    // The picture has no known source.
     EXPECT_TRUE(where().endsWith(
         "Saturated pixels may count as valid: Samples of this kind have no end of their range."))
         << qPrintable(where());
@@ -200,7 +200,7 @@ TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {
     m_pPanel->show();
     EXPECT_EQ(m_pPanel->measuredView(), view);
     EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 2000.0);
-    // Behind another tab it is as good as hidden.
+    // In a tab that is not the current one it counts as hidden.
     m_pPanel->setInSight(false);
     EXPECT_EQ(m_pPanel->measuredView(), nullptr);
     m_pPanel->setInSight(true);
@@ -230,7 +230,7 @@ TEST_F(QualityPanelTest, TheHistoryOutlivesAnotherTabAndAnotherView) {
     first->feed(depth(3.0F));
     EXPECT_EQ(means(), (QList<double>{1000.0, 2000.0, 3000.0}));
     EXPECT_EQ(m_pPanel->values().frames, 3) << "the spread over time goes on";
-    // Its own settings hold for the next view, and a restart is one view's.
+    // The panel's settings apply to the next view too; a restart affects one view only.
     m_pPanel->restart();
     EXPECT_TRUE(means().isEmpty());
     m_pArea->setActiveView(second->viewId());

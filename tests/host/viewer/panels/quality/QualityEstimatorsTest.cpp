@@ -84,7 +84,7 @@ TEST(PlaneFit, PointsOnAPlaneLieOnIt) {
 }
 
 TEST(PlaneFit, WhatIsLeftIsMeasuredAlongTheNormal) {
-    // A chequered unevenness has no slope of its own.
+    // A checkerboard pattern adds no slope.
     std::vector<SkSpacePoint> points;
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 4; ++x) {
@@ -183,11 +183,11 @@ TEST(QualityMeter, AWallIsFlatAndItsTiltIsFound) {
         EXPECT_LT(values.flatness, 0.003);
         EXPECT_EQ(values.validShare, 1.0);
     }
-    // The same distances taken for those of another lens are no wall.
+    // With another lens the same distances are not flat.
     meter.setLens({3.5, 0.01});
     ASSERT_TRUE(meter.add(*turnedWall(2000.0, 0.0, 0.5, 0.01), 0, {}, values));
     EXPECT_GT(values.flatness, 10.0);
-    // What the camera tells wins.
+    // The focal length in the metadata takes precedence.
     auto told = turnedWall(2000.0, 0.0, 0.5, 0.01);
     CkImageMetadata metadata = told->metadata();
     metadata.lensFocalLength = 0.5F;
@@ -251,7 +251,7 @@ TEST(QualityMeter, NoiseAroundTheEndOfTheRangeIsNoJump) {
     SkQualityValues values;
     const float turn = 2.0F * float(std::numbers::pi);
     for (int i = 0; i < 4; ++i) {
-        // One hundredth of a radian to either side of 0, which is the same as the whole turn.
+        // One hundredth of a radian to either side of 0, which equals a full turn.
         const auto frame = named(
             floats(4, 4, 1,
                    [=](quint32 x, quint32, quint32) { return (int(x) + i) % 2 == 0 ? 0.01F : turn - 0.01F; }),
@@ -287,7 +287,7 @@ TEST(QualityHistory, TableHoldsOneLineAFrame) {
     EXPECT_TRUE(QualityQuantities::text(values).contains(QStringLiteral("Valid pixels\t75.00 %\n")));
     EXPECT_TRUE(QualityQuantities::text(values).contains(QStringLiteral("Tilt\t\u2013\n")));
     {
-        // People read them as they write them; programs read the table.
+        // Texts use the user's number format, the table decimal points.
         const LocaleScope german{QLocale(QLocale::German)};
         EXPECT_EQ(QualityQuantities::number(1234.5, QStringLiteral("mm")), QStringLiteral("1234,5 mm"));
         EXPECT_TRUE(history.csv(QString(), QRect()).contains("7,2,mm,1234.5,0.25"));
