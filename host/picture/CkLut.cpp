@@ -15,10 +15,6 @@ constexpr quint32 maximumOfBits(quint32 bits) {
     return bits >= 32 ? std::numeric_limits<quint32>::max() : (1U << bits) - 1U;
 }
 
-bool isFloat(EkImageDataType dataType) {
-    return dataType == EkImageDataType::Float32 || dataType == EkImageDataType::Float64;
-}
-
 /// Position 0..255 in the map for a value on the scale of the contrast entry.
 size_t mapPosition(const CkLut::CkCompContrast& contrast, double value) {
     const double range = double(contrast.inHigh) - double(contrast.inLow);
@@ -70,7 +66,7 @@ bool CkLut::allocRgbTable(size_t uiBytes) {
     Q_UNUSED(uiBytes) // the format decides, whatever size was asked for
     const PseudoColorTable colors = pseudoColorMap(m_iPseudoColorIndex);
     // Floats are windowed when they are looked up, so their table is the map itself.
-    const bool plainMap = isFloat(m_dataType);
+    const bool plainMap = isFloatType(m_dataType);
     const size_t entries = plainMap ? 256 : size_t(std::min(maximumOfBits(m_uiBits), 65535U)) + 1;
     try {
         m_rgbTable.resize(entries * 4);

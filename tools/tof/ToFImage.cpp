@@ -89,11 +89,8 @@ QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
 
 QByteArray measuredPng(const SkPicBuf& picture, const CkImageMetadata& metadata,
                        const SkImageOptions& options) {
-    const bool isFloat =
-        picture.dataType == EkImageDataType::Float32 || picture.dataType == EkImageDataType::Float64;
-    const bool isSigned =
-        picture.dataType == EkImageDataType::Int8 || picture.dataType == EkImageDataType::Int16 ||
-        picture.dataType == EkImageDataType::Int32 || picture.dataType == EkImageDataType::Int64;
+    const bool isFloat = isFloatType(picture.dataType);
+    const bool isSigned = isSignedIntegerType(picture.dataType);
     const bool isPhase = metadata.channelNames.value(int(options.channel)) == QLatin1String("Phase shift");
     const double scale = !isFloat ? 1.0 : isPhase ? 65536.0 / (2.0 * M_PI) : 1000.0;
     const double offset = isSigned ? 32768.0 : 0.0;

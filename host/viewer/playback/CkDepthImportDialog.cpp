@@ -25,10 +25,6 @@ constexpr double kMillimetresPerMetre = 1000.0;
 constexpr double kFarthestInMetres = 100.0; // of what ToF cameras measure
 constexpr double kOther = 0.0;
 
-bool isFloat(const SkPicBufInfo& info) {
-    return info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64;
-}
-
 } // namespace
 
 bool CkDepthImportDialog::isWorthAsking(const SkPicBufInfo& info) {
@@ -38,7 +34,8 @@ bool CkDepthImportDialog::isWorthAsking(const SkPicBufInfo& info) {
 
 SkDepthScale CkDepthImportDialog::proposal(const SkPicBufInfo& info, double fLargest) {
     SkDepthScale scale;
-    scale.metresPerCount = isFloat(info) && fLargest <= kFarthestInMetres ? 1.0 : 1.0 / kMillimetresPerMetre;
+    scale.metresPerCount =
+        isFloatType(info.dataType) && fLargest <= kFarthestInMetres ? 1.0 : 1.0 / kMillimetresPerMetre;
     return scale;
 }
 
@@ -75,7 +72,7 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_pDepth, &QRadioButton::toggled, m_pDetails, &QWidget::setEnabled);
     SkDepthScale proposed = proposal(picture, m_fLargest);
-    proposed.zeroIsNothing = m_bHasZeros || !isFloat(picture);
+    proposed.zeroIsNothing = m_bHasZeros || !isFloatType(picture.dataType);
     setScale(proposed);
 }
 

@@ -104,8 +104,7 @@ bool CkAppDelegate::startAcquisition(int iStart, quint64 uiCameraHandle) {
 }
 
 CkLut* CkAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {
-    const bool isFloat =
-        info.dataType == EkImageDataType::Float32 || info.dataType == EkImageDataType::Float64;
+    const bool isFloat = isFloatType(info.dataType);
     auto* lut = new CkLut(std::clamp(info.bitsPerChannel, 1U, 32U), std::max(info.channels, 1U),
                           info.layoutFlag, info.dataType);
     lut->setPseudoColorIndex(

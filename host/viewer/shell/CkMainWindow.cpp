@@ -158,7 +158,7 @@ void CkMainWindow::createMenus() {
 void CkMainWindow::createChainMenu() {
     QMenu* menu = menuBar()->addMenu(tr("Chai&n"));
     menu->addMenu(m_chainPanel->addMenu());
-    menu->addActions(m_chainPanel->blockActions());
+    menu->addActions(m_chainPanel->menuActions());
 }
 
 void CkMainWindow::createRecordingMenu() {

@@ -9,7 +9,7 @@ class QDialog;
 class QWidget;
 
 /// The dialogs that the chain panel opens for single blocks: settings and help, none of them modal. A
-/// settings dialog is closed before its block is deleted, and when this object is. User-interface thread.
+/// settings dialog is deleted with its block, or with this object. User-interface thread.
 class CkBlockDialogs : public QObject {
     Q_OBJECT
 

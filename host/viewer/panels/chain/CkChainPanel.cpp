@@ -113,7 +113,7 @@ QToolButton* CkChainPanel::addButtonFor(QAction* pAction, const QString& sName) 
     return button;
 }
 
-QList<QAction*> CkChainPanel::blockActions() const {
+QList<QAction*> CkChainPanel::menuActions() const {
     return {m_pConfigureAction, m_pToggleAction, m_pRemoveAction, m_pHelpAction};
 }
 

@@ -28,7 +28,7 @@ public:
     CkChainTree* tree() const { return m_pTree; }
     QMenu* addMenu() const { return m_pAddMenu; }
     /// What the panel's buttons do, for a menu: configure, switch, remove, explain the selected block.
-    QList<QAction*> blockActions() const;
+    QList<QAction*> menuActions() const;
 
     /// Inserts a new block of a registered class after the selected one (after the active view's block when
     /// none is selected); with bBranch as a branch of its own, with a picture view. Null, after a message box
