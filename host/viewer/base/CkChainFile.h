@@ -28,6 +28,7 @@ public:
     /// Blocks that feed no other one, in the order of the chain.
     static QList<CkChainable*> ends(const CkChain* pChain);
 
-    /// The ends that get a view when a file is opened: the first ones of very many. The log then says so.
+    /// The ends that get a view when a file is opened: of very many only the first ones, which is then
+    /// logged.
     static QList<CkChainable*> shownEnds(const CkChain* pChain, const QString& sFileName);
 };

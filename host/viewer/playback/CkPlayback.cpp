@@ -102,7 +102,7 @@ void CkPlayback::togglePlaying() {
         m_source->pause();
         return;
     }
-    // The chain has been stopped; playing implies that it runs.
+    // Playing implies that the chain runs.
     if (CkChain* chain = m_source->chain(); chain != nullptr && chain->stopped()) {
         chain->start();
     }

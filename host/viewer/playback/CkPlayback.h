@@ -11,7 +11,7 @@ class CkMdiView;
 class CkVideoSource;
 class CkViewArea;
 
-/// The recording behind the active view, and what can be done with it. User-interface thread.
+/// Plays the recording at the start of the active view's chain. User-interface thread.
 ///
 /// Also shows the present frame of a paused recording anew whenever its chain is started, so that blocks and
 /// views that were added have something to show.

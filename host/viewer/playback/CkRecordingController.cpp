@@ -145,11 +145,11 @@ void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
     recording.suffixes = QStringList{QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("btf")};
     recording.recognises = &CkRecordingOpener::recognises;
     recording.open = [this](const QString& name, QString& error) {
-        if (!CkRecordingOpener(m_pArea, m_bAsks ? m_pWindow : nullptr).open(name, error)) {
+        if (!CkRecordingOpener(m_pArea, m_bInteractive ? m_pWindow : nullptr).open(name, error)) {
             return false;
         }
         // An unattended run has no user to start the playback.
-        if (!m_bAsks) {
+        if (!m_bInteractive) {
             m_pPlayback->setPace(SkPlaybackSettings::EveryFrame);
             m_pPlayback->setLoop(true);
             m_pPlayback->togglePlaying();

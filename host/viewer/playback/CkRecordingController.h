@@ -42,7 +42,7 @@ public:
     void addFileKinds(CkFileOpener* pOpener);
 
     /// False: files are opened with defaults and no question is asked.
-    void setAsks(bool bAsks) { m_bAsks = bAsks; }
+    void setInteractive(bool bInteractive) { m_bInteractive = bInteractive; }
 
 public slots:
     /// Brings actions and lamp up to date.
@@ -79,5 +79,5 @@ private:
     CkRecordingPanel* m_pPanel = nullptr;
     QLabel* m_pLamp = nullptr;
     QTimer m_timer;
-    bool m_bAsks = true;
+    bool m_bInteractive = true;
 };

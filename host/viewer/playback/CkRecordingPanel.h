@@ -4,14 +4,14 @@
 #include <QTimer>
 #include <QWidget>
 
-class CkRecordingManager;
 class CkRecordingJob;
+class CkRecordingManager;
 class QLabel;
 class QToolButton;
 class QVBoxLayout;
 
-/// One line for each recording: what goes into which file, live counters, a button to stop it. User-interface
-/// thread.
+/// One row per recording: its title and file, live counters, buttons to stop it, to open its file and to
+/// remove the row. User-interface thread.
 class CkRecordingPanel : public QWidget {
     Q_OBJECT
 
@@ -23,11 +23,12 @@ public:
     /// "2.4 GB".
     static QString sizeText(quint64 uiBytes);
 
-    /// Happens by itself while the panel is visible, and at once when a frame is lost.
+    /// Brings the counters up to date; called periodically while the panel is visible, and when a frame is
+    /// dropped.
     void refresh();
 
 signals:
-    /// Play a finished recording.
+    /// A finished recording is to be opened.
     void openRequested(const QString& sFileName);
 
 private:

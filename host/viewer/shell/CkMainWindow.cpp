@@ -77,7 +77,6 @@ CkMainWindow::CkMainWindow(QWidget* parent) : QMainWindow(parent) {
     setStatusBar(m_statusBar);
     createDocks();
     createRecordings();
-    createFileControllers();
     createMenus();
     connectParts();
     updateActions();
@@ -123,19 +122,17 @@ void CkMainWindow::createRecordings() {
     column->addWidget(m_area, 1);
     column->addWidget(m_recordings->bar());
     setCentralWidget(centre);
-    m_recordingDock = m_docks->add(QStringLiteral("dockRecordings"), tr("Recordings"), m_recordings->panel(),
-                                   Qt::BottomDockWidgetArea);
-    m_recordingDock->hide();
+    QDockWidget* dock = m_docks->add(QStringLiteral("dockRecordings"), tr("Recordings"),
+                                     m_recordings->panel(), Qt::BottomDockWidgetArea);
+    dock->hide();
+    connect(m_recordings, &CkRecordingController::panelWanted, dock, &QWidget::show);
 }
 
-void CkMainWindow::createFileControllers() {
+void CkMainWindow::createMenus() {
     m_chainFiles = new CkChainFileController(m_area, m_cameras, this);
     m_fileOpener = new CkFileOpener(this);
     m_chainFiles->addFileKind(m_fileOpener);
     m_recordings->addFileKinds(m_fileOpener);
-}
-
-void CkMainWindow::createMenus() {
     // The order in m_menus is the one plug-ins know.
     m_menus.append(menuBar()->addMenu(tr("&File")));
     m_fileMenu = new CkFileMenu(m_menus.last(), m_fileOpener, m_chainFiles, this);
@@ -170,7 +167,6 @@ void CkMainWindow::createRecordingMenu() {
 
 void CkMainWindow::connectParts() {
     connect(m_cameras, &CkCameraController::cameraReady, this, &CkMainWindow::addRecordButton);
-    connect(m_recordings, &CkRecordingController::panelWanted, m_recordingDock, &QWidget::show);
     connect(m_recordings, &CkRecordingController::openRequested, m_fileMenu, &CkFileMenu::openOrReport);
     connect(m_chainPanel, &CkChainPanel::viewRequested, this, &CkMainWindow::openView);
     connect(m_chainPanel, &CkChainPanel::saveRequested, m_fileMenu, &CkFileMenu::saveChainWithDialog);

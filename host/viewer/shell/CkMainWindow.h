@@ -44,8 +44,6 @@ public:
     CkFileOpener* fileOpener() const { return m_fileOpener; }
     CkChainPanel* chainPanel() const { return m_chainPanel; }
     CkLutPanel* lutPanel() const { return m_lutPanel; }
-    CkQualityPanel* qualityPanel() const { return m_qualityPanel; }
-    CkLogPanel* logPanel() const { return m_logPanel; }
     CkStatusBar* viewStatusBar() const { return m_statusBar; }
     CkCameraMenu* cameraMenu() const { return m_cameraMenu; }
     CkViewMenu* viewMenu() const { return m_viewMenu; }
@@ -83,7 +81,6 @@ protected:
 private:
     void createDocks();
     void createRecordings();
-    void createFileControllers();
     void createMenus();
     void createChainMenu();
     void createRecordingMenu();
@@ -110,7 +107,6 @@ private:
     QDockWidget* m_cameraDock = nullptr;
     QDockWidget* m_chainDock = nullptr;
     QDockWidget* m_logDock = nullptr;
-    QDockWidget* m_recordingDock = nullptr;
 
     CkFileMenu* m_fileMenu = nullptr;
     CkCameraMenu* m_cameraMenu = nullptr;

@@ -116,7 +116,7 @@ bool CkViewerSession::start() {
                                  : named                ? EkSessionScope::Layout
                                                         : EkSessionScope::LayoutAndSession;
     m_window->setSessionScope(scope);
-    m_window->recordings()->setAsks(!m_options.unattended());
+    m_window->recordings()->setInteractive(!m_options.unattended());
     const bool restoresLayout = !m_options.unattended() && !m_options.cleanStart;
     const bool restoresSession = restoresLayout && !named;
     if (restoresLayout) {

@@ -78,7 +78,7 @@ TEST_F(DepthImport, ASinglePictureHasNothingToPlay) {
     makePng(path("depth.png"));
     ASSERT_TRUE(openWith(path("depth.png"), [&](CkDepthImportDialog& dialog) { accept(dialog); }));
     ASSERT_TRUE(waitForFrame(firstView()));
-    EXPECT_FALSE(room()->bar()->isVisible());
+    EXPECT_FALSE(controller()->bar()->isVisible());
     EXPECT_FALSE(action("actPlaybackPlay")->isEnabled());
     EXPECT_EQ(action("actPlaybackPlay")->toolTip(), "The active view shows a single picture");
 }
@@ -179,7 +179,7 @@ TEST_F(DepthImport, TiffStacksOfOthersArePlayedAsDepths) {
     action("actPlaybackLast")->trigger();
     ASSERT_TRUE(waitForShown(2));
     EXPECT_FLOAT_EQ(depthAt(5, 6), 0.265F);
-    EXPECT_FALSE(room()->playback()->timeOf(1).has_value());
+    EXPECT_FALSE(controller()->playback()->timeOf(1).has_value());
 }
 
 } // namespace

@@ -26,8 +26,10 @@ protected:
         ASSERT_TRUE(start());
         makeRecording(path("a.tif"), 10);
     }
-    QLabel* label(const char* name) const { return room()->bar()->findChild<QLabel*>(QLatin1String(name)); }
-    int number() const { return room()->bar()->findChild<QSpinBox*>("playbackNumber")->value(); }
+    QLabel* label(const char* name) const {
+        return controller()->bar()->findChild<QLabel*>(QLatin1String(name));
+    }
+    int number() const { return controller()->bar()->findChild<QSpinBox*>("playbackNumber")->value(); }
     void expectSample(qint64 frame) const {
         const SkPicBuf& picture = firstView()->currentImage()->picBuf();
         EXPECT_EQ(reinterpret_cast<const quint16*>(picture.row(5))[7], sample(frame, 7, 5));
@@ -35,22 +37,22 @@ protected:
 };
 
 TEST_F(PlaybackBar, OpeningShowsTheFirstFrameAndTheBar) {
-    EXPECT_FALSE(room()->bar()->isVisible());
+    EXPECT_FALSE(controller()->bar()->isVisible());
     EXPECT_FALSE(action("actPlaybackPlay")->isEnabled());
     EXPECT_EQ(action("actPlaybackPlay")->toolTip(), "The active view shows no recording");
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
     expectSample(0);
-    EXPECT_TRUE(room()->bar()->isVisible());
+    EXPECT_TRUE(controller()->bar()->isVisible());
     EXPECT_FALSE(player()->isPlaying());
     EXPECT_TRUE(firstView()->viewTitle().contains("a.tif"));
     EXPECT_TRUE(waitFor([this] { return label("playbackTime")->text() == "0:00.000 / 0:00.360"; }))
         << qPrintable(label("playbackTime")->text());
     // A camera's view has nothing to play.
     ASSERT_NE(openGrey(), nullptr);
-    EXPECT_TRUE(waitFor([this] { return !room()->bar()->isVisible(); }));
+    EXPECT_TRUE(waitFor([this] { return !controller()->bar()->isVisible(); }));
     area()->setActiveView(firstView()->viewId());
-    EXPECT_TRUE(waitFor([this] { return room()->bar()->isVisible(); }));
+    EXPECT_TRUE(waitFor([this] { return controller()->bar()->isVisible(); }));
 }
 
 TEST_F(PlaybackBar, StepsSeeksAndPlaysToTheEnd) {
@@ -67,10 +69,10 @@ TEST_F(PlaybackBar, StepsSeeksAndPlaysToTheEnd) {
     ASSERT_TRUE(waitForShown(0));
     action("actPlaybackBack")->trigger();
     EXPECT_EQ(player()->position(), 0);
-    room()->bar()->findChild<QSpinBox*>("playbackNumber")->setValue(6);
+    controller()->bar()->findChild<QSpinBox*>("playbackNumber")->setValue(6);
     ASSERT_TRUE(waitForShown(6));
     EXPECT_TRUE(waitFor([this] { return label("playbackTime")->text() == "0:00.240 / 0:00.360"; }));
-    room()->bar()->findChild<QSlider*>("playbackSlider")->setValue(3);
+    controller()->bar()->findChild<QSlider*>("playbackSlider")->setValue(3);
     ASSERT_TRUE(waitForShown(3));
     expectSample(3);
     EXPECT_TRUE(waitFor([this] { return number() == 3; }));
@@ -103,7 +105,7 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     EXPECT_TRUE(player()->isLoop());
     action("actPlaybackBack")->trigger();
     ASSERT_TRUE(waitForShown(9));
-    auto* pace = room()->bar()->findChild<QComboBox*>("playbackPace");
+    auto* pace = controller()->bar()->findChild<QComboBox*>("playbackPace");
     pace->setCurrentIndex(pace->findText("Every frame"));
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::EveryFrame));
     EXPECT_TRUE(action("actPlaybackEveryFrame")->isChecked());
@@ -120,7 +122,7 @@ TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
-    EXPECT_EQ(room()->bar()->findChild<QComboBox*>("playbackPace")->currentText(), "Real time");
+    EXPECT_EQ(controller()->bar()->findChild<QComboBox*>("playbackPace")->currentText(), "Real time");
     EXPECT_TRUE(action("actPlaybackRealTime")->isChecked());
     // Nobody waits for a run that ends by itself.
     m_session.reset();
@@ -133,7 +135,7 @@ TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
 TEST_F(PlaybackBar, TheSpeedIsChosenWhereThereIsOne) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
-    const auto* speed = room()->bar()->findChild<QComboBox*>("playbackSpeed");
+    const auto* speed = controller()->bar()->findChild<QComboBox*>("playbackSpeed");
     ASSERT_NE(speed, nullptr);
     EXPECT_TRUE(speed->isVisible());
     EXPECT_TRUE(speed->isEnabled());
@@ -155,7 +157,7 @@ TEST_F(PlaybackBar, TheSpeedIsChosenWhereThereIsOne) {
 TEST_F(PlaybackBar, FramesAreCountedOutOfAll) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
-    const auto* box = room()->bar()->findChild<QSpinBox*>("playbackNumber");
+    const auto* box = controller()->bar()->findChild<QSpinBox*>("playbackNumber");
     EXPECT_EQ(box->text(), "Frame 0 of 10");
     action("actPlaybackLast")->trigger();
     EXPECT_TRUE(waitFor([&] { return box->text() == "Frame 9 of 10"; })) << qPrintable(box->text());
@@ -251,7 +253,7 @@ TEST_F(PlaybackBar, ATruncatedRecordingShowsWhatIsLeftAndSaysWhatIsNot) {
     ASSERT_TRUE(openFile(path("cut.tif")));
     ASSERT_TRUE(waitForShown(0));
     EXPECT_EQ(player()->frameCount(), 9);
-    room()->bar()->refresh();
+    controller()->bar()->refresh();
     EXPECT_TRUE(label("playbackNote")->isVisible());
     EXPECT_TRUE(label("playbackNote")->text().contains("Damaged"));
     EXPECT_TRUE(label("playbackNote")->toolTip().contains("cut.tif\", page 10:"))

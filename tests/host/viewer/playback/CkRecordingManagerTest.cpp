@@ -40,7 +40,9 @@ protected:
     static bool waitForWritten(const CkRecordingJob* job, qint64 frames) {
         return waitFor([=] { return job->counters().written >= frames; });
     }
-    QLabel* label(const char* name) const { return room()->panel()->findChild<QLabel*>(QLatin1String(name)); }
+    QLabel* label(const char* name) const {
+        return controller()->panel()->findChild<QLabel*>(QLatin1String(name));
+    }
     QWidget* dock() const { return window()->findChild<QDockWidget*>("dockRecordings"); }
 
     void* m_camera = nullptr;
@@ -58,7 +60,7 @@ TEST_F(RecordingManager, ACameraIsRecordedAndPlayed) {
     EXPECT_TRUE(waitFor([&] { return !label("recordingCounters")->text().startsWith("0 frames"); }))
         << qPrintable(label("recordingCounters")->text());
     EXPECT_TRUE(label("recordingCounters")->text().contains("in the queue"));
-    room()->panel()->findChild<QToolButton*>("btnStopRecording")->click();
+    controller()->panel()->findChild<QToolButton*>("btnStopRecording")->click();
     ASSERT_TRUE(waitUntilFinished(job));
     EXPECT_FALSE(lamp->isVisible());
     const CkRecorder::SkState state = job->counters();
@@ -74,11 +76,11 @@ TEST_F(RecordingManager, ACameraIsRecordedAndPlayed) {
     EXPECT_TRUE(reader.recordingInfo().chainXml.contains("sim:grey"));
     EXPECT_EQ(reader.recordingInfo().viewSettings["kind"].toString(), "picture");
 
-    room()->panel()->findChild<QToolButton*>("btnOpenRecording")->click();
+    controller()->panel()->findChild<QToolButton*>("btnOpenRecording")->click();
     ASSERT_EQ(area()->views().size(), 2);
     ASSERT_NE(player(), nullptr);
     EXPECT_EQ(player()->frameCount(), state.written);
-    room()->panel()->findChild<QToolButton*>("btnForgetRecording")->click();
+    controller()->panel()->findChild<QToolButton*>("btnForgetRecording")->click();
     EXPECT_TRUE(recordings()->jobs().isEmpty());
 }
 

@@ -104,7 +104,7 @@ TEST_F(ToFRecording, A3dViewOpensOnARecordingOfRawPhases) {
     // The bar stays for the view that follows, and stepping moves the cloud.
     area()->setActiveView(scene->viewId());
     ASSERT_NE(player(), nullptr);
-    EXPECT_TRUE(room()->bar()->isVisible());
+    EXPECT_TRUE(controller()->bar()->isVisible());
     action("actPlaybackForward")->trigger();
     ASSERT_TRUE(waitFor([this] { return player()->position() == 1; }));
     EXPECT_TRUE(waitFor([&] { return pointsOf(scene) > 1000; }));

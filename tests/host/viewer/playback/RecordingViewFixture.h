@@ -24,8 +24,8 @@ protected:
     static constexpr int Patience = 30'000;
 
     QString path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-    CkRecordingController* room() const { return window()->recordings(); }
-    CkRecordingManager* recordings() const { return room()->manager(); }
+    CkRecordingController* controller() const { return window()->recordings(); }
+    CkRecordingManager* recordings() const { return controller()->manager(); }
 
     static quint16 sample(qint64 frame, quint32 x, quint32 y) {
         return quint16(frame * 100 + qint64(x) + qint64(y) * 10);
@@ -62,7 +62,7 @@ protected:
         return opened;
     }
 
-    CkVideoSource* player() const { return room()->playback()->source(); }
+    CkVideoSource* player() const { return controller()->playback()->source(); }
 
     template <typename Condition>
     static bool waitFor(Condition condition) {
@@ -77,7 +77,7 @@ protected:
         });
     }
 
-    QAction* action(const char* name) const { return room()->findChild<QAction*>(QLatin1String(name)); }
+    QAction* action(const char* name) const { return controller()->findChild<QAction*>(QLatin1String(name)); }
 
     static bool waitUntilFinished(const CkRecordingJob* job) {
         return waitFor([job] { return job->state() == CkRecordingJob::EkState::Finished; });

@@ -40,10 +40,10 @@ TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
-    room()->playback()->goTo(6);
+    controller()->playback()->goTo(6);
     ASSERT_TRUE(waitForShown(6));
-    room()->playback()->setLoop(true);
-    room()->playback()->setSpeed(0.5);
+    controller()->playback()->setLoop(true);
+    controller()->playback()->setSpeed(0.5);
     firstView()->setWindow({100.0, 300.0});
     ASSERT_NE(openGrey(), nullptr);
     area()->setActiveView(firstView()->viewId());
@@ -59,7 +59,7 @@ TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
     EXPECT_EQ(player()->speed(), 0.5);
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
     EXPECT_EQ(firstView()->window(), (SkDisplayWindow{100.0, 300.0}));
-    EXPECT_TRUE(room()->bar()->isVisible());
+    EXPECT_TRUE(controller()->bar()->isVisible());
     // It goes on from there.
     action("actPlaybackForward")->trigger();
     EXPECT_TRUE(waitForShown(7));
@@ -99,7 +99,7 @@ TEST_F(RecordingSession, AFrameThatIsNotInTheFileAnyMoreIsTheFirstOne) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
-    room()->playback()->goTo(9);
+    controller()->playback()->goTo(9);
     ASSERT_TRUE(waitForShown(9));
     endSession();
     ASSERT_TRUE(remembered().contains("frame=\"9\"")) << qPrintable(remembered());
