@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes the pictures of the user guide anew from the running viewer, on a virtual screen with software OpenGL.
-#   docs/screenshots.sh [NAME...]      all of them, or those named (first-cloud, lens-model, ...)
+# Retakes the pictures of the user guide from the running viewer, on a virtual screen with software OpenGL.
+#   docs/screenshots.sh [NAME...]      all pictures, or only those named (first-cloud, lens-model, ...)
 # BUILD_DIR names another build folder. Needs xdotool and imagemagick (packages_release in scripts/setup.sh).
 set -eu
 . "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../scripts/setup.sh"
@@ -22,7 +22,7 @@ stop_viewer() {
 }
 settings() { rm -f "$work/settings.ini"; [ $# = 0 ] || printf '%s\n' "$@" >"$work/settings.ini"; }
 
-# shot NAME OPTIONS...: the window by itself, after its views have shown frames.
+# shot NAME OPTIONS...: the viewer takes its own picture once its views have shown frames.
 shot() {
     local name=$1
     shift
@@ -31,7 +31,7 @@ shot() {
         { cat "$work/$name.log" >&2; fail "The viewer failed at $name."; }
     keep "$name"
 }
-# start OPTIONS...: a viewer that stays, until the next one.
+# start OPTIONS...: a viewer that stays until the next start.
 start() {
     stop_viewer
     "$viewer" --settings "$work/settings.ini" "$@" >"$work/viewer.log" 2>&1 &

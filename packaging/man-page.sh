@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Puts what a program says about its options into its manual page, in place of the line @OPTIONS@.
+# Replaces the line @OPTIONS@ of a manual page by the options that the program prints with --help.
 #   man-page.sh TEMPLATE VERSION PAGE PROGRAM
 set -eu
 template=$1 version=$2 page=$3 program=$4
-# A sanitizer build is to complain about leaks in its tests, not here.
+# Leaks are reported by the tests of a sanitizer build, not here.
 help=$(ASAN_OPTIONS=detect_leaks=0 LC_ALL=C.UTF-8 LANGUAGE=C "$program" --help)
 options=$(awk '
     function out(text) { gsub(/\\/, "\\e", text); gsub(/-/, "\\-", text); sub(/^[.\047]/, "\\\\\\&&", text); return text }

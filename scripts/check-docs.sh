@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the reference of the host SDK (HTML, doxygen); ends non-zero when anything in it is undocumented or wrong.
-#   check-docs.sh [FOLDER]      the folder the pages are left in; without one they are only checked
+# Generates the reference of the host SDK (HTML, doxygen); fails when anything in it is undocumented or wrong.
+#   check-docs.sh [FOLDER]      writes the pages to FOLDER; without it they are only checked
 set -eu
 ZU_SOURCE_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 command -v doxygen >/dev/null || { echo "doxygen is not installed (Debian: apt-get install doxygen)." >&2; exit 1; }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Names every source that clang-format would change; ends non-zero when there is one.
+# Lists the sources that clang-format would change; fails when there are any.
 set -u
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." || exit 1
 find hostsdk host sim plugins tools tests bench fuzz \( -name '*.h' -o -name '*.cpp' \) -print0 |

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds what the compiler cannot see of the dependency arrows: what the built libraries need and export.
+# Checks what the compiler cannot see of the dependency arrows: what the built libraries need and export.
 #   check-layering.sh SOURCE_DIR [BUILD_DIR]
 set -u
 cd "$1" || exit 1
@@ -10,23 +10,23 @@ complain() {
     bad=1
 }
 
-# The compiler finds a header only below a room that the target links (zu_room in cmake/ZuBuild.cmake). It does not see
-# what goes around that: an include beside the including file, or upwards from it.
+# The compiler finds a header only below a room that the target links (zu_room in cmake/ZuBuild.cmake), but a relative
+# include would bypass that.
 hits=$(grep -rnE '#include +"' hostsdk host sim plugins tools tests bench fuzz --include='*.h' --include='*.cpp' |
     grep -vE '"(zuCore|zuCoreGui|hostsdk|host|sim|plugins|tools|tests|bench|fuzz)/|"ui_[a-zA-Z0-9]+\.h"|"[^/"]+\.moc"')
 [ -z "$hits" ] || complain "An include is written as the path from the root of the tree, but: $hits"
 
-# Debuggers, logs and crash reports name classes of anonymous namespaces, too.
+# Also those in anonymous namespaces: debuggers, logs and crash reports show their names.
 while read -r hit; do
     complain "A class of the plug-in begins with CkToF: $hit"
 done < <(grep -rnE '^ *class +[A-Za-z0-9_]+ *(final *)?(:[^:]|\{)' plugins/zplToF | grep -vE 'class +CkToF')
 
-# XML of others goes through one guarded reader.
+# Foreign XML is read only through the guarded reader.
 hits=$(grep -rnE 'setContent\(|QXmlStreamReader' hostsdk host sim plugins tools --include='*.cpp' --include='*.h' |
     grep -v '^host/core/CkXmlReader.cpp:')
 [ -z "$hits" ] || complain "XML is to be read with CkXmlReader, but: $hits"
 
-# needs FILE REGEX: every library the file asks the loader for has to match.
+# needs FILE REGEX: every library that the file loads must match.
 needs() {
     local file=$1 allowed=$2 name
     [ -e "$file" ] || { complain "$file was not built."; return; }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the Debian packages, installs them into a bare Debian 12 (debootstrap) and runs what is in them there.
 #   check-packages.sh [--packages FOLDER] [--keep]      as root, on Debian 12
-# --packages takes ready packages instead of building them, --keep leaves the root behind and says where it is.
+# --packages uses existing packages instead of building them, --keep leaves the root in place and prints its path.
 set -eu
 . "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/setup.sh"
 
@@ -31,7 +31,7 @@ else
 fi
 ls "$packages"/*.deb
 
-# The mirror that this machine uses itself.
+# The mirror that this machine uses.
 mirror=$(sed -nE -e 's/^URIs: *([^ ]*debian)\/? *$/\1/p' -e 's/^deb (\[[^]]*\] )?([^ ]*debian)\/? bookworm .*/\2/p' \
     /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null | head -n 1)
 work=$(mktemp -d /var/tmp/zu-packages.XXXXXX)
@@ -41,7 +41,7 @@ clean_up() {
     for at in dev/shm proc; do umount "$root/$at" 2>/dev/null || true; done
     if [ $keep = yes ]; then
         say "The root stays in $root"
-    elif ! grep -q " $root" /proc/mounts; then # never into what is still mounted
+    elif ! grep -q " $root" /proc/mounts; then # never delete what is still mounted
         rm -rf "$work"
     fi
 }
@@ -51,7 +51,7 @@ debootstrap --variant=minbase bookworm "$root" "$mirror" >"$work/debootstrap.log
     { tail -n 20 "$work/debootstrap.log" >&2; fail "debootstrap failed."; }
 mount -t proc proc "$root/proc"
 mount -t tmpfs tmpfs "$root/dev/shm"
-printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" # nothing is to be started in there
+printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" # no service may start in there
 chmod +x "$root/usr/sbin/policy-rc.d"
 for file in "$packages"/*.deb; do cp "$file" "$root/var/cache/"; done
 cp -r "$source_dir/tests/system/outsidePlugin" "$root/srv/outside"

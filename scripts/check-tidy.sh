@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Runs clang-tidy over the sources of a build folder and ends non-zero when it finds anything.
 #   check-tidy.sh [--changed] [BUILD_DIR]       BUILD_DIR: a folder where everything has been built
-# --changed leaves out what is as on origin/main (or, there, as in the commit before): it looks at the sources that
-# differ, then at those that include a header that differs. TIDY_JOBS: how many at a time, 2 unless set. TIDY_SECONDS:
-# no source is begun later than that; those left out are named.
+# --changed checks only the sources that differ from origin/main (there: from the previous commit), then those that
+# include a changed header. TIDY_JOBS: number of parallel jobs, 2 by default. TIDY_SECONDS: after that time no further
+# source is started; those left out are listed.
 set -u
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." || exit 1
 changed=no
@@ -18,7 +18,7 @@ commands=$build/compile_commands.json
     exit 2
 }
 
-# The compiler's list holds generated sources too; those below the build folder are nobody's to mend.
+# compile_commands.json also lists generated sources below the build folder; those are not ours to fix.
 mapfile -t sources < <(sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$commands" | grep -v "^$build/" | sort -u)
 
 if [ $changed = yes ]; then
@@ -48,10 +48,10 @@ echo "clang-tidy on ${#sources[@]} sources"
 [ ${#sources[@]} -gt 0 ] || exit 0
 look_at() {
     if [ -n "${TIDY_SECONDS:-}" ] && [ "$(date +%s)" -ge "$deadline" ]; then
-        echo "not looked at for want of time: $2"
+        echo "not checked, out of time: $2"
         return 0
     fi
-    # On its standard error clang-tidy counts what it has left out.
+    # clang-tidy counts suppressed warnings on its standard error.
     clang-tidy -p "$1" --quiet "$2" 2>/dev/null
 }
 export -f look_at

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Changes one operator, constant, guard or order of the code at a time and asks whether a test notices.
+"""Mutation testing: changes one operator, constant, guard or statement order at a time and checks whether a test fails.
 
     scripts/mutants.py [--room ROOM ...] [--count N] [--seed S] [--folder FOLDER] [--results FILE]
 
-By hand, not in CI: a mutant takes some ten to sixty seconds. It works in a copy of the work tree (build/mutants), so
-the tree itself stays as it is; needs an X server (DISPLAY) for rooms whose tests open windows. Results go to FILE as one
-JSON line a mutant; what stands there already is not run again, so a run can be stopped and taken up again. Ends with the share
-killed and the survivors, each with its change. What does not compile is no mutant and does not count.
+Not part of CI: a mutant takes ten to sixty seconds. Works in a copy of the work tree (build/mutants), the tree itself is
+not touched. Rooms whose tests open windows need an X server (DISPLAY). Results go to FILE, one JSON line per mutant;
+mutants already listed there are not run again, so that an interrupted run can be resumed. Prints the share of mutants
+killed and the survivors, each with its change. A mutant that does not compile does not count.
 """
 
 import argparse
@@ -22,14 +22,26 @@ from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parent.parent
 
-# Room: its test programs, those first that answer soonest.
+# The test programs of each room, fastest first.
 ROOMS = {
+    "sim/synth": ["simSynthTest"],
+    "sim/camera": ["simCameraTest", "simCameraManagerTest"],
     "host/picture": ["pictureTest"],
     "host/core": ["hostCoreBaseTest", "hostCoreChainTest", "hostCorePluginTest"],
+    "host/coregui": ["zuCoreGuiTests"],
     "host/recording": ["hostRecordingTest"],
+    "host/viewer/base": ["viewerPartsTest", "viewerWindowTest"],
+    "host/viewer/picture": ["viewerPartsTest"],
+    "host/viewer/area": ["viewerPartsTest", "viewerWindowTest"],
+    "host/viewer/panels": ["viewerPartsTest", "viewerWindowTest"],
+    "host/viewer/playback": ["viewerRecordingTest"],
     "host/viewer/plugins": ["viewerPluginGateTest"],
+    "host/viewer/session": ["viewerWindowTest", "viewerRecordingTest"],
+    "host/viewer/shell": ["viewerPartsTest", "viewerWindowTest"],
+    "tools/tof": ["tofTest"],
     "plugins/zplToF/pic": ["tstToFPic"],
     "plugins/zplToF/cloud": ["tstToFCloud", "tstToFCloudMemory", "ToFView3dPartsTest"],
+    "plugins/zplToF/transform": ["zplToFTransformTest", "zplToFChainTest"],
     "plugins/zplToF/chain": ["zplToFChainTest", "zplToFChainWidgetTest"],
     "plugins/zplToF/opticalpath": ["zplToFOpticalPathTests", "zplToFViewAndDialogTests"],
     "plugins/zplToF/calibration": ["zplToFCalibrationTests"],
@@ -39,8 +51,7 @@ ROOMS = {
                               "ToFView3dSequenceTest"],
 }
 
-# Binary operators stand between blanks (clang-format sees to it), which tells them from template brackets, pointers
-# and signs.
+# clang-format puts blanks around binary operators, which distinguishes them from template brackets, pointers and signs.
 OPERATORS = {
     "<": ["<=", ">"], "<=": ["<", ">="], ">": [">=", "<"], ">=": [">", "<="], "==": ["!="], "!=": ["=="],
     "&&": ["||"], "||": ["&&"], "+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"],
@@ -95,7 +106,7 @@ def mutants_of(path):
         if STATEMENT.match(line) and not DECLARATION.match(line) and before.rstrip(" \0")[-1:] in tuple(";{}:"):
             found.append(("order", position, position + len(line), ""))
             after = plain[number + 1] if number + 1 < len(plain) else ""
-            # Assignments side by side seldom depend on their order, nor do calls that have nothing in common.
+            # Adjacent assignments rarely depend on their order, nor do calls without a common name.
             if CALL.match(line) and CALL.match(after) and set(NAME.findall(line)) & set(NAME.findall(after)):
                 end = position + len(line) + 1 + len(after)
                 found.append(("order", position, end, lines[number + 1] + "\n" + lines[number]))
@@ -104,7 +115,7 @@ def mutants_of(path):
 
 
 class Bench:
-    """The copy of the work tree with its build."""
+    """The copy of the work tree and its build."""
 
     def __init__(self, folder, jobs):
         self.tree, self.jobs = folder / "tree", jobs
@@ -127,7 +138,7 @@ class Bench:
                 target.unlink()
 
     def configure(self):
-        # A changed library needs no new link of what uses it.
+        # No relinking of the programs that use a changed shared library.
         subprocess.run(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build, "-DCMAKE_BUILD_TYPE=Release",
                         "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
                         "-DZU_BUILD_BENCHMARKS=OFF"], check=True, stdout=subprocess.DEVNULL)
@@ -137,9 +148,9 @@ class Bench:
                               capture_output=True, text=True)
 
     def test(self, names, limits):
-        """The name of the first test program that notices, or nothing."""
+        """The name of the first test program that fails, or None."""
         for name in names:
-            # A group of its own: what hangs is ended with all that it has started.
+            # A session of its own, so that a hanging test is killed with its children.
             run = subprocess.Popen(["ctest", "--test-dir", self.build, "-R", f"^{name}$"], start_new_session=True,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             try:
@@ -153,7 +164,7 @@ class Bench:
 
 
 def chosen(rooms, count, seed):
-    """The same mutants for the same seed and tree: spread over the rooms by the root of what each offers."""
+    """The same mutants for the same seed and tree, distributed over the rooms by the square root of their number."""
     chooser = random.Random(seed)
     by_room = {}
     for room in rooms:
@@ -161,7 +172,7 @@ def chosen(rooms, count, seed):
         by_room[room] = [(room, str(p.relative_to(SOURCE)), *m) for p in files for m in mutants_of(p)]
     weights = {room: len(found) ** 0.5 for room, found in by_room.items()}
     total = sum(weights.values())
-    # More than asked for, as some will not compile.
+    # All of them, since some will not compile.
     result = []
     for room, found in by_room.items():
         chooser.shuffle(found)
@@ -182,7 +193,7 @@ def main():
     options.folder = options.folder.resolve()
     options.results = options.results or options.folder / "results.jsonl"
     rooms = options.room or list(ROOMS)
-    # The first test that notices is enough.
+    # The first failing test is enough.
     os.environ["GTEST_FAIL_FAST"] = "1"
 
     bench = Bench(options.folder, options.jobs)

@@ -9,7 +9,7 @@ import subprocess
 import sys
 import time
 
-# Without an answer of the user-interface thread for so long, the viewer hangs. The sanitizers slow it down a lot.
+# The viewer counts as hung when its user-interface thread does not respond for this long; sanitizers are slow.
 HANG_SECONDS = 90
 CLOSE_SECONDS = 300
 
@@ -24,7 +24,7 @@ TYPED = ["0", "1", "-1", "3", "17", "255", "1e9", "-1e38", "1e999", "nan", "inf"
 
 
 class Failure(Exception):
-    """What ends the run."""
+    """Ends the run."""
 
 
 class Viewer:
@@ -173,14 +173,14 @@ class Person:
 
     def leave(self):
         self.look()
-        # One key at a time: a viewer with many views under a sanitizer is slower than the keys come.
+        # One key at a time: a viewer with many views under a sanitizer cannot keep up.
         for window in self.windows:
             self.tool("windowactivate", window[0])
         self.act("key", "Escape")
         self.act("key", self.rng.choice(["Escape", "ctrl+q", "ctrl+q", "Return"]))
 
     def focus(self):
-        """What would get the next key, and every window there is."""
+        """The focused window and all others."""
         lines = [f"focus: {self.tool('getwindowfocus', 'getwindowname').strip()}",
                  f"active: {self.tool('getactivewindow', 'getwindowname').strip()}"]
         self.look()
@@ -208,7 +208,7 @@ def start(program, folder, rng):
 
 
 def use_once(viewer, folder, end, rng, actions):
-    """Until the time is over or the viewer was left."""
+    """Uses one viewer until the time is over or it was closed."""
     person = Person(rng, viewer.process.pid, actions)
     try:
         while time.monotonic() < end and not viewer.ended():
@@ -233,7 +233,7 @@ def use_once(viewer, folder, end, rng, actions):
 
 
 def use(program, folder, seconds, rng, actions):
-    """Uses viewers until the time is over. The number of viewers."""
+    """Uses viewers until the time is over; returns their number."""
     end = time.monotonic() + seconds
     starts = 0
     while time.monotonic() < end:

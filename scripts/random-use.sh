@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# A person's random clicking, with real mouse and key events, in a viewer built with the sanitizers:
+# Monkey test: random mouse and key events in a viewer built with the sanitizers.
 #   scripts/random-use.sh [SECONDS [SEED]]      300 seconds and a seed of the clock by default
-# Ends with 0 when the viewer lived, answered and left without a report; otherwise what it reported, the last events
-# and a picture are in the folder named at the end. The same seed gives the same events, though the viewer may have
-# got further or less far by then. BUILD_DIR names the build folder, build/asan by default. By hand, not in CI.
+# Exits with 0 when the viewer survived, responded and closed without a sanitizer report; otherwise the report, the last
+# events and a screenshot are in the folder printed at the end. The same seed gives the same events, though their timing
+# relative to the viewer varies. BUILD_DIR: the build folder, build/asan by default. Not part of CI.
 #
-# Needs xvfb, openbox, xdotool and imagemagick, and is run as root: viewer and window manager run as "nobody" with their
-# home in a folder of the run's own, which is the viewer's current one, so that no file dialog can reach anything else.
+# Needs xvfb, openbox, xdotool and imagemagick. Must run as root: viewer and window manager run as "nobody" with a
+# temporary home, which is also their current folder, so that no file dialog can write anywhere else.
 set -u
 : "${BUILD_DIR:=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")/build/asan}"
 . "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/setup.sh"
@@ -27,7 +27,7 @@ mkdir "$work/home"
 chown -R nobody "$work"
 chmod 755 "$work"
 export HOME=$work/home
-# Nothing that takes windows out of sight, and no menu that starts other programs.
+# Disables everything that hides windows or starts other programs.
 sed -E 's/NLIMC/NLMC/; s/name="(Iconify|ToggleShowDesktop|ShadeLower|ToggleShade|Shade|SendToDesktop|GoToDesktop|ShowMenu|Execute)"/name="Focus"/' \
     /etc/xdg/openbox/rc.xml >"$work/openbox.xml"
 setpriv --reuid=nobody --regid=nogroup --clear-groups openbox --config-file "$work/openbox.xml" >"$work/openbox.log" 2>&1 &
@@ -43,7 +43,7 @@ unset XDG_CONFIG_HOME XDG_RUNTIME_DIR WAYLAND_DISPLAY QT_SCALE_FACTOR
 export ASAN_OPTIONS=detect_leaks=1:verify_asan_link_order=0:handle_abort=1:allocator_may_return_null=1:log_path=$work/report
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:log_path=$work/report
 export LSAN_OPTIONS=suppressions=$source_dir/tests/support/lsan.supp:print_suppressions=0
-# Libraries that were unloaded again have no names in a report of leaks, so none is.
+# Unloaded libraries would have no symbols in a leak report: dlclose does nothing.
 echo 'int dlclose(void *handle) { (void)handle; return 0; }' | cc -shared -fPIC -o "$work/keep.so" -x c - ||
     fail "cc could not build $work/keep.so."
 export RANDOM_USE_PRELOAD=$work/keep.so

@@ -1,7 +1,7 @@
 # Shared by run, test and .ci/run (sourced): packages, build folder, display servers.
 
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
-# As a full path: cmake is called from the source folder, everything else from where the user stands.
+# As an absolute path: cmake runs in the source folder, everything else in the current one.
 build_dir=$(readlink -m -- "${BUILD_DIR:-$source_dir/build/release}")
 
 packages_build=(g++ cmake ninja-build qt6-base-dev qt6-3d-dev libqt6opengl6-dev qt6-tools-dev
@@ -9,7 +9,7 @@ packages_build=(g++ cmake ninja-build qt6-base-dev qt6-3d-dev libqt6opengl6-dev 
 packages_run=(libgl1-mesa-dri qt6-qpa-plugins qt6-wayland qt6-translations-l10n fonts-dejavu-core)
 packages_headless=(xvfb xauth)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev weston xdotool binutils file desktop-file-utils)
-# For those who make packages, the reference of the SDK, the pictures of the guide; neither run nor test needs them.
+# For packages, the SDK reference and the pictures of the guide; neither run nor test needs them.
 packages_release=(dpkg-dev fakeroot debootstrap doxygen xdotool imagemagick librsvg2-bin)
 packages_ci=(clang clang-format clang-tidy libclang-rt-14-dev doxygen)
 
@@ -59,7 +59,7 @@ stop_servers() {
     [ -n "${runtime_dir:-}" ] && rm -rf "$runtime_dir"
 }
 
-# An X server of our own on a free display number; sets DISPLAY.
+# Starts an X server on a free display number; sets DISPLAY.
 start_xvfb() {
     local number_file
     number_file=$(mktemp)
@@ -75,13 +75,13 @@ start_xvfb() {
     rm -f "$number_file"
 }
 
-# A Wayland compositor without a screen; sets XDG_RUNTIME_DIR and WAYLAND_DISPLAY.
+# Starts a headless Wayland compositor; sets XDG_RUNTIME_DIR and WAYLAND_DISPLAY.
 start_weston() {
     runtime_dir=$(mktemp -d)
     chmod 700 "$runtime_dir"
     export XDG_RUNTIME_DIR=$runtime_dir WAYLAND_DISPLAY=zu-wayland
-    # This compositor has no seat, and Qt 6.4 asks the first seat's input method for the writing direction whenever it
-    # draws the cursor of an empty line edit: a null pointer. An input method of Qt's own is not asked of the seat.
+    # This compositor has no seat, and Qt 6.4 dereferences the input method of the first seat whenever it draws the
+    # cursor of an empty line edit. The built-in input method avoids the seat.
     export QT_IM_MODULE=compose
     weston --backend=headless-backend.so --socket="$WAYLAND_DISPLAY" --width=1600 --height=1000 --idle-time=0 \
         >"$runtime_dir/weston.log" 2>&1 &
