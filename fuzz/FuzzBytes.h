@@ -24,7 +24,7 @@ public:
     }
     bool ended() const { return at >= size; }
 
-    /// Fills memory from what is left of the input, repeated with a twist.
+    /// Fills memory with the rest of the input, repeated with variations.
     void fill(uint8_t* target, size_t count) {
         uint32_t state = word() | 1U;
         for (size_t index = 0; index < count; ++index) {

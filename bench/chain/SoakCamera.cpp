@@ -8,14 +8,7 @@ constexpr quint32 width = 96;
 constexpr quint32 height = 64;
 
 void setLayout(SkPicBufInfo& info, quint32 rows, quint32 channels, EkImageDataType type, quint32 bits) {
-    info = SkPicBufInfo();
-    info.width = width;
-    info.height = rows;
-    info.channels = channels;
-    info.dataType = type;
-    info.bitsPerChannel = bits;
-    info.storageFormat = EkDataStorageFormat::Interleaved;
-    info.lineSize = width * channels * sampleBytes(type);
+    info = SkPicBufInfo::of(width, rows, channels, type, bits);
 }
 
 void setHybrid(SkPicBufInfo& info, CkImageMetadata& metadata, quint32 rows, qint32 phasesCount) {
@@ -27,7 +20,7 @@ void setHybrid(SkPicBufInfo& info, CkImageMetadata& metadata, quint32 rows, qint
 
 } // namespace
 
-void CkVideoSource::describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata) {
+void SoakCamera::describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata) {
     metadata = CkImageMetadata();
     metadata.cameraName = QString::number(int(readout));
     switch (readout) {
@@ -61,12 +54,12 @@ void CkVideoSource::describe(Readout readout, SkPicBufInfo& info, CkImageMetadat
     }
 }
 
-void CkVideoSource::setReadout(Readout readout) {
+void SoakCamera::setReadout(Readout readout) {
     const std::lock_guard lock(m_mutex);
     m_readout = readout;
 }
 
-std::unique_ptr<CkImageData> CkVideoSource::nextFrame() {
+std::unique_ptr<CkImageData> SoakCamera::nextFrame() {
     const std::lock_guard lock(m_mutex);
     SkPicBufInfo format;
     CkImageMetadata record;
@@ -76,19 +69,17 @@ std::unique_ptr<CkImageData> CkVideoSource::nextFrame() {
         record.phaseAngle = 90 * record.phaseSequenceIndex;
     }
     record.sectionIndex = record.sectionCount > 0 ? quint32(m_uiFrame % record.sectionCount) : 0;
-    SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, format)) {
+    auto frame = ::makeFrame(format, record, m_uiFrame);
+    SkPicBuf& picture = frame->picBuf();
+    if (picture.data == nullptr) {
         return nullptr;
     }
     std::memset(picture.data, int(m_uiFrame % 16), picture.lineSize);
-    picture.additionalData.frameNumber = m_uiFrame++;
-    auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(picture);
-    frame->setMetadata(record);
+    ++m_uiFrame;
     return frame;
 }
 
-bool CkVideoSource::sourceImageInfo(SkPicBufInfo& out, CkImageMetadata* pMetadata) const {
+bool SoakCamera::sourceImageInfo(SkPicBufInfo& out, CkImageMetadata* pMetadata) const {
     const std::lock_guard lock(m_mutex);
     CkImageMetadata record;
     describe(m_readout, out, record);

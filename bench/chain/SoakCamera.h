@@ -1,14 +1,12 @@
 #pragma once
 
-#include "tests/support/PushSource.h"
+#include "tests/support/FakeVideoSource.h"
 
 #include <mutex>
 
-/// A camera that switches its readout between frames. Counts as a video for the block because of its class
-/// name, so that separate phases are gathered.
-class CkVideoSource : public PushSource {
-    Q_OBJECT
-
+/// A camera that switches its readout between frames. Counts as a recording for the block, so that separate
+/// phases are gathered.
+class SoakCamera : public CkVideoSource {
 public:
     /// Kinds of readout; the name of each is in the metadata of its frames.
     enum Readout {
@@ -26,7 +24,7 @@ public:
     /// Descriptor and metadata of a readout.
     static void describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& metadata);
 
-    /// From now on frames come in this readout.
+    /// Readout of the following frames.
     void setReadout(Readout readout);
     /// The next frame; only its first row is set.
     std::unique_ptr<CkImageData> nextFrame();

@@ -1,5 +1,5 @@
-// Frames a second through chains with ToF blocks, on sets of the simulated camera made beforehand. Every
-// benchmark looks at what comes out and stops when it is wrong.
+// Frames per second through chains with ToF blocks, on precomputed sets of the simulated camera. Every
+// benchmark verifies the output and stops when it is wrong.
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "sim/synth/CkSimWaveSynth.h"
@@ -28,7 +28,7 @@ double nanoseconds(Clock::duration duration) {
     return double(std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
 }
 
-/// Processor time of this thread: what other programs take in between does not count.
+/// Processor time of this thread, unaffected by other programs.
 double threadNanoseconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -147,7 +147,7 @@ public:
     std::vector<std::unique_ptr<CountingSink>> sinks;
 };
 
-/// Streams sets, never more than the chain takes; answers nanoseconds a set.
+/// Streams sets as fast as the chain takes them; returns nanoseconds per set.
 double stream(benchmark::State& state, BenchChain& chain) {
     qint64 sets = 0;
     const auto begin = Clock::now();
@@ -177,8 +177,8 @@ void sourceThreeBranches(benchmark::State& state) {
     state.counters["intensity_us"] = chain.blockNs(2) / 1e3;
 }
 
-/// Share of the block's time that the kernel takes: the kernel called alone and the block, on the same sets,
-/// on this thread, in turns, in processor time.
+/// The kernel's share of the block's time: kernel alone and block alternate on the same sets and thread,
+/// measured in processor time.
 void kernelShareOfDepth(benchmark::State& state) {
     BenchChain chain({Block::Depth});
     Block* const block = chain.blocks.front();
@@ -211,17 +211,17 @@ void kernelShareOfDepth(benchmark::State& state) {
     state.counters["share_%"] = 100.0 * kernelNs / blockNs;
 }
 
-/// What a frame costs in the chain itself: the block hands its input on, so that nothing else is left.
+/// Overhead of the chain per frame: the block only passes its input on.
 void chainOverhead(benchmark::State& state) {
     BenchChain chain({Block::ConcatPhases});
     const double ns = stream(state, chain);
     state.counters["block_us"] = chain.blockNs(0) / 1e3;
     state.counters["overhead_us"] = (ns - chain.blockNs(0)) / 1e3;
-    // The same without what other programs take: the thread's own work for a frame.
+    // The same in processor time of the thread.
     state.counters["overhead_cpu_us"] = (chain.sinks.front()->chainCpuNs() - chain.blockNs(0)) / 1e3;
 }
 
-/// From handing a frame in to having it at the sink, with nothing else under way.
+/// From delivering a frame to receiving it at the sink, with no other frame in flight.
 void chainLatency(benchmark::State& state) {
     BenchChain chain({Block::ConcatPhases});
     qint64 sets = 0;

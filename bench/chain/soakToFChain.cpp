@@ -1,5 +1,5 @@
-// Runs a chain for a long time while its transform and its camera's readout change, and watches that every
-// frame has a right size, that memory stays flat, and that the chain stops cleanly.
+// Soak test: runs a chain while its transform and the readout of its camera change, and checks that every
+// frame has a valid size, memory stays flat and the chain stops cleanly.
 //
 //   soakToFChain [frames, default 100000]
 
@@ -16,8 +16,7 @@
 #include <thread>
 #include <unistd.h>
 
-// Freed memory that the sanitizer keeps aside, or gives back to the system only later, would look like
-// growth.
+// Freed memory in the sanitizer's quarantine, or not yet returned to the system, would look like growth.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
     return "quarantine_size_mb=16:allocator_release_to_os_interval_ms=100";
@@ -53,7 +52,7 @@ bool sameFormat(const SkPicBufInfo& first, const SkPicBufInfo& second) {
 bool isRight(const CkImageData& frame) {
     SkPicBufInfo in;
     CkImageMetadata record;
-    CkVideoSource::describe(CkVideoSource::Readout(frame.metadata().cameraName.toInt()), in, record);
+    SoakCamera::describe(SoakCamera::Readout(frame.metadata().cameraName.toInt()), in, record);
     for (int transform = 0; transform < 7; ++transform) {
         SkPicBufInfo out;
         CkImageMetadata outRecord;
@@ -79,7 +78,7 @@ public:
     std::atomic<qint64> wrong{0};
 };
 
-/// Sets another transform each time so many frames have gone in; a thread of its own, like a user.
+/// Changes the transform every so many frames, on a thread of its own, as a user does.
 void changeTransforms(Block* block, const std::atomic<qint64>& sent, const std::atomic<bool>& done,
                       std::atomic<qint64>& changes) {
     while (!done) {
@@ -99,7 +98,7 @@ int main(int argc, char** argv) {
     const qint64 total = argc > 1 ? std::atoll(argv[1]) : 100000;
     CkChainManager* const manager = CkChainManager::instance();
     CkChain* const chain = manager->createChain();
-    auto* const camera = new CkVideoSource;
+    auto* const camera = new SoakCamera;
     auto* const block = new Block;
     manager->insertAfter(chain, camera, nullptr);
     manager->insertAfter(chain, block, camera);
@@ -114,8 +113,7 @@ int main(int argc, char** argv) {
     long residentAtFirst = 0;
     for (qint64 frame = 0; frame < total; ++frame) {
         if (frame % framesPerReadout == 0) {
-            camera->setReadout(
-                CkVideoSource::Readout(frame / framesPerReadout % CkVideoSource::ReadoutCount));
+            camera->setReadout(SoakCamera::Readout(frame / framesPerReadout % SoakCamera::ReadoutCount));
         }
         while (!camera->push(camera->nextFrame())) {
             std::this_thread::yield();

@@ -1,5 +1,5 @@
-// Time per cloud and per PLY text, each against the obvious way of doing it, in one run. Every result is
-// checked before it is timed.
+// Time per cloud and per PLY text, each compared with the straightforward implementation in the same run.
+// Every result is verified before it is timed.
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
@@ -122,7 +122,7 @@ double threadNanoseconds() {
     return double(now.tv_sec) * 1e9 + double(now.tv_nsec);
 }
 
-/// Time of the processor, not of the clock: what else runs on the machine does not count.
+/// Processor time, unaffected by other programs.
 double nanoseconds(const std::function<void()>& work) {
     const double start = threadNanoseconds();
     work();
@@ -134,7 +134,7 @@ double quantile(std::vector<double>& values, double dPart) {
     return values[size_t(dPart * double(values.size() - 1))];
 }
 
-/// Times two ways of the same work in turn, so that whatever else the machine does hits both alike.
+/// Times two implementations in alternation, so that other load affects both alike.
 void compare(benchmark::State& state, double dUnits, const char* sUnit, const std::function<void()>& plain,
              const std::function<void()>& fast) {
     std::vector<double> plainTimes;

@@ -66,7 +66,7 @@ BenchPicture::BenchPicture(quint32 width, quint32 height, quint32 channels, EkIm
     if (!CkPicBufAPI::AllocPicBufFromHeap(pic, info)) {
         throw std::bad_alloc();
     }
-    // Every page is there before the clock runs.
+    // Touches every page before the clock runs.
     std::memset(pic.data, 0, bytes());
 }
 

@@ -21,5 +21,5 @@ BenchPicture twoTapPicture(quint32 phases, EkImageDataType type);
 BenchPicture differencePicture(quint32 phases, EkImageDataType type);
 /// Three windows, 832 x 600 per section; each further section is twice as sensitive.
 BenchPicture hybridPicture(quint32 sections, EkImageDataType type);
-/// Sections of noise over the whole range: no pixel foretells its neighbour.
+/// Sections of noise over the whole range: neighbouring pixels are independent.
 BenchPicture noisePicture(quint32 sections, EkImageDataType type);

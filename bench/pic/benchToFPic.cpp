@@ -86,6 +86,15 @@ void measureCopy(benchmark::State& state, const Case& which) {
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
+void addWideHybridCases(std::vector<Case>& cases) {
+    const auto wide = std::make_shared<BenchPicture>(hybridPicture(1, Type::UInt32));
+    cases.push_back(
+        {"hybrid depth, 32-bit", wide, 1, 2, Type::Float32, false,
+         [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToDepth_Confidence(s, r, 0.0F); }});
+    cases.push_back({"hybrid amplitude, 32-bit", wide, 1, 1, Type::UInt32, false,
+                     [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToAmplitude(s, r); }});
+}
+
 std::vector<Case> everyCase() {
     std::vector<Case> cases;
     const auto share = [](BenchPicture&& picture) {
@@ -140,12 +149,7 @@ std::vector<Case> everyCase() {
         cases.push_back({"HDR merge of noise, 3 sections" + bits + " to 16", share(noisePicture(3, taps)), 3,
                          3, Type::UInt16, false, merge});
     }
-    const auto wide = share(hybridPicture(1, Type::UInt32));
-    cases.push_back(
-        {"hybrid depth, 32-bit", wide, 1, 2, Type::Float32, false,
-         [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToDepth_Confidence(s, r, 0.0F); }});
-    cases.push_back({"hybrid amplitude, 32-bit", wide, 1, 1, Type::UInt32, false,
-                     [](const SkPicBuf& s, SkPicBuf& r) { return Api::rawHybridToAmplitude(s, r); }});
+    addWideHybridCases(cases);
     return cases;
 }
 

@@ -1,4 +1,4 @@
-// Phase shift and amplitude of four phases against the same result put together from OpenCV.
+// Phase shift and amplitude of four phases, compared with an OpenCV implementation of the same result.
 
 #include "bench/pic/RatioReporter.h"
 #include "bench/pic/benchPictures.h"
@@ -19,12 +19,12 @@ using Type = EkImageDataType;
 
 constexpr quint32 phases = 4;
 
-/// The pixels of a picture, not copied.
+/// The pixels of a picture, without a copy.
 cv::Mat matOf(const SkPicBuf& pic, int type) {
     return {int(pic.height), int(pic.width), type, pic.data, pic.lineSize};
 }
 
-/// Buffers that OpenCV keeps from run to run.
+/// OpenCV buffers, reused from run to run.
 struct OpenCvSteps {
     cv::Mat a, b, differences, x, y, amplitude, angle;
 
@@ -69,7 +69,7 @@ bool runDifferences(const SkPicBuf& source, Results& results) {
            Api::rawAminBPicToAmplitude(source, results.amplitude.pic, phases);
 }
 
-/// OpenCV's angles are about 0.3 degrees accurate; a turn more or less is the same angle.
+/// OpenCV's angles are about 0.3 degrees accurate; angles are compared modulo a full turn.
 bool sameAngles(const cv::Mat& angle, const SkPicBuf& phase) {
     for (quint32 row = 0; row < phase.height; ++row) {
         const auto* ours = reinterpret_cast<const float*>(phase.row(row));

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What blocks need around them.
+/// The environment that blocks need.
 void prepare() {
     static int count = 1;
     static char name[] = "fuzzChain";
@@ -26,7 +26,7 @@ void prepare() {
     registry->registerClass(nullptr, &CkVideoSource::staticMetaObject, base);
 }
 
-/// A file of blocks, most of them sound: bytes that only change a well-formed file seldom leave it
+/// A well-formed file of mostly valid blocks: random changes to a well-formed file rarely leave it
 /// well-formed.
 QByteArray composed(FuzzBytes& input) {
     static const char* const classes[] = {"com.orvane.Pictor.CkCameraSource", "CkToFProcessCnbl",

@@ -5,6 +5,6 @@
 #include <string>
 
 /// Opens the bytes as a chain file, or, when the first one is 128 or more, a file of blocks that they
-/// describe. Empty when every promise was kept, otherwise what was broken: a refusal says why and names the
-/// file and leaves no chain, a chain that was read and written again is the same.
+/// describe. Empty when every contract held, otherwise the violation: a refusal has a reason, names the file
+/// and leaves no chain, a chain that was read and written again is the same.
 std::string checkChain(const uint8_t* bytes, size_t size);

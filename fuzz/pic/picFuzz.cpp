@@ -15,7 +15,7 @@ namespace {
 using Api = CkToFPicAPI;
 constexpr uint64_t memoryLimit = 64 * 1024;
 
-/// A descriptor with exactly the memory it speaks of, or none where that would be too much.
+/// A descriptor with exactly the memory it describes, or none where that would be too much.
 struct FuzzPicture {
     SkPicBuf pic;
     std::unique_ptr<uint8_t[]> memory;
@@ -188,7 +188,7 @@ bool paddingKept(const FuzzPicture& result, const std::vector<uint8_t>& before) 
     return true;
 }
 
-std::string checkOperation(int operation, FuzzBytes& input) {
+Call callFrom(int operation, FuzzBytes& input) {
     Call call{operation, 1, 0.0F, {}, input.byte() % 2 == 0};
     const uint8_t phaseKind = input.byte();
     call.phases = phaseKind < 240 ? 1 << (phaseKind % 4) : int(input.word());
@@ -198,6 +198,11 @@ std::string checkOperation(int operation, FuzzBytes& input) {
         const uint8_t angle = input.byte();
         call.angles.push_back(angle < 240 ? (angle % 8) * 45 : qint32(input.word()));
     }
+    return call;
+}
+
+std::string checkOperation(int operation, FuzzBytes& input) {
+    const Call call = callFrom(operation, input);
     input.mask = uint8_t(input.byte() | 1U);
 
     const Shape shape = likelyShape(operation, input);
@@ -208,7 +213,7 @@ std::string checkOperation(int operation, FuzzBytes& input) {
         source.pic.colorFilterArray = EkColorFilterArray::None;
     }
     describe(input, result.pic, shape.resultChannels, shape.resultType);
-    result.pic.minValue = -2.0F; // what no operation finds and few write
+    result.pic.minValue = -2.0F; // a value that no operation computes
     result.pic.maxValue = -3.0F;
     source.allocate(input);
     result.allocate(input);

@@ -271,7 +271,7 @@ TEST(CkSimCamera, changesApplyTogetherAtTheBoundaryOfASet) {
     camera->stop();
 
     // A run of its own to look at every frame: sets are whole, and never half of each setting. Set by set,
-    // for the camera has only a few pictures to lend.
+    // for the pool of the camera is small.
     SimFrames record;
     camera->setPaused(true);
     ASSERT_TRUE(camera->start(record.receiver(), nullptr));
@@ -287,7 +287,7 @@ TEST(CkSimCamera, changesApplyTogetherAtTheBoundaryOfASet) {
                                         {"tof_phases", even ? 2 : 4}}));
         delivered += even ? 4 : 2;
         ASSERT_TRUE(record.waitFor(delivered));
-        // Kept as short records, so that the pictures go back.
+        // Kept without pixels, so that the pictures return to the pool.
         for (SimFrames::Frame& frame : record.take()) {
             auto copy = std::make_unique<CkImageData>();
             copy->setMetadata(frame->metadata());
@@ -354,7 +354,7 @@ TEST(CkSimCamera, lendsAFewPicturesAndDropsWhenAllAreHeld) {
         memory.insert(frame->picBuf().data);
     }
     EXPECT_EQ(memory.size(), held);
-    // Given back, the same memory comes again.
+    // Released memory is reused.
     frames.clear();
     ASSERT_TRUE(holder.waitFor(held + 2));
     camera->stop();

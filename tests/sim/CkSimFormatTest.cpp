@@ -15,7 +15,7 @@ std::unique_ptr<IkCamera> openCamera(const QString& sId) {
     return driver.open(sId, nullptr);
 }
 
-/// What a frame must be, set down by hand.
+/// The expected frame, written out.
 struct SkExpected {
     quint32 width = 640;
     quint32 height = 480;
@@ -58,7 +58,7 @@ void expectSameInfo(const SkPicBufInfo& first, const SkPicBufInfo& second) {
     EXPECT_EQ(first.layoutFlag, second.layoutFlag);
 }
 
-/// frameInfo tells the first image of a set, but for what only a delivered frame has.
+/// frameInfo describes the first image of a set, except for what only a delivered frame has.
 void expectInfoOfFrame(const IkCamera& camera, const CkImageData& frame) {
     SkPicBufInfo info;
     CkImageMetadata metadata;

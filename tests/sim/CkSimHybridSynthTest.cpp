@@ -57,18 +57,18 @@ TEST(CkSimHybridSynth, windowsHoldWhatTheyShould) {
     {
         const CkSimRaster raster(LENS, CkSimScene::wall(2.99792458));
         ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
-        EXPECT_NEAR(picture.at(416, 300, 0), (312.0 + 4005.5 / 2.0) * gain, 0.6);
-        EXPECT_NEAR(picture.at(416, 300, 1), (312.0 + 4005.5 / 2.0) * gain, 0.6);
-        EXPECT_NEAR(picture.at(416, 300, 2), 312.0 * gain, 0.6);
-        EXPECT_TRUE(picture.paddingIntact());
+        EXPECT_NEAR(picture.valueAt(416, 300, 0), (312.0 + 4005.5 / 2.0) * gain, 0.6);
+        EXPECT_NEAR(picture.valueAt(416, 300, 1), (312.0 + 4005.5 / 2.0) * gain, 0.6);
+        EXPECT_NEAR(picture.valueAt(416, 300, 2), 312.0 * gain, 0.6);
+        EXPECT_TRUE(picture.guardsIntact());
     }
     {
         // At 1.25 ranges (7.49481145 m): 36000 / 56.1722 = 640.9 electrons, 3/4 in X2, 1/4 in X3.
         const CkSimRaster raster(LENS, CkSimScene::wall(7.49481145));
         ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
-        EXPECT_NEAR(picture.at(416, 300, 0), 312.0 * gain, 0.6);
-        EXPECT_NEAR(picture.at(416, 300, 1), (312.0 + 640.9 * 0.75) * gain, 0.6);
-        EXPECT_NEAR(picture.at(416, 300, 2), (312.0 + 640.9 * 0.25) * gain, 0.6);
+        EXPECT_NEAR(picture.valueAt(416, 300, 0), 312.0 * gain, 0.6);
+        EXPECT_NEAR(picture.valueAt(416, 300, 1), (312.0 + 640.9 * 0.75) * gain, 0.6);
+        EXPECT_NEAR(picture.valueAt(416, 300, 2), (312.0 + 640.9 * 0.25) * gain, 0.6);
     }
 }
 
@@ -105,8 +105,9 @@ TEST(CkSimHybridSynth, depthComesBackInBothHalvesOfTheRange) {
                     continue;
                 }
                 ++checked;
-                const SkDepth depth = depthOf(picture.at(column, row, 0), picture.at(column, row, 1),
-                                              picture.at(column, row, 2), range);
+                const SkDepth depth =
+                    depthOf(picture.valueAt(column, row, 0), picture.valueAt(column, row, 1),
+                            picture.valueAt(column, row, 2), range);
                 ASSERT_LE(std::abs(depth.metres - truth), depth.bound) << column << ' ' << row;
             }
         }
@@ -125,11 +126,11 @@ TEST(CkSimHybridSynth, eachSectionIsTwiceAsSensitive) {
     for (quint32 row = 0; row < H; row += 11) {
         for (quint32 column = 0; column < W; column += 13) {
             for (quint32 channel = 0; channel < 3; ++channel) {
-                const double base = picture.at(column, row, channel);
+                const double base = picture.valueAt(column, row, channel);
                 for (quint32 section = 1; section < 4; ++section) {
                     const double factor = double(1U << section);
                     // 1/2 for its own rounding and factor / 2 for that of section 0.
-                    ASSERT_NEAR(picture.at(column, section * H + row, channel), base * factor,
+                    ASSERT_NEAR(picture.valueAt(column, section * H + row, channel), base * factor,
                                 factor / 2.0 + 0.51);
                 }
             }
@@ -145,8 +146,8 @@ TEST(CkSimHybridSynth, theMostSensitiveSectionSaturatesFirst) {
     SimPicture picture(W, 2 * H, 3, EkImageDataType::UInt16, 12);
     ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
     ASSERT_TRUE(synth.writeSection(raster, 0, 3, EkSection::Plain, picture, H));
-    EXPECT_LT(picture.at(416, 300, 0), 3685.0);
-    EXPECT_EQ(picture.at(416, H + 300, 0), 4095.0);
+    EXPECT_LT(picture.valueAt(416, 300, 0), 3685.0);
+    EXPECT_EQ(picture.valueAt(416, H + 300, 0), 4095.0);
 }
 
 TEST(CkSimHybridSynth, referenceTakesTheDarkLevelAway) {
@@ -166,16 +167,16 @@ TEST(CkSimHybridSynth, referenceTakesTheDarkLevelAway) {
     for (quint32 row = 0; row < H; row += 3) {
         for (quint32 column = 0; column < W; column += 3) {
             for (quint32 channel = 0; channel < 3; ++channel) {
-                const double dark = reference.at(column, row, channel) - ambient / 2.0;
+                const double dark = reference.valueAt(column, row, channel) - ambient / 2.0;
                 darkest = std::min(darkest, dark);
                 brightest = std::max(brightest, dark);
                 // Half of the ambient light is left; three roundings.
-                ASSERT_NEAR(measured.at(column, row, channel) - reference.at(column, row, channel),
-                            plain.at(column, row, channel) - ambient / 2.0, 1.52);
+                ASSERT_NEAR(measured.valueAt(column, row, channel) - reference.valueAt(column, row, channel),
+                            plain.valueAt(column, row, channel) - ambient / 2.0, 1.52);
             }
             const double range = 40e-9 * 299792458.0 / 2.0;
             const auto difference = [&](quint32 channel) {
-                return measured.at(column, row, channel) - reference.at(column, row, channel);
+                return measured.valueAt(column, row, channel) - reference.valueAt(column, row, channel);
             };
             const SkDepth depth = depthOf(difference(0), difference(1), difference(2), range);
             // Two roundings in every difference.
@@ -213,8 +214,8 @@ TEST(CkSimHybridSynth, refusesPicturesThatDoNotFit) {
     EXPECT_FALSE(synth.writeSection(raster, 0, 0, EkSection::Plain, good, 1));
     EXPECT_FALSE(synth.writeSection(raster, 0, -1, EkSection::Plain, good, 0));
     EXPECT_FALSE(synth.writeSection(raster, 0, 16, EkSection::Plain, good, 0));
-    EXPECT_TRUE(good.untouchedRow(0));
-    EXPECT_TRUE(good.untouchedRow(H - 1));
+    EXPECT_TRUE(good.isUntouched(0));
+    EXPECT_TRUE(good.isUntouched(H - 1));
 }
 
 TEST(CkSimGreySynth, showsTheAmbientLight) {
@@ -224,12 +225,12 @@ TEST(CkSimGreySynth, showsTheAmbientLight) {
     synth.setup(quiet());
     SimPicture bytes(640, 480, 1, EkImageDataType::UInt8, 8);
     ASSERT_TRUE(synth.writePicture(raster, 0, bytes));
-    EXPECT_NEAR(bytes.at(11, 7), 20800.0 / 60000.0 * 255.0, 0.51);
-    EXPECT_TRUE(bytes.paddingIntact());
+    EXPECT_NEAR(bytes.valueAt(11, 7), 20800.0 / 60000.0 * 255.0, 0.51);
+    EXPECT_TRUE(bytes.guardsIntact());
     SimPicture words(640, 480, 1, EkImageDataType::UInt16, 12);
     ASSERT_TRUE(synth.writePicture(raster, 0, words));
-    EXPECT_NEAR(words.at(11, 7), 20800.0 / 60000.0 * 4095.0, 0.51);
+    EXPECT_NEAR(words.valueAt(11, 7), 20800.0 / 60000.0 * 4095.0, 0.51);
     SimPicture signedBytes(640, 480, 1, EkImageDataType::Int8, 8);
     EXPECT_FALSE(synth.writePicture(raster, 0, signedBytes));
-    EXPECT_TRUE(signedBytes.untouchedRow(0));
+    EXPECT_TRUE(signedBytes.isUntouched(0));
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Distance along the optical axis over radial distance, written out of the lens's definition.
+/// Ratio of axial to radial distance, from the definition of the lens.
 double axisShare(const SkSimLens& lens, int column, int row) {
     const double x = (column - lens.width / 2) * lens.cellSizeMm;
     const double y = (lens.height / 2 - row) * lens.cellSizeMm;
@@ -146,10 +146,10 @@ TEST(CkSimRaster, distancePictureIsWrittenByLineSizeAndRefusedWhenItDoesNotFit) 
     const CkSimRaster raster(SkSimLens{}, CkSimScene::wall(2.0));
     SimPicture picture(640, 480, 1, EkImageDataType::Float32, 32);
     ASSERT_TRUE(raster.writeDistance(picture));
-    EXPECT_TRUE(picture.paddingIntact());
-    EXPECT_EQ(float(picture.at(17, 311)), raster.distance()[311 * 640 + 17]);
-    EXPECT_FLOAT_EQ(picture.minValue, 2.0F);
-    EXPECT_NEAR(double(picture.maxValue), 2.0 * std::sqrt(10.24 + 5.76 + 12.25) / 3.5, 1e-5);
+    EXPECT_TRUE(picture.guardsIntact());
+    EXPECT_EQ(float(picture.valueAt(17, 311)), raster.distance()[311 * 640 + 17]);
+    EXPECT_FLOAT_EQ(picture->minValue, 2.0F);
+    EXPECT_NEAR(double(picture->maxValue), 2.0 * std::sqrt(10.24 + 5.76 + 12.25) / 3.5, 1e-5);
 
     SimPicture small(640, 479, 1, EkImageDataType::Float32, 32);
     EXPECT_FALSE(raster.writeDistance(small));

@@ -44,8 +44,9 @@ SkPointer pointerOf(const SimPicture& picture, int phases, quint32 height, quint
     std::vector<double> d;
     for (int phase = 0; phase < phases; ++phase) {
         const quint32 line = quint32(phase) * height + row;
-        d.push_back(picture.channels == 2 ? picture.at(column, line, 0) - picture.at(column, line, 1)
-                                          : picture.at(column, line));
+        d.push_back(picture->channels == 2
+                        ? picture.valueAt(column, line, 0) - picture.valueAt(column, line, 1)
+                        : picture.valueAt(column, line));
     }
     if (phases == 2) {
         return {d[0], d[1]};
@@ -113,7 +114,7 @@ TEST(CkSimWaveSynth, phasesGiveTheDistanceWithinTheQuantisation) {
         synth.setup(exposure, test.modulationMHz);
         SimPicture picture(W, quint32(test.phases) * H, taps ? 2 : 1, test.type, test.bits);
         writeSet(synth, raster, 0, test.phases, picture);
-        ASSERT_TRUE(picture.paddingIntact());
+        ASSERT_TRUE(picture.guardsIntact());
 
         const double range = 299.70254 / (2.0 * test.modulationMHz);
         double fullScale = double((1U << test.bits) - 1U);
@@ -154,8 +155,8 @@ TEST(CkSimWaveSynth, tapsHoldWhatTheyShould) {
     const double phase = 2.0 * PI * 2.0 / 7.4925635;
     for (quint32 index = 0; index < 4; ++index) {
         const double swing = 6000.0 * 0.9 * std::cos(phase - index * PI / 2.0);
-        EXPECT_NEAR(picture.at(320, index * H + 240, 0), (7040.0 + swing) * 65535.0 / 60000.0, 0.51);
-        EXPECT_NEAR(picture.at(320, index * H + 240, 1), (7040.0 - swing) * 65535.0 / 60000.0, 0.51);
+        EXPECT_NEAR(picture.valueAt(320, index * H + 240, 0), (7040.0 + swing) * 65535.0 / 60000.0, 0.51);
+        EXPECT_NEAR(picture.valueAt(320, index * H + 240, 1), (7040.0 - swing) * 65535.0 / 60000.0, 0.51);
     }
 }
 
@@ -187,7 +188,7 @@ TEST(CkSimWaveSynth, onePhaseHoldsTheDifferenceItself) {
     SimPicture picture(W, H, 1, EkImageDataType::Int16, 12);
     writeSet(synth, raster, 0, 1, picture);
     const double expected = 12000.0 * 0.9 * std::cos(2.0 * PI * 2.0 / 7.4925635) * 4095.0 / 60000.0;
-    EXPECT_NEAR(picture.at(320, 240), expected, 0.51);
+    EXPECT_NEAR(picture.valueAt(320, 240), expected, 0.51);
 }
 
 TEST(CkSimWaveSynth, nearThingsSaturate) {
@@ -204,12 +205,12 @@ TEST(CkSimWaveSynth, nearThingsSaturate) {
         for (const SkCase& format : formats) {
             SimPicture picture(W, H, 2, format.type, format.bits);
             ASSERT_TRUE(synth.writePhase(raster, 0, 0, picture, 0));
-            EXPECT_EQ(picture.at(320, 240, 0), double((1U << format.bits) - 1U));
+            EXPECT_EQ(picture.valueAt(320, 240, 0), double((1U << format.bits) - 1U));
         }
         SimPicture difference(W, H, 1, EkImageDataType::Int16, 16);
         ASSERT_TRUE(synth.writePhase(raster, 0, 0, difference, 0));
-        EXPECT_GE(difference.at(320, 240), -32767.0);
-        EXPECT_LE(difference.at(320, 240), 32767.0);
+        EXPECT_GE(difference.valueAt(320, 240), -32767.0);
+        EXPECT_LE(difference.valueAt(320, 240), 32767.0);
     }
 }
 
@@ -232,8 +233,8 @@ TEST(CkSimWaveSynth, oneFullAndOneEmptyTapFillTheDifference) {
         ASSERT_TRUE(synth.writePhase(raster, 0, angle, words, 0));
         const double sign = angle == 90 ? 1.0 : -1.0;
         const double rest = 0.05 * 13680.0 * 4.7 / 60000.0;
-        EXPECT_NEAR(bytes.at(320, 240), sign * 127.0 * (1.0 - rest), 0.6);
-        EXPECT_NEAR(words.at(320, 240), sign * 32767.0 * (1.0 - rest), 20.0);
+        EXPECT_NEAR(bytes.valueAt(320, 240), sign * 127.0 * (1.0 - rest), 0.6);
+        EXPECT_NEAR(words.valueAt(320, 240), sign * 32767.0 * (1.0 - rest), 20.0);
     }
 }
 
@@ -257,8 +258,8 @@ TEST(CkSimWaveSynth, noiseHasTheVarianceOfPhotonsAndReadout) {
         ASSERT_TRUE(synth.writePhase(raster, set, 0, picture, 0));
         for (quint32 row = 0; row < 16; ++row) {
             for (quint32 column = 0; column < 16; ++column) {
-                const double a = picture.at(column, row, 0) / gain - means[0];
-                const double b = picture.at(column, row, 1) / gain - means[1];
+                const double a = picture.valueAt(column, row, 0) / gain - means[0];
+                const double b = picture.valueAt(column, row, 1) / gain - means[1];
                 sum[0] += a;
                 sum[1] += b;
                 squares[0] += a * a;
@@ -332,7 +333,7 @@ TEST(CkSimWaveSynth, refusesPicturesThatDoNotFit) {
                              quint32 bits, quint32 firstRow) {
         SimPicture picture(columns, rows, samples, type, bits);
         const bool written = synth.writePhase(raster, 0, 0, picture, firstRow);
-        return !written && picture.untouchedRow(0) && picture.untouchedRow(rows - 1);
+        return !written && picture.isUntouched(0) && picture.isUntouched(rows - 1);
     };
     EXPECT_TRUE(refused(641, 480, 2, EkImageDataType::UInt16, 12, 0));
     EXPECT_TRUE(refused(640, 479, 2, EkImageDataType::UInt16, 12, 0));
@@ -351,5 +352,5 @@ TEST(CkSimWaveSynth, refusesPicturesThatDoNotFit) {
     SkPicBuf empty = picture;
     empty.data = nullptr;
     EXPECT_FALSE(synth.writePhase(raster, 0, 0, empty, 0));
-    EXPECT_TRUE(picture.untouchedRow(0));
+    EXPECT_TRUE(picture.isUntouched(0));
 }

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <vector>
 
-/// Receives a camera's frames and keeps them, or only counts them: a camera lends just a few pictures.
+/// Receives a camera's frames and keeps them, or only counts them, for the pool of a camera is small.
 class SimFrames {
 public:
     using Frame = std::unique_ptr<CkImageData>;
@@ -29,7 +29,7 @@ public:
         };
     }
 
-    /// Waits until that many frames have come in all. False when they do not come.
+    /// Waits until that many frames have arrived in total. False after a minute.
     bool waitFor(size_t count) {
         std::unique_lock lock(m_mutex);
         return m_arrived.wait_for(lock, std::chrono::seconds(60), [&] { return m_count >= count; });
@@ -40,7 +40,7 @@ public:
         return m_count;
     }
 
-    /// The frames that came since the last call.
+    /// The frames since the last call.
     std::vector<Frame> take() {
         const std::lock_guard lock(m_mutex);
         return std::move(m_frames);

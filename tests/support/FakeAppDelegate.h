@@ -15,8 +15,8 @@ class QLayout;
 class QMenu;
 class QWidget;
 
-/// The application as tests see it: settings in a temporary file, views in a table, answers that a test sets
-/// and calls that it reads afterwards. Registers itself as the instance for as long as it lives.
+/// A fake application: settings in a temporary file, views in a table, answers set by the test, and a log of
+/// the calls. The registered instance as long as it lives.
 class FakeAppDelegate : public IkAppDelegate {
 public:
     FakeAppDelegate();
@@ -24,8 +24,7 @@ public:
 
     // ---- what tests set ------------------------------------------------------------------------------
 
-    /// Makes a view known under its identifier; the view stays the test's. Deleted views drop out by
-    /// themselves.
+    /// Registers a view under its identifier; the test keeps ownership. Deleted views unregister themselves.
     void registerView(CkMdiView* pView);
     void unregisterView(int iViewId);
 
@@ -36,7 +35,8 @@ public:
     QList<void*> camerasWithoutPanel; ///< addCameraPanelLayout answers false
     bool acquisitionSucceeds = true;  ///< answer of startAcquisition
     bool closingSucceeds = true;      ///< answer of closeView for known views, which it then deletes
-    /// Behind openImageView. Default: a plain CkMdiView on the block, registered and owned by the delegate.
+    /// Implementation of openImageView. Default: a plain CkMdiView on the block, registered and owned by the
+    /// delegate.
     std::function<CkMdiView*(CkChainable*)> makeImageView;
     bool provideLuts = true; ///< false: createLut answers null
     int lutPseudoColor = 0;  ///< map of the tables of createLut
@@ -50,7 +50,7 @@ public:
     QStringList calls;
     QList<void*> lutHandles; ///< the cameras of the last createLut
     int settingsHandedOut = 0;
-    /// Settings objects handed out and not deleted yet.
+    /// Settings objects handed out and still alive.
     int settingsAlive() const { return *m_settingsAlive; }
     QString settingsFile() const;
     /// The stored value as a new reader sees it; invalid when there is none.

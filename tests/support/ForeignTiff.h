@@ -5,7 +5,7 @@
 #include <tiffio.h>
 #include <vector>
 
-/// What other programs choose for a TIFF of 16 bits a sample.
+/// The choices other programs make for a TIFF with 16-bit samples.
 struct ForeignTiffForm {
     const char* mode = "w"; ///< as for TIFFOpen: byte order, size of the offsets
     quint32 channels = 1;
@@ -17,7 +17,7 @@ struct ForeignTiffForm {
     int pages = 1;
 };
 
-/// Writes sample(page, x, y, channel), with tiles also what lies beyond the picture. False when the file
+/// Writes sample(page, x, y, channel), including the samples of tiles beyond the picture. False when the file
 /// cannot be written.
 template <typename Sample>
 [[nodiscard]] bool writeForeignTiff(const QString& file, quint32 width, quint32 height,

@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-/// Files of this process grow to so many bytes until the end of the block: writing more fails, as on a full
-/// disk.
+/// While it lives, files of this process cannot grow beyond a size: further writes fail, as on a full disk.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t uiBytes) : m_handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {

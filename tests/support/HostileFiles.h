@@ -4,10 +4,10 @@
 
 #include "host/recording/SkFrameDescription.h"
 
-/// Small files that ask for much. Each function writes one; false when the file could not be written.
+/// Small files that claim to be large. Each function writes one; false when the file could not be written.
 namespace HostileFiles {
 
-/// Plain pages of which the file holds next to nothing.
+/// Uncompressed pages of which the file holds next to nothing.
 [[nodiscard]] inline bool claimedPages(const QString& file, quint32 width, quint32 height, int pages,
                                        qsizetype bytes) {
     HostileTiff tiff(file);
@@ -31,7 +31,7 @@ namespace HostileFiles {
     return tiff.close();
 }
 
-/// Pages of deflated zeros that all have the same strip.
+/// Pages of deflated zeros that all share one strip.
 [[nodiscard]] inline bool pagesOfOneStrip(const QString& file, quint32 width, quint32 height, int pages) {
     HostileTiff tiff(file);
     const QByteArray stream = HostileTiff::deflatedZeros(qsizetype(width) * height * 2);
@@ -43,7 +43,7 @@ namespace HostileFiles {
     return tiff.close();
 }
 
-/// Pages with the text of a recording, as describe makes it for each of them, over one plain strip.
+/// Pages with the text of a recording, made by describe for each page, that share one uncompressed strip.
 template <typename Describe>
 [[nodiscard]] bool describedPages(const QString& file, quint32 width, quint32 height, quint32 channels,
                                   int pages, const Describe& describe) {
@@ -69,7 +69,7 @@ template <typename Describe>
     return tiff.close();
 }
 
-/// A raw ToF page as it stands in a recording, changed by change.
+/// A raw ToF page as in a recording, modified by change.
 template <typename Change>
 QByteArray tofText(const Change& change) {
     SkFrameDescription description;
@@ -80,7 +80,7 @@ QByteArray tofText(const Change& change) {
     return description.toText();
 }
 
-/// Directories of one entry that says nothing.
+/// Directories of one meaningless entry.
 [[nodiscard]] inline bool emptyDirectories(const QString& file, int pages) {
     HostileTiff tiff(file);
     for (int i = 0; i < pages; ++i) {
@@ -89,7 +89,7 @@ QByteArray tofText(const Change& change) {
     return tiff.close();
 }
 
-/// Whole pages of one pixel each.
+/// Valid pages of one pixel each.
 [[nodiscard]] inline bool tinyPages(const QString& file, int pages) {
     HostileTiff tiff(file);
     const quint32 strip = tiff.append(QByteArray(2, '\1'));
@@ -99,7 +99,7 @@ QByteArray tofText(const Change& change) {
     return tiff.close();
 }
 
-/// One plain page that is there, in a hole of the file.
+/// One complete uncompressed page, in a hole of a sparse file.
 [[nodiscard]] inline bool hugePlainPage(const QString& file, quint32 width, quint32 height, quint32 bits) {
     HostileTiff tiff(file);
     const quint32 bytes = width * height * (bits / 8);
@@ -112,7 +112,7 @@ QByteArray tofText(const Change& change) {
     return tiff.close();
 }
 
-/// A directory whose unknown tags all claim the same many bytes.
+/// A directory whose unknown tags all claim the same large range of bytes.
 [[nodiscard]] inline bool wideEntries(const QString& file, int entries, quint32 bytes) {
     HostileTiff tiff(file);
     const quint32 hole = tiff.appendHole(bytes);
@@ -141,7 +141,7 @@ QByteArray tofText(const Change& change) {
     return tiff.close();
 }
 
-/// A page one pixel wide of as many strips as rows.
+/// A page one pixel wide with a strip for each row.
 [[nodiscard]] inline bool manyStrips(const QString& file, quint32 rows) {
     HostileTiff tiff(file);
     auto page = HostileTiff::page(1, rows, 8, COMPRESSION_ADOBE_DEFLATE, 8, 8);
@@ -154,7 +154,7 @@ QByteArray tofText(const Change& change) {
     return tiff.close();
 }
 
-/// A page of a few pixels in one tile of very many.
+/// A page of a few pixels in one enormous tile.
 [[nodiscard]] inline bool hugeTile(const QString& file, quint32 side) {
     HostileTiff tiff(file);
     const QByteArray stream = HostileTiff::deflatedZeros(1024 * 1024);

@@ -10,15 +10,15 @@
 #include <tiff.h>
 #include <vector>
 
-/// Writes TIFF files entry by entry, with whatever a directory should not say. Little endian, offsets of four
-/// bytes. What is appended is written in pieces, so that the memory of the test stays small.
+/// Writes TIFF files entry by entry, invalid directories included. Little endian, 32-bit offsets. Data is
+/// written in pieces to keep the memory of the test small.
 class HostileTiff {
 public:
     struct SkEntry {
         quint16 tag;
         quint16 type;
         quint32 count;
-        quint32 value; ///< the number itself, or where it lies
+        quint32 value; ///< the value itself, or its offset
     };
 
     explicit HostileTiff(const QString& file) : m_file(file) {
@@ -33,7 +33,7 @@ public:
     }
 
     quint32 size() const { return quint32(m_written) + quint32(m_waiting.size()); }
-    /// Where the bytes lie.
+    /// Appends the bytes; returns their offset.
     quint32 append(const QByteArray& bytes) {
         const quint32 offset = size();
         m_waiting.append(bytes);
@@ -42,7 +42,7 @@ public:
         }
         return offset;
     }
-    /// Zeros that take no space on the disk. Where they lie.
+    /// Appends zeros that take no space on the disk; returns their offset.
     quint32 appendHole(quint32 bytes) {
         flush();
         const quint32 offset = size();
@@ -50,7 +50,7 @@ public:
         m_good = m_good && m_file.resize(qint64(m_written)) && m_file.seek(qint64(m_written));
         return offset;
     }
-    /// A directory behind what is there, and the link to it. Entries have to come in ascending order.
+    /// Appends a directory and links it. Entries must be in ascending order.
     void addPage(const std::vector<SkEntry>& entries) {
         if (size() % 2 != 0) {
             append(QByteArray(1, '\0'));
@@ -88,7 +88,7 @@ public:
                   [](const SkEntry& a, const SkEntry& b) { return a.tag < b.tag; });
         return entries;
     }
-    /// An entry that holds a text, its bytes in front of the directory that follows.
+    /// A text entry; appends its bytes.
     SkEntry text(quint16 tag, const QByteArray& ascii) {
         const quint32 offset = append(ascii + '\0');
         return {tag, TIFF_ASCII, quint32(ascii.size()) + 1, offset};

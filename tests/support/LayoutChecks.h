@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <QWidget>
 
-/// What is cut off or lies over something else in a window that is shown; empty when all is well.
+/// Widgets that are clipped or overlap in a shown window; empty when there are none.
 inline QStringList layoutFaults(const QWidget* pWindow) {
     QStringList faults;
     QList<std::pair<QString, QRect>> placed;
@@ -35,7 +35,7 @@ inline QStringList layoutFaults(const QWidget* pWindow) {
         if (child->height() < iNeeded) {
             faults << sName + " is cut off below";
         }
-        // Edits are as wide as there is room; texts have to be whole.
+        // Edits may be narrower than their text; labels must show all of it.
         if (!bWraps && qobject_cast<const QLineEdit*>(child) == nullptr &&
             child->width() < child->sizeHint().width()) {
             faults << sName + " is cut off at the side";

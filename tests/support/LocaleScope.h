@@ -2,7 +2,7 @@
 
 #include <QLocale>
 
-/// Another default locale until the end of the block.
+/// Changes the default locale until it goes out of scope.
 class LocaleScope {
 public:
     explicit LocaleScope(const QLocale& locale) { QLocale::setDefault(locale); }

@@ -7,9 +7,9 @@
 #include <QTimer>
 #include <functional>
 
-/// Works the modal windows that code under test opens, as a person would: with key presses, from the event
-/// loop that the window itself runs. Message boxes are written down and closed with Enter unless a handler is
-/// set; other windows go to the handlers of expectWindow in turn.
+/// Operates the modal windows that the code under test opens, with key presses from within their own event
+/// loop. Message boxes are recorded and closed with Enter unless a handler is set; other windows go to the
+/// handlers of expectWindow in turn.
 class ModalDriver : public QObject {
 public:
     struct Box {
@@ -30,9 +30,9 @@ public:
     std::function<void(QMessageBox*)> onBox;
 
     void expectWindow(std::function<void(QWidget*)> handler) { m_handlers.append(std::move(handler)); }
-    /// Windows that were expected and have not come.
+    /// Expected windows that have not opened yet.
     qsizetype pending() const { return m_handlers.size(); }
-    /// This window is the test's own.
+    /// Leaves this window alone, for it belongs to the test.
     void ignoreWindow(QWidget* pWindow) { m_ignored = pWindow; }
 
 private:
@@ -57,7 +57,7 @@ private:
         }
     }
 
-    // Outside of the timer's own call: what the handler does may open the next window before it returns.
+    // Not within the timer's callback: the handler may open the next window before it returns.
     void later(QWidget* pWindow, std::function<void(QWidget*)> handler) {
         QMetaObject::invokeMethod(
             pWindow, [pWindow, handler = std::move(handler)] { handler(pWindow); }, Qt::QueuedConnection);

@@ -2,7 +2,7 @@
 
 #include "zuCore/CkImageProvider.h"
 
-/// A block that can be given another name.
+/// A block whose title can be changed.
 class NamedBlock : public CkImageProvider {
 public:
     QString title() const override { return name; }

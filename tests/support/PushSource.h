@@ -1,12 +1,11 @@
 #pragma once
 
-#include "zuCore/CkImageData.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkImageSource.h"
-#include "zuCore/CkPicBufAPI.h"
 
 #include <memory>
 
-/// A source whose frames the test makes.
+/// A source that delivers the frames the test pushes.
 class PushSource : public CkImageSource {
 public:
     SkPicBufInfo info;
@@ -28,13 +27,7 @@ public:
     bool push(quint64 uiFrameNumber) { return push(makeFrame(uiFrameNumber)); }
 
     std::unique_ptr<CkImageData> makeFrame(quint64 uiFrameNumber) const {
-        SkPicBuf picture;
-        CkPicBufAPI::AllocPicBufFromHeap(picture, info);
-        picture.additionalData.frameNumber = uiFrameNumber;
-        auto frame = std::make_unique<CkImageData>();
-        frame->setPicBuf(picture);
-        frame->setMetadata(metadata);
-        return frame;
+        return ::makeFrame(info, metadata, uiFrameNumber);
     }
 
     void setFormat(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,

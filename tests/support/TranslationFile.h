@@ -10,8 +10,8 @@
 #include <set>
 #include <string>
 
-/// A translation as translators see it, and what has to hold for any: whole, in step with the sources, and of
-/// the same shape.
+/// A translation file and what every one must satisfy: complete, in step with the sources, and of the same
+/// shape.
 class TranslationFile {
 public:
     struct SkText {
@@ -51,7 +51,7 @@ public:
         ASSERT_TRUE(lupdate.waitForFinished(120000)) << lupdate.errorString().toStdString();
         const QString output = QString::fromLocal8Bit(lupdate.readAll());
         ASSERT_EQ(lupdate.exitCode(), 0) << output.toStdString();
-        // A class without the macro would look its texts up under another name at run time.
+        // Without Q_OBJECT a class would look up its texts under the name of its base class.
         EXPECT_FALSE(output.contains("Q_OBJECT")) << output.toStdString();
         const QList<SkText> fresh = textsOf(copy);
         for (const SkText& text : fresh) {
@@ -77,7 +77,7 @@ public:
         }
     }
 
-    /// Places, line breaks, tags and ends are those of the sources.
+    /// Placeholders, line breaks, tags and final punctuation match the sources.
     void expectSameShape() const {
         for (const SkText& text : m_texts) {
             EXPECT_EQ(text.source.contains("%n"), text.counts) << text.where();
@@ -93,8 +93,7 @@ public:
         }
     }
 
-    /// Slips of the keyboard, of editors and of search and replace; keys as they are written on a German
-    /// keyboard.
+    /// Typing errors, slips of editors and of search and replace; key names as on a German keyboard.
     void expectCleanGerman() const {
         for (const SkText& text : m_texts) {
             for (const QString& form : text.forms()) {

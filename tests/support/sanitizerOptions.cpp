@@ -1,8 +1,8 @@
-// Asking for more memory than there is has to end in a null pointer, also under a sanitizer, which would
-// otherwise end the program. Options of the environment come on top.
+// An allocation that is too large must return null also under a sanitizer, which aborts by default. Options
+// from the environment override these.
 
 extern "C" {
-// Hidden they would not be seen by the sanitizers' library.
+// The sanitizer runtime does not find hidden symbols.
 __attribute__((visibility("default"))) const char* __asan_default_options();
 __attribute__((visibility("default"))) const char* __tsan_default_options();
 

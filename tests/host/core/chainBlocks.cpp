@@ -88,17 +88,13 @@ bool TestSource::push(quint8 uiValue) {
 }
 
 bool TestSource::pushFormat(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint8 uiValue) {
-    SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, info)) {
+    auto frame = makeFrame(info, metadata);
+    SkPicBuf& picture = frame->picBuf();
+    if (picture.data == nullptr) {
         return false;
     }
-    for (quint32 row = 0; row < picture.height; ++row) {
-        std::fill_n(picture.row(row), picture.lineSize, uiValue);
-    }
     picture.additionalData.frameNumber = m_uiNumber++;
-    auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(picture);
-    frame->setMetadata(metadata);
+    std::fill_n(picture.data, size_t(picture.lineSize) * picture.height, uiValue);
     return deliver(frame.release());
 }
 

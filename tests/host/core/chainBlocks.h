@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/PackedFormat.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkImageSource.h"

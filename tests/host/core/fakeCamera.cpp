@@ -139,10 +139,7 @@ void FakeCameras::reset() const {
 }
 
 CkImageData* fakeFrame(quint32 width, quint8 value) {
-    SkPicBuf picture;
-    CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(width, 4));
-    std::fill_n(picture.data, CkPicBufAPI::byteSize(picture), value);
-    auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(picture);
+    auto frame = makeFrame(packedFormat(width, 4));
+    std::fill_n(frame->picBuf().data, CkPicBufAPI::byteSize(frame->picBuf()), value);
     return frame.release();
 }

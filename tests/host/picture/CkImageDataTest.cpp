@@ -1,6 +1,6 @@
 #include "zuCore/CkImageData.h"
-#include "tests/support/PackedFormat.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestFrames.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkMemoryPool.h"
 #include "zuCore/CkPicBufAPI.h"
 

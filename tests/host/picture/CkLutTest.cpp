@@ -1,5 +1,5 @@
 #include "zuCore/CkLut.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 
 #include <QSet>
 #include <cmath>
@@ -205,7 +205,7 @@ TEST(CkLut, ColoursIntegerPicturesByTheirFirstChannel) {
     EXPECT_EQ(colorAt(target, 1, 0), grey(255));
     EXPECT_EQ(colorAt(target, 2, 0), grey(255));
     EXPECT_EQ(colorAt(target, 0, 1), grey(127)); // 2048 / 4095 * 255 = 127.5 cut off
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
 }
 
 TEST(CkLut, ColoursSignedAndWidePictures) {

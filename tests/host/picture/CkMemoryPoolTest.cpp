@@ -1,5 +1,5 @@
 #include "zuCore/CkMemoryPool.h"
-#include "tests/support/PackedFormat.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <atomic>

@@ -1,5 +1,5 @@
-#include "tests/support/PaddedPicture.h"
 #include "tests/support/SampleTypes.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>
@@ -34,7 +34,7 @@ TYPED_TEST(ChannelsOf, GreyOfOneChannelIsACopy) {
     ASSERT_TRUE(CkPicBufAPI::ConvertToGrey(*source, *target));
     EXPECT_EQ(target.at<T>(6, 2), std::numeric_limits<T>::max());
     EXPECT_EQ(target.at<T>(5, 2), small<T>(5, 2, 0));
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
 }
 
 TYPED_TEST(ChannelsOf, GreyOfTwoChannelsIsTheirMean) {
@@ -50,7 +50,7 @@ TYPED_TEST(ChannelsOf, GreyOfTwoChannelsIsTheirMean) {
         const double mean = (double(small<T>(x, 2, 0)) + double(small<T>(x, 2, 1))) / 2.0;
         EXPECT_EQ(target.at<T>(x, 2), roundedTo<T>(mean));
     }
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
 }
 
 TYPED_TEST(ChannelsOf, GreyOfColoursWeighsBlueGreenRed) {
@@ -69,7 +69,7 @@ TYPED_TEST(ChannelsOf, GreyOfColoursWeighsBlueGreenRed) {
                 EXPECT_NEAR(double(target.at<T>(x, 1)), grey, 1e-5);
             }
         }
-        EXPECT_TRUE(target.sentinelsIntact());
+        EXPECT_TRUE(target.guardsIntact());
     }
 }
 
@@ -86,7 +86,7 @@ TYPED_TEST(ChannelsOf, ResizeToTheSameSizeIsACopy) {
             ASSERT_EQ(target.at<T>(x, y, 1), source.at<T>(x, y, 1));
         }
     }
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
 }
 
 TYPED_TEST(ChannelsOf, ResizeTakesTheMeanOfTheCoveredArea) {
@@ -115,7 +115,7 @@ TYPED_TEST(ChannelsOf, ResizeTakesTheMeanOfTheCoveredArea) {
                 }
             }
         }
-        EXPECT_TRUE(target.sentinelsIntact());
+        EXPECT_TRUE(target.guardsIntact());
     }
 }
 
@@ -231,7 +231,7 @@ TYPED_TEST(ConvertPicToDifBpcOf, ScalesByBitsRoundsOnRequestAndSaturates) {
                             << sourceBits << " bits to " << targetBits;
                     }
                 }
-                EXPECT_TRUE(target.sentinelsIntact());
+                EXPECT_TRUE(target.guardsIntact());
             }
         }
     }

@@ -1,5 +1,5 @@
-#include "tests/support/PaddedPicture.h"
 #include "tests/support/SampleTypes.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ TYPED_TEST(CopyOfSamples, CopyPicBufBetweenDifferentLineSizes) {
             }
         }
     }
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
     EXPECT_EQ(target->minValue, -2.0F);
     EXPECT_EQ(target->maxValue, 8.0F);
     EXPECT_EQ(target->additionalData.frameNumber, 5U);
@@ -57,7 +57,7 @@ TYPED_TEST(CopyOfSamples, CopyRectMovesExactlyTheRectangle) {
             }
         }
     }
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
 }
 
 TYPED_TEST(CopyOfSamples, ExtractChannelTakesOneChannel) {
@@ -73,7 +73,7 @@ TYPED_TEST(CopyOfSamples, ExtractChannelTakesOneChannel) {
             }
         }
     }
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
     EXPECT_FALSE(CkPicBufAPI::ExtractChannel(*source, *target, 3));
 }
 
@@ -150,7 +150,7 @@ TEST(CopyRect, WithinOnePictureReadsBeforeItOverwrites) {
                           pattern<quint16>(c.fromX + x, c.fromY + y, 0));
             }
         }
-        EXPECT_TRUE(picture.sentinelsIntact());
+        EXPECT_TRUE(picture.guardsIntact());
     }
 }
 

@@ -1,5 +1,5 @@
-#include "tests/support/PackedFormat.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestFrames.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cstdint>

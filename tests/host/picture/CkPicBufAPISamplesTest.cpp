@@ -1,4 +1,4 @@
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>
@@ -53,7 +53,7 @@ TYPED_TEST(IntegerSamples, ShiftBitsMovesEverySampleByAnyAmount) {
                 ASSERT_EQ(picture.at<T>(x, y, 1), expected) << "shift " << shift;
             }
         }
-        EXPECT_TRUE(picture.sentinelsIntact());
+        EXPECT_TRUE(picture.guardsIntact());
         EXPECT_EQ(picture->bitsPerChannel, quint32(width)) << "left alone";
     }
 }
@@ -90,7 +90,7 @@ TYPED_TEST(IntegerSamples, SubtractSaturates) {
             }
         }
     }
-    EXPECT_TRUE(picture.sentinelsIntact());
+    EXPECT_TRUE(picture.guardsIntact());
     ASSERT_TRUE(CkPicBufAPI::Subtract(*picture, *picture)) << "from itself";
     EXPECT_EQ(picture.at<T>(12, 6, 1), T(0));
 }
@@ -263,7 +263,7 @@ TEST(RowsShorterThanTheirPixels, AreRefused) {
     EXPECT_FALSE(CkPicBufAPI::ConvertPicToDifBpc(*shortRows, *picture, false));
     EXPECT_FALSE(CkPicBufAPI::ResizePic(*shortRows, *picture, 4, 4));
     EXPECT_FALSE(CkPicBufAPI::ConvertToGrey(*shortRows, *picture));
-    EXPECT_TRUE(shortRows.sentinelsIntact());
+    EXPECT_TRUE(shortRows.guardsIntact());
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "zuCore/CkPicture.h"
-#include "tests/support/PackedFormat.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <algorithm>

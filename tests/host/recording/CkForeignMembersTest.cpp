@@ -18,7 +18,7 @@ QJsonObject laterVersion(qint64 frame) {
             {QStringLiteral("metadata"), QJsonObject{{QStringLiteral("humidity"), 0.5}}}};
 }
 
-/// Answers a new frame that knows nothing of the old one.
+/// Outputs a new frame without the properties of its input.
 class CkNewFrameBlock : public CkImageProvider {
 public:
     CkNewFrameBlock() : CkImageProvider(41) {}
@@ -94,7 +94,7 @@ protected:
             const QJsonObject object = page.object;
             EXPECT_EQ(object["weather"]["rain"].toInteger(-1), frame);
             EXPECT_EQ(object["metadata"]["humidity"].toDouble(), 0.5);
-            // What the first file's first page said of that file is not repeated further on.
+            // What the first page of the first file says about that file is not repeated on later pages.
             EXPECT_EQ(object.contains(QStringLiteral("recording")), i == 0);
         }
     }

@@ -5,14 +5,15 @@
 
 namespace {
 
-constexpr quint32 kSmallBytes = 16U << 20U; // a picture of this size need not be in the file
+constexpr quint32 kSmallBytes =
+    16U << 20U; // a picture of this size is read even when the file does not hold it
 
-/// Files that ask for more than they hold.
+/// Files that claim more than they hold.
 class CkHostileRecordingTest : public RecordingFixture {
 protected:
     QString file() const { return path("hostile.tif"); }
 
-    /// What is said about a page when it is described; empty when it can be.
+    /// The error of describing a page; empty when it succeeds.
     std::string refusal(const SkReadLimits& limits = {}, qint64 page = 0) const {
         CkRecordingReader reader(limits);
         QString error;
@@ -72,7 +73,7 @@ TEST_F(CkHostileRecordingTest, ACompressedPictureIsBoundedBySizeAndByItsBytes) {
     limits.unpackedBytes = 24'999'999;
     EXPECT_THAT(refusal(limits),
                 HasSubstr("5000 x 5000 pixels in " + std::to_string(stored) + " compressed"));
-    // The bytes behind the first 16 MiB, in the least whole ratio that has room for them.
+    // The bytes beyond the first 16 MiB, at the smallest sufficient whole ratio.
     limits.unpackedBytes = SkReadLimits().unpackedBytes;
     limits.expansion = (25'000'000 - kSmallBytes + stored - 1) / stored;
     EXPECT_EQ(refusal(limits), "");
@@ -155,7 +156,7 @@ TEST_F(CkHostileRecordingTest, TextsHaveALength) {
     EXPECT_THAT(refusal(), HasSubstr("longer than 4 MiB"));
     ASSERT_TRUE(make(1 << 20));
     EXPECT_EQ(refusal({}, 1), "");
-    // What others write there is no concern of ours.
+    // Other programs may write anything there.
     ASSERT_TRUE(HostileFiles::hugeText(file(), "<OME>", "<a/>", 2 << 20, 2));
     EXPECT_EQ(refusal(), "");
     EXPECT_EQ(refusal({}, 1), "");
@@ -233,7 +234,7 @@ TEST_F(CkHostileRecordingTest, AMillionPagesAreTheUsualLimit) {
     ASSERT_TRUE(reader.open(file(), nullptr));
     EXPECT_EQ(reader.frameCount(), 1'000'000);
     EXPECT_THAT(reader.damage().toStdString(), HasSubstr("more than 1000000 pages"));
-    // The search can be called off long before.
+    // The search can be cancelled long before.
     CkRecordingReader cancelled;
     QString error;
     qint64 seen = 0;

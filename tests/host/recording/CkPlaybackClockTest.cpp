@@ -10,7 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = CkPlaybackClock::Clock;
 
-/// A file of frames without pictures: their times only, in ns; negative ones cannot be read.
+/// A file of frames without pictures, only their times in ns; a frame with a negative time is unreadable.
 class TimedFile : public IkFrameFile {
 public:
     explicit TimedFile(std::vector<qint64> times, float rate = 0.0F)

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// What the process that is killed tells the other one, in memory that both see.
+/// Progress of the recording process, in memory shared with the test.
 struct SkReport {
     std::atomic<bool> started = false;
     std::atomic<qint64> completed = 0;
@@ -33,7 +33,7 @@ protected:
         }
     }
 
-    /// Records until somebody ends it.
+    /// Records until the process is killed.
     [[noreturn]] void recordForever(quint32 width, quint32 height, EkRecordingCompression compression) const {
         PaddedPicture made = picture(0, width, height);
         CkRecorder recorder;
@@ -59,8 +59,8 @@ protected:
         ::_exit(4);
     }
 
-    /// Starts a recording process, waits for so many frames and kills it so much later; how many it had
-    /// completed by then.
+    /// Starts a recording process and kills it some time after that many frames. Returns how many frames it
+    /// had completed.
     void killAfter(qint64 frames, std::chrono::microseconds delay, quint32 width, quint32 height,
                    EkRecordingCompression compression, qint64& completed) {
         QFile::remove(path("killed.tif"));
@@ -97,7 +97,7 @@ TEST_F(CkRecorderKillTest, AHundredRandomMomentsLeaveEveryCompletedFrame) {
     qint64 all = 0;
     int empty = 0;
     for (int round = 0; round < 100; ++round) {
-        // Small pages: the moment often falls between them; large ones: mostly into the middle of one.
+        // With small pages the kill often falls between two, with large ones mostly into the middle of one.
         const bool large = round % 2 == 1;
         const auto compression =
             round % 4 < 2 ? EkRecordingCompression::None : EkRecordingCompression::Deflate;
@@ -122,7 +122,7 @@ TEST_F(CkRecorderKillTest, AHundredRandomMomentsLeaveEveryCompletedFrame) {
         }
         all += reader.frameCount();
     }
-    // The rounds met recorders at work.
+    // The recorders were killed while writing.
     EXPECT_LT(empty, 50);
     EXPECT_GE(all, 50);
 }

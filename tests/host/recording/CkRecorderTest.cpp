@@ -23,7 +23,7 @@ protected:
     }
 };
 
-/// Holds whoever deletes it until it is let go.
+/// A frame whose destructor blocks until the test releases it.
 class GatedFrame : public CkImageData {
 public:
     GatedFrame(std::promise<void>& reached, std::shared_future<void> gate)
@@ -83,7 +83,7 @@ TEST_F(CkRecorderTest, FramesThatDoNotFitAreCountedAndReported) {
     std::promise<void> reached;
     std::promise<void> gate;
     recorder.takeFrame(fill(std::make_unique<GatedFrame>(reached, gate.get_future().share()), 0).release());
-    reached.get_future().wait(); // the thread is held with frame 0; two may wait
+    reached.get_future().wait(); // the thread is blocked with frame 0; two more fit into the queue
     int dropped = 0;
     for (qint64 i = 1; i <= 6; ++i) {
         dropped += recorder.takeFrame(frame(i).release());

@@ -8,7 +8,7 @@ namespace {
 
 class CkRecordingDamageTest : public RecordingFixture {
 protected:
-    /// Offsets of the directories by a walk of the test's own.
+    /// Offsets of the directories, found independently of the reader.
     static std::vector<quint64> directories(const QByteArray& file) {
         std::vector<quint64> found;
         quint64 link = 8;

@@ -66,7 +66,7 @@ TEST_F(CkRecordingFilesOfOthersTest, ColoursComeInTheOrderOfTheHouse) {
 
 TEST_F(CkRecordingFilesOfOthersTest, WhatIsLeftOfAPictureIsShown) {
     ASSERT_TRUE(make(path("a.tif"), {}));
-    // libtiff puts the directory behind the samples, others in front: this file is turned round by hand.
+    // libtiff writes the directory after the samples, other programs before: this file is rearranged by hand.
     CkRecordingReader whole;
     ASSERT_TRUE(whole.open(path("a.tif"), nullptr));
     QByteArray bytes("II\x2a\0\x08\0\0\0", 8);

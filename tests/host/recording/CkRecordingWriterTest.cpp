@@ -36,7 +36,7 @@ std::pair<int, int> bitsAndFormat(EkImageDataType type) {
 
 } // namespace
 
-// Read back by libtiff's ordinary interface, which knows nothing of this writer.
+// Read back with libtiff's ordinary interface, independent of our reader.
 TEST_P(CkRecordingWriterFormatTest, OrdinaryReadersSeeTheSamplesAsDelivered) {
     const auto [type, channels, compression] = GetParam();
     const quint32 width = 37;
@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(All, CkRecordingWriterFormatTest,
                                             ::testing::Values(EkRecordingCompression::None,
                                                               EkRecordingCompression::Deflate)));
 
-// Up to eight bytes stand in the directory itself, more behind it.
+// Up to eight bytes are stored in the entry itself, more after the directory.
 TEST_F(CkRecordingWriterTest, TextsOfEveryLengthAreReadByOthers) {
     for (int length = 1; length <= 20; ++length) {
         const QString text(length, QLatin1Char('x'));
@@ -175,7 +175,7 @@ TEST_F(CkRecordingWriterTest, FilesThatCannotBeMadeSayWhy) {
 
 namespace {
 
-/// Bytes that this process has asked the system to read and to write so far.
+/// Bytes that this process has requested from the system to read and write so far.
 std::pair<qint64, qint64> trafficSoFar() {
     QFile file(QStringLiteral("/proc/self/io"));
     qint64 read = -1;
@@ -194,7 +194,7 @@ std::pair<qint64, qint64> trafficSoFar() {
 
 } // namespace
 
-// The cost of a page in bytes moved, the last thousand against the first.
+// The cost of a page in bytes transferred: the last thousand compared with the first.
 TEST_F(CkRecordingWriterTest, TenThousandPagesCostTheSameEach) {
     CkRecordingWriter writer;
     ASSERT_TRUE(writer.open(path("a.tif"), {}));

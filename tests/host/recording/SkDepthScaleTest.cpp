@@ -1,4 +1,5 @@
 #include "tests/host/recording/recordingFixture.h"
+#include "tests/support/TestFrames.h"
 
 #include "host/recording/CkVideoSource.h"
 #include "host/recording/SkDepthScale.h"
@@ -10,18 +11,8 @@ namespace {
 
 template <typename Sample>
 std::unique_ptr<CkImageData> pictureOf(EkImageDataType dataType, const std::vector<Sample>& samples) {
-    SkPicBuf made;
-    // Rows longer than their pixels: what stands behind them must not be read.
-    const auto width = quint32(samples.size());
-    EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(
-        made, width, 2, 1, dataType, 0, width * quint32(sizeof(Sample)) + 24, 8 * quint32(sizeof(Sample)),
-        EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false, 0));
-    for (quint32 y = 0; y < 2; ++y) {
-        std::copy(samples.begin(), samples.end(), reinterpret_cast<Sample*>(made.row(y)));
-    }
-    auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(made);
-    return frame;
+    return makeFrame<Sample>(dataType, quint32(samples.size()), 2, 1, 8 * quint32(sizeof(Sample)),
+                             [&](quint32 x, quint32, quint32) { return samples[x]; });
 }
 
 std::vector<float> rowOf(const CkImageData& data, quint32 y) {

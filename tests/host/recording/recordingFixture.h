@@ -2,7 +2,7 @@
 
 #include "host/recording/CkRecordingReader.h"
 #include "host/recording/CkRecordingWriter.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -11,7 +11,7 @@
 #include <gmock/gmock.h>
 #include <memory>
 
-/// A folder that goes with the test, and pictures whose samples tell frame, place and channel.
+/// A temporary folder, and pictures whose samples identify frame, position and channel.
 class RecordingFixture : public ::testing::Test {
 protected:
     QTemporaryDir m_folder;

@@ -2,7 +2,7 @@
 
 #include "host/recording/CkRecordingReader.h"
 #include "host/recording/CkRecordingWriter.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 

@@ -3,8 +3,8 @@
 #include "host/viewer/picture/PictureStatistics.h"
 #include "host/viewer/picture/PictureText.h"
 #include "tests/host/viewer/ViewerPictures.h"
-#include "tests/support/PaddedPicture.h"
 #include "tests/support/SampleTypes.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkLut.h"
 
 #include <gtest/gtest.h>

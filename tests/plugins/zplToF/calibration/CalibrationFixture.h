@@ -4,6 +4,7 @@
 #include "tests/support/FakeAppDelegate.h"
 #include "tests/support/LocaleScope.h"
 #include "tests/support/ModalDriver.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCoreGui/CkMdiView.h"
@@ -98,33 +99,22 @@ protected:
 
     static std::unique_ptr<CkImageData> phaseFrame(float fPhase, float fModulationFreq = 20.0F,
                                                    quint32 uiWidth = 16, quint32 uiHeight = 12) {
-        SkPicBuf picture;
-        CkPicBufAPI::AllocPicBufFromHeap(picture, uiWidth, uiHeight, 2, EkImageDataType::Float32, 1, 0, 32,
-                                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
-                                         false, 0);
-        for (quint32 y = 0; y < uiHeight; ++y) {
-            for (quint32 x = 0; x < uiWidth; ++x) {
-                const float pixel[2] = {fPhase, 0.25F};
-                std::memcpy(picture.row(y) + x * sizeof pixel, pixel, sizeof pixel);
-            }
-        }
         CkImageMetadata metadata;
         metadata.channelNames = QStringList{QStringLiteral("Phase shift"), QStringLiteral("Confidence")};
         metadata.modulationFrequency = fModulationFreq;
-        auto frame = std::make_unique<CkImageData>();
-        frame->setPicBuf(picture);
-        frame->setMetadata(metadata);
+        auto frame =
+            makeFrame(SkPicBufInfo::of(uiWidth, uiHeight, 2, EkImageDataType::Float32, 32), metadata);
+        for (quint32 y = 0; y < uiHeight; ++y) {
+            for (quint32 x = 0; x < uiWidth; ++x) {
+                const float pixel[2] = {fPhase, 0.25F};
+                std::memcpy(frame->picBuf().row(y) + x * sizeof pixel, pixel, sizeof pixel);
+            }
+        }
         return frame;
     }
 
     static std::unique_ptr<CkImageData> greyFrame() {
-        SkPicBuf picture;
-        CkPicBufAPI::AllocPicBufFromHeap(picture, 16, 12, 1, EkImageDataType::UInt8, 1, 0, 8,
-                                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
-                                         false, 0);
-        auto frame = std::make_unique<CkImageData>();
-        frame->setPicBuf(picture);
-        return frame;
+        return makeFrame(SkPicBufInfo::of(16, 12, 1, EkImageDataType::UInt8, 8));
     }
 
     /// Shows a frame and delivers the queued notification.

@@ -1,6 +1,6 @@
 #include "plugins/zplToF/calibration/CkToFOffsetEstimator.h"
 
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <cmath>

@@ -1,7 +1,7 @@
 // Frames that hold all their phases.
 
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkMemoryPool.h"
 
 #include <gtest/gtest.h>

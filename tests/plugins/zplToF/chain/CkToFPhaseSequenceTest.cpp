@@ -1,5 +1,5 @@
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 
 #include <gtest/gtest.h>
 

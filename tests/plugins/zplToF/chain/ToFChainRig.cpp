@@ -1,6 +1,6 @@
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkChainManager.h"
 
 #include <gtest/gtest.h>

@@ -1,20 +1,12 @@
 #pragma once
 
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
-#include "tests/support/PushSource.h"
+#include "tests/support/FakeVideoSource.h"
 #include "zuCore/CkChain.h"
 
 #include <functional>
 #include <memory>
 #include <semaphore>
-
-/// A source that counts as a video because of its class name.
-class CkVideoSource : public PushSource {
-    Q_OBJECT
-
-public:
-    Q_INVOKABLE CkVideoSource() = default;
-};
 
 /// A second source whose frames go nowhere: handing one in runs something on the chain's thread.
 class CkBellSource : public PushSource {

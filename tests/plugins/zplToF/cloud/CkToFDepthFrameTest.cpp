@@ -2,7 +2,7 @@
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 
 #include <gmock/gmock.h>
 

@@ -2,6 +2,7 @@
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "plugins/zplToF/view3d/3dMdiView.h"
 #include "tests/plugins/zplToF/integration/ToFFixture.h"
+#include "tests/support/TestFrames.h"
 #include "zuCore/CkCameraManager.h"
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkPicBufAPI.h"
@@ -298,16 +299,9 @@ TEST_F(ToFPlugin, ToolButtonStartsItsOwnCamera) {
 
 /// A frame of float phase shifts.
 std::unique_ptr<CkImageData> frame() {
-    auto data = std::make_unique<CkImageData>();
-    SkPicBuf picture;
-    EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, 8, 8, 2, EkImageDataType::Float32, 0, 0, 32,
-                                                 EkDataStorageFormat::Interleaved, EkColorFilterArray::None,
-                                                 false, false, 0));
-    data->setPicBuf(picture);
     CkImageMetadata metadata;
     metadata.channelNames = QStringList{"Phase shift", "Confidence"};
-    data->setMetadata(metadata);
-    return data;
+    return makeFrame(SkPicBufInfo::of(8, 8, 2, EkImageDataType::Float32, 32), metadata);
 }
 
 TEST_F(ToFPlugin, FramesReachTheViewsOfTheirOwnView) {

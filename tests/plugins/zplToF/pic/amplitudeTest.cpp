@@ -45,22 +45,22 @@ public:
 
     void expectExactAmplitudes(const SkToFKernels& kernels) const {
         const PinnedKernels pinned(kernels);
-        TestPicture result(source.pic.width, mHeight, 1,
-                           sampleBytes(source.pic.dataType) == 1 ? Type::UInt8 : Type::UInt16);
-        ASSERT_TRUE(mHasTaps ? CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, mPhases)
-                             : CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, mPhases));
+        TestPicture result(source->width, mHeight, 1,
+                           sampleBytes(source->dataType) == 1 ? Type::UInt8 : Type::UInt16);
+        ASSERT_TRUE(mHasTaps ? CkToFPicAPI::rawX2PicToAmplitude(*source, *result, mPhases)
+                             : CkToFPicAPI::rawAminBPicToAmplitude(*source, *result, mPhases));
         for (size_t index = 0; index < mLights.size(); ++index) {
             const Light& light = mLights[index];
             const qint64 expected =
                 integerRoot((light.x * light.x + light.y * light.y) / (mPhases * mPhases));
-            ASSERT_EQ(result.at(column(index), row(index)), expected)
+            ASSERT_EQ(result.integerAt(column(index), row(index)), expected)
                 << kernels.sName << ", x " << light.x << ", y " << light.y;
         }
     }
 
 private:
-    quint32 column(size_t index) const { return quint32(index % source.pic.width); }
-    quint32 row(size_t index) const { return quint32(index / source.pic.width); }
+    quint32 column(size_t index) const { return quint32(index % source->width); }
+    quint32 row(size_t index) const { return quint32(index / source->width); }
 
     /// As much as fits from the first phase of the axis, the rest from the phase opposite.
     void putAxis(size_t index, quint32 phase, qint64 value) {
@@ -75,12 +75,12 @@ private:
         const quint32 y = phase * mHeight + row(index);
         if (!mHasTaps) {
             const qint64 part = std::clamp(value, mLow, mHigh);
-            source.put(column(index), y, 0, part);
+            source.setInteger(column(index), y, 0, part);
             return value - part;
         }
         const qint64 part = std::clamp(value, mLow - mHigh, mHigh - mLow);
-        source.put(column(index), y, 0, part > 0 ? mLow + part : mLow);
-        source.put(column(index), y, 1, part > 0 ? mLow : mLow - part);
+        source.setInteger(column(index), y, 0, part > 0 ? mLow + part : mLow);
+        source.setInteger(column(index), y, 1, part > 0 ? mLow : mLow - part);
         return value - part;
     }
 
@@ -175,16 +175,17 @@ TEST_P(Amplitude, LightsWhoseLengthIsNextToAnInteger) {
 /// short cut lie beside blocks that must not.
 void fillAround(int bits, TestPicture& source, std::mt19937& random) {
     const qint64 beyond = qint64(1) << bits;
-    const bool taps = source.pic.channels == 2;
+    const bool taps = source->channels == 2;
     const std::vector<qint64> limits =
         taps ? std::vector<qint64>{beyond - 1, beyond, 32767, 32768, 65535}
              : std::vector<qint64>{beyond - 1, beyond, 32767, 1 - beyond, -beyond, -beyond - 1, -32768};
-    for (quint32 y = 0; y < source.pic.height; ++y) {
-        for (quint32 x = 0; x < source.pic.width; ++x) {
-            for (quint32 channel = 0; channel < source.pic.channels; ++channel) {
+    for (quint32 y = 0; y < source->height; ++y) {
+        for (quint32 x = 0; x < source->width; ++x) {
+            for (quint32 channel = 0; channel < source->channels; ++channel) {
                 const qint64 sample =
                     taps ? qint64(random()) % beyond : qint64(random()) % (2 * beyond - 1) - beyond + 1;
-                source.put(x, y, channel, random() % 128 == 0 ? limits[random() % limits.size()] : sample);
+                source.setInteger(x, y, channel,
+                                  random() % 128 == 0 ? limits[random() % limits.size()] : sample);
             }
         }
     }
@@ -200,19 +201,18 @@ TEST_P(Amplitude, SamplesAround12And14Bits) {
         // Clang 14 captures names of a structured binding in no other way.
         const auto difference = [&source, channels = channels](quint32 x, quint32 y, quint32 phase) {
             const quint32 row = phase * height + y;
-            return source.at(x, row, 0) - (channels == 2 ? source.at(x, row, 1) : 0);
+            return source.integerAt(x, row, 0) - (channels == 2 ? source.integerAt(x, row, 1) : 0);
         };
         for (const int phases : {2, 4}) {
             TestPicture result(width, height, 1, Type::UInt16);
-            ASSERT_TRUE(channels == 2 ? CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, phases)
-                                      : CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, phases));
+            ASSERT_TRUE(channels == 2 ? CkToFPicAPI::rawX2PicToAmplitude(*source, *result, phases)
+                                      : CkToFPicAPI::rawAminBPicToAmplitude(*source, *result, phases));
             for (quint32 y = 0; y < height; ++y) {
                 for (quint32 x = 0; x < width; ++x) {
                     const bool four = phases == 4;
                     const qint64 along = difference(x, y, 0) - (four ? difference(x, y, 2) : 0);
                     const qint64 across = difference(x, y, 1) - (four ? difference(x, y, 3) : 0);
-                    ASSERT_EQ(result.get<quint16>(x, y),
-                              integerRoot(along * along + across * across) / phases)
+                    ASSERT_EQ(result.at<quint16>(x, y), integerRoot(along * along + across * across) / phases)
                         << along << ' ' << across;
                 }
             }

@@ -23,35 +23,33 @@ protected:
         source = std::make_unique<TestPicture>(width, operation.stackedPhases ? height * 4 : height,
                                                operation.sourceChannels, operation.sourceType, 0, 4);
         if (operation.sourceChannels == 3 && operation.resultChannels != 3) {
-            source->pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+            (*source)->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
         }
         result = std::make_unique<TestPicture>(width, height, operation.resultChannels, operation.resultType,
                                                0, 4);
-        result->pic.minValue = -1.0F;
-        result->pic.maxValue = 99.0F;
+        (*result)->minValue = -1.0F;
+        (*result)->maxValue = 99.0F;
     }
 
-    bool run(const Angles* angles = nullptr) {
-        return GetParam().run(source->pic, result->pic, phases, angles);
-    }
+    bool run(const Angles* angles = nullptr) { return GetParam().run(**source, **result, phases, angles); }
 
     /// The call is refused with this change and nothing is written; the change is taken back.
     template <class Change>
     void expectRefused(const char* what, const Change& change) {
-        const SkPicBuf sourceBefore = source->pic;
-        const SkPicBuf resultBefore = result->pic;
-        const std::vector<quint8> pixels = result->store;
-        const std::vector<quint8> sourcePixels = source->store;
-        change(source->pic, result->pic);
-        const quint32 bits = result->pic.bitsPerChannel;
+        const SkPicBuf sourceBefore = **source;
+        const SkPicBuf resultBefore = **result;
+        const std::vector<quint8> pixels = result->bytes();
+        const std::vector<quint8> sourcePixels = source->bytes();
+        change(**source, **result);
+        const quint32 bits = (*result)->bitsPerChannel;
         EXPECT_FALSE(run()) << what;
-        EXPECT_EQ(result->store, pixels) << what;
-        EXPECT_EQ(source->store, sourcePixels) << what;
-        EXPECT_EQ(result->pic.minValue, -1.0F) << what;
-        EXPECT_EQ(result->pic.maxValue, 99.0F) << what;
-        EXPECT_EQ(result->pic.bitsPerChannel, bits) << what;
-        source->pic = sourceBefore;
-        result->pic = resultBefore;
+        EXPECT_EQ(result->bytes(), pixels) << what;
+        EXPECT_EQ(source->bytes(), sourcePixels) << what;
+        EXPECT_EQ((*result)->minValue, -1.0F) << what;
+        EXPECT_EQ((*result)->maxValue, 99.0F) << what;
+        EXPECT_EQ((*result)->bitsPerChannel, bits) << what;
+        **source = sourceBefore;
+        **result = resultBefore;
     }
 
     std::unique_ptr<TestPicture> source;
@@ -68,24 +66,24 @@ TEST_P(Guard, TheUnchangedPicturesAreProcessed) {
 TEST_P(Guard, OnlyPhaseShiftsRefreshTheValueRange) {
     ASSERT_TRUE(run());
     if (GetParam().phaseShift) {
-        EXPECT_EQ(result->pic.minValue, 0.0F); // the source is black
-        EXPECT_EQ(result->pic.maxValue, 0.0F);
+        EXPECT_EQ((*result)->minValue, 0.0F); // the source is black
+        EXPECT_EQ((*result)->maxValue, 0.0F);
     } else {
-        EXPECT_EQ(result->pic.minValue, -1.0F);
-        EXPECT_EQ(result->pic.maxValue, 99.0F);
+        EXPECT_EQ((*result)->minValue, -1.0F);
+        EXPECT_EQ((*result)->maxValue, 99.0F);
     }
 }
 
 TEST_P(Guard, HybridOperationsAskWhetherThePictureIsHybrid) {
     if (GetParam().name.rfind("Hybrid", 0) != 0) {
-        EXPECT_NE(source->pic.colorFilterArray, EkColorFilterArray::RawX3Hybrid);
+        EXPECT_NE((*source)->colorFilterArray, EkColorFilterArray::RawX3Hybrid);
         return;
     }
     for (const quint32 colors : {0U, 8U, 9U, 12U, 14U}) {
         expectRefused("colours",
                       [colors](SkPicBuf& s, SkPicBuf&) { s.colorFilterArray = EkColorFilterArray(colors); });
     }
-    source->pic.layoutFlag = true;
+    (*source)->layoutFlag = true;
     EXPECT_EQ(run(), GetParam().sourceType == Type::UInt32);
 }
 
@@ -162,19 +160,19 @@ TEST(NeighbouringPictures, DoNotOverlap) {
     for (const bool sourceFirst : {true, false}) {
         TestPicture source(6, 4, 2, Type::UInt16);
         TestPicture result(6, 4, 1, Type::Int16);
-        source.pic.lineSize = 6 * 2 * 2;
-        result.pic.lineSize = 6 * 2;
-        source.pic.data = store + (sourceFirst ? 0 : resultBytes);
-        result.pic.data = store + (sourceFirst ? sourceBytes : 0);
-        EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic)) << sourceFirst;
-        source.pic.data += sourceFirst ? 1 : -1;
-        EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic)) << sourceFirst;
+        source->lineSize = 6 * 2 * 2;
+        result->lineSize = 6 * 2;
+        source->data = store + (sourceFirst ? 0 : resultBytes);
+        result->data = store + (sourceFirst ? sourceBytes : 0);
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*source, *result)) << sourceFirst;
+        source->data += sourceFirst ? 1 : -1;
+        EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(*source, *result)) << sourceFirst;
     }
 }
 
 TEST_P(Guard, StackHigherThanTheSource) {
     if (!GetParam().stackedPhases) {
-        EXPECT_EQ(source->pic.height, result->pic.height);
+        EXPECT_EQ((*source)->height, (*result)->height);
         return;
     }
     const bool merge = GetParam().name.rfind("Merge", 0) == 0;
@@ -189,11 +187,11 @@ TEST_P(Guard, AngleBeyondTheStack) {
     const std::string& name = GetParam().name;
     const bool usesAngles = GetParam().phaseShift || name.rfind("Amplitude", 0) == 0;
     const Angles far{0, 180, 270, 45, 90};
-    const std::vector<quint8> pixels = result->store;
+    const std::vector<quint8> pixels = result->bytes();
     EXPECT_EQ(run(&far), !usesAngles);
     if (usesAngles) {
-        EXPECT_EQ(result->store, pixels);
-        EXPECT_EQ(result->pic.maxValue, 99.0F);
+        EXPECT_EQ(result->bytes(), pixels);
+        EXPECT_EQ((*result)->maxValue, 99.0F);
     }
 }
 
@@ -203,16 +201,16 @@ TEST(UnsupportedPhases, WriteNothingButRefreshTheRange) {
         TestPicture result(6, 2, 2, Type::Float32);
         result.set(1, 1, 0, 4.5F);
         result.set(2, 1, 1, -2.5F);
-        const std::vector<quint8> pixels = result.store;
-        EXPECT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, phases)) << phases;
-        EXPECT_EQ(result.store, pixels);
-        EXPECT_EQ(result.pic.minValue, -2.5F);
-        EXPECT_EQ(result.pic.maxValue, 4.5F);
+        const std::vector<quint8> pixels = result.bytes();
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, phases)) << phases;
+        EXPECT_EQ(result.bytes(), pixels);
+        EXPECT_EQ(result->minValue, -2.5F);
+        EXPECT_EQ(result->maxValue, 4.5F);
         TestPicture grey(6, 2, 1, Type::UInt16);
-        const std::vector<quint8> greyPixels = grey.store;
-        EXPECT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, grey.pic, phases));
-        EXPECT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, grey.pic, phases));
-        EXPECT_EQ(grey.store, greyPixels);
+        const std::vector<quint8> greyPixels = grey.bytes();
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToIntensity(*source, *grey, phases));
+        EXPECT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *grey, phases));
+        EXPECT_EQ(grey.bytes(), greyPixels);
     }
 }
 
@@ -220,34 +218,34 @@ TEST(UnsupportedPhases, MoreThanTheSourceHoldsAreRefused) {
     TestPicture source(6, 32, 2, Type::UInt16);
     TestPicture result(6, 2, 2, Type::Float32);
     for (const int phases : {17, 1000, std::numeric_limits<int>::max()}) {
-        EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, phases));
+        EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, phases));
     }
 }
 
 TEST(DifferenceGuard, DifferencePictureOfTheSameSizeIsLeftAlone) {
     TestPicture source(6, 4, 2, Type::UInt16);
-    source.put(0, 0, 0, 5);
-    source.pic.layoutFlag = true; // no two-tap picture any more
+    source.setInteger(0, 0, 0, 5);
+    source->layoutFlag = true; // no two-tap picture any more
     TestPicture result(6, 4, 1, Type::Int16);
-    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic));
-    EXPECT_EQ(result.at(0, 0), 0);
+    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(*source, *result));
+    EXPECT_EQ(result.integerAt(0, 0), 0);
     // Of another size it is converted all the same.
     TestPicture smaller(6, 3, 1, Type::Int16);
-    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, smaller.pic));
-    EXPECT_EQ(smaller.at(0, 0), 5);
+    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*source, *smaller));
+    EXPECT_EQ(smaller.integerAt(0, 0), 5);
 }
 
 TEST(DifferenceGuard, RowsTooShortForTwoSamplesAPixelAreRefused) {
     TestPicture source(10, 4, 1, Type::UInt8);
     TestPicture result(6, 4, 1, Type::Int8);
-    const std::vector<quint8> pixels = result.store;
-    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, result.pic));
-    EXPECT_EQ(result.store, pixels);
+    const std::vector<quint8> pixels = result.bytes();
+    EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(*source, *result));
+    EXPECT_EQ(result.bytes(), pixels);
     TestPicture narrower(5, 4, 1, Type::Int8);
-    source.put(8, 3, 0, 9);
-    source.put(9, 3, 0, 4);
-    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(source.pic, narrower.pic));
-    EXPECT_EQ(narrower.at(4, 3), 5);
+    source.setInteger(8, 3, 0, 9);
+    source.setInteger(9, 3, 0, 4);
+    EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*source, *narrower));
+    EXPECT_EQ(narrower.integerAt(4, 3), 5);
 }
 
 TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
@@ -267,8 +265,8 @@ TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
         EXPECT_EQ(maximum, 7.0F);
     };
     for (int kind = 0; kind < 5; ++kind) {
-        SkPicBuf d = depth.pic;
-        SkPicBuf p = pairs.pic;
+        SkPicBuf d = *depth;
+        SkPicBuf p = *pairs;
         for (SkPicBuf* picture : {&d, &p}) {
             if (kind == 0) {
                 picture->data = nullptr;
@@ -282,19 +280,19 @@ TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
                 picture->height = 0;
             }
         }
-        refused(d, confidence.pic, p);
-        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(confidence.pic, d, maximum, 1.0F));
+        refused(d, *confidence, p);
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(*confidence, d, maximum, 1.0F));
     }
     for (const auto& [width, height] : {std::pair(3U, 3U), std::pair(4U, 2U), std::pair(4U, 4U)}) {
         TestPicture other(width, height, 1, Type::Float32);
         for (quint32 x = 0; x < width; ++x) {
             other.set(x, 0, 0, 0.5F); // a depth as well as a confidence
         }
-        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, other.pic, maximum, 1.0F));
-        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(other.pic, confidence.pic, maximum, 1.0F));
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(*depth, *other, maximum, 1.0F));
+        EXPECT_FALSE(CkToFPicAPI::findMaxDepthClipConfidence(*other, *confidence, maximum, 1.0F));
     }
     EXPECT_EQ(maximum, 7.0F);
-    EXPECT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, maximum, 1.0F));
+    EXPECT_TRUE(CkToFPicAPI::findMaxDepthClipConfidence(*depth, *confidence, maximum, 1.0F));
     EXPECT_EQ(maximum, 2.0F);
 }
 
@@ -306,11 +304,10 @@ TEST(DepthSearchGuard, ChannelsAreCountedExactly) {
             picture.set(index / channels % 4, index / channels / 4, index % channels, 2.0F);
         }
         float maximum = 7.0F;
-        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(picture.pic, maximum, 3.0F), channels == 2);
+        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(*picture, maximum, 3.0F), channels == 2);
         EXPECT_EQ(maximum, channels == 2 ? 2.0F : 7.0F);
         maximum = 7.0F;
-        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(picture.pic, picture.pic, maximum, 3.0F),
-                  channels == 1);
+        EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(*picture, *picture, maximum, 3.0F), channels == 1);
         EXPECT_EQ(maximum, channels == 1 ? 2.0F : 7.0F);
     }
 }
@@ -318,15 +315,15 @@ TEST(DepthSearchGuard, ChannelsAreCountedExactly) {
 TEST(TestImageGuard, OnlyOneUnfilteredUnsignedChannelIsATestImage) {
     for (const quint32 colors : {1U, 8U, 9U, 13U}) {
         TestPicture source(4, 6, 1, Type::UInt16);
-        source.pic.colorFilterArray = EkColorFilterArray(colors);
+        source->colorFilterArray = EkColorFilterArray(colors);
         TestPicture result(4, 2, 3, Type::UInt16);
-        EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic)) << colors;
+        EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(*source, *result)) << colors;
     }
     for (const Type type : {Type::Int8, Type::Int16}) {
         for (const Type resultType : {type, type == Type::Int8 ? Type::UInt8 : Type::UInt16}) {
             TestPicture source(4, 6, 1, type);
             TestPicture result(4, 2, 3, resultType);
-            EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(source.pic, result.pic));
+            EXPECT_FALSE(CkToFPicAPI::convertTestImageToHybridTof(*source, *result));
         }
     }
 }

@@ -38,27 +38,27 @@ std::vector<Angles> angleLists(int phases) {
 void expectEqualResults(const PicOperation& operation, const TestPicture& plain, const TestPicture& simd,
                         int phases) {
     EXPECT_TRUE(simd.guardsIntact());
-    EXPECT_EQ(plain.pic.bitsPerChannel, simd.pic.bitsPerChannel);
+    EXPECT_EQ(plain->bitsPerChannel, simd->bitsPerChannel);
     if (!operation.phaseShift || phases == 1) {
-        ASSERT_EQ(plain.store, simd.store);
-        EXPECT_EQ(plain.pic.minValue, simd.pic.minValue);
-        EXPECT_EQ(plain.pic.maxValue, simd.pic.maxValue);
+        ASSERT_EQ(plain.bytes(), simd.bytes());
+        EXPECT_EQ(plain->minValue, simd->minValue);
+        EXPECT_EQ(plain->maxValue, simd->maxValue);
         return;
     }
-    for (quint32 y = 0; y < plain.pic.height; ++y) {
-        for (quint32 x = 0; x < plain.pic.width; ++x) {
-            ASSERT_LE(ulpDistance(plain.get<float>(x, y), simd.get<float>(x, y)), 2) << x << ' ' << y;
-            if (plain.pic.channels == 2) {
-                ASSERT_EQ(plain.get<quint32>(x, y, 1), simd.get<quint32>(x, y, 1)) << x << ' ' << y;
+    for (quint32 y = 0; y < plain->height; ++y) {
+        for (quint32 x = 0; x < plain->width; ++x) {
+            ASSERT_LE(ulpDistance(plain.at<float>(x, y), simd.at<float>(x, y)), 2) << x << ' ' << y;
+            if (plain->channels == 2) {
+                ASSERT_EQ(plain.at<quint32>(x, y, 1), simd.at<quint32>(x, y, 1)) << x << ' ' << y;
             }
         }
     }
     // The value range is that of the angles actually written.
     float minimum = 0.0F;
     float maximum = 0.0F;
-    CkPicBufAPI::CalcFloatDataMinMax(simd.pic, minimum, maximum, false);
-    EXPECT_EQ(simd.pic.minValue, minimum);
-    EXPECT_EQ(simd.pic.maxValue, maximum);
+    CkPicBufAPI::CalcFloatDataMinMax(*simd, minimum, maximum, false);
+    EXPECT_EQ(simd->minValue, minimum);
+    EXPECT_EQ(simd->maxValue, maximum);
 }
 
 void compare(const PicOperation& operation, const SkToFKernels& kernels, int phases, quint32 width,
@@ -75,10 +75,10 @@ void compare(const PicOperation& operation, const SkToFKernels& kernels, int pha
     TestPicture source(width, stacked, operation.sourceChannels, operation.sourceType, bits,
                        layout.extraLineBytes, layout.misalignment);
     if (operation.sourceChannels == 3 && operation.resultChannels != 3) {
-        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        source->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
     }
     fillRandom(source, random, bits);
-    const std::vector<quint8> sourceBefore = source.store;
+    const std::vector<quint8> sourceBefore = source.bytes();
 
     TestPicture plain(width, height, operation.resultChannels, operation.resultType, 0, layout.extraLineBytes,
                       layout.misalignment);
@@ -86,13 +86,13 @@ void compare(const PicOperation& operation, const SkToFKernels& kernels, int pha
                      layout.misalignment);
     {
         const PinnedKernels pinned(ToFKernelChoice::plain());
-        ASSERT_TRUE(operation.run(source.pic, plain.pic, phases, &angles));
+        ASSERT_TRUE(operation.run(*source, *plain, phases, &angles));
     }
     {
         const PinnedKernels pinned(kernels);
-        ASSERT_TRUE(operation.run(source.pic, simd.pic, phases, &angles));
+        ASSERT_TRUE(operation.run(*source, *simd, phases, &angles));
     }
-    EXPECT_EQ(source.store, sourceBefore);
+    EXPECT_EQ(source.bytes(), sourceBefore);
     expectEqualResults(operation, plain, simd, phases);
 }
 
@@ -127,17 +127,17 @@ TEST_P(KernelEquality, EveryWidthPhasesLayoutAndAngleList) {
 }
 
 void compareMerge(const TestPicture& source, EkImageDataType resultType) {
-    TestPicture plain(source.pic.width, 2, 3, resultType, 0, 6);
+    TestPicture plain(source->width, 2, 3, resultType, 0, 6);
     {
         const PinnedKernels pinned(ToFKernelChoice::plain());
-        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, plain.pic));
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(*source, *plain));
     }
     for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
-        TestPicture simd(source.pic.width, 2, 3, resultType, 0, 6);
+        TestPicture simd(source->width, 2, 3, resultType, 0, 6);
         const PinnedKernels pinned(*kernels);
-        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, simd.pic));
-        ASSERT_EQ(plain.store, simd.store) << kernels->sName;
-        ASSERT_EQ(plain.pic.bitsPerChannel, simd.pic.bitsPerChannel) << kernels->sName;
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(*source, *simd));
+        ASSERT_EQ(plain.bytes(), simd.bytes()) << kernels->sName;
+        ASSERT_EQ(plain->bitsPerChannel, simd->bitsPerChannel) << kernels->sName;
     }
 }
 
@@ -149,7 +149,7 @@ TEST(KernelEqualityOfMerge, ManySectionsAndThresholds) {
                 SCOPED_TRACE(std::to_string(sections) + " sections, bits " + std::to_string(bits));
                 TestPicture source(69, 2 * sections, 3, sourceType, 8, 2);
                 fillRandom(source, random, sourceType == EkImageDataType::UInt8 ? 8 : 14);
-                source.pic.bitsPerChannel = bits;
+                source->bitsPerChannel = bits;
                 for (const auto resultType : {EkImageDataType::UInt16, EkImageDataType::UInt32}) {
                     compareMerge(source, resultType);
                     if (HasFatalFailure()) {
@@ -167,9 +167,9 @@ TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
     for (const auto sourceType : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
         TestPicture source(200, 6, 3, sourceType, 8);
         fillRandom(source, random, 7);
-        for (quint32 y = 0; y < source.pic.height; ++y) {
+        for (quint32 y = 0; y < source->height; ++y) {
             for (quint32 x = 90; x < 97; ++x) {
-                source.put(x, y, x % 3, 229 + (x + y) % 20);
+                source.setInteger(x, y, x % 3, 229 + (x + y) % 20);
             }
         }
         compareMerge(source, EkImageDataType::UInt16);
@@ -190,18 +190,18 @@ TEST(KernelEqualityOfHybridDepth, EveryPulseDuration) {
     for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16, EkImageDataType::UInt32}) {
         std::mt19937 random(13);
         TestPicture source(1001, 3, 3, type);
-        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        source->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
         fillRandom(source, random, 3); // few values, so that windows are often equal
         for (const float pulse : pulses) {
             TestPicture plain(1001, 3, 2, EkImageDataType::Float32);
             for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
                 TestPicture simd(1001, 3, 2, EkImageDataType::Float32);
                 const PinnedKernels pinned(*kernels);
-                ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source.pic, simd.pic, pulse));
+                ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(*source, *simd, pulse));
                 if (kernels == &ToFKernelChoice::plain()) {
-                    plain.store = simd.store;
+                    plain.copyBytes(simd);
                 }
-                EXPECT_TRUE(plain.store == simd.store) << kernels->sName << ", " << pulse << " s";
+                EXPECT_TRUE(plain.bytes() == simd.bytes()) << kernels->sName << ", " << pulse << " s";
             }
         }
     }
@@ -215,8 +215,8 @@ TestPicture* windowsNearZeroAndLimits() {
                                      1,   2,       3,      7,  9,  70000, high - 1, high};
     const quint32 count = quint32(values.size());
     auto* picture = new TestPicture(count * count * count, 1, 3, EkImageDataType::UInt32);
-    picture->pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
-    for (quint32 x = 0; x < picture->pic.width; ++x) {
+    (*picture)->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    for (quint32 x = 0; x < (*picture)->width; ++x) {
         picture->set(x, 0, 0, values[x % count]);
         picture->set(x, 0, 1, values[x / count % count]);
         picture->set(x, 0, 2, values[x / count / count]);
@@ -226,19 +226,19 @@ TestPicture* windowsNearZeroAndLimits() {
 
 TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
     const std::unique_ptr<TestPicture> source(windowsNearZeroAndLimits());
-    TestPicture plain(source->pic.width, 1, 2, EkImageDataType::Float32);
+    TestPicture plain((*source)->width, 1, 2, EkImageDataType::Float32);
     for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
-        TestPicture simd(source->pic.width, 1, 2, EkImageDataType::Float32);
+        TestPicture simd((*source)->width, 1, 2, EkImageDataType::Float32);
         const PinnedKernels pinned(*kernels);
-        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source->pic, simd.pic, 0.0F));
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(**source, *simd, 0.0F));
         if (kernels == &ToFKernelChoice::plain()) {
-            plain.store = simd.store;
+            plain.copyBytes(simd);
         }
-        EXPECT_EQ(plain.store, simd.store) << kernels->sName;
+        EXPECT_EQ(plain.bytes(), simd.bytes()) << kernels->sName;
     }
     // 7 and -7 have no sum: their product with the ambient light is 0, divided by a negative number.
     TestPicture opposed(40, 1, 3, EkImageDataType::UInt32);
-    opposed.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+    opposed->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
     for (quint32 x = 0; x < 40; ++x) {
         opposed.set<qint32>(x, 0, 0, 7);
         opposed.set<qint32>(x, 0, 1, -7);
@@ -247,9 +247,9 @@ TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
     for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
         TestPicture depth(40, 1, 2, EkImageDataType::Float32);
         const PinnedKernels pinned(*kernels);
-        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(opposed.pic, depth.pic, 0.0F));
-        EXPECT_EQ(depth.get<float>(39, 0, 0), float(2.0 * 11.99169832 / 18.0));
-        EXPECT_EQ(depth.get<quint32>(39, 0, 1), 0x80000000U) << kernels->sName;
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(*opposed, *depth, 0.0F));
+        EXPECT_EQ(depth.at<float>(39, 0, 0), float(2.0 * 11.99169832 / 18.0));
+        EXPECT_EQ(depth.at<quint32>(39, 0, 1), 0x80000000U) << kernels->sName;
     }
 }
 
@@ -262,11 +262,11 @@ TEST(KernelEqualityOfWideWindows, AmplitudesOf33BitsAndEveryShift) {
             for (const bool amplitude : {false, true}) {
                 const auto run = [&](const SkToFKernels& kernels) {
                     const PinnedKernels pinned(kernels);
-                    TestPicture result(source->pic.width, 1, 1, type);
-                    result.pic.bitsPerChannel = resultBits;
-                    EXPECT_TRUE(amplitude ? CkToFPicAPI::rawHybridToAmplitude(source->pic, result.pic)
-                                          : CkToFPicAPI::rawHybridToIntensity(source->pic, result.pic));
-                    return result.store;
+                    TestPicture result((*source)->width, 1, 1, type);
+                    result->bitsPerChannel = resultBits;
+                    EXPECT_TRUE(amplitude ? CkToFPicAPI::rawHybridToAmplitude(**source, *result)
+                                          : CkToFPicAPI::rawHybridToIntensity(**source, *result));
+                    return result.bytes();
                 };
                 const std::vector<quint8> plain = run(ToFKernelChoice::plain());
                 for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
@@ -303,8 +303,8 @@ TEST(KernelEqualityOfDepthSearch, EveryWidth) {
             const PinnedKernels pinned(*kernels);
             float first = -7.0F;
             float second = -7.0F;
-            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(pairs.pic, first, 0.25F), expected >= 0.0F);
-            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(depth.pic, confidence.pic, second, 0.25F),
+            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(*pairs, first, 0.25F), expected >= 0.0F);
+            EXPECT_EQ(CkToFPicAPI::findMaxDepthClipConfidence(*depth, *confidence, second, 0.25F),
                       expected >= 0.0F);
             EXPECT_EQ(first, expected >= 0.0F ? expected : -7.0F) << kernels->sName;
             EXPECT_EQ(second, first);
@@ -343,7 +343,7 @@ TEST(KernelChoice, PinnedKernelsAreTheOnesThatRun) {
         spiedCalls = 0;
         const PinnedKernels pinned(watched);
         TestPicture result(40, 2, 1, EkImageDataType::UInt16);
-        ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, 4));
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *result, 4));
         EXPECT_EQ(spiedCalls, 2) << kernels->sName;
     }
     // No two implementations share the code that was watched.
@@ -367,15 +367,15 @@ TEST(KernelChoice, OperationsRunOnManyThreads) {
     TestPicture source(333, 40, 2, EkImageDataType::UInt16);
     fillRandom(source, random, 12);
     TestPicture expected(333, 10, 2, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, expected.pic, 4));
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *expected, 4));
     std::vector<std::thread> threads;
     std::vector<int> equal(4, 0);
     for (size_t index = 0; index < equal.size(); ++index) {
         threads.emplace_back([&, index] {
             for (int round = 0; round < 20; ++round) {
                 TestPicture result(333, 10, 2, EkImageDataType::Float32);
-                CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4);
-                equal[index] += result.store == expected.store;
+                CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 4);
+                equal[index] += result.bytes() == expected.bytes();
             }
         });
     }

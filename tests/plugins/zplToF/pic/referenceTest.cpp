@@ -40,10 +40,10 @@ WaveTruth waveTruth(const TestPicture& source, quint32 x, quint32 y, quint32 hei
             }
         }
         const quint32 row = quint32(subImage) * height + y;
-        Extended difference = Extended(source.at(x, row, 0));
-        if (source.pic.channels == 2) {
-            truth.sumOfSamples += difference + Extended(source.at(x, row, 1));
-            difference -= Extended(source.at(x, row, 1));
+        Extended difference = Extended(source.integerAt(x, row, 0));
+        if (source->channels == 2) {
+            truth.sumOfSamples += difference + Extended(source.integerAt(x, row, 1));
+            difference -= Extended(source.integerAt(x, row, 1));
         }
         single = difference;
         const Extended angle = Extended(phase * step) * pi / 180.0L;
@@ -135,12 +135,12 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
         TestPicture amplitude(width, height, 1, unsignedType);
         TestPicture intensity(width, height, 1, unsignedType);
         if (taps) {
-            ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, phase.pic, phases, &stored));
-            ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, amplitude.pic, phases, &stored));
-            ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, intensity.pic, phases));
+            ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *phase, phases, &stored));
+            ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *amplitude, phases, &stored));
+            ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(*source, *intensity, phases));
         } else {
-            ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, phase.pic, phases, &stored));
-            ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, amplitude.pic, phases, &stored));
+            ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *phase, phases, &stored));
+            ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(*source, *amplitude, phases, &stored));
         }
 
         // Confidences first: dark pixels take the largest of them.
@@ -149,7 +149,7 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
         for (quint32 y = 0; y < height && taps; ++y) {
             for (quint32 x = 0; x < width; ++x) {
                 const WaveTruth truth = waveTruth(source, x, y, height, phases, stored);
-                const Extended whole = Extended(amplitude.at(x, y));
+                const Extended whole = Extended(amplitude.integerAt(x, y));
                 // The variance is cut to a whole number, as the samples are whole numbers.
                 const int divisor = phases == 1 ? 4 : phases == 8 ? 16 : 8;
                 Extended variance = floorl(truth.sumOfSamples / divisor);
@@ -170,21 +170,21 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
                 SCOPED_TRACE(std::to_string(x) + ", " + std::to_string(y));
                 const WaveTruth truth = waveTruth(source, x, y, height, phases, stored);
                 if (phases == 1) {
-                    ASSERT_EQ(Extended(phase.get<float>(x, y)), truth.phase);
+                    ASSERT_EQ(Extended(phase.at<float>(x, y)), truth.phase);
                 } else if (truth.amplitude > 1e-6L) { // no signal, no angle
-                    ASSERT_LT(angleDistance(Extended(phase.get<float>(x, y)), truth.phase), 2e-6L);
+                    ASSERT_LT(angleDistance(Extended(phase.at<float>(x, y)), truth.phase), 2e-6L);
                 }
-                ASSERT_GE(phase.get<float>(x, y), 0.0F);
-                ASSERT_TRUE(isTruncated(truth.amplitude, amplitude.at(x, y), phases != 8))
-                    << double(truth.amplitude) << " became " << amplitude.at(x, y);
+                ASSERT_GE(phase.at<float>(x, y), 0.0F);
+                ASSERT_TRUE(isTruncated(truth.amplitude, amplitude.integerAt(x, y), phases != 8))
+                    << double(truth.amplitude) << " became " << amplitude.integerAt(x, y);
                 if (!taps) {
                     continue;
                 }
                 const Extended expected = confidences[size_t(y) * width + x].value_or(worst);
-                ASSERT_NEAR(double(phase.get<float>(x, y, 1)), double(expected), 4e-7 * double(expected));
+                ASSERT_NEAR(double(phase.at<float>(x, y, 1)), double(expected), 4e-7 * double(expected));
                 // The mean takes every stored phase once, whatever the list says.
                 const WaveTruth stack = waveTruth(source, x, y, height, phases, {});
-                ASSERT_EQ(Extended(intensity.at(x, y)), floorl(stack.sumOfSamples / stack.samples));
+                ASSERT_EQ(Extended(intensity.integerAt(x, y)), floorl(stack.sumOfSamples / stack.samples));
             }
         }
     }
@@ -232,36 +232,36 @@ TEST_P(HybridReference, DepthIntensityAmplitude) {
     std::mt19937 random(99);
     for (const quint32 bits : {4U, 8U, sampleBits}) {
         TestPicture source(97, 60, 3, type, sampleBits, 7);
-        source.pic.colorFilterArray = EkColorFilterArray::RawX3Hybrid;
+        source->colorFilterArray = EkColorFilterArray::RawX3Hybrid;
         fillRandom(source, random, bits);
         TestPicture depth(97, 60, 2, Type::Float32);
         TestPicture intensity(97, 60, 1, type);
         TestPicture amplitude(97, 60, 1, type);
         const float pulse = bits == 4 ? 25e-9F : 0.0F;
         const Extended range = bits == 4 ? Extended(pulse) * 299792458.0L / 2 : 11.99169832L;
-        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(source.pic, depth.pic, pulse));
-        ASSERT_TRUE(CkToFPicAPI::rawHybridToIntensity(source.pic, intensity.pic));
-        ASSERT_TRUE(CkToFPicAPI::rawHybridToAmplitude(source.pic, amplitude.pic));
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToDepth_Confidence(*source, *depth, pulse));
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToIntensity(*source, *intensity));
+        ASSERT_TRUE(CkToFPicAPI::rawHybridToAmplitude(*source, *amplitude));
         int valid = 0;
         for (quint32 y = 0; y < 60; ++y) {
             for (quint32 x = 0; x < 97; ++x) {
                 const auto window = [&](quint32 channel) {
-                    const qint64 value = source.at(x, y, channel);
+                    const qint64 value = source.integerAt(x, y, channel);
                     return type == Type::UInt32 ? qint64(qint32(quint32(value))) : value;
                 };
                 const qint64 a = window(0), b = window(1), c = window(2);
                 const HybridTruth truth = hybridTruth(Extended(a), Extended(b), Extended(c), range);
                 valid += truth.depth != 0;
-                ASSERT_NEAR(double(depth.get<float>(x, y, 0)), double(truth.depth),
+                ASSERT_NEAR(double(depth.at<float>(x, y, 0)), double(truth.depth),
                             1e-7 * fabs(double(truth.depth)));
-                ASSERT_NEAR(double(depth.get<float>(x, y, 1)), double(truth.confidence),
+                ASSERT_NEAR(double(depth.at<float>(x, y, 1)), double(truth.confidence),
                             1e-7 * fabs(double(truth.confidence)));
                 const qint64 mask = (qint64(1) << sampleBits) - 1;
                 const qint64 low = a < c ? a : c;
                 const qint64 high = a < c ? c : a;
                 const qint64 reflected = b + high - 2 * low;
-                ASSERT_EQ(intensity.at(x, y), low & mask);
-                ASSERT_EQ(amplitude.at(x, y), (reflected < 1 ? 0 : reflected) & mask);
+                ASSERT_EQ(intensity.integerAt(x, y), low & mask);
+                ASSERT_EQ(amplitude.integerAt(x, y), (reflected < 1 ? 0 : reflected) & mask);
             }
         }
         EXPECT_GT(valid, 500);
@@ -275,24 +275,25 @@ TEST(SectionsReference, MergeOfRandomSections) {
         TestPicture source(23, sections * 4 + 1, 3, Type::UInt16, 12, 2);
         fillRandom(source, random, 12);
         TestPicture result(23, 4, 3, Type::UInt32, 32);
-        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(source.pic, result.pic));
+        ASSERT_TRUE(CkToFPicAPI::processHdrFromImageSections(*source, *result));
         qint64 largest = 0;
         for (quint32 y = 0; y < 4; ++y) {
             for (quint32 x = 0; x < 23; ++x) {
                 quint32 section = sections - 1;
                 const auto peak = [&] {
                     const quint32 row = section * 4 + y;
-                    return std::max({source.at(x, row, 0), source.at(x, row, 1), source.at(x, row, 2)});
+                    return std::max({source.integerAt(x, row, 0), source.integerAt(x, row, 1),
+                                     source.integerAt(x, row, 2)});
                 };
                 while (section > 0 && peak() >= 3685) {
                     --section;
                 }
                 for (quint32 channel = 0; channel < 3; ++channel) {
-                    qint64 expected = source.at(x, section * 4 + y, channel);
+                    qint64 expected = source.integerAt(x, section * 4 + y, channel);
                     for (quint32 doubled = section; doubled + 1 < sections; ++doubled) {
                         expected *= 2;
                     }
-                    ASSERT_EQ(result.at(x, y, channel), expected);
+                    ASSERT_EQ(result.integerAt(x, y, channel), expected);
                     largest = std::max(largest, expected);
                 }
             }
@@ -301,7 +302,7 @@ TEST(SectionsReference, MergeOfRandomSections) {
         while (largest >> bits) {
             ++bits;
         }
-        EXPECT_EQ(result.pic.bitsPerChannel, bits);
+        EXPECT_EQ(result->bitsPerChannel, bits);
     }
     ToFKernelChoice::pin(nullptr);
 }

@@ -25,8 +25,8 @@ constexpr float pi = 3.14159274F;
 void setTaps(TestPicture& picture, quint32 x, std::initializer_list<std::pair<int, int>> phases) {
     quint32 y = 0;
     for (const auto& [a, b] : phases) {
-        picture.put(x, y, 0, a);
-        picture.put(x, y, 1, b);
+        picture.setInteger(x, y, 0, a);
+        picture.setInteger(x, y, 1, b);
         ++y;
     }
 }
@@ -36,11 +36,11 @@ TEST_P(WaveKnownAnswers, TwoPhasePixel200And100) {
         TestPicture source(1, 2, 2, type);
         setTaps(source, 0, {{200, 100}, {100, 100}});
         TestPicture result(1, 1, 2, EkImageDataType::Float32);
-        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 2));
-        EXPECT_EQ(result.get<float>(0, 0, 0), 0.0F);
-        EXPECT_EQ(result.get<float>(0, 0, 1), float(std::sqrt(62.0)) / 50.0F);
-        EXPECT_EQ(result.pic.minValue, 0.0F);
-        EXPECT_EQ(result.pic.maxValue, float(std::sqrt(62.0)) / 50.0F);
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 2));
+        EXPECT_EQ(result.at<float>(0, 0, 0), 0.0F);
+        EXPECT_EQ(result.at<float>(0, 0, 1), float(std::sqrt(62.0)) / 50.0F);
+        EXPECT_EQ(result->minValue, 0.0F);
+        EXPECT_EQ(result->maxValue, float(std::sqrt(62.0)) / 50.0F);
     }
 }
 
@@ -48,17 +48,17 @@ TEST_P(WaveKnownAnswers, NegativeAxisIsPiAndNegativeYIsAbovePi) {
     TestPicture source(3, 2, 1, EkImageDataType::Int16);
     const int vectors[3][2] = {{-500, 0}, {-500, -1}, {0, -700}};
     for (quint32 x = 0; x < 3; ++x) {
-        source.put(x, 0, 0, vectors[x][0]);
-        source.put(x, 1, 0, vectors[x][1]);
+        source.setInteger(x, 0, 0, vectors[x][0]);
+        source.setInteger(x, 1, 0, vectors[x][1]);
     }
     TestPicture result(3, 1, 1, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, result.pic, 2));
-    EXPECT_LE(ulpDistance(result.get<float>(0, 0), pi), 2);
-    EXPECT_NEAR(result.get<float>(1, 0), 3.1435926F, 2e-6F); // pi + 0.002
-    EXPECT_GT(result.get<float>(1, 0), pi);
-    EXPECT_NEAR(result.get<float>(2, 0), 4.712389F, 1e-6F); // 3 pi / 2
-    EXPECT_EQ(result.pic.minValue, result.get<float>(0, 0));
-    EXPECT_EQ(result.pic.maxValue, result.get<float>(2, 0));
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *result, 2));
+    EXPECT_LE(ulpDistance(result.at<float>(0, 0), pi), 2);
+    EXPECT_NEAR(result.at<float>(1, 0), 3.1435926F, 2e-6F); // pi + 0.002
+    EXPECT_GT(result.at<float>(1, 0), pi);
+    EXPECT_NEAR(result.at<float>(2, 0), 4.712389F, 1e-6F); // 3 pi / 2
+    EXPECT_EQ(result->minValue, result.at<float>(0, 0));
+    EXPECT_EQ(result->maxValue, result.at<float>(2, 0));
 }
 
 TEST_P(WaveKnownAnswers, EqualTapsEverywhereKeepConfidenceZero) {
@@ -68,13 +68,13 @@ TEST_P(WaveKnownAnswers, EqualTapsEverywhereKeepConfidenceZero) {
             setTaps(source, x, {{7, 7}, {900, 900}, {0, 0}, {65535, 65535}});
         }
         TestPicture result(width, 1, 2, EkImageDataType::Float32);
-        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 4));
         for (quint32 x = 0; x < width; ++x) {
-            EXPECT_EQ(result.get<float>(x, 0, 0), 0.0F);
-            EXPECT_EQ(result.get<float>(x, 0, 1), 0.0F);
+            EXPECT_EQ(result.at<float>(x, 0, 0), 0.0F);
+            EXPECT_EQ(result.at<float>(x, 0, 1), 0.0F);
         }
-        EXPECT_EQ(result.pic.minValue, 0.0F);
-        EXPECT_EQ(result.pic.maxValue, 0.0F);
+        EXPECT_EQ(result->minValue, 0.0F);
+        EXPECT_EQ(result->maxValue, 0.0F);
     }
 }
 
@@ -86,13 +86,13 @@ TEST_P(WaveKnownAnswers, TheRangeBeginsAtConfidencesOfZeroUnderAnglesThatAreNot)
                 setTaps(source, x, {{5, 5}, {6, 4}, {7, 7}, {8, 8}}); // (0, 2): 2 / 4 is an amplitude of 0
             }
             TestPicture result(width, 1, 2, EkImageDataType::Float32);
-            ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
-            const float angle = result.get<float>(0, 0, 0);
+            ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 4));
+            const float angle = result.at<float>(0, 0, 0);
             EXPECT_LE(ulpDistance(angle, 1.57079637F), 2);
-            EXPECT_EQ(result.get<float>(width - 1, 0, 0), angle);
-            EXPECT_EQ(result.get<float>(width - 1, 0, 1), 0.0F);
-            EXPECT_EQ(result.pic.minValue, 0.0F);
-            EXPECT_EQ(result.pic.maxValue, angle);
+            EXPECT_EQ(result.at<float>(width - 1, 0, 0), angle);
+            EXPECT_EQ(result.at<float>(width - 1, 0, 1), 0.0F);
+            EXPECT_EQ(result->minValue, 0.0F);
+            EXPECT_EQ(result->maxValue, angle);
         }
     }
 }
@@ -106,15 +106,15 @@ TEST_P(WaveKnownAnswers, DarkPixelTakesTheWorstConfidenceOfTheFrame) {
     setTaps(source, 3, {{23, 13}});
     setTaps(source, 20, {{90, 90}});
     TestPicture result(21, 2, 2, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 1));
-    EXPECT_EQ(result.get<float>(3, 0, 1), 3.0F / 10.0F);
-    EXPECT_EQ(result.get<float>(20, 0, 1), 3.0F / 10.0F);
-    EXPECT_EQ(result.get<float>(20, 0, 0), 0.0F);
-    EXPECT_EQ(result.get<float>(0, 0, 1), 0.25F);
-    EXPECT_EQ(result.get<float>(20, 1, 1), 0.25F);
-    EXPECT_EQ(result.get<float>(0, 1, 0), 12.0F);
-    EXPECT_EQ(result.pic.minValue, 0.0F);
-    EXPECT_EQ(result.pic.maxValue, 12.0F);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 1));
+    EXPECT_EQ(result.at<float>(3, 0, 1), 3.0F / 10.0F);
+    EXPECT_EQ(result.at<float>(20, 0, 1), 3.0F / 10.0F);
+    EXPECT_EQ(result.at<float>(20, 0, 0), 0.0F);
+    EXPECT_EQ(result.at<float>(0, 0, 1), 0.25F);
+    EXPECT_EQ(result.at<float>(20, 1, 1), 0.25F);
+    EXPECT_EQ(result.at<float>(0, 1, 0), 12.0F);
+    EXPECT_EQ(result->minValue, 0.0F);
+    EXPECT_EQ(result->maxValue, 12.0F);
 }
 
 TEST_P(WaveKnownAnswers, ConfidenceThatRoundsDownToZeroIsReplacedToo) {
@@ -123,59 +123,59 @@ TEST_P(WaveKnownAnswers, ConfidenceThatRoundsDownToZeroIsReplacedToo) {
     setTaps(source, 0, {{3, 0}});
     setTaps(source, 1, {{24, 12}});
     TestPicture result(2, 1, 2, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 1));
-    EXPECT_EQ(result.get<float>(0, 0, 0), 3.0F);
-    EXPECT_EQ(result.get<float>(0, 0, 1), 0.25F);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 1));
+    EXPECT_EQ(result.at<float>(0, 0, 0), 3.0F);
+    EXPECT_EQ(result.at<float>(0, 0, 1), 0.25F);
 }
 
 TEST_P(WaveKnownAnswers, SignedEightBitMinus128) {
     TestPicture source(1, 1, 1, EkImageDataType::Int8);
-    source.put(0, 0, 0, -128);
+    source.setInteger(0, 0, 0, -128);
     TestPicture phase(1, 1, 1, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, phase.pic, 1));
-    EXPECT_EQ(phase.get<float>(0, 0), 128.0F);
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *phase, 1));
+    EXPECT_EQ(phase.at<float>(0, 0), 128.0F);
     TestPicture amplitude(1, 1, 1, EkImageDataType::UInt8);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, amplitude.pic, 1));
-    EXPECT_EQ(amplitude.get<quint8>(0, 0), 128);
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(*source, *amplitude, 1));
+    EXPECT_EQ(amplitude.at<quint8>(0, 0), 128);
 }
 
 TEST_P(WaveKnownAnswers, DataType11IsRefusedAndRangeNotRefreshed) {
     TestPicture source(4, 4, 2, EkImageDataType::Other16);
     TestPicture result(4, 1, 2, EkImageDataType::Float32);
-    result.pic.minValue = -5.0F;
-    result.pic.maxValue = 17.0F;
-    const auto before = result.store;
-    ASSERT_TRUE(CkToFPicAPI::isRawX2ToFABPic(source.pic, nullptr));
-    EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
-    EXPECT_EQ(result.pic.minValue, -5.0F);
-    EXPECT_EQ(result.pic.maxValue, 17.0F);
-    EXPECT_EQ(result.store, before);
+    result->minValue = -5.0F;
+    result->maxValue = 17.0F;
+    const auto before = result.bytes();
+    ASSERT_TRUE(CkToFPicAPI::isRawX2ToFABPic(*source, nullptr));
+    EXPECT_FALSE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 4));
+    EXPECT_EQ(result->minValue, -5.0F);
+    EXPECT_EQ(result->maxValue, 17.0F);
+    EXPECT_EQ(result.bytes(), before);
 }
 
 TEST_P(WaveKnownAnswers, EightPhasesListWithout135ReadsNominalPositionThree) {
     // Only the 135 degree phase carries signal: p = 0, q = d135, so x < 0 < y and the angle is 3 pi / 4.
     const Angles lacking{315, 270, 225, 1000, 180, 90, 45, 0};
     TestPicture source(1, 8, 1, EkImageDataType::Int16);
-    source.put(0, 3, 0, 400);
+    source.setInteger(0, 3, 0, 400);
     TestPicture result(1, 1, 1, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, result.pic, 8, &lacking));
-    EXPECT_NEAR(result.get<float>(0, 0), 2.3561945F, 1e-6F);
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *result, 8, &lacking));
+    EXPECT_NEAR(result.at<float>(0, 0), 2.3561945F, 1e-6F);
     // 400 * 0.7071 on both axes has the length 400; divided by 8 it is 49.99...
     TestPicture amplitude(1, 1, 1, EkImageDataType::UInt16);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, amplitude.pic, 8, &lacking));
-    EXPECT_NEAR(amplitude.get<quint16>(0, 0), 50, 1);
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(*source, *amplitude, 8, &lacking));
+    EXPECT_NEAR(amplitude.at<quint16>(0, 0), 50, 1);
 }
 
 TEST_P(WaveKnownAnswers, AngleListReordersFourPhases) {
     // Stored as 180, 0, 270, 90: d0 = 0, d90 = 300, others 0 -> pi / 2.
     const Angles stored{180, 0, 270, 90};
     TestPicture source(1, 4, 1, EkImageDataType::Int16);
-    source.put(0, 3, 0, 300);
+    source.setInteger(0, 3, 0, 300);
     TestPicture result(1, 1, 1, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, result.pic, 4, &stored));
-    EXPECT_NEAR(result.get<float>(0, 0), 1.5707964F, 1e-6F);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(source.pic, result.pic, 4));
-    EXPECT_NEAR(result.get<float>(0, 0), 4.712389F, 1e-6F); // the same sub-image is 270 degrees now
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *result, 4, &stored));
+    EXPECT_NEAR(result.at<float>(0, 0), 1.5707964F, 1e-6F);
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *result, 4));
+    EXPECT_NEAR(result.at<float>(0, 0), 4.712389F, 1e-6F); // the same sub-image is 270 degrees now
 }
 
 TEST_P(WaveKnownAnswers, SumOfSquaresBeyond32Bits) {
@@ -183,12 +183,12 @@ TEST_P(WaveKnownAnswers, SumOfSquaresBeyond32Bits) {
     TestPicture source(1, 4, 2, EkImageDataType::UInt16);
     setTaps(source, 0, {{65535, 0}, {65535, 0}, {0, 65535}, {0, 65535}});
     TestPicture amplitude(1, 1, 1, EkImageDataType::UInt16);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, amplitude.pic, 4));
-    EXPECT_EQ(amplitude.get<quint16>(0, 0), 46340);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *amplitude, 4));
+    EXPECT_EQ(amplitude.at<quint16>(0, 0), 46340);
     TestPicture result(1, 1, 2, EkImageDataType::Float32);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source.pic, result.pic, 4));
-    EXPECT_NEAR(result.get<float>(0, 0, 0), 0.78539816F, 1e-6F);
-    EXPECT_EQ(result.get<float>(0, 0, 1), float(std::sqrt(32767.0)) / 92680.0F);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*source, *result, 4));
+    EXPECT_NEAR(result.at<float>(0, 0, 0), 0.78539816F, 1e-6F);
+    EXPECT_EQ(result.at<float>(0, 0, 1), float(std::sqrt(32767.0)) / 92680.0F);
 }
 
 TEST_P(WaveKnownAnswers, AmplitudeAtExactSquares) {
@@ -196,13 +196,13 @@ TEST_P(WaveKnownAnswers, AmplitudeAtExactSquares) {
     const int vectors[][3] = {{12, 16, 5}, {12, 15, 4}, {-24, 32, 10}, {-24, -31, 9}, {3, 4, 1}, {0, 3, 0}};
     TestPicture source(6, 4, 1, EkImageDataType::Int16);
     for (quint32 x = 0; x < 6; ++x) {
-        source.put(x, 0, 0, vectors[x][0]);
-        source.put(x, 1, 0, vectors[x][1]);
+        source.setInteger(x, 0, 0, vectors[x][0]);
+        source.setInteger(x, 1, 0, vectors[x][1]);
     }
     TestPicture result(6, 1, 1, EkImageDataType::UInt16);
-    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, 4));
+    ASSERT_TRUE(CkToFPicAPI::rawAminBPicToAmplitude(*source, *result, 4));
     for (quint32 x = 0; x < 6; ++x) {
-        EXPECT_EQ(result.get<quint16>(x, 0), vectors[x][2]) << x;
+        EXPECT_EQ(result.at<quint16>(x, 0), vectors[x][2]) << x;
     }
 }
 
@@ -210,20 +210,20 @@ TEST_P(WaveKnownAnswers, EightBitSinglePhaseTenAndThirty) {
     TestPicture source(1, 1, 2, EkImageDataType::UInt8);
     setTaps(source, 0, {{10, 30}});
     TestPicture result(1, 1, 1, EkImageDataType::UInt8);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, result.pic, 1));
-    EXPECT_EQ(result.get<quint8>(0, 0), 20);
-    result.put(0, 0, 0, 0);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, 1));
-    EXPECT_EQ(result.get<quint8>(0, 0), 20);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(*source, *result, 1));
+    EXPECT_EQ(result.at<quint8>(0, 0), 20);
+    result.setInteger(0, 0, 0, 0);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *result, 1));
+    EXPECT_EQ(result.at<quint8>(0, 0), 20);
 }
 
 TEST_P(WaveKnownAnswers, AmplitudeFromSigned16IntoUnsigned8IsRefused) {
     TestPicture source(3, 4, 1, EkImageDataType::Int16);
-    source.put(0, 0, 0, 100);
+    source.setInteger(0, 0, 0, 100);
     TestPicture result(3, 1, 1, EkImageDataType::UInt8);
-    const auto before = result.store;
-    EXPECT_FALSE(CkToFPicAPI::rawAminBPicToAmplitude(source.pic, result.pic, 4));
-    EXPECT_EQ(result.store, before);
+    const auto before = result.bytes();
+    EXPECT_FALSE(CkToFPicAPI::rawAminBPicToAmplitude(*source, *result, 4));
+    EXPECT_EQ(result.bytes(), before);
 }
 
 TEST_P(WaveKnownAnswers, FourPhasesOfThousand) {
@@ -232,10 +232,10 @@ TEST_P(WaveKnownAnswers, FourPhasesOfThousand) {
         setTaps(source, x, {{1000, 1000}, {1000, 1000}, {1000, 1000}, {1000, 1000}});
     }
     TestPicture result(3, 1, 1, EkImageDataType::UInt16);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(source.pic, result.pic, 4));
-    EXPECT_EQ(result.get<quint16>(2, 0), 1000);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(source.pic, result.pic, 4));
-    EXPECT_EQ(result.get<quint16>(2, 0), 0);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToIntensity(*source, *result, 4));
+    EXPECT_EQ(result.at<quint16>(2, 0), 1000);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *result, 4));
+    EXPECT_EQ(result.at<quint16>(2, 0), 0);
 }
 
 TEST_P(WaveKnownAnswers, DifferenceWrapsInsteadOfSaturating) {
@@ -243,17 +243,17 @@ TEST_P(WaveKnownAnswers, DifferenceWrapsInsteadOfSaturating) {
     setTaps(narrow, 0, {{200, 10}});
     setTaps(narrow, 1, {{0, 255}});
     TestPicture narrowResult(2, 1, 1, EkImageDataType::Int8);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(narrow.pic, narrowResult.pic));
-    EXPECT_EQ(narrowResult.get<qint8>(0, 0), -66);
-    EXPECT_EQ(narrowResult.get<qint8>(1, 0), 1);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*narrow, *narrowResult));
+    EXPECT_EQ(narrowResult.at<qint8>(0, 0), -66);
+    EXPECT_EQ(narrowResult.at<qint8>(1, 0), 1);
 
     TestPicture wide(2, 1, 2, EkImageDataType::UInt16);
     setTaps(wide, 0, {{65535, 1}});
     setTaps(wide, 1, {{10, 30}});
     TestPicture wideResult(2, 1, 1, EkImageDataType::Int16);
-    ASSERT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(wide.pic, wideResult.pic));
-    EXPECT_EQ(wideResult.get<qint16>(0, 0), -2);
-    EXPECT_EQ(wideResult.get<qint16>(1, 0), -20);
+    ASSERT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*wide, *wideResult));
+    EXPECT_EQ(wideResult.at<qint16>(0, 0), -2);
+    EXPECT_EQ(wideResult.at<qint16>(1, 0), -20);
 }
 
 } // namespace

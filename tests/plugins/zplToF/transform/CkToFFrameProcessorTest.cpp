@@ -1,6 +1,6 @@
 #include "plugins/zplToF/transform/CkToFFrameProcessor.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 
 #include <gtest/gtest.h>
 
@@ -125,7 +125,7 @@ TEST(CkToFFrameProcessor, RelabellingCopiesWholeRowsAndNothingBehindThem) {
     CkToFFrameProcessor processor;
     ASSERT_TRUE(processor.process(SetABPhase, frame, *target));
     EXPECT_EQ(target.at<quint8>(2, 3, 1), 35);
-    EXPECT_TRUE(target.sentinelsIntact());
+    EXPECT_TRUE(target.guardsIntact());
     PaddedPicture wide(4, 4, 2, EkImageDataType::UInt8);
     PaddedPicture high(3, 5, 2, EkImageDataType::UInt8);
     EXPECT_FALSE(processor.process(SetABPhase, frame, *wide));
@@ -141,7 +141,7 @@ TEST(CkToFFrameProcessor, AGatheredSetIsCopiedAsFarAsTheOutputReaches) {
     CkToFFrameProcessor processor;
     ASSERT_TRUE(processor.process(ConcatPhases, frame, *out));
     EXPECT_EQ(out.at<quint16>(2, 3, 1), 3);
-    EXPECT_TRUE(out.sentinelsIntact());
+    EXPECT_TRUE(out.guardsIntact());
     PaddedPicture taller(3, 9, 2, EkImageDataType::UInt16);
     EXPECT_FALSE(processor.process(ConcatPhases, frame, *taller));
 }

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/transform/CkToFPhaseCollector.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "plugins/zplToF/transform/CkToFTransformer.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
 #include "plugins/zplToF/transform/ToFNegotiation.h"
-#include "tests/support/PaddedPicture.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkImageData.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "plugins/zplToF/view3d/CkToFRenderCapture.h"
 #include "plugins/zplToF/view3d/CkToFScene.h"
-#include "zuCore/CkPicBufAPI.h"
+#include "tests/support/TestFrames.h"
 
 #include <QAction>
 #include <QMenu>
@@ -14,19 +14,13 @@
 
 namespace {
 
-std::unique_ptr<CkImageData> makeFrame(int width, int height, int channels, EkImageDataType type, int bits) {
-    SkPicBuf picture;
-    EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, quint32(width), quint32(height), quint32(channels),
-                                                 type, 0, 0, quint32(bits), EkDataStorageFormat::Interleaved,
-                                                 EkColorFilterArray::None, false, false, 0));
-    auto frame = std::make_unique<CkImageData>();
-    frame->setPicBuf(picture);
-    return frame;
+SkPicBufInfo packed(int width, int height, int channels, EkImageDataType type, int bits) {
+    return SkPicBufInfo::of(quint32(width), quint32(height), quint32(channels), type, quint32(bits));
 }
 
 std::unique_ptr<CkImageData> twoChannels(const QString& name, int width, int height,
                                          const TestFrame::PixelAt& at, quint64 frameNumber) {
-    auto frame = makeFrame(width, height, 2, EkImageDataType::Float32, 32);
+    auto frame = makeFrame(packed(width, height, 2, EkImageDataType::Float32, 32));
     SkPicBuf& picture = frame->picBuf();
     for (int y = 0; y < height; ++y) {
         auto* row = reinterpret_cast<float*>(picture.row(quint32(y)));
@@ -55,7 +49,7 @@ std::unique_ptr<CkImageData> TestFrame::depth(int width, int height, const Pixel
 
 std::unique_ptr<CkImageData> TestFrame::generic(int width, int height, const FloatAt& at,
                                                 quint64 frameNumber) {
-    auto frame = makeFrame(width, height, 1, EkImageDataType::Float32, 32);
+    auto frame = makeFrame(packed(width, height, 1, EkImageDataType::Float32, 32));
     SkPicBuf& picture = frame->picBuf();
     for (int y = 0; y < height; ++y) {
         auto* row = reinterpret_cast<float*>(picture.row(quint32(y)));
@@ -69,7 +63,7 @@ std::unique_ptr<CkImageData> TestFrame::generic(int width, int height, const Flo
 
 std::unique_ptr<CkImageData> TestFrame::bytes(int width, int height,
                                               const std::function<int(int x, int y)>& at) {
-    auto frame = makeFrame(width, height, 1, EkImageDataType::UInt8, 8);
+    auto frame = makeFrame(packed(width, height, 1, EkImageDataType::UInt8, 8));
     SkPicBuf& picture = frame->picBuf();
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -81,7 +75,7 @@ std::unique_ptr<CkImageData> TestFrame::bytes(int width, int height,
 
 std::unique_ptr<CkImageData> TestFrame::zeroes(int width, int height, int channels, EkImageDataType type,
                                                int bits) {
-    return makeFrame(width, height, channels, type, bits);
+    return makeFrame(packed(width, height, channels, type, bits));
 }
 
 ViewTest::ViewTest() {
