@@ -15,10 +15,10 @@
 
 namespace {
 
-const auto iidPrefix = QLatin1String("com.orvane.Pictor.");
+const auto kIidPrefix = QLatin1String("com.orvane.Pictor.");
 
-/// True when everything that the library wants mapped into memory is in the file. The system's loader does
-/// not check that; the first access beyond the end of a file that was cut off would end the program.
+/// True when the file contains every segment that is mapped into memory. The dynamic loader does
+/// not check that; the first access past the end of a truncated file would end the program.
 bool hasAllSegments(QFile& file) {
     Elf64_Ehdr header;
     if (file.read(reinterpret_cast<char*>(&header), sizeof(header)) != qint64(sizeof(header)) ||
@@ -59,7 +59,7 @@ QString identityRefusal(const QPluginLoader& loader) {
     if (iid.isEmpty()) {
         return CkPluginLoader::tr("it is not a Qt plug-in (%1).").arg(loader.errorString());
     }
-    return iid.startsWith(iidPrefix)
+    return iid.startsWith(kIidPrefix)
                ? QString()
                : CkPluginLoader::tr("it is a plug-in for another program (\"%1\").").arg(iid);
 }
@@ -67,7 +67,7 @@ QString identityRefusal(const QPluginLoader& loader) {
 /// Runs plug-in code; what it throws becomes a reason for refusal. The exception is destroyed when this
 /// returns, so that the library that defined it can be unloaded.
 template <class Function>
-QString guarded(Function function) {
+QString callRefusal(Function function) {
     try {
         return function();
     } catch (const std::exception& error) {
@@ -107,7 +107,7 @@ QString pluginRefusal(CkPluginLoader::SkLoadedPlugin& loaded) {
 
 CkPluginLoader::CkPluginLoader(QObject* pParent) : QObject(pParent) {}
 
-// The libraries stay loaded: blocks, widgets and translations of theirs may live until the very end.
+// The libraries stay loaded: their blocks, widgets and translations may exist until the end of the process.
 CkPluginLoader::~CkPluginLoader() = default;
 
 CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
@@ -128,7 +128,7 @@ CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
     SkLoadedPlugin fresh;
     fresh.fileName = path;
     if (reason.isEmpty()) {
-        reason = guarded([&] {
+        reason = callRefusal([&] {
             fresh.object = loader.instance();
             if (fresh.object == nullptr) {
                 return CkPluginLoader::tr("it cannot be loaded (%1).").arg(loader.errorString());
@@ -145,7 +145,7 @@ CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
         CkRTTI::instance()->unregisterPlugin(fresh.object);
     }
     if (loader.isLoaded()) {
-        guarded([&] {
+        callRefusal([&] {
             loader.unload();
             return QString();
         });
