@@ -1,7 +1,5 @@
 #include "zuCore/CkImageData.h"
 
-#include "zuCore/CkPicBufAPI.h"
-
 #include <QVariant>
 
 #include <memory>
@@ -11,18 +9,15 @@ IkChainData::~IkChainData() = default;
 
 CkImageData::CkImageData(QObject* pParent) : QObject(pParent) {}
 
-CkImageData::~CkImageData() {
-    CkPicBufAPI::FreePicBuf(m_picBuf, true);
-}
+CkImageData::~CkImageData() = default;
 
 void CkImageData::setPicBuf(const SkPicBuf& picBuf) {
-    if (&picBuf == &m_picBuf) {
+    if (&picBuf == &m_picture.picBuf()) {
         return;
     }
     // The new one is in place before the old one is freed: a pool may hand the old pixels out again at once.
-    SkPicBuf previous = m_picBuf;
-    m_picBuf = picBuf;
-    CkPicBufAPI::FreePicBuf(previous, true);
+    const CkPicture previous(m_picture.take());
+    m_picture = CkPicture(picBuf);
 }
 
 CkImageData* CkImageData::share() const {
@@ -30,14 +25,14 @@ CkImageData* CkImageData::share() const {
     if (!twin) {
         return nullptr;
     }
-    if (m_picBuf.memory != nullptr) {
-        CkPicBufAPI::SharePicBuf(m_picBuf, twin->m_picBuf);
-    } else if (m_picBuf.data != nullptr) {
-        if (!CkPicBufAPI::CopyPicBuf(m_picBuf, twin->m_picBuf)) {
+    if (picBuf().memory != nullptr) {
+        CkPicBufAPI::SharePicBuf(picBuf(), twin->picBuf());
+    } else if (picBuf().data != nullptr) {
+        if (!CkPicBufAPI::CopyPicBuf(picBuf(), twin->picBuf())) {
             return nullptr;
         }
     } else {
-        twin->m_picBuf = m_picBuf;
+        twin->picBuf() = picBuf();
     }
     twin->m_metadata = m_metadata;
     for (const QByteArray& name : dynamicPropertyNames()) {

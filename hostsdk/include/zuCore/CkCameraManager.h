@@ -7,8 +7,8 @@
 #include <memory>
 
 /// All cameras of the program. User-interface thread, but for frame delivery. A handle is an opaque pointer,
-/// valid from openCamera until cameraClosed; every function answers null, false or nothing for a handle that
-/// has gone.
+/// valid from openCamera until cameraClosed; every function returns null, false or nothing for a handle that
+/// is no longer valid.
 class ZUCORE_EXPORT CkCameraManager : public QObject {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ public:
     void* openCamera(const QString& sId, QString* psError = nullptr);
     /// Stops and closes; emits cameraAboutToClose first.
     void closeCamera(void* pHandle);
-    /// As if the camera had been pulled off: it delivers nothing and is not offered until plugCameraIn. It
+    /// As if the camera had been unplugged: it delivers nothing and is not offered until plugCameraIn. It
     /// stays open: handle, receivers and the values of its parameters are kept.
     void unplugCamera(void* pHandle);
     /// Ends unplugCamera, also for a camera that was closed since. One that is still open gets its
@@ -30,10 +30,10 @@ public:
     /// a camera that was not unplugged, cannot be opened or started.
     bool plugCameraIn(const QString& sId, QString* psError = nullptr);
     QList<SkCameraInfo> camerasHeldApart() const; ///< Between unplugCamera and plugCameraIn.
-    /// Whether an open camera cannot deliver because it was pulled off, by unplugCamera or in truth.
+    /// Whether an open camera cannot deliver because it was unplugged, by unplugCamera or in reality.
     bool isUnplugged(void* pHandle) const;
-    /// Looks which cameras the drivers offer; a driver's part when one came or went. An open camera that is
-    /// no longer offered is taken as pulled off, one that is offered again goes on.
+    /// Asks the drivers which cameras they offer; to be called by a driver when one came or went. An open
+    /// camera that is no longer offered counts as unplugged, one that is offered again resumes.
     void checkCameras();
 
     /// In order of opening.
@@ -64,11 +64,11 @@ signals:
     /// The handle still works.
     void cameraAboutToClose(void* pHandle);
     void cameraClosed(void* pHandle);      ///< The handle is no longer valid.
-    void cameraUnplugged(void* pHandle);   ///< An open camera was pulled off; it stays open.
+    void cameraUnplugged(void* pHandle);   ///< An open camera was unplugged; it stays open.
     void cameraLost(const QString& sName); ///< After cameraUnplugged, by its name.
     /// It is back. Those of its parameters that were there before are deleted when the signal returns.
     void cameraPluggedIn(void* pHandle);
-    void acquisitionChanged(void* pHandle, bool bRunning); ///< By whomever it was done.
+    void acquisitionChanged(void* pHandle, bool bRunning); ///< By whatever caused it.
     void availableCamerasChanged();                        ///< One came or went.
 
 private:

@@ -20,13 +20,13 @@ public:
     /// A choice of an enumeration.
     struct SkEnumEntry {
         qint64 value = 0; ///< what the camera is given
-        QString text;     ///< for people, translated
+        QString text;     ///< to be displayed, translated
     };
     /// What a parameter is made of.
     struct SkDescription {
         QString name;                  ///< the driver's name, unique within the camera
-        QString displayName;           ///< for people, translated
-        QString toolTip;               ///< for people, translated; may be empty
+        QString displayName;           ///< to be displayed, translated
+        QString toolTip;               ///< to be displayed, translated; may be empty
         QString unit;                  ///< "us", "MHz", "1/s"; empty for none
         EkKind kind = EkKind::Integer; ///< of value and limits
         CkValue value;                 ///< committed last

@@ -9,7 +9,7 @@
 /// What a camera is.
 struct SkCameraInfo {
     QString id;             ///< unique over all drivers, the same each time the camera is plugged in
-    QString name;           ///< for people
+    QString name;           ///< to be displayed
     QString model;          ///< the maker's
     QString serial;         ///< empty when the camera has none
     quint32 sensorType = 0; ///< see ToFSensorType; 0: any other

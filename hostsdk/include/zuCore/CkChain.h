@@ -23,7 +23,7 @@ class ZUCORE_EXPORT IkFrameSink {
 public:
     virtual ~IkFrameSink();
 
-    /// Chain thread. Takes over pData. Answers how many frames it had to drop for this one.
+    /// Chain thread. Takes over pData. Returns how many frames it had to drop for this one.
     virtual int takeFrame(CkImageData* pData) = 0;
 
     /// Pictures that the sink may hold at once, waiting and shown.
@@ -34,12 +34,12 @@ public:
 struct SkBlockStatistics {
     quint64 framesIn = 0;  ///< frames that came to the block
     quint64 framesOut = 0; ///< frames that left it
-    /// Lost before a source's chain had them, in a full queue or one that a stop found filled, for want of
-    /// a free picture, to a format that does not fit, a block that failed or said so
+    /// Lost before they reached the chain of their source, in a full queue or one that stop emptied, for lack
+    /// of a free picture, to a format that does not fit, a block that failed or reported it
     /// (CkChainable::noteDropped), or a slow sink.
     quint64 dropped = 0;
     quint64 processNs = 0; ///< spent in processData
-    /// Of the frames that left it, those that all blocks and sinks behind it are done with.
+    /// Of the frames that left it, those that all blocks and sinks downstream are done with.
     quint64 framesDone = 0;
 };
 
@@ -47,7 +47,7 @@ struct SkBlockStatistics {
 ///
 /// Frames run from the sources to the ends, one at a time, in the order of delivery. Of each frame of a
 /// source a block is handed one of each predecessor, in the order of connection; when it makes several frames
-/// of them, its sinks get them all and the blocks behind it the last one. Structure and life are changed
+/// of them, its sinks get them all and the blocks after it the last one. Structure and life are changed
 /// through CkChainManager and start/stop. Every function may be called from any thread unless
 /// it says otherwise; control calls of several threads are served one after the other.
 class ZUCORE_EXPORT CkChain : public QObject {
@@ -85,7 +85,7 @@ public:
 
     /// Sources in the order in which they were put into the chain.
     QList<CkChainable*> imageSources() const;
-    /// All blocks, each behind its predecessors.
+    /// All blocks, each after its predecessors.
     QList<CkChainable*> blocks() const;
     QList<CkChainable*> precedessors(const CkChainable* pBlock) const; ///< Feeders, in order of connection.
     QList<CkChainable*> successors(const CkChainable* pBlock) const;   ///< Blocks that it feeds.
@@ -100,7 +100,7 @@ public:
     bool addSink(CkChainable* pBlock, IkFrameSink* pSink);
     /// Returns when the sink is no longer inside takeFrame.
     void removeSink(IkFrameSink* pSink);
-    /// The block whose frames the sink gets; moves when a block is inserted behind it. Null when unknown.
+    /// The block whose frames the sink gets; moves when a block is inserted after it. Null when unknown.
     CkChainable* sinkBlock(const IkFrameSink* pSink) const;
 
     SkBlockStatistics blockStatistics(const CkChainable* pBlock) const; ///< Zeros for a foreign block.
@@ -113,10 +113,10 @@ public:
     /// more rarely.
     ///
     /// The chain does so by itself for a frame that leaves a source or a block in another format than the
-    /// negotiated one, and then goes on with that frame. In metadata, what changes from frame to frame (place
-    /// in the set, angle, exposure, time) is no format. Where every frame has another format than the one
-    /// before, the chain follows every second one, says so on the block, and drops what does not fit; other
-    /// metadata alone drop nothing, and are followed ever more rarely.
+    /// negotiated one, and then continues with that frame. In metadata, what changes from frame to frame
+    /// (place in the set, angle, exposure, time) is no format. Where every frame has another format than the
+    /// one before, the chain follows every second one, shows that on the block, and drops what does not fit;
+    /// other metadata alone drop nothing, and are followed ever more rarely.
     void requestRenegotiation();
 
     /// The chain's blocks and connections as an XML element "chain", and back. save fills the element when it
@@ -127,8 +127,8 @@ public:
     bool save(QDomDocument& doc, QDomElement& element) const;
     bool load(const QDomElement& element, QString* psError); ///< See save.
 
-    /// Hears after each block how many of all blocks have been read; answering false calls the loading off,
-    /// which then fails. May run an event loop, but not close the chain.
+    /// Called after each block with how many of all blocks have been read; false as result cancels the
+    /// loading, which then fails. May run an event loop, but not close the chain.
     using LoadProgress = std::function<bool(qsizetype iRead, qsizetype iAll)>;
     bool load(const QDomElement& element, QString* psError, const LoadProgress& progress); ///< See save.
 

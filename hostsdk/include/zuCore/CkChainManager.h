@@ -23,7 +23,7 @@ public:
     /// Stops the chain, deletes its blocks and the chain itself. Unknown chains are ignored.
     void closeChain(CkChain* pChain);
 
-    /// Puts a block into a chain directly behind another one: everything that pAfter fed, blocks and
+    /// Puts a block into a chain directly after another one: everything that pAfter fed, blocks and
     /// sinks, is fed by pNew from then on. pAfter null: as a first block (a source). The chain then owns
     /// pNew. False, with nothing changed, when the chain runs, pAfter is not in it, pNew is in a chain
     /// already, or blocks do not accept each other's data.

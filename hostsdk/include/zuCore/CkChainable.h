@@ -40,12 +40,12 @@ public:
     /// Short name for panels and window titles.
     virtual QString title() const;
 
-    /// Whether the block can work on the output of pUpstream; null asks whether it can stand first. The base
-    /// accepts any block, but does not stand first.
+    /// Whether the block can work on the output of pUpstream; null asks whether it can be a first block. The
+    /// base accepts any block, but cannot be a first one.
     virtual bool acceptsDataFrom(CkChainable* pUpstream);
 
     /// Pictures that the block itself may have out of its pool at once. The chain adds what views and
-    /// branches may hold. The base answers 0: the block gets no shelf in the pool.
+    /// branches may hold. The base returns 0: the block gets no shelf in the pool.
     virtual int buffersCountInMemoryPool() const;
 
     /// Called before the first and after the last frame of a run. Overrides call the base.
@@ -54,7 +54,7 @@ public:
 
     /// Works on one frame; chain thread. Takes over pData (may be null). Result: the same object (passed
     /// through), a new one after deleting pData, or null for no output, pData deleted by the caller:
-    /// a block that answers null has not deleted its input.
+    /// a block that returns null has not deleted its input.
     virtual IkChainData* processData(IkChainData* pData);
 
     /// Writes and reads the block's settings as attributes of its element in the chain's file. Overrides
@@ -84,9 +84,9 @@ public:
     void setState(int iState); ///< EkState; emits stateChanged. Any thread.
 
     /// What the host shows on the block: the text that was set last or, where that is empty, what the chain
-    /// has to say of the block; empty for no error. Any thread.
+    /// reports of the block; empty for no error. Any thread.
     QString errorMessage() const;
-    /// Empty for no error; the chain's own text then shows again, and goes when its reason has gone. Setting
+    /// Empty for no error; the chain's own text then shows again, for as long as its reason lasts. Setting
     /// a block up clears the text, unless the block is a source. Any thread.
     void setErrorMessage(const QString& sMessage);
 
@@ -94,7 +94,7 @@ public:
     CkMemoryPool* memoryPool() const;
 
 signals:
-    /// What errorMessage answers has changed; on the thread that changed it.
+    /// The result of errorMessage has changed; on the thread that changed it.
     void errorMessageChanged(const QString& sMessage);
     void stateChanged(int iState); ///< EkState; on the thread that changed it.
     /// Title or settings have changed.
@@ -113,8 +113,8 @@ private:
     friend class CkChainRunner;
 
     void setChainMessage(const QString& sMessage);
-    /// Between the two the messages may change as they like: what came of it is told at the end, once. Only
-    /// the thread that holds them sees them change.
+    /// Changes of the messages between the two are signalled at the end, once, and only if the outcome is
+    /// another one. Only the holding thread sees them earlier.
     void holdMessages();
     void tellMessages();
     QString message() const; ///< with the lock
@@ -126,7 +126,7 @@ private:
     int m_iState = Ready;
     QString m_sOwnMessage;
     QString m_sChainMessage;         ///< the host's, shown while the block's own is empty
-    QString m_sToldMessage;          ///< told last
-    std::thread::id m_messageHolder; ///< none: every change is told at once
+    QString m_sToldMessage;          ///< signalled last
+    std::thread::id m_messageHolder; ///< none: every change is signalled at once
     bool m_bFrameDropped = false;    ///< chain thread
 };

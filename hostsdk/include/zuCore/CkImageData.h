@@ -1,8 +1,8 @@
 #pragma once
 
 #include "zuCore/CkImageMetadata.h"
+#include "zuCore/CkPicture.h"
 #include "zuCore/IkChainData.h"
-#include "zuCore/SkPicBuf.h"
 
 #include <QObject>
 
@@ -16,8 +16,10 @@ public:
     explicit CkImageData(QObject* pParent = nullptr); ///< Without a picture.
     ~CkImageData() override;
 
-    const SkPicBuf& picBuf() const { return m_picBuf; } ///< Stays this object's.
-    SkPicBuf& picBuf() { return m_picBuf; } ///< To write pixels; only while nobody else holds them.
+    const SkPicBuf& picBuf() const { return m_picture.picBuf(); } ///< Stays this object's.
+    SkPicBuf& picBuf() {
+        return m_picture.picBuf();
+    } ///< To write pixels; only while no other frame shares them.
 
     /// Takes over the picture's reference; the one held before is given back.
     void setPicBuf(const SkPicBuf& picBuf);
@@ -26,13 +28,13 @@ public:
     void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; } ///< A copy is kept.
 
     /// Identifier of the frame within its source: the low 31 bits of the frame number, never negative.
-    qint32 frameId() const { return qint32(m_picBuf.additionalData.frameNumber & 0x7fffffffU); }
+    qint32 frameId() const { return qint32(picBuf().additionalData.frameNumber & 0x7fffffffU); }
 
-    /// A new frame on the same pixels (copied when nobody owns them), owned by the caller; null when
+    /// A new frame on the same pixels (copied when they have no owner), owned by the caller; null when
     /// memory is short.
     CkImageData* share() const override;
 
 private:
-    SkPicBuf m_picBuf;
+    CkPicture m_picture;
     CkImageMetadata m_metadata;
 };

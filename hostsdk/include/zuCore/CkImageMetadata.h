@@ -35,7 +35,7 @@ struct CkImageMetadata {
     float frameRate = 0.0F;           ///< sets per second the camera is set to
     qint64 timestampNs = 0;           ///< host clock at delivery, nanoseconds since the epoch
     quint64 frameNumber = 0;          ///< counts from 0 at each start of acquisition
-    QString cameraName;               ///< for people; empty: unknown
+    QString cameraName;               ///< to be displayed; empty: unknown
     QString cameraSerial;             ///< empty: unknown
 
     bool operator==(const CkImageMetadata&) const = default;

@@ -13,7 +13,7 @@ public:
     ~CkImageProvider() override;
 
     /// What the block makes of an input format. outMeta may be null; inMeta too. The base copies both
-    /// through. Called at set-up by whoever starts the chain, and by the block itself while frames flow;
+    /// through. Called at set-up by the thread that starts the chain, and by the block while frames flow;
     /// never at the same time. False: the block cannot work on this input; its error message says why.
     virtual bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out,
                                       const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);

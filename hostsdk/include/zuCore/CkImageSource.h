@@ -13,17 +13,17 @@ public:
     explicit CkImageSource(QObject* pParent = nullptr); ///< In no chain yet.
     ~CkImageSource() override;
 
-    /// A source stands first (true for null) and has no input (false for everything else).
+    /// A source is a first block (true for null) and has no input (false for everything else).
     bool acceptsDataFrom(CkChainable* pUpstream) override;
     bool inputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const override;
-    /// The same as sourceImageInfo, also while the chain runs: whoever has just set a camera up sees what
+    /// The same as sourceImageInfo, also while the chain runs: code that has just set a camera up sees what
     /// comes next, not what the chain was last set up for.
     bool outputImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) override;
 
     /// The format of the frames to come. False when unknown. Any thread.
     virtual bool sourceImageInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const = 0;
 
-    /// Cameras behind this source, empty for none.
+    /// Cameras of this source, empty for none.
     virtual QList<void*> cameraHandles() const;
 
 protected:

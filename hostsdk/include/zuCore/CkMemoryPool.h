@@ -5,7 +5,7 @@
 #include <memory>
 
 /// Picture memory of a chain: one shelf of equally sized pictures per owner (a block). A picture returns to
-/// its shelf by itself when its last holder frees it, also after the shelf or the pool has gone.
+/// its shelf by itself when its last holder frees it, also after the shelf or the pool was destroyed.
 /// All functions may be called from any thread.
 class ZUCORE_EXPORT CkMemoryPool {
 public:

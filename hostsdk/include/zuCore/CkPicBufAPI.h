@@ -8,8 +8,8 @@ class CkMemoryPool;
 
 /// Picture services: allocation, copying, channels, bit depth, value range.
 ///
-/// Stateless; any thread, as long as nobody else writes the pictures given. No function throws or prints.
-/// Every function answers false, and writes nothing, when a picture has no data, a descriptor is
+/// Stateless; any thread, as long as no other thread writes the pictures given. No function throws or prints.
+/// Every function returns false, and writes nothing, when a picture has no data, a descriptor is
 /// impossible (rows shorter than their pixels, no channels, an unknown sample type where samples are
 /// interpreted) or a rectangle leaves its picture. Rows are walked by lineSize; bytes of a row beyond its
 /// pixels are never written.
@@ -17,9 +17,9 @@ class ZUCORE_EXPORT CkPicBufAPI {
 public:
     // ---- memory -------------------------------------------------------------------------------------
 
-    /// A zeroed picture of its own on the heap, row 0 aligned to 64 bytes.
+    /// A new zeroed picture on the heap, row 0 aligned to 64 bytes.
     /// uiLineSize 0: the packed row rounded up to a multiple of uiLinePadding. uiReserveBytes are added
-    /// behind the last row. bNoClear leaves the pixels unset. False when a size is 0, overflows or cannot
+    /// after the last row. bNoClear leaves the pixels unset. False when a size is 0, overflows or cannot
     /// be had, or uiLineSize is shorter than a row; picBuf is then empty. A reference that picBuf held is
     /// given back first.
     static bool AllocPicBufFromHeap(SkPicBuf& picBuf, quint32 uiWidth, quint32 uiHeight, quint32 uiChannels,
@@ -28,7 +28,7 @@ public:
                                     EkColorFilterArray colorFilterArray, bool bLayoutFlag, bool bNoClear,
                                     size_t uiReserveBytes);
 
-    /// The same like a descriptor. The descriptor's lineSize is kept unless it is 0 or bPackLines.
+    /// The same by a descriptor. The descriptor's lineSize is kept unless it is 0 or bPackLines.
     static bool AllocPicBufFromHeap(SkPicBuf& picBuf, const SkPicBufInfo& info, bool bPackLines = false,
                                     size_t uiReserveBytes = 0);
 
@@ -45,7 +45,8 @@ public:
     /// owner (memory null). What target held is given back first.
     static bool SharePicBuf(const SkPicBuf& source, SkPicBuf& target);
 
-    /// Bytes from row 0 to behind the last row; 0 when the descriptor is impossible or the size overflows.
+    /// Bytes from row 0 to the end of the last row; 0 when the descriptor is impossible or the size
+    /// overflows.
     static size_t byteSize(const SkPicBufInfo& info);
 
     /// True when width, height and channels are above 0 and lineSize holds a row.

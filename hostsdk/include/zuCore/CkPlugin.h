@@ -16,9 +16,9 @@ public:
     /// Called once after loading. False: the plug-in cannot work; it is unloaded.
     virtual bool init() = 0;
 
-    virtual QString name() const = 0;        ///< For people.
-    virtual QString author() const = 0;      ///< For people.
-    virtual QString description() const = 0; ///< A sentence, for people.
+    virtual QString name() const = 0;        ///< To be displayed.
+    virtual QString author() const = 0;      ///< To be displayed.
+    virtual QString description() const = 0; ///< A sentence, to be displayed.
     /// The framework version the plug-in was built with (zuCoreVersion). Another major version than the
     /// host's is refused.
     virtual void version(int& major, int& minor, int& patch) const = 0;

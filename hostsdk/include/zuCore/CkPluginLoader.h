@@ -31,7 +31,7 @@ public:
     /// Loads one library, calls init() and asks for its texts. Null, with psError set, on refusal.
     CkPlugin* load(const QString& sFileName, QString* psError);
 
-    /// Loads every library of a folder, in order of file name; answers the messages of the refused ones.
+    /// Loads every library of a folder, in order of file name; returns the messages of the refused ones.
     QStringList loadFolder(const QString& sFolder);
 
     QList<SkLoadedPlugin> plugins() const { return m_plugins; } ///< In order of loading.

@@ -17,7 +17,7 @@ struct SkXmlLimits {
     int allAttributes = 100'000;     ///< of all elements together
 };
 
-/// Reads XML that may come from anybody. Documents that would take a reader's stack, memory or minutes are
+/// Reads untrusted XML. Documents that would exhaust the stack, the memory or the patience of the user are
 /// refused before a document is built of them; so are document type declarations, and with them entities of
 /// the document's own. Stateless; any thread.
 class ZUCORE_EXPORT CkXmlReader {

@@ -10,14 +10,14 @@
 
 class CkImageData;
 
-/// An open camera behind a driver.
+/// An open camera of a driver.
 ///
 /// Opened, configured, started and stopped on the user-interface thread; delivers frames from a thread of its
 /// own.
 class ZUCORE_EXPORT IkCamera {
 public:
-    /// Takes over the frame. Called from the camera's own thread. Frames that the camera has to leave out for
-    /// want of memory or bandwidth leave a gap in additionalData.frameNumber, by which they are counted.
+    /// Takes over the frame. Called from the camera's own thread. Frames that the camera drops for lack of
+    /// memory or bandwidth leave a gap in additionalData.frameNumber, by which they are counted.
     using FrameFunction = std::function<void(CkImageData*)>;
 
     virtual ~IkCamera();
@@ -34,7 +34,7 @@ public:
     virtual void stop() = 0;
     virtual bool isRunning() const = 0; ///< Between start and stop, paused or not.
 
-    /// Holds delivery without stopping (true), or goes on; step delivers one set while held.
+    /// Holds delivery without stopping (true), or resumes it; step delivers one set while held.
     virtual void setPaused(bool bPaused) = 0;
     virtual void step() = 0; ///< See setPaused.
 };
@@ -44,11 +44,11 @@ class ZUCORE_EXPORT IkCameraDriver {
 public:
     virtual ~IkCameraDriver();
 
-    virtual QString name() const = 0; ///< For people.
-    /// Cameras that can be opened now, and those that are open and there. When one comes or goes, have the
+    virtual QString name() const = 0; ///< To be displayed.
+    /// Cameras that can be opened now, and those that are open and present. When one comes or goes, have the
     /// user-interface thread call CkCameraManager::checkCameras.
     virtual QList<SkCameraInfo> availableCameras() const = 0;
-    /// Null, with psError set, when the camera is not there or cannot be opened. A camera that was pulled off
-    /// while it was open is opened again while the object from before is still there, stopped.
+    /// Null, with psError set, when the camera is missing or cannot be opened. A camera that was unplugged
+    /// while it was open is opened again while its former object still exists, stopped.
     virtual std::unique_ptr<IkCamera> open(const QString& sId, QString* psError) = 0;
 };

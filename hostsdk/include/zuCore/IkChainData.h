@@ -2,7 +2,7 @@
 
 #include "zuCore/zuCoreGlobal.h"
 
-/// Anything that flows through a chain. Whoever is handed one owns it; a block that returns something else
+/// Anything that flows through a chain. The one it is handed to owns it; a block that returns something else
 /// than its input deletes the input.
 class ZUCORE_EXPORT IkChainData {
 public:

@@ -65,7 +65,7 @@ struct SkPicBuf : SkPicBufInfo {
 
     SkPicAdditionalData additionalData; ///< of the frame
 
-    /// What keeps the pixels alive, counted; null for pixels that somebody else owns.
+    /// What keeps the pixels alive, reference-counted; null for pixels of another owner.
     CkPicMemory* memory = nullptr;
 
     /// Takes over the additional data (time stamp, counters) of another picture.

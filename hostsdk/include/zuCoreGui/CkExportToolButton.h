@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QToolButton>
 
-/// Tool button with a menu of ways to take data out of a view, and the functions behind it.
+/// Tool button with a menu of ways to export the data of a view, and the functions that do it.
 /// User-interface thread.
 class ZUCOREGUI_EXPORT CkExportToolButton : public QToolButton {
     Q_OBJECT

@@ -16,7 +16,7 @@ class CkLut;
 ///
 /// A view constructed on a block shows that block's frames: the base attaches itself to the block's chain,
 /// keeps the newest frame in a slot of depth one and shows it (showFrame) when the event loop gets to it.
-/// When a block is inserted behind the view's block, the view follows to the new block's output. A view
+/// When a block is inserted after the view's block, the view follows to the new block's output. A view
 /// without a block gets its frames in another way (updateWithConnectedImageData).
 class ZUCOREGUI_EXPORT CkMdiView : public QWidget {
     Q_OBJECT
@@ -34,7 +34,7 @@ public:
     /// Identifier within the program, from 0, never used again; given at construction.
     int viewId() const { return m_iViewId; }
 
-    virtual int viewCaps() const; ///< EkViewCaps; the base answers 0.
+    virtual int viewCaps() const; ///< EkViewCaps; the base returns 0.
     /// The view this one follows, or -1.
     virtual int connectedViewId() const;
     /// Whether the view holds data that would be lost when it closes.
@@ -68,13 +68,13 @@ public:
     quint64 droppedFrames() const;
 
 signals:
-    /// A new frame is there: imageData(iFrameId) answers it during the call, and until the next one comes.
+    /// A new frame has arrived: imageData(iFrameId) returns it during the call, and until the next one.
     void receivedFrame(qint32 iFrameId);
     /// After receivedFrame; the application forwards it to the plug-ins (CkPlugin::viewGotNewImage).
     void frameShown(int iViewId, const CkImageData* pData);
     /// The block shown changed (insertion, removal), or went away.
     void dataProviderChanged();
-    void viewTitleChanged(); ///< viewTitle answers something else.
+    void viewTitleChanged(); ///< The result of viewTitle has changed.
 
 protected:
     /// Shows a frame of the view's own block and takes ownership of it. Overrides call the base last, which

@@ -51,7 +51,7 @@ public:
     /// Arranges the views so that each can be seen.
     virtual void refreshViewArea() = 0;
 
-    /// The first camera behind a view; null for a view without one.
+    /// The first camera that feeds a view; null for a view without one.
     virtual void* cameraHandleOfView(int iViewId) = 0;
     /// Puts a layout into a camera's panel and takes it over. iFlag 1: below the camera's controls. False,
     /// and the layout stays the caller's, when the camera has no panel.
