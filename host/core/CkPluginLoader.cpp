@@ -87,12 +87,12 @@ QString pluginRefusal(CkPluginLoader::SkLoadedPlugin& loaded) {
     int minor = 0;
     int patch = 0;
     plugin->version(major, minor, patch);
-    if (major != g_iZuCoreVersionMajor) {
+    if (major != kZuCoreVersionMajor) {
         return CkPluginLoader::tr("it was built for version %1.%2.%3 of the framework, this is version %4.")
             .arg(major)
             .arg(minor)
             .arg(patch)
-            .arg(g_iZuCoreVersionMajor);
+            .arg(kZuCoreVersionMajor);
     }
     if (!plugin->init()) {
         return CkPluginLoader::tr("it could not be initialised.");

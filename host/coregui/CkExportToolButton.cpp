@@ -16,8 +16,8 @@
 namespace {
 // "Point cloud (*.ply *.txt);;All files (*)" gives "ply".
 QString firstSuffix(const QString& sFilter) {
-    static const QRegularExpression s_pattern(QStringLiteral("\\*\\.([A-Za-z0-9_.]+)"));
-    return s_pattern.match(sFilter).captured(1);
+    static const QRegularExpression kPattern(QStringLiteral("\\*\\.([A-Za-z0-9_.]+)"));
+    return kPattern.match(sFilter).captured(1);
 }
 
 // Both windows are on the heap: their parent deletes them when it is closed while they are open.

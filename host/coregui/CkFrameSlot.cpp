@@ -8,8 +8,8 @@
 
 namespace {
 QEvent::Type frameEventType() {
-    static const int s_type = QEvent::registerEventType();
-    return QEvent::Type(s_type);
+    static const int kType = QEvent::registerEventType();
+    return QEvent::Type(kType);
 }
 } // namespace
 

@@ -79,7 +79,7 @@ done
 grep -qE "^## \[$version\]" "$source_dir/CHANGELOG.md" || complain "CHANGELOG.md says nothing of version $version."
 for number in Major:1 Minor:2 Patch:3; do
     expected=$(echo "$version" | cut -d. -f"${number#*:}")
-    grep -qE "g_iZuCoreVersion${number%:*} = $expected;" "$source_dir/hostsdk/include/zuCore/zuCoreVersion.h" ||
+    grep -qE "kZuCoreVersion${number%:*} = $expected;" "$source_dir/hostsdk/include/zuCore/zuCoreVersion.h" ||
         complain "zuCoreVersion.h has another ${number%:*} than $version."
 done
 [ $bad = 0 ] && echo "The packages are made of $(cat "$work"/*.files | wc -l) files."

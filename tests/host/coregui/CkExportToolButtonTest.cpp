@@ -16,8 +16,8 @@
 #include <memory>
 
 namespace {
-const QString s_filter = QStringLiteral("PLY (*.ply)");
-const QByteArray s_text = "ply\nformat ascii 1.0\n1.5 -2 0.25\n";
+const QString kFilter = QStringLiteral("PLY (*.ply)");
+const QByteArray kText = "ply\nformat ascii 1.0\n1.5 -2 0.25\n";
 
 QByteArray contents(const QString& sFile) {
     QFile file(sFile);
@@ -50,7 +50,7 @@ protected:
     }
 
     bool exportToFile() {
-        return CkExportToolButton::exportText(s_text, CkExportToolButton::File, nullptr, s_filter);
+        return CkExportToolButton::exportText(kText, CkExportToolButton::File, nullptr, kFilter);
     }
 
     QTemporaryDir folder;
@@ -71,8 +71,8 @@ TEST_F(CkExportToolButtonTest, WritesTheTextAsItIsAndRemembersTheFolder) {
     expectName(folder.filePath("inner/cloud.ply"));
     EXPECT_TRUE(exportToFile());
     EXPECT_EQ(startedIn, folder.path());
-    EXPECT_EQ(filters, QStringList{s_filter});
-    EXPECT_EQ(contents(folder.filePath("inner/cloud.ply")), s_text);
+    EXPECT_EQ(filters, QStringList{kFilter});
+    EXPECT_EQ(contents(folder.filePath("inner/cloud.ply")), kText);
     EXPECT_EQ(delegate.directory, folder.filePath("inner"));
     EXPECT_TRUE(driver.boxes.isEmpty());
 }
@@ -80,13 +80,13 @@ TEST_F(CkExportToolButtonTest, WritesTheTextAsItIsAndRemembersTheFolder) {
 TEST_F(CkExportToolButtonTest, AddsTheFiltersSuffixToANameWithoutOne) {
     expectName("cloud");
     EXPECT_TRUE(exportToFile());
-    EXPECT_EQ(contents(folder.filePath("cloud.ply")), s_text);
+    EXPECT_EQ(contents(folder.filePath("cloud.ply")), kText);
 }
 
 TEST_F(CkExportToolButtonTest, KeepsASuffixOfTheUsersOwn) {
     expectName("cloud.txt");
     EXPECT_TRUE(exportToFile());
-    EXPECT_EQ(contents(folder.filePath("cloud.txt")), s_text);
+    EXPECT_EQ(contents(folder.filePath("cloud.txt")), kText);
 }
 
 TEST_F(CkExportToolButtonTest, CancellingWritesNothingAndKeepsTheFolder) {
@@ -148,18 +148,18 @@ TEST_F(CkExportToolButtonTest, OverwritesAFileAfterTheUserAgreed) {
     };
     EXPECT_TRUE(exportToFile());
     EXPECT_EQ(driver.boxes.size(), 1);
-    EXPECT_EQ(contents(folder.filePath("cloud.ply")), s_text);
+    EXPECT_EQ(contents(folder.filePath("cloud.ply")), kText);
 }
 
 TEST_F(CkExportToolButtonTest, CopiesToTheClipboardAsUtf8) {
     const QString sText = QStringLiteral("1.5 µm");
     EXPECT_TRUE(
-        CkExportToolButton::exportText(sText.toUtf8(), CkExportToolButton::Clipboard, nullptr, s_filter));
+        CkExportToolButton::exportText(sText.toUtf8(), CkExportToolButton::Clipboard, nullptr, kFilter));
     EXPECT_EQ(QGuiApplication::clipboard()->text(), sText);
 }
 
 TEST_F(CkExportToolButtonTest, AnUnknownWayExportsNothing) {
-    EXPECT_FALSE(CkExportToolButton::exportText(s_text, 3, nullptr, s_filter));
+    EXPECT_FALSE(CkExportToolButton::exportText(kText, 3, nullptr, kFilter));
     EXPECT_TRUE(driver.boxes.isEmpty());
 }
 
@@ -167,7 +167,7 @@ TEST_F(CkExportToolButtonTest, WorksWithoutAnApplication) {
     IkAppDelegate::setInstance(nullptr);
     expectName(folder.filePath("cloud.ply"));
     EXPECT_TRUE(exportToFile());
-    EXPECT_EQ(contents(folder.filePath("cloud.ply")), s_text);
+    EXPECT_EQ(contents(folder.filePath("cloud.ply")), kText);
 }
 
 TEST_F(CkExportToolButtonTest, TheParentMayCloseWhileTheFileDialogIsOpen) {
@@ -176,7 +176,7 @@ TEST_F(CkExportToolButtonTest, TheParentMayCloseWhileTheFileDialogIsOpen) {
         EXPECT_EQ(pWindow->parentWidget(), parent.get());
         parent.reset();
     });
-    EXPECT_FALSE(CkExportToolButton::exportText(s_text, CkExportToolButton::File, parent.get(), s_filter));
+    EXPECT_FALSE(CkExportToolButton::exportText(kText, CkExportToolButton::File, parent.get(), kFilter));
     EXPECT_EQ(parent, nullptr);
     EXPECT_EQ(driver.pending(), 0);
     EXPECT_TRUE(QDir(folder.path()).isEmpty());
@@ -190,7 +190,7 @@ TEST_F(CkExportToolButtonTest, TheParentMayCloseWhileAnErrorIsTold) {
         EXPECT_EQ(pBox->parentWidget(), parent.get());
         parent.reset();
     };
-    EXPECT_FALSE(CkExportToolButton::exportText(s_text, CkExportToolButton::File, parent.get(), s_filter));
+    EXPECT_FALSE(CkExportToolButton::exportText(kText, CkExportToolButton::File, parent.get(), kFilter));
     EXPECT_EQ(parent, nullptr);
     EXPECT_EQ(driver.boxes.size(), 1);
 }

@@ -60,9 +60,9 @@ TEST_F(ToFPlugin, SaysWhatItIs) {
     int minor = -1;
     int patch = -1;
     plugin.version(major, minor, patch);
-    EXPECT_EQ(major, g_iZuCoreVersionMajor);
-    EXPECT_EQ(minor, g_iZuCoreVersionMinor);
-    EXPECT_EQ(patch, g_iZuCoreVersionPatch);
+    EXPECT_EQ(major, kZuCoreVersionMajor);
+    EXPECT_EQ(minor, kZuCoreVersionMinor);
+    EXPECT_EQ(patch, kZuCoreVersionPatch);
 }
 
 TEST_F(ToFPlugin, InterfaceIsReachedByNameAndByIdentifier) {
