@@ -4,13 +4,13 @@
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "plugins/zplToF/cloud/ToFPlyText.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <QLocale>
 #include <QString>
 
 #include <benchmark/benchmark.h>
-#include <hwy/targets.h>
 
 #include <algorithm>
 #include <cmath>
@@ -153,9 +153,8 @@ void compare(benchmark::State& state, double dUnits, const char* sUnit, const st
 }
 
 void cloud(benchmark::State& state, const SkToFDepthPictures& (*pictures)(), bool bLens, double dGamma,
-           bool bQuads, int64_t iTarget) {
-    hwy::SetSupportedTargetsForTest(iTarget);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+           bool bQuads, const SkToFKernels* pKernels) {
+    ToFKernelChoice::pin(pKernels);
     const SkToFCloudParameters parameters = parametersFor(pictures(), bLens, dGamma, bQuads);
     CkToFCloudBuilder plain;
     plain.setPlainLoop(true);
@@ -168,8 +167,7 @@ void cloud(benchmark::State& state, const SkToFDepthPictures& (*pictures)(), boo
         state, Width * Height, "pixel", [&] { plain.build(pictures(), parameters); },
         [&] { fast.build(pictures(), parameters); });
     state.SetLabel(fast.lastTargetName());
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    ToFKernelChoice::pin(nullptr);
 }
 
 const std::vector<SkToFPoint>& plyPoints() {
@@ -227,10 +225,10 @@ void depthFrame(benchmark::State& state) {
 
 void registerCloud(const std::string& sName, const SkToFDepthPictures& (*pictures)(), bool bLens,
                    double dGamma, bool bQuads) {
-    for (int64_t target : hwy::SupportedAndGeneratedTargets()) {
-        if (target == HWY_SSE4 || target == HWY_AVX2 || target == HWY_AVX3) {
-            benchmark::RegisterBenchmark((sName + '/' + hwy::TargetName(target)).c_str(), cloud, pictures,
-                                         bLens, dGamma, bQuads, target)
+    for (const SkToFKernels* kernels : ToFKernelChoice::available()) {
+        if (kernels != &ToFKernelChoice::plain()) {
+            benchmark::RegisterBenchmark((sName + '/' + kernels->sName).c_str(), cloud, pictures, bLens,
+                                         dGamma, bQuads, kernels)
                 ->UseManualTime()
                 ->Unit(benchmark::kMillisecond);
         }

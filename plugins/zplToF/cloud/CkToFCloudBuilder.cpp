@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr quint64 PixelLimit = 1ULL << 28; ///< indices of quads and sizes in bytes stay within their types
+constexpr quint64 kPixelLimit = 1ULL << 28; ///< indices of quads and sizes in bytes stay within their types
 
 bool isAligned(const SkPicBuf& picture) {
     const quint32 bytes = sampleBytes(picture.dataType);
@@ -24,7 +24,7 @@ bool isAligned(const SkPicBuf& picture) {
 bool isUsable(const SkToFDepthPictures& pictures) {
     const SkPicBuf& depth = pictures.depthPic;
     if (!depth.data || depth.channels != 1 || !CkPicBufAPI::isValid(depth) || !isAligned(depth) ||
-        quint64(depth.width) * depth.height >= PixelLimit) {
+        quint64(depth.width) * depth.height >= kPixelLimit) {
         return false;
     }
     const SkPicBuf& confidence = pictures.confidencePic;
@@ -34,25 +34,37 @@ bool isUsable(const SkToFDepthPictures& pictures) {
             confidence.height == depth.height);
 }
 
-/// The largest value that colours, depth axis and range are made for.
-float largestValue(const SkToFDepthPictures& pictures, float fThreshold, bool bPlain) {
-    float largest = pictures.depthPic.maxValue;
-    if (pictures.depthPic.dataType != EkImageDataType::Float32 || !pictures.confidencePic.data ||
-        !(fThreshold > 0.0F)) {
-        return largest;
-    }
-    if (bPlain) {
-        float trusted = largest;
-        if (!CkToFPicAPI::findMaxDepthClipConfidence(pictures.depthPic, pictures.confidencePic, trusted,
-                                                     fThreshold)) {
-            return largest;
-        }
-        if (std::isfinite(trusted)) {
-            return trusted;
+/// The largest finite depth of the pixels whose confidence lies in (0, limit], at least fStart. The
+/// operations of CkToFPicAPI give finite depths only, so this slow loop is left to pictures from elsewhere.
+float largestFiniteDepth(const SkToFDepthPictures& pictures, float fLimit, float fStart) {
+    float largest = fStart;
+    for (quint32 y = 0; y < pictures.depthPic.height; ++y) {
+        const auto* const depths = reinterpret_cast<const float*>(pictures.depthPic.row(y));
+        const auto* const confidences = reinterpret_cast<const float*>(pictures.confidencePic.row(y));
+        for (quint32 x = 0; x < pictures.depthPic.width; ++x) {
+            if (confidences[x] > 0.0F && confidences[x] <= fLimit && std::isfinite(depths[x])) {
+                largest = std::max(largest, depths[x]);
+            }
         }
     }
-    ToFCloudLoops::largestTrustedDepth(pictures, fThreshold, largest);
     return largest;
+}
+
+/// The largest value of the scales of colour, depth axis and range.
+float largestValue(const SkToFDepthPictures& pictures, float fThreshold) {
+    const float all = pictures.depthPic.maxValue;
+    float trusted = all;
+    if (pictures.depthPic.dataType != EkImageDataType::Float32 || !pictures.confidencePic.data ||
+        !(fThreshold > 0.0F) ||
+        !CkToFPicAPI::findMaxDepthClipConfidence(pictures.depthPic, pictures.confidencePic, trusted,
+                                                 fThreshold)) {
+        return all;
+    }
+    if (std::isfinite(trusted)) {
+        return trusted;
+    }
+    const float finite = largestFiniteDepth(pictures, fThreshold, -1.0F);
+    return finite < 0.0F ? all : finite;
 }
 
 /// Writes the two triangles of the points from iFirst to before iEnd.
@@ -114,13 +126,13 @@ bool CkToFCloudBuilder::CkPrivate::reserve(const SkToFCloudScales& newScales, Ek
     vertices.prepare(qsizetype(pixels) * bytesPerPoint(newLayout));
     indices.prepare(
         newLayout == EkToFVertexLayout::Quads ? qsizetype(pixels * IndicesPerPoint * sizeof(quint32)) : 0);
-    columns.resize(newScales.width + ToFCloudLoops::ColumnSlack);
-    bounce.resize(ToFCloudLoops::BouncePoints * 24);
+    columns.resize(newScales.width + ToFCloudLoops::kColumnSlack);
+    bounce.resize(ToFCloudLoops::kBouncePoints * 24);
     if (newScales.correctRadially && !ensureOrthoFactors(newScales)) {
         return false;
     }
     if (exportCapacity != pixels) {
-        exported = std::make_unique_for_overwrite<SkToFPoint[]>(pixels + ToFCloudLoops::ExportSlack);
+        exported = std::make_unique_for_overwrite<SkToFPoint[]>(pixels + ToFCloudLoops::kExportSlack);
         exportCapacity = pixels;
     }
     return true;
@@ -169,7 +181,7 @@ void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
     targetName = plainLoop ? "plain" : ToFCloudLoops::vectorTargetName();
 
     const qsizetype end = points * bytesPerPoint(layout);
-    const qsizetype slackEnd = end + qsizetype(ToFCloudLoops::SlackPoints) * bytesPerPoint(layout);
+    const qsizetype slackEnd = end + qsizetype(ToFCloudLoops::kSlackPoints) * bytesPerPoint(layout);
     const qsizetype dirty = vertices.tag() < 0 ? size : std::min(size, std::max(vertices.tag(), slackEnd));
     std::memset(bytes + end, 0, size_t(dirty - end));
     vertices.setTag(end);
@@ -201,7 +213,7 @@ bool CkToFCloudBuilder::build(const SkToFDepthPictures& pictures, const SkToFClo
     if (!isUsable(pictures) || !parameters.pColourTable) {
         return false;
     }
-    const float largest = largestValue(pictures, parameters.opticalPath.confidenceThreshold, m_d->plainLoop);
+    const float largest = largestValue(pictures, parameters.opticalPath.confidenceThreshold);
     const SkToFCloudScales scales = makeCloudScales(pictures, parameters, largest);
     try {
         if (!m_d->reserve(scales, parameters.layout)) {

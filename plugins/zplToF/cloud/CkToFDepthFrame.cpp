@@ -29,11 +29,6 @@ SkPicBufInfo describeFloat(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels
     return describe(uiWidth, uiHeight, uiChannels, EkImageDataType::Float32, 32, like);
 }
 
-bool isCloudSampleType(EkImageDataType dataType) {
-    return (dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::UInt32) ||
-           dataType == EkImageDataType::Float32;
-}
-
 /// What a processing block makes of A minus B pictures: their metadata keep the code of the raw format.
 bool isPhaseShiftFromAminB(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
     return info.dataType == EkImageDataType::Float32 && info.channels == 1 && pMetadata &&

@@ -121,8 +121,8 @@ SkToFCloudScales makeCloudScales(const SkToFDepthPictures& pictures, const SkToF
 
     scales.filterByConfidence =
         pictures.confidencePic.data && pictures.depthDataKind != EkDepthDataType::Generic;
-    scales.dropZeroConfidence = pictures.depthDataKind == EkDepthDataType::Depth;
-    scales.confidenceThreshold = path.confidenceThreshold;
+    scales.confidence.zeroIsInvalid = pictures.depthDataKind == EkDepthDataType::Depth;
+    scales.confidence.threshold = path.confidenceThreshold;
 
     scales.centreX = scales.width * 0.5;
     scales.centreY = scales.height * 0.5;

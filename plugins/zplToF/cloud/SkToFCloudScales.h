@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "zuCore/ToFConfidence.h"
 
 #include <array>
 
@@ -19,10 +20,8 @@ struct SkToFCloudScales {
     float outRange = 255.0F;
     float outLow = 0.0F;
 
-    // Confidence.
     bool filterByConfidence = false;
-    bool dropZeroConfidence = false;
-    float confidenceThreshold = 0.0F;
+    SkToFConfidenceRule confidence; ///< when filterByConfidence
 
     // Position. With the lens in millimetres, without it in pixels and sample values.
     bool useLens = false;
@@ -59,7 +58,7 @@ struct SkToFCloudScales {
 SkToFCloudScales makeCloudScales(const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters,
                                  float fLargest);
 
-/// The 256 colours as red, green, blue from 0 to 1, and a fourth number that nobody reads.
+/// The 256 colours as red, green, blue from 0 to 1, and a fourth number that is not used.
 using SkToFColours = std::array<std::array<float, 4>, 256>;
 void readColours(const quint8* pColourTable, SkToFColours& colours);
 
@@ -67,5 +66,5 @@ void readColours(const quint8* pColourTable, SkToFColours& colours);
 /// distance is below 0, in one step. Not finite where that has no end.
 float wrapDistance(float fDistance, float fRange);
 
-/// Colour of a value.
+/// Index of a value's colour.
 int colourIndex(float fValue, const SkToFCloudScales& scales);

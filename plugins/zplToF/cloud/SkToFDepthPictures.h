@@ -2,8 +2,14 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// What a cloud is built from. The pictures are aliases here; whoever made them keeps them alive. Their rows
-/// begin at multiples of the sample size.
+/// Whether clouds are made of samples of this type: integers of up to 32 bits and single-precision floats.
+constexpr bool isCloudSampleType(EkImageDataType dataType) {
+    return (dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::UInt32) ||
+           dataType == EkImageDataType::Float32;
+}
+
+/// What a cloud is built from. The pictures are aliases; their owner keeps them alive. Their rows begin at
+/// multiples of the sample size.
 struct SkToFDepthPictures {
     /// One channel. Float for time-of-flight data (radians or metres), otherwise of the input's sample type.
     /// minValue and maxValue span the finite values of a float picture.

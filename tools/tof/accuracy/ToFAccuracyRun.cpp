@@ -149,10 +149,7 @@ bool addErrors(const CkImageData& depth, const CkSimRaster& raster, const SkToFA
         const auto* const confidences = reinterpret_cast<const float*>(pictures.confidencePic.row(y));
         const float* const truth = raster.distance().data() + size_t(y) * pictures.depthPic.width;
         for (quint32 x = 0; x < pictures.depthPic.width; ++x) {
-            const bool valid = std::isfinite(values[x]) && std::isfinite(confidences[x]) &&
-                               confidences[x] <= scales.confidenceThreshold &&
-                               !(scales.dropZeroConfidence && confidences[x] == 0.0F);
-            if (!valid) {
+            if (!std::isfinite(values[x]) || !scales.confidence.accepts(confidences[x])) {
                 continue;
             }
             double error = double(values[x] * scales.distScale) - 1000.0 * double(truth[x]);

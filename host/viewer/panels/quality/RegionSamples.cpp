@@ -2,6 +2,7 @@
 
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCore/SampleVisitor.h"
+#include "zuCore/ToFConfidence.h"
 #include "zuCore/ToFVocabulary.h"
 
 #include <cmath>
@@ -13,7 +14,7 @@ namespace {
 
 constexpr float kInvalid = std::numeric_limits<float>::quiet_NaN();
 
-/// Index of the confidence channel, or -1.
+/// Channel with confidences, or -1.
 int confidenceChannel(const SkPicBuf& picture, const CkImageMetadata& metadata) {
     const qsizetype index = metadata.channelNames.indexOf(ToFChannel::kConfidence);
     return picture.dataType == EkImageDataType::Float32 && index < qsizetype(picture.channels) ? int(index)
@@ -44,21 +45,14 @@ void readValues(const SkPicBuf& picture, const QRect& region, quint32 channel, d
     }
 }
 
-struct SkConfidenceRule {
-    quint32 channel = 0;
-    float limit = 0.0F;      ///< a higher confidence value is not valid
-    bool zeroIsNone = false; ///< a confidence value of 0 means that there is no measurement
-};
-
-void dropUncertain(const SkPicBuf& picture, const QRect& region, const SkConfidenceRule& rule,
-                   std::vector<float>& values) {
+void dropUncertain(const SkPicBuf& picture, const QRect& region, quint32 channel,
+                   const SkToFConfidenceRule& rule, std::vector<float>& values) {
     size_t index = 0;
     for (int y = region.top(); y <= region.bottom(); ++y) {
         const float* confidence = reinterpret_cast<const float*>(picture.row(quint32(y))) +
-                                  size_t(region.left()) * picture.channels + rule.channel;
+                                  size_t(region.left()) * picture.channels + channel;
         for (int x = 0; x < region.width(); ++x, confidence += picture.channels, ++index) {
-            const bool valid = *confidence <= rule.limit && !(rule.zeroIsNone && *confidence == 0.0F);
-            values[index] = valid ? values[index] : kInvalid;
+            values[index] = rule.accepts(*confidence) ? values[index] : kInvalid;
         }
     }
 }
@@ -95,7 +89,7 @@ bool readRegion(const SkPicBuf& picture, const CkImageMetadata& metadata, const 
     });
     const int confidence = confidenceChannel(picture, metadata);
     if (read && confidence >= 0 && (depth || phase)) {
-        dropUncertain(picture, region, {quint32(confidence), rule.confidenceLimit, depth}, samples.values);
+        dropUncertain(picture, region, quint32(confidence), {rule.confidenceLimit, depth}, samples.values);
     }
     return read;
 }

@@ -348,5 +348,5 @@ void addHybrid(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-TOF_EXPORT_KERNELS(addSimdHybridKernels, addHybrid)
+TOF_EXPORT_KERNELS(addSimdHybridKernels, addHybrid, SkToFKernels)
 #endif

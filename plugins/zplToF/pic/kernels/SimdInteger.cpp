@@ -132,5 +132,5 @@ void addInteger(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-TOF_EXPORT_KERNELS(addSimdIntegerKernels, addInteger)
+TOF_EXPORT_KERNELS(addSimdIntegerKernels, addInteger, SkToFKernels)
 #endif

@@ -204,5 +204,5 @@ void addWave(SkToFKernels&) {}
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-TOF_EXPORT_KERNELS(addSimdWaveKernels, addWave)
+TOF_EXPORT_KERNELS(addSimdWaveKernels, addWave, SkToFKernels)
 #endif

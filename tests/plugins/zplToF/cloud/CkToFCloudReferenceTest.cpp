@@ -1,7 +1,6 @@
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "tests/plugins/zplToF/cloud/CloudReference.h"
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
-
-#include <hwy/targets.h>
 
 #include <gmock/gmock.h>
 
@@ -14,26 +13,16 @@ namespace {
 /// Runs every build of its scope on one instruction set.
 class TargetScope {
 public:
-    explicit TargetScope(int64_t target) { choose(target); }
-    ~TargetScope() { choose(0); }
+    explicit TargetScope(const SkToFKernels& kernels) { ToFKernelChoice::pin(&kernels); }
+    ~TargetScope() { ToFKernelChoice::pin(nullptr); }
     TargetScope(const TargetScope&) = delete;
     TargetScope& operator=(const TargetScope&) = delete;
-
-private:
-    static void choose(int64_t target) {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
 };
 
-/// The instruction sets of this processor that the builder has code for, the plain one left out.
-std::vector<int64_t> vectorTargets() {
-    std::vector<int64_t> targets;
-    for (int64_t target : hwy::SupportedAndGeneratedTargets()) {
-        if (target != HWY_SCALAR && target != HWY_EMU128) {
-            targets.push_back(target);
-        }
-    }
+/// The instruction sets of this processor, without the plain loops.
+std::vector<const SkToFKernels*> vectorTargets() {
+    std::vector<const SkToFKernels*> targets = ToFKernelChoice::available();
+    targets.erase(targets.begin());
     return targets;
 }
 
@@ -247,11 +236,11 @@ TEST_P(CloudSizes, EveryLoopGivesTheCloudOfTheFormulas) {
                 ASSERT_NO_FATAL_FAILURE(expectReference(plain, CloudReference(pictures, parameters),
                                                         parameters.layout == EkToFVertexLayout::Quads));
                 withLens += plain.usedLens();
-                for (int64_t target : vectorTargets()) {
-                    const TargetScope scope(target);
+                for (const SkToFKernels* target : vectorTargets()) {
+                    const TargetScope scope(*target);
                     ASSERT_TRUE(vectors.build(pictures, parameters));
-                    ASSERT_STREQ(vectors.lastTargetName(), hwy::TargetName(target));
-                    ASSERT_NO_FATAL_FAILURE(expectSameCloud(plain, vectors)) << hwy::TargetName(target);
+                    ASSERT_STREQ(vectors.lastTargetName(), target->sName);
+                    ASSERT_NO_FATAL_FAILURE(expectSameCloud(plain, vectors)) << target->sName;
                 }
             }
         }
@@ -263,8 +252,8 @@ TEST_P(CloudSizes, EveryLoopGivesTheCloudOfTheFormulas) {
 
 TEST(CloudTargets, ThisProcessorRunsVectors) {
     std::set<std::string> names;
-    for (int64_t target : vectorTargets()) {
-        names.insert(hwy::TargetName(target));
+    for (const SkToFKernels* target : vectorTargets()) {
+        names.insert(target->sName);
     }
 #if defined(__x86_64__)
     EXPECT_TRUE(names.count("SSE4") && names.count("AVX2")) << testing::PrintToString(names);
@@ -273,12 +262,19 @@ TEST(CloudTargets, ThisProcessorRunsVectors) {
 }
 
 TEST(CloudTargets, WithoutVectorsThePlainLoopIsTaken) {
-    const TargetScope scope(HWY_SCALAR);
+    const TargetScope scope(ToFKernelChoice::plain());
     HeapPicture depth(5, 2, 1, EkImageDataType::UInt8);
     CkToFCloudBuilder builder;
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     EXPECT_STREQ(builder.lastTargetName(), "plain");
     EXPECT_EQ(builder.pointCount(), 10);
+}
+
+TEST(CloudTargets, CloudsAndPicturesRunOnTheSameInstructionSet) {
+    HeapPicture depth(5, 2, 1, EkImageDataType::UInt8);
+    CkToFCloudBuilder builder;
+    ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
+    EXPECT_STREQ(builder.lastTargetName(), ToFKernelChoice::active().sName);
 }
 
 TEST(CloudTargets, OnePixelAnywhereIsFound) {

@@ -1,4 +1,7 @@
-#include "plugins/zplToF/cloud/CkToFCloudVectorSteps.h"
+#include "plugins/zplToF/cloud/ToFCloudVectorSteps.h"
+#include "plugins/zplToF/pic/kernels/SimdTables.h"
+#include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,29 +21,15 @@ using SampleReader = void (*)(const quint8*, quint32, size_t, float*);
 
 /// Null for float, which is read in place.
 SampleReader sampleReader(EkImageDataType dataType) {
-    switch (dataType) {
-    case EkImageDataType::Int8:
-        return readSamples<qint8>;
-    case EkImageDataType::UInt8:
-        return readSamples<quint8>;
-    case EkImageDataType::Int16:
-        return readSamples<qint16>;
-    case EkImageDataType::UInt16:
-        return readSamples<quint16>;
-    case EkImageDataType::Int32:
-        return readSamples<qint32>;
-    case EkImageDataType::UInt32:
-        return readSamples<quint32>;
-    default:
-        return nullptr;
-    }
+    return visitIntegerSamples(dataType,
+                               [](auto zero) -> SampleReader { return readSamples<decltype(zero)>; });
 }
 
 const float* floatsOfRow(const SkPicBuf& picture, quint32 uiRow, quint32 uiColumn) {
     return reinterpret_cast<const float*>(picture.row(uiRow)) + uiColumn;
 }
 
-/// Lets the pixels up to a full vector count as dropped ones.
+/// Fills up to a full vector with pixels that are dropped.
 const float* padded(const float* pPixels, size_t uiPixels, size_t uiFull, float* pCopy) {
     if (pPixels != pCopy) {
         std::memcpy(pCopy, pPixels, uiPixels * sizeof(float));
@@ -49,7 +38,7 @@ const float* padded(const float* pPixels, size_t uiPixels, size_t uiFull, float*
     return pCopy;
 }
 
-/// The chunk's inputs, in place or, where they end inside a vector, copied.
+/// The inputs of a chunk, in place or, where they end inside a vector, copied.
 SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader reader, quint32 uiRow,
                                   quint32 uiColumn, size_t uiPixels, size_t uiFull, SkToFCloudChunk& chunk) {
     const SkPicBuf& depthPic = input.pictures.depthPic;
@@ -78,8 +67,8 @@ SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader rea
     return source;
 }
 
-/// Columns on the chip over the focal length with the lens, in pixels without it. The slack behind them is
-/// read with the last vector, but ends in dropped pixels only.
+/// With the lens model, columns on the chip divided by the focal length; without it, in pixels. The last
+/// vector reads past them, into lanes of dropped pixels.
 void fillColumns(const SkToFCloudInput& input) {
     const SkToFCloudScales& s = input.scales;
     for (quint32 x = 0; x < s.width; x++) {
@@ -89,13 +78,18 @@ void fillColumns(const SkToFCloudInput& input) {
 
 } // namespace
 
+const SkToFCloudSteps* cloudSteps() {
+    static const CkToFSimdTables<SkToFCloudSteps> tables(SkToFCloudSteps{}, addSimdCloudSteps);
+    return tables.find(ToFKernelChoice::active().sName);
+}
+
 int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
     const SkToFCloudScales& s = input.scales;
     const EkImageDataType dataType = input.pictures.depthPic.dataType;
-    const SampleReader reader = sampleReader(dataType);
-    if (!reader && dataType != EkImageDataType::Float32) {
+    if (!isCloudSampleType(dataType)) {
         return 0;
     }
+    const SampleReader reader = sampleReader(dataType);
 
     const SkToFCloudSteps* steps = cloudSteps();
     if (!steps) {
@@ -112,14 +106,15 @@ int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloud
 
     size_t points = 0;
     for (quint32 row = 0; row < s.height; row++) {
-        for (quint32 column = 0; column < s.width; column += ChunkPixels) {
-            const size_t pixels = std::min<size_t>(ChunkPixels, s.width - column);
+        for (quint32 column = 0; column < s.width; column += kChunkPixels) {
+            const size_t pixels = std::min<size_t>(kChunkPixels, s.width - column);
             const size_t full = (pixels + lanes - 1) / lanes * lanes;
             steps->compute(input, chunkSource(input, reader, row, column, pixels, full, chunk), full, chunk);
             float* vertices = output.pVertices + points * floatsPerPoint;
             float* exported = reinterpret_cast<float*>(output.pExport + points);
-            // Full vectors write behind the last point. Where the buffer ends there, they write elsewhere.
-            if (points + pixels + SlackPoints <= allPixels) {
+            // Full vectors write past the last point. Near the end of the buffer they write to scratch
+            // memory.
+            if (points + pixels + kSlackPoints <= allPixels) {
                 points += steps->write(input, chunk, full, colours, vertices, exported);
                 continue;
             }
@@ -131,22 +126,6 @@ int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloud
     }
     steps->finishWriting();
     return int(points);
-}
-
-bool ToFCloudLoops::largestTrustedDepth(const SkToFDepthPictures& pictures, float fLimit, float& fLargest) {
-    const SkToFCloudSteps* steps = cloudSteps();
-    const auto largestOfRow = steps ? steps->largestOfRow : largestOfPixels;
-    const SkPicBuf& depthPic = pictures.depthPic;
-    float largest = -1.0F;
-    for (quint32 row = 0; row < depthPic.height; row++) {
-        largest = largestOfRow(floatsOfRow(depthPic, row, 0), floatsOfRow(pictures.confidencePic, row, 0),
-                               depthPic.width, fLimit, largest);
-    }
-    if (largest < 0.0F) {
-        return false;
-    }
-    fLargest = largest;
-    return true;
 }
 
 const char* ToFCloudLoops::vectorTargetName() {

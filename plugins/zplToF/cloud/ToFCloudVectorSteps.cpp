@@ -1,8 +1,10 @@
-// Compiled once for every instruction set; the last section chooses one at run time.
-#undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "plugins/zplToF/cloud/CkToFCloudVectorSteps.cpp"
+// Compiled once for every instruction set.
 
-#include "plugins/zplToF/cloud/CkToFCloudVectorSteps.h"
+#include "plugins/zplToF/cloud/ToFCloudVectorSteps.h"
+#include "plugins/zplToF/pic/kernels/SimdTargets.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "plugins/zplToF/cloud/ToFCloudVectorSteps.cpp"
 
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
@@ -13,14 +15,13 @@
 #include <limits>
 
 HWY_BEFORE_NAMESPACE();
+namespace tofSimd {
 namespace HWY_NAMESPACE {
 
-// Single numbers are what the plain loop is for.
-#if HWY_TARGET == HWY_SCALAR
+// The plain loop serves processors without vectors.
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
-const SkToFCloudSteps* Steps() {
-    return nullptr;
-}
+void addSteps(SkToFCloudSteps&) {}
 
 #else
 
@@ -67,11 +68,12 @@ HWY_INLINE FloatV wrap(FloatV distance, float fRange) {
     return hn::Load(df, lanes);
 }
 
+/// SkToFConfidenceRule::accepts.
 HWY_INLINE FloatM passesConfidence(FloatV confidence, const SkToFCloudScales& scales) {
     const Floats df;
-    const auto above = hn::Gt(confidence, hn::Set(df, scales.confidenceThreshold));
+    const auto above = hn::Gt(confidence, hn::Set(df, scales.confidence.threshold));
     const auto passes = hn::And(isFinite(confidence), hn::Not(above));
-    return scales.dropZeroConfidence ? hn::And(passes, hn::Ne(confidence, hn::Zero(df))) : passes;
+    return scales.confidence.zeroIsInvalid ? hn::And(passes, hn::Ne(confidence, hn::Zero(df))) : passes;
 }
 
 HWY_INLINE FloatV sceneDepth(FloatV depth, const SkToFCloudScales& scales) {
@@ -174,9 +176,9 @@ void colour(const float* pValues, size_t uiPixels, const SkToFCloudScales& scale
     }
 }
 
-/// Four places, one a vector; their fourth lanes hold anything.
-struct Places {
-    HWY_INLINE Places(const float* pX, const float* pY, const float* pZ) {
+/// Four points, one in each vector; the fourth lanes are unspecified.
+struct Points {
+    HWY_INLINE Points(const float* pX, const float* pY, const float* pZ) {
         const Quad dq;
         const auto x = hn::Load(dq, pX);
         const auto y = hn::Load(dq, pY);
@@ -193,8 +195,8 @@ struct Places {
     hn::Vec<Quad> first, second, third, fourth;
 };
 
-/// The four corners of a quad with the same colour, 24 floats in a row. Minus zero leaves every number as it
-/// is, zero would turn minus zero into zero.
+/// The four corners of a quad with the same colour, 24 consecutive floats. Offsets that change nothing are
+/// minus zero: adding zero would turn minus zero into zero.
 #if HWY_MAX_BYTES >= 32
 
 class CkToFCorners {
@@ -213,7 +215,7 @@ public:
         }
     }
 
-    /// Quads are more than the caches hold: unless they stand in odd places, they go past them.
+    /// Quads exceed the caches: aligned ones are written by streaming stores.
     static bool canStream(const float* pOut) {
         return reinterpret_cast<uintptr_t>(pOut) % (4 * sizeof(float)) == 0;
     }
@@ -276,8 +278,8 @@ private:
 
 #endif
 
-/// Writes vertices and export points without a branch: a dropped pixel is written too, and overwritten by
-/// the next one. Every store is a full vector, the part of it that is too much likewise.
+/// Writes vertices and export points without a branch: a dropped pixel is written too and overwritten by the
+/// next one. Every store is a full vector, whose surplus lanes are overwritten likewise.
 template <bool Quads, bool Streamed>
 class CkToFPointWriter {
 public:
@@ -307,14 +309,14 @@ private:
     const CkToFCorners m_corners;
 };
 
-/// Answers the number of points written.
+/// Returns the number of points written.
 template <bool Quads, bool Streamed = false>
 size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChip, float fEdge,
                   const SkToFColours& colours, float* pVertices, float* pExport) {
     CkToFPointWriter<Quads, Streamed> writer(pVertices, pExport, fEdge, colours);
     for (size_t i = 0; i < uiPixels; i += 4) {
-        const Places scene(chunk.sceneX + i, chunk.sceneY + i, chunk.sceneZ + i);
-        const Places exported = bExportChip ? Places(chunk.x + i, chunk.y + i, chunk.z + i) : scene;
+        const Points scene(chunk.sceneX + i, chunk.sceneY + i, chunk.sceneZ + i);
+        const Points exported = bExportChip ? Points(chunk.x + i, chunk.y + i, chunk.z + i) : scene;
         writer.write(scene.first, exported.first, chunk.colours[i], chunk.kept[i]);
         writer.write(scene.second, exported.second, chunk.colours[i + 1], chunk.kept[i + 1]);
         writer.write(scene.third, exported.third, chunk.colours[i + 2], chunk.kept[i + 2]);
@@ -346,57 +348,23 @@ void finishWriting() {
     hwy::FlushStream();
 }
 
-float largestOfRow(const float* pDepths, const float* pConfidences, size_t uiPixels, float fLimit,
-                   float fStart) {
-    const Floats df;
-    auto largest = hn::Set(df, fStart);
-    size_t i = 0;
-    for (; i + hn::Lanes(df) <= uiPixels; i += hn::Lanes(df)) {
-        const auto depth = hn::LoadU(df, pDepths + i);
-        const auto confidence = hn::LoadU(df, pConfidences + i);
-        const auto trusted =
-            hn::And(hn::Gt(confidence, hn::Zero(df)), hn::Le(confidence, hn::Set(df, fLimit)));
-        largest = hn::Max(largest, hn::IfThenElse(hn::And(trusted, isFinite(depth)), depth, largest));
-    }
-    return largestOfPixels(pDepths + i, pConfidences + i, uiPixels - i, fLimit,
-                           hn::GetLane(hn::MaxOfLanes(df, largest)));
-}
-
 } // namespace
 
-const SkToFCloudSteps* Steps() {
-    static const SkToFCloudSteps steps = {hwy::TargetName(HWY_TARGET),
-                                          hn::Lanes(Floats()),
-                                          computeChunk,
-                                          writePoints,
-                                          finishWriting,
-                                          largestOfRow};
-    return &steps;
+void addSteps(SkToFCloudSteps& steps) {
+    steps.lanes = hn::Lanes(Floats());
+    steps.compute = computeChunk;
+    steps.write = writePoints;
+    steps.finishWriting = finishWriting;
 }
 
 #endif
 
 } // namespace HWY_NAMESPACE
+} // namespace tofSimd
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-namespace {
-HWY_EXPORT(Steps);
-} // namespace
-
-const SkToFCloudSteps* cloudSteps() {
-    return HWY_DYNAMIC_DISPATCH(Steps)();
-}
-
-float largestOfPixels(const float* pDepths, const float* pConfidences, size_t uiPixels, float fLimit,
-                      float fStart) {
-    for (size_t i = 0; i < uiPixels; i++) {
-        if (pConfidences[i] > 0.0F && pConfidences[i] <= fLimit && std::isfinite(pDepths[i])) {
-            fStart = std::max(fStart, pDepths[i]);
-        }
-    }
-    return fStart;
-}
+TOF_EXPORT_KERNELS(addSimdCloudSteps, addSteps, SkToFCloudSteps)
 
 #endif

@@ -1,4 +1,5 @@
 #include "plugins/zplToF/cloud/ToFCloudLoops.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <cmath>
 
@@ -23,13 +24,6 @@ Position normalised(float fValue, quint32 uiColumn, quint32 uiRow, const SkToFCl
     return {float(uiColumn - scales.centreX), float(scales.centreY - uiRow), fValue - scales.zBase};
 }
 
-bool passesConfidence(float fConfidence, const SkToFCloudScales& scales) {
-    if (!std::isfinite(fConfidence) || fConfidence > scales.confidenceThreshold) {
-        return false;
-    }
-    return !(scales.dropZeroConfidence && fConfidence == 0.0F);
-}
-
 void writeVertex(float* out, float fX, float fY, float fZ, const quint8* pColour) {
     out[0] = fX;
     out[1] = fY;
@@ -51,7 +45,7 @@ int buildFrom(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
                                       : nullptr;
         for (quint32 column = 0; column < s.width; column++) {
             const float value = float(samples[column]);
-            if (!std::isfinite(value) || (confidences && !passesConfidence(confidences[column], s))) {
+            if (!std::isfinite(value) || (confidences && !s.confidence.accepts(confidences[column]))) {
                 continue;
             }
             const Position place =
@@ -85,22 +79,9 @@ int buildFrom(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
 } // namespace
 
 int ToFCloudLoops::buildPlain(const SkToFCloudInput& input, const SkToFCloudOutput& output) {
-    switch (input.pictures.depthPic.dataType) {
-    case EkImageDataType::Int8:
-        return buildFrom<qint8>(input, output);
-    case EkImageDataType::UInt8:
-        return buildFrom<quint8>(input, output);
-    case EkImageDataType::Int16:
-        return buildFrom<qint16>(input, output);
-    case EkImageDataType::UInt16:
-        return buildFrom<quint16>(input, output);
-    case EkImageDataType::Int32:
-        return buildFrom<qint32>(input, output);
-    case EkImageDataType::UInt32:
-        return buildFrom<quint32>(input, output);
-    case EkImageDataType::Float32:
-        return buildFrom<float>(input, output);
-    default:
+    const EkImageDataType dataType = input.pictures.depthPic.dataType;
+    if (!isCloudSampleType(dataType)) {
         return 0;
     }
+    return visitSamples(dataType, [&](auto zero) { return buildFrom<decltype(zero)>(input, output); });
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cmath>
+
+/// Which pixels of a picture with a confidence channel count as measured. Lower confidence values are better.
+struct SkToFConfidenceRule {
+    float threshold = 10.0F;    ///< pixels of a higher value do not count
+    bool zeroIsInvalid = false; ///< depth pictures of hybrid sensors mark pixels without a measurement by 0
+
+    bool accepts(float fConfidence) const {
+        return std::isfinite(fConfidence) && !(fConfidence > threshold) &&
+               !(zeroIsInvalid && fConfidence == 0.0F);
+    }
+};
