@@ -39,7 +39,7 @@ if [ -n "$build" ]; then
     plugin=$build/lib/zuviewer/plugins/libzplToF.so
     needs "$build/lib/libzuCore.so" 'libQt6Core|libQt6Xml'
     needs "$build/lib/libzuCoreGui.so" 'libzuCore\.|libQt6(Core|Xml|Gui|Widgets)|libGL|libOpenGL'
-    needs "$build/bin/tof" 'libzuCore\.|libQt6(Core|Xml)|libtiff|libhwy'
+    needs "$build/bin/tof" 'libzuCore\.|libQt6(Core|Xml)|libtiff|libpng16|libhwy'
     needs "$plugin" 'libzuCore\.|libzuCoreGui\.|libQt6|libQt63D|libGL|libOpenGL|libEGL|libhwy'
     needs "$build/bin/zuviewer" 'libzuCore\.|libzuCoreGui\.|libQt6(Core|Xml|Gui|Widgets)|libGL|libOpenGL|libEGL|libtiff'
     exported=$(nm -D --defined-only "$plugin" | awk '{print $NF}' | sed 's/@.*//' | sort | xargs)

@@ -5,7 +5,7 @@ source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 build_dir=$(readlink -m -- "${BUILD_DIR:-$source_dir/build/release}")
 
 packages_build=(g++ cmake ninja-build qt6-base-dev qt6-3d-dev libqt6opengl6-dev qt6-tools-dev
-    qt6-tools-dev-tools qt6-l10n-tools libgl-dev libhwy-dev libtiff-dev)
+    qt6-tools-dev-tools qt6-l10n-tools libgl-dev libhwy-dev libtiff-dev libpng-dev)
 packages_run=(libgl1-mesa-dri qt6-qpa-plugins qt6-wayland qt6-translations-l10n fonts-dejavu-core)
 packages_headless=(xvfb xauth)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev weston xdotool binutils file desktop-file-utils)

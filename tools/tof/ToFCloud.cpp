@@ -234,6 +234,68 @@ void addOptions(CkToFArguments& options) {
     options.addArgument(QStringLiteral("CLOUD"), QStringLiteral("PLY file to write."));
 }
 
+void reportEmptyClouds(qint64 number, qint64 empty, const SkCloudOptions& cloud) {
+    CkToFConsole::error(
+        (number == 1 ? QStringLiteral("The cloud has")
+                     : QStringLiteral("%1 of %2 clouds %3")
+                           .arg(empty)
+                           .arg(number)
+                           .arg(empty == 1 ? QLatin1String("has") : QLatin1String("have"))) +
+        QStringLiteral(" no points: the confidence of every pixel is above %1 or it holds no distance.")
+            .arg(double(cloud.path.confidenceThreshold)));
+}
+
+/// Writes the clouds of the groups; numbers goes into the file names. Returns the exit code.
+int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const SkCloudOptions& cloud,
+                const QString& file, bool numbers) {
+    // The file has no colours, but the builder needs a table.
+    const std::vector<quint8> colours(size_t(256) * 4, 255);
+    bool writes = true;
+    qint64 number = 0;
+    qint64 empty = 0;
+    QString incomplete; // the first set that is
+    {
+        CkToFConsole::CkProgress progress(QStringLiteral("Clouds"));
+        inOrder(
+            qint64(groups.size()), input.memoryBytes(),
+            [&](qint64 i) { return bytesFor(groups[size_t(i)], cloud); },
+            [&](qint64 i) {
+                const SkToFGroup& group = groups[size_t(i)];
+                const QString tooMuch = input.tooMuchMemory(group, bytesFor(group, cloud));
+                return tooMuch.isEmpty() ? groupClouds(input.reader(), group, cloud, colours.data())
+                                         : SkClouds{{}, {tooMuch}, {}};
+            },
+            [&](qint64 i, SkClouds&& done) {
+                for (const QString& error : std::as_const(done.errors)) {
+                    input.complain(error);
+                }
+                if (incomplete.isEmpty()) {
+                    incomplete = done.incomplete;
+                }
+                for (const QByteArray& text : done.texts) {
+                    const QString name = numbers ? numbered(file, i) : file;
+                    writes = writes && !input.isInput(name) && writeFile(name, text);
+                    ++number;
+                    empty += text.contains("\nelement vertex 0\n") ? 1 : 0;
+                }
+                progress.show(i + 1, qint64(groups.size()));
+                return writes;
+            });
+    }
+    if (!writes) {
+        return ToFOutput;
+    }
+    if (number == 0) {
+        CkToFConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
+                                .arg(input.reader().fileName(), incomplete));
+        return ToFNotApplicable;
+    }
+    if (empty > 0) {
+        reportEmptyClouds(number, empty, cloud);
+    }
+    return input.exitCode();
+}
+
 } // namespace
 
 int tofCloud(const QStringList& arguments) {
@@ -273,57 +335,5 @@ int tofCloud(const QStringList& arguments) {
     if (wanted >= 0) {
         groups = {groups[size_t(wanted)]};
     }
-    // Colours do not reach the file; the builder wants a table all the same.
-    const std::vector<quint8> colours(size_t(256) * 4, 255);
-    bool writes = true;
-    qint64 number = 0;
-    qint64 empty = 0;
-    QString incomplete; // the first set that is
-    {
-        CkToFConsole::CkProgress progress(QStringLiteral("Clouds"));
-        inOrder(
-            qint64(groups.size()), input.memoryBytes(),
-            [&](qint64 i) { return bytesFor(groups[size_t(i)], cloud); },
-            [&](qint64 i) {
-                const SkToFGroup& group = groups[size_t(i)];
-                const QString tooMuch = input.tooMuchMemory(group, bytesFor(group, cloud));
-                return tooMuch.isEmpty() ? groupClouds(input.reader(), group, cloud, colours.data())
-                                         : SkClouds{{}, {tooMuch}, {}};
-            },
-            [&](qint64 i, SkClouds&& done) {
-                for (const QString& error : std::as_const(done.errors)) {
-                    input.complain(error);
-                }
-                if (incomplete.isEmpty()) {
-                    incomplete = done.incomplete;
-                }
-                for (const QByteArray& text : done.texts) {
-                    const QString name = wanted >= 0 ? options.argument(1) : numbered(options.argument(1), i);
-                    writes = writes && !input.isInput(name) && writeFile(name, text);
-                    ++number;
-                    empty += text.contains("\nelement vertex 0\n") ? 1 : 0;
-                }
-                progress.show(i + 1, qint64(groups.size()));
-                return writes;
-            });
-    }
-    if (!writes) {
-        return ToFOutput;
-    }
-    if (number == 0) {
-        CkToFConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
-                                .arg(input.reader().fileName(), incomplete));
-        return ToFNotApplicable;
-    }
-    if (empty > 0) {
-        CkToFConsole::error(
-            (number == 1 ? QStringLiteral("The cloud has")
-                         : QStringLiteral("%1 of %2 clouds %3")
-                               .arg(empty)
-                               .arg(number)
-                               .arg(empty == 1 ? QLatin1String("has") : QLatin1String("have"))) +
-            QStringLiteral(" no points: the confidence of every pixel is above %1 or it holds no distance.")
-                .arg(double(cloud.path.confidenceThreshold)));
-    }
-    return input.exitCode();
+    return writeClouds(input, groups, cloud, options.argument(1), wanted < 0);
 }

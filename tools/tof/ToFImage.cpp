@@ -3,12 +3,13 @@
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFPng.h"
-#include "tools/tof/tofEnding.h"
+#include "tools/tof/ToFText.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
 #include "zuCore/CkPicture.h"
 #include "zuCore/SampleVisitor.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <QSaveFile>
 
@@ -18,7 +19,7 @@
 namespace {
 
 // A float, a colour, the bytes of the picture three times over and what they are packed into.
-constexpr quint64 bytesPerPngPixel = 24;
+constexpr quint64 kBytesPerPngPixel = 24;
 
 double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
     const bool isWord = picBuf.dataType == EkImageDataType::Other16;
@@ -33,6 +34,8 @@ double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
 }
 
 struct SkImageOptions {
+    qint64 frame = 0;
+    QString format; ///< png, png16 or tiff
     qint64 channel = 0;
     int map = 0;
     bool ranged = false;
@@ -84,14 +87,14 @@ QByteArray colouredPng(const SkPicBuf& picture, const SkImageOptions& options) {
             samples.append(char(row[4 * x + 2])).append(char(row[4 * x + 1])).append(char(row[4 * x]));
         }
     }
-    return encodePng(picture.width, picture.height, 8, 3, samples);
+    return encodePng({picture.width, picture.height, 8, 3}, samples);
 }
 
 QByteArray measuredPng(const SkPicBuf& picture, const CkImageMetadata& metadata,
                        const SkImageOptions& options) {
     const bool isFloat = isFloatType(picture.dataType);
     const bool isSigned = isSignedIntegerType(picture.dataType);
-    const bool isPhase = metadata.channelNames.value(int(options.channel)) == QLatin1String("Phase shift");
+    const bool isPhase = metadata.channelNames.value(int(options.channel)) == ToFChannel::kPhaseShift;
     const double scale = !isFloat ? 1.0 : isPhase ? 65536.0 / (2.0 * M_PI) : 1000.0;
     const double offset = isSigned ? 32768.0 : 0.0;
     QByteArray samples;
@@ -100,12 +103,12 @@ QByteArray measuredPng(const SkPicBuf& picture, const CkImageMetadata& metadata,
         for (quint32 x = 0; x < picture.width; ++x) {
             const double value =
                 std::round(sampleOf(picture, x, y, quint32(options.channel)) * scale + offset);
-            // What is no number gets 0, as an invalid distance does.
+            // NaN is stored as 0, like an invalid distance.
             const auto stored = quint16(value >= 65535.0 ? 65535.0 : value > 0.0 ? value : 0.0);
             samples.append(reinterpret_cast<const char*>(&stored), sizeof(stored));
         }
     }
-    return encodePng(picture.width, picture.height, 16, 1, samples);
+    return encodePng({picture.width, picture.height, 16, 1}, samples);
 }
 
 int saveTiff(const QString& file, const CkImageData& data) {
@@ -177,7 +180,7 @@ bool readFormat(bool asked, const QString& name, QString& format) {
     return true;
 }
 
-/// Why a frame is not made into a picture; empty when it may be, or when reading it will tell.
+/// Why a frame may not be made into a picture; empty when it may be, or when only reading it will tell.
 QString tooMuchMemory(const CkToFInput& input, qint64 frame, bool tiff) {
     SkFrameDescription description;
     if (!input.reader().describe(frame, description, nullptr)) {
@@ -187,18 +190,11 @@ QString tooMuchMemory(const CkToFInput& input, qint64 frame, bool tiff) {
     SkToFGroup group{.first = frame};
     group.add(description);
     // The frame as it is stored and as it is read, and what is made of a pixel on the way to the file.
-    const quint64 pixelBytes = tiff ? 8ULL * info.channels : bytesPerPngPixel;
+    const quint64 pixelBytes = tiff ? 8ULL * info.channels : kBytesPerPngPixel;
     return input.tooMuchMemory(group, 2 * group.bytes + pixelBytes * group.pixels);
 }
 
-} // namespace
-
-int tofImage(const QStringList& arguments) {
-    CkToFArguments options(QStringLiteral("image [options] RECORDING PICTURE"),
-                           QStringLiteral("Makes a picture of a frame."),
-                           {QStringLiteral("tof image --map Jet --range 0,6.2832 phase.tif phase.png"),
-                            QStringLiteral("tof image --format png16 --frame 10 depth.tif depth.png"),
-                            QStringLiteral("tof image --format tiff --frame 10 depth.tif one.tif")});
+void addOptions(CkToFArguments& options) {
     options.addValue(QStringLiteral("frame"), QStringLiteral("N"),
                      QStringLiteral("Page of the recording, counted from 0; 0 by default."));
     options.addValue(
@@ -219,54 +215,34 @@ int tofImage(const QStringList& arguments) {
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     options.addArgument(QStringLiteral("PICTURE"), QStringLiteral("File to write."));
     SkToFLimits::addOptions(options);
-    if (const auto code = options.parse(arguments)) {
-        return *code;
-    }
-    SkToFLimits limits;
-    if (!limits.read(options)) {
-        return ToFUsage;
-    }
-    SkImageOptions image;
+}
+
+/// Reads and checks the options of the command. False, with a message, when one is wrong.
+bool readOptions(const CkToFArguments& options, SkImageOptions& image) {
     image.ranged = options.has(QStringLiteral("range"));
-    qint64 frame = 0;
-    QString format = options.value(QStringLiteral("format"));
-    if (!readFormat(options.has(QStringLiteral("format")), options.argument(1), format)) {
-        return ToFUsage;
+    image.format = options.value(QStringLiteral("format"));
+    if (!readFormat(options.has(QStringLiteral("format")), options.argument(1), image.format)) {
+        return false;
     }
-    if (!options.readNumber(QStringLiteral("frame"), 0, frame) ||
+    if (!options.readNumber(QStringLiteral("frame"), 0, image.frame) ||
         !options.readNumber(QStringLiteral("channel"), 0, image.channel) ||
         !options.readPair(QStringLiteral("range"), image.low, image.high) ||
         (options.has(QStringLiteral("map")) && !readMap(options.value(QStringLiteral("map")), image.map))) {
-        return ToFUsage;
+        return false;
     }
     if (image.ranged && !(image.low < image.high)) {
         CkToFConsole::error(QStringLiteral("--range wants the lower value first, not \"%1\".")
                                 .arg(options.value(QStringLiteral("range"))));
-        return ToFUsage;
+        return false;
     }
-    CkToFInput input(limits);
-    if (!input.open(options.argument(0))) {
-        return ToFInput;
-    }
-    const CkRecordingReader& reader = input.reader();
-    if (input.isInput(options.argument(1))) {
-        return ToFUsage;
-    }
-    if (frame >= reader.frameCount()) {
-        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
-                                .arg(frame)
-                                .arg(reader.fileName())
-                                .arg(reader.frameCount()));
-        return ToFNotApplicable;
-    }
-    const QString tooMuch = tooMuchMemory(input, frame, format == QLatin1String("tiff"));
-    if (!tooMuch.isEmpty()) {
-        CkToFConsole::error(tooMuch);
-        return ToFNotApplicable;
-    }
+    return true;
+}
+
+/// Reads the frame and writes the picture. Returns the exit code.
+int writeImage(CkToFInput& input, const QString& name, const SkImageOptions& image) {
     CkToFConsole::CkProgress progress(QStringLiteral("Reading"));
     QString error;
-    const std::unique_ptr<CkImageData> data = reader.read(frame, &error);
+    const std::unique_ptr<CkImageData> data = input.reader().read(image.frame, &error);
     if (!error.isEmpty()) {
         input.complain(error);
     }
@@ -280,12 +256,52 @@ int tofImage(const QStringList& arguments) {
         return ToFNotApplicable;
     }
     int code = ToFSuccess;
-    if (format == QLatin1String("tiff")) {
-        code = saveTiff(options.argument(1), *data);
+    if (image.format == QLatin1String("tiff")) {
+        code = saveTiff(name, *data);
     } else {
-        code = savePng(options.argument(1), format == QLatin1String("png16")
-                                                ? measuredPng(data->picBuf(), data->metadata(), image)
-                                                : colouredPng(data->picBuf(), image));
+        code = savePng(name, image.format == QLatin1String("png16")
+                                 ? measuredPng(data->picBuf(), data->metadata(), image)
+                                 : colouredPng(data->picBuf(), image));
     }
     return code != ToFSuccess ? code : input.exitCode();
+}
+
+} // namespace
+
+int tofImage(const QStringList& arguments) {
+    CkToFArguments options(QStringLiteral("image [options] RECORDING PICTURE"),
+                           QStringLiteral("Makes a picture of a frame."),
+                           {QStringLiteral("tof image --map Jet --range 0,6.2832 phase.tif phase.png"),
+                            QStringLiteral("tof image --format png16 --frame 10 depth.tif depth.png"),
+                            QStringLiteral("tof image --format tiff --frame 10 depth.tif one.tif")});
+    addOptions(options);
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    SkToFLimits limits;
+    SkImageOptions image;
+    if (!limits.read(options) || !readOptions(options, image)) {
+        return ToFUsage;
+    }
+    CkToFInput input(limits);
+    if (!input.open(options.argument(0))) {
+        return ToFInput;
+    }
+    const CkRecordingReader& reader = input.reader();
+    if (input.isInput(options.argument(1))) {
+        return ToFUsage;
+    }
+    if (image.frame >= reader.frameCount()) {
+        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                                .arg(image.frame)
+                                .arg(reader.fileName())
+                                .arg(reader.frameCount()));
+        return ToFNotApplicable;
+    }
+    const QString tooMuch = tooMuchMemory(input, image.frame, image.format == QLatin1String("tiff"));
+    if (!tooMuch.isEmpty()) {
+        CkToFConsole::error(tooMuch);
+        return ToFNotApplicable;
+    }
+    return writeImage(input, options.argument(1), image);
 }

@@ -1,7 +1,7 @@
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
-#include "tools/tof/tofCount.h"
+#include "tools/tof/ToFText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,75 +1,74 @@
 #include "tools/tof/ToFPng.h"
 
-#include <QtEndian>
+#include <QtGlobal>
 
-#include <array>
+#include <csetjmp>
+#include <new>
+#include <png.h>
 
 namespace {
 
-std::array<quint32, 256> makeCrcTable() {
-    std::array<quint32, 256> table{};
-    for (quint32 i = 0; i < 256; ++i) {
-        quint32 value = i;
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value & 1U) != 0 ? 0xedb88320U ^ (value >> 1U) : value >> 1U;
-        }
-        table[i] = value;
+void append(png_structp png, png_bytep bytes, size_t size) {
+    auto* const target = static_cast<QByteArray*>(png_get_io_ptr(png));
+    bool stored = true;
+    try {
+        target->append(reinterpret_cast<const char*>(bytes), qsizetype(size));
+    } catch (const std::bad_alloc&) {
+        stored = false; // no exception may pass through libpng
     }
-    return table;
-}
-
-quint32 crc(const QByteArray& bytes) {
-    static const std::array<quint32, 256> table = makeCrcTable();
-    quint32 value = 0xffffffffU;
-    for (const char byte : bytes) {
-        value = table[(value ^ quint8(byte)) & 0xffU] ^ (value >> 8U);
+    if (!stored) {
+        png_error(png, "out of memory");
     }
-    return value ^ 0xffffffffU;
 }
 
-void appendNumber(QByteArray& bytes, quint32 value) {
-    const quint32 big = qToBigEndian(value);
-    bytes.append(reinterpret_cast<const char*>(&big), sizeof(big));
+void flush(png_structp /*png*/) {}
+
+/// False on an error, from which libpng returns with longjmp: nothing in here may need a destructor.
+bool write(png_structp png, png_infop info, const SkToFPngFormat& format, const char* samples) {
+    if (setjmp(png_jmpbuf(png)) != 0) {
+        return false;
+    }
+    const size_t rowBytes = size_t(format.width) * size_t(format.channels) * size_t(format.bits / 8);
+    png_set_IHDR(png, info, format.width, format.height, format.bits,
+                 format.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    // Noisy samples gain little from filters, and simple readers need not undo any.
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
+    png_write_info(png, info);
+    if (format.bits == 16 && Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+        png_set_swap(png);
+    }
+    for (quint32 y = 0; y < format.height; ++y) {
+        png_write_row(png, reinterpret_cast<png_const_bytep>(samples + y * rowBytes));
+    }
+    png_write_end(png, info);
+    return true;
 }
 
-void appendChunk(QByteArray& png, const char* name, const QByteArray& content) {
-    appendNumber(png, quint32(content.size()));
-    const QByteArray checked = QByteArray(name, 4) + content;
-    png.append(checked);
-    appendNumber(png, crc(checked));
+bool fits(const SkToFPngFormat& format, qsizetype size) {
+    const bool known =
+        (format.bits == 8 || format.bits == 16) && (format.channels == 1 || format.channels == 3);
+    const quint64 row = quint64(format.width) * quint64(format.channels) * quint64(format.bits / 8);
+    return known && format.width != 0 && format.height != 0 && quint64(size) % row == 0 &&
+           quint64(size) / row == format.height;
 }
 
 } // namespace
 
-QByteArray encodePng(quint32 uiWidth, quint32 uiHeight, int iBits, int iChannels, const QByteArray& samples) {
-    const bool known = (iBits == 8 || iBits == 16) && (iChannels == 1 || iChannels == 3);
-    const quint64 row = quint64(uiWidth) * quint64(iChannels) * quint64(iBits / 8);
-    if (!known || uiWidth == 0 || uiHeight == 0 || quint64(samples.size()) % row != 0 ||
-        quint64(samples.size()) / row != uiHeight) {
+QByteArray encodePng(const SkToFPngFormat& format, const QByteArray& samples) {
+    if (!fits(format, samples.size())) {
         return {};
     }
-    QByteArray rows;
-    rows.reserve(samples.size() + qsizetype(uiHeight));
-    for (quint32 y = 0; y < uiHeight; ++y) {
-        const char* const source = samples.constData() + y * row;
-        rows.append('\0'); // no filter
-        if (iBits == 8) {
-            rows.append(source, qsizetype(row));
-            continue;
-        }
-        for (quint64 i = 0; i < row; i += 2) {
-            quint16 value;
-            memcpy(&value, source + i, sizeof(value));
-            rows.append(char(value >> 8U)).append(char(value & 0xffU));
-        }
+    QByteArray encoded;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
+    bool done = false;
+    if (info != nullptr) {
+        png_set_write_fn(png, &encoded, append, flush);
+        // Recordings have limits of their own; libpng refuses more than a million pixels a side by default.
+        png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+        done = write(png, info, format, samples.constData());
     }
-    QByteArray header;
-    appendNumber(header, uiWidth);
-    appendNumber(header, uiHeight);
-    header.append(char(iBits)).append(char(iChannels == 3 ? 2 : 0)).append(3, '\0');
-    QByteArray png = QByteArray::fromHex("89504e470d0a1a0a");
-    appendChunk(png, "IHDR", header);
-    appendChunk(png, "IDAT", qCompress(rows).mid(4)); // a zlib stream without Qt's length in front
-    appendChunk(png, "IEND", {});
-    return png;
+    png_destroy_write_struct(&png, &info);
+    return done ? encoded : QByteArray();
 }

@@ -2,6 +2,14 @@
 
 #include <QByteArray>
 
-/// A PNG picture. iBits: 8 or 16; iChannels: 1 grey, 3 red, green, blue. samples: packed rows, 16-bit samples
-/// in the order of the machine. Empty when the sizes do not fit together.
-QByteArray encodePng(quint32 uiWidth, quint32 uiHeight, int iBits, int iChannels, const QByteArray& samples);
+/// The size and samples of a picture to be encoded.
+struct SkToFPngFormat {
+    quint32 width = 0;  ///< pixels
+    quint32 height = 0; ///< pixels
+    int bits = 8;       ///< of a sample, 8 or 16
+    int channels = 1;   ///< 1: grey; 3: red, green, blue
+};
+
+/// Encodes a PNG picture. samples: packed rows, 16-bit samples in native byte order. Empty when the format is
+/// another one, when samples has another size, or when memory is short.
+QByteArray encodePng(const SkToFPngFormat& format, const QByteArray& samples);

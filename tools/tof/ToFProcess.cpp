@@ -74,17 +74,7 @@ SkProcessed processGroup(const CkRecordingReader& reader, const SkToFGroup& grou
     return done;
 }
 
-} // namespace
-
-int tofProcess(const QStringList& arguments) {
-    CkToFArguments options(
-        QStringLiteral("process --transform NAME [options] RECORDING RESULT"),
-        QStringLiteral(
-            "Applies a ToF transform to every frame. Images that arrive one phase or section at a time "
-            "are gathered into sets."),
-        {QStringLiteral("tof process --transform depth room.tif depth.tif"),
-         QStringLiteral("tof process --transform amplitude --compress room.tif amplitude.tif"),
-         QStringLiteral("tof process --transform concat separate.tif stacked.tif")});
+void addOptions(CkToFArguments& options) {
     options.addValue(
         QStringLiteral("transform"), QStringLiteral("NAME"),
         QStringLiteral(
@@ -95,28 +85,11 @@ int tofProcess(const QStringList& arguments) {
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     options.addArgument(QStringLiteral("RESULT"), QStringLiteral("File to write."));
     SkToFLimits::addOptions(options);
-    if (const auto code = options.parse(arguments)) {
-        return *code;
-    }
-    SkToFLimits limits;
-    if (!limits.read(options)) {
-        return ToFUsage;
-    }
-    const int transform = transformOf(options.value(QStringLiteral("transform")));
-    if (transform < 0) {
-        CkToFConsole::error(
-            QStringLiteral("--transform wants depth, amplitude, intensity, concat, aminb, ab or "
-                           "hybrid, not \"%1\".")
-                .arg(options.value(QStringLiteral("transform"))));
-        return ToFUsage;
-    }
-    CkToFInput input(limits);
-    if (!input.open(options.argument(0))) {
-        return ToFInput;
-    }
-    if (!tofMayBeRecording(options.argument(1)) || input.isInput(options.argument(1))) {
-        return ToFUsage;
-    }
+}
+
+/// Processes all groups into a recording. Returns the exit code.
+int processRecording(CkToFInput& input, int transform, const QString& result,
+                     EkRecordingCompression compression) {
     const CkRecordingReader& reader = input.reader();
     const std::vector<SkToFGroup> groups = input.groups();
     CkRecordingWriter writer;
@@ -124,12 +97,7 @@ int tofProcess(const QStringList& arguments) {
     QString incomplete; // the first set that is
     SkRecordingInfo recording = reader.recordingInfo();
     recording.software = tofSoftware();
-    const auto open = [&] {
-        return writer.isOpen() ||
-               writer.open(options.argument(1), recording,
-                           options.has(QStringLiteral("compress")) ? EkRecordingCompression::Deflate
-                                                                   : EkRecordingCompression::None);
-    };
+    const auto open = [&] { return writer.isOpen() || writer.open(result, recording, compression); };
     {
         CkToFConsole::CkProgress progress(QStringLiteral("Processing"));
         inOrder(
@@ -169,4 +137,43 @@ int tofProcess(const QStringList& arguments) {
         return ToFNotApplicable;
     }
     return input.exitCode();
+}
+
+} // namespace
+
+int tofProcess(const QStringList& arguments) {
+    CkToFArguments options(
+        QStringLiteral("process --transform NAME [options] RECORDING RESULT"),
+        QStringLiteral(
+            "Applies a ToF transform to every frame. Images that arrive one phase or section at a time "
+            "are gathered into sets."),
+        {QStringLiteral("tof process --transform depth room.tif depth.tif"),
+         QStringLiteral("tof process --transform amplitude --compress room.tif amplitude.tif"),
+         QStringLiteral("tof process --transform concat separate.tif stacked.tif")});
+    addOptions(options);
+    if (const auto code = options.parse(arguments)) {
+        return *code;
+    }
+    SkToFLimits limits;
+    if (!limits.read(options)) {
+        return ToFUsage;
+    }
+    const int transform = transformOf(options.value(QStringLiteral("transform")));
+    if (transform < 0) {
+        CkToFConsole::error(
+            QStringLiteral("--transform wants depth, amplitude, intensity, concat, aminb, ab or "
+                           "hybrid, not \"%1\".")
+                .arg(options.value(QStringLiteral("transform"))));
+        return ToFUsage;
+    }
+    CkToFInput input(limits);
+    if (!input.open(options.argument(0))) {
+        return ToFInput;
+    }
+    if (!tofMayBeRecording(options.argument(1)) || input.isInput(options.argument(1))) {
+        return ToFUsage;
+    }
+    return processRecording(input, transform, options.argument(1),
+                            options.has(QStringLiteral("compress")) ? EkRecordingCompression::Deflate
+                                                                    : EkRecordingCompression::None);
 }

@@ -94,6 +94,19 @@ QString drawn(const SkToFSvgPlot::SkSeries& series, const SkAxis& x, const SkAxi
     return svg + marks;
 }
 
+QString legendEntry(const SkToFSvgPlot::SkSeries& one, size_t entry, double legendTop) {
+    const double entryX = left + legendColumn * double(entry % 2);
+    const size_t entryRow = entry / 2;
+    const double entryY = legendTop + legendRow * double(entryRow) + 8.0;
+    return QStringLiteral(
+               "<line x1=\"%1\" y1=\"%2\" x2=\"%3\" y2=\"%2\" stroke=\"%4\" stroke-width=\"%5\"%6/>")
+               .arg(at(one.line ? entryX : entryX + 9.0), at(entryY),
+                    at(one.line ? entryX + 22.0 : entryX + 14.0), one.colour,
+                    one.line ? QStringLiteral("1.6") : QStringLiteral("5"),
+                    one.dashed ? QStringLiteral(" stroke-dasharray=\"5 3\"") : QString()) +
+           text(entryX + 28.0, entryY + 4.0, QStringLiteral("start"), one.name);
+}
+
 } // namespace
 
 QString tofPlotColour(size_t index) {
@@ -175,20 +188,9 @@ QString SkToFSvgPlot::svg() const {
     size_t entry = 0;
     for (const SkSeries& one : series) {
         svg += drawn(one, x, y);
-        if (one.name.isEmpty()) {
-            continue;
+        if (!one.name.isEmpty()) {
+            svg += legendEntry(one, entry++, legendTop);
         }
-        const double entryX = left + legendColumn * double(entry % 2);
-        const size_t entryRow = entry / 2;
-        const double entryY = legendTop + legendRow * double(entryRow) + 8.0;
-        svg += QStringLiteral(
-                   "<line x1=\"%1\" y1=\"%2\" x2=\"%3\" y2=\"%2\" stroke=\"%4\" stroke-width=\"%5\"%6/>")
-                   .arg(at(one.line ? entryX : entryX + 9.0), at(entryY),
-                        at(one.line ? entryX + 22.0 : entryX + 14.0), one.colour,
-                        one.line ? QStringLiteral("1.6") : QStringLiteral("5"),
-                        one.dashed ? QStringLiteral(" stroke-dasharray=\"5 3\"") : QString());
-        svg += text(entryX + 28.0, entryY + 4.0, QStringLiteral("start"), one.name);
-        ++entry;
     }
     return svg + QStringLiteral("</svg>");
 }

@@ -13,6 +13,7 @@
 #include "tools/tof/accuracy/ToFNoiseLimit.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicture.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <bit>
 #include <cmath>
@@ -20,11 +21,6 @@
 #include <numbers>
 
 namespace {
-
-constexpr int byteTaps = 11; // codes of the camera's data formats
-constexpr int wideTaps = 13;
-constexpr int byteWindows = 17;
-constexpr int wideWindows = 18;
 
 SkSimSettings settingsOf(const SkToFAccuracyPoint& point, const SkToFAccuracySetup& setup) {
     SkSimSettings settings;
@@ -39,7 +35,8 @@ SkSimSettings settingsOf(const SkToFAccuracyPoint& point, const SkToFAccuracySet
     settings.pulseNs = point.modulation;
     settings.phases = point.phases;
     const bool bytes = point.bits == 8;
-    settings.dataFormat = point.hybrid ? (bytes ? byteWindows : wideWindows) : (bytes ? byteTaps : wideTaps);
+    settings.dataFormat = point.hybrid ? (bytes ? ToFDataFormat::kHybrid8 : ToFDataFormat::kHybrid12)
+                                       : (bytes ? ToFDataFormat::kAandB8 : ToFDataFormat::kAandB12);
     settings.converterBits = bytes ? settings.converterBits : point.bits;
     return settings;
 }

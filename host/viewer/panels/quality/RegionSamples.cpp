@@ -14,7 +14,7 @@ namespace {
 
 constexpr float kInvalid = std::numeric_limits<float>::quiet_NaN();
 
-/// Channel with confidences, or -1.
+/// Index of the confidence channel, or -1.
 int confidenceChannel(const SkPicBuf& picture, const CkImageMetadata& metadata) {
     const qsizetype index = metadata.channelNames.indexOf(ToFChannel::kConfidence);
     return picture.dataType == EkImageDataType::Float32 && index < qsizetype(picture.channels) ? int(index)
