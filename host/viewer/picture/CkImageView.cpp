@@ -1,9 +1,7 @@
 #include "host/viewer/picture/CkImageView.h"
 
 #include "host/viewer/picture/CkColorLegend.h"
-#include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkPictureSnapshot.h"
-#include "host/viewer/picture/CkPictureToolBar.h"
 #include "host/viewer/picture/PictureText.h"
 #include "host/viewer/picture/Saturation.h"
 #include "zuCore/CkChain.h"
@@ -18,8 +16,6 @@
 #include <QMenu>
 #include <QPointer>
 #include <QVBoxLayout>
-#include <cmath>
-#include <limits>
 
 CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
     setFocusPolicy(Qt::StrongFocus);
@@ -103,10 +99,6 @@ void CkImageView::setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate
     }
 }
 
-bool CkImageView::autoContrast() const {
-    return table().contrast.automatic;
-}
-
 void CkImageView::setAutoContrast(bool bAuto) {
     const SkTable now = table();
     setViewLut(now.lut, bAuto, now.contrast.markSaturated, true);
@@ -117,10 +109,6 @@ void CkImageView::setFullRange() {
     if (const CkImageData* shown = frame()) {
         setWindow(m_renderer.fullRange(shown->picBuf()));
     }
-}
-
-bool CkImageView::marksSaturated() const {
-    return table().contrast.markSaturated;
 }
 
 void CkImageView::setMarksSaturated(bool bMark) {
@@ -136,14 +124,6 @@ QString CkImageView::saturationReason() const {
                : QString();
 }
 
-bool CkImageView::hasPicture() const {
-    return frame() != nullptr;
-}
-
-void CkImageView::setStale(bool bStale) {
-    m_pCanvas->setDimmed(bStale);
-}
-
 void CkImageView::setEmptyText(const QString& sText) {
     if (!hasPicture()) {
         m_pCanvas->setEmptyText(sText);
@@ -152,23 +132,15 @@ void CkImageView::setEmptyText(const QString& sText) {
 
 double CkImageView::gamma() const {
     const CkLut* lut = table().lut;
-    return lut == nullptr || lut->contrastEntries().isEmpty() ? 1.0 : lut->contrastEntries().first().gamma;
+    return lut != nullptr ? PictureColours::gammaOf(*lut) : 1.0;
 }
 
 void CkImageView::setGamma(double fGamma) {
     CkLut* lut = table().lut;
-    if (lut == nullptr || !std::isfinite(fGamma) || fGamma <= 0.0) {
-        return;
+    if (lut != nullptr && PictureColours::setGamma(*lut, fGamma)) {
+        refreshColours();
+        refresh();
     }
-    if (lut->contrastEntries().isEmpty()) {
-        CkLut::CkCompContrast whole;
-        const quint32 bits = lut->bitsPerChannel();
-        whole.inHigh = bits >= 32 ? std::numeric_limits<quint32>::max() : (1U << bits) - 1U;
-        lut->contrastEntries().append(whole);
-    }
-    lut->contrastEntries().first().gamma = fGamma;
-    refreshColours();
-    refresh();
 }
 
 void CkImageView::setWindow(const SkDisplayWindow& window) {
@@ -179,10 +151,6 @@ void CkImageView::setWindow(const SkDisplayWindow& window) {
     CkMdiView::setViewLut(now.lut, false, now.contrast.markSaturated, false);
     refresh();
     emit contrastChanged();
-}
-
-QString CkImageView::unit() const {
-    return m_renderer.unit();
 }
 
 void CkImageView::setChannel(int iChannel) {
@@ -198,22 +166,10 @@ void CkImageView::setChannel(int iChannel) {
     }
 }
 
-int CkImageView::channelCount() const {
-    return m_pToolBar->channelCount();
-}
-
 void CkImageView::stepChannel(int iStep) {
     if (channelCount() > 1) {
         setChannel(m_pToolBar->channelAfter(iStep));
     }
-}
-
-bool CkImageView::showsLegend() const {
-    return m_pToolBar->showsLegend();
-}
-
-void CkImageView::setShowsLegend(bool bShow) {
-    m_pToolBar->setShowsLegend(bShow);
 }
 
 void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {

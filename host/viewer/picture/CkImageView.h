@@ -1,16 +1,15 @@
 #pragma once
 
+#include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkPictureRenderer.h"
+#include "host/viewer/picture/CkPictureToolBar.h"
 #include "zuCoreGui/CkMdiView.h"
 
 #include <QImage>
 #include <QPoint>
-#include <QString>
 
 class CkColorLegend;
-class CkImageCanvas;
 class CkPictureSnapshot;
-class CkPictureToolBar;
 
 /// Shows the pictures of any sample type that a block delivers, coloured by a look-up table, with zoom and
 /// pan. User-interface thread.
@@ -37,24 +36,24 @@ public:
     int channel() const { return m_renderer.channel(); }
     void setChannel(int iChannel);
     /// Entries of the list of channels, "all as colours" included; 0 before the first picture.
-    int channelCount() const;
+    int channelCount() const { return m_pToolBar->channelCount(); }
     /// To the next (1) or previous (-1) entry of the list of channels, wrapping around.
     void stepChannel(int iStep);
 
-    bool showsLegend() const;
-    void setShowsLegend(bool bShow);
+    bool showsLegend() const { return m_pToolBar->showsLegend(); }
+    void setShowsLegend(bool bShow) { m_pToolBar->setShowsLegend(bShow); }
 
     /// The values at the ends of the colours, in the unit of the channel.
     SkDisplayWindow window() const { return m_renderer.window(); }
     /// Sets a fixed window and switches automatic contrast off. A reversed window is turned round.
     void setWindow(const SkDisplayWindow& window);
     void setAutoContrast(bool bAuto);
-    bool autoContrast() const;
+    bool autoContrast() const { return table().contrast.automatic; }
     /// Fixes the window to the whole range of the picture's values: all that an integer can hold, or what a
     /// float picture holds at the moment.
     void setFullRange();
     void setMarksSaturated(bool bMark);
-    bool marksSaturated() const;
+    bool marksSaturated() const { return table().contrast.markSaturated; }
     /// Why saturated samples cannot be marked in the picture that is shown; empty when they can, or when
     /// there is no picture.
     QString saturationReason() const;
@@ -64,12 +63,12 @@ public:
     /// Of the frame that was painted last. All zero before the first.
     const SkPictureStatistics& statistics() const { return m_renderer.statistics(); }
     /// Unit of the channel shown, may be empty.
-    QString unit() const;
+    QString unit() const { return m_renderer.unit(); }
     bool showsColours() const { return channel() < 0; }
-    bool hasPicture() const;
+    bool hasPicture() const { return frame() != nullptr; }
 
     /// Darkens the picture: it no longer shows what the camera sees.
-    void setStale(bool bStale);
+    void setStale(bool bStale) { m_pCanvas->setDimmed(bStale); }
     /// The text shown as long as there is no picture.
     void setEmptyText(const QString& sText);
 

@@ -123,7 +123,7 @@ QList<QRgb> PictureColours::colours(const CkLut& lut) {
     if (!bare.allocRgbTable(0)) {
         return result;
     }
-    const double gamma = lut.contrastEntries().isEmpty() ? 1.0 : lut.contrastEntries().first().gamma;
+    const double gamma = gammaOf(lut);
     const double last = double(bare.rgbTableEntries()) - 1.0;
     result.reserve(kColours);
     for (int i = 0; i < kColours; ++i) {
@@ -133,6 +133,24 @@ QList<QRgb> PictureColours::colours(const CkLut& lut) {
         result.append(qRgb(entry[2], entry[1], entry[0]));
     }
     return result;
+}
+
+double PictureColours::gammaOf(const CkLut& lut) {
+    return lut.contrastEntries().isEmpty() ? 1.0 : lut.contrastEntries().first().gamma;
+}
+
+bool PictureColours::setGamma(CkLut& lut, double fGamma) {
+    if (!std::isfinite(fGamma) || fGamma <= 0.0) {
+        return false;
+    }
+    if (lut.contrastEntries().isEmpty()) {
+        CkLut::CkCompContrast whole;
+        const quint32 bits = lut.bitsPerChannel();
+        whole.inHigh = bits >= 32 ? std::numeric_limits<quint32>::max() : (1U << bits) - 1U;
+        lut.contrastEntries().append(whole);
+    }
+    lut.contrastEntries().first().gamma = fGamma;
+    return true;
 }
 
 bool PictureColours::colourChannel(const SkPicBuf& picBuf, quint32 uiChannel, const SkColouring& colouring,

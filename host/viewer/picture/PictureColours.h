@@ -36,6 +36,11 @@ SkDisplayWindow fullRange(const SkPicBufInfo& info);
 /// The table's map, warped by its gamma; kColours entries from the lowest to the highest value.
 QList<QRgb> colours(const CkLut& lut);
 
+/// The gamma of a table; 1 for a table without one.
+double gammaOf(const CkLut& lut);
+/// False, with the table unchanged, for a gamma that is not finite or not above 0.
+bool setGamma(CkLut& lut, double fGamma);
+
 /// Colours one channel. Values that are not finite become kInvalid, saturated integer samples kSaturated when
 /// they are to be marked. The image is allocated anew when its size differs. False, with the image untouched,
 /// for pictures that cannot be read, an unknown channel or fewer than two colours.
