@@ -3,7 +3,7 @@
 #include "fuzz/FuzzBytes.h"
 #include "fuzz/FuzzFile.h"
 #include "host/recording/CkVideoSource.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "plugins/zplToF/chain/CkToFProcessCnbl.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainManager.h"
@@ -96,8 +96,8 @@ std::string checkChain(const uint8_t* bytes, size_t size) {
         return "the bytes cannot be put into a file";
     }
     QString error;
-    CkChainFile::camerasIn(file.name(), {QStringLiteral("camera")});
-    CkChain* const chain = CkChainFile::load(file.name(), error);
+    ChainFile::camerasIn(file.name(), {QStringLiteral("camera")});
+    CkChain* const chain = ChainFile::load(file.name(), error);
     if (chain == nullptr) {
         if (!CkChainManager::instance()->chains().isEmpty()) {
             return "a refused file leaves a chain";

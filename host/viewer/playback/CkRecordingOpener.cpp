@@ -2,7 +2,7 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/ViewAppearance.h"
@@ -210,7 +210,7 @@ bool CkRecordingOpener::open(const QString& sFileName, QString& sError) {
 
 void CkRecordingOpener::openViews(CkChain* pChain, const QString& sFileName, const QJsonObject& appearance) {
     QList<CkChainable*> shown = pChain->imageSources();
-    for (CkChainable* end : CkChainFile::shownEnds(pChain, sFileName)) {
+    for (CkChainable* end : ChainFile::shownEnds(pChain, sFileName)) {
         if (!shown.contains(end)) {
             shown.append(end);
         }

@@ -1,7 +1,7 @@
 // Loads one plug-in, starts it and ends it, so that a crash or a hang happens in this process and not in the
 // viewer.
 
-#include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerLanguage.h"
 #include "host/viewer/plugins/CkProbeDelegate.h"
 #include "host/viewer/plugins/PluginProbeSteps.h"
 #include "zuCore/CkPluginLoader.h"
@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
         return kBadCommandLine;
     }
     QLocale::setDefault(QLocale(arguments[2]));
-    CkViewerLanguage::apply(QString());
+    ViewerLanguage::apply(QString());
     CkProbeDelegate delegate;
     return probe(arguments[3]);
 }

@@ -1,7 +1,7 @@
 #include "host/viewer/session/CkChainLoader.h"
 
 #include "host/recording/CkOpeningProgress.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ CkChainLoader::CkChainLoader(const QString& sFileName, QWidget* pWindow)
 
 CkChain* CkChainLoader::load(QString& sError) {
     const CkOpeningProgress opening([this](qint64 found, double) { return framesFound(found); });
-    CkChain* const chain = CkChainFile::load(
+    CkChain* const chain = ChainFile::load(
         m_sFileName, sError, [this](qsizetype read, qsizetype all) { return blocksRead(read, all); });
     if (chain == nullptr && m_dialog != nullptr && m_dialog->wasCanceled()) {
         sError.clear();

@@ -1,7 +1,7 @@
 #include "host/viewer/shell/CkChainFileController.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/picture/CkImageView.h"
@@ -21,7 +21,7 @@ bool CkChainFileController::open(const QString& fileName, QString& error) {
     const QList<void*> openBefore = manager->openedCameras();
     openCamerasOf(fileName);
     CkChain* chain = CkChainLoader(fileName, m_window).load(error);
-    if (chain != nullptr && CkChainFile::ends(chain).isEmpty()) {
+    if (chain != nullptr && ChainFile::ends(chain).isEmpty()) {
         CkChainManager::instance()->closeChain(chain);
         chain = nullptr;
         error = tr("%1: the chain is empty.").arg(fileName);
@@ -34,7 +34,7 @@ bool CkChainFileController::open(const QString& fileName, QString& error) {
         }
         return false;
     }
-    for (CkChainable* end : CkChainFile::shownEnds(chain, fileName)) {
+    for (CkChainable* end : ChainFile::shownEnds(chain, fileName)) {
         m_area->addView(new CkImageView(end));
     }
     chain->start();
@@ -48,7 +48,7 @@ void CkChainFileController::openCamerasOf(const QString& fileName) {
     for (const SkCameraInfo& info : CkCameraManager::instance()->availableCameras()) {
         known.append(info.id);
     }
-    for (const QString& id : CkChainFile::camerasIn(fileName, known)) {
+    for (const QString& id : ChainFile::camerasIn(fileName, known)) {
         m_cameras->openCamera(id, false);
     }
 }
@@ -66,7 +66,7 @@ void CkChainFileController::startCamerasOf(const CkChain& chain) {
 }
 
 bool CkChainFileController::save(const CkChain& chain, const QString& fileName, QString& error) {
-    if (!CkChainFile::save(&chain, fileName, error)) {
+    if (!ChainFile::save(&chain, fileName, error)) {
         return false;
     }
     emit used(fileName);

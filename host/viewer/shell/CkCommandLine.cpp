@@ -1,6 +1,6 @@
 #include "host/viewer/shell/CkCommandLine.h"
 
-#include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerLanguage.h"
 
 namespace {
 
@@ -136,10 +136,9 @@ CkCommandLine::EkResult CkCommandLine::parse(const QStringList& arguments, SkVie
                      .arg(m_parser.value(kSize));
         return EkResult::Error;
     }
-    if (m_parser.isSet(kLanguage) && !CkViewerLanguage::codes().contains(m_parser.value(kLanguage))) {
-        sError =
-            CkCommandLine::tr("--language takes %1, not \"%2\".")
-                .arg(CkViewerLanguage::codes().join(CkCommandLine::tr(" or ")), m_parser.value(kLanguage));
+    if (m_parser.isSet(kLanguage) && !ViewerLanguage::codes().contains(m_parser.value(kLanguage))) {
+        sError = CkCommandLine::tr("--language takes %1, not \"%2\".")
+                     .arg(ViewerLanguage::codes().join(CkCommandLine::tr(" or ")), m_parser.value(kLanguage));
         return EkResult::Error;
     }
     if (options.open3dView && options.cameras.isEmpty() && options.chainFiles.isEmpty() &&

@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerLanguage.h"
 #include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/shell/CkCommandLine.h"
 #include "host/viewer/shell/CkViewerSession.h"
@@ -39,7 +39,7 @@ QStringList withoutWindowOptions(const QStringList& given) {
 
 int inform(int argc, char** argv, const QStringList& arguments) {
     QCoreApplication application(argc, argv);
-    CkViewerLanguage::apply(CkViewerLanguage::wanted(arguments));
+    ViewerLanguage::apply(ViewerLanguage::wanted(arguments));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;
@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     // Wayland identifies windows by the name of their desktop entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("zuviewer"));
 
-    CkViewerLanguage::apply(CkViewerLanguage::wanted(QCoreApplication::arguments()));
+    ViewerLanguage::apply(ViewerLanguage::wanted(QCoreApplication::arguments()));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;

@@ -25,6 +25,29 @@
     </message>
 </context>
 <context>
+    <name>ChainFile</name>
+    <message>
+        <source>%1: this is no chain file.</source>
+        <translation>%1: Das ist keine Kettendatei.</translation>
+    </message>
+    <message>
+        <source>%1: this chain file was written by a newer version of the program.</source>
+        <translation>%1: Diese Kettendatei stammt von einer neueren Version des Programms.</translation>
+    </message>
+    <message>
+        <source>%1: the chain cannot be described.</source>
+        <translation>%1: Die Kette lässt sich nicht beschreiben.</translation>
+    </message>
+    <message>
+        <source>no new chain can be made</source>
+        <translation>es kann keine neue Kette angelegt werden</translation>
+    </message>
+    <message>
+        <source>%1: the chain has %2 ends; the first %3 of them are shown.</source>
+        <translation>%1: Die Kette hat %2 Enden; die ersten %3 davon werden gezeigt.</translation>
+    </message>
+</context>
+<context>
     <name>CkBlockDialogs</name>
     <message>
         <source>Help: %1</source>
@@ -397,29 +420,6 @@ Kennung %3</translation>
     <message>
         <source>it names block &quot;%1&quot; twice.</source>
         <translation>er nennt den Block „%1“ zweimal.</translation>
-    </message>
-</context>
-<context>
-    <name>CkChainFile</name>
-    <message>
-        <source>%1: this is no chain file.</source>
-        <translation>%1: Das ist keine Kettendatei.</translation>
-    </message>
-    <message>
-        <source>%1: this chain file was written by a newer version of the program.</source>
-        <translation>%1: Diese Kettendatei stammt von einer neueren Version des Programms.</translation>
-    </message>
-    <message>
-        <source>%1: the chain cannot be described.</source>
-        <translation>%1: Die Kette lässt sich nicht beschreiben.</translation>
-    </message>
-    <message>
-        <source>no new chain can be made</source>
-        <translation>es kann keine neue Kette angelegt werden</translation>
-    </message>
-    <message>
-        <source>%1: the chain has %2 ends; the first %3 of them are shown.</source>
-        <translation>%1: Die Kette hat %2 Enden; die ersten %3 davon werden gezeigt.</translation>
     </message>
 </context>
 <context>

@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "host/viewer/base/CkFileOpener.h"
 #include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"

@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
 #include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/ViewerBlocks.h"
@@ -116,7 +116,7 @@ TEST_F(LargeChainFile, DiamondsAreWalkedOnce) {
                     demo(id + 3, QStringLiteral("%1 %2").arg(id + 1).arg(id + 2));
         id += 3;
     }
-    CkChain* const loaded = CkChainFile::load(write(diamonds), m_error);
+    CkChain* const loaded = ChainFile::load(write(diamonds), m_error);
     ASSERT_NE(loaded, nullptr) << qPrintable(m_error);
     ASSERT_EQ(loaded->blocks().size(), 55);
     // The view asks all blocks on all ways to its block for their cameras.
@@ -131,7 +131,7 @@ TEST_F(LargeChainFile, TooManySourcesAreRefused) {
     for (int i = 0; i < 100; ++i) {
         cameras += camera(i);
     }
-    CkChain* const loaded = CkChainFile::load(write(cameras), m_error);
+    CkChain* const loaded = ChainFile::load(write(cameras), m_error);
     ASSERT_NE(loaded, nullptr) << qPrintable(m_error);
     CkChainManager::instance()->closeChain(loaded);
     EXPECT_FALSE(window()->chainFiles()->open(write(cameras + camera(100)), m_error));
@@ -172,7 +172,7 @@ TEST_F(LargeChainFile, PipesAndDevicesAreRefusedAsRecordings) {
 TEST_F(LargeChainFile, ProgressCountsBlocksAndCallsOff) {
     const QString file = write(camera(0) + demo(1, "0") + demo(2, "1") + demo(3, "2"));
     QList<QPair<qsizetype, qsizetype>> told;
-    CkChain* loaded = CkChainFile::load(file, m_error, [&](qsizetype read, qsizetype all) {
+    CkChain* loaded = ChainFile::load(file, m_error, [&](qsizetype read, qsizetype all) {
         told.append({read, all});
         return true;
     });
@@ -180,7 +180,7 @@ TEST_F(LargeChainFile, ProgressCountsBlocksAndCallsOff) {
     EXPECT_EQ(told, (QList<QPair<qsizetype, qsizetype>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
     CkChainManager::instance()->closeChain(loaded);
     told.clear();
-    loaded = CkChainFile::load(file, m_error, [&](qsizetype read, qsizetype all) {
+    loaded = ChainFile::load(file, m_error, [&](qsizetype read, qsizetype all) {
         told.append({read, all});
         return read < 2;
     });

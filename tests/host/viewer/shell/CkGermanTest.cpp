@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerLanguage.h"
 #include "host/viewer/shell/CkStatusBar.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "tests/support/LocaleScope.h"
@@ -24,7 +24,7 @@ QString utf8(const char* text) {
 
 class German : public ViewerFixture {
 protected:
-    static void SetUpTestSuite() { EXPECT_EQ(CkViewerLanguage::apply("de").language(), QLocale::German); }
+    static void SetUpTestSuite() { EXPECT_EQ(ViewerLanguage::apply("de").language(), QLocale::German); }
 };
 
 TEST_F(German, MenusAndPanelsSpeakIt) {
@@ -101,18 +101,18 @@ TEST_F(German, NoTwoEntriesOfAMenuShareALetter) {
 }
 
 TEST(ViewerLanguage, IsReadFromTheCommandLineBeforeAnythingElse) {
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language", "de", "--help"}), "de");
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--3d", "--language=en"}), "en");
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language", "fr"}), "");
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--language"}), "");
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer", "--", "--language", "de"}), "");
-    EXPECT_EQ(CkViewerLanguage::wanted({"zuviewer"}), "");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language", "de", "--help"}), "de");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--3d", "--language=en"}), "en");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language", "fr"}), "");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language"}), "");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--", "--language", "de"}), "");
+    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer"}), "");
 }
 
 TEST(ViewerLanguage, KeepsTheRegionOfWhoSpeaksTheLanguageAnyway) {
     const LocaleScope vienna{QLocale(QLocale::German, QLocale::Austria)};
-    EXPECT_EQ(CkViewerLanguage::apply("de").territory(), QLocale::Austria);
-    EXPECT_EQ(CkViewerLanguage::apply("en").language(), QLocale::English);
+    EXPECT_EQ(ViewerLanguage::apply("de").territory(), QLocale::Austria);
+    EXPECT_EQ(ViewerLanguage::apply("en").language(), QLocale::English);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "tests/host/viewer/ViewerFixture.h"
 
 #include "host/viewer/area/CkViewNoticeController.h"
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 #include "host/viewer/panels/chain/CkChainPanel.h"
 #include "host/viewer/panels/chain/CkChainTree.h"
 #include "host/viewer/picture/CkImageCanvas.h"
@@ -347,7 +347,7 @@ TEST_F(ChainPanel, ChainFileOfTwoCamerasStartsBoth) {
     ASSERT_TRUE(CkChainManager::instance()->insertAfter(both, new CkCameraSource(wave), nullptr));
     const QString file = m_folder.filePath("two.zuchain");
     QString error;
-    ASSERT_TRUE(CkChainFile::save(both, file, error)) << qPrintable(error);
+    ASSERT_TRUE(ChainFile::save(both, file, error)) << qPrintable(error);
     cameras()->closeAllCameras();
 
     ASSERT_TRUE(window()->chainFiles()->open(file, error)) << qPrintable(error);

@@ -1,20 +1,25 @@
-#include "host/viewer/base/CkChainFile.h"
+#include "host/viewer/base/ChainFile.h"
 
 #include "zuCore/CkChainManager.h"
 #include "zuCore/CkChainable.h"
 #include "zuCore/CkXmlReader.h"
 
+#include <QCoreApplication>
 #include <QDomDocument>
 #include <QSaveFile>
 #include <algorithm>
 
 namespace {
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ChainFile)
+};
+
 // The root identifies the kind of file; inside is what CkChain::save() writes.
 const QString kRoot = QStringLiteral("zuchainfile");
 const QString kChain = QStringLiteral("chain");
 constexpr int kVersion = 1;
-// More do not fit on a screen, and each takes time to draw.
+// More do not fit on a screen, and every further view slows down drawing.
 constexpr qsizetype kMaximumViews = 16;
 
 bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
@@ -25,19 +30,18 @@ bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
     }
     const QDomElement root = doc.documentElement();
     if (root.tagName() != kRoot || root.firstChildElement(kChain).isNull()) {
-        error = CkChainFile::tr("%1: this is no chain file.").arg(fileName);
+        error = Texts::tr("%1: this is no chain file.").arg(fileName);
         return false;
     }
     if (root.attribute(QStringLiteral("version")).toInt() > kVersion) {
-        error = CkChainFile::tr("%1: this chain file was written by a newer version of the program.")
-                    .arg(fileName);
+        error = Texts::tr("%1: this chain file was written by a newer version of the program.").arg(fileName);
         return false;
     }
     return true;
 }
 
-// Each kind of source has its own attribute for its camera; camera identifiers are unique enough to be found
-// in any.
+// Every kind of source stores its camera in an attribute of its own. Camera identifiers are distinctive
+// enough to be looked for in all attributes.
 void collectCameras(const QDomElement& element, const QStringList& cameraIds, QStringList& found) {
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {
@@ -54,7 +58,7 @@ void collectCameras(const QDomElement& element, const QStringList& cameraIds, QS
 
 } // namespace
 
-bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString& sError) {
+bool ChainFile::save(const CkChain* pChain, const QString& sFileName, QString& sError) {
     QDomDocument doc;
     doc.appendChild(doc.createProcessingInstruction(QStringLiteral("xml"),
                                                     QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"")));
@@ -62,7 +66,7 @@ bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString&
     root.setAttribute(QStringLiteral("version"), kVersion);
     QDomElement chain = doc.createElement(kChain);
     if (pChain == nullptr || !pChain->save(doc, chain)) {
-        sError = CkChainFile::tr("%1: the chain cannot be described.").arg(sFileName);
+        sError = Texts::tr("%1: the chain cannot be described.").arg(sFileName);
         return false;
     }
     root.appendChild(chain);
@@ -76,13 +80,13 @@ bool CkChainFile::save(const CkChain* pChain, const QString& sFileName, QString&
     return true;
 }
 
-CkChain* CkChainFile::load(const QString& sFileName, QString& sError, const CkChain::LoadProgress& progress) {
+CkChain* ChainFile::load(const QString& sFileName, QString& sError, const CkChain::LoadProgress& progress) {
     QDomDocument doc;
     if (!parse(sFileName, doc, sError)) {
         return nullptr;
     }
     CkChain* chain = CkChainManager::instance()->createChain();
-    QString reason = CkChainFile::tr("no new chain can be made");
+    QString reason = Texts::tr("no new chain can be made");
     if (chain == nullptr ||
         !chain->load(doc.documentElement().firstChildElement(kChain), &reason, progress)) {
         sError = QStringLiteral("%1: %2").arg(sFileName, reason);
@@ -92,7 +96,7 @@ CkChain* CkChainFile::load(const QString& sFileName, QString& sError, const CkCh
     return chain;
 }
 
-QStringList CkChainFile::camerasIn(const QString& sFileName, const QStringList& cameraIds) {
+QStringList ChainFile::camerasIn(const QString& sFileName, const QStringList& cameraIds) {
     QDomDocument doc;
     QString error;
     QStringList found;
@@ -103,7 +107,7 @@ QStringList CkChainFile::camerasIn(const QString& sFileName, const QStringList& 
     return found;
 }
 
-QList<CkChainable*> CkChainFile::ends(const CkChain* pChain) {
+QList<CkChainable*> ChainFile::ends(const CkChain* pChain) {
     QList<CkChainable*> result;
     for (CkChainable* block : pChain->blocks()) {
         if (pChain->successors(block).isEmpty()) {
@@ -113,10 +117,10 @@ QList<CkChainable*> CkChainFile::ends(const CkChain* pChain) {
     return result;
 }
 
-QList<CkChainable*> CkChainFile::shownEnds(const CkChain* pChain, const QString& sFileName) {
+QList<CkChainable*> ChainFile::shownEnds(const CkChain* pChain, const QString& sFileName) {
     const QList<CkChainable*> all = ends(pChain);
     if (all.size() > kMaximumViews) {
-        qWarning("%s", qUtf8Printable(tr("%1: the chain has %2 ends; the first %3 of them are shown.")
+        qWarning("%s", qUtf8Printable(Texts::tr("%1: the chain has %2 ends; the first %3 of them are shown.")
                                           .arg(sFileName)
                                           .arg(all.size())
                                           .arg(kMaximumViews)));

@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkViewerLanguage.h"
+#include "host/viewer/base/ViewerLanguage.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
@@ -7,8 +7,8 @@
 
 namespace {
 
-// By language and territory only, not by the user's further languages: plug-ins do the same, and a window
-// does not mix two languages.
+// Only the language and territory count, not the user's further preferred languages: plug-ins do the same, so
+// that no window mixes two languages.
 void install(const QLocale& locale, const QString& name, const QString& folder) {
     auto translator = std::make_unique<QTranslator>();
     if (translator->load(QLocale(locale.language(), locale.territory()), name, QStringLiteral("_"), folder)) {
@@ -17,7 +17,7 @@ void install(const QLocale& locale, const QString& name, const QString& folder) 
     }
 }
 
-// Texts with a count need a singular and a plural in English too. Translators installed later take
+// Texts with a count need a singular and a plural form in English, too. Translators installed later take
 // precedence.
 void installEnglishPlurals() {
     install(QLocale(QLocale::English), QStringLiteral("zuviewer"), QStringLiteral(":/zuviewer/translations"));
@@ -26,11 +26,11 @@ Q_COREAPP_STARTUP_FUNCTION(installEnglishPlurals)
 
 } // namespace
 
-QStringList CkViewerLanguage::codes() {
+QStringList ViewerLanguage::codes() {
     return {QStringLiteral("en"), QStringLiteral("de")};
 }
 
-QString CkViewerLanguage::wanted(const QStringList& arguments) {
+QString ViewerLanguage::wanted(const QStringList& arguments) {
     static const QString kOption = QStringLiteral("--language");
     QString code;
     for (qsizetype i = 1; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {
@@ -43,8 +43,9 @@ QString CkViewerLanguage::wanted(const QStringList& arguments) {
     return codes().contains(code) ? code : QString();
 }
 
-QLocale CkViewerLanguage::apply(const QString& sCode) {
-    // A user in Vienna who asks for German keeps the Austrian number format.
+QLocale ViewerLanguage::apply(const QString& sCode) {
+    // Same language: keep the user's territory. With an Austrian locale, German keeps the Austrian number
+    // format.
     if (codes().contains(sCode) && QLocale(sCode).language() != QLocale().language()) {
         QLocale::setDefault(QLocale(sCode));
     }
