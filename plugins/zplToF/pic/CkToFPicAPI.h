@@ -8,12 +8,12 @@
 
 /// Classification and processing of raw ToF pictures.
 ///
-/// Stateless; any thread, as long as nobody else writes the pictures given. Results are allocated by the
+/// Stateless; any thread, unless another thread writes the same pictures. Results are allocated by the
 /// caller. Operations answer false, and write nothing, when the kind or sample type of source or result is
-/// not supported, when a picture has no data or an impossible descriptor, or when source rows that the phase
-/// layout asks for do not exist. Nothing throws. Bytes of a row beyond its pixels are never written.
+/// not supported, when a picture has no data or an impossible descriptor, or when the source has fewer rows
+/// than the phase layout needs. Nothing throws. Bytes of a row beyond its pixels are never written.
 ///
-/// Stacked pictures: with a result of height H, sub-image i stands at source rows i * H to (i + 1) * H - 1.
+/// Stacked pictures: with a result of height H, sub-image i occupies source rows i * H to (i + 1) * H - 1.
 /// An angle list names the angle of each sub-image in degrees, in stored order; null or empty: nominal order
 /// (1: 0; 2: 0, 90; 4: 0, 90, 180, 270; 8: 0, 45, ... 315).
 class CkToFPicAPI {

@@ -1,7 +1,5 @@
 #include "plugins/zplToF/pic/ToFPicGuard.h"
 
-#include "zuCore/ToFVocabulary.h"
-
 #include <cstdint>
 #include <limits>
 
@@ -34,27 +32,7 @@ bool ToFPicGuard::isUsable(const SkPicBuf& picture) {
 }
 
 bool ToFPicGuard::isPair(const SkPicBuf& source, const SkPicBuf& result, EkImageDataType resultType,
-                         quint32 uiResultChannels) {
-    return result.dataType == resultType && result.channels == uiResultChannels && isUsable(source) &&
+                         quint32 resultChannels) {
+    return result.dataType == resultType && result.channels == resultChannels && isUsable(source) &&
            isUsable(result) && result.width <= source.width && !overlap(source, result);
-}
-
-bool ToFPicGuard::holdsStack(const SkPicBuf& source, const SkPicBuf& result, quint64 uiSubImages) {
-    return uiSubImages <= source.height / result.height;
-}
-
-bool ToFPicGuard::locatePhases(const SkPicBuf& source, const SkPicBuf& result, int iPhases,
-                               const CkToFPicAPI::AngleList* pAngles, std::array<quint32, 8>& firstRows) {
-    if (!holdsStack(source, result, quint64(iPhases))) {
-        return false;
-    }
-    for (quint32 phase = 0; phase < quint32(iPhases); ++phase) {
-        const qint32 angle = qint32(phase) * ToFPhases::nominalStep(iPhases);
-        const quint32 subImage = CkToFPicAPI::findAngleIdx(phase, angle, pAngles);
-        if (!holdsStack(source, result, quint64(subImage) + 1)) {
-            return false;
-        }
-        firstRows[phase] = subImage * result.height;
-    }
-    return true;
 }

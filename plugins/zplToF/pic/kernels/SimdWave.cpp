@@ -194,7 +194,7 @@ void addWave(SkToFKernels& kernels) {
     addPhases<8, 3>(kernels);
     kernels.fillDark = fillDarkRow;
     kernels.angle = angleRow;
-    kernels.bRangeRidesAlong = true;
+    kernels.bTracksRange = true;
 }
 #else
 void addWave(SkToFKernels&) {}

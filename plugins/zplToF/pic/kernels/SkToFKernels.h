@@ -38,7 +38,7 @@ struct SkToFKernels {
     StackedFloatRow phase[2][4];           ///< signed differences to phase shift
     FillRow fillDark;                      ///< confidences that are exactly 0 become fWorst
     StackedRow angle;                      ///< rows of float x and y to phase shift, for any vector
-    bool bRangeRidesAlong;                 ///< kernels keep the value range and the bits in use up to date
+    bool bTracksRange;                     ///< kernels keep the value range and the bits in use up to date
 
     StackedRow intensity[2][4];
     StackedRow amplitude[2][4]; ///< from two taps

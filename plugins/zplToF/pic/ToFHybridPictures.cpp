@@ -1,6 +1,8 @@
-#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/ToFHybridPictures.h"
 
+#include "plugins/zplToF/pic/ToFPhaseStack.h"
 #include "plugins/zplToF/pic/ToFPicGuard.h"
+#include "plugins/zplToF/pic/ToFPictureKinds.h"
 #include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCore/ToFVocabulary.h"
@@ -27,7 +29,7 @@ int unsignedIndex(EkImageDataType dataType) {
     }
 }
 
-/// Bits that a narrowing conversion drops: what the samples use beyond the result's bits.
+/// Low bits that a narrowing conversion drops: those the samples use beyond the result's bits.
 int narrowingShift(const SkPicBuf& source, const SkPicBuf& result) {
     if (source.dataType != EkImageDataType::UInt32 || result.dataType == EkImageDataType::UInt32) {
         return 0;
@@ -57,52 +59,32 @@ bool processWindows(const SkPicBuf& source, SkPicBuf& result,
     return true;
 }
 
-/// Largest sample that counts as unsaturated plus one. Pictures that claim 64 bits or more are taken as 64.
+/// The smallest sample that counts as saturated. Bit depths above 64 are taken as 64.
 quint16 saturationThreshold(quint32 bitsPerChannel) {
     const quint64 largest = bitsPerChannel >= 64 ? ~quint64(0) : (quint64(1) << bitsPerChannel) - 1;
     return quint16(quint64(double(largest) * kSaturationShare));
 }
 
-bool isFloatPicture(const SkPicBuf& picture, quint32 channels) {
-    return picture.dataType == EkImageDataType::Float32 && picture.channels == channels &&
-           ToFPicGuard::isUsable(picture);
-}
-
-/// Stores the largest depth found over all rows; below 0 there was none.
-template <class Row>
-bool storeLargest(quint32 rows, float& maximum, const Row& largestOfRow) {
-    float largest = -1.0F;
-    for (quint32 y = 0; y < rows; ++y) {
-        largest = largestOfRow(y, largest);
-    }
-    if (largest < 0.0F) {
-        return false;
-    }
-    maximum = largest;
-    return true;
-}
-
 } // namespace
 
-bool CkToFPicAPI::rawHybridToIntensity(const SkPicBuf& source, SkPicBuf& result) {
-    return isRawToFHybridPic(source, nullptr) &&
+bool ToFHybridPictures::intensity(const SkPicBuf& source, SkPicBuf& result) {
+    return ToFPictureKinds::isHybrid(source) &&
            processWindows(source, result, ToFKernelChoice::active().hybridIntensity);
 }
 
-bool CkToFPicAPI::rawHybridToAmplitude(const SkPicBuf& source, SkPicBuf& result) {
-    return isRawToFHybridPic(source, nullptr) &&
+bool ToFHybridPictures::amplitude(const SkPicBuf& source, SkPicBuf& result) {
+    return ToFPictureKinds::isHybrid(source) &&
            processWindows(source, result, ToFKernelChoice::active().hybridAmplitude);
 }
 
-bool CkToFPicAPI::rawHybridToDepth_Confidence(const SkPicBuf& source, SkPicBuf& result,
-                                              float fPulseDurationS) {
+bool ToFHybridPictures::depthAndConfidence(const SkPicBuf& source, SkPicBuf& result, float pulseDurationS) {
     const int index = unsignedIndex(source.dataType);
-    if (index < 0 || !isRawToFHybridPic(source, nullptr) ||
+    if (index < 0 || !ToFPictureKinds::isHybrid(source) ||
         !ToFPicGuard::isPair(source, result, EkImageDataType::Float32, 2) || result.height > source.height) {
         return false;
     }
     const double range =
-        fPulseDurationS > 0.0F ? double(fPulseDurationS) * kSpeedOfLight * 0.5 : kDefaultDepthRange;
+        pulseDurationS > 0.0F ? double(pulseDurationS) * kSpeedOfLight * 0.5 : kDefaultDepthRange;
     const SkToFKernels::DepthRow kernel = ToFKernelChoice::active().hybridDepth[index];
     for (quint32 y = 0; y < result.height; ++y) {
         kernel(source.row(y), result.row(y), result.width, range);
@@ -110,7 +92,7 @@ bool CkToFPicAPI::rawHybridToDepth_Confidence(const SkPicBuf& source, SkPicBuf& 
     return true;
 }
 
-bool CkToFPicAPI::processHdrFromImageSections(const SkPicBuf& source, SkPicBuf& result) {
+bool ToFHybridPictures::mergeSections(const SkPicBuf& source, SkPicBuf& result) {
     const int sourceIndex = unsignedIndex(source.dataType);
     const int resultIndex = unsignedIndex(result.dataType);
     if (source.channels != 3 || sourceIndex < 0 || sourceIndex > 1 || resultIndex < 1) {
@@ -134,7 +116,7 @@ bool CkToFPicAPI::processHdrFromImageSections(const SkPicBuf& source, SkPicBuf& 
     }
 
     if (result.bitsPerChannel > 8) {
-        if (!kernels.bRangeRidesAlong) {
+        if (!kernels.bTracksRange) {
             CkPicBufAPI::DetectColorBitDepth(result, result.bitsPerChannel, false);
         } else if (used != 0) {
             result.bitsPerChannel = quint32(std::bit_width(used));
@@ -143,7 +125,7 @@ bool CkToFPicAPI::processHdrFromImageSections(const SkPicBuf& source, SkPicBuf& 
     return true;
 }
 
-bool CkToFPicAPI::convertTestImageToHybridTof(const SkPicBuf& source, SkPicBuf& result) {
+bool ToFHybridPictures::interleaveWindows(const SkPicBuf& source, SkPicBuf& result) {
     if (source.channels != 1 || source.colorFilterArray != EkColorFilterArray::None || result.channels != 3) {
         return false;
     }
@@ -155,13 +137,13 @@ bool CkToFPicAPI::convertTestImageToHybridTof(const SkPicBuf& source, SkPicBuf& 
         return true;
     }
     if (!ToFPicGuard::isPair(source, result, source.dataType, 3) ||
-        !ToFPicGuard::holdsStack(source, result, 3)) {
+        !ToFPhaseStack::holds(source, result, 3)) {
         return false;
     }
 
     const SkToFKernels::StackedRow kernel = ToFKernelChoice::active().interleaveThree[index];
     for (quint32 y = 0; y < result.height; ++y) {
-        // The first window stands at the bottom.
+        // Stacked bottom up: X1 is the last sub-image.
         const quint8* const rows[] = {source.row(2 * result.height + y), source.row(result.height + y),
                                       source.row(y)};
         kernel(rows, result.row(y), result.width);
@@ -170,27 +152,4 @@ bool CkToFPicAPI::convertTestImageToHybridTof(const SkPicBuf& source, SkPicBuf& 
         return CkPicBufAPI::ShiftBits(result, -4, false);
     }
     return true;
-}
-
-bool CkToFPicAPI::findMaxDepthClipConfidence(const SkPicBuf& picture, float& fMaximum,
-                                             float fConfidenceLimit) {
-    if (!isFloatPicture(picture, 2)) {
-        return false;
-    }
-    const SkToFKernels::DepthSearchRow kernel = ToFKernelChoice::active().largestDepthOfPairs;
-    return storeLargest(picture.height, fMaximum, [&](quint32 y, float largest) {
-        return kernel(picture.row(y), nullptr, picture.width, fConfidenceLimit, largest);
-    });
-}
-
-bool CkToFPicAPI::findMaxDepthClipConfidence(const SkPicBuf& depth, const SkPicBuf& confidence,
-                                             float& fMaximum, float fConfidenceLimit) {
-    if (!isFloatPicture(depth, 1) || !isFloatPicture(confidence, 1) || depth.width != confidence.width ||
-        depth.height != confidence.height) {
-        return false;
-    }
-    const SkToFKernels::DepthSearchRow kernel = ToFKernelChoice::active().largestDepth;
-    return storeLargest(depth.height, fMaximum, [&](quint32 y, float largest) {
-        return kernel(depth.row(y), confidence.row(y), depth.width, fConfidenceLimit, largest);
-    });
 }

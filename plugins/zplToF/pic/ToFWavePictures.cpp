@@ -1,6 +1,7 @@
-#include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "plugins/zplToF/pic/ToFWavePictures.h"
 
 #include "plugins/zplToF/pic/ToFPicGuard.h"
+#include "plugins/zplToF/pic/ToFPictureKinds.h"
 #include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -8,6 +9,16 @@
 #include <array>
 
 namespace {
+
+using ToFPhaseStack::AngleList;
+
+/// Source, result and arrangement of one operation on stacked phases.
+struct Stack {
+    const SkPicBuf& source;
+    SkPicBuf& result;
+    int phases;
+    const AngleList* angles; ///< may be null
+};
 
 /// Position of a phases count in the kernel tables; -1 when it is not supported.
 int phasesIndex(int phases) {
@@ -25,39 +36,38 @@ int phasesIndex(int phases) {
     }
 }
 
-/// Whether the stack of an unsupported phases count fits; a count below 1 asks for no rows.
-bool fitsAnyway(const SkPicBuf& source, const SkPicBuf& result, int phases) {
-    return phases <= 0 || ToFPicGuard::holdsStack(source, result, quint64(phases));
+/// Whether the stack of an unsupported phases count fits; a count below 1 needs no rows.
+bool fitsUnsupported(const Stack& stack) {
+    return stack.phases <= 0 || ToFPhaseStack::holds(stack.source, stack.result, quint64(stack.phases));
 }
 
-/// Calls row(sourceRows, resultRow) for every row of the result.
+/// Calls row(sourceRows, resultRow) for every row of the result. False when a phase is outside the source.
 template <class Row>
-void forEachRow(const SkPicBuf& source, SkPicBuf& result, int phases, const std::array<quint32, 8>& firstRows,
-                const Row& row) {
-    std::array<const quint8*, 8> sourceRows{};
-    for (quint32 y = 0; y < result.height; ++y) {
-        for (size_t phase = 0; phase < size_t(phases); ++phase) {
-            sourceRows[phase] = source.row(firstRows[phase] + y);
-        }
-        row(sourceRows.data(), result.row(y));
-    }
-}
-
-bool processToInteger(const SkPicBuf& source, SkPicBuf& result, int phases,
-                      const CkToFPicAPI::AngleList* angles, const SkToFKernels::StackedRow (&kernels)[4]) {
-    const int index = phasesIndex(phases);
-    if (index < 0) {
-        return fitsAnyway(source, result, phases);
-    }
+bool forEachRow(const Stack& stack, const Row& row) {
     std::array<quint32, 8> firstRows{};
-    if (!ToFPicGuard::locatePhases(source, result, phases, angles, firstRows)) {
+    if (!ToFPhaseStack::locate(stack.source, stack.result, stack.phases, stack.angles, firstRows)) {
         return false;
     }
-    const SkToFKernels::StackedRow kernel = kernels[index];
-    forEachRow(source, result, phases, firstRows, [&](const quint8* const* sourceRows, quint8* resultRow) {
-        kernel(sourceRows, resultRow, result.width);
-    });
+    std::array<const quint8*, 8> sourceRows{};
+    for (quint32 y = 0; y < stack.result.height; ++y) {
+        for (size_t phase = 0; phase < size_t(stack.phases); ++phase) {
+            sourceRows[phase] = stack.source.row(firstRows[phase] + y);
+        }
+        row(sourceRows.data(), stack.result.row(y));
+    }
     return true;
+}
+
+bool processToInteger(const Stack& stack, const SkToFKernels::StackedRow (&kernels)[4]) {
+    const int index = phasesIndex(stack.phases);
+    if (index < 0) {
+        return fitsUnsupported(stack);
+    }
+    const SkToFKernels::StackedRow kernel = kernels[index];
+    const size_t width = stack.result.width;
+    return forEachRow(stack, [kernel, width](const quint8* const* sourceRows, quint8* resultRow) {
+        kernel(sourceRows, resultRow, width);
+    });
 }
 
 void refreshRange(SkPicBuf& result) {
@@ -68,7 +78,7 @@ void refreshRange(SkPicBuf& result) {
     result.maxValue = maximum;
 }
 
-/// Pixels without signal carry the worst confidence of the frame instead of a perfect one.
+/// Gives pixels without signal the worst confidence of the picture: the kernels leave 0, the best one.
 void fillDarkPixels(SkPicBuf& result, const SkToFKernels& kernels, const SkToFRowStats& stats) {
     if (!stats.bDark || stats.fWorst == 0.0F) {
         return;
@@ -78,30 +88,30 @@ void fillDarkPixels(SkPicBuf& result, const SkToFKernels& kernels, const SkToFRo
     }
 }
 
-bool processToFloat(const SkPicBuf& source, SkPicBuf& result, int phases,
-                    const CkToFPicAPI::AngleList* angles, const SkToFKernels& kernels,
-                    const SkToFKernels::StackedFloatRow (&rowKernels)[4], SkToFRowStats& stats) {
-    const int index = phasesIndex(phases);
+bool processToFloat(const Stack& stack, const SkToFKernels& kernels,
+                    const SkToFKernels::StackedFloatRow (&rowKernels)[4]) {
+    SkPicBuf& result = stack.result;
+    const int index = phasesIndex(stack.phases);
     if (index < 0) {
-        if (!fitsAnyway(source, result, phases)) {
+        if (!fitsUnsupported(stack)) {
             return false;
         }
         refreshRange(result);
         return true;
     }
-    std::array<quint32, 8> firstRows{};
-    if (!ToFPicGuard::locatePhases(source, result, phases, angles, firstRows)) {
-        return false;
-    }
     const SkToFKernels::StackedFloatRow kernel = rowKernels[index];
-    forEachRow(source, result, phases, firstRows, [&](const quint8* const* sourceRows, quint8* resultRow) {
+    SkToFRowStats stats;
+    const bool located = forEachRow(stack, [&](const quint8* const* sourceRows, quint8* resultRow) {
         kernel(sourceRows, resultRow, result.width, stats);
     });
+    if (!located) {
+        return false;
+    }
     if (result.channels == 2) {
         fillDarkPixels(result, kernels, stats);
     }
-    if (kernels.bRangeRidesAlong) {
-        // The worst confidence takes the place of zeros; as long as it is 0 itself, zeros remain.
+    if (kernels.bTracksRange) {
+        // fillDarkPixels has replaced every zero confidence, unless the worst confidence is 0 itself.
         const bool zerosRemain = stats.bDark && stats.fWorst == 0.0F;
         result.minValue = zerosRemain ? std::min(stats.fMinimum, 0.0F) : stats.fMinimum;
         result.maxValue = std::max(stats.fMaximum, stats.fWorst);
@@ -113,7 +123,7 @@ bool processToFloat(const SkPicBuf& source, SkPicBuf& result, int phases,
 
 /// Index of a two-tap source's sample width; -1 for anything else.
 int twoTapIndex(const SkPicBuf& source) {
-    if (!CkToFPicAPI::isRawX2ToFABPic(source, nullptr)) {
+    if (!ToFPictureKinds::isTwoTaps(source, nullptr)) {
         return -1;
     }
     if (source.dataType == EkImageDataType::UInt8) {
@@ -124,7 +134,7 @@ int twoTapIndex(const SkPicBuf& source) {
 
 /// Index of a difference source's sample width; -1 for anything else.
 int differenceIndex(const SkPicBuf& source) {
-    if (!CkToFPicAPI::isRawToFAminBPic(source, nullptr)) {
+    if (!ToFPictureKinds::isDifference(source, nullptr)) {
         return -1;
     }
     return source.dataType == EkImageDataType::Int8 ? 0 : 1;
@@ -132,47 +142,45 @@ int differenceIndex(const SkPicBuf& source) {
 
 } // namespace
 
-bool CkToFPicAPI::rawX2PicToPhaseShift_Confidence(const SkPicBuf& source, SkPicBuf& result, int iPhases,
-                                                  const AngleList* pAngles) {
+bool ToFWavePictures::phaseShiftAndConfidence(const SkPicBuf& source, SkPicBuf& result, int phases,
+                                              const AngleList* angles) {
     const int width = twoTapIndex(source);
     if (width < 0 || !ToFPicGuard::isPair(source, result, EkImageDataType::Float32, 2)) {
         return false;
     }
     const SkToFKernels& kernels = ToFKernelChoice::active();
-    SkToFRowStats stats;
-    return processToFloat(source, result, iPhases, pAngles, kernels, kernels.phaseConfidence[width], stats);
+    return processToFloat({source, result, phases, angles}, kernels, kernels.phaseConfidence[width]);
 }
 
-bool CkToFPicAPI::rawAminBPicToPhaseShift(const SkPicBuf& source, SkPicBuf& result, int iPhases,
-                                          const AngleList* pAngles) {
+bool ToFWavePictures::phaseShiftOfDifference(const SkPicBuf& source, SkPicBuf& result, int phases,
+                                             const AngleList* angles) {
     const int width = differenceIndex(source);
     if (width < 0 || !ToFPicGuard::isPair(source, result, EkImageDataType::Float32, 1)) {
         return false;
     }
     const SkToFKernels& kernels = ToFKernelChoice::active();
-    SkToFRowStats stats;
-    return processToFloat(source, result, iPhases, pAngles, kernels, kernels.phase[width], stats);
+    return processToFloat({source, result, phases, angles}, kernels, kernels.phase[width]);
 }
 
-bool CkToFPicAPI::rawX2PicToIntensity(const SkPicBuf& source, SkPicBuf& result, int iPhases) {
+bool ToFWavePictures::intensity(const SkPicBuf& source, SkPicBuf& result, int phases) {
     const int width = twoTapIndex(source);
     if (width < 0 || !ToFPicGuard::isPair(source, result, source.dataType, 1)) {
         return false;
     }
-    return processToInteger(source, result, iPhases, nullptr, ToFKernelChoice::active().intensity[width]);
+    return processToInteger({source, result, phases, nullptr}, ToFKernelChoice::active().intensity[width]);
 }
 
-bool CkToFPicAPI::rawX2PicToAmplitude(const SkPicBuf& source, SkPicBuf& result, int iPhases,
-                                      const AngleList* pAngles) {
+bool ToFWavePictures::amplitude(const SkPicBuf& source, SkPicBuf& result, int phases,
+                                const AngleList* angles) {
     const int width = twoTapIndex(source);
     if (width < 0 || !ToFPicGuard::isPair(source, result, source.dataType, 1)) {
         return false;
     }
-    return processToInteger(source, result, iPhases, pAngles, ToFKernelChoice::active().amplitude[width]);
+    return processToInteger({source, result, phases, angles}, ToFKernelChoice::active().amplitude[width]);
 }
 
-bool CkToFPicAPI::rawAminBPicToAmplitude(const SkPicBuf& source, SkPicBuf& result, int iPhases,
-                                         const AngleList* pAngles) {
+bool ToFWavePictures::amplitudeOfDifference(const SkPicBuf& source, SkPicBuf& result, int phases,
+                                            const AngleList* angles) {
     const int width = differenceIndex(source);
     if (width < 0) {
         return false;
@@ -181,13 +189,13 @@ bool CkToFPicAPI::rawAminBPicToAmplitude(const SkPicBuf& source, SkPicBuf& resul
     if (!ToFPicGuard::isPair(source, result, resultType, 1)) {
         return false;
     }
-    return processToInteger(source, result, iPhases, pAngles,
+    return processToInteger({source, result, phases, angles},
                             ToFKernelChoice::active().amplitudeOfDifference[width]);
 }
 
-bool CkToFPicAPI::rawX2PicToRawAminB(const SkPicBuf& source, SkPicBuf& result) {
-    // A picture that was converted before is left alone; other layouts are converted when their types fit.
-    if (!isRawX2ToFABPic(source, nullptr) && isRawToFAminBPic(result, nullptr) &&
+bool ToFWavePictures::difference(const SkPicBuf& source, SkPicBuf& result) {
+    // A repeated conversion is refused; other layouts are converted when their types fit.
+    if (!ToFPictureKinds::isTwoTaps(source, nullptr) && ToFPictureKinds::isDifference(result, nullptr) &&
         source.width == result.width && source.height == result.height) {
         return false;
     }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "zuCore/SkPicBuf.h"
+
+/// Search for the largest trusted depth: of the pixels whose confidence lies in (0, limit].
+/// Stateless; any thread. False, and the maximum unchanged, when no pixel is trusted.
+namespace ToFDepthSearch {
+
+/// Depth is channel 0, confidence channel 1.
+bool largestTrusted(const SkPicBuf& picture, float& maximum, float confidenceLimit);
+/// Depth and confidence as two pictures of equal size.
+bool largestTrusted(const SkPicBuf& depth, const SkPicBuf& confidence, float& maximum, float confidenceLimit);
+
+} // namespace ToFDepthSearch
