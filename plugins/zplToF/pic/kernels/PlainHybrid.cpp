@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr double confidenceLimit = 0.9;
-constexpr qint64 nearlyEqual = 2;
+constexpr double kConfidenceLimit = 0.9;
+constexpr qint64 kNearlyEqual = 2;
 
 /// The three windows of a pixel. 32-bit samples count as signed; 64 bits hold every sum and product.
 struct Windows {
@@ -44,14 +44,14 @@ struct DepthConfidence {
     float confidence = 0.0F;
 };
 
-/// (0, 0) for a pixel that cannot be measured.
+/// (0, 0) for a pixel without a valid measurement.
 DepthConfidence measuredDepth(const Windows& windows, double range) {
     const auto [a, b, c] = windows;
-    if (-nearlyEqual <= a - b && a - b <= nearlyEqual && std::max(a, b) < c) {
+    if (-kNearlyEqual <= a - b && a - b <= kNearlyEqual && std::max(a, b) < c) {
         return {};
     }
 
-    // The pulse returns in windows 1 and 2 or in windows 2 and 3; the remaining one measures ambient light.
+    // The pulse returns in windows 1 and 2 or in windows 2 and 3; the third one measures ambient light.
     const bool near = a > c;
     const qint64 first = near ? a : b;
     const qint64 second = near ? b : c;
@@ -65,7 +65,7 @@ DepthConfidence measuredDepth(const Windows& windows, double range) {
     }
 
     const double confidence = double(sum * ambient) / double(2 * first * second);
-    if (confidence > confidenceLimit) {
+    if (confidence > kConfidenceLimit) {
         return {};
     }
     return {float(double(second - ambient) * range / double(reflected) + offset), float(confidence)};
@@ -80,7 +80,7 @@ void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double 
     }
 }
 
-/// Takes the most sensitive section that is not saturated and scales it like the last one.
+/// Takes the most sensitive unsaturated section and scales it to the sensitivity of the last one.
 template <typename T, typename R>
 void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
                       quint8* result, size_t pixels, quint32&) {

@@ -4,14 +4,14 @@
 
 #include <cstring>
 
-/// The portable loops: the definition of every result, readable before fast.
+/// The portable loops. They define every result and favour readability over speed.
 SkToFKernels plainKernels();
 
-// Each file of plain loops enters its own part.
+// Each file of plain loops fills in its own entries.
 void addPlainWaveKernels(SkToFKernels& kernels);
 void addPlainHybridKernels(SkToFKernels& kernels);
 
-// Rows may start at any address, so samples are copied rather than dereferenced.
+// Rows may be unaligned: samples are copied, not dereferenced.
 
 template <typename T>
 inline T sampleAt(const quint8* row, size_t index) {

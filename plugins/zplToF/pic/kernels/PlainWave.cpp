@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr float twoPi = 6.2831855F;
-constexpr float halfRootOfTwo = 0.70710677F;
-constexpr float onePlusRootOfTwo = 2.4142137F;
+constexpr float kTwoPi = 6.2831855F;
+constexpr float kHalfRootOfTwo = 0.70710677F;
+constexpr float kOnePlusRootOfTwo = 2.4142137F;
 
 /// Two interleaved taps A and B.
 template <typename T>
@@ -50,13 +50,13 @@ auto lightVector(const quint8* const* rows, size_t pixel) {
     } else {
         const int p = d(1) - d(5);
         const int q = d(3) - d(7);
-        return FloatVector{float(d(0) - d(4)) + float(p - q) * halfRootOfTwo,
-                           float(d(2) - d(6)) + float(p + q) * halfRootOfTwo};
+        return FloatVector{float(d(0) - d(4)) + float(p - q) * kHalfRootOfTwo,
+                           float(d(2) - d(6)) + float(p + q) * kHalfRootOfTwo};
     }
 }
 
 float wrapped(float angle) {
-    return angle < 0.0F ? angle + twoPi : angle;
+    return angle < 0.0F ? angle + kTwoPi : angle;
 }
 
 template <class Vector>
@@ -64,7 +64,7 @@ float phaseShift(Vector light) {
     return wrapped(std::atan2(float(light.y), float(light.x)));
 }
 
-/// Length of the vector divided by the phases, towards zero.
+/// Length of the vector divided by the number of phases, rounded towards zero.
 template <int phases>
 quint32 scaledLength(IntegerVector light) {
     return quint32(std::sqrt(double(light.x * light.x + light.y * light.y)) * (1.0 / phases));
@@ -106,11 +106,11 @@ float confidenceOf(quint32 sum, quint32 amplitude) {
     } else if constexpr (phases == 4) {
         return float(std::sqrt(double(sum >> 3))) / float(2 * amplitude);
     } else {
-        return std::sqrt(float(sum >> 4) * onePlusRootOfTwo) / float(4 * amplitude);
+        return std::sqrt(float(sum >> 4) * kOnePlusRootOfTwo) / float(4 * amplitude);
     }
 }
 
-/// A single phase has no angle: its magnitude is passed through.
+/// A single phase has no angle: its magnitude is the result.
 template <class Source, int phases>
 float phaseValue(const quint8* const* rows, size_t pixel) {
     if constexpr (phases == 1) {

@@ -17,19 +17,19 @@ namespace HWY_NAMESPACE {
 using VU16 = hn::Vec<hn::ScalableTag<uint16_t>>;
 using VU8 = hn::Vec<hn::ScalableTag<uint8_t>>;
 
-/// Sums of neighbouring products.
+/// Sums of the products of lanes 2 i and 2 i + 1.
 HWY_INLINE VI pairProducts(VS16 a, VS16 b) {
     VI unused = hn::Zero(DI());
     return hn::ReorderWidenMulAccumulate(DI(), a, b, hn::Zero(DI()), unused);
 }
 
-/// Both vectors as one of the lower halves of their lanes, in order.
+/// Stores the lower halves of all lanes, first before second.
 HWY_INLINE void storeWords(VI first, VI second, uint8_t* result) {
     const hn::ScalableTag<uint16_t> d;
     storeBytes(d, hn::ConcatEven(d, hn::BitCast(d, second), hn::BitCast(d, first)), result);
 }
 
-/// The first, third, ... eight bytes of a vector ahead of the others.
+/// Moves the even groups of eight bytes in front of the odd ones.
 HWY_INLINE VU8 evenEightsFirst(VU8 eights) {
     if constexpr (hn::MaxLanes(hn::ScalableTag<uint8_t>()) == 16) {
         return eights;
@@ -46,14 +46,15 @@ HWY_INLINE VU8 evenEightsFirst(VU8 eights) {
     }
 }
 
-/// Both vectors as one of the lower halves of their lanes, in order: values of 15 bits at most.
+/// storeWords for values of 15 bits at most.
 HWY_INLINE void storeSmallWords(VI first, VI second, uint8_t* result) {
     const hn::ScalableTag<uint8_t> d;
     storeBytes(d, evenEightsFirst(hn::BitCast(d, hn::ReorderDemote2To(DS16(), first, second))), result);
 }
 
-/// Integer part of the root of an integer, without the care that a conversion takes of large values. Exact up
-/// to 24 bits: the float nearest to the root is an integer only if the root is.
+/// Square root of an integer of up to 24 bits, rounded down. Exact: the float nearest to the root is an
+/// integer only if the root is. Uses the bare conversion instruction: hn::ConvertTo adds a range check for
+/// large values.
 HWY_INLINE VI integerRoot(VI square) {
     const VF root = hn::Sqrt(hn::ConvertTo(DF(), square));
 #if HWY_TARGET == HWY_SSE4
@@ -67,22 +68,22 @@ HWY_INLINE VI integerRoot(VI square) {
 #endif
 }
 
-/// The lower halves of the lanes of both vectors, in turn.
-HWY_INLINE VU16 lowHalvesInTurn(VI first, VI second) {
+/// Interleaves the lower halves of the lanes of both vectors.
+HWY_INLINE VU16 interleaveLowHalves(VI first, VI second) {
     const hn::ScalableTag<uint16_t> d;
     return hn::OddEven(hn::BitCast(d, hn::ShiftLeft<16>(second)), hn::BitCast(d, first));
 }
-/// The upper halves.
-HWY_INLINE VU16 highHalvesInTurn(VI first, VI second) {
+/// Interleaves the upper halves of the lanes of both vectors.
+HWY_INLINE VU16 interleaveHighHalves(VI first, VI second) {
     const hn::ScalableTag<uint16_t> d;
     return hn::OddEven(hn::BitCast(d, second), hn::BitCast(d, hn::ShiftRight<16>(first)));
 }
 
-/// Amplitudes of 8-bit samples of two or four phases. One half of a block has its roots from the divider of
-/// the processor, the other from an estimate: the divider alone would be waited for.
+/// Amplitudes of 8-bit samples of two or four phases. Half of each block takes its square roots from the
+/// divide and square-root unit, the other half from an estimate: using that unit alone would stall on it.
 ///
-/// The light vector is raised so that its square holds the square of the amplitude from bit 16 on. Dropping
-/// the fraction of that does not change the integer root.
+/// The light vector is scaled up so that its square holds the square of the amplitude from bit 16 upwards.
+/// Dropping the bits below does not change the integer root.
 template <class Source, int phases>
 struct NarrowAmplitudeBlock {
     static constexpr size_t kLanes = hn::MaxLanes(DS16());
@@ -91,26 +92,27 @@ struct NarrowAmplitudeBlock {
     static constexpr size_t kSourceBytes = Source::kBytes;
     static constexpr size_t kResultBytes = 1;
 
-    /// Of the pixels of a full vector of samples: every second four of them, and those between.
+    /// Scaled squares of the pixels of one vector of samples, split as InterleaveLower and InterleaveUpper
+    /// do.
     struct Squares {
         VI low;
         VI high;
     };
-    struct Begun {
+    struct Partial {
         Squares first;
         Squares second;
     };
 
-    HWY_INLINE Begun begin(BlockRows rows) const {
-        return {raisedSquares(rows), raisedSquares(rows.from(kLanes * kSourceBytes))};
+    HWY_INLINE Partial begin(BlockRows rows) const {
+        return {scaledSquares(rows), scaledSquares(rows.from(kLanes * kSourceBytes))};
     }
 
-    HWY_INLINE void finish(const Begun& begun, uint8_t* result) const {
+    HWY_INLINE void finish(const Partial& partial, uint8_t* result) const {
         const hn::ScalableTag<uint16_t> d16;
         const hn::ScalableTag<uint8_t> d8;
-        // The roots are 256 times the amplitude: it is their upper byte.
+        // The roots are 256 times the amplitude, so the amplitude is their upper byte.
         const VU16 both =
-            hn::Or(estimatedRoots(begun.first), hn::AndNot(hn::Set(d16, 0xFF), raisedRoots(begun.second)));
+            hn::Or(estimatedRoots(partial.first), hn::AndNot(hn::Set(d16, 0xFF), exactRoots(partial.second)));
         alignas(16) static constexpr uint8_t order[16] = {0, 4, 8, 12, 2, 6, 10, 14,
                                                           1, 5, 9, 13, 3, 7, 11, 15};
         const auto eights = hn::TableLookupBytes(hn::BitCast(d8, both), hn::LoadDup128(d8, order));
@@ -118,12 +120,12 @@ struct NarrowAmplitudeBlock {
     }
 
 private:
-    static HWY_INLINE Squares raisedSquares(BlockRows rows) {
-        VS16 x = Source::raisedDifference(rows[0]);
-        VS16 y = Source::raisedDifference(rows[1]);
+    static HWY_INLINE Squares scaledSquares(BlockRows rows) {
+        VS16 x = Source::scaledDifference(rows[0]);
+        VS16 y = Source::scaledDifference(rows[1]);
         if constexpr (phases == 4) {
-            x = hn::Sub(x, Source::raisedDifference(rows[2]));
-            y = hn::Sub(y, Source::raisedDifference(rows[3]));
+            x = hn::Sub(x, Source::scaledDifference(rows[2]));
+            y = hn::Sub(y, Source::scaledDifference(rows[3]));
         } else {
             x = hn::Add(x, x);
             y = hn::Add(y, y);
@@ -134,29 +136,29 @@ private:
     }
 
     static HWY_INLINE VU16 estimatedRoots(const Squares& squares) {
-        const auto nearest = [](VI raised) HWY_ATTR {
-            const VF value = hn::ConvertTo(DF(), raised);
-            // 1.5 * 2^31: the last bit counts 256, so the low bits are the amplitude. For 0 the estimate is
-            // infinite and the product not a number, whose low bits are 0.
+        const auto nearest = [](VI square) HWY_ATTR {
+            const VF value = hn::ConvertTo(DF(), square);
+            // 1.5 * 2^31: one unit in the last place is 256, so the low bits are the amplitude. For 0 the
+            // estimate is infinite and the product NaN, whose low bits are 0.
             return hn::BitCast(
                 DI(), hn::MulAdd(value, hn::ApproximateReciprocalSqrt(value), hn::Set(DF(), 3221225472.0F)));
         };
         const hn::ScalableTag<uint16_t> d;
-        // The estimate of 11 bits is less than 0.1 off, so its nearest integer is the root or one more.
-        const VU16 integer = lowHalvesInTurn(nearest(squares.low), nearest(squares.high));
-        const VS16 square = hn::BitCast(DS16(), highHalvesInTurn(squares.low, squares.high));
+        // The 11-bit estimate is off by less than 0.1, so its nearest integer is the root or one more.
+        const VU16 integer = interleaveLowHalves(nearest(squares.low), nearest(squares.high));
+        const VS16 square = hn::BitCast(DS16(), interleaveHighHalves(squares.low, squares.high));
         const auto above = hn::Gt(hn::BitCast(DS16(), hn::Mul(integer, integer)), square);
         return hn::Add(integer, hn::BitCast(d, hn::VecFromMask(DS16(), above)));
     }
 
-    /// The squares have 20 bits and zeros behind them, so they are exact as floats. A root just below a whole
-    /// amplitude is a millionth of itself below it, and floats are finer.
-    static HWY_INLINE VU16 raisedRoots(const Squares& squares) {
-        return lowHalvesInTurn(integerRoot(squares.low), integerRoot(squares.high));
+    /// The squares have 20 significant bits, so they are exact as floats. A root that is just below a whole
+    /// amplitude falls short of it by a millionth of itself, which floats resolve.
+    static HWY_INLINE VU16 exactRoots(const Squares& squares) {
+        return interleaveLowHalves(integerRoot(squares.low), integerRoot(squares.high));
     }
 };
 
-/// Amplitudes of 16-bit samples of two or four phases, quickest for samples of 12 bits.
+/// Amplitudes of 16-bit samples of two or four phases, fastest for 12-bit samples.
 template <class Source, int phases>
 struct WordAmplitudeBlock {
     static constexpr size_t kPixels = 2 * kFloats;
@@ -164,40 +166,40 @@ struct WordAmplitudeBlock {
     static constexpr size_t kSourceBytes = Source::kBytes;
     static constexpr size_t kResultBytes = 2;
 
-    struct Begun {
+    struct Partial {
         VI first;
         VI second;
-        bool areSquares; ///< of the amplitudes, without their fraction
+        bool areSquares; ///< squares of the amplitudes, rounded down, instead of the amplitudes
     };
 
-    HWY_INLINE Begun begin(BlockRows rows) const {
-        const BlockRows behind = rows.from(kFloats * kSourceBytes);
+    HWY_INLINE Partial begin(BlockRows rows) const {
+        const BlockRows next = rows.from(kFloats * kSourceBytes);
         const VS16 bits = magnitudes(rows);
         if (HWY_LIKELY(fit<12>(bits))) {
             return {hn::ShiftRight<kSquareShift>(lightSquares(rows)),
-                    hn::ShiftRight<kSquareShift>(lightSquares(behind)), true};
+                    hn::ShiftRight<kSquareShift>(lightSquares(next)), true};
         }
         if (fit<14>(bits)) {
-            return {lengthOf(lightSquares(rows)), lengthOf(lightSquares(behind)), false};
+            return {lengthOf(lightSquares(rows)), lengthOf(lightSquares(next)), false};
         }
-        return {amplitudeOf<0>(Axes<Source, phases>(rows)), amplitudeOf<0>(Axes<Source, phases>(behind)),
+        return {amplitudeOf<0>(Axes<Source, phases>(rows)), amplitudeOf<0>(Axes<Source, phases>(next)),
                 false};
     }
 
-    HWY_INLINE void finish(const Begun& begun, uint8_t* result) const {
+    HWY_INLINE void finish(const Partial& partial, uint8_t* result) const {
         // Squares of 12-bit samples have 23 bits.
-        if (HWY_LIKELY(begun.areSquares)) {
-            storeSmallWords(integerRoot(begun.first), integerRoot(begun.second), result);
+        if (HWY_LIKELY(partial.areSquares)) {
+            storeSmallWords(integerRoot(partial.first), integerRoot(partial.second), result);
         } else {
-            storeWords(begun.first, begun.second, result);
+            storeWords(partial.first, partial.second, result);
         }
     }
 
 private:
-    /// Of the divisor that makes a length of the light vector an amplitude.
+    /// log2 of the divisor that turns the squared length of the light vector into a squared amplitude.
     static constexpr int kSquareShift = phases == 4 ? 4 : 2;
 
-    /// All bits that the magnitudes of the block's samples have.
+    /// Bitwise or of the magnitudes of all samples of the block.
     static HWY_INLINE VS16 magnitudes(BlockRows rows) {
         VS16 bits = Source::magnitude(rows[0]);
         constexpr size_t vectors = kPixels * kSourceBytes / hn::MaxLanes(DS16()) / 2;
@@ -214,7 +216,7 @@ private:
         return hn::AllTrue(DS16(), hn::Eq(above, hn::Zero(DS16())));
     }
 
-    /// Of samples of 14 bits at most: the parts of the light vector fit into 16 bits then.
+    /// For samples of 14 bits at most, where the components of the light vector fit into 16 bits.
     static HWY_INLINE VI lightSquares(BlockRows rows) {
         VI x;
         VI y;
@@ -225,13 +227,13 @@ private:
             x = Source::smallDifference(rows[0]);
             y = Source::smallDifference(rows[1]);
         }
-        const VS16 pairs = hn::BitCast(DS16(), lowHalvesInTurn(x, y));
+        const VS16 pairs = hn::BitCast(DS16(), interleaveLowHalves(x, y));
         return pairProducts(pairs, pairs);
     }
 
     static HWY_INLINE VI lengthOf(VI squares) {
         const VF root = hn::Sqrt(hn::ConvertTo(DF(), squares));
-        // Less than 0.01 off, so the nearest integer is the result or one more.
+        // Off by less than 0.01, so the nearest integer is the result or one more.
         const VI integer = roundedProduct(root, hn::Set(DF(), 1.0F / phases));
         const VS16 words = hn::BitCast(DS16(), integer);
         const auto above = hn::Gt(pairProducts(words, words), hn::ShiftRight<kSquareShift>(squares));
@@ -239,8 +241,8 @@ private:
     }
 };
 
-/// Amplitudes of one phase and of eight. They never exceed the range of the samples they come from, so
-/// nothing is cut off.
+/// Amplitudes of one or eight phases. They never exceed the range of their samples, so demoting loses
+/// nothing.
 template <class Source, int phases>
 struct AmplitudeBlock {
     static constexpr size_t kPixels = 2 * kFloats;
@@ -258,8 +260,8 @@ struct AmplitudeBlock {
             storeBytes(d, hn::DemoteTo(d, amplitudeOf<0>(axes)), result);
             storeBytes(d, hn::DemoteTo(d, amplitudeOf<1>(axes)), result + kFloats);
         } else {
-            const Axes<Source, phases> behind(rows.from(kFloats * kSourceBytes));
-            storeWords(amplitudeOf<0>(axes), amplitudeOf<0>(behind), result);
+            const Axes<Source, phases> next(rows.from(kFloats * kSourceBytes));
+            storeWords(amplitudeOf<0>(axes), amplitudeOf<0>(next), result);
         }
     }
 };

@@ -32,8 +32,8 @@ struct WindowBlock {
         const auto x3 = windows.template samplesOf<2>();
         const auto low = hn::Min(x1, x3);
         if constexpr (wantAmplitude) {
-            // x2 + high - 2 low without wider lanes: what x2 has above low is added to high - low and wraps,
-            // what it lacks is taken away down to 0.
+            // x2 + high - 2 low without wider lanes: the excess of x2 over low is added to high - low and may
+            // wrap; a deficit is subtracted with saturation at 0.
             const auto x2 = windows.template samplesOf<1>();
             const auto span = hn::Sub(hn::Max(x1, x3), low);
             return hn::Add(hn::SaturatedSub(span, hn::SaturatedSub(low, x2)), hn::SaturatedSub(x2, low));
@@ -49,8 +49,8 @@ void windowRow(const quint8* source, quint8* result, size_t pixels, int) {
     forEachBlock(&source, result, pixels, block);
 }
 
-/// Windows of 32 bits, which are signed. The amplitude needs up to 34 bits: its low 32 come from sums that
-/// wrap, and bit 32 from their carry. Wider vectors would need more shuffles a pixel to part the windows.
+/// Windows of 32 bits, which are signed. The amplitude needs up to 34 bits: its low 32 come from wrapping
+/// sums, and bit 32 from their carry. Wider vectors would need more shuffles per pixel to deinterleave.
 template <typename R, bool wantAmplitude>
 struct WideWindowBlock {
     using D = TripleTag<int32_t>;
@@ -71,7 +71,7 @@ struct WideWindowBlock {
         if constexpr (wantAmplitude) {
             store(amplitude(low, x2, hn::Max(x1, x3)), result);
         } else {
-            // More than 31 places leave nothing but the sign, as 31 do.
+            // A shift by more than 31 leaves only the sign, as one by 31 does.
             store(hn::BitCast(UnsignedD(), shift == 0 ? low : hn::ShiftRightSame(low, std::min(shift, 31))),
                   result);
         }
@@ -80,7 +80,8 @@ struct WideWindowBlock {
 private:
     HWY_INLINE UnsignedV amplitude(V low, V x2, V high) const {
         const UnsignedD d;
-        // What window 2 has above low, or lacks down to 0, of the span between the others.
+        // The excess of window 2 over low is added to the span of the others; a deficit is subtracted, down
+        // to 0.
         const UnsignedV larger = hn::BitCast(d, hn::Max(x2, low));
         const UnsignedV span = hn::Sub(hn::BitCast(d, high), hn::BitCast(d, low));
         const UnsignedV rest = hn::Sub(span, hn::Min(span, hn::Sub(larger, hn::BitCast(d, x2))));
@@ -94,12 +95,12 @@ private:
         return hn::Or(shift > 31 ? hn::Zero(d) : hn::ShiftRightSame(remaining, shift), carry);
     }
 
-    /// The low bits of every lane.
+    /// Stores the low bits of every lane.
     static HWY_INLINE void store(UnsignedV values, uint8_t* result) {
         if constexpr (sizeof(R) == 4) {
             storeBytes(UnsignedD(), values, result);
         } else {
-            // Demoting saturates, so what is cut off is cleared first.
+            // DemoteTo saturates, so the high bits are cleared first.
             const hn::Rebind<R, D> narrow;
             const UnsignedV kept = hn::And(values, hn::Set(UnsignedD(), uint32_t(hwy::LimitsMax<R>())));
             storeBytes(narrow, hn::DemoteTo(narrow, hn::BitCast(D(), kept)), result);
@@ -121,7 +122,7 @@ struct Quotients {
 
 using HalfI = hn::Vec<hn::Rebind<int32_t, DD>>;
 
-/// 16-bit samples, their sums and products are exact in double precision; far is all bits or none.
+/// Exact up to the divisions: 16-bit samples, their sums and products fit into a double. far is a lane mask.
 HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI ambientSamples, HalfI far,
                                double range) {
     const DD d;
@@ -132,7 +133,7 @@ HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI am
     const VD sum = hn::Add(first, second);
     const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
     const VD confidence = hn::Div(hn::Mul(sum, ambient), hn::Mul(hn::Add(first, first), second));
-    // Masked, not multiplied: a range may be infinite, and 0 times infinity is no offset of 0.
+    // Masked, not multiplied: the range may be infinite, and 0 * infinity is NaN.
     const hn::Rebind<int64_t, DD> d64;
     const VD offset = hn::And(hn::BitCast(d, hn::PromoteTo(d64, far)), hn::Set(d, range));
     const VD depth =
@@ -151,15 +152,15 @@ struct HybridDepthBlock {
 
     double range;
 
-    struct Begun {
+    struct Partial {
         VI first;
         VI second;
         VI ambient;
-        VI far;   ///< all bits or none
-        VI valid; ///< all bits or none
+        VI far;   ///< lane mask
+        VI valid; ///< lane mask
     };
 
-    HWY_INLINE Begun begin(BlockRows rows) const {
+    HWY_INLINE Partial begin(BlockRows rows) const {
         const DI di;
         const hn::Rebind<T, DF> dt;
         hn::Vec<hn::Rebind<T, DF>> x1, x2, x3;
@@ -187,16 +188,16 @@ struct HybridDepthBlock {
                 hn::VecFromMask(di, hn::AndNot(undecided, measurable))};
     }
 
-    HWY_INLINE void finish(const Begun& begun, uint8_t* result) const {
+    HWY_INLINE void finish(const Partial& partial, uint8_t* result) const {
         const DF df;
         const hn::Half<DI> dh;
         const Quotients low =
-            quotients(hn::LowerHalf(dh, begun.first), hn::LowerHalf(dh, begun.second),
-                      hn::LowerHalf(dh, begun.ambient), hn::LowerHalf(dh, begun.far), range);
+            quotients(hn::LowerHalf(dh, partial.first), hn::LowerHalf(dh, partial.second),
+                      hn::LowerHalf(dh, partial.ambient), hn::LowerHalf(dh, partial.far), range);
         const Quotients high =
-            quotients(hn::UpperHalf(dh, begun.first), hn::UpperHalf(dh, begun.second),
-                      hn::UpperHalf(dh, begun.ambient), hn::UpperHalf(dh, begun.far), range);
-        const auto valid = hn::RebindMask(df, hn::MaskFromVec(begun.valid));
+            quotients(hn::UpperHalf(dh, partial.first), hn::UpperHalf(dh, partial.second),
+                      hn::UpperHalf(dh, partial.ambient), hn::UpperHalf(dh, partial.far), range);
+        const auto valid = hn::RebindMask(df, hn::MaskFromVec(partial.valid));
         const VF depth = hn::IfThenElseZero(valid, hn::Combine(df, high.depth, low.depth));
         const VF confidence = hn::IfThenElseZero(valid, hn::Combine(df, high.confidence, low.confidence));
         hn::StoreInterleaved2(depth, confidence, df, reinterpret_cast<float*>(result));
@@ -208,8 +209,8 @@ void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double 
     forEachBlockInTwoSteps(&source, result, pixels, HybridDepthBlock<T>{range});
 }
 
-/// Windows of 32 bits, which are signed. Doubles hold them and their sums exactly, and round a product once,
-/// as the conversion of the whole product does.
+/// Windows of 32 bits, which are signed. Doubles hold them and their sums exactly. They round a product once,
+/// like the plain loop, which converts the exact integer product.
 struct WideHybridDepthBlock {
     static constexpr size_t kPixels = hn::MaxLanes(DD());
     static constexpr size_t kRows = 1;
@@ -234,7 +235,8 @@ struct WideHybridDepthBlock {
         const VD sum = hn::Add(first, second);
         const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
         const VD aboveAmbient = hn::Sub(second, ambient);
-        // A whole number has no negative zero, a product of 0 with a negative ambient light has: 0 is added.
+        // 0 times negative ambient light is -0 here, but 0 for the integers of the plain loop: adding 0
+        // clears the sign.
         const VD zero = hn::Zero(d);
         const VD confidence =
             hn::Div(hn::Add(hn::Mul(sum, ambient), zero), hn::Mul(hn::Add(first, first), second));
@@ -258,7 +260,7 @@ void wideHybridDepthRow(const quint8* source, quint8* result, size_t pixels, dou
     forEachBlock(&source, result, pixels, block);
 }
 
-/// Largest depth of the lanes whose confidence can be trusted.
+/// Running maximum per lane of the depths with a trusted confidence.
 struct LargestDepth {
     VF largest;
     VF limit;
@@ -293,8 +295,8 @@ struct LargestDepthOfPairsBlock : LargestDepth {
     }
 };
 
-/// Of zeros of both signs the first one counts, and the lanes do not know which came first. A maximum of 0 is
-/// replaced by nothing but larger depths, so this happens once in a picture at most.
+/// The first zero found decides the sign of a zero maximum, but lanes do not know which one came first. Once
+/// the maximum is 0, only larger depths replace it, so the plain loop repeats at most one row of a picture.
 bool isZeroOfUnknownSign(float largest, float maximum) {
     return largest == 0.0F && maximum < 0.0F;
 }

@@ -11,25 +11,25 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-/// Interleaved taps as whole vectors of lanes twice as wide: A is the low half of each lane. Samples of
-/// type T, sums in lanes of type W.
+/// Interleaved taps of type T, loaded as lanes of the type W of twice the width: A is the low half of each
+/// lane.
 template <typename T, typename W>
 struct TapLanes {
     using Narrow = hn::CappedTag<T, 32 / sizeof(T)>;
     using Wide = hn::CappedTag<W, 32 / sizeof(W)>;
     using V = hn::Vec<Wide>;
-    static constexpr int bits = 8 * sizeof(T);
+    static constexpr int kBits = 8 * sizeof(T);
 
     static HWY_INLINE V sum(const uint8_t* bytes) {
         const V taps = loadBytes(Wide(), bytes);
-        return hn::Add(hn::And(taps, hn::Set(Wide(), W(hwy::LimitsMax<T>()))), hn::ShiftRight<bits>(taps));
+        return hn::Add(hn::And(taps, hn::Set(Wide(), W(hwy::LimitsMax<T>()))), hn::ShiftRight<kBits>(taps));
     }
-    /// Modulo the narrow type in the low half of each lane; the high half is left over.
+    /// The low half of each lane is the difference modulo the narrow type; the high half is unspecified.
     static HWY_INLINE V difference(const uint8_t* bytes) {
         const V taps = loadBytes(Wide(), bytes);
-        return hn::Sub(taps, hn::ShiftRight<bits>(taps));
+        return hn::Sub(taps, hn::ShiftRight<kBits>(taps));
     }
-    /// The low halves of two vectors as one.
+    /// Stores the low halves of all lanes, first before second.
     static HWY_INLINE void storeLowHalves(V first, V second, uint8_t* result) {
         const Narrow d;
         storeBytes(d, hn::ConcatEven(d, hn::BitCast(d, second), hn::BitCast(d, first)), result);
@@ -45,14 +45,14 @@ struct IntensityBlock {
     static constexpr size_t kRows = phases;
     static constexpr size_t kSourceBytes = 2 * sizeof(hn::TFromD<typename Taps::Narrow>);
     static constexpr size_t kResultBytes = kSourceBytes / 2;
-    static constexpr int shift = phases == 1 ? 1 : phases == 2 ? 2 : phases == 4 ? 3 : 4;
+    static constexpr int kShift = phases == 1 ? 1 : phases == 2 ? 2 : phases == 4 ? 3 : 4;
 
     static HWY_INLINE typename Taps::V mean(BlockRows rows) {
         auto sum = Taps::sum(rows[0]);
         for (int phase = 1; phase < phases; ++phase) {
             sum = hn::Add(sum, Taps::sum(rows[phase]));
         }
-        return hn::ShiftRight<shift>(sum);
+        return hn::ShiftRight<kShift>(sum);
     }
     HWY_INLINE void operator()(BlockRows rows, uint8_t* result) const {
         Taps::storeLowHalves(mean(rows), mean(rows.from(kPixels / 2 * kSourceBytes)), result);

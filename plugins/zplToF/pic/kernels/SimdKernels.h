@@ -4,6 +4,6 @@
 
 #include <vector>
 
-/// The vector implementations this processor can run, from the narrowest vectors to the widest; empty on a
-/// processor without any of them.
+/// The vector implementations this processor can run, from the narrowest vectors to the widest; empty when
+/// it supports none.
 std::vector<const SkToFKernels*> simdKernels();

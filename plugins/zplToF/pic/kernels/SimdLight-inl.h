@@ -14,7 +14,7 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
-/// In-phase and quadrature parts of a block as integers; of eight phases also the two diagonals.
+/// In-phase and quadrature components of a block as integers; for eight phases also those of the diagonals.
 template <class Source, int phases>
 struct Axes {
     using V = typename Source::V;
@@ -23,7 +23,7 @@ struct Axes {
     V sumOfDiagonals;
     V differenceOfDiagonals;
 
-    // Written out: an implicit constructor would not be compiled for the instruction set.
+    // Explicit: an implicit constructor would be compiled without the target's instruction set.
     HWY_INLINE explicit Axes(BlockRows rows)
         : x(Source::difference(rows[0])), y(x), sumOfDiagonals(x), differenceOfDiagonals(x) {
         if constexpr (phases == 2) {
@@ -42,8 +42,7 @@ struct Axes {
     }
 };
 
-/// The light vectors of one part of a block. Of two and four phases the integers are kept for an exact
-/// length.
+/// The light vectors of one part of a block. The integers give two and four phases an exact length.
 struct Light {
     VF x;
     VF y;
@@ -59,7 +58,7 @@ HWY_INLINE Light lightVector(const Axes<Source, phases>& axes) {
     light.x = hn::ConvertTo(DF(), light.integerX);
     light.y = hn::ConvertTo(DF(), light.integerY);
     if constexpr (phases == 8) {
-        // Multiplied, then added: a fused operation would round once less than the definition.
+        // Not fused: the definition rounds the product before the addition.
         const VF c = hn::Set(DF(), 0.70710677F);
         const VF alongX = hn::ConvertTo(DF(), lanesOf<part>(axes.differenceOfDiagonals));
         const VF alongY = hn::ConvertTo(DF(), lanesOf<part>(axes.sumOfDiagonals));
@@ -75,7 +74,7 @@ HWY_INLINE VF phaseShift(VF y, VF x) {
     const DF d;
     const VF absX = hn::Abs(x);
     const VF absY = hn::Abs(y);
-    // The divisor is kept above 0 for pixels without signal.
+    // The smallest normal number keeps the divisor above 0 for pixels without signal.
     const VF q = hn::Div(hn::Min(absX, absY), hn::Max(hn::Max(absX, absY), hn::Set(d, 1.17549435e-38F)));
 
     // Minimax polynomial of (atan(q) - q) / q^3 over [0, 1] in s = q^2.
@@ -90,39 +89,39 @@ HWY_INLINE VF phaseShift(VF y, VF x) {
     series = hn::MulAdd(series, s, hn::Set(d, -0.333331525F));
     VF angle = hn::MulAdd(hn::Mul(q, s), series, q);
 
-    // pi / 2 and pi as a float and the rest of it.
+    // pi / 2 and pi are each split into a float and the remainder.
     const VF fromYAxis = hn::Add(hn::Sub(hn::Set(d, 1.57079637F), angle), hn::Set(d, -4.37113883e-8F));
     angle = hn::IfThenElse(hn::Gt(absY, absX), fromYAxis, angle);
     const VF fromNegativeX = hn::Add(hn::Sub(hn::Set(d, 3.14159274F), angle), hn::Set(d, -8.74227766e-8F));
     angle = hn::IfNegativeThenElse(x, fromNegativeX, angle);
-    // -angle + 2 pi is the same sum as 2 pi - angle.
+    // 2 pi - angle rounds like the definition's -angle + 2 pi.
     return hn::IfThenElse(hn::Lt(y, hn::Zero(d)), hn::Sub(hn::Set(d, 6.2831855F), angle), angle);
 }
 
-/// Nearest integer of a value below 2^22, without the care that a conversion takes of large values.
+/// Nearest integer of a value below 2^22, without the range check of hn::ConvertTo.
 HWY_INLINE VI roundedInteger(VF value) {
-    const VF ones = hn::Set(DF(), 12582912.0F); // 1.5 * 2^23: the last bit counts ones
+    const VF ones = hn::Set(DF(), 12582912.0F); // 1.5 * 2^23: one unit in the last place is 1
     return hn::Sub(hn::BitCast(DI(), hn::Add(value, ones)), hn::BitCast(DI(), ones));
 }
 
-/// The same of a product.
+/// roundedInteger of a product.
 HWY_INLINE VI roundedProduct(VF value, VF factor) {
     const VF ones = hn::Set(DF(), 12582912.0F);
     return hn::Sub(hn::BitCast(DI(), hn::MulAdd(value, factor, ones)), hn::BitCast(DI(), ones));
 }
 
-/// Length of the light vector divided by the phases, towards zero, as the plain loop rounds it.
+/// Length of the light vector divided by the number of phases, rounded towards zero like the plain loop.
 template <class Source, int phases>
 HWY_INLINE VI scaledLength(const Light& light) {
     const DF df;
     const DI di;
     if constexpr (phases == 8) {
-        // Not fused, and a true root: every rounding of the definition counts here.
+        // Not fused, and no estimate: each rounding must be that of the definition.
         const VF length = hn::Sqrt(hn::Add(hn::Mul(light.x, light.x), hn::Mul(light.y, light.y)));
         return hn::ConvertTo(di, hn::Mul(length, hn::Set(df, 0.125F)));
     } else {
-        // The length from an estimate of 11 bits and one step of Newton's: quicker than a root. The trifle
-        // that keeps the estimate finite is lost in the rounding of any other sum.
+        // An 11-bit estimate and one Newton step are faster than a square root. The 2^-20 keeps the estimate
+        // of 0 finite and vanishes in the rounding of any other sum.
         constexpr float scale = 1.0F / phases;
         const VF squares =
             hn::MulAdd(light.x, light.x, hn::MulAdd(light.y, light.y, hn::Set(df, 1.0F / (1 << 20))));
@@ -132,12 +131,12 @@ HWY_INLINE VI scaledLength(const Light& light) {
             hn::MulAdd(hn::NegMulAdd(length, length, squares), hn::Mul(reciprocal, hn::Set(df, 0.5F * scale)),
                        hn::Mul(length, hn::Set(df, scale)));
         if constexpr (Source::kParts == 2) {
-            // Of 8-bit samples it is less than 0.00006 off, and 181 at most. Below an integer by more than
-            // 0.00017, or not below it, it is told apart by a shift of half of that.
+            // For 8-bit samples the error is below 0.00006 and the length at most 181. A length that is not
+            // an integer is at least 0.00017 below the next one, so a shift by half of that decides.
             return roundedInteger(hn::Sub(scaled, hn::Set(df, 0.5F - 0.000085F)));
         } else {
-            // Of 16-bit samples it is less than 0.03 off, so the nearest integer is the result or one more.
-            // The remainder is small: its low 32 bits tell its sign, although the squares need 36 bits.
+            // For 16-bit samples the error is below 0.03, so the nearest integer is the result or one more.
+            // The remainder is small: its low 32 bits hold its sign, although the squares need 36 bits.
             constexpr int shift = phases == 4 ? 2 : 1;
             const VI integer = roundedInteger(scaled);
             const VI root = hn::ShiftLeft<shift>(integer);

@@ -26,8 +26,8 @@ using VI = hn::Vec<DI>;
 /// Pixels of a block of floats.
 constexpr size_t kFloats = hn::MaxLanes(DF());
 
-/// Where a block of pixels begins in each of its rows. One offset for all of them: the compiler would make
-/// vectors of an array of pointers, and take them apart again.
+/// Start of a block of pixels in each of its rows. One offset for all rows: an array of advanced pointers
+/// would be computed in vectors and extracted again.
 struct BlockRows {
     const uint8_t* const* rows;
     size_t offset;
@@ -39,8 +39,8 @@ struct BlockRows {
 /// Calls walk(rows, result, last) for a row of at least one block of Block::kPixels pixels, of which the last
 /// may begin at any pixel.
 ///
-/// A row shorter than one block is worked out in a copy whose unused pixels repeat the last one, so that
-/// minimum and maximum are those of the row.
+/// A row shorter than one block is computed in a copy whose unused pixels repeat the last one, which leaves
+/// minimum and maximum unchanged.
 template <class Block, class Walk>
 HWY_INLINE void walkRow(const uint8_t* const* rows, uint8_t* result, size_t pixels, Walk walk) {
     constexpr size_t kPixels = Block::kPixels;
@@ -69,7 +69,8 @@ HWY_INLINE void walkRow(const uint8_t* const* rows, uint8_t* result, size_t pixe
 }
 
 /// Calls block(rows, result) for blocks of Block::kPixels pixels until the row is done. The last block is
-/// moved back so that it ends with the row: its first pixels are worked out twice, with the same values.
+/// moved back to end with the row: the pixels it shares with the block before are computed twice, with the
+/// same result.
 template <class Block>
 HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t pixels, Block& block) {
     walkRow<Block>(
@@ -84,24 +85,24 @@ HWY_INLINE void forEachBlock(const uint8_t* const* rows, uint8_t* result, size_t
         });
 }
 
-/// The same in two steps: block.finish(block.begin(rows), result). A block is begun before the one ahead of
-/// it is finished, which hides the latency of a long chain of operations: the processor looks ahead less far
-/// than such a chain is long.
+/// forEachBlock as a software pipeline: block.finish(block.begin(rows), result), where begin of the next
+/// block runs before finish of the current one. This hides the latency of a dependency chain that is longer
+/// than the out-of-order window of the processor.
 template <class Block>
 HWY_INLINE void forEachBlockInTwoSteps(const uint8_t* const* rows, uint8_t* result, size_t pixels,
                                        const Block& block) {
     walkRow<Block>(rows, result, pixels,
                    [&block](const uint8_t* const* at, uint8_t* target, size_t last) HWY_ATTR {
                        size_t pixel = 0;
-                       auto begun = block.begin(BlockRows{at, 0});
+                       auto partial = block.begin(BlockRows{at, 0});
                        while (pixel < last) {
                            const size_t next = std::min(pixel + Block::kPixels, last);
                            const auto following = block.begin(BlockRows{at, next * Block::kSourceBytes});
-                           block.finish(begun, target + pixel * Block::kResultBytes);
-                           begun = following;
+                           block.finish(partial, target + pixel * Block::kResultBytes);
+                           partial = following;
                            pixel = next;
                        }
-                       block.finish(begun, target + pixel * Block::kResultBytes);
+                       block.finish(partial, target + pixel * Block::kResultBytes);
                    });
 }
 
@@ -121,7 +122,7 @@ HWY_INLINE void storeBytes(D d, hn::Vec<D> values, uint8_t* bytes) {
 using DS16 = hn::ScalableTag<int16_t>;
 using VS16 = hn::Vec<DS16>;
 
-/// The vectors of one block that become float vectors: kParts of them.
+/// The lanes of one of the kParts float vectors of a block.
 template <size_t part>
 HWY_INLINE VI lanesOf(VI values) {
     static_assert(part == 0);
@@ -137,24 +138,24 @@ HWY_INLINE VI lanesOf(VS16 values) {
     }
 }
 
-/// Interleaved taps of 16 bits. Shifted to signed values, so that one instruction multiplies both taps by 1
-/// or -1 and adds them; the differences do not notice.
+/// Interleaved taps of 16 bits. Offset to signed values, so that one instruction multiplies both taps by 1
+/// or -1 and adds them. The offset cancels in differences.
 struct Taps16 {
     static constexpr size_t kBytes = 4;
     static constexpr size_t kParts = 1;
     using V = VI;
 
-    static HWY_INLINE V difference(const uint8_t* bytes) { return add(hn::Zero(DI()), bytes, aMinusB); }
+    static HWY_INLINE V difference(const uint8_t* bytes) { return add(hn::Zero(DI()), bytes, kAMinusB); }
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
-        return add(difference(plus), minus, bMinusA);
+        return add(difference(plus), minus, kBMinusA);
     }
-    /// Starts the sum of the taps of several phases with what the shift takes away from them.
+    /// Initial value of a sum over phases: compensates the offset of the taps.
     static HWY_INLINE V emptySum(int phases) { return hn::Set(DI(), phases * 0x10000); }
-    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return add(sum, bytes, aPlusB); }
+    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return add(sum, bytes, kAPlusB); }
 
-    /// Bits in use.
+    /// A vector whose bits include every bit that a sample uses.
     static HWY_INLINE VS16 magnitude(const uint8_t* bytes) { return loadBytes(DS16(), bytes); }
-    /// Of samples of 15 bits at most.
+    /// For samples of 15 bits at most.
     static HWY_INLINE V smallDifference(const uint8_t* bytes) {
         return differenceOf(loadBytes(DS16(), bytes));
     }
@@ -164,13 +165,13 @@ struct Taps16 {
 
 private:
     // Factors of B and A, high half first.
-    static constexpr uint32_t aMinusB = 0xFFFF0001U;
-    static constexpr uint32_t bMinusA = 0x0001FFFFU;
-    static constexpr uint32_t aPlusB = 0x00010001U;
+    static constexpr uint32_t kAMinusB = 0xFFFF0001U;
+    static constexpr uint32_t kBMinusA = 0x0001FFFFU;
+    static constexpr uint32_t kAPlusB = 0x00010001U;
 
     static HWY_INLINE V differenceOf(VS16 taps) {
         V unused = hn::Zero(DI());
-        return hn::ReorderWidenMulAccumulate(DI(), taps, hn::BitCast(DS16(), hn::Set(DU(), aMinusB)),
+        return hn::ReorderWidenMulAccumulate(DI(), taps, hn::BitCast(DS16(), hn::Set(DU(), kAMinusB)),
                                              hn::Zero(DI()), unused);
     }
     static HWY_INLINE V add(V sum, const uint8_t* bytes, uint32_t factors) {
@@ -181,7 +182,8 @@ private:
     }
 };
 
-/// Unsigned even bytes times the low byte of the signed factors plus odd bytes times the high one.
+/// Even bytes times the low byte of the factors plus odd bytes times the high one; bytes are unsigned,
+/// factors signed.
 HWY_INLINE VS16 pairSums(const uint8_t* bytes, int16_t factors) {
     const auto taps = loadBytes(hn::ScalableTag<uint8_t>(), bytes);
 #if HWY_TARGET == HWY_SSE4
@@ -199,26 +201,26 @@ HWY_INLINE VS16 pairSums(const uint8_t* bytes, int16_t factors) {
 #endif
 }
 
-/// Interleaved taps of 8 bits; the sums of sixteen of them still fit into 16 bits.
+/// Interleaved taps of 8 bits. A sum of sixteen of them fits into 16 bits.
 struct Taps8 {
     static constexpr size_t kBytes = 2;
     static constexpr size_t kParts = 2;
     using V = VS16;
 
-    static HWY_INLINE V difference(const uint8_t* bytes) { return pairSums(bytes, aMinusB); }
+    static HWY_INLINE V difference(const uint8_t* bytes) { return pairSums(bytes, kAMinusB); }
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
         return hn::Sub(difference(plus), difference(minus));
     }
     /// 64 times the difference.
-    static HWY_INLINE V raisedDifference(const uint8_t* bytes) { return pairSums(bytes, raisedAMinusB); }
+    static HWY_INLINE V scaledDifference(const uint8_t* bytes) { return pairSums(bytes, kScaledAMinusB); }
     static HWY_INLINE V emptySum(int) { return hn::Zero(DS16()); }
-    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return hn::Add(sum, pairSums(bytes, aPlusB)); }
+    static HWY_INLINE V addSum(V sum, const uint8_t* bytes) { return hn::Add(sum, pairSums(bytes, kAPlusB)); }
 
 private:
     // Factors of B and A, high byte first.
-    static constexpr int16_t aMinusB = -0x00FF;
-    static constexpr int16_t raisedAMinusB = -0x3FC0;
-    static constexpr int16_t aPlusB = 0x0101;
+    static constexpr int16_t kAMinusB = -0x00FF;
+    static constexpr int16_t kScaledAMinusB = -0x3FC0;
+    static constexpr int16_t kAPlusB = 0x0101;
 };
 
 struct Differences16 {
@@ -251,7 +253,7 @@ struct Differences8 {
     static HWY_INLINE V opposed(const uint8_t* plus, const uint8_t* minus) {
         return hn::Sub(difference(plus), difference(minus));
     }
-    static HWY_INLINE V raisedDifference(const uint8_t* bytes) { return hn::ShiftLeft<6>(difference(bytes)); }
+    static HWY_INLINE V scaledDifference(const uint8_t* bytes) { return hn::ShiftLeft<6>(difference(bytes)); }
 };
 
 #endif

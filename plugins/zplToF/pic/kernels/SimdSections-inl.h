@@ -17,16 +17,16 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-/// Lanes that merged samples of type T are finished in on their way to type R.
+/// Lanes in which merged samples of type T are computed before they are stored as type R.
 template <typename T, typename R>
 using MergedLane = std::conditional_t<sizeof(R) == sizeof(T), T, hwy::MakeWide<T>>;
 template <typename T, typename R>
 using MergedTag = hn::Repartition<MergedLane<T, R>, TripleTag<T>>;
-/// Bits in use by the merged samples so far.
+/// Bitwise or of the samples merged so far.
 template <typename T, typename R>
 using Used = hn::Vec<MergedTag<T, R>>;
 
-/// Merged samples of one vector; a wide result keeps its factor for later, when its lanes are wide.
+/// Merged samples of one vector. For a wider result type the factor is kept and applied in wide lanes.
 template <typename T, typename R>
 struct Merged {
     using V = TripleVec<T>;
@@ -92,7 +92,7 @@ private:
     using D = MergedTag<T, R>;
     using V = hn::Vec<D>;
 
-    /// The products of a vector; each 128 bits of it become 256.
+    /// Stores the products of a vector: 128 bits of it become 256.
     template <size_t part>
     static HWY_INLINE void storeWide(const Merged<T, R>& merged, uint8_t* result, Used<T, R>& used) {
         const D d;
@@ -133,7 +133,7 @@ private:
     }
 };
 
-/// Which pixels have no sample above the largest usable one, in the mixed order.
+/// Mask of the pixels without a sample above the largest usable one, in mixed order.
 template <typename T>
 HWY_INLINE TripleVec<T> usablePixels(const Triples<T>& samples, TripleVec<T> largestUsable) {
     const auto largest = hn::Max(hn::Max(samples.template samplesOf<0>(), samples.template samplesOf<1>()),
@@ -161,7 +161,8 @@ HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uin
     merged.store(result, used);
 }
 
-/// A row of at least one block. A number of sections that the compiler knows needs no loop over them.
+/// Merges a row of at least one block. A section count known at compile time lets the compiler unroll the
+/// loop.
 template <typename T, typename R, uint32_t knownSections>
 HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, uint32_t anySections,
                             uint16_t threshold, uint8_t* result, size_t pixels, Used<T, R>& used) {
@@ -181,8 +182,8 @@ HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, ui
 template <typename T, typename R>
 void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
                       quint8* result, size_t pixels, quint32& usedBits) {
-    // Short rows are not worth copying, below 0 there is no sample, and more sections than a sample has bits
-    // need factors wider than it.
+    // The plain loop takes rows too short for a block, a threshold that no sample is below, and more sections
+    // than a sample has bits: their factors do not fit into T.
     if (pixels < kTriplePixels<T> || threshold == 0 || sections > 8 * sizeof(T)) {
         ToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
             firstSection, sectionBytes, sections, threshold, result, pixels, usedBits);

@@ -11,13 +11,13 @@
 /// The instruction sets that have kernels, from the narrowest vectors to the widest.
 inline constexpr int64_t kSimdTargets[] = {HWY_SSE4, HWY_AVX2, HWY_AVX3};
 
-/// A table of functions for every instruction set that was built in and that this processor has. Table has a
-/// member sName, the name of the instruction set. Not copyable; immutable after construction.
+/// A table of functions for each instruction set that was compiled in and that this processor supports. Table
+/// has a member sName, the name of the instruction set. Not copyable; immutable after construction.
 template <typename Table>
 class CkToFSimdTables {
 public:
-    /// Every table begins as a copy of plain, so that operations without vectors are those of the plain
-    /// loops. add enters the functions of an instruction set, and returns false when it was not built in.
+    /// Each table starts as a copy of plain, which leaves the plain loop where there is no vector version.
+    /// add fills in the functions of an instruction set, and returns false when it was not compiled in.
     template <typename Add>
     CkToFSimdTables(const Table& plain, const Add& add) {
         const int64_t supported = hwy::SupportedTargets();
@@ -35,7 +35,7 @@ public:
 
     const std::vector<const Table*>& usable() const { return m_usable; }
 
-    /// The one with this name, or null.
+    /// The table with this name, or null.
     const Table* find(const char* sName) const {
         for (const Table* const table : m_usable) {
             if (std::strcmp(table->sName, sName) == 0) {

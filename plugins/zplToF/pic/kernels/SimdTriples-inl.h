@@ -1,4 +1,4 @@
-// Three interleaved samples a pixel, for one instruction set; included once per target.
+// Three interleaved samples per pixel, for one instruction set; included once per target.
 
 #if defined(TOF_SIMD_TRIPLES_TOGGLE) == defined(HWY_TARGET_TOGGLE)
 #ifdef TOF_SIMD_TRIPLES_TOGGLE
@@ -16,18 +16,18 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-// Shuffles inside 128 bits are cheap and those across are not, so each 128 bits hold whole pixels of their
-// own: three vectors, of which all lower halves hold the first pixels of a block and all upper halves the
-// others. Of the three samples at the same place of the three vectors one is a first, one a second and one
-// a third sample, so blends alone part them; the pixels stand in a mixed order then, which is put right
-// last, or never. Wider vectors would need shuffles across again.
+// Shuffles within 128 bits are cheap, those across are not. A block is therefore three vectors whose lower
+// halves hold the first pixels and whose upper halves hold the rest. In each lane, one of the three vectors
+// has a first, one a second and one a third sample of a pixel, so blends alone deinterleave them. This leaves
+// the pixels in a mixed order, which is restored at the end, where it matters at all. Vectors wider than 256
+// bits would need shuffles across 128 bits again.
 
 template <typename T>
 using TripleTag = hn::CappedTag<T, 32 / sizeof(T)>;
 template <typename T>
 using TripleVec = hn::Vec<TripleTag<T>>;
 
-/// Pixels of a block, and of its 128-bit part.
+/// Pixels of a block, and of 128 bits of it.
 template <typename T>
 constexpr size_t kTriplePixels = hn::MaxLanes(TripleTag<T>());
 template <typename T>
@@ -36,10 +36,10 @@ constexpr size_t kPartPixels = 16 / sizeof(T);
 template <typename T>
 struct TripleTables {
     static constexpr size_t kLanes = kPartPixels<T>;
-    /// Ones in every third lane from a first one.
+    /// All bits set in every third lane, starting at lane 0, 1 and 2.
     alignas(16) T thirds[3][kLanes] = {};
-    /// Byte shuffles from values of pixels in the mixed order: to all samples of each vector, and to the
-    /// order of the picture.
+    /// Byte shuffles of per-pixel values in mixed order: samples copies them to every sample of a vector,
+    /// ordered restores the order of the picture.
     alignas(16) uint8_t samples[3][16] = {};
     alignas(16) uint8_t ordered[16] = {};
 
@@ -58,7 +58,7 @@ struct TripleTables {
 };
 
 template <typename T>
-inline constexpr TripleTables<T> tripleTables;
+inline constexpr TripleTables<T> kTripleTables;
 
 /// The samples of a block of pixels.
 template <typename T>
@@ -76,7 +76,7 @@ struct Triples {
                        loadBytes(d, samples + 2 * bytes));
     }
 
-    /// From vectors of neighbouring samples.
+    /// From three vectors of consecutive samples.
     static HWY_INLINE Triples inParts(V a, V b, V c) {
         if constexpr (kTriplePixels < T >> kPartPixels<T>) {
             const D d;
@@ -87,7 +87,7 @@ struct Triples {
         }
     }
 
-    /// Vectors of neighbouring samples again.
+    /// The inverse of inParts: vectors of consecutive samples.
     HWY_INLINE Triples inSequence() const {
         if constexpr (kTriplePixels < T >> kPartPixels<T>) {
             const D d;
@@ -98,7 +98,7 @@ struct Triples {
         }
     }
 
-    /// One sample of every pixel, in the mixed order.
+    /// One sample of every pixel, in mixed order.
     template <size_t sample>
     HWY_INLINE V samplesOf() const {
         const D d;
@@ -111,21 +111,21 @@ struct Triples {
         }
     }
 
-    /// The value of every pixel at each of its samples.
+    /// Copies the value of every pixel to each of its samples.
     static HWY_INLINE Triples spread(V pixels) {
-        return {shuffled(pixels, tripleTables<T>.samples[0]), shuffled(pixels, tripleTables<T>.samples[1]),
-                shuffled(pixels, tripleTables<T>.samples[2])};
+        return {shuffled(pixels, kTripleTables<T>.samples[0]), shuffled(pixels, kTripleTables<T>.samples[1]),
+                shuffled(pixels, kTripleTables<T>.samples[2])};
     }
 
-    /// Values of pixels from the mixed order to that of the picture.
-    static HWY_INLINE V ordered(V pixels) { return shuffled(pixels, tripleTables<T>.ordered); }
+    /// Per-pixel values from mixed order to the order of the picture.
+    static HWY_INLINE V ordered(V pixels) { return shuffled(pixels, kTripleTables<T>.ordered); }
 
 private:
-    /// Every third lane of one vector, from the given one, and the others of another vector.
+    /// Every third lane of one vector, starting at the given one, and the remaining lanes of another.
     template <size_t lane>
     static HWY_INLINE V everyThird(V those, V others) {
 #if HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3
-        // A blend by a constant runs on twice as many ports as one by a vector.
+        // A blend with an immediate runs on more execution ports than one with a mask vector.
         if constexpr (sizeof(T) == 2) {
             constexpr int lanes = lane == 0 ? 0x49 : lane == 1 ? 0x92 : 0x24;
 #if HWY_TARGET == HWY_SSE4
@@ -135,7 +135,7 @@ private:
 #endif
         }
 #endif
-        return hn::IfVecThenElse(hn::LoadDup128(D(), tripleTables<T>.thirds[lane]), those, others);
+        return hn::IfVecThenElse(hn::LoadDup128(D(), kTripleTables<T>.thirds[lane]), those, others);
     }
 
     static HWY_INLINE V shuffled(V pixels, const uint8_t* table) {

@@ -11,12 +11,12 @@ namespace tofSimd {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET != HWY_EMU128 && HWY_TARGET != HWY_SCALAR
 
-/// Smallest and largest values of the lanes so far.
+/// Running minimum and maximum of each lane.
 struct Range {
     VF minimum;
     VF maximum;
 
-    // Written out: an implicit constructor would not be compiled for the instruction set.
+    // Explicit: an implicit constructor would be compiled without the target's instruction set.
     HWY_INLINE Range()
         : minimum(hn::Set(DF(), std::numeric_limits<float>::infinity())),
           maximum(hn::Set(DF(), -std::numeric_limits<float>::infinity())) {}
@@ -32,7 +32,7 @@ struct Range {
     }
 };
 
-/// A single phase has no angle: its magnitude is passed through.
+/// A single phase has no angle: its magnitude is the result.
 template <size_t part, class Source, int phases>
 HWY_INLINE VF phaseValue(const Axes<Source, phases>& axes) {
     if constexpr (phases == 1) {
@@ -53,7 +53,7 @@ HWY_INLINE VF confidenceOf(VI sum, VI amplitude) {
     if constexpr (phases == 8) {
         variance = hn::Mul(variance, hn::Set(d, 2.4142137F));
     }
-    // Sums below 2^24: the root in single precision is the rounded root in double precision.
+    // Exact for sums below 2^24: the root in single precision is the rounded root in double precision.
     const VF signal = hn::ConvertTo(d, hn::ShiftLeft<amplitudeShift>(amplitude));
     const VF confidence = hn::Div(hn::Sqrt(variance), signal);
     return hn::IfThenZeroElse(hn::Eq(signal, hn::Zero(d)), confidence);
@@ -104,7 +104,7 @@ void phaseConfidenceRow(const quint8* const* rows, quint8* result, size_t pixels
     const DF d;
     stats.fWorst = std::max(stats.fWorst, hn::GetLane(hn::MaxOfLanes(d, block.confidenceRange.maximum)));
     stats.bDark = stats.bDark || hn::GetLane(hn::MinOfLanes(d, block.confidenceRange.minimum)) == 0.0F;
-    // Dark pixels take a larger value later, so they do not count as the minimum yet.
+    // fillDark raises dark pixels later, so they must not set the minimum.
     stats.fMinimum = std::min(stats.fMinimum, hn::GetLane(hn::MinOfLanes(d, block.smallestSignal)));
 }
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <limits>
 
-/// What a pass over rows learns about the float picture it writes.
+/// Statistics of a float picture, accumulated while its rows are written.
 struct SkToFRowStats {
     float fWorst = 0.0F; ///< largest confidence, at least 0
     float fMinimum = std::numeric_limits<float>::infinity();
@@ -38,7 +38,7 @@ struct SkToFKernels {
     StackedFloatRow phase[2][4];           ///< signed differences to phase shift
     FillRow fillDark;                      ///< confidences that are exactly 0 become fWorst
     StackedRow angle;                      ///< rows of float x and y to phase shift, for any vector
-    bool bTracksRange;                     ///< kernels keep the value range and the bits in use up to date
+    bool bTracksRange;                     ///< kernels report the value range and the bits in use
 
     StackedRow intensity[2][4];
     StackedRow amplitude[2][4]; ///< from two taps
@@ -49,10 +49,10 @@ struct SkToFKernels {
     ShiftedRow hybridIntensity[3][3];
     ShiftedRow hybridAmplitude[3][3];
     DepthRow hybridDepth[3];
-    SectionRow mergeSections[2][3]; ///< sets the bits in use in uiUsedBits when the range rides along
+    SectionRow mergeSections[2][3]; ///< with bTracksRange: adds the bits in use to uiUsedBits
     StackedRow interleaveThree[2];
 
-    /// Largest depth with a confidence in (0, fLimit], or fMaximum when none is larger.
+    /// The largest depth with a confidence in (0, fLimit], or fMaximum if that is larger.
     DepthSearchRow largestDepthOfPairs; ///< depth and confidence interleaved, pConfidence unused
     DepthSearchRow largestDepth;
 };

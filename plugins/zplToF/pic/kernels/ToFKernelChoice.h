@@ -4,22 +4,22 @@
 
 #include <vector>
 
-/// Which implementation of the row kernels runs. Any thread.
+/// Selects the implementation of the row kernels. Any thread.
 ///
-/// The fastest one the processor can run is taken, unless the environment variable ZU_TOF_KERNELS names
-/// another when the first picture is processed: "plain", or the name of an available instruction set. Names
-/// that are not available are passed over.
+/// This is the fastest one that the processor can run, unless the environment variable ZU_TOF_KERNELS names
+/// another one when the first picture is processed: "plain", or an available instruction set. Other names are
+/// ignored.
 namespace ToFKernelChoice {
 
 /// The implementation that the picture operations use.
 const SkToFKernels& active();
-/// Takes another implementation from now on, which must live on; null returns to the automatic choice.
+/// Pins an implementation, which must outlive its use; null returns to the automatic choice.
 void pin(const SkToFKernels* pKernels);
 /// The portable loops that define every result.
 const SkToFKernels& plain();
-/// Everything that can run here: plain first, then from the narrowest vectors to the widest.
+/// All implementations this processor can run: plain first, then from the narrowest vectors to the widest.
 const std::vector<const SkToFKernels*>& available();
-/// The one with this name, or null.
+/// The implementation with this name, or null.
 const SkToFKernels* find(const char* sName);
 
 } // namespace ToFKernelChoice
