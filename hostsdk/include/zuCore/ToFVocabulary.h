@@ -19,7 +19,7 @@ inline constexpr float kSpeedOfLightInAirMMHz = 299.70254F;
 /// ratio of the windows, and 0 marks a pixel without a measurement.
 namespace ToFChannel {
 inline constexpr QLatin1String kPhaseShift{"Phase shift"}; ///< radians, [0, 2 pi)
-inline constexpr QLatin1String kDepth{"Depth"};            ///< metres, along the ray
+inline constexpr QLatin1String kDepth{"Depth"};            ///< metres
 inline constexpr QLatin1String kConfidence{"Confidence"};  ///< dimensionless; lower is better
 inline constexpr QLatin1String kA{"A"};                    ///< first tap of a two-tap pixel
 inline constexpr QLatin1String kB{"B"};                    ///< second tap
