@@ -54,3 +54,6 @@ protected:
     SkViewerOptions m_options;
     std::unique_ptr<CkViewerSession> m_session;
 };
+
+/// Tests of the whole viewer, in several files.
+class ViewerSession : public ViewerFixture {};
