@@ -34,8 +34,8 @@ bool isUsable(const SkToFDepthPictures& pictures) {
             confidence.height == depth.height);
 }
 
-/// The largest finite depth of the pixels whose confidence lies in (0, limit], at least fStart. The
-/// operations of CkToFPicAPI give finite depths only, so this slow loop is left to pictures from elsewhere.
+/// The largest finite depth of the pixels whose confidence lies in (0, limit], at least fStart. CkToFPicAPI
+/// produces finite depths only, so this slow loop runs only for pictures of other origin.
 float largestFiniteDepth(const SkToFDepthPictures& pictures, float fLimit, float fStart) {
     float largest = fStart;
     for (quint32 y = 0; y < pictures.depthPic.height; ++y) {
@@ -50,7 +50,7 @@ float largestFiniteDepth(const SkToFDepthPictures& pictures, float fLimit, float
     return largest;
 }
 
-/// The largest value of the scales of colour, depth axis and range.
+/// The upper end of the scales of colour, depth axis and range.
 float largestValue(const SkToFDepthPictures& pictures, float fThreshold) {
     const float all = pictures.depthPic.maxValue;
     float trusted = all;
@@ -67,11 +67,11 @@ float largestValue(const SkToFDepthPictures& pictures, float fThreshold) {
     return finite < 0.0F ? all : finite;
 }
 
-/// Writes the two triangles of the points from iFirst to before iEnd.
+/// Writes the two triangles of each point from iFirst to iEnd - 1.
 void writeQuadIndices(char* pBytes, qsizetype iFirst, qsizetype iEnd) {
-    constexpr std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> corners = {0, 1, 2, 2, 3, 0};
+    constexpr std::array<quint32, CkToFCloudBuilder::kIndicesPerPoint> corners = {0, 1, 2, 2, 3, 0};
     for (qsizetype point = iFirst; point < iEnd; point++) {
-        std::array<quint32, CkToFCloudBuilder::IndicesPerPoint> indices;
+        std::array<quint32, CkToFCloudBuilder::kIndicesPerPoint> indices;
         for (size_t i = 0; i < indices.size(); i++) {
             indices[i] = quint32(4 * point) + corners[i];
         }
@@ -79,7 +79,7 @@ void writeQuadIndices(char* pBytes, qsizetype iFirst, qsizetype iEnd) {
     }
 }
 
-/// The values that a picture of orthogonal factors was made from.
+/// The values that a picture of orthogonal factors was computed from.
 struct SkOrthoKey {
     double cellMM = 0.0, resolutionRatio = 0.0, offsetXMM = 0.0, offsetYMM = 0.0, focalMM = 0.0;
     bool operator==(const SkOrthoKey&) const = default;
@@ -115,17 +115,17 @@ public:
 namespace {
 
 qsizetype bytesPerPoint(EkToFVertexLayout layout) {
-    return CkToFCloudBuilder::BytesPerVertex * (layout == EkToFVertexLayout::Quads ? 4 : 1);
+    return CkToFCloudBuilder::kBytesPerVertex * (layout == EkToFVertexLayout::Quads ? 4 : 1);
 }
 
 } // namespace
 
-/// Everything that may fail; the results of the last build stay as they are.
+/// Does everything that can fail. The results of the last build are unchanged.
 bool CkToFCloudBuilder::CkPrivate::reserve(const SkToFCloudScales& newScales, EkToFVertexLayout newLayout) {
     const size_t pixels = size_t(newScales.width) * newScales.height;
     vertices.prepare(qsizetype(pixels) * bytesPerPoint(newLayout));
     indices.prepare(
-        newLayout == EkToFVertexLayout::Quads ? qsizetype(pixels * IndicesPerPoint * sizeof(quint32)) : 0);
+        newLayout == EkToFVertexLayout::Quads ? qsizetype(pixels * kIndicesPerPoint * sizeof(quint32)) : 0);
     columns.resize(newScales.width + ToFCloudLoops::kColumnSlack);
     bounce.resize(ToFCloudLoops::kBouncePoints * 24);
     if (newScales.correctRadially && !ensureOrthoFactors(newScales)) {
@@ -189,7 +189,7 @@ void CkToFCloudBuilder::CkPrivate::build(const SkToFDepthPictures& pictures,
 }
 
 void CkToFCloudBuilder::CkPrivate::writeIndices() {
-    constexpr qsizetype stride = IndicesPerPoint * qsizetype(sizeof(quint32));
+    constexpr qsizetype stride = kIndicesPerPoint * qsizetype(sizeof(quint32));
     char* bytes = indices.begin();
     if (layout != EkToFVertexLayout::Quads) {
         return;

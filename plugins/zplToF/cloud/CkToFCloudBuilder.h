@@ -18,7 +18,7 @@ enum class EkToFVertexLayout {
     Quads   ///< four vertices and six indices a point
 };
 
-/// What beside the pictures decides how a cloud looks.
+/// Parameters of a cloud besides its pictures.
 struct SkToFCloudParameters {
     SkToFOpticalPath opticalPath;
     float zZoom = 1.0F; ///< stretches the depth axis, above 0
@@ -40,14 +40,14 @@ struct SkToFCloudDimensions {
 
 /// Turns depth pictures into the vertices, indices and export points of a coloured cloud.
 ///
-/// No widget, no scene; one thread at a time. Results describe the last successful build and keep their
-/// storage from build to build. Byte arrays may be given to others without a copy (they share); the builder
-/// then writes its next result elsewhere.
+/// No widget, no scene; one thread at a time. Results describe the last successful build; their storage is
+/// reused. Byte arrays may be passed on without a copy (implicit sharing); the builder then writes its next
+/// result to other memory.
 class CkToFCloudBuilder {
 public:
-    static constexpr int BytesPerVertex = 24; ///< x, y, z, red, green, blue as floats, colours 0 to 1
-    static constexpr int ColourOffset = 12;   ///< byte of red in a vertex
-    static constexpr int IndicesPerPoint = 6;
+    static constexpr int kBytesPerVertex = 24; ///< x, y, z, red, green, blue as floats, colours 0 to 1
+    static constexpr int kColourOffset = 12;   ///< byte of red in a vertex
+    static constexpr int kIndicesPerPoint = 6;
 
     CkToFCloudBuilder();
     ~CkToFCloudBuilder();
@@ -60,25 +60,25 @@ public:
     /// no points, which is a success.
     /// False, and nothing changes, without depth data or colour table, when a descriptor is impossible, the
     /// depth picture has more than one channel, the confidence picture is not one float channel of the same
-    /// size, rows begin inside a sample, the picture has 2^28 pixels or more, or memory is short. Never
+    /// size, rows begin inside a sample, the picture has 2^28 pixels or more, or memory runs out. Never
     /// throws.
     bool build(const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters);
 
-    /// Frees the cached factors of the orthogonal correction. Never needed for a right result (they are
-    /// kept with the values they were made from), only to get the memory back.
+    /// Frees the cached factors of the orthogonal correction. Only saves memory: they are stored with the
+    /// values they were computed from, so a build never uses outdated ones.
     void freeOrthoFactorPic();
 
-    /// Computes by the plain loop over pixels that defines the result, not by vectors. Both give the same
-    /// points in the same order with equal colours and z; x and y differ by at most 2 units in the last
-    /// place. For tests and benchmarks.
+    /// Selects the plain loop over pixels, which defines the result, instead of the vector code. Both give
+    /// the same points in the same order with equal colours and z; x and y differ by at most 2 units in the
+    /// last place. For tests and benchmarks.
     void setPlainLoop(bool bPlainLoop);
-    /// Name of the instruction set that the last build by vectors used, "plain" for the plain loop.
+    /// Name of the instruction set that the last build used, "plain" for the plain loop.
     const char* lastTargetName() const;
 
-    /// width x height x verticesPerPoint vertices; those behind the points are zero.
+    /// width x height x verticesPerPoint vertices; those after the last point are zero.
     const QByteArray& vertexBytes() const;
-    /// 6 x width x height unsigned 32-bit indices of the quads layout, those behind the points zero, so that
-    /// they draw nothing; empty for points.
+    /// 6 x width x height unsigned 32-bit indices of the quads layout; empty for points. Those after the last
+    /// point are zero and draw nothing.
     const QByteArray& indexBytes() const;
     /// In the order of the pixels. Valid until the next build or move.
     std::span<const SkToFPoint> exportPoints() const;

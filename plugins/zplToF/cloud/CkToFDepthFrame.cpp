@@ -12,15 +12,15 @@
 
 namespace {
 
-enum EkShelf : size_t { DepthShelf, ConfidenceShelf, WorkShelf, ShelfCount };
+enum EkPool : size_t { DepthPool, ConfidencePool, WorkPool, PoolCount };
 
-/// Two: a holder of the last picture must not force an allocation for the next one.
-constexpr int PicturesPerShelf = 2;
+/// Two, so that a reference held to the last picture does not force an allocation for the next one.
+constexpr int kPicturesPerPool = 2;
 
 SkPicBufInfo describe(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,
                       quint32 uiBits, const SkPicBufInfo& like) {
     SkPicBufInfo info = SkPicBufInfo::of(uiWidth, uiHeight, uiChannels, dataType, uiBits);
-    // Rows that begin inside a sample could not be read as numbers.
+    // Other paddings could make rows begin inside a sample.
     info.padRows(like.linePadding % sizeof(quint64) == 0 ? like.linePadding : 0);
     return info;
 }
@@ -29,7 +29,8 @@ SkPicBufInfo describeFloat(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels
     return describe(uiWidth, uiHeight, uiChannels, EkImageDataType::Float32, 32, like);
 }
 
-/// What a processing block makes of A minus B pictures: their metadata keep the code of the raw format.
+/// Phase shifts that a processing block computed from A minus B pictures: their metadata keep the raw format
+/// code.
 bool isPhaseShiftFromAminB(const SkPicBufInfo& info, const CkImageMetadata* pMetadata) {
     return info.dataType == EkImageDataType::Float32 && info.channels == 1 && pMetadata &&
            ToFFormats::isDifference(pMetadata->tofFormatCode);
@@ -41,35 +42,35 @@ quint32 rowsPerPhase(const SkPicBufInfo& info, quint32 uiPhases) {
 }
 
 void refreshRange(SkPicBuf& picture) {
-    // Without one finite value both come out as 0, which serves as well as any other.
+    // Without any finite value both become 0.
     CkPicBufAPI::CalcFloatDataMinMax(picture, picture.minValue, picture.maxValue, false);
 }
 
 } // namespace
 
-/// The memory of the pictures. On the heap, as the addresses of its keys name the shelves.
-class CkToFDepthFrame::CkShelves {
+/// Memory of the pictures. On the heap: the addresses of m_keys identify the pools and must survive a move.
+class CkToFDepthFrame::CkPools {
 public:
-    bool take(EkShelf shelf, const SkPicBufInfo& info, bool bClear, SkPicBuf& picture) {
+    bool acquire(EkPool pool, const SkPicBufInfo& info, bool bClear, SkPicBuf& picture) {
         const size_t bytes = CkPicBufAPI::byteSize(info);
         if (bytes == 0) {
             return false;
         }
-        const void* owner = &m_keys[shelf];
-        if (m_reserved[shelf] != bytes) {
-            m_reserved[shelf] = m_pool.reserve(owner, info, PicturesPerShelf) ? bytes : 0;
+        const void* owner = &m_keys[pool];
+        if (m_reserved[pool] != bytes) {
+            m_reserved[pool] = m_memory.reserve(owner, info, kPicturesPerPool) ? bytes : 0;
         }
-        if (m_reserved[shelf] != 0 && m_pool.acquire(owner, info, picture, bClear)) {
+        if (m_reserved[pool] != 0 && m_memory.acquire(owner, info, picture, bClear)) {
             return true;
         }
-        // Somebody keeps several of our pictures; this one comes from outside the shelf.
+        // All pictures of the pool are still referenced.
         return CkPicBufAPI::AllocPicBufFromHeap(picture, info);
     }
 
 private:
-    CkMemoryPool m_pool;
-    std::array<char, ShelfCount> m_keys{};
-    std::array<size_t, ShelfCount> m_reserved{};
+    CkMemoryPool m_memory;
+    std::array<char, PoolCount> m_keys{};
+    std::array<size_t, PoolCount> m_reserved{};
 };
 
 CkToFDepthFrame::CkToFDepthFrame() {
@@ -80,7 +81,7 @@ CkToFDepthFrame::~CkToFDepthFrame() = default;
 
 CkToFDepthFrame::CkToFDepthFrame(CkToFDepthFrame&& other) noexcept
     : m_depth(std::move(other.m_depth)), m_confidence(std::move(other.m_confidence)),
-      m_pictures(std::exchange(other.m_pictures, {})), m_shelves(std::move(other.m_shelves)) {
+      m_pictures(std::exchange(other.m_pictures, {})), m_pools(std::move(other.m_pools)) {
     other.clear();
 }
 
@@ -89,7 +90,7 @@ CkToFDepthFrame& CkToFDepthFrame::operator=(CkToFDepthFrame&& other) noexcept {
         m_depth = std::move(other.m_depth);
         m_confidence = std::move(other.m_confidence);
         m_pictures = std::exchange(other.m_pictures, {});
-        m_shelves = std::move(other.m_shelves);
+        m_pools = std::move(other.m_pools);
         other.clear();
     }
     return *this;
@@ -111,8 +112,8 @@ bool CkToFDepthFrame::update(const SkPicBuf& picture, const CkImageMetadata* pMe
     clear();
     bool built = false;
     try {
-        if (!m_shelves) {
-            m_shelves = std::make_unique<CkShelves>();
+        if (!m_pools) {
+            m_pools = std::make_unique<CkPools>();
         }
         built = CkPicBufAPI::isValid(picture) && build(picture, pMetadata, iMaxGenericWidth);
     } catch (const std::bad_alloc&) {
@@ -150,7 +151,7 @@ bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMet
     }
     if (isPhaseShiftFromAminB(picture, pMetadata)) {
         m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
-        // Phases that wrap cannot be averaged: these pictures are never shrunk.
+        // Wrapping phases cannot be averaged, so these pictures are never shrunk.
         return buildGeneric(picture, picture.width);
     }
     return buildGeneric(picture, quint32(std::max(1, iMaxGenericWidth)));
@@ -158,8 +159,8 @@ bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMet
 
 bool CkToFDepthFrame::splitChannels(const SkPicBuf& picture) {
     const SkPicBufInfo info = describeFloat(picture.width, picture.height, 1, picture);
-    return m_shelves->take(DepthShelf, info, false, m_depth.picBuf()) &&
-           m_shelves->take(ConfidenceShelf, info, false, m_confidence.picBuf()) &&
+    return m_pools->acquire(DepthPool, info, false, m_depth.picBuf()) &&
+           m_pools->acquire(ConfidencePool, info, false, m_confidence.picBuf()) &&
            CkPicBufAPI::ExtractChannel(picture, m_depth.picBuf(), 0) &&
            CkPicBufAPI::ExtractChannel(picture, m_confidence.picBuf(), 1);
 }
@@ -169,8 +170,8 @@ bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetad
     const quint32 rows = rowsPerPhase(picture, phases);
     CkPicture work;
     SkPicBuf& both = work.picBuf();
-    if (rows == 0 || !m_shelves->take(WorkShelf, describeFloat(picture.width, rows, 2, picture),
-                                      !ToFPhases::isSupportedCount(phases), both)) {
+    if (rows == 0 || !m_pools->acquire(WorkPool, describeFloat(picture.width, rows, 2, picture),
+                                       !ToFPhases::isSupportedCount(phases), both)) {
         return false;
     }
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
@@ -182,15 +183,15 @@ bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetad
     const quint32 rows = rowsPerPhase(picture, phases);
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
     return rows != 0 &&
-           m_shelves->take(DepthShelf, describeFloat(picture.width, rows, 1, picture),
-                           !ToFPhases::isSupportedCount(phases), m_depth.picBuf()) &&
+           m_pools->acquire(DepthPool, describeFloat(picture.width, rows, 1, picture),
+                            !ToFPhases::isSupportedCount(phases), m_depth.picBuf()) &&
            CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_depth.picBuf(), int(phases));
 }
 
 bool CkToFDepthFrame::buildFromHybrid(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
     CkPicture work;
     SkPicBuf& both = work.picBuf();
-    if (!m_shelves->take(WorkShelf, describeFloat(picture.width, picture.height, 2, picture), false, both)) {
+    if (!m_pools->acquire(WorkPool, describeFloat(picture.width, picture.height, 2, picture), false, both)) {
         return false;
     }
     const float pulseDuration = pMetadata ? pMetadata->hybridPulseDuration : 0.0F;
@@ -209,10 +210,10 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
     info.layoutFlag = picture.layoutFlag;
     info.colorFilterArray = picture.colorFilterArray;
     SkPicBuf& depthPic = m_depth.picBuf();
-    if (!m_shelves->take(DepthShelf, info, !supported, depthPic)) {
+    if (!m_pools->acquire(DepthPool, info, !supported, depthPic)) {
         return false;
     }
-    // Samples that nothing draws need no conversion: the picture only says that there are none to draw.
+    // Unsupported samples are never drawn: the picture stays zeroed.
     if (!supported) {
         return true;
     }
@@ -228,13 +229,15 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
     SkPicBuf& grey = work.picBuf();
     const SkPicBufInfo greyInfo =
         describe(picture.width, picture.height, 1, picture.dataType, picture.bitsPerChannel, picture);
-    return m_shelves->take(WorkShelf, greyInfo, false, grey) && CkPicBufAPI::ConvertToGrey(picture, grey) &&
+    return m_pools->acquire(WorkPool, greyInfo, false, grey) && CkPicBufAPI::ConvertToGrey(picture, grey) &&
            CkPicBufAPI::ResizePic(grey, depthPic, width, height);
 }
 
 void CkToFDepthFrame::refreshValueRanges() {
-    if (m_depth.picBuf().dataType == EkImageDataType::Float32)
+    if (m_depth.picBuf().dataType == EkImageDataType::Float32) {
         refreshRange(m_depth.picBuf());
-    if (m_confidence.picBuf().data)
+    }
+    if (m_confidence.picBuf().data) {
         refreshRange(m_confidence.picBuf());
+    }
 }

@@ -8,8 +8,8 @@
 
 /// Turns any picture of a camera or chain into a depth picture with confidence, and owns both.
 ///
-/// Movable, not copyable; one thread at a time. The pictures come from shelves of the frame's own, so that
-/// equal inputs allocate nothing after the first few. References made with CkPicBufAPI::SharePicBuf outlive
+/// Movable, not copyable; one thread at a time. The pictures come from the frame's own pools, so that inputs
+/// of one format allocate nothing after the first few. References made with CkPicBufAPI::SharePicBuf outlive
 /// the next update and the frame itself.
 class CkToFDepthFrame {
 public:
@@ -26,13 +26,13 @@ public:
     /// afterwards.
     /// False without any change when the picture has no data. False with an empty depth picture when the
     /// descriptor is impossible, a stacked picture has fewer rows than phases, its sample type cannot be
-    /// processed, or memory is short. Never throws.
+    /// processed, or memory runs out. Never throws.
     bool update(const SkPicBuf& picture, const CkImageMetadata* pMetadata, int iMaxGenericWidth);
 
-    /// Gives the pictures back; as after construction.
+    /// Releases the pictures and returns to the state after construction.
     void clear();
 
-    /// Valid until the next update, clear or move; the pixels stay valid for whoever holds a reference.
+    /// Valid until the next update, clear or move; the pixels stay valid while a reference is held.
     const SkToFDepthPictures& pictures() const { return m_pictures; }
     const SkPicBuf& depthPic() const { return m_pictures.depthPic; }
     const SkPicBuf& confidencePic() const { return m_pictures.confidencePic; }
@@ -41,7 +41,7 @@ public:
     bool isEmpty() const { return m_pictures.depthPic.data == nullptr; }
 
 private:
-    class CkShelves;
+    class CkPools;
 
     bool build(const SkPicBuf& picture, const CkImageMetadata* pMetadata, int iMaxGenericWidth);
     bool splitChannels(const SkPicBuf& picture);
@@ -54,5 +54,5 @@ private:
     CkPicture m_depth;
     CkPicture m_confidence;
     SkToFDepthPictures m_pictures; ///< aliases of the two
-    std::unique_ptr<CkShelves> m_shelves;
+    std::unique_ptr<CkPools> m_pools;
 };

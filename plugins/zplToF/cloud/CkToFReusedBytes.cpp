@@ -5,7 +5,7 @@
 void CkToFReusedBytes::prepare(qsizetype iSize) {
     m_fresh = QByteArray();
     m_size = iSize;
-    // The current array first: as long as nobody shares, one is all it takes.
+    // The current array first: while it is not shared, one array suffices.
     for (size_t i = 0; i < m_slots.size(); i++) {
         m_next = (m_current + i) % m_slots.size();
         const QByteArray& bytes = m_slots[m_next].bytes;

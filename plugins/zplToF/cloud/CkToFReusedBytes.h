@@ -4,21 +4,21 @@
 
 #include <array>
 
-/// A byte array that is written anew for every frame, without allocating once sizes have settled.
+/// A byte array that is rewritten for every frame, without allocation once its size is stable.
 ///
-/// Who was given the last array may still share it. Writing to it would then copy it first, so a few arrays
-/// take turns and the one written is always one that nobody shares.
+/// Writing to an array that a consumer still shares would copy it first. A few arrays are therefore used in
+/// rotation, and only one that is not shared is written.
 class CkToFReusedBytes {
 public:
-    /// Makes sure that begin succeeds. The current array stays as it is. Throws std::bad_alloc.
+    /// After this begin cannot fail. The current array is unchanged. Throws std::bad_alloc.
     void prepare(qsizetype iSize);
 
-    /// The next array becomes the current one; its bytes are those of an earlier turn, or unset.
+    /// Makes the next array the current one. Its bytes are left over from an earlier use, or uninitialised.
     char* begin();
 
     const QByteArray& current() const { return m_slots[m_current].bytes; }
 
-    /// What the owner knows about the bytes of the current array; -1 for unset bytes.
+    /// A value that the owner attaches to the current array; -1 for uninitialised bytes.
     qsizetype tag() const { return m_slots[m_current].tag; }
     void setTag(qsizetype iTag) { m_slots[m_current].tag = iTag; }
 

@@ -39,7 +39,7 @@ void setColourMapping(SkToFCloudScales& scales, const SkToFCloudParameters& para
     scales.outRange = float(std::max(1.0, outHigh - outLow));
     scales.outLow = float(outLow);
     if (scales.floatPicture) {
-        // A float picture that claims no bits has no integer range to scale; it is taken as the whole.
+        // Without bits there is no integer range to scale by, so the span of the values is used as it is.
         const double perStep = dMax > 0.0 ? double(fSpan) / dMax : double(fSpan);
         scales.inRange = float((inHigh - inLow) * perStep);
         scales.base = float(inLow * perStep + double(fLow));
@@ -153,7 +153,7 @@ float wrapDistance(float fDistance, float fRange) {
     }
     const double distance = double(fDistance);
     const double range = double(fRange);
-    // Up to this many turns quotient, product and sum are exact in double precision.
+    // Up to this many turns, quotient, product and sum are exact in double precision.
     constexpr double kExactTurns = 268435456.0;
     const double turns = std::ceil(-distance / range);
     if (turns < kExactTurns) {
@@ -174,6 +174,6 @@ int colourIndex(float fValue, const SkToFCloudScales& scales) {
     } else {
         index = double(fValue);
     }
-    // Also what is not a number ends at 0.
+    // The comparison also maps NaN to 0.
     return index > 0.0 ? int(std::min(index, 255.0)) : 0;
 }

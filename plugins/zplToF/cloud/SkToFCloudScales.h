@@ -5,7 +5,7 @@
 
 #include <array>
 
-/// Everything about a cloud that is the same for all its pixels.
+/// The parameters that are the same for all pixels of a cloud.
 struct SkToFCloudScales {
     quint32 width = 0;  ///< pixels
     quint32 height = 0; ///< pixels
@@ -46,24 +46,24 @@ struct SkToFCloudScales {
 
     std::optional<SkToFCloudDimensions> dimensions;
 
-    /// Place on the chip, from the optical axis.
+    /// Position on the chip relative to the optical axis.
     double chipXMM(quint32 uiColumn) const {
         return (uiColumn - centreX) * cellMM * resolutionRatio - offsetXMM;
     }
     double chipYMM(quint32 uiRow) const { return (centreY - uiRow) * cellMM * resolutionRatio - offsetYMM; }
 };
 
-/// The scales of a picture whose largest value to be shown is fLargest (float pictures only: the maximum, or
-/// the one among the pixels that the confidence filter lets pass).
+/// The scales of a picture whose largest value to be shown is fLargest (float pictures only: the maximum of
+/// all pixels, or of those that pass the confidence filter).
 SkToFCloudScales makeCloudScales(const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters,
                                  float fLargest);
 
-/// The 256 colours as red, green, blue from 0 to 1, and a fourth number that is not used.
+/// The 256 colours as red, green, blue from 0 to 1, and an unused fourth number.
 using SkToFColours = std::array<std::array<float, 4>, 256>;
 void readColours(const quint8* pColourTable, SkToFColours& colours);
 
-/// Brings a distance below 0 into the unambiguous range: the result of adding the range as long as the
-/// distance is below 0, in one step. Not finite where that has no end.
+/// Wraps a distance below 0 into the unambiguous range: the result of adding the range until the distance is
+/// no longer below 0, in one step. Not finite where that would never end.
 float wrapDistance(float fDistance, float fRange);
 
 /// Index of a value's colour.

@@ -16,8 +16,8 @@ inline bool float_is_valid(float fValue) {
     return std::isfinite(fValue);
 }
 
-/// The lens model of the 3D view. Plain values; nothing here is checked, the cloud builder leaves the lens
-/// out when it cannot be used.
+/// The lens model of the 3D view. Plain values, not validated: the cloud builder ignores a lens model that it
+/// cannot use.
 struct SkToFOpticalPath {
     bool compensateDistortion = false; ///< master switch of the lens model; off: normalised view
     float lensFocalLengthMM = 3.5F;    ///< mm, above 0
@@ -28,7 +28,7 @@ struct SkToFOpticalPath {
     float realDistanceOffsetM = -1.5F; ///< m, added to every distance; not finite: no offset
     bool orthoRadialCorrection = true; ///< distances along the ray become distances along the axis
 
-    /// Takes over what the camera itself knows: modulation frequency and focal length, where above 0.
+    /// Adopts the modulation frequency and the focal length that the camera reports, where above 0.
     void takeOverCameraValues(const CkImageMetadata& metadata);
 
     bool operator==(const SkToFOpticalPath&) const = default;

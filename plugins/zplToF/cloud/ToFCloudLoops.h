@@ -21,7 +21,7 @@ struct SkToFCloudOutput {
 
 namespace ToFCloudLoops {
 
-/// So many points more than a loop returns may have been written, inside the given buffers.
+/// A loop may write up to this many points more than it returns, within the given buffers.
 inline constexpr size_t kSlackPoints = 2;
 inline constexpr size_t kExportSlack = 16;
 inline constexpr size_t kColumnSlack = 64;
@@ -30,7 +30,7 @@ inline constexpr size_t kBouncePoints = 256 + kSlackPoints;
 /// Pixel by pixel: the definition of the result. Returns the number of points.
 int buildPlain(const SkToFCloudInput& input, const SkToFCloudOutput& output);
 
-/// The same by vectors of the instruction set that ToFKernelChoice has chosen.
+/// The same result, by vectors of the instruction set that ToFKernelChoice selects.
 int buildByVectors(const SkToFCloudInput& input, const SkToFCloudOutput& output);
 
 /// Name of the instruction set that buildByVectors uses, or "plain".

@@ -29,7 +29,7 @@ const float* floatsOfRow(const SkPicBuf& picture, quint32 uiRow, quint32 uiColum
     return reinterpret_cast<const float*>(picture.row(uiRow)) + uiColumn;
 }
 
-/// Fills up to a full vector with pixels that are dropped.
+/// A copy that is padded to full vectors with pixels that will be dropped.
 const float* padded(const float* pPixels, size_t uiPixels, size_t uiFull, float* pCopy) {
     if (pPixels != pCopy) {
         std::memcpy(pCopy, pPixels, uiPixels * sizeof(float));
@@ -38,37 +38,46 @@ const float* padded(const float* pPixels, size_t uiPixels, size_t uiFull, float*
     return pCopy;
 }
 
+/// The pixels of a chunk.
+struct SkChunkPixels {
+    quint32 row;
+    quint32 column; ///< of the first pixel
+    size_t count;
+    size_t padded; ///< count rounded up to full vectors
+};
+
 /// The inputs of a chunk, in place or, where they end inside a vector, copied.
-SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader reader, quint32 uiRow,
-                                  quint32 uiColumn, size_t uiPixels, size_t uiFull, SkToFCloudChunk& chunk) {
+SkToFCloudChunkSource chunkSource(const SkToFCloudInput& input, SampleReader reader,
+                                  const SkChunkPixels& pixels, SkToFCloudChunk& chunk) {
+    const auto [row, column, count, full] = pixels;
     const SkPicBuf& depthPic = input.pictures.depthPic;
-    SkToFCloudChunkSource source{chunk.values, nullptr, nullptr, uiRow, uiColumn};
+    SkToFCloudChunkSource source{chunk.values, nullptr, nullptr, row, column};
     if (reader) {
-        reader(depthPic.row(uiRow), uiColumn, uiPixels, chunk.values);
+        reader(depthPic.row(row), column, count, chunk.values);
     } else {
-        source.pValues = floatsOfRow(depthPic, uiRow, uiColumn);
+        source.pValues = floatsOfRow(depthPic, row, column);
     }
     if (input.scales.filterByConfidence) {
-        source.pConfidences = floatsOfRow(input.pictures.confidencePic, uiRow, uiColumn);
+        source.pConfidences = floatsOfRow(input.pictures.confidencePic, row, column);
     }
     if (input.scales.correctRadially) {
-        source.pFactors = floatsOfRow(input.orthoFactorPic, uiRow, uiColumn);
+        source.pFactors = floatsOfRow(input.orthoFactorPic, row, column);
     }
-    if (uiFull == uiPixels) {
+    if (full == count) {
         return source;
     }
-    source.pValues = padded(source.pValues, uiPixels, uiFull, chunk.values);
+    source.pValues = padded(source.pValues, count, full, chunk.values);
     if (source.pConfidences) {
-        source.pConfidences = padded(source.pConfidences, uiPixels, uiFull, chunk.confidences);
+        source.pConfidences = padded(source.pConfidences, count, full, chunk.confidences);
     }
     if (source.pFactors) {
-        source.pFactors = padded(source.pFactors, uiPixels, uiFull, chunk.factors);
+        source.pFactors = padded(source.pFactors, count, full, chunk.factors);
     }
     return source;
 }
 
-/// With the lens model, columns on the chip divided by the focal length; without it, in pixels. The last
-/// vector reads past them, into lanes of dropped pixels.
+/// Fills the column factors: with the lens model the position on the chip divided by the focal length,
+/// otherwise pixels from the centre. The last vector reads past them, for lanes that are dropped.
 void fillColumns(const SkToFCloudInput& input) {
     const SkToFCloudScales& s = input.scales;
     for (quint32 x = 0; x < s.width; x++) {
@@ -109,11 +118,12 @@ int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloud
         for (quint32 column = 0; column < s.width; column += kChunkPixels) {
             const size_t pixels = std::min<size_t>(kChunkPixels, s.width - column);
             const size_t full = (pixels + lanes - 1) / lanes * lanes;
-            steps->compute(input, chunkSource(input, reader, row, column, pixels, full, chunk), full, chunk);
+            steps->compute(input, chunkSource(input, reader, {row, column, pixels, full}, chunk), full,
+                           chunk);
             float* vertices = output.pVertices + points * floatsPerPoint;
             float* exported = reinterpret_cast<float*>(output.pExport + points);
-            // Full vectors write past the last point. Near the end of the buffer they write to scratch
-            // memory.
+            // Full vectors write past the last point. Near the end of the buffer they write to the bounce
+            // buffer instead.
             if (points + pixels + kSlackPoints <= allPixels) {
                 points += steps->write(input, chunk, full, colours, vertices, exported);
                 continue;

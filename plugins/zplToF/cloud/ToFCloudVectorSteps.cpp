@@ -18,7 +18,7 @@ HWY_BEFORE_NAMESPACE();
 namespace tofSimd {
 namespace HWY_NAMESPACE {
 
-// The plain loop serves processors without vectors.
+// Without vectors the plain loop is used.
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
 void addSteps(SkToFCloudSteps&) {}
@@ -59,7 +59,7 @@ HWY_INLINE FloatV wrap(FloatV distance, float fRange) {
     if (HWY_LIKELY(hn::AllFalse(df, hn::Lt(distance, hn::Neg(range))))) {
         return hn::IfThenElse(negative, hn::Add(distance, range), distance);
     }
-    // More than one turn: rare, and exact only in double precision.
+    // More than one turn is rare, and exact only in double precision.
     HWY_ALIGN float lanes[hn::MaxLanes(df)];
     hn::Store(distance, df, lanes);
     for (size_t i = 0; i < hn::Lanes(df); i++) {
@@ -195,8 +195,8 @@ struct Points {
     hn::Vec<Quad> first, second, third, fourth;
 };
 
-/// The four corners of a quad with the same colour, 24 consecutive floats. Offsets that change nothing are
-/// minus zero: adding zero would turn minus zero into zero.
+/// The four corners of a quad with the same colour, 24 consecutive floats. Neutral offsets are -0.0: adding
+/// 0.0 would turn a coordinate of -0.0 into 0.0.
 #if HWY_MAX_BYTES >= 32
 
 class CkToFCorners {
@@ -215,7 +215,7 @@ public:
         }
     }
 
-    /// Quads exceed the caches: aligned ones are written by streaming stores.
+    /// Quads exceed the caches, so aligned ones are written with streaming stores.
     static bool canStream(const float* pOut) {
         return reinterpret_cast<uintptr_t>(pOut) % (4 * sizeof(float)) == 0;
     }

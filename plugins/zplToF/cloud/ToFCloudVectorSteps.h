@@ -41,8 +41,8 @@ struct SkToFCloudSteps {
     void (*finishWriting)();
 };
 
-/// Enters the steps of an instruction set (a target of Highway). False for one that was not built in.
+/// Fills in the steps of an instruction set (a Highway target). False for one that was not compiled in.
 bool addSimdCloudSteps(int64_t target, SkToFCloudSteps& steps);
 
-/// The steps of the instruction set that ToFKernelChoice has chosen; null for the plain loops.
+/// The steps of the instruction set that ToFKernelChoice selects; null for the plain loops.
 const SkToFCloudSteps* cloudSteps();

@@ -12,11 +12,11 @@ namespace {
 
 /// A coordinate takes at most 24 characters (sign, 17 digits, point, exponent of two digits) and one that
 /// separates it from the next.
-constexpr size_t LongestNumber = 25;
-constexpr size_t LongestLine = 3 * LongestNumber;
+constexpr size_t kLongestNumber = 25;
+constexpr size_t kLongestLine = 3 * kLongestNumber;
 
-/// Whole numbers of more digits than a double can tell apart: to_chars would spell out digits that say
-/// nothing, where the shortest form has zeros.
+/// Integers beyond the precision of a double: to_chars would write digits without meaning where the shortest
+/// form has zeros.
 char* writeLargeNumber(char* out, double value) {
     const bool negative = value < 0.0;
     std::array<char, 32> text;
@@ -38,15 +38,15 @@ char* writeLargeNumber(char* out, double value) {
 }
 
 char* writeNumber(char* out, float fValue, char cSeparator) {
-    constexpr double FirstLarge = 9007199254740992.0;
+    constexpr double kFirstLarge = 9007199254740992.0;
     const double value = double(fValue);
-    if (std::fabs(value) >= FirstLarge && std::isfinite(value)) {
+    if (std::fabs(value) >= kFirstLarge && std::isfinite(value)) {
         out = writeLargeNumber(out, value);
     } else if (value == 0.0 || std::isnan(value)) {
-        // Their signs say nothing, and to_chars would write them.
-        out = std::to_chars(out, out + LongestNumber, std::fabs(value)).ptr;
+        // The sign has no meaning here, but to_chars would write it.
+        out = std::to_chars(out, out + kLongestNumber, std::fabs(value)).ptr;
     } else {
-        out = std::to_chars(out, out + LongestNumber, value).ptr;
+        out = std::to_chars(out, out + kLongestNumber, value).ptr;
     }
     *out = cSeparator;
     return out + 1;
@@ -58,11 +58,11 @@ char* writeLine(char* out, const SkToFPoint& point) {
     return writeNumber(out, point.z, '\n');
 }
 
-/// Text of unknown length, in blocks: a string that grows by itself holds old and new storage at once.
+/// Text of unknown length, in blocks: a growing string would hold its old and new storage at once.
 class CkToFTextBlocks {
 public:
     void append(const SkToFPoint& point) {
-        if (m_used + LongestLine > m_open.size()) {
+        if (m_used + kLongestLine > m_open.size()) {
             flush();
         }
         m_used = size_t(writeLine(m_open.data() + m_used, point) - m_open.data());
@@ -79,7 +79,7 @@ public:
         return out + m_used;
     }
 
-    // Block by block: left to the pointers, a long text would be freed by a deep recursion.
+    // Block by block: the default destructor would recurse once for each block.
     ~CkToFTextBlocks() {
         while (m_first) {
             m_first = std::move(m_first->next);
@@ -116,15 +116,15 @@ QByteArray writePly(std::span<const SkToFPoint> points) {
     const QByteArray header = "ply\nformat ascii 1.0\nelement vertex " +
                               QByteArray::number(qulonglong(points.size())) +
                               "\nproperty float x\nproperty float y\nproperty float z\nend_header\n";
-    // The last lines are written twice, the first time only to be counted. What they take pays for the
-    // blocks, so that blocks and text together stay below twice the text.
+    // The last sixteenth of the lines is formatted twice, the first time only to measure it. Without these
+    // lines, the blocks with their overhead stay smaller than the text.
     const auto kept = points.first(points.size() - points.size() / 16);
     const auto counted = points.subspan(kept.size());
     CkToFTextBlocks blocks;
     for (const SkToFPoint& point : kept) {
         blocks.append(point);
     }
-    std::array<char, LongestLine> line;
+    std::array<char, kLongestLine> line;
     size_t countedSize = 0;
     for (const SkToFPoint& point : counted) {
         countedSize += size_t(writeLine(line.data(), point) - line.data());

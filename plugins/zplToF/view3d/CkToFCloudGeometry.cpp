@@ -19,7 +19,7 @@ void setDrawnVertices(QGeometryRenderer* renderer, const CkToFCloudBuilder& clou
 }
 
 void buildGeometry(QGeometryRenderer* renderer, const CkToFCloudBuilder& cloud) {
-    constexpr uint stride = CkToFCloudBuilder::BytesPerVertex;
+    constexpr uint stride = CkToFCloudBuilder::kBytesPerVertex;
     const uint vertices = uint(cloud.vertexCount());
     auto* geometry = new Qt3DCore::QGeometry(renderer);
     auto* vertexBuffer = new Qt3DCore::QBuffer(geometry);
@@ -27,7 +27,7 @@ void buildGeometry(QGeometryRenderer* renderer, const CkToFCloudBuilder& cloud) 
     geometry->addAttribute(new QAttribute(vertexBuffer, QAttribute::defaultPositionAttributeName(),
                                           QAttribute::Float, 3, vertices, 0, stride, geometry));
     geometry->addAttribute(new QAttribute(vertexBuffer, QAttribute::defaultColorAttributeName(),
-                                          QAttribute::Float, 3, vertices, CkToFCloudBuilder::ColourOffset,
+                                          QAttribute::Float, 3, vertices, CkToFCloudBuilder::kColourOffset,
                                           stride, geometry));
     if (cloud.indexCount() != 0) {
         auto* indexBuffer = new Qt3DCore::QBuffer(geometry);

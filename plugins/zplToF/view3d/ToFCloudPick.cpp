@@ -21,7 +21,7 @@ float ToFCloudPick::depthAt(const QByteArray& vertexBytes, int iVertices, const 
     float nearest = 0.0F;
     for (int i = 0; i < iVertices; ++i) {
         std::array<float, 3> point;
-        std::memcpy(point.data(), vertexBytes.constData() + qsizetype(i) * CkToFCloudBuilder::BytesPerVertex,
+        std::memcpy(point.data(), vertexBytes.constData() + qsizetype(i) * CkToFCloudBuilder::kBytesPerVertex,
                     sizeof point);
         const QVector4D clip = toClip * QVector4D(point[0], point[1], point[2], 1.0F);
         const float depth = clip.w();

@@ -75,7 +75,7 @@ struct TestVertex {
 
 inline TestVertex vertexAt(const CkToFCloudBuilder& builder, int index) {
     TestVertex vertex;
-    std::memcpy(&vertex, builder.vertexBytes().constData() + index * CkToFCloudBuilder::BytesPerVertex,
+    std::memcpy(&vertex, builder.vertexBytes().constData() + index * CkToFCloudBuilder::kBytesPerVertex,
                 sizeof vertex);
     return vertex;
 }

@@ -36,7 +36,7 @@ TEST_F(ToF3DViewMemoryTest, AFrameAllocatesNothingLargeBeyondWhatQtsBufferTakes)
         }
         const auto view = open();
         show(*view, QSize(300, 260));
-        const auto bufferSize = size_t(kWidth) * kHeight * CkToFCloudBuilder::BytesPerVertex;
+        const auto bufferSize = size_t(kWidth) * kHeight * CkToFCloudBuilder::kBytesPerVertex;
         for (int i = 0; i < 32; ++i) {
             const CkImageData* frame = frames[size_t(i % 4)].get();
             {
