@@ -35,7 +35,7 @@ std::optional<int> CkToFArguments::parse(const QStringList& arguments) {
         return ToFUsage;
     }
     if (m_parser.isSet(QStringLiteral("help"))) {
-        // The parser's own first line names the program with its folder and no command.
+        // The first line of the parser names the program with its path and without the command.
         const QString body = m_parser.helpText().section(QLatin1Char('\n'), 1).trimmed();
         CkToFConsole::print(QStringLiteral("Usage: tof %1\n%2\n\nExamples:\n  %3")
                                 .arg(m_sUsage, body, m_examples.join(QStringLiteral("\n  "))));
@@ -59,7 +59,7 @@ bool CkToFArguments::readNumber(const QString& sName, double fMinimum, double& f
     bool ok = false;
     const double number = QLocale::c().toDouble(value(sName), &ok);
     if (!ok || !std::isfinite(number) || number < fMinimum) {
-        // The smallest float stands for "more than 0" and tells nobody anything.
+        // The smallest float means "above 0"; its digits would not help the user.
         const QString least = !std::isfinite(fMinimum) ? QString()
                               : fMinimum > 0.0 && fMinimum < 1e-30
                                   ? QStringLiteral(" above 0")
@@ -120,7 +120,7 @@ bool CkToFArguments::readNumbers(const QString& sName, double fMinimum, double f
     for (const QString& part : value(sName).split(QLatin1Char(','))) {
         bool ok = false;
         const double number = QLocale::c().toDouble(part, &ok);
-        // Not the other way round: what is no number is out of every range.
+        // Negated, so that NaN is refused.
         if (!ok || !(number >= fMinimum && number <= fMaximum)) {
             CkToFConsole::error(
                 QStringLiteral("--%1 wants numbers from %2 to %3 with commas between, not \"%4\".")

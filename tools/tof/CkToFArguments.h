@@ -6,17 +6,17 @@
 #include <optional>
 #include <vector>
 
-/// Options and arguments of one command. What is wrong with them goes to the standard error.
+/// Options and arguments of one command. Errors in them are printed to standard error.
 class CkToFArguments {
 public:
-    /// sUsage: the line behind "Usage: tof "; sExamples: one command a line.
+    /// sUsage: the line after "Usage: tof "; examples: one command each.
     CkToFArguments(const QString& sUsage, const QString& sDescription, const QStringList& examples);
 
     void addFlag(const QString& sName, const QString& sDescription);
     void addValue(const QString& sName, const QString& sValue, const QString& sDescription);
     void addArgument(const QString& sName, const QString& sDescription);
 
-    /// What to exit with at once (help was shown or something is wrong), or nothing when the command may run.
+    /// The exit code when help was shown or an argument is wrong; nothing when the command may run.
     std::optional<int> parse(const QStringList& arguments);
 
     bool has(const QString& sName) const { return m_parser.isSet(sName); }
@@ -24,17 +24,18 @@ public:
     QStringList values(const QString& sName) const { return m_parser.values(sName); }
     QString argument(int iIndex) const { return m_parser.positionalArguments().value(iIndex); }
 
-    /// Leaves value alone when the option was not given. False, with a message, when it is no finite number
-    /// of at least fMinimum, or a list of another length.
+    /// The value is unchanged when the option was not given. False, with a message, when it is not a finite
+    /// number of at least fMinimum.
     bool readNumber(const QString& sName, double fMinimum, double& fValue) const;
     bool readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const;
-    /// The same for a value that is used as float: it is checked after it was narrowed.
+    /// For a value that is used as float: checked after narrowing.
     bool readNumber(const QString& sName, float fMinimum, float& fValue) const;
-    /// A list of numbers with commas between, each from fMinimum to fMaximum.
+    /// A comma-separated list of numbers, each from fMinimum to fMaximum.
     bool readNumbers(const QString& sName, double fMinimum, double fMaximum,
                      std::vector<double>& values) const;
+    /// Two comma-separated numbers.
     bool readPair(const QString& sName, double& fFirst, double& fSecond) const;
-    bool readPair(const QString& sName, float& fFirst, float& fSecond) const; ///< Checked after narrowing.
+    bool readPair(const QString& sName, float& fFirst, float& fSecond) const; ///< checked after narrowing
 
 private:
     void refuseWide(const QString& sName) const;

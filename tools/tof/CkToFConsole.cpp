@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int barWidth = 40;
+constexpr int kBarWidth = 40;
 
 } // namespace
 
@@ -39,8 +39,8 @@ void CkToFConsole::CkProgress::show(qint64 iDone, qint64 iTotal) {
         return;
     }
     m_iShown = percent;
-    const int filled = percent * barWidth / 100;
-    const QString bar = QString(filled, QLatin1Char('#')) + QString(barWidth - filled, QLatin1Char('.'));
+    const int filled = percent * kBarWidth / 100;
+    const QString bar = QString(filled, QLatin1Char('#')) + QString(kBarWidth - filled, QLatin1Char('.'));
     std::fputs(qPrintable(QStringLiteral("\r%1 [%2] %3 %").arg(m_sTask, bar).arg(percent, 3)), stderr);
     std::fflush(stderr);
 }

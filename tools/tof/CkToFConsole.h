@@ -7,22 +7,21 @@ enum EkToFExit : int {
     ToFSuccess = 0,
     ToFUsage = 2,         ///< wrong options or arguments
     ToFInput = 3,         ///< the input cannot be read at all
-    ToFDamaged = 4,       ///< parts of the input cannot be read; the rest was worked on
+    ToFDamaged = 4,       ///< parts of the input cannot be read; the rest was processed
     ToFOutput = 5,        ///< the output cannot be written
-    ToFNotApplicable = 6, ///< the command makes nothing of this input
-    ToFExceeded = 7       ///< the results are there, and exceed a limit that was given
+    ToFNotApplicable = 6, ///< the command does not apply to this input
+    ToFExceeded = 7       ///< results were written, but exceed a given limit
 };
 
-/// Where results, errors and progress go. Results to the standard output, the others to the standard error;
-/// progress only where a person watches. One thread.
+/// Output of the program: results to standard output, errors and progress to standard error. One thread.
 class CkToFConsole {
 public:
     static void print(const QString& sText);
-    /// The same without the end of a line.
+    /// Without a line break.
     static void write(const QString& sText);
     static void error(const QString& sText);
 
-    /// Shows a bar while it lives, from its first moment, unless the standard error is no terminal.
+    /// A progress bar for its lifetime; shown only if standard error is a terminal.
     class CkProgress {
     public:
         explicit CkProgress(const QString& sTask);
@@ -34,6 +33,6 @@ public:
     private:
         QString m_sTask;
         bool m_bTerminal;
-        int m_iShown = -1; ///< per cent
+        int m_iShown = -1; ///< percent; -1: nothing shown
     };
 };

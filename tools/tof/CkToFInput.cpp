@@ -11,26 +11,27 @@
 
 namespace {
 
-constexpr qint64 pagesPerReport = 256;
+constexpr qint64 kPagesPerProgress = 256;
 
-/// Where a page belongs in its set.
-struct SkInSet {
-    bool separate = false; ///< part of a set at all
+/// The position of a page in its set.
+struct SkSetPosition {
+    bool separate = false; ///< part of a set
     bool begins = true;
     qint64 length = 1; ///< of the set
 };
 
-SkInSet placeOf(const SkFrameDescription& description) {
+SkSetPosition setPosition(const SkFrameDescription& description) {
     const CkImageMetadata& metadata = description.metadata;
     if (!CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         return {};
     }
     return CkToFPicAPI::isRawToFHybridPic(description.info, &metadata)
-               ? SkInSet{true, metadata.sectionIndex == 0, metadata.sectionCount}
-               : SkInSet{true, metadata.phaseSequenceIndex == 0, metadata.phaseSequenceLength};
+               ? SkSetPosition{true, metadata.sectionIndex == 0, metadata.sectionCount}
+               : SkSetPosition{true, metadata.phaseSequenceIndex == 0, metadata.phaseSequenceLength};
 }
 
-// A set whose beginning is missing ends somewhere. Images may be there twice.
+// Images may be repeated, so a set ends at twice its length at the latest, also when its successor lacks a
+// first image.
 bool isFull(const SkToFGroup& group, qint64 length) {
     return group.count >= 2 * std::max<qint64>(length, 1);
 }
@@ -61,7 +62,7 @@ bool CkToFInput::open(const QString& sFileName) {
         return false;
     }
     if (!m_reader.damage().isEmpty()) {
-        complain(m_reader.damage());
+        reportError(m_reader.damage());
     }
     return true;
 }
@@ -71,24 +72,24 @@ std::vector<SkToFGroup> CkToFInput::groups() const {
     CkToFConsole::CkProgress progress(QStringLiteral("Looking through"));
     bool open = false;
     for (qint64 page = 0; page < m_reader.frameCount(); ++page) {
-        if (page % pagesPerReport == 0) {
+        if (page % kPagesPerProgress == 0) {
             progress.show(page, m_reader.frameCount());
         }
         SkFrameDescription description;
         const bool readable = m_reader.describe(page, description, nullptr);
-        const SkInSet place = readable ? placeOf(description) : SkInSet();
-        if (!open || !place.separate || place.begins || isFull(groups.back(), place.length)) {
+        const SkSetPosition position = readable ? setPosition(description) : SkSetPosition();
+        if (!open || !position.separate || position.begins || isFull(groups.back(), position.length)) {
             groups.push_back({.first = page, .count = 0});
         }
         SkToFGroup& group = groups.back();
         ++group.count;
         if (readable) {
             group.add(description);
-            // A list of angles as long as the set is kept even when most of its images are missing.
-            const quint64 length = place.separate ? quint64(std::max<qint64>(place.length, 1)) : 1;
+            // Processing allocates the angle list for the declared length, even when most images are missing.
+            const quint64 length = position.separate ? quint64(std::max<qint64>(position.length, 1)) : 1;
             group.bytes = std::max(group.bytes, length * sizeof(qint32));
         }
-        open = place.separate;
+        open = position.separate;
     }
     return groups;
 }
@@ -105,7 +106,7 @@ QString CkToFInput::tooMuchMemory(const SkToFGroup& group, quint64 uiBytes) cons
 }
 
 int CkToFInput::exitCode() const {
-    return m_complaints.isEmpty() ? ToFSuccess : ToFDamaged;
+    return m_errors.isEmpty() ? ToFSuccess : ToFDamaged;
 }
 
 bool CkToFInput::isInput(const QString& sFileName) const {
@@ -126,7 +127,7 @@ QString tofIncompleteSet(const SkToFGroup& group, const QString& sMissing) {
 }
 
 bool tofMayBeRecording(const QString& sFileName) {
-    const QString ending = tofEnding(sFileName);
+    const QString ending = tofSuffix(sFileName);
     const QStringList known{QString(), QStringLiteral("tif"), QStringLiteral("tiff")};
     if (known.contains(ending)) {
         return true;

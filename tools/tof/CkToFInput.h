@@ -1,17 +1,17 @@
 #pragma once
 
 #include "host/recording/CkRecordingReader.h"
-#include "tools/tof/CkToFComplaints.h"
 #include "tools/tof/CkToFConsole.h"
+#include "tools/tof/CkToFPageErrors.h"
 #include "tools/tof/SkToFLimits.h"
 
 #include <vector>
 
-/// Pages that have to be worked on together, one after the other: the images of a set, or a single one.
+/// Consecutive pages that are processed together: the images of a set, or a single page.
 struct SkToFGroup {
     qint64 first = 0;
     qint64 count = 1;
-    quint64 bytes = 0;       ///< of the pictures of all pages, or of the set as it is said to be
+    quint64 bytes = 0;       ///< of the pictures of all pages, at least the angle list that the set declares
     quint64 pixels = 0;      ///< of all pages
     quint64 largestPage = 0; ///< bytes of a page's picture
     quint32 width = 0;       ///< of the last page's picture
@@ -20,43 +20,42 @@ struct SkToFGroup {
     void add(const SkFrameDescription& description);
 };
 
-/// A recording that a command reads, and what turned out to be wrong with it. Errors are said once each and
-/// kept for the exit code.
+/// The recording that a command reads, and its errors: each kind is printed once and counts for the exit
+/// code.
 class CkToFInput {
 public:
     explicit CkToFInput(const SkToFLimits& limits) : m_limits(limits), m_reader(limits.reading) {}
 
-    /// False, after saying why, when nothing can be read.
+    /// False, with an error message, when nothing can be read.
     bool open(const QString& sFileName);
     const CkRecordingReader& reader() const { return m_reader; }
 
-    /// All pages in order, sets of separate phases or sections together.
+    /// All pages in order; the separate phases or sections of a set form one group.
     std::vector<SkToFGroup> groups() const;
 
     quint64 memoryBytes() const { return m_limits.memoryBytes; }
-    /// Why work that takes so many bytes is not begun with a group; empty when it may be.
+    /// The error text when processing a group needs more memory than allowed; otherwise empty.
     QString tooMuchMemory(const SkToFGroup& group, quint64 uiBytes) const;
 
-    /// Says an error about a part of the input, each kind once and with its number at the end.
-    void complain(const QString& sMessage) { m_complaints.add(sMessage); }
-    /// ToFSuccess, or ToFDamaged after a complaint.
+    /// Prints an error of a page; see CkToFPageErrors.
+    void reportError(const QString& sMessage) { m_errors.add(sMessage); }
+    /// ToFSuccess, or ToFDamaged after an error.
     int exitCode() const;
 
-    /// True, after saying so, when writing sFileName would destroy this input.
+    /// True, with an error message, when writing sFileName would overwrite this input.
     bool isInput(const QString& sFileName) const;
 
 private:
     SkToFLimits m_limits;
     CkRecordingReader m_reader;
-    CkToFComplaints m_complaints;
+    CkToFPageErrors m_errors;
 };
 
-/// A sentence, with a space before it, on a set of which nothing came; sMissing as of
-/// CkToFPipeline::missingImages.
+/// A sentence, with a leading space, about a set without result; sMissing from CkToFPipeline::missingImages.
 QString tofIncompleteSet(const SkToFGroup& group, const QString& sMissing);
 
-/// Whether a recording may be called so: without an ending, or with that of a TIFF file. Says why when not.
+/// Whether a recording may have this name: a TIFF suffix or none. Otherwise prints an error message.
 bool tofMayBeRecording(const QString& sFileName);
 
-/// Who writes files: the program's name and version.
+/// Name and version of the program, for the files it writes.
 QString tofSoftware();

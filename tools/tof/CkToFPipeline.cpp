@@ -14,7 +14,7 @@ bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
            a.colorFilterArray == b.colorFilterArray;
 }
 
-/// The texts of the processing block, where they do not speak of a chain.
+/// The texts of the processing block, except those that mention a chain.
 QString refusalText(ToFFrames::EkRefusal refusal, const SkPicBufInfo& source) {
     switch (refusal) {
     case ToFFrames::EkRefusal::None: // no picture could be allocated

@@ -8,7 +8,7 @@
 #include <optional>
 
 /// Applies one ToF transform to the frames of a group, one object for each group: CkToFTransformer with this
-/// program's error texts, and prepared anew when frames of another format follow. One thread at a time.
+/// program's error texts, prepared again when the format of the frames changes. One thread at a time.
 class CkToFPipeline {
 public:
     /// iTransform: a ToFTransform::EkTransformType.
@@ -22,7 +22,7 @@ public:
     /// sReason is set for Impossible.
     EkResult process(const CkImageData& data, std::unique_ptr<CkImageData>& result, QString& sReason);
 
-    /// What the incomplete set lacks, as the rest of a sentence of which the set is the subject.
+    /// What the incomplete set lacks: a predicate for a sentence with the set as subject.
     QString missingImages() const;
 
 private:

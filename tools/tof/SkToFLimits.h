@@ -4,13 +4,13 @@
 
 class CkToFArguments;
 
-/// What a file may ask of a command: the options --memory, --max-pages and --max-expansion.
+/// Limits for untrusted files: the options --memory, --max-pages and --max-expansion.
 struct SkToFLimits {
-    /// For the frames that are worked on at a time. The program itself and the index come on top.
+    /// For the frames in flight. The program itself and the index come on top.
     quint64 memoryBytes = 768ULL << 20U;
     SkReadLimits reading;
 
     static void addOptions(CkToFArguments& options);
-    /// False, after saying why, when an option is wrong.
+    /// False, with an error message, when an option is wrong.
     bool read(const CkToFArguments& options);
 };

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr size_t shownExcesses = 10;
+constexpr size_t kShownExcesses = 10;
 
 void addOptions(CkToFArguments& options) {
     const auto value = [&options](const char* name, const char* what, const char* about) {
@@ -243,7 +243,7 @@ int tofAccuracy(const QStringList& arguments) {
             QStringLiteral("Report and table would be the same file; name the report .html."));
         return ToFUsage;
     }
-    // Before the work, so that nobody waits for a report that goes nowhere.
+    // Opened first, so that a long measurement does not end in a file that cannot be written.
     QSaveFile htmlFile(options.argument(0));
     QSaveFile csvFile(table);
     if (!openFile(htmlFile) || !openFile(csvFile)) {
@@ -258,10 +258,10 @@ int tofAccuracy(const QStringList& arguments) {
     if (!saveFile(csvFile, report.csv()) || !saveFile(htmlFile, report.html())) {
         return ToFOutput;
     }
-    for (qsizetype i = 0; i < report.exceeded.size() && size_t(i) < shownExcesses; ++i) {
+    for (qsizetype i = 0; i < report.exceeded.size() && size_t(i) < kShownExcesses; ++i) {
         CkToFConsole::error(report.exceeded[i]);
     }
-    if (size_t(report.exceeded.size()) > shownExcesses) {
+    if (size_t(report.exceeded.size()) > kShownExcesses) {
         CkToFConsole::error(QStringLiteral("%1 limits are exceeded in all; the report lists them.")
                                 .arg(report.exceeded.size()));
     }

@@ -19,15 +19,15 @@
 
 namespace {
 
-constexpr double bytesPerPoint = 220;
-constexpr qint64 largestSettings = 4 << 20;
+constexpr double kBytesPerPoint = 220;
+constexpr qint64 kMaxSettingsBytes = 4 << 20;
 
-/// What the options make of a cloud.
+/// The options of the command.
 struct SkCloudOptions {
     SkToFOpticalPath path;
     float zoom = 1.0F;
     qint64 maxWidth = 640;
-    bool frequencyGiven = false; ///< an option wins over what the camera says
+    bool frequencyGiven = false; ///< an option overrides the value of the camera
     bool focalLengthGiven = false;
 };
 
@@ -38,10 +38,10 @@ bool readSettings(const CkToFArguments& options, SkToFOpticalPath& path) {
         CkToFConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
         return false;
     }
-    if (!file.isEmpty() && info.size() > largestSettings) {
+    if (!file.isEmpty() && info.size() > kMaxSettingsBytes) {
         CkToFConsole::error(QStringLiteral("\"%1\" is larger than settings are (%2 MiB).")
                                 .arg(file)
-                                .arg(largestSettings >> 20));
+                                .arg(kMaxSettingsBytes >> 20));
         return false;
     }
     const std::unique_ptr<QSettings> settings =
@@ -75,7 +75,7 @@ bool readOptions(const CkToFArguments& options, SkCloudOptions& cloud) {
         }
         *flag.value = on || (*flag.value && !off);
     }
-    // Smallest float above 0: lengths, frequencies and thresholds of 0 mean nothing.
+    // Lengths, frequencies and thresholds must be above 0.
     constexpr float above0 = std::numeric_limits<float>::min();
     constexpr float any = -std::numeric_limits<float>::infinity();
     const struct {
@@ -107,10 +107,10 @@ bool readOptions(const CkToFArguments& options, SkCloudOptions& cloud) {
 struct SkClouds {
     std::vector<QByteArray> texts;
     QStringList errors;
-    QString incomplete; ///< what the set lacks, when nothing came out for want of it
+    QString incomplete; ///< what the set lacks, when it gave no cloud
 };
 
-/// The points of a picture as text; empty when it gives none.
+/// The points of a picture as PLY text; empty when no cloud can be made of it.
 QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const quint8* colours) {
     CkToFDepthFrame depth;
     const int width = int(std::min<qint64>(cloud.maxWidth, std::numeric_limits<int>::max()));
@@ -135,13 +135,13 @@ QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const
     return buildPlyText(builder.exportPoints());
 }
 
-/// What the clouds of a group take: pages as for processing, and points with their text. Pictures that are no
-/// ToF pictures are shrunk.
+/// Memory for the clouds of a group: pages as for processing, and points with their text. Pictures that are
+/// not ToF pictures are shrunk.
 quint64 bytesFor(const SkToFGroup& group, const SkCloudOptions& cloud) {
     const double width = group.width;
     const double shrink = group.maybeTof ? 1.0 : std::min(1.0, double(cloud.maxWidth) / std::max(1.0, width));
     const double points = double(group.pixels) * shrink * shrink;
-    return 2 * group.largestPage + (group.maybeTof ? 4 * group.bytes : 0) + quint64(bytesPerPoint * points);
+    return 2 * group.largestPage + (group.maybeTof ? 4 * group.bytes : 0) + quint64(kBytesPerPoint * points);
 }
 
 SkClouds groupClouds(const CkRecordingReader& reader, const SkToFGroup& group, const SkCloudOptions& cloud,
@@ -186,7 +186,7 @@ SkClouds groupClouds(const CkRecordingReader& reader, const SkToFGroup& group, c
     return done;
 }
 
-/// False, after saying why, when the file cannot be written; it is then as it was.
+/// False, with an error message and the file unchanged, when it cannot be written.
 bool writeFile(const QString& name, const QByteArray& text) {
     QSaveFile file(name);
     if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
@@ -253,7 +253,7 @@ int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const 
     bool writes = true;
     qint64 number = 0;
     qint64 empty = 0;
-    QString incomplete; // the first set that is
+    QString incomplete; // about the first incomplete set
     {
         CkToFConsole::CkProgress progress(QStringLiteral("Clouds"));
         inOrder(
@@ -267,7 +267,7 @@ int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const 
             },
             [&](qint64 i, SkClouds&& done) {
                 for (const QString& error : std::as_const(done.errors)) {
-                    input.complain(error);
+                    input.reportError(error);
                 }
                 if (incomplete.isEmpty()) {
                     incomplete = done.incomplete;

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-// The commands. The first argument is the command's name; each answers the exit code.
+// The commands. The first argument is the name of the command. The result is the exit code.
 
 int tofInfo(const QStringList& arguments);
 int tofRecord(const QStringList& arguments);

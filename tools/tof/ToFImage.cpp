@@ -18,14 +18,14 @@
 
 namespace {
 
-// A float, a colour, the bytes of the picture three times over and what they are packed into.
+// A float, a BGRA colour, and the samples of the PNG in the copies up to the encoded file.
 constexpr quint64 kBytesPerPngPixel = 24;
 
 double sampleOf(const SkPicBuf& picBuf, quint32 x, quint32 y, quint32 channel) {
     const bool isWord = picBuf.dataType == EkImageDataType::Other16;
     const quint8* const row = picBuf.row(y);
     const size_t index = size_t(x) * picBuf.channels + channel;
-    double value = row[index]; // of a type that is not known: a byte
+    double value = row[index]; // unknown types are read as bytes
     visitSamples(isWord ? EkImageDataType::UInt16 : picBuf.dataType, [&](auto zero) {
         value = double(loadSample<decltype(zero)>(row, index));
         return true;
@@ -43,7 +43,7 @@ struct SkImageOptions {
     float high = 1.0F;
 };
 
-/// Every sample of a channel as float, so that any type takes a range in its own units.
+/// The samples of the channels as float, so that a range is in the units of the samples, whatever their type.
 bool toFloat(const SkPicBuf& source, quint32 firstChannel, quint32 channels, CkPicture& target) {
     if (!target.allocate(
             SkPicBufInfo::of(source.width, source.height, channels, EkImageDataType::Float32, 32))) {
@@ -151,17 +151,17 @@ bool readMap(const QString& name, int& map) {
     return false;
 }
 
-/// The format that was asked for, or that of the file's ending; the two have to agree. False, after saying
-/// why, when they do not.
-bool readFormat(bool asked, const QString& name, QString& format) {
-    const QString ending = tofEnding(name);
+/// Sets the format from the file name when none was requested. False, with an error message, when the
+/// requested format and the file name do not match.
+bool readFormat(bool requested, const QString& name, QString& format) {
+    const QString ending = tofSuffix(name);
     const bool asTiff = ending == QLatin1String("tif") || ending == QLatin1String("tiff");
     if (!asTiff && !ending.isEmpty() && ending != QLatin1String("png")) {
         CkToFConsole::error(QStringLiteral("\"%1\": a picture is written as .png, .tif or .tiff, not as .%2.")
                                 .arg(name, ending));
         return false;
     }
-    if (!asked) {
+    if (!requested) {
         format = asTiff ? QStringLiteral("tiff") : QStringLiteral("png");
         return true;
     }
@@ -180,7 +180,7 @@ bool readFormat(bool asked, const QString& name, QString& format) {
     return true;
 }
 
-/// Why a frame may not be made into a picture; empty when it may be, or when only reading it will tell.
+/// The error text when a frame needs too much memory; empty when it does not, or when its size is unknown.
 QString tooMuchMemory(const CkToFInput& input, qint64 frame, bool tiff) {
     SkFrameDescription description;
     if (!input.reader().describe(frame, description, nullptr)) {
@@ -189,7 +189,7 @@ QString tooMuchMemory(const CkToFInput& input, qint64 frame, bool tiff) {
     const SkPicBufInfo& info = description.info;
     SkToFGroup group{.first = frame};
     group.add(description);
-    // The frame as it is stored and as it is read, and what is made of a pixel on the way to the file.
+    // The frame as stored and as read, and the intermediate pictures on the way to the file.
     const quint64 pixelBytes = tiff ? 8ULL * info.channels : kBytesPerPngPixel;
     return input.tooMuchMemory(group, 2 * group.bytes + pixelBytes * group.pixels);
 }
@@ -244,7 +244,7 @@ int writeImage(CkToFInput& input, const QString& name, const SkImageOptions& ima
     QString error;
     const std::unique_ptr<CkImageData> data = input.reader().read(image.frame, &error);
     if (!error.isEmpty()) {
-        input.complain(error);
+        input.reportError(error);
     }
     if (data == nullptr) {
         return ToFInput;

@@ -9,12 +9,11 @@
 #include <thread>
 #include <vector>
 
-/// Does work(i) for every i from 0 to count - 1 on all cores, and finish(i, result) one after the other in
-/// the order of i on the thread that calls. No more than a few results wait at a time, and no more are begun
-/// than have room together: cost(i) is what i takes until it is finished, of room in all. One is always
-/// worked on. Ends early when finish answers false.
+/// Runs work(i) for every i from 0 to count - 1 on all cores, and finish(i, result) in the order of i on the
+/// calling thread. Only a few items are in flight at a time, and the sum of their cost(i) stays within the
+/// budget, except that one item may always run. Ends early when finish returns false.
 template <typename Cost, typename Work, typename Finish>
-void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, const Finish& finish) {
+void inOrder(qint64 count, quint64 budget, const Cost& cost, const Work& work, const Finish& finish) {
     using Result = decltype(work(qint64(0)));
     const qint64 cores = std::max<qint64>(1, std::thread::hardware_concurrency());
     const qint64 ahead = 2 * cores;
@@ -23,11 +22,11 @@ void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, con
     std::map<qint64, Result> done;
     qint64 next = 0;
     qint64 finished = 0;
-    quint64 taken = 0;
+    quint64 spent = 0;
     bool stop = false;
 
     const auto mayBegin = [&] {
-        return next < finished + ahead && (next == finished || taken + cost(next) <= room);
+        return next < finished + ahead && (next == finished || spent + cost(next) <= budget);
     };
     const auto worker = [&] {
         std::unique_lock lock(mutex);
@@ -37,7 +36,7 @@ void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, con
                 return;
             }
             const qint64 mine = next++;
-            taken += cost(mine);
+            spent += cost(mine);
             lock.unlock();
             Result result = work(mine);
             lock.lock();
@@ -54,11 +53,11 @@ void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, con
         changed.wait(lock, [&] { return done.count(finished) != 0; });
         Result result = std::move(done.extract(finished).mapped());
         lock.unlock();
-        const bool goOn = finish(finished, std::move(result));
+        const bool proceed = finish(finished, std::move(result));
         lock.lock();
-        taken -= cost(finished);
+        spent -= cost(finished);
         ++finished;
-        stop = !goOn;
+        stop = !proceed;
         changed.notify_all();
     }
     lock.unlock();
@@ -67,7 +66,7 @@ void inOrder(qint64 count, quint64 room, const Cost& cost, const Work& work, con
     }
 }
 
-/// The same where nothing takes much memory.
+/// Without a budget: for items that take little memory.
 template <typename Work, typename Finish>
 void inOrder(qint64 count, const Work& work, const Finish& finish) {
     inOrder(

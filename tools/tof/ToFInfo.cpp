@@ -36,15 +36,16 @@ QString typeName(EkImageDataType dataType) {
     }
 }
 
-/// A frame's metadata as it stands in the list of frames; null, after a complaint, when it cannot be read.
+/// The metadata of a frame as an element of the list of frames; null, with an error message, when it cannot
+/// be read.
 QString frameJson(const CkRecordingReader& reader, qint64 page, CkToFInput& input) {
     SkFrameDescription description;
     QString error;
     if (!reader.describe(page, description, &error)) {
-        input.complain(error);
+        input.reportError(error);
         return QStringLiteral("null");
     }
-    // What the file says, completed for files of others.
+    // The metadata of the file, with defaults for TIFF files of other origin.
     return QString::fromUtf8(QJsonDocument::fromJson(description.toText()).toJson()).trimmed();
 }
 
@@ -58,7 +59,7 @@ void printJson(const CkRecordingReader& reader, bool bEachFrame, CkToFInput& inp
                            {QStringLiteral("damage"), reader.damage()},
                            {QStringLiteral("frames"), QJsonArray{place}}};
     const QString text = QString::fromUtf8(QJsonDocument(root).toJson()).trimmed();
-    // Frame by frame: a recording may have a million.
+    // Written frame by frame: a recording may have a million.
     const QString indented = QStringLiteral("\n        ");
     const QString mark = indented + QLatin1Char('"') + place + QLatin1Char('"');
     const qsizetype at = text.lastIndexOf(mark);
@@ -85,7 +86,7 @@ void printText(const CkRecordingReader& reader, CkToFInput& input) {
     SkFrameDescription first;
     QString error;
     if (!reader.describe(0, first, &error)) {
-        input.complain(error);
+        input.reportError(error);
         return;
     }
     const SkPicBufInfo& info = first.info;

@@ -14,7 +14,7 @@ void append(png_structp png, png_bytep bytes, size_t size) {
     try {
         target->append(reinterpret_cast<const char*>(bytes), qsizetype(size));
     } catch (const std::bad_alloc&) {
-        stored = false; // no exception may pass through libpng
+        stored = false; // an exception must not unwind through libpng
     }
     if (!stored) {
         png_error(png, "out of memory");
@@ -23,7 +23,7 @@ void append(png_structp png, png_bytep bytes, size_t size) {
 
 void flush(png_structp /*png*/) {}
 
-/// False on an error, from which libpng returns with longjmp: nothing in here may need a destructor.
+/// False on an error, which libpng reports by longjmp: no local may have a destructor.
 bool write(png_structp png, png_infop info, const SkToFPngFormat& format, const char* samples) {
     if (setjmp(png_jmpbuf(png)) != 0) {
         return false;
@@ -32,7 +32,7 @@ bool write(png_structp png, png_infop info, const SkToFPngFormat& format, const 
     png_set_IHDR(png, info, format.width, format.height, format.bits,
                  format.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // Noisy samples gain little from filters, and simple readers need not undo any.
+    // Noisy samples gain little from filters, and readers stay simple without them.
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
     png_write_info(png, info);
     if (format.bits == 16 && Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
@@ -65,7 +65,7 @@ QByteArray encodePng(const SkToFPngFormat& format, const QByteArray& samples) {
     bool done = false;
     if (info != nullptr) {
         png_set_write_fn(png, &encoded, append, flush);
-        // Recordings have limits of their own; libpng refuses more than a million pixels a side by default.
+        // libpng's default limit is a million pixels per side; SkToFLimits already limits the recording.
         png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
         done = write(png, info, format, samples.constData());
     }

@@ -11,5 +11,5 @@ struct SkToFPngFormat {
 };
 
 /// Encodes a PNG picture. samples: packed rows, 16-bit samples in native byte order. Empty when the format is
-/// another one, when samples has another size, or when memory is short.
+/// not supported, when samples has another size, or when memory runs out.
 QByteArray encodePng(const SkToFPngFormat& format, const QByteArray& samples);

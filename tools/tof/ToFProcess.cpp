@@ -10,7 +10,7 @@
 
 namespace {
 
-/// What came out of one group.
+/// The result of one group.
 struct SkProcessed {
     struct SkFrame {
         std::unique_ptr<CkImageData> data;
@@ -19,7 +19,7 @@ struct SkProcessed {
     std::vector<SkFrame> frames;
     QStringList errors;
     QString refusal;    ///< of the transform
-    QString incomplete; ///< what the set lacks, when nothing came out for want of it
+    QString incomplete; ///< what the set lacks, when it gave no frame
 };
 
 int transformOf(const QString& name) {
@@ -31,8 +31,8 @@ int transformOf(const QString& name) {
     return -1;
 }
 
-/// What processing a group takes: a page as it is read and as it is stored, the gathered set, and a result of
-/// twice the size with the copies that writing makes of it.
+/// Memory for processing a group: a page as read and as stored, the gathered set, and a result of twice the
+/// size with the copies made for writing.
 quint64 bytesFor(const SkToFGroup& group) {
     return 2 * group.largestPage + 6 * group.bytes;
 }
@@ -94,7 +94,7 @@ int processRecording(CkToFInput& input, int transform, const QString& result,
     const std::vector<SkToFGroup> groups = input.groups();
     CkRecordingWriter writer;
     bool writes = true;
-    QString incomplete; // the first set that is
+    QString incomplete; // about the first incomplete set
     SkRecordingInfo recording = reader.recordingInfo();
     recording.software = tofSoftware();
     const auto open = [&] { return writer.isOpen() || writer.open(result, recording, compression); };
@@ -110,10 +110,10 @@ int processRecording(CkToFInput& input, int transform, const QString& result,
             },
             [&](qint64 i, SkProcessed&& done) {
                 for (const QString& error : std::as_const(done.errors)) {
-                    input.complain(error);
+                    input.reportError(error);
                 }
                 if (!done.refusal.isEmpty()) {
-                    input.complain(done.refusal);
+                    input.reportError(done.refusal);
                 }
                 if (incomplete.isEmpty()) {
                     incomplete = done.incomplete;

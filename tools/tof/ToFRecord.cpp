@@ -23,7 +23,7 @@ bool isNumber(const CkCameraParam::SkDescription& about) {
     return about.kind == CkCameraParam::EkKind::Integer || about.kind == CkCameraParam::EkKind::Float;
 }
 
-/// What a parameter can be set to: ", 1 to 60" or ": 0 Room, 1 Flat wall".
+/// The values a parameter accepts: ", 1 to 60" or ": 0 Room, 1 Flat wall".
 QString choices(const CkCameraParam::SkDescription& about) {
     QStringList entries;
     for (const CkCameraParam::SkEnumEntry& entry : about.entries) {
@@ -56,7 +56,7 @@ void listCameras() {
     }
 }
 
-/// The camera's parameters, changed together. False, after saying why, when one cannot be had.
+/// Commits all parameters in one batch. False, with an error message, when one is refused.
 bool applySettings(CkCameraParameters& parameters, const QStringList& settings) {
     for (const QString& setting : settings) {
         const QString name = setting.section(QLatin1Char('='), 0, 0).trimmed();
@@ -76,7 +76,7 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
             CkToFConsole::error(QStringLiteral("\"%1\" is no value for %2.").arg(text, name));
             return false;
         }
-        // The parameter itself takes the nearest value; a recording would not be what was asked for.
+        // The parameter would clamp the value, and the recording would not be what was requested.
         const CkCameraParam::SkDescription& about = param->description();
         if (number && isNumber(about) && about.minimum < about.maximum &&
             !(wanted >= about.minimum && wanted <= about.maximum)) {
@@ -128,7 +128,7 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
     const int receiver = 0;
     manager.addFrameReceiver(handle, &receiver, [&](CkImageData* pData) {
         std::unique_ptr<CkImageData> data(pData);
-        // A simulated camera can wait, so that not one frame is lost.
+        // Blocking the simulated camera is allowed, so no frame is dropped.
         if (taken < frames && recorder.waitForRoom()) {
             ++taken;
             recorder.takeFrame(data.release());

@@ -5,15 +5,15 @@
 
 #include <algorithm>
 
-/// "1 frame", "2 frames": for things whose plural only takes an s.
+/// "1 frame", "2 frames": for nouns with a regular plural.
 inline QString tofCount(qint64 iCount, const char* pThing) {
     return QStringLiteral("%1 %2%3").arg(QString::number(iCount), QLatin1String(pThing).toString(),
                                          iCount == 1 ? QString() : QStringLiteral("s"));
 }
 
-/// The ending of a file name, lower case and without its dot; empty when the text after the last dot has no
-/// letters and so is part of a number or a date, as in "room-1.5".
-inline QString tofEnding(const QString& sFileName) {
+/// The suffix of a file name, in lower case and without the dot. Empty when the text after the last dot has
+/// no letters: it is part of a number or a date, as in "room-1.5".
+inline QString tofSuffix(const QString& sFileName) {
     const QString ending = QFileInfo(sFileName).suffix().toLower();
     const bool letters =
         std::any_of(ending.begin(), ending.end(), [](QChar letter) { return letter.isLetter(); });

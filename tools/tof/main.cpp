@@ -8,7 +8,7 @@
 
 namespace {
 
-const char* const overview = R"(Usage: tof COMMAND [options] ...
+const char* const kOverview = R"(Usage: tof COMMAND [options] ...
 Works on recordings of time-of-flight cameras, without a window.
 
 Commands:
@@ -50,7 +50,7 @@ int run(const QStringList& arguments) {
         }
     }
     if (name == QLatin1String("-h") || name == QLatin1String("--help")) {
-        CkToFConsole::print(QString::fromLatin1(overview));
+        CkToFConsole::print(QString::fromLatin1(kOverview));
         return ToFSuccess;
     }
     if (name == QLatin1String("-v") || name == QLatin1String("--version")) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 
@@ -18,23 +18,23 @@ void CkToFErrorStatistics::add(double fError) {
 }
 
 double CkToFErrorStatistics::mean() const {
-    return isEmpty() ? nothing : m_fMean;
+    return isEmpty() ? kNaN : m_fMean;
 }
 
 double CkToFErrorStatistics::standardDeviation() const {
     if (isEmpty()) {
-        return nothing;
+        return kNaN;
     }
     return m_magnitudes.size() == 1 ? 0.0 : std::sqrt(m_fSquares / double(m_magnitudes.size() - 1));
 }
 
 double CkToFErrorStatistics::largest() const {
-    return isEmpty() ? nothing : *std::max_element(m_magnitudes.begin(), m_magnitudes.end());
+    return isEmpty() ? kNaN : *std::max_element(m_magnitudes.begin(), m_magnitudes.end());
 }
 
 double CkToFErrorStatistics::percentile(double fShare) {
     if (isEmpty()) {
-        return nothing;
+        return kNaN;
     }
     const double rank = std::ceil(fShare * double(m_magnitudes.size()));
     const auto index =

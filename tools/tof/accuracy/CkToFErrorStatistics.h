@@ -2,13 +2,14 @@
 
 #include <vector>
 
-/// Mean, spread and percentiles of errors. Keeps them all, as percentiles need. One thread at a time.
+/// Mean, standard deviation and percentiles of errors. Stores every error, for the percentiles. One thread at
+/// a time.
 class CkToFErrorStatistics {
 public:
     void add(double fError);
     bool isEmpty() const { return m_magnitudes.empty(); }
 
-    // Not a number as long as nothing was added; the deviation of a single error is 0.
+    // NaN while nothing was added. The deviation of a single error is 0.
     double mean() const;
     double standardDeviation() const;
     double largest() const;
@@ -17,7 +18,7 @@ public:
 
 private:
     std::vector<double> m_magnitudes;
-    // Running mean and sum of squares about it, for errors that are small beside their mean.
+    // Running mean and sum of squares about it: accurate also when the spread is small against the mean.
     double m_fMean = 0.0;
     double m_fSquares = 0.0;
 };

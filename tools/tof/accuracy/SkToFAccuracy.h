@@ -14,7 +14,7 @@ struct SkToFAccuracyPoint {
     int bits = 12;             ///< of the converter: 8, 12 or 16
 };
 
-/// What all cells have in common. Plain data.
+/// Settings that all cells share. Plain data.
 struct SkToFAccuracySetup {
     int width = 128; ///< pixels, in the middle of the sensor
     int height = 96;
@@ -25,26 +25,26 @@ struct SkToFAccuracySetup {
     float confidenceThreshold = 10.0F; ///< pixels of a higher confidence value are not valid
 };
 
-/// What came out of a cell. Errors are measured minus true distance along the ray, over all valid pixels of
+/// The result of a cell. Errors are measured minus true distance along the ray, over all valid pixels of
 /// all frames; distances beyond the range are compared modulo the range. Plain data.
 struct SkToFAccuracyResult {
     SkToFAccuracyPoint point;
-    double rangeM = 0.0; ///< m, at which distances start again (wave) or end (hybrid)
+    double rangeM = 0.0; ///< m, where distances wrap (wave) or end (hybrid)
     qint64 pixels = 0;
     qint64 valid = 0;
     qint64 saturated = 0;   ///< pixels with a sample at the end of its range
-    double biasMm = 0.0;    ///< mean error; not a number without valid pixels, as the next three
+    double biasMm = 0.0;    ///< mean error; like the next three NaN without valid pixels
     double stdMm = 0.0;     ///< standard deviation of the error
-    double p95Mm = 0.0;     ///< 95 % of the errors are not larger than this
-    double largestMm = 0.0; ///< largest error
+    double p95Mm = 0.0;     ///< 95th percentile of the magnitude of the error
+    double largestMm = 0.0; ///< largest magnitude of the error
     double signal = 0.0;    ///< reflected electrons of one exposure, mean over the pixels
     double total = 0.0;     ///< reflected and ambient electrons of one exposure, mean over the pixels
-    double shotMm = 0.0;    ///< standard deviation that the photons alone allow
-    double sensorMm = 0.0;  ///< the same with the sensor's read noise and the converter's steps
-    QString error;          ///< why nothing came out, or empty
+    double shotMm = 0.0;    ///< lower limit of the standard deviation by shot noise alone
+    double sensorMm = 0.0;  ///< the same with read noise and quantisation
+    QString error;          ///< why the cell could not be measured, or empty
 
     double validShare() const { return pixels > 0 ? double(valid) / double(pixels) : 0.0; }
     double saturatedShare() const { return pixels > 0 ? double(saturated) / double(pixels) : 0.0; }
-    /// Whether the distance lies beyond what the frequency tells apart.
+    /// Whether the distance is beyond the unambiguous range.
     bool isWrapped() const { return !point.hybrid && point.distanceM >= rangeM; }
 };

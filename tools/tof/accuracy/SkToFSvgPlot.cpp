@@ -8,17 +8,17 @@
 
 namespace {
 
-constexpr double width = 560.0;
-constexpr double left = 66.0;
-constexpr double right = 14.0;
-constexpr double top = 30.0;
-constexpr double plotHeight = 240.0;
-constexpr double axisRoom = 46.0;
-constexpr double legendRow = 17.0;
-constexpr double legendColumn = 240.0;
-constexpr int mostTicks = 7;
+constexpr double kWidth = 560.0;
+constexpr double kLeft = 66.0;
+constexpr double kRight = 14.0;
+constexpr double kTop = 30.0;
+constexpr double kPlotHeight = 240.0;
+constexpr double kAxisHeight = 46.0;
+constexpr double kLegendRow = 17.0;
+constexpr double kLegendColumn = 240.0;
+constexpr int kMaxTicks = 7;
 
-/// Maps values of one axis to pixels.
+/// One axis: maps its values to pixels.
 struct SkAxis {
     double low = std::numeric_limits<double>::infinity();
     double high = -std::numeric_limits<double>::infinity();
@@ -37,13 +37,13 @@ struct SkAxis {
             high = logarithmic ? 10.0 : 1.0;
         }
         if (logarithmic) {
-            const double room = std::max(0.03 * std::log10(high / low), 0.05);
-            low *= std::pow(10.0, -room);
-            high *= std::pow(10.0, room);
+            const double margin = std::max(0.03 * std::log10(high / low), 0.05);
+            low *= std::pow(10.0, -margin);
+            high *= std::pow(10.0, margin);
         } else {
-            const double room = high > low ? 0.05 * (high - low) : std::max(0.5 * std::abs(high), 0.5);
-            low -= room;
-            high += room;
+            const double margin = high > low ? 0.05 * (high - low) : std::max(0.5 * std::abs(high), 0.5);
+            low -= margin;
+            high += margin;
         }
     }
     double pixel(double value) const {
@@ -54,7 +54,7 @@ struct SkAxis {
 };
 
 QString number(double value) {
-    // Differences of decimals leave crumbs around 0.
+    // A tick at 0 is computed with a rounding error.
     return QString::number(std::abs(value) < 1e-12 ? 0.0 : value, 'g', 6);
 }
 
@@ -95,9 +95,9 @@ QString drawn(const SkToFSvgPlot::SkSeries& series, const SkAxis& x, const SkAxi
 }
 
 QString legendEntry(const SkToFSvgPlot::SkSeries& one, size_t entry, double legendTop) {
-    const double entryX = left + legendColumn * double(entry % 2);
+    const double entryX = kLeft + kLegendColumn * double(entry % 2);
     const size_t entryRow = entry / 2;
-    const double entryY = legendTop + legendRow * double(entryRow) + 8.0;
+    const double entryY = legendTop + kLegendRow * double(entryRow) + 8.0;
     return QStringLiteral(
                "<line x1=\"%1\" y1=\"%2\" x2=\"%3\" y2=\"%2\" stroke=\"%4\" stroke-width=\"%5\"%6/>")
                .arg(at(one.line ? entryX : entryX + 9.0), at(entryY),
@@ -110,9 +110,9 @@ QString legendEntry(const SkToFSvgPlot::SkSeries& one, size_t entry, double lege
 } // namespace
 
 QString tofPlotColour(size_t index) {
-    static const char* const colours[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7",
-                                          "#e69f00", "#56b4e9", "#000000", "#7a6a00"};
-    return QLatin1String(colours[index % std::size(colours)]);
+    static const char* const kColours[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7",
+                                           "#e69f00", "#56b4e9", "#000000", "#7a6a00"};
+    return QLatin1String(kColours[index % std::size(kColours)]);
 }
 
 std::vector<double> tofPlotTicks(double low, double high, bool logarithmic) {
@@ -130,7 +130,7 @@ std::vector<double> tofPlotTicks(double low, double high, bool logarithmic) {
         }
         return ticks;
     }
-    const double raw = (high - low) / mostTicks;
+    const double raw = (high - low) / kMaxTicks;
     const double decade = std::pow(10.0, std::floor(std::log10(raw)));
     const double share = raw / decade;
     const double step = decade * (share <= 1.0 ? 1.0 : share <= 2.0 ? 2.0 : share <= 5.0 ? 5.0 : 10.0);
@@ -157,18 +157,18 @@ QString SkToFSvgPlot::svg() const {
     }
     x.widen();
     y.widen();
-    x.first = left;
-    x.last = width - right;
-    y.first = top + plotHeight;
-    y.last = top;
-    const double legendTop = top + plotHeight + axisRoom;
+    x.first = kLeft;
+    x.last = kWidth - kRight;
+    y.first = kTop + kPlotHeight;
+    y.last = kTop;
+    const double legendTop = kTop + kPlotHeight + kAxisHeight;
     const size_t legendRows = (named + 1) / 2;
-    const double height = legendTop + legendRow * double(legendRows) + 4.0;
+    const double height = legendTop + kLegendRow * double(legendRows) + 4.0;
 
     QString svg = QStringLiteral("<svg viewBox=\"0 0 %1 %2\" role=\"img\" class=\"plot\">"
                                  "<title>%3</title>")
-                      .arg(at(width), at(height), title.toHtmlEscaped());
-    svg += text(width / 2.0, 17.0, QStringLiteral("middle"), title, QStringLiteral(" class=\"heading\""));
+                      .arg(at(kWidth), at(height), title.toHtmlEscaped());
+    svg += text(kWidth / 2.0, 17.0, QStringLiteral("middle"), title, QStringLiteral(" class=\"heading\""));
     for (const double tick : tofPlotTicks(x.low, x.high, logX)) {
         svg += line(x.pixel(tick), y.last, x.pixel(tick), y.first, QStringLiteral("grid"));
         svg += text(x.pixel(tick), y.first + 16.0, QStringLiteral("middle"), number(tick));
@@ -177,7 +177,7 @@ QString SkToFSvgPlot::svg() const {
         const bool zero = !logY && std::abs(tick) < 1e-12;
         svg += line(x.first, y.pixel(tick), x.last, y.pixel(tick),
                     zero ? QStringLiteral("zero") : QStringLiteral("grid"));
-        svg += text(left - 6.0, y.pixel(tick) + 4.0, QStringLiteral("end"), number(tick));
+        svg += text(kLeft - 6.0, y.pixel(tick) + 4.0, QStringLiteral("end"), number(tick));
     }
     svg += line(x.first, y.first, x.last, y.first, QStringLiteral("axis"));
     svg += line(x.first, y.first, x.first, y.last, QStringLiteral("axis"));

@@ -5,13 +5,13 @@
 #include <utility>
 #include <vector>
 
-/// A line or scatter plot as a piece of SVG that goes into a page as it is. Plain data.
+/// A line or scatter plot as an SVG element for an HTML page. Plain data.
 struct SkToFSvgPlot {
     struct SkSeries {
-        QString name;   ///< in the legend; a series without a name is not in it
-        QString colour; ///< of the SVG
+        QString name;   ///< in the legend; a series without a name is left out of it
+        QString colour; ///< an SVG colour
         bool line = true;
-        bool dashed = false; ///< a line without marks
+        bool dashed = false; ///< a line without markers
         std::vector<std::pair<double, double>> points;
     };
     QString title;
@@ -25,8 +25,8 @@ struct SkToFSvgPlot {
     QString svg() const;
 };
 
-/// Colours that stay apart for the colour-blind and on grey prints; any number, from 0.
+/// Colours that are distinguishable with colour blindness and in grey print. Any index: they repeat.
 QString tofPlotColour(size_t index);
 
-/// Round numbers on an axis from low to high, both included where round. Logarithmic: low above 0.
+/// Round numbers from low to high, inclusive. On a logarithmic axis low is above 0.
 std::vector<double> tofPlotTicks(double low, double high, bool logarithmic);

@@ -5,7 +5,7 @@
 QStringList SkToFAccuracyLimits::exceededBy(const SkToFAccuracyResult& result) const {
     QStringList exceeded;
     const auto check = [&exceeded](const std::optional<double>& limit, double value, const char* text) {
-        // Written so that what is no number exceeds the limit too.
+        // Negated, so that NaN exceeds the limit too.
         if (limit && !(value <= *limit)) {
             exceeded.append(QString::fromLatin1(text).arg(value, 0, 'g', 4).arg(*limit, 0, 'g', 4));
         }

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-/// The values that are combined. Plain data; the defaults are those of the command.
+/// The values whose combinations are measured. Plain data; the defaults are those of the command.
 struct SkToFAccuracyMatrix {
     bool wave = true;
     bool hybrid = true;
@@ -16,6 +16,6 @@ struct SkToFAccuracyMatrix {
     std::vector<double> phases{2.0, 4.0, 8.0};
     std::vector<double> bits{8.0, 12.0};
 
-    /// Every combination; the distance changes fastest. A hybrid camera has no phases.
+    /// Every combination; the distance varies fastest. A hybrid camera has no phases.
     std::vector<SkToFAccuracyPoint> points() const;
 };

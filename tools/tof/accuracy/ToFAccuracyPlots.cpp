@@ -12,7 +12,7 @@ auto groupKey(const SkToFAccuracyPoint& point) {
     return std::tuple(point.hybrid, point.modulation, point.phases, point.bits);
 }
 
-/// The cells of a group by wall and light, each over the distance.
+/// The cells of a group, split by reflectivity and ambient light and sorted by distance.
 std::vector<SkToFAccuracyGroup> byScene(const SkToFAccuracyGroup& group) {
     std::vector<SkToFAccuracyGroup> scenes;
     for (const SkToFAccuracyResult* result : group.results) {
@@ -129,7 +129,7 @@ QString accuracyLimitPlot(const std::vector<SkToFAccuracyGroup>& groups) {
         series.colour = tofPlotColour(index++);
         series.line = false;
         for (const SkToFAccuracyResult* result : group.results) {
-            // Saturated pixels have less noise than light; they say nothing about the limit.
+            // Saturation clips the noise, so these cells cannot be compared with the limit.
             if (result->stdMm > 0.0 && result->saturated == 0) {
                 series.points.emplace_back(result->shotMm, result->stdMm);
                 low = std::min(low, result->shotMm);

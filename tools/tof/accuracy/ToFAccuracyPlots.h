@@ -14,8 +14,8 @@ struct SkToFAccuracyGroup {
 /// The groups in the order of the matrix.
 std::vector<SkToFAccuracyGroup> groupAccuracy(const std::vector<SkToFAccuracyResult>& results);
 
-/// Plots as SVG: error and noise of a group over the distance, and the noise of all cells of one frequency
-/// over their limit. Empty when no cell has anything to show.
+/// Plots as SVG: error and noise of a group against the distance, and the noise of all cells of one frequency
+/// against their limit.
 QString accuracyErrorPlot(const SkToFAccuracyGroup& group);
 QString accuracyNoisePlot(const SkToFAccuracyGroup& group);
 QString accuracyLimitPlot(const std::vector<SkToFAccuracyGroup>& groups);

@@ -9,7 +9,7 @@
 
 namespace {
 
-const char* const head = R"(<!DOCTYPE html>
+const char* const kHead = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
 <meta charset="utf-8"/>
@@ -54,7 +54,7 @@ td:first-child, th:first-child { text-align: left; }
 <body>
 )";
 
-const char* const method = R"(<h2>How this was measured</h2>
+const char* const kMethod = R"(<h2>How this was measured</h2>
 <p>The simulated camera looks at a flat wall across its optical axis. Every raw picture goes through the
 processing that the plug-in uses: phase shift and confidence of the processing block, then the distance along the
 ray and the confidence filter of the point cloud. The error of a pixel is its measured minus its true distance;
@@ -81,7 +81,7 @@ QString number(double value, int decimals) {
     return std::isfinite(value) ? QString::number(value, 'f', decimals) : QStringLiteral("–");
 }
 
-/// Three digits that mean something.
+/// Three significant digits, in millimetres.
 QString length(double value) {
     if (!std::isfinite(value)) {
         return QStringLiteral("–");
@@ -136,7 +136,7 @@ QString verdict(const SkToFAccuracyReport& report) {
         .arg(tofCount(report.exceeded.size(), "limit"), list);
 }
 
-/// The finite value that is largest by size; not a number when there is none.
+/// The finite value of largest magnitude; NaN when there is none.
 double worst(const SkToFAccuracyGroup& group, double SkToFAccuracyResult::*value) {
     double found = std::nan("");
     for (const SkToFAccuracyResult* result : group.results) {
@@ -214,7 +214,7 @@ QString allCells(const std::vector<SkToFAccuracyGroup>& groups) {
     return text;
 }
 
-/// Plots of one frequency: its groups, then all of them against the limit.
+/// The plots, one section per frequency or pulse: all of its groups against the limit, then each group.
 QString plots(const std::vector<SkToFAccuracyGroup>& groups, bool noise) {
     QString text;
     for (size_t first = 0; first < groups.size();) {
@@ -246,12 +246,12 @@ QString plots(const std::vector<SkToFAccuracyGroup>& groups, bool noise) {
 
 QByteArray SkToFAccuracyReport::html() const {
     const std::vector<SkToFAccuracyGroup> groups = groupAccuracy(results);
-    QString text = QString::fromUtf8(head);
+    QString text = QString::fromUtf8(kHead);
     text +=
         QStringLiteral("<h1>ToF accuracy</h1>\n<p class=\"mild\">Simulated camera with known truth</p>\n");
     text += verdict(*this) + settingsTable(*this);
     text += QStringLiteral("<h2>Summary</h2>\n") + summary(groups, setup.noise);
-    text += QString::fromUtf8(method);
+    text += QString::fromUtf8(kMethod);
     text += plots(groups, setup.noise);
     text += QStringLiteral("<h2>All cells</h2>\n") + allCells(groups);
     return (text + QStringLiteral("</body>\n</html>\n")).toUtf8();

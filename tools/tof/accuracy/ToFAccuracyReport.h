@@ -7,17 +7,17 @@
 
 #include <vector>
 
-/// What a report is made of. Plain data.
+/// The content of a report. Plain data.
 struct SkToFAccuracyReport {
     SkToFAccuracySetup setup;
     QString software;
-    QString commandLine; ///< that makes the same report
+    QString commandLine; ///< which reproduces the report
     std::vector<SkToFAccuracyResult> results;
     bool limited = false; ///< whether limits were given
     QStringList exceeded; ///< the limits that were exceeded, one text each
 
-    /// One line a cell, lengths in millimetres unless the name says otherwise, a point as decimal sign.
+    /// One line per cell. Column names carry the units; the decimal separator is a point.
     QByteArray csv() const;
-    /// A page that needs nothing else: tables and plots.
+    /// A self-contained page with tables and plots.
     QByteArray html() const;
 };

@@ -3,75 +3,45 @@
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "plugins/zplToF/cloud/SkToFCloudScales.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
-#include "sim/camera/SkSimPlan.h"
-#include "sim/synth/CkSimHybridSynth.h"
-#include "sim/synth/CkSimNoise.h"
-#include "sim/synth/CkSimWaveSynth.h"
 #include "sim/synth/SimRow.h"
 #include "tools/tof/CkToFPipeline.h"
 #include "tools/tof/accuracy/CkToFErrorStatistics.h"
+#include "tools/tof/accuracy/CkToFWallCamera.h"
 #include "tools/tof/accuracy/ToFNoiseLimit.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/CkPicture.h"
-#include "zuCore/ToFVocabulary.h"
+#include "zuCore/SampleVisitor.h"
 
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
 
 namespace {
 
-SkSimSettings settingsOf(const SkToFAccuracyPoint& point, const SkToFAccuracySetup& setup) {
-    SkSimSettings settings;
-    settings.exposure.timeUs = setup.exposureUs;
-    settings.exposure.ambient = point.ambient;
-    settings.exposure.noise = setup.noise;
-    settings.exposure.seed = setup.seed;
-    settings.scene = EkSimScene::Wall;
-    settings.wallDistanceM = point.distanceM;
-    settings.wallReflectivity = point.reflectivity;
-    settings.modulationMHz = point.modulation;
-    settings.pulseNs = point.modulation;
-    settings.phases = point.phases;
-    const bool bytes = point.bits == 8;
-    settings.dataFormat = point.hybrid ? (bytes ? ToFDataFormat::kHybrid8 : ToFDataFormat::kHybrid12)
-                                       : (bytes ? ToFDataFormat::kAandB8 : ToFDataFormat::kAandB12);
-    settings.converterBits = bytes ? settings.converterBits : point.bits;
-    return settings;
-}
-
-/// The first set of a cell's noise, the same whatever else is in the matrix.
-quint64 firstSet(const SkToFAccuracyPoint& point) {
-    quint64 key = point.hybrid ? 1U : 0U;
-    for (const double value : {point.modulation, point.distanceM, point.reflectivity, point.ambient,
-                               double(point.phases), double(point.bits)}) {
-        key = CkSimNoise::bits(key ^ std::bit_cast<quint64>(value), 0);
-    }
-    return key;
-}
-
-template <typename Sample>
-qint64 countSaturated(const SkPicBuf& raw, quint32 rows, quint32 parts) {
-    const auto full = Sample((1U << raw.bitsPerChannel) - 1U);
-    qint64 count = 0;
-    for (quint32 y = 0; y < rows; ++y) {
-        for (quint32 x = 0; x < raw.width; ++x) {
-            bool saturated = false;
-            for (quint32 part = 0; part < parts; ++part) {
-                const auto* const samples =
-                    reinterpret_cast<const Sample*>(raw.row(part * rows + y)) + size_t(x) * raw.channels;
-                for (quint32 c = 0; c < raw.channels; ++c) {
-                    saturated = saturated || samples[c] >= full;
+/// Pixels with a sample at the end of its range in any of the stacked parts.
+qint64 countSaturated(const SkPicBuf& raw, quint32 parts) {
+    const quint32 rows = raw.height / parts;
+    const quint32 full = (1U << raw.bitsPerChannel) - 1U;
+    return visitIntegerSamples(raw.dataType, [&](auto zero) {
+        using Sample = decltype(zero);
+        qint64 count = 0;
+        for (quint32 y = 0; y < rows; ++y) {
+            for (quint32 x = 0; x < raw.width; ++x) {
+                bool saturated = false;
+                for (quint32 part = 0; part < parts; ++part) {
+                    const quint8* const row = raw.row(part * rows + y);
+                    for (quint32 c = 0; c < raw.channels; ++c) {
+                        saturated = saturated ||
+                                    loadSample<Sample>(row, size_t(x) * raw.channels + c) >= Sample(full);
+                    }
                 }
+                count += saturated ? 1 : 0;
             }
-            count += saturated ? 1 : 0;
         }
-    }
-    return count;
+        return count;
+    });
 }
 
-/// Light and limits of the cell, from the electrons of every pixel.
+/// Adds light and noise limits of the cell, from the electrons of every pixel.
 void addLimits(const CkSimRaster& raster, const SkSimSettings& settings, SkToFAccuracyResult& result) {
     using Wave = CkSimWaveSynth;
     using Hybrid = CkSimHybridSynth;
@@ -116,7 +86,7 @@ void addLimits(const CkSimRaster& raster, const SkSimSettings& settings, SkToFAc
     result.sensorMm = std::sqrt(sensor / double(count));
 }
 
-/// Distances as the point cloud has them, where its confidence filter lets them pass.
+/// Adds the errors of the pixels that pass the confidence filter of the point cloud, with its distances.
 bool addErrors(const CkImageData& depth, const CkSimRaster& raster, const SkToFAccuracySetup& setup,
                SkToFAccuracyResult& result, CkToFErrorStatistics& statistics) {
     CkToFDepthFrame frame;
@@ -136,7 +106,7 @@ bool addErrors(const CkImageData& depth, const CkSimRaster& raster, const SkToFA
         pictures.depthPic.height != quint32(setup.height)) {
         return false;
     }
-    // A picture without one valid pixel has no range to make a cloud of, and no errors.
+    // Without a valid pixel there is no range for the scales, and no error to add.
     if (!scales.useLens) {
         return true;
     }
@@ -165,58 +135,24 @@ SkToFAccuracyResult measureAccuracy(const SkToFAccuracyPoint& point, const SkToF
     result.point = point;
     result.rangeM = point.hybrid ? 2.0 * CkSimHybridSynth::range(point.modulation)
                                  : CkSimWaveSynth::unambiguousRange(point.modulation);
-    const SkSimSettings settings = settingsOf(point, setup);
-    const EkSimCameraKind kind = point.hybrid ? EkSimCameraKind::Hybrid : EkSimCameraKind::Wave;
-    SkSimLens lens = simLens(kind, settings);
-    lens.width = setup.width;
-    lens.height = setup.height;
-    const CkSimRaster raster(lens, CkSimScene::wall(point.distanceM, point.reflectivity));
-    addLimits(raster, settings, result);
+    CkToFWallCamera camera(point, setup);
+    addLimits(camera.raster(), camera.settings(), result);
 
-    const SkSimImage image = makeSimPlan(kind, settings, {}).front();
-    SkPicBufInfo info = image.info;
-    const auto parts = quint32(image.parts.size());
-    info.width = quint32(setup.width);
-    info.height = quint32(setup.height) * parts;
-    info.lineSize = 0;
-
-    CkSimWaveSynth wave;
-    CkSimHybridSynth hybrid;
-    wave.setup(settings.exposure, settings.modulationMHz);
-    hybrid.setup(settings.exposure, settings.pulseNs);
     CkToFPipeline pipeline(ToFTransform::Depth);
     CkToFErrorStatistics statistics;
-    const quint64 set = firstSet(point);
     for (qint64 frame = 0; frame < setup.frames; ++frame) {
-        CkPicture picture;
-        if (!picture.allocate(info)) {
-            result.error = QStringLiteral("There is not enough memory.");
+        CkImageData raw;
+        result.error = camera.expose(frame, raw);
+        if (!result.error.isEmpty()) {
             return result;
         }
-        CkImageData raw;
-        raw.setPicBuf(picture.take());
-        raw.setMetadata(image.metadata);
-        for (quint32 part = 0; part < parts; ++part) {
-            const quint32 row = part * quint32(setup.height);
-            const int what = image.parts[part];
-            const bool painted =
-                point.hybrid ? hybrid.writeSection(raster, set + quint64(frame), what,
-                                                   CkSimHybridSynth::EkSection::Plain, raw.picBuf(), row)
-                             : wave.writePhase(raster, set + quint64(frame), what, raw.picBuf(), row);
-            if (!painted) {
-                result.error = QStringLiteral("The simulated camera cannot be set up like this.");
-                return result;
-            }
-        }
         result.pixels += qint64(setup.width) * setup.height;
-        result.saturated += info.dataType == EkImageDataType::UInt8
-                                ? countSaturated<quint8>(raw.picBuf(), quint32(setup.height), parts)
-                                : countSaturated<quint16>(raw.picBuf(), quint32(setup.height), parts);
+        result.saturated += countSaturated(raw.picBuf(), camera.parts());
         std::unique_ptr<CkImageData> depth;
         if (pipeline.process(raw, depth, result.error) != CkToFPipeline::EkResult::Frame) {
             return result;
         }
-        if (!addErrors(*depth, raster, setup, result, statistics)) {
+        if (!addErrors(*depth, camera.raster(), setup, result, statistics)) {
             result.error = QStringLiteral("The processing made no distances.");
             return result;
         }

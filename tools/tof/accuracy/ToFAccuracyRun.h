@@ -2,8 +2,7 @@
 
 #include "tools/tof/accuracy/SkToFAccuracy.h"
 
-/// Lets the simulated camera look at a wall of known distance, processes its raw pictures as the plug-in does
-/// (processing block, then the distances and the confidence filter of the point cloud) and compares with the
-/// truth, pixel by pixel. The result depends on the arguments alone: every cell has a noise of its own. Any
-/// thread.
+/// Measures one cell: a simulated camera looks at a wall of known distance, its raw pictures are processed as
+/// in the plug-in (processing block, then distances and confidence filter of the point cloud) and compared
+/// with the truth pixel by pixel. The result depends on the arguments alone. Any thread.
 SkToFAccuracyResult measureAccuracy(const SkToFAccuracyPoint& point, const SkToFAccuracySetup& setup);

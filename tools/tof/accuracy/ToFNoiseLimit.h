@@ -1,9 +1,9 @@
 #pragma once
 
-// What shot noise leaves of a measurement, from the electrons that were collected.
+// The standard deviation that shot noise alone gives a measurement, from the collected electrons.
 //
-// Shot noise is Poisson noise: its variance is the number of electrons. Everything below carries variances
-// through the measuring equation to first order; it holds as long as the result is small against the range.
+// Shot noise is Poisson noise: its variance is the number of electrons. The functions propagate variances
+// through the measuring equation to first order, which is valid while the result is small against the range.
 
 /// Standard deviation in radians of the phase shift of a continuous-wave measurement with two taps.
 ///
@@ -15,14 +15,14 @@
 ///
 ///     sigma = sqrt(V N / 2) / (C S N / 2) = sqrt(2 V / N) / (C S).
 ///
-/// other: further variance of a difference (read noise and rounding of both taps), electrons squared.
+/// other: additional variance of a difference (read noise and rounding of both taps), electrons squared.
 double wavePhaseSigma(double signal, double total, double contrast, int phases, double other = 0.0);
 
-/// Standard deviation of u = (Q - R) / (P + Q - 2 R), the place of a pulse between the windows P and Q with
-/// the ambient light R, as a share of the pulse's range; from the electrons of the windows. With D = P + Q -
-/// 2 R the derivatives are -u / D, (1 - u) / D and (2 u - 1) / D, and so
+/// Standard deviation of u = (Q - R) / (P + Q - 2 R), the position of a pulse between the windows P and Q
+/// with the ambient light R, as a share of the pulse's range; from the electrons of the windows. With D = P +
+/// Q - 2 R the derivatives are -u / D, (1 - u) / D and (2 u - 1) / D, and so
 ///
 ///     sigma = sqrt(u^2 var P + (1 - u)^2 var Q + (2 u - 1)^2 var R) / D.
 ///
-/// other: further variance of each window, electrons squared.
+/// other: additional variance of each window, electrons squared.
 double pulseShareSigma(double first, double second, double ambient, double other = 0.0);

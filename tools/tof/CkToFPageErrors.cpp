@@ -1,4 +1,4 @@
-#include "tools/tof/CkToFComplaints.h"
+#include "tools/tof/CkToFPageErrors.h"
 
 #include "tools/tof/CkToFConsole.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr size_t shownKinds = 5;
+constexpr size_t kMaxKinds = 5;
 
 QString withoutPage(QString message) {
     static const QRegularExpression page(QStringLiteral("\", page \\d+: "));
@@ -17,7 +17,7 @@ QString withoutPage(QString message) {
 
 } // namespace
 
-CkToFComplaints::~CkToFComplaints() {
+CkToFPageErrors::~CkToFPageErrors() {
     for (const SkKind& kind : m_kinds) {
         if (kind.count > 1) {
             CkToFConsole::error(QStringLiteral("%1 (%2 pages in all)").arg(kind.last).arg(kind.count));
@@ -28,14 +28,14 @@ CkToFComplaints::~CkToFComplaints() {
     }
 }
 
-void CkToFComplaints::add(const QString& sMessage) {
+void CkToFPageErrors::add(const QString& sMessage) {
     const QString key = withoutPage(sMessage);
     const auto found = std::find_if(m_kinds.begin(), m_kinds.end(),
                                     [&key](const SkKind& kind) { return kind.withoutPage == key; });
     if (found != m_kinds.end()) {
         found->last = sMessage;
         ++found->count;
-    } else if (m_kinds.size() < shownKinds) {
+    } else if (m_kinds.size() < kMaxKinds) {
         m_kinds.push_back({key, sMessage, 1});
         CkToFConsole::error(sMessage);
     } else {
