@@ -14,7 +14,7 @@ bool sourceFormat(const CkImageSource& source, SkFormat& format) {
     return format.known;
 }
 
-/// What a block of a run announces for the output of its first predecessor.
+/// The output that a block announces for the output of its first predecessor.
 SkFormat announcedFormat(SkChainNode& node) {
     SkFormat announced;
     if (node.source != nullptr) {
@@ -39,20 +39,20 @@ bool ChainNegotiation::queryOutput(CkImageProvider& provider, const SkFormat& in
 }
 
 bool ChainNegotiation::currentOutput(const SkChainNode& node, SkFormat& format) {
-    std::vector<CkImageProvider*> way; // from the block up to its source
+    std::vector<CkImageProvider*> path; // from the block up to its source
     const SkChainNode* current = &node;
     while (current->source == nullptr) {
         if (current->provider == nullptr || current->predecessors.empty()) {
             format = SkFormat();
             return false;
         }
-        way.push_back(current->provider);
+        path.push_back(current->provider);
         current = current->predecessors.front();
     }
     if (!sourceFormat(*current->source, format)) {
         return false;
     }
-    return std::all_of(way.rbegin(), way.rend(), [&format](CkImageProvider* provider) {
+    return std::all_of(path.rbegin(), path.rend(), [&format](CkImageProvider* provider) {
         const SkFormat input = format;
         return queryOutput(*provider, input, format);
     });
@@ -66,7 +66,7 @@ EkFormatChange ChainNegotiation::negotiate(CkChainGraph& graph, const CkChainGra
         const SkFormat announced = announcedFormat(*node);
         const bool changed = formatChange(announced, node->announced) != EkFormatChange::None;
         if (changed && node != pInHand) {
-            node->lastFrame = SkFormat(); // it contradicted an announcement that is no longer made
+            node->lastFrame = SkFormat(); // it contradicted an announcement that has changed
             node->refitFrame = node->source != nullptr ? node->refitFrame : 0;
         }
         const bool proven = node->lastFrame.known;

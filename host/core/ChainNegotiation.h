@@ -2,21 +2,22 @@
 
 #include "host/core/CkChainGraph.h"
 
-/// Formats along a chain: sources and blocks are asked what they put out for a given input. An exception
-/// counts as a refusal.
+/// Negotiates the formats along a chain: asks sources and blocks for their output for a given input. An
+/// exception counts as a refusal.
 namespace ChainNegotiation {
 
-/// What the block puts out for an input. False, and output unknown, when it refuses.
+/// The output of the block for an input. False, with output unknown, when it refuses.
 bool queryOutput(CkImageProvider& provider, const SkFormat& input, SkFormat& output);
 
-/// What the block would put out now, asked from its source down; nothing is stored. False when unknown.
+/// The present output format of the block, queried from its source downstream; nothing is stored. False when
+/// unknown.
 bool currentOutput(const SkChainNode& node, SkFormat& format);
 
-/// Stores the formats that the blocks of a run announce, and takes set-up errors away.
+/// Stores the formats that the blocks of a run announce, and clears their set-up errors.
 ///
-/// Frames are believed more than announcements: a block whose frames had another format than the one it still
-/// announces keeps the format of its last frame, and so does pInHand, the block whose frame is on its way
-/// just now (null: none). Returns the largest change of an output.
+/// Frames take precedence over announcements: a block whose frames did not match the format that it still
+/// announces keeps the format of its last frame, and so does pInHand, the block whose frame is being
+/// processed (null: none). Returns the largest change of an output.
 EkFormatChange negotiate(CkChainGraph& graph, const CkChainGraph::Nodes& order, const SkChainNode* pInHand);
 
 } // namespace ChainNegotiation

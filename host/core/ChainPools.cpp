@@ -21,12 +21,12 @@ QString errorText(const SkPicBufInfo& output) {
 
 /// Pictures that sinks may hold of each block of the run.
 ///
-/// Blocks that pass their input through hand a block's pictures on to every sink downstream. A sink that is
-/// reached on several paths holds them once, hence a bit per block with sinks instead of a sum over the
+/// Blocks that pass their input through forward a block's pictures to every sink downstream. A sink that is
+/// reached on several paths holds them only once, hence a bit per block with sinks instead of a sum over the
 /// paths.
 std::vector<int> picturesHeldDownstream(const CkChainGraph& graph, const CkChainGraph::Nodes& order) {
     const auto lock = graph.lock();
-    std::vector<int> held; // by the sinks of each block that has some
+    std::vector<int> held; // by the sinks of each block with sinks
     std::vector<size_t> bitOf(order.size());
     for (const SkChainNode* node : order) {
         bitOf[node->index] = held.size();
@@ -64,7 +64,8 @@ void reserveShelf(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bo
         pool.release(block);
         return;
     }
-    // A successor may keep the frame it worked on last; of several inputs one result waits for the others.
+    // A successor may keep the frame it processed last; with several predecessors, one input waits for the
+    // others.
     const int waiting = node.predecessors.size() > 1 ? 1 : 0;
     const int needed = node.pictures + waiting + iHeldDownstream + int(node.outputs.size());
     const SkPicBufInfo& info = node.source != nullptr ? node.output.info : node.announced.info;
@@ -72,7 +73,7 @@ void reserveShelf(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bo
     if (bOnlyGrow && (capacity == 0 || capacity >= needed)) {
         return;
     }
-    // A shelf that fits and has all its pictures back serves another run.
+    // A shelf of the right size to which all pictures have been returned is reused.
     if (capacity == needed && pool.freeCount(block) == capacity &&
         pool.bytesPerPicture(block) == CkPicBufAPI::byteSize(info)) {
         return;
@@ -81,7 +82,7 @@ void reserveShelf(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bo
         return;
     }
     if (bOnlyGrow && pool.reserve(block, info, capacity)) {
-        return; // memory is short: as many as before
+        return; // out of memory: the old capacity stays
     }
     CkChainMessages::showSetUpError(node, errorText(info));
 }

@@ -6,16 +6,17 @@
 #include <memory>
 #include <vector>
 
-/// The camera drivers of the program, and the cameras that are held apart: treated as unplugged, whatever
-/// their drivers say. User-interface thread. What a driver throws counts as a failure of that driver alone.
+/// The camera drivers of the program, and the cameras that are held apart: treated as unplugged although
+/// their drivers offer them. User-interface thread. An exception of a driver is a failure of that driver
+/// only.
 class CkCameraDrivers {
 public:
     void add(std::unique_ptr<IkCameraDriver> driver) { m_drivers.push_back(std::move(driver)); }
 
-    /// A new camera object of the driver that offers it; fills info. Null on failure, with sReason as the
-    /// driver gives it, or unchanged when no driver offers the camera.
+    /// Creates a camera object through the driver that offers the camera, and fills info. Null on failure,
+    /// with the driver's reason in sReason; sReason is unchanged when no driver offers the camera.
     std::unique_ptr<IkCamera> open(const QString& sId, SkCameraInfo& info, QString& sReason) const;
-    /// What the drivers offer, held apart or not. bComplete: all of them answered.
+    /// All cameras that the drivers offer, including those held apart. bComplete: every driver answered.
     QList<SkCameraInfo> offered(bool& bComplete) const;
     static bool contains(const QList<SkCameraInfo>& cameras, const QString& sId);
 

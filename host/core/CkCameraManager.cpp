@@ -41,13 +41,13 @@ public:
     mutable std::mutex m_mutex; ///< guards the list only, never held while foreign code runs
     std::vector<std::shared_ptr<CkOpenCamera>> m_open;
     CkCameraDrivers m_drivers;
-    /// Handles are numbers that count up: that of a closed camera never becomes another one's.
+    /// Handles count up, so that the handle of a closed camera is never reused.
     quintptr m_uiNextHandle = 1;
 };
 
 CkCameraManager::CkCameraManager() : m_d(std::make_unique<CkPrivate>()) {
-    // Cameras are closed at the end of the application object, while everything their threads use still
-    // exists.
+    // Cameras are closed when the application object is destroyed, while everything that their threads use
+    // still exists.
     qAddPostRoutine(closeAllCameras);
 }
 

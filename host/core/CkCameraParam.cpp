@@ -46,7 +46,8 @@ double steppedFloat(const SkDescription& description, double value) {
     if (stepped <= description.maximum) {
         return stepped;
     }
-    // The last step is cut short: its end is out of reach, unless only rounding put it beyond.
+    // The last step is shorter than the others: rounding up to its end would exceed the maximum, unless the
+    // excess is only a rounding error.
     return stepped - description.maximum < description.step * 1e-9 ? description.maximum
                                                                    : stepped - description.step;
 }

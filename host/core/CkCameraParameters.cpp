@@ -44,7 +44,7 @@ bool CkCameraParameters::endCommitBatch(bool bCommit) {
 bool CkCameraParameters::commitParams(const QList<CkCameraParam*>& params) {
     bool accepted = true;
     if (!params.isEmpty() && m_commit) {
-        // A driver is foreign code; an exception of its is a refusal.
+        // A driver is foreign code; an exception counts as a refusal.
         try {
             accepted = m_commit(params);
         } catch (...) {
@@ -62,7 +62,7 @@ bool CkCameraParameters::commitParams(const QList<CkCameraParam*>& params) {
             changed.append(param);
         }
     }
-    // All values are in place before the first receiver looks; a receiver may close the camera.
+    // All values are stored before the first receiver is notified. A receiver may close the camera.
     const QPointer<CkCameraParameters> guard(this);
     for (CkCameraParam* param : std::as_const(changed)) {
         emit param->valueChanged(param->committedValue());

@@ -54,7 +54,7 @@ bool CkCameraSource::loadSettings(const QDomElement& element) {
     }
     setCameraHandle(chosen);
     if (chosen == nullptr) {
-        m_sCameraId = id; // kept for the next file
+        m_sCameraId = id; // kept for saveSettings
     }
     return loaded;
 }
@@ -90,7 +90,7 @@ void CkCameraSource::connectCamera() {
 
 void CkCameraSource::receive(CkImageData* pFrame) {
     const quint64 number = pFrame->picBuf().additionalData.frameNumber;
-    // Smaller numbers are those of a camera that was started again, or does not count.
+    // Smaller numbers come from a camera that was restarted or that does not number its frames.
     if (number > m_uiNextFrame && m_uiNextFrame > 0) {
         noteLost(number - m_uiNextFrame);
     }

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Pictures a sink may hold, whatever it says: memory is reserved for them.
+/// Upper limit for what a sink may declare: memory is reserved for it.
 constexpr int kMaximumHeldFrames = 1000;
 
 QList<CkChainable*> blocksOf(const CkChainGraph::Nodes& nodes) {
@@ -130,7 +130,7 @@ bool CkChain::addSink(CkChainable* pBlock, IkFrameSink* pSink) {
 }
 
 void CkChain::removeSink(IkFrameSink* pSink) {
-    // A sink that removes itself while it takes a frame cannot wait for itself.
+    // A sink that removes itself from within takeFrame must not wait for itself.
     m_d->m_graph.removeSink(pSink, !m_d->isChainThread());
 }
 
@@ -142,8 +142,8 @@ SkBlockStatistics CkChain::blockStatistics(const CkChainable* pBlock) const {
     const auto lock = m_d->m_graph.lock();
     SkBlockStatistics statistics;
     if (const SkChainNode* const node = m_d->m_graph.find(pBlock)) {
-        // Read against the order in which a frame changes them, so that no snapshot has more frames done, or
-        // dropped by sinks, than left.
+        // Read in the reverse order of a frame's updates, so that no snapshot shows more frames done, or
+        // dropped by sinks, than output.
         statistics.framesDone = node->framesDone;
         statistics.dropped = node->dropped;
         statistics.framesOut = node->framesOut;

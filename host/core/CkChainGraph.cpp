@@ -17,7 +17,8 @@ SkChainNode* CkChainGraph::find(const CkChainable* pBlock) const {
 }
 
 void CkChainGraph::attach(CkChainable* pBlock, CkChain* pChain) {
-    // A source hands frames over with this lock held: afterwards none is on its way into the old chain.
+    // A source delivers frames with this lock held: once it is released, no frame is in flight into the old
+    // chain.
     const std::lock_guard lock(pBlock->m_mutex);
     pBlock->m_pChain = pChain;
 }
@@ -63,7 +64,8 @@ void CkChainGraph::moveOutputs(SkChainNode& from, SkChainNode& to) {
     }
     std::erase_if(from.successors, [&](const SkChainNode* successor) { return successor != &to; });
     for (SkChainNode* successor : moved) {
-        // The new feeder takes the old one's place in the order, unless it feeds that block already.
+        // The new predecessor takes the position of the old one, unless it is connected to that block
+        // already.
         auto& feeders = successor->predecessors;
         const auto place = std::find(feeders.begin(), feeders.end(), &from);
         if (std::find(feeders.begin(), feeders.end(), &to) == feeders.end()) {
@@ -120,7 +122,7 @@ void CkChainGraph::clear() {
 }
 
 CkChainGraph::Nodes CkChainGraph::ordered() const {
-    // Of the nodes whose predecessors are placed, the one inserted first comes next.
+    // Among the nodes whose predecessors have all been emitted, the one inserted first comes next.
     const auto later = [](const SkChainNode* a, const SkChainNode* b) { return a->serial > b->serial; };
     std::priority_queue<SkChainNode*, Nodes, decltype(later)> ready(later);
     std::unordered_map<const SkChainNode*, size_t> missing;
@@ -187,7 +189,8 @@ bool CkChainGraph::giveToSinks(SkChainNode& node, IkChainData* pData) {
     if (frame == nullptr) {
         return false;
     }
-    // The lock is released for every call, and sinks come and go meanwhile: the walk resumes by serial.
+    // The lock is released for every call, and sinks may be added or removed meanwhile: the walk resumes by
+    // serial.
     quint64 serial = 0;
     bool given = false;
     std::unique_lock lock(m_mutex);

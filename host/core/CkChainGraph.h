@@ -13,9 +13,9 @@ class CkMemoryPool;
 
 /// The blocks of a chain, their connections, and the sinks connected to them.
 ///
-/// Blocks and connections change with the chain's control lock and while the chain is stopped; sinks come and
-/// go at any time. The lock of the graph guards the lists against readers on other threads. It is never held
-/// while foreign code runs.
+/// Blocks and connections change only under the chain's control lock and while the chain is stopped; sinks
+/// are added and removed at any time. The lock of the graph guards the lists against readers on other
+/// threads. It is never held while foreign code runs.
 class CkChainGraph {
 public:
     using Nodes = std::vector<SkChainNode*>;
@@ -29,14 +29,14 @@ public:
     SkChainNode* find(const CkChainable* pBlock) const; ///< Null for a foreign block.
     /// In order of insertion.
     const std::vector<std::unique_ptr<SkChainNode>>& nodes() const { return m_nodes; }
-    /// Every node after its predecessors; fewer than there are when connections form a cycle.
+    /// Topological order: every node after its predecessors. Incomplete when connections form a cycle.
     Nodes ordered() const;
 
     // ---- structure; these take the lock -------------------------------------------------------------
     /// Makes the chain the block's only owner.
     SkChainNode* addNode(CkChainable* pBlock, SkChainNode* pPredecessor);
     void connect(SkChainNode& from, SkChainNode& to); ///< No-op where a connection exists.
-    /// Everything that from feeds, blocks (but to itself) and sinks, is fed by to afterwards.
+    /// Moves all outputs of from to the node to: its successors (except to itself) and its sinks.
     void moveOutputs(SkChainNode& from, SkChainNode& to);
     void removeNode(SkChainNode* pNode); ///< The block is kept.
     void clear();                        ///< Deletes the blocks.
@@ -44,10 +44,10 @@ public:
     // ---- sinks; these take the lock -----------------------------------------------------------------
     /// Moves a sink that is connected already. False for a foreign block.
     bool addSink(CkChainable* pBlock, IkFrameSink* pSink, int iHeldFrames);
-    /// With bWait it returns when the sink is no longer inside takeFrame.
+    /// With bWait it returns only when the sink is no longer inside takeFrame.
     void removeSink(IkFrameSink* pSink, bool bWait);
     CkChainable* sinkBlock(const IkFrameSink* pSink) const; ///< Null when unknown.
-    /// Gives every sink of the node an object of its own. True when the last one was given pData itself,
+    /// Passes an object of its own to every sink of the node. True when the last sink received pData itself,
     /// because nothing else needs it. Chain thread.
     bool giveToSinks(SkChainNode& node, IkChainData* pData);
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Chains are closed at the end of the application object, while the threads and libraries they use still
+/// Chains are closed when the application object is destroyed, while the threads and libraries they use still
 /// exist.
 void closeAllChains() {
     CkChainManager* const manager = CkChainManager::instance();
@@ -30,7 +30,7 @@ bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) 
                        [feeder](const auto* node) { return accepts(node->block, feeder); });
 }
 
-/// Whether every block that a first block feeds has another feeder or accepts to stand first itself.
+/// Whether every successor of a first block has another predecessor or accepts being a first block itself.
 bool remainWithout(const SkChainNode& first) {
     return std::all_of(first.successors.begin(), first.successors.end(), [](const auto* node) {
         return node->predecessors.size() > 1 || accepts(node->block, nullptr);
@@ -138,7 +138,7 @@ bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlo
             return false;
         }
         SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
-        // The owner of a block that is kept decides what becomes of the blocks it fed.
+        // When the block is kept, its new owner is responsible for the blocks it fed.
         if (feeder == nullptr ? !bKeepBlock && !remainWithout(*node)
                               : !acceptedByAll(node->successors, feeder->block)) {
             return false;

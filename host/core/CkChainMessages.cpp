@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr quint64 kCalmFrames = 30; // a second of a usual camera
+constexpr quint64 kCalmFrames = 30; // one second at a typical frame rate
 
 } // namespace
 

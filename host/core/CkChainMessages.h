@@ -6,8 +6,9 @@
 
 class CkRenegotiationThrottle;
 
-/// What a chain shows on its blocks. A block's own text comes first; of the chain's, one about frames comes
-/// before one about setting up. Chain thread, or start and stop while it does not run.
+/// The messages that a chain shows on its blocks. A block's own message has priority; of the chain's
+/// messages, those about frames take precedence over those about set-up. Chain thread, or start and stop
+/// while it does not run.
 class CkChainMessages {
 public:
     /// The throttle counts the frames.
@@ -16,12 +17,13 @@ public:
     /// Empty: the block was set up.
     static void showSetUpError(SkChainNode& node, const QString& sText);
 
-    /// Shown until so many frames have given no reason for it that it does not flicker. The first of several
-    /// different reasons stays.
+    /// Shows a message until 30 frames in a row have caused none, so that it does not flicker. Of several
+    /// different messages the first one stays.
     void showTrouble(SkChainNode& node, const QString& sText) const;
-    void endTrouble(SkChainNode& node) const; ///< Per frame: takes the text away when it is time.
+    void endTrouble(SkChainNode& node) const; ///< Once per frame: clears an expired message.
 
-    /// While blocks are set up their messages come and go; listeners hear the outcome, once, when this ends.
+    /// Suppresses the message signals of blocks while they are set up; listeners are notified once, of the
+    /// outcome, when this object is destroyed.
     class CkHold {
     public:
         explicit CkHold(const std::vector<SkChainNode*>& nodes);

@@ -18,7 +18,7 @@ bool CkChain::CkPrivate::start() {
     if (m_state != EkChainState::Stopped) {
         return false;
     }
-    // What follows serves all requests up to here; it may miss later ones, so those stay.
+    // The set-up below covers all requests made so far; later ones stay pending.
     m_queue.clearRequests();
     if (!m_setUp.prepare()) {
         return false;
@@ -60,7 +60,7 @@ void CkChain::CkPrivate::setUpForRun() {
 
 void CkChain::CkPrivate::stop() {
     if (isChainThread()) {
-        return; // it would wait for itself
+        return; // the thread would wait for itself
     }
     const std::lock_guard control(m_control);
     if (m_state == EkChainState::Starting) {
@@ -125,7 +125,7 @@ bool CkChain::CkPrivate::outputFormat(const CkChainable* pBlock, SkFormat& forma
     if (cached != EkCache::NotNegotiated || isChainThread()) {
         return cached == EkCache::Known;
     }
-    // A stopped chain: its blocks are asked now, while no other thread can start it.
+    // Stopped: query the blocks now, with the lock that keeps other threads from starting the chain.
     const std::lock_guard control(m_control);
     cached = cachedOutput(pBlock, format);
     if (cached != EkCache::NotNegotiated) {
@@ -145,8 +145,8 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
     }
     bool taken = false;
     {
-        // Held to the end: the block cannot leave its chain, nor the chain be deleted, while the frame is
-        // handed over.
+        // Held until the end: the block must not leave its chain, nor the chain be deleted, while the frame
+        // is delivered.
         CkChainable* const block = pSource;
         const std::lock_guard lock(block->m_mutex);
         if (block->m_pChain != nullptr) {
@@ -154,7 +154,7 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
             const auto graph = chain.m_graph.lock();
             SkChainNode* const node = chain.m_graph.find(pSource);
             taken = node != nullptr && chain.m_queue.put(*node, pFrame);
-            // A stopped chain expects no frames; one that is about to start or stop loses them.
+            // A stopped chain expects no frames and counts none; one that is starting or stopping drops them.
             if (node != nullptr && (taken || chain.m_state != EkChainState::Stopped)) {
                 ++node->framesIn;
                 node->dropped += taken ? 0 : 1;

@@ -11,9 +11,9 @@
 
 namespace {
 
-/// Far above any chain that is useful; the limit keeps a hostile file from using up memory and time.
+/// Far above any useful chain; keeps a hostile file from exhausting memory and time.
 constexpr size_t kMaximumBlocks = 1000;
-/// Each may hold a file and a thread of its own.
+/// Each may own a file and a thread.
 constexpr size_t kMaximumSources = 100;
 
 } // namespace
@@ -90,7 +90,7 @@ bool CkChainReader::readBlock(const QDomElement& element) {
         return fail(element, CkChain::tr("class \"%1\" is no block of a chain.").arg(className));
     }
     SkReadBlock read;
-    static_cast<void>(object.release()); // the same object, owned as a block from here on
+    static_cast<void>(object.release()); // same object, owned as a block from here on
     read.block.reset(block);
     if (qobject_cast<CkImageSource*>(block) != nullptr && ++m_uiSources > kMaximumSources) {
         return fail(element, CkChain::tr("the chain has more than %1 sources.").arg(kMaximumSources));
@@ -114,7 +114,7 @@ bool CkChainReader::readSettings(const QDomElement& element, CkChainable& block)
 }
 
 bool CkChainReader::readFeeders(const QDomElement& element, SkReadBlock& read) {
-    // Only blocks read before are known, so that no file can describe a cycle.
+    // Only blocks that have been read already can be referenced, so that no file can describe a cycle.
     const QStringList ids =
         element.attribute(QStringLiteral("predecessors")).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QSet<QString> seen;

@@ -10,21 +10,21 @@
 
 class QDomElement;
 
-/// A block that was read but is in no chain yet.
+/// A block that has been read but is not in a chain yet.
 struct SkReadBlock {
     std::unique_ptr<CkChainable> block;
-    std::vector<size_t> feeders; ///< indices of blocks read before, in order of connection
+    std::vector<size_t> feeders; ///< indices of predecessors, in order of connection
 };
 
 /// Reads the XML element of a chain into blocks, up to the first error. User-interface thread.
 class CkChainReader {
 public:
-    /// The progress is kept by reference.
+    /// Keeps a reference to progress.
     explicit CkChainReader(const CkChain::LoadProgress& progress) : m_progress(progress) {}
 
-    /// Reads the element, or its child "chain". Once.
+    /// Reads the element, or its child "chain". To be called once.
     bool read(const QDomElement& element);
-    std::vector<SkReadBlock> takeBlocks() { return std::move(m_blocks); } ///< Feeders before those they feed.
+    std::vector<SkReadBlock> takeBlocks() { return std::move(m_blocks); } ///< Predecessors first.
     QString error() const { return m_sError; }                            ///< What is wrong and where.
 
 private:

@@ -54,8 +54,9 @@ void CkChainRunner::tellSource(const SkChainNode& source, CkImageSource::EkFrame
 }
 
 void CkChainRunner::runBlock(SkChainNode& node) {
-    // Of several results the successors get the last one, made when the block has seen all its input. Passing
-    // on all of them would make the work on a frame grow with the number of paths instead of connections.
+    // Successors get only the last of several results, made when the block has received all its inputs.
+    // Forwarding all of them would make the work per frame grow with the number of paths instead of
+    // connections.
     IkChainData* result = nullptr;
     for (IkChainData*& place : node.inbox) {
         IkChainData* const input = std::exchange(place, nullptr);
@@ -114,7 +115,7 @@ IkChainData* CkChainRunner::process(SkChainNode& node, IkChainData* pData) {
 
 IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs) {
     CkChainable* const block = node.block;
-    // Needed after an exception only: whether the input was deleted already.
+    // Needed only after an exception, to tell whether the input has been deleted already.
     const auto* const inputFrame = dynamic_cast<CkImageData*>(pData);
     const QPointer<const QObject> input(inputFrame);
     IkChainData* result = nullptr;
@@ -131,7 +132,7 @@ IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, boo
         bInputIsOurs = result == nullptr && !input.isNull();
         delete std::exchange(result, nullptr);
         block->m_bFrameDropped = bInputIsOurs;
-        // Text before count: a reader that sees the count rise finds the reason.
+        // Message before counter: a reader that sees the counter rise finds the reason.
         m_messages.showTrouble(node, CkChain::tr("The block failed on a frame."));
         node.dropped += bInputIsOurs ? 0 : 1;
     }
@@ -147,7 +148,7 @@ void CkChainRunner::countMissingOutput(SkChainNode& node, const CkMemoryPool::Sk
         m_messages.showTrouble(node,
                                CkChain::tr("The output of the block does not fit the pictures made for it."));
     }
-    // Without a shelf, as for an output without pixels, the pool refuses nothing.
+    // A block without a shelf, for example with an output without pixels, is never refused a picture.
     const bool refused = (node.provider != nullptr && !node.negotiated) ||
                          (node.pictures > 0 && m_parts.pool.capacity(node.block) == 0);
     if (misfit || refused || after.exhausted != before.exhausted || node.block->m_bFrameDropped) {
@@ -195,7 +196,7 @@ bool CkChainRunner::fitsSetUp(SkChainNode& node, const IkChainData& data) {
     m_messages.showTrouble(
         node, CkChain::tr("Frames come in another format time and again; while the chain is set up "
                           "anew for one, others are dropped."));
-    ++node.dropped; // after the text, as above
+    ++node.dropped; // after the message, as above
     return false;
 }
 
@@ -209,7 +210,7 @@ void CkChainRunner::giveToSuccessors(SkChainNode& node, IkChainData* pData) {
             ++output.to->framesIn;
             ++output.to->dropped;
         }
-        output.to->inbox[output.place] = own;
+        output.to->inbox[output.inboxIndex] = own;
     }
     if (count == 0) {
         delete pData;

@@ -11,7 +11,8 @@
 
 enum class EkChainState { Stopped, Starting, Running, Stopping };
 
-/// Takes frames through the blocks of a chain, one at a time. Chain thread, but for beginRun and tellSource.
+/// Processes frames through the blocks of a chain, one at a time. Chain thread, except for beginRun and
+/// tellSource.
 class CkChainRunner {
 public:
     struct SkParts {
@@ -25,15 +26,15 @@ public:
 
     void beginRun() { m_throttle.reset(); } ///< Before the thread starts.
 
-    /// Takes the frame over.
+    /// Takes ownership of the frame.
     void runFrame(SkChainNode& source, CkImageData* pFrame);
-    /// Sets the chain up anew, as a block or another thread requested.
+    /// Sets the chain up again, on request of a block or of another thread.
     void renegotiate();
-    /// A request of a block, on the chain's thread. False when it is not granted: requests that change no
-    /// format are granted ever more rarely.
+    /// A block requests renegotiation, on the chain's thread. False when it is not granted: requests that
+    /// change no format are granted with increasing delays.
     bool requestRenegotiation();
 
-    /// What the source throws is ignored.
+    /// Exceptions of the source are ignored.
     static void tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event);
 
 private:
@@ -41,8 +42,8 @@ private:
     IkChainData* process(SkChainNode& node, IkChainData* pData);
     IkChainData* callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs);
     void countMissingOutput(SkChainNode& node, const CkMemoryPool::SkRefusals& before);
-    /// The one rule for whatever leaves a source or a block: for a frame in another format than the
-    /// negotiated one the chain is set up anew. False when the frame has to be dropped.
+    /// The rule for every frame that leaves a source or a block: if its format differs from the negotiated
+    /// one, the chain is set up again. False when the frame has to be dropped.
     bool fitsSetUp(SkChainNode& node, const IkChainData& data);
     void recoverBlock(SkChainNode& node, const IkChainData& data);
     static void giveToSuccessors(SkChainNode& node, IkChainData* pData);

@@ -9,8 +9,8 @@
 CkChainable::CkChainable(int iBlockKind, QObject* pParent) : QObject(pParent), m_iBlockKind(iBlockKind) {}
 
 CkChainable::~CkChainable() {
-    // Blocks are deleted through the chain manager; a chain must not be left with a dangling one all the
-    // same.
+    // Blocks are to be deleted through the chain manager; should one be deleted directly, its chain must not
+    // keep a dangling pointer.
     if (CkChain* const owner = chain()) {
         owner->m_d->forget(this);
     }
@@ -98,7 +98,7 @@ QString CkChainable::message() const {
 
 QString CkChainable::errorMessage() const {
     const std::lock_guard lock(m_mutex);
-    // Without a holder both are the same.
+    // When no thread holds the messages, both are the same.
     return m_messageHolder == std::this_thread::get_id() ? message() : m_sToldMessage;
 }
 

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <thread>
 
-/// Recursive lock that is served in the order of asking: a thread that restarts a chain in a loop does not
-/// keep the others waiting for good, as std::recursive_mutex would allow.
+/// A fair recursive mutex: threads get it in the order of their requests. With std::recursive_mutex, a thread
+/// that restarts a chain in a loop could starve the others.
 class CkControlMutex {
 public:
     void lock() {

@@ -9,11 +9,11 @@
 class CkImageData;
 struct SkChainNode;
 
-/// What waits for a chain's thread: frames, a few per source, and requests. Any thread.
+/// The queue in front of a chain's thread: frames, a few per source, and requests. Any thread.
 class CkFrameQueue {
 public:
-    /// Frames of one source that may wait. With one, every delay of the thread would cost a frame; more than
-    /// two only add latency.
+    /// Capacity per source. With one frame, every delay of the thread would cost a frame; more than two only
+    /// add latency.
     static constexpr int kFramesPerSource = 2;
 
     struct SkItem {
@@ -26,20 +26,20 @@ public:
 
     ~CkFrameQueue();
 
-    /// Drops the requests: the caller is about to set everything up, which serves them too.
+    /// Drops the requests: the caller is about to set everything up, which covers them.
     void clearRequests();
-    /// Lets frames in. Requests made since clearRequests are served before the first one.
+    /// Starts accepting frames. Requests made since clearRequests are served before the first frame.
     void open();
-    /// Ends the thread's waiting, deletes what waits, counting it as dropped, and lets nothing in any more.
-    /// Returns the source of each frame it dropped.
+    /// Wakes the thread, deletes the queued frames, counting them as dropped, and accepts nothing from then
+    /// on. Returns the source of each frame it dropped.
     std::vector<SkChainNode*> close();
 
-    /// Takes the frame over. False, and the frame stays the caller's, when closed or full.
+    /// Takes ownership of the frame. False, and the caller keeps the frame, when closed or full.
     bool put(SkChainNode& source, CkImageData* pFrame);
     void requestRenegotiation();
     void requestGrowth(); ///< of the pools
 
-    /// Waits for something to do. The requests of an item are to be served before its frame.
+    /// Blocks until there is a frame or a request. The requests of an item are to be served before its frame.
     SkItem take();
 
 private:

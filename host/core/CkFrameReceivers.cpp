@@ -46,6 +46,6 @@ void CkFrameReceivers::add(const void* pReceiver, IkCamera::FrameFunction receiv
 void CkFrameReceivers::remove(const void* pReceiver) {
     std::unique_lock lock(m_mutex);
     std::erase_if(m_receivers, [pReceiver](const SkReceiver& entry) { return entry.key == pReceiver; });
-    // A receiver that removes itself while it is called cannot wait for itself.
+    // A receiver that removes itself from within its call must not wait for itself.
     m_done.wait(lock, [&] { return m_pBusy != pReceiver || m_busyThread == std::this_thread::get_id(); });
 }

@@ -11,11 +11,12 @@
 /// The receivers of a camera's frames. Any thread; the lock is never held while a receiver is called.
 class CkFrameReceivers {
 public:
-    /// In place of one with the same key.
+    /// Replaces a receiver with the same key.
     void add(const void* pReceiver, IkCamera::FrameFunction receive);
-    /// Returns when the receiver is no longer being called, unless it removes itself from within its call.
+    /// Returns only when the receiver is no longer being called, unless it removes itself from within its
+    /// call.
     void remove(const void* pReceiver);
-    /// Gives each receiver an object of its own. Takes the frame over. The camera's thread.
+    /// Passes an object of its own to each receiver. Takes ownership of the frame. Camera thread.
     void dispatch(CkImageData* pFrame);
 
 private:

@@ -6,7 +6,7 @@
 CkImageSource::CkImageSource(QObject* pParent) : CkImageProvider(0, pParent) {}
 
 CkImageSource::~CkImageSource() {
-    // Deleted while in a chain: no frame event may be called once this part of the object is gone.
+    // Deleted while in a chain: frameEvent must not be called once this part of the object is destroyed.
     if (CkChain* const owner = chain()) {
         owner->m_d->forget(this);
     }

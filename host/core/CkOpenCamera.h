@@ -9,7 +9,7 @@
 enum class EkPresence {
     PluggedIn,
     Unplugged,
-    UnpluggedWhileRunning, ///< resumes delivery when it is back
+    UnpluggedWhileRunning, ///< resumes delivery when it is plugged in again
     Closing,
 };
 
@@ -24,16 +24,16 @@ public:
 
     void* handle = nullptr;
     SkCameraInfo info;
-    std::unique_ptr<IkCamera> camera; ///< user-interface thread, but for frameInfo
+    std::unique_ptr<IkCamera> camera; ///< user-interface thread, except for frameInfo
     EkPresence presence = EkPresence::PluggedIn;
     bool paused = false;
 
     /// Stops and deletes the camera. User-interface thread.
     void close();
-    /// Stops the camera; it is kept for its parameters. User-interface thread.
+    /// Stops the camera but keeps it for its parameters. User-interface thread.
     void unplug();
-    /// Replaces the camera by itself, opened anew, which gets the parameter values of the old one. Returns
-    /// the old one, stopped. User-interface thread.
+    /// Replaces the camera object by a newly opened one, to which the parameter values are copied. Returns
+    /// the old object, stopped. User-interface thread.
     std::unique_ptr<IkCamera> replug(std::unique_ptr<IkCamera> fresh);
     /// Any thread, also while the camera is closed.
     bool frameInfo(SkPicBufInfo& formatInfo, CkImageMetadata* pMetadata) const;

@@ -15,7 +15,7 @@ struct Texts {
 
 QString classInformation(const QMetaObject* metaObject, const char* key) {
     const int index = metaObject->indexOfClassInfo(key);
-    // Inherited information names the base class, not this one.
+    // Inherited class information identifies the base class, not this one.
     return index < metaObject->classInfoOffset() ? QString::fromLatin1(metaObject->className())
                                                  : QString::fromUtf8(metaObject->classInfo(index).value());
 }

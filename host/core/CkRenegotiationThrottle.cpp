@@ -6,7 +6,7 @@ namespace {
 
 constexpr quint32 kMaximumBlockDoublings = 6;  // 64 frames
 constexpr quint32 kMaximumValueDoublings = 62; // beyond any run; more would overflow
-constexpr quint64 kCalmFrames = 64;            // without a request, after which the waiting starts over
+constexpr quint64 kCalmFrames = 64;            // without a request, after which the delays start over
 
 } // namespace
 

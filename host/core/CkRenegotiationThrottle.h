@@ -4,16 +4,16 @@
 
 #include <QtGlobal>
 
-/// Keeps a chain from setting itself up anew with every frame. Counts in frames; chain thread.
+/// Keeps a chain from setting itself up again with every frame. Counts in frames; chain thread.
 ///
 /// A refit, without which a frame cannot be processed, is granted to a block with every second frame at most,
-/// so that of two frames in a row one gets through. Requests that frames can do without wait twice as long
-/// each time they come again.
+/// so that of two consecutive frames one is processed. The delay of optional requests doubles each time they
+/// are repeated.
 class CkRenegotiationThrottle {
 public:
     enum class EkRequest {
-        Block, ///< a block requests it, or might work now; waits 64 frames at most
-        Values ///< only metadata changed; a set that is being gathered would be lost
+        Block, ///< a block requests it, or might succeed now; delayed by 64 frames at most
+        Values ///< only metadata changed; setting up again would lose a set that is being gathered
     };
 
     void reset(); ///< before a run
@@ -24,13 +24,13 @@ public:
     bool isRefitGranted(quint64 uiLast) const { return uiLast == 0 || m_uiFrame >= uiLast + 2; }
 
     bool isGranted(EkRequest request) const { return m_uiFrame >= backOff(request).uiNext; }
-    /// After a granted request, with the change it made.
+    /// To be called after a granted request, with the resulting change.
     void served(EkRequest request, EkFormatChange change);
 
 private:
     /// Exponential back-off of the requests of one kind.
     struct SkBackOff {
-        quint64 uiNext = 0; ///< frame from which on they are granted
+        quint64 uiNext = 0; ///< first frame for which they are granted
         quint32 uiDoublings = 0;
     };
     const SkBackOff& backOff(EkRequest request) const {

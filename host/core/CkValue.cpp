@@ -8,7 +8,7 @@
 namespace {
 
 qint64 saturatedInt64(double value) {
-    // 2^63 is the first double beyond the range; the largest qint64 itself has no double of its own.
+    // 2^63 is the first double beyond the range; the largest qint64 itself cannot be represented as a double.
     constexpr double kLimit = 9223372036854775808.0;
     if (std::isnan(value)) {
         return 0;

@@ -13,11 +13,11 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkXmlReader)
 };
 
-// What is handed to Qt's reader at a time.
+// Size of the pieces that are fed to Qt's reader.
 constexpr qsizetype kPieceLength = 16 * 1024;
 // QXmlStreamReader compares every attribute of a tag with all others before it reports any of them: two
-// million would take hours. Such tags are stopped while they are fed in, by counting '=' and quotes, of which
-// a comment or a text may have some as well.
+// million would take hours. Such tags are detected while they are fed in, by counting '=' and quotes, some of
+// which may also occur in a comment or a text.
 constexpr qint64 kSignsPerAttribute = 10;
 
 /// Feeds a document to QXmlStreamReader piece by piece and stops at the first limit.
@@ -49,7 +49,7 @@ private:
     int m_iElements = 0;
     qint64 m_iAttributes = 0;
     bool m_bGotToken = false;
-    // Of what has been handed over since the last piece that completed a token.
+    // Fed since the last piece that completed a token.
     qint64 m_iPending = 0;
     qint64 m_iPendingEquals = 0;
     qint64 m_iPendingQuotes = 0;

@@ -20,16 +20,16 @@ struct SkSinkEntry {
     quint64 serial = 0; ///< rises with every connection, so that a walk can resume after the list changed
 };
 
-/// A connection, seen from the block that feeds.
+/// A connection, stored with the predecessor.
 struct SkChainOutput {
     SkChainNode* to = nullptr;
-    size_t place = 0; ///< of the feeder among the predecessors
+    size_t inboxIndex = 0; ///< in the inbox of the successor, which is in the order of its predecessors
 };
 
-/// A block with its connections and what the chain knows of it.
+/// A block of a chain with its connections and its state.
 ///
-/// Lists and formats that other threads read are written with the graph's lock; what is marked "chain thread"
-/// is used by the thread that runs the chain, or by start and stop while it does not run.
+/// Lists and formats that other threads read are written with the graph's lock. Members marked "chain thread"
+/// are used by the thread that runs the chain, or by start and stop while it does not run.
 struct SkChainNode {
     SkChainNode(CkChainable* pBlock, quint64 uiSerial);
 
@@ -45,18 +45,18 @@ struct SkChainNode {
     size_t index = 0;                   ///< in the order of the run
     std::vector<SkChainOutput> outputs; ///< in that order
     std::vector<IkChainData*> inbox;    ///< one entry per predecessor; chain thread
-    int pictures = 0;                   ///< that the block asks for, below 0 when asking it failed
+    int pictures = 0;                   ///< that the block asks for; negative when the query failed
     bool negotiated = false;            ///< false for a block that refused its input
     bool ready = false;                 ///< false for a block that could not be set up
-    quint64 refitFrame = 0;             ///< for which the chain was last set up anew for it; chain thread
+    quint64 refitFrame = 0;             ///< frame of the last set-up for this block; chain thread
     QString setUpText;                  ///< the chain's message about setting it up
     QString troubleText;                ///< the chain's message about its frames
-    quint64 troubleFrame = 0;           ///< last frame that gave reason for it, 0: none
+    quint64 troubleFrame = 0;           ///< last frame that caused it, 0: none
 
-    SkFormat output;    ///< what its successors are set up for
-    SkFormat announced; ///< what the block itself announced at that time
+    SkFormat output;    ///< the negotiated format
+    SkFormat announced; ///< what the block itself announced during negotiation
     SkFormat lastFrame; ///< of the last frame whose format differed; chain thread
-    int queued = 0;     ///< frames of a source that wait; guarded by the queue
+    int queued = 0;     ///< frames of a source in the queue; guarded by the queue
 
     std::atomic<quint64> framesIn = 0;
     std::atomic<quint64> framesOut = 0;

@@ -16,7 +16,7 @@ bool isSameSet(const CkImageMetadata& a, const CkImageMetadata& b) {
            a.sectionCount == b.sectionCount && a.sectionMode == b.sectionMode;
 }
 
-/// What is left when one frame is like the next. The sections of a set may each have their own exposure.
+/// Clears the fields that differ from frame to frame. Each section of a set may have its own exposure.
 CkImageMetadata lasting(const CkImageMetadata& metadata) {
     CkImageMetadata rest = metadata;
     rest.phaseSequenceIndex = 0;

@@ -14,13 +14,13 @@ struct SkFormat {
     static SkFormat of(const CkImageData& frame);
 };
 
-/// How far a format is from another one, the larger the farther.
+/// How much two formats differ, in ascending order.
 enum class EkFormatChange : int {
-    None,    ///< blocks make the same of both
-    Values,  ///< what is told beside the pixels; the same buffers serve
+    None,    ///< blocks treat both alike
+    Values,  ///< only metadata values; buffers can be reused
     Sets,    ///< how pictures make up a set, or what kind of picture they are
     Pictures ///< size or layout, or one of them is not known
 };
 
-/// Fields that change from frame to frame, or say only how a picture was allocated, do not count.
+/// Ignores fields that change from frame to frame or only describe how a picture was allocated.
 EkFormatChange formatChange(const SkFormat& a, const SkFormat& b);

@@ -6,7 +6,7 @@
 #include <QVariantList>
 
 /// The dynamic properties of a frame, such as members of a recording's description that only other programs
-/// understand. Blocks know nothing of them: the chain carries them from a block's input to its output.
+/// understand. Blocks are not aware of them: the chain copies them from a block's input to its output.
 struct SkFrameProperties {
     QByteArrayList names;
     QVariantList values; ///< one per name
@@ -23,7 +23,8 @@ struct SkFrameProperties {
         return properties;
     }
 
-    /// Properties that the frame has already keep their value. On the thread that made the frame.
+    /// Properties that the frame has already keep their value. To be called on the thread that created the
+    /// frame.
     void addTo(CkImageData& frame) const {
         for (qsizetype i = 0; i < names.size(); ++i) {
             if (!frame.property(names[i].constData()).isValid()) {

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The blocks that frames of a source can reach. Any other could not be loaded again.
+/// The blocks that frames of a source can reach. Other blocks could not be loaded again.
 QList<CkChainable*> fedBlocks(const CkChain& chain) {
     QList<CkChainable*> fed;
     QSet<CkChainable*> known;
@@ -54,7 +54,7 @@ bool writeChain(const CkChain& chain, QDomDocument& doc, QDomElement& element) {
                 feeders.append(QString::number(place));
             }
         }
-        // Last: no setting of a block can replace what the chain needs.
+        // Written last, so that no setting of a block can replace them.
         block.setAttribute(QStringLiteral("class"), CkRTTI::uniqueId(all[i]->metaObject()));
         block.setAttribute(QStringLiteral("id"), QString::number(i));
         block.setAttribute(QStringLiteral("predecessors"), feeders.join(QLatin1Char(' ')));

@@ -3,8 +3,8 @@
 #include <type_traits>
 #include <utility>
 
-/// Calls foreign code: blocks, sources, sinks. An exception ends here and yields otherwise: one that left the
-/// chain's thread would end the program.
+/// Calls foreign code (blocks, sources, sinks) and catches its exceptions: one that escaped from the chain's
+/// thread would end the program. Returns otherwise after an exception.
 template <class Call>
 auto guardedCall(std::invoke_result_t<Call> otherwise, Call&& call) noexcept {
     try {

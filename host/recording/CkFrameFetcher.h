@@ -10,13 +10,12 @@ class CkImageData;
 class IkFrameFile;
 struct SkDepthScale;
 
-/// Reads frames one after the other, scales them to depths where asked to, and condenses the errors. One
-/// thread.
+/// Reads consecutive frames, scales them to depths if requested, and condenses the errors. One thread.
 class CkFrameFetcher {
 public:
     struct SkFetched {
-        std::unique_ptr<CkImageData> frame; ///< null when nothing of it can be read
-        SkPicBufInfo fileInfo;              ///< of the frame as it lies in the file
+        std::unique_ptr<CkImageData> frame; ///< null when it cannot be read at all
+        SkPicBufInfo fileInfo;              ///< of the frame as stored in the file
         CkImageMetadata fileMetadata;
         QString message; ///< to be shown, or empty
     };

@@ -10,7 +10,7 @@ using EkMode = CkPlaybackState::EkMode;
 template <typename Change>
 auto CkFramePlayer::change(Change&& apply) {
     const std::lock_guard lock(m_mutex);
-    m_changed.notify_all(); // they wake when the lock is free
+    m_changed.notify_all(); // the threads continue when the lock is released
     return std::forward<Change>(apply)();
 }
 
@@ -73,7 +73,7 @@ SkPlaybackSettings CkFramePlayer::changeSettings(const std::function<void(SkPlay
             m_clock.reset();
         }
         if (otherSpeed || !(m_settings.scale == before.scale)) {
-            m_state.discardFrame(); // waited for at the old speed, or scaled the old way
+            m_state.discardFrame(); // scheduled at the old speed, or scaled with the old factor
         }
         return before;
     });
@@ -91,7 +91,7 @@ CkPlaybackState CkFramePlayer::state() const {
 
 bool CkFramePlayer::play() {
     return change([this] {
-        // Without a file there is no last frame to start over from.
+        // Without a file there is no last frame after which to start over.
         const bool started = m_state.play(m_file == nullptr ? m_state.next() + 1 : m_file->frameCount());
         if (started) {
             m_clock.reset();
@@ -215,7 +215,7 @@ void CkFramePlayer::endOfFile(Lock& lock) {
     lock.lock();
 }
 
-/// False when the frame is no longer the one to show. Moves iFrame on past frames that are overdue.
+/// False when the frame is no longer the one to show. Advances iFrame past overdue frames.
 bool CkFramePlayer::waitUntilDue(Lock& lock, qint64& iFrame) {
     const CkPlaybackClock::SkDue due =
         m_clock.schedule(*m_file, iFrame, m_settings.speed, CkPlaybackClock::Clock::now());
@@ -228,7 +228,7 @@ bool CkFramePlayer::waitUntilDue(Lock& lock, qint64& iFrame) {
     return !m_changed.wait_until(lock, due.time, interrupted);
 }
 
-/// False when the frame was not delivered: the chain stopped, or another frame is wanted meanwhile.
+/// False when the frame was not delivered: the chain stopped, or another frame has been requested.
 bool CkFramePlayer::handOver(Lock& lock, const CkImageData& frame) {
     const quint64 generation = m_state.generation();
     const bool mayDrop = m_settings.pace == SkPlaybackSettings::RealTime && m_state.mode() == EkMode::Playing;
@@ -245,10 +245,10 @@ bool CkFramePlayer::handOver(Lock& lock, const CkImageData& frame) {
         if (mayDrop) {
             return true;
         }
-        // The chain is given the next frame when this one has entered it: none is lost to a full queue, and
-        // two runs are alike. A frame is refused while the chain stops, or when frames from before a seek
-        // fill the queue; it is dropped when its format came while the chain was busy with another change of
-        // format. All three pass.
+        // The next frame is delivered when this one has entered the chain: none is lost to a full queue, and
+        // two runs give the same result. A frame is refused while the chain stops, or when frames from before
+        // a seek fill the queue; it is dropped when its format arrives while the chain is busy with another
+        // change of format. All three conditions are temporary.
         m_changed.wait(lock, [&] {
             const bool settled = taken ? m_flight.settled >= m_flight.delivered
                                        : m_flight.settled != settledBefore || !m_state.chainRuns();
@@ -272,7 +272,7 @@ void CkFramePlayer::reportDelivered(Lock& lock, qint64 iFrame) {
     if (!afterFrame) {
         return;
     }
-    // A frame that has entered the chain may still be on its way to the views.
+    // A frame that has entered the chain may not have reached the views yet.
     m_changed.wait(lock,
                    [&] { return m_flight.done >= m_flight.delivered || m_state.generation() != generation; });
     lock.unlock();

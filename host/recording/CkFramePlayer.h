@@ -14,14 +14,14 @@
 class IkFrameFile;
 struct SkFrameDescription;
 
-/// The thread that reads a recording and hands its frames to a chain, at the pace of the settings.
+/// The thread that reads a recording and delivers its frames to a chain, at the configured pace.
 ///
 /// Every function may be called from any thread.
 class CkFramePlayer {
 public:
-    /// Where frames and news go; called on the player's thread, without its lock.
+    /// Callbacks for frames and notifications; called on the player's thread, without its lock.
     struct SkOutput {
-        /// Takes a frame over. False when the chain refuses it; after true the chain reports with
+        /// Takes ownership of a frame. False when the chain refuses it; after true the chain reports with
         /// frameEntered and frameDone, or with frameDropped.
         std::function<bool(CkImageData*)> deliver;
         std::function<void(const QString& sText)> showError;
@@ -44,16 +44,16 @@ public:
     bool format(SkPicBufInfo& info, CkImageMetadata* pMetadata) const;
 
     SkPlaybackSettings settings() const;
-    /// Takes effect at once, also while a frame is waited for. Returns the settings from before.
+    /// Takes effect at once, also while waiting for a frame's time. Returns the previous settings.
     SkPlaybackSettings changeSettings(const std::function<void(SkPlaybackSettings&)>& edit);
     /// See CkVideoSource::setAfterFrame.
     void setAfterFrame(AfterFrame afterFrame);
 
     CkPlaybackState state() const; ///< A snapshot.
-    bool play();                   ///< False when it plays already.
-    bool pause();                  ///< False when it does not play.
+    bool play();                   ///< False when already playing.
+    bool pause();                  ///< False when not playing.
     void step();                   ///< For a paused player.
-    bool seek(qint64 iFrame);      ///< False for a number that is none.
+    bool seek(qint64 iFrame);      ///< False for an invalid number.
 
     void chainStarted();
     void chainStopped();
@@ -63,11 +63,11 @@ public:
     void frameDone();
 
 private:
-    /// Frames that the chain took, counted since the player exists.
+    /// Frames that the chain accepted, counted since construction.
     struct SkFlight {
         quint64 delivered = 0;
-        quint64 settled = 0; ///< entered the chain or were dropped before
-        quint64 done = 0;    ///< of the settled ones, those that the chain is finished with
+        quint64 settled = 0; ///< entered the chain or were dropped before that
+        quint64 done = 0;    ///< of the settled ones, those that the chain has finished
         bool lastEntered = false;
     };
     using Lock = std::unique_lock<std::mutex>;
@@ -84,16 +84,16 @@ private:
     auto change(Change&& apply);
 
     const SkOutput m_output;
-    mutable std::mutex m_mutex; ///< of everything below but the fetcher
+    mutable std::mutex m_mutex; ///< guards everything below except the fetcher
     std::condition_variable m_changed;
     std::shared_ptr<const IkFrameFile> m_file;
-    SkPicBufInfo m_info; ///< as it lies in the file
+    SkPicBufInfo m_info; ///< as stored in the file
     CkImageMetadata m_metadata;
     SkPlaybackSettings m_settings;
     CkPlaybackState m_state;
     CkPlaybackClock m_clock;
     SkFlight m_flight;
     AfterFrame m_afterFrame;
-    CkFrameFetcher m_fetcher; ///< of the thread alone
-    std::thread m_thread;     ///< last: uses all of the above
+    CkFrameFetcher m_fetcher; ///< used by the thread only
+    std::thread m_thread;     ///< declared last: uses all of the above
 };

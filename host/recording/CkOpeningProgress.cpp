@@ -2,7 +2,8 @@
 
 namespace {
 
-// loadSettings of a block has no parameter for it: the chain that loads its blocks knows no recordings.
+// Thread-local, because loadSettings has no parameter for it: the chain that loads its blocks does not know
+// about recordings.
 thread_local IkFrameFile::ProgressFunction s_progress;
 
 } // namespace

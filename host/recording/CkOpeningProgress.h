@@ -2,8 +2,8 @@
 
 #include "host/recording/IkFrameFile.h"
 
-/// While it lives, recordings that are opened from a chain file on this thread report to its function, which
-/// may cancel the opening. One at a time per thread.
+/// During its lifetime, recordings that are opened from a chain file on this thread report to its function,
+/// which may cancel the opening. One at a time per thread.
 class CkOpeningProgress {
 public:
     explicit CkOpeningProgress(const IkFrameFile::ProgressFunction& progress);

@@ -6,7 +6,7 @@
 
 /// Condenses the errors of consecutive pages into messages for the user. The first error of a run is reported
 /// at once, the following ones twice a second with their count: a file may have a million unreadable pages,
-/// and the log cannot keep up with one message each.
+/// too many for one log message each.
 class CkPageErrors {
 public:
     using Clock = std::chrono::steady_clock;

@@ -10,7 +10,7 @@ constexpr qint64 kSecondNs = 1'000'000'000;
 // A longer pause between two frames is a gap in the recording, not a frame rate.
 constexpr qint64 kLongestGapNs = 10 * kSecondNs;
 constexpr float kDefaultFrameRate = 30.0F;
-// Skipping reads the times of the frames from the file, while the controls wait.
+// Skipping reads the frame times from the file with the player's lock held, which blocks the controls.
 constexpr qint64 kMostSkippedAtOnce = 250;
 
 /// From iFrame to the next one, at the speed of playback. 0 when either cannot be read.

@@ -6,28 +6,28 @@
 
 class IkFrameFile;
 
-/// Tells at what time a frame is to be shown when a recording plays in real time, and which frames are too
-/// late for that. Not thread-safe.
+/// Schedules the frames of a recording that plays in real time, and decides which of them are too late to be
+/// shown. Not thread-safe.
 class CkPlaybackClock {
 public:
     using Clock = std::chrono::steady_clock;
 
     struct SkDue {
-        qint64 frame = 0; ///< the one asked for, or a later one where that is overdue
+        qint64 frame = 0; ///< the requested one, or a later one if that is overdue
         Clock::time_point time;
     };
 
     /// Forgets the last frame: the next one is due at once.
     void reset() { m_lastFrame = -1; }
-    /// Between the two the recording's time stands still. A chain that only renegotiates calls them as well.
+    /// The recording's time is halted between the two. They are also called when a chain only renegotiates.
     void chainStopped(Clock::time_point now) { m_stoppedAt = now; }
     void chainStarted(Clock::time_point now) { m_due += now - m_stoppedAt; }
 
-    /// When to show iFrame. A frame is skipped when the one after it is due by now.
+    /// When to show iFrame. A frame is skipped when the following one is already due.
     SkDue schedule(const IkFrameFile& file, qint64 iFrame, double fSpeed, Clock::time_point now);
 
 private:
-    qint64 m_lastFrame = -1; ///< scheduled last
+    qint64 m_lastFrame = -1; ///< the frame scheduled last
     Clock::time_point m_due; ///< of that frame
     Clock::time_point m_stoppedAt;
 };

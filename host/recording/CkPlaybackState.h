@@ -16,7 +16,7 @@ public:
     qint64 next() const { return m_iNext; }         ///< the frame to be delivered next
     qint64 position() const { return m_iPosition; } ///< the frame delivered last, -1 before the first one
     qint64 skipped() const { return m_iSkipped; }   ///< by real time, since play()
-    /// Changes with everything that makes a frame that is being read or waited for the wrong one.
+    /// Incremented by every change that invalidates the frame being read or waited for.
     quint64 generation() const { return m_uiGeneration; }
     bool chainRuns() const { return m_bChainRuns; }
     bool wantsFrames() const {
@@ -24,12 +24,12 @@ public:
     }
 
     bool
-    play(qint64 iFrameCount); ///< From the first frame when the last one was delivered. False: plays already.
-    bool pause();             ///< False: does not play. Pending steps stay.
+    play(qint64 iFrameCount); ///< Restarts at the first frame after the last one. False: already playing.
+    bool pause();             ///< False: not playing. Pending steps stay.
     void step();              ///< One more frame, for a player that is paused.
     void seek(qint64 iFrame); ///< While paused the frame counts as a step and replaces pending ones.
-    void rewind();            ///< For another file.
-    void discardFrame() { ++m_uiGeneration; } ///< What is being read is to be read again.
+    void rewind();            ///< To be called for a new file.
+    void discardFrame() { ++m_uiGeneration; } ///< The frame being read has to be read again.
     void setChainRuns(bool bRuns) { m_bChainRuns = bRuns; }
     void close();
 
@@ -37,13 +37,13 @@ public:
     void frameDelivered(qint64 iFrame);
     void frameUnreadable(qint64 iFrame) { advance(iFrame); }
     void startOver() { m_iNext = 0; } ///< After the last frame of a loop.
-    bool end();                       ///< After the last frame. Pauses; false when it did not play.
+    bool end();                       ///< After the last frame. Pauses; false when not playing.
 
 private:
     void advance(qint64 iFrame);
 
     EkMode m_mode = EkMode::Paused;
-    int m_iSteps = 0; ///< left to do; above 0 exactly while Stepping
+    int m_iSteps = 0; ///< pending; above 0 exactly while Stepping
     bool m_bChainRuns = false;
     qint64 m_iNext = 0;
     qint64 m_iPosition = -1;

@@ -10,8 +10,9 @@
 #include <mutex>
 #include <thread>
 
-/// Records the frames of a block. A thread of its own writes them; a frame that finds the queue full is
-/// dropped and counted, and so is every frame after a write error. Any thread; start and stop one at a time.
+/// Records the frames of a block. A separate thread writes them; a frame that arrives at a full queue is
+/// dropped and counted, and so is every frame after a write error. Any thread, but start and stop must not
+/// overlap.
 class CkRecorder : public IkFrameSink {
 public:
     struct SkOptions {
@@ -19,11 +20,11 @@ public:
         int queueFrames = 16; ///< capacity of the queue to the disk, at least 1
     };
     struct SkState {
-        qint64 written = 0; ///< frames that are in the file
-        qint64 dropped = 0; ///< frames that never will be
+        qint64 written = 0; ///< frames in the file
+        qint64 dropped = 0; ///< frames lost
         int waiting = 0;    ///< frames in the queue, including the one being written
         quint64 bytes = 0;  ///< of the file
-        QString error;      ///< names file and page; empty without one
+        QString error;      ///< names file and page; empty for none
     };
 
     CkRecorder();
@@ -31,7 +32,7 @@ public:
     ~CkRecorder() override;
 
     /// Creates the file; from then on frames are recorded. False, with psError, when the file cannot be
-    /// written or the recorder runs already.
+    /// written or the recorder is running already.
     bool start(const QString& sFileName, const SkRecordingInfo& recording, const SkOptions& options,
                QString* psError);
     /// Writes the queued frames and closes the file. Frames that arrive later are deleted and not counted.
@@ -40,8 +41,8 @@ public:
     bool isRunning() const;
 
     SkState state() const;
-    /// Called after each dropped frame and each error, on the thread that detected it. Must return quickly
-    /// and not call the recorder. To be set while stopped.
+    /// The function is called after each dropped frame and each error, on the thread that detected it. It
+    /// must return quickly and must not call the recorder. To be set while stopped.
     void setTroubleFunction(std::function<void(const SkState&)> trouble);
 
     int takeFrame(CkImageData* pData) override;

@@ -5,7 +5,7 @@
 #include "host/recording/SkReadLimits.h"
 
 /// Reads recordings, and the TIFF files of other programs as stacks of pictures. Open on one thread; after
-/// that any number of threads may read. Access is random: every frame takes the same time.
+/// that any number of threads may read. Random access: every frame takes the same time.
 class CkRecordingReader : public IkFrameFile {
 public:
     explicit CkRecordingReader(const SkReadLimits& limits = {});

@@ -78,7 +78,8 @@ public:
     /// the next one begin.
     QByteArray bytes(quint64& uiDirectory, quint64& uiLink) {
         const quint64 count = quint64(m_entries.size()) / 20;
-        // Aligned to 8 the link never crosses a memory page, so no concurrent reader sees half of it.
+        // Aligned to 8 bytes, the link never crosses a memory page, so that no concurrent reader sees a torn
+        // value.
         quint64 start = alignedUp(m_uiOffset + quint64(m_outside.size()), 8);
         start += count % 2 == 0 ? 0 : 4;
         uiDirectory = start - m_uiOffset;
@@ -229,7 +230,7 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         picBuf.channels > 4) {
         return fail(Texts::tr("A picture of this format cannot be recorded."));
     }
-    // Checked factor by factor: the full product may overflow.
+    // Checked factor by factor: the product may overflow.
     const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
     if (row > kMaximumPictureBytes || row * picBuf.height > kMaximumPictureBytes) {
         return fail(Texts::tr("The picture is larger than 1 GiB."));

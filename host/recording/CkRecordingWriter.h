@@ -14,7 +14,7 @@ enum class EkRecordingCompression {
 ///
 /// A page (samples, text, directory) is written completely before the previous page is linked to it: after a
 /// crash or a power failure the file ends with its last complete page. Appending a page takes constant time,
-/// however long the file is. One thread at a time.
+/// independent of the length of the file. One thread at a time.
 class CkRecordingWriter {
 public:
     /// Larger pictures are refused.

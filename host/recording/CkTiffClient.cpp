@@ -25,7 +25,7 @@ CkTiffClient::CkTiffClient(const CkTiffFile& file, quint64 uiPageOffset)
     TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(CkRecordingWriter::kMaximumPictureBytes));
     TIFFOpenOptionsSetErrorHandlerExtR(options, onError, this);
     TIFFOpenOptionsSetWarningHandlerExtR(options, onWarning, this);
-    // "m": no memory mapping, for files may shrink under it. "c": no chopping of large strips.
+    // "m": no memory mapping, because files may shrink meanwhile. "c": no chopping of large strips.
     m_tif = TIFFClientOpenExt("page", "rmc", this, onRead, onWrite, onSeek, onClose, onSize, onMap, onUnmap,
                               options);
     TIFFOpenOptionsFree(options);
@@ -92,7 +92,7 @@ int CkTiffClient::onMap(thandle_t, void**, toff_t*) {
 void CkTiffClient::onUnmap(thandle_t, void*, toff_t) {}
 
 int CkTiffClient::onError(TIFF*, void* user, const char*, const char* format, va_list arguments) {
-    // The first error is the cause, the others follow from it.
+    // The first error is the cause, later ones are consequences.
     QString& error = static_cast<CkTiffClient*>(user)->m_error;
     if (error.isEmpty()) {
         char line[256];

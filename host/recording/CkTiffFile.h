@@ -9,7 +9,7 @@
 /// number of threads may read.
 class CkTiffFile {
 public:
-    /// Pages found so far and the share of the file they lie in, 0 to 1. Answering false ends the search.
+    /// Pages found so far and the share of the file they lie in, 0 to 1. Returning false ends the search.
     using ProgressFunction = std::function<bool(qint64 iPages, double fShare)>;
 
     CkTiffFile() = default;
@@ -21,8 +21,8 @@ public:
     bool open(const QString& sFileName, QString& sReason);
 
     enum class EkIndex { Complete, Damaged, Cancelled };
-    /// Follows the chain of pages. Damaged: the pages before the damage are indexed, sReason says what is
-    /// wrong with the next one. A page beyond iMaximumPages counts as damage.
+    /// Follows the chain of pages. Damaged: the pages before the damage are indexed, sReason describes the
+    /// error in the next one. A page beyond iMaximumPages counts as damage.
     EkIndex readIndex(qint64 iMaximumPages, const ProgressFunction& progress, QString& sReason);
 
     /// False, with sReason, for a page whose directory asks for more memory than any real one

@@ -112,7 +112,7 @@ bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString&
     if (description.info.bitsPerChannel == 0 || description.info.bitsPerChannel > sampleBits) {
         description.info.bitsPerChannel = sampleBits;
     }
-    // The recorded row padding is only a hint; a large one is not worth its memory.
+    // The recorded row padding is only a hint; a large one would waste memory.
     SkPicBufInfo& info = description.info;
     if (info.linePadding > kMaximumPadding ||
         (quint64(info.lineSize) + info.linePadding) * info.height > m_uiLimit) {
@@ -195,7 +195,8 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
                 .arg(m_limits.expansion);
         return false;
     }
-    // libtiff loads the compressed bytes of a strip before it unpacks them. No compression doubles the size.
+    // libtiff loads the compressed bytes of a strip before it decompresses them. No compression method
+    // doubles the size.
     if (parts.largestStored(tif, fileBytes) > SkReadLimits::kSmallPictureBytes + 2 * parts.partBytes(info)) {
         sReason =
             Texts::tr("A strip or tile of the page is said to have more compressed bytes than samples.");
@@ -219,7 +220,7 @@ bool CkTiffPage::readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSo
         bSome = bSome || got > 0;
         return false;
     }
-    // Of an uncompressed page, whatever the file still holds is shown.
+    // The remaining part of a truncated uncompressed page is shown.
     const qint64 plain = m_client->file().readAt(pBytes, quint64(iBytes), offset);
     bSome = bSome || plain > 0;
     return false;
@@ -245,7 +246,7 @@ CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason)
     return result;
 }
 
-/// A strip or tile: which samples it holds and where they go.
+/// A strip or tile: which samples it holds, and their position in the picture.
 struct CkTiffPage::SkPart {
     quint32 x;
     quint32 y;

@@ -31,7 +31,7 @@ CkVideoSource::CkVideoSource()
       })) {}
 
 CkVideoSource::~CkVideoSource() {
-    // Deleted while in a chain: it must not call a source without its player.
+    // Deleted while in a chain: the chain must not call a source whose player is destroyed.
     if (CkChain* const owner = chain()) {
         owner->stop();
     }
@@ -55,7 +55,7 @@ void CkVideoSource::shareFile(const CkVideoSource& other) {
 void CkVideoSource::useFile(const std::shared_ptr<const IkFrameFile>& file) {
     SkFrameDescription first;
     QString error = file->damage();
-    // A first page that cannot be shown is no reason not to show the second.
+    // If the first page cannot be shown, try the following ones.
     const qint64 tried = std::min(file->frameCount(), kMostPagesTried);
     for (qint64 frame = 0; frame < tried && !file->describe(frame, first, &error); ++frame) {
     }
@@ -203,7 +203,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
     changeSettings(
         [&element](SkPlaybackSettings& settings) { settings = SkPlaybackSettings::load(element); });
     const QString file = element.attribute(kFile);
-    // One that is missing may come back; a pipe or a device never is a recording.
+    // A missing file may become available again; a pipe or a device is never a recording.
     if (const QFileInfo info(file); info.exists() && !info.isFile()) {
         setErrorMessage(tr("\"%1\": This is no ordinary file.").arg(file));
         return false;

@@ -32,11 +32,13 @@ public:
     /// The recording, or null. Shared with the player; stays valid after another file is opened.
     std::shared_ptr<const IkFrameFile> recording() const;
 
-    /// Called on the player's thread after each frame that it delivers when every frame counts, once all
-    /// blocks and sinks have handled it. May wait until the frame is shown, unless interrupted answers true.
+    /// Called on the player's thread after each frame that it delivers at pace EveryFrame, once all blocks
+    /// and sinks have handled it. May block until the frame is shown, but has to return when interrupted() is
+    /// true.
     void setAfterFrame(CkFramePlayer::AfterFrame afterFrame);
 
-    /// Plays one-channel pictures as depths in metres; other frames stay as they are. From the next frame on.
+    /// Plays one-channel pictures as depths in metres; other frames are unchanged. Takes effect with the next
+    /// frame.
     void setDepthScale(const SkDepthScale& scale);
     SkDepthScale depthScale() const;
 
@@ -46,9 +48,9 @@ public:
     bool isPlaying() const;
     bool isLoop() const;
     int pace() const; ///< SkPlaybackSettings::EkPace
-    /// Of playback in real time, see SkPlaybackSettings::speed.
+    /// Speed of playback in real time, see SkPlaybackSettings::speed.
     double speed() const;
-    /// Frames that real time left out since play.
+    /// Frames skipped by playback in real time since play().
     qint64 skippedFrames() const;
 
     /// Continues after the frame delivered last, from the first frame when that was the last one.
@@ -56,11 +58,13 @@ public:
     void pause();
     /// Delivers the next frame and pauses. After the last frame: the first one with loop, otherwise nothing.
     void step();
-    /// The next frame to be delivered; delivered at once while paused. False for a number that is none.
+    /// Sets the next frame to be delivered; it is delivered at once while paused. False for an invalid
+    /// number.
     bool seek(qint64 iFrame);
     void setLoop(bool bLoop);
     void setPace(int iPace);
-    /// At once, also while a frame is waited for. Clamped; infinite and NaN speeds are ignored.
+    /// Takes effect at once, also while waiting for a frame's time. Clamped; infinite and NaN speeds are
+    /// ignored.
     void setSpeed(double fSpeed);
 
     QString title() const override;
@@ -86,6 +90,6 @@ private:
     void useFile(const std::shared_ptr<const IkFrameFile>& file);
     void changeSettings(const std::function<void(SkPlaybackSettings&)>& edit);
 
-    QString m_sMissingFile; ///< named by a chain file but not there; kept for saveSettings
+    QString m_sMissingFile; ///< named by a chain file but missing; kept for saveSettings
     std::unique_ptr<CkFramePlayer> m_player;
 };

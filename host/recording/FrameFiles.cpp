@@ -22,7 +22,7 @@ std::vector<SkFormat>& formats() {
 }
 
 QByteArray beginningOf(const QString& sFileName) {
-    // A pipe might never answer.
+    // Reading from a pipe might block forever.
     if (formats().empty() || !QFileInfo(sFileName).isFile()) {
         return {};
     }

@@ -23,7 +23,7 @@ struct SkDepthScale {
     static SkPicBufInfo scaledInfo(const SkPicBufInfo& info);
     static CkImageMetadata scaledMetadata(const CkImageMetadata& metadata);
 
-    /// The picture in metres, channel "Depth", owned by the caller; all else unchanged. Null when the
-    /// format does not fit or memory is short.
+    /// The picture in metres, channel "Depth", owned by the caller; everything else is unchanged. Null when
+    /// the format cannot be scaled or memory allocation fails.
     std::unique_ptr<CkImageData> scaled(const CkImageData& frame) const;
 };

@@ -153,7 +153,7 @@ private:
 };
 
 QByteArray toAscii(const QByteArray& utf8) {
-    // TIFF defines the tag as ASCII; readers disagree about anything else.
+    // TIFF defines the tag as ASCII; readers interpret other encodings differently.
     QByteArray ascii;
     ascii.reserve(utf8.size());
     const QString text = QString::fromUtf8(utf8);
@@ -210,7 +210,7 @@ QByteArray SkFrameDescription::toText(const SkRecordingInfo* pRecording) const {
         recording.insert(QLatin1String("software"), pRecording->software);
         root.insert(QLatin1String("recording"), recording);
     } else {
-        // The frame was the first one of another file.
+        // The frame was the first one of another recording, whose description it still carries.
         const QJsonObject rest = without(root.value(QLatin1String("recording")).toObject(), recordingNames());
         root.remove(QLatin1String("recording"));
         if (!rest.isEmpty()) {

@@ -7,7 +7,7 @@
 #include <QJsonObject>
 #include <QString>
 
-/// What a recording says about itself, on its first page.
+/// Information about a recording as a whole, stored on its first page.
 struct SkRecordingInfo {
     QString chainXml;         ///< the chain that the frames came from; empty when unknown
     QJsonObject viewSettings; ///< of the view that showed the frames; empty when unknown
@@ -25,11 +25,12 @@ struct SkFrameDescription {
     SkPicBufInfo info; ///< rows packed
     SkPicAdditionalData additionalData;
     CkImageMetadata metadata;
-    /// The object as it was read. Members that this version does not know survive writing it again.
+    /// The object as it was read. Members that this version does not know are preserved when it is written
+    /// again.
     QJsonObject object;
 
-    /// The text of the page; pRecording only for the first page of a file. On other pages, what object says
-    /// about a recording is omitted.
+    /// The text of the page; pRecording only for the first page of a file. On other pages, the recording
+    /// member of object is omitted.
     QByteArray toText(const SkRecordingInfo* pRecording = nullptr) const;
 
     /// Fills metadata, additional data and the members of info that the TIFF tags do not hold (size and
@@ -40,6 +41,6 @@ struct SkFrameDescription {
     /// The members of object that this version does not know.
     QJsonObject foreignMembers() const;
 
-    /// Of the first page; empty members where it says nothing.
+    /// From the first page; missing members are empty.
     SkRecordingInfo recordingInfo() const;
 };

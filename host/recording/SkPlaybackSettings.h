@@ -4,10 +4,10 @@
 
 class QDomElement;
 
-/// How a recording is played, without the file and the place in it.
+/// How a recording is played, independent of the file and the position in it.
 struct SkPlaybackSettings {
     enum EkPace : int {
-        EveryFrame = 0, ///< as fast as the chain takes them; each frame once, in order
+        EveryFrame = 0, ///< as fast as the chain accepts them; each frame once, in order
         RealTime = 1 ///< at the times at which the frames were taken, scaled by speed; late ones are skipped
     };
     static constexpr double kSlowestSpeed = 0.1;

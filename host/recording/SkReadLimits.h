@@ -3,13 +3,13 @@
 #include <QtGlobal>
 
 /// Limits against hostile files. An uncompressed picture may also take at most twice the file's bytes plus
-/// kSmallPictureBytes: enough to show what is left of a truncated file.
+/// kSmallPictureBytes: enough to show the remains of a truncated file.
 struct SkReadLimits {
-    /// Further pages are left out and reported as damage.
+    /// Further pages are ignored and reported as damage.
     qint64 pages = 1'000'000;
     /// Uncompressed bytes of a compressed picture.
     quint64 unpackedBytes = 256ULL << 20U;
-    /// Compression ratio that is believed. Deflate reaches 1032 at best, LZW about 1400.
+    /// Highest plausible compression ratio. Deflate reaches 1032 at best, LZW about 1400.
     quint32 expansion = 2048;
 
     /// Pictures up to this size are read even when the file holds less of them.

@@ -17,7 +17,7 @@ struct SkTiffParts {
 
     /// Uncompressed bytes of one part; saturates.
     quint64 partBytes(const SkPicBufInfo& info) const;
-    /// Uncompressed bytes of all parts; saturates. Tiles reach beyond the picture.
+    /// Uncompressed bytes of all parts; saturates. Includes the parts of tiles beyond the picture.
     quint64 unpackedBytes(const SkPicBufInfo& info) const;
     /// Bytes of all parts in the file, each clipped to the file. count must have been checked.
     quint64 storedBytes(TIFF* tif, quint64 uiFileBytes) const;
