@@ -31,7 +31,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_pNotices = new CkViewNoticeController(this);
     connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
-        // Null also means that another window of the program has the focus: the view stays the active one.
+        // Also null when another window of the program has the focus: the view stays active.
         if (const auto* window = qobject_cast<CkViewWindow*>(pWindow)) {
             makeActive(window->viewId());
         }
@@ -39,7 +39,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
 }
 
 CkViewArea::~CkViewArea() {
-    // Activations during destruction are of no interest.
+    // Ignore activations during destruction.
     disconnect(this, nullptr, this, nullptr);
     closeAllViews(false);
 }

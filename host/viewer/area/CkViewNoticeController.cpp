@@ -46,7 +46,7 @@ QString unpluggedCamera(const QList<void*>& handles) {
 CkViewNoticeController::CkViewNoticeController(CkViewArea* pArea) : QObject(pArea), m_pArea(pArea) {
     connect(pArea, &CkViewArea::viewAdded, this, &CkViewNoticeController::watch);
     connect(pArea, &CkViewArea::viewAboutToClose, this, [this](int iViewId) { m_entries.remove(iViewId); });
-    // Errors of blocks come from other threads, often many at once: the timer polls them.
+    // Blocks report errors on other threads, often many at once; hence polling.
     const CkCameraManager* manager = CkCameraManager::instance();
     connect(manager, &CkCameraManager::cameraUnplugged, this, &CkViewNoticeController::refresh);
     connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkViewNoticeController::refresh);

@@ -29,7 +29,7 @@ public:
 private:
     struct SkNotice {
         QString text;          ///< empty: nothing to report
-        bool isHalted = false; ///< certainly no frames arrive
+        bool isHalted = false; ///< it is certain that no frames arrive
     };
     /// Frames counted at a view's block since its chain was started.
     struct SkFlow {
@@ -41,7 +41,7 @@ private:
         QPointer<QLabel> banner;
         QString text;
         SkFlow flow;
-        int idleChecks = 0; ///< consecutive ones that found frames in and none out
+        int idleChecks = 0; ///< consecutive checks that found frames in and none out
     };
 
     void watch(int iViewId);

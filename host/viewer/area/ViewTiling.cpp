@@ -4,7 +4,7 @@
 
 namespace {
 
-// No view gets less than this part of an equal share, before the shares are made to add up to the whole.
+// No view gets less than this fraction of an equal share, before the shares are normalised.
 constexpr double kLeastShare = 0.8;
 
 QList<double> equalShares(qsizetype count) {

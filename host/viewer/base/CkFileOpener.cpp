@@ -69,7 +69,7 @@ bool CkFileOpener::open(const QString& sFileName, QString& sError) {
     if (kind == nullptr) {
         return false;
     }
-    // A copy: opening a file may add kinds.
+    // A copy, because opening a file may add kinds.
     const QString id = kind->id;
     const auto open = kind->open;
     const QString path = QFileInfo(sFileName).absoluteFilePath();

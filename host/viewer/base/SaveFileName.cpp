@@ -47,7 +47,7 @@ QString refusal(const QString& name, const QString& ending, const QList<SkSaveFo
 
 enum class EkVerdict { Good, Again };
 
-// Makes name and format agree, or tells the user why they cannot.
+// Makes name and format agree, or tells the user why that is impossible.
 EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>& forms, QString& name,
                  int& chosen) {
     const QString ending = fileEnding(name);

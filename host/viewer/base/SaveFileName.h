@@ -9,14 +9,14 @@ class QWidget;
 struct SkSaveForm {
     QString filter; ///< as file dialogs show it: "PNG (*.png)"
     QString suffix; ///< without a dot
-    /// Of several formats with the typed ending, one of the chosen format's group is preferred.
+    /// Among several formats with the typed ending, one in the chosen format's group is preferred.
     int group = 0;
 };
 
-/// What happens with a typed ending that no format has.
+/// What happens to a typed ending that belongs to no format.
 enum class EkSaveEndings {
-    Any, ///< the name is taken as it was typed
-    Ours ///< refused: the file could not be what its ending says
+    Any, ///< the name is used as typed
+    Ours ///< refused, because the content would not match the ending
 };
 
 /// The ending of a file name, lower case and without its dot; empty when what follows the last dot is part of

@@ -20,8 +20,8 @@ public:
     void setPictureSize(const QSize& size);
     QSize pictureSize() const { return m_size; }
 
-    /// Called on each paint for the image, of the picture's size; null: there is none. Frames that are
-    /// replaced before the next paint are thus never coloured.
+    /// Called on each paint; returns the image, in the size of the picture, or null. Frames that are replaced
+    /// before the next paint are thus never coloured.
     void setImageFunction(std::function<const QImage*()> image) { m_image = std::move(image); }
 
     /// The text shown while there is no picture.

@@ -160,7 +160,7 @@ void CkImageView::setChannel(int iChannel) {
     m_pToolBar->setChannel(channel());
     refresh();
     emit contrastChanged();
-    // A single channel has a contrast to set, a colour picture has none.
+    // Contrast applies to a single channel, not to a colour picture.
     if (IkAppDelegate* delegate = IkAppDelegate::instance()) {
         delegate->viewLutChanged(this);
     }
@@ -178,7 +178,7 @@ void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
         m_pCanvas->setPictureSize(QSize(int(frame->picBuf().width), int(frame->picBuf().height)));
     }
     refresh();
-    // A slot that is told of the frame may close the view.
+    // A slot connected to the frame signals may close the view.
     const QPointer<CkImageView> self(this);
     CkMdiView::showFrame(std::move(frame));
     if (self && m_hovered.x() >= 0) {
@@ -195,7 +195,7 @@ void CkImageView::adaptToFormat(const CkImageData& frame) {
     }
     const SkPicBuf& picture = frame.picBuf();
     IkAppDelegate* delegate = IkAppDelegate::instance();
-    // A picture of another kind starts with the colours that the user prefers for its kind.
+    // A picture of another kind starts with the user's preferred colours for that kind.
     CkLut* adapted = change == EkChange::Kind && delegate != nullptr
                          ? delegate->createLut(picture, cameraHandles())
                          : now.lut->transformToFormat(picture.bitsPerChannel, picture.channels,
@@ -279,6 +279,6 @@ CkPictureSnapshot CkImageView::snapshot() {
 }
 
 void CkImageView::saveWithDialog() {
-    // A snapshot: frames keep coming while the dialog is open.
+    // A snapshot, because frames keep arriving while the dialog is open.
     snapshot().saveWithDialog(this);
 }

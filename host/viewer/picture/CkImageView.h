@@ -45,12 +45,12 @@ public:
 
     /// The values at the ends of the colours, in the unit of the channel.
     SkDisplayWindow window() const { return m_renderer.window(); }
-    /// Sets a fixed window and switches automatic contrast off. A reversed window is turned round.
+    /// Sets a fixed window and switches automatic contrast off. The ends of a reversed window are swapped.
     void setWindow(const SkDisplayWindow& window);
     void setAutoContrast(bool bAuto);
     bool autoContrast() const { return table().contrast.automatic; }
-    /// Fixes the window to the whole range of the picture's values: all that an integer can hold, or what a
-    /// float picture holds at the moment.
+    /// Fixes the window to the full range: all values that the integer samples can represent, or the present
+    /// range of a float picture.
     void setFullRange();
     void setMarksSaturated(bool bMark);
     bool marksSaturated() const { return table().contrast.markSaturated; }
@@ -60,14 +60,14 @@ public:
     void setGamma(double fGamma);
     double gamma() const;
 
-    /// Of the frame that was painted last. All zero before the first.
+    /// Of the frame painted last. All zero before the first.
     const SkPictureStatistics& statistics() const { return m_renderer.statistics(); }
     /// Unit of the channel shown, may be empty.
     QString unit() const { return m_renderer.unit(); }
     bool showsColours() const { return channel() < 0; }
     bool hasPicture() const { return frame() != nullptr; }
 
-    /// Darkens the picture: it no longer shows what the camera sees.
+    /// Darkens an outdated picture.
     void setStale(bool bStale) { m_pCanvas->setDimmed(bStale); }
     /// The text shown as long as there is no picture.
     void setEmptyText(const QString& sText);
@@ -76,9 +76,9 @@ public:
     /// been coloured yet. Null before the first picture and for a format that cannot be shown.
     const QImage& shownImage();
 
-    /// What is on the screen at the moment, to be saved.
+    /// The picture on the screen, to be saved.
     CkPictureSnapshot snapshot();
-    /// Asks for a file and writes the picture to it.
+    /// Asks the user for a file and writes the picture to it.
     void saveWithDialog();
 
 signals:

@@ -20,11 +20,11 @@ public:
         bool markSaturated = false; ///< samples at the end of their range become red
     };
 
-    /// What changed when a frame of another format or with other channel names came.
+    /// What a frame with another format or other channel names changed.
     enum class EkChange : int {
         None,
         Format, ///< the window is the full range and the channel the first one, or all for a colour picture
-        Kind,   ///< the same, and floats came after integers, integers after floats, or it is the first frame
+        Kind,   ///< the same; also a change between integers and floats, or the first frame
     };
     EkChange adaptTo(const CkImageData& frame);
     /// Of the frame that was adapted to last; 0 channels before the first.
@@ -32,7 +32,7 @@ public:
 
     /// Channel shown; -1: all, as colours.
     int channel() const { return m_iChannel; }
-    /// Limited to the channels there are. False when the channel stays the same.
+    /// Clamped to the existing channels. False when the channel stays the same.
     bool setChannel(int iChannel);
     /// Unit of the channel shown, may be empty.
     QString unit() const;
@@ -43,12 +43,13 @@ public:
 
     /// The values at the ends of the colours, in the unit of the channel.
     const SkDisplayWindow& window() const { return m_window; }
-    /// A reversed window is turned round. False, with the window unchanged, for ends that are not finite.
+    /// The ends of a reversed window are swapped. False, with the window unchanged, for ends that are not
+    /// finite.
     bool setWindow(const SkDisplayWindow& window);
-    /// All that an integer picture can hold, or what the float picture coloured last held.
+    /// All values that an integer picture can hold, or the value range of the float picture coloured last.
     SkDisplayWindow fullRange(const SkPicBufInfo& info) const;
-    /// Writes the window into a table for integer pictures, whose entries are in counts; leaves any other
-    /// alone.
+    /// Writes the window into a table for integer pictures, whose entries are in counts. No-op for other
+    /// tables.
     void storeWindow(const SkPicBufInfo& info, CkLut& lut) const;
 
     /// Colours a picture with its statistics. False, with a null image, for a format that cannot be shown.

@@ -19,7 +19,7 @@ namespace {
 constexpr int kAsSeen = 0;
 constexpr int kAsMeasured = 1;
 
-// A deep copy: a buffer of the chain's pool would be missing there for as long as a dialog is open.
+// A deep copy, so that no buffer of the chain's pool is held while a dialog is open.
 std::unique_ptr<CkImageData> copyOf(const CkImageData& frame) {
     CkPicture pixels;
     if (!CkPicBufAPI::CopyPicBuf(frame.picBuf(), pixels.picBuf())) {

@@ -12,13 +12,13 @@
 class CkImageData;
 class QWidget;
 
-/// What a picture view showed at one moment, to be written to files; frames that the view shows later do not
-/// change it. User-interface thread.
+/// The picture that a view shows at one moment, to be written to files; later frames do not change it.
+/// User-interface thread.
 class CkPictureSnapshot {
     Q_DECLARE_TR_FUNCTIONS(CkPictureSnapshot)
 
 public:
-    /// Forms in which a picture is written as it was measured; PictureFile describes what is in the files.
+    /// File formats with the measured values; see PictureFile for their contents.
     enum class EkMeasured : int { Png16, FloatTiff, FloatTiffOfAll };
 
     /// image: the picture as seen, null when nothing can be shown. pFrame is copied; null without a picture.
@@ -28,10 +28,10 @@ public:
     CkPictureSnapshot(CkPictureSnapshot&&) noexcept;
     CkPictureSnapshot& operator=(CkPictureSnapshot&&) = delete;
 
-    /// A form in which this picture can be saved.
+    /// A format in which this picture can be saved.
     struct SkForm {
         SkSaveForm file;
-        std::optional<EkMeasured> measured; ///< nothing: as seen
+        std::optional<EkMeasured> measured; ///< nullopt: as seen
     };
     /// Empty when there is no picture.
     QList<SkForm> forms() const;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// A longer list is of no use; the values of further channels can still be read under the mouse.
+// A longer list would be unusable; the values of further channels can still be read under the mouse.
 constexpr quint32 kListedChannels = 32;
 
 } // namespace
@@ -33,7 +33,7 @@ CkPictureToolBar::CkPictureToolBar(CkImageCanvas* pCanvas, QWidget* pView) : QTo
 }
 
 void CkPictureToolBar::createZoomActions(CkImageCanvas* pCanvas, const QWidget* pView) {
-    // No shortcuts here: the main window has them, for the active view.
+    // No shortcuts: the main window has them, for the active view.
     m_pFitAction = addAction(ToolIcons::fit(pView->palette()), tr("Fit"), pCanvas, &CkImageCanvas::zoomToFit);
     m_pFitAction->setObjectName(QStringLiteral("toolFit"));
     m_pFitAction->setCheckable(true);

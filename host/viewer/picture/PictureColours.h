@@ -7,7 +7,7 @@
 
 class CkLut;
 
-/// The values that are shown with the first and the last colour. In the units of the samples.
+/// The values shown in the first and the last colour. In the units of the samples.
 struct SkDisplayWindow {
     double low = 0.0;
     double high = 1.0;
@@ -51,7 +51,7 @@ bool isColourPicture(const SkPicBufInfo& info);
 /// Copies a colour picture into an image. False, with the image untouched, for any other picture.
 bool copyColours(const SkPicBuf& picBuf, QImage& image);
 
-/// One sample; not a number for what cannot be read.
+/// One sample; NaN if it cannot be read.
 double sampleValue(const SkPicBuf& picBuf, quint32 uiX, quint32 uiY, quint32 uiChannel);
 
 } // namespace PictureColours

@@ -194,7 +194,7 @@ bool PictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata& m
     description.info.dataType = narrow ? EkImageDataType::Float32 : EkImageDataType::Float64;
     description.info.bitsPerChannel = narrow ? 32 : 64;
     description.info.lineSize = picBuf.width * channels * (narrow ? 4U : 8U);
-    // A picture of floats is no raw sensor picture.
+    // A picture of floats is not a raw sensor picture.
     description.info.colorFilterArray = EkColorFilterArray::None;
     description.metadata = metadata;
     // The name in the metadata, which is not translated.

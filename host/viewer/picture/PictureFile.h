@@ -3,9 +3,9 @@
 #include "zuCore/CkImageMetadata.h"
 #include "zuCore/SkPicBuf.h"
 
-/// Writes pictures to files with the values that were measured, not with the colours on the screen.
-/// Stateless; any thread. Every function returns whether the file was written; if not, sError says why, and
-/// an existing file of that name is unchanged.
+/// Writes pictures to files with the measured values, not with the colours on the screen. Stateless; any
+/// thread. Every function returns whether the file was written; if not, sError holds the reason, and an
+/// existing file of that name is unchanged.
 namespace PictureFile {
 
 /// How a channel is written into 16 bits: stored = round(value * factor + offset), limited to 0..65535;

@@ -106,7 +106,7 @@ QString PictureText::pixel(const SkPicBuf& picBuf, const CkImageMetadata& metada
         const double value = PictureColours::sampleValue(picBuf, quint32(iX), quint32(iY), channel);
         QString entry = channelName(picBuf, metadata, channel) + QLatin1Char(' ') + number(picBuf, value);
         const QString unit = channelUnit(picBuf, metadata, channel);
-        // A unit that all channels share is given once, after the last value.
+        // A unit common to all channels is shown once, after the last value.
         if (!unit.isEmpty() && (!same || channel + 1 == shown)) {
             entry += QLatin1Char(' ') + unit;
         }

@@ -12,7 +12,7 @@ namespace PictureText {
 /// a number.
 QString channelName(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
 
-/// Unit of a channel's values: "rad", "m", counts for whole numbers of a sensor, or empty.
+/// Unit of a channel's values: "rad", "m", counts for integers of a sensor, or empty.
 QString channelUnit(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint32 uiChannel);
 
 /// The user's number format, without group separators.

@@ -9,10 +9,10 @@ class CkChainable;
 namespace Saturation {
 
 enum class EkEvidence : int {
-    Samples,    ///< it does: samples at the end of their range are saturated
+    Samples,    ///< yes: samples at the end of their range are saturated
     Difference, ///< A minus B: two saturated taps cancel out
     Floats,     ///< floats have no end of their range
-    Computed,   ///< it was computed from other pictures, which show it
+    Computed,   ///< computed from other pictures, which show it
 };
 
 /// Of a picture that pBlock delivered; null: no block did.

@@ -5,7 +5,7 @@
 class CkImageView;
 class CkMdiView;
 
-/// What a picture view looks like, as the JSON object that recordings and sessions store. Its members are
+/// The appearance of a picture view, as the JSON object that recordings and sessions store. Its members are
 /// part of both file formats: "kind" ("picture"), "channel", "autoContrast", "low", "high", "gamma",
 /// "colours" (name of a pseudo-colour table); in sessions also "saturated", "legend" and "zoom".
 /// User-interface thread.
@@ -21,8 +21,8 @@ QJsonObject whole(const CkImageView& view);
 /// Members that are missing or out of range leave the view as it is.
 void apply(CkImageView& view, const QJsonObject& appearance);
 
-/// Applies an appearance right after the first picture, which brings the view's default channel and colours.
-/// Until then it is pending: whole() returns it, so that a session that ends early hands it on.
+/// Applies an appearance right after the first picture, which sets the view's default channel and colours.
+/// Until then it is pending: whole() returns it, so that it is not lost when the session ends before.
 void applyAfterFirstPicture(CkImageView& view, const QJsonObject& appearance);
 
 } // namespace ViewAppearance

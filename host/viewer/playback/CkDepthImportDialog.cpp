@@ -22,7 +22,7 @@
 namespace {
 
 constexpr double kMillimetresPerMetre = 1000.0;
-constexpr double kFarthestInMetres = 100.0; // of what ToF cameras measure
+constexpr double kFarthestInMetres = 100.0; // upper limit of ToF cameras
 constexpr double kOther = 0.0;
 
 } // namespace
@@ -151,7 +151,7 @@ SkDepthScale CkDepthImportDialog::scale() const {
 }
 
 double CkDepthImportDialog::metresPerCount() const {
-    // The exact factor, not what the field has room for.
+    // The exact factor, not the rounded number in the field.
     const double unit = m_pUnit->currentData().toDouble();
     return (unit > kOther ? unit : m_pMillimetres->value()) / kMillimetresPerMetre;
 }

@@ -12,8 +12,8 @@ class QLabel;
 class QRadioButton;
 struct SkPicBuf;
 
-/// Asks what the samples of a picture from another program mean: grey values, or depths and in which unit.
-/// User-interface thread.
+/// Asks for the meaning of the samples of a picture from another program: grey values, or depths and their
+/// unit. User-interface thread.
 class CkDepthImportDialog : public QDialog {
     Q_OBJECT
 

@@ -4,8 +4,8 @@
 
 #include <functional>
 
-/// Back-pressure for a playing source: lets it continue once the user interface has shown the last frame. A
-/// view keeps only the newest frame and would drop those that come faster. User-interface thread.
+/// Back-pressure for a playing source, which may continue once the user interface has shown the last frame. A
+/// view keeps only the newest frame and would drop frames that arrive faster. User-interface thread.
 class CkFrameThrottle : public QObject {
     Q_OBJECT
 

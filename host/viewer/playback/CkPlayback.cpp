@@ -52,13 +52,13 @@ CkVideoSource* CkPlayback::source() const {
 }
 
 void CkPlayback::watch(CkChain* pChain) {
-    // Not queued: the first frame may follow at any time.
+    // Not queued: the first frame may arrive at any time.
     connect(pChain, &CkChain::structureChanged, this, [this, pChain] {
         for (CkVideoSource* source : playersOf(pChain)) {
             source->setAfterFrame(m_pThrottle->function());
         }
     });
-    // Queued: after the start is complete, which may be one of several in a row.
+    // Queued, to run when the start is complete; there may be several starts in a row.
     connect(
         pChain, &CkChain::runningChanged, this,
         [this, pChain](bool bRunning) {

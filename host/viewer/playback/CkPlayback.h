@@ -13,16 +13,16 @@ class CkViewArea;
 
 /// Plays the recording at the start of the active view's chain. User-interface thread.
 ///
-/// Also shows the present frame of a paused recording anew whenever its chain is started, so that blocks and
-/// views that were added have something to show.
+/// Also delivers the current frame of a paused recording again whenever its chain is started, for blocks and
+/// views that were added.
 class CkPlayback : public QObject {
     Q_OBJECT
 
 public:
     explicit CkPlayback(CkViewArea* pArea, QObject* pParent = nullptr);
 
-    /// The recording at the start of the view's chain; null when its pictures come from elsewhere. For a view
-    /// that follows another one, that one's recording.
+    /// The recording at the start of the view's chain; null for other sources. For a view that follows
+    /// another one, the recording of that view.
     static CkVideoSource* sourceOf(const CkViewArea& area, const CkMdiView* pView);
 
     /// Of the active view; null when it shows no recording.

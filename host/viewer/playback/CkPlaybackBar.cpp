@@ -37,7 +37,7 @@ int asInt(qint64 value) {
 CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent)
     : QWidget(pParent), m_pPlayback(pPlayback), m_actions(actions) {
     setObjectName(QStringLiteral("playbackBar"));
-    // Between the panels of a small screen one line is too short for all controls.
+    // On a small screen, one line between the panels is too short for all controls.
     auto* layout = new CkWrapLayout(this);
     layout->setContentsMargins(6, 3, 6, 3);
     layout->setSpacing(4);
@@ -75,7 +75,7 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
             [this](int iValue) { m_pPlayback->goTo(iValue); });
     connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
     connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
-    // Polled: the source may be much faster than the eye, and a signal for each frame would cost more.
+    // Polled: the source may be much faster than the display, and a signal per frame would cost more.
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkPlaybackBar::refresh);
     adaptToSource();

@@ -11,8 +11,8 @@ class QSlider;
 class QSpinBox;
 class QToolButton;
 
-/// Controls of the recording that the active view shows; hidden while there is none, or only one frame.
-/// User-interface thread.
+/// Playback controls for the recording in the active view; hidden for views without one, and for single
+/// frames. User-interface thread.
 class CkPlaybackBar : public QWidget {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ public:
     /// "0:01.234".
     static QString timeText(qint64 iNanoseconds);
 
-    /// Brings the bar up to date; happens automatically while it is visible.
+    /// Updates the bar; called automatically while it is visible.
     void refresh();
 
 private:

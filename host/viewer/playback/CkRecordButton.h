@@ -12,7 +12,7 @@ class CkRecordButton : public QPushButton {
     Q_OBJECT
 
 public:
-    /// A camera without a chain has nothing to record; openView is then to open a view on one.
+    /// For a camera without a chain, openView is called to open a view with one.
     CkRecordButton(CkRecordingManager* pManager, void* pCameraHandle, std::function<void()> openView,
                    QWidget* pParent = nullptr);
 

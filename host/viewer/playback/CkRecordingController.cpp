@@ -126,7 +126,7 @@ void CkRecordingController::fillMenuActions() {
     m_menuActions += modes;
     m_playbackActions = steps + modes;
     for (QAction* action : std::as_const(m_playbackActions)) {
-        // Elsewhere in the window the space bar presses buttons and full stops are typed.
+        // Elsewhere in the window the space bar presses buttons, and a full stop is text.
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     }
     m_pArea->addActions(m_playbackActions);

@@ -14,7 +14,7 @@ class CkViewArea;
 class QLabel;
 class QPushButton;
 
-/// Recording and playback as the main window sees them: actions, the panel of recordings, the playback bar,
+/// The main window's interface to recording and playback: actions, the panel of recordings, the playback bar,
 /// the recording lamp, and the kinds of files that can be opened. The window places them. User-interface
 /// thread.
 class CkRecordingController : public QObject {
@@ -25,33 +25,32 @@ public:
     /// has the focus.
     CkRecordingController(CkViewArea* pArea, QWidget* pWindow);
 
-    /// Belongs below the views.
+    /// To be placed below the views.
     CkPlaybackBar* bar() const { return m_pBar; }
     CkRecordingPanel* panel() const { return m_pPanel; }
-    /// Belongs into the status bar; hidden while nothing is recorded.
+    /// To be placed in the status bar; hidden while nothing is recorded.
     QLabel* lamp() const { return m_pLamp; }
     CkRecordingManager* manager() const { return m_pManager; }
     CkPlayback* playback() const { return m_pPlayback; }
 
-    /// Entries of the menu in their order, separators included; refresh() before they are shown.
+    /// Menu entries in order, including separators; call refresh() before they are shown.
     const QList<QAction*>& menuActions() const { return m_menuActions; }
-    /// A new button that records a camera. openView is to open a view on the camera, whose chain is then
-    /// recorded.
+    /// A new button that records a camera. openView opens a view on the camera, whose chain is then recorded.
     QPushButton* createRecordButton(void* pCameraHandle, std::function<void()> openView, QWidget* pParent);
-    /// Recordings and pictures become files that can be opened.
+    /// Registers recordings and pictures as files that can be opened.
     void addFileKinds(CkFileOpener* pOpener);
 
     /// False: files are opened with defaults and no question is asked.
     void setInteractive(bool bInteractive) { m_bInteractive = bInteractive; }
 
 public slots:
-    /// Brings actions and lamp up to date.
+    /// Updates actions and lamp.
     void refresh();
 
 signals:
-    /// A recording has started: the panel is to be shown.
+    /// A recording has started; the receiver shows the panel.
     void panelWanted();
-    /// A finished recording is to be opened.
+    /// The user wants to open a finished recording.
     void openRequested(const QString& sFileName);
 
 private:

@@ -65,7 +65,7 @@ void CkRecordingJob::attach() {
         if (m_state != EkState::Running || fed == m_block) {
             return;
         }
-        // A source is recorded as it is, whatever is added after it.
+        // The output of a source is recorded, regardless of blocks added after it.
         if (m_bSource && m_block && m_block->chain() == m_chain) {
             m_chain->addSink(m_block, &m_recorder);
         } else if (fed != nullptr) {
@@ -87,7 +87,7 @@ void CkRecordingJob::chainCloses(CkChain* pChain) {
         return;
     }
     detach();
-    // A source that was taken out of this chain is added to another one next.
+    // A source that was removed from this chain is added to another one next.
     QTimer::singleShot(0, this, &CkRecordingJob::attach);
 }
 

@@ -32,7 +32,7 @@ public:
     /// The source of one of the camera's chains, preferably that of the active view; null without a chain.
     CkChainable* sourceOfCamera(void* pHandle) const;
 
-    /// Asks for the file and starts to record; null does nothing.
+    /// Asks for the file and starts recording; no-op for null.
     void recordWithDialog(CkChainable* pBlock);
     void stopAll();
 

@@ -64,7 +64,7 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
         });
         timer.start(kPollMs);
         dialog.exec();
-        cancel = true; // without effect once the search is over
+        cancel = true; // no effect once the search is over
     }
     const bool opened = result.get();
     cancelled = !opened && cancel && share < 1.0;
@@ -203,7 +203,7 @@ bool CkRecordingOpener::open(const QString& sFileName, QString& sError) {
         }
     }
     openViews(chain, sFileName, appearance);
-    // On the start of a chain the playback shows its first frame.
+    // When a chain starts, CkPlayback shows its first frame.
     chain->start();
     return true;
 }

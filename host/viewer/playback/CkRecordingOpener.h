@@ -15,16 +15,16 @@ class CkRecordingOpener {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingOpener)
 
 public:
-    /// Makes the source available to chain files, and pictures to the source; may be called repeatedly.
+    /// Registers the source for chain files, and picture formats for the source; may be called repeatedly.
     static void registerSource();
 
     /// Whether a file with these first bytes is a TIFF file, as every recording is.
     static bool recognises(const QByteArray& sFirstBytes);
 
-    /// Views go to the area. Above pWindow, a dialog shows how far the search for the frames has got;
-    /// pictures that may hold depths bring up the import dialog, and a recording with a processing chain the
-    /// question whether to open it, too. With a null pWindow nothing is asked: samples stay as they are,
-    /// without a chain.
+    /// Views go to the area. A progress dialog above pWindow shows the search for frames; pictures that may
+    /// hold depths open the import dialog, and for a recording with a processing chain the user is asked
+    /// whether to open that, too. With a null pWindow there are no dialogs: samples are kept as they are, and
+    /// no stored chain is opened.
     CkRecordingOpener(CkViewArea* pArea, QWidget* pWindow) : m_pArea(pArea), m_pWindow(pWindow) {}
 
     /// Opens a file with views and shows its first frame; playback is left to the user. False, with sError

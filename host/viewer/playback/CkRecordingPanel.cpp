@@ -125,7 +125,7 @@ void CkRecordingPanel::rebuild() {
             ++row;
             continue;
         }
-        // The click that led here came from inside the row.
+        // Not deleted at once: the click that led here came from inside the row.
         row->widget->hide();
         row->widget->deleteLater();
         row = m_rows.erase(row);

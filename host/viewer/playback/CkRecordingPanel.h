@@ -23,12 +23,11 @@ public:
     /// "2.4 GB".
     static QString sizeText(quint64 uiBytes);
 
-    /// Brings the counters up to date; called periodically while the panel is visible, and when a frame is
-    /// dropped.
+    /// Updates the counters; called periodically while the panel is visible, and when a frame is dropped.
     void refresh();
 
 signals:
-    /// A finished recording is to be opened.
+    /// The user wants to open a finished recording.
     void openRequested(const QString& sFileName);
 
 private:

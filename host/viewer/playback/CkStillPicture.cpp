@@ -12,7 +12,7 @@
 
 namespace {
 
-// Camera pictures are smaller.
+// Far above the size of camera pictures.
 constexpr int kMaximumMegabytes = 1024;
 
 /// Converts to a format whose rows have the layout of a picture buffer.

@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
-/// Lays its items out in a line, and in further lines below where the width does not suffice. Spare width of
-/// a line goes to those of its items that expand. Its minimum width is that of its widest item.
-/// User-interface thread.
+/// Lays out its items in a line, and wraps to further lines if the width is not sufficient. The spare width
+/// of a line goes to its expanding items. Its minimum width is that of its widest item. User-interface
+/// thread.
 class CkWrapLayout : public QLayout {
 public:
     explicit CkWrapLayout(QWidget* pParent);

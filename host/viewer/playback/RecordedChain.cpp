@@ -32,7 +32,7 @@ QList<QDomElement> blocksOf(const QDomElement& chain) {
     return blocks;
 }
 
-/// The block that is marked; without a mark, as other programs write recordings of cameras, the first source.
+/// The marked block; without a mark, as in recordings by other programs, the first source.
 QDomElement recordedBlock(const QDomElement& chain) {
     QDomElement recorded;
     for (const QDomElement& block : blocksOf(chain)) {
@@ -46,8 +46,8 @@ QDomElement recordedBlock(const QDomElement& chain) {
     return recorded;
 }
 
-/// Removes every block with a feeder that does not descend from the recorded block: a recording cannot feed
-/// it. False when only the recorded block remains.
+/// Removes every block that has a predecessor outside the recorded block's descendants, because a recording
+/// cannot feed it. False when only the recorded block remains.
 bool keepFedBy(const QDomElement& recorded, QDomElement& chain) {
     QSet<QString> kept = {recorded.attribute(kId)};
     for (const QDomElement& block : blocksOf(chain)) {

@@ -11,7 +11,7 @@ class CkMdiView;
 /// turned into a chain that plays the recording when the file is opened. User-interface thread.
 namespace RecordedChain {
 
-/// What the file of a recording of this block stores: the program, the block's chain, and the colours of
+/// The information stored with a recording of this block: the program, the block's chain, and the colours of
 /// pView, which may be null.
 SkRecordingInfo describe(const CkChainable* pBlock, const CkMdiView* pView);
 
@@ -20,7 +20,7 @@ SkRecordingInfo describe(const CkChainable* pBlock, const CkMdiView* pView);
 /// recorded one. sError is set when the stored chain cannot be read.
 QDomDocument forPlayback(const SkRecordingInfo& info, const QDomElement& sourceSettings, QString& sError);
 
-/// Titles of the blocks of such a chain, the source left out.
+/// Titles of the blocks of such a chain, except for the source.
 QStringList blockTitles(const QDomDocument& chain);
 
 } // namespace RecordedChain

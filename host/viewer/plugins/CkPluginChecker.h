@@ -11,13 +11,13 @@
 struct SkPluginCheckOptions {
     QString memoryFolder = defaultFolder(); ///< of verdicts and load markers; created on demand
     std::chrono::milliseconds timeLimit = std::chrono::seconds(10); ///< for starting and ending a plug-in
-    bool again = false; ///< drops all verdicts and checks every library again
+    bool again = false; ///< drop all verdicts and check every library again
 
     static QString defaultFolder();
 };
 
-/// Decides which libraries the program may load: those that passed the probe, now or before their last
-/// change, and whose loading did not crash the last start. User-interface thread.
+/// Decides which libraries the program may load: those that passed the probe and have not changed since, and
+/// whose loading did not crash the previous start. User-interface thread.
 class CkPluginChecker {
     Q_DECLARE_TR_FUNCTIONS(CkPluginChecker)
 
@@ -27,7 +27,7 @@ public:
     /// Why the library is not loaded, or empty. Runs a process for a new or changed one.
     QString refusal(const QString& sLibrary);
 
-    /// For the CkPluginLoadMarker of a library that is being loaded.
+    /// Folder for the CkPluginLoadMarker of a library that is being loaded.
     QString markerFolder() const { return m_checks.memoryFolder; }
 
 private:

@@ -43,7 +43,7 @@ void CkPluginHost::loadLibrary(const QString& sFileName) {
     const qsizetype before = m_loader.plugins().size();
     QString problem = m_checker.refusal(sFileName);
     if (problem.isEmpty()) {
-        // If the program crashes in here, the next start leaves the library out.
+        // If the program crashes here, the next start skips the library.
         const CkPluginLoadMarker marker(m_checker.markerFolder(), sFileName);
         m_loader.load(sFileName, &problem);
     }
@@ -69,7 +69,7 @@ void CkPluginHost::tellAll(Call call) {
         try {
             call(*loaded.plugin);
         } catch (...) {
-            // Of any type: the other plug-ins and the viewer are to continue.
+            // Any type of exception: the other plug-ins and the viewer have to continue.
             qCritical("%s threw an exception", qUtf8Printable(loaded.fileName));
         }
     }

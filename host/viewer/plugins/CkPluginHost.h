@@ -20,8 +20,8 @@ public:
     /// installed. Empty when there is none.
     static QString defaultFolder();
 
-    /// Loads every library of a folder in order of file name, or a single library, if CkPluginChecker has no
-    /// objection. A refused library is logged and listed in problems(); the others are loaded nevertheless.
+    /// Loads every library of a folder in order of file name, or a single library, if CkPluginChecker accepts
+    /// it. A refused library is logged and listed in problems(); the others are loaded nevertheless.
     void load(const QString& sPath);
 
     QList<CkPluginLoader::SkLoadedPlugin> plugins() const { return m_loader.plugins(); }
@@ -33,7 +33,7 @@ public:
     void notifyNewCamera(void* pCameraHandle);
 
 private:
-    /// Calls every plug-in; an exception of one is logged and does not keep the others from being called.
+    /// Calls every plug-in; exceptions are logged, and the remaining plug-ins are still called.
     template <typename Call>
     void tellAll(Call call);
     void loadLibrary(const QString& sFileName);

@@ -14,7 +14,7 @@ public:
     CkPluginLoadMarker(const CkPluginLoadMarker&) = delete;
     CkPluginLoadMarker& operator=(const CkPluginLoadMarker&) = delete;
 
-    /// The libraries whose loading ended a program; removes their files.
+    /// The libraries whose loading crashed a program; removes their files.
     static QStringList takeLeftBehind(const QString& sFolder);
 
 private:

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <optional>
 
-/// Loads a plug-in in a short-lived process of its own, to find out what it does to a program. For a thread
-/// that may block.
+/// Loads a plug-in in a short-lived separate process, to find out whether it crashes or hangs a program. For
+/// a thread that may block.
 class CkPluginProbe {
     Q_DECLARE_TR_FUNCTIONS(CkPluginProbe)
 

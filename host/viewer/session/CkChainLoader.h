@@ -9,7 +9,7 @@
 
 class CkChain;
 
-/// Loads a chain file; when that takes long, a dialog shows the progress and offers to cancel.
+/// Loads a chain file; if that takes long, a dialog shows the progress and allows the user to cancel.
 /// User-interface thread.
 class CkChainLoader {
     Q_DECLARE_TR_FUNCTIONS(CkChainLoader)
@@ -18,7 +18,7 @@ public:
     /// pWindow, which may be null, is the dialog's parent.
     CkChainLoader(const QString& sFileName, QWidget* pWindow);
 
-    /// Null, with sError naming the file, the place and the reason, or empty when the user cancelled.
+    /// Null, with sError naming the file, the position and the reason, or empty when the user cancelled.
     CkChain* load(QString& sError);
 
 private:

@@ -22,13 +22,13 @@ using namespace SessionFormat;
 
 namespace {
 
-// The elements of a chain's blocks come in the order of its blocks.
+// The order of the elements is the order of the chain's blocks.
 void restorePositions(const CkChain* chain, const QDomElement& content) {
     QDomElement element = content.firstChildElement();
     for (CkChainable* block : chain->blocks()) {
         if (auto* player = qobject_cast<CkVideoSource*>(block)) {
             const qint64 frame = element.attribute(kFrame).toLongLong();
-            // Queued: after the playback, which shows the first frame of a recording that has just been
+            // Queued, to run after CkPlayback, which shows the first frame of a recording that has just been
             // started.
             QObject::connect(
                 chain, &CkChain::runningChanged, player, [player, frame] { player->seek(frame); },
@@ -139,7 +139,7 @@ void CkSessionReader::reportMissingRecordings(const CkChain& chain) {
     }
 }
 
-// The source of such a chain would take another camera instead.
+// The source of such a chain would use another camera instead.
 bool CkSessionReader::needsMissingCamera(const QDomElement& chain) const {
     for (QDomElement e = chain.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
         if (m_missing.contains(e.attribute(kCamera))) {

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int kDelayMs = 3000;
-// Changes that keep coming put saving off by at most this many delays.
+// Continuous changes postpone saving by at most this many delays.
 constexpr int kMostDelays = 5;
 
 } // namespace
@@ -93,7 +93,7 @@ void CkSessionSaver::touch() {
 }
 
 void CkSessionSaver::save() {
-    // A session is not saved halfway through an edit or a drag.
+    // A session is not saved during an edit or a drag.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr ||
         QGuiApplication::mouseButtons() != Qt::NoButton) {
         m_timer.start();

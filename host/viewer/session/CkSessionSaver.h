@@ -13,20 +13,20 @@ class CkSessionSaver : public QObject {
 
 public:
     /// Watches the window from now on; its present layout counts as saved. With bAtOnce every change counts;
-    /// without, none does before the user's first key or click: a viewer that only started does not replace
-    /// the saved session.
+    /// otherwise only those after the user's first key press or click: a viewer that was only started does
+    /// not replace the saved session.
     CkSessionSaver(const QMainWindow* pWindow, const CkViewArea* pArea, EkSessionScope scope, bool bAtOnce);
     ~CkSessionSaver() override;
 
     /// Time from a change to the file, in ms.
     void setDelay(int iMs) { m_timer.setInterval(iMs); }
 
-    /// The window is closing; nothing is saved any more.
+    /// To be called when the window closes; nothing is saved any more.
     void end();
 
 signals:
     void saved();
-    /// A change is still unsaved, because a dialog, a popup or a mouse button is in the way.
+    /// A change could not be saved yet, because of an open dialog or popup or a pressed mouse button.
     void postponed();
 
 protected:

@@ -19,8 +19,8 @@ inline const QString kId = QStringLiteral("id");
 inline const QString kRunning = QStringLiteral("running");
 inline const QString kFrame = QStringLiteral("frame");
 
-// Attributes of a view: indices of its chain and of its block in that chain, state, place in the view area in
-// pixels.
+// Attributes of a view: indices of its chain and of its block in that chain, state, position in the view area
+// in pixels.
 inline const QString kBlock = QStringLiteral("block");
 inline const QString kHas3d = QStringLiteral("has3d");
 inline const QString kActive = QStringLiteral("active");
@@ -31,7 +31,7 @@ inline const QString kWidth = QStringLiteral("width");
 inline const QString kHeight = QStringLiteral("height");
 inline const QString kMaximized = QStringLiteral("maximized");
 
-/// Dynamic property of a restored picture view whose 3D view is not open again yet.
+/// Dynamic property of a restored picture view whose 3D view has not been reopened yet.
 constexpr const char* kPending3dView = "zuPending3dView";
 
 } // namespace SessionFormat

@@ -7,15 +7,15 @@
 class CkViewArea;
 class QMainWindow;
 
-/// How much of a window the next start restores. A viewer that was started for named cameras or files keeps
-/// the session of the user's usual window.
+/// How much of a window the next start restores. A viewer that was started with cameras or files on its
+/// command line does not replace the stored session.
 enum class EkSessionScope { Nothing, Layout, LayoutAndSession };
 
-/// What the settings store of a window: its place, its panels, and what is open in it.
+/// The window state stored in the settings: geometry, panels, and session.
 struct SkWindowLayout {
     QByteArray geometry;
     QByteArray state; ///< of the panels
-    /// A text of SessionWriter; nothing leaves the stored one as it is.
+    /// Written by SessionWriter; nullopt leaves the stored one unchanged.
     std::optional<QByteArray> session;
     bool arrange = true; ///< views are tiled automatically
 
@@ -25,8 +25,8 @@ struct SkWindowLayout {
     static SkWindowLayout load();
     void applyTo(QMainWindow& window, CkViewArea& area) const;
 
-    /// Writes to the settings, atomically: a program that is killed meanwhile leaves either the old or the
-    /// new. With pBefore only what differs from it.
+    /// Writes to the settings atomically: if the program is killed meanwhile, either the old or the new state
+    /// remains. With pBefore only the differences are written.
     void save(const SkWindowLayout* pBefore = nullptr) const;
 
     bool operator==(const SkWindowLayout& other) const = default;

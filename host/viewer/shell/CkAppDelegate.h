@@ -8,8 +8,8 @@ class CkCameraController;
 class CkMainWindow;
 class CkViewArea;
 
-/// The viewer's interface to plug-ins and views. Outlives the window; then everything but the settings is a
-/// no-op or returns null. User-interface thread.
+/// The viewer's interface to plug-ins and views. Outlives the window; from then on everything except the
+/// settings is a no-op or returns null. User-interface thread.
 class CkAppDelegate : public IkAppDelegate {
 public:
     explicit CkAppDelegate(CkMainWindow* pWindow);

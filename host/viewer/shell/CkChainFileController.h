@@ -17,8 +17,8 @@ public:
     /// Progress dialogs open above the window, which becomes the parent.
     CkChainFileController(CkViewArea* area, CkCameraController* cameras, QWidget* window);
 
-    /// Opens a chain file: the cameras it names, its chain, and a picture view on each of its ends; then
-    /// starts them. False, with error set, when that fails; cameras opened for it are closed again.
+    /// Opens a chain file: its cameras, its chain, and a picture view on each of its ends; then starts them.
+    /// False, with error set, on failure; cameras opened for it are closed again.
     bool open(const QString& fileName, QString& error);
     /// False, with error set, when the file cannot be written.
     bool save(const CkChain& chain, const QString& fileName, QString& error);
@@ -27,7 +27,7 @@ public:
     /// The chain of the active view; null when that shows none.
     CkChain* activeChain() const;
 
-    /// Chain files become files that can be opened.
+    /// Registers chain files as files that can be opened.
     void addFileKind(CkFileOpener* opener);
 
 signals:

@@ -6,12 +6,12 @@
 #include <QString>
 #include <QStringList>
 
-/// What the viewer was asked to do at start.
+/// The options of the command line.
 struct SkViewerOptions {
     QStringList cameras;     ///< numbers in the list of cameras (from 0) or camera identifiers
     QStringList pluginPaths; ///< folders and libraries, loaded after the program's own plug-in folder
     QStringList chainFiles;
-    QStringList files;        ///< of any kind that the viewer opens
+    QStringList files;        ///< of any kind that the viewer can open
     QStringList triggers;     ///< object names of menu entries and buttons to click after the first frame
     QString settingsFile;     ///< empty: the user's own settings
     QString screenshotFile;   ///< picture of the main window; needs frames
@@ -26,7 +26,7 @@ struct SkViewerOptions {
     bool unattended() const { return frames > 0; }
 };
 
-/// The command line. Any thread; needs no application object but for helpText.
+/// Parses the command line. Any thread; only helpText needs an application object.
 class CkCommandLine {
     Q_DECLARE_TR_FUNCTIONS(CkCommandLine)
 

@@ -90,7 +90,7 @@ QStringList CkFileMenu::recentFiles() {
 void CkFileMenu::fillRecentMenu() {
     m_recentMenu->clear();
     for (const QString& name : recentFiles()) {
-        // An ampersand of the name is not a mnemonic.
+        // An ampersand in the name must not become a mnemonic.
         const QString text = QDir::toNativeSeparators(name).replace(QLatin1Char('&'), QLatin1String("&&"));
         m_recentMenu->addAction(text, this, [this, name] { openOrReport(name); });
     }

@@ -27,7 +27,7 @@ public:
 public slots:
     void openChainWithDialog();
     void saveChainWithDialog();
-    /// Enables what the active view allows.
+    /// Enables the actions that apply to the active view.
     void refresh();
 
 private:

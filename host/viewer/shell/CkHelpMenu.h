@@ -7,7 +7,7 @@ class QMenu;
 class QMenuBar;
 class QWidget;
 
-/// Fills the Help menu: the list of shortcuts, and what the program is. User-interface thread.
+/// Fills the Help menu: the list of shortcuts, and information about the program. User-interface thread.
 class CkHelpMenu : public QObject {
     Q_OBJECT
 

@@ -42,7 +42,7 @@
 namespace {
 
 constexpr QSize kInitialSize(1600, 1000);
-// What window managers put around a window, title bars of large fonts included.
+// Largest decoration that window managers add, with a title bar in a large font.
 constexpr QSize kFrame(16, 44);
 
 QStringList localFiles(const QMimeData& data) {
@@ -84,7 +84,7 @@ CkMainWindow::CkMainWindow(QWidget* parent) : QMainWindow(parent) {
 }
 
 CkMainWindow::~CkMainWindow() {
-    // Panels look at views and chains: the views close while the panels still exist.
+    // Views first: panels refer to views and chains.
     m_area->closeAllViews(false);
 }
 
@@ -133,7 +133,7 @@ void CkMainWindow::createMenus() {
     m_fileOpener = new CkFileOpener(this);
     m_chainFiles->addFileKind(m_fileOpener);
     m_recordings->addFileKinds(m_fileOpener);
-    // The order in m_menus is the one plug-ins know.
+    // Order of IkAppDelegate::EkMenuId.
     m_menus.append(menuBar()->addMenu(tr("&File")));
     m_fileMenu = new CkFileMenu(m_menus.last(), m_fileOpener, m_chainFiles, this);
     m_menus.append(menuBar()->addMenu(tr("&Camera")));
@@ -190,7 +190,7 @@ void CkMainWindow::setInitialLayout() {
 }
 
 void CkMainWindow::assignPluginShortcuts() {
-    // Plug-ins do not know each other, so the window hands out shortcuts.
+    // Plug-ins do not know each other, so the window assigns their shortcuts.
     QMenu* plugins = menu(IkAppDelegate::PluginMenu);
     for (QMenu* submenu : plugins->findChildren<QMenu*>()) {
         submenu->setToolTipsVisible(true);
@@ -200,7 +200,7 @@ void CkMainWindow::assignPluginShortcuts() {
 
 void CkMainWindow::addMenuActions(int viewId) {
     CkMdiView* view = m_area->view(viewId);
-    // A view in a window of its own has no menu bar, but is to obey its shortcuts.
+    // A view in a window of its own has no menu bar, but the shortcuts have to work there, too.
     if (view != nullptr && view->isWindow()) {
         for (const QAction* action : menuBar()->actions()) {
             view->addActions(MenuActions::leavesOf(action->menu()));
@@ -250,7 +250,7 @@ void CkMainWindow::saveLayout() const {
 }
 
 void CkMainWindow::closeEvent(QCloseEvent* event) {
-    // Before the views close, which are part of the session.
+    // Before the views are closed, which are part of the session.
     if (m_sessionScope != EkSessionScope::Nothing) {
         saveLayout();
     }

@@ -27,7 +27,8 @@ class QMenu;
 class QTabWidget;
 
 /// The viewer's window: views in the middle, cameras on the left, chain and colours on the right, log at the
-/// bottom. It creates what the rooms offer, places it and connects it. User-interface thread.
+/// bottom. It creates, places and connects the widgets and controllers of the other folders. User-interface
+/// thread.
 class CkMainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -52,8 +53,8 @@ public:
     /// IkAppDelegate::EkMenuId; null for any other number.
     QMenu* menu(int menuId) const { return m_menus.value(menuId); }
 
-    /// Gives the entries that plug-ins have put into their menu shortcuts, where they have none. Once the
-    /// plug-ins are loaded.
+    /// Assigns shortcuts to the entries in the plug-in menu that have none. To be called once, after the
+    /// plug-ins have been loaded.
     void assignPluginShortcuts();
 
     void setFullScreen(bool on);
@@ -66,7 +67,8 @@ public:
     void setSessionScope(EkSessionScope scope) { m_sessionScope = scope; }
 
 public slots:
-    /// What the active view is or shows has changed: enables what can be done with it.
+    /// Enables the actions that apply to the active view. To be called when that view or its contents have
+    /// changed.
     void updateActions();
 
 signals:

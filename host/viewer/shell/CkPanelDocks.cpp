@@ -13,7 +13,7 @@ constexpr int kLeftWidth = 350;
 constexpr int kRightWidth = 360;
 constexpr int kMinimumWidth = 200;
 constexpr int kBottomHeight = 150;
-// Of the window's width, for each side of a window too narrow for the widths above.
+// Share of the window's width for each side, if the window is too narrow for the widths above.
 constexpr double kLargestShare = 0.3;
 
 constexpr int kShortcuts = 9;
@@ -62,7 +62,7 @@ QList<QAction*> CkPanelDocks::createActions() {
 }
 
 QAction* CkPanelDocks::createAction(QDockWidget* dock) {
-    // Not QDockWidget::toggleViewAction(), which hides a dock whose tab is in the back instead of raising it.
+    // Not QDockWidget::toggleViewAction(), which hides a dock in a background tab instead of raising it.
     auto* action = new QAction(dock->windowTitle(), this);
     action->setObjectName(QStringLiteral("act_") + dock->objectName());
     action->setCheckable(true);

@@ -19,12 +19,11 @@ public:
     /// The window becomes the parent.
     explicit CkPanelDocks(QMainWindow* window);
 
-    /// Puts a panel, which the dock then owns, into a new dock. The name is the key of its place in saved
-    /// layouts.
+    /// Puts a panel, which the dock then owns, into a new dock. The name identifies it in saved layouts.
     QDockWidget* add(const QString& name, const QString& title, QWidget* panel, Qt::DockWidgetArea area);
 
-    /// Sets the initial sizes in the window as wide as it is now; reset() restores the layout of this moment.
-    /// Once, after all docks have been added.
+    /// Sets the initial sizes for the present width of the window; reset() restores this layout. To be called
+    /// once, after all docks have been added.
     void setInitialLayout(QDockWidget* left, QDockWidget* right, QDockWidget* bottom);
     void reset();
 

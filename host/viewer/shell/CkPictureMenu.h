@@ -17,15 +17,15 @@ class CkPictureMenu : public QObject {
     Q_OBJECT
 
 public:
-    /// Further actions, which remain the caller's, follow at the end of the menu.
+    /// furtherActions, still owned by the caller, are appended to the menu.
     CkPictureMenu(QMenu* menu, CkViewArea* area, const QList<QAction*>& furtherActions, QObject* parent);
 
 public slots:
-    /// Enables and checks what fits the active view.
+    /// Updates the actions for the active view.
     void refresh();
 
 signals:
-    /// An entry of the menu changed how the active view looks.
+    /// A menu entry changed the appearance of the active view.
     void viewChanged();
 
 private:
@@ -42,6 +42,6 @@ private:
     QAction* m_saturated = nullptr;
     QAction* m_legend = nullptr;
     QList<QAction*> m_pictureActions;  ///< need an active picture view
-    QList<QAction*> m_contrastActions; ///< need one that shows a channel in colours of a table
-    QList<QAction*> m_channelActions;  ///< need one of several channels
+    QList<QAction*> m_contrastActions; ///< need one that shows a single channel
+    QList<QAction*> m_channelActions;  ///< need one with several channels
 };

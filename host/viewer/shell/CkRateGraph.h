@@ -3,7 +3,8 @@
 #include <QList>
 #include <QWidget>
 
-/// The last minute of frame rates (bars) and drops (red on top), one bar a second. User-interface thread.
+/// The frame rates (bars) and drops (red on top) of the last minute, one bar per second. User-interface
+/// thread.
 class CkRateGraph : public QWidget {
     Q_OBJECT
 

@@ -64,7 +64,7 @@ void CkStatusBar::follow() {
         disconnect(m_counted, nullptr, this, nullptr);
     }
     m_view = view;
-    // A view that follows another one gets that one's frames.
+    // A view that follows another one shows that view's frames.
     CkMdiView* counted = view;
     if (view != nullptr && view->connectedViewId() >= 0) {
         counted = m_pArea->view(view->connectedViewId());

@@ -22,7 +22,7 @@ CkUnattendedRun::CkUnattendedRun(const SkViewerOptions& options, CkMainWindow* p
 }
 
 void CkUnattendedRun::start() {
-    // Files of an earlier run must not pass for this one's.
+    // Files of an earlier run must not be mistaken for results of this one.
     for (const QString& file : {m_options.screenshotFile, m_options.screenshot3dFile, m_options.plyFile}) {
         if (!file.isEmpty()) {
             QFile::remove(file);
@@ -122,7 +122,7 @@ void CkUnattendedRun::advance() {
 
 bool CkUnattendedRun::grabWindow(QWidget* pWindow, const QString& sFileName) {
     QPixmap picture;
-    // Only the X server knows what 3D surfaces inside the window show.
+    // Only the X server has the contents of 3D surfaces inside the window.
     if (QGuiApplication::platformName() == QLatin1String("xcb") && pWindow->screen() != nullptr) {
         picture = pWindow->screen()->grabWindow(pWindow->winId());
     }

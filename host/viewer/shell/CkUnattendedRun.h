@@ -10,8 +10,8 @@
 class CkMainWindow;
 class CkMdiView;
 
-/// A run without a user: waits until enough frames were shown, writes the files asked for, and finishes. Each
-/// step has a time limit. What only views of plug-ins can do is invoked by name: "grabScene(QString)" and
+/// A run without a user: waits until enough frames were shown, writes the requested files, and finishes. Each
+/// step has a time limit. Functions of plug-in views are invoked by name: "grabScene(QString)" and
 /// "savePly(QString)", which return a bool. User-interface thread.
 class CkUnattendedRun : public QObject {
     Q_OBJECT

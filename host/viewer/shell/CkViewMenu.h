@@ -14,7 +14,7 @@ class CkViewMenu : public QObject {
     Q_OBJECT
 
 public:
-    /// All docks have been added.
+    /// docks: all docks have been added.
     CkViewMenu(QMenu* menu, CkViewArea* area, CkPanelDocks* docks, QObject* parent);
 
     /// Docks as in a new installation, views tiled automatically.
@@ -23,7 +23,7 @@ public:
     void setFullScreenChecked(bool checked);
 
 public slots:
-    /// Enables what the active view allows.
+    /// Enables the actions that apply to the active view.
     void refresh();
 
 signals:

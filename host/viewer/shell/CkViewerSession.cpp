@@ -213,7 +213,7 @@ void CkViewerSession::whenReady(int iViewId, const std::function<void()>& what) 
     connect(
         m_window->area()->view(iViewId), &CkMdiView::receivedFrame, this,
         [this, what] {
-            // Not during the delivery of the frame: actions may open modal dialogs.
+            // Not during frame delivery, because actions may open modal dialogs.
             QTimer::singleShot(0, this, what);
         },
         Qt::SingleShotConnection);
@@ -260,7 +260,7 @@ bool CkViewerSession::trigger(const QString& sObjectName) {
             return true;
         }
         if (auto* button = root->findChild<QAbstractButton*>(sObjectName)) {
-            // As for a user, the panel of a button has to be in front before the button can be clicked.
+            // The panel of a button has to be raised before the button can be clicked, as by a user.
             for (QWidget* parent = button->parentWidget(); parent != nullptr;
                  parent = parent->parentWidget()) {
                 if (auto* const dock = qobject_cast<QDockWidget*>(parent)) {

@@ -28,8 +28,8 @@ public:
     CkSessionSaver* saver() const { return m_saver.get(); }
     CkPluginHost* plugins() const { return m_plugins.get(); }
 
-    /// Loads the plug-ins, shows the window, opens cameras and files. False when something named on the
-    /// command line cannot be opened; the rest is opened nevertheless, and the log tells what failed.
+    /// Loads the plug-ins, shows the window, opens cameras and files. False when something on the command
+    /// line cannot be opened; everything else is opened nevertheless, and the failures are logged.
     bool start();
 
     /// Adds the camera drivers that come with the viewer to the camera manager; later calls are no-ops.
@@ -55,7 +55,8 @@ private:
     void open3dView(int iViewId);
     void actWhenReady();
     void act(int iViewId);
-    /// Clicks the menu entry or button of this object name, of the window or of a plug-in. False for none.
+    /// Clicks the menu entry or button with this object name, in the window or of a plug-in. False when there
+    /// is none.
     bool trigger(const QString& sObjectName);
 
     SkViewerOptions m_options;

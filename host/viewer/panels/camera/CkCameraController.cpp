@@ -26,7 +26,7 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
     });
     connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
-    // A chain without any view has no reason to run.
+    // A chain without a view is not needed any more.
     connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
             return;
@@ -168,7 +168,7 @@ void CkCameraController::closeAllCameras() {
 }
 
 void CkCameraController::removeViewsAndPanel(void* pHandle) {
-    // Views first: while they close, plug-ins may still ask for their camera.
+    // Views first: while they close, plug-ins may still query their camera.
     const QList<CkChain*> chains = chainsOf(pHandle);
     for (const int id : viewsOf(pHandle)) {
         m_pArea->closeView(id, false);
@@ -202,8 +202,8 @@ void* CkCameraController::currentCamera() const {
                                                                               : nullptr;
 }
 
-// The panel in front and the active view belong to the same camera: its Stop button stops the picture that
-// the user is looking at.
+// The current panel has to belong to the camera of the active view, so that its Stop button stops the picture
+// that the user is looking at.
 void CkCameraController::bringPanelForward() {
     if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
         m_pPanels->setCurrentWidget(shown);

@@ -21,7 +21,7 @@ public:
     ~CkCameraController() override;
 
     /// Opens a camera with a panel and, with bWithView, a picture view on a chain of its own. Returns its
-    /// handle, also when it is open already; null, with psError set, on failure.
+    /// handle, also when it is already open; null, with psError set, on failure.
     void* openCamera(const QString& sId, bool bWithView, QString* psError = nullptr);
 
     /// Opens another picture view with a new chain on a camera. Returns its identifier, or -1.
@@ -39,7 +39,7 @@ public:
     void plugCameraIn(const QString& sId);
     void closeAllCameras();
 
-    /// The camera of the active view; when that has none, the camera whose panel is in front; or null.
+    /// The camera of the active view; if that has none, the camera of the current panel; or null.
     void* currentCamera() const;
     /// Null for a camera without a panel.
     CkCameraPanel* panel(void* pHandle) const;

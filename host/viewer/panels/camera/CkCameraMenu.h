@@ -20,7 +20,7 @@ public:
     QMenu* plugInMenu() const { return m_pPlugInMenu; }
 
 public slots:
-    /// Updates all actions, after cameras came or went or another one became the current one.
+    /// Updates all actions. To be called when the set of cameras or the current camera has changed.
     void refresh();
 
 private:

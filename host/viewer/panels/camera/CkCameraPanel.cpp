@@ -53,7 +53,7 @@ void CkCameraPanel::detach() {
 }
 
 void CkCameraPanel::showParameters() {
-    // Before the camera's parameters are replaced: editors must not outlive what they edit.
+    // Before the camera's parameters are replaced: editors must not outlive their parameters.
     delete m_pParameters;
     m_pParameters = createParameters(CkCameraManager::instance()->cameraParameters(m_pCameraHandle));
     static_cast<QVBoxLayout*>(layout())->addWidget(m_pParameters, 1);
@@ -176,7 +176,7 @@ void CkCameraPanel::showState() {
     m_pPauseButton->setToolTip(running ? tr("Hold the camera without stopping it (F6)") : why);
     m_pStepButton->setEnabled(running);
     m_pStepButton->setToolTip(running ? tr("Take one set of pictures and hold (F7)") : why);
-    // An unplugged camera accepts no values; it gets back those it had when it is plugged in again.
+    // An unplugged camera accepts no values; its last ones are restored when it is plugged in again.
     m_pParameters->setEnabled(!unplugged);
     m_pParameters->setToolTip(unplugged ? why : QString());
     m_pStateLabel->setText(unplugged ? tr("<span style='color:#b02020'>unplugged</span>")

@@ -16,7 +16,7 @@ CkNumberField::CkNumberField(QWidget* pParent) : QDoubleSpinBox(pParent) {
 
 void CkNumberField::stepBy(int iSteps) {
     QDoubleSpinBox::stepBy(iSteps);
-    // A step also ends typing. The text is only reported when the step could not start from its value.
+    // A step also ends typing. The text is reported only if the step could not start from its value.
     const auto last = std::exchange(m_typed, std::nullopt);
     if (last && (!last->value || *last->value < minimum() || *last->value > maximum())) {
         emit typed(*last);

@@ -6,14 +6,14 @@
 #include <optional>
 
 /// A spin box that accepts any number while the user types, also one outside its range, so that the user can
-/// be told what was made of it. Reads decimal points and decimal commas. User-interface thread.
+/// be told how it was corrected. Reads decimal points and decimal commas. User-interface thread.
 class CkNumberField : public QDoubleSpinBox {
     Q_OBJECT
 
 public:
     struct SkTyped {
         QString text;                ///< without the unit
-        std::optional<double> value; ///< none: not a number, the old value is kept
+        std::optional<double> value; ///< nullopt: not a number, the old value is kept
     };
 
     explicit CkNumberField(QWidget* pParent = nullptr);
@@ -32,10 +32,10 @@ signals:
 
 private:
     QString withoutUnit(const QString& sText) const;
-    /// None for text that is no number or an ambiguous one: "1,500" where the decimal sign is a point.
+    /// std::nullopt for text that is not a number or is ambiguous: "1,500" where the decimal sign is a point.
     std::optional<double> number(const QString& sText) const;
 
-    // Set in the const overrides in which the base class asks for the meaning of the text.
+    // Mutable: set in the const overrides that convert text for the base class.
     mutable std::optional<SkTyped> m_typed;
     bool m_bTrailingZeros = true;
 };

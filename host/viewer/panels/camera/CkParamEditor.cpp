@@ -34,7 +34,7 @@ int decimalsOf(const CkCameraParam::SkDescription& description) {
     return std::clamp(int(std::ceil(-std::log10(description.step) - 1e-9)), 1, 6);
 }
 
-// Drivers write "u" for micro; the user is to read the sign.
+// Drivers write "u" for micro; show the micro sign.
 QString unitText(const CkCameraParam::SkDescription& description) {
     if (description.unit.isEmpty()) {
         return {};

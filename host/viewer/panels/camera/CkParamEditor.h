@@ -14,7 +14,7 @@ class QLabel;
 
 /// Edits one camera parameter: a tuning bar and a number for integers and floats, a check box for flags, a
 /// list for enumerations. A change is sent to the camera at once; when the camera refuses it, the old value
-/// is restored. A line below tells the user when a typed value was not set as it is. Follows changes made
+/// is restored. A line below tells the user when a typed value was corrected or refused. Follows changes made
 /// elsewhere. Must not outlive the parameter. User-interface thread.
 class CkParamEditor : public QWidget {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     explicit CkParamEditor(CkCameraParam* pParam, QWidget* pParent = nullptr);
 
     CkCameraParam* param() const { return m_pParam; }
-    /// What was made of the value that was typed last; empty when it was set as it is.
+    /// How the value typed last was corrected; empty when it was set unchanged.
     QString remark() const;
 
 signals:
@@ -49,7 +49,7 @@ private:
     CkNumberField* m_pNumber = nullptr;
     QCheckBox* m_pFlag = nullptr;
     QComboBox* m_pList = nullptr;
-    QTimer m_delay; ///< combines the steps of a drag: the camera is not set for each of them
+    QTimer m_delay; ///< merges the steps of a drag into fewer changes of the camera
     double m_fDelayed = 0.0;
     bool m_bRefused = false; ///< the camera refused the value being typed
 };

@@ -5,9 +5,9 @@
 class CkChain;
 class CkChainable;
 
-/// Changes to a chain that the user makes: a running chain is stopped for the change and restarted
-/// afterwards. User-interface thread. Every function returns whether the change was made; if not, sError says
-/// why and the chain is unchanged.
+/// Edits a chain on behalf of the user: a running chain is stopped for the change and restarted afterwards.
+/// User-interface thread. Every function returns whether the change was made; if not, sError holds the reason
+/// and the chain is unchanged.
 namespace ChainEditor {
 
 /// A new block of a registered class, owned by the caller; null with sError set.

@@ -51,7 +51,7 @@ bool CkBlockDialogs::configure(CkChainable* pBlock) {
         m_settings.removeIf([](const auto& entry) { return entry.value().isNull(); });
         emit closed();
     });
-    // With the block itself: the settings widget must not see a deleted one.
+    // Deleted together with the block, which the settings widget refers to.
     connect(pBlock, &QObject::destroyed, dialog, [dialog] { delete dialog; });
     m_settings.insert(pBlock, dialog);
     dialog->show();

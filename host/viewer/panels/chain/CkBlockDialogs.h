@@ -18,7 +18,7 @@ public:
     explicit CkBlockDialogs(QWidget* pOwner);
     ~CkBlockDialogs() override;
 
-    /// Opens a block's settings, or brings them forward. False for a block without any.
+    /// Opens a block's settings, or raises them. False for a block without settings.
     bool configure(CkChainable* pBlock);
     /// Closes a block's settings.
     void close(const CkChainable* pBlock);

@@ -54,7 +54,7 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
 }
 
 CkChainPanel::~CkChainPanel() {
-    // While the tree still exists, which is refreshed when a dialog closes.
+    // Before the tree is destroyed: it is refreshed when a dialog closes.
     delete m_pDialogs;
 }
 
@@ -266,7 +266,7 @@ void CkChainPanel::toggleSelected() {
 }
 
 void CkChainPanel::showProblem(const QString& sText) {
-    // Not modal: frames keep coming, and the caller must not be held up.
+    // Not modal: frames keep arriving, and the caller must not block.
     auto* box =
         new QMessageBox(QMessageBox::Warning, tr("Processing Chain"), sText, QMessageBox::Ok, window());
     box->setObjectName(QStringLiteral("chainProblemBox"));

@@ -16,8 +16,8 @@ class QMenu;
 class QToolButton;
 class QVBoxLayout;
 
-/// The chain of the active view: its blocks with states, errors and counters; adding, configuring, switching,
-/// removing and explaining them; saving the chain and opening another. User-interface thread.
+/// Shows the chain of the active view: its blocks with states, errors and counters. Adds, configures,
+/// enables, disables and removes blocks, shows their help, saves and opens chains. User-interface thread.
 class CkChainPanel : public QWidget {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ public:
 
     CkChainTree* tree() const { return m_pTree; }
     QMenu* addMenu() const { return m_pAddMenu; }
-    /// What the panel's buttons do, for a menu: configure, switch, remove, explain the selected block.
+    /// The actions of the panel's buttons, for a menu: configure, switch on or off, remove, help.
     QList<QAction*> menuActions() const;
 
     /// Inserts a new block of a registered class after the selected one (after the active view's block when
@@ -46,7 +46,7 @@ public slots:
 signals:
     void saveRequested();
     void loadRequested();
-    /// A branch was added: a picture view on its block is to be opened.
+    /// A branch was added; the receiver opens a picture view on its block.
     void viewRequested(CkChainable* pBlock);
 
 private:

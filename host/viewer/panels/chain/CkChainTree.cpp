@@ -131,7 +131,7 @@ void CkChainTree::rebuild() {
     m_items.clear();
     clear();
     if (m_chain) {
-        // Built outside the tree, which would lay out all its rows for each new one.
+        // Built outside the tree, which would otherwise lay out all rows again for each new one.
         QTreeWidgetItem root;
         for (CkChainable* source : m_chain->imageSources()) {
             addBranch(source, &root);
@@ -242,7 +242,7 @@ void CkChainTree::refreshCounters() {
         }
     }
     {
-        // Notified of each cell, the tree would measure its rows again every time.
+        // If notified of each cell, the tree would measure all its rows every time.
         const QSignalBlocker quiet(model());
         for (const auto& [item, block] : std::as_const(rows)) {
             showState(item, block);

@@ -26,15 +26,15 @@ public:
     /// 0 debug, 1 information, 2 warning, 3 error.
     static int severity(QtMsgType type);
     static QString levelText(int iSeverity);
-    /// Whether an entry is logged at the highest level only to pass every filter, as the start of the 3D view
-    /// with the graphics it found. It is no error and is not shown as one.
+    /// Whether an entry is logged at the highest level only to pass every filter, such as the graphics
+    /// information when the 3D view starts. It is not shown as an error.
     static bool isAnnouncement(const SkLogEntry& entry);
 
 private:
     QList<SkLogEntry> m_entries;
 };
 
-/// The entries of at least a severity that contain a text. User-interface thread.
+/// The entries with a minimum severity that contain a text. User-interface thread.
 class CkLogFilter : public QSortFilterProxyModel {
     Q_OBJECT
 

@@ -30,7 +30,7 @@ CkLogPanel::CkLogPanel(QWidget* pParent) : QWidget(pParent) {
     for (const SkLogEntry& entry : CkLogSink::instance()->entries()) {
         m_pModel->add(entry);
     }
-    // Queued on this thread too: logging must not wait for the view.
+    // Queued also on this thread: logging must not wait for the view.
     connect(
         CkLogSink::instance(), &CkLogSink::entryAdded, this,
         [this](const SkLogEntry& entry) {

@@ -61,7 +61,7 @@ void CkQualityControls::createButtons() {
     placeButtons();
 }
 
-// One row where all texts fit, else two: German has longer words.
+// One row if all texts fit, otherwise two: German texts are longer.
 void CkQualityControls::placeButtons() {
     const QList<QWidget*> buttons = {m_pDraw, m_pRestart, m_pCopy, m_pSave};
     const int count = int(buttons.size());

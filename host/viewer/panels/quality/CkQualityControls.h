@@ -14,8 +14,8 @@ class QLabel;
 class QPushButton;
 class QToolButton;
 
-/// What the quality panel shows: its buttons, the values, the curve and the settings. Measures nothing
-/// itself. User-interface thread.
+/// The widgets of the quality panel: buttons, values, curve and settings. Measures nothing itself.
+/// User-interface thread.
 class CkQualityControls : public QWidget {
     Q_OBJECT
 
@@ -31,13 +31,13 @@ public:
     /// The newest values, and the chosen one as a curve over the last frames.
     void showValues(const SkQualityValues& values, const CkQualityHistory& history);
 
-    /// What the controls can do at the moment.
+    /// The present state of the controls.
     struct SkState {
         bool canDraw = false;       ///< there is a picture to draw on
         bool measures = false;      ///< there are values
         QString text;               ///< what is measured, or why nothing is
-        QString reason;             ///< the tool tip of what cannot be done
-        double focalLengthMm = 0.0; ///< as the camera reports it; 0: it reports none
+        QString reason;             ///< the tool tip of disabled controls
+        double focalLengthMm = 0.0; ///< reported by the camera; 0: none
     };
     void showState(const SkState& state);
 

@@ -19,8 +19,8 @@ public:
     void clear() { m_values.clear(); }
     const std::deque<SkQualityValues>& values() const { return m_values; }
 
-    /// A comment line, a line of column names with units, then one line a frame; decimal points, an empty
-    /// cell for a value that is not known.
+    /// A comment line, a line of column names with units, then one line per frame; with decimal points, and
+    /// an empty cell for an unknown value.
     QByteArray csv(const QString& sView, const QRect& region) const;
 
     /// Writes csv() to a file. False, with sError set and an existing file unchanged, when it cannot be

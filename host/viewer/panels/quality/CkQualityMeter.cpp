@@ -49,7 +49,7 @@ bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, const std:
         restart();
     }
     if (!std::isfinite(m_fReferenceMm)) {
-        // Distances near the end of the range would otherwise jump between its two ends.
+        // Without a common reference, distances near the end of the range would jump between its two ends.
         const auto first = std::find_if(m_samples.values.begin(), m_samples.values.end(),
                                         [](float value) { return std::isfinite(value); });
         m_fReferenceMm = first != m_samples.values.end() ? double(*first) : SkQualityValues::kNothing;

@@ -28,7 +28,7 @@ public:
     void setLens(const SkQualityLens& lens) { m_lens = lens; }
     void restart();
 
-    /// saturated: which pixels of the region are not valid because they were saturated, row by row; empty:
+    /// saturated: marks the pixels of the region that are invalid because of saturation, row by row; empty:
     /// none. False when the frame has no such channel or does not overlap the region.
     bool add(const CkImageData& frame, quint32 uiChannel, const std::vector<bool>& saturated,
              SkQualityValues& values);

@@ -47,7 +47,7 @@ CkImageView* pictureViewFor(CkMdiView* view, const CkViewArea& area) {
         if (image == nullptr || chain == nullptr || chainOf(image) != chain) {
             continue;
         }
-        // Distances are what a cloud is made from; without them any picture of the chain will do.
+        // A cloud is made from distances; without them any picture of the chain is used.
         const CkImageData* const frame = image->currentImage();
         const QString first = frame != nullptr ? frame->metadata().channelNames.value(0) : QString();
         if (first == ToFChannel::kDepth || first == ToFChannel::kPhaseShift) {
@@ -141,7 +141,7 @@ void CkQualityPanel::showEvent(QShowEvent* pEvent) {
 void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
     QWidget::hideEvent(pEvent);
     release();
-    // Not updateControls(): when the window is being destroyed, the area may be gone.
+    // Not updateControls(): while the window is being destroyed, the area may have been deleted already.
     allowMeasuring(false, tr("The panel Quality is not in sight"));
 }
 

@@ -17,10 +17,10 @@ class CkRegionOverlay;
 class CkViewArea;
 class QAction;
 
-/// How good the active view's picture is within a region: mean, spread, plane, valid pixels; live, as a
-/// curve, to be copied and saved. A view that shows no picture itself (a point cloud) is measured in the
-/// depth picture of its chain. All views of a chain with pictures of the same size share the region. Measures
-/// nothing while it is hidden. User-interface thread.
+/// Measures the quality of the active view's picture within a region: mean, spread, plane, valid pixels;
+/// shows them live and as a curve, and copies and saves them. A view without a picture (a point cloud) is
+/// measured in the depth picture of its chain. All views of a chain with pictures of the same size share the
+/// region. Measures nothing while it is hidden. User-interface thread.
 class CkQualityPanel : public QWidget {
     Q_OBJECT
 
@@ -36,22 +36,22 @@ public:
     const SkQualityValues& values() const { return m_now.values(); }
     const CkQualityHistory& history() const { return m_now.history(); }
 
-    /// What the buttons do, with shortcuts, for a menu.
+    /// The actions of the buttons, with shortcuts, for a menu.
     const QList<QAction*>& menuActions() const { return m_actions; }
 
     /// False, with sError set, when the file cannot be written.
     bool saveHistory(const QString& sFileName, QString& sError) const;
 
 public slots:
-    /// Qt reports a panel in a tab that is not the current one as visible; its dock tells here whether the
-    /// user can see it.
+    /// Called by the dock with whether the user can see the panel: Qt reports a panel in a background tab as
+    /// visible.
     void setInSight(bool bInSight);
     /// Drops the frames so far.
     void restart();
     void copy();
 
 signals:
-    /// The user wants to draw a region while the panel is not in sight.
+    /// The user wants to draw a region while the panel is not in sight; the receiver raises it.
     void sightWanted();
 
 protected:
@@ -83,7 +83,7 @@ private:
     CkMeasuredRegions m_regions;
     CkSaturationMonitor m_saturation;
     CkViewMeasurement m_now;
-    std::map<int, CkViewMeasurement> m_kept; ///< of the views that are not measured now, by their identifiers
+    std::map<int, CkViewMeasurement> m_kept; ///< of the views that are not being measured, by view identifier
     bool m_bInSight = true;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
 };

@@ -5,15 +5,15 @@
 
 #include <vector>
 
-/// A curve over the last frames with its scale. User-interface thread.
+/// A curve over the last frames, with a scale. User-interface thread.
 class CkQualityPlot : public QWidget {
     Q_OBJECT
 
 public:
     explicit CkQualityPlot(QWidget* pParent = nullptr);
 
-    /// The newest value last; a value that is not finite leaves a gap. No more than the widget is wide are
-    /// needed.
+    /// The newest value last; a value that is not finite leaves a gap. More values than the width of the
+    /// widget in pixels are not needed.
     void showValues(const std::vector<double>& values, const QString& sUnit);
 
     QSize sizeHint() const override { return {260, 90}; }

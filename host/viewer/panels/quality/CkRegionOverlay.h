@@ -5,8 +5,9 @@
 
 class CkImageCanvas;
 
-/// Draws the frame of a region over a picture, and lets the user drag a new one. Covers the canvas, leaves
-/// the mouse to it unless a region is to be drawn, and is deleted with it. User-interface thread.
+/// Draws the frame of a region over a picture, and lets the user drag a new one. Covers the canvas, lets
+/// mouse events through unless a region is being drawn, and is deleted with the canvas. User-interface
+/// thread.
 class CkRegionOverlay : public QWidget {
     Q_OBJECT
 

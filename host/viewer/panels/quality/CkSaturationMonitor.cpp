@@ -12,7 +12,7 @@
 
 namespace {
 
-// A computed picture reaches the screen some frames after its source's.
+// A computed picture reaches the screen some frames after the source's picture.
 constexpr size_t kKeptSets = 8;
 
 bool isHybrid(const SkPicBufInfo& info) {
@@ -63,7 +63,7 @@ CkSaturationMonitor::~CkSaturationMonitor() {
 
 void CkSaturationMonitor::watch(CkChainable* pSource) {
     CkChain* const chain = pSource != nullptr ? pSource->chain() : nullptr;
-    // A block that is inserted after the source takes over the source's sinks.
+    // When a block is inserted after the source, the source's sinks move to that block.
     if (chain != nullptr && pSource == m_source && chain->sinkBlock(this) == pSource) {
         return;
     }

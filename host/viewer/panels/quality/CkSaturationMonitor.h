@@ -25,8 +25,7 @@ public:
     CkSaturationMonitor() = default;
     ~CkSaturationMonitor() override;
 
-    /// Records the pictures of a source instead of the previous one; null: of none. A no-op for the same
-    /// source.
+    /// Records the pictures of this source from now on; null: of none. No-op for the current source.
     void watch(CkChainable* pSource);
 
     /// Which pixels in a region of a computed picture were saturated in the pictures it was computed from,
@@ -38,12 +37,12 @@ public:
     int heldFrames() const override { return 1; }
 
 private:
-    /// What is known of the pictures that make one computed picture.
+    /// Saturation in the pictures from which one picture is computed.
     struct SkSet {
         quint64 frameNumber = 0;
         EkAnswer answer = EkAnswer::Known;
         QSize size;
-        bool onlyTopCounts = false; ///< exposures from the least to the most sensitive: the first decides
+        bool onlyTopCounts = false; ///< exposures from the least to the most sensitive: only the first counts
         std::vector<quint8> pixels; ///< row by row; not 0: saturated
     };
 

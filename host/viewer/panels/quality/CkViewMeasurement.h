@@ -9,8 +9,8 @@ class CkChainable;
 class CkImageData;
 class CkSaturationMonitor;
 
-/// What has been measured in one view: the newest values, those of the last frames, and how far saturated
-/// pixels are known. Knows no widget. User-interface thread.
+/// The measurement of one view: the newest values, those of the last frames, and what is known about
+/// saturated pixels. Independent of widgets. User-interface thread.
 class CkViewMeasurement {
     Q_DECLARE_TR_FUNCTIONS(CkViewMeasurement)
 
@@ -21,9 +21,9 @@ public:
     /// Another confidence limit than before restarts the spread over time.
     void setSettings(const SkQualityLens& lens, float fConfidenceLimit);
 
-    /// Measures a channel of a frame that pProvider delivered. monitor is set to the source that tells of
-    /// saturated pixels when the frame is a computed picture, and to none otherwise. False for a frame that
-    /// is left out, because the source's picture of it was missed and the next one will not be.
+    /// Measures a channel of a frame that pProvider delivered. When the frame is a computed picture, monitor
+    /// is set to watch the source whose samples show saturated pixels, otherwise none. False for a frame that
+    /// is skipped because the source's picture was missed; the next one will be recorded.
     bool add(const CkImageData& frame, quint32 uiChannel, const CkChainable* pProvider,
              CkSaturationMonitor& monitor);
     /// Whether this frame was added last.

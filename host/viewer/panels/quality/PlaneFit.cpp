@@ -22,7 +22,7 @@ std::optional<SkFittedPlane> fitPlane(const std::vector<SkSpacePoint>& points) {
         centre.y += point.y / count;
         centre.z += point.z / count;
     }
-    // Relative to the centre the offset drops out, and large coordinates cost no precision.
+    // Relative to the centroid the offset vanishes, and large coordinates do not reduce the precision.
     double xx = 0.0;
     double xy = 0.0;
     double yy = 0.0;

@@ -19,6 +19,6 @@ struct SkFittedPlane {
     double flatness = 0.0;    ///< from the point furthest on one side to that furthest on the other
 };
 
-/// Least squares in z, because the noise is in the distances. Nothing for fewer than three points or points
-/// on a line.
+/// Least squares in z, because the noise is in the distances. std::nullopt for fewer than three points or
+/// collinear points.
 std::optional<SkFittedPlane> fitPlane(const std::vector<SkSpacePoint>& points);

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// The quantities that are measured, in the order in which they are listed. Stateless; any thread.
+/// The measured quantities, in display order. Stateless; any thread.
 namespace QualityQuantities {
 
 inline constexpr int kCount = 7;
@@ -21,7 +21,7 @@ QString number(double value, const QString& unit);
 /// The same for one of the quantities.
 QString number(const SkQualityValues& values, int index);
 
-/// All of them, one a line: name, tabulator, value with unit.
+/// All of them, one per line: name, tab, value with unit.
 QString text(const SkQualityValues& values);
 
 } // namespace QualityQuantities

@@ -13,7 +13,7 @@ struct SkRegionSamples {
     std::vector<float> values; ///< not a number: not valid
     QString unit;              ///< "mm" for distances, "rad", or empty
     bool distances = false;    ///< millimetres along the ray
-    double wrapMm = 0.0;       ///< after which distances repeat; 0: they do not
+    double wrapMm = 0.0;       ///< unambiguous range, after which distances repeat; 0: unlimited
 };
 
 /// How samples are read. Plain data.
