@@ -16,7 +16,7 @@ class QMenu;
 class QWidget;
 
 /// A fake application: settings in a temporary file, views in a table, answers set by the test, and a log of
-/// the calls. The registered instance as long as it lives.
+/// the calls. The registered instance during its lifetime.
 class FakeAppDelegate : public IkAppDelegate {
 public:
     FakeAppDelegate();
@@ -28,24 +28,24 @@ public:
     void registerView(CkMdiView* pView);
     void unregisterView(int iViewId);
 
-    QPointer<QWidget> window;         ///< answer of mainWindow
-    bool provideMenus = true;         ///< false: mainMenu answers null
-    int activeView = -1;              ///< answer of activeViewId; changed by setActiveView
+    QPointer<QWidget> window;         ///< returned by mainWindow
+    bool provideMenus = true;         ///< false: mainMenu returns null
+    int activeView = -1;              ///< returned by activeViewId; changed by setActiveView
     QHash<int, void*> viewCameras;    ///< cameraHandleOfView; without an entry the view's first camera
-    QList<void*> camerasWithoutPanel; ///< addCameraPanelLayout answers false
-    bool acquisitionSucceeds = true;  ///< answer of startAcquisition
-    bool closingSucceeds = true;      ///< answer of closeView for known views, which it then deletes
+    QList<void*> camerasWithoutPanel; ///< addCameraPanelLayout returns false for these
+    bool acquisitionSucceeds = true;  ///< returned by startAcquisition
+    bool closingSucceeds = true;      ///< returned by closeView for known views, which it then deletes
     /// Implementation of openImageView. Default: a plain CkMdiView on the block, registered and owned by the
     /// delegate.
     std::function<CkMdiView*(CkChainable*)> makeImageView;
-    bool provideLuts = true; ///< false: createLut answers null
+    bool provideLuts = true; ///< false: createLut returns null
     int lutPseudoColor = 0;  ///< map of the tables of createLut
-    QString directory;       ///< answer of lastDirectory; changed by setLastDirectory
+    QString directory;       ///< returned by lastDirectory; changed by setLastDirectory
     std::function<void(int, quint64)> onStartAcquisition; ///< called inside startAcquisition
 
     // ---- what tests read -----------------------------------------------------------------------------
 
-    /// "setActiveView 3", "startAcquisition 1 0", "leaveFullScreen", ... in order of the calls. Questions
+    /// "setActiveView 3", "startAcquisition 1 0", "leaveFullScreen", ... in order of the calls. Queries
     /// (settings, mainWindow, mdiView, ...) are not recorded.
     QStringList calls;
     QList<void*> lutHandles; ///< the cameras of the last createLut
@@ -58,7 +58,7 @@ public:
     void store(const QString& sKey, const QVariant& value);
     /// Views that came through addMdiView, newest last.
     QList<QPointer<CkMdiView>> addedViews;
-    /// Widgets that took over the layouts of addCameraPanelLayout, by camera.
+    /// Widgets that own the layouts of addCameraPanelLayout, by camera.
     QHash<void*, QWidget*> cameraPanels;
 
     // ---- IkAppDelegate -------------------------------------------------------------------------------

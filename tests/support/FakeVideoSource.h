@@ -2,7 +2,7 @@
 
 #include "tests/support/PushSource.h"
 
-/// A source that the ToF block takes for a recording, as it goes by the class name.
+/// A source that the ToF block recognises as a recording by its class name.
 class CkVideoSource : public PushSource {
     Q_OBJECT
 

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-/// While it lives, files of this process cannot grow beyond a size: further writes fail, as on a full disk.
+/// During its lifetime, files of this process cannot grow beyond a size: further writes fail, as on a full
+/// disk.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t uiBytes) : m_handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {

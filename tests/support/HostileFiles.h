@@ -7,7 +7,7 @@
 /// Small files that claim to be large. Each function writes one; false when the file could not be written.
 namespace HostileFiles {
 
-/// Uncompressed pages of which the file holds next to nothing.
+/// Uncompressed pages whose samples are mostly missing from the file.
 [[nodiscard]] inline bool claimedPages(const QString& file, quint32 width, quint32 height, int pages,
                                        qsizetype bytes) {
     HostileTiff tiff(file);

@@ -32,7 +32,7 @@ public:
     void expectWindow(std::function<void(QWidget*)> handler) { m_handlers.append(std::move(handler)); }
     /// Expected windows that have not opened yet.
     qsizetype pending() const { return m_handlers.size(); }
-    /// Leaves this window alone, for it belongs to the test.
+    /// Ignores this window, which belongs to the test.
     void ignoreWindow(QWidget* pWindow) { m_ignored = pWindow; }
 
 private:

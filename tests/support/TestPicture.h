@@ -33,8 +33,8 @@ public:
     static constexpr quint8 kGuardByte = 0xA5;
     static constexpr size_t kMargin = 64;
 
-    /// Zeroed. bits 0: all bits of a sample; padding: guard bytes after each row; misalignment: bytes by
-    /// which the first row misses the alignment of the heap.
+    /// Zeroed. bits 0: all bits of a sample; padding: guard bytes after each row; misalignment: bytes offset
+    /// of the first row from the heap's alignment.
     TestPicture(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits = 0,
                 quint32 padding = 0, size_t misalignment = 0)
         : m_front(kMargin + misalignment) {
@@ -71,7 +71,7 @@ public:
         std::memcpy(place(x, y, c, sizeof(T)), &value, sizeof(T));
     }
 
-    /// An integer sample of up to 32 bits, whatever its type.
+    /// An integer sample of any type with up to 32 bits.
     qint64 integerAt(quint32 x, quint32 y, quint32 c = 0) const {
         switch (m_picBuf.dataType) {
         case EkImageDataType::Int8:

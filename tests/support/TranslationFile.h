@@ -85,7 +85,7 @@ public:
                 expectShape(form, text);
             }
             if (text.counts) {
-                // A singular may do without its number ("last frame"), a plural may not.
+                // A singular may omit the number ("last frame"), a plural may not.
                 EXPECT_EQ(text.forms().last().count("%n"), 1) << text.where();
                 // The hint in the source that there are two forms.
                 EXPECT_FALSE(text.translation.contains("(s)")) << text.where();
@@ -93,7 +93,7 @@ public:
         }
     }
 
-    /// Typing errors, slips of editors and of search and replace; key names as on a German keyboard.
+    /// No typing errors or traces of search and replace; key names as on a German keyboard.
     void expectCleanGerman() const {
         for (const SkText& text : m_texts) {
             for (const QString& form : text.forms()) {
@@ -103,7 +103,7 @@ public:
         }
     }
 
-    /// What is wrong with a German text, in words; empty when nothing is.
+    /// The faults of a German text, in words; empty for none.
     static QStringList faultsOf(const QString& sGerman, const QString& sSource) {
         struct SkSlip {
             const char* pattern;

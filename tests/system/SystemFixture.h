@@ -50,7 +50,7 @@ protected:
         ASSERT_TRUE(param(camera, name)->commit()) << name;
     }
 
-    /// Opens a menu by way of those above it, as a user does.
+    /// Opens a menu through its parent menus, as a user does.
     void openMenu(QMenu* menu) {
         if (auto* above = qobject_cast<QMenu*>(menu->parentWidget())) {
             ASSERT_NO_FATAL_FAILURE(openMenu(above));
@@ -121,7 +121,7 @@ protected:
     /// The button to click in message boxes, and the texts of the boxes that were shown.
     QMessageBox::StandardButton m_answer = QMessageBox::Ok;
     QStringList m_boxes;
-    /// Handles a dialog that is no message box.
+    /// Handles a dialog other than a message box.
     std::function<void(QDialog*)> m_onDialog;
 
 private:

@@ -8,7 +8,7 @@
 #include <QLabel>
 #include <QRegularExpression>
 
-// The distance offset calibration as a user does it: camera, menu, dialog, and the cloud afterwards.
+// The distance offset calibration as performed by a user: camera, menu, dialog, and the resulting cloud.
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr double kWallM = 1.25;
 constexpr double kBuiltInM = 0.2;
 const QString kOffsetKey = QStringLiteral("ToF.OptRealDistandeOffsetM");
 
-/// Passes pictures on without their modulation frequency, like a recording that has none.
+/// Passes pictures on without their modulation frequency, as a recording without one would.
 class ForgetFrequency : public CkImageProvider {
 public:
     bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
@@ -159,7 +159,7 @@ class CalibrationInUnits : public CalibrationInViewer, public ::testing::WithPar
 
 TEST_P(CalibrationInUnits, StoresTheOffsetAndTheWallStandsAtItsPlace) {
     ASSERT_NO_FATAL_FAILURE(openWall());
-    set(m_camera, "tof_readout_mode", 0); // the action sets the camera up without asking
+    set(m_camera, "tof_readout_mode", 0); // the action configures the camera without asking
     calibrate(GetParam().distance, GetParam().inches);
     EXPECT_EQ(param(m_camera, "tof_readout_mode")->committedValue().toInt(), 4);
     EXPECT_EQ(blockTitles(), QStringList{"ToF Depth"});

@@ -51,7 +51,8 @@ int differingPixels(const QImage& left, const QImage& right) {
 
 class LiveCloud : public SystemFixture {
 protected:
-    /// A moving cloud of many colours on the background. Without noise, so that only the scene moves.
+    /// Expects a moving cloud of many colours on the background. The camera has no noise, so that only the
+    /// scene moves.
     void expectLiveCloud(CkMdiView* scene) {
         SceneLook seen;
         QImage first;
@@ -166,7 +167,7 @@ TEST_F(LiveCloud, HybridCameraGetsItsOwnThreeBranches) {
 
 TEST_F(LiveCloud, ClosingTheCameraFromTheMenuWhileEverythingRunsClosesCleanly) {
     ASSERT_TRUE(start());
-    // Twice: the second time starts from the state that the first one left.
+    // Twice: the second round starts from the state left by the first one.
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(cameras()->start(openWaveCamera()));
         ASSERT_TRUE(waitForFrame(firstView()));

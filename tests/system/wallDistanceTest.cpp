@@ -58,7 +58,7 @@ struct PlyPoint {
     double x, y, z;
 };
 
-/// Reads the text back as any PLY reader does.
+/// Parses the text as a PLY reader does.
 std::vector<PlyPoint> readPly(const QByteArray& text) {
     std::vector<PlyPoint> points;
     bool header = true;

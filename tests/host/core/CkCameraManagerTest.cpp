@@ -16,7 +16,7 @@ class CkCameraManagerTest : public testing::Test {
 protected:
     CkCameraManagerTest() { cameras.reset(); }
     ~CkCameraManagerTest() override {
-        manager->disconnect(&context); // what its receivers refer to is deleted
+        manager->disconnect(&context); // the receivers refer to objects of the test
         cameras.reset();
     }
 
@@ -149,7 +149,7 @@ TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) 
     ASSERT_TRUE(manager->startAcquisition(handle));
 
     manager->unplugCamera(handle);
-    manager->unplugCamera(handle); // nothing more to pull
+    manager->unplugCamera(handle); // already unplugged
     EXPECT_EQ(told, QStringList({"runs", "stands", "unplugged", "lost Fake 1"}));
     EXPECT_TRUE(manager->isOpen(handle));
     EXPECT_TRUE(manager->isUnplugged(handle));
@@ -190,7 +190,7 @@ TEST_F(CkCameraManagerTest, ACameraComesBackAsItWasLeft) {
     EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
     EXPECT_EQ(cameras.first->log, QStringList({"pause", "deleted", "start"}));
     EXPECT_TRUE(manager->isPaused(handle));
-    // Who stops a camera that is away does not want it to start by itself.
+    // A camera stopped while unplugged must not start when it is plugged in.
     manager->unplugCamera(handle);
     manager->stopAcquisition(handle);
     EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
@@ -212,7 +212,7 @@ TEST_F(CkCameraManagerTest, WhatADriverNoLongerOffersIsTakenAsPulledOff) {
     manager->checkCameras();
     EXPECT_FALSE(manager->isUnplugged(handle));
     EXPECT_TRUE(manager->isAcquiring(handle));
-    // One that is held apart is not brought back by a look.
+    // checkCameras does not plug in a camera that is held apart.
     manager->unplugCamera(other);
     manager->checkCameras();
     EXPECT_TRUE(manager->isUnplugged(other));

@@ -23,7 +23,7 @@ SkDescription describe(const char* name, CkCameraParam::EkKind kind, const CkVal
     return description;
 }
 
-/// A camera that keeps a log of what is committed and may refuse.
+/// A camera that logs the committed parameters and can be told to refuse.
 class CkCameraParamTest : public testing::Test {
 protected:
     CkCameraParam* add(const SkDescription& description) { return parameters.addParam(description); }
@@ -144,7 +144,7 @@ TEST_F(CkCameraParamTest, ABatchReachesTheCameraAsOneInOrder) {
     QList<CkCameraParam*> changed;
     QObject::connect(&parameters, &CkCameraParameters::committed, &parameters, [&](const auto& params) {
         changed = params;
-        EXPECT_EQ(a->committedValue(), CkValue(3)); // all in place before the first signal
+        EXPECT_EQ(a->committedValue(), CkValue(3)); // all values are stored before the first signal
         EXPECT_EQ(b->committedValue(), CkValue(true));
     });
     b->setParamValue(true);

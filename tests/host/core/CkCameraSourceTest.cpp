@@ -74,7 +74,7 @@ TEST_F(CkCameraSourceTest, GapsInTheFrameNumbersCountAsDropped) {
         frame->picBuf().additionalData.frameNumber = number;
         cameras.first->deliver(frame);
         ++delivered;
-        // One by one, so that the chain itself drops none.
+        // One at a time, so that the chain itself drops none.
         return waitUntil([&] { return chain->blockStatistics(source).framesOut == delivered; });
     };
     ASSERT_TRUE(chain->start());

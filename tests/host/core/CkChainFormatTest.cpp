@@ -8,7 +8,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// Makes room for a whole sequence in each of its pictures, which it fills with the first byte of the frame.
+/// Outputs pictures large enough for a whole sequence, filled with the first byte of the frame.
 class StackBlock : public AddBlock {
 public:
     bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
@@ -35,7 +35,7 @@ public:
     }
 };
 
-/// Hands on what it announces to be of twice the height.
+/// Announces twice the height of the pictures that it passes through.
 class UnstackedBlock : public PassBlock {
 public:
     bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
@@ -53,7 +53,7 @@ protected:
         chain->removeSink(&sink);
     }
 
-    /// Pushes a frame and waits until the chain has nothing more to do with it.
+    /// Pushes a frame and waits until the chain has finished it.
     void run(const SkPicBufInfo& info, const CkImageMetadata& metadata, int value = 1) {
         ASSERT_TRUE(source->pushFormat(info, metadata, quint8(value)));
         ASSERT_TRUE(waitUntil([&] {
@@ -258,11 +258,11 @@ TEST_F(CkChainFormatTest, MetadataThatAlternateDropNothingAndSetUpEverMoreRarely
     }
     EXPECT_EQ(sink.count(), size_t(frames));
     EXPECT_EQ(chain->blockStatistics(source).dropped, 0U);
-    // At the start, and after waits of 2, 4, 8 ... 1024 frames, which are 2046.
+    // At the start, and after delays of 2, 4, 8 ... 1024 frames, 2046 in total.
     EXPECT_LE(block->starts, 12);
     EXPECT_GE(block->starts, 6);
     EXPECT_EQ(source->errorMessage(), QString());
-    // Metadata that have stayed for a while are followed at once.
+    // After a while without changes, the chain adapts to new metadata at once.
     for (int i = 0; i < 3000; ++i) {
         run(format, negotiatedMetadata(block));
     }

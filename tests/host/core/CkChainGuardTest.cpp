@@ -1,4 +1,4 @@
-// What blocks, sinks and pictures do wrong, and what a chain says of it.
+// Faulty blocks, sinks and pictures, and the messages of the chain about them.
 
 #include "tests/host/core/chainFixture.h"
 #include "zuCore/CkMemoryPool.h"
@@ -11,7 +11,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// Throws wherever it is told to.
+/// Throws in the selected functions.
 class ThrowingBlock : public AddBlock {
 public:
     enum EkWhere { Nowhere, Title, Accepts, Buffers, Query, Start, Stop, Process };
@@ -55,7 +55,7 @@ public:
     }
 
     std::atomic<int> where = Nowhere;
-    std::atomic<int> every = 0; ///< frame that it throws on
+    std::atomic<int> every = 0; ///< frame on which it throws
     std::atomic<bool> clearsMessage = false;
 
 private:
@@ -73,13 +73,13 @@ public:
     CkImageData* share() const override { throw std::runtime_error("not with me"); }
 };
 
-/// A picture that cannot be shared for want of memory.
+/// A picture that cannot be shared for lack of memory.
 class CrowdedFrame : public CkImageData {
 public:
     CkImageData* share() const override { return nullptr; }
 };
 
-/// No picture; counts those there are.
+/// Not a picture; counts its instances.
 class Note : public IkChainData {
 public:
     explicit Note(std::atomic<int>& count) : m_count(count) { ++m_count; }
@@ -90,7 +90,7 @@ private:
     std::atomic<int>& m_count;
 };
 
-/// Makes something of its input that is no picture.
+/// Outputs something that is not a picture.
 class NoteBlock : public AddBlock {
 public:
     explicit NoteBlock(std::atomic<int>& count) : m_count(count) {}
@@ -103,7 +103,7 @@ private:
     std::atomic<int>& m_count;
 };
 
-/// Has something to say while it is set up, and takes its time.
+/// Sets messages while it is being set up, slowly.
 class TalkingBlock : public AddBlock {
 public:
     TalkingBlock() : AddBlock(1) {}
@@ -141,7 +141,7 @@ protected:
         }));
     }
 
-    /// The first frame, every byte of it the value.
+    /// The first frame, with this value in every byte.
     template <class Frame>
     void runOne(quint8 value) {
         auto frame = std::make_unique<Frame>();
@@ -268,7 +268,7 @@ TEST_F(CkChainGuardTest, ABlockThatCannotBeSetUpIsHandedNoFramesAndItsReasonStay
         EXPECT_EQ(bad->frames, 0);
         EXPECT_EQ(chain->blockStatistics(bad).dropped, 5U);
         EXPECT_EQ(bad->errorMessage(), reason);
-        // It is asked again when everything is set up anew.
+        // It is queried again when the chain is set up again.
         bad->where = ThrowingBlock::Nowhere;
         chain->requestRenegotiation();
         EXPECT_TRUE(waitUntil([&] { return bad->errorMessage().isEmpty(); }));
@@ -340,7 +340,7 @@ TEST_F(CkChainGuardTest, SettingUpAnewDoesNotTellTheSameTextAgain) {
 
 namespace {
 
-/// Does something the first time that it is asked for its pictures, which is while the chain starts.
+/// Calls a function when it is first asked for its number of pictures, while the chain starts.
 class AskingBlock : public AddBlock {
 public:
     AskingBlock() : AddBlock(1) {}

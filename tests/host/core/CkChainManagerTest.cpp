@@ -7,7 +7,7 @@ namespace {
 
 using CkChainManagerTest = ChainFixture;
 
-/// Works on what an AddBlock has made, and on nothing else.
+/// Accepts only the output of an AddBlock.
 class SumBlock : public PassBlock {
 public:
     bool acceptsDataFrom(CkChainable* pUpstream) override {
@@ -15,7 +15,7 @@ public:
     }
 };
 
-/// Works on nothing but sources.
+/// Accepts only sources.
 class PickyBlock : public PassBlock {
 public:
     bool acceptsDataFrom(CkChainable* pUpstream) override {
@@ -174,13 +174,13 @@ TEST_F(CkChainManagerTest, ClosingDeletesBlocksOnceAndTellsWhileAllIsWhole) {
         EXPECT_TRUE(closing->stopped());
         EXPECT_EQ(closing->blocks().size(), 2);
         EXPECT_EQ(closing->sinkBlock(&sink), block);
-        manager->closeChain(closing); // again, from within
+        manager->closeChain(closing); // recursive call
     });
     manager->closeChain(other);
     EXPECT_EQ(told, 1);
     EXPECT_TRUE(deleted);
     EXPECT_EQ(manager->chains(), QList<CkChain*>{chain});
-    manager->closeChain(other); // unknown by now: ignored
+    manager->closeChain(other); // no longer known: ignored
     manager->closeChain(nullptr);
 }
 

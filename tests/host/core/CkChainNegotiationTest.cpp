@@ -11,7 +11,7 @@ CkImageMetadata phases(qint32 count) {
     return metadata;
 }
 
-/// Asks for everything anew with every frame, and says how often it got it.
+/// Requests renegotiation with every frame, and counts how often it was granted.
 class NaggingBlock : public PassBlock {
 public:
     void setupStart() override { ++starts; }
@@ -22,7 +22,7 @@ public:
     std::atomic<int> starts = 0;
 };
 
-/// Announces one size and delivers another, always.
+/// Always delivers another size than it announces.
 class LyingBlock : public PassBlock {
 public:
     bool queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo& out, const CkImageMetadata* pInMeta,
@@ -182,7 +182,7 @@ TEST_F(CkChainNegotiationTest, AnOutputThatNoLongerFitsThePoolNegotiatesAnew) {
     ASSERT_TRUE(waitUntil([&] { return sink.count() == 1; }));
     EXPECT_EQ(sink.lastInfo().height, 2U);
 
-    // The block changes its mind while nothing in its input does.
+    // The block changes its output while its input stays the same.
     block->dividesRows = false;
     pushSurely(2);
     ASSERT_TRUE(waitUntil([&] { return block->starts == 2; }));
@@ -217,7 +217,7 @@ TEST_F(CkChainNegotiationTest, ABlockThatKeepsAskingIsServedEverMoreRarely) {
     }
     ASSERT_TRUE(waitUntil([&] { return sink.count() == frames; }));
     chain->stop();
-    // Waits of 2, 4, 8, 16, 32, 64 and then 64 frames each: 7 within the first 127 and some 8 in the rest.
+    // Delays of 2, 4, 8, 16, 32, 64 and then 64 frames each: 7 within the first 127 and about 8 in the rest.
     EXPECT_GE(block->starts, 4);
     EXPECT_LE(block->starts, 20);
     chain->removeSink(&sink);

@@ -5,7 +5,7 @@ namespace {
 
 using CkChainPoolTest = ChainFixture;
 
-/// Never gives a frame back while it lives.
+/// Keeps all frames until it is destroyed.
 class HoardingSink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
@@ -21,7 +21,7 @@ private:
     std::vector<std::unique_ptr<CkImageData>> m_frames;
 };
 
-/// Takes one of three frames and reports the others as dropped.
+/// Accepts one of three frames and reports the others as dropped.
 class LazySink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {
@@ -32,7 +32,7 @@ public:
     std::atomic<int> count = 0;
 };
 
-/// Announces an output that no machine has the memory for, and clears its message with every frame.
+/// Announces an output larger than any memory, and clears its message with every frame.
 class GiantBlock : public AddBlock {
 public:
     using AddBlock::AddBlock;
@@ -156,7 +156,7 @@ TEST_F(CkChainPoolTest, AnOutputWithoutPixelsIsSaidAsLongAsFramesCome) {
 }
 
 TEST_F(CkChainPoolTest, WhatASinkDropsIsCountedOnItsBlock) {
-    // Not on the source: its counter holds what a full queue drops, too.
+    // Not on the source, whose counter also includes frames dropped at a full queue.
     auto* const block = branch(new PassBlock(), source);
     LazySink sink;
     chain->addSink(block, &sink);

@@ -235,7 +235,7 @@ TEST_F(CkChainTest, AnExceptionOfABlockShowsOnItAndTheRestGoesOn) {
 
 namespace {
 
-/// Takes every second frame only, saying so or not; its pool has nothing for it.
+/// Outputs only every second frame, with or without reporting the drop; its pool has no picture for it.
 class ChoosyBlock : public AddBlock {
 public:
     using AddBlock::AddBlock;

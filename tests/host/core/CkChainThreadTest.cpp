@@ -6,7 +6,7 @@ namespace {
 
 using CkChainThreadTest = ChainFixture;
 
-/// Pushes frames as fast as it can until it goes.
+/// Pushes frames as fast as it can until it is destroyed.
 class Pusher {
 public:
     explicit Pusher(TestSource* source)
@@ -28,7 +28,7 @@ private:
     std::thread m_thread;
 };
 
-/// Counts those there are.
+/// Counts its instances.
 class CountedFrame : public CkImageData {
 public:
     explicit CountedFrame(std::atomic<int>& count) : m_count(count) { ++m_count; }
@@ -182,7 +182,7 @@ TEST_F(CkChainThreadTest, RemovingASinkWaitsUntilItIsLeft) {
 
 namespace {
 
-/// Does from the chain's own thread what is not allowed there, or takes itself away.
+/// Makes calls from the chain's own thread that are not allowed there, or removes itself.
 class RecklessSink : public IkFrameSink {
 public:
     explicit RecklessSink(CkChain* pChain) : m_pChain(pChain) {}

@@ -1,4 +1,4 @@
-// The way of frames through chains that branch and meet again.
+// The path of frames through chains that branch and merge.
 
 #include "tests/host/core/chainFixture.h"
 #include "zuCore/CkRTTI.h"
@@ -57,7 +57,7 @@ protected:
     TestSource* loaded = nullptr;
 };
 
-/// The source feeds two blocks, those feed one, that feeds two again.
+/// The source feeds two blocks, which feed one, which feeds two again.
 std::vector<std::vector<int>> diamonds(int count) {
     std::vector<std::vector<int>> result;
     for (int i = 0; i < count; ++i) {
@@ -84,7 +84,7 @@ TEST_F(CkChainWalkTest, EachBlockSeesOneFrameOfEachPredecessor) {
         EXPECT_EQ(chain->blockStatistics(block).framesOut, 3 * feeders);
         EXPECT_EQ(chain->blockStatistics(block).dropped, 0U);
     }
-    // The last block has two frames of each one, and each has gone through two blocks a diamond.
+    // The last block receives two frames for each source frame, and each has passed two blocks per diamond.
     EXPECT_THAT(sink.values(), testing::ElementsAre(41, 41, 41, 41, 41, 41));
     chain->removeSink(&sink);
 }
@@ -145,7 +145,7 @@ TEST_F(CkChainWalkTest, AStopWaitsForTheBlockThatWorksAndForNoOther) {
     ASSERT_TRUE(waitUntil([&] { return working->gate.waiting() == 1; }));
     ASSERT_TRUE(loaded->push(2));
     std::thread stopper([&] { chain->stop(); });
-    // The frame that waits is dropped when the stop has begun.
+    // The queued frame is dropped when the stop has begun.
     EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(loaded).dropped == 1; }));
     working->gate.open();
     stopper.join();

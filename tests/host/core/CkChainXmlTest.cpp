@@ -18,7 +18,7 @@ protected:
     }
     ~CkChainXmlTest() override { CkRTTI::instance()->unregisterPlugin(&plugin); }
 
-    /// Loads XML text; empty when it went well.
+    /// Loads XML text; returns the error, empty on success.
     std::string load(const QString& xml) {
         QDomDocument doc;
         EXPECT_TRUE(doc.setContent(xml)) << qPrintable(xml);
@@ -194,7 +194,7 @@ TEST_F(CkChainXmlTest, ABlockFedByTwoWorksOnTheFramesOfBoth) {
     ASSERT_TRUE(waitUntil([&] { return sink.count() == 2; }));
     EXPECT_THAT(sink.values(), testing::ElementsAre(11, 12));
     chain->stop();
-    // Taking one feeder away leaves the other's connection as it is.
+    // Removing one predecessor leaves the other's connection unchanged.
     CkChainable* const a = chain->blocks().at(1);
     ASSERT_TRUE(manager->remove(chain, a, false));
     EXPECT_EQ(chain->precedessors(chain->blocks().last()).size(), 2);

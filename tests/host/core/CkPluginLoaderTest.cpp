@@ -74,7 +74,7 @@ TEST(CkPluginLoader, RefusalsNameTheFileAndTheReason) {
         const std::string error = refusal(loader, module(entry.file));
         EXPECT_THAT(error, HasSubstr(entry.file));
         EXPECT_THAT(error, HasSubstr(entry.reason)) << entry.file;
-        // What a refused plug-in registered would be code of an unloaded library.
+        // A class registered by a refused plug-in would be code of an unloaded library.
         EXPECT_FALSE(blockIsRegistered()) << entry.file;
     }
     EXPECT_TRUE(loader.plugins().isEmpty());
@@ -95,7 +95,7 @@ TEST(CkPluginLoader, RefusesFilesThatOnlyLookLikeLibraries) {
     CkPluginLoader loader;
     EXPECT_THAT(refusal(loader, folder.filePath(QStringLiteral("text.so"))), HasSubstr("not a library"));
     EXPECT_THAT(refusal(loader, folder.filePath(QStringLiteral("empty.so"))), HasSubstr("not a library"));
-    // The system's loader would take the longer ones, and the program would end at the first missing page.
+    // The dynamic loader would accept the longer ones, and the program would crash at the first missing page.
     for (const qsizetype length : {4, 63, 64, 600, 4096, 8192, 12000}) {
         ASSERT_LT(length, whole.size());
         write("cut.so", whole.left(length));
@@ -103,7 +103,7 @@ TEST(CkPluginLoader, RefusesFilesThatOnlyLookLikeLibraries) {
         EXPECT_THAT(error, HasSubstr("cut.so")) << length;
         EXPECT_THAT(error, HasSubstr("cut off")) << length;
     }
-    // Segments that claim to lie where no file reaches.
+    // Segments that claim to lie beyond the end of any file.
     QByteArray wild = whole;
     wild.replace(32, 8, QByteArray(8, char(0xff)));
     write("wild.so", wild);

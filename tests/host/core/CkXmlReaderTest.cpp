@@ -10,7 +10,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/// What the reader says of a document; empty when it takes it.
+/// The reader's error for a document; empty when it accepts it.
 template <class Text>
 std::string refusal(const Text& xml, const SkXmlLimits& limits = SkXmlLimits()) {
     QDomDocument doc;
@@ -137,7 +137,7 @@ TEST(CkXmlReader, ARefusedDocumentLeavesTheOneBefore) {
     EXPECT_EQ(doc.documentElement().tagName(), "before");
 }
 
-// Documents are looked at in pieces; characters of two units may lie across.
+// Documents are checked in pieces; a surrogate pair may straddle a boundary.
 TEST(CkXmlReader, DecodedTextKeepsItsCharacters) {
     const QString text = QString::fromUcs4(U"\U00010400").repeated(20'000);
     for (const char* space : {"", " "}) {

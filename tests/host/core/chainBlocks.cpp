@@ -171,7 +171,7 @@ IkChainData* AddBlock::processData(IkChainData* pData) {
 bool AddBlock::saveSettings(QDomDocument& doc, QDomElement& element) const {
     const bool saved = CkImageProvider::saveSettings(doc, element);
     element.setAttribute(QStringLiteral("number"), int(number));
-    // A careless name: it must not hide what the chain itself writes.
+    // A name that the chain itself uses: the block's value must not replace the chain's.
     element.setAttribute(QStringLiteral("id"), QStringLiteral("my own"));
     return saved;
 }

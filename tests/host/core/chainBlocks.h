@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-/// Waits up to half a minute for something that other threads do.
+/// Polls a condition that other threads make true, for at most 30 seconds.
 bool waitUntil(const std::function<bool()>& condition);
 
-/// Closed, it holds everybody who passes.
+/// Blocks the threads that pass it while it is closed.
 class Gate {
 public:
     void close();
@@ -47,11 +47,11 @@ public:
     void announce(const SkPicBufInfo& info, const CkImageMetadata& metadata = {});
     void announceNothing();
 
-    /// A frame in the announced format whose every byte is uiValue.
+    /// Pushes a frame in the announced format with this value in every byte.
     bool push(quint8 uiValue);
     bool pushFormat(const SkPicBufInfo& info, const CkImageMetadata& metadata, quint8 uiValue);
     bool pushFrame(std::unique_ptr<CkImageData> frame) { return deliver(frame.release()); }
-    /// What the source was told of its frames: E for Entered, x for Dropped, D for Done, in order.
+    /// The frame events of the source in order: E for Entered, x for Dropped, D for Done.
     std::string frameEvents() const;
 
 protected:
@@ -66,7 +66,7 @@ private:
     std::atomic<quint64> m_uiNumber = 0;
 };
 
-/// Hands its input on.
+/// Passes its input through.
 class PassBlock : public CkImageProvider {
     Q_OBJECT
     Q_CLASSINFO("CustomName", "Pass")
@@ -105,7 +105,7 @@ public:
     std::atomic<int> starts = 0;
     std::atomic<int> stops = 0;
     std::atomic<int> frames = 0;
-    std::atomic<bool> inside = false; ///< in processData now
+    std::atomic<bool> inside = false; ///< processData is running
     std::atomic<bool> calledWhileStopped = false;
     std::atomic<bool> inputKnownAtStart = false;
     SkPicBufInfo inputAtStart;
@@ -124,7 +124,7 @@ public:
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override { return m_iHeld; }
 
-    std::vector<int> values() const; ///< first byte of every frame that came
+    std::vector<int> values() const; ///< first byte of every frame received
     size_t count() const { return values().size(); }
     std::vector<const quint8*> pixels() const;
     SkPicBufInfo lastInfo() const;

@@ -19,7 +19,7 @@ protected:
         return block;
     }
 
-    /// Pushes when the queue has room, so that nothing is dropped.
+    /// Waits until the queue has room before it pushes, so that nothing is dropped.
     void pushSurely(quint8 value) {
         EXPECT_TRUE(waitUntil([&] { return source->push(value); }));
     }

@@ -7,7 +7,7 @@
 #include <memory>
 #include <thread>
 
-/// What a test knows of the cameras of a FakeDriver; outlives them.
+/// State shared between a test and the cameras of a FakeDriver; outlives the cameras.
 struct FakeCameraState {
     QStringList log;
     std::atomic<int> alive = 0;
@@ -36,12 +36,12 @@ private:
     std::shared_ptr<FakeCameraState> m_second;
 };
 
-/// The one driver of a test program: the manager keeps drivers for good.
+/// The single driver of a test program: the manager never removes drivers.
 struct FakeCameras {
     std::shared_ptr<FakeCameraState> first;
     std::shared_ptr<FakeCameraState> second;
     static FakeCameras& instance();
-    /// Closes what is open and forgets what was set.
+    /// Closes open cameras and resets all settings.
     void reset() const;
 };
 

@@ -18,7 +18,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&picker, 30000));
     }
 
-    // Types a colour into the dialog's field for it and accepts, or leaves with Escape.
+    // Types a colour into the dialog and accepts it, or cancels with Escape.
     void expectDialog(const QString& sColor) {
         driver.expectWindow([this, sColor](QWidget* pWindow) {
             auto* dialog = qobject_cast<QColorDialog*>(pWindow);

@@ -43,7 +43,7 @@ protected:
             }
             auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
             ASSERT_NE(name, nullptr);
-            // Typing would open a list of completions, which takes the next Enter for itself.
+            // Not typed, because that would open a list of completions, which consumes the next Enter.
             name->setText(sName);
             QTest::keyClick(name, Qt::Key_Return);
         });
@@ -100,7 +100,7 @@ TEST_F(CkExportToolButtonTest, CancellingWritesNothingAndKeepsTheFolder) {
 }
 
 TEST_F(CkExportToolButtonTest, AFileThatCannotBeWrittenIsToldWithItsNameAndTheReason) {
-    // Nobody creates files there; a read-only folder would not stop an administrator.
+    // No user can create files there; root can write to read-only folders.
     const QString sName = QStringLiteral("/proc/cloud.ply");
     expectName(sName);
     EXPECT_FALSE(exportToFile());
@@ -120,7 +120,7 @@ TEST_F(CkExportToolButtonTest, AFailureLeavesTheFileThatWasThereUntouched) {
     before.write("before");
     before.close();
     expectName("cloud.ply");
-    // The question whether to overwrite is answered with yes; meanwhile the file becomes a folder's name.
+    // Confirms overwriting, and replaces the file by a folder before that.
     driver.onBox = [&](QMessageBox* pBox) {
         if (pBox->icon() == QMessageBox::Warning) {
             ASSERT_TRUE(QFile::rename(sFile, folder.filePath("kept")));

@@ -37,7 +37,7 @@ TEST_F(CkMdiViewTest, TheNewestFrameWinsAndTheOthersAreCounted) {
     for (quint64 uiFrame = 0; uiFrame < 5; ++uiFrame) {
         ASSERT_TRUE(pushAndWait(uiFrame, source));
     }
-    // The last frame has left the source, and its sink a moment later.
+    // The last frame has left the source; the sink may still be processing it.
     chain->stop();
     ASSERT_TRUE(QTest::qWaitFor([&] { return received.count() > 0; }, kPatienceMs));
     QCoreApplication::processEvents();
@@ -54,7 +54,7 @@ TEST_F(CkMdiViewTest, AQueuedListenerSeesItsFrameOnAViewThatIsAlwaysLate) {
     int iNext = 1;
     int iSeen = 0;
     int iMissed = 0;
-    // The next frame is there before the listeners have heard of this one.
+    // The next frame arrives before all slots have been called for this one.
     QObject::connect(&view, &CkMdiView::receivedFrame, &view, [&] {
         if (iNext < 20) {
             ASSERT_TRUE(source->push(quint64(iNext++)));
@@ -115,7 +115,7 @@ TEST_F(CkMdiViewTest, ViewsOpenAndCloseWhileFramesArrive) {
         QObject::connect(&first, &CkMdiView::frameShown, &first, [&](int, const CkImageData* pData) {
             iShown += pData->picBuf().data[0] == 5 ? 1 : -1000;
         });
-        // Some views live until they have shown a frame, the others go at once.
+        // Some views exist until they have shown a frame, the others are deleted at once.
         const int iBefore = iShown;
         if (iRound % 3 == 0 && !QTest::qWaitFor([&] { return iShown > iBefore; }, kPatienceMs)) {
             ADD_FAILURE() << "no frame in round " << iRound;
@@ -150,7 +150,7 @@ TEST_F(CkMdiViewTest, MemoryStaysFlatWhileAListenerKeepsADialogOpen) {
         dialog.exec();
     });
     QObject::connect(&view, &CkMdiView::frameShown, &view, [&](int, const CkImageData* pData) {
-        // The frame that the dialog held up comes last, still whole.
+        // The frame that was delayed by the dialog arrives last, still intact.
         pOuter = pData;
         EXPECT_EQ(pData->picBuf().data[0], 5);
     });

@@ -62,7 +62,7 @@ TEST_F(CkMdiViewTest, TheTitleFollowsTheTitlesOfTheBlocksOnTheWay) {
     beside->rename(QStringLiteral("Beside"));
     EXPECT_EQ(titles.count(), 2);
 
-    // Blocks that come later as well, and those that left no longer.
+    // Includes blocks inserted later, and no longer those that were removed.
     auto* inserted = new NamedBlock;
     ASSERT_TRUE(manager->insertAfter(chain, inserted, first));
     titles.clear();
@@ -150,7 +150,7 @@ TEST_F(CkMdiViewTest, OutlivesItsChain) {
     CkChainManager::instance()->closeChain(chain);
     EXPECT_EQ(view.dataProvider(), nullptr);
     EXPECT_EQ(changes.count(), 1);
-    // The picture stays, though the pool it came from was destroyed.
+    // The picture stays valid although its pool was destroyed.
     ASSERT_NE(view.imageData(1), nullptr);
     EXPECT_EQ(view.imageData(1)->picBuf().data[0], 1);
     EXPECT_TRUE(view.cameraHandles().isEmpty());

@@ -64,7 +64,7 @@ protected:
         return block;
     }
 
-    // Without the event loop, so that no view is given the frame meanwhile.
+    // Does not run the event loop, so that no view gets the frame meanwhile.
     bool pushAndWait(quint64 uiFrameNumber, CkChainable* pLast) {
         const quint64 uiBefore = chain->blockStatistics(pLast).framesOut;
         if (!source->push(uiFrameNumber)) {
@@ -83,7 +83,7 @@ protected:
     PushSource* source = nullptr;
 };
 
-/// Connected after a view, it gets every frame after the view.
+/// Connected after a view, it receives every frame after the view.
 class OtherSink : public IkFrameSink {
 public:
     int takeFrame(CkImageData* pData) override {

@@ -73,7 +73,7 @@ TEST(CkLut, TheRainbowRunsFromBlueOverGreenToRed) {
     EXPECT_LE(middle[0] + middle[2], 4);
 }
 
-/// What people know each map by: its colour at some positions, red, green and blue in percent.
+/// Characteristic colours of each map: red, green and blue at some positions, in percent.
 struct MapPoint {
     const char* map;
     int position; ///< percent of the map's length
@@ -120,7 +120,8 @@ TEST(CkLut, EveryMapGoesThroughItsColours) {
         ASSERT_GT(lut.pseudoColorIndex(), 0) << point.map;
         ASSERT_TRUE(lut.allocRgbTable(0));
         const Color color = entry(lut, size_t(std::lround(2.55 * point.position)));
-        // An entry lies up to half a step beside the position: two levels on the steepest slope, 5 a step.
+        // An entry lies up to half a step away from the position: two levels on the steepest slope of 5
+        // levels per step.
         EXPECT_NEAR(color[0], 2.55 * point.blue, 3.0) << point.map << " at " << point.position << " %";
         EXPECT_NEAR(color[1], 2.55 * point.green, 3.0) << point.map << " at " << point.position << " %";
         EXPECT_NEAR(color[2], 2.55 * point.red, 3.0) << point.map << " at " << point.position << " %";
@@ -162,7 +163,7 @@ TEST(CkLut, AContrastEntryCutsAWindowOut) {
     ASSERT_TRUE(lut.allocRgbTable(0));
     EXPECT_EQ(entry(lut, 0), grey(0));
     EXPECT_EQ(entry(lut, 1000), grey(0));
-    EXPECT_EQ(entry(lut, 1500), grey(127)); // 127.5 cut off
+    EXPECT_EQ(entry(lut, 1500), grey(127)); // 127.5, truncated
     EXPECT_EQ(entry(lut, 2000), grey(255));
     EXPECT_EQ(entry(lut, 4095), grey(255));
 }
@@ -204,7 +205,7 @@ TEST(CkLut, ColoursIntegerPicturesByTheirFirstChannel) {
     EXPECT_EQ(colorAt(target, 0, 0), grey(0));
     EXPECT_EQ(colorAt(target, 1, 0), grey(255));
     EXPECT_EQ(colorAt(target, 2, 0), grey(255));
-    EXPECT_EQ(colorAt(target, 0, 1), grey(127)); // 2048 / 4095 * 255 = 127.5 cut off
+    EXPECT_EQ(colorAt(target, 0, 1), grey(127)); // 2048 / 4095 * 255 = 127.5, truncated
     EXPECT_TRUE(target.guardsIntact());
 }
 
@@ -245,12 +246,12 @@ TEST(CkLut, ScalesFloatsFromMinimumToMaximumOverTheWindow) {
     source->maxValue = 3.0F;
     ASSERT_TRUE(lut.applyToPic(*source, *target));
     EXPECT_EQ(colorAt(target, 0, 0), grey(0));
-    EXPECT_EQ(colorAt(target, 1, 0), grey(63)); // a quarter of 255 cut off
+    EXPECT_EQ(colorAt(target, 1, 0), grey(63)); // a quarter of 255, truncated
     EXPECT_EQ(colorAt(target, 2, 0), grey(255));
     EXPECT_EQ(colorAt(target, 3, 0), grey(255));
     EXPECT_EQ(colorAt(target, 4, 0), grey(0));
     EXPECT_EQ(colorAt(target, 5, 0), grey(0));
-    // The lower half of the range over the whole map.
+    // The lower half of the range spans the whole map.
     lut.contrastEntries().append({0, 0x7fffffffU, 0, 255, 1.0});
     ASSERT_TRUE(lut.applyToPic(*source, *target));
     EXPECT_EQ(colorAt(target, 1, 0), grey(127));

@@ -156,7 +156,7 @@ TEST(CkMemoryPool, RefusesSizesThatCannotBeHad) {
 }
 
 TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptyShelfThatCounts) {
-    // No machine has 2^62 bytes, yet the number fits.
+    // 2^62 bytes cannot be allocated, but the size does not overflow.
     const SkPicBufInfo huge = packedFormat(0x80000000U, 0x80000000U);
     CkMemoryPool pool;
     EXPECT_FALSE(pool.reserve(firstOwner, huge, 2));

@@ -217,7 +217,7 @@ TYPED_TEST(ConvertPicToDifBpcOf, ScalesByBitsRoundsOnRequestAndSaturates) {
                 const Wide low = std::is_signed_v<T> ? -high - 1 : Wide(0);
                 for (quint32 y = 0; y < 3; ++y) {
                     for (quint32 x = 0; x < 9; ++x) {
-                        // A sample of 8 bits with a sign is a number, no character.
+                        // A signed 8-bit sample is a number, not a character.
                         Wide value = source.at<S>(x, y, 1); // NOLINT(bugprone-signed-char-misuse)
                         if (targetBits >= sourceBits) {
                             value *= Wide(1) << (targetBits - sourceBits);

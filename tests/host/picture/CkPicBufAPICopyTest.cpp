@@ -182,7 +182,8 @@ TEST(CopyRect, RefusesOverlappingMemoryWithAnotherLineSize) {
     EXPECT_EQ(bytes, before);
     EXPECT_TRUE(CkPicBufAPI::CopyRect(wide, 0, 0, narrow, 0, 0, 0, 6)) << "an empty rectangle";
 
-    // After the last row nothing is shared; with the same lineSize every overlap is copied in order.
+    // Beyond the last row there is no overlap; with the same lineSize, overlapping rows are copied in a safe
+    // order.
     wide.data = narrow.data + 48;
     EXPECT_TRUE(CkPicBufAPI::CopyPicBuf(narrow, wide));
     EXPECT_EQ(sampleAt<quint8>(wide, 7, 5), 47);

@@ -113,7 +113,7 @@ TEST(AllocPicBufFromHeap, ReserveLiesBehindTheLastRow) {
     SkPicBuf picBuf;
     ASSERT_TRUE(allocate(picBuf, 4, 2, 1, EkImageDataType::UInt8, 0, 0, 100));
     EXPECT_TRUE(allZero(picBuf, 8 + 100));
-    std::memset(picBuf.data, 1, 8 + 100); // the address sanitizer would complain of a shorter block
+    std::memset(picBuf.data, 1, 8 + 100); // a sanitizer would report a shorter block
     CkPicBufAPI::FreePicBuf(picBuf);
 }
 
@@ -235,7 +235,7 @@ TEST(SharePicBuf, GivesBackWhatTheTargetHeldAndRefusesPixelsWithoutOwner) {
     SkPicBuf source;
     SkPicBuf target;
     ASSERT_TRUE(allocate(source, 4, 4, 1, EkImageDataType::UInt8));
-    ASSERT_TRUE(allocate(target, 8, 8, 1, EkImageDataType::UInt8)); // leaked unless given back
+    ASSERT_TRUE(allocate(target, 8, 8, 1, EkImageDataType::UInt8)); // leaked unless released
     ASSERT_TRUE(CkPicBufAPI::SharePicBuf(source, target));
     EXPECT_EQ(target.width, 4U);
     PaddedPicture foreign(3, 2, 1, EkImageDataType::UInt8);
@@ -336,7 +336,7 @@ TEST(CkPicBufAPIAlloc, APictureMayBeOneByte) {
 }
 
 TEST(CkPicBufAPIAlloc, WhatCannotBeHadLeavesNoDescription) {
-    SkPicBuf picture; // was never allocated
+    SkPicBuf picture; // never allocated
     picture.width = 5;
     picture.channels = 2;
     EXPECT_FALSE(CkPicBufAPI::AllocPicBufFromHeap(picture, packedFormat(0, 1)));

@@ -18,7 +18,7 @@ class FloatSamples : public testing::Test {};
 using FloatTypes = testing::Types<float, double>;
 TYPED_TEST_SUITE(FloatSamples, FloatTypes);
 
-/// Any value of the type, the limits among them.
+/// Any value of the type, including the limits.
 template <typename T>
 void fillRandomly(PaddedPicture& picture, unsigned seed) {
     std::mt19937_64 random(seed);
@@ -136,7 +136,7 @@ TYPED_TEST(FloatSamples, MinimumAndMaximumCoverAllChannelsAndPassOverWhatIsNotFi
     using T = TypeParam;
     constexpr T infinity = std::numeric_limits<T>::infinity();
     constexpr T nan = std::numeric_limits<T>::quiet_NaN();
-    // Widths around and beyond the number of values looked at side by side.
+    // Widths around and beyond the number of values per vector.
     for (quint32 width = 1; width <= 40; ++width) {
         PaddedPicture picture(width, 3, 2, SampleTypeOf<T>::value);
         picture.fill<T>([](quint32 x, quint32 y, quint32) { return T(10) + T(x) + T(y); });

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Of a pool of three, so that every reference that is held shows.
+/// Uses a pool of three pictures, so that every held reference can be counted.
 class CkPictureTest : public testing::Test {
 protected:
     CkPictureTest() { EXPECT_TRUE(pool.reserve(this, packedFormat(4, 2), 3)); }

@@ -1,4 +1,4 @@
-// What other programs, recordings and plug-ins rely on: the order of the fields and the numbers of the codes.
+// Other programs, recordings and plug-ins depend on the order of the fields and the numbers of the codes.
 
 #include "zuCore/SkPicBuf.h"
 

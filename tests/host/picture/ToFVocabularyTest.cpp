@@ -1,4 +1,4 @@
-// What cameras, saved chains and other programs rely on: names and numbers, letter for letter.
+// Cameras, saved chains and other programs depend on these exact names and numbers.
 
 #include "zuCore/ToFVocabulary.h"
 

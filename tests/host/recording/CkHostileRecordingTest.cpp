@@ -44,7 +44,7 @@ using ::testing::HasSubstr;
 TEST_F(CkHostileRecordingTest, APlainPictureIsAtMostTwiceItsFileAndALittle) {
     ASSERT_TRUE(HostileFiles::claimedPages(file(), 1, 1, 1, 1000));
     const auto most = kSmallBytes + 2 * quint32(contents(file()).size());
-    ASSERT_EQ(most % 2, 0U); // two bytes a sample
+    ASSERT_EQ(most % 2, 0U); // two bytes per sample
     ASSERT_TRUE(HostileFiles::claimedPages(file(), most / 2, 1, 1, 1000));
     EXPECT_EQ(refusal(), "");
     ASSERT_TRUE(HostileFiles::claimedPages(file(), most / 2 + 1, 1, 1, 1000));
@@ -156,7 +156,7 @@ TEST_F(CkHostileRecordingTest, TextsHaveALength) {
     EXPECT_THAT(refusal(), HasSubstr("longer than 4 MiB"));
     ASSERT_TRUE(make(1 << 20));
     EXPECT_EQ(refusal({}, 1), "");
-    // Other programs may write anything there.
+    // Other programs may write any text there.
     ASSERT_TRUE(HostileFiles::hugeText(file(), "<OME>", "<a/>", 2 << 20, 2));
     EXPECT_EQ(refusal(), "");
     EXPECT_EQ(refusal({}, 1), "");

@@ -97,7 +97,7 @@ TEST_F(CkRecorderKillTest, AHundredRandomMomentsLeaveEveryCompletedFrame) {
     qint64 all = 0;
     int empty = 0;
     for (int round = 0; round < 100; ++round) {
-        // With small pages the kill often falls between two, with large ones mostly into the middle of one.
+        // With small pages the kill often happens between two pages, with large ones mostly within a page.
         const bool large = round % 2 == 1;
         const auto compression =
             round % 4 < 2 ? EkRecordingCompression::None : EkRecordingCompression::Deflate;
@@ -107,7 +107,7 @@ TEST_F(CkRecorderKillTest, AHundredRandomMomentsLeaveEveryCompletedFrame) {
         QString error;
         CkRecordingReader reader;
         if (!reader.open(path("killed.tif"), &error)) {
-            // Killed before the first page was whole: nothing is lost, and the message names the file.
+            // Killed before the first page was complete: nothing is lost, and the message names the file.
             ASSERT_EQ(completed, 0) << "round " << round << ": " << qPrintable(error);
             ASSERT_THAT(error.toStdString(), ::testing::HasSubstr("killed.tif"));
             ++empty;

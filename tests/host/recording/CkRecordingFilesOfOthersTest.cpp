@@ -3,7 +3,7 @@
 
 namespace {
 
-/// Files made by libtiff, as other programs make them.
+/// Files written with libtiff, as by other programs.
 class CkRecordingFilesOfOthersTest : public RecordingFixture {
 protected:
     static constexpr quint32 Width = 21;
@@ -66,7 +66,7 @@ TEST_F(CkRecordingFilesOfOthersTest, ColoursComeInTheOrderOfTheHouse) {
 
 TEST_F(CkRecordingFilesOfOthersTest, WhatIsLeftOfAPictureIsShown) {
     ASSERT_TRUE(make(path("a.tif"), {}));
-    // libtiff writes the directory after the samples, other programs before: this file is rearranged by hand.
+    // libtiff writes the directory after the samples, other programs write it before: rearrange the file.
     CkRecordingReader whole;
     ASSERT_TRUE(whole.open(path("a.tif"), nullptr));
     QByteArray bytes("II\x2a\0\x08\0\0\0", 8);
@@ -86,7 +86,7 @@ TEST_F(CkRecordingFilesOfOthersTest, WhatIsLeftOfAPictureIsShown) {
     entry(TIFFTAG_ROWSPERSTRIP, TIFF_LONG, Height);
     entry(TIFFTAG_STRIPBYTECOUNTS, TIFF_LONG, Width * Height * 2);
     bytes.append(4, '\0');
-    for (quint32 y = 0; y < 10; ++y) { // 10 of 17 rows, and the file ends
+    for (quint32 y = 0; y < 10; ++y) { // the file ends after 10 of 17 rows
         for (quint32 x = 0; x < Width; ++x) {
             const quint16 value = sample(0, x, y, 0);
             bytes.append(reinterpret_cast<const char*>(&value), 2);

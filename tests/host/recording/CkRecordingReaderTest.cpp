@@ -124,7 +124,7 @@ TEST_F(CkRecordingReaderTest, TheSearchForPagesTellsItsProgressAndCanBeCancelled
         reports.emplace_back(pages, share);
         return true;
     }));
-    ASSERT_EQ(reports.size(), 3U); // 256, 512 and the last
+    ASSERT_EQ(reports.size(), 3U); // after 256 and 512 pages and at the end
     EXPECT_LT(reports[0].second, reports[1].second);
     EXPECT_EQ(reports[2], std::make_pair(qint64(600), 1.0));
 

@@ -79,7 +79,7 @@ TEST_F(CkVideoSourceTest, SettingsComeBack) {
     CkVideoSource lost;
     EXPECT_TRUE(lost.loadSettings(element));
     EXPECT_THAT(lost.errorMessage().toStdString(), ::testing::HasSubstr("gone.tif"));
-    // The recording may be on a disk that is not mounted: its name must survive.
+    // The recording may be on a disk that is not mounted: its name must be kept.
     QDomElement again = doc.createElement(QStringLiteral("block"));
     ASSERT_TRUE(lost.saveSettings(doc, again));
     EXPECT_EQ(again.attribute(QStringLiteral("file")), path("gone.tif"));
@@ -104,7 +104,7 @@ TEST_F(CkVideoSourceTest, ThousandsOfUnreadablePagesAreToldOfOnce) {
     m_source->play();
     EXPECT_EQ(m_sink.waitFor(2), (Numbers{0, 5001}));
     waitForPosition(5001);
-    // The first error, then at most two a second, and the rest at the end.
+    // The first error, then at most two per second, and the rest at the end.
     EXPECT_GE(told, 2);
     EXPECT_LT(told, 500);
     const std::string text = m_source->errorMessage().toStdString();

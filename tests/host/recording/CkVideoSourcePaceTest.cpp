@@ -70,7 +70,7 @@ TEST_F(CkVideoSourceTest, AnotherSpeedEndsTheWaitForTheNextFrame) {
     ASSERT_TRUE(m_chain->start());
     m_source->play();
     waitForPosition(0);
-    // A minute and a half left, longer than the sink waits.
+    // A minute and a half remains, longer than the sink waits.
     m_source->setSpeed(SkPlaybackSettings::kFastestSpeed);
     EXPECT_EQ(m_sink.waitFor(2), counted(0, 2));
 }

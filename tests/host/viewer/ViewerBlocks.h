@@ -51,7 +51,7 @@ public:
     std::atomic<bool> m_bWarn{false};
 };
 
-/// A block that works on nothing.
+/// A block that accepts no input.
 class CkPickyBlock : public CkImageProvider {
     Q_OBJECT
     Q_CLASSINFO("CustomName", "Picky block")

@@ -12,7 +12,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
-/// Walks the controls of the whole window: menu entries, actions, buttons, fields.
+/// Visits all controls of the window: menu entries, actions, buttons, fields.
 class ControlsFixture : public ViewerFixture {
 protected:
     struct SkEntry {
@@ -34,7 +34,7 @@ protected:
     }
 
     QList<SkEntry> menuEntries() const {
-        // What is filled in only when a menu opens counts as well.
+        // Includes entries that are created only when a menu opens.
         for (QMenu* menu : window()->findChildren<QMenu*>()) {
             emit menu->aboutToShow();
         }
@@ -45,7 +45,7 @@ protected:
         return entries;
     }
 
-    /// Of menus that list what is there at the moment: their entries come and go.
+    /// Whether the entry is in a menu whose contents change, such as a list of cameras.
     static bool isListed(const SkEntry& entry) {
         static const QStringList s_lists = {"menuRecentChains", "menuCloseCamera", "menuUnplugCamera",
                                             "menuPlugInCamera", "menuOpenCamera",  "menuAddBlock"};
@@ -78,7 +78,7 @@ protected:
                                  qobject_cast<const QAbstractSpinBox*>(widget) != nullptr ||
                                  qobject_cast<const QLineEdit*>(widget) != nullptr;
             if (control && !widget->isEnabled() && !isOfTheToolkit(widget)) {
-                // A tool tip that a control lacks comes from what it stands in.
+                // A control without a tool tip shows that of its parent.
                 const QWidget* told = widget;
                 while (told != nullptr && told->toolTip().isEmpty() && !told->isWindow()) {
                     told = told->parentWidget();
@@ -90,7 +90,7 @@ protected:
         }
     }
 
-    /// An action without a tool tip of its own answers with its text.
+    /// Without a tool tip, QAction::toolTip() returns the text.
     static bool saysMore(const QAction* action) {
         QString text = action->text();
         text.remove('&');

@@ -3,7 +3,7 @@
 #include "host/viewer/picture/CkImageView.h"
 #include "tests/support/TestFrames.h"
 
-/// A picture view that tests hand frames to.
+/// A picture view that tests feed with frames.
 class CkFedImageView : public CkImageView {
 public:
     CkFedImageView() : CkImageView(nullptr) {}

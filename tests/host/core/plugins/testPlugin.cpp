@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-// One plug-in, good as it stands; each definition breaks it in one way.
+// A valid plug-in; each definition breaks it in one way.
 
 #ifdef TEST_FOREIGN_IID
 #define TEST_IID "org.example.Other.Plugin"

@@ -100,7 +100,7 @@ TEST(ViewArea, SceneGetsMoreWidthThanATallPictureBesideIt) {
     EXPECT_EQ(left.right() + 1, right.left());
     EXPECT_EQ(right.right() + 1, area.viewport()->width());
     EXPECT_GT(right.width(), 3 * left.width() / 2);
-    // But the picture keeps at least three tenths.
+    // The picture keeps at least three tenths of the width.
     EXPECT_GE(left.width(), 300);
 }
 

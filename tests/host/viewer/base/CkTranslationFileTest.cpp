@@ -9,7 +9,7 @@ const QStringList s_folders = {s_sources + "/hostsdk", s_sources + "/host", s_so
 
 TEST(ViewerTranslationFile, IsInStepWithTheSources) {
     const TranslationFile file(s_file);
-    // As scripts/update-translations.sh does it.
+    // The same call as in scripts/update-translations.sh.
     file.expectInStepWith(s_folders, ZU_LUPDATE, {"-I", ZU_SOURCES});
     EXPECT_EQ(file.translationOf("CkMainWindow", "&File"), "&Datei");
     EXPECT_EQ(file.translationOf("CkExportToolButton", "Save to file..."), "In Datei speichern...");

@@ -5,7 +5,7 @@
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 
-// Nobody has chosen a language here: the plurals of the English texts are there from the start.
+// No language has been set: the plurals of the English texts are installed at start.
 
 namespace {
 

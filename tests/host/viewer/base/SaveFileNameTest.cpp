@@ -89,7 +89,7 @@ TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
     EXPECT_EQ(form("a.png", 1), 0);
     EXPECT_EQ(form("a.tiff", 0), 3);
     EXPECT_EQ(form("a.tif", 3), 3);
-    // Who wants it as measured gets it as measured.
+    // With a format of measured values chosen, a measured one is used.
     EXPECT_EQ(form("a.png", 3), 2);
     EXPECT_EQ(form("a.png", 2), 2);
     EXPECT_TRUE(m_driver.boxes.isEmpty());
@@ -97,7 +97,7 @@ TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
 
 TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "four.bmp"); });
-    // The same dialog, once more.
+    // The same dialog again.
     QTimer again;
     QObject::connect(&again, &QTimer::timeout, &again, [this] {
         QWidget* const dialog = QApplication::activeModalWidget();
@@ -130,7 +130,7 @@ TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
     EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
               path("room 1.4.png"));
     EXPECT_TRUE(m_driver.boxes.isEmpty());
-    // One that is there is not replaced unasked.
+    // An existing file is not replaced without confirmation.
     m_driver.onBox = [](QMessageBox* box) { box->button(QMessageBox::Yes)->click(); };
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.5"); });
     EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),

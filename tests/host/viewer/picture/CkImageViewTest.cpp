@@ -118,7 +118,7 @@ TEST(ImageView, WindowByHandStaysAndEndsAutomaticContrast) {
     EXPECT_EQ(view.window(), (SkDisplayWindow{1010.0, 1031.0}));
     EXPECT_EQ(image.pixel(10, 0), qRgb(0, 0, 0));
     EXPECT_EQ(image.pixel(31, 0), qRgb(255, 255, 255));
-    // Other users of the table find the window in it.
+    // The table contains the window for its other users.
     const CkLut* lut = view.viewLut(nullptr, nullptr, nullptr);
     ASSERT_FALSE(lut->contrastEntries().isEmpty());
     EXPECT_EQ(lut->contrastEntries().first().inLow, 1010U);
@@ -228,7 +228,7 @@ protected:
         return makeFrame<quint16>(EkImageDataType::UInt16, 64, 48, 1, 12,
                                   [value](quint32, quint32, quint32) { return value; });
     }
-    /// Saves in the form that many lines below the first one; another frame comes while the dialog is open.
+    /// Saves in the format with this index; another frame arrives while the dialog is open.
     QString saveWhileAnotherFrameComes(CkFedImageView& view, int form, const char* name) {
         const QString path = m_folder.filePath(QString::fromLatin1(name));
         m_driver.expectWindow([&view, form, path](QWidget* dialog) {

@@ -71,7 +71,7 @@ TEST(SaturationMonitor, APhaseThatIsSaturatedInOneTapMakesThePixelInvalid) {
     EXPECT_EQ(ask(watch, 40, kSize, QRect(1, 2, 2, 1)), (std::vector<bool>{true, false}));
     EXPECT_EQ(ask(watch, 40, kSize, QRect(2, 0, 2, 2)), std::vector<bool>(4, false));
     ask(watch, 41, kSize, kAll, EkAnswer::Missed);
-    // A height that is no divisor and another width are unrelated.
+    // Pictures with another width, or a height that is not a divisor, are unrelated.
     ask(watch, 40, QSize(4, 5), QRect(0, 0, 1, 1), EkAnswer::Unrelated);
     ask(watch, 40, QSize(2, 3), QRect(0, 0, 1, 1), EkAnswer::Unrelated);
     ask(watch, 40, kSize, QRect(3, 0, 2, 1), EkAnswer::Unrelated);

@@ -37,7 +37,7 @@ protected:
         ASSERT_TRUE(start());
     }
 
-    /// Opens a file; the function presses what is to be pressed in the dialog.
+    /// Opens a file; the function operates the dialog.
     bool openWith(const QString& file, const std::function<void(CkDepthImportDialog&)>& press) {
         m_iAsked = 0;
         QTimer presser;
@@ -98,7 +98,7 @@ TEST_F(DepthImport, SixteenBitPngBecomesMetresByDefault) {
     EXPECT_TRUE(std::isnan(depthAt(0, 2)));
     EXPECT_FLOAT_EQ(depthAt(3, 2), 3.002F);
     EXPECT_EQ(firstView()->unit(), "m");
-    // The chain file brings it back without a question.
+    // The chain file restores it without a dialog.
     QString error;
     ASSERT_TRUE(window()->chainFiles()->saveActive(path("depth.zuchain"), error)) << qPrintable(error);
     ASSERT_TRUE(area()->closeAllViews(false));
@@ -162,7 +162,7 @@ TEST_F(DepthImport, RecordingsAndOrdinaryPicturesAskNothing) {
 }
 
 TEST_F(DepthImport, TiffStacksOfOthersArePlayedAsDepths) {
-    // A recording without its texts is a stack like anybody's.
+    // A recording without its texts is treated as a stack of another program.
     makeRecording(path("own.tif"), 3);
     QFile file(path("own.tif"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -111,7 +111,7 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     EXPECT_TRUE(action("actPlaybackEveryFrame")->isChecked());
     action("actPlaybackPlay")->trigger();
     EXPECT_TRUE(waitFor([this] { return action("actPlaybackPlay")->text() == "&Pause"; }));
-    // Round and round.
+    // It loops.
     ASSERT_TRUE(waitFor([this] { return player()->position() == 5; }));
     ASSERT_TRUE(waitFor([this] { return player()->position() == 2; }));
     action("actPlaybackPlay")->trigger();
@@ -124,7 +124,7 @@ TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
     EXPECT_EQ(controller()->bar()->findChild<QComboBox*>("playbackPace")->currentText(), "Real time");
     EXPECT_TRUE(action("actPlaybackRealTime")->isChecked());
-    // Nobody waits for a run that ends by itself.
+    // An unattended run plays every frame, because no user is watching.
     m_session.reset();
     m_options.frames = 1'000;
     ASSERT_TRUE(start());
@@ -149,7 +149,7 @@ TEST_F(PlaybackBar, TheSpeedIsChosenWhereThereIsOne) {
     action("actPlaybackRealTime")->trigger();
     EXPECT_TRUE(waitFor([&] { return speed->isEnabled(); }));
     EXPECT_EQ(speed->currentText(), QString::fromUtf8("0.5 \u00d7"));
-    // As a chain file may have it.
+    // As in a chain file.
     player()->setSpeed(0.7);
     EXPECT_TRUE(waitFor([&] { return speed->currentText() == QString::fromUtf8("0.7 \u00d7"); }));
 }
@@ -264,7 +264,7 @@ TEST_F(PlaybackBar, ATruncatedRecordingShowsWhatIsLeftAndSaysWhatIsNot) {
 }
 
 TEST_F(PlaybackBar, OpeningALongFileCanBeCalledOff) {
-    // Millions of pages of one entry each; searching them takes far longer than pressing a button.
+    // Millions of pages of one entry each: the search takes far longer than pressing a button.
     constexpr quint32 pages = 3'000'000;
     constexpr quint32 pageBytes = 18;
     QByteArray bytes(8 + qsizetype(pages) * pageBytes, '\0');

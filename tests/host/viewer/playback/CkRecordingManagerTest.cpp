@@ -127,7 +127,7 @@ TEST_F(RecordingManager, AFullDiskEndsTheRecordingAndNothingElse) {
     ASSERT_NE(box, nullptr);
     EXPECT_TRUE(box->text().contains("full.tif")) << qPrintable(box->text());
     box->close();
-    // The camera goes on, and what was written can be played.
+    // The camera keeps running, and the frames written can be played.
     QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
     EXPECT_TRUE(waitFor([&] { return frames.size() >= 2; }));
     if (state.written > 0) {
@@ -205,7 +205,7 @@ TEST_F(RecordingManager, TheViewerEndsWithARecordingRunning) {
     EXPECT_TRUE(reader.damage().isEmpty());
 }
 
-/// Answers the question whether the recorded chain is wanted.
+/// Answers the question whether to open the recorded chain.
 class Answerer : public QObject {
 public:
     Answerer(CkMainWindow* window, const QString& button) : m_window(window), m_button(button) {
@@ -286,7 +286,7 @@ TEST_F(RecordingManager, TheOutputOfAChainIsNotProcessedTwice) {
     ASSERT_TRUE(waitForWritten(job, 1));
     job->stop();
     ASSERT_TRUE(waitUntilFinished(job));
-    ASSERT_TRUE(openFile(path("output.tif"))); // asks nothing
+    ASSERT_TRUE(openFile(path("output.tif"))); // no question
     EXPECT_EQ(player()->chain()->blocks().size(), 1);
 }
 
@@ -331,7 +331,7 @@ TEST(RecordingNotes, ChainsOfNobodyAreRefused) {
     }
 }
 
-// What looks like a document of little depth to whoever counts signs.
+// Looks shallow to a check that only counts characters.
 TEST(RecordingNotes, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
     QDomDocument doc;
     const QDomElement settings = doc.createElement("block");

@@ -1,4 +1,4 @@
-// Recordings under the real time-of-flight plug-in, which never hears of a camera.
+// Recordings with the real time-of-flight plug-in and without any camera.
 
 #include "tests/host/viewer/playback/RecordingViewFixture.h"
 
@@ -101,7 +101,7 @@ TEST_F(ToFRecording, A3dViewOpensOnARecordingOfRawPhases) {
     CkMdiView* scene = open3dView();
     ASSERT_NE(scene, nullptr);
     EXPECT_TRUE(m_boxes.isEmpty()) << qPrintable(m_boxes.join('\n'));
-    // The bar stays for the view that follows, and stepping moves the cloud.
+    // The bar stays visible for the following view, and stepping updates the cloud.
     area()->setActiveView(scene->viewId());
     ASSERT_NE(player(), nullptr);
     EXPECT_TRUE(controller()->bar()->isVisible());
@@ -112,7 +112,7 @@ TEST_F(ToFRecording, A3dViewOpensOnARecordingOfRawPhases) {
 
 TEST_F(ToFRecording, AToFBlockWorksOnAPausedRecordingAndItsOutputIsRecorded) {
     ASSERT_NO_FATAL_FAILURE(recordCamera("sim:hybrid", path("hybrid.tif")));
-    // Members of a later version travel through the block.
+    // Members of a later version are passed through the block.
     CkRecordingWriter writer;
     {
         CkRecordingReader reader;
@@ -132,7 +132,7 @@ TEST_F(ToFRecording, AToFBlockWorksOnAPausedRecordingAndItsOutputIsRecorded) {
         const CkImageData* shown = firstView()->currentImage();
         return shown != nullptr && shown->picBuf().dataType == type && shown->picBuf().channels == channels;
     };
-    // The frame comes again through the new block, an amplitude at first, without anybody pressing play.
+    // The frame is delivered again through the new block, first as an amplitude, without starting playback.
     ASSERT_TRUE(waitFor([&] { return shows(EkImageDataType::UInt16, 1); }));
     const std::unique_ptr<QWidget> settings(block->configurationWidget());
     for (QRadioButton* choice : settings->findChildren<QRadioButton*>()) {

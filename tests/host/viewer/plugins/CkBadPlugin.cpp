@@ -11,9 +11,9 @@
 #include <stdexcept>
 #include <unistd.h>
 
-// One library for every kind of bad plug-in: what its file is named says where it does what,
-// "init-aborts.so". A word of its name in between changes when: "viewer" outside of the probe only. Any other
-// name makes it a good one that notes in the file of ZU_TEST_TRACE how often it was started in the probe.
+// One library for every kind of bad plug-in: its file name defines where it does what, as in
+// "init-aborts.so". The word "viewer" in between restricts that to outside of the probe. With any other name
+// it is a good plug-in that records in the file ZU_TEST_TRACE how often it was started in the probe.
 
 namespace {
 

@@ -18,12 +18,12 @@ using testing::HasSubstr;
 
 namespace {
 
-// For those that come back, on a machine that is busy with other things.
+// For plug-ins that do return, on a busy machine.
 constexpr auto kPatience = 60s;
 
 class PluginChecker : public ::testing::Test {
 protected:
-    /// A copy of the test plug-in under a name that says what it does.
+    /// A copy of the test plug-in under a name that defines its behaviour.
     QString library(const QString& name) const {
         const QString copy = m_folder.filePath(QStringLiteral("plugins/%1.so").arg(name));
         QDir().mkpath(m_folder.filePath(QStringLiteral("plugins")));
@@ -39,7 +39,7 @@ protected:
         return wanted;
     }
 
-    /// What a new start says of the library.
+    /// The verdict on the library in a new start.
     std::string refusal(const QString& library, bool again = false) const {
         return CkPluginChecker(checks(again)).refusal(library).toStdString();
     }
@@ -94,7 +94,7 @@ TEST_F(PluginChecker, WhatHangsIsRefusedAfterTheTimeLimit) {
     std::vector<std::future<std::optional<QString>>> said;
     for (const char* place : {"library", "constructor", "init", "name", "destructor"}) {
         const QString copy = library(QLatin1String(place) + QStringLiteral("-hangs"));
-        // All at the same time: nothing else happens while they hang.
+        // In parallel, because each hangs until its time limit.
         said.push_back(std::async(std::launch::async, [copy] { return CkPluginProbe::refusal(copy, 8s); }));
     }
     for (auto& one : said) {
@@ -139,14 +139,14 @@ TEST_F(PluginChecker, OnlyNewAndChangedLibrariesAreProbed) {
     EXPECT_EQ(probes(), 1);
     EXPECT_EQ(refusal(copy), "");
     EXPECT_EQ(probes(), 1);
-    // Another time.
+    // Another time stamp.
     const QDateTime time = QFileInfo(copy).lastModified().addSecs(-100);
     QFile file(copy);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime));
     file.close();
     EXPECT_EQ(refusal(copy), "");
     EXPECT_EQ(probes(), 2);
-    // Another content of the same size and time, in a text that nobody asks for.
+    // Different content with the same size and time, in a text that is never queried.
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const qsizetype unread = file.readAll().indexOf("Nobody asks for the author");
     file.close();
@@ -156,7 +156,7 @@ TEST_F(PluginChecker, OnlyNewAndChangedLibrariesAreProbed) {
     file.close();
     EXPECT_EQ(refusal(copy), "");
     EXPECT_EQ(probes(), 3);
-    // Another place.
+    // Another path.
     EXPECT_EQ(refusal(library(QStringLiteral("twin"))), "");
     EXPECT_EQ(probes(), 4);
     EXPECT_EQ(refusal(copy), "");
@@ -170,7 +170,7 @@ TEST_F(PluginChecker, ARefusalIsRememberedToo) {
     const QString copy = library(QStringLiteral("init-aborts"));
     const std::string said = refusal(copy);
     EXPECT_THAT(said, HasSubstr("it ended the program"));
-    // Without the probe nothing could be found out anew.
+    // Without the probe, no library could be checked again.
     const CkPluginVerdictCache verdicts(checks().memoryFolder + QStringLiteral("/verdicts.json"),
                                         QStringLiteral("another program"));
     const auto stamp = SkLibraryStamp::of(copy);
@@ -199,7 +199,7 @@ TEST_F(PluginChecker, MarksOfProgramsThatStillRunAreNoSuspicion) {
         EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 1);
     }
     EXPECT_TRUE(QDir(folder).entryList(QDir::Files).isEmpty());
-    // What a program that ended left there.
+    // Left behind by a program that ended.
     QFile left(folder + QStringLiteral("/loading-17"));
     ASSERT_TRUE(left.open(QIODevice::WriteOnly));
     left.write("/plug-ins/b.so");
@@ -234,8 +234,8 @@ TEST_F(PluginChecker, WhatEndedOneStartIsLeftOutOfTheNextAndNamed) {
     EXPECT_THAT(run({QStringLiteral("--check-plugins")}), testing::StartsWith("ended "));
 }
 
-// Copies of a good library with a few bits turned over: whatever they do, the program that wants to load them
-// goes on.
+// Copies of a good library with a few bits turned over: whatever they do, the program that loads them
+// survives.
 TEST_F(PluginChecker, LibrariesWithTurnedBitsDoNotEndTheProgram) {
     QFile good(library(QStringLiteral("good")));
     ASSERT_TRUE(good.open(QIODevice::ReadOnly));
@@ -255,6 +255,6 @@ TEST_F(PluginChecker, LibrariesWithTurnedBitsDoNotEndTheProgram) {
     host.load(m_folder.filePath(QStringLiteral("plugins")));
     EXPECT_EQ(host.plugins().size() + host.problems().size(), 41);
     EXPECT_EQ(host.plugins().first().name, "good");
-    // Flips that nothing reads leave a library as good as it was; most are not of that kind.
+    // Flipped bits in unused parts have no effect; most are in used ones.
     EXPECT_GE(host.problems().size(), 10);
 }

@@ -16,7 +16,7 @@ TEST_F(ViewerSession, PluginIsToldOfEverythingInOrder) {
     const qsizetype before = calls().size();
     void* camera = openGrey();
     const int id = firstView()->viewId();
-    // The panel is there before the plug-in hears of the camera.
+    // The panel exists before the plug-in is notified of the camera.
     EXPECT_TRUE(calls().mid(before).contains("camera with panel"));
     EXPECT_NE(cameras()->panel(camera)->findChild<QWidget*>("probeButton"), nullptr);
     EXPECT_TRUE(calls().contains(QStringLiteral("active %1").arg(id)));

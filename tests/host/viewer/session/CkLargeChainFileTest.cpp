@@ -15,7 +15,7 @@
 
 using testing::HasSubstr;
 
-/// Takes its time over its settings.
+/// Loads its settings slowly.
 class CkSlowBlock : public CkDemoBlock {
     Q_OBJECT
     Q_CLASSINFO("UniqueID", "test.CkSlowBlock")
@@ -42,7 +42,7 @@ protected:
 
     static CkChain* chain() { return CkChainManager::instance()->chains().value(0); }
 
-    /// Every block has a row in the chain panel, also after the panel has heard of all changes.
+    /// Every block has a row in the chain panel, also after the panel has processed all changes.
     void expectAllListed(qsizetype count) {
         QCoreApplication::processEvents();
         const auto* const tree = window()->findChild<CkChainTree*>();
@@ -119,7 +119,7 @@ TEST_F(LargeChainFile, DiamondsAreWalkedOnce) {
     CkChain* const loaded = ChainFile::load(write(diamonds), m_error);
     ASSERT_NE(loaded, nullptr) << qPrintable(m_error);
     ASSERT_EQ(loaded->blocks().size(), 55);
-    // The view asks all blocks on all ways to its block for their cameras.
+    // The view queries the cameras of all blocks on all paths to its block.
     auto* const view = new CkImageView(loaded->blocks().last());
     area()->addView(view);
     EXPECT_TRUE(view->cameraHandles().isEmpty());
@@ -163,7 +163,7 @@ TEST_F(LargeChainFile, PipesAndDevicesAreRefusedAsRecordings) {
                     HasSubstr("\"" + name.toStdString() + "\": This is no ordinary file."));
         EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
     }
-    // A recording that is not there at the moment is another matter.
+    // A missing recording, however, is not an error.
     const QString missing =
         QStringLiteral("<block class=\"com.orvane.Pictor.CkVideoSource\" id=\"0\" file=\"/nowhere/a.tif\"/>");
     EXPECT_TRUE(window()->chainFiles()->open(write(missing), m_error)) << qPrintable(m_error);

@@ -9,7 +9,7 @@
 #include <QFile>
 #include <QSettings>
 
-// Recordings in the session that the next start opens again, and windows that leave it alone.
+// Recordings in the session that the next start reopens, and windows that do not change the session.
 
 namespace {
 
@@ -19,7 +19,7 @@ protected:
         RecordingViewFixture::SetUp();
         makeRecording(path("a.tif"), 10);
     }
-    /// As the user does it: the window asks the views, remembers, closes.
+    /// Closes the window as the user does: it asks the views, saves the session, and closes.
     void endSession() {
         ASSERT_TRUE(window()->close());
         m_session.reset();
@@ -60,7 +60,7 @@ TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
     EXPECT_EQ(firstView()->window(), (SkDisplayWindow{100.0, 300.0}));
     EXPECT_TRUE(controller()->bar()->isVisible());
-    // It goes on from there.
+    // Playback continues from there.
     action("actPlaybackForward")->trigger();
     EXPECT_TRUE(waitForShown(7));
 }
@@ -144,7 +144,7 @@ TEST_P(NamedOnTheCommandLine, LeavesTheSessionAlone) {
     m_session->saver()->setDelay(0);
     ASSERT_TRUE(waitForFrame(firstView()));
     EXPECT_EQ(area()->views().size(), 1);
-    // The user works with it: panels are remembered, what is open is not.
+    // The user works with it: the panels are saved, the session is not.
     window()->findChild<QDockWidget*>("dockLog")->hide();
     QTest::keyClick(window(), Qt::Key_Shift);
     ASSERT_TRUE(waitFor([this] {

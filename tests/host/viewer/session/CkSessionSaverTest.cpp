@@ -12,7 +12,7 @@
 #include <QSettings>
 #include <QSignalSpy>
 
-// What is open is remembered while it is open, not only by closing the window.
+// The session is saved while the window is open, not only when it closes.
 
 namespace {
 
@@ -22,7 +22,7 @@ class SessionSaver : public ViewerFixture {
 protected:
     bool startKeeping() {
         const bool ok = start();
-        // Whatever is to be remembered is so at the next turn of the event loop.
+        // Changes are saved at the next iteration of the event loop.
         m_session->saver()->setDelay(0);
         return ok;
     }
@@ -48,7 +48,7 @@ TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
     area()->setArrangesItself(false);
     frame()->setGeometry(31, 17, 420, 333);
     ASSERT_TRUE(waitUntilRemembered("x=\"31\"")) << qPrintable(remembered());
-    // A panel alone is enough, too.
+    // A change of a panel is sufficient, too.
     QTest::keyClick(window(), Qt::Key_Shift);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
@@ -56,7 +56,7 @@ TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
                    window()->saveState();
         },
         kPatience));
-    // As a crash leaves it: nobody closes the window.
+    // As after a crash: the window is not closed.
     m_session.reset();
 
     ASSERT_TRUE(start());
@@ -188,7 +188,7 @@ TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) 
     ASSERT_TRUE(waitForFrame(firstView()));
     expectLook();
     close();
-    // The camera does not run, no picture comes.
+    // The camera does not run, so that no picture arrives.
     const auto setRunning = [](const char* from, const char* to) {
         CkViewerSettings::open()->setValue(CkViewerSettings::keySession(),
                                            remembered().replace(from, to).toUtf8());

@@ -1,4 +1,4 @@
-// What the window promises about every control and about the next session, with the real plug-in in it.
+// The checks of all controls and of the next session, with the real plug-in.
 
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
@@ -70,7 +70,7 @@ TEST_F(ToFSession, EveryEntryOfThePluginHasAShortcutAndAReason) {
     EXPECT_NE(keys[0], keys[1]);
     EXPECT_NE(keys[1], keys[2]);
     EXPECT_NE(keys[0], keys[2]);
-    // A camera that measures no distances.
+    // A camera without distances.
     ASSERT_TRUE(cameras()->start(openGrey()));
     ASSERT_TRUE(waitForFrame(firstView()));
     expectReasons("grey camera");
@@ -95,7 +95,7 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
     };
     set("sim_scene", 1);
     set("sim_wall_distance", 0.4);
-    set("exposure", 1000); // far too much for a wall so near
+    set("exposure", 1000); // saturates at the near wall
     ASSERT_TRUE(cameras()->start(wave));
     ASSERT_TRUE(waitForFrame(firstView()));
     cameras()->panel(wave)->findChild<QToolButton*>("btnToFAllViews")->click();
@@ -121,7 +121,7 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
         QTest::qWaitFor([&] { return values().saturationKnown && values().validShare == 0.0; }, 30'000))
         << values().validShare << ' ' << values().mean << ' ' << values().saturationKnown;
     EXPECT_TRUE(std::isnan(values().mean));
-    // Nor does the amplitude, which is 0 where both taps are full, and nothing can be marked there.
+    // Neither does the amplitude, which is 0 where both taps are saturated; nothing can be marked there.
     EXPECT_FALSE(phase->saturationReason().isEmpty());
     const auto* mark = window()->lutPanel()->findChild<QCheckBox*>("lutSaturation");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !mark->isEnabled(); }, 30'000));
@@ -129,7 +129,7 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
     set("exposure", 100);
     EXPECT_TRUE(QTest::qWaitFor([&] { return values().validShare == 1.0; }, 30'000)) << values().validShare;
     EXPECT_NEAR(values().mean, 400.0, 40.0) << "along the rays";
-    // A minus B does not tell.
+    // A minus B does not show it.
     set("tof_readout_mode", 2);
     set("imgdataformat", 6);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !values().saturationKnown; }, 30'000));

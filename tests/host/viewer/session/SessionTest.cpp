@@ -15,7 +15,7 @@ namespace {
 
 class Session : public ViewerFixture {
 protected:
-    /// As the user does it: the window asks the views, remembers, closes.
+    /// Closes the window as the user does: it asks the views, saves the session, and closes.
     void endSession() {
         ASSERT_TRUE(window()->close());
         m_session.reset();
@@ -57,7 +57,7 @@ TEST_F(Session, CamerasAndViewsComeBackAsTheyWere) {
     ASSERT_EQ(area()->views().size(), 3);
     EXPECT_EQ(area()->activeView(), area()->views().at(1));
     EXPECT_TRUE(waitForFrame(area()->views().at(1)));
-    // Each view stands on the chain it stood on.
+    // Each view is on its old chain.
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
 }
 
@@ -123,7 +123,7 @@ TEST_F(Session, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
     ASSERT_TRUE(start());
     EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 1);
     m_session.reset();
-    // Neither of them was closed by its user, so both remembered nothing.
+    // Neither of them was closed by the user, so neither saved a session.
     EXPECT_EQ(remembered(), before);
     m_options.cameras.clear();
     ASSERT_TRUE(start());

@@ -12,7 +12,7 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-// Every control of the window: reached by a key, and never disabled without a reason.
+// Every control of the window can be reached by a key, and tells the reason when it is disabled.
 
 namespace {
 
@@ -167,7 +167,7 @@ TEST_F(Controls, KeysOfPanelsBringThemToTheFrontFirst) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return colours->isChecked(); }, 30'000));
     ASSERT_FALSE(inFront(panel));
     EXPECT_FALSE(quality->isChecked());
-    // It stands behind the tab of the colours.
+    // Its tab is behind that of the colours.
     quality->trigger();
     EXPECT_TRUE(QTest::qWaitFor([&] { return inFront(panel); }, 30'000));
     EXPECT_TRUE(quality->isChecked());

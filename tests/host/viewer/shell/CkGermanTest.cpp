@@ -14,7 +14,7 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
-// The whole program in German: its own texts, the libraries', the plug-in's and Qt's.
+// The whole program in German: texts of the program, its libraries, the plug-in and Qt.
 
 namespace {
 
@@ -37,7 +37,7 @@ TEST_F(German, MenusAndPanelsSpeakIt) {
     EXPECT_TRUE(titles.contains("&Kamera"));
     EXPECT_TRUE(titles.contains("&Hilfe"));
     EXPECT_EQ(window()->findChild<QDockWidget*>("dockLog")->windowTitle(), "Protokoll");
-    // Names by which scripts and plug-ins find things stay.
+    // Object names, which scripts and plug-ins depend on, are not translated.
     EXPECT_NE(window()->findChild<QAction*>("actStartCamera"), nullptr);
     EXPECT_EQ(window()->windowTitle(), "zuviewer");
 }

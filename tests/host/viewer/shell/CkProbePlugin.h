@@ -5,8 +5,8 @@
 #include <QObject>
 #include <QStringList>
 
-/// A plug-in that writes down what the viewer tells it, for tests to read from the property "calls", and that
-/// puts a button named "probeButton" into every camera's panel.
+/// A plug-in that records the calls of the viewer in its property "calls", and adds a button named
+/// "probeButton" to every camera's panel.
 class CkProbePlugin : public QObject, public CkPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "com.orvane.Pictor.CkProbePlugin")
@@ -27,7 +27,7 @@ public:
     void newCameraConnected(void* cameraHandle) override;
 
 private:
-    /// While the property "throws" is true.
+    /// Throws while the property "throws" is true.
     void throwIfAsked(const char* call);
 
     QStringList m_calls;

@@ -1,5 +1,4 @@
-// Every key of the window, with the focus in every kind of view and panel: it belongs to one entry, and that
-// one acts.
+// Every shortcut of the window, with the focus in every kind of view and panel, triggers exactly one entry.
 
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/playback/RecordingViewFixture.h"
@@ -23,7 +22,7 @@
 
 namespace {
 
-/// Writes down which entries a key reaches, and keeps them from acting: some close the window.
+/// Records which entries a key triggers, and suppresses their actions, some of which close the window.
 class ShortcutCatcher : public QObject {
 public:
     ShortcutCatcher() { QCoreApplication::instance()->installEventFilter(this); }
@@ -74,18 +73,18 @@ protected:
         EXPECT_TRUE(waitForShown(0));
         CkChain* chain = player()->chain();
         chain->stop();
-        // Takes the view along.
+        // The view moves to the new block.
         EXPECT_TRUE(CkChainManager::instance()->insertAfter(chain, new CkDemoBlock, player()));
         EXPECT_TRUE(chain->start());
         EXPECT_TRUE(waitForShown(0));
         return firstView();
     }
 
-    /// Keys that work in the views and at the player only: they are typed elsewhere.
+    /// Keys that work only in the views and the playback bar; elsewhere they are text.
     static bool isOfThePlayer(const QAction* action) {
         return action->shortcutContext() == Qt::WidgetWithChildrenShortcut;
     }
-    /// Moves, marks or changes text in a field, as it does in any program.
+    /// Keys for editing text in a field.
     static bool isForEditing(const QKeySequence& key) {
         static const QList<QKeySequence::StandardKey> s_keys = {QKeySequence::SelectAll,
                                                                 QKeySequence::Copy,
@@ -177,7 +176,7 @@ TEST_F(Shortcuts, ActInAPictureViewAndInEveryPanel) {
     pressIn(in<QAbstractSpinBox>("cameraPanel"), "camera number", EkFocus::Field);
     pressIn(in<QComboBox>("cameraPanel"), "camera choice", EkFocus::Panel);
     pressIn(in<QComboBox>("qualityPanel"), "quality choice", EkFocus::Panel);
-    // What only a camera or a ToF picture has.
+    // Entries that need a camera or a ToF picture.
     for (const char* name : {"actPlaybackPlay", "actPlaybackLoop", "actRecordSource"}) {
         EXPECT_TRUE(m_tried.contains(action(name))) << name;
     }
@@ -200,7 +199,7 @@ TEST_F(Shortcuts, ActInA3dView) {
     ASSERT_TRUE(waitForFrame(firstView()));
     window()->findChild<QToolButton*>("btnToF3D")->click();
     ASSERT_TRUE(waitFor([this] { return scene() != nullptr; }));
-    // Drawing without a graphics card takes longer than the keys.
+    // Software rendering would delay the keys.
     cameras()->stop(camera);
     area()->setActiveView(scene()->viewId());
     QWindow* surface = nullptr;

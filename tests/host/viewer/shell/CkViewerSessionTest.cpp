@@ -89,7 +89,7 @@ TEST_F(ViewerSession, ClosingTheLastViewOfAChainClosesTheChain) {
     ASSERT_TRUE(area()->closeView(second));
     EXPECT_TRUE(CkChainManager::instance()->chains().isEmpty());
     EXPECT_TRUE(CkCameraManager::instance()->isOpen(camera));
-    // Starting a camera that nobody looks at opens a view on it.
+    // Starting a camera without a view opens one.
     ASSERT_TRUE(IkAppDelegate::instance()->startAcquisition(1, 0));
     EXPECT_TRUE(waitForFrame(firstView()));
     EXPECT_TRUE(IkAppDelegate::instance()->startAcquisition(0, quint64(quintptr(camera))));

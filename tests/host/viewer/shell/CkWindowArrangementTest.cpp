@@ -45,7 +45,7 @@ TEST_F(WindowArrangement, CascadeLaysViewsOverEachOtherAndTheyStaySo) {
     ASSERT_NE(cascade, nullptr);
     cascade->trigger();
     EXPECT_FALSE(area()->arrangesItself());
-    // One more does not tile the others away.
+    // Opening one more view does not tile the others.
     cameras()->openView(camera);
     QCoreApplication::processEvents();
     QList<QMdiSubWindow*> windows = area()->subWindowList(QMdiArea::CreationOrder);
@@ -57,7 +57,7 @@ TEST_F(WindowArrangement, CascadeLaysViewsOverEachOtherAndTheyStaySo) {
             EXPECT_NE(windows[i]->pos(), windows[j]->pos()) << i << " and " << j;
         }
     }
-    // The other way round: tiled views share the area and do not touch each other.
+    // Conversely, tiled views share the area without overlap.
     QAction* tile = byShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
     ASSERT_NE(tile, nullptr);
     tile->trigger();
@@ -79,7 +79,7 @@ TEST_F(WindowArrangement, DroppedFilesAreCopiedNeverMoved) {
     QCoreApplication::sendEvent(window(), &moveOnly);
     EXPECT_FALSE(moveOnly.isAccepted());
 
-    // From elsewhere, so that nothing is opened.
+    // Not a local file, so that nothing is opened.
     files.setUrls({QUrl(QStringLiteral("http://localhost/a.tif"))});
     QDropEvent drop(QPointF(10, 10), Qt::MoveAction | Qt::CopyAction, &files, Qt::LeftButton, {});
     drop.setDropAction(Qt::MoveAction);
@@ -100,7 +100,7 @@ TEST_F(WindowArrangement, FullScreenIsEnteredAndLeftByItsAction) {
     EXPECT_FALSE(full->isChecked());
 }
 
-// Pixels of a column that look like the colour, the frame aside.
+// Number of pixels in a column that match the colour, without the frame.
 int pixelsLike(const QImage& picture, int column, bool (*matches)(const QColor&)) {
     int count = 0;
     for (int y = 0; y < picture.height(); ++y) {
@@ -113,7 +113,7 @@ TEST(RateGraph, ABarIsAsHighAsItsShareOfTheHighestSecond) {
     CkRateGraph graph;
     graph.resize(graph.sizeHint());
     ASSERT_EQ(graph.height(), 18);
-    // 16 pixels stand for the 20 frames of the last second; its predecessor has a quarter of them.
+    // 16 pixels represent the 20 frames of the last second; the second before has a quarter of them.
     graph.add(5.0, 0.0);
     graph.add(15.0, 5.0);
     QImage picture(graph.size(), QImage::Format_RGB32);
@@ -171,7 +171,7 @@ TEST_F(WindowArrangement, KeysOfTheMenusWorkInAViewWithAWindowOfItsOwn) {
 
 class SavedChain : public WindowArrangement {
 protected:
-    /// What stands in the file when this happens while the dialog is open.
+    /// The content of the saved file when this happens while the dialog is open.
     QByteArray savedWhile(const std::function<void()>& what) {
         const QString path = m_folder.filePath("saved.zuchain");
         m_driver.expectWindow([what, path](QWidget* dialog) {

@@ -1,4 +1,4 @@
-// The program on small screens and on those of many dots: its window fits, whatever is open in it.
+// The window fits small and high-resolution screens, whatever is open in it.
 
 #include "tests/host/viewer/playback/RecordingViewFixture.h"
 
@@ -11,7 +11,7 @@ namespace {
 struct SkScreen {
     int width;
     int height;
-    int factor; ///< screen dots per unit of length
+    int factor; ///< device pixel ratio
     const char* language;
 };
 
@@ -43,7 +43,7 @@ protected:
         RecordingViewFixture::TearDown();
     }
 
-    /// Size of the program's window, in dots, once it has shown some frames of these files and cameras.
+    /// Size of the program's window, in device pixels, after some frames of these files and cameras.
     QSize sizeWith(const QStringList& opened) {
         QProcess viewer;
         viewer.setProcessEnvironment(m_environment);
@@ -61,7 +61,7 @@ protected:
         // A title bar is above it.
         EXPECT_LE(window.width(), screen.width);
         EXPECT_LE(window.height(), screen.height - 24 * screen.factor);
-        // And it is no stamp either.
+        // It is not too small, either.
         EXPECT_GE(window.width(), screen.width * 9 / 10);
         EXPECT_GE(window.height(), screen.height * 3 / 4);
     }

@@ -55,7 +55,7 @@ TEST_F(ViewerSession, PanelAndActiveViewBelongToTheSameCamera) {
     EXPECT_EQ(tabs->currentWidget(), cameras()->panel(grey));
     area()->setActiveView(cameras()->viewsOf(wave).first());
     EXPECT_EQ(tabs->currentWidget(), cameras()->panel(wave));
-    // The tab is clicked: the camera's view comes forward, and F5 stops that camera and no other.
+    // A click on the tab activates the camera's view, and F5 stops only that camera.
     QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {},
                       tabs->tabBar()->tabRect(tabs->indexOf(cameras()->panel(grey))).center());
     EXPECT_EQ(area()->activeViewId(), cameras()->viewsOf(grey).first());
@@ -64,7 +64,7 @@ TEST_F(ViewerSession, PanelAndActiveViewBelongToTheSameCamera) {
     f5->trigger();
     EXPECT_FALSE(manager->isAcquiring(grey));
     EXPECT_TRUE(manager->isAcquiring(wave));
-    // Without any view of its own the panel in front still says which camera is meant.
+    // A camera without a view is still selected by its panel.
     area()->closeView(cameras()->viewsOf(grey).first(), false);
     tabs->setCurrentWidget(cameras()->panel(grey));
     EXPECT_EQ(area()->activeViewId(), cameras()->viewsOf(wave).first());

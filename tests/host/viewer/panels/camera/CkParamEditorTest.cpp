@@ -136,7 +136,7 @@ protected:
         number->selectAll();
         QTest::keyClicks(number, text);
         QTest::keyClick(number, Qt::Key_Return);
-        // What the field shows is what the camera has.
+        // The field shows the camera's value.
         EXPECT_NEAR(number->value(), param->committedValue().toDouble(), 1e-12) << qPrintable(text);
     }
 };
@@ -149,13 +149,13 @@ TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedWithAWord) {
     EXPECT_EQ(param->committedValue().toDouble(), 80.0);
     EXPECT_EQ(editor.remark(), "9000 is too large; 80.0 MHz was set.");
     EXPECT_TRUE(editor.findChild<QLabel*>("paramRemark")->isVisible());
-    // The same again, which changes nothing.
+    // The same text again, which changes nothing.
     type(param, editor, "81");
     EXPECT_EQ(editor.remark(), "81 is too large; 80.0 MHz was set.");
     type(param, editor, "-3");
     EXPECT_EQ(param->committedValue().toDouble(), 5.0);
     EXPECT_EQ(editor.remark(), "-3 is too small; 5.0 MHz was set.");
-    // A value that is set as it is needs no remark.
+    // A value that is set unchanged needs no remark.
     type(param, editor, "42.5");
     EXPECT_EQ(param->committedValue().toDouble(), 42.5);
     EXPECT_EQ(editor.remark(), "");

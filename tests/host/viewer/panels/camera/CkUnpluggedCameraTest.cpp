@@ -68,7 +68,7 @@ TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return frames.size() >= 3; }, 30'000)) << id;
     }
     EXPECT_TRUE(start->isEnabled());
-    // The editors are those of the camera that is there now.
+    // The editors belong to the new camera object.
     auto* field =
         cameras()->panel(wave)->findChild<QWidget*>("param_framerate")->findChild<QDoubleSpinBox*>();
     field->setValue(19.0);

@@ -42,7 +42,7 @@ TEST_F(ChainPanel, AddMenuOffersRegisteredBlocksAndInsertsOne) {
     settle();
     EXPECT_EQ(tree()->selectedBlock(), block);
     EXPECT_EQ(tree()->itemOf(block)->parent(), tree()->itemOf(chain()->imageSources().first()));
-    // Frames still come, now through the block.
+    // Frames still arrive, now through the block.
     QSignalSpy frames(firstView(), &CkMdiView::receivedFrame);
     EXPECT_TRUE(frames.wait(20'000));
 }

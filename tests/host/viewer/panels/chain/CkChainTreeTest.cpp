@@ -50,8 +50,8 @@ TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
     PaintedRegion painted(tree()->viewport());
     const QRect row = tree()->visualItemRect(tree()->itemOf(block));
     const QRect below(0, row.bottom() + 2, tree()->viewport()->width(), row.height() - 4);
-    // A part of the tree is always about to be painted when a row is removed. That paint has to include the
-    // place of the row, or outdated rows may stay on screen.
+    // When a row is removed, a repaint of part of the tree is always pending. That repaint has to include the
+    // area of the row, or outdated rows may stay on the screen.
     int gone = 0;
     QObject::connect(tree()->model(), &QAbstractItemModel::rowsRemoved, &painted, [&] {
         painted.clear();
@@ -94,7 +94,7 @@ TEST(ChainTree, ShowsHowManyFramesEachBlockPassedOnAndLost) {
     EXPECT_EQ(item->text(CkChainTree::DroppedColumn), "0");
     ASSERT_TRUE(chain->start());
     for (quint64 frame = 0; frame < 6; ++frame) {
-        // One by one: a full queue would drop further frames.
+        // One at a time: a full queue would drop further frames.
         ASSERT_TRUE(source->push(frame));
         ASSERT_TRUE(
             QTest::qWaitFor([&] { return chain->blockStatistics(source).framesOut == frame + 1; }, 30'000));

@@ -70,7 +70,7 @@ TEST_F(Log, AnAnnouncementAtTheHighestLevelDoesNotLookLikeAnError) {
     EXPECT_FALSE(colour(0).isValid());
     EXPECT_EQ(level(1), CkLogModel::levelText(3));
     EXPECT_TRUE(colour(1).isValid());
-    // It passes every filter all the same.
+    // It passes every filter nevertheless.
     m_panel.findChild<QComboBox*>("logLevel")->setCurrentIndex(3);
     EXPECT_EQ(shown(m_panel).value(0), line);
 }

@@ -26,7 +26,7 @@ TEST_F(ViewerSession, AutomaticContrastIsTheBusinessOfOneView) {
     auto* later = qobject_cast<CkImageView*>(area()->view(cameras()->openView(camera)));
     EXPECT_TRUE(later->autoContrast());
     EXPECT_FALSE(firstView()->autoContrast());
-    // Nor by the menu.
+    // The same through the menu.
     area()->setActiveView(firstView()->viewId());
     firstView()->setAutoContrast(true);
     QAction* entry = nullptr;
@@ -57,7 +57,7 @@ TEST_F(ViewerSession, TheColourPanelShowsNothingOfAnotherViewForOneWithoutAPictu
         EXPECT_FALSE(number->isEnabled());
         EXPECT_EQ(number->toolTip(), "There is no picture yet");
     }
-    // Its own as soon as there is one.
+    // The values of its own picture, as soon as there is one.
     ASSERT_TRUE(cameras()->start(camera));
     ASSERT_TRUE(waitForFrame(empty));
     cameras()->stop(camera);

@@ -118,7 +118,7 @@ TEST_F(QualityPanelTest, ARegionIsDrawnWithTheMouse) {
     // Backwards, and beyond the picture.
     drag(view->canvas(), QPointF(20.5, 20.5), QPointF(-50.0, -50.0));
     EXPECT_EQ(m_pPanel->region(), QRect(0, 0, 21, 21));
-    // A click leaves it.
+    // A click does not change it.
     drag(view->canvas(), from, from);
     EXPECT_EQ(m_pPanel->region(), QRect(0, 0, 21, 21));
 }
@@ -200,7 +200,7 @@ TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {
     m_pPanel->show();
     EXPECT_EQ(m_pPanel->measuredView(), view);
     EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 2000.0);
-    // In a tab that is not the current one it counts as hidden.
+    // In a background tab it counts as hidden.
     m_pPanel->setInSight(false);
     EXPECT_EQ(m_pPanel->measuredView(), nullptr);
     m_pPanel->setInSight(true);
@@ -250,7 +250,7 @@ TEST_F(QualityPanelTest, ValuesAreCopiedAndSaved) {
     ASSERT_TRUE(m_pPanel->saveHistory(folder.filePath(QStringLiteral("a.csv")), error));
     QFile file(folder.filePath(QStringLiteral("a.csv")));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().count('\n'), 4); // where, names, two frames
+    EXPECT_EQ(file.readAll().count('\n'), 4); // comment, column names, two frames
     EXPECT_FALSE(m_pPanel->saveHistory(folder.filePath(QStringLiteral("no/a.csv")), error));
     EXPECT_TRUE(error.contains(QStringLiteral("no/a.csv")));
 }

@@ -33,7 +33,7 @@ TEST(ViewMeasurement, KeepsTheHistoryOfOneRegionAndOneUnit) {
     EXPECT_DOUBLE_EQ(measurement.values().mean, 1500.0);
     measurement.setRegion(QRect(2, 2, 4, 4));
     EXPECT_EQ(measurement.history().values().size(), 2U);
-    // Radians in a curve of millimetres would mean nothing.
+    // A curve must not mix radians and millimetres.
     EXPECT_TRUE(measurement.add(*numbered(3, "Phase shift", 2.0F), 0, nullptr, monitor));
     EXPECT_EQ(measurement.values().unit, "rad");
     EXPECT_EQ(measurement.history().values().size(), 1U);
