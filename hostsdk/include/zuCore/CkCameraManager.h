@@ -6,34 +6,36 @@
 #include <QObject>
 #include <memory>
 
-/// All cameras of the program. User-interface thread, but for frame delivery. A handle is an opaque pointer,
-/// valid from openCamera until cameraClosed; every function returns null, false or nothing for a handle that
-/// is no longer valid.
+/// All cameras of the program. User-interface thread, except for frame delivery. A handle is an opaque
+/// pointer, valid from openCamera until cameraClosed; every function returns null, false or nothing for a
+/// handle that is no longer valid.
 class ZUCORE_EXPORT CkCameraManager : public QObject {
     Q_OBJECT
 
 public:
     static CkCameraManager* instance(); ///< Never null.
 
-    void addDriver(std::unique_ptr<IkCameraDriver> driver); ///< Takes the driver over.
+    void addDriver(std::unique_ptr<IkCameraDriver> driver); ///< Takes ownership of the driver.
     QList<SkCameraInfo> availableCameras() const; ///< Those that can be opened now, driver by driver.
 
-    /// Opens a camera; the handle of one that is open already. Null, with psError set, on failure.
+    /// Opens a camera and returns its handle; for a camera that is already open, the existing handle. Null,
+    /// with psError set, on failure.
     void* openCamera(const QString& sId, QString* psError = nullptr);
     /// Stops and closes; emits cameraAboutToClose first.
     void closeCamera(void* pHandle);
-    /// As if the camera had been unplugged: it delivers nothing and is not offered until plugCameraIn. It
-    /// stays open: handle, receivers and the values of its parameters are kept.
+    /// Simulates unplugging: the camera delivers nothing and is not offered until plugCameraIn. It stays
+    /// open: handle, receivers and parameter values are kept.
     void unplugCamera(void* pHandle);
-    /// Ends unplugCamera, also for a camera that was closed since. One that is still open gets its
-    /// parameters' values back, is held if it was, and delivers again if it did. False, with psError set, for
-    /// a camera that was not unplugged, cannot be opened or started.
+    /// Reverts unplugCamera, also for a camera that has been closed since. For one that is still open, the
+    /// parameter values, the paused state and the acquisition are restored. False, with psError set, for a
+    /// camera that was not unplugged, cannot be opened or started.
     bool plugCameraIn(const QString& sId, QString* psError = nullptr);
     QList<SkCameraInfo> camerasHeldApart() const; ///< Between unplugCamera and plugCameraIn.
     /// Whether an open camera cannot deliver because it was unplugged, by unplugCamera or in reality.
     bool isUnplugged(void* pHandle) const;
-    /// Asks the drivers which cameras they offer; to be called by a driver when one came or went. An open
-    /// camera that is no longer offered counts as unplugged, one that is offered again resumes.
+    /// Asks the drivers which cameras they offer; to be called by a driver when a camera was added or
+    /// removed. An open camera that is no longer offered counts as unplugged; one that is offered again
+    /// resumes.
     void checkCameras();
 
     /// In order of opening.
@@ -41,9 +43,9 @@ public:
     int openedCameraCount() const;    ///< 0 when none is open.
     bool isOpen(void* pHandle) const; ///< False for null.
 
-    /// Null for no open camera. Others after cameraPluggedIn.
+    /// Null when the camera is not open. Different objects after cameraPluggedIn.
     CkCameraParameters* cameraParameters(void* pHandle) const;
-    bool cameraInfo(void* pHandle, SkCameraInfo& info) const; ///< False for no open camera.
+    bool cameraInfo(void* pHandle, SkCameraInfo& info) const; ///< False when it is not open.
     /// Any thread.
     bool frameInfo(void* pHandle, SkPicBufInfo& info, CkImageMetadata* pMetadata) const;
 
@@ -51,13 +53,13 @@ public:
     void stopAcquisition(void* pHandle);         ///< Returns when no frame is being delivered.
     bool isAcquiring(void* pHandle) const;       ///< Paused cameras are, too.
     void setPaused(void* pHandle, bool bPaused); ///< See IkCamera::setPaused.
-    bool isPaused(void* pHandle) const;          ///< As set last; false for no open camera.
+    bool isPaused(void* pHandle) const;          ///< As set last; false when it is not open.
     void step(void* pHandle);                    ///< One set of images, while paused.
 
     /// Receivers of a camera's frames; each gets an object of its own. Removal returns when the receiver is
     /// no longer being called. The pointer identifies the receiver.
     void addFrameReceiver(void* pHandle, const void* pReceiver, IkCamera::FrameFunction receive);
-    void removeFrameReceiver(const void* pReceiver); ///< Nothing for an unknown one.
+    void removeFrameReceiver(const void* pReceiver); ///< No-op for an unknown one.
 
 signals:
     void newCameraConnected(void* pHandle); ///< After it was opened.
@@ -66,10 +68,11 @@ signals:
     void cameraClosed(void* pHandle);      ///< The handle is no longer valid.
     void cameraUnplugged(void* pHandle);   ///< An open camera was unplugged; it stays open.
     void cameraLost(const QString& sName); ///< After cameraUnplugged, by its name.
-    /// It is back. Those of its parameters that were there before are deleted when the signal returns.
+    /// It was plugged in again and has new parameter objects; the old ones are deleted when the signal
+    /// returns.
     void cameraPluggedIn(void* pHandle);
-    void acquisitionChanged(void* pHandle, bool bRunning); ///< By whatever caused it.
-    void availableCamerasChanged();                        ///< One came or went.
+    void acquisitionChanged(void* pHandle, bool bRunning); ///< For any reason.
+    void availableCamerasChanged();                        ///< A camera was added or removed.
 
 private:
     CkCameraManager();

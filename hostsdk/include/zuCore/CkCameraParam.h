@@ -19,10 +19,10 @@ public:
     /** What a value is. */ enum class EkKind { Integer, Float, Bool, Enumeration };
     /// A choice of an enumeration.
     struct SkEnumEntry {
-        qint64 value = 0; ///< what the camera is given
+        qint64 value = 0; ///< sent to the camera
         QString text;     ///< to be displayed, translated
     };
-    /// What a parameter is made of.
+    /// The definition of a parameter.
     struct SkDescription {
         QString name;                  ///< the driver's name, unique within the camera
         QString displayName;           ///< to be displayed, translated
@@ -46,7 +46,7 @@ public:
 
     /// The value set last, committed or not.
     CkValue paramValue() const { return m_pending; }
-    /// The value the camera works with.
+    /// The value in effect in the camera.
     CkValue committedValue() const { return m_description.value; }
 
     /// Sets a value, clamped to limits and step, converted to the parameter's kind. False, with the value
@@ -57,7 +57,7 @@ public:
     bool commit();
 
 signals:
-    /// The committed value changed, by whomever.
+    /// The committed value changed, for any reason.
     void valueChanged(const CkValue& vValue);
     /// The value that was set but not committed changed.
     void pendingValueChanged(const CkValue& vValue);

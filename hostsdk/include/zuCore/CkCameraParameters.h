@@ -6,11 +6,11 @@
 #include <QObject>
 #include <functional>
 
-/// What a camera is.
+/// Identifies a camera.
 struct SkCameraInfo {
     QString id;             ///< unique over all drivers, the same each time the camera is plugged in
     QString name;           ///< to be displayed
-    QString model;          ///< the maker's
+    QString model;          ///< the manufacturer's name for it
     QString serial;         ///< empty when the camera has none
     quint32 sensorType = 0; ///< see ToFSensorType; 0: any other
 };
@@ -30,21 +30,21 @@ public:
 
     const SkCameraInfo& cameraInfo() const { return m_info; } ///< Of the camera they belong to.
 
-    /// Takes a new parameter in. Null when the name is taken.
+    /// Adds a new parameter. Null when the name is already in use.
     CkCameraParam* addParam(const CkCameraParam::SkDescription& description);
     QList<CkCameraParam*> params() const { return m_params; } ///< In the driver's order.
 
     /// The named parameter or null. bIgnoreCase compares names without regard to case.
     CkCameraParam* findParam(const QString& sName, bool bIgnoreCase = false) const;
 
-    /// Notes that a set value belongs to the next batch; adding a parameter twice is no error.
+    /// Adds a parameter whose value was set to the next batch; adding it twice is allowed.
     void addParamCommitToBatch(CkCameraParam* pParam);
-    /// Ends the batch: bCommit sends all its values to the camera in one step, otherwise they are taken back.
-    /// An empty batch is still one (successful) commit.
+    /// Ends the batch: bCommit sends all its values to the camera in one step, otherwise they are discarded.
+    /// Committing an empty batch succeeds.
     bool endCommitBatch(bool bCommit);
 
 signals:
-    /// After each batch and each single commit that succeeded, with what changed.
+    /// Emitted after each successful batch or single commit, with the parameters that changed.
     void committed(const QList<CkCameraParam*>& params);
 
 private:

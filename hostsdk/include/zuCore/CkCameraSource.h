@@ -14,7 +14,7 @@ class ZUCORE_EXPORT CkCameraSource : public CkImageSource {
     Q_CLASSINFO("UniqueID", "com.orvane.Pictor.CkCameraSource")
 
 public:
-    /// For re-creation from a chain file; the camera is found by the saved identifier, or is the first
+    /// For re-creation from a chain file: uses the open camera with the saved identifier, otherwise the first
     /// open one.
     Q_INVOKABLE CkCameraSource();
     explicit CkCameraSource(void* pCameraHandle); ///< Frames of this camera; null for none yet.
@@ -36,7 +36,7 @@ private:
     void receive(CkImageData* pFrame);
 
     std::atomic<void*> m_pCameraHandle = nullptr; ///< read by the chain's thread
-    QString m_sCameraId;                          ///< outlives the camera, for the chain's file
+    QString m_sCameraId;                          ///< kept after the camera was closed, for the chain file
     QString m_sCameraName;
-    quint64 m_uiNextFrame = 0; ///< number that the camera's next frame should have, 0 for any; its thread
+    quint64 m_uiNextFrame = 0; ///< expected number of the next frame, 0 for any; camera thread
 };

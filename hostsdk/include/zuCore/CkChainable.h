@@ -17,15 +17,15 @@ class QWidget;
 
 /// A block of a processing chain.
 ///
-/// Life: constructed and configured on the user-interface thread; put into a chain by CkChainManager, which
-/// then owns it; setupStart, any number of processData on the chain's thread, setupStop. The three are
-/// never called at the same time. Class information "CustomName" and "UniqueID" (Q_CLASSINFO) let the
+/// Life cycle: constructed and configured on the user-interface thread; inserted by CkChainManager into a
+/// chain, which then owns it; setupStart, any number of processData on the chain's thread, setupStop. These
+/// three are never called concurrently. Class information "CustomName" and "UniqueID" (Q_CLASSINFO) let the
 /// registry list and re-create a block; such a class needs an invokable default constructor.
 class ZUCORE_EXPORT CkChainable : public QObject {
     Q_OBJECT
 
 public:
-    /// What the host lets the block do.
+    /// Whether the block may produce output.
     enum EkState : int {
         Ready = 0,
         Blocked = 1, ///< switched off by the user; must not produce output
@@ -40,25 +40,25 @@ public:
     /// Short name for panels and window titles.
     virtual QString title() const;
 
-    /// Whether the block can work on the output of pUpstream; null asks whether it can be a first block. The
+    /// Whether the block can process the output of pUpstream; null asks whether it can be a first block. The
     /// base accepts any block, but cannot be a first one.
     virtual bool acceptsDataFrom(CkChainable* pUpstream);
 
-    /// Pictures that the block itself may have out of its pool at once. The chain adds what views and
-    /// branches may hold. The base returns 0: the block gets no shelf in the pool.
+    /// Pictures of its shelf that the block itself may hold at the same time. The chain adds those that views
+    /// and branches may hold. The base returns 0: the block gets no shelf in the pool.
     virtual int buffersCountInMemoryPool() const;
 
     /// Called before the first and after the last frame of a run. Overrides call the base.
     virtual void setupStart();
     virtual void setupStop(); ///< See setupStart.
 
-    /// Works on one frame; chain thread. Takes over pData (may be null). Result: the same object (passed
-    /// through), a new one after deleting pData, or null for no output, pData deleted by the caller:
-    /// a block that returns null has not deleted its input.
+    /// Processes one frame; chain thread. Ownership of pData (may be null) passes to the block, unless it
+    /// returns null. Result: the same object (passed through); a new one, after deleting pData; or null for
+    /// no output. A block that returns null must not delete pData; the caller does.
     virtual IkChainData* processData(IkChainData* pData);
 
-    /// Writes and reads the block's settings as attributes of its element in the chain's file. Overrides
-    /// call the base first. The base keeps whether the block is switched off.
+    /// Writes and reads the block's settings as attributes of its element in the chain's file. Overrides call
+    /// the base first. The base stores whether the block is switched off.
     virtual bool saveSettings(QDomDocument& doc, QDomElement& element) const;
     virtual bool loadSettings(const QDomElement& element); ///< See saveSettings.
 
@@ -72,22 +72,21 @@ public:
     /// A new block with the same configuration, in no chain, owned by the caller; null when not cloneable.
     virtual CkChainable* clone();
 
-    /// The chain the block is in, or null. Any thread.
+    /// The chain that contains the block, or null. Any thread.
     CkChain* chain() const;
 
-    /// The blocks that feed this one, in the order they were connected; empty for sources and outside a
-    /// chain. Any thread.
+    /// The predecessors, in the order of connection; empty for sources and outside a chain. Any thread.
     QList<CkChainable*> precedessors() const;
 
     /// EkState. Any thread.
     int state() const;
     void setState(int iState); ///< EkState; emits stateChanged. Any thread.
 
-    /// What the host shows on the block: the text that was set last or, where that is empty, what the chain
-    /// reports of the block; empty for no error. Any thread.
+    /// The text that the host shows on the block: the message set last or, if that is empty, the chain's
+    /// message about the block; empty for no error. Any thread.
     QString errorMessage() const;
-    /// Empty for no error; the chain's own text then shows again, for as long as its reason lasts. Setting
-    /// a block up clears the text, unless the block is a source. Any thread.
+    /// Empty for no error; the chain's own message then shows again, if there is one. Setting a block up
+    /// clears the text, unless the block is a source. Any thread.
     void setErrorMessage(const QString& sMessage);
 
     /// The chain's picture memory; null outside a chain. The block's own shelf has the block as its owner.
@@ -101,9 +100,9 @@ signals:
     void configurationChanged();
 
 protected:
-    /// Within processData, for a frame that yields nothing although no other frame is waited for: it counts
-    /// as dropped (CkChain::blockStatistics). The chain itself counts exceptions and frames for which the
-    /// pool had no picture; no frame counts twice.
+    /// To be called within processData for a frame that yields no output although the block does not wait for
+    /// further frames: it counts as dropped (CkChain::blockStatistics). The chain itself counts exceptions
+    /// and frames for which the pool had no picture; no frame is counted twice.
     void noteDropped();
 
 private:
@@ -113,8 +112,8 @@ private:
     friend class CkChainRunner;
 
     void setChainMessage(const QString& sMessage);
-    /// Changes of the messages between the two are signalled at the end, once, and only if the outcome is
-    /// another one. Only the holding thread sees them earlier.
+    /// Changes of the messages between the two are signalled once, at the end, and only if the final message
+    /// differs. Only the holding thread sees them earlier.
     void holdMessages();
     void tellMessages();
     QString message() const; ///< with the lock

@@ -6,9 +6,9 @@
 
 #include <QObject>
 
-/// One frame: a picture with its metadata. Owns its reference to the picture and gives it back when deleted.
-/// Moves between threads freely, but only one thread may hold it at a time; the pixels it shares with
-/// other frames are read only.
+/// One frame: a picture with its metadata. Owns a reference to the picture and releases it when deleted. May
+/// be passed between threads, but only one thread may use it at a time; pixels shared with other frames are
+/// read-only.
 class ZUCORE_EXPORT CkImageData : public QObject, public IkChainData {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ public:
         return m_picture.picBuf();
     } ///< To write pixels; only while no other frame shares them.
 
-    /// Takes over the picture's reference; the one held before is given back.
+    /// Takes ownership of the picture's reference; the one held before is released.
     void setPicBuf(const SkPicBuf& picBuf);
 
     const CkImageMetadata& metadata() const { return m_metadata; }               ///< Of this frame.
@@ -30,8 +30,8 @@ public:
     /// Identifier of the frame within its source: the low 31 bits of the frame number, never negative.
     qint32 frameId() const { return qint32(picBuf().additionalData.frameNumber & 0x7fffffffU); }
 
-    /// A new frame on the same pixels (copied when they have no owner), owned by the caller; null when
-    /// memory is short.
+    /// A new frame with the same pixels (copied when they have no owner), owned by the caller; null when
+    /// memory allocation fails.
     CkImageData* share() const override;
 
 private:

@@ -10,10 +10,10 @@
 namespace ToFFormatCode {
 inline constexpr quint32 kRawX2Bits8 = 0x80ab0f08U;             ///< A and B, 8 bit
 inline constexpr quint32 kRawX2Bits12 = 0x80ab0f0cU;            ///< A and B, 12 bit in 16
-inline constexpr quint32 kRawX2Bits12Alternate = 0x84ab0f0cU;   ///< another code of the same
+inline constexpr quint32 kRawX2Bits12Alternate = 0x84ab0f0cU;   ///< alternate code
 inline constexpr quint32 kAminusBBits8 = 0x80a05f08U;           ///< A minus B, 8 bit, signed
 inline constexpr quint32 kAminusBBits12 = 0x80a05f0cU;          ///< A minus B, 12 bit in 16, signed
-inline constexpr quint32 kAminusBBits12Alternate = 0x84a05f0cU; ///< another code of the same
+inline constexpr quint32 kAminusBBits12Alternate = 0x84a05f0cU; ///< alternate code
 } // namespace ToFFormatCode
 
 /// Per-image record that travels with a picture. Plain data, copied by value (strings share).

@@ -41,9 +41,9 @@ public:
     QList<CkCompContrast>& contrastEntries() { return m_contrastEntries; } ///< The first one counts.
     const QList<CkCompContrast>& contrastEntries() const { return m_contrastEntries; } ///< Empty: all values.
 
-    /// Builds the colour table, 4 bytes an entry in the order blue, green, red, 255. uiBytes is the size
-    /// asked for; it is rounded to what one entry for each of min(2^bits, 65536) values needs (256 for
-    /// float). False when memory is short.
+    /// Builds the colour table, 4 bytes per entry in the order blue, green, red, 255. uiBytes is the
+    /// requested size; it is rounded to one entry for each of min(2^bits, 65536) values (256 for float).
+    /// False when memory allocation fails.
     bool allocRgbTable(size_t uiBytes);
     /// Null before allocRgbTable. Valid until the next change of the table.
     const quint8* rgbTable() const { return m_rgbTable.empty() ? nullptr : m_rgbTable.data(); }
@@ -51,9 +51,9 @@ public:
     size_t rgbTableEntries() const { return m_rgbTable.size() / 4; }
 
     /// Colours a one-channel picture (or channel 0) into a picture of 4 unsigned 8-bit channels and the same
-    /// size. Float pictures are scaled from their minValue .. maxValue over the contrast window, where both
-    /// are finite and minValue is the smaller one, otherwise every value counts as minValue; values that are
-    /// not finite become black. False on other formats or without a table.
+    /// size. Float pictures are scaled from their minValue .. maxValue to the contrast window; unless both
+    /// are finite and minValue is the smaller one, every value counts as minValue. Values that are not finite
+    /// become black. False on other formats or without a table.
     bool applyToPic(const SkPicBuf& source, SkPicBuf& target) const;
 
     /// This table when the format is the same, otherwise a new one, owned by the caller, with the same map

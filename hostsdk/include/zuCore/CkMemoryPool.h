@@ -5,8 +5,8 @@
 #include <memory>
 
 /// Picture memory of a chain: one shelf of equally sized pictures per owner (a block). A picture returns to
-/// its shelf by itself when its last holder frees it, also after the shelf or the pool was destroyed.
-/// All functions may be called from any thread.
+/// its shelf automatically when its last reference is freed; it may outlive the shelf and the pool. All
+/// functions may be called from any thread.
 class ZUCORE_EXPORT CkMemoryPool {
 public:
     CkMemoryPool();
@@ -14,27 +14,28 @@ public:
     CkMemoryPool(const CkMemoryPool&) = delete;
     CkMemoryPool& operator=(const CkMemoryPool&) = delete;
 
-    /// Makes a shelf of iCount zeroed pictures of the descriptor's byte size for an owner, in place of the
-    /// one it had. False when the size is 0 or overflows (no shelf), or memory is short (an empty shelf).
+    /// Creates a shelf of iCount zeroed pictures of the descriptor's byte size for an owner, replacing a
+    /// previous one. False when the size is 0 or overflows (no shelf), or when memory allocation fails (an
+    /// empty shelf).
     bool reserve(const void* pOwner, const SkPicBufInfo& info, int iCount);
 
-    /// Takes the owner's shelf away; pictures still held stay valid until they are freed.
+    /// Removes the owner's shelf; pictures still held stay valid until they are freed.
     void release(const void* pOwner);
     void releaseAll(); ///< The same for every owner.
 
-    /// Hands out a picture of the descriptor. False when the owner has no shelf, when none is free, or when
-    /// the descriptor needs another byte size than the shelf holds. Pixels are what the last user left
-    /// unless bClear. Freed with CkPicBufAPI::FreePicBuf.
+    /// Takes a picture with this descriptor from the owner's shelf. False when the owner has no shelf, when
+    /// none is free, or when the descriptor needs another byte size than that of the shelf. Unless bClear,
+    /// pixels are undefined (those of the last use). To be freed with CkPicBufAPI::FreePicBuf.
     bool acquire(const void* pOwner, const SkPicBufInfo& info, SkPicBuf& picBuf, bool bClear);
 
-    int capacity(const void* pOwner) const;            ///< pictures on the shelf and out; 0 without a shelf
-    int freeCount(const void* pOwner) const;           ///< pictures on the shelf now
+    int capacity(const void* pOwner) const;            ///< free ones and those in use; 0 without a shelf
+    int freeCount(const void* pOwner) const;           ///< free ones
     quint64 bytesPerPicture(const void* pOwner) const; ///< 0 without a shelf
 
-    /// How often acquire was refused since the shelf was made.
+    /// How often acquire was refused since the shelf was created.
     struct SkRefusals {
         quint64 exhausted = 0; ///< no picture was free
-        quint64 misfits = 0;   ///< the descriptor needs another byte size than the shelf holds
+        quint64 misfits = 0;   ///< the descriptor needs another byte size than that of the shelf
     };
     SkRefusals refusals(const void* pOwner) const; ///< zeros without a shelf
 

@@ -4,12 +4,12 @@
 
 #include <utility>
 
-/// Owns one reference to a picture and gives it back when destroyed. Movable, not copyable; one thread at a
+/// Owns one reference to a picture and releases it when destroyed. Movable, not copyable; one thread at a
 /// time.
 class CkPicture {
 public:
     CkPicture() = default; ///< Without pixels.
-    /// Takes the picture's reference over: no alias of it is freed any more.
+    /// Takes ownership of the picture's reference: no alias of it may be freed any more.
     explicit CkPicture(const SkPicBuf& picBuf) : m_picBuf(picBuf) {}
     ~CkPicture() { reset(); }
     CkPicture(CkPicture&& other) noexcept : m_picBuf(other.take()) {}
@@ -23,8 +23,9 @@ public:
     CkPicture(const CkPicture&) = delete;
     CkPicture& operator=(const CkPicture&) = delete;
 
-    /// A picture on the heap in place of the one held; lineSize 0: packed rows, rounded up to linePadding.
-    /// Zeroed unless bClear is false. False, and empty, when the descriptor is impossible or memory is short.
+    /// Allocates a picture on the heap, replacing the one held; lineSize 0: packed rows, rounded up to
+    /// linePadding. Zeroed unless bClear is false. False, and empty, when the descriptor is impossible or
+    /// memory allocation fails.
     bool allocate(const SkPicBufInfo& info, bool bClear = true) {
         return CkPicBufAPI::AllocPicBufFromHeap(
             m_picBuf, info.width, info.height, info.channels, info.dataType, info.linePadding, info.lineSize,
@@ -35,9 +36,9 @@ public:
     SkPicBuf& picBuf() { return m_picBuf; }                   ///< Stays this object's.
     const SkPicBuf& picBuf() const { return m_picBuf; }       ///< Stays this object's.
 
-    /// Hands the reference over to the caller; empty afterwards.
+    /// Transfers the reference to the caller; empty afterwards.
     SkPicBuf take() { return std::exchange(m_picBuf, SkPicBuf()); }
-    /// Gives the reference back; empty afterwards, descriptor included.
+    /// Releases the reference; empty afterwards, including the descriptor.
     void reset() { CkPicBufAPI::FreePicBuf(m_picBuf, true); }
 
 private:

@@ -7,8 +7,8 @@
 
 class CkImageData;
 
-/// What a viewer plug-in implements, beside QObject. All calls come on the user-interface thread. The order
-/// of the functions is part of the binary interface.
+/// The interface of a viewer plug-in, implemented in addition to QObject. All calls come on the
+/// user-interface thread. The order of the functions is part of the binary interface.
 class CkPlugin {
 public:
     virtual ~CkPlugin() = default;
@@ -19,8 +19,8 @@ public:
     virtual QString name() const = 0;        ///< To be displayed.
     virtual QString author() const = 0;      ///< To be displayed.
     virtual QString description() const = 0; ///< A sentence, to be displayed.
-    /// The framework version the plug-in was built with (zuCoreVersion). Another major version than the
-    /// host's is refused.
+    /// The framework version the plug-in was built with (zuCoreVersion). A plug-in with another major version
+    /// than the host's is refused.
     virtual void version(int& major, int& minor, int& patch) const = 0;
     virtual QString website() const = 0; ///< Address, or empty.
 
@@ -28,7 +28,7 @@ public:
     virtual void activeViewChanged(int viewId) = 0;
     /// The view still exists.
     virtual void viewAboutToClose(int viewId) = 0;
-    /// pData stays the host's and is valid during the call.
+    /// pData belongs to the host and is valid only during the call.
     virtual void viewGotNewImage(int viewId, const CkImageData* pData) = 0;
     virtual void newCameraConnected(void* cameraHandle) = 0; ///< See CkCameraManager.
 };

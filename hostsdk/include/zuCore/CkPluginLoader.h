@@ -10,17 +10,17 @@ class CkPlugin;
 class QPluginLoader;
 
 /// Loads viewer plug-ins. User-interface thread. A library that is broken, foreign or built for another major
-/// version of the framework is refused with a message that names the file and the reason; it never takes
-/// the program down with an exception.
+/// version of the framework is refused with a message that names the file and the reason; its exceptions
+/// never end the program.
 class ZUCORE_EXPORT CkPluginLoader : public QObject {
     Q_OBJECT
 
 public:
     /** A plug-in at work. */ struct SkLoadedPlugin {
         QString fileName;           ///< the library, with its path
-        CkPlugin* plugin = nullptr; ///< stays the loader's
+        CkPlugin* plugin = nullptr; ///< owned by the loader
         QObject* object = nullptr;  ///< the same one as a QObject
-        QString name;               ///< as it answered right after its start; it is not asked again
+        QString name;               ///< queried once, right after init()
         QString description;        ///< likewise
         QString version;            ///< likewise, "major.minor.patch"
     };

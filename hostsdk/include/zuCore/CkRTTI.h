@@ -13,7 +13,7 @@ struct SkRegisteredClass {
     QString customName;    ///< class information "CustomName", or the class name without one
     QString baseClassName; ///< under which it was registered
     const QMetaObject* metaObject = nullptr; ///< never null in the registry
-    QObject* plugin = nullptr;               ///< who registered it; null for the host itself
+    QObject* plugin = nullptr;               ///< that registered it; null for the host itself
 };
 
 /// Registry of creatable classes. User-interface thread.
@@ -22,10 +22,10 @@ public:
     static CkRTTI* instance(); ///< Never null.
 
     /// Makes a class creatable under a base class name. False, with lastError set, when the class does not
-    /// inherit that base, cannot be default-constructed through its meta-object, or its unique identifier
-    /// is taken by another class. Registering the same class twice is no error.
+    /// inherit that base, cannot be default-constructed through its meta-object, or its unique identifier is
+    /// used by another class. Registering the same class twice is allowed.
     bool registerClass(QObject* pPlugin, const QMetaObject* pMetaObject, const QString& sBaseClassName);
-    /// Forgets everything a plug-in registered.
+    /// Removes everything that a plug-in registered.
     void unregisterPlugin(QObject* pPlugin);
 
     /// In order of registration; all bases when the name is empty.

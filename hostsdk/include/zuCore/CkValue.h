@@ -6,8 +6,8 @@
 #include <QString>
 #include <variant>
 
-/// A number, flag or text as it travels between controls and camera parameters. Plain value; conversions
-/// never fail: what cannot be converted gives 0, false or an empty text, numbers out of range saturate.
+/// A number, flag or text exchanged between controls and camera parameters. Plain value; conversions never
+/// fail: impossible ones give 0, false or an empty text, and numbers out of range saturate.
 class ZUCORE_EXPORT CkValue {
 public:
     /** What a value holds. */ enum class EkType { None, Int, Float, Bool, String };
@@ -21,9 +21,9 @@ public:
     CkValue(const QString& sValue) : m_value(sValue) {} // NOLINT(google-explicit-constructor)
 
     EkType type() const { return EkType(m_value.index()); } ///< None: nothing was set.
-    bool isValid() const { return type() != EkType::None; } ///< Holds anything at all.
+    bool isValid() const { return type() != EkType::None; } ///< A value was set.
 
-    /// Fractions are cut off towards zero.
+    /// Truncates towards zero.
     qint64 toInt64() const;
     int toInt() const;                                  ///< Saturates.
     double toDouble() const;                            ///< 0 for a text that is no number.

@@ -7,7 +7,7 @@
 
 class QDomDocument;
 
-/// What an XML document may hold at most.
+/// Limits for an XML document.
 struct SkXmlLimits {
     qint64 bytes = 16 * 1024 * 1024; ///< of the whole document
     qint64 tokenBytes = 1024 * 1024; ///< of one tag, text or comment
@@ -17,15 +17,15 @@ struct SkXmlLimits {
     int allAttributes = 100'000;     ///< of all elements together
 };
 
-/// Reads untrusted XML. Documents that would exhaust the stack, the memory or the patience of the user are
-/// refused before a document is built of them; so are document type declarations, and with them entities of
-/// the document's own. Stateless; any thread.
+/// Reads untrusted XML. Documents that would exhaust the stack or the memory, or take too long to read, are
+/// refused before a QDomDocument is built; so are document type declarations, and thus entities defined in
+/// the document. Stateless; any thread.
 class ZUCORE_EXPORT CkXmlReader {
 public:
-    /// False, with sError naming the line, the column and the reason, and doc as it was.
+    /// False, with sError naming the line, the column and the reason, and doc unchanged.
     static bool read(const QByteArray& xml, QDomDocument& doc, QString& sError,
                      const SkXmlLimits& limits = SkXmlLimits());
-    /// Of text that has been decoded: an encoding that it declares is not looked at.
+    /// For text that has already been decoded: a declared encoding is ignored.
     static bool read(const QString& sXml, QDomDocument& doc, QString& sError,
                      const SkXmlLimits& limits = SkXmlLimits());
 

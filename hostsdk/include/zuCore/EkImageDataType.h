@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-/// Sample type of a picture. The numbers are part of recordings and of the plug-in interface.
-/// Any other number may arrive in a descriptor; it counts as a type of one byte that nothing processes.
+/// Sample type of a picture. The numbers are part of recordings and of the plug-in interface. Any other
+/// number may arrive in a descriptor; it is treated as a one-byte type that cannot be processed.
 enum class EkImageDataType : quint32 {
     Unknown = 0,
     Int8 = 1,
@@ -19,7 +19,7 @@ enum class EkImageDataType : quint32 {
     Other16 = 11 ///< another two-byte type, never processed
 };
 
-/// How samples are stored. Pictures that are allocated for results carry Interleaved.
+/// How samples are stored. Pictures allocated for results are Interleaved.
 enum class EkDataStorageFormat : quint32 { Unknown = 0, Interleaved = 1 };
 
 /// Sensor arrangement of a picture.
@@ -30,7 +30,7 @@ enum class EkColorFilterArray : quint32 {
     RawX3Hybrid = 13 ///< hybrid X1X2X3 pictures
 };
 
-/// What the values of a float result picture mean.
+/// The meaning of the values of a float result picture.
 enum class EkDepthDataType : int {
     Generic = 0,    ///< a picture shown as it is
     PhaseShift = 1, ///< radians, [0, 2 pi)

@@ -16,25 +16,26 @@ class CkImageData;
 /// own.
 class ZUCORE_EXPORT IkCamera {
 public:
-    /// Takes over the frame. Called from the camera's own thread. Frames that the camera drops for lack of
-    /// memory or bandwidth leave a gap in additionalData.frameNumber, by which they are counted.
+    /// Takes ownership of the frame. Called from the camera's own thread. Frames that the camera drops for
+    /// lack of memory or bandwidth leave a gap in additionalData.frameNumber; the host counts them by these
+    /// gaps.
     using FrameFunction = std::function<void(CkImageData*)>;
 
     virtual ~IkCamera();
 
-    /// Owned by the camera. Committed values apply from the next frame on, together.
+    /// Owned by the camera. Committed values take effect together, from the next frame on.
     virtual CkCameraParameters* parameters() = 0;
 
-    /// Format of the frames to come with the parameters as they are. Any thread.
+    /// Format of the frames to come with the current parameters. Any thread.
     virtual bool frameInfo(SkPicBufInfo& info, CkImageMetadata* pMetadata) const = 0;
 
-    /// Starts delivering. False, with psError set, when the camera cannot.
+    /// Starts delivering. False, with psError set, on failure.
     virtual bool start(FrameFunction deliver, QString* psError) = 0;
     /// Returns when no frame is being delivered any more.
     virtual void stop() = 0;
     virtual bool isRunning() const = 0; ///< Between start and stop, paused or not.
 
-    /// Holds delivery without stopping (true), or resumes it; step delivers one set while held.
+    /// Pauses delivery without stopping (true), or resumes it; step delivers one set while paused.
     virtual void setPaused(bool bPaused) = 0;
     virtual void step() = 0; ///< See setPaused.
 };
@@ -45,10 +46,10 @@ public:
     virtual ~IkCameraDriver();
 
     virtual QString name() const = 0; ///< To be displayed.
-    /// Cameras that can be opened now, and those that are open and present. When one comes or goes, have the
-    /// user-interface thread call CkCameraManager::checkCameras.
+    /// Cameras that can be opened now, and those that are open and present. When one is added or removed,
+    /// have the user-interface thread call CkCameraManager::checkCameras.
     virtual QList<SkCameraInfo> availableCameras() const = 0;
     /// Null, with psError set, when the camera is missing or cannot be opened. A camera that was unplugged
-    /// while it was open is opened again while its former object still exists, stopped.
+    /// while open is opened again while its old object, stopped, still exists.
     virtual std::unique_ptr<IkCamera> open(const QString& sId, QString* psError) = 0;
 };

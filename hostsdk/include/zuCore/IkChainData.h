@@ -2,14 +2,14 @@
 
 #include "zuCore/zuCoreGlobal.h"
 
-/// Anything that flows through a chain. The one it is handed to owns it; a block that returns something else
+/// Base of everything that flows through a chain. The receiver owns it; a block that returns another object
 /// than its input deletes the input.
 class ZUCORE_EXPORT IkChainData {
 public:
     virtual ~IkChainData();
 
-    /// A second object for the same content, so that every branch of a chain can own one; null when
-    /// memory is short.
+    /// A second object with the same content, so that every branch of a chain can own one; null when memory
+    /// allocation fails.
     virtual IkChainData* share() const = 0;
 
 protected:

@@ -47,7 +47,7 @@ struct SkPicBufInfo {
     }
 };
 
-/// What a frame carries beside its pixels; copied from input to output by every block.
+/// Data of a frame in addition to its pixels; every block copies it from input to output.
 struct SkPicAdditionalData {
     quint64 frameNumber = 0; ///< counts from 0 at each start of the camera
     qint64 timestampNs = 0;  ///< time of exposure on the camera's own clock, nanoseconds
@@ -55,9 +55,9 @@ struct SkPicAdditionalData {
 
 /// A picture: descriptor, pixels and the value range of float pixels.
 ///
-/// Plain data without a destructor: copying the structure makes an alias of the same pixels, and exactly
-/// one of the aliases is given to CkPicBufAPI::FreePicBuf. Not synchronised; pixels that several threads
-/// hold are only read.
+/// Plain data without a destructor: copying the structure makes an alias of the same pixels, and exactly one
+/// of the aliases must be passed to CkPicBufAPI::FreePicBuf. Not synchronised; pixels shared between threads
+/// are read-only.
 struct SkPicBuf : SkPicBufInfo {
     quint8* data = nullptr; ///< row 0; null when nothing is allocated
     float minValue = 0.0F;  ///< smallest finite value of a float picture, see CalcFloatDataMinMax
@@ -65,10 +65,10 @@ struct SkPicBuf : SkPicBufInfo {
 
     SkPicAdditionalData additionalData; ///< of the frame
 
-    /// What keeps the pixels alive, reference-counted; null for pixels of another owner.
+    /// Reference-counted memory that holds the pixels; null for pixels of another owner.
     CkPicMemory* memory = nullptr;
 
-    /// Takes over the additional data (time stamp, counters) of another picture.
+    /// Copies the additional data (time stamp, counters) of another picture.
     void copyPicAdditionalData(const SkPicBuf& other) { additionalData = other.additionalData; }
 
     const quint8* row(quint32 uiRow) const { return data + size_t(uiRow) * lineSize; } ///< Row 0 first.

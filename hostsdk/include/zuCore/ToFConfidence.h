@@ -4,7 +4,7 @@
 
 /// Which pixels of a picture with a confidence channel count as measured. Lower confidence values are better.
 struct SkToFConfidenceRule {
-    float threshold = 10.0F;    ///< pixels of a higher value do not count
+    float threshold = 10.0F;    ///< pixels with a higher value do not count
     bool zeroIsInvalid = false; ///< depth pictures of hybrid sensors mark pixels without a measurement by 0
 
     bool accepts(float fConfidence) const {

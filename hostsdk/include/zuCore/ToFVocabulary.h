@@ -13,7 +13,8 @@ inline constexpr double kSpeedOfLight = 299792458.0;
 /// of kSpeedOfLightInAirMMHz / (2 f) metres.
 inline constexpr float kSpeedOfLightInAirMMHz = 299.70254F;
 
-/// Names in CkImageMetadata::channelNames. The first one of a float picture says what its values are.
+/// Names in CkImageMetadata::channelNames. The first one of a float picture defines the meaning of its
+/// values.
 ///
 /// Beside a phase shift the confidence is its standard deviation in radians; beside a hybrid depth it is a
 /// ratio of the windows, and 0 marks a pixel without a measurement.
@@ -36,13 +37,13 @@ inline constexpr QLatin1String kReadoutMode{"tof_readout_mode"}; ///< see ToFRea
 inline constexpr QLatin1String kDataFormat{"imgdataformat"};     ///< see ToFDataFormat
 } // namespace ToFParameter
 
-/// Dynamic properties of widgets that the host and plug-ins hand to each other.
+/// Dynamic properties of widgets that the host and plug-ins exchange.
 namespace ToFProperty {
 /// quint64: handle of the camera that a tool button acts on.
 inline constexpr char kCameraHandle[] = "tof_camera_handle";
 } // namespace ToFProperty
 
-/// Values of ToFParameter::kReadoutMode. A camera may know others; they deliver no ToF pictures.
+/// Values of ToFParameter::kReadoutMode. A camera may support others; they deliver no ToF pictures.
 namespace ToFReadoutMode {
 inline constexpr int kGrey = 0;    ///< no ToF
 inline constexpr int kAminusB = 2; ///< the signed difference of the taps
@@ -56,8 +57,8 @@ inline constexpr int kGrey8 = 0;              ///< 8 bit, of cameras without rea
 inline constexpr int kGrey16 = 1;             ///< 16 bit, of cameras without readout mode
 inline constexpr int kAminusB8 = 0;           ///< 8 bit, signed
 inline constexpr int kAminusB16 = 1;          ///< 16 bit, signed
-inline constexpr int kAminusB8Alternate = 5;  ///< another code of kAminusB8
-inline constexpr int kAminusB16Alternate = 6; ///< another code of kAminusB16
+inline constexpr int kAminusB8Alternate = 5;  ///< alternate code of kAminusB8
+inline constexpr int kAminusB16Alternate = 6; ///< alternate code of kAminusB16
 inline constexpr int kAandB8 = 11;            ///< 8 bit
 inline constexpr int kAandB12 = 13;           ///< 12 bit in 16
 inline constexpr int kHybrid8 = 17;           ///< X1X2X3, 8 bit
@@ -79,7 +80,7 @@ inline constexpr quint32 kReferenceFirst = 3;
 /// Phases of one measurement.
 namespace ToFPhases {
 
-/// Whether a distance or an amplitude can be computed from so many phases: 1, 2, 4 or 8.
+/// Whether a distance or an amplitude can be computed from this number of phases: 1, 2, 4 or 8.
 constexpr bool isSupportedCount(qint64 count) {
     return count == 1 || count == 2 || count == 4 || count == 8;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Version of the framework that a library is compiled against. Inline on purpose: a plug-in must
-/// report the version it was built with, not the one it happens to be loaded into.
+/// Version of the framework that a library is compiled against. Deliberately inline: a plug-in must report
+/// the version it was built with, not the one of the host that loads it.
 inline constexpr int kZuCoreVersionMajor = 1;
 inline constexpr int kZuCoreVersionMinor = 0;
 inline constexpr int kZuCoreVersionPatch = 0;

@@ -13,7 +13,7 @@ public:
     explicit CkColorPickerLabel(QWidget* pParent = nullptr);
     ~CkColorPickerLabel() override;
 
-    /// Emits nothing. Opaque.
+    /// Emits no signal. The colour is made opaque.
     void setPickerColor(const QColor& clColor);
     QColor pickerColor() const { return m_clColor; } ///< The colour shown.
 

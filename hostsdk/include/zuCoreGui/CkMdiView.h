@@ -12,26 +12,26 @@ class CkChainable;
 class CkImageData;
 class CkLut;
 
-/// A view in the MDI area. Base of image views and of what plug-ins add. User-interface thread.
+/// A view in the MDI area. Base class of image views and of the views of plug-ins. User-interface thread.
 ///
 /// A view constructed on a block shows that block's frames: the base attaches itself to the block's chain,
-/// keeps the newest frame in a slot of depth one and shows it (showFrame) when the event loop gets to it.
-/// When a block is inserted after the view's block, the view follows to the new block's output. A view
-/// without a block gets its frames in another way (updateWithConnectedImageData).
+/// keeps only the newest frame and shows it (showFrame) from the event loop. When a block is inserted after
+/// the view's block, the view switches to the new block's output. A view without a block gets its frames in
+/// another way (updateWithConnectedImageData).
 class ZUCOREGUI_EXPORT CkMdiView : public QWidget {
     Q_OBJECT
 
 public:
     /// Bits of viewCaps.
     enum EkViewCaps : int {
-        NativeWindowCap = 0x40, ///< holds a native sub-surface that wants a window of its own
+        NativeWindowCap = 0x40, ///< holds a native sub-surface that needs a top-level window
     };
 
     /// Either block may be null. The second one is kept for views that compare two sources.
     explicit CkMdiView(CkChainable* pProvider = nullptr, CkChainable* pSecond = nullptr);
     ~CkMdiView() override;
 
-    /// Identifier within the program, from 0, never used again; given at construction.
+    /// Identifier within the program, from 0, never reused; assigned at construction.
     int viewId() const { return m_iViewId; }
 
     virtual int viewCaps() const; ///< EkViewCaps; the base returns 0.
@@ -39,12 +39,12 @@ public:
     virtual int connectedViewId() const;
     /// Whether the view holds data that would be lost when it closes.
     virtual bool containsData() const;
-    virtual QString viewTitle() const; ///< The window's own, else the chain's up to the block.
+    virtual QString viewTitle() const; ///< The window title, else the chain's title up to the block.
 
-    /// The table the view is coloured with (owned by the view, may be null) and its flags: bAutoContrast,
-    /// bShowSaturation, and the bits of the values it is applied to. Null pointers are passed over.
+    /// The colour table of the view (owned by the view, may be null), its flags bAutoContrast and
+    /// bShowSaturation, and the bits of the values it is applied to. Null pointers are ignored.
     virtual CkLut* viewLut(bool* pbFlag1, bool* pbFlag2, unsigned int* puiBits);
-    /// Takes over the table (the one the view has, changed in place, is given as well). A null table only
+    /// Takes ownership of the table; it may also be the view's own table, changed in place. A null table only
     /// stores the flags. bUpdate: show the change at once.
     virtual void setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate);
 
@@ -58,10 +58,10 @@ public:
     CkChainable* secondProvider() const;        ///< Or null.
     virtual QList<void*> cameraHandles() const; ///< Cameras that the view shows; empty for none.
 
-    /// A view of the same kind on other blocks, handed to the application; null when not possible.
+    /// A view of the same kind on other blocks, added to the application; null when not possible.
     virtual CkMdiView* clone(CkChainable* pProvider, CkChainable* pSecond);
 
-    /// A frame of the view that this one follows; stays the caller's.
+    /// A frame of the view that this one follows; the caller keeps ownership.
     virtual void updateWithConnectedImageData(const CkImageData* pData, bool bForce);
 
     /// Frames the view could not take in time since it was opened.
@@ -72,7 +72,7 @@ signals:
     void receivedFrame(qint32 iFrameId);
     /// After receivedFrame; the application forwards it to the plug-ins (CkPlugin::viewGotNewImage).
     void frameShown(int iViewId, const CkImageData* pData);
-    /// The block shown changed (insertion, removal), or went away.
+    /// The block shown changed (insertion, removal), or was deleted.
     void dataProviderChanged();
     void viewTitleChanged(); ///< The result of viewTitle has changed.
 

@@ -16,7 +16,7 @@ public:
     /// Limits and the step of wheel and arrow keys (dragging is continuous). A range that is empty, reversed
     /// or not finite disables the bar; the value is kept.
     void setRange(const CkValue& vMinimum, const CkValue& vMaximum, const CkValue& vStep);
-    /// Clamped to a usable range. Emits nothing.
+    /// Clamped to a usable range. Emits no signal.
     void setValue(const CkValue& vValue);
     CkValue value() const { return {m_fValue}; }  ///< A floating-point number.
     double minimum() const { return m_fMinimum; } ///< As set by setRange.

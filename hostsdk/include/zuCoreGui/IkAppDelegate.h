@@ -15,15 +15,15 @@ class QMenu;
 class QSettings;
 class QWidget;
 
-/// What plug-ins and views may ask of the application. User-interface thread. The application sets the one
-/// instance before it loads plug-ins and clears it last.
+/// The interface of the application to plug-ins and views. User-interface thread. The application sets the
+/// single instance before it loads plug-ins and clears it last.
 class ZUCOREGUI_EXPORT IkAppDelegate {
 public:
     virtual ~IkAppDelegate();
 
     /// Null outside an application.
     static IkAppDelegate* instance();
-    static void setInstance(IkAppDelegate* pDelegate); ///< The host, at start and end; stays the caller's.
+    static void setInstance(IkAppDelegate* pDelegate); ///< For the host, which keeps ownership.
 
     /// Menus of the main window by identifier.
     enum EkMenuId : int { FileMenu = 0, CameraMenu = 1, ViewMenu = 2, PluginMenu = 3, HelpMenu = 4 };
@@ -35,16 +35,16 @@ public:
     virtual QWidget* mainWindow() = 0;
     /// Null for an unknown identifier.
     virtual QMenu* mainMenu(int iMenuId) = 0;
-    virtual void leaveFullScreen() = 0; ///< Nothing in a normal window.
+    virtual void leaveFullScreen() = 0; ///< No-op in a normal window.
 
     /// -1: none.
     virtual int activeViewId() = 0;
-    virtual void setActiveView(int iViewId) = 0; ///< -1: none. Unknown ones are passed over.
+    virtual void setActiveView(int iViewId) = 0; ///< -1: none. Unknown ones are ignored.
     /// Null for an unknown identifier.
     virtual CkMdiView* mdiView(int iViewId) = 0;
-    /// Takes a new view into the MDI area and shows it; the area owns it.
+    /// Adds a new view to the MDI area, which then owns it, and shows it.
     virtual void addMdiView(CkMdiView* pView) = 0;
-    /// Opens a standard image view on a block. Its identifier, or -1 on failure.
+    /// Opens a standard image view on a block. Returns its identifier, or -1 on failure.
     virtual int openImageView(CkChainable* pBlock) = 0;
     /// False for an unknown view, or when the user keeps it open.
     virtual bool closeView(int iViewId) = 0;
@@ -53,8 +53,8 @@ public:
 
     /// The first camera that feeds a view; null for a view without one.
     virtual void* cameraHandleOfView(int iViewId) = 0;
-    /// Puts a layout into a camera's panel and takes it over. iFlag 1: below the camera's controls. False,
-    /// and the layout stays the caller's, when the camera has no panel.
+    /// Adds a layout to a camera's panel, which then owns it. iFlag 1: below the camera's controls. False,
+    /// and the caller keeps the layout, when the camera has no panel.
     virtual bool addCameraPanelLayout(void* pCameraHandle, CkCameraParameters* pParameters, QLayout* pLayout,
                                       int iFlag) = 0;
     /// Starts (iStart 1) or stops (0) a camera's acquisition and the chains it feeds. Handle 0: the camera of
@@ -63,9 +63,9 @@ public:
 
     /// A new table for a picture format, owned by the caller, set up as the user prefers for these cameras.
     virtual CkLut* createLut(const SkPicBufInfo& info, const QList<void*>& cameraHandles) = 0;
-    /// Shows the active view's table in the look-up table controls anew.
+    /// Updates the look-up table controls from the active view's table.
     virtual void refreshLutControls() = 0;
-    /// A view changed its table by itself.
+    /// A view changed its own table.
     virtual void viewLutChanged(CkMdiView* pView) = 0;
 
     /// Folder of the last file dialog; empty when there was none.
