@@ -139,7 +139,7 @@ bool CkSimCamera::applySettings(const QList<CkCameraParam*>& committing) {
         m_settings = settings;
         m_plan = std::move(plan);
     }
-    // The period that is being waited for may have become shorter.
+    // The period being waited for may have become shorter.
     m_changed.notify_all();
     return true;
 }
@@ -165,8 +165,8 @@ void CkSimCamera::run() {
     m_running = false;
 }
 
-/// Waits for the beginning of the next set and tells when it was due. False when the camera stops. The first
-/// set is due at once.
+/// Waits until the next set is due and returns that time. False when the camera stops. The first set is due
+/// at once.
 bool CkSimCamera::waitForSet(Clock::time_point& due) {
     std::unique_lock lock(m_mutex);
     const Clock::time_point before = due;
@@ -185,7 +185,7 @@ bool CkSimCamera::waitForSet(Clock::time_point& due) {
         const std::chrono::nanoseconds period(first ? 0 : periodNs(m_settings));
         due = before + period;
         if (now >= due) {
-            // Late sets are skipped, not caught up with in a burst.
+            // Late sets are skipped: catching up would deliver them in a burst.
             if (now - due > period) {
                 due = now;
             }

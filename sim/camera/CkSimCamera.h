@@ -15,7 +15,7 @@
 #include <mutex>
 #include <thread>
 
-/// A simulated camera. A thread of its own paints and delivers one set of images per period.
+/// A simulated camera. Its own thread paints and delivers one set of images per period.
 ///
 /// Committed settings take effect with the next set. All images of a set show the scene at the same moment of
 /// the camera's clock, which runs from 0 at each start by one period per set, however long a set took: the
@@ -26,7 +26,7 @@ class CkSimCamera : public IkCamera {
 
 public:
     CkSimCamera(EkSimCameraKind kind, const SkCameraInfo& info);
-    /// Stops first.
+    /// Stops the acquisition first.
     ~CkSimCamera() override;
     CkSimCamera(const CkSimCamera&) = delete;
     CkSimCamera& operator=(const CkSimCamera&) = delete;

@@ -20,7 +20,7 @@ public:
     /// content, for a picture of another format.
     bool paint(const SkSimSettings& settings, const SkSimImage& image, quint64 set, SkPicBuf& picture);
 
-    /// What moveTo showed last; null before.
+    /// The raster of the last moveTo; null before.
     const CkSimRaster* raster() const { return m_raster.get(); }
 
 private:

@@ -211,7 +211,7 @@ void addCommonBindings(std::vector<SkBinding>& bindings) {
                         [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
 }
 
-/// What a camera of the kind starts with: ready for ToF.
+/// Initial settings of a camera of this kind: ready for ToF.
 SkSimSettings startSettings(EkSimCameraKind kind) {
     SkSimSettings settings;
     if (kind == EkSimCameraKind::Wave) {

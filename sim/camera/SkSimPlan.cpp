@@ -12,7 +12,7 @@ constexpr quint32 kRowAlignment = 64;
 /// What the pixels of a data format hold.
 enum class EkArrangement { Unknown, Taps, Difference, Windows };
 
-/// A data format of ToFDataFormat. Any other value is a format of one byte that holds nothing known.
+/// A data format of ToFDataFormat. Any other value is an unknown one-byte format.
 struct SkDataFormat {
     EkArrangement arrangement = EkArrangement::Unknown;
     bool wide = false; ///< 16 bits a sample instead of 8
@@ -39,7 +39,7 @@ SkDataFormat dataFormat(int format) {
     }
 }
 
-/// An image of so many parts of the sensor's size on top of each other.
+/// An image of several parts of the size of the sensor, one below the other.
 SkPicBufInfo describe(const SkSimLens& lens, size_t parts, quint32 channels, EkImageDataType type,
                       int converterBits) {
     const bool wide = sampleBytes(type) > 1;
@@ -134,7 +134,7 @@ SkSimPlan hybridPlan(const SkSimLens& lens, const SkSimSettings& settings, const
     image.metadata.phasesCount = qint32(stacked);
     image.metadata.sectionMode = quint32(settings.sectionMode);
 
-    // A section of the measurement is an image: stacked exposures are one section.
+    // Sections are counted per image: stacked exposures count as one.
     SkSimPlan plan;
     const auto addImage = [&](EkSimContent content, int first) {
         image.content = content;

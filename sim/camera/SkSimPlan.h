@@ -24,6 +24,6 @@ using SkSimPlan = std::vector<SkSimImage>;
 
 SkSimLens simLens(EkSimCameraKind kind, const SkSimSettings& settings);
 
-/// What a camera with these settings delivers. A readout mode that does not fit the data format gives plain
-/// grey pictures, like those of a camera that is not set up for ToF.
+/// What a camera with these settings delivers. With a readout mode that does not fit the data format these
+/// are plain grey pictures, like those of a camera that is not set up for ToF.
 SkSimPlan makeSimPlan(EkSimCameraKind kind, const SkSimSettings& settings, const SkCameraInfo& camera);

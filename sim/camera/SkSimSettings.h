@@ -17,10 +17,10 @@ struct SkSimSettings {
     double wallDistanceM = 2.0;
     double wallReflectivity = 0.8;
     double focalLengthMm = 3.5;
-    bool reportFocalLength = false; ///< whether the frames tell the focal length
+    bool reportFocalLength = false; ///< whether the metadata of frames contain the focal length
     int dataFormat = 0;             ///< see ToFDataFormat
     int converterBits = 12;         ///< of the 16-bit formats: 12 or 16
-    bool separateImages = false;    ///< phases or sections one image each instead of stacked
+    bool separateImages = false;    ///< one image per phase or section instead of a stack
 
     int readoutMode = ToFReadoutMode::kAandB; ///< any other than kAandB and kAminusB: no ToF readout
     double modulationMHz = 20.0;

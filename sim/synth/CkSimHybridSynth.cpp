@@ -114,7 +114,7 @@ void CkSimHybridSynth::expose(quint64 set, int section, EkSection kind, int row,
         }
     }
     if (kind != EkSection::Plain) {
-        // The pattern belongs to the sensor: the same whatever set, section and seed of the noise.
+        // The pattern is a property of the sensor: independent of set, section and noise seed.
         const quint64 key = CkSimNoise::rowKey(0, 0, 0xffffU, quint32(row));
         for (int column = 0; column < width; ++column) {
             quint64 pattern = CkSimNoise::bits(key, quint32(column));

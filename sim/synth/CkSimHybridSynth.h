@@ -20,12 +20,12 @@ public:
     static constexpr double kSignalElectrons = 45000.0; ///< of a white surface at 1 m, facing, after 1 ms
     static constexpr double kAmbientElectrons = 600.0;  ///< in one window, white, full daylight, after 1 ms
     static constexpr double kReadNoiseElectrons = 15.0;
-    /// Dark level that a section shows when a reference section comes with it; plus a pattern that differs
-    /// from pixel to pixel and stays from frame to frame, 0 to kDarkPatternElectrons.
+    /// Dark level of a section that comes with a reference section. A fixed pattern of 0 to
+    /// kDarkPatternElectrons is added, which differs from pixel to pixel.
     static constexpr float kDarkLevelElectrons = 600.0F;
     static constexpr float kDarkPatternElectrons = 255.0F;
     /// Share of the window time for which the reference section is exposed. Its subtraction removes the
-    /// dark level and leaves enough ambient light in the third window for judging a pixel.
+    /// dark level and leaves enough ambient light in the third window to validate a pixel.
     static constexpr float kReferenceShare = 0.5F;
 
     enum class EkSection {
@@ -38,8 +38,8 @@ public:
 
     void setup(const SkSimExposure& exposure, double pulseNs);
 
-    /// Exposes a section and writes it as a sub-image from a row on. The target has three channels UInt8 or
-    /// UInt16; its largest count of bitsPerChannel bits stands for a full pixel. Each further section is
+    /// Exposes a section and writes it as a sub-image that starts at a row. The target has three channels
+    /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. Each further section is
     /// twice as sensitive as the one before. False, with nothing written, for any other target, without
     /// room, or for a section outside 0 to 15.
     bool writeSection(const CkSimRaster& raster, quint64 set, int section, EkSection kind, SkPicBuf& target,

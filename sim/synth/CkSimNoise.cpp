@@ -43,7 +43,7 @@ std::array<float, 4096> makeQuantiles() {
 } // namespace
 
 quint64 CkSimNoise::rowKey(quint64 seed, quint64 set, quint32 exposure, quint32 row) {
-    // Each argument is mixed in after the one before has been scattered, so that no two sums collide.
+    // Each argument is added after the one before has been hashed, so that sums cannot collide.
     quint64 key = bits(seed, 0);
     key = bits(key ^ set, 1);
     key = bits(key ^ exposure, 2);

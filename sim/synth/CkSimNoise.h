@@ -4,8 +4,8 @@
 
 #include <array>
 
-/// Counter-based random numbers instead of a running state: a value depends on seed, set, exposure and pixel
-/// alone, never on the order in which pixels or pictures are made. Any thread.
+/// Counter-based random numbers: a value depends on seed, set, exposure and pixel alone, not on the order in
+/// which pixels or pictures are computed. Any thread.
 class CkSimNoise {
 public:
     /// Stream of one row of one exposure. Different arguments give unrelated streams.

@@ -34,7 +34,7 @@ public:
     /// Shows the scene at a time in seconds.
     void moveTo(double seconds);
 
-    /// Rises with every moveTo.
+    /// Increases with every moveTo.
     quint64 revision() const { return m_revision; }
     /// Pixels that may differ from the revision before.
     const SkSimRect& changed() const { return m_changed; }

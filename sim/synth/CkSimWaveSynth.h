@@ -21,17 +21,17 @@ public:
     static constexpr double kContrast = 0.9;
     static constexpr double kReadNoiseElectrons = 25.0; ///< standard deviation, each tap
 
-    /// Distance in metres at which the phase shift starts again at 0.
+    /// Distance in metres at which the phase shift wraps to 0.
     static double unambiguousRange(double modulationMHz) { return kLightSpeedMMHz / (2.0 * modulationMHz); }
 
     void setup(const SkSimExposure& exposure, double modulationMHz);
 
-    /// Exposes the phase of an angle in degrees and writes it as a sub-image from a row on. The format is the
-    /// target's: two channels UInt8 or UInt16 are A and B, one channel Int8 or Int16 is A minus B, of
-    /// bitsPerChannel bits. The largest tap count, 2^bits - 1, stands for a full pixel; a difference is in
-    /// tap counts, but where 8 or 16 bits fill the sample 2^(bits - 1) - 1 stands for a full pixel, since the
-    /// sign takes one bit. set and angle choose the noise. False, with nothing written, when the target has
-    /// another format or no room.
+    /// Exposes the phase of an angle in degrees and writes it as a sub-image that starts at a row. The format
+    /// is the target's: two channels UInt8 or UInt16 are A and B, one channel Int8 or Int16 is A minus B, of
+    /// bitsPerChannel bits. The largest tap count, 2^bits - 1, is a full pixel. Differences are in tap
+    /// counts, except that with 8 or 16 bits, where the sign takes one bit, 2^(bits - 1) - 1 is a full pixel.
+    /// set and angle select the noise. False, with nothing written, when the target has another format or is
+    /// too small.
     bool writePhase(const CkSimRaster& raster, quint64 set, int angleDegrees, SkPicBuf& target,
                     quint32 firstRow);
 

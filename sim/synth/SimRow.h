@@ -26,7 +26,7 @@ inline void saturateSim(float* electrons, int count) {
     }
 }
 
-/// Counts per electron of a converter whose largest count stands for a full pixel.
+/// Counts per electron of a converter whose largest count is a full pixel.
 inline float simGain(quint32 bits) {
     return float((1U << bits) - 1U) / kSimFullWell;
 }

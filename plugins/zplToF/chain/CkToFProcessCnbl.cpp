@@ -88,7 +88,7 @@ void CkToFProcessCnbl::setupStart() {
     CkImageProvider::setupStart();
     m_sShownRefusal.clear();
     m_transformer.reset(isInChainWithVideoSource());
-    // What will keep every frame from being processed is published before the first one arrives.
+    // An error that will affect every frame is published before the first one arrives.
     const EkTransformType startTransform = transform();
     const SkToFTransform* const row = ToFTransforms::find(startTransform);
     EkRefusal refusal = row != nullptr ? EkRefusal::None : EkRefusal::UnknownTransform;
@@ -166,7 +166,7 @@ bool CkToFProcessCnbl::takeFromPool(const SkPicBufInfo& info, bool bClear, CkPic
     if (CkPicBufAPI::AllocPicBufFromPool(pool, this, picture.picBuf(), info, bClear)) {
         return true;
     }
-    // The chain counts the frame and gives the reason. It also limits how often it negotiates anew, so that a
+    // The chain counts the dropped frame and reports the reason. It also limits renegotiation, so that a
     // source that describes its frames wrongly does not stall it.
     if (chain() != nullptr && pool->bytesPerPicture(this) != bytes) {
         chain()->requestRenegotiation();

@@ -10,7 +10,7 @@
 ///
 /// Threads as for every block: setupStart, processData and setupStop on the chain's thread, one at a time;
 /// everything else on the user-interface thread. transform and setTransform may be called from any thread
-/// but the chain's own.
+/// except the chain's own.
 class CkToFProcessCnbl : public CkImageProvider {
     Q_OBJECT
     Q_CLASSINFO("CustomName", "ToF Image Processing")
@@ -35,7 +35,7 @@ public:
     IkChainData* processData(IkChainData* pData) override;
 
     bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
-    /// What is no number in the attribute "transform" counts as 0; numbers outside 0..6 are kept.
+    /// An attribute "transform" that is not a number counts as 0; numbers outside 0..6 are kept.
     bool loadSettings(const QDomElement& element) override;
     bool hasHelp() const override;
     void help(QString& sText) override;

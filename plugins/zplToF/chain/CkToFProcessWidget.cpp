@@ -10,8 +10,7 @@ namespace {
 
 using namespace ToFTransform;
 
-/// A choice of the widget. The texts of those below the line name raw formats and are the same in every
-/// language.
+/// A choice of the widget. Texts below the line name raw formats and are not translated.
 struct SkItem {
     EkTransformType transform;
     const char* text;

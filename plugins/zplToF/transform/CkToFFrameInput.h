@@ -13,11 +13,11 @@ public:
     using EkRefusal = ToFFrames::EkRefusal;
 
     /// Allocates the buffers for frames of a format; images of a set are gathered only with bGathers. The
-    /// refusal is the one every set will meet, or None.
+    /// refusal is the one that every set will get, or None.
     EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata, bool bGathers);
     void clear();
 
-    /// The picture less its reference section; an alias, valid until the next call. Null when there is
+    /// The picture minus its reference section; an alias, valid until the next call. Null when there is
     /// nothing to process: for a reference section itself (refusal None), or for a section that is refused.
     const SkPicBuf* lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
                                   EkRefusal& refusal);

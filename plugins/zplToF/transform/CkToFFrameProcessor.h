@@ -4,13 +4,13 @@
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
 #include "plugins/zplToF/transform/SkToFFrame.h"
 
-/// Applies one transform to one frame: which operation, on which of its pictures. Owns the work buffer for
+/// Applies one transform to one frame: selects the operation and its input picture. Owns the work buffer for
 /// exposure sections; one thread at a time. Nothing is allocated per frame.
 class CkToFFrameProcessor {
 public:
     using EkRefusal = ToFFrames::EkRefusal;
 
-    /// Makes the work buffer for hybrid input, see CkToFHdrBuffer::prepare.
+    /// Allocates the work buffer for hybrid input, see CkToFHdrBuffer::prepare.
     bool prepareHdr(const SkPicBufInfo& sections, qint32 iPhasesCount) {
         return m_hdr.prepare(sections, iPhasesCount);
     }
@@ -18,7 +18,7 @@ public:
 
     bool hasHdrBuffer() const { return !m_hdr.isEmpty(); }
     const SkPicBufInfo& hdrInfo() const { return m_hdr.info(); }
-    /// Memory was too short for the work buffer.
+    /// The work buffer could not be allocated.
     bool lacksHdrBuffer() const { return m_hdr.lacksMemory(); }
 
     /// The frame leaves as it arrived; no output picture is needed.

@@ -36,7 +36,8 @@ SkPicBuf* CkToFHdrBuffer::merge(const SkPicBuf& sections) {
         return nullptr;
     }
     SkPicBuf& merged = m_picture.picBuf();
-    // A merge stores the number of bits in use; a dark frame uses none and would keep those of the last one.
+    // A merge stores the number of bits in use, except for a dark frame, which would keep those of the last
+    // frame.
     static_cast<SkPicBufInfo&>(merged) = m_info;
     return CkToFPicAPI::processHdrFromImageSections(sections, merged) ? &merged : nullptr;
 }

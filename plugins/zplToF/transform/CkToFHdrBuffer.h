@@ -2,7 +2,7 @@
 
 #include "zuCore/CkPicture.h"
 
-/// The work buffer in which the exposure sections of a hybrid picture are merged into one. One thread at a
+/// Work buffer for merging the exposure sections of a hybrid picture. One thread at a
 /// time; nothing is allocated per frame.
 class CkToFHdrBuffer {
 public:
@@ -13,11 +13,11 @@ public:
 
     bool isEmpty() const { return m_picture.isEmpty(); }
     const SkPicBufInfo& info() const { return m_info; }
-    /// There is no buffer because memory was short.
+    /// The buffer could not be allocated.
     bool lacksMemory() const { return m_bLacksMemory; }
 
-    /// Merges the sections. The result stays this object's and may be changed until the next call; null when
-    /// there is no buffer or nothing to merge.
+    /// Merges the sections. The result is owned by this object and may be modified until the next call; null
+    /// when there is no buffer or nothing to merge.
     SkPicBuf* merge(const SkPicBuf& sections);
 
 private:

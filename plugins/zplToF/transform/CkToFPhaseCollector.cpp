@@ -81,7 +81,7 @@ bool CkToFPhaseCollector::store(const SkPicBuf& image, SkPlace place) {
 }
 
 void CkToFPhaseCollector::describeSet(const SkPicBuf& image) {
-    // Described like its last image: bits or labels may have changed since the buffer was allocated.
+    // Takes the description of its last image: bits or labels may have changed since the allocation.
     m_set = m_buffer.picBuf();
     m_set.height = quint32(m_angles.size()) * image.height;
     m_set.width = image.width;

@@ -19,7 +19,7 @@ public:
     static constexpr quint64 kMaximumBytes = 1ULL << 30U;
     static constexpr quint64 kMinimumImageBytes = 64;
 
-    /// Where an image belongs.
+    /// The position of an image in its set.
     struct SkPlace {
         qint64 count; ///< images of the set; any number, not checked
         qint64 index; ///< position in the set; may be outside
@@ -29,8 +29,8 @@ public:
         static SkPlace of(const CkImageMetadata& metadata, bool bHybrid);
     };
 
-    /// Allocates the buffer for sets of iCount images of a format, all missing. There is none after
-    /// SetTooLarge or NoMemory, nor after None when there is nothing to gather.
+    /// Allocates the buffer for sets of iCount images of a format, all missing. There is no buffer after
+    /// SetTooLarge or NoMemory, or after None when there is nothing to gather.
     EkRefusal prepare(const SkPicBufInfo& image, qint64 iCount);
     /// Frees the buffer and forgets all angles.
     void clear();

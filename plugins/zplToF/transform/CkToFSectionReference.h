@@ -6,7 +6,7 @@
 class CkToFSectionReference {
 public:
     /// Allocates the buffers for frames of a format; the reference is zero. False, and no buffers, when
-    /// memory is short.
+    /// memory runs out.
     bool prepare(const SkPicBufInfo& frame);
     void clear();
 
@@ -16,7 +16,7 @@ public:
     /// format.
     bool setReference(const SkPicBuf& frame);
 
-    /// The frame less the reference, saturated; an alias that is valid until the next call. Null without
+    /// The frame minus the reference, saturated; an alias that is valid until the next call. Null without
     /// buffers or for a frame of another format.
     const SkPicBuf* difference(const SkPicBuf& frame);
 

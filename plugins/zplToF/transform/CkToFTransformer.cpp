@@ -69,7 +69,7 @@ CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkIma
     if (m_bGathers && transform->gathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         refusal = m_input.gather(metadata, frame);
         if (frame.input == nullptr && transform->input != SkToFTransform::EkInput::Frame) {
-            // When no set can ever give pixels, each of its images reports it.
+            // When no set of this format can be processed, each of its images reports it.
             const bool incomplete = refusal == EkRefusal::None;
             return withoutOutput(incomplete && isEmpty(out.info) ? EkRefusal::NoOutputPixels : refusal);
         }

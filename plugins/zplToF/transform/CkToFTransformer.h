@@ -14,14 +14,14 @@ struct SkToFFormat {
     CkImageMetadata metadata;
 };
 
-/// The whole path of a frame: takes a reference section away, gathers the images of a set, merges exposure
+/// The whole path of a frame: subtracts a reference section, gathers the images of a set, merges exposure
 /// sections and applies a transform. Knows neither chain nor window; one thread at a time. Apart from the
 /// picture of a result, nothing is allocated for frames like those it was prepared for.
 class CkToFTransformer {
 public:
     using EkRefusal = ToFFrames::EkRefusal;
 
-    /// Provides the picture of a result, zeroed when bClear is set. False when there is none to be had.
+    /// Provides the picture of a result, zeroed when bClear is set. False when none is available.
     using PictureSource = std::function<bool(const SkPicBufInfo& info, bool bClear, CkPicture& picture)>;
 
     enum class EkOutcome {
@@ -37,7 +37,7 @@ public:
         std::unique_ptr<CkImageData> frame; ///< of NewFrame; null otherwise
         EkRefusal refusal = EkRefusal::None;
         /// Why the angles of the set do not fit the transform, untranslated (context CkToFProcessCnbl); null
-        /// when they do. The set is processed all the same, in its nominal order.
+        /// when they do. The set is still processed, in its nominal order.
         const char* angleError = nullptr;
     };
 
@@ -48,7 +48,7 @@ public:
     void clear();
 
     /// Allocates the buffers for frames of a format and forgets the frames seen so far. The refusal is the
-    /// one every set will meet, or None.
+    /// one that every set will get, or None.
     EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
 
     /// Applies a transform (ToFTransform::EkTransformType, any number is allowed) to a frame with pixels.

@@ -2,9 +2,9 @@
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 
-/// A frame on its way through a transform.
+/// A frame in a transform.
 struct SkToFFrame {
-    const SkPicBuf& frame;           ///< as it arrived, less a reference section where there is one
+    const SkPicBuf& frame;           ///< as it arrived, minus the reference section if there is one
     const SkPicBuf* input = nullptr; ///< the gathered set, or the frame; null while a set is incomplete
     bool gathered = false;           ///< the frame belongs to a set that is gathered
     bool hybrid = false;

@@ -10,8 +10,7 @@
 
 namespace {
 
-// Texts of the user interface. "A and B channel" and "A and B channels" are two texts on purpose: both are in
-// use.
+// Texts of the user interface. "A and B channel" and "A and B channels" are different texts: both are in use.
 const char* const kNotSupported =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image data type is not supported.");
 const char* const kWantsAandB =
@@ -41,7 +40,7 @@ const QStringList& namesHybrid() {
     return names;
 }
 
-/// A number that exceeds 32 bits becomes the largest one. No picture is that large, so it is refused later.
+/// Saturates at 32 bits. No picture is that large, so the result is refused later.
 quint32 to32Bits(quint64 value) {
     return quint32(std::min<quint64>(value, std::numeric_limits<quint32>::max()));
 }
@@ -100,7 +99,7 @@ struct ToFNegotiation::SkRequest {
         }
     }
 
-    /// One value per pixel in place of all phases; the result is no raw ToF picture any more.
+    /// One value per pixel in place of all phases; the result is no longer a raw ToF picture.
     void setSingleImage(quint32 channels, EkImageDataType dataType) const {
         out.dataType = dataType;
         out.channels = channels;

@@ -8,8 +8,8 @@ namespace ToFNegotiation {
 
 /// Fills the output descriptor and, when pOutMeta is given, its metadata; without pInMeta the metadata
 /// start from a default record. Returns null on success, otherwise the untranslated error text
-/// (context CkToFProcessCnbl); the output then is a copy of the input, as for a number that is no transform.
-/// Outputs may be the inputs.
+/// (context CkToFProcessCnbl); the output is then a copy of the input, as for a number that is not a
+/// transform. Outputs may be the inputs.
 const char* negotiate(int iTransform, const SkPicBufInfo& in, SkPicBufInfo& out,
                       const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);
 

@@ -13,12 +13,12 @@ namespace ToFNegotiation {
 struct SkRequest;
 }
 
-/// Everything that tells one transform from the others.
+/// The properties of one transform.
 struct SkToFTransform {
     enum class EkInput {
-        Frame,  ///< a frame as it arrived, whether or not it belongs to a set
+        Frame,  ///< a frame as it arrived, in a set or not
         Phases, ///< all phases, or all exposure sections, of a measurement
-        Set     ///< the images of a set, which it puts together; frames that belong to none pass through
+        Set     ///< the images of a set, which it combines; frames outside a set pass through
     };
 
     ToFTransform::EkTransformType type;
@@ -42,7 +42,7 @@ inline constexpr size_t kCount = 7;
 /// In the order of ToFTransform::EkTransformType.
 std::span<const SkToFTransform> all();
 
-/// Null for a number that is none of ToFTransform::EkTransformType.
+/// Null for a number that is not a ToFTransform::EkTransformType.
 const SkToFTransform* find(int iTransform);
 
 } // namespace ToFTransforms
