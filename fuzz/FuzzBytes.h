@@ -17,7 +17,7 @@ public:
         }
         return value;
     }
-    /// Mostly a number below the limit, now and then any number.
+    /// Usually a number below the limit, sometimes any number.
     uint32_t smallOrAny(uint32_t limit) {
         const uint8_t kind = byte();
         return kind >= 250 ? word() : (uint32_t(kind) << 8 | byte()) % limit;

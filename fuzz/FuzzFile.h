@@ -7,7 +7,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-/// A file in memory that can be opened by name: leaves nothing on disk and does not slow the runs down.
+/// A file in memory that can be opened by name: fast, and nothing remains on disk.
 class FuzzFile {
 public:
     FuzzFile() : descriptor(memfd_create("fuzz", MFD_CLOEXEC)) {}

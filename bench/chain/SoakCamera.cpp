@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr quint32 width = 96;
-constexpr quint32 height = 64;
+constexpr quint32 kWidth = 96;
+constexpr quint32 kHeight = 64;
 
 void setLayout(SkPicBufInfo& info, quint32 rows, quint32 channels, EkImageDataType type, quint32 bits) {
-    info = SkPicBufInfo::of(width, rows, channels, type, bits);
+    info = SkPicBufInfo::of(kWidth, rows, channels, type, bits);
 }
 
 void setHybrid(SkPicBufInfo& info, CkImageMetadata& metadata, quint32 rows, qint32 phasesCount) {
@@ -30,26 +30,26 @@ void SoakCamera::describe(Readout readout, SkPicBufInfo& info, CkImageMetadata& 
         metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
         metadata.phasesCount = readout == AandB4 ? 4 : readout == AandB2 ? 2 : 1;
         metadata.phaseSequenceLength = readout == AandBSeparate ? 4 : 0;
-        setLayout(info, height * quint32(metadata.phasesCount), 2, EkImageDataType::UInt16, 12);
+        setLayout(info, kHeight * quint32(metadata.phasesCount), 2, EkImageDataType::UInt16, 12);
         break;
     case AminusB4:
         metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
         metadata.phasesCount = 4;
-        setLayout(info, 4 * height, 1, EkImageDataType::Int16, 12);
+        setLayout(info, 4 * kHeight, 1, EkImageDataType::Int16, 12);
         break;
     case Hybrid:
-        setHybrid(info, metadata, height, 1);
+        setHybrid(info, metadata, kHeight, 1);
         break;
     case HybridSections:
-        setHybrid(info, metadata, 3 * height, 3);
+        setHybrid(info, metadata, 3 * kHeight, 3);
         break;
     case HybridReference:
-        setHybrid(info, metadata, height, 3);
+        setHybrid(info, metadata, kHeight, 3);
         metadata.sectionMode = 3;
         metadata.sectionCount = 4;
         break;
     default:
-        setLayout(info, height, 1, EkImageDataType::UInt8, 8);
+        setLayout(info, kHeight, 1, EkImageDataType::UInt8, 8);
         break;
     }
 }

@@ -19,16 +19,16 @@ namespace {
 using Block = CkToFProcessCnbl;
 using Clock = std::chrono::steady_clock;
 
-constexpr quint32 width = 640;
-constexpr quint32 height = 480;
-constexpr quint32 phases = 4;
-constexpr int setsMadeBeforehand = 8;
+constexpr quint32 kWidth = 640;
+constexpr quint32 kHeight = 480;
+constexpr quint32 kPhases = 4;
+constexpr int kPrecomputedSets = 8;
 
 double nanoseconds(Clock::duration duration) {
     return double(std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
 }
 
-/// Processor time of this thread, unaffected by other programs.
+/// Processor time of this thread, which other programs do not affect.
 double threadNanoseconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -42,7 +42,7 @@ public:
 
     int takeFrame(CkImageData* data) override {
         const std::unique_ptr<CkImageData> frame(data);
-        wrong += frame->picBuf().dataType != m_type || frame->picBuf().width != width;
+        wrong += frame->picBuf().dataType != m_type || frame->picBuf().width != kWidth;
         (frames == 0 ? m_cpuAtFirst : m_cpuAtLast) = threadNanoseconds();
         frames.fetch_add(1, std::memory_order_release);
         return 0;
@@ -66,25 +66,25 @@ private:
 class SimulatedSets : public PushSource {
 public:
     SimulatedSets() {
-        setFormat(width, phases * height, 2, EkImageDataType::UInt16, 12);
+        setFormat(kWidth, kPhases * kHeight, 2, EkImageDataType::UInt16, 12);
         metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
-        metadata.phasesCount = phases;
+        metadata.phasesCount = kPhases;
         CkSimRaster raster(SkSimLens{}, CkSimScene::room());
         CkSimWaveSynth synth;
         synth.setup(SkSimExposure{}, 20.0);
-        for (int set = 0; set < setsMadeBeforehand; ++set) {
+        for (int set = 0; set < kPrecomputedSets; ++set) {
             sets.push_back(makeFrame(quint64(set)));
             raster.moveTo(double(set) / 30.0);
-            for (quint32 phase = 0; phase < phases; ++phase) {
+            for (quint32 phase = 0; phase < kPhases; ++phase) {
                 synth.writePhase(raster, quint64(set), int(phase) * 90, sets.back()->picBuf(),
-                                 phase * height);
+                                 phase * kHeight);
             }
         }
     }
 
     /// Waits until the chain has taken a set.
     void pushSet(int set) {
-        while (!push(std::unique_ptr<CkImageData>(sets[size_t(set % setsMadeBeforehand)]->share()))) {
+        while (!push(std::unique_ptr<CkImageData>(sets[size_t(set % kPrecomputedSets)]->share()))) {
             std::this_thread::yield();
         }
     }
@@ -152,7 +152,7 @@ double stream(benchmark::State& state, BenchChain& chain) {
     qint64 sets = 0;
     const auto begin = Clock::now();
     for (auto _ : state) {
-        chain.source->pushSet(int(sets++ % setsMadeBeforehand));
+        chain.source->pushSet(int(sets++ % kPrecomputedSets));
     }
     chain.waitForFrames(sets);
     const double spent = nanoseconds(Clock::now() - begin);
@@ -190,10 +190,11 @@ void kernelShareOfDepth(benchmark::State& state) {
     double blockNs = 0.0;
     int set = 0;
     for (auto _ : state) {
-        const auto& source = chain.source->sets[size_t(set++ % setsMadeBeforehand)];
+        const auto& source = chain.source->sets[size_t(set++ % kPrecomputedSets)];
         CkImageData* const input = source->share();
         const double begin = threadNanoseconds();
-        const bool done = CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source->picBuf(), result, int(phases));
+        const bool done =
+            CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source->picBuf(), result, int(kPhases));
         const double between = threadNanoseconds();
         const std::unique_ptr<IkChainData> output(block->processData(input));
         const double end = threadNanoseconds();

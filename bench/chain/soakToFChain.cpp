@@ -16,7 +16,7 @@
 #include <thread>
 #include <unistd.h>
 
-// Freed memory in the sanitizer's quarantine, or not yet returned to the system, would look like growth.
+// Memory in the quarantine of the sanitizer, or not yet returned to the system, would look like growth.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
     return "quarantine_size_mb=16:allocator_release_to_os_interval_ms=100";
@@ -26,9 +26,9 @@ namespace {
 
 using Block = CkToFProcessCnbl;
 
-constexpr qint64 framesPerTransform = 50;
-constexpr qint64 framesPerReadout = 70;
-constexpr long toleratedGrowthKiB = 32 * 1024;
+constexpr qint64 kFramesPerTransform = 50;
+constexpr qint64 kFramesPerReadout = 70;
+constexpr long kMaxGrowthKiB = 32 * 1024;
 
 long residentKiB() {
     long pages = 0;
@@ -48,7 +48,7 @@ bool sameFormat(const SkPicBufInfo& first, const SkPicBufInfo& second) {
            first.lineSize == second.lineSize;
 }
 
-/// Whether the frame is what some transform makes of the readout that its metadata name.
+/// Whether the frame is a possible result of a transform for the readout that its metadata name.
 bool isRight(const CkImageData& frame) {
     SkPicBufInfo in;
     CkImageMetadata record;
@@ -78,11 +78,11 @@ public:
     std::atomic<qint64> wrong{0};
 };
 
-/// Changes the transform every so many frames, on a thread of its own, as a user does.
+/// Changes the transform at a fixed interval of frames, from another thread, as a user does.
 void changeTransforms(Block* block, const std::atomic<qint64>& sent, const std::atomic<bool>& done,
                       std::atomic<qint64>& changes) {
     while (!done) {
-        if (sent / framesPerTransform > changes) {
+        if (sent / kFramesPerTransform > changes) {
             ++changes;
             block->setTransform(Block::EkTransformType(changes * 3 % 7), true);
         } else {
@@ -112,8 +112,8 @@ int main(int argc, char** argv) {
     std::thread user([&] { changeTransforms(block, sent, done, changes); });
     long residentAtFirst = 0;
     for (qint64 frame = 0; frame < total; ++frame) {
-        if (frame % framesPerReadout == 0) {
-            camera->setReadout(SoakCamera::Readout(frame / framesPerReadout % SoakCamera::ReadoutCount));
+        if (frame % kFramesPerReadout == 0) {
+            camera->setReadout(SoakCamera::Readout(frame / kFramesPerReadout % SoakCamera::ReadoutCount));
         }
         while (!camera->push(camera->nextFrame())) {
             std::this_thread::yield();
@@ -140,6 +140,6 @@ int main(int argc, char** argv) {
                 static_cast<long long>(total), static_cast<long long>(sink.frames.load()),
                 static_cast<long long>(sink.wrong.load()), static_cast<long long>(changes.load()),
                 residentAtFirst, residentAtLast, stopped ? "stopped cleanly" : "did not stop");
-    const bool good = sink.wrong == 0 && sink.frames > 0 && stopped && growth < toleratedGrowthKiB;
+    const bool good = sink.wrong == 0 && sink.frames > 0 && stopped && growth < kMaxGrowthKiB;
     return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }

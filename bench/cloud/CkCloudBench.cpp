@@ -26,8 +26,8 @@
 
 namespace {
 
-constexpr quint32 Width = 640;
-constexpr quint32 Height = 480;
+constexpr quint32 kWidth = 640;
+constexpr quint32 kHeight = 480;
 
 [[noreturn]] void fail(const char* sWhat) {
     std::cerr << "wrong result: " << sWhat << '\n';
@@ -41,15 +41,15 @@ const SkToFDepthPictures& phasePictures() {
         return frame.pictures();
     }
     SkPicBuf input;
-    CkPicBufAPI::AllocPicBufFromHeap(input, Width, Height, 2, EkImageDataType::Float32, 0, 0, 32,
+    CkPicBufAPI::AllocPicBufFromHeap(input, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
                                      EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
                                      0);
     std::mt19937 random(1);
     std::uniform_real_distribution<float> noise(0.0F, 1.0F);
-    for (quint32 y = 0; y < Height; y++) {
+    for (quint32 y = 0; y < kHeight; y++) {
         auto* row = reinterpret_cast<float*>(input.row(y));
-        for (quint32 x = 0; x < Width; x++) {
-            row[2 * x] = 1.0F + 4.0F * float(x) / Width + 0.2F * noise(random);
+        for (quint32 x = 0; x < kWidth; x++) {
+            row[2 * x] = 1.0F + 4.0F * float(x) / kWidth + 0.2F * noise(random);
             row[2 * x + 1] = noise(random) < 0.1F ? 20.0F : noise(random);
         }
     }
@@ -62,17 +62,17 @@ const SkToFDepthPictures& phasePictures() {
     return frame.pictures();
 }
 
-/// 12 bits in 16, the smallest and the largest possible sample among them.
+/// 12 bits in 16, including the smallest and the largest possible sample.
 const SkToFDepthPictures& genericPictures() {
     static SkToFDepthPictures pictures;
     if (pictures.depthPic.data) {
         return pictures;
     }
-    CkPicBufAPI::AllocPicBufFromHeap(pictures.depthPic, Width, Height, 1, EkImageDataType::UInt16, 0, 0, 12,
+    CkPicBufAPI::AllocPicBufFromHeap(pictures.depthPic, kWidth, kHeight, 1, EkImageDataType::UInt16, 0, 0, 12,
                                      EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
                                      0);
-    for (quint32 y = 0; y < Height; y++) {
-        for (quint32 x = 0; x < Width; x++) {
+    for (quint32 y = 0; y < kHeight; y++) {
+        for (quint32 x = 0; x < kWidth; x++) {
             reinterpret_cast<quint16*>(pictures.depthPic.row(y))[x] = quint16((x * 7 + y * 13) % 4096);
         }
     }
@@ -164,7 +164,7 @@ void cloud(benchmark::State& state, const SkToFDepthPictures& (*pictures)(), boo
     }
     checkEqual(plain, fast);
     compare(
-        state, Width * Height, "pixel", [&] { plain.build(pictures(), parameters); },
+        state, kWidth * kHeight, "pixel", [&] { plain.build(pictures(), parameters); },
         [&] { fast.build(pictures(), parameters); });
     state.SetLabel(fast.lastTargetName());
     ToFKernelChoice::pin(nullptr);
@@ -179,7 +179,7 @@ const std::vector<SkToFPoint>& plyPoints() {
         builder.build(phasePictures(), parameters);
         points.assign(builder.exportPoints().begin(), builder.exportPoints().end());
     }
-    if (points.size() != size_t(Width) * Height) {
+    if (points.size() != size_t(kWidth) * kHeight) {
         fail("PLY points");
     }
     return points;
@@ -209,7 +209,7 @@ void ply(benchmark::State& state) {
 
 void depthFrame(benchmark::State& state) {
     SkPicBuf input;
-    CkPicBufAPI::AllocPicBufFromHeap(input, Width, Height, 2, EkImageDataType::Float32, 0, 0, 32,
+    CkPicBufAPI::AllocPicBufFromHeap(input, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
                                      EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
                                      0);
     CkImageMetadata metadata;
@@ -235,7 +235,7 @@ void registerCloud(const std::string& sName, const SkToFDepthPictures& (*picture
     }
 }
 
-const bool registered = [] {
+const bool kRegistered = [] {
     registerCloud("cloud/lens+confidence+ortho", phasePictures, true, 1.0, false);
     registerCloud("cloud/lens+confidence+ortho/quads", phasePictures, true, 1.0, true);
     registerCloud("cloud/lens+confidence+ortho/gamma", phasePictures, true, 0.5, false);

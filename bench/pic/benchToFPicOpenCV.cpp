@@ -17,7 +17,7 @@ namespace {
 using Api = CkToFPicAPI;
 using Type = EkImageDataType;
 
-constexpr quint32 phases = 4;
+constexpr quint32 kPhases = 4;
 
 /// The pixels of a picture, without a copy.
 cv::Mat matOf(const SkPicBuf& pic, int type) {
@@ -33,11 +33,11 @@ struct OpenCvSteps {
         cv::extractChannel(taps, a, 0);
         cv::extractChannel(taps, b, 1);
         cv::subtract(a, b, differences, cv::noArray(), CV_32F);
-        toPolar(differences, int(source.height / phases));
+        toPolar(differences, int(source.height / kPhases));
     }
 
     void runDifferences(const SkPicBuf& source) {
-        toPolar(matOf(source, CV_16SC1), int(source.height / phases));
+        toPolar(matOf(source, CV_16SC1), int(source.height / kPhases));
     }
 
 private:
@@ -51,22 +51,22 @@ private:
 
 struct Results {
     explicit Results(const SkPicBuf& source)
-        : phase(source.width, source.height / phases, 1, Type::Float32, 32),
-          amplitude(source.width, source.height / phases, 1, Type::UInt16, 16),
-          pairs(source.width, source.height / phases, 2, Type::Float32, 32) {}
+        : phase(source.width, source.height / kPhases, 1, Type::Float32, 32),
+          amplitude(source.width, source.height / kPhases, 1, Type::UInt16, 16),
+          pairs(source.width, source.height / kPhases, 2, Type::Float32, 32) {}
     BenchPicture phase;
     BenchPicture amplitude;
     BenchPicture pairs;
 };
 
 bool runTwoTaps(const SkPicBuf& source, Results& results) {
-    return Api::rawX2PicToPhaseShift_Confidence(source, results.pairs.pic, phases) &&
-           Api::rawX2PicToAmplitude(source, results.amplitude.pic, phases);
+    return Api::rawX2PicToPhaseShift_Confidence(source, results.pairs.pic, kPhases) &&
+           Api::rawX2PicToAmplitude(source, results.amplitude.pic, kPhases);
 }
 
 bool runDifferences(const SkPicBuf& source, Results& results) {
-    return Api::rawAminBPicToPhaseShift(source, results.phase.pic, phases) &&
-           Api::rawAminBPicToAmplitude(source, results.amplitude.pic, phases);
+    return Api::rawAminBPicToPhaseShift(source, results.phase.pic, kPhases) &&
+           Api::rawAminBPicToAmplitude(source, results.amplitude.pic, kPhases);
 }
 
 /// OpenCV's angles are about 0.3 degrees accurate; angles are compared modulo a full turn.
@@ -85,7 +85,7 @@ bool sameAngles(const cv::Mat& angle, const SkPicBuf& phase) {
 }
 
 void countPixels(benchmark::State& state, const SkPicBuf& source) {
-    const quint32 height = source.height / phases;
+    const quint32 height = source.height / kPhases;
     state.counters["ns_per_px"] =
         benchmark::Counter(double(source.width) * double(height) * 1e-9,
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
@@ -131,8 +131,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     cv::setNumThreads(1);
-    const BenchPicture taps = twoTapPicture(phases, Type::UInt16);
-    const BenchPicture differences = differencePicture(phases, Type::Int16);
+    const BenchPicture taps = twoTapPicture(kPhases, Type::UInt16);
+    const BenchPicture differences = differencePicture(kPhases, Type::Int16);
     add("A and B, phase, confidence, amplitude", taps.pic, runTwoTaps, &OpenCvSteps::runTwoTaps);
     add("A minus B, phase, amplitude", differences.pic, runDifferences, &OpenCvSteps::runDifferences);
     RatioReporter reporter;

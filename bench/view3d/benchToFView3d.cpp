@@ -1,4 +1,4 @@
-// The load of the 3D view on a machine: frames of 640 x 480 at 20 per second into a visible window.
+// The processor load of the 3D view: frames of 640 x 480 at 20 per second into a visible window.
 //
 //   xvfb-run -a benchToFView3d [seconds]
 //
@@ -156,7 +156,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "the cloud is not what was given\n");
         return 1;
     }
-    // All but the drawing: the scene takes the buffers up and runs its jobs.
+    // Everything except drawing: the scene still takes over the buffers and runs its jobs.
     Qt3DRender::QFrameGraphNode* leaf = view.scene()->window()->defaultFrameGraph();
     for (auto* child = leaf; child != nullptr; child = leaf->findChild<Qt3DRender::QFrameGraphNode*>()) {
         leaf = child;

@@ -13,9 +13,9 @@
 namespace {
 
 using Api = CkToFPicAPI;
-constexpr uint64_t memoryLimit = 64 * 1024;
+constexpr uint64_t kMemoryLimit = 64 * 1024;
 
-/// A descriptor with exactly the memory it describes, or none where that would be too much.
+/// A descriptor with exactly the memory it describes, or none where that exceeds kMemoryLimit.
 struct FuzzPicture {
     SkPicBuf pic;
     std::unique_ptr<uint8_t[]> memory;
@@ -28,10 +28,10 @@ struct FuzzPicture {
     uint64_t rowBytes() const { return uint64_t(pic.width) * pic.channels * sampleBytes(pic.dataType); }
 
     void allocate(FuzzBytes& input) {
-        bytes = 16; // impossible descriptors must not be followed at all
+        bytes = 16; // pixels of impossible descriptors must not be accessed
         if (describesRows()) {
             const uint64_t needed = uint64_t(pic.height - 1) * pic.lineSize + rowBytes();
-            if (needed > memoryLimit) {
+            if (needed > kMemoryLimit) {
                 return;
             }
             bytes = size_t(needed);
@@ -73,7 +73,7 @@ struct Shape {
     uint32_t resultType;
 };
 
-constexpr int operationCount = 11;
+constexpr int kOperationCount = 11;
 
 Shape likelyShape(int operation, FuzzBytes& input) {
     const uint32_t wide = input.byte() % 2;
@@ -145,8 +145,7 @@ bool hasAngles(const Call& call, const FuzzPicture& result) {
            result.pic.dataType == EkImageDataType::Float32;
 }
 
-/// Bits and value range the same; the range of an angle picture, which may begin or end with an angle, within
-/// a millionth.
+/// Equal bits and value range; for an angle picture, the range within a millionth.
 bool sameDescription(const Call& call, const FuzzPicture& first, const SkPicBuf& second) {
     const auto sameValue = hasAngles(call, first) ? nearlySame : sameBits;
     return first.pic.bitsPerChannel == second.bitsPerChannel &&
@@ -333,11 +332,11 @@ std::string checkClassifiers(FuzzBytes& input) {
 
 std::string checkPicOperation(const uint8_t* bytes, size_t size) {
     FuzzBytes input(bytes, size);
-    const int operation = input.byte() % (operationCount + 2);
-    if (operation == operationCount) {
+    const int operation = input.byte() % (kOperationCount + 2);
+    if (operation == kOperationCount) {
         return checkDepthSearch(input);
     }
-    if (operation == operationCount + 1) {
+    if (operation == kOperationCount + 1) {
         return checkClassifiers(input);
     }
     return checkOperation(operation, input);

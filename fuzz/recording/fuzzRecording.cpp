@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-    // A picture may take two thousand times the bytes of its file.
+    // A picture may need two thousand times the size of its file.
     if (size > 16 * 1024) {
         return -1;
     }

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Enough to reach every path; more only slow each run down.
+// Enough to reach every path; more would only slow down each run.
 constexpr qint64 kMostFrames = 6;
 
 std::string checkText(const QByteArray& text) {
@@ -80,7 +80,7 @@ std::string checkRecording(const uint8_t* bytes, size_t size) {
     if (!reader.open(file.name(), &error)) {
         return error.contains(file.name()) ? std::string() : "a refused file is not named";
     }
-    // Half of the frames from the end: nothing after the damage may be reachable.
+    // Half of the frames are read from the end: frames after the damage must be unreachable.
     const qint64 frames = reader.frameCount();
     for (qint64 step = 0; step < std::min(frames, kMostFrames); ++step) {
         std::string broken = checkFrame(reader, step % 2 == 0 ? step / 2 : frames - 1 - step / 2);

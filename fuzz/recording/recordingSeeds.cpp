@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr quint32 width = 5;
-constexpr quint32 height = 3;
+constexpr quint32 kWidth = 5;
+constexpr quint32 kHeight = 3;
 
 void require(bool done, const QString& file) {
     if (!done) {
@@ -25,12 +25,12 @@ void require(bool done, const QString& file) {
 
 SkFrameDescription describe(quint32 channels, EkImageDataType type, quint64 number) {
     SkFrameDescription made;
-    made.info.width = width;
-    made.info.height = height;
+    made.info.width = kWidth;
+    made.info.height = kHeight;
     made.info.channels = channels;
     made.info.dataType = type;
     made.info.bitsPerChannel = sampleBytes(type) * 8;
-    made.info.lineSize = width * channels * sampleBytes(type);
+    made.info.lineSize = kWidth * channels * sampleBytes(type);
     made.additionalData.frameNumber = number;
     made.metadata.frameNumber = number;
     made.metadata.channelNames = QStringList{QStringLiteral("A"), QStringLiteral("\u00e4\"")};
@@ -49,7 +49,7 @@ void writeOurs(const QString& file, quint32 channels, EkImageDataType type,
     require(writer.open(file, recording, compression), file);
     for (quint64 number = 0; number < 2; ++number) {
         const SkFrameDescription frame = describe(channels, type, number);
-        std::vector<quint8> samples(size_t(frame.info.lineSize) * height, quint8(17 * number + 3));
+        std::vector<quint8> samples(size_t(frame.info.lineSize) * kHeight, quint8(17 * number + 3));
         SkPicBuf picture;
         static_cast<SkPicBufInfo&>(picture) = frame.info;
         picture.data = samples.data();
@@ -58,7 +58,7 @@ void writeOurs(const QString& file, quint32 channels, EkImageDataType type,
     require(writer.close(), file);
 }
 
-/// Files that claim more than they hold, small enough for a fuzz corpus.
+/// Files that declare more than they contain, small enough for a fuzz corpus.
 void writeHostile(const QDir& folder) {
     const auto name = [&folder](const char* shape) {
         return folder.filePath(QStringLiteral("hostile-%1.tif").arg(QLatin1String(shape)));
@@ -125,7 +125,7 @@ int main(int count, char** arguments) {
     };
     for (const auto& [name, form] : foreign) {
         const QString file = folder.filePath(QString::fromLatin1(name) + QStringLiteral(".tif"));
-        require(writeForeignTiff(file, width, height, form,
+        require(writeForeignTiff(file, kWidth, kHeight, form,
                                  [](int, quint32, quint32, quint32) { return quint16(1234); }),
                 file);
     }
