@@ -16,8 +16,8 @@ using ::testing::Pointwise;
 namespace {
 
 // The relative error of a standard deviation of n samples is 1 / sqrt(2 n): 0.5 % here.
-constexpr int samples = 20000;
-constexpr double tolerance = 0.025;
+constexpr int kSamples = 20000;
+constexpr double kTolerance = 0.025;
 
 double deviation(const std::vector<double>& values) {
     double mean = 0.0;
@@ -42,7 +42,7 @@ TEST(ToFNoiseLimit, PhasesScatterAsCountedPhotonsDo) {
     const double truth = 1.1;
     for (const int phases : {2, 4, 8}) {
         std::vector<double> measured;
-        for (int i = 0; i < samples; ++i) {
+        for (int i = 0; i < kSamples; ++i) {
             double x = 0.0;
             double y = 0.0;
             for (int k = 0; k < phases; ++k) {
@@ -59,7 +59,7 @@ TEST(ToFNoiseLimit, PhasesScatterAsCountedPhotonsDo) {
             measured.push_back(std::atan2(y, x));
         }
         const double expected = wavePhaseSigma(signal, total, contrast, phases, 2.0 * readNoise * readNoise);
-        EXPECT_NEAR(deviation(measured) / expected, 1.0, tolerance) << phases;
+        EXPECT_NEAR(deviation(measured) / expected, 1.0, kTolerance) << phases;
     }
 }
 
@@ -78,7 +78,7 @@ TEST(ToFNoiseLimit, PulsesScatterAsCountedPhotonsDo) {
         const double pulse = 8000.0;
         const double ambient = 700.0;
         std::vector<double> measured;
-        for (int i = 0; i < samples; ++i) {
+        for (int i = 0; i < kSamples; ++i) {
             const auto window = [&](double electrons) {
                 return double(std::poisson_distribution<int>(electrons)(random));
             };
@@ -89,7 +89,7 @@ TEST(ToFNoiseLimit, PulsesScatterAsCountedPhotonsDo) {
         }
         const double expected =
             pulseShareSigma(ambient + pulse * (1.0 - share), ambient + pulse * share, ambient);
-        EXPECT_NEAR(deviation(measured) / expected, 1.0, tolerance) << share;
+        EXPECT_NEAR(deviation(measured) / expected, 1.0, kTolerance) << share;
     }
 }
 
@@ -154,7 +154,7 @@ TEST(ToFAccuracyLimits, EachLimitIsItsOwn) {
                            QStringLiteral("standard deviation of 6 mm (limit 5.9 mm)"),
                            QStringLiteral("1.5 times the sensor's noise (limit 1.4)"),
                            QStringLiteral("90 % valid pixels (limit 91 %)")}));
-    // Nothing valid is worse than any bias.
+    // A cell without valid pixels exceeds every limit.
     result.biasMm = std::nan("");
     limits = {1e9, {}, {}, {}};
     EXPECT_EQ(limits.exceededBy(result).size(), 1);
@@ -181,7 +181,7 @@ TEST(ToFSvgPlot, LeavesOutWhatCannotBeDrawn) {
     EXPECT_EQ(svg.count(QLatin1String("<circle")), 2);
     EXPECT_FALSE(svg.contains(QLatin1String("nan")) || svg.contains(QLatin1String("inf")));
     EXPECT_TRUE(svg.contains(QLatin1String("a &lt; b &amp; c")));
-    // Nothing at all still makes a picture.
+    // An empty plot is still valid.
     plot.series.clear();
     EXPECT_FALSE(plot.svg().contains(QLatin1String("nan")));
 }

@@ -9,23 +9,23 @@
 
 namespace {
 
-constexpr double fullPixel = 60000.0; // electrons that the largest count stands for
-constexpr double signalAtOneMetre = 60000.0;
-constexpr double ambientLight = 4000.0;
-constexpr double wallShare = 0.65; // of the ambient light, on a wall
-constexpr double contrast = 0.9;
-constexpr double readNoise = 25.0;
-constexpr double lightSpeed = 299.70254; // m MHz
+constexpr double kFullPixel = 60000.0; // electrons that the largest count stands for
+constexpr double kSignalAtOneMetre = 60000.0;
+constexpr double kAmbientLight = 4000.0;
+constexpr double kWallShare = 0.65; // of the ambient light, on a wall
+constexpr double kContrast = 0.9;
+constexpr double kReadNoise = 25.0;
+constexpr double kLightSpeed = 299.70254; // m MHz
 
 double stepOf(int bits) {
-    return fullPixel / (std::pow(2.0, bits) - 1.0);
+    return kFullPixel / (std::pow(2.0, bits) - 1.0);
 }
 
 double millimetresPerRadian(double megahertz) {
-    return 1000.0 * lightSpeed / (2.0 * megahertz) / (2.0 * std::numbers::pi);
+    return 1000.0 * kLightSpeed / (2.0 * megahertz) / (2.0 * std::numbers::pi);
 }
 
-/// Small, so that all pixels are as good as the one in the middle.
+/// Small, so that all pixels are nearly equivalent to the one in the middle.
 SkToFAccuracySetup smallSetup() {
     SkToFAccuracySetup setup;
     setup.width = 40;
@@ -38,12 +38,12 @@ SkToFAccuracySetup smallSetup() {
 /// weighted with sqrt(1/2). The length of the vector is C S N / 2.
 double roundingBound(const SkToFAccuracyPoint& point) {
     const double steps = point.phases == 2 ? 1.0 : point.phases == 4 ? 2.0 : 2.0 + 4.0 * std::sqrt(0.5);
-    // The corners lie 0.2 and 0.15 mm from the middle of the chip, behind a lens of 3.5 mm; light falls with
+    // The corners lie 0.2 and 0.15 mm from the middle of the chip, with a lens of 3.5 mm; light falls with
     // the cube of the cosine.
     const double cosine = 3.5 / std::hypot(3.5, 0.2, 0.15);
     const double signal =
-        signalAtOneMetre * point.reflectivity / (point.distanceM * point.distanceM) * std::pow(cosine, 3.0);
-    const double length = contrast * signal * point.phases / 2.0;
+        kSignalAtOneMetre * point.reflectivity / (point.distanceM * point.distanceM) * std::pow(cosine, 3.0);
+    const double length = kContrast * signal * point.phases / 2.0;
     return std::asin(std::sqrt(2.0) * steps * stepOf(point.bits) / length) *
            millimetresPerRadian(point.modulation);
 }
@@ -87,7 +87,7 @@ TEST_F(ToFAccuracyTest, WithoutNoiseOnlyRoundingIsLeft) {
             }
         }
     }
-    // The bound is tight enough for a millimetre to be seen.
+    // The bound is tight enough to detect an error of a millimetre.
     SkToFAccuracyPoint fine;
     fine.bits = 16;
     fine.distanceM = 2.3;
@@ -106,23 +106,24 @@ TEST_F(ToFAccuracyTest, NoiseIsWhatTheElectronsSay) {
                 point.ambient = ambient;
                 point.distanceM = 2.0;
                 point.bits = 16;
-                const double signal = signalAtOneMetre * point.reflectivity / 4.0;
-                const double total = signal + ambientLight * ambient * wallShare * point.reflectivity;
-                const double variance = total + 2.0 * readNoise * readNoise;
-                const double expected = std::sqrt(2.0 * variance / phases) / (contrast * signal) *
+                const double signal = kSignalAtOneMetre * point.reflectivity / 4.0;
+                const double total = signal + kAmbientLight * ambient * kWallShare * point.reflectivity;
+                const double variance = total + 2.0 * kReadNoise * kReadNoise;
+                const double expected = std::sqrt(2.0 * variance / phases) / (kContrast * signal) *
                                         millimetresPerRadian(megahertz);
                 const SkToFAccuracyResult result = measureAccuracy(point, setup);
                 ASSERT_TRUE(result.error.isEmpty()) << qPrintable(result.error);
                 ASSERT_EQ(result.valid, 10 * 40 * 30);
-                // 12000 samples know their deviation to 0.65 %, the light falls by 1 % towards the corners.
+                // The standard deviation of 12000 samples is accurate to 0.65 %; the light falls by 1 %
+                // towards the corners.
                 EXPECT_NEAR(result.stdMm / expected, 1.0, 0.04) << phases << ' ' << megahertz;
                 EXPECT_NEAR(result.sensorMm / expected, 1.0, 0.02);
                 EXPECT_LT(result.shotMm, result.sensorMm);
                 EXPECT_NEAR(result.signal / signal, 1.0, 0.02);
                 EXPECT_NEAR(result.total / total, 1.0, 0.02);
-                // The mean of n errors lies within five of its own deviations.
+                // The mean of n errors is within five of its standard deviations.
                 EXPECT_LE(std::abs(result.biasMm), 5.0 * expected / std::sqrt(12000.0));
-                // Of a normal distribution 95 % lie within 1.96 deviations.
+                // 95 % of a normal distribution are within 1.96 standard deviations.
                 EXPECT_NEAR(result.p95Mm / expected, 1.96, 0.1);
             }
         }
@@ -162,7 +163,7 @@ TEST_F(ToFAccuracyTest, AHybridCameraIsAsExactAsItsCounts) {
     setup.noise = true;
     setup.frames = 10;
     const double share = 3000.0 / range;
-    const double light = 600.0 * wallShare * 0.8;
+    const double light = 600.0 * kWallShare * 0.8;
     const double other = 15.0 * 15.0;
     const double variance = share * share * (light + pulse * (1.0 - share) + other) +
                             (1.0 - share) * (1.0 - share) * (light + pulse * share + other) +
@@ -190,7 +191,7 @@ TEST_F(ToFAccuracyTest, TheReportIsOnePageThatNeedsNothingElse) {
     const SkRun run = tof("accuracy --frequency 20,60 --distance 1,2 --phases 4 --bits 12 --frames 1 "
                           "--size 32,24 --pulse 40 out.html");
     ASSERT_EQ(run.code, 0) << qPrintable(run.err);
-    EXPECT_TRUE(run.err.isEmpty()); // no bar where nobody watches
+    EXPECT_TRUE(run.err.isEmpty()); // no progress bar without a terminal
     EXPECT_TRUE(run.out.isEmpty());
     const QByteArray page = contents("out.html");
     QXmlStreamReader reader(page);
@@ -239,7 +240,7 @@ TEST_F(ToFAccuracyTest, TheSameSeedGivesTheSameReport) {
             .code,
         0);
     EXPECT_NE(contents("b.txt"), cells);
-    // A cell is the same whatever stands beside it.
+    // A cell does not depend on the rest of the matrix.
     ASSERT_EQ(tof("accuracy --camera wave --distance 1.5 --frames 2 --size 32,24 --seed 5 c.html").code, 0);
     EXPECT_TRUE(cells.contains(contents("c.csv").split('\n').value(1)));
 }
@@ -257,7 +258,7 @@ TEST_F(ToFAccuracyTest, LimitsDecideTheExitCode) {
     EXPECT_TRUE(
         run.err.contains(QLatin1String("4 phases, 12 bit, 2 m, 80 %, ambient 0: standard deviation")));
     EXPECT_FALSE(run.err.contains(QLatin1String("12 bit, 1 m")));
-    // What was exceeded is to be read up all the same.
+    // The report is written all the same and lists what was exceeded.
     EXPECT_TRUE(contents("b.html").contains(">1 limit exceeded:"));
     EXPECT_EQ(table("b.csv").size(), 3U);
 }

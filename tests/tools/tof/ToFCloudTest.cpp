@@ -95,7 +95,7 @@ TEST_F(ToFCloudTest, TheCameraWinsOverSettingsAndOptionsOverTheCamera) {
     ASSERT_EQ(tof("cloud --settings-file viewer.ini --frequency 30 --frame 0 camera.tif a.ply").code, 0);
     EXPECT_NEAR(points("a.ply")[0][2], radian30, 0.01);
 
-    // The viewer's own file, where the viewer keeps it.
+    // The settings file of the viewer, at its default location.
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral(".config/Orvane")));
     setContents(".config/Orvane/zuviewer.ini", contents("viewer.ini"));
     ASSERT_EQ(tof("cloud --from-settings --frame 0 plain.tif a.ply").code, 0);

@@ -12,7 +12,7 @@
 #include <functional>
 #include <gmock/gmock.h>
 
-/// Runs the program in a folder of the test's own, without display and settings.
+/// Runs the program in a folder of its own, without display and settings.
 class ToFFixture : public ::testing::Test {
 protected:
     struct SkRun {

@@ -13,8 +13,8 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// What the manual page promises. The address sanitizer keeps memory that was given back, the thread sanitizer
-// several bytes about each.
+// The limit of the manual page. The address sanitizer retains freed memory, the thread sanitizer adds several
+// bytes for each byte in use.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr qint64 kPeakMiB = 10240;
 constexpr qint64 kKeptMiB = 1024;
@@ -131,7 +131,7 @@ TEST_F(ToFHostileTest, AMillionPagesAndMoreAreCountedAndLeftOut) {
     ASSERT_TRUE(HostileFiles::emptyDirectories(file(), 5'000'000));
     const SkMeasuredRun run = tof("image hostile.tif out.png");
     EXPECT_EQ(run.code, 3);
-    EXPECT_LT(run.peakMiB, 128 + kKeptMiB); // the offsets take 8 bytes a page
+    EXPECT_LT(run.peakMiB, 128 + kKeptMiB); // the offsets take 8 bytes per page
     EXPECT_THAT(run.err.toStdString(), HasSubstr("page 1000001: The file has more than 1000000 pages"));
     const SkMeasuredRun fewer = tof("info --max-pages 10 hostile.tif");
     EXPECT_THAT(fewer.err.toStdString(), HasSubstr("page 11: The file has more than 10 pages"));
@@ -165,7 +165,7 @@ TEST_F(ToFHostileTest, OptionsMoveTheLimits) {
     EXPECT_EQ(tof("image --memory 0 hostile.tif out.tif").code, 2);
     EXPECT_EQ(tof("image --max-pages 0 hostile.tif out.tif").code, 2);
     EXPECT_EQ(tof("image --max-expansion x hostile.tif out.tif").code, 2);
-    // No raw picture, whatever the memory.
+    // Not a raw picture, whatever the memory limit.
     EXPECT_EQ(tof("process --transform depth --memory 9999999999999999 hostile.tif out.tif").code, 6);
 }
 
@@ -195,7 +195,7 @@ TEST_F(ToFHostileTest, EveryFrameOfALongListIsWritten) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(frames[i].toObject().value(QLatin1String("room")).toInt(-1), i);
     }
-    // As the document itself would be written.
+    // Indented as in a document of its own.
     EXPECT_EQ(all.out.trimmed(),
               QString::fromUtf8(QJsonDocument::fromJson(all.out.toUtf8()).toJson()).trimmed());
 }

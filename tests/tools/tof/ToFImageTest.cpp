@@ -10,12 +10,12 @@ struct SkPng {
     quint32 height = 0;
     int bits = 0;
     int colour = -1;
-    QByteArray rows; ///< each with its filter byte in front
+    QByteArray rows; ///< each after its filter byte
 };
 
 class ToFImageTest : public ToFFixture {
 protected:
-    /// Takes a PNG of one data chunk apart.
+    /// Parses a PNG with one data chunk.
     SkPng png(const char* name) const {
         const QByteArray bytes = contents(name);
         SkPng read;
@@ -40,7 +40,7 @@ protected:
         }
         return read;
     }
-    /// The remainder of a division of polynomials, bit by bit.
+    /// CRC-32 by polynomial division, bit by bit.
     static quint32 slowCrc(const QByteArray& bytes) {
         quint32 remainder = 0xffffffffU;
         for (const char byte : bytes) {
@@ -151,7 +151,7 @@ TEST_F(ToFImageTest, TheEndingDecidesTheFormat) {
     EXPECT_EQ(open("b.tiff")->frameCount(), 1);
     ASSERT_EQ(tof("image a.tif b.PNG").code, 0);
     EXPECT_EQ(png("b.PNG").bits, 8);
-    // What has no ending says nothing, a number is none.
+    // Without a suffix any format fits, and a number is no suffix.
     ASSERT_EQ(tof("image --format png16 a.tif room-1.5").code, 0);
     EXPECT_EQ(png("room-1.5").bits, 16);
     ASSERT_EQ(tof("image a.tif plain").code, 0);

@@ -24,7 +24,7 @@ TEST(ToFInOrderTest, NoMoreIsBegunThanHasRoom) {
             },
             [&](qint64 i, qint64 result) {
                 EXPECT_EQ(i, result);
-                // The workers have the time to get ahead.
+                // Gives the workers time to run ahead.
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
                 --open;
                 order.push_back(result);
@@ -34,7 +34,7 @@ TEST(ToFInOrderTest, NoMoreIsBegunThanHasRoom) {
         return most.load();
     };
     EXPECT_LE(run(25, 10), 2);
-    EXPECT_EQ(run(25, 26), 1); // more than there is room for: one at a time
+    EXPECT_EQ(run(25, 26), 1); // above the budget: one at a time
     EXPECT_LE(run(0, 0), 2 * int(std::max(1U, std::thread::hardware_concurrency())));
 }
 
@@ -53,7 +53,7 @@ TEST(ToFInOrderTest, EndsWhereFinishWantsNoMore) {
             return i < 4;
         });
     EXPECT_EQ(finished, (std::vector<qint64>{0, 1, 2, 3, 4}));
-    // What was ahead when the fifth was refused, and no more.
+    // Only the items in flight when the fifth was refused.
     EXPECT_LE(begun.load(), 4 + 2 * int(std::max(1U, std::thread::hardware_concurrency())));
 }
 

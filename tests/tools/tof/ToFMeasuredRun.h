@@ -10,15 +10,15 @@
 #include <unistd.h>
 #include <vector>
 
-/// A run of the program and what it took.
+/// A run of the program and its resource usage.
 struct SkMeasuredRun {
     int code = -1; ///< -1: ended by a signal
     qint64 peakMiB = 0;
     QString err;
 };
 
-/// Runs the program in a folder; its output goes to a file there. Ended by the system after five minutes of
-/// the processor or 4 GB in one file.
+/// Runs the program in a folder; its output goes to a file there. Killed by the system after five minutes of
+/// processor time or 4 GB in one file.
 inline SkMeasuredRun measuredRun(const QString& folder, const QStringList& arguments) {
     std::vector<QByteArray> words = {QByteArray(TOF_PROGRAM)};
     for (const QString& argument : arguments) {

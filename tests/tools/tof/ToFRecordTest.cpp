@@ -6,7 +6,7 @@
 
 namespace {
 
-// Files of this program may not grow further, as on a full disk.
+// Limits the file size of the program, to simulate a full disk.
 void narrow(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {bytes, bytes};

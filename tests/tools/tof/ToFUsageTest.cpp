@@ -8,14 +8,14 @@ namespace {
 
 class ToFUsageTest : public ToFFixture {};
 
-const char* const commands[] = {"info", "record", "process", "cloud", "image", "accuracy"};
+const char* const kCommands[] = {"info", "record", "process", "cloud", "image", "accuracy"};
 
 } // namespace
 
 TEST_F(ToFUsageTest, HelpOfEachCommandShowsExamples) {
     const SkRun overview = tof("--help");
     EXPECT_EQ(overview.code, 0);
-    for (const char* command : commands) {
+    for (const char* command : kCommands) {
         EXPECT_TRUE(overview.out.contains(QLatin1String("\n  ") + QLatin1String(command))) << command;
         const SkRun run = runIn(m_folder.path(), {QString::fromLatin1(command), QStringLiteral("--help")});
         EXPECT_EQ(run.code, 0);
@@ -36,7 +36,7 @@ TEST_F(ToFUsageTest, ManualAndCompletionKnowEveryOption) {
     const QString manual = source("tof.1").replace(QLatin1String("\\-"), QLatin1String("-"));
     const QString completion = source("tof.bash");
     int options = 0;
-    for (const char* command : commands) {
+    for (const char* command : kCommands) {
         const SkRun run = runIn(m_folder.path(), {QString::fromLatin1(command), QStringLiteral("--help")});
         const QRegularExpression option(QStringLiteral("^  (--[a-z0-9-]+)"),
                                         QRegularExpression::MultilineOption);

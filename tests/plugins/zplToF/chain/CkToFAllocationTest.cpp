@@ -1,4 +1,4 @@
-// Counts what the block takes from the heap for a frame, and refuses it.
+// Counts the heap allocations of the block per frame, and makes them fail.
 
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
@@ -13,7 +13,7 @@ namespace {
 thread_local bool counting = false;
 thread_local size_t allocations = 0;
 thread_local size_t largest = 0;
-thread_local size_t refusedFrom = SIZE_MAX; ///< from this many bytes on there is no memory
+thread_local size_t refusedFrom = SIZE_MAX; ///< allocations of at least this many bytes fail
 
 bool note(size_t bytes) {
     if (counting) {
@@ -25,8 +25,8 @@ bool note(size_t bytes) {
 
 } // namespace
 
-// The C allocator is where pixel memory comes from, operator new where containers do; both end here.
-// Sanitizers bring an allocator of their own; there only operator new is seen.
+// Pixel memory comes from the C allocator, containers use operator new; both end here. Sanitizers have an
+// allocator of their own: with them only operator new is counted.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 extern "C" {
 void* __libc_malloc(size_t);
@@ -76,7 +76,7 @@ Count countOf(const Action& action) {
     return {allocations, largest};
 }
 
-/// What the frame object itself costs, which every output needs.
+/// Allocations of the frame object itself, which every output needs.
 Count costOfOneFrameObject() {
     const CkImageMetadata metadata;
     std::unique_ptr<CkImageData> data;
@@ -86,7 +86,7 @@ Count costOfOneFrameObject() {
     });
 }
 
-/// Processes frames until nothing is new any more, then counts one frame after the other.
+/// Processes frames up to the steady state, then counts for each frame.
 void expectNoAllocation(ToFChainRig& rig, const std::function<std::unique_ptr<CkImageData>(int)>& makeFrame,
                         int period, bool expectOutput) {
     const Count frameObject = costOfOneFrameObject();
@@ -223,7 +223,7 @@ TEST(AllocationPerFrame, NoneForFramesThatAreDropped) {
     const std::unique_ptr<CkImageData> second = rig.frame(5);
     IkChainData* answer = nullptr;
     Count count{};
-    // Both at once: the first one makes the chain renegotiate when it gets to it.
+    // Both at once: the chain renegotiates when it reaches the first one.
     rig.onChainThread([&] {
         EXPECT_EQ(rig.block->processData(first.get()), nullptr);
         count = countOf([&] { answer = rig.block->processData(second.get()); });
@@ -232,7 +232,7 @@ TEST(AllocationPerFrame, NoneForFramesThatAreDropped) {
     EXPECT_LT(count.largest, 1024U) << "no pixel memory";
 }
 
-/// Starts the chain while there is no memory for anything of a megabyte.
+/// Starts the chain while allocations of a megabyte fail.
 void startInSmallMemory(ToFChainRig& rig, int transform) {
     refusedFrom = 1U << 20U;
     rig.start(transform);

@@ -4,8 +4,8 @@
 
 namespace {
 
-const QString wrongType = "The input image data type is not supported.";
-const QString fourPhases = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
+const QString kWrongType = "The input image data type is not supported.";
+const QString kFourPhases = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
 using namespace ToFTexts;
 
 TEST(ErrorText, ANegotiationErrorAppearsStaysAndClears) {
@@ -16,9 +16,9 @@ TEST(ErrorText, ANegotiationErrorAppearsStaysAndClears) {
     EXPECT_FALSE(rig.process(rig.frame(5)).empty());
     rig.source->setFormat(4, 4, 3, EkImageDataType::UInt16, 12);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    EXPECT_EQ(rig.block->errorMessage(), wrongType);
+    EXPECT_EQ(rig.block->errorMessage(), kWrongType);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    EXPECT_EQ(rig.block->errorMessage(), wrongType);
+    EXPECT_EQ(rig.block->errorMessage(), kWrongType);
     rig.useAandB(4, 4, 2);
     EXPECT_FALSE(rig.process(rig.frame(5)).empty());
     EXPECT_EQ(rig.block->errorMessage(), QString());
@@ -38,7 +38,7 @@ TEST(ErrorText, ABlockThatCannotNegotiateSaysSoAtTheStart) {
     ToFChainRig rig;
     rig.source->setFormat(4, 4, 3, EkImageDataType::UInt16, 12);
     rig.start(CkToFProcessCnbl::SetABPhase);
-    EXPECT_EQ(rig.block->errorMessage(), wrongType);
+    EXPECT_EQ(rig.block->errorMessage(), kWrongType);
     rig.stop();
     rig.useAandB(4, 4, 2);
     rig.start(CkToFProcessCnbl::SetABPhase);
@@ -122,7 +122,7 @@ TEST(ErrorText, IncompleteAnglesAreProcessedAndReported) {
             EXPECT_EQ(rig.block->errorMessage(), QString()) << "nothing to say of a set that is not complete";
         }
         EXPECT_FALSE(rig.process(rig.phase(3, 135, 200, 100)).empty());
-        EXPECT_EQ(rig.block->errorMessage(), fourPhases);
+        EXPECT_EQ(rig.block->errorMessage(), kFourPhases);
     }
     // A frame without a message of its own clears it.
     EXPECT_TRUE(rig.process(rig.phase(0, 0, 200, 100)).empty());
@@ -137,12 +137,12 @@ TEST(ErrorText, StaysWhileEachFrameCompletesABadSet) {
     for (qint32 index = 0; index < 4; ++index) {
         rig.process(rig.phase(index, 0, 200, 100));
     }
-    EXPECT_EQ(rig.block->errorMessage(), fourPhases);
+    EXPECT_EQ(rig.block->errorMessage(), kFourPhases);
     EXPECT_FALSE(rig.process(rig.phase(3, 0, 200, 100)).empty());
-    EXPECT_EQ(rig.block->errorMessage(), fourPhases);
+    EXPECT_EQ(rig.block->errorMessage(), kFourPhases);
     rig.process(rig.phase(1, 90, 200, 100));
     rig.process(rig.phase(2, 180, 200, 100));
-    EXPECT_EQ(rig.block->errorMessage(), fourPhases);
+    EXPECT_EQ(rig.block->errorMessage(), kFourPhases);
     EXPECT_FALSE(rig.process(rig.phase(3, 270, 200, 100)).empty());
     EXPECT_EQ(rig.block->errorMessage(), QString());
 }

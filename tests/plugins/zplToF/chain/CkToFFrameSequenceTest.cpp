@@ -1,5 +1,5 @@
-// What comes of frame after frame, as a table: sets of phases and sections, reference sections, transforms
-// that need no set, a pool without a free picture, and the error text beside it.
+// Sequences of frames with their expected outputs and error texts, as a table: sets of phases and sections,
+// reference sections, transforms that need no set, a pool without a free picture.
 
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
@@ -11,24 +11,24 @@ using Block = CkToFProcessCnbl;
 
 using namespace ToFTexts;
 const QString none;
-const QString two = "2 phases processing requires phases with 0 and 90 deg.";
-const QString four = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
-const QString odd = "ToF processing requires 2, 4 or 8 phases.";
-const QString wrongKind = "The input image must be RAWX2 image with A and B channel, or RAW A minus B ToF "
-                          "image, or X1X2X3 ToF image.";
+const QString kTwoPhases = "2 phases processing requires phases with 0 and 90 deg.";
+const QString kFourPhases = "4 phases processing requires phases with 0, 90, 180 and 270 deg.";
+const QString kOddPhases = "ToF processing requires 2, 4 or 8 phases.";
+const QString kWrongKind = "The input image must be RAWX2 image with A and B channel, or RAW A minus B ToF "
+                           "image, or X1X2X3 ToF image.";
 
 using Out = std::vector<int>;
 
-/// A frame of 4 x 2 pixels and what has to come of it.
+/// A frame of 4 x 2 pixels and its expected result.
 struct Step {
     qint64 index;  ///< in its set
-    qint64 count;  ///< images of the set, as this frame says
+    qint64 count;  ///< images of the set, by the metadata of this frame
     int value;     ///< of its pixels, see frameOf
-    Out rows;      ///< of the output, one value a row; empty: no output
+    Out rows;      ///< of the output, one value per row; empty: no output
     QString error; ///< shown on the block afterwards
     qint32 angle = 0;
     bool foreign = false;       ///< a colour picture instead
-    bool releaseBefore = false; ///< the outputs kept so far are given back first
+    bool releaseBefore = false; ///< the outputs kept so far are released first
 };
 
 enum class Kind { Phases, Sections };
@@ -216,7 +216,7 @@ std::vector<Sequence> sections() {
          Block::ConcatPhases,
          3,
          {{0, 3, 500, {}, none},
-          {1, 0, 9, {}, noOutput}, // not one of several: two rows for three phases
+          {1, 0, 9, {}, noOutput}, // not part of a set: two rows for three phases
           {1, 0xffffffff, 9, {}, noOutput},
           {0xffffffff, 3, 9, {}, outsideSet},
           {0, 3, 500, {}, none},
@@ -273,10 +273,10 @@ std::vector<Sequence> poolAndErrors() {
          2,
          {{.index = 0, .count = 2, .value = 60, .rows = {}, .error = none, .angle = 0},
           {.index = 1, .count = 2, .value = 80, .rows = {50, 50}, .error = none, .angle = 90},
-          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = two, .angle = 180},
-          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = two, .angle = 45},
+          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = kTwoPhases, .angle = 180},
+          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = kTwoPhases, .angle = 45},
           {.index = 1, .count = 2, .value = 80, .rows = {50, 50}, .error = none, .angle = 90},
-          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = two, .angle = 0},
+          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = kTwoPhases, .angle = 0},
           {.index = 0, .count = 2, .value = 60, .rows = {}, .error = none, .angle = 0}}},
         {"four phases need their four angles",
          Kind::Phases,
@@ -285,7 +285,7 @@ std::vector<Sequence> poolAndErrors() {
          {{.index = 0, .count = 4, .value = 0, .rows = {}, .error = none, .angle = 0},
           {.index = 1, .count = 4, .value = 0, .rows = {}, .error = none, .angle = 90},
           {.index = 2, .count = 4, .value = 0, .rows = {}, .error = none, .angle = 180},
-          {.index = 3, .count = 4, .value = 0, .rows = {0, 0}, .error = four, .angle = 360},
+          {.index = 3, .count = 4, .value = 0, .rows = {0, 0}, .error = kFourPhases, .angle = 360},
           {.index = 3, .count = 4, .value = 0, .rows = {0, 0}, .error = none, .angle = 270}}},
         {"three phases are none that can be processed: a zero picture",
          Kind::Phases,
@@ -293,16 +293,16 @@ std::vector<Sequence> poolAndErrors() {
          3,
          {{.index = 0, .count = 3, .value = 60, .rows = {}, .error = none, .angle = 0},
           {.index = 1, .count = 3, .value = 60, .rows = {}, .error = none, .angle = 90},
-          {.index = 2, .count = 3, .value = 60, .rows = {0, 0}, .error = odd, .angle = 180}}},
+          {.index = 2, .count = 3, .value = 60, .rows = {0, 0}, .error = kOddPhases, .angle = 180}}},
         {"a negotiation error appears, stays, clears, and does not replace a message that is shown",
          Kind::Phases,
          Block::Amplitude,
          2,
-         {{.index = 0, .count = 0, .value = 5, .rows = {}, .error = wrongKind, .foreign = true},
-          {.index = 0, .count = 0, .value = 5, .rows = {}, .error = wrongKind, .foreign = true},
+         {{.index = 0, .count = 0, .value = 5, .rows = {}, .error = kWrongKind, .foreign = true},
+          {.index = 0, .count = 0, .value = 5, .rows = {}, .error = kWrongKind, .foreign = true},
           {.index = 0, .count = 2, .value = 60, .rows = {}, .error = none, .angle = 0},
-          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = two, .angle = 45},
-          {.index = 0, .count = 0, .value = 5, .rows = {}, .error = two, .foreign = true},
+          {.index = 1, .count = 2, .value = 0, .rows = {30, 30}, .error = kTwoPhases, .angle = 45},
+          {.index = 0, .count = 0, .value = 5, .rows = {}, .error = kTwoPhases, .foreign = true},
           {.index = 1, .count = 2, .value = 80, .rows = {50, 50}, .error = none, .angle = 90}}},
     };
 }

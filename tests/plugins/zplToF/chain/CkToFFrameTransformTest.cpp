@@ -45,7 +45,7 @@ TEST(StackedFrame, AFrameAloneIsProcessedWithoutAnAngleList) {
     rig.start(CkToFProcessCnbl::Depth);
     auto frame = stacked(rig, {100, 200});
     CkImageMetadata metadata = frame->metadata();
-    metadata.phaseAngle = 90; // of the whole frame; says nothing about the order inside
+    metadata.phaseAngle = 90; // of the whole frame, not of the phases inside
     frame->setMetadata(metadata);
     const ToFResult result = rig.process(std::move(frame));
     ASSERT_FALSE(result.empty());
@@ -221,7 +221,7 @@ TEST(StackedFrame, AnExhaustedPoolDropsTheFrameSilently) {
 TEST(StackedFrame, AComputationThatFailsGivesItsPictureBack) {
     ToFChainRig rig;
     rig.useAandB(4, 4, 2);
-    rig.source->info.dataType = EkImageDataType::Other16; // two taps, but of no type that is computed
+    rig.source->info.dataType = EkImageDataType::Other16; // two taps, but of an unsupported type
     rig.start(CkToFProcessCnbl::Depth);
     CkMemoryPool* const pool = rig.block->memoryPool();
     const int pictures = pool->freeCount(rig.block);

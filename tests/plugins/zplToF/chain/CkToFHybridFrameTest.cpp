@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Every pixel the same three windows.
+/// The same three windows in every pixel.
 ToFChainRig::Samples windows(int x1, int x2, int x3) {
     return [=](quint32, quint32, quint32 c) { return c == 0 ? x1 : c == 1 ? x2 : x3; };
 }
@@ -45,7 +45,7 @@ TEST(HybridFrame, ThePulseDurationOfTheFrameSetsTheRange) {
     EXPECT_NEAR(sampleAt<float>(result.picture(), 0, 0, 0), 40.0 * (4e-8 * 299792458.0 * 0.5) / 120.0, 1e-5);
 }
 
-/// Sections of 2 rows; section s holds 1000 * (s + 1) unless said otherwise.
+/// Sections of 2 rows; by default section s holds 1000 * (s + 1).
 ToFChainRig::Samples sections(std::vector<int> values) {
     return [=](quint32, quint32 y, quint32) { return values[y / 2]; };
 }
@@ -143,7 +143,7 @@ TEST(HybridFrame, EveryTransformOfGatheredSectionsWorksOnTheMergedOnes) {
     for (int transform :
          {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth}) {
         ToFChainRig rig;
-        rig.useHybrid(4, 6, 3); // of which a third comes out
+        rig.useHybrid(4, 6, 3); // the output has a third of the rows
         rig.source->metadata.sectionCount = 3;
         rig.start(transform);
         EXPECT_TRUE(rig.process(rig.section(0, exposed(0))).empty());

@@ -27,7 +27,7 @@ TEST(PhaseSequence, AShorterSetKeepsWhatFitsAndYieldsTheRowsOfItsOutput) {
     rig.start(CkToFProcessCnbl::Depth);
     EXPECT_TRUE(rig.process(rig.phase(0, 0, 300, 100)).empty());
     EXPECT_TRUE(rig.process(rig.phase(2, 180, 100, 100)).empty());
-    // Two images make a set now, and the first one is there.
+    // A set now has two images, and the first one has arrived.
     rig.useSequence(2);
     const ToFResult result = rig.process(rig.phase(1, 90, 100, 100));
     ASSERT_FALSE(result.empty());
@@ -155,7 +155,7 @@ TEST(PhaseSequence, AnUnsupportedNumberOfPhasesGivesAZeroPicture) {
     for (int transform :
          {CkToFProcessCnbl::Intensity, CkToFProcessCnbl::Amplitude, CkToFProcessCnbl::Depth}) {
         rig.start(transform);
-        // A supported set first leaves its result in the picture that will be used again.
+        // A supported set leaves its result in the picture that is reused next.
         rig.useSequence(2);
         EXPECT_TRUE(rig.process(rig.phase(0, 0, 160, 100)).empty());
         EXPECT_FALSE(rig.process(rig.phase(1, 90, 180, 100)).empty());

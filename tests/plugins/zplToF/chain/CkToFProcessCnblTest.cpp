@@ -20,7 +20,7 @@ QDomElement elementWith(QDomDocument& doc, const QString& transform) {
     return element;
 }
 
-/// The block knows the angles of a whole set that cannot be processed, and says so.
+/// The block reports that the angles of a complete set cannot be processed.
 void startWithWrongAngles(ToFChainRig& rig) {
     rig.useAandB(4, 2, 1);
     rig.useSequence(2);
@@ -164,7 +164,7 @@ TEST(CkToFProcessCnbl, ACloneHasTheTransformAndAnEmptyAngleList) {
     EXPECT_EQ(qobject_cast<Block*>(hybridTwin.get())->transform(), Block::SetHybrid);
 }
 
-/// Lets a set of these angles come in and asks for the verdict.
+/// Sends a set with these angles and returns whether they are usable.
 struct Verdict {
     bool complete;
     QString message;
@@ -227,7 +227,7 @@ TEST(CheckAllPhases, Angles0And180AreNoTwoPhases) {
 
 TEST(CheckAllPhases, ASingleAngleOrIntensityIsAlwaysComplete) {
     ToFChainRig rig;
-    rig.useAandB(4, 2, 0); // one image a set, of an unknown number of phases
+    rig.useAandB(4, 2, 0); // one image per set, of an unknown number of phases
     rig.useSequence(1);
     rig.start(Block::Depth);
     EXPECT_FALSE(rig.process(rig.phase(0, 77, 200, 100)).empty());
@@ -308,7 +308,8 @@ TEST(IsInChainWithVideoSource, OfSeveralSourcesTheFirstDecides) {
     EXPECT_TRUE(video.block->isInChainWithVideoSource());
 }
 
-/// Hands a frame to the block of a stopped chain, as nobody else does: what it still holds shows.
+/// Passes a frame to the block of a stopped chain, which only a test does: it shows what the block still
+/// holds.
 bool makesSomething(ToFChainRig& rig, std::unique_ptr<CkImageData> frame) {
     const std::unique_ptr<IkChainData> answer(rig.block->processData(frame.get()));
     if (answer != nullptr) {
@@ -352,7 +353,7 @@ TEST(SetupStop, ForgetsTheBufferOfMergedSections) {
 
 TEST(CheckAllPhases, TheListHasAnEntryForEveryImageAlsoWithoutABuffer) {
     ToFChainRig rig;
-    rig.start(Block::Depth); // of an input that nobody knows yet
+    rig.start(Block::Depth); // the input is not known yet
     rig.useAandB(4, 2, 1);
     rig.useSequence(2);
     EXPECT_TRUE(rig.process(rig.phase(0, 0, 200, 100)).empty());

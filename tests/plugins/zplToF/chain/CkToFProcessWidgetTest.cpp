@@ -28,7 +28,7 @@ struct Item {
     bool translated;
 };
 
-const Item items[] = {
+const Item kItems[] = {
     {1, "Intensity [in: RawX2 (A and B), Raw Hybrid ToF]", true},
     {2, "Amplitude [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]", true},
     {3, "Phase shift (depth) and confidence [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]", true},
@@ -50,7 +50,7 @@ QList<QWidget*> content(const QWidget& widget) {
 
 QRadioButton* button(const QWidget& widget, int transform) {
     for (auto* candidate : widget.findChildren<QRadioButton*>()) {
-        for (const Item& item : items) {
+        for (const Item& item : kItems) {
             if (item.transform == transform && candidate->text() == item.text) {
                 return candidate;
             }
@@ -74,7 +74,7 @@ void expectTexts(const QWidget& widget, bool translated) {
         }
         const auto* const radio = qobject_cast<QRadioButton*>(list[i]);
         ASSERT_NE(radio, nullptr);
-        EXPECT_EQ(radio->text(), (items[item].translated ? prefix : QString()) + items[item].text);
+        EXPECT_EQ(radio->text(), (kItems[item].translated ? prefix : QString()) + kItems[item].text);
         EXPECT_EQ(radio->parentWidget(), &widget);
         ++item;
     }
@@ -116,7 +116,7 @@ TEST(CkToFProcessWidget, ChecksTheCurrentTransform) {
         Block block;
         block.setTransform(Block::EkTransformType(transform), false);
         const CkToFProcessWidget widget(&block);
-        for (const Item& item : items) {
+        for (const Item& item : kItems) {
             ASSERT_NE(button(widget, item.transform), nullptr);
             EXPECT_EQ(button(widget, item.transform)->isChecked(), item.transform == transform);
         }
@@ -135,7 +135,7 @@ TEST(CkToFProcessWidget, AClickSetsTheTransform) {
     CkToFProcessWidget widget(&block);
     widget.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
-    for (const Item& item : items) {
+    for (const Item& item : kItems) {
         QTest::mouseClick(button(widget, item.transform), Qt::LeftButton, Qt::NoModifier, QPoint(8, 8));
         EXPECT_EQ(block.transform(), item.transform);
         EXPECT_TRUE(button(widget, item.transform)->isChecked());

@@ -71,7 +71,7 @@ TEST(RunningChain, SetTransformHammeredFromOtherThreadsLeavesNoMixedFrame) {
     for (std::thread& user : users) {
         user.join();
     }
-    // The last word has to hold.
+    // The last change wins.
     rig.block->setTransform(Block::Depth, true);
     EXPECT_TRUE(rig.chain->started());
     const int before = sink.frames;
@@ -107,7 +107,7 @@ TEST(RunningChain, FramesOfANewSizeMakeTheChainRenegotiate) {
     rig.start(Block::Depth);
     ASSERT_TRUE(rig.source->push(fourPhases(rig)));
     ASSERT_TRUE(waitFor([&] { return sink.frames == 1; }));
-    // The pool has no room for frames a hundred times as large; the source has been told of them.
+    // The pool has no room for frames a hundred times as large, although the source declares them.
     expectedWidth = 800;
     rig.useAandB(800, 32, 4);
     EXPECT_TRUE(waitFor([&] {
@@ -145,7 +145,7 @@ TEST(RunningChain, ASequenceThatGetsLongerAndShorterComesOutWhole) {
 }
 
 TEST(RunningChain, PhasesPassedOnOneByOneReachTheViews) {
-    // Concat gathers nothing that comes neither from a camera nor from a video.
+    // Concat only gathers images of a camera or a video.
     ToFChainRig rig(std::make_unique<PushSource>());
     rig.useAandB(4, 2, 1);
     rig.useSequence(4);

@@ -1,4 +1,4 @@
-// Whatever descriptor and metadata a frame carries, the block answers and stays usable.
+// With any descriptor and metadata of a frame, the block returns and stays usable.
 
 #include "tests/plugins/zplToF/chain/ToFChainRig.h"
 
@@ -56,7 +56,7 @@ TEST(StrangeFrame, AFrameThatDoesNotFitThePoolIsDropped) {
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
     rig.useAandB(4000, 4, 2);
     EXPECT_TRUE(rig.process(rig.frame(5)).empty());
-    // Each made the chain renegotiate; it comes back to what the source delivers.
+    // Each made the chain renegotiate; it returns to the format of the source.
     rig.useAandB(4, 4, 2);
     int frames = 0;
     while (rig.process(rig.frame(5)).empty() && frames < 100) {

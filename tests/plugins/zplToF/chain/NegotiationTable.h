@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <vector>
 
-/// What each transform makes of each kind of picture.
+/// The expected format of each transform for each kind of picture.
 namespace NegotiationTable {
 
 inline constexpr auto I8 = EkImageDataType::Int8;
@@ -49,11 +49,11 @@ struct Format {
     }
 };
 
-/// What a transform makes of a picture: an error, or a format and changes of the metadata.
+/// The expected result of a transform: an error, or a format and changes of the metadata.
 struct Expected {
     const char* error = nullptr;
     Format format{};
-    bool same = false;           ///< the input's format and metadata as they are
+    bool same = false;           ///< format and metadata of the input, unchanged
     const char* names = nullptr; ///< joined by '|'; null: kept
     qint64 phases = -1;          ///< -1: kept
     qint64 colorFilterArray = -1;

@@ -108,11 +108,11 @@ ToFResult ToFChainRig::process(std::unique_ptr<CkImageData> frame) {
     ToFResult result;
     IkChainData* answer = nullptr;
     onChainThread([&] { answer = block->processData(frame.get()); });
-    // A renegotiation that the frame asked for is served before the next frame of any source.
+    // A renegotiation that the frame requested runs before the next frame of any source.
     onChainThread([] {});
     result.passedThrough = answer == frame.get();
     if (answer != nullptr) {
-        // The block has deleted its input, or answers it.
+        // The block has deleted its input or returns it.
         static_cast<void>(frame.release());
         result.output.reset(dynamic_cast<CkImageData*>(answer));
     }

@@ -8,7 +8,7 @@
 #include <memory>
 #include <semaphore>
 
-/// A second source whose frames go nowhere: handing one in runs something on the chain's thread.
+/// A second source without consumers: passing it a frame runs code on the thread of the chain.
 class CkBellSource : public PushSource {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
     Q_INVOKABLE CkBellSource() { setFormat(1, 1, 1, EkImageDataType::UInt8, 8); }
 };
 
-/// What became of a frame.
+/// The result of a frame.
 struct ToFResult {
     std::unique_ptr<CkImageData> output; ///< null for no output; the input itself when it passed through
     bool passedThrough = false;
@@ -25,8 +25,8 @@ struct ToFResult {
     const SkPicBuf& picture() const { return output->picBuf(); }
 };
 
-/// A chain of a source and a ToF block. Frames are handed to the block one by one, on the chain's thread, so
-/// that nothing happens beside them.
+/// A chain of a source and a ToF block. Frames are passed to the block one by one on the thread of the chain,
+/// so that nothing else runs at the same time.
 class ToFChainRig {
 public:
     explicit ToFChainRig(std::unique_ptr<PushSource> pushSource = std::make_unique<CkVideoSource>());
@@ -49,7 +49,7 @@ public:
     void stop();
 
     using Samples = std::function<int(quint32 x, quint32 y, quint32 c)>;
-    /// A frame of the source's present format and metadata, of 8 or 16-bit samples.
+    /// A frame with the current format and metadata of the source, of 8 or 16-bit samples.
     std::unique_ptr<CkImageData> frame(const Samples& samples) const;
     std::unique_ptr<CkImageData> frame(int value) const;
     /// One image of a sequence.
@@ -62,7 +62,7 @@ public:
     void onChainThread(const std::function<void()>& action);
 
 private:
-    /// Stands for a view, so that the pool has pictures for results that the test keeps.
+    /// Takes the place of a view, so that the pool has pictures for results that the test keeps.
     class View : public IkFrameSink {
         int takeFrame(CkImageData* data) override;
     };
@@ -78,7 +78,7 @@ private:
     CkBellSource* m_pBellSource = nullptr;
 };
 
-/// What the block says of frames that it makes nothing of.
+/// Error texts for frames that the block cannot process.
 namespace ToFTexts {
 inline const QString noPicture = "The block works on pictures only.";
 inline const QString noPixels = "The picture has no pixels.";

@@ -76,7 +76,7 @@ TEST(ToFNegotiation, MatrixOfTransformsAndPictures) {
             const Expected& expected = picture.expected[transform];
             for (bool withInput : {true, false}) {
                 if (!withInput && picture.with == With::MetadataOnly) {
-                    continue; // without its metadata it is another picture
+                    continue; // without metadata it is a picture of another kind
                 }
                 for (bool withOutput : {true, false}) {
                     SCOPED_TRACE(std::string(picture.name) + ", transform " + std::to_string(transform) +

@@ -34,7 +34,7 @@ TEST_P(Normalised, ConfidenceAboveTheThresholdDropsThePoint) {
     for (auto kind : {EkDepthDataType::PhaseShift, EkDepthDataType::Depth}) {
         ASSERT_TRUE(builder.build({*depth, *confidence, kind, 1.0F}, parameters));
         EXPECT_EQ(builder.pointCount(), 2);
-        // The largest value that passes is 2: it takes the last colour and the near end of the box.
+        // The largest value that passes is 2: it gets the last colour and the near end of the box.
         EXPECT_EQ(colourOf(vertexAt(builder, 1)), 255);
         EXPECT_FLOAT_EQ(vertexAt(builder, 1).z, -0.6F);
         EXPECT_FLOAT_EQ(vertexAt(builder, 0).z, 0.6F);
@@ -56,7 +56,7 @@ TEST_P(Normalised, DefaultSettingsGiveANormalisedCloud) {
         const TestVertex vertex = vertexAt(builder, i);
         EXPECT_EQ(builder.exportPoints()[size_t(i)], (SkToFPoint{vertex.x, vertex.y, vertex.z}));
     }
-    // Near points (small values) stand towards the viewer.
+    // Near points (small values) are towards the viewer.
     EXPECT_FLOAT_EQ(vertexAt(builder, 0).z, 0.6F);
     EXPECT_FLOAT_EQ(vertexAt(builder, 31).z, -0.6F);
 }
@@ -109,7 +109,7 @@ TEST_P(Normalised, BytesBehindThePointsAreZero) {
     HeapPicture depth(7, 5, 1, EkImageDataType::Float32);
     SkToFCloudParameters parameters = testParameters();
     parameters.layout = EkToFVertexLayout::Quads;
-    // Fewer and more points than before, with arrays that somebody holds and without.
+    // Fewer and more points than before, with and without shared arrays.
     QByteArray held;
     for (quint32 points : {35U, 3U, 20U, 0U, 34U, 35U, 1U}) {
         fillFloats(depth,
@@ -170,7 +170,7 @@ TEST_P(Normalised, ZoomStretchesTheDepthAxis) {
     SkToFCloudParameters parameters = testParameters();
     parameters.zZoom = 0.5F;
     ASSERT_TRUE(builder.build({*depth, {}}, parameters));
-    // Other than float: the values shrink, the box does not.
+    // Integer samples: the values shrink, the box does not.
     EXPECT_FLOAT_EQ(vertexAt(builder, 0).z, -0.6F);
     EXPECT_FLOAT_EQ(vertexAt(builder, 1).z, 0.0F);
     EXPECT_FLOAT_EQ(builder.boxHalfExtents()[2], 0.6F);
@@ -222,7 +222,7 @@ TEST(CkToFCloudBuilder, RefusesWhatItCannotUseAndKeepsItsCloud) {
 }
 
 TEST(CkToFCloudBuilder, RefusesMorePointsThanItsIndicesCanNumber) {
-    // Address space only: nothing is read of a picture that is refused.
+    // Address space only: a refused picture is not read.
     constexpr quint32 side = 1U << 14;
     void* const pixels =
         mmap(nullptr, size_t(side) * side, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);

@@ -67,7 +67,7 @@ TEST_P(Colour, AnIdentityRangeLeavesValuesAsTheyAre) {
 }
 
 TEST_P(Colour, IndicesAreClampedAsRealNumbers) {
-    // (65535 - 0) * 255 is far beyond what an index could hold in a narrow window.
+    // (65535 - 0) * 255 is far beyond the range of an index.
     EXPECT_THAT(of({0, 1, 65535}, 16, {{0, 0, 0, 255, 1.0}}), ElementsAre(0, 255, 255));
     EXPECT_THAT(ofFloats({-3e38F, 0.0F, 3e38F}, {{4000000000U, 4000000001U, 0, 255, 1.0}}),
                 testing::Each(testing::AllOf(testing::Ge(0), testing::Le(255))));

@@ -72,7 +72,7 @@ TEST_P(Lens, OrthogonalCorrectionTurnsRaysIntoDistancesAlongTheAxis) {
     EXPECT_NEAR(point.z, 800.0F, 1e-3F);
     EXPECT_NEAR(point.x, -600.0F, 1e-3F);
     EXPECT_NEAR(point.y, 0.0F, 1e-6F);
-    // The factors follow the lens, whoever changes it.
+    // The factors follow every change of the lens.
     parameters.opticalPath.lensFocalLengthMM = 2.25F;
     ASSERT_TRUE(builder.build({*picture, {}, EkDepthDataType::Depth, 1.0F}, parameters));
     EXPECT_NEAR(builder.exportPoints()[6].z, 1000.0F * 2.25F / 3.75F, 1e-3F);
@@ -82,7 +82,7 @@ TEST_P(Lens, OrthogonalCorrectionTurnsRaysIntoDistancesAlongTheAxis) {
 }
 
 TEST_P(Lens, APointThatIsNowhereInOneDirectionIsDropped) {
-    // x and z are finite all the same.
+    // x and z are still finite.
     parameters.opticalPath.centerOffsetMM.setY(1e300);
     fillFloats(depth, [](quint32, quint32) { return 1.0F; });
     EXPECT_TRUE(builder.build({*depth, {}, EkDepthDataType::PhaseShift, 1.0F}, parameters));
@@ -158,14 +158,14 @@ TEST_P(Lens, NoOffsetHoweverLargeHangs) {
         EXPECT_GE(builder.exportPoints()[0].z, 0.0F);
         EXPECT_LE(builder.exportPoints()[0].z, RangeMM);
     }
-    // A distance that leaves the numbers is dropped.
+    // A distance that overflows is dropped.
     parameters.opticalPath.realDistanceOffsetM = -3e35F;
     ASSERT_TRUE(build(-3e38F, EkDepthDataType::PhaseShift));
     EXPECT_EQ(builder.pointCount(), 0);
 }
 
 TEST_P(Lens, AWholeNumberOfRangesEndsAtZero) {
-    // Quotients up to 2^28 are taken one way, beyond that another.
+    // Quotients up to 2^28 and beyond take different paths.
     for (float turns : {1.0F, 3.0F, 268435456.0F, 536870912.0F, 1e9F}) {
         EXPECT_EQ(wrapDistance(-turns * 4096.0F, 4096.0F), 0.0F) << turns;
     }

@@ -124,7 +124,7 @@ void expectReference(const CkToFCloudBuilder& builder, const CloudReference& ref
     }
 }
 
-/// Same points in the same order: z and colours equal to the bit, x and y within two neighbours.
+/// Same points in the same order: z and colours bit-equal, x and y within two units in the last place.
 void expectSameCloud(const CkToFCloudBuilder& plain, const CkToFCloudBuilder& vectors) {
     ASSERT_EQ(plain.pointCount(), vectors.pointCount());
     ASSERT_EQ(plain.vertexBytes().size(), vectors.vertexBytes().size());
@@ -220,7 +220,7 @@ TEST_P(CloudSizes, EveryLoopGivesTheCloudOfTheFormulas) {
     int withLens = 0;
     for (const Sample& sample : Samples) {
         for (int kind = 0; kind < 3; kind++) {
-            // Floats carry the time-of-flight data; other types are shown as they are.
+            // Only floats carry ToF data; other types are shown as they are.
             const int repetitions = sample.type == EkImageDataType::Float32 ? 12 : kind == 0 ? 4 : 1;
             for (int i = 0; i < repetitions; i++) {
                 seed++;

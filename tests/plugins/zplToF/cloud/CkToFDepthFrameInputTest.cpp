@@ -87,7 +87,7 @@ TEST(CkToFDepthFrame, APhaseCountThatNothingComputesGivesZeros) {
     std::memset(taps->data, 0x5a, size_t(taps->lineSize) * 6);
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;
-    // Pictures that were in use before must not shine through.
+    // Pixels of earlier pictures must not show up.
     metadata.phasesCount = 2;
     ASSERT_TRUE(frame.update(*taps, &metadata, 640));
     metadata.phasesCount = 3;

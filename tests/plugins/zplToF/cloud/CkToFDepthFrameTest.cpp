@@ -207,7 +207,7 @@ TEST(CkToFDepthFrame, WideGenericPicturesAreShrunk) {
 TEST(CkToFDepthFrame, EveryPhaseCountThatIsComputedGivesPhases) {
     for (qint32 phases : {1, 2, 4, 8}) {
         PaddedPicture input(1, quint32(phases), 1, EkImageDataType::Int16);
-        // The angle opposite to the nominal first one is where the differences have their maximum.
+        // The differences have their maximum at the angle opposite to the first nominal one.
         for (quint32 y = 0; y < quint32(phases); y++) {
             setSample<qint16>(*input, 0, y, 0, qint16(-100));
         }

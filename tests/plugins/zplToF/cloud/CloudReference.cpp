@@ -31,7 +31,7 @@ double sampleAt(const SkPicBuf& picture, quint32 x, quint32 y) {
 }
 
 constexpr double Pi = 3.14159265358979323846;
-constexpr double Half = 1.2e-7; ///< a bit more than a rounding to single precision
+constexpr double kHalf = 1.2e-7; ///< a bit more than a rounding to single precision
 
 int clampedIndex(double value) {
     return std::isnan(value) ? 0 : int(std::clamp(std::trunc(value), 0.0, 255.0));
@@ -165,8 +165,8 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
             double distanceTolerance = 0.0;
             if (lens) {
                 double d = v * distScale + zBase;
-                distanceTolerance = 4.0 * Half * (std::fabs(v * distScale) + std::fabs(zBase) + rangeMM);
-                // So far below zero that single precision cannot tell where in the range it ends.
+                distanceTolerance = 4.0 * kHalf * (std::fabs(v * distScale) + std::fabs(zBase) + rangeMM);
+                // So far below zero that the wrapped distance is undefined in single precision.
                 if (d < -1e4 * rangeMM) {
                     d = rangeMM / 2.0;
                     distanceTolerance = rangeMM;
@@ -182,22 +182,22 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
                 p.x = chipX * d / f;
                 p.y = chipY * d / f;
                 p.z = zBase > 0.0 ? d - zBase : d;
-                p.xTolerance = std::fabs(chipX / f) * distanceTolerance + Half * std::fabs(p.x) + 1e-30;
-                p.yTolerance = std::fabs(chipY / f) * distanceTolerance + Half * std::fabs(p.y) + 1e-30;
+                p.xTolerance = std::fabs(chipX / f) * distanceTolerance + kHalf * std::fabs(p.x) + 1e-30;
+                p.yTolerance = std::fabs(chipY / f) * distanceTolerance + kHalf * std::fabs(p.y) + 1e-30;
             } else {
                 p.x = cx;
                 p.y = cy;
                 p.z = v - zBase;
-                distanceTolerance = 2.0 * Half * (std::fabs(v) + std::fabs(zBase));
+                distanceTolerance = 2.0 * kHalf * (std::fabs(v) + std::fabs(zBase));
             }
             p.zTolerance = distanceTolerance;
             p.sceneX = p.x * xyScale;
             p.sceneY = p.y * xyScale;
             p.sceneZ = isFloat ? halfDepth - p.z * zScale : p.z * zScale - halfDepth;
-            p.sceneXTolerance = p.xTolerance * xyScale + 4.0 * Half * std::fabs(p.sceneX) + 1e-30;
-            p.sceneYTolerance = p.yTolerance * xyScale + 4.0 * Half * std::fabs(p.sceneY) + 1e-30;
+            p.sceneXTolerance = p.xTolerance * xyScale + 4.0 * kHalf * std::fabs(p.sceneX) + 1e-30;
+            p.sceneYTolerance = p.yTolerance * xyScale + 4.0 * kHalf * std::fabs(p.sceneY) + 1e-30;
             p.sceneZTolerance =
-                distanceTolerance * std::fabs(zScale) + 6.0 * Half * (std::fabs(p.z * zScale) + halfDepth);
+                distanceTolerance * std::fabs(zScale) + 6.0 * kHalf * (std::fabs(p.z * zScale) + halfDepth);
             if (!lens) {
                 p.x = p.sceneX;
                 p.y = p.sceneY;
@@ -207,8 +207,8 @@ CloudReference::CloudReference(const SkToFDepthPictures& pictures, const SkToFCl
                 p.zTolerance = p.sceneZTolerance;
             }
 
-            // A value within the rounding of a border may take the colour on either side.
-            const double slack = 4.0 * Half * (std::fabs(v) + std::fabs(base) + std::fabs(inRange));
+            // A value within rounding of a border may get the colour on either side.
+            const double slack = 4.0 * kHalf * (std::fabs(v) + std::fabs(base) + std::fabs(inRange));
             p.lowestColour = 255;
             for (double near : {v - slack, v, v + slack}) {
                 const double index = gamma != 1.0

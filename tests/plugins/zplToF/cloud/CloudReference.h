@@ -4,13 +4,13 @@
 
 #include <vector>
 
-/// A point as the formulas give it in double precision, with how far single precision may be from it.
+/// A point by the formulas in double precision, with the tolerance for single precision.
 struct ReferencePoint {
     double x = 0, y = 0, z = 0;                ///< export
     double sceneX = 0, sceneY = 0, sceneZ = 0; ///< scene
     double xTolerance = 0, yTolerance = 0, zTolerance = 0;
     double sceneXTolerance = 0, sceneYTolerance = 0, sceneZTolerance = 0;
-    int lowestColour = 0, highestColour = 0; ///< the same but where a value lies at a border
+    int lowestColour = 0, highestColour = 0; ///< different only for a value at a border
 };
 
 /// A second, slow implementation of the whole cloud, written from its formulas and sharing no code with the

@@ -9,7 +9,7 @@
 #include <functional>
 #include <limits>
 
-/// A picture on the heap, freed with its scope.
+/// A picture on the heap, freed at the end of its scope.
 class HeapPicture {
 public:
     HeapPicture() = default;
@@ -41,7 +41,7 @@ private:
     SkPicBuf m_picBuf;
 };
 
-/// One float picture with one value a pixel.
+/// A float picture with one value per pixel.
 inline void fillFloats(HeapPicture& picture, const std::function<float(quint32 x, quint32 y)>& value) {
     for (quint32 y = 0; y < picture->height; y++) {
         for (quint32 x = 0; x < picture->width; x++) {

@@ -68,7 +68,7 @@ namespace {
 
 #else
 
-// The C library's own functions, under the names it keeps for those who replace the public ones.
+// The allocator of the C library, under the names it provides for programs that replace the public ones.
 extern "C" {
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Watches every allocation of the thread, by whatever function, from its construction to its end. One at a
-/// time. Where a sanitizer keeps the heap, its hooks are used.
+/// Records every allocation of the thread, by any function, during its lifetime. One at a time. With a
+/// sanitizer, the hooks of its allocator are used.
 class HeapWatch {
 public:
     /// Allocations from uiLeaveOutFrom bytes on are counted, and otherwise left out.

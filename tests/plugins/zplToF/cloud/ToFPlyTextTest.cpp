@@ -22,7 +22,7 @@ QByteArray headerFor(size_t points) {
            "\nproperty float x\nproperty float y\nproperty float z\nend_header\n";
 }
 
-/// The text as the obvious implementation writes it.
+/// The text by the obvious implementation.
 QByteArray textByArg(const std::vector<SkToFPoint>& points) {
     QByteArray text = headerFor(points.size());
     for (const SkToFPoint& point : points) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t Small = 4096;
 
-/// Frame, cloud and what the scene's buffers hold of it, the way a view goes through them. Clouds of the
+/// Frame, cloud and the arrays that the buffers of the scene share, updated as a view does. Clouds of the
 /// same size differ in their points.
 size_t largestAllocation(const SkPicBuf& input, const CkImageMetadata& metadata, EkToFVertexLayout layout,
                          bool plain) {
@@ -103,7 +103,7 @@ TEST(CloudMemory, PlyTextTakesAtMostTwiceItsSize) {
     std::mt19937 random(7);
     for (size_t count : {size_t(0), size_t(1), size_t(500), size_t(3000), size_t(307200)}) {
         for (bool falling : {false, true}) {
-            // Long lines first and short ones last is where counting the last lines pays least.
+            // The worst case for measuring the last lines: long lines first, short ones last.
             std::vector<SkToFPoint> points(count);
             for (size_t i = 0; i < count; i++) {
                 if (!falling || i < count / 2) {

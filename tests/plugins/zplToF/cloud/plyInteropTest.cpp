@@ -1,4 +1,4 @@
-// Exported clouds as other programs read them: each one converts the PLY into a plain list of its own.
+// Exported clouds as other programs read them: each one converts the PLY into its own text format.
 
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "plugins/zplToF/cloud/ToFPlyText.h"
@@ -12,17 +12,17 @@
 
 namespace {
 
-/// A program that reads PLY, and how it writes what it has read.
+/// A program that reads PLY, and the precision of its output.
 struct Reader {
     const char* name;
     const char* outputSuffix;
     /// Program and arguments.
     QStringList (*command)(const QString& ply, const QString& output);
-    double relative; ///< what its digits keep of a number: a part of it, ...
-    double absolute; ///< ... and an amount
+    double relative; ///< relative error of its output ...
+    double absolute; ///< ... plus this absolute error
 };
 
-const Reader readers[] = {
+const Reader kReaders[] = {
 #ifdef PLY2PCD
     {"PointCloudLibrary", "pcd",
      [](const QString& ply, const QString& output) {
@@ -57,7 +57,7 @@ const Reader readers[] = {
 #endif
 };
 
-/// The points of a text with one point a line, behind a header if it has one.
+/// The points of a text with one point per line, after an optional header.
 std::vector<SkToFPoint> readPoints(const QString& fileName) {
     QFile file(fileName);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << fileName.toStdString();
@@ -137,7 +137,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Readers, PlyInterop, testing::ValuesIn(readers),
+INSTANTIATE_TEST_SUITE_P(Readers, PlyInterop, testing::ValuesIn(kReaders),
                          [](const auto& reader) { return std::string(reader.param.name); });
 
 TEST_P(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {

@@ -1,4 +1,4 @@
-// A cloud that another library made of a camera's depth picture, made again with our lens model.
+// The depth picture of a real camera: our lens model gives the same cloud as another library.
 
 #include "plugins/zplToF/cloud/CkToFDepthFrame.h"
 #include "tests/plugins/zplToF/cloud/CloudRig.h"
@@ -42,9 +42,9 @@ TEST(RealDepthPicture, GivesTheCloudOfAnotherLibrary) {
     ASSERT_TRUE(frame.update(*input, &metadata, 640));
     ASSERT_EQ(frame.depthDataKind(), EkDepthDataType::Depth);
 
-    // 525 pixels of focal length with cells of 0.01 mm. Both conventions count from a pixel's own number (our
-    // axis stands at 640 / 2 and 480 / 2, theirs at 320 and 240), so no half pixel lies between them; ours
-    // has y up, theirs down. The picture holds distances along the axis already: no correction, no offset.
+    // 525 pixels of focal length with cells of 0.01 mm. Both conventions put the axis at a pixel index
+    // (ours at 640 / 2 and 480 / 2, theirs at 320 and 240), so they do not differ by half a pixel; our y is
+    // up, theirs down. The picture already holds distances along the axis: no correction, no offset.
     SkToFCloudParameters parameters = testParameters(true);
     parameters.opticalPath.lensFocalLengthMM = 5.25F;
     parameters.opticalPath.chipCellSizeMM = 0.01F;

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-/// Known answers for X1X2X3 pictures. Every expected value is worked out on paper from the samples; each test
+/// Known answers for X1X2X3 pictures. Every expected value is computed on paper from the samples; each test
 /// runs with every implementation.
 class HybridKnownAnswers : public ::testing::TestWithParam<const SkToFKernels*> {
 protected:
@@ -12,8 +12,8 @@ protected:
     void TearDown() override { ToFKernelChoice::pin(nullptr); }
 };
 
-inline constexpr EkImageDataType unsignedTypes[] = {EkImageDataType::UInt8, EkImageDataType::UInt16,
-                                                    EkImageDataType::UInt32};
+inline constexpr EkImageDataType kUnsignedTypes[] = {EkImageDataType::UInt8, EkImageDataType::UInt16,
+                                                     EkImageDataType::UInt32};
 
 /// One pixel of the three windows.
 inline void setWindows(TestPicture& picture, quint32 x, quint32 y, qint64 x1, qint64 x2, qint64 x3) {

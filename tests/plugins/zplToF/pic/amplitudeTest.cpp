@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-// Amplitudes right at and next to where the root becomes an integer, with integers alone.
+// Amplitudes at and next to the lengths whose root is an integer, computed with integers only.
 
 namespace {
 
@@ -28,8 +28,7 @@ qint64 integerRoot(qint64 square) {
     return root;
 }
 
-/// A picture of which every pixel of a row has one of the given light vectors, from samples between the
-/// limits.
+/// A picture whose pixels have the given light vectors, from samples within the limits.
 class LightPicture {
 public:
     LightPicture(const std::vector<Light>& lights, quint32 width, int phases, Type type, qint64 low,
@@ -62,7 +61,7 @@ private:
     quint32 column(size_t index) const { return quint32(index % source->width); }
     quint32 row(size_t index) const { return quint32(index / source->width); }
 
-    /// As much as fits from the first phase of the axis, the rest from the phase opposite.
+    /// As much as possible from the first phase of the axis, the rest from the opposite phase.
     void putAxis(size_t index, quint32 phase, qint64 value) {
         const qint64 rest = putDifference(index, phase, value);
         if (mPhases == 4) {
@@ -119,7 +118,7 @@ TEST_P(Amplitude, EveryLightOf8BitTaps) {
 
 TEST_P(Amplitude, EveryLightOf8BitDifferences) {
     for (const int phases : {2, 4}) {
-        // One more below 0, where the other phase does not make up for it.
+        // One more below 0, unless the other phase compensates for it.
         std::vector<Light> lights = everyLight(phases / 2 * 127);
         lights.insert(lights.end(), {{-128, -128}, {-128, 127}, {-128, 0}, {-1, -128}});
         const LightPicture picture(lights, 255, phases, Type::Int8, -128, 127);
@@ -127,7 +126,7 @@ TEST_P(Amplitude, EveryLightOf8BitDifferences) {
     }
 }
 
-/// For every amplitude that samples can have, vectors whose length is just that, and those just shorter.
+/// For every possible amplitude, vectors of exactly that length and vectors just shorter.
 std::vector<Light> lightsAtIntegers(qint64 limit, int phases, std::mt19937& random) {
     std::vector<Light> lights;
     const qint64 largest = integerRoot(2 * limit * limit) / phases;
@@ -171,8 +170,8 @@ TEST_P(Amplitude, LightsWhoseLengthIsNextToAnInteger) {
     }
 }
 
-/// Samples of so many bits, now and then the limits of them and of 16 bits: blocks of pixels that take a
-/// short cut lie beside blocks that must not.
+/// Samples of the given bits, some at their limits and at those of 16 bits: blocks that can take the fast
+/// path alternate with blocks that must not.
 void fillAround(int bits, TestPicture& source, std::mt19937& random) {
     const qint64 beyond = qint64(1) << bits;
     const bool taps = source->channels == 2;
@@ -198,7 +197,7 @@ TEST_P(Amplitude, SamplesAround12And14Bits) {
     for (const auto& [bits, channels] : {std::pair(12, 1U), {12, 2U}, {14, 1U}, {14, 2U}}) {
         TestPicture source(width, 4 * height, channels, channels == 2 ? Type::UInt16 : Type::Int16);
         fillAround(bits, source, random);
-        // Clang 14 captures names of a structured binding in no other way.
+        // Clang 14 cannot capture structured bindings without an initialiser.
         const auto difference = [&source, channels = channels](quint32 x, quint32 y, quint32 phase) {
             const quint32 row = phase * height + y;
             return source.integerAt(x, row, 0) - (channels == 2 ? source.integerAt(x, row, 1) : 0);

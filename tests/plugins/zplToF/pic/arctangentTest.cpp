@@ -75,7 +75,7 @@ TEST_P(Arctangent, AxesDiagonalsAndExtremeRatios) {
 TEST_P(Arctangent, BothSignsOfZero) {
     for (const float x : {0.0F, -0.0F, 5.0F, -5.0F}) {
         for (const float y : {0.0F, -0.0F, 5.0F, -5.0F}) {
-            // Of equal zeros the sign does not matter to a phase shift.
+            // The sign of a zero does not matter in a phase shift.
             add(x, y);
         }
     }

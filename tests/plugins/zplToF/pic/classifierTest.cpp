@@ -24,14 +24,14 @@ CkImageMetadata withCode(quint32 code) {
     return metadata;
 }
 
-const quint32 allCodes[] = {0x80ab0f08U, 0x80ab0f0cU, 0x84ab0f0cU, 0x80a05f08U, 0x80a05f0cU,
-                            0x84a05f0cU, 0x84ab0f08U, 0x84a05f08U, 0U};
+const quint32 kAllCodes[] = {0x80ab0f08U, 0x80ab0f0cU, 0x84ab0f0cU, 0x80a05f08U, 0x80a05f0cU,
+                             0x84a05f0cU, 0x84ab0f08U, 0x84a05f08U, 0U};
 
 TEST(TwoTapPicture, AcceptsExactlyItsThreeFormatCodes) {
     const SkPicBufInfo info = described(2, 4);
     for (int index = 0; index < 9; ++index) {
-        const CkImageMetadata metadata = withCode(allCodes[index]);
-        EXPECT_EQ(CkToFPicAPI::isRawX2ToFABPic(info, &metadata), index < 3) << std::hex << allCodes[index];
+        const CkImageMetadata metadata = withCode(kAllCodes[index]);
+        EXPECT_EQ(CkToFPicAPI::isRawX2ToFABPic(info, &metadata), index < 3) << std::hex << kAllCodes[index];
     }
 }
 
@@ -59,7 +59,7 @@ TEST(TwoTapPicture, RefusesWideTypesOtherChannelsAndTheLayoutFlag) {
 TEST(DifferencePicture, AcceptsExactlyItsThreeFormatCodes) {
     const SkPicBufInfo info = described(1, 3);
     for (int index = 0; index < 9; ++index) {
-        const CkImageMetadata metadata = withCode(allCodes[index]);
+        const CkImageMetadata metadata = withCode(kAllCodes[index]);
         EXPECT_EQ(CkToFPicAPI::isRawToFAminBPic(info, &metadata), index >= 3 && index < 6) << index;
     }
 }
@@ -163,7 +163,7 @@ TEST(SeparatePhases, SequenceLengthAgainstPhasesCount) {
     EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata));
     metadata.phasesCount = 4;
     EXPECT_FALSE(CkToFPicAPI::incomingSeparatePhases(&metadata));
-    metadata.phaseSequenceLength = 2; // fewer images than phases are another count all the same
+    metadata.phaseSequenceLength = 2; // fewer images than phases also differ
     EXPECT_TRUE(CkToFPicAPI::incomingSeparatePhases(&metadata));
     metadata.phaseSequenceLength = 0;
     metadata.phasesCount = 1;

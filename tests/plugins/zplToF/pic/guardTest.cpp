@@ -10,7 +10,7 @@ namespace {
 
 using Type = EkImageDataType;
 using Angles = CkToFPicAPI::AngleList;
-constexpr quint32 huge = std::numeric_limits<quint32>::max();
+constexpr quint32 kHuge = std::numeric_limits<quint32>::max();
 
 class Guard : public ::testing::TestWithParam<PicOperation> {
 protected:
@@ -33,7 +33,7 @@ protected:
 
     bool run(const Angles* angles = nullptr) { return GetParam().run(**source, **result, phases, angles); }
 
-    /// The call is refused with this change and nothing is written; the change is taken back.
+    /// Expects the call to be refused with this change and to write nothing; then reverts the change.
     template <class Change>
     void expectRefused(const char* what, const Change& change) {
         const SkPicBuf sourceBefore = **source;
@@ -102,10 +102,10 @@ TEST_P(Guard, ZeroAndAbsurdSizes) {
     expectRefused("no source height", [](SkPicBuf& s, SkPicBuf&) { s.height = 0; });
     expectRefused("no source channels", [](SkPicBuf& s, SkPicBuf&) { s.channels = 0; });
     expectRefused("no result channels", [](SkPicBuf&, SkPicBuf& r) { r.channels = 0; });
-    expectRefused("huge width", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width = huge; });
-    expectRefused("huge result height", [](SkPicBuf&, SkPicBuf& r) { r.height = huge; });
-    expectRefused("huge channels", [](SkPicBuf& s, SkPicBuf&) { s.channels = huge; });
-    // A product of width, channels and sample bytes that is small again in 32 or 64 bits.
+    expectRefused("huge width", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width = kHuge; });
+    expectRefused("huge result height", [](SkPicBuf&, SkPicBuf& r) { r.height = kHuge; });
+    expectRefused("huge channels", [](SkPicBuf& s, SkPicBuf&) { s.channels = kHuge; });
+    // Products of width, channels and sample bytes that overflow 32 or 64 bits to a small number.
     expectRefused("width that wraps", [](SkPicBuf& s, SkPicBuf& r) { s.width = r.width = 0x80000000U; });
     expectRefused("end beyond the address space", [](SkPicBuf& s, SkPicBuf&) {
         s.data = reinterpret_cast<quint8*>(std::numeric_limits<quintptr>::max() - 4);
@@ -123,7 +123,7 @@ TEST_P(Guard, ShortRows) {
 }
 
 TEST_P(Guard, ForeignSampleTypes) {
-    for (const quint32 type : {0U, 5U, 7U, 8U, 10U, 11U, 12U, 255U, huge}) {
+    for (const quint32 type : {0U, 5U, 7U, 8U, 10U, 11U, 12U, 255U, kHuge}) {
         expectRefused("source", [type](SkPicBuf& s, SkPicBuf&) { s.dataType = Type(type); });
         expectRefused("result", [type](SkPicBuf&, SkPicBuf& r) { r.dataType = Type(type); });
     }
@@ -225,11 +225,11 @@ TEST(UnsupportedPhases, MoreThanTheSourceHoldsAreRefused) {
 TEST(DifferenceGuard, DifferencePictureOfTheSameSizeIsLeftAlone) {
     TestPicture source(6, 4, 2, Type::UInt16);
     source.setInteger(0, 0, 0, 5);
-    source->layoutFlag = true; // no two-tap picture any more
+    source->layoutFlag = true; // no longer a two-tap picture
     TestPicture result(6, 4, 1, Type::Int16);
     EXPECT_FALSE(CkToFPicAPI::rawX2PicToRawAminB(*source, *result));
     EXPECT_EQ(result.integerAt(0, 0), 0);
-    // Of another size it is converted all the same.
+    // A picture of another size is converted.
     TestPicture smaller(6, 3, 1, Type::Int16);
     EXPECT_TRUE(CkToFPicAPI::rawX2PicToRawAminB(*source, *smaller));
     EXPECT_EQ(smaller.integerAt(0, 0), 5);
@@ -297,7 +297,7 @@ TEST(DepthSearchGuard, BadPicturesLeaveTheMaximumAlone) {
 }
 
 TEST(DepthSearchGuard, ChannelsAreCountedExactly) {
-    // Every sample is a depth of 2 m that could be trusted, whatever it is taken for.
+    // Every sample would be a trusted depth of 2 m, as depth and as confidence.
     for (const quint32 channels : {1U, 2U, 3U, 4U}) {
         TestPicture picture(4, 3, channels, Type::Float32);
         for (quint32 index = 0; index < 4 * 3 * channels; ++index) {

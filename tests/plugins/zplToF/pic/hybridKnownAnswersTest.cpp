@@ -24,7 +24,7 @@ Answer depthOf(EkImageDataType type, qint64 x1, qint64 x2, qint64 x3, float puls
 }
 
 TEST_P(HybridKnownAnswers, NearPixel100_60_20) {
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         const Answer answer = depthOf(type, 100, 60, 20);
         EXPECT_EQ(answer.confidence, float(3200.0 / 12000.0));
         EXPECT_EQ(answer.depth, float(40.0 * 11.99169832 / 120.0));
@@ -33,7 +33,7 @@ TEST_P(HybridKnownAnswers, NearPixel100_60_20) {
 }
 
 TEST_P(HybridKnownAnswers, FarPixel20_100_60) {
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         const Answer answer = depthOf(type, 20, 100, 60);
         EXPECT_EQ(answer.confidence, float(3200.0 / 12000.0));
         EXPECT_NEAR(answer.depth, 15.98893F, 1e-5F);
@@ -41,7 +41,7 @@ TEST_P(HybridKnownAnswers, FarPixel20_100_60) {
 }
 
 TEST_P(HybridKnownAnswers, NearEqualWindowsBelowTheThirdAreInvalid) {
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         for (const qint64 second : {48, 49, 50, 51, 52}) {
             const Answer answer = depthOf(type, 50, second, 60);
             EXPECT_EQ(answer.depth, 0.0F) << second;
@@ -56,7 +56,7 @@ TEST_P(HybridKnownAnswers, NearEqualWindowsBelowTheThirdAreInvalid) {
 
 TEST_P(HybridKnownAnswers, Confidence095IsInvalid) {
     // P = Q = 20, R = 19: 40 * 19 / 800 = 0.95.
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         const Answer answer = depthOf(type, 20, 20, 19);
         EXPECT_EQ(answer.depth, 0.0F);
         EXPECT_EQ(answer.confidence, 0.0F);
@@ -68,7 +68,7 @@ TEST_P(HybridKnownAnswers, Confidence095IsInvalid) {
 }
 
 TEST_P(HybridKnownAnswers, PixelsWithoutReflectionAreInvalid) {
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         EXPECT_EQ(depthOf(type, 0, 0, 0).depth, 0.0F);
         EXPECT_EQ(depthOf(type, 60, 10, 40).depth, 0.0F); // Q below the ambient light
         EXPECT_EQ(depthOf(type, 100, 0, 0).depth, 0.0F);  // Q = 0
@@ -87,7 +87,7 @@ TEST_P(HybridKnownAnswers, PulseDurationSetsTheRange) {
 }
 
 TEST_P(HybridKnownAnswers, AnInfinitePulseGivesInfiniteDepths) {
-    for (const auto type : unsignedTypes) {
+    for (const auto type : kUnsignedTypes) {
         EXPECT_EQ(depthOf(type, 100, 60, 20, INFINITY).depth, INFINITY); // near: no offset is added
         EXPECT_EQ(depthOf(type, 20, 100, 60, INFINITY).depth, INFINITY);
         // Windows 2 and 3 are equal: 0 times infinity, near and far.
@@ -146,7 +146,7 @@ TEST_P(HybridKnownAnswers, IntensityAndAmplitudeOfEveryPairing) {
 }
 
 TEST_P(HybridKnownAnswers, UnsupportedPairingsAreRefused) {
-    for (const auto sourceType : unsignedTypes) {
+    for (const auto sourceType : kUnsignedTypes) {
         for (const auto resultType : {EkImageDataType::UInt8, EkImageDataType::UInt16,
                                       EkImageDataType::UInt32, EkImageDataType::Int16}) {
             const bool supported = sourceType == resultType || (sourceType == EkImageDataType::UInt32 &&
@@ -189,7 +189,7 @@ qint64 narrowed(qint64 sample, quint32 bits, EkImageDataType resultType, quint32
 }
 
 TEST_P(HybridKnownAnswers, BitsAreDetectedOnlyWhenTheSourceClaimsMoreThanTheResult) {
-    // 20 bits in use. A source that claims 16 has none more than the result: cut off, not shifted.
+    // 20 bits in use. A source that declares 16 has no more than the result: truncated, not shifted.
     EXPECT_EQ(narrowed(0xABCDE, 16, EkImageDataType::UInt16, 16), 0xBCDE);
     EXPECT_EQ(narrowed(0xABCDE, 8, EkImageDataType::UInt16, 16), 0xBCDE);
     EXPECT_EQ(narrowed(0xABCDE, 12, EkImageDataType::UInt8, 12), 0xDE);

@@ -34,7 +34,7 @@ std::vector<Angles> angleLists(int phases) {
     return lists;
 }
 
-/// The raw bytes are equal, but for angles that are at most 2 units apart.
+/// The raw bytes are equal, except angles, which differ by at most 2 units in the last place.
 void expectEqualResults(const PicOperation& operation, const TestPicture& plain, const TestPicture& simd,
                         int phases) {
     EXPECT_TRUE(simd.guardsIntact());
@@ -67,7 +67,7 @@ void compare(const PicOperation& operation, const SkToFKernels& kernels, int pha
                  std::to_string(width) + ", extra " + std::to_string(layout.extraLineBytes) + ", list of " +
                  std::to_string(angles.size()));
     constexpr quint32 height = 2;
-    // One sub-image more than the phases, because some lists have an entry more.
+    // One sub-image more than phases, because some lists have one more entry.
     const quint32 stacked = operation.stackedPhases ? height * quint32(std::max(phases, 3) + 1) : height;
     const quint32 sampleBits = 8 * sampleBytes(operation.sourceType);
     const quint32 bits = sampleBits == 16 && random() % 2 == 0 ? 12 : sampleBits;
@@ -161,7 +161,7 @@ TEST(KernelEqualityOfMerge, ManySectionsAndThresholds) {
     }
 }
 
-// A block of pixels that all can use the most sensitive section takes a way of its own.
+// A block whose pixels can all use the most sensitive section takes a path of its own.
 TEST(KernelEqualityOfMerge, BlocksBelowTheThresholdAmongOthers) {
     std::mt19937 random(8);
     for (const auto sourceType : {EkImageDataType::UInt8, EkImageDataType::UInt16}) {
@@ -256,7 +256,7 @@ TEST(KernelEqualityOfWideWindows, DepthNearZeroAndLimits) {
 TEST(KernelEqualityOfWideWindows, AmplitudesOf33BitsAndEveryShift) {
     const std::unique_ptr<TestPicture> source(windowsNearZeroAndLimits());
     for (const auto type : {EkImageDataType::UInt8, EkImageDataType::UInt16, EkImageDataType::UInt32}) {
-        // All 32 bits are in use, so the shift is 32 less the result's bits.
+        // All 32 bits are in use, so the shift is 32 minus the bits of the result.
         for (const quint32 resultBits : {0U, 1U, 8U, 12U, 16U, 31U, 32U}) {
             SCOPED_TRACE(std::to_string(8 * sampleBytes(type)) + " bits, " + std::to_string(resultBits));
             for (const bool amplitude : {false, true}) {
@@ -346,7 +346,7 @@ TEST(KernelChoice, PinnedKernelsAreTheOnesThatRun) {
         ASSERT_TRUE(CkToFPicAPI::rawX2PicToAmplitude(*source, *result, 4));
         EXPECT_EQ(spiedCalls, 2) << kernels->sName;
     }
-    // No two implementations share the code that was watched.
+    // No two implementations ran the same code.
     EXPECT_EQ(distinct.size(), ToFKernelChoice::available().size());
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// A vector kernel that is missing from its table shows in no result, only in the time: the plain loop stands
-// in.
+// A vector kernel that is missing from its table changes no result, only the time: the plain loop takes its
+// place.
 
 namespace {
 
@@ -54,7 +54,7 @@ std::vector<TableEntry> entriesOf(const SkToFKernels& kernels) {
 }
 
 TEST(KernelTable, EveryInstructionSetHasAKernelOfItsOwnForEveryOperation) {
-    // The name, the flag and the entries below are the whole table: a new member must be listed above.
+    // Name, flag and entries fill the table: a new member must be listed above.
     const std::vector<TableEntry> plain = entriesOf(plainKernels());
     ASSERT_EQ(sizeof(SkToFKernels), (plain.size() + 2) * sizeof(void*));
     for (const SkToFKernels* const kernels : simdKernels()) {

@@ -48,7 +48,7 @@ TEST_P(HybridKnownAnswers, NoTrustedPixelLeavesTheMaximumUntouched) {
 TEST_P(HybridKnownAnswers, ALargestDepthOfZeroCountsAndTheFirstZeroGivesItsSign) {
     for (const quint32 width : {1U, 2U, 7U, 40U}) {
         for (const float first : {0.0F, -0.0F}) {
-            // The first trusted zero stands in the second row, followed by zeros of the other sign.
+            // The first trusted zero is in the second row, followed by zeros of the other sign.
             TestPicture pairs(width, 3, 2, EkImageDataType::Float32);
             TestPicture depth(width, 3, 1, EkImageDataType::Float32);
             TestPicture confidence(width, 3, 1, EkImageDataType::Float32);

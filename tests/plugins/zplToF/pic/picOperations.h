@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-/// One operation with one pairing of sample types, as the comparing tests run it.
+/// One operation with one pair of sample types, for the tests that compare implementations.
 struct PicOperation {
     std::string name;
     EkImageDataType sourceType;

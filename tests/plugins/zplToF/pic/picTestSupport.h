@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-/// Random samples that use the given bits, every tenth pixel at or near the limits, some pixels dark.
+/// Random samples of the given bits; every tenth pixel is at or near the limits, some pixels are dark.
 inline void fillRandom(TestPicture& picture, std::mt19937& random, quint32 bits) {
     const bool isSigned =
         picture->dataType == EkImageDataType::Int8 || picture->dataType == EkImageDataType::Int16;
@@ -33,7 +33,7 @@ inline void fillRandom(TestPicture& picture, std::mt19937& random, quint32 bits)
     }
 }
 
-/// Position of a float on the line of all floats, for distances in units in the last place.
+/// Ordinal number of a float, for distances in units in the last place.
 inline qint64 floatPosition(float value) {
     qint32 bits;
     std::memcpy(&bits, &value, sizeof(bits));
@@ -45,7 +45,7 @@ inline qint64 ulpDistance(float first, float second) {
     return distance < 0 ? -distance : distance;
 }
 
-/// Pins kernels for the life of the object.
+/// Pins kernels for its lifetime.
 class PinnedKernels {
 public:
     explicit PinnedKernels(const SkToFKernels& kernels) { ToFKernelChoice::pin(&kernels); }

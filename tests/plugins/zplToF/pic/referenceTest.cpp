@@ -5,7 +5,8 @@
 #include <cmath>
 #include <optional>
 
-// The plain loops against the formulas written once more, pixel by pixel, in extended precision.
+// The plain loops against an independent implementation of the formulas, pixel by pixel, in extended
+// precision.
 
 namespace {
 
@@ -13,9 +14,9 @@ using Type = EkImageDataType;
 using Angles = CkToFPicAPI::AngleList;
 using Extended = long double;
 
-constexpr Extended pi = 3.14159265358979323846264338327950288L;
+constexpr Extended kPi = 3.14159265358979323846264338327950288L;
 
-/// Everything that can be known of one continuous-wave pixel.
+/// The exact results of one continuous-wave pixel.
 struct WaveTruth {
     Extended phase;
     Extended amplitude; ///< not yet truncated
@@ -46,7 +47,7 @@ WaveTruth waveTruth(const TestPicture& source, quint32 x, quint32 y, quint32 hei
             difference -= Extended(source.integerAt(x, row, 1));
         }
         single = difference;
-        const Extended angle = Extended(phase * step) * pi / 180.0L;
+        const Extended angle = Extended(phase * step) * kPi / 180.0L;
         cosineSum += difference * cosl(angle);
         sineSum += difference * sinl(angle);
     }
@@ -58,7 +59,7 @@ WaveTruth waveTruth(const TestPicture& source, quint32 x, quint32 y, quint32 hei
     }
     truth.phase = atan2l(sineSum, cosineSum);
     if (truth.phase < 0) {
-        truth.phase += 2 * pi;
+        truth.phase += 2 * kPi;
     }
     truth.amplitude = hypotl(cosineSum, sineSum) / phases;
     return truth;
@@ -67,10 +68,10 @@ WaveTruth waveTruth(const TestPicture& source, quint32 x, quint32 y, quint32 hei
 /// Distance of two angles on the circle.
 Extended angleDistance(Extended first, Extended second) {
     const Extended distance = fabsl(first - second);
-    return std::min(distance, fabsl(2 * pi - distance));
+    return std::min(distance, fabsl(2 * kPi - distance));
 }
 
-/// Whether a whole number is the truncated truth; exactly, or within the error of single precision.
+/// Whether an integer is the truncated exact value, or within the error of single precision of it.
 bool isTruncated(Extended truth, qint64 actual, bool exact) {
     const Extended slack = exact ? 1e-12L * (truth + 1) : 1e-6L * (truth + 1);
     return Extended(actual) <= truth + slack && Extended(actual) + 1 > truth - slack;
@@ -150,7 +151,7 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
             for (quint32 x = 0; x < width; ++x) {
                 const WaveTruth truth = waveTruth(source, x, y, height, phases, stored);
                 const Extended whole = Extended(amplitude.integerAt(x, y));
-                // The variance is cut to a whole number, as the samples are whole numbers.
+                // The kernels truncate the variance to an integer.
                 const int divisor = phases == 1 ? 4 : phases == 8 ? 16 : 8;
                 Extended variance = floorl(truth.sumOfSamples / divisor);
                 if (phases == 8) {
@@ -182,7 +183,7 @@ TEST_P(WaveReference, PhaseConfidenceAmplitudeIntensity) {
                 }
                 const Extended expected = confidences[size_t(y) * width + x].value_or(worst);
                 ASSERT_NEAR(double(phase.at<float>(x, y, 1)), double(expected), 4e-7 * double(expected));
-                // The mean takes every stored phase once, whatever the list says.
+                // The mean takes every stored phase once, whatever the angle list contains.
                 const WaveTruth stack = waveTruth(source, x, y, height, phases, {});
                 ASSERT_EQ(Extended(intensity.integerAt(x, y)), floorl(stack.sumOfSamples / stack.samples));
             }

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-// Every expected value is worked out by hand from the samples; each runs with every implementation.
+// Every expected value is computed on paper from the samples; each test runs with every implementation.
 
 namespace {
 
@@ -20,7 +20,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Kernels, WaveKnownAnswers, ::testing::ValuesIn(ToFKernelChoice::available()),
                          [](const auto& instance) { return std::string(instance.param->sName); });
 
-constexpr float pi = 3.14159274F;
+constexpr float kPi = 3.14159274F;
 
 void setTaps(TestPicture& picture, quint32 x, std::initializer_list<std::pair<int, int>> phases) {
     quint32 y = 0;
@@ -53,9 +53,9 @@ TEST_P(WaveKnownAnswers, NegativeAxisIsPiAndNegativeYIsAbovePi) {
     }
     TestPicture result(3, 1, 1, EkImageDataType::Float32);
     ASSERT_TRUE(CkToFPicAPI::rawAminBPicToPhaseShift(*source, *result, 2));
-    EXPECT_LE(ulpDistance(result.at<float>(0, 0), pi), 2);
+    EXPECT_LE(ulpDistance(result.at<float>(0, 0), kPi), 2);
     EXPECT_NEAR(result.at<float>(1, 0), 3.1435926F, 2e-6F); // pi + 0.002
-    EXPECT_GT(result.at<float>(1, 0), pi);
+    EXPECT_GT(result.at<float>(1, 0), kPi);
     EXPECT_NEAR(result.at<float>(2, 0), 4.712389F, 1e-6F); // 3 pi / 2
     EXPECT_EQ(result->minValue, result.at<float>(0, 0));
     EXPECT_EQ(result->maxValue, result.at<float>(2, 0));

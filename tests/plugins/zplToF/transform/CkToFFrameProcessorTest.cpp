@@ -56,7 +56,7 @@ TEST(CkToFFrameProcessor, SectionsAreMergedOnlyWhereThereAreSomeAndABuffer) {
 }
 
 TEST(CkToFFrameProcessor, AWorkBufferThatCannotBeHadIsNoMemory) {
-    // 4 GiB less 64 KiB a row times 2^31 rows: no computer has it.
+    // 4 GiB minus 64 KiB per row times 2^31 rows: more than any memory.
     SkPicBufInfo absurd;
     absurd.width = 0x15550000U;
     absurd.height = 0x80000000U;
