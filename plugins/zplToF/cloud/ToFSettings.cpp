@@ -47,13 +47,13 @@ bool ToFSettings::readBool(const QSettings& settings, const char* key, bool bDef
 SkToFOpticalPath ToFSettings::readOpticalPath(const QSettings& settings) {
     namespace Key = ToFSettingsKey;
     SkToFOpticalPath path;
-    path.compensateDistortion = readBool(settings, Key::CompensateDistortion, path.compensateDistortion);
-    path.lensFocalLengthMM = readFloat(settings, Key::LensFocalLengthMM, path.lensFocalLengthMM);
-    path.chipCellSizeMM = readFloat(settings, Key::ChipCellSizeMM, path.chipCellSizeMM);
-    path.centerOffsetMM = readPoint(settings, Key::CenterOffsetMM, path.centerOffsetMM);
-    path.modulationFreqMHz = readFloat(settings, Key::ModulationFreqMHz, path.modulationFreqMHz);
-    path.confidenceThreshold = readFloat(settings, Key::ConfidenceThreshold, path.confidenceThreshold);
-    path.realDistanceOffsetM = readFloat(settings, Key::RealDistanceOffsetM, path.realDistanceOffsetM);
-    path.orthoRadialCorrection = readBool(settings, Key::OrthoRadialCorrection, path.orthoRadialCorrection);
+    path.compensateDistortion = readBool(settings, Key::kCompensateDistortion, path.compensateDistortion);
+    path.lensFocalLengthMM = readFloat(settings, Key::kLensFocalLengthMM, path.lensFocalLengthMM);
+    path.chipCellSizeMM = readFloat(settings, Key::kChipCellSizeMM, path.chipCellSizeMM);
+    path.centerOffsetMM = readPoint(settings, Key::kCenterOffsetMM, path.centerOffsetMM);
+    path.modulationFreqMHz = readFloat(settings, Key::kModulationFreqMHz, path.modulationFreqMHz);
+    path.confidenceThreshold = readFloat(settings, Key::kConfidenceThreshold, path.confidenceThreshold);
+    path.realDistanceOffsetM = readFloat(settings, Key::kRealDistanceOffsetM, path.realDistanceOffsetM);
+    path.orthoRadialCorrection = readBool(settings, Key::kOrthoRadialCorrection, path.orthoRadialCorrection);
     return path;
 }

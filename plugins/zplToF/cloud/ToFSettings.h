@@ -8,20 +8,20 @@ class QSettings;
 /// keys: existing stores use them.
 namespace ToFSettingsKey {
 // clang-format off
-inline constexpr char ShowBBox[]             = "ToF.ShowBBox";              ///< bool, true; the view
-inline constexpr char RegulateInputFps[]     = "ToF.RegulateInputFps";      ///< bool, false; settings dialog
-inline constexpr char MaxInputFps[]          = "ToF.MaxInputFps";           ///< float, 5, frames/s; settings dialog
-inline constexpr char CompensateDistortion[] = "ToF.OptCompensateDistorsion"; ///< bool, false; settings dialog
-inline constexpr char LensFocalLengthMM[]    = "ToF.OptLensFocalLengthMM";  ///< float, 3.5, mm; settings dialog
-inline constexpr char ChipCellSizeMM[]       = "ToF.OptChipCellSizeMM";     ///< float, 0.01, mm; settings dialog
-inline constexpr char CenterOffsetMM[]       = "ToF.OptCenterOffsetMM";     ///< QPointF, (0, 0), mm; settings dialog
-inline constexpr char ModulationFreqMHz[]    = "ToF.OptModulationFreq";     ///< float, 30, MHz; settings dialog
-inline constexpr char ConfidenceThreshold[]  = "ToF.OptConfidenceThreshold"; ///< float, 10; settings dialog
-inline constexpr char RealDistanceOffsetM[]  = "ToF.OptRealDistandeOffsetM"; ///< float, -1.5, m; settings dialog, calibration
-inline constexpr char OrthoRadialCorrection[] = "ToF.OptOrthoRadialCorrection"; ///< bool, true; settings dialog
-inline constexpr char LutPseudoColor[]       = "ToF.LUTPseudoColor";        ///< int, 0, number of the map; the view
-inline constexpr char DepthTexResolutionW[]  = "ToF.DepthTexResolutionW";   ///< int, 640, pixels; the view, never read
-inline constexpr char BgColor[]              = "ToF.BgColor";               ///< unsigned, 0x303080, 0xRRGGBB; the view
+inline constexpr char kShowBBox[]             = "ToF.ShowBBox";              ///< bool, true; the view
+inline constexpr char kRegulateInputFps[]     = "ToF.RegulateInputFps";      ///< bool, false; settings dialog
+inline constexpr char kMaxInputFps[]          = "ToF.MaxInputFps";           ///< float, 5, frames/s; settings dialog
+inline constexpr char kCompensateDistortion[] = "ToF.OptCompensateDistorsion"; ///< bool, false; settings dialog
+inline constexpr char kLensFocalLengthMM[]    = "ToF.OptLensFocalLengthMM";  ///< float, 3.5, mm; settings dialog
+inline constexpr char kChipCellSizeMM[]       = "ToF.OptChipCellSizeMM";     ///< float, 0.01, mm; settings dialog
+inline constexpr char kCenterOffsetMM[]       = "ToF.OptCenterOffsetMM";     ///< QPointF, (0, 0), mm; settings dialog
+inline constexpr char kModulationFreqMHz[]    = "ToF.OptModulationFreq";     ///< float, 30, MHz; settings dialog
+inline constexpr char kConfidenceThreshold[]  = "ToF.OptConfidenceThreshold"; ///< float, 10; settings dialog
+inline constexpr char kRealDistanceOffsetM[]  = "ToF.OptRealDistandeOffsetM"; ///< float, -1.5, m; settings dialog, calibration
+inline constexpr char kOrthoRadialCorrection[] = "ToF.OptOrthoRadialCorrection"; ///< bool, true; settings dialog
+inline constexpr char kLutPseudoColor[]       = "ToF.LUTPseudoColor";        ///< int, 0, number of the map; the view
+inline constexpr char kDepthTexResolutionW[]  = "ToF.DepthTexResolutionW";   ///< int, 640, pixels; the view, never read
+inline constexpr char kBgColor[]              = "ToF.BgColor";               ///< unsigned, 0x303080, 0xRRGGBB; the view
 // clang-format on
 } // namespace ToFSettingsKey
 

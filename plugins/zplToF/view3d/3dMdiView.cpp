@@ -89,11 +89,11 @@ void CkToF3DMdiView::showBoundingBox(bool bShow) {
     if (m_scene) {
         m_scene->setBoxVisible(bShow);
     }
-    ToFHostSettings::write(ToFSettingsKey::ShowBBox, bShow);
+    ToFHostSettings::write(ToFSettingsKey::kShowBBox, bShow);
 }
 
 void CkToF3DMdiView::selectBgColor(uint uiColor) {
-    ToFHostSettings::write(ToFSettingsKey::BgColor, uiColor);
+    ToFHostSettings::write(ToFSettingsKey::kBgColor, uiColor);
     if (m_scene) {
         m_scene->setClearColor(QColor(QRgb(uiColor)));
     }
@@ -139,7 +139,7 @@ void CkToF3DMdiView::onDepthResChanged() {
     m_model.setMaxGenericWidth(width);
     CkMdiView* connected = connectedView();
     updateWithConnectedImageData(connected != nullptr ? connected->currentImage() : nullptr, true);
-    ToFHostSettings::write(ToFSettingsKey::DepthTexResolutionW, width);
+    ToFHostSettings::write(ToFSettingsKey::kDepthTexResolutionW, width);
 }
 
 void CkToF3DMdiView::moveToDefault3DPosition() {

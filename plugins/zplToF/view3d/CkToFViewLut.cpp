@@ -51,7 +51,7 @@ bool CkToFViewLut::set(CkLut* pLut, const SkFlags& flags) {
         m_lut.reset(pLut);
     }
     m_colorTable.update(m_lut->pseudoColorIndex());
-    ToFHostSettings::write(ToFSettingsKey::LutPseudoColor, m_lut->pseudoColorIndex());
+    ToFHostSettings::write(ToFSettingsKey::kLutPseudoColor, m_lut->pseudoColorIndex());
     return true;
 }
 
@@ -74,7 +74,7 @@ void CkToFViewLut::makeDefault(const SkPicBuf& picture) {
                                     picture.dataType);
     if (const auto settings = ToFHostSettings::open()) {
         m_lut->setPseudoColorIndex(SkToFViewSettings::readPseudoColor(*settings));
-        m_bIsDefault = !settings->contains(QLatin1String(ToFSettingsKey::LutPseudoColor));
+        m_bIsDefault = !settings->contains(QLatin1String(ToFSettingsKey::kLutPseudoColor));
     }
     m_lut->allocRgbTable(sampleBytes(picture.dataType));
     m_colorTable.update(m_lut->pseudoColorIndex());

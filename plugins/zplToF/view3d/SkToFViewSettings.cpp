@@ -23,9 +23,10 @@ Whole readWhole(const QSettings& settings, const char* key, Whole defaultValue) 
 SkToFViewSettings SkToFViewSettings::read(const QSettings& settings) {
     namespace Key = ToFSettingsKey;
     SkToFViewSettings result;
-    result.showBBox = ToFSettings::readBool(settings, Key::ShowBBox, result.showBBox);
-    result.regulateInputFps = ToFSettings::readBool(settings, Key::RegulateInputFps, result.regulateInputFps);
-    result.maxInputFps = ToFSettings::readFloat(settings, Key::MaxInputFps, result.maxInputFps);
+    result.showBBox = ToFSettings::readBool(settings, Key::kShowBBox, result.showBBox);
+    result.regulateInputFps =
+        ToFSettings::readBool(settings, Key::kRegulateInputFps, result.regulateInputFps);
+    result.maxInputFps = ToFSettings::readFloat(settings, Key::kMaxInputFps, result.maxInputFps);
     result.opticalPath = ToFSettings::readOpticalPath(settings);
     return result;
 }
@@ -35,28 +36,28 @@ void SkToFViewSettings::writeDialogValues(QSettings& settings) const {
     const auto write = [&settings](const char* key, const QVariant& value) {
         settings.setValue(QLatin1String(key), value);
     };
-    write(Key::CompensateDistortion, opticalPath.compensateDistortion);
-    write(Key::LensFocalLengthMM, opticalPath.lensFocalLengthMM);
-    write(Key::ChipCellSizeMM, opticalPath.chipCellSizeMM);
-    write(Key::CenterOffsetMM, opticalPath.centerOffsetMM);
-    write(Key::ModulationFreqMHz, opticalPath.modulationFreqMHz);
-    write(Key::ConfidenceThreshold, opticalPath.confidenceThreshold);
-    write(Key::RealDistanceOffsetM, opticalPath.realDistanceOffsetM);
-    write(Key::OrthoRadialCorrection, opticalPath.orthoRadialCorrection);
-    write(Key::RegulateInputFps, regulateInputFps);
-    write(Key::MaxInputFps, maxInputFps);
+    write(Key::kCompensateDistortion, opticalPath.compensateDistortion);
+    write(Key::kLensFocalLengthMM, opticalPath.lensFocalLengthMM);
+    write(Key::kChipCellSizeMM, opticalPath.chipCellSizeMM);
+    write(Key::kCenterOffsetMM, opticalPath.centerOffsetMM);
+    write(Key::kModulationFreqMHz, opticalPath.modulationFreqMHz);
+    write(Key::kConfidenceThreshold, opticalPath.confidenceThreshold);
+    write(Key::kRealDistanceOffsetM, opticalPath.realDistanceOffsetM);
+    write(Key::kOrthoRadialCorrection, opticalPath.orthoRadialCorrection);
+    write(Key::kRegulateInputFps, regulateInputFps);
+    write(Key::kMaxInputFps, maxInputFps);
 }
 
 float SkToFViewSettings::readDistanceOffset(const QSettings& settings, float fDefault) {
-    return ToFSettings::readFloat(settings, ToFSettingsKey::RealDistanceOffsetM, fDefault);
+    return ToFSettings::readFloat(settings, ToFSettingsKey::kRealDistanceOffsetM, fDefault);
 }
 
 int SkToFViewSettings::readPseudoColor(const QSettings& settings) {
-    return readWhole(settings, ToFSettingsKey::LutPseudoColor, 0);
+    return readWhole(settings, ToFSettingsKey::kLutPseudoColor, 0);
 }
 
 QColor SkToFViewSettings::readBackground(const QSettings& settings) {
-    return QColor(QRgb(readWhole(settings, ToFSettingsKey::BgColor, kDefaultBackground)));
+    return QColor(QRgb(readWhole(settings, ToFSettingsKey::kBgColor, kDefaultBackground)));
 }
 
 QColor SkToFViewSettings::defaultBackground() {

@@ -12,7 +12,7 @@ float ToFDistanceOffset::read(float fDefault) {
 }
 
 void ToFDistanceOffset::store(float fOffset) {
-    ToFHostSettings::write(ToFSettingsKey::RealDistanceOffsetM, fOffset);
+    ToFHostSettings::write(ToFSettingsKey::kRealDistanceOffsetM, fOffset);
     const QWidgetList widgets = QApplication::allWidgets();
     for (QWidget* widget : widgets) {
         if (auto* view = qobject_cast<CkToF3DMdiView*>(widget)) {
