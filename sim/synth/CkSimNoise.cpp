@@ -51,6 +51,6 @@ quint64 CkSimNoise::rowKey(quint64 seed, quint64 set, quint32 exposure, quint32 
 }
 
 const std::array<float, 4096>& CkSimNoise::quantiles() {
-    static const std::array<float, 4096> table = makeQuantiles();
-    return table;
+    static const std::array<float, 4096> kQuantiles = makeQuantiles();
+    return kQuantiles;
 }

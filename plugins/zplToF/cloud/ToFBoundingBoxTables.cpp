@@ -13,9 +13,9 @@ std::array<float, 24> vertices(float fHalfX, float fHalfY, float fHalfZ) {
 }
 
 const std::array<quint16, 24>& indices() {
-    static constexpr std::array<quint16, 24> table = {0, 1, 1, 2, 2, 3, 3, 0, 4, 5, 5, 6,
-                                                      6, 7, 7, 4, 0, 4, 1, 5, 2, 6, 3, 7};
-    return table;
+    static constexpr std::array<quint16, 24> kIndices = {0, 1, 1, 2, 2, 3, 3, 0, 4, 5, 5, 6,
+                                                         6, 7, 7, 4, 0, 4, 1, 5, 2, 6, 3, 7};
+    return kIndices;
 }
 
 } // namespace ToFBoundingBoxTables

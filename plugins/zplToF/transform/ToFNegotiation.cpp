@@ -24,20 +24,20 @@ const char* const kWantsDepthInput = QT_TRANSLATE_NOOP(
 
 // Shared by all frames, so that naming channels allocates nothing.
 const QStringList& namesAandB() {
-    static const QStringList names{ToFChannel::kA, ToFChannel::kB};
-    return names;
+    static const QStringList kNames{ToFChannel::kA, ToFChannel::kB};
+    return kNames;
 }
 const QStringList& namesPhaseShift() {
-    static const QStringList names{ToFChannel::kPhaseShift, ToFChannel::kConfidence};
-    return names;
+    static const QStringList kNames{ToFChannel::kPhaseShift, ToFChannel::kConfidence};
+    return kNames;
 }
 const QStringList& namesDepth() {
-    static const QStringList names{ToFChannel::kDepth, ToFChannel::kConfidence};
-    return names;
+    static const QStringList kNames{ToFChannel::kDepth, ToFChannel::kConfidence};
+    return kNames;
 }
 const QStringList& namesHybrid() {
-    static const QStringList names{ToFChannel::kX1, ToFChannel::kX2, ToFChannel::kX3};
-    return names;
+    static const QStringList kNames{ToFChannel::kX1, ToFChannel::kX2, ToFChannel::kX3};
+    return kNames;
 }
 
 /// Saturates at 32 bits. No picture is that large, so the result is refused later.
