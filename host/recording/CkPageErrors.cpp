@@ -15,14 +15,14 @@ struct Texts {
 } // namespace
 
 QString CkPageErrors::text() const {
-    return m_iInRow == 1 ? m_sLast : Texts::tr("%1 (%2 pages in a row)").arg(m_sLast).arg(m_iInRow);
+    return m_inRow == 1 ? m_last : Texts::tr("%1 (%2 pages in a row)").arg(m_last).arg(m_inRow);
 }
 
 QString CkPageErrors::add(const QString& sError, Clock::time_point now) {
-    m_sLast = sError;
-    ++m_iInRow;
-    m_bHeldBack = m_iInRow > 1 && now - m_shown < kBetweenTexts;
-    if (m_bHeldBack) {
+    m_last = sError;
+    ++m_inRow;
+    m_heldBack = m_inRow > 1 && now - m_shown < kBetweenTexts;
+    if (m_heldBack) {
         return {};
     }
     m_shown = now;
@@ -30,8 +30,8 @@ QString CkPageErrors::add(const QString& sError, Clock::time_point now) {
 }
 
 QString CkPageErrors::endOfRow() {
-    QString rest = m_bHeldBack ? text() : QString();
-    m_bHeldBack = false;
-    m_iInRow = 0;
+    QString rest = m_heldBack ? text() : QString();
+    m_heldBack = false;
+    m_inRow = 0;
     return rest;
 }

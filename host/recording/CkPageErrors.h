@@ -19,8 +19,8 @@ public:
 private:
     QString text() const;
 
-    qint64 m_iInRow = 0;
-    QString m_sLast;
-    bool m_bHeldBack = false;
+    qint64 m_inRow = 0;
+    QString m_last;
+    bool m_heldBack = false;
     Clock::time_point m_shown;
 };

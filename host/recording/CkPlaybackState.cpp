@@ -7,10 +7,10 @@ bool CkPlaybackState::play(qint64 iFrameCount) {
         return false;
     }
     m_mode = EkMode::Playing;
-    m_iSteps = 0;
-    m_iSkipped = 0;
-    if (m_iNext >= iFrameCount) {
-        m_iNext = 0;
+    m_steps = 0;
+    m_skipped = 0;
+    if (m_next >= iFrameCount) {
+        m_next = 0;
     }
     return true;
 }
@@ -25,22 +25,22 @@ bool CkPlaybackState::pause() {
 
 void CkPlaybackState::step() {
     m_mode = EkMode::Stepping;
-    ++m_iSteps;
+    ++m_steps;
 }
 
 void CkPlaybackState::seek(qint64 iFrame) {
-    m_iNext = iFrame;
+    m_next = iFrame;
     if (m_mode != EkMode::Playing) {
         m_mode = EkMode::Stepping;
-        m_iSteps = 1;
+        m_steps = 1;
     }
     discardFrame();
 }
 
 void CkPlaybackState::rewind() {
-    m_iNext = 0;
-    m_iPosition = -1;
-    m_iSkipped = 0;
+    m_next = 0;
+    m_position = -1;
+    m_skipped = 0;
     discardFrame();
 }
 
@@ -50,18 +50,18 @@ void CkPlaybackState::close() {
 }
 
 void CkPlaybackState::frameDelivered(qint64 iFrame) {
-    m_iPosition = iFrame;
+    m_position = iFrame;
     advance(iFrame);
 }
 
 bool CkPlaybackState::end() {
-    m_iSteps = 0;
+    m_steps = 0;
     return std::exchange(m_mode, EkMode::Paused) == EkMode::Playing;
 }
 
 void CkPlaybackState::advance(qint64 iFrame) {
-    m_iNext = iFrame + 1;
-    if (m_mode == EkMode::Stepping && --m_iSteps == 0) {
+    m_next = iFrame + 1;
+    if (m_mode == EkMode::Stepping && --m_steps == 0) {
         m_mode = EkMode::Paused;
     }
 }

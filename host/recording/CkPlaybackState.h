@@ -13,14 +13,14 @@ public:
     };
 
     EkMode mode() const { return m_mode; }
-    qint64 next() const { return m_iNext; }         ///< the frame to be delivered next
-    qint64 position() const { return m_iPosition; } ///< the frame delivered last, -1 before the first one
-    qint64 skipped() const { return m_iSkipped; }   ///< by real time, since play()
+    qint64 next() const { return m_next; }         ///< the frame to be delivered next
+    qint64 position() const { return m_position; } ///< the frame delivered last, -1 before the first one
+    qint64 skipped() const { return m_skipped; }   ///< by real time, since play()
     /// Incremented by every change that invalidates the frame being read or waited for.
-    quint64 generation() const { return m_uiGeneration; }
-    bool chainRuns() const { return m_bChainRuns; }
+    quint64 generation() const { return m_generation; }
+    bool chainRuns() const { return m_chainRuns; }
     bool wantsFrames() const {
-        return m_bChainRuns && (m_mode == EkMode::Playing || m_mode == EkMode::Stepping);
+        return m_chainRuns && (m_mode == EkMode::Playing || m_mode == EkMode::Stepping);
     }
 
     bool
@@ -29,24 +29,24 @@ public:
     void step();              ///< One more frame, for a player that is paused.
     void seek(qint64 iFrame); ///< While paused the frame counts as a step and replaces pending ones.
     void rewind();            ///< To be called for a new file.
-    void discardFrame() { ++m_uiGeneration; } ///< The frame being read has to be read again.
-    void setChainRuns(bool bRuns) { m_bChainRuns = bRuns; }
+    void discardFrame() { ++m_generation; } ///< The frame being read has to be read again.
+    void setChainRuns(bool bRuns) { m_chainRuns = bRuns; }
     void close();
 
-    void addSkipped(qint64 iFrames) { m_iSkipped += iFrames; }
+    void addSkipped(qint64 iFrames) { m_skipped += iFrames; }
     void frameDelivered(qint64 iFrame);
     void frameUnreadable(qint64 iFrame) { advance(iFrame); }
-    void startOver() { m_iNext = 0; } ///< After the last frame of a loop.
-    bool end();                       ///< After the last frame. Pauses; false when not playing.
+    void startOver() { m_next = 0; } ///< After the last frame of a loop.
+    bool end();                      ///< After the last frame. Pauses; false when not playing.
 
 private:
     void advance(qint64 iFrame);
 
     EkMode m_mode = EkMode::Paused;
-    int m_iSteps = 0; ///< pending; above 0 exactly while Stepping
-    bool m_bChainRuns = false;
-    qint64 m_iNext = 0;
-    qint64 m_iPosition = -1;
-    qint64 m_iSkipped = 0;
-    quint64 m_uiGeneration = 0;
+    int m_steps = 0; ///< pending; above 0 exactly while Stepping
+    bool m_chainRuns = false;
+    qint64 m_next = 0;
+    qint64 m_position = -1;
+    qint64 m_skipped = 0;
+    quint64 m_generation = 0;
 };

@@ -36,7 +36,7 @@ bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recordin
         }
         return false;
     };
-    if (m_bRunning) {
+    if (m_running) {
         return refuse(Texts::tr("A recording is running already."));
     }
     if (!m_writer.open(sFileName, recording, options.compression)) {
@@ -46,10 +46,10 @@ bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recordin
     m_options = options;
     m_options.queueFrames = std::max(1, options.queueFrames);
     try {
-        m_bRunning = true;
+        m_running = true;
         m_thread = std::thread([this] { run(); });
     } catch (const std::system_error&) {
-        m_bRunning = false;
+        m_running = false;
         m_writer.close();
         return refuse(Texts::tr("There is no thread to record in."));
     }
@@ -59,7 +59,7 @@ bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recordin
 bool CkRecorder::stop() {
     {
         const std::lock_guard lock(m_mutex);
-        m_bRunning = false;
+        m_running = false;
     }
     m_changed.notify_all();
     if (m_thread.joinable()) {
@@ -76,12 +76,12 @@ bool CkRecorder::stop() {
 
 bool CkRecorder::isRunning() const {
     const std::lock_guard lock(m_mutex);
-    return m_bRunning;
+    return m_running;
 }
 
 CkRecorder::SkState CkRecorder::stateLocked() const {
     SkState state = m_state;
-    state.waiting = int(m_queue.size()) + (m_bWriting ? 1 : 0);
+    state.waiting = int(m_queue.size()) + (m_writing ? 1 : 0);
     return state;
 }
 
@@ -101,7 +101,7 @@ int CkRecorder::takeFrame(CkImageData* pData) {
     SkState state;
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_bRunning || frame == nullptr) {
+        if (!m_running || frame == nullptr) {
             return 0;
         }
         if (m_state.error.isEmpty() && int(m_queue.size()) < m_options.queueFrames) {
@@ -125,28 +125,28 @@ int CkRecorder::takeFrame(CkImageData* pData) {
 bool CkRecorder::waitForRoom() {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] {
-        return !m_bRunning || !m_state.error.isEmpty() || int(m_queue.size()) < m_options.queueFrames;
+        return !m_running || !m_state.error.isEmpty() || int(m_queue.size()) < m_options.queueFrames;
     });
-    return m_bRunning && m_state.error.isEmpty();
+    return m_running && m_state.error.isEmpty();
 }
 
 void CkRecorder::run() {
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return !m_queue.empty() || !m_bRunning; });
+        m_changed.wait(lock, [this] { return !m_queue.empty() || !m_running; });
         if (m_queue.empty()) {
             return;
         }
         std::unique_ptr<CkImageData> frame = std::move(m_queue.front());
         m_queue.pop_front();
-        m_bWriting = true;
+        m_writing = true;
         const bool broken = !m_state.error.isEmpty();
         lock.unlock();
         const bool written =
             !broken && m_writer.write(frame->picBuf(), frame->metadata(), ForeignMembers::of(*frame));
         frame.reset();
         lock.lock();
-        m_bWriting = false;
+        m_writing = false;
         std::function<void(const SkState&)> trouble;
         if (written) {
             m_state.written = m_writer.frameCount();

@@ -61,8 +61,8 @@ private:
     std::deque<std::unique_ptr<CkImageData>> m_queue;
     SkState m_state;
     SkOptions m_options;
-    bool m_bRunning = false;
-    bool m_bWriting = false;
+    bool m_running = false;
+    bool m_writing = false;
     std::function<void(const SkState&)> m_trouble;
     std::thread m_thread;
     CkRecordingWriter m_writer;

@@ -54,12 +54,12 @@ bool CkRecordingReader::open(const QString& sFileName, QString* psError, const P
             return refuse(psError, Texts::tr("\"%1\": %2").arg(sFileName, reason));
         }
         if (index == CkTiffFile::EkIndex::Damaged) {
-            m_sDamage = message(frameCount(), reason);
+            m_damage = message(frameCount(), reason);
         }
         if (frameCount() == 0) {
-            return refuse(psError, m_sDamage.isEmpty()
+            return refuse(psError, m_damage.isEmpty()
                                        ? Texts::tr("\"%1\": The file holds no picture.").arg(sFileName)
-                                       : m_sDamage);
+                                       : m_damage);
         }
         SkFrameDescription first;
         if (describe(0, first, nullptr)) {

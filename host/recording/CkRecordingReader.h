@@ -17,7 +17,7 @@ public:
     /// A damaged file opens with the frames before the damage; a page beyond the limit counts as damage.
     bool open(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
 
-    QString damage() const override { return m_sDamage; }
+    QString damage() const override { return m_damage; }
     QString fileName() const override;
     qint64 frameCount() const override;
     quint64 byteCount() const;
@@ -31,6 +31,6 @@ private:
 
     SkReadLimits m_limits;
     CkTiffFile m_file;
-    QString m_sDamage;
+    QString m_damage;
     SkRecordingInfo m_recording;
 };

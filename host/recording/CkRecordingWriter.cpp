@@ -51,7 +51,7 @@ bool isKnown(EkImageDataType dataType) {
 /// Builds a page directory, with the values too large for its entries, for a known file offset.
 class CkDirectory {
 public:
-    explicit CkDirectory(quint64 uiOffset) : m_uiOffset(uiOffset) {}
+    explicit CkDirectory(quint64 uiOffset) : m_offset(uiOffset) {}
 
     void addShort(quint16 tag, quint16 value, quint32 count = 1) {
         quint16 values[4];
@@ -68,7 +68,7 @@ public:
         if (count <= sizeof(field)) {
             std::memcpy(&field, ascii.constData(), size_t(count));
         } else {
-            field = qToLittleEndian(m_uiOffset + quint64(m_outside.size()));
+            field = qToLittleEndian(m_offset + quint64(m_outside.size()));
             m_outside.append(ascii).append('\0');
         }
         addEntry(tag, TIFF_ASCII, count, field);
@@ -80,9 +80,9 @@ public:
         const quint64 count = quint64(m_entries.size()) / 20;
         // Aligned to 8 bytes, the link never crosses a memory page, so that no concurrent reader sees a torn
         // value.
-        quint64 start = alignedUp(m_uiOffset + quint64(m_outside.size()), 8);
+        quint64 start = alignedUp(m_offset + quint64(m_outside.size()), 8);
         start += count % 2 == 0 ? 0 : 4;
-        uiDirectory = start - m_uiOffset;
+        uiDirectory = start - m_offset;
         m_outside.append(qsizetype(uiDirectory) - m_outside.size(), '\0');
         append(m_outside, qToLittleEndian(count));
         m_outside.append(m_entries);
@@ -104,7 +104,7 @@ private:
         append(m_entries, field);
     }
 
-    quint64 m_uiOffset;
+    quint64 m_offset;
     QByteArray m_entries;
     QByteArray m_outside;
 };
@@ -146,14 +146,14 @@ CkRecordingWriter::~CkRecordingWriter() {
 }
 
 bool CkRecordingWriter::fail(const QString& sReason) {
-    m_sError = Texts::tr("\"%1\", page %2: %3").arg(m_sFileName, QString::number(m_iFrames + 1), sReason);
+    m_error = Texts::tr("\"%1\", page %2: %3").arg(m_fileName, QString::number(m_frames + 1), sReason);
     return false;
 }
 
 bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOffset) {
     const auto* next = static_cast<const char*>(pBytes);
     while (uiBytes > 0) {
-        const ssize_t done = ::pwrite(m_iFile, next, uiBytes, off_t(uiOffset));
+        const ssize_t done = ::pwrite(m_file, next, uiBytes, off_t(uiOffset));
         if (done < 0 && errno == EINTR) {
             continue;
         }
@@ -171,26 +171,25 @@ bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOf
 bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& recording,
                              EkRecordingCompression compression) {
     close();
-    m_sFileName = sFileName;
+    m_fileName = sFileName;
     m_recording = recording;
     m_compression = compression;
-    m_iFrames = 0;
-    m_sError.clear();
-    m_iFile =
-        ::open(QFile::encodeName(sFileName).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (m_iFile < 0) {
-        m_sError = Texts::tr("\"%1\" cannot be written (%2).")
-                       .arg(sFileName, QString::fromLocal8Bit(std::strerror(errno)));
+    m_frames = 0;
+    m_error.clear();
+    m_file = ::open(QFile::encodeName(sFileName).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (m_file < 0) {
+        m_error = Texts::tr("\"%1\" cannot be written (%2).")
+                      .arg(sFileName, QString::fromLocal8Bit(std::strerror(errno)));
         return false;
     }
     // Little endian, BigTIFF, offsets of 8 bytes, no page yet.
     const quint8 header[kHeaderBytes] = {'I', 'I', 43, 0, 8};
-    m_uiEnd = kHeaderBytes;
-    m_uiLink = kLinkInHeader;
+    m_end = kHeaderBytes;
+    m_link = kLinkInHeader;
     if (!writeAt(header, sizeof(header), 0)) {
-        const QString reason = m_sError;
+        const QString reason = m_error;
         close();
-        m_sError = reason;
+        m_error = reason;
         return false;
     }
     return true;
@@ -253,16 +252,16 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
         description.metadata = metadata;
         description.object = object;
         const auto channels = quint16(picBuf.channels);
-        const bool first = m_iFrames == 0;
+        const bool first = m_frames == 0;
         const QByteArray text = description.toText(first ? &m_recording : nullptr);
-        const qint64 longest = SkReadLimits::textBytes(m_iFrames);
+        const qint64 longest = SkReadLimits::textBytes(m_frames);
         if (text.size() > longest) {
             return fail(Texts::tr("What is to be written beside the samples (metadata, chain) is longer than "
                                   "%1 MiB.")
                             .arg(longest >> 20U));
         }
 
-        const quint64 start = alignedUp(m_uiEnd, 16);
+        const quint64 start = alignedUp(m_end, 16);
         const quint64 behind = start + bytes;
         CkDirectory page(behind);
         page.addLong(TIFFTAG_IMAGEWIDTH, picBuf.width);
@@ -294,14 +293,14 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
 
         const quint64 pageOffset = qToLittleEndian(behind + directory);
         if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), behind) ||
-            !writeAt(&pageOffset, sizeof(pageOffset), m_uiLink)) {
+            !writeAt(&pageOffset, sizeof(pageOffset), m_link)) {
             // Frees the space of the failed page. Should that fail too, the file is merely longer.
-            [[maybe_unused]] const int code = ::ftruncate(m_iFile, off_t(m_uiEnd));
+            [[maybe_unused]] const int code = ::ftruncate(m_file, off_t(m_end));
             return false;
         }
-        m_uiLink = behind + link;
-        m_uiEnd = behind + quint64(tail.size());
-        ++m_iFrames;
+        m_link = behind + link;
+        m_end = behind + quint64(tail.size());
+        ++m_frames;
         return true;
     } catch (const std::bad_alloc&) {
         return fail(Texts::tr("There is not enough memory."));
@@ -309,11 +308,11 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
 }
 
 bool CkRecordingWriter::close() {
-    if (m_iFile < 0) {
+    if (m_file < 0) {
         return true;
     }
-    const int code = ::close(m_iFile);
-    m_iFile = -1;
+    const int code = ::close(m_file);
+    m_file = -1;
     m_packed = {};
     if (code != 0) {
         return fail(Texts::tr("Writing failed (%1).").arg(QString::fromLocal8Bit(std::strerror(errno))));

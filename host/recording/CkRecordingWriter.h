@@ -29,7 +29,7 @@ public:
     /// Creates the file, or replaces an existing one. False, with errorMessage, when that fails.
     bool open(const QString& sFileName, const SkRecordingInfo& recording,
               EkRecordingCompression compression = EkRecordingCompression::None);
-    bool isOpen() const { return m_iFile >= 0; }
+    bool isOpen() const { return m_file >= 0; }
 
     /// Appends a picture of 1 to 4 channels. object: members of an earlier recording to keep. False, with
     /// errorMessage, when the picture cannot be stored or the disk refuses it; the pages written so far
@@ -40,11 +40,11 @@ public:
     /// False, with errorMessage, when the operating system reports a write error only now.
     bool close();
 
-    qint64 frameCount() const { return m_iFrames; }
+    qint64 frameCount() const { return m_frames; }
     /// Bytes of the file up to the end of its last page.
-    quint64 byteCount() const { return m_uiEnd; }
+    quint64 byteCount() const { return m_end; }
     /// Of the last failed call; names file and page.
-    QString errorMessage() const { return m_sError; }
+    QString errorMessage() const { return m_error; }
 
 private:
     bool fail(const QString& sReason);
@@ -52,13 +52,13 @@ private:
     const quint8* packedSamples(const SkPicBuf& picBuf, size_t& uiBytes);
     QByteArray deflated(const SkPicBuf& picBuf, size_t uiBytes);
 
-    int m_iFile = -1;
-    QString m_sFileName;
-    QString m_sError;
+    int m_file = -1;
+    QString m_fileName;
+    QString m_error;
     SkRecordingInfo m_recording;
     EkRecordingCompression m_compression = EkRecordingCompression::None;
-    qint64 m_iFrames = 0;
-    quint64 m_uiEnd = 0;  ///< end of the last complete page
-    quint64 m_uiLink = 0; ///< file offset of the field that links the next page
+    qint64 m_frames = 0;
+    quint64 m_end = 0;  ///< end of the last complete page
+    quint64 m_link = 0; ///< file offset of the field that links the next page
     std::vector<quint8> m_packed;
 };

@@ -50,19 +50,19 @@ QString systemReason() {
 } // namespace
 
 CkTiffFile::~CkTiffFile() {
-    if (m_iFile >= 0) {
-        ::close(m_iFile);
+    if (m_file >= 0) {
+        ::close(m_file);
     }
 }
 
 qint64 CkTiffFile::readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const {
-    if (uiOffset >= m_uiBytes) {
+    if (uiOffset >= m_bytes) {
         return 0;
     }
     auto* next = static_cast<char*>(pBytes);
-    quint64 wanted = std::min(uiBytes, m_uiBytes - uiOffset);
+    quint64 wanted = std::min(uiBytes, m_bytes - uiOffset);
     while (wanted > 0) {
-        const ssize_t done = ::pread(m_iFile, next, wanted, off_t(uiOffset));
+        const ssize_t done = ::pread(m_file, next, wanted, off_t(uiOffset));
         if (done < 0 && errno == EINTR) {
             continue;
         }
@@ -82,17 +82,17 @@ qint64 CkTiffFile::readAt(void* pBytes, quint64 uiBytes, quint64 uiOffset) const
 quint64 CkTiffFile::number(const quint8* pBytes, int iBytes) const {
     quint64 value = 0;
     for (int i = 0; i < iBytes; ++i) {
-        value = value << 8U | pBytes[m_bBigEndian ? i : iBytes - 1 - i];
+        value = value << 8U | pBytes[m_bigEndian ? i : iBytes - 1 - i];
     }
     return value;
 }
 
 bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
-    m_sFileName = sFileName;
+    m_fileName = sFileName;
     // O_NONBLOCK: opening a pipe without a writer would block.
-    m_iFile = ::open(QFile::encodeName(sFileName).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    m_file = ::open(QFile::encodeName(sFileName).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status = {};
-    if (m_iFile < 0 || ::fstat(m_iFile, &status) != 0) {
+    if (m_file < 0 || ::fstat(m_file, &status) != 0) {
         sReason = Texts::tr("The file cannot be read (%1).").arg(systemReason());
         return false;
     }
@@ -100,7 +100,7 @@ bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
         sReason = Texts::tr("This is no ordinary file.");
         return false;
     }
-    m_uiBytes = quint64(status.st_size);
+    m_bytes = quint64(status.st_size);
     quint8 header[16] = {};
     const qint64 got = readAt(header, sizeof(header), 0);
     if (got < 0) {
@@ -109,10 +109,10 @@ bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
     }
     const bool little = header[0] == 'I' && header[1] == 'I';
     const bool big = header[0] == 'M' && header[1] == 'M';
-    m_bBigEndian = big;
+    m_bigEndian = big;
     const quint64 version = number(header + 2, 2);
-    m_bBigTiff = version == 43;
-    const bool wide = m_bBigTiff && got == 16 && number(header + 4, 2) == 8;
+    m_bigTiff = version == 43;
+    const bool wide = m_bigTiff && got == 16 && number(header + 4, 2) == 8;
     if (!(little || big) || !(wide || (version == 42 && got >= 8))) {
         sReason = got == 0 ? Texts::tr("The file is empty.")
                            : Texts::tr("This is no recording and no other TIFF file.");
@@ -122,17 +122,17 @@ bool CkTiffFile::open(const QString& sFileName, QString& sReason) {
 }
 
 size_t CkTiffFile::headerFor(quint64 uiPageOffset, quint8* pHeader) const {
-    const quint8 version = m_bBigTiff ? 43 : 42;
-    const int length = m_bBigTiff ? 16 : 8;
-    const int offsetAt = m_bBigTiff ? 8 : 4;
+    const quint8 version = m_bigTiff ? 43 : 42;
+    const int length = m_bigTiff ? 16 : 8;
+    const int offsetAt = m_bigTiff ? 8 : 4;
     std::memset(pHeader, 0, 16);
-    pHeader[0] = pHeader[1] = m_bBigEndian ? 'M' : 'I';
-    pHeader[m_bBigEndian ? 3 : 2] = version;
-    if (m_bBigTiff) {
-        pHeader[m_bBigEndian ? 5 : 4] = 8;
+    pHeader[0] = pHeader[1] = m_bigEndian ? 'M' : 'I';
+    pHeader[m_bigEndian ? 3 : 2] = version;
+    if (m_bigTiff) {
+        pHeader[m_bigEndian ? 5 : 4] = 8;
     }
     for (int i = offsetAt; i < length; ++i) {
-        const int shift = m_bBigEndian ? length - 1 - i : i - offsetAt;
+        const int shift = m_bigEndian ? length - 1 - i : i - offsetAt;
         pHeader[i] = quint8(uiPageOffset >> (8 * shift));
     }
     return size_t(length);
@@ -140,10 +140,10 @@ size_t CkTiffFile::headerFor(quint64 uiPageOffset, quint8* pHeader) const {
 
 bool CkTiffFile::readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes, quint64& uiCount,
                            QString& sReason) const {
-    const int countBytes = m_bBigTiff ? 8 : 2;
+    const int countBytes = m_bigTiff ? 8 : 2;
     if (iBytes < countBytes) {
-        sReason = uiOffset >= m_uiBytes ? Texts::tr("The file ends before the page begins.")
-                                        : Texts::tr("The file ends inside the page's directory.");
+        sReason = uiOffset >= m_bytes ? Texts::tr("The file ends before the page begins.")
+                                      : Texts::tr("The file ends inside the page's directory.");
         return false;
     }
     uiCount = number(pBytes, countBytes);
@@ -155,8 +155,8 @@ bool CkTiffFile::readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes
 }
 
 bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const {
-    const int countBytes = m_bBigTiff ? 8 : 2;
-    const int linkBytes = m_bBigTiff ? 8 : 4;
+    const int countBytes = m_bigTiff ? 8 : 2;
+    const int linkBytes = m_bigTiff ? 8 : 4;
     // The directory of a recorded page fits into one read.
     quint8 block[512];
     const qint64 got = readAt(block, sizeof(block), uiOffset);
@@ -177,7 +177,7 @@ bool CkTiffFile::nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) c
 }
 
 bool CkTiffFile::checkDirectory(quint64 uiPageOffset, QString& sReason) const {
-    const int countBytes = m_bBigTiff ? 8 : 2;
+    const int countBytes = m_bigTiff ? 8 : 2;
     quint8 head[8] = {};
     quint64 count = 0;
     if (!readCount(uiPageOffset, head, readAt(head, quint64(countBytes), uiPageOffset), count, sReason)) {
@@ -192,7 +192,7 @@ bool CkTiffFile::checkDirectory(quint64 uiPageOffset, QString& sReason) const {
     // No overflow: each count is clamped to the limit, and there are few entries.
     quint64 bytes = 0;
     for (size_t at = 0; at < entries.size() && bytes <= SkReadLimits::kDirectoryBytes; at += entryBytes()) {
-        const quint64 values = number(entries.data() + at + 4, m_bBigTiff ? 8 : 4);
+        const quint64 values = number(entries.data() + at + 4, m_bigTiff ? 8 : 4);
         const quint64 valueBytes = bytesOfType(number(entries.data() + at + 2, 2));
         bytes += std::min(values, SkReadLimits::kDirectoryBytes + 1) * valueBytes;
     }
@@ -218,7 +218,7 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFu
     m_pages.clear();
     quint8 header[16] = {};
     readAt(header, sizeof(header), 0);
-    quint64 offset = m_bBigTiff ? number(header + 8, 8) : number(header + 4, 4);
+    quint64 offset = m_bigTiff ? number(header + 8, 8) : number(header + 4, 4);
     // Cycle detection after Brent: each page is compared with the one at the last power of two. That needs no
     // set of all pages and visits a cycle a few times at most.
     quint64 mark = 0;
@@ -247,7 +247,7 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFu
         m_pages.push_back(offset);
         offset = next;
         if (progress && ((pages + 1) % kPagesPerReport == 0 || offset == 0) &&
-            !progress(pages + 1, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_uiBytes)))) {
+            !progress(pages + 1, offset == 0 ? 1.0 : std::min(1.0, double(offset) / double(m_bytes)))) {
             sReason = Texts::tr("Opening was cancelled.");
             return EkIndex::Cancelled;
         }

@@ -31,8 +31,8 @@ public:
     bool checkDirectory(quint64 uiPageOffset, QString& sReason) const;
 
     const std::vector<quint64>& pageOffsets() const { return m_pages; }
-    quint64 byteCount() const { return m_uiBytes; }
-    QString fileName() const { return m_sFileName; }
+    quint64 byteCount() const { return m_bytes; }
+    QString fileName() const { return m_fileName; }
 
     /// A header for this file with another first page. Returns its length, at most 16.
     size_t headerFor(quint64 uiPageOffset, quint8* pHeader) const;
@@ -45,13 +45,13 @@ private:
     bool readCount(quint64 uiOffset, const quint8* pBytes, qint64 iBytes, quint64& uiCount,
                    QString& sReason) const;
     bool nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const;
-    quint64 entryBytes() const { return m_bBigTiff ? 20 : 12; }
+    quint64 entryBytes() const { return m_bigTiff ? 20 : 12; }
     void cutCircle(quint64 uiLength);
 
-    int m_iFile = -1;
-    QString m_sFileName;
-    quint64 m_uiBytes = 0;
-    bool m_bBigEndian = false;
-    bool m_bBigTiff = false;
+    int m_file = -1;
+    QString m_fileName;
+    quint64 m_bytes = 0;
+    bool m_bigEndian = false;
+    bool m_bigTiff = false;
     std::vector<quint64> m_pages;
 };

@@ -57,7 +57,7 @@ QString tooLarge(const SkPicBufInfo& info) {
 
 CkTiffPage::CkTiffPage(const CkTiffFile& file, qint64 iPage, const SkReadLimits& limits)
     : m_client(std::make_unique<CkTiffClient>(file, file.pageOffsets()[size_t(iPage)])), m_limits(limits),
-      m_iPage(iPage) {}
+      m_page(iPage) {}
 
 CkTiffPage::~CkTiffPage() = default;
 
@@ -79,11 +79,11 @@ bool CkTiffPage::describe(SkFrameDescription& description, QString& sReason) {
         return false;
     }
     if (!ours) {
-        description.additionalData.frameNumber = quint64(m_iPage);
-        description.metadata.frameNumber = quint64(m_iPage);
+        description.additionalData.frameNumber = quint64(m_page);
+        description.metadata.frameNumber = quint64(m_page);
         uint16_t photometric = 0;
         TIFFGetField(m_client->tif(), TIFFTAG_PHOTOMETRIC, &photometric);
-        m_bForeignRgb = photometric == PHOTOMETRIC_RGB && description.info.channels >= 3;
+        m_foreignRgb = photometric == PHOTOMETRIC_RGB && description.info.channels >= 3;
     }
     return true;
 }
@@ -101,9 +101,9 @@ bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString&
         return true;
     }
     const auto length = qint64(std::strlen(words));
-    if (length > SkReadLimits::textBytes(m_iPage)) {
+    if (length > SkReadLimits::textBytes(m_page)) {
         sReason =
-            Texts::tr("The page's text is longer than %1 MiB.").arg(SkReadLimits::textBytes(m_iPage) >> 20U);
+            Texts::tr("The page's text is longer than %1 MiB.").arg(SkReadLimits::textBytes(m_page) >> 20U);
         return false;
     }
     bOurs = description.fromText(QByteArray::fromRawData(words, qsizetype(length)));
@@ -115,7 +115,7 @@ bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString&
     // The recorded row padding is only a hint; a large one would waste memory.
     SkPicBufInfo& info = description.info;
     if (info.linePadding > kMaximumPadding ||
-        (quint64(info.lineSize) + info.linePadding) * info.height > m_uiLimit) {
+        (quint64(info.lineSize) + info.linePadding) * info.height > m_limit) {
         info.linePadding = 0;
     }
     return true;
@@ -176,15 +176,15 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
     const quint64 fileBytes = m_client->file().byteCount();
     const quint64 unpacked = parts.unpackedBytes(info);
     if (compression == COMPRESSION_NONE) {
-        m_uiLimit = std::min(CkRecordingWriter::kMaximumPictureBytes,
-                             SkReadLimits::kSmallPictureBytes + 2 * fileBytes);
-        sReason = unpacked > m_uiLimit ? tooLarge(info) : QString();
+        m_limit = std::min(CkRecordingWriter::kMaximumPictureBytes,
+                           SkReadLimits::kSmallPictureBytes + 2 * fileBytes);
+        sReason = unpacked > m_limit ? tooLarge(info) : QString();
         return sReason.isEmpty();
     }
     const quint64 stored = parts.storedBytes(tif, fileBytes);
-    m_uiLimit =
+    m_limit =
         std::min(m_limits.unpackedBytes, SkReadLimits::kSmallPictureBytes + stored * m_limits.expansion);
-    if (unpacked > m_uiLimit) {
+    if (unpacked > m_limit) {
         sReason =
             Texts::tr("The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages "
                       "are read up to %4 MiB and up to %5 times their compressed bytes.")
@@ -233,7 +233,7 @@ CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason)
     if (result != EkResult::Complete) {
         sReason = reason(Texts::tr("The samples cannot be read."));
     }
-    if (m_bForeignRgb) {
+    if (m_foreignRgb) {
         // Colour pictures are blue, green, red in memory.
         const size_t bytes = sampleBytes(picBuf.dataType);
         for (quint32 y = 0; y < picBuf.height; ++y) {

@@ -41,7 +41,7 @@ private:
 
     std::unique_ptr<CkTiffClient> m_client;
     SkReadLimits m_limits;
-    qint64 m_iPage;
-    quint64 m_uiLimit = 0; ///< bytes that the samples of this page may take
-    bool m_bForeignRgb = false;
+    qint64 m_page;
+    quint64 m_limit = 0; ///< bytes that the samples of this page may take
+    bool m_foreignRgb = false;
 };

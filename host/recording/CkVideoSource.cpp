@@ -191,7 +191,7 @@ bool CkVideoSource::saveSettings(QDomDocument& doc, QDomElement& element) const 
         return false;
     }
     const QString file = fileName();
-    element.setAttribute(kFile, file.isEmpty() ? m_sMissingFile : file);
+    element.setAttribute(kFile, file.isEmpty() ? m_missingFile : file);
     m_player->settings().save(element);
     return true;
 }
@@ -210,7 +210,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
     }
     QString error;
     if (!file.isEmpty() && !openFile(file, &error, CkOpeningProgress::current())) {
-        m_sMissingFile = file;
+        m_missingFile = file;
         setErrorMessage(error);
     }
     return true;
@@ -219,7 +219,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
 CkChainable* CkVideoSource::clone() {
     auto copy = std::make_unique<CkVideoSource>();
     copy->shareFile(*this);
-    copy->m_sMissingFile = m_sMissingFile;
+    copy->m_missingFile = m_missingFile;
     copy->changeSettings([this](SkPlaybackSettings& settings) { settings = m_player->settings(); });
     return copy.release();
 }

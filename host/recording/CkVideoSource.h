@@ -90,6 +90,6 @@ private:
     void useFile(const std::shared_ptr<const IkFrameFile>& file);
     void changeSettings(const std::function<void(SkPlaybackSettings&)>& edit);
 
-    QString m_sMissingFile; ///< named by a chain file but missing; kept for saveSettings
+    QString m_missingFile; ///< named by a chain file but missing; kept for saveSettings
     std::unique_ptr<CkFramePlayer> m_player;
 };
