@@ -1,6 +1,6 @@
 #include "tools/tof/CkToFInput.h"
 
-#include "tools/tof/ToFText.h"
+#include "tools/tof/base/ToFText.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "zuCore/zuCoreVersion.h"

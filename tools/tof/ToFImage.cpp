@@ -3,7 +3,7 @@
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFPng.h"
-#include "tools/tof/ToFText.h"
+#include "tools/tof/base/ToFText.h"
 
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"

@@ -2,7 +2,7 @@
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
-#include "tools/tof/ToFText.h"
+#include "tools/tof/base/ToFText.h"
 
 #include "sim/camera/CkSimCameraDriver.h"
 #include "zuCore/CkCameraManager.h"

@@ -1,6 +1,6 @@
 #include "tools/tof/accuracy/ToFAccuracyReport.h"
 
-#include "tools/tof/ToFText.h"
+#include "tools/tof/base/ToFText.h"
 #include "tools/tof/accuracy/ToFAccuracyLimits.h"
 #include "tools/tof/accuracy/ToFAccuracyPlots.h"
 

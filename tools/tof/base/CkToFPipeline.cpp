@@ -1,4 +1,4 @@
-#include "tools/tof/CkToFPipeline.h"
+#include "tools/tof/base/CkToFPipeline.h"
 
 #include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkImageData.h"
