@@ -35,20 +35,18 @@ if(ZU_SANITIZERS)
   add_link_options(-fsanitize=${_zu_sanitizers})
 endif()
 
-# zu_room(TARGET [PRIVATE] [ALSO FILE ...] [FOLDERS FOLDER ...])
+# zu_room(TARGET [PRIVATE] [ALSO FILE ...])
 #
 # Includes are written as the path from the root of the tree, but the root itself is on no search path: each room has
-# a folder of links to its own headers (and to the files named, and to the headers of the folders named), and a target
-# searches those of the rooms it links. An include of any other room does not compile. PRIVATE: nobody who links the target includes its headers.
+# a folder of links to its own headers (and to the files named), and a target searches those of the rooms it links. An
+# include of any other room does not compile. PRIVATE: no target that links this one includes its headers. Rooms link
+# each other PUBLIC where a header needs it and PRIVATE otherwise, as PUBLIC opens a room to all that link this one; the
+# test "rooms" tries includes that must fail.
 function(zu_room TARGET)
-  cmake_parse_arguments(ARG "PRIVATE" "" "ALSO;FOLDERS" ${ARGN})
+  cmake_parse_arguments(ARG "PRIVATE" "" "ALSO" ${ARGN})
   set(links "${PROJECT_BINARY_DIR}/rooms/${TARGET}")
   file(RELATIVE_PATH room "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
   file(GLOB headers CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" *.h)
-  foreach(folder ${ARG_FOLDERS})
-    file(GLOB more CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" ${folder}/*.h)
-    list(APPEND headers ${more})
-  endforeach()
   file(REMOVE_RECURSE "${links}")
   foreach(file ${headers} ${ARG_ALSO})
     get_filename_component(folder "${links}/${room}/${file}" DIRECTORY)
