@@ -75,6 +75,11 @@ namespace ToFSectionMode {
 inline constexpr quint32 kMeasurementOnly = 0; ///< every section is a measurement
 /// Section 0 is a reference: it is subtracted from the others and does not count as a section.
 inline constexpr quint32 kReferenceFirst = 3;
+
+/// How many of the sections counted by CkImageMetadata::sectionCount are no measurement: 0 or 1.
+constexpr quint32 referenceSections(quint32 uiSectionMode) {
+    return uiSectionMode == kReferenceFirst ? 1U : 0U;
+}
 } // namespace ToFSectionMode
 
 /// Phases of one measurement.

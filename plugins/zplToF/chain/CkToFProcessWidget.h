@@ -28,6 +28,8 @@ private slots:
     void on_radioClicked();
 
 private:
+    void addChoices(QVBoxLayout* pLayout, bool bRawToRaw);
+
     QPointer<CkToFProcessCnbl> m_pBlock;
     std::array<QRadioButton*, ToFTransforms::kCount> m_buttons{}; ///< by EkTransformType
 };

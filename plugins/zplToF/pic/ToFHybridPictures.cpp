@@ -12,7 +12,10 @@
 
 namespace {
 
-constexpr double kDefaultDepthRange = 11.99169832; // m, a pulse of 80 ns
+constexpr double kDefaultPulseNs = 80.0;
+// m; in this order of operations the double nearest to 11.99169832.
+constexpr double kDefaultDepthRange = kSpeedOfLight * kDefaultPulseNs / 2e9;
+static_assert(kDefaultDepthRange == 11.99169832);
 constexpr double kSaturationShare = 0.9;
 
 /// Index of an unsigned sample width in the kernel tables; -1 for anything else.

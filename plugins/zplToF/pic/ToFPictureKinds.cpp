@@ -76,8 +76,7 @@ bool ToFPictureKinds::isSeparatePhase(const CkImageMetadata* metadata) {
         return false;
     }
     // Unsigned arithmetic: no count can overflow.
-    const quint32 references = metadata->sectionMode == ToFSectionMode::kReferenceFirst ? 1U : 0U;
-    const quint32 counted = metadata->sectionCount - references;
+    const quint32 counted = metadata->sectionCount - ToFSectionMode::referenceSections(metadata->sectionMode);
     return qint32(counted) > 1;
 }
 

@@ -9,7 +9,7 @@ CkToFPhaseCollector::SkPlace CkToFPhaseCollector::SkPlace::of(const CkImageMetad
     if (!bHybrid) {
         return {metadata.phaseSequenceLength, metadata.phaseSequenceIndex};
     }
-    const qint64 reference = metadata.sectionMode == ToFSectionMode::kReferenceFirst ? 1 : 0;
+    const qint64 reference = ToFSectionMode::referenceSections(metadata.sectionMode);
     return {qint64(metadata.sectionCount) - reference, qint64(metadata.sectionIndex) - reference};
 }
 

@@ -3,6 +3,8 @@
 #include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "plugins/zplToF/transform/ToFOperations.h"
 
+#include <QtGlobal>
+
 #include <iterator>
 
 namespace {
@@ -14,6 +16,8 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = SetABPhase,
      .title = QLatin1String("SetABPhase"),
      .name = QLatin1String("ab"),
+     .choice = "Set metadata as RawX2 phases image with (A and B)",
+     .isRawToRaw = true,
      .input = EkInput::Frame,
      .gathers = true,
      .needsAngles = false,
@@ -22,6 +26,8 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = Intensity,
      .title = QLatin1String("Intensity"),
      .name = QLatin1String("intensity"),
+     .choice = QT_TRANSLATE_NOOP("CkToFProcessWidget", "Intensity [in: RawX2 (A and B), Raw Hybrid ToF]"),
+     .isRawToRaw = false,
      .input = EkInput::Phases,
      .gathers = true,
      .needsAngles = false,
@@ -30,6 +36,9 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = Amplitude,
      .title = QLatin1String("Amplitude"),
      .name = QLatin1String("amplitude"),
+     .choice = QT_TRANSLATE_NOOP("CkToFProcessWidget",
+                                 "Amplitude [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"),
+     .isRawToRaw = false,
      .input = EkInput::Phases,
      .gathers = true,
      .needsAngles = true,
@@ -38,6 +47,10 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = Depth,
      .title = QLatin1String("Depth"),
      .name = QLatin1String("depth"),
+     .choice = QT_TRANSLATE_NOOP(
+         "CkToFProcessWidget",
+         "Phase shift (depth) and confidence [in: RawX2 (A and B), Raw (A-B), Raw Hybrid ToF]"),
+     .isRawToRaw = false,
      .input = EkInput::Phases,
      .gathers = true,
      .needsAngles = true,
@@ -46,6 +59,9 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = ConcatPhases,
      .title = QLatin1String("Concat phases"),
      .name = QLatin1String("concat"),
+     .choice =
+         QT_TRANSLATE_NOOP("CkToFProcessWidget", "Concatenate phases coming as separate images from camera"),
+     .isRawToRaw = false,
      .input = EkInput::Set,
      .gathers = true,
      .needsAngles = false,
@@ -54,6 +70,8 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = AandBtoAminB,
      .title = QLatin1String("AandBtoAminB"),
      .name = QLatin1String("aminb"),
+     .choice = "RawX2 (A and B) to signed Raw (A-B)",
+     .isRawToRaw = true,
      .input = EkInput::Frame,
      .gathers = false,
      .needsAngles = false,
@@ -62,6 +80,8 @@ constexpr SkToFTransform kTransforms[ToFTransforms::kCount] = {
     {.type = SetHybrid,
      .title = QLatin1String("SetHybrid"),
      .name = QLatin1String("hybrid"),
+     .choice = "Set metadata as Raw Hybrid ToF image",
+     .isRawToRaw = true,
      .input = EkInput::Frame,
      .gathers = true,
      .needsAngles = false,

@@ -24,6 +24,10 @@ struct SkToFTransform {
     ToFTransform::EkTransformType type;
     QLatin1String title; ///< in the title of the processing block
     QLatin1String name;  ///< on the command line
+    /// Choice in the settings of the processing block, untranslated (context CkToFProcessWidget).
+    const char* choice;
+    /// Converts one raw format to another. Such choices name formats and stay untranslated.
+    bool isRawToRaw;
     EkInput input;
     bool gathers;     ///< images of a set that arrive one by one are kept until the set is complete
     bool needsAngles; ///< the result depends on the angles of the phases

@@ -22,7 +22,7 @@ bool isHybrid(const SkPicBufInfo& info) {
 /// Position of a picture in a set of several that make one; 0 for a picture of its own.
 qint64 positionInSet(const SkPicBufInfo& info, const CkImageMetadata& metadata) {
     if (isHybrid(info)) {
-        const qint64 reference = metadata.sectionMode == ToFSectionMode::kReferenceFirst ? 1 : 0;
+        const qint64 reference = ToFSectionMode::referenceSections(metadata.sectionMode);
         return std::max<qint64>(0, qint64(metadata.sectionIndex) - reference);
     }
     const bool separate =
