@@ -27,8 +27,7 @@ class QMenu;
 class QTabWidget;
 
 /// The viewer's window: views in the middle, cameras on the left, chain and colours on the right, log at the
-/// bottom. It creates, places and connects the widgets and controllers of the other folders. User-interface
-/// thread.
+/// bottom. Creates, places and connects what the other folders offer. User-interface thread.
 class CkMainWindow : public QMainWindow {
     Q_OBJECT
 

@@ -33,9 +33,8 @@ public:
     QList<SkCameraInfo> camerasHeldApart() const; ///< Between unplugCamera and plugCameraIn.
     /// Whether an open camera cannot deliver because it was unplugged, by unplugCamera or in reality.
     bool isUnplugged(void* pHandle) const;
-    /// Asks the drivers which cameras they offer; to be called by a driver when a camera was added or
-    /// removed. An open camera that is no longer offered counts as unplugged; one that is offered again
-    /// resumes.
+    /// Asks the drivers which cameras they offer; a driver calls it when a camera was added or removed. An
+    /// open camera that is no longer offered counts as unplugged; one that is offered again resumes.
     void checkCameras();
 
     /// In order of opening.
@@ -63,13 +62,11 @@ public:
 
 signals:
     void newCameraConnected(void* pHandle); ///< After it was opened.
-    /// The handle still works.
-    void cameraAboutToClose(void* pHandle);
-    void cameraClosed(void* pHandle);      ///< The handle is no longer valid.
-    void cameraUnplugged(void* pHandle);   ///< An open camera was unplugged; it stays open.
-    void cameraLost(const QString& sName); ///< After cameraUnplugged, by its name.
-    /// It was plugged in again and has new parameter objects; the old ones are deleted when the signal
-    /// returns.
+    void cameraAboutToClose(void* pHandle); ///< The handle still works.
+    void cameraClosed(void* pHandle);       ///< The handle is no longer valid.
+    void cameraUnplugged(void* pHandle);    ///< An open camera was unplugged; it stays open.
+    void cameraLost(const QString& sName);  ///< After cameraUnplugged, by its name.
+    /// Plugged in again, with new parameter objects; the old ones are deleted when the signal returns.
     void cameraPluggedIn(void* pHandle);
     void acquisitionChanged(void* pHandle, bool bRunning); ///< For any reason.
     void availableCamerasChanged();                        ///< A camera was added or removed.
