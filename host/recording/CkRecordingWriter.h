@@ -17,12 +17,10 @@ enum class EkRecordingCompression {
 /// independent of the length of the file. One thread at a time.
 class CkRecordingWriter {
 public:
-    /// Larger pictures are refused.
-    static constexpr quint64 kMaximumPictureBytes = 1ULL << 30U;
+    static constexpr quint64 kMaximumPictureBytes = 1ULL << 30U; ///< Larger pictures are refused.
 
     CkRecordingWriter() = default;
-    /// Closes.
-    ~CkRecordingWriter();
+    ~CkRecordingWriter(); ///< Closes.
     CkRecordingWriter(const CkRecordingWriter&) = delete;
     CkRecordingWriter& operator=(const CkRecordingWriter&) = delete;
 
@@ -41,10 +39,8 @@ public:
     bool close();
 
     qint64 frameCount() const { return m_frames; }
-    /// Bytes of the file up to the end of its last page.
-    quint64 byteCount() const { return m_end; }
-    /// Of the last failed call; names file and page.
-    QString errorMessage() const { return m_error; }
+    quint64 byteCount() const { return m_end; }      ///< of the file up to the end of its last page
+    QString errorMessage() const { return m_error; } ///< of the last failed call; names file and page
 
 private:
     bool fail(const QString& sReason);
