@@ -30,18 +30,10 @@ quint64 alignedUp(quint64 offset, quint64 alignment) {
 }
 
 quint16 sampleFormat(EkImageDataType dataType) {
-    switch (dataType) {
-    case EkImageDataType::Int8:
-    case EkImageDataType::Int16:
-    case EkImageDataType::Int32:
-    case EkImageDataType::Int64:
-        return SAMPLEFORMAT_INT;
-    case EkImageDataType::Float32:
-    case EkImageDataType::Float64:
+    if (isFloatType(dataType)) {
         return SAMPLEFORMAT_IEEEFP;
-    default:
-        return SAMPLEFORMAT_UINT;
     }
+    return isSignedIntegerType(dataType) ? SAMPLEFORMAT_INT : SAMPLEFORMAT_UINT;
 }
 
 bool isKnown(EkImageDataType dataType) {
@@ -136,7 +128,60 @@ void predictRow(quint8* row, size_t samples, size_t channels, quint32 bytes) {
 }
 
 bool isPredicted(EkRecordingCompression compression, EkImageDataType dataType) {
-    return compression == EkRecordingCompression::Deflate && sampleFormat(dataType) != SAMPLEFORMAT_IEEEFP;
+    return compression == EkRecordingCompression::Deflate && !isFloatType(dataType);
+}
+
+/// Why the picture cannot be recorded; empty when it can.
+QString refusal(const SkPicBuf& picBuf) {
+    if (picBuf.data == nullptr || !CkPicBufAPI::isValid(picBuf) || !isKnown(picBuf.dataType) ||
+        picBuf.channels > 4) {
+        return Texts::tr("A picture of this format cannot be recorded.");
+    }
+    // Checked factor by factor: the product may overflow.
+    const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
+    constexpr quint64 kMaximum = CkRecordingWriter::kMaximumPictureBytes;
+    if (row > kMaximum || row * picBuf.height > kMaximum) {
+        return Texts::tr("The picture is larger than 1 GiB.");
+    }
+    return {};
+}
+
+/// Where the samples of a page are, and how they are stored.
+struct SkStrip {
+    quint64 offset; ///< in the file
+    quint64 bytes;
+    EkRecordingCompression compression;
+};
+
+/// The directory that follows the samples; pRecording only for the first page of a file.
+CkDirectory pageDirectory(const SkPicBufInfo& info, const SkStrip& strip, const QByteArray& text,
+                          const SkRecordingInfo* pRecording) {
+    const auto channels = quint16(info.channels);
+    CkDirectory page(strip.offset + strip.bytes);
+    page.addLong(TIFFTAG_IMAGEWIDTH, info.width);
+    page.addLong(TIFFTAG_IMAGELENGTH, info.height);
+    page.addShort(TIFFTAG_BITSPERSAMPLE, quint16(8 * sampleBytes(info.dataType)), channels);
+    page.addShort(TIFFTAG_COMPRESSION, strip.compression == EkRecordingCompression::None
+                                           ? COMPRESSION_NONE
+                                           : COMPRESSION_ADOBE_DEFLATE);
+    page.addShort(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    page.addText(TIFFTAG_IMAGEDESCRIPTION, text);
+    page.addLong8(TIFFTAG_STRIPOFFSETS, strip.offset);
+    page.addShort(TIFFTAG_SAMPLESPERPIXEL, channels);
+    page.addLong(TIFFTAG_ROWSPERSTRIP, info.height);
+    page.addLong8(TIFFTAG_STRIPBYTECOUNTS, strip.bytes);
+    page.addShort(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    if (pRecording != nullptr) {
+        page.addText(TIFFTAG_SOFTWARE, pRecording->software.toLatin1());
+    }
+    if (isPredicted(strip.compression, info.dataType)) {
+        page.addShort(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    }
+    if (channels > 1) {
+        page.addShort(TIFFTAG_EXTRASAMPLES, EXTRASAMPLE_UNSPECIFIED, channels - 1U);
+    }
+    page.addShort(TIFFTAG_SAMPLEFORMAT, sampleFormat(info.dataType), channels);
+    return page;
 }
 
 } // namespace
@@ -150,10 +195,10 @@ bool CkRecordingWriter::fail(const QString& sReason) {
     return false;
 }
 
-bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOffset) {
+bool CkRecordingWriter::writeAt(const void* pBytes, size_t bytes, quint64 uiOffset) {
     const auto* next = static_cast<const char*>(pBytes);
-    while (uiBytes > 0) {
-        const ssize_t done = ::pwrite(m_file, next, uiBytes, off_t(uiOffset));
+    while (bytes > 0) {
+        const ssize_t done = ::pwrite(m_file, next, bytes, off_t(uiOffset));
         if (done < 0 && errno == EINTR) {
             continue;
         }
@@ -162,7 +207,7 @@ bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOf
                             .arg(QString::fromLocal8Bit(std::strerror(done < 0 ? errno : ENOSPC))));
         }
         next += done;
-        uiBytes -= size_t(done);
+        bytes -= size_t(done);
         uiOffset += quint64(done);
     }
     return true;
@@ -195,29 +240,29 @@ bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& re
     return true;
 }
 
-const quint8* CkRecordingWriter::packedSamples(const SkPicBuf& picBuf, size_t& uiBytes) {
+const quint8* CkRecordingWriter::packedSamples(const SkPicBuf& picBuf, size_t& bytes) {
     const size_t row = size_t(picBuf.width) * picBuf.channels * sampleBytes(picBuf.dataType);
-    uiBytes = row * picBuf.height;
+    bytes = row * picBuf.height;
     if (picBuf.lineSize == row && m_compression == EkRecordingCompression::None) {
         return picBuf.data;
     }
-    m_packed.resize(uiBytes);
+    m_packed.resize(bytes);
     for (quint32 y = 0; y < picBuf.height; ++y) {
         std::memcpy(m_packed.data() + y * row, picBuf.row(y), row);
     }
     return m_packed.data();
 }
 
-QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t uiBytes) {
+QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t bytes) {
     if (isPredicted(m_compression, picBuf.dataType)) {
-        const size_t row = uiBytes / picBuf.height;
+        const size_t row = bytes / picBuf.height;
         for (quint32 y = 0; y < picBuf.height; ++y) {
             predictRow(m_packed.data() + y * row, size_t(picBuf.width) * picBuf.channels, picBuf.channels,
                        sampleBytes(picBuf.dataType));
         }
     }
     // qCompress puts the length before the zlib stream; TIFF stores the stream alone.
-    return qCompress(m_packed.data(), qsizetype(uiBytes), 1).mid(4);
+    return qCompress(m_packed.data(), qsizetype(bytes), 1).mid(4);
 }
 
 bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& metadata,
@@ -225,86 +270,56 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
     if (!isOpen()) {
         return fail(Texts::tr("No file is open."));
     }
-    if (picBuf.data == nullptr || !CkPicBufAPI::isValid(picBuf) || !isKnown(picBuf.dataType) ||
-        picBuf.channels > 4) {
-        return fail(Texts::tr("A picture of this format cannot be recorded."));
-    }
-    // Checked factor by factor: the product may overflow.
-    const quint64 row = quint64(picBuf.width) * (picBuf.channels * sampleBytes(picBuf.dataType));
-    if (row > kMaximumPictureBytes || row * picBuf.height > kMaximumPictureBytes) {
-        return fail(Texts::tr("The picture is larger than 1 GiB."));
+    const QString reason = refusal(picBuf);
+    if (!reason.isEmpty()) {
+        return fail(reason);
     }
     try {
-        size_t bytes = 0;
-        const quint8* samples = packedSamples(picBuf, bytes);
-        QByteArray stream;
-        if (m_compression == EkRecordingCompression::Deflate) {
-            stream = deflated(picBuf, bytes);
-            if (stream.isEmpty()) {
-                return fail(Texts::tr("There is not enough memory."));
-            }
-            samples = reinterpret_cast<const quint8*>(stream.constData());
-            bytes = size_t(stream.size());
-        }
         SkFrameDescription description;
         description.info = picBuf;
         description.additionalData = picBuf.additionalData;
         description.metadata = metadata;
         description.object = object;
-        const auto channels = quint16(picBuf.channels);
-        const bool first = m_frames == 0;
-        const QByteArray text = description.toText(first ? &m_recording : nullptr);
+        const QByteArray text = description.toText(recordingOfPage());
         const qint64 longest = SkReadLimits::textBytes(m_frames);
         if (text.size() > longest) {
-            return fail(Texts::tr("What is to be written beside the samples (metadata, chain) is longer than "
-                                  "%1 MiB.")
-                            .arg(longest >> 20U));
+            return fail(
+                Texts::tr("The page's text (metadata, chain) is longer than %1 MiB.").arg(longest >> 20U));
         }
-
-        const quint64 start = alignedUp(m_end, 16);
-        const quint64 behind = start + bytes;
-        CkDirectory page(behind);
-        page.addLong(TIFFTAG_IMAGEWIDTH, picBuf.width);
-        page.addLong(TIFFTAG_IMAGELENGTH, picBuf.height);
-        page.addShort(TIFFTAG_BITSPERSAMPLE, quint16(8 * sampleBytes(picBuf.dataType)), channels);
-        page.addShort(TIFFTAG_COMPRESSION, m_compression == EkRecordingCompression::None
-                                               ? COMPRESSION_NONE
-                                               : COMPRESSION_ADOBE_DEFLATE);
-        page.addShort(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-        page.addText(TIFFTAG_IMAGEDESCRIPTION, text);
-        page.addLong8(TIFFTAG_STRIPOFFSETS, start);
-        page.addShort(TIFFTAG_SAMPLESPERPIXEL, channels);
-        page.addLong(TIFFTAG_ROWSPERSTRIP, picBuf.height);
-        page.addLong8(TIFFTAG_STRIPBYTECOUNTS, bytes);
-        page.addShort(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-        if (first) {
-            page.addText(TIFFTAG_SOFTWARE, m_recording.software.toLatin1());
+        size_t bytes = 0;
+        const quint8* samples = packedSamples(picBuf, bytes);
+        if (m_compression == EkRecordingCompression::None) {
+            return appendPage(picBuf, text, samples, bytes);
         }
-        if (isPredicted(m_compression, picBuf.dataType)) {
-            page.addShort(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+        const QByteArray stream = deflated(picBuf, bytes);
+        if (stream.isEmpty()) {
+            return fail(Texts::tr("There is not enough memory."));
         }
-        if (channels > 1) {
-            page.addShort(TIFFTAG_EXTRASAMPLES, EXTRASAMPLE_UNSPECIFIED, channels - 1U);
-        }
-        page.addShort(TIFFTAG_SAMPLEFORMAT, sampleFormat(picBuf.dataType), channels);
-        quint64 directory = 0;
-        quint64 link = 0;
-        const QByteArray tail = page.bytes(directory, link);
-
-        const quint64 pageOffset = qToLittleEndian(behind + directory);
-        if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), behind) ||
-            !writeAt(&pageOffset, sizeof(pageOffset), m_link)) {
-            // Frees the space of the failed page. Should that fail too, the file is merely longer.
-            [[maybe_unused]] const int code = ::ftruncate(m_file, off_t(m_end));
-            return false;
-        }
-        m_link = behind + link;
-        m_end = behind + quint64(tail.size());
-        ++m_frames;
-        return true;
+        return appendPage(picBuf, text, stream.constData(), size_t(stream.size()));
     } catch (const std::bad_alloc&) {
         return fail(Texts::tr("There is not enough memory."));
     }
+}
+
+bool CkRecordingWriter::appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* samples,
+                                   size_t bytes) {
+    const quint64 start = alignedUp(m_end, 16);
+    const quint64 tailOffset = start + bytes;
+    CkDirectory page = pageDirectory(info, {start, bytes, m_compression}, text, recordingOfPage());
+    quint64 directory = 0;
+    quint64 link = 0;
+    const QByteArray tail = page.bytes(directory, link);
+    const quint64 pageOffset = qToLittleEndian(tailOffset + directory);
+    if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), tailOffset) ||
+        !writeAt(&pageOffset, sizeof(pageOffset), m_link)) {
+        // Frees the space of the failed page. Should that fail too, the file is merely longer.
+        [[maybe_unused]] const int code = ::ftruncate(m_file, off_t(m_end));
+        return false;
+    }
+    m_link = tailOffset + link;
+    m_end = tailOffset + quint64(tail.size());
+    ++m_frames;
+    return true;
 }
 
 bool CkRecordingWriter::close() {

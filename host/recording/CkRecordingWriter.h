@@ -47,6 +47,10 @@ private:
     bool writeAt(const void* pBytes, size_t uiBytes, quint64 uiOffset);
     const quint8* packedSamples(const SkPicBuf& picBuf, size_t& uiBytes);
     QByteArray deflated(const SkPicBuf& picBuf, size_t uiBytes);
+    /// Null after the first page.
+    const SkRecordingInfo* recordingOfPage() const { return m_frames == 0 ? &m_recording : nullptr; }
+    /// Writes samples, text and directory after the last page, then links them to it.
+    bool appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* samples, size_t uiBytes);
 
     int m_file = -1;
     QString m_fileName;

@@ -2239,8 +2239,8 @@ aufgenommen in %2</translation>
         <translation>Der Speicher reicht nicht aus.</translation>
     </message>
     <message>
-        <source>What is to be written beside the samples (metadata, chain) is longer than %1 MiB.</source>
-        <translation>Was neben den Werten zu schreiben ist (Metadaten, Kette), ist länger als %1 MiB.</translation>
+        <source>The page&apos;s text (metadata, chain) is longer than %1 MiB.</source>
+        <translation>Der Text der Seite (Metadaten, Kette) ist länger als %1 MiB.</translation>
     </message>
 </context>
 <context>
