@@ -23,8 +23,8 @@ public:
         return m_chainRuns && (m_mode == EkMode::Playing || m_mode == EkMode::Stepping);
     }
 
-    bool
-    play(qint64 iFrameCount); ///< Restarts at the first frame after the last one. False: already playing.
+    /// Restarts at the first frame after the last one. False: already playing.
+    bool play(qint64 iFrameCount);
     bool pause();             ///< False: not playing. Pending steps stay.
     void step();              ///< One more frame, for a player that is paused.
     void seek(qint64 iFrame); ///< While paused the frame counts as a step and replaces pending ones.

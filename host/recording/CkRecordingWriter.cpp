@@ -195,10 +195,10 @@ bool CkRecordingWriter::fail(const QString& sReason) {
     return false;
 }
 
-bool CkRecordingWriter::writeAt(const void* pBytes, size_t bytes, quint64 uiOffset) {
+bool CkRecordingWriter::writeAt(const void* pBytes, size_t uiBytes, quint64 uiOffset) {
     const auto* next = static_cast<const char*>(pBytes);
-    while (bytes > 0) {
-        const ssize_t done = ::pwrite(m_file, next, bytes, off_t(uiOffset));
+    while (uiBytes > 0) {
+        const ssize_t done = ::pwrite(m_file, next, uiBytes, off_t(uiOffset));
         if (done < 0 && errno == EINTR) {
             continue;
         }
@@ -207,7 +207,7 @@ bool CkRecordingWriter::writeAt(const void* pBytes, size_t bytes, quint64 uiOffs
                             .arg(QString::fromLocal8Bit(std::strerror(done < 0 ? errno : ENOSPC))));
         }
         next += done;
-        bytes -= size_t(done);
+        uiBytes -= size_t(done);
         uiOffset += quint64(done);
     }
     return true;
@@ -240,29 +240,29 @@ bool CkRecordingWriter::open(const QString& sFileName, const SkRecordingInfo& re
     return true;
 }
 
-const quint8* CkRecordingWriter::packedSamples(const SkPicBuf& picBuf, size_t& bytes) {
+const quint8* CkRecordingWriter::packedSamples(const SkPicBuf& picBuf, size_t& uiBytes) {
     const size_t row = size_t(picBuf.width) * picBuf.channels * sampleBytes(picBuf.dataType);
-    bytes = row * picBuf.height;
+    uiBytes = row * picBuf.height;
     if (picBuf.lineSize == row && m_compression == EkRecordingCompression::None) {
         return picBuf.data;
     }
-    m_packed.resize(bytes);
+    m_packed.resize(uiBytes);
     for (quint32 y = 0; y < picBuf.height; ++y) {
         std::memcpy(m_packed.data() + y * row, picBuf.row(y), row);
     }
     return m_packed.data();
 }
 
-QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t bytes) {
+QByteArray CkRecordingWriter::deflated(const SkPicBuf& picBuf, size_t uiBytes) {
     if (isPredicted(m_compression, picBuf.dataType)) {
-        const size_t row = bytes / picBuf.height;
+        const size_t row = uiBytes / picBuf.height;
         for (quint32 y = 0; y < picBuf.height; ++y) {
             predictRow(m_packed.data() + y * row, size_t(picBuf.width) * picBuf.channels, picBuf.channels,
                        sampleBytes(picBuf.dataType));
         }
     }
     // qCompress puts the length before the zlib stream; TIFF stores the stream alone.
-    return qCompress(m_packed.data(), qsizetype(bytes), 1).mid(4);
+    return qCompress(m_packed.data(), qsizetype(uiBytes), 1).mid(4);
 }
 
 bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& metadata,
@@ -301,16 +301,16 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
     }
 }
 
-bool CkRecordingWriter::appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* samples,
-                                   size_t bytes) {
+bool CkRecordingWriter::appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* pSamples,
+                                   size_t uiBytes) {
     const quint64 start = alignedUp(m_end, 16);
-    const quint64 tailOffset = start + bytes;
-    CkDirectory page = pageDirectory(info, {start, bytes, m_compression}, text, recordingOfPage());
+    const quint64 tailOffset = start + uiBytes;
+    CkDirectory page = pageDirectory(info, {start, uiBytes, m_compression}, text, recordingOfPage());
     quint64 directory = 0;
     quint64 link = 0;
     const QByteArray tail = page.bytes(directory, link);
     const quint64 pageOffset = qToLittleEndian(tailOffset + directory);
-    if (!writeAt(samples, bytes, start) || !writeAt(tail.constData(), size_t(tail.size()), tailOffset) ||
+    if (!writeAt(pSamples, uiBytes, start) || !writeAt(tail.constData(), size_t(tail.size()), tailOffset) ||
         !writeAt(&pageOffset, sizeof(pageOffset), m_link)) {
         // Frees the space of the failed page. Should that fail too, the file is merely longer.
         [[maybe_unused]] const int code = ::ftruncate(m_file, off_t(m_end));

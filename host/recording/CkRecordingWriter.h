@@ -50,7 +50,7 @@ private:
     /// Null after the first page.
     const SkRecordingInfo* recordingOfPage() const { return m_frames == 0 ? &m_recording : nullptr; }
     /// Writes samples, text and directory after the last page, then links them to it.
-    bool appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* samples, size_t uiBytes);
+    bool appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* pSamples, size_t uiBytes);
 
     int m_file = -1;
     QString m_fileName;

@@ -1,6 +1,6 @@
 #include "host/recording/CkVideoSource.h"
 
-#include "host/recording/CkOpeningProgress.h"
+#include "host/recording/CkOpenProgressScope.h"
 #include "host/recording/FrameFiles.h"
 #include "zuCore/CkChain.h"
 
@@ -150,7 +150,9 @@ void CkVideoSource::setPace(int iPace) {
 }
 
 void CkVideoSource::setSpeed(double fSpeed) {
-    changeSettings([fSpeed](SkPlaybackSettings& settings) { settings.setSpeed(fSpeed); });
+    changeSettings([fSpeed](SkPlaybackSettings& settings) {
+        settings.speed = SkPlaybackSettings::toSpeed(fSpeed).value_or(settings.speed);
+    });
 }
 
 QString CkVideoSource::title() const {
@@ -209,7 +211,7 @@ bool CkVideoSource::loadSettings(const QDomElement& element) {
         return false;
     }
     QString error;
-    if (!file.isEmpty() && !openFile(file, &error, CkOpeningProgress::current())) {
+    if (!file.isEmpty() && !openFile(file, &error, CkOpenProgressScope::current())) {
         m_missingFile = file;
         setErrorMessage(error);
     }

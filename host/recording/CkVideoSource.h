@@ -73,7 +73,7 @@ public:
     void setupStop() override;
     bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
     /// A recording that cannot be opened becomes the block's error message. The opening reports to
-    /// CkOpeningProgress.
+    /// CkOpenProgressScope.
     bool loadSettings(const QDomElement& element) override;
     CkChainable* clone() override;
 

@@ -19,10 +19,11 @@ QString exactNumber(double value) {
 
 } // namespace
 
-void SkPlaybackSettings::setSpeed(double fSpeed) {
-    if (std::isfinite(fSpeed)) {
-        speed = std::clamp(fSpeed, kSlowestSpeed, kFastestSpeed);
+std::optional<double> SkPlaybackSettings::toSpeed(double fSpeed) {
+    if (!std::isfinite(fSpeed)) {
+        return {};
     }
+    return std::clamp(fSpeed, kSlowestSpeed, kFastestSpeed);
 }
 
 void SkPlaybackSettings::save(QDomElement& element) const {
@@ -42,7 +43,7 @@ SkPlaybackSettings SkPlaybackSettings::load(const QDomElement& element) {
     bool isNumber = false;
     const double speed = element.attribute(kSpeed).toDouble(&isNumber);
     if (isNumber) {
-        settings.setSpeed(speed);
+        settings.speed = toSpeed(speed).value_or(settings.speed);
     }
     const double metres = element.attribute(kMetresPerCount).toDouble();
     settings.scale.metresPerCount = std::isfinite(metres) ? std::max(metres, 0.0) : 0.0;

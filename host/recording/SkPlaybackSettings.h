@@ -2,6 +2,8 @@
 
 #include "host/recording/SkDepthScale.h"
 
+#include <optional>
+
 class QDomElement;
 
 /// How a recording is played, independent of the file and the position in it.
@@ -19,8 +21,8 @@ struct SkPlaybackSettings {
     SkDepthScale scale;
 
     static EkPace toPace(int iPace) { return iPace == RealTime ? RealTime : EveryFrame; }
-    /// Clamped; infinite and NaN speeds are ignored.
-    void setSpeed(double fSpeed);
+    /// The nearest speed within the range; std::nullopt for infinite and NaN ones.
+    static std::optional<double> toSpeed(double fSpeed);
 
     void save(QDomElement& element) const;
     /// Missing and malformed attributes give the defaults.

@@ -24,7 +24,7 @@ zuViewerPicture | host/recording/SkFrameDescription.h | host/viewer/area/CkViewA
 zuViewerArea | host/viewer/picture/CkImageView.h | host/recording/SkFrameDescription.h host/viewer/panels/lut/CkLutPanel.h host/viewer/shell/CkMainWindow.h
 zuViewerCameraPanel | host/viewer/area/CkViewArea.h | host/viewer/panels/chain/CkChainPanel.h host/viewer/playback/CkPlayback.h host/viewer/session/SkWindowLayout.h host/viewer/shell/CkMainWindow.h host/recording/IkFrameFile.h sim/camera/CkSimCamera.h
 zuViewerChainPanel | host/viewer/area/CkViewArea.h | host/viewer/panels/camera/CkCameraController.h host/viewer/playback/CkPlayback.h host/viewer/shell/CkMainWindow.h host/recording/IkFrameFile.h
-zuViewerLogPanel | host/viewer/panels/log/CkLogSink.h | zuCore/CkChain.h host/viewer/base/CkViewerSettings.h host/viewer/area/CkViewArea.h
+zuViewerLogPanel | host/viewer/panels/log/CkLogSink.h | zuCore/CkChain.h host/viewer/base/ViewerSettings.h host/viewer/area/CkViewArea.h
 zuViewerLutPanel | host/viewer/area/CkViewArea.h | host/viewer/panels/quality/CkQualityPanel.h host/viewer/playback/CkPlayback.h host/viewer/shell/CkMainWindow.h
 zuViewerQualityPanel | host/viewer/area/CkViewArea.h | host/viewer/panels/lut/CkLutPanel.h host/viewer/playback/CkPlayback.h host/viewer/shell/CkMainWindow.h
 zuViewerPlayback | host/recording/CkVideoSource.h host/viewer/area/CkViewArea.h | host/viewer/panels/camera/CkCameraController.h host/viewer/session/SkWindowLayout.h host/viewer/shell/CkMainWindow.h

@@ -37,7 +37,7 @@ const SkFileKind* CkFileOpener::find(const QString& sFileName, QString& sError) 
         sError = tr("\"%1\" cannot be read: %2.").arg(sFileName, file.errorString());
         return nullptr;
     }
-    const QByteArray bytes = file.read(FirstBytes);
+    const QByteArray bytes = file.read(kFirstBytes);
     for (const SkFileKind& kind : m_kinds) {
         if (kind.recognises && kind.recognises(bytes)) {
             return &kind;

@@ -13,7 +13,7 @@ struct SkFileKind {
     QString id;           ///< "chain", "recording"
     QString title;        ///< plural, for file dialogs: "Recordings"
     QStringList suffixes; ///< without dot, lower case
-    /// Whether a file that begins with these bytes (at most CkFileOpener::FirstBytes) is of this kind; null:
+    /// Whether a file that begins with these bytes (at most CkFileOpener::kFirstBytes) is of this kind; null:
     /// only the suffix decides.
     std::function<bool(const QByteArray& sFirstBytes)> recognises;
     /// False, with sError naming the file and the reason, or empty when the user cancelled.
@@ -28,7 +28,7 @@ class CkFileOpener : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr qint64 FirstBytes = 512;
+    static constexpr qint64 kFirstBytes = 512;
 
     explicit CkFileOpener(QObject* pParent = nullptr);
 

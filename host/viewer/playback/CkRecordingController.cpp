@@ -32,9 +32,9 @@ CkRecordingController::CkRecordingController(CkViewArea* pArea, QWidget* pWindow
     createPlaybackActions();
     m_pBar = new CkPlaybackBar(m_pPlayback, m_play);
     m_pPanel = new CkRecordingPanel(m_pManager);
-    m_pLamp = new QLabel(pWindow);
-    m_pLamp->setObjectName(QStringLiteral("recordingLamp"));
-    m_pLamp->hide();
+    m_pIndicator = new QLabel(pWindow);
+    m_pIndicator->setObjectName(QStringLiteral("recordingLamp"));
+    m_pIndicator->hide();
     fillMenuActions();
 
     connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkRecordingController::refresh);
@@ -169,7 +169,7 @@ void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
 void CkRecordingController::refresh() {
     refreshRecordActions();
     refreshPlaybackActions();
-    refreshLamp();
+    refreshIndicator();
 }
 
 void CkRecordingController::refreshRecordActions() {
@@ -207,7 +207,7 @@ void CkRecordingController::refreshPlaybackActions() {
     }
 }
 
-void CkRecordingController::refreshLamp() {
+void CkRecordingController::refreshIndicator() {
     qint64 written = 0;
     qint64 dropped = 0;
     for (const CkRecordingJob* job : m_pManager->jobs()) {
@@ -217,11 +217,11 @@ void CkRecordingController::refreshLamp() {
             dropped += state.dropped;
         }
     }
-    m_pLamp->setVisible(m_pManager->runningCount() > 0);
+    m_pIndicator->setVisible(m_pManager->runningCount() > 0);
     QString text = tr("<span style='color:#d02020'>\u25cf</span> Recording: %n frame(s)", nullptr,
                       pluralNumber(written));
     if (dropped > 0) {
         text += tr(", <b style='color:#c02020'>%1 dropped</b>").arg(dropped);
     }
-    m_pLamp->setText(text);
+    m_pIndicator->setText(text);
 }

@@ -15,7 +15,7 @@ class QLabel;
 class QPushButton;
 
 /// The main window's interface to recording and playback: actions, the panel of recordings, the playback bar,
-/// the recording lamp, and the kinds of files that can be opened. The window places them. User-interface
+/// the recording indicator, and the kinds of files that can be opened. The window places them. User-interface
 /// thread.
 class CkRecordingController : public QObject {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     CkPlaybackBar* bar() const { return m_pBar; }
     CkRecordingPanel* panel() const { return m_pPanel; }
     /// To be placed in the status bar; hidden while nothing is recorded.
-    QLabel* lamp() const { return m_pLamp; }
+    QLabel* recordingIndicator() const { return m_pIndicator; }
     CkRecordingManager* manager() const { return m_pManager; }
     CkPlayback* playback() const { return m_pPlayback; }
 
@@ -44,7 +44,7 @@ public:
     void setInteractive(bool bInteractive) { m_bInteractive = bInteractive; }
 
 public slots:
-    /// Updates actions and lamp.
+    /// Updates actions and indicator.
     void refresh();
 
 signals:
@@ -60,7 +60,7 @@ private:
     QAction* createAction(const QString& sText, const char* sName, const QKeySequence& key);
     void refreshRecordActions();
     void refreshPlaybackActions();
-    void refreshLamp();
+    void refreshIndicator();
 
     QWidget* m_pWindow;
     CkViewArea* m_pArea;
@@ -76,7 +76,7 @@ private:
     QList<QAction*> m_playbackActions; ///< those of m_menuActions that need a recording in the active view
     CkPlaybackBar* m_pBar = nullptr;
     CkRecordingPanel* m_pPanel = nullptr;
-    QLabel* m_pLamp = nullptr;
+    QLabel* m_pIndicator = nullptr;
     QTimer m_timer;
     bool m_bInteractive = true;
 };

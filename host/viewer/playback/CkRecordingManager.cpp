@@ -2,8 +2,8 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/playback/CkRecordingJob.h"
 #include "host/viewer/playback/RecordedChain.h"
@@ -174,11 +174,11 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
         return;
     }
     const QPointer<CkChainable> block(pBlock);
-    const auto settings = CkViewerSettings::open();
+    const auto settings = ViewerSettings::open();
     QString name = titleOf(pBlock);
     name.replace(QRegularExpression(QStringLiteral("[^\\w.,()-]+")), QStringLiteral(" "));
     const QString proposed =
-        QDir(settings->value(CkViewerSettings::keyLastDirectory()).toString())
+        QDir(settings->value(ViewerSettings::keyLastDirectory()).toString())
             .filePath(QStringLiteral("%1 %2.tif")
                           .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss")),
                                name.simplified().left(80)));
@@ -192,7 +192,7 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
     if (fileName.isEmpty()) {
         return;
     }
-    settings->setValue(CkViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
+    settings->setValue(ViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
     QString error = tr("What was to be recorded has been closed.");
     if (!block ||
         record(block, fileName, form == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,

@@ -80,7 +80,7 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(2);
-    row.lamp = new QLabel(row.widget);
+    row.indicator = new QLabel(row.widget);
     row.name = new QLabel(QFileInfo(pJob->fileName()).fileName(), row.widget);
     row.name->setTextFormat(Qt::PlainText);
     row.name->setToolTip(
@@ -104,7 +104,7 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
     row.open = button(tr("Open"), QStringLiteral("btnOpenRecording"), tr("Play this recording"));
     row.remove = button(QStringLiteral("\u2715"), QStringLiteral("btnForgetRecording"),
                         tr("Take this line away; the file stays"));
-    grid->addWidget(row.lamp, 0, 0, Qt::AlignTop);
+    grid->addWidget(row.indicator, 0, 0, Qt::AlignTop);
     grid->addWidget(row.name, 0, 1, 1, 4);
     grid->addWidget(row.counters, 1, 1);
     grid->addWidget(row.stop, 1, 2, Qt::AlignTop);
@@ -159,9 +159,11 @@ void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) c
     const QString colour = running                                       ? QStringLiteral("#d02020")
                            : !state.error.isEmpty() || state.dropped > 0 ? QStringLiteral("#c07000")
                                                                          : QStringLiteral("#2e8b3d");
-    row.lamp->setText(QStringLiteral("<span style='color:%1'>%2</span>")
-                          .arg(colour, running ? QStringLiteral("\u25cf") : QStringLiteral("\u25a0")));
-    row.lamp->setToolTip(running ? tr("Recording") : finished ? tr("Finished") : tr("Writing what waits"));
+    row.indicator->setText(QStringLiteral("<span style='color:%1'>%2</span>")
+                               .arg(colour, running ? QStringLiteral("\u25cf") : QStringLiteral("\u25a0")));
+    row.indicator->setToolTip(running    ? tr("Recording")
+                              : finished ? tr("Finished")
+                                         : tr("Writing what waits"));
     row.counters->setText(countersText(job));
     QStringList trouble;
     if (state.dropped > 0) {

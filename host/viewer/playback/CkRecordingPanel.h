@@ -33,7 +33,7 @@ signals:
 private:
     struct SkRow {
         QWidget* widget = nullptr;
-        QLabel* lamp = nullptr;
+        QLabel* indicator = nullptr;
         QLabel* name = nullptr;
         QLabel* counters = nullptr;
         QLabel* drops = nullptr;

@@ -2,7 +2,7 @@
 
 #include "host/viewer/base/ViewerVersion.h"
 #include "host/viewer/plugins/CkPluginLoadMarker.h"
-#include "host/viewer/plugins/CkPluginProbe.h"
+#include "host/viewer/plugins/PluginProbe.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,7 +13,7 @@ namespace {
 
 // A library may behave differently in another version of the program.
 QString hostIdentity() {
-    const QFileInfo program(CkPluginProbe::program());
+    const QFileInfo program(PluginProbe::program());
     return QStringLiteral("%1 Qt %2 %3 %4")
         .arg(ViewerVersion::number(), QLatin1String(qVersion()))
         .arg(program.size())
@@ -29,8 +29,8 @@ QString SkPluginCheckOptions::defaultFolder() {
 
 CkPluginChecker::CkPluginChecker(const SkPluginCheckOptions& checks)
     : m_checks(checks),
-      m_verdicts(QDir(checks.memoryFolder).filePath(QStringLiteral("verdicts.json")), hostIdentity()) {
-    const QStringList culprits = CkPluginLoadMarker::takeLeftBehind(m_checks.memoryFolder);
+      m_verdicts(QDir(checks.cacheFolder).filePath(QStringLiteral("verdicts.json")), hostIdentity()) {
+    const QStringList culprits = CkPluginLoadMarker::takeLeftBehind(m_checks.cacheFolder);
     if (m_checks.again) {
         m_verdicts.clear();
         return;
@@ -57,7 +57,7 @@ QString CkPluginChecker::refusal(const QString& sLibrary) {
 }
 
 QString CkPluginChecker::probe(const QString& sLibrary, const SkLibraryStamp& stamp) {
-    const std::optional<QString> refusal = CkPluginProbe::refusal(sLibrary, m_checks.timeLimit);
+    const std::optional<QString> refusal = PluginProbe::refusal(sLibrary, m_checks.timeLimit);
     if (refusal) {
         m_verdicts.insert(sLibrary, stamp, *refusal);
         return *refusal;

@@ -9,7 +9,7 @@
 #include <chrono>
 
 struct SkPluginCheckOptions {
-    QString memoryFolder = defaultFolder(); ///< of verdicts and load markers; created on demand
+    QString cacheFolder = defaultFolder(); ///< of verdicts and load markers; created on demand
     std::chrono::milliseconds timeLimit = std::chrono::seconds(10); ///< for starting and ending a plug-in
     bool again = false; ///< drop all verdicts and check every library again
 
@@ -28,7 +28,7 @@ public:
     QString refusal(const QString& sLibrary);
 
     /// Folder for the CkPluginLoadMarker of a library that is being loaded.
-    QString markerFolder() const { return m_checks.memoryFolder; }
+    QString markerFolder() const { return m_checks.cacheFolder; }
 
 private:
     QString probe(const QString& sLibrary, const SkLibraryStamp& stamp);

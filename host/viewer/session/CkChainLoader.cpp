@@ -1,6 +1,6 @@
 #include "host/viewer/session/CkChainLoader.h"
 
-#include "host/recording/CkOpeningProgress.h"
+#include "host/recording/CkOpenProgressScope.h"
 #include "host/viewer/base/ChainFile.h"
 
 namespace {
@@ -17,7 +17,7 @@ CkChainLoader::CkChainLoader(const QString& sFileName, QWidget* pWindow)
 }
 
 CkChain* CkChainLoader::load(QString& sError) {
-    const CkOpeningProgress opening([this](qint64 found, double) { return framesFound(found); });
+    const CkOpenProgressScope progress([this](qint64 found, double) { return framesFound(found); });
     CkChain* const chain = ChainFile::load(
         m_sFileName, sError, [this](qsizetype read, qsizetype all) { return blocksRead(read, all); });
     if (chain == nullptr && m_dialog != nullptr && m_dialog->wasCanceled()) {

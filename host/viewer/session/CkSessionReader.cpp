@@ -2,7 +2,7 @@
 
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/ViewAppearance.h"
@@ -57,13 +57,12 @@ CkSessionReader::CkSessionReader(CkViewArea* pArea, CkCameraController* pCameras
     : m_pArea(pArea), m_pCameras(pCameras) {}
 
 SkRestoredSession CkSessionReader::restoreLast(CkViewArea* pArea, CkCameraController* pCameras) {
-    const auto settings = CkViewerSettings::open();
-    if (!settings->value(CkViewerSettings::keyReopenCameras(), true).toBool()) {
+    const auto settings = ViewerSettings::open();
+    if (!settings->value(ViewerSettings::keyReopenCameras(), true).toBool()) {
         return {};
     }
     const SkRestoredSession restored =
-        CkSessionReader(pArea, pCameras)
-            .restore(settings->value(CkViewerSettings::keySession()).toByteArray());
+        CkSessionReader(pArea, pCameras).restore(settings->value(ViewerSettings::keySession()).toByteArray());
     for (const QString& problem : restored.problems) {
         qWarning("%s", qUtf8Printable(problem));
     }

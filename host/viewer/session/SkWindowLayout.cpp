@@ -1,7 +1,7 @@
 #include "host/viewer/session/SkWindowLayout.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/session/SessionWriter.h"
 
 #include <QMainWindow>
@@ -16,10 +16,10 @@ SkWindowLayout SkWindowLayout::of(const QMainWindow& window, const CkViewArea& a
 }
 
 SkWindowLayout SkWindowLayout::load() {
-    const auto settings = CkViewerSettings::open();
-    return {settings->value(CkViewerSettings::keyGeometry()).toByteArray(),
-            settings->value(CkViewerSettings::keyState()).toByteArray(), std::nullopt,
-            settings->value(CkViewerSettings::keyArrange(), true).toBool()};
+    const auto settings = ViewerSettings::open();
+    return {settings->value(ViewerSettings::keyGeometry()).toByteArray(),
+            settings->value(ViewerSettings::keyState()).toByteArray(), std::nullopt,
+            settings->value(ViewerSettings::keyArrange(), true).toBool()};
 }
 
 void SkWindowLayout::applyTo(QMainWindow& window, CkViewArea& area) const {
@@ -29,18 +29,18 @@ void SkWindowLayout::applyTo(QMainWindow& window, CkViewArea& area) const {
 }
 
 void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
-    const auto settings = CkViewerSettings::open();
+    const auto settings = ViewerSettings::open();
     if (pBefore == nullptr || pBefore->geometry != geometry) {
-        settings->setValue(CkViewerSettings::keyGeometry(), geometry);
+        settings->setValue(ViewerSettings::keyGeometry(), geometry);
     }
     if (pBefore == nullptr || pBefore->state != state) {
-        settings->setValue(CkViewerSettings::keyState(), state);
+        settings->setValue(ViewerSettings::keyState(), state);
     }
     if (pBefore == nullptr || pBefore->arrange != arrange) {
-        settings->setValue(CkViewerSettings::keyArrange(), arrange);
+        settings->setValue(ViewerSettings::keyArrange(), arrange);
     }
     if (session && (pBefore == nullptr || pBefore->session != session)) {
-        settings->setValue(CkViewerSettings::keySession(), *session);
+        settings->setValue(ViewerSettings::keySession(), *session);
     }
     // QSettings replaces the file as a whole.
     settings->sync();

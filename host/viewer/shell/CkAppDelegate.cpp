@@ -1,7 +1,7 @@
 #include "host/viewer/shell/CkAppDelegate.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "host/viewer/panels/lut/CkLutPanel.h"
@@ -23,7 +23,7 @@ CkViewArea* CkAppDelegate::area() const {
 }
 
 QSettings* CkAppDelegate::settings() {
-    return CkViewerSettings::open().release();
+    return ViewerSettings::open().release();
 }
 
 QWidget* CkAppDelegate::mainWindow() {
@@ -108,8 +108,8 @@ CkLut* CkAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {
     auto* lut = new CkLut(std::clamp(info.bitsPerChannel, 1U, 32U), std::max(info.channels, 1U),
                           info.layoutFlag, info.dataType);
     lut->setPseudoColorIndex(
-        CkViewerSettings::open()
-            ->value(CkViewerSettings::keyPseudoColor(isFloat), CkViewerSettings::defaultPseudoColor(isFloat))
+        ViewerSettings::open()
+            ->value(ViewerSettings::keyPseudoColor(isFloat), ViewerSettings::defaultPseudoColor(isFloat))
             .toInt());
     lut->allocRgbTable(0);
     return lut;
@@ -129,9 +129,9 @@ void CkAppDelegate::viewLutChanged(CkMdiView* pView) {
 }
 
 QString CkAppDelegate::lastDirectory() {
-    return CkViewerSettings::open()->value(CkViewerSettings::keyLastDirectory()).toString();
+    return ViewerSettings::open()->value(ViewerSettings::keyLastDirectory()).toString();
 }
 
 void CkAppDelegate::setLastDirectory(const QString& sDirectory) {
-    CkViewerSettings::open()->setValue(CkViewerSettings::keyLastDirectory(), sDirectory);
+    ViewerSettings::open()->setValue(ViewerSettings::keyLastDirectory(), sDirectory);
 }

@@ -1,8 +1,8 @@
 #include "host/viewer/shell/CkFileMenu.h"
 
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/base/CkViewerSettings.h"
 #include "host/viewer/base/SaveFileName.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/shell/CkChainFileController.h"
 #include "zuCore/CkChain.h"
 
@@ -19,12 +19,11 @@ namespace {
 constexpr int kRecentFiles = 8;
 
 QString lastDirectory() {
-    return CkViewerSettings::open()->value(CkViewerSettings::keyLastDirectory()).toString();
+    return ViewerSettings::open()->value(ViewerSettings::keyLastDirectory()).toString();
 }
 
 void setLastDirectory(const QString& fileName) {
-    CkViewerSettings::open()->setValue(CkViewerSettings::keyLastDirectory(),
-                                       QFileInfo(fileName).absolutePath());
+    ViewerSettings::open()->setValue(ViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
 }
 
 void addRecent(const QString& fileName) {
@@ -32,7 +31,7 @@ void addRecent(const QString& fileName) {
     QStringList recent = CkFileMenu::recentFiles();
     recent.removeAll(path);
     recent.prepend(path);
-    CkViewerSettings::open()->setValue(CkViewerSettings::keyRecentChains(), recent.mid(0, kRecentFiles));
+    ViewerSettings::open()->setValue(ViewerSettings::keyRecentChains(), recent.mid(0, kRecentFiles));
 }
 
 } // namespace
@@ -84,7 +83,7 @@ void CkFileMenu::openRecordingWithDialog() {
 }
 
 QStringList CkFileMenu::recentFiles() {
-    return CkViewerSettings::open()->value(CkViewerSettings::keyRecentChains()).toStringList();
+    return ViewerSettings::open()->value(ViewerSettings::keyRecentChains()).toStringList();
 }
 
 void CkFileMenu::fillRecentMenu() {

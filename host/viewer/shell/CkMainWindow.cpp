@@ -114,7 +114,7 @@ void CkMainWindow::createDocks() {
 
 void CkMainWindow::createRecordings() {
     m_recordings = new CkRecordingController(m_area, this);
-    m_statusBar->addPermanentWidget(m_recordings->lamp());
+    m_statusBar->addPermanentWidget(m_recordings->recordingIndicator());
     auto* centre = new QWidget(this);
     auto* column = new QVBoxLayout(centre);
     column->setContentsMargins(0, 0, 0, 0);

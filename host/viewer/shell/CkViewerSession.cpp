@@ -3,7 +3,7 @@
 
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/CkFileOpener.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/log/CkLogSink.h"
 #include "host/viewer/playback/CkRecordingController.h"
@@ -33,7 +33,7 @@
 CkViewerSession::CkViewerSession(const SkViewerOptions& options, QObject* pParent)
     : QObject(pParent), m_options(options) {
     CkLogSink::instance()->install();
-    CkViewerSettings::setFileName(options.settingsFile);
+    ViewerSettings::setFileName(options.settingsFile);
     m_window = std::make_unique<CkMainWindow>();
     m_delegate = std::make_unique<CkAppDelegate>(m_window.get());
     IkAppDelegate::setInstance(m_delegate.get());

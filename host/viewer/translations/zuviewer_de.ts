@@ -1578,7 +1578,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
 </context>
 <context>
-    <name>CkPluginProbe</name>
+    <name>PluginProbe</name>
     <message>
         <source>it was loaded and started</source>
         <translation>es geladen und gestartet wurde</translation>

@@ -1,6 +1,6 @@
 #include "tests/host/recording/VideoSourceFixture.h"
 
-#include "host/recording/CkOpeningProgress.h"
+#include "host/recording/CkOpenProgressScope.h"
 #include "tests/support/HostileFiles.h"
 
 #include <QDomDocument>
@@ -23,7 +23,7 @@ TEST_F(CkVideoSourceTest, LoadingSettingsReportsTheSearchForFrames) {
     qint64 found = 0;
     bool goesOn = true;
     {
-        const CkOpeningProgress progress([&](qint64 frames, double) {
+        const CkOpenProgressScope progress([&](qint64 frames, double) {
             found = frames;
             return goesOn;
         });

@@ -1,6 +1,6 @@
 #include "host/viewer/panels/camera/CkCameraMenu.h"
 
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/panels/camera/CkCameraController.h"
 #include "host/viewer/panels/camera/CkCameraPanel.h"
 #include "zuCore/CkCameraManager.h"
@@ -82,11 +82,11 @@ void CkCameraMenu::addReopenAction(QMenu* pMenu) {
     reopen->setObjectName(QStringLiteral("actReopenCameras"));
     reopen->setCheckable(true);
     reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
-    reopen->setChecked(CkViewerSettings::open()->value(CkViewerSettings::keyReopenCameras(), true).toBool());
+    reopen->setChecked(ViewerSettings::open()->value(ViewerSettings::keyReopenCameras(), true).toBool());
     reopen->setToolTip(
         tr("Open the cameras, recordings and views of this session again when the viewer is started"));
     connect(reopen, &QAction::toggled, this,
-            [](bool bOn) { CkViewerSettings::open()->setValue(CkViewerSettings::keyReopenCameras(), bOn); });
+            [](bool bOn) { ViewerSettings::open()->setValue(ViewerSettings::keyReopenCameras(), bOn); });
 }
 
 void CkCameraMenu::refresh() {

@@ -1,7 +1,7 @@
 #include "host/viewer/panels/lut/CkLutPanel.h"
 
 #include "host/viewer/area/CkViewArea.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/panels/lut/CkHistogramWidget.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/PictureText.h"
@@ -274,7 +274,7 @@ void CkLutPanel::applyMap(int iIndex) {
     const CkImageData* frame = m_imageView ? m_imageView->currentImage() : nullptr;
     if (frame != nullptr) {
         const bool isFloat = frame->picBuf().dataType == EkImageDataType::Float32;
-        CkViewerSettings::open()->setValue(CkViewerSettings::keyPseudoColor(isFloat), iIndex);
+        ViewerSettings::open()->setValue(ViewerSettings::keyPseudoColor(isFloat), iIndex);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "host/viewer/plugins/CkPluginHost.h"
 #include "host/viewer/plugins/CkPluginLoadMarker.h"
-#include "host/viewer/plugins/CkPluginProbe.h"
+#include "host/viewer/plugins/PluginProbe.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -33,7 +33,7 @@ protected:
 
     SkPluginCheckOptions checks(bool again = false) const {
         SkPluginCheckOptions wanted;
-        wanted.memoryFolder = m_folder.filePath(QStringLiteral("memory"));
+        wanted.cacheFolder = m_folder.filePath(QStringLiteral("memory"));
         wanted.timeLimit = kPatience;
         wanted.again = again;
         return wanted;
@@ -56,7 +56,7 @@ void overwrite(const QString& fileName, qint64 at, char value) {
 } // namespace
 
 TEST_F(PluginChecker, WhateverEndsAProgramIsRefusedWithItsName) {
-    ASSERT_FALSE(CkPluginProbe::program().isEmpty());
+    ASSERT_FALSE(PluginProbe::program().isEmpty());
     struct SkCase {
         const char* place;
         const char* step;
@@ -95,7 +95,7 @@ TEST_F(PluginChecker, WhatHangsIsRefusedAfterTheTimeLimit) {
     for (const char* place : {"library", "constructor", "init", "name", "destructor"}) {
         const QString copy = library(QLatin1String(place) + QStringLiteral("-hangs"));
         // In parallel, because each hangs until its time limit.
-        said.push_back(std::async(std::launch::async, [copy] { return CkPluginProbe::refusal(copy, 8s); }));
+        said.push_back(std::async(std::launch::async, [copy] { return PluginProbe::refusal(copy, 8s); }));
     }
     for (auto& one : said) {
         const std::optional<QString> refusal = one.get();
@@ -116,7 +116,7 @@ TEST_F(PluginChecker, TheHostLoadsTheGoodOneAmongTheBad) {
     EXPECT_EQ(host.plugins().first().fileName, m_folder.filePath(QStringLiteral("plugins/good.so")));
     ASSERT_EQ(host.problems().size(), 4);
     EXPECT_THAT(host.problems()[1].toStdString(), HasSubstr("destructor-leaves.so"));
-    EXPECT_TRUE(CkPluginLoadMarker::takeLeftBehind(checks().memoryFolder).isEmpty());
+    EXPECT_TRUE(CkPluginLoadMarker::takeLeftBehind(checks().cacheFolder).isEmpty());
 }
 
 TEST_F(PluginChecker, TheLogNamesWhatWasLoaded) {
@@ -171,7 +171,7 @@ TEST_F(PluginChecker, ARefusalIsRememberedToo) {
     const std::string said = refusal(copy);
     EXPECT_THAT(said, HasSubstr("it ended the program"));
     // Without the probe, no library could be checked again.
-    const CkPluginVerdictCache verdicts(checks().memoryFolder + QStringLiteral("/verdicts.json"),
+    const CkPluginVerdictCache verdicts(checks().cacheFolder + QStringLiteral("/verdicts.json"),
                                         QStringLiteral("another program"));
     const auto stamp = SkLibraryStamp::of(copy);
     ASSERT_TRUE(stamp);
@@ -181,9 +181,9 @@ TEST_F(PluginChecker, ARefusalIsRememberedToo) {
 
 TEST_F(PluginChecker, DamagedMemoryOnlyMakesItLookAgain) {
     const QString copy = library(QStringLiteral("good"));
-    QDir().mkpath(checks().memoryFolder);
+    QDir().mkpath(checks().cacheFolder);
     for (const char* content : {"", "{", "[1]", "{\"libraries\": 3}", "{\"libraries\": {\"a\": [1]}}"}) {
-        QFile file(checks().memoryFolder + QStringLiteral("/verdicts.json"));
+        QFile file(checks().cacheFolder + QStringLiteral("/verdicts.json"));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
         file.close();

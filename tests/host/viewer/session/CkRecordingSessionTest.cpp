@@ -1,7 +1,7 @@
 #include "host/viewer/shell/CkChainFileController.h"
 #include "tests/host/viewer/playback/RecordingViewFixture.h"
 
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/session/CkSessionReader.h"
 #include "host/viewer/session/CkSessionSaver.h"
 
@@ -25,8 +25,7 @@ protected:
         m_session.reset();
     }
     static QString remembered() {
-        return QString::fromUtf8(
-            CkViewerSettings::open()->value(CkViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
     }
     void rememberAGreyCamera() {
         ASSERT_TRUE(start());
@@ -148,7 +147,7 @@ TEST_P(NamedOnTheCommandLine, LeavesTheSessionAlone) {
     window()->findChild<QDockWidget*>("dockLog")->hide();
     QTest::keyClick(window(), Qt::Key_Shift);
     ASSERT_TRUE(waitFor([this] {
-        return CkViewerSettings::open()->value(CkViewerSettings::keyState()).toByteArray() ==
+        return ViewerSettings::open()->value(ViewerSettings::keyState()).toByteArray() ==
                window()->saveState();
     }));
     EXPECT_EQ(remembered(), before);

@@ -1,6 +1,6 @@
 #include "host/viewer/session/CkSessionSaver.h"
 
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "tests/host/viewer/ViewerFixture.h"
 
@@ -31,8 +31,7 @@ protected:
         m_session.reset();
     }
     static QString remembered() {
-        return QString::fromUtf8(
-            CkViewerSettings::open()->value(CkViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
     }
     static bool waitUntilRemembered(const QString& text) {
         return QTest::qWaitFor([&] { return remembered().contains(text); }, kPatience);
@@ -52,7 +51,7 @@ TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
     QTest::keyClick(window(), Qt::Key_Shift);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
-            return CkViewerSettings::open()->value(CkViewerSettings::keyState()).toByteArray() ==
+            return ViewerSettings::open()->value(ViewerSettings::keyState()).toByteArray() ==
                    window()->saveState();
         },
         kPatience));
@@ -136,8 +135,8 @@ TEST_F(SessionSaver, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
     openGrey();
     close();
     ASSERT_TRUE(remembered().contains("has3d=\"0\""));
-    CkViewerSettings::open()->setValue(CkViewerSettings::keySession(),
-                                       remembered().replace("has3d=\"0\"", "has3d=\"1\"").toUtf8());
+    ViewerSettings::open()->setValue(ViewerSettings::keySession(),
+                                     remembered().replace("has3d=\"0\"", "has3d=\"1\"").toUtf8());
     ASSERT_TRUE(start());
     close();
     EXPECT_TRUE(remembered().contains("has3d=\"1\"")) << qPrintable(remembered());
@@ -190,8 +189,8 @@ TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) 
     close();
     // The camera does not run, so that no picture arrives.
     const auto setRunning = [](const char* from, const char* to) {
-        CkViewerSettings::open()->setValue(CkViewerSettings::keySession(),
-                                           remembered().replace(from, to).toUtf8());
+        ViewerSettings::open()->setValue(ViewerSettings::keySession(),
+                                         remembered().replace(from, to).toUtf8());
     };
     setRunning("running=\"1\"", "running=\"0\"");
     ASSERT_TRUE(start());

@@ -1,7 +1,7 @@
 #include "host/viewer/session/CkSessionReader.h"
 #include "host/viewer/shell/CkViewMenu.h"
 
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "tests/host/viewer/ViewerBlocks.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkRTTI.h"
@@ -33,8 +33,7 @@ protected:
     }
 
     QString remembered() const {
-        return QString::fromUtf8(
-            CkViewerSettings::open()->value(CkViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
     }
 };
 

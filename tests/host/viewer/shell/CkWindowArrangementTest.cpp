@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "host/viewer/shell/CkRateGraph.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "tests/support/ModalDriver.h"
@@ -144,8 +144,7 @@ TEST_F(WindowArrangement, TheTextAboutAPixelDoesNotWidenTheWindow) {
 
 TEST_F(WindowArrangement, RecentFilesAreNamedWholeInTheMenu) {
     ASSERT_TRUE(start());
-    CkViewerSettings::open()->setValue(CkViewerSettings::keyRecentChains(),
-                                       QStringList{"/left & right/a.tif"});
+    ViewerSettings::open()->setValue(ViewerSettings::keyRecentChains(), QStringList{"/left & right/a.tif"});
     const auto* recent = window()->findChild<QMenu*>("menuRecentChains");
     ASSERT_NE(recent, nullptr);
     emit window()->menu(IkAppDelegate::FileMenu)->aboutToShow();

@@ -1,5 +1,5 @@
 #include "host/viewer/panels/lut/CkLutPanel.h"
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 #include "tests/host/viewer/ViewerFixture.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkLut.h"
@@ -99,7 +99,7 @@ TEST_F(ViewerSession, LutPanelColoursTheActiveViewAndIsRemembered) {
     const std::unique_ptr<CkLut> lut(
         IkAppDelegate::instance()->createLut(view->currentImage()->picBuf(), {}));
     EXPECT_EQ(lut->pseudoColorIndex(), jet);
-    EXPECT_EQ(CkViewerSettings::open()->value(CkViewerSettings::keyPseudoColor(false)).toInt(), jet);
+    EXPECT_EQ(ViewerSettings::open()->value(ViewerSettings::keyPseudoColor(false)).toInt(), jet);
 }
 
 } // namespace

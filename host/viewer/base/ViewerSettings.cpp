@@ -1,4 +1,4 @@
-#include "host/viewer/base/CkViewerSettings.h"
+#include "host/viewer/base/ViewerSettings.h"
 
 #include "zuCore/CkLut.h"
 
@@ -11,11 +11,11 @@ QString& fileName() {
 }
 } // namespace
 
-void CkViewerSettings::setFileName(const QString& sFileName) {
+void ViewerSettings::setFileName(const QString& sFileName) {
     fileName() = sFileName;
 }
 
-std::unique_ptr<QSettings> CkViewerSettings::open() {
+std::unique_ptr<QSettings> ViewerSettings::open() {
     if (fileName().isEmpty()) {
         return std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
                                            QStringLiteral("Orvane"), QStringLiteral("zuviewer"));
@@ -23,7 +23,7 @@ std::unique_ptr<QSettings> CkViewerSettings::open() {
     return std::make_unique<QSettings>(fileName(), QSettings::IniFormat);
 }
 
-int CkViewerSettings::defaultPseudoColor(bool bFloat) {
+int ViewerSettings::defaultPseudoColor(bool bFloat) {
     if (!bFloat) {
         return 0;
     }

@@ -1,4 +1,4 @@
-#include "host/recording/CkOpeningProgress.h"
+#include "host/recording/CkOpenProgressScope.h"
 
 namespace {
 
@@ -8,14 +8,14 @@ thread_local IkFrameFile::ProgressFunction s_progress;
 
 } // namespace
 
-CkOpeningProgress::CkOpeningProgress(const IkFrameFile::ProgressFunction& progress) {
+CkOpenProgressScope::CkOpenProgressScope(const IkFrameFile::ProgressFunction& progress) {
     s_progress = progress;
 }
 
-CkOpeningProgress::~CkOpeningProgress() {
+CkOpenProgressScope::~CkOpenProgressScope() {
     s_progress = nullptr;
 }
 
-const IkFrameFile::ProgressFunction& CkOpeningProgress::current() {
+const IkFrameFile::ProgressFunction& CkOpenProgressScope::current() {
     return s_progress;
 }

@@ -1,7 +1,8 @@
-#include "host/viewer/plugins/CkPluginProbe.h"
+#include "host/viewer/plugins/PluginProbe.h"
 
 #include "host/viewer/plugins/PluginProbeSteps.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
@@ -13,6 +14,10 @@
 using namespace PluginProbeSteps;
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(PluginProbe)
+};
 
 // In bytes; the probe writes less.
 constexpr qint64 kMaximumOutput = 64 * 1024;
@@ -27,9 +32,13 @@ void endGroup(QProcess& child) {
     child.waitForFinished();
 }
 
+QString stepText(const QByteArray& sStep) {
+    return sStep == kStart ? Texts::tr("it was loaded and started") : Texts::tr("it was ended");
+}
+
 } // namespace
 
-QString CkPluginProbe::program() {
+QString PluginProbe::program() {
     const QDir binaries(QCoreApplication::applicationDirPath());
     // The second is where distributions install programs that users do not start themselves.
     for (const char* relative : {"../libexec/zuviewer", "../" ZU_PROBE_INSTALL_DIR}) {
@@ -42,11 +51,7 @@ QString CkPluginProbe::program() {
     return {};
 }
 
-QString CkPluginProbe::stepText(const QByteArray& sStep) {
-    return sStep == kStart ? tr("it was loaded and started") : tr("it was ended");
-}
-
-std::optional<QString> CkPluginProbe::refusal(const QString& sLibrary, std::chrono::milliseconds timeLimit) {
+std::optional<QString> PluginProbe::refusal(const QString& sLibrary, std::chrono::milliseconds timeLimit) {
     QProcess child;
     child.setProgram(program());
     child.setArguments({QStringLiteral("--language"), QLocale().name(), sLibrary});
@@ -67,13 +72,14 @@ std::optional<QString> CkPluginProbe::refusal(const QString& sLibrary, std::chro
     }
     const QString library = QDir::toNativeSeparators(sLibrary);
     if (!finished) {
-        return tr("Plug-in \"%1\" was refused: it did not come back within %2 s while %3.")
+        return Texts::tr("Plug-in \"%1\" was refused: it did not come back within %2 s while %3.")
             .arg(library)
             .arg(double(timeLimit.count()) / 1000.0)
             .arg(stepText(last));
     }
     if (last != kDone || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0) {
-        return tr("Plug-in \"%1\" was refused: it ended the program while %2.").arg(library, stepText(last));
+        return Texts::tr("Plug-in \"%1\" was refused: it ended the program while %2.")
+            .arg(library, stepText(last));
     }
     return QString();
 }
