@@ -95,7 +95,7 @@ void hybridSets(benchmark::State& state) {
     CkSimHybridSynth synth;
     synth.setup(exposure, pulseNs);
     SkFrame frame(832, quint32(sections) * 600, 3, EkImageDataType::UInt16, 12);
-    synth.writeSection(raster, 0, 0, CkSimHybridSynth::EkSection::Plain, frame, 0);
+    synth.writeSection(raster, {0, 0, CkSimHybridSynth::EkSection::Plain}, frame, 0);
     // The room ends well within the first range: the pulse is in the first two windows.
     double sum = 0.0;
     for (quint32 row = 0; row < 600; ++row) {
@@ -118,7 +118,7 @@ void hybridSets(benchmark::State& state) {
     for (auto _ : state) {
         raster.moveTo(double(set) / 30.0);
         for (int section = 0; section < sections; ++section) {
-            synth.writeSection(raster, set, section, CkSimHybridSynth::EkSection::Plain, frame,
+            synth.writeSection(raster, {set, section, CkSimHybridSynth::EkSection::Plain}, frame,
                                quint32(section) * 600U);
         }
         ++set;

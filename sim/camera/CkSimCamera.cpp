@@ -123,10 +123,13 @@ bool CkSimCamera::trueDistance(qint64 timestampNs, SkPicBuf& target) const {
         return false;
     }
     const SkSimLens& lens = painter.raster()->lens();
-    if (target.data == nullptr &&
-        !CkPicBufAPI::AllocPicBufFromHeap(target, SkPicBufInfo::of(quint32(lens.width), quint32(lens.height),
-                                                                   1, EkImageDataType::Float32, 32))) {
-        return false;
+    if (target.data == nullptr) {
+        CkPicture distance;
+        if (!distance.allocate(SkPicBufInfo::of(quint32(lens.width), quint32(lens.height), 1,
+                                                EkImageDataType::Float32, 32))) {
+            return false;
+        }
+        target = distance.take();
     }
     return painter.raster()->writeDistance(target);
 }

@@ -50,7 +50,7 @@ bool CkSimPainter::paint(const SkSimSettings& settings, const SkSimImage& image,
                     kind = CkSimHybridSynth::EkSection::Measured;
                 }
                 m_hybrid.setup(settings.exposure, settings.pulseNs);
-                painted = m_hybrid.writeSection(*m_raster, set, part, kind, picture, row);
+                painted = m_hybrid.writeSection(*m_raster, {set, part, kind}, picture, row);
             }
             if (!painted) {
                 return false;

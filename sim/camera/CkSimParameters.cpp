@@ -32,14 +32,21 @@ SkDescription describe(const QString& name, const QString& displayName, const QS
     return description;
 }
 
+/// Of a parameter that is a number.
+struct SkRange {
+    const char* unit;
+    double minimum;
+    double maximum;
+    double step;
+};
+
 SkDescription number(const QString& name, const QString& displayName, const QString& toolTip,
-                     const char* unit, double minimum, double maximum, double step,
-                     EkKind kind = EkKind::Float) {
+                     const SkRange& range, EkKind kind = EkKind::Float) {
     SkDescription description = describe(name, displayName, toolTip, kind);
-    description.unit = QString::fromLatin1(unit);
-    description.minimum = minimum;
-    description.maximum = maximum;
-    description.step = step;
+    description.unit = QString::fromLatin1(range.unit);
+    description.minimum = range.minimum;
+    description.maximum = range.maximum;
+    description.step = range.step;
     return description;
 }
 
@@ -83,7 +90,7 @@ void addWaveBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back({number("tof_modulation_frequency", Texts::tr("Modulation frequency"),
                                Texts::tr("Frequency of the modulated light. Distances repeat every 149.85 m "
                                          "divided by it in MHz."),
-                               "MHz", 1.0, 120.0, 0.01),
+                               {.unit = "MHz", .minimum = 1.0, .maximum = 120.0, .step = 0.01}),
                         [](const Settings& s) { return CkValue(s.modulationMHz); },
                         [](Settings& s, const CkValue& v) { s.modulationMHz = v.toDouble(); }});
     bindings.push_back(
@@ -116,13 +123,13 @@ void addHybridBindings(std::vector<SkBinding>& bindings) {
         {number("hybrid_pulse_duration", Texts::tr("Pulse duration"),
                 Texts::tr("Length of the light pulse and of each window. Distances up to 0.29979 m "
                           "per ns are measured."),
-                "ns", 1.0, 200.0, 0.1),
+                {.unit = "ns", .minimum = 1.0, .maximum = 200.0, .step = 0.1}),
          [](const Settings& s) { return CkValue(s.pulseNs); },
          [](Settings& s, const CkValue& v) { s.pulseNs = v.toDouble(); }});
     bindings.push_back(
         {number("hybrid_sections", Texts::tr("HDR sections"),
-                Texts::tr("Exposures of one measurement, each twice as sensitive as the one before."), "",
-                1.0, 4.0, 1.0, EkKind::Integer),
+                Texts::tr("Exposures of one measurement, each twice as sensitive as the one before."),
+                {.unit = "", .minimum = 1.0, .maximum = 4.0, .step = 1.0}, EkKind::Integer),
          [](const Settings& s) { return CkValue(s.sections); },
          [](Settings& s, const CkValue& v) { s.sections = v.toInt(); }});
     bindings.push_back({choice("hybrid_section_images", Texts::tr("Section images"),
@@ -148,16 +155,16 @@ void addToFBindings(std::vector<SkBinding>& bindings) {
                                {{12, Texts::tr("12 bit")}, {16, Texts::tr("16 bit")}}),
                         [](const Settings& s) { return CkValue(s.converterBits); },
                         [](Settings& s, const CkValue& v) { s.converterBits = v.toInt(); }});
-    bindings.push_back(
-        {number("sim_distance_offset", Texts::tr("Built-in offset"),
-                Texts::tr("Constant error that the camera adds to every distance."), "m", -5.0, 5.0, 0.001),
-         [](const Settings& s) { return CkValue(s.exposure.distanceOffsetM); },
-         [](Settings& s, const CkValue& v) { s.exposure.distanceOffsetM = v.toDouble(); }});
-    bindings.push_back(
-        {number("lens_focal_length", Texts::tr("Focal length"),
-                Texts::tr("Of the simulated lens; the pitch of the pixels is 10 um."), "mm", 1.0, 50.0, 0.01),
-         [](const Settings& s) { return CkValue(s.focalLengthMm); },
-         [](Settings& s, const CkValue& v) { s.focalLengthMm = v.toDouble(); }});
+    bindings.push_back({number("sim_distance_offset", Texts::tr("Built-in offset"),
+                               Texts::tr("Constant error that the camera adds to every distance."),
+                               {.unit = "m", .minimum = -5.0, .maximum = 5.0, .step = 0.001}),
+                        [](const Settings& s) { return CkValue(s.exposure.distanceOffsetM); },
+                        [](Settings& s, const CkValue& v) { s.exposure.distanceOffsetM = v.toDouble(); }});
+    bindings.push_back({number("lens_focal_length", Texts::tr("Focal length"),
+                               Texts::tr("Of the simulated lens; the pitch of the pixels is 10 um."),
+                               {.unit = "mm", .minimum = 1.0, .maximum = 50.0, .step = 0.01}),
+                        [](const Settings& s) { return CkValue(s.focalLengthMm); },
+                        [](Settings& s, const CkValue& v) { s.focalLengthMm = v.toDouble(); }});
     bindings.push_back(
         {flag("lens_report", Texts::tr("Report focal length"),
               Texts::tr("Send the focal length with every frame. Views then use it in place of "
@@ -168,14 +175,14 @@ void addToFBindings(std::vector<SkBinding>& bindings) {
 
 void addCommonBindings(std::vector<SkBinding>& bindings) {
     bindings.push_back({number("framerate", Texts::tr("Frame rate"), Texts::tr("Measurements per second."),
-                               "1/s", 0.1, 200.0, 0.1),
+                               {.unit = "1/s", .minimum = 0.1, .maximum = 200.0, .step = 0.1}),
                         [](const Settings& s) { return CkValue(s.frameRate); },
                         [](Settings& s, const CkValue& v) { s.frameRate = v.toDouble(); }});
     bindings.push_back(
         {number("exposure", Texts::tr("Exposure"),
                 Texts::tr("Time for which light is collected in one exposure. Near things need a "
                           "shorter one: 0.4 m saturates after 200 us."),
-                "us", 1.0, 20000.0, 1.0),
+                {.unit = "us", .minimum = 1.0, .maximum = 20000.0, .step = 1.0}),
          [](const Settings& s) { return CkValue(s.exposure.timeUs); },
          [](Settings& s, const CkValue& v) { s.exposure.timeUs = v.toDouble(); }});
     bindings.push_back(
@@ -185,30 +192,31 @@ void addCommonBindings(std::vector<SkBinding>& bindings) {
          [](Settings& s, const CkValue& v) {
              s.scene = v.toInt() == 1 ? EkSimScene::Wall : EkSimScene::Room;
          }});
-    bindings.push_back(
-        {number("sim_wall_distance", Texts::tr("Wall distance"),
-                Texts::tr("Distance of the flat wall along the optical axis."), "m", 0.05, 30.0, 0.001),
-         [](const Settings& s) { return CkValue(s.wallDistanceM); },
-         [](Settings& s, const CkValue& v) { s.wallDistanceM = v.toDouble(); }});
-    bindings.push_back(
-        {number("sim_wall_reflectivity", Texts::tr("Wall reflectivity"),
-                Texts::tr("Share of the light that the flat wall sends back."), "%", 1.0, 100.0, 1.0),
-         [](const Settings& s) { return CkValue(s.wallReflectivity * 100.0); },
-         [](Settings& s, const CkValue& v) { s.wallReflectivity = v.toDouble() / 100.0; }});
-    bindings.push_back(
-        {number("sim_ambient", Texts::tr("Ambient light"),
-                Texts::tr("Brightness of the lamps. 100 % is ordinary room light."), "%", 0.0, 1000.0, 1.0),
-         [](const Settings& s) { return CkValue(s.exposure.ambient * 100.0); },
-         [](Settings& s, const CkValue& v) { s.exposure.ambient = v.toDouble() / 100.0; }});
+    bindings.push_back({number("sim_wall_distance", Texts::tr("Wall distance"),
+                               Texts::tr("Distance of the flat wall along the optical axis."),
+                               {.unit = "m", .minimum = 0.05, .maximum = 30.0, .step = 0.001}),
+                        [](const Settings& s) { return CkValue(s.wallDistanceM); },
+                        [](Settings& s, const CkValue& v) { s.wallDistanceM = v.toDouble(); }});
+    bindings.push_back({number("sim_wall_reflectivity", Texts::tr("Wall reflectivity"),
+                               Texts::tr("Share of the light that the flat wall sends back."),
+                               {.unit = "%", .minimum = 1.0, .maximum = 100.0, .step = 1.0}),
+                        [](const Settings& s) { return CkValue(s.wallReflectivity * 100.0); },
+                        [](Settings& s, const CkValue& v) { s.wallReflectivity = v.toDouble() / 100.0; }});
+    bindings.push_back({number("sim_ambient", Texts::tr("Ambient light"),
+                               Texts::tr("Brightness of the lamps. 100 % is ordinary room light."),
+                               {.unit = "%", .minimum = 0.0, .maximum = 1000.0, .step = 1.0}),
+                        [](const Settings& s) { return CkValue(s.exposure.ambient * 100.0); },
+                        [](Settings& s, const CkValue& v) { s.exposure.ambient = v.toDouble() / 100.0; }});
     bindings.push_back(
         {flag("sim_noise", Texts::tr("Noise"), Texts::tr("Shot noise and read noise of the sensor.")),
          [](const Settings& s) { return CkValue(s.exposure.noise); },
          [](Settings& s, const CkValue& v) { s.exposure.noise = v.toBool(); }});
-    bindings.push_back({number("sim_seed", Texts::tr("Noise seed"),
-                               Texts::tr("The same seed gives the same noise in every frame."), "", 0.0,
-                               1000000.0, 1.0, EkKind::Integer),
-                        [](const Settings& s) { return CkValue(qint64(s.exposure.seed)); },
-                        [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
+    bindings.push_back(
+        {number("sim_seed", Texts::tr("Noise seed"),
+                Texts::tr("The same seed gives the same noise in every frame."),
+                {.unit = "", .minimum = 0.0, .maximum = 1000000.0, .step = 1.0}, EkKind::Integer),
+         [](const Settings& s) { return CkValue(qint64(s.exposure.seed)); },
+         [](Settings& s, const CkValue& v) { s.exposure.seed = quint32(v.toInt64()); }});
 }
 
 /// Initial settings of a camera of this kind: ready for ToF.

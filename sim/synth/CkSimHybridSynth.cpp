@@ -29,20 +29,20 @@ void CkSimHybridSynth::setup(const SkSimExposure& exposure, double pulseNs) {
     m_raster = 0;
 }
 
-bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, quint64 set, int section, EkSection kind,
-                                    SkPicBuf& target, quint32 firstRow) {
+bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, const SkSection& section, SkPicBuf& target,
+                                    quint32 firstRow) {
     const int width = raster.lens().width;
     const int height = raster.lens().height;
     const bool bytes = target.dataType == EkImageDataType::UInt8;
-    if (target.channels != 3 || (!bytes && target.dataType != EkImageDataType::UInt16) || section < 0 ||
-        section > 15 || !simFits(target, width, height, firstRow)) {
+    if (target.channels != 3 || (!bytes && target.dataType != EkImageDataType::UInt16) || section.index < 0 ||
+        section.index > 15 || !simFits(target, width, height, firstRow)) {
         return false;
     }
     follow(raster);
 
     const float gain = simGain(target.bitsPerChannel);
     for (int row = 0; row < height; ++row) {
-        expose(set, section, kind, row, width);
+        expose(section, row, width);
         quint8* line = target.row(firstRow + quint32(row));
         if (bytes) {
             writeWindows(m_window[0].data(), m_window[1].data(), m_window[2].data(), gain, width, line);
@@ -90,10 +90,11 @@ void CkSimHybridSynth::follow(const CkSimRaster& raster) {
     m_revision = raster.revision();
 }
 
-void CkSimHybridSynth::expose(quint64 set, int section, EkSection kind, int row, int width) {
-    const float sensitivity = float(1U << section);
-    const float pulseWeight = kind == EkSection::Reference ? 0.0F : sensitivity;
-    const float ambientWeight = kind == EkSection::Reference ? sensitivity * kReferenceShare : sensitivity;
+void CkSimHybridSynth::expose(const SkSection& section, int row, int width) {
+    const float sensitivity = float(1U << section.index);
+    const float pulseWeight = section.kind == EkSection::Reference ? 0.0F : sensitivity;
+    const float ambientWeight =
+        section.kind == EkSection::Reference ? sensitivity * kReferenceShare : sensitivity;
     const size_t start = size_t(row) * size_t(width);
     const float* ambient = m_ambient.data() + start;
     for (int window = 0; window < 3; ++window) {
@@ -106,14 +107,14 @@ void CkSimHybridSynth::expose(quint64 set, int section, EkSection kind, int row,
     if (m_exposure.noise) {
         constexpr float kReadVariance = float(kReadNoiseElectrons * kReadNoiseElectrons);
         // Reference and measurement of the same section are two exposures.
-        const quint32 exposure = quint32(section) + (kind == EkSection::Reference ? 16U : 0U);
-        CkSimNoise::fillRow<3>(CkSimNoise::rowKey(m_exposure.seed, set, exposure, quint32(row)), width,
-                               {m_gauss[0].data(), m_gauss[1].data(), m_gauss[2].data()});
+        const quint32 exposure = quint32(section.index) + (section.kind == EkSection::Reference ? 16U : 0U);
+        CkSimNoise::fillRow<3>(CkSimNoise::rowKey(m_exposure.seed, section.set, exposure, quint32(row)),
+                               width, {m_gauss[0].data(), m_gauss[1].data(), m_gauss[2].data()});
         for (int window = 0; window < 3; ++window) {
             addSimNoise(m_window[window].data(), m_gauss[window].data(), kReadVariance, width);
         }
     }
-    if (kind != EkSection::Plain) {
+    if (section.kind != EkSection::Plain) {
         // The pattern is a property of the sensor: independent of set, section and noise seed.
         const quint64 key = CkSimNoise::rowKey(0, 0, 0xffffU, quint32(row));
         for (int column = 0; column < width; ++column) {

@@ -34,20 +34,26 @@ public:
         Reference ///< dark level and a share of the ambient light, no pulse
     };
 
+    /// One exposure of one measurement.
+    struct SkSection {
+        quint64 set = 0; ///< number of the measurement, which chooses the noise
+        int index = 0;   ///< 0 to 15; each one is twice as sensitive as the one before
+        EkSection kind = EkSection::Plain;
+    };
+
     static double range(double pulseNs) { return pulseNs * 1e-9 * kLightSpeedMPerS * 0.5; }
 
     void setup(const SkSimExposure& exposure, double pulseNs);
 
     /// Exposes a section and writes it as a sub-image that starts at a row. The target has three channels
-    /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. Each further section is
-    /// twice as sensitive as the one before. False, with nothing written, for any other target, without
-    /// room, or for a section outside 0 to 15.
-    bool writeSection(const CkSimRaster& raster, quint64 set, int section, EkSection kind, SkPicBuf& target,
+    /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. False, with nothing written,
+    /// for any other target, without room, or for an index outside 0 to 15.
+    bool writeSection(const CkSimRaster& raster, const SkSection& section, SkPicBuf& target,
                       quint32 firstRow);
 
 private:
     void follow(const CkSimRaster& raster);
-    void expose(quint64 set, int section, EkSection kind, int row, int width);
+    void expose(const SkSection& section, int row, int width);
 
     SkSimExposure m_exposure;
     double m_pulseNs = 40.0;

@@ -21,21 +21,21 @@ double upperQuantile(double probability) {
 }
 
 std::array<float, 4096> makeQuantiles() {
-    constexpr int count = 4096;
-    constexpr int half = count / 2;
-    std::array<double, half> upper{};
+    constexpr int kCount = 4096;
+    constexpr int kHalf = kCount / 2;
+    std::array<double, kHalf> upper{};
     double squares = 0.0;
-    for (int slice = 0; slice < half; ++slice) {
-        upper[size_t(slice)] = upperQuantile((slice + 0.5) / count);
+    for (int slice = 0; slice < kHalf; ++slice) {
+        upper[size_t(slice)] = upperQuantile((slice + 0.5) / kCount);
         squares += upper[size_t(slice)] * upper[size_t(slice)];
     }
     // The slices cut off the tails; rescaled to variance 1.
-    const double scale = 1.0 / std::sqrt(squares / half);
-    std::array<float, count> table{};
-    for (int slice = 0; slice < half; ++slice) {
+    const double scale = 1.0 / std::sqrt(squares / kHalf);
+    std::array<float, kCount> table{};
+    for (int slice = 0; slice < kHalf; ++slice) {
         const float value = float(upper[size_t(slice)] * scale);
         table[size_t(slice)] = -value;
-        table[size_t(count - 1 - slice)] = value;
+        table[size_t(kCount - 1 - slice)] = value;
     }
     return table;
 }

@@ -56,7 +56,7 @@ TEST(CkSimHybridSynth, windowsHoldWhatTheyShould) {
     const double gain = 65535.0 / 60000.0;
     {
         const CkSimRaster raster(LENS, CkSimScene::wall(2.99792458));
-        ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
+        ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Plain}, picture, 0));
         EXPECT_NEAR(picture.valueAt(416, 300, 0), (312.0 + 4005.5 / 2.0) * gain, 0.6);
         EXPECT_NEAR(picture.valueAt(416, 300, 1), (312.0 + 4005.5 / 2.0) * gain, 0.6);
         EXPECT_NEAR(picture.valueAt(416, 300, 2), 312.0 * gain, 0.6);
@@ -65,7 +65,7 @@ TEST(CkSimHybridSynth, windowsHoldWhatTheyShould) {
     {
         // At 1.25 ranges (7.49481145 m): 36000 / 56.1722 = 640.9 electrons, 3/4 in X2, 1/4 in X3.
         const CkSimRaster raster(LENS, CkSimScene::wall(7.49481145));
-        ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
+        ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Plain}, picture, 0));
         EXPECT_NEAR(picture.valueAt(416, 300, 0), 312.0 * gain, 0.6);
         EXPECT_NEAR(picture.valueAt(416, 300, 1), (312.0 + 640.9 * 0.75) * gain, 0.6);
         EXPECT_NEAR(picture.valueAt(416, 300, 2), (312.0 + 640.9 * 0.25) * gain, 0.6);
@@ -93,7 +93,7 @@ TEST(CkSimHybridSynth, depthComesBackInBothHalvesOfTheRange) {
         CkSimHybridSynth synth;
         synth.setup(quiet(test.offset), test.pulseNs);
         SimPicture picture(W, H, 3, test.type, test.bits);
-        ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
+        ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Plain}, picture, 0));
         const double range = test.pulseNs * 1e-9 * 299792458.0 / 2.0;
         int checked = 0;
         for (quint32 row = 0; row < H; row += 3) {
@@ -121,7 +121,8 @@ TEST(CkSimHybridSynth, eachSectionIsTwiceAsSensitive) {
     synth.setup(quiet(), 40.0);
     SimPicture picture(W, 4 * H, 3, EkImageDataType::UInt16, 12);
     for (int section = 0; section < 4; ++section) {
-        ASSERT_TRUE(synth.writeSection(raster, 0, section, EkSection::Plain, picture, quint32(section) * H));
+        ASSERT_TRUE(
+            synth.writeSection(raster, {0, section, EkSection::Plain}, picture, quint32(section) * H));
     }
     for (quint32 row = 0; row < H; row += 11) {
         for (quint32 column = 0; column < W; column += 13) {
@@ -144,8 +145,8 @@ TEST(CkSimHybridSynth, theMostSensitiveSectionSaturatesFirst) {
     CkSimHybridSynth synth;
     synth.setup(quiet(), 40.0);
     SimPicture picture(W, 2 * H, 3, EkImageDataType::UInt16, 12);
-    ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, picture, 0));
-    ASSERT_TRUE(synth.writeSection(raster, 0, 3, EkSection::Plain, picture, H));
+    ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Plain}, picture, 0));
+    ASSERT_TRUE(synth.writeSection(raster, {0, 3, EkSection::Plain}, picture, H));
     EXPECT_LT(picture.valueAt(416, 300, 0), 3685.0);
     EXPECT_EQ(picture.valueAt(416, H + 300, 0), 4095.0);
 }
@@ -157,9 +158,9 @@ TEST(CkSimHybridSynth, referenceTakesTheDarkLevelAway) {
     SimPicture plain(W, H, 3, EkImageDataType::UInt16, 16);
     SimPicture measured(W, H, 3, EkImageDataType::UInt16, 16);
     SimPicture reference(W, H, 3, EkImageDataType::UInt16, 16);
-    ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Plain, plain, 0));
-    ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Measured, measured, 0));
-    ASSERT_TRUE(synth.writeSection(raster, 0, 0, EkSection::Reference, reference, 0));
+    ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Plain}, plain, 0));
+    ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Measured}, measured, 0));
+    ASSERT_TRUE(synth.writeSection(raster, {0, 0, EkSection::Reference}, reference, 0));
     const double gain = 65535.0 / 60000.0;
     const double ambient = 312.0 * gain;
     double darkest = 1e9;
@@ -191,15 +192,15 @@ TEST(CkSimHybridSynth, noiseDependsOnSeedSetAndSectionAlone) {
     const CkSimRaster raster(LENS, CkSimScene::room());
     CkSimHybridSynth first;
     SimPicture stacked(W, 2 * H, 3, EkImageDataType::UInt16, 12);
-    ASSERT_TRUE(first.writeSection(raster, 9, 0, EkSection::Plain, stacked, 0));
-    ASSERT_TRUE(first.writeSection(raster, 9, 1, EkSection::Plain, stacked, H));
+    ASSERT_TRUE(first.writeSection(raster, {9, 0, EkSection::Plain}, stacked, 0));
+    ASSERT_TRUE(first.writeSection(raster, {9, 1, EkSection::Plain}, stacked, H));
     CkSimHybridSynth second;
     SimPicture single(W, H, 3, EkImageDataType::UInt16, 12, 0);
-    ASSERT_TRUE(second.writeSection(raster, 9, 1, EkSection::Plain, single, 0));
+    ASSERT_TRUE(second.writeSection(raster, {9, 1, EkSection::Plain}, single, 0));
     EXPECT_TRUE(single.samePixels(stacked, H));
-    ASSERT_TRUE(second.writeSection(raster, 9, 0, EkSection::Plain, single, 0));
+    ASSERT_TRUE(second.writeSection(raster, {9, 0, EkSection::Plain}, single, 0));
     EXPECT_TRUE(single.samePixels(stacked, 0));
-    ASSERT_TRUE(second.writeSection(raster, 10, 0, EkSection::Plain, single, 0));
+    ASSERT_TRUE(second.writeSection(raster, {10, 0, EkSection::Plain}, single, 0));
     EXPECT_FALSE(single.samePixels(stacked, 0));
 }
 
@@ -207,13 +208,13 @@ TEST(CkSimHybridSynth, refusesPicturesThatDoNotFit) {
     const CkSimRaster raster(LENS, CkSimScene::wall(2.0));
     CkSimHybridSynth synth;
     SimPicture twoChannels(W, H, 2, EkImageDataType::UInt16, 12);
-    EXPECT_FALSE(synth.writeSection(raster, 0, 0, EkSection::Plain, twoChannels, 0));
+    EXPECT_FALSE(synth.writeSection(raster, {0, 0, EkSection::Plain}, twoChannels, 0));
     SimPicture wide(W, H, 3, EkImageDataType::UInt32, 16);
-    EXPECT_FALSE(synth.writeSection(raster, 0, 0, EkSection::Plain, wide, 0));
+    EXPECT_FALSE(synth.writeSection(raster, {0, 0, EkSection::Plain}, wide, 0));
     SimPicture good(W, H, 3, EkImageDataType::UInt16, 12);
-    EXPECT_FALSE(synth.writeSection(raster, 0, 0, EkSection::Plain, good, 1));
-    EXPECT_FALSE(synth.writeSection(raster, 0, -1, EkSection::Plain, good, 0));
-    EXPECT_FALSE(synth.writeSection(raster, 0, 16, EkSection::Plain, good, 0));
+    EXPECT_FALSE(synth.writeSection(raster, {0, 0, EkSection::Plain}, good, 1));
+    EXPECT_FALSE(synth.writeSection(raster, {0, -1, EkSection::Plain}, good, 0));
+    EXPECT_FALSE(synth.writeSection(raster, {0, 16, EkSection::Plain}, good, 0));
     EXPECT_TRUE(good.isUntouched(0));
     EXPECT_TRUE(good.isUntouched(H - 1));
 }
