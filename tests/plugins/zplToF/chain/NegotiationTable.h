@@ -4,6 +4,7 @@
 #include "zuCore/SkPicBuf.h"
 
 #include <QStringList>
+
 #include <vector>
 
 /// The expected format of each transform for each kind of picture.
@@ -122,6 +123,6 @@ inline CkImageMetadata sections(CkImageMetadata metadata, quint32 count, quint32
 }
 
 /// The rows of the table.
-std::vector<Picture> pictures();
+extern const std::vector<Picture> kPictures;
 
 } // namespace NegotiationTable

@@ -71,7 +71,7 @@ void expectNegotiation(const Picture& picture, int transform, const Expected& ex
 }
 
 TEST(ToFNegotiation, MatrixOfTransformsAndPictures) {
-    for (const Picture& picture : pictures()) {
+    for (const Picture& picture : kPictures) {
         for (int transform = 0; transform < 7; ++transform) {
             const Expected& expected = picture.expected[transform];
             for (bool withInput : {true, false}) {
@@ -90,7 +90,7 @@ TEST(ToFNegotiation, MatrixOfTransformsAndPictures) {
 }
 
 TEST(ToFNegotiation, TransformsOutsideTheListCopy) {
-    for (const Picture& picture : pictures()) {
+    for (const Picture& picture : kPictures) {
         for (int transform : {-1, 7, 100, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
             SCOPED_TRACE(picture.name);
             expectNegotiation(picture, transform, same(), true, true);
@@ -101,7 +101,7 @@ TEST(ToFNegotiation, TransformsOutsideTheListCopy) {
 }
 
 TEST(ToFNegotiation, OutputsMayBeTheInputs) {
-    for (const Picture& picture : pictures()) {
+    for (const Picture& picture : kPictures) {
         for (int transform = 0; transform < 7; ++transform) {
             SkPicBufInfo in = picture.format.info();
             in.layoutFlag = picture.layoutFlag;
