@@ -38,13 +38,9 @@ public:
     TestPicture(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits = 0,
                 quint32 padding = 0, size_t misalignment = 0)
         : m_front(kMargin + misalignment) {
-        m_picBuf.width = width;
-        m_picBuf.height = height;
-        m_picBuf.channels = channels;
-        m_picBuf.dataType = type;
-        m_picBuf.bitsPerChannel = bits != 0 ? bits : 8 * sampleBytes(type);
-        m_picBuf.lineSize = width * channels * sampleBytes(type) + padding;
-        m_picBuf.storageFormat = EkDataStorageFormat::Interleaved;
+        static_cast<SkPicBufInfo&>(m_picBuf) =
+            SkPicBufInfo::of(width, height, channels, type, bits != 0 ? bits : 8 * sampleBytes(type));
+        m_picBuf.lineSize += padding;
         m_bytes.assign(m_front + size_t(m_picBuf.lineSize) * height + kMargin, kGuardByte);
         m_picBuf.data = m_bytes.data() + m_front;
         for (quint32 y = 0; y < height && rowBytes() > 0; ++y) {

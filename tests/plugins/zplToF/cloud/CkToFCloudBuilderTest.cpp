@@ -10,8 +10,8 @@ using testing::FloatNear;
 INSTANTIATE_TEST_SUITE_P(Both, Normalised, testing::Bool(), loopName);
 
 TEST_P(Normalised, ZeroConfidenceKeepsEveryPhasePoint) {
-    HeapPicture depth(9, 4, 1, EkImageDataType::Float32);
-    HeapPicture confidence(9, 4, 1, EkImageDataType::Float32);
+    TestPicture depth(9, 4, 1, EkImageDataType::Float32);
+    TestPicture confidence(9, 4, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32 x, quint32) { return float(x) * 0.5F; });
     SkToFDepthPictures pictures{*depth, *confidence, EkDepthDataType::PhaseShift, 1.0F};
     ASSERT_TRUE(builder.build(pictures, testParameters()));
@@ -25,8 +25,8 @@ TEST_P(Normalised, ZeroConfidenceKeepsEveryPhasePoint) {
 }
 
 TEST_P(Normalised, ConfidenceAboveTheThresholdDropsThePoint) {
-    HeapPicture depth(4, 1, 1, EkImageDataType::Float32);
-    HeapPicture confidence(4, 1, 1, EkImageDataType::Float32);
+    TestPicture depth(4, 1, 1, EkImageDataType::Float32);
+    TestPicture confidence(4, 1, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32 x, quint32) { return 1.0F + float(x); });
     fillFloats(confidence, [](quint32 x, quint32) { return std::array{0.5F, 0.6F, 0.7F, NotANumber}[x]; });
     SkToFCloudParameters parameters = testParameters();
@@ -42,7 +42,7 @@ TEST_P(Normalised, ConfidenceAboveTheThresholdDropsThePoint) {
 }
 
 TEST_P(Normalised, DefaultSettingsGiveANormalisedCloud) {
-    HeapPicture depth(8, 4, 1, EkImageDataType::Float32);
+    TestPicture depth(8, 4, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32 x, quint32 y) { return float(x + 8 * y); });
     ASSERT_TRUE(builder.build({*depth, {}, EkDepthDataType::PhaseShift, 1.0F}, testParameters()));
     ASSERT_EQ(builder.pointCount(), 32);
@@ -64,7 +64,7 @@ TEST_P(Normalised, DefaultSettingsGiveANormalisedCloud) {
 TEST_P(Normalised, UnsupportedSampleTypesGiveNoPoints) {
     for (auto type : {EkImageDataType::Int64, EkImageDataType::UInt64, EkImageDataType::Float64,
                       EkImageDataType::Other16, EkImageDataType::Unknown, EkImageDataType(77)}) {
-        HeapPicture depth(8, 8, 1, type);
+        TestPicture depth(8, 8, 1, type);
         SkToFCloudParameters parameters = testParameters();
         parameters.layout = EkToFVertexLayout::Quads;
         ASSERT_TRUE(builder.build({*depth, {}}, parameters)) << int(type);
@@ -76,8 +76,8 @@ TEST_P(Normalised, UnsupportedSampleTypesGiveNoPoints) {
 }
 
 TEST_P(Normalised, QuadsHaveFourCornersAndSixIndices) {
-    HeapPicture depth(4, 2, 1, EkImageDataType::UInt8);
-    depth.at<quint8>(1, 0) = 255;
+    TestPicture depth(4, 2, 1, EkImageDataType::UInt8);
+    depth.set<quint8>(1, 0, 0, 255);
     SkToFCloudParameters parameters = testParameters();
     parameters.layout = EkToFVertexLayout::Quads;
     ASSERT_TRUE(builder.build({*depth, {}}, parameters));
@@ -106,7 +106,7 @@ TEST_P(Normalised, QuadsHaveFourCornersAndSixIndices) {
 }
 
 TEST_P(Normalised, BytesBehindThePointsAreZero) {
-    HeapPicture depth(7, 5, 1, EkImageDataType::Float32);
+    TestPicture depth(7, 5, 1, EkImageDataType::Float32);
     SkToFCloudParameters parameters = testParameters();
     parameters.layout = EkToFVertexLayout::Quads;
     // Fewer and more points than before, with and without shared arrays.
@@ -134,7 +134,7 @@ TEST_P(Normalised, BytesBehindThePointsAreZero) {
 }
 
 TEST_P(Normalised, AValueThatIsNoNumberIsDropped) {
-    HeapPicture depth(20, 1, 1, EkImageDataType::Float32);
+    TestPicture depth(20, 1, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32 x, quint32) {
         return x == 3 ? NotANumber : x == 9 ? Infinite : x == 19 ? -Infinite : 1.0F + float(x % 2);
     });
@@ -149,14 +149,14 @@ TEST_P(Normalised, AValueThatIsNoNumberIsDropped) {
 }
 
 TEST_P(Normalised, NoFiniteValueGivesNoPoints) {
-    HeapPicture depth(5, 3, 1, EkImageDataType::Float32);
+    TestPicture depth(5, 3, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32, quint32) { return NotANumber; });
     ASSERT_TRUE(builder.build({*depth, {}, EkDepthDataType::PhaseShift, 1.0F}, testParameters(true)));
     EXPECT_EQ(builder.pointCount(), 0);
 }
 
 TEST_P(Normalised, AConstantPictureDividesByNothing) {
-    HeapPicture depth(5, 3, 1, EkImageDataType::Float32);
+    TestPicture depth(5, 3, 1, EkImageDataType::Float32);
     fillFloats(depth, [](quint32, quint32) { return 4.0F; });
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     ASSERT_EQ(builder.pointCount(), 15);
@@ -165,8 +165,8 @@ TEST_P(Normalised, AConstantPictureDividesByNothing) {
 }
 
 TEST_P(Normalised, ZoomStretchesTheDepthAxis) {
-    HeapPicture depth(2, 1, 1, EkImageDataType::UInt8);
-    depth.at<quint8>(1, 0) = 255;
+    TestPicture depth(2, 1, 1, EkImageDataType::UInt8);
+    depth.set<quint8>(1, 0, 0, 255);
     SkToFCloudParameters parameters = testParameters();
     parameters.zZoom = 0.5F;
     ASSERT_TRUE(builder.build({*depth, {}}, parameters));
@@ -175,7 +175,7 @@ TEST_P(Normalised, ZoomStretchesTheDepthAxis) {
     EXPECT_FLOAT_EQ(vertexAt(builder, 1).z, 0.0F);
     EXPECT_FLOAT_EQ(builder.boxHalfExtents()[2], 0.6F);
 
-    HeapPicture floats(2, 1, 1, EkImageDataType::Float32);
+    TestPicture floats(2, 1, 1, EkImageDataType::Float32);
     fillFloats(floats, [](quint32 x, quint32) { return float(x); });
     ASSERT_TRUE(builder.build({*floats, {}}, parameters));
     EXPECT_FLOAT_EQ(vertexAt(builder, 0).z, 0.3F);
@@ -190,7 +190,7 @@ TEST_P(Normalised, ZoomStretchesTheDepthAxis) {
 
 TEST(CkToFCloudBuilder, RefusesWhatItCannotUseAndKeepsItsCloud) {
     CkToFCloudBuilder builder;
-    HeapPicture good(6, 4, 1, EkImageDataType::UInt8);
+    TestPicture good(6, 4, 1, EkImageDataType::UInt8);
     ASSERT_TRUE(builder.build({*good, {}}, testParameters()));
     const QByteArray vertices = builder.vertexBytes();
     const auto refused = [&](const SkToFDepthPictures& pictures, const SkToFCloudParameters& parameters) {
@@ -202,10 +202,10 @@ TEST(CkToFCloudBuilder, RefusesWhatItCannotUseAndKeepsItsCloud) {
     };
     refused({}, testParameters());
     refused({*good, {}}, SkToFCloudParameters());
-    HeapPicture twoChannels(6, 4, 2, EkImageDataType::Float32);
+    TestPicture twoChannels(6, 4, 2, EkImageDataType::Float32);
     refused({*twoChannels, {}}, testParameters());
-    HeapPicture small(5, 4, 1, EkImageDataType::Float32);
-    HeapPicture wrongType(6, 4, 1, EkImageDataType::UInt32);
+    TestPicture small(5, 4, 1, EkImageDataType::Float32);
+    TestPicture wrongType(6, 4, 1, EkImageDataType::UInt32);
     refused({*good, *small}, testParameters());
     refused({*good, *wrongType}, testParameters());
     refused({*good, *twoChannels}, testParameters());
@@ -217,7 +217,7 @@ TEST(CkToFCloudBuilder, RefusesWhatItCannotUseAndKeepsItsCloud) {
     huge.height = 1U << 20;
     huge.lineSize = 1U << 20;
     refused({huge, {}}, testParameters());
-    HeapPicture crooked(6, 4, 1, EkImageDataType::Float32, 0, 3);
+    TestPicture crooked(6, 4, 1, EkImageDataType::Float32, 0, 3);
     refused({*crooked, {}}, testParameters());
 }
 
@@ -253,7 +253,7 @@ TEST(CkToFCloudBuilder, StartsWithoutACloud) {
 
 TEST(CkToFCloudBuilder, BytesGivenAwayAreNotWrittenAgain) {
     CkToFCloudBuilder builder;
-    HeapPicture depth(16, 4, 1, EkImageDataType::UInt8);
+    TestPicture depth(16, 4, 1, EkImageDataType::UInt8);
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     const QByteArray held = builder.vertexBytes();
     const QByteArray copy(held.constData(), held.size());
@@ -265,7 +265,7 @@ TEST(CkToFCloudBuilder, BytesGivenAwayAreNotWrittenAgain) {
 
 TEST(CkToFCloudBuilder, MovesWithItsCloud) {
     CkToFCloudBuilder builder;
-    HeapPicture depth(3, 3, 1, EkImageDataType::UInt8);
+    TestPicture depth(3, 3, 1, EkImageDataType::UInt8);
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     CkToFCloudBuilder moved = std::move(builder);
     EXPECT_EQ(moved.pointCount(), 9);

@@ -24,15 +24,15 @@ protected:
     /// Colours of 16-bit samples in a picture of so many significant bits.
     std::vector<int> of(const std::vector<quint16>& samples, quint32 bits,
                         std::optional<CkLut::CkCompContrast> contrast = std::nullopt) {
-        HeapPicture picture(quint32(samples.size()), 1, 1, EkImageDataType::UInt16, bits);
+        TestPicture picture(quint32(samples.size()), 1, 1, EkImageDataType::UInt16, bits);
         for (quint32 x = 0; x < samples.size(); x++) {
-            picture.at<quint16>(x, 0) = samples[x];
+            picture.set<quint16>(x, 0, 0, samples[x]);
         }
         return coloursOf(*picture, contrast, GetParam());
     }
     std::vector<int> ofFloats(const std::vector<float>& samples,
                               std::optional<CkLut::CkCompContrast> contrast = std::nullopt) {
-        HeapPicture picture(quint32(samples.size()), 1, 1, EkImageDataType::Float32);
+        TestPicture picture(quint32(samples.size()), 1, 1, EkImageDataType::Float32);
         fillFloats(picture, [&](quint32 x, quint32) { return samples[x]; });
         return coloursOf(*picture, contrast, GetParam());
     }
@@ -71,16 +71,16 @@ TEST_P(Colour, IndicesAreClampedAsRealNumbers) {
     EXPECT_THAT(of({0, 1, 65535}, 16, {{0, 0, 0, 255, 1.0}}), ElementsAre(0, 255, 255));
     EXPECT_THAT(ofFloats({-3e38F, 0.0F, 3e38F}, {{4000000000U, 4000000001U, 0, 255, 1.0}}),
                 testing::Each(testing::AllOf(testing::Ge(0), testing::Le(255))));
-    HeapPicture wide(2, 1, 1, EkImageDataType::UInt32);
-    wide.at<quint32>(0, 0) = 4294967295U;
+    TestPicture wide(2, 1, 1, EkImageDataType::UInt32);
+    wide.set<quint32>(0, 0, 0, 4294967295U);
     EXPECT_THAT(coloursOf(*wide, {{0, 1, 0, 255, 1.0}}, GetParam()), ElementsAre(255, 0));
 }
 
 TEST_P(Colour, ValuesBelowTheWindowTakeTheFirstColour) {
     EXPECT_THAT(of({0, 500}, 12, {{1000, 2000, 0, 255, 1.0}}), ElementsAre(0, 0));
-    HeapPicture negative(2, 1, 1, EkImageDataType::Int16);
-    negative.at<qint16>(0, 0) = -5;
-    negative.at<qint16>(1, 0) = -32768;
+    TestPicture negative(2, 1, 1, EkImageDataType::Int16);
+    negative.set<qint16>(0, 0, 0, -5);
+    negative.set<qint16>(1, 0, 0, -32768);
     EXPECT_THAT(coloursOf(*negative, std::nullopt, GetParam()), ElementsAre(0, 0));
 }
 
@@ -117,13 +117,13 @@ TEST_P(Colour, AWindowWithoutWidthInAFloatPictureIsOneUnitLong) {
 
 TEST_P(Colour, ADescriptorWithoutBitsHarmsNothing) {
     for (quint32 bits : {0U, 33U, 64U, 4000000000U}) {
-        HeapPicture picture(3, 1, 1, EkImageDataType::Float32);
+        TestPicture picture(3, 1, 1, EkImageDataType::Float32);
         fillFloats(picture, [](quint32 x, quint32) { return float(x); });
         picture->bitsPerChannel = bits;
         EXPECT_THAT(coloursOf(*picture, std::nullopt, GetParam()), ElementsAre(0, 127, 255)) << bits;
     }
-    HeapPicture integer(2, 1, 1, EkImageDataType::UInt8);
-    integer.at<quint8>(1, 0) = 200;
+    TestPicture integer(2, 1, 1, EkImageDataType::UInt8);
+    integer.set<quint8>(1, 0, 0, 200);
     integer->bitsPerChannel = 0;
     EXPECT_THAT(coloursOf(*integer, std::nullopt, GetParam()), ElementsAre(0, 255));
 }
@@ -134,8 +134,8 @@ TEST(CkToFCloudColour, RedGreenAndBlueStandInTheirPlaces) {
     table[4 * 7 + 1] = 102; // green
     table[4 * 7 + 2] = 255; // red
     table[4 * 7 + 3] = 1;   // nothing
-    HeapPicture picture(1, 1, 1, EkImageDataType::UInt8);
-    picture.at<quint8>(0, 0) = 7;
+    TestPicture picture(1, 1, 1, EkImageDataType::UInt8);
+    picture.set<quint8>(0, 0, 0, 7);
     SkToFCloudParameters parameters;
     parameters.pColourTable = table.data();
     for (bool plain : {true, false}) {

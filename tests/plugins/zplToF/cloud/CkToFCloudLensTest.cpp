@@ -37,7 +37,7 @@ TEST_P(Lens, PlacesAPixelByHand) {
     parameters.opticalPath.centerOffsetMM = QPointF(0.01, -0.03);
     parameters.opticalPath.realDistanceOffsetM = 0.5F;
     parameters.zZoom = 2.0F;
-    HeapPicture picture(40, 20, 1, EkImageDataType::Float32);
+    TestPicture picture(40, 20, 1, EkImageDataType::Float32);
     fillFloats(picture, [](quint32, quint32) { return 2.0F; });
     ASSERT_TRUE(builder.build({*picture, {}, EkDepthDataType::Depth, 2.0F}, parameters));
     ASSERT_EQ(builder.pointCount(), 800);
@@ -64,7 +64,7 @@ TEST_P(Lens, OrthogonalCorrectionTurnsRaysIntoDistancesAlongTheAxis) {
     parameters.opticalPath.orthoRadialCorrection = true;
     parameters.opticalPath.lensFocalLengthMM = 4.0F;
     parameters.opticalPath.chipCellSizeMM = 1.0F;
-    HeapPicture picture(6, 2, 1, EkImageDataType::Float32);
+    TestPicture picture(6, 2, 1, EkImageDataType::Float32);
     fillFloats(picture, [](quint32, quint32) { return 1.0F; });
     ASSERT_TRUE(builder.build({*picture, {}, EkDepthDataType::Depth, 1.0F}, parameters));
     // Pixel (0, 1): chip (-3, 0), so the ray is 5 long for 4 along the axis.
@@ -120,7 +120,7 @@ TEST_P(Lens, UnusableParametersSwitchTheLensOff) {
 TEST_P(Lens, GenericPicturesAndPicturesOnePixelWideHaveNoLens) {
     ASSERT_TRUE(build(1.0F, EkDepthDataType::Generic));
     EXPECT_FALSE(builder.usedLens());
-    HeapPicture narrow(1, 7, 1, EkImageDataType::Float32);
+    TestPicture narrow(1, 7, 1, EkImageDataType::Float32);
     fillFloats(narrow, [](quint32, quint32 y) { return 1.0F + float(y); });
     ASSERT_TRUE(builder.build({*narrow, {}, EkDepthDataType::PhaseShift, 1.0F}, parameters));
     EXPECT_FALSE(builder.usedLens());

@@ -27,8 +27,8 @@ std::vector<const SkToFKernels*> vectorTargets() {
 }
 
 struct Scene {
-    HeapPicture depth;
-    HeapPicture confidence;
+    TestPicture depth;
+    TestPicture confidence;
     EkDepthDataType kind;
     float resolutionRatio = 1.0F;
     bool hasConfidence;
@@ -44,14 +44,15 @@ struct Scene {
             for (quint32 x = 0; x < width; x++) {
                 setSample(x, y, quint32(random()));
                 const float chance = unit(random);
-                confidence.at<float>(x, y) = chance < 0.1F    ? 0.0F
-                                             : chance < 0.2F  ? 3.0F * unit(random)
-                                             : chance < 0.22F ? NotANumber
-                                                              : unit(random);
+                confidence.set<float>(x, y, 0,
+                                      chance < 0.1F    ? 0.0F
+                                      : chance < 0.2F  ? 3.0F * unit(random)
+                                      : chance < 0.22F ? NotANumber
+                                                       : unit(random));
             }
         }
         if (type == EkImageDataType::Float32) {
-            depth.refreshRange();
+            refreshRange(depth);
         }
     }
 
@@ -61,30 +62,13 @@ struct Scene {
 
 private:
     void setSample(quint32 x, quint32 y, quint32 bits) {
-        const quint32 value = bits >> (32 - std::min(32U, depth->bitsPerChannel));
-        switch (depth->dataType) {
-        case EkImageDataType::Int8:
-            depth.at<qint8>(x, y) = qint8(value);
-            break;
-        case EkImageDataType::UInt8:
-            depth.at<quint8>(x, y) = quint8(value);
-            break;
-        case EkImageDataType::Int16:
-            depth.at<qint16>(x, y) = qint16(value);
-            break;
-        case EkImageDataType::UInt16:
-            depth.at<quint16>(x, y) = quint16(value);
-            break;
-        case EkImageDataType::Int32:
-            depth.at<qint32>(x, y) = qint32(value);
-            break;
-        case EkImageDataType::UInt32:
-            depth.at<quint32>(x, y) = value;
-            break;
-        default:
-            depth.at<float>(x, y) = bits % 41 == 0   ? NotANumber
-                                    : bits % 43 == 0 ? -Infinite
-                                                     : 0.25F + 6.03F * float(bits >> 8) / 16777216.0F;
+        if (depth->dataType == EkImageDataType::Float32) {
+            depth.set<float>(x, y, 0,
+                             bits % 41 == 0   ? NotANumber
+                             : bits % 43 == 0 ? -Infinite
+                                              : 0.25F + 6.03F * float(bits >> 8) / 16777216.0F);
+        } else {
+            depth.setInteger(x, y, 0, bits >> (32 - std::min(32U, depth->bitsPerChannel)));
         }
     }
 };
@@ -263,7 +247,7 @@ TEST(CloudTargets, ThisProcessorRunsVectors) {
 
 TEST(CloudTargets, WithoutVectorsThePlainLoopIsTaken) {
     const TargetScope scope(ToFKernelChoice::plain());
-    HeapPicture depth(5, 2, 1, EkImageDataType::UInt8);
+    TestPicture depth(5, 2, 1, EkImageDataType::UInt8);
     CkToFCloudBuilder builder;
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     EXPECT_STREQ(builder.lastTargetName(), "plain");
@@ -271,7 +255,7 @@ TEST(CloudTargets, WithoutVectorsThePlainLoopIsTaken) {
 }
 
 TEST(CloudTargets, CloudsAndPicturesRunOnTheSameInstructionSet) {
-    HeapPicture depth(5, 2, 1, EkImageDataType::UInt8);
+    TestPicture depth(5, 2, 1, EkImageDataType::UInt8);
     CkToFCloudBuilder builder;
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     EXPECT_STREQ(builder.lastTargetName(), ToFKernelChoice::active().sName);
@@ -281,7 +265,7 @@ TEST(CloudTargets, OnePixelAnywhereIsFound) {
     // The last pixels of a row, of a chunk and of the picture are where full vectors end.
     for (quint32 width : {1U, 13U, 257U}) {
         for (quint32 only = 0; only < 3 * width; only++) {
-            HeapPicture depth(width, 3, 1, EkImageDataType::Float32);
+            TestPicture depth(width, 3, 1, EkImageDataType::Float32);
             fillFloats(depth,
                        [&](quint32 x, quint32 y) { return y * width + x == only ? 1.0F : NotANumber; });
             for (auto layout : {EkToFVertexLayout::Points, EkToFVertexLayout::Quads}) {

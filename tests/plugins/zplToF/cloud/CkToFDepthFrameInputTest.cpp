@@ -35,7 +35,7 @@ TEST(CkToFDepthFrame, ValuesThatAreNoNumbersStayOutOfTheRange) {
 
 TEST(CkToFDepthFrame, APictureWithoutDataChangesNothing) {
     CkToFDepthFrame frame;
-    HeapPicture input(4, 4, 1, EkImageDataType::UInt8);
+    TestPicture input(4, 4, 1, EkImageDataType::UInt8);
     ASSERT_TRUE(frame.update(*input, nullptr, 640));
     const quint8* data = frame.depthPic().data;
     SkPicBuf none = *input;
@@ -47,7 +47,7 @@ TEST(CkToFDepthFrame, APictureWithoutDataChangesNothing) {
 
 TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
     CkToFDepthFrame frame;
-    HeapPicture good(4, 4, 1, EkImageDataType::UInt8);
+    TestPicture good(4, 4, 1, EkImageDataType::UInt8);
     const auto refused = [&](const SkPicBuf& picture, const CkImageMetadata* metadata, const char* what) {
         SCOPED_TRACE(what);
         ASSERT_TRUE(frame.update(*good, nullptr, 640));
@@ -57,18 +57,18 @@ TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
         EXPECT_FALSE(builder.build(frame.pictures(), testParameters()));
     };
 
-    HeapPicture taps(4, 4, 2, EkImageDataType::UInt8);
+    TestPicture taps(4, 4, 2, EkImageDataType::UInt8);
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;
     metadata.phasesCount = 5;
     refused(*taps, &metadata, "more phases than rows");
     metadata.phasesCount = std::numeric_limits<qint32>::max();
     refused(*taps, &metadata, "phases without end");
-    HeapPicture strange(4, 4, 2, EkImageDataType::Other16);
+    TestPicture strange(4, 4, 2, EkImageDataType::Other16);
     metadata.phasesCount = 4;
     refused(*strange, &metadata, "two taps of a type that nothing processes");
 
-    HeapPicture differences(4, 4, 1, EkImageDataType::Int16);
+    TestPicture differences(4, 4, 1, EkImageDataType::Int16);
     metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
     metadata.phasesCount = 8;
     refused(*differences, &metadata, "more differences than rows");
@@ -83,7 +83,7 @@ TEST(CkToFDepthFrame, RefusesBadInputAndGoesOn) {
 
 TEST(CkToFDepthFrame, APhaseCountThatNothingComputesGivesZeros) {
     CkToFDepthFrame frame;
-    HeapPicture taps(4, 6, 2, EkImageDataType::UInt8);
+    TestPicture taps(4, 6, 2, EkImageDataType::UInt8);
     std::memset(taps->data, 0x5a, size_t(taps->lineSize) * 6);
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits8;

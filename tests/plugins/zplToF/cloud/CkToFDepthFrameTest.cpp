@@ -229,7 +229,7 @@ TEST(CkToFDepthFrame, SharedPicturesOutliveUpdatesAndTheFrame) {
     SkPicBuf shared;
     {
         CkToFDepthFrame frame;
-        HeapPicture input(4, 2, 2, EkImageDataType::Float32);
+        TestPicture input(4, 2, 2, EkImageDataType::Float32);
         fillTwoChannels(*input);
         ASSERT_TRUE(frame.update(*input, nullptr, 640));
         ASSERT_TRUE(CkPicBufAPI::SharePicBuf(frame.depthPic(), shared));
@@ -246,10 +246,10 @@ TEST(CkToFDepthFrame, SharedPicturesOutliveUpdatesAndTheFrame) {
 
 TEST(CkToFDepthFrame, ManyHoldersDoNotStopIt) {
     CkToFDepthFrame frame;
-    HeapPicture input(4, 2, 2, EkImageDataType::Float32);
+    TestPicture input(4, 2, 2, EkImageDataType::Float32);
     std::array<SkPicBuf, 6> held;
     for (size_t i = 0; i < held.size(); i++) {
-        input.at<float>(0, 0) = float(i);
+        input.set<float>(0, 0, 0, float(i));
         ASSERT_TRUE(frame.update(*input, nullptr, 640));
         ASSERT_TRUE(CkPicBufAPI::SharePicBuf(frame.depthPic(), held[i]));
     }
@@ -261,7 +261,7 @@ TEST(CkToFDepthFrame, ManyHoldersDoNotStopIt) {
 
 TEST(CkToFDepthFrame, MovesWithItsPictures) {
     CkToFDepthFrame frame;
-    HeapPicture input(4, 2, 2, EkImageDataType::Float32);
+    TestPicture input(4, 2, 2, EkImageDataType::Float32);
     fillTwoChannels(*input);
     ASSERT_TRUE(frame.update(*input, nullptr, 640));
     CkToFDepthFrame moved = std::move(frame);
@@ -277,7 +277,7 @@ TEST(CkToFDepthFrame, MovesWithItsPictures) {
 }
 
 TEST(CkToFDepthFrame, AgreesWithTheProcessingFunctions) {
-    HeapPicture input(33, 20, 2, EkImageDataType::UInt16, 12);
+    TestPicture input(33, 20, 2, EkImageDataType::UInt16, 12);
     for (quint32 y = 0; y < 20; y++) {
         for (quint32 x = 0; x < 66; x++) {
             reinterpret_cast<quint16*>(input->row(y))[x] =
@@ -287,7 +287,7 @@ TEST(CkToFDepthFrame, AgreesWithTheProcessingFunctions) {
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
-    HeapPicture expected(33, 5, 2, EkImageDataType::Float32);
+    TestPicture expected(33, 5, 2, EkImageDataType::Float32);
     ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*input, *expected, 4));
     CkToFDepthFrame frame;
     ASSERT_TRUE(frame.update(*input, &metadata, 640));

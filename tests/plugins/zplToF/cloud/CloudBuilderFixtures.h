@@ -24,7 +24,7 @@ protected:
         return builder.build({*depth, {}, kind, 1.0F}, parameters);
     }
 
-    HeapPicture depth{2, 1, 1, EkImageDataType::Float32};
+    TestPicture depth{2, 1, 1, EkImageDataType::Float32};
     SkToFCloudParameters parameters;
     CkToFCloudBuilder builder;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugins/zplToF/cloud/CkToFCloudBuilder.h"
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <array>
@@ -9,46 +10,19 @@
 #include <functional>
 #include <limits>
 
-/// A picture on the heap, freed at the end of its scope.
-class HeapPicture {
-public:
-    HeapPicture() = default;
-    HeapPicture(quint32 width, quint32 height, quint32 channels, EkImageDataType type, quint32 bits = 0,
-                quint32 extraBytesPerRow = 0) {
-        const quint32 packed = width * channels * sampleBytes(type);
-        CkPicBufAPI::AllocPicBufFromHeap(m_picBuf, width, height, channels, type, 0,
-                                         packed + extraBytesPerRow, bits != 0 ? bits : 8 * sampleBytes(type),
-                                         EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
-                                         false, 0);
-    }
-    ~HeapPicture() { CkPicBufAPI::FreePicBuf(m_picBuf); }
-    HeapPicture(const HeapPicture&) = delete;
-    HeapPicture& operator=(const HeapPicture&) = delete;
-
-    SkPicBuf& operator*() { return m_picBuf; }
-    SkPicBuf* operator->() { return &m_picBuf; }
-
-    template <typename T>
-    T& at(quint32 x, quint32 y, quint32 channel = 0) {
-        return reinterpret_cast<T*>(m_picBuf.row(y))[x * m_picBuf.channels + channel];
-    }
-
-    void refreshRange() {
-        CkPicBufAPI::CalcFloatDataMinMax(m_picBuf, m_picBuf.minValue, m_picBuf.maxValue, false);
-    }
-
-private:
-    SkPicBuf m_picBuf;
-};
+/// Value range of a float picture, as a source of pictures states it.
+inline void refreshRange(TestPicture& picture) {
+    CkPicBufAPI::CalcFloatDataMinMax(*picture, picture->minValue, picture->maxValue, false);
+}
 
 /// A float picture with one value per pixel.
-inline void fillFloats(HeapPicture& picture, const std::function<float(quint32 x, quint32 y)>& value) {
+inline void fillFloats(TestPicture& picture, const std::function<float(quint32 x, quint32 y)>& value) {
     for (quint32 y = 0; y < picture->height; y++) {
         for (quint32 x = 0; x < picture->width; x++) {
-            picture.at<float>(x, y) = value(x, y);
+            picture.set<float>(x, y, 0, value(x, y));
         }
     }
-    picture.refreshRange();
+    refreshRange(picture);
 }
 
 inline const float NotANumber = std::numeric_limits<float>::quiet_NaN();

@@ -46,7 +46,7 @@ TEST(ToFBoundingBoxTables, ZeroHalfExtentsGiveADegenerateBox) {
 }
 
 TEST(ToFBoundingBoxTables, TheBoxOfA640x480PictureIsTwoWideAndOneAndAHalfHigh) {
-    HeapPicture depth(640, 480, 1, EkImageDataType::UInt8);
+    TestPicture depth(640, 480, 1, EkImageDataType::UInt8);
     CkToFCloudBuilder builder;
     ASSERT_TRUE(builder.build({*depth, {}}, testParameters()));
     const auto [a, b, c] = builder.boxHalfExtents();

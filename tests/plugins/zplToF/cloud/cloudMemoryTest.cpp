@@ -67,12 +67,12 @@ TEST(HeapWatch, SeesWhatItIsThereToSee) {
 }
 
 TEST(CloudMemory, PhasePicturesAllocateNothingLargeOnceSizesHaveSettled) {
-    HeapPicture input(640, 480, 2, EkImageDataType::Float32);
+    TestPicture input(640, 480, 2, EkImageDataType::Float32);
     std::mt19937 random(1);
     for (quint32 y = 0; y < 480; y++) {
         for (quint32 x = 0; x < 640; x++) {
-            input.at<float>(x, y, 0) = float(random() % 6000) / 1000.0F;
-            input.at<float>(x, y, 1) = float(random() % 1000) / 1000.0F;
+            input.set<float>(x, y, 0, float(random() % 6000) / 1000.0F);
+            input.set<float>(x, y, 1, float(random() % 1000) / 1000.0F);
         }
     }
     CkImageMetadata metadata;
@@ -85,7 +85,7 @@ TEST(CloudMemory, PhasePicturesAllocateNothingLargeOnceSizesHaveSettled) {
 }
 
 TEST(CloudMemory, RawAndGenericPicturesAllocateNothingLargeEither) {
-    HeapPicture taps(320, 480, 2, EkImageDataType::UInt16, 12);
+    TestPicture taps(320, 480, 2, EkImageDataType::UInt16, 12);
     for (quint32 y = 0; y < 480; y++) {
         for (quint32 x = 0; x < 640; x++) {
             reinterpret_cast<quint16*>(taps->row(y))[x] = quint16((x * 31 + y * 17) % 4096);
@@ -95,7 +95,7 @@ TEST(CloudMemory, RawAndGenericPicturesAllocateNothingLargeEither) {
     metadata.tofFormatCode = ToFFormatCode::kRawX2Bits12;
     metadata.phasesCount = 4;
     EXPECT_LE(largestAllocation(*taps, metadata, EkToFVertexLayout::Points, false), Small);
-    HeapPicture grey(600, 300, 1, EkImageDataType::UInt8);
+    TestPicture grey(600, 300, 1, EkImageDataType::UInt8);
     EXPECT_LE(largestAllocation(*grey, CkImageMetadata(), EkToFVertexLayout::Points, false), Small);
 }
 
@@ -123,9 +123,9 @@ TEST(CloudMemory, FramesOfChangingSizeDoNotPileUp) {
     CkToFDepthFrame frame;
     CkToFCloudBuilder builder;
     SkToFCloudParameters parameters = testParameters();
-    HeapPicture large(400, 300, 1, EkImageDataType::UInt8);
-    HeapPicture small(40, 30, 1, EkImageDataType::UInt8);
-    const auto step = [&](HeapPicture& picture, EkToFVertexLayout layout) {
+    TestPicture large(400, 300, 1, EkImageDataType::UInt8);
+    TestPicture small(40, 30, 1, EkImageDataType::UInt8);
+    const auto step = [&](TestPicture& picture, EkToFVertexLayout layout) {
         parameters.layout = layout;
         ASSERT_TRUE(frame.update(*picture, nullptr, 640));
         ASSERT_TRUE(builder.build(frame.pictures(), parameters));

@@ -141,12 +141,12 @@ INSTANTIATE_TEST_SUITE_P(Readers, PlyInterop, testing::ValuesIn(kReaders),
                          [](const auto& reader) { return std::string(reader.param.name); });
 
 TEST_P(PlyInterop, ACloudInMillimetresIsReadBackPointByPoint) {
-    HeapPicture input(640, 480, 2, EkImageDataType::Float32);
+    TestPicture input(640, 480, 2, EkImageDataType::Float32);
     for (quint32 y = 0; y < 480; y++) {
         for (quint32 x = 0; x < 640; x++) {
-            input.at<float>(x, y, 0) = 3.0F + std::sin(float(x) / 40.0F) * std::cos(float(y) / 30.0F);
+            input.set<float>(x, y, 0, 3.0F + std::sin(float(x) / 40.0F) * std::cos(float(y) / 30.0F));
             // Every seventh column is dropped: no placeholders may come back for them.
-            input.at<float>(x, y, 1) = x % 7 == 3 ? 99.0F : 0.1F;
+            input.set<float>(x, y, 1, x % 7 == 3 ? 99.0F : 0.1F);
         }
     }
     CkImageMetadata metadata;

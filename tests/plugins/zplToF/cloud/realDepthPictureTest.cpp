@@ -27,13 +27,13 @@ TEST(RealDepthPicture, GivesTheCloudOfAnotherLibrary) {
     ASSERT_EQ(cloud.size(), qsizetype(Width / Step * (Height / Step) * 12));
 
     // Metres, and confidence 0 where the camera measured nothing: those pixels are dropped.
-    HeapPicture input(Width, Height, 2, EkImageDataType::Float32);
+    TestPicture input(Width, Height, 2, EkImageDataType::Float32);
     for (quint32 v = 0; v < Height; v++) {
         for (quint32 u = 0; u < Width; u++) {
             quint16 depth = 0;
             std::memcpy(&depth, millimetres.constData() + 2 * (v * Width + u), sizeof depth);
-            input.at<float>(u, v, 0) = float(depth) / 1000.0F;
-            input.at<float>(u, v, 1) = depth == 0 ? 0.0F : 0.5F;
+            input.set<float>(u, v, 0, float(depth) / 1000.0F);
+            input.set<float>(u, v, 1, depth == 0 ? 0.0F : 0.5F);
         }
     }
     CkImageMetadata metadata;
