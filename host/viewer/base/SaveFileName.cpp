@@ -88,22 +88,21 @@ bool isSameEnding(const QString& sEnding, const QString& sOther) {
     return usual(sEnding) == usual(sOther);
 }
 
-QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& sStart,
-                        const QList<SkSaveForm>& forms, int& iForm, EkSaveEndings endings,
-                        const QString& sObjectName) {
+QString askSaveFileName(QWidget* pParent, const SkSaveRequest& request, int& iForm) {
+    const QList<SkSaveForm>& forms = request.forms;
     iForm = 0;
     QStringList filters;
     for (const SkSaveForm& form : forms) {
         filters.append(form.filter);
     }
     // Destroyed with its parent, which goes with an unplugged camera.
-    const QPointer<QFileDialog> dialog(new QFileDialog(pParent, sTitle, sStart));
-    dialog->setObjectName(sObjectName);
+    const QPointer<QFileDialog> dialog(new QFileDialog(pParent, request.title, request.start));
+    dialog->setObjectName(request.objectName);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters(filters);
     dialog->setDefaultSuffix(forms.first().suffix);
-    if (!sStart.isEmpty() && !QFileInfo(sStart).isDir()) {
-        dialog->selectFile(QFileInfo(sStart).fileName());
+    if (!request.start.isEmpty() && !QFileInfo(request.start).isDir()) {
+        dialog->selectFile(QFileInfo(request.start).fileName());
     }
     QObject::connect(
         dialog, &QFileDialog::filterSelected, dialog, [&filters, &forms, dialog](const QString& sFilter) {
@@ -113,8 +112,8 @@ QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& 
     while (dialog->exec() == QDialog::Accepted && dialog) {
         name = dialog->selectedFiles().value(0);
         iForm = int(std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter())));
-        if (endings == EkSaveEndings::Any || name.isEmpty() ||
-            settle(dialog, sTitle, forms, name, iForm) == EkVerdict::Good) {
+        if (request.endings == EkSaveEndings::Any || name.isEmpty() ||
+            settle(dialog, request.title, forms, name, iForm) == EkVerdict::Good) {
             break;
         }
         if (!dialog) {

@@ -19,6 +19,15 @@ enum class EkSaveEndings {
     Ours ///< refused, because the content would not match the ending
 };
 
+/// What a save dialog offers.
+struct SkSaveRequest {
+    QString title; ///< of the dialog
+    QString start; ///< the folder to begin in, or a proposed file; empty: the current folder
+    QList<SkSaveForm> forms;
+    EkSaveEndings endings = EkSaveEndings::Any;
+    QString objectName = QStringLiteral("saveDialog"); ///< of the dialog
+};
+
 /// The ending of a file name, lower case and without its dot; empty when what follows the last dot is part of
 /// a number or a date, as in "room 1.5".
 QString fileEnding(const QString& sFileName);
@@ -26,12 +35,9 @@ QString fileEnding(const QString& sFileName);
 /// Whether two endings mean the same kind of file, as "jpeg" and "jpg" do.
 bool isSameEnding(const QString& sEnding, const QString& sOther);
 
-/// Asks for the file to save to and for its format; iForm is the index of the chosen one. sStart is a folder,
-/// or a proposed file. A name typed without an ending gets that of the format, before the dialog asks whether
-/// an existing file is to be replaced. With EkSaveEndings::Ours a typed ending decides the format; an unknown
-/// one is refused with a list of the known ones, and the dialog opens again. Empty when the user cancels, or
-/// when the parent is destroyed while the dialog is open.
-QString askSaveFileName(QWidget* pParent, const QString& sTitle, const QString& sStart,
-                        const QList<SkSaveForm>& forms, int& iForm,
-                        EkSaveEndings endings = EkSaveEndings::Any,
-                        const QString& sObjectName = QStringLiteral("saveDialog"));
+/// Asks for the file to save to and for its format; iForm is the index of the chosen one. A name typed
+/// without an ending gets that of the format, before the dialog asks whether an existing file is to be
+/// replaced. With EkSaveEndings::Ours a typed ending decides the format; an unknown one is refused with a
+/// list of the known ones, and the dialog opens again. Empty when the user cancels, or when the parent is
+/// destroyed while the dialog is open.
+QString askSaveFileName(QWidget* pParent, const SkSaveRequest& request, int& iForm);

@@ -138,9 +138,13 @@ void CkPictureSnapshot::saveWithDialog(QWidget* pParent) const {
     // The camera may be unplugged, and the view with it, while the dialog is open.
     const QPointer<QWidget> parent(pParent);
     int chosen = 0;
-    const QString name = askSaveFileName(pParent, tr("Save Picture"),
-                                         delegate != nullptr ? delegate->lastDirectory() : QString(), files,
-                                         chosen, EkSaveEndings::Ours);
+    const QString name =
+        askSaveFileName(pParent,
+                        {.title = tr("Save Picture"),
+                         .start = delegate != nullptr ? delegate->lastDirectory() : QString(),
+                         .forms = files,
+                         .endings = EkSaveEndings::Ours},
+                        chosen);
     if (!parent || name.isEmpty()) {
         return;
     }

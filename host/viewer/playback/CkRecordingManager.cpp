@@ -186,9 +186,13 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
     const QString packed = tr("Recordings, compressed without loss, slower (*.tif)");
     const QString ending = QStringLiteral("tif");
     int form = 0;
-    const QString fileName =
-        askSaveFileName(m_pWindow, tr("Record"), proposed, {{plain, ending}, {packed, ending}}, form,
-                        EkSaveEndings::Ours, QStringLiteral("recordDialog"));
+    const QString fileName = askSaveFileName(m_pWindow,
+                                             {.title = tr("Record"),
+                                              .start = proposed,
+                                              .forms = {{plain, ending}, {packed, ending}},
+                                              .endings = EkSaveEndings::Ours,
+                                              .objectName = QStringLiteral("recordDialog")},
+                                             form);
     if (fileName.isEmpty()) {
         return;
     }

@@ -3,6 +3,7 @@
 #include "host/recording/CkVideoSource.h"
 #include "host/viewer/area/CkViewArea.h"
 #include "host/viewer/base/ChainFile.h"
+#include "host/viewer/base/ProgressDialogDelay.h"
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/picture/CkImageView.h"
 #include "host/viewer/picture/ViewAppearance.h"
@@ -28,7 +29,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 300ms; // before a progress dialog opens
 constexpr int kPollMs = 30;
 constexpr int kProgressSteps = 1000;
 
@@ -44,7 +44,7 @@ bool openWithProgress(CkVideoSource& source, const QString& fileName, QWidget* w
         return !cancel;
     };
     auto result = std::async(std::launch::async, [&] { return source.openFile(fileName, &error, progress); });
-    if (result.wait_for(kPatience) != std::future_status::ready) {
+    if (result.wait_for(kProgressDialogDelay) != std::future_status::ready) {
         QProgressDialog dialog(CkRecordingOpener::tr("Opening \"%1\"...").arg(fileName),
                                CkRecordingOpener::tr("Cancel"), 0, kProgressSteps, window);
         dialog.setObjectName(QStringLiteral("openingRecording"));

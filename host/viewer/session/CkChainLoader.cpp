@@ -2,10 +2,10 @@
 
 #include "host/recording/CkOpenProgressScope.h"
 #include "host/viewer/base/ChainFile.h"
+#include "host/viewer/base/ProgressDialogDelay.h"
 
 namespace {
 
-constexpr qint64 kPatienceMs = 300; // before the dialog opens
 constexpr qint64 kRefreshMs = 50;
 
 } // namespace
@@ -39,7 +39,7 @@ bool CkChainLoader::framesFound(qint64 iFrames) {
 
 bool CkChainLoader::report(const QString& sText) {
     if (m_dialog == nullptr) {
-        if (m_sinceStart.elapsed() < kPatienceMs) {
+        if (m_sinceStart.elapsed() < kProgressDialogDelay.count()) {
             return true;
         }
         m_dialog = std::make_unique<QProgressDialog>(m_pWindow);

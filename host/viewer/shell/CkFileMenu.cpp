@@ -105,10 +105,13 @@ void CkFileMenu::saveChainWithDialog() {
         return;
     }
     int form = 0;
-    const QString name = askSaveFileName(m_window, tr("Save Chain"), lastDirectory(),
-                                         {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
-                                          {tr("All files (*)"), QStringLiteral("zuchain")}},
-                                         form);
+    const QString name =
+        askSaveFileName(m_window,
+                        {.title = tr("Save Chain"),
+                         .start = lastDirectory(),
+                         .forms = {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
+                                   {tr("All files (*)"), QStringLiteral("zuchain")}}},
+                        form);
     if (name.isEmpty()) {
         return;
     }

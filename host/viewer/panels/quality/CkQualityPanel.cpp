@@ -290,8 +290,11 @@ void CkQualityPanel::saveWithDialog() {
     int form = 0;
     const QPointer<CkQualityPanel> self(this);
     const QString name =
-        askSaveFileName(this, tr("Save Values"), folder,
-                        {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}, form);
+        askSaveFileName(this,
+                        {.title = tr("Save Values"),
+                         .start = folder,
+                         .forms = {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}},
+                        form);
     if (!self || name.isEmpty()) {
         return;
     }

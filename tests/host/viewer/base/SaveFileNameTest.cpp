@@ -26,7 +26,14 @@ protected:
         QMetaObject::invokeMethod(dialog, "accept");
     }
     QString path(const char* name) const { return QDir(m_folder.path()).filePath(QLatin1String(name)); }
-    QString ask() { return askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm); }
+    QString ask(EkSaveEndings endings = EkSaveEndings::Any, QWidget* pParent = nullptr) {
+        return ask(kForms, endings, pParent);
+    }
+    QString ask(const QList<SkSaveForm>& forms, EkSaveEndings endings, QWidget* pParent = nullptr) {
+        return askSaveFileName(
+            pParent, {.title = "Save", .start = m_folder.path(), .forms = forms, .endings = endings},
+            m_iForm);
+    }
 
     QTemporaryDir m_folder;
     ModalDriver m_driver;
@@ -80,8 +87,7 @@ TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
             }
             typeAndAccept(dialog, name);
         });
-        EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), forms, m_iForm, EkSaveEndings::Ours),
-                  path(qPrintable(name)));
+        EXPECT_EQ(ask(forms, EkSaveEndings::Ours), path(qPrintable(name)));
         return m_iForm;
     };
     EXPECT_EQ(form("a.jpg", 0), 1);
@@ -107,8 +113,7 @@ TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
         }
     });
     again.start(20);
-    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
-              path("four.png"));
+    EXPECT_EQ(ask(EkSaveEndings::Ours), path("four.png"));
     again.stop();
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_EQ(m_driver.boxes[0].text.toStdString(),
@@ -127,14 +132,12 @@ TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.4"); });
-    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
-              path("room 1.4.png"));
+    EXPECT_EQ(ask(EkSaveEndings::Ours), path("room 1.4.png"));
     EXPECT_TRUE(m_driver.boxes.isEmpty());
     // An existing file is not replaced without confirmation.
     m_driver.onBox = [](QMessageBox* box) { box->button(QMessageBox::Yes)->click(); };
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.5"); });
-    EXPECT_EQ(askSaveFileName(nullptr, "Save", m_folder.path(), kForms, m_iForm, EkSaveEndings::Ours),
-              path("room 1.5.png"));
+    EXPECT_EQ(ask(EkSaveEndings::Ours), path("room 1.5.png"));
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_TRUE(m_driver.boxes[0].text.startsWith("room 1.5.png already exists"));
 }
@@ -142,7 +145,7 @@ TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
 TEST_F(SaveFileName, NothingIsSavedWhenTheParentGoesMeanwhile) {
     auto parent = std::make_unique<QWidget>();
     m_driver.expectWindow([&parent](QWidget*) { parent.reset(); });
-    EXPECT_EQ(askSaveFileName(parent.get(), "Save", m_folder.path(), kForms, m_iForm), QString());
+    EXPECT_EQ(ask(EkSaveEndings::Any, parent.get()), QString());
 }
 
 } // namespace
