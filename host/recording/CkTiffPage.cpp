@@ -48,7 +48,7 @@ EkImageDataType sampleType(quint16 bits, quint16 format) {
 }
 
 QString tooLarge(const SkPicBufInfo& info) {
-    return Texts::tr("The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.")
+    return Texts::tr("The page declares %1 x %2 pixels, more than fit into this file or into 1 GiB.")
         .arg(info.width)
         .arg(info.height);
 }
@@ -136,12 +136,7 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
     TIFFGetFieldDefaulted(tif, TIFFTAG_SAMPLEFORMAT, &format);
     TIFFGetField(tif, TIFFTAG_PHOTOMETRIC, &photometric);
     SkPicBufInfo& info = description.info;
-    info.width = width;
-    info.height = height;
-    info.channels = samples;
-    info.dataType = sampleType(bits, format);
-    info.bitsPerChannel = bits;
-    info.storageFormat = EkDataStorageFormat::Interleaved;
+    info = SkPicBufInfo::of(width, height, samples, sampleType(bits, format), bits);
     if (width == 0 || height == 0) {
         sReason = Texts::tr("The page has no pixels.");
         return false;
@@ -158,7 +153,6 @@ bool CkTiffPage::checkFormat(SkFrameDescription& description, QString& sReason) 
         sReason = tooLarge(info);
         return false;
     }
-    info.lineSize = quint32(row);
     return checkSize(info, sReason);
 }
 
@@ -166,7 +160,7 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
     TIFF* const tif = m_client->tif();
     const SkTiffParts parts = SkTiffParts::of(tif, info);
     if (parts.count == 0 || parts.count > SkReadLimits::kMaximumParts) {
-        sReason = Texts::tr("The page is said to be cut into %1 strips or tiles; 1 to %2 are read.")
+        sReason = Texts::tr("The page declares %1 strips or tiles; 1 to %2 are read.")
                       .arg(parts.count)
                       .arg(SkReadLimits::kMaximumParts);
         return false;
@@ -185,21 +179,19 @@ bool CkTiffPage::checkSize(const SkPicBufInfo& info, QString& sReason) {
     m_limit =
         std::min(m_limits.unpackedBytes, SkReadLimits::kSmallPictureBytes + stored * m_limits.expansion);
     if (unpacked > m_limit) {
-        sReason =
-            Texts::tr("The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages "
-                      "are read up to %4 MiB and up to %5 times their compressed bytes.")
-                .arg(info.width)
-                .arg(info.height)
-                .arg(stored)
-                .arg(m_limits.unpackedBytes >> 20U)
-                .arg(m_limits.expansion);
+        sReason = Texts::tr("The page declares %1 x %2 pixels in %3 compressed bytes; compressed pages "
+                            "are read up to %4 MiB and up to %5 times their compressed bytes.")
+                      .arg(info.width)
+                      .arg(info.height)
+                      .arg(stored)
+                      .arg(m_limits.unpackedBytes >> 20U)
+                      .arg(m_limits.expansion);
         return false;
     }
     // libtiff loads the compressed bytes of a strip before it decompresses them. No compression method
     // doubles the size.
     if (parts.largestStored(tif, fileBytes) > SkReadLimits::kSmallPictureBytes + 2 * parts.partBytes(info)) {
-        sReason =
-            Texts::tr("A strip or tile of the page is said to have more compressed bytes than samples.");
+        sReason = Texts::tr("A strip or tile of the page declares more compressed bytes than samples.");
         return false;
     }
     return true;

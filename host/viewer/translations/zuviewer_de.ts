@@ -2172,8 +2172,8 @@ aufgenommen in %2</translation>
         <translation>Die Seite hat keine Pixel.</translation>
     </message>
     <message>
-        <source>The page is said to have %1 x %2 pixels, more than fit into this file or into 1 GiB.</source>
-        <translation>Die Seite soll %1 x %2 Pixel haben, mehr als in diese Datei oder in 1 GiB passen.</translation>
+        <source>The page declares %1 x %2 pixels, more than fit into this file or into 1 GiB.</source>
+        <translation>Die Seite gibt %1 x %2 Pixel an, mehr als in diese Datei oder in 1 GiB passen.</translation>
     </message>
     <message>
         <source>The samples cannot be read.</source>
@@ -2196,16 +2196,16 @@ aufgenommen in %2</translation>
         <translation>Der Text der Seite ist länger als %1 MiB.</translation>
     </message>
     <message>
-        <source>The page is said to be cut into %1 strips or tiles; 1 to %2 are read.</source>
-        <translation>Die Seite soll aus %1 Streifen oder Kacheln bestehen; gelesen werden 1 bis %2.</translation>
+        <source>The page declares %1 strips or tiles; 1 to %2 are read.</source>
+        <translation>Die Seite gibt %1 Streifen oder Kacheln an; gelesen werden 1 bis %2.</translation>
     </message>
     <message>
-        <source>The page is said to have %1 x %2 pixels in %3 compressed bytes; compressed pages are read up to %4 MiB and up to %5 times their compressed bytes.</source>
-        <translation>Die Seite soll %1 x %2 Pixel in %3 komprimierten Bytes haben; komprimierte Seiten werden bis %4 MiB und bis zum %5-Fachen ihrer komprimierten Bytes gelesen.</translation>
+        <source>The page declares %1 x %2 pixels in %3 compressed bytes; compressed pages are read up to %4 MiB and up to %5 times their compressed bytes.</source>
+        <translation>Die Seite gibt %1 x %2 Pixel in %3 komprimierten Bytes an; komprimierte Seiten werden bis %4 MiB und bis zum %5-Fachen ihrer komprimierten Bytes gelesen.</translation>
     </message>
     <message>
-        <source>A strip or tile of the page is said to have more compressed bytes than samples.</source>
-        <translation>Ein Streifen oder eine Kachel der Seite soll mehr komprimierte Bytes als Werte haben.</translation>
+        <source>A strip or tile of the page declares more compressed bytes than samples.</source>
+        <translation>Ein Streifen oder eine Kachel der Seite gibt mehr komprimierte Bytes als Werte an.</translation>
     </message>
 </context>
 <context>
