@@ -11,7 +11,7 @@ packages_headless=(xvfb xauth)
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev weston xdotool binutils file desktop-file-utils)
 # For packages, the SDK reference and the pictures of the guide; neither run nor test needs them.
 packages_release=(dpkg-dev fakeroot debootstrap doxygen xdotool imagemagick librsvg2-bin)
-packages_ci=(clang clang-format clang-tidy libclang-rt-14-dev doxygen)
+packages_ci=(clang clang-format clang-tidy libclang-rt-14-dev doxygen python3)
 
 say() { printf '%s\n' "$*"; }
 fail() { printf '%s\n' "$*" >&2; exit 1; }
