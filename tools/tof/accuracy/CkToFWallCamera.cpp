@@ -88,7 +88,9 @@ QString CkToFWallCamera::expose(qint64 iFrame, CkImageData& raw) {
 bool CkToFWallCamera::exposePart(quint32 uiPart, quint64 uiSet, CkImageData& raw) {
     const int angleOrSection = m_image.parts[uiPart];
     const quint32 row = uiPart * m_uiHeight;
-    return m_bHybrid ? m_hybrid.writeSection(m_raster, uiSet, angleOrSection,
-                                             CkSimHybridSynth::EkSection::Plain, raw.picBuf(), row)
-                     : m_wave.writePhase(m_raster, uiSet, angleOrSection, raw.picBuf(), row);
+    if (m_bHybrid) {
+        const CkSimHybridSynth::SkSection section{.set = uiSet, .index = angleOrSection};
+        return m_hybrid.writeSection(m_raster, section, raw.picBuf(), row);
+    }
+    return m_wave.writePhase(m_raster, uiSet, angleOrSection, raw.picBuf(), row);
 }
