@@ -47,7 +47,6 @@ function(zu_room TARGET)
   set(links "${PROJECT_BINARY_DIR}/rooms/${TARGET}")
   file(RELATIVE_PATH room "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
   file(GLOB headers CONFIGURE_DEPENDS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" *.h)
-  file(REMOVE_RECURSE "${links}")
   foreach(file ${headers} ${ARG_ALSO})
     get_filename_component(folder "${links}/${room}/${file}" DIRECTORY)
     file(MAKE_DIRECTORY "${folder}")
@@ -62,6 +61,9 @@ function(zu_room TARGET)
   endif()
   target_include_directories(${TARGET} ${scope} $<BUILD_INTERFACE:${links}>)
 endfunction()
+
+# Links of rooms that are gone would still be found.
+file(REMOVE_RECURSE "${PROJECT_BINARY_DIR}/rooms")
 
 # What tests, benchmarks and fuzz targets share among themselves: below these folders everybody sees everything.
 foreach(folder tests bench fuzz)
