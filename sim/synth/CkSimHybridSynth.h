@@ -46,8 +46,8 @@ public:
     void setup(const SkSimExposure& exposure, double pulseNs);
 
     /// Exposes a section and writes it as a sub-image that starts at a row. The target has three channels
-    /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. False, with nothing written,
-    /// for any other target, without room, or for an index outside 0 to 15.
+    /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. False, with nothing
+    /// written, for any other target, without room, or for an index outside 0 to 15.
     bool writeSection(const CkSimRaster& raster, const SkSection& section, SkPicBuf& target,
                       quint32 firstRow);
 

@@ -12,7 +12,9 @@ public:
     /// Takes ownership of the picture's reference: no alias of it may be freed any more.
     explicit CkPicture(const SkPicBuf& picBuf) : m_picBuf(picBuf) {}
     ~CkPicture() { reset(); }
+    /// Takes the reference over; other is empty afterwards.
     CkPicture(CkPicture&& other) noexcept : m_picBuf(other.take()) {}
+    /// Gives back the picture held and takes the reference over; other is empty afterwards.
     CkPicture& operator=(CkPicture&& other) noexcept {
         if (this != &other) {
             reset();
