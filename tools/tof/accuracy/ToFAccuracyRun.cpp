@@ -4,10 +4,10 @@
 #include "plugins/zplToF/cloud/SkToFCloudScales.h"
 #include "plugins/zplToF/transform/EkTransformType.h"
 #include "sim/synth/SimRow.h"
-#include "tools/tof/base/CkToFPipeline.h"
 #include "tools/tof/accuracy/CkToFErrorStatistics.h"
 #include "tools/tof/accuracy/CkToFWallCamera.h"
 #include "tools/tof/accuracy/ToFNoiseLimit.h"
+#include "tools/tof/base/CkToFPipeline.h"
 #include "zuCore/CkImageData.h"
 #include "zuCore/SampleVisitor.h"
 
