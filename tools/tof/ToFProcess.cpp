@@ -2,9 +2,9 @@
 #include "plugins/zplToF/transform/ToFTransforms.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
-#include "tools/tof/base/CkToFPipeline.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFInOrder.h"
+#include "tools/tof/base/CkToFPipeline.h"
 
 #include "zuCore/CkImageData.h"
 

@@ -1,8 +1,8 @@
 #include "tools/tof/accuracy/ToFAccuracyReport.h"
 
-#include "tools/tof/base/ToFText.h"
 #include "tools/tof/accuracy/ToFAccuracyLimits.h"
 #include "tools/tof/accuracy/ToFAccuracyPlots.h"
+#include "tools/tof/base/ToFText.h"
 
 #include <algorithm>
 #include <cmath>
