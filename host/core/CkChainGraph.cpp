@@ -28,7 +28,7 @@ SkChainNode* CkChainGraph::addNode(CkChainable* pBlock, SkChainNode* pPredecesso
     SkChainNode* node = nullptr;
     {
         const std::lock_guard lock(m_mutex);
-        m_nodes.push_back(std::make_unique<SkChainNode>(pBlock, m_uiNextSerial++));
+        m_nodes.push_back(std::make_unique<SkChainNode>(pBlock, m_nextSerial++));
         node = m_nodes.back().get();
         m_nodeOf.emplace(pBlock, node);
         if (pPredecessor != nullptr) {
@@ -160,7 +160,7 @@ bool CkChainGraph::addSink(CkChainable* pBlock, IkFrameSink* pSink, int iHeldFra
         return false;
     }
     disconnectSink(pSink);
-    node->sinks.push_back({pSink, iHeldFrames, m_uiNextSerial++});
+    node->sinks.push_back({pSink, iHeldFrames, m_nextSerial++});
     return true;
 }
 
@@ -168,7 +168,7 @@ void CkChainGraph::removeSink(IkFrameSink* pSink, bool bWait) {
     std::unique_lock lock(m_mutex);
     disconnectSink(pSink);
     if (bWait) {
-        m_sinkDone.wait(lock, [&] { return m_pBusySink != pSink; });
+        m_sinkDone.wait(lock, [&] { return m_busySink != pSink; });
     }
 }
 
@@ -203,14 +203,14 @@ bool CkChainGraph::giveToSinks(SkChainNode& node, IkChainData* pData) {
         serial = next->serial;
         IkFrameSink* const sink = next->sink;
         given = node.outputs.empty() && std::next(next) == node.sinks.end();
-        m_pBusySink = sink;
+        m_busySink = sink;
         lock.unlock();
         node.dropped += guardedCall(quint64(1), [given, frame, sink] {
             CkImageData* const own = given ? frame : frame->share();
             return own == nullptr ? quint64(1) : quint64(std::max(0, sink->takeFrame(own)));
         });
         lock.lock();
-        m_pBusySink = nullptr;
+        m_busySink = nullptr;
         m_sinkDone.notify_all();
     }
     return given;

@@ -62,7 +62,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<SkChainNode>> m_nodes;
     std::unordered_map<const CkChainable*, SkChainNode*> m_nodeOf;
-    quint64 m_uiNextSerial = 1;
-    IkFrameSink* m_pBusySink = nullptr;
+    quint64 m_nextSerial = 1;
+    IkFrameSink* m_busySink = nullptr;
     std::condition_variable m_sinkDone;
 };

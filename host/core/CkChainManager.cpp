@@ -71,10 +71,10 @@ QList<CkChain*> CkChainManager::chains() const {
 }
 
 void CkChainManager::closeChain(CkChain* pChain) {
-    if (!m_chains.contains(pChain) || pChain->m_d->m_bClosing) {
+    if (!m_chains.contains(pChain) || pChain->m_d->m_closing) {
         return;
     }
-    pChain->m_d->m_bClosing = true; // a slot of chainAboutToClose may call closeChain again
+    pChain->m_d->m_closing = true; // a slot of chainAboutToClose may call closeChain again
     pChain->stop();
     emit chainAboutToClose(pChain);
     m_chains.removeAll(pChain);

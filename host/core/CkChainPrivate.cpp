@@ -25,11 +25,11 @@ bool CkChain::CkPrivate::start() {
     }
     m_runner.beginRun();
     m_state = EkChainState::Starting;
-    m_bAbortStart = false;
+    m_abortStart = false;
     bool running = false;
     try {
         setUpForRun();
-        running = !m_bAbortStart;
+        running = !m_abortStart;
         if (running) {
             m_thread = std::thread([this] { run(); });
         }
@@ -44,7 +44,7 @@ bool CkChain::CkPrivate::start() {
     closeQueue();
     m_setUp.tearDown();
     const auto lock = m_graph.lock();
-    m_bNegotiated = false;
+    m_negotiated = false;
     m_state = EkChainState::Stopped;
     return false;
 }
@@ -64,7 +64,7 @@ void CkChain::CkPrivate::stop() {
     }
     const std::lock_guard control(m_control);
     if (m_state == EkChainState::Starting) {
-        m_bAbortStart = true;
+        m_abortStart = true;
     }
     if (m_state != EkChainState::Running) {
         return;
@@ -103,13 +103,13 @@ void CkChain::CkPrivate::forget(CkChainable* pBlock) {
 
 void CkChain::CkPrivate::setNegotiated(bool bNegotiated) {
     const auto lock = m_graph.lock();
-    m_bNegotiated = bNegotiated;
+    m_negotiated = bNegotiated;
 }
 
 CkChain::CkPrivate::EkCache CkChain::CkPrivate::cachedOutput(const CkChainable* pBlock,
                                                              SkFormat& format) const {
     const auto lock = m_graph.lock();
-    if (!m_bNegotiated) {
+    if (!m_negotiated) {
         return EkCache::NotNegotiated;
     }
     const SkChainNode* const node = m_graph.find(pBlock);

@@ -36,7 +36,7 @@ public:
     std::atomic<EkChainState> m_state = EkChainState::Stopped;
     CkChainSetUp m_setUp;
     CkChainRunner m_runner;
-    bool m_bClosing = false; ///< used by the manager
+    bool m_closing = false; ///< used by the manager
 
 private:
     enum class EkCache { NotNegotiated, Known, Unknown };
@@ -47,8 +47,8 @@ private:
     void setNegotiated(bool bNegotiated);
     EkCache cachedOutput(const CkChainable* pBlock, SkFormat& format) const;
 
-    bool m_bNegotiated = false; ///< outputs hold for the current run; graph lock
-    bool m_bAbortStart = false; ///< stop was called from within start; control lock
+    bool m_negotiated = false; ///< outputs hold for the current run; graph lock
+    bool m_abortStart = false; ///< stop was called from within start; control lock
     std::thread m_thread;
     std::atomic<std::thread::id> m_threadId;
 };

@@ -26,7 +26,7 @@ bool CkChainReader::fail(const QDomElement& element, const QString& sReason) {
     if (element.lineNumber() > 0) {
         place += CkChain::tr(" in line %1").arg(element.lineNumber());
     }
-    m_sError = place + QStringLiteral(": ") + sReason;
+    m_error = place + QStringLiteral(": ") + sReason;
     return false;
 }
 
@@ -55,7 +55,7 @@ bool CkChainReader::readChain(const QDomElement& element) {
         if (!readBlock(child)) {
             return false;
         }
-        if (m_progress && !m_progress(qsizetype(m_blocks.size()), m_iAll)) {
+        if (m_progress && !m_progress(qsizetype(m_blocks.size()), m_all)) {
             return fail(element, CkChain::tr("loading was called off."));
         }
     }
@@ -68,7 +68,7 @@ bool CkChainReader::countBlocks(const QDomElement& element) {
         if (child.tagName() != QLatin1String("block")) {
             return fail(child, CkChain::tr("only blocks are known here."));
         }
-        if (size_t(++m_iAll) > kMaximumBlocks) {
+        if (size_t(++m_all) > kMaximumBlocks) {
             return fail(element, CkChain::tr("the chain has more than %1 blocks.").arg(kMaximumBlocks));
         }
     }
@@ -92,7 +92,7 @@ bool CkChainReader::readBlock(const QDomElement& element) {
     SkReadBlock read;
     static_cast<void>(object.release()); // same object, owned as a block from here on
     read.block.reset(block);
-    if (qobject_cast<CkImageSource*>(block) != nullptr && ++m_uiSources > kMaximumSources) {
+    if (qobject_cast<CkImageSource*>(block) != nullptr && ++m_sources > kMaximumSources) {
         return fail(element, CkChain::tr("the chain has more than %1 sources.").arg(kMaximumSources));
     }
     if (!readFeeders(element, read) || !readSettings(element, *read.block)) {

@@ -25,7 +25,7 @@ public:
     /// Reads the element, or its child "chain". To be called once.
     bool read(const QDomElement& element);
     std::vector<SkReadBlock> takeBlocks() { return std::move(m_blocks); } ///< Predecessors first.
-    QString error() const { return m_sError; }                            ///< What is wrong and where.
+    QString error() const { return m_error; }                             ///< What is wrong and where.
 
 private:
     bool fail(const QDomElement& element, const QString& sReason);
@@ -36,9 +36,9 @@ private:
     bool readFeeders(const QDomElement& element, SkReadBlock& read);
 
     const CkChain::LoadProgress& m_progress;
-    qsizetype m_iAll = 0;
-    size_t m_uiSources = 0;
+    qsizetype m_all = 0;
+    size_t m_sources = 0;
     std::vector<SkReadBlock> m_blocks;
     QHash<QString, size_t> m_places; ///< index of a block by its identifier in the file
-    QString m_sError;
+    QString m_error;
 };

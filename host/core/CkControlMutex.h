@@ -11,21 +11,21 @@ class CkControlMutex {
 public:
     void lock() {
         std::unique_lock guard(m_mutex);
-        if (m_uiDepth > 0 && m_owner == std::this_thread::get_id()) {
-            ++m_uiDepth;
+        if (m_depth > 0 && m_owner == std::this_thread::get_id()) {
+            ++m_depth;
             return;
         }
-        const quint64 ticket = m_uiNextTicket++;
-        m_served.wait(guard, [&] { return m_uiServing == ticket; });
+        const quint64 ticket = m_nextTicket++;
+        m_served.wait(guard, [&] { return m_serving == ticket; });
         m_owner = std::this_thread::get_id();
-        m_uiDepth = 1;
+        m_depth = 1;
     }
 
     void unlock() {
         const std::lock_guard guard(m_mutex);
-        if (--m_uiDepth == 0) {
+        if (--m_depth == 0) {
             m_owner = {};
-            ++m_uiServing;
+            ++m_serving;
             m_served.notify_all();
         }
     }
@@ -34,7 +34,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_served;
     std::thread::id m_owner;
-    quint32 m_uiDepth = 0;
-    quint64 m_uiNextTicket = 0;
-    quint64 m_uiServing = 0;
+    quint32 m_depth = 0;
+    quint64 m_nextTicket = 0;
+    quint64 m_serving = 0;
 };

@@ -23,26 +23,26 @@ std::vector<SkChainNode*> CkFrameQueue::clear() {
 
 void CkFrameQueue::clearRequests() {
     const std::lock_guard lock(m_mutex);
-    m_bRenegotiate = false;
-    m_bGrow = false;
+    m_renegotiate = false;
+    m_grow = false;
 }
 
 void CkFrameQueue::open() {
     const std::lock_guard lock(m_mutex);
     clear();
-    m_bOpen = true;
+    m_open = true;
 }
 
 std::vector<SkChainNode*> CkFrameQueue::close() {
     const std::lock_guard lock(m_mutex);
-    m_bOpen = false;
+    m_open = false;
     m_filled.notify_all();
     return clear();
 }
 
 bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {
     const std::lock_guard lock(m_mutex);
-    if (!m_bOpen || source.queued >= kFramesPerSource) {
+    if (!m_open || source.queued >= kFramesPerSource) {
         return false;
     }
     m_frames.push_back({&source, pFrame, false, false, false});
@@ -53,21 +53,21 @@ bool CkFrameQueue::put(SkChainNode& source, CkImageData* pFrame) {
 
 void CkFrameQueue::requestRenegotiation() {
     const std::lock_guard lock(m_mutex);
-    m_bRenegotiate = true;
+    m_renegotiate = true;
     m_filled.notify_one();
 }
 
 void CkFrameQueue::requestGrowth() {
     const std::lock_guard lock(m_mutex);
-    m_bGrow = true;
+    m_grow = true;
     m_filled.notify_one();
 }
 
 CkFrameQueue::SkItem CkFrameQueue::take() {
     std::unique_lock lock(m_mutex);
-    m_filled.wait(lock, [this] { return !m_bOpen || m_bRenegotiate || m_bGrow || !m_frames.empty(); });
+    m_filled.wait(lock, [this] { return !m_open || m_renegotiate || m_grow || !m_frames.empty(); });
     SkItem item;
-    item.stop = !m_bOpen;
+    item.stop = !m_open;
     if (item.stop) {
         return item;
     }
@@ -76,7 +76,7 @@ CkFrameQueue::SkItem CkFrameQueue::take() {
         m_frames.pop_front();
         --item.source->queued;
     }
-    item.renegotiate = std::exchange(m_bRenegotiate, false);
-    item.growPools = std::exchange(m_bGrow, false);
+    item.renegotiate = std::exchange(m_renegotiate, false);
+    item.growPools = std::exchange(m_grow, false);
     return item;
 }

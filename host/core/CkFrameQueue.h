@@ -48,7 +48,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_filled;
     std::deque<SkItem> m_frames;
-    bool m_bOpen = false;
-    bool m_bRenegotiate = false;
-    bool m_bGrow = false;
+    bool m_open = false;
+    bool m_renegotiate = false;
+    bool m_grow = false;
 };

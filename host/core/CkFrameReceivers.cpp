@@ -19,7 +19,7 @@ void CkFrameReceivers::dispatch(CkImageData* pFrame) {
         serial = next->serial;
         const auto receive = next->receive;
         const bool last = std::next(next) == m_receivers.end();
-        m_pBusy = next->key;
+        m_busy = next->key;
         m_busyThread = std::this_thread::get_id();
         lock.unlock();
         CkImageData* const own = last ? frame.release() : frame->share();
@@ -31,7 +31,7 @@ void CkFrameReceivers::dispatch(CkImageData* pFrame) {
             }
         }
         lock.lock();
-        m_pBusy = nullptr;
+        m_busy = nullptr;
         m_done.notify_all();
     }
 }
@@ -40,12 +40,12 @@ void CkFrameReceivers::add(const void* pReceiver, IkCamera::FrameFunction receiv
     remove(pReceiver);
     const std::lock_guard lock(m_mutex);
     m_receivers.push_back(
-        {pReceiver, std::make_shared<const IkCamera::FrameFunction>(std::move(receive)), m_uiNextSerial++});
+        {pReceiver, std::make_shared<const IkCamera::FrameFunction>(std::move(receive)), m_nextSerial++});
 }
 
 void CkFrameReceivers::remove(const void* pReceiver) {
     std::unique_lock lock(m_mutex);
     std::erase_if(m_receivers, [pReceiver](const SkReceiver& entry) { return entry.key == pReceiver; });
     // A receiver that removes itself from within its call must not wait for itself.
-    m_done.wait(lock, [&] { return m_pBusy != pReceiver || m_busyThread == std::this_thread::get_id(); });
+    m_done.wait(lock, [&] { return m_busy != pReceiver || m_busyThread == std::this_thread::get_id(); });
 }

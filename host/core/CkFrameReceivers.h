@@ -29,7 +29,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_done;
     std::vector<SkReceiver> m_receivers;
-    quint64 m_uiNextSerial = 1;
-    const void* m_pBusy = nullptr;
+    quint64 m_nextSerial = 1;
+    const void* m_busy = nullptr;
     std::thread::id m_busyThread;
 };

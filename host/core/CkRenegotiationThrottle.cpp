@@ -16,10 +16,10 @@ void CkRenegotiationThrottle::reset() {
 
 void CkRenegotiationThrottle::served(EkRequest request, EkFormatChange change) {
     SkBackOff& served = request == EkRequest::Block ? m_block : m_values;
-    if (change >= EkFormatChange::Sets || m_uiFrame > served.uiNext + kCalmFrames) {
+    if (change >= EkFormatChange::Sets || m_frame > served.uiNext + kCalmFrames) {
         served.uiDoublings = 0;
     }
     const quint32 most = request == EkRequest::Block ? kMaximumBlockDoublings : kMaximumValueDoublings;
     served.uiDoublings = std::min(served.uiDoublings + 1, most);
-    served.uiNext = m_uiFrame + (quint64(1) << served.uiDoublings);
+    served.uiNext = m_frame + (quint64(1) << served.uiDoublings);
 }

@@ -17,13 +17,13 @@ public:
     };
 
     void reset(); ///< before a run
-    void beginFrame() { ++m_uiFrame; }
-    quint64 frame() const { return m_uiFrame; } ///< counts from 1
+    void beginFrame() { ++m_frame; }
+    quint64 frame() const { return m_frame; } ///< counts from 1
 
     /// uiLast: the frame for which the same block was last granted it, 0 for none.
-    bool isRefitGranted(quint64 uiLast) const { return uiLast == 0 || m_uiFrame >= uiLast + 2; }
+    bool isRefitGranted(quint64 uiLast) const { return uiLast == 0 || m_frame >= uiLast + 2; }
 
-    bool isGranted(EkRequest request) const { return m_uiFrame >= backOff(request).uiNext; }
+    bool isGranted(EkRequest request) const { return m_frame >= backOff(request).uiNext; }
     /// To be called after a granted request, with the resulting change.
     void served(EkRequest request, EkFormatChange change);
 
@@ -37,7 +37,7 @@ private:
         return request == EkRequest::Block ? m_block : m_values;
     }
 
-    quint64 m_uiFrame = 0;
+    quint64 m_frame = 0;
     SkBackOff m_block;
     SkBackOff m_values;
 };

@@ -29,7 +29,7 @@ int CkFrameSlot::takeFrame(CkImageData* pData) {
         bReplaced = frame != nullptr;
     }
     if (bReplaced) {
-        m_uiDropped.fetch_add(1, std::memory_order_relaxed);
+        m_dropped.fetch_add(1, std::memory_order_relaxed);
         return 1;
     }
     // Low priority: queued connections to receivedFrame are served before the next frame, even when the event

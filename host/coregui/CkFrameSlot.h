@@ -25,7 +25,7 @@ public:
     /// Drops the frame that waits. To be called after the slot was removed from its chain.
     void clear();
     /// Frames that were replaced before they were fetched. Any thread.
-    quint64 droppedFrames() const { return m_uiDropped.load(std::memory_order_relaxed); }
+    quint64 droppedFrames() const { return m_dropped.load(std::memory_order_relaxed); }
 
 protected:
     bool event(QEvent* pEvent) override;
@@ -34,5 +34,5 @@ private:
     const Receiver m_receiver;
     std::mutex m_mutex;
     std::unique_ptr<CkImageData> m_waiting;
-    std::atomic<quint64> m_uiDropped{0};
+    std::atomic<quint64> m_dropped{0};
 };

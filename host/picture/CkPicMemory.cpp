@@ -57,7 +57,7 @@ void CkPicMemory::release() noexcept {
         return;
     }
     // The shelf's pointer leaves first: takeBack may hand this memory out to another thread at once.
-    const std::shared_ptr<IkPicMemoryShelf> shelf = std::move(m_pShelf);
+    const std::shared_ptr<IkPicMemoryShelf> shelf = std::move(m_shelf);
     if (shelf) {
         shelf->takeBack(this);
     } else {
@@ -67,5 +67,5 @@ void CkPicMemory::release() noexcept {
 
 void CkPicMemory::handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept {
     m_references.store(1, std::memory_order_relaxed);
-    m_pShelf = std::move(pShelf);
+    m_shelf = std::move(pShelf);
 }

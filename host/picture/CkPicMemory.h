@@ -26,8 +26,8 @@ public:
     CkPicMemory(const CkPicMemory&) = delete;
     CkPicMemory& operator=(const CkPicMemory&) = delete;
 
-    quint8* pixels() { return m_pPixels; }
-    size_t bytes() const { return m_uiBytes; }
+    quint8* pixels() { return m_pixels; }
+    size_t bytes() const { return m_bytes; }
 
     void addReference() noexcept { m_references.fetch_add(1, std::memory_order_relaxed); }
     /// Gives one reference back; the last one sends the memory to its shelf, or frees it.
@@ -37,11 +37,11 @@ public:
     void handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept;
 
 private:
-    CkPicMemory(quint8* pPixels, size_t uiBytes) : m_pPixels(pPixels), m_uiBytes(uiBytes) {}
+    CkPicMemory(quint8* pPixels, size_t uiBytes) : m_pixels(pPixels), m_bytes(uiBytes) {}
     ~CkPicMemory() = default;
 
-    quint8* const m_pPixels;
-    const size_t m_uiBytes;
+    quint8* const m_pixels;
+    const size_t m_bytes;
     std::atomic<int> m_references{1};
-    std::shared_ptr<IkPicMemoryShelf> m_pShelf;
+    std::shared_ptr<IkPicMemoryShelf> m_shelf;
 };

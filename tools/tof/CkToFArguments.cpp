@@ -9,7 +9,7 @@
 
 CkToFArguments::CkToFArguments(const QString& sUsage, const QString& sDescription,
                                const QStringList& examples)
-    : m_sUsage(sUsage), m_examples(examples) {
+    : m_usage(sUsage), m_examples(examples) {
     m_parser.setApplicationDescription(sDescription);
     m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this help.")});
 }
@@ -24,12 +24,12 @@ void CkToFArguments::addValue(const QString& sName, const QString& sValue, const
 
 void CkToFArguments::addArgument(const QString& sName, const QString& sDescription) {
     m_parser.addPositionalArgument(sName, sDescription);
-    ++m_iArguments;
+    ++m_arguments;
 }
 
 std::optional<int> CkToFArguments::parse(const QStringList& arguments) {
     const QString hint =
-        QStringLiteral("See \"tof %1 --help\".").arg(m_sUsage.section(QLatin1Char(' '), 0, 0));
+        QStringLiteral("See \"tof %1 --help\".").arg(m_usage.section(QLatin1Char(' '), 0, 0));
     if (!m_parser.parse(arguments)) {
         CkToFConsole::error(m_parser.errorText() + QLatin1Char(' ') + hint);
         return ToFUsage;
@@ -38,14 +38,14 @@ std::optional<int> CkToFArguments::parse(const QStringList& arguments) {
         // The first line of the parser names the program with its path and without the command.
         const QString body = m_parser.helpText().section(QLatin1Char('\n'), 1).trimmed();
         CkToFConsole::print(QStringLiteral("Usage: tof %1\n%2\n\nExamples:\n  %3")
-                                .arg(m_sUsage, body, m_examples.join(QStringLiteral("\n  "))));
+                                .arg(m_usage, body, m_examples.join(QStringLiteral("\n  "))));
         return ToFSuccess;
     }
     const qsizetype given = m_parser.positionalArguments().size();
-    if (given != m_iArguments) {
-        CkToFConsole::error((given < m_iArguments ? QStringLiteral("Something is missing: tof %1. ")
-                                                  : QStringLiteral("There is too much: tof %1. "))
-                                .arg(m_sUsage) +
+    if (given != m_arguments) {
+        CkToFConsole::error((given < m_arguments ? QStringLiteral("Something is missing: tof %1. ")
+                                                 : QStringLiteral("There is too much: tof %1. "))
+                                .arg(m_usage) +
                             hint);
         return ToFUsage;
     }

@@ -41,7 +41,7 @@ private:
     void refuseWide(const QString& sName) const;
 
     QCommandLineParser m_parser;
-    QString m_sUsage;
+    QString m_usage;
     QStringList m_examples;
-    int m_iArguments = 0;
+    int m_arguments = 0;
 };

@@ -23,24 +23,24 @@ void CkToFConsole::error(const QString& sText) {
 }
 
 CkToFConsole::CkProgress::CkProgress(const QString& sTask)
-    : m_sTask(sTask), m_bTerminal(::isatty(STDERR_FILENO) == 1) {
+    : m_task(sTask), m_terminal(::isatty(STDERR_FILENO) == 1) {
     show(0, 1);
 }
 
 CkToFConsole::CkProgress::~CkProgress() {
-    if (m_iShown >= 0) {
+    if (m_shown >= 0) {
         std::fputs("\r\033[K", stderr);
     }
 }
 
 void CkToFConsole::CkProgress::show(qint64 iDone, qint64 iTotal) {
     const int percent = iTotal > 0 ? int(std::clamp<qint64>(iDone * 100 / iTotal, 0, 100)) : 0;
-    if (!m_bTerminal || percent == m_iShown) {
+    if (!m_terminal || percent == m_shown) {
         return;
     }
-    m_iShown = percent;
+    m_shown = percent;
     const int filled = percent * kBarWidth / 100;
     const QString bar = QString(filled, QLatin1Char('#')) + QString(kBarWidth - filled, QLatin1Char('.'));
-    std::fputs(qPrintable(QStringLiteral("\r%1 [%2] %3 %").arg(m_sTask, bar).arg(percent, 3)), stderr);
+    std::fputs(qPrintable(QStringLiteral("\r%1 [%2] %3 %").arg(m_task, bar).arg(percent, 3)), stderr);
     std::fflush(stderr);
 }

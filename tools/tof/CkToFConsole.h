@@ -31,8 +31,8 @@ public:
         void show(qint64 iDone, qint64 iTotal);
 
     private:
-        QString m_sTask;
-        bool m_bTerminal;
-        int m_iShown = -1; ///< percent; -1: nothing shown
+        QString m_task;
+        bool m_terminal;
+        int m_shown = -1; ///< percent; -1: nothing shown
     };
 };

@@ -23,8 +23,8 @@ CkToFPageErrors::~CkToFPageErrors() {
             CkToFConsole::error(QStringLiteral("%1 (%2 pages in all)").arg(kind.last).arg(kind.count));
         }
     }
-    if (m_iOthers > 0) {
-        CkToFConsole::error(QStringLiteral("Further errors of other kinds: %1").arg(m_iOthers));
+    if (m_others > 0) {
+        CkToFConsole::error(QStringLiteral("Further errors of other kinds: %1").arg(m_others));
     }
 }
 
@@ -39,6 +39,6 @@ void CkToFPageErrors::add(const QString& sMessage) {
         m_kinds.push_back({key, sMessage, 1});
         CkToFConsole::error(sMessage);
     } else {
-        ++m_iOthers;
+        ++m_others;
     }
 }

@@ -25,5 +25,5 @@ private:
         qint64 count;
     };
     std::vector<SkKind> m_kinds;
-    qint64 m_iOthers = 0;
+    qint64 m_others = 0;
 };

@@ -29,7 +29,7 @@ CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
     setBackground(QColor(0x3a, 0x3d, 0x42));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    m_pNotices = new CkViewNoticeController(this);
+    m_notices = new CkViewNoticeController(this);
     connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* pWindow) {
         // Also null when another window of the program has the focus: the view stays active.
         if (const auto* window = qobject_cast<CkViewWindow*>(pWindow)) {
@@ -128,10 +128,10 @@ void CkViewArea::setActiveView(int iViewId) {
 }
 
 void CkViewArea::makeActive(int iViewId) {
-    if (iViewId == m_iActiveViewId || m_closing.contains(iViewId) || (iViewId >= 0 && indexOf(iViewId) < 0)) {
+    if (iViewId == m_activeViewId || m_closing.contains(iViewId) || (iViewId >= 0 && indexOf(iViewId) < 0)) {
         return;
     }
-    m_iActiveViewId = iViewId;
+    m_activeViewId = iViewId;
     emit activeViewChanged(iViewId);
 }
 
@@ -185,10 +185,10 @@ bool CkViewArea::closeView(int iViewId, bool bAsk) {
         closing->hide();
         closing->deleteLater();
     }
-    if (m_iActiveViewId == iViewId) {
-        m_iActiveViewId = -1;
+    if (m_activeViewId == iViewId) {
+        m_activeViewId = -1;
         activateSomeView();
-        if (m_iActiveViewId == -1) {
+        if (m_activeViewId == -1) {
             emit activeViewChanged(-1);
         }
     }
@@ -210,19 +210,19 @@ bool CkViewArea::closeAllViews(bool bAsk) {
 }
 
 void CkViewArea::setArrangesItself(bool bArrange) {
-    m_bArrange = bArrange;
+    m_arrange = bArrange;
     arrangeLater();
 }
 
 void CkViewArea::arrangeLater() {
-    if (!m_bArrange || m_bArrangePending) {
+    if (!m_arrange || m_arrangePending) {
         return;
     }
-    m_bArrangePending = true;
+    m_arrangePending = true;
     QTimer::singleShot(0, this, [this] {
-        m_bArrangePending = false;
+        m_arrangePending = false;
         // A view that the user has maximized stays so.
-        if (m_bArrange && !showsOneInFull()) {
+        if (m_arrange && !showsOneInFull()) {
             tile();
         }
     });
@@ -257,20 +257,20 @@ bool CkViewArea::showsOneInFull() const {
 }
 
 void CkViewArea::cascade() {
-    m_bArrange = false;
+    m_arrange = false;
     cascadeSubWindows();
 }
 
 void CkViewArea::activateNextView() {
     if (!m_entries.isEmpty()) {
-        const qsizetype next = (indexOf(m_iActiveViewId) + 1) % m_entries.size();
+        const qsizetype next = (indexOf(m_activeViewId) + 1) % m_entries.size();
         setActiveView(m_entries[next].view->viewId());
     }
 }
 
 void CkViewArea::activatePreviousView() {
     if (!m_entries.isEmpty()) {
-        const qsizetype previous = (indexOf(m_iActiveViewId) + m_entries.size() - 1) % m_entries.size();
+        const qsizetype previous = (indexOf(m_activeViewId) + m_entries.size() - 1) % m_entries.size();
         setActiveView(m_entries[previous].view->viewId());
     }
 }

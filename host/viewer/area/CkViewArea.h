@@ -32,10 +32,10 @@ public:
     QList<CkMdiView*> views() const;
 
     /// -1: none. Stays when the program loses the focus to another one.
-    int activeViewId() const { return m_iActiveViewId; }
+    int activeViewId() const { return m_activeViewId; }
     /// Never null.
-    CkViewNoticeController* notices() const { return m_pNotices; }
-    CkMdiView* activeView() const { return view(m_iActiveViewId); }
+    CkViewNoticeController* notices() const { return m_notices; }
+    CkMdiView* activeView() const { return view(m_activeViewId); }
     void setActiveView(int iViewId);
 
     /// Closes a view and those that follow it. With bAsk the user is asked about each one that holds data.
@@ -46,7 +46,7 @@ public:
     bool closeAllViews(bool bAsk);
 
     /// Whether the views are tiled whenever one is added or closed, or the area is resized.
-    bool arrangesItself() const { return m_bArrange; }
+    bool arrangesItself() const { return m_arrange; }
     void setArrangesItself(bool bArrange);
 
 public slots:
@@ -81,10 +81,10 @@ private:
     bool showsOneInFull() const;
     void arrangeLater();
 
-    CkViewNoticeController* m_pNotices = nullptr;
+    CkViewNoticeController* m_notices = nullptr;
     QList<SkEntry> m_entries;
     QSet<int> m_closing;
-    int m_iActiveViewId = -1;
-    bool m_bArrange = true;
-    bool m_bArrangePending = false;
+    int m_activeViewId = -1;
+    bool m_arrange = true;
+    bool m_arrangePending = false;
 };

@@ -43,7 +43,7 @@ QString unpluggedCamera(const QList<void*>& handles) {
 
 } // namespace
 
-CkViewNoticeController::CkViewNoticeController(CkViewArea* pArea) : QObject(pArea), m_pArea(pArea) {
+CkViewNoticeController::CkViewNoticeController(CkViewArea* pArea) : QObject(pArea), m_area(pArea) {
     connect(pArea, &CkViewArea::viewAdded, this, &CkViewNoticeController::watch);
     connect(pArea, &CkViewArea::viewAboutToClose, this, [this](int iViewId) { m_entries.remove(iViewId); });
     // Blocks report errors on other threads, often many at once; hence polling.
@@ -60,7 +60,7 @@ QString CkViewNoticeController::notice(int iViewId) const {
 }
 
 void CkViewNoticeController::watch(int iViewId) {
-    m_entries[iViewId].view = m_pArea->view(iViewId);
+    m_entries[iViewId].view = m_area->view(iViewId);
 }
 
 void CkViewNoticeController::refresh() {
@@ -75,7 +75,7 @@ CkChainable* CkViewNoticeController::providerOf(const CkMdiView* pView) const {
     if (CkChainable* own = pView->dataProvider()) {
         return own;
     }
-    const CkMdiView* followed = m_pArea->view(pView->connectedViewId());
+    const CkMdiView* followed = m_area->view(pView->connectedViewId());
     return followed != nullptr ? followed->dataProvider() : nullptr;
 }
 

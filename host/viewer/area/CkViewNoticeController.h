@@ -53,7 +53,7 @@ private:
     static SkNotice noticeFor(CkMdiView* pView, const CkChainable* pProvider);
     static QString emptyText(const CkMdiView* pView, const CkChainable* pProvider);
 
-    CkViewArea* m_pArea;
+    CkViewArea* m_area;
     QHash<int, SkEntry> m_entries;
     QTimer m_timer;
 };

@@ -4,7 +4,7 @@
 #include <QCloseEvent>
 #include <QMenu>
 
-CkViewWindow::CkViewWindow(int iViewId, QWidget* pParent) : QMdiSubWindow(pParent), m_iViewId(iViewId) {
+CkViewWindow::CkViewWindow(int iViewId, QWidget* pParent) : QMdiSubWindow(pParent), m_viewId(iViewId) {
     setAttribute(Qt::WA_DeleteOnClose);
     // The main window's menus have the same shortcuts, and an ambiguous shortcut triggers neither action.
     for (QAction* action : systemMenu()->actions()) {
@@ -13,14 +13,14 @@ CkViewWindow::CkViewWindow(int iViewId, QWidget* pParent) : QMdiSubWindow(pParen
 }
 
 void CkViewWindow::closeNow() {
-    m_bAgreed = true;
+    m_agreed = true;
     close();
 }
 
 void CkViewWindow::closeEvent(QCloseEvent* pEvent) {
-    if (!m_bAgreed) {
+    if (!m_agreed) {
         pEvent->ignore();
-        emit closeRequested(m_iViewId);
+        emit closeRequested(m_viewId);
         return;
     }
     QMdiSubWindow::closeEvent(pEvent);

@@ -9,7 +9,7 @@ class CkViewWindow : public QMdiSubWindow {
 public:
     explicit CkViewWindow(int iViewId, QWidget* pParent = nullptr);
 
-    int viewId() const { return m_iViewId; }
+    int viewId() const { return m_viewId; }
 
     /// Closes without asking again; the window and its view are deleted later.
     void closeNow();
@@ -22,6 +22,6 @@ protected:
     void closeEvent(QCloseEvent* pEvent) override;
 
 private:
-    int m_iViewId;
-    bool m_bAgreed = false;
+    int m_viewId;
+    bool m_agreed = false;
 };

@@ -22,11 +22,11 @@ void CkColorLegend::setColours(const QList<QRgb>& colours) {
 }
 
 void CkColorLegend::setRange(double fLow, double fHigh, const QString& sTitle, const QString& sUnit) {
-    if (fLow != m_fLow || fHigh != m_fHigh || sTitle != m_sTitle || sUnit != m_sUnit) {
-        m_fLow = fLow;
-        m_fHigh = fHigh;
-        m_sTitle = sTitle;
-        m_sUnit = sUnit;
+    if (fLow != m_low || fHigh != m_high || sTitle != m_title || sUnit != m_unit) {
+        m_low = fLow;
+        m_high = fHigh;
+        m_title = sTitle;
+        m_unit = sUnit;
         update();
     }
 }
@@ -64,7 +64,7 @@ void CkColorLegend::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), palette().window());
     const int line = fontMetrics().height();
     const QRect bar(kMargin, kMargin + line, kBarWidth, height() - 2 * kMargin - line - line / 2);
-    const QString head = m_sUnit.isEmpty() ? m_sTitle : m_sUnit;
+    const QString head = m_unit.isEmpty() ? m_title : m_unit;
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(QRect(kMargin, 2, width() - kMargin, line), Qt::AlignLeft | Qt::AlignVCenter,
                      fontMetrics().elidedText(head, Qt::ElideRight, width() - kMargin));
@@ -79,11 +79,11 @@ void CkColorLegend::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(bar.adjusted(-1, -1, 0, 0));
     painter.setPen(palette().color(QPalette::WindowText));
-    for (const double value : tickValues(m_fLow, m_fHigh, qMax(2, bar.height() / (3 * line)))) {
-        const int y = bar.bottom() - int((value - m_fLow) / (m_fHigh - m_fLow) * (bar.height() - 1));
+    for (const double value : tickValues(m_low, m_high, qMax(2, bar.height() / (3 * line)))) {
+        const int y = bar.bottom() - int((value - m_low) / (m_high - m_low) * (bar.height() - 1));
         painter.drawLine(bar.right() + 1, y, bar.right() + 4, y);
         // Rounding noise of the ticks must not show as "-1.4e-17".
-        const double shown = std::abs(value) < (m_fHigh - m_fLow) * 1e-9 ? 0.0 : value;
+        const double shown = std::abs(value) < (m_high - m_low) * 1e-9 ? 0.0 : value;
         painter.drawText(QRect(bar.right() + 7, y - line / 2, width(), line),
                          Qt::AlignLeft | Qt::AlignVCenter, PictureText::locale().toString(shown, 'g', 5));
     }

@@ -28,8 +28,8 @@ protected:
 
 private:
     QList<QRgb> m_colours;
-    QString m_sTitle;
-    QString m_sUnit;
-    double m_fLow = 0.0;
-    double m_fHigh = 1.0;
+    QString m_title;
+    QString m_unit;
+    double m_low = 0.0;
+    double m_high = 1.0;
 };

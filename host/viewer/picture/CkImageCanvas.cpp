@@ -28,20 +28,20 @@ void CkImageCanvas::setPictureSize(const QSize& size) {
     }
     m_size = size;
     m_centre = QPointF(size.width() / 2.0, size.height() / 2.0);
-    emit zoomChanged(zoom(), m_bFit);
+    emit zoomChanged(zoom(), m_fit);
     update();
 }
 
 void CkImageCanvas::setEmptyText(const QString& sText) {
-    if (sText != m_sEmptyText) {
-        m_sEmptyText = sText;
+    if (sText != m_emptyText) {
+        m_emptyText = sText;
         update();
     }
 }
 
 void CkImageCanvas::setDimmed(bool bDimmed) {
-    if (bDimmed != m_bDimmed) {
-        m_bDimmed = bDimmed;
+    if (bDimmed != m_dimmed) {
+        m_dimmed = bDimmed;
         update();
     }
 }
@@ -55,7 +55,7 @@ double CkImageCanvas::fitZoom() const {
 }
 
 double CkImageCanvas::zoom() const {
-    return m_bFit ? fitZoom() : m_fZoom;
+    return m_fit ? fitZoom() : m_zoom;
 }
 
 QPointF CkImageCanvas::toPicture(const QPointF& position) const {
@@ -67,7 +67,7 @@ QPointF CkImageCanvas::fromPicture(const QPointF& pixel) const {
 }
 
 void CkImageCanvas::zoomToFit() {
-    m_bFit = true;
+    m_fit = true;
     m_centre = QPointF(m_size.width() / 2.0, m_size.height() / 2.0);
     emit zoomChanged(zoom(), true);
     update();
@@ -89,18 +89,18 @@ void CkImageCanvas::setZoom(double fZoom) {
 
 void CkImageCanvas::setZoomAt(double fZoom, const QPointF& anchor) {
     const QPointF pixel = toPicture(anchor);
-    m_bFit = false;
-    m_fZoom = std::clamp(fZoom, kMinimumZoom, kMaximumZoom);
-    m_centre = pixel - (anchor - QPointF(width() / 2.0, height() / 2.0)) / m_fZoom;
+    m_fit = false;
+    m_zoom = std::clamp(fZoom, kMinimumZoom, kMaximumZoom);
+    m_centre = pixel - (anchor - QPointF(width() / 2.0, height() / 2.0)) / m_zoom;
     limitCentre();
-    emit zoomChanged(m_fZoom, false);
+    emit zoomChanged(m_zoom, false);
     update();
 }
 
 void CkImageCanvas::limitCentre() {
     // A picture larger than the widget covers it; a smaller one is centred.
-    const double halfWidth = width() / 2.0 / m_fZoom;
-    const double halfHeight = height() / 2.0 / m_fZoom;
+    const double halfWidth = width() / 2.0 / m_zoom;
+    const double halfHeight = height() / 2.0 / m_zoom;
     const auto limit = [](double centre, double half, double length) {
         return 2.0 * half >= length ? length / 2.0 : std::clamp(centre, half, length - half);
     };
@@ -114,7 +114,7 @@ void CkImageCanvas::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), kBackground);
     if (image == nullptr || image->isNull()) {
         painter.setPen(QColor(0xa8, 0xac, 0xb4));
-        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, m_sEmptyText);
+        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
         return;
     }
     const double scale = zoom();
@@ -125,17 +125,17 @@ void CkImageCanvas::paintEvent(QPaintEvent*) {
     const QRect part = visible.toAlignedRect().adjusted(-1, -1, 1, 1) & image->rect();
     const QRectF target(fromPicture(part.topLeft()), QSizeF(part.width() * scale, part.height() * scale));
     painter.drawImage(target, *image, part);
-    if (m_bDimmed) {
+    if (m_dimmed) {
         painter.fillRect(target, kDimming);
     }
 }
 
 void CkImageCanvas::resizeEvent(QResizeEvent* pEvent) {
     QWidget::resizeEvent(pEvent);
-    if (!m_bFit) {
+    if (!m_fit) {
         limitCentre();
     }
-    emit zoomChanged(zoom(), m_bFit);
+    emit zoomChanged(zoom(), m_fit);
 }
 
 void CkImageCanvas::wheelEvent(QWheelEvent* pEvent) {
@@ -153,14 +153,14 @@ void CkImageCanvas::mousePressEvent(QMouseEvent* pEvent) {
         QWidget::mousePressEvent(pEvent);
         return;
     }
-    m_bDragging = true;
+    m_dragging = true;
     m_dragStart = pEvent->position();
     m_dragCentre = m_centre;
 }
 
 void CkImageCanvas::mouseMoveEvent(QMouseEvent* pEvent) {
-    if (m_bDragging && !m_bFit) {
-        m_centre = m_dragCentre - (pEvent->position() - m_dragStart) / m_fZoom;
+    if (m_dragging && !m_fit) {
+        m_centre = m_dragCentre - (pEvent->position() - m_dragStart) / m_zoom;
         limitCentre();
         setCursor(Qt::ClosedHandCursor);
         update();
@@ -169,12 +169,12 @@ void CkImageCanvas::mouseMoveEvent(QMouseEvent* pEvent) {
 }
 
 void CkImageCanvas::mouseReleaseEvent(QMouseEvent*) {
-    m_bDragging = false;
+    m_dragging = false;
     setCursor(Qt::CrossCursor);
 }
 
 void CkImageCanvas::mouseDoubleClickEvent(QMouseEvent* pEvent) {
-    if (m_bFit) {
+    if (m_fit) {
         setZoomAt(1.0, pEvent->position());
     } else {
         zoomToFit();
@@ -205,7 +205,7 @@ void CkImageCanvas::keyPressEvent(QKeyEvent* pEvent) {
         QWidget::keyPressEvent(pEvent);
         return;
     }
-    if (!m_bFit) {
+    if (!m_fit) {
         m_centre += move;
         limitCentre();
         update();

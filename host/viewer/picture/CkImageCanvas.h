@@ -26,13 +26,13 @@ public:
 
     /// The text shown while there is no picture.
     void setEmptyText(const QString& sText);
-    QString emptyText() const { return m_sEmptyText; }
+    QString emptyText() const { return m_emptyText; }
 
     /// Whether the picture is shown darkened.
     void setDimmed(bool bDimmed);
-    bool isDimmed() const { return m_bDimmed; }
+    bool isDimmed() const { return m_dimmed; }
 
-    bool isFitting() const { return m_bFit; }
+    bool isFitting() const { return m_fit; }
     /// Screen pixels per picture pixel.
     double zoom() const;
 
@@ -71,13 +71,13 @@ private:
     void hover(const QPointF& position);
 
     std::function<const QImage*()> m_image;
-    QString m_sEmptyText;
+    QString m_emptyText;
     QSize m_size;
     QPointF m_centre; ///< picture coordinates in the middle of the widget
     QPointF m_dragStart;
     QPointF m_dragCentre;
-    double m_fZoom = 1.0;
-    bool m_bFit = true;
-    bool m_bDragging = false;
-    bool m_bDimmed = false;
+    double m_zoom = 1.0;
+    bool m_fit = true;
+    bool m_dragging = false;
+    bool m_dimmed = false;
 };

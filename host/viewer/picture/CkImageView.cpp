@@ -19,36 +19,36 @@
 
 CkImageView::CkImageView(CkChainable* pProvider) : CkMdiView(pProvider) {
     setFocusPolicy(Qt::StrongFocus);
-    m_pCanvas = new CkImageCanvas(this);
-    setFocusProxy(m_pCanvas);
-    m_pLegend = new CkColorLegend(this);
-    m_pToolBar = new CkPictureToolBar(m_pCanvas, this);
+    m_canvas = new CkImageCanvas(this);
+    setFocusProxy(m_canvas);
+    m_legend = new CkColorLegend(this);
+    m_toolBar = new CkPictureToolBar(m_canvas, this);
 
     auto* picture = new QHBoxLayout;
     picture->setContentsMargins(0, 0, 0, 0);
     picture->setSpacing(0);
-    picture->addWidget(m_pCanvas, 1);
-    picture->addWidget(m_pLegend);
+    picture->addWidget(m_canvas, 1);
+    picture->addWidget(m_legend);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(m_pToolBar);
+    layout->addWidget(m_toolBar);
     layout->addLayout(picture, 1);
 
-    m_pCanvas->setEmptyText(tr("No picture yet. Start the camera to see one."));
-    m_pCanvas->setImageFunction([this]() -> const QImage* {
+    m_canvas->setEmptyText(tr("No picture yet. Start the camera to see one."));
+    m_canvas->setImageFunction([this]() -> const QImage* {
         const QImage& image = shownImage();
         return image.isNull() ? nullptr : &image;
     });
-    connect(m_pCanvas, &CkImageCanvas::pixelHovered, this, &CkImageView::hoverPixel);
-    connect(m_pCanvas, &CkImageCanvas::pixelLeft, this, [this] {
+    connect(m_canvas, &CkImageCanvas::pixelHovered, this, &CkImageView::hoverPixel);
+    connect(m_canvas, &CkImageCanvas::pixelLeft, this, [this] {
         m_hovered = QPoint(-1, -1);
         emit pixelTextChanged(QString());
     });
-    connect(m_pToolBar, &CkPictureToolBar::channelChosen, this, &CkImageView::setChannel);
-    connect(m_pToolBar, &CkPictureToolBar::legendToggled, this,
-            [this](bool bOn) { m_pLegend->setVisible(bOn && channel() >= 0); });
-    connect(m_pToolBar, &CkPictureToolBar::saveRequested, this, &CkImageView::saveWithDialog);
+    connect(m_toolBar, &CkPictureToolBar::channelChosen, this, &CkImageView::setChannel);
+    connect(m_toolBar, &CkPictureToolBar::legendToggled, this,
+            [this](bool bOn) { m_legend->setVisible(bOn && channel() >= 0); });
+    connect(m_toolBar, &CkPictureToolBar::saveRequested, this, &CkImageView::saveWithDialog);
 
     CkMdiView::setViewLut(new CkLut(8, 1, false, EkImageDataType::UInt8), true, false, false);
     refreshColours();
@@ -62,10 +62,9 @@ QString CkImageView::viewTitle() const {
 }
 
 QSize CkImageView::sizeHint() const {
-    const QSize picture = m_pCanvas->pictureSize();
+    const QSize picture = m_canvas->pictureSize();
     const QSize canvas = picture.isEmpty() ? QSize(400, 300) : picture.scaled(400, 400, Qt::KeepAspectRatio);
-    return {canvas.width() + m_pLegend->sizeHint().width(),
-            canvas.height() + m_pToolBar->sizeHint().height()};
+    return {canvas.width() + m_legend->sizeHint().width(), canvas.height() + m_toolBar->sizeHint().height()};
 }
 
 CkMdiView* CkImageView::clone(CkChainable* pProvider, CkChainable*) {
@@ -126,7 +125,7 @@ QString CkImageView::saturationReason() const {
 
 void CkImageView::setEmptyText(const QString& sText) {
     if (!hasPicture()) {
-        m_pCanvas->setEmptyText(sText);
+        m_canvas->setEmptyText(sText);
     }
 }
 
@@ -157,7 +156,7 @@ void CkImageView::setChannel(int iChannel) {
     if (!m_renderer.setChannel(iChannel)) {
         return;
     }
-    m_pToolBar->setChannel(channel());
+    m_toolBar->setChannel(channel());
     refresh();
     emit contrastChanged();
     // Contrast applies to a single channel, not to a colour picture.
@@ -168,14 +167,14 @@ void CkImageView::setChannel(int iChannel) {
 
 void CkImageView::stepChannel(int iStep) {
     if (channelCount() > 1) {
-        setChannel(m_pToolBar->channelAfter(iStep));
+        setChannel(m_toolBar->channelAfter(iStep));
     }
 }
 
 void CkImageView::showFrame(std::unique_ptr<CkImageData> frame) {
     if (frame && frame->picBuf().data != nullptr) {
         adaptToFormat(*frame);
-        m_pCanvas->setPictureSize(QSize(int(frame->picBuf().width), int(frame->picBuf().height)));
+        m_canvas->setPictureSize(QSize(int(frame->picBuf().width), int(frame->picBuf().height)));
     }
     refresh();
     // A slot connected to the frame signals may close the view.
@@ -202,7 +201,7 @@ void CkImageView::adaptToFormat(const CkImageData& frame) {
                                                       picture.layoutFlag, picture.dataType);
     CkMdiView::setViewLut(adapted, now.contrast.automatic, now.contrast.markSaturated, false);
     refreshColours();
-    m_pToolBar->setChannels(picture, frame.metadata(), channel());
+    m_toolBar->setChannels(picture, frame.metadata(), channel());
     if (delegate != nullptr && delegate->activeViewId() == viewId()) {
         delegate->refreshLutControls();
     }
@@ -211,24 +210,24 @@ void CkImageView::adaptToFormat(const CkImageData& frame) {
 void CkImageView::refreshColours() {
     if (const CkLut* lut = table().lut) {
         m_renderer.setColours(*lut);
-        m_pLegend->setColours(m_renderer.colours());
+        m_legend->setColours(m_renderer.colours());
     }
 }
 
 void CkImageView::refresh() {
-    m_bOutdated = true;
-    m_pCanvas->update();
+    m_outdated = true;
+    m_canvas->update();
 }
 
 const QImage& CkImageView::shownImage() {
-    if (m_bOutdated) {
+    if (m_outdated) {
         render();
     }
     return m_renderer.image();
 }
 
 void CkImageView::render() {
-    m_bOutdated = false;
+    m_outdated = false;
     const CkImageData* shown = frame();
     if (shown == nullptr) {
         return;
@@ -236,7 +235,7 @@ void CkImageView::render() {
     const SkPicBuf& picture = shown->picBuf();
     const SkTable now = table();
     if (!m_renderer.render(picture, now.contrast)) {
-        m_pCanvas->setEmptyText(
+        m_canvas->setEmptyText(
             tr("Pictures of this format cannot be shown:\n%1").arg(PictureText::format(picture)));
     }
     // The plug-ins that use the view's table get the same window.
@@ -248,10 +247,10 @@ void CkImageView::render() {
 }
 
 void CkImageView::updateLegend() {
-    m_pLegend->setVisible(showsLegend() && channel() >= 0);
+    m_legend->setVisible(showsLegend() && channel() >= 0);
     const CkImageData* shown = frame();
     if (shown != nullptr && channel() >= 0) {
-        m_pLegend->setRange(
+        m_legend->setRange(
             window().low, window().high,
             PictureText::channelName(m_renderer.format(), shown->metadata(), quint32(channel())), unit());
     }
@@ -266,16 +265,16 @@ void CkImageView::hoverPixel(const QPoint& pixel) {
 
 void CkImageView::contextMenuEvent(QContextMenuEvent* pEvent) {
     QMenu menu(this);
-    menu.addActions(m_pToolBar->zoomActions());
+    menu.addActions(m_toolBar->zoomActions());
     menu.addSeparator();
-    menu.addAction(m_pToolBar->legendAction());
+    menu.addAction(m_toolBar->legendAction());
     menu.addSeparator();
     menu.addAction(tr("Save Picture..."), this, &CkImageView::saveWithDialog);
     menu.exec(pEvent->globalPos());
 }
 
 CkPictureSnapshot CkImageView::snapshot() {
-    return {shownImage(), currentImage(), channel(), m_pToolBar->channelText()};
+    return {shownImage(), currentImage(), channel(), m_toolBar->channelText()};
 }
 
 void CkImageView::saveWithDialog() {

@@ -30,18 +30,18 @@ public:
     CkMdiView* clone(CkChainable* pProvider, CkChainable* pSecond) override;
     void setViewLut(CkLut* pLut, bool bFlag1, bool bFlag2, bool bUpdate) override;
 
-    CkImageCanvas* canvas() const { return m_pCanvas; }
+    CkImageCanvas* canvas() const { return m_canvas; }
 
     /// Channel shown; -1: all, as colours.
     int channel() const { return m_renderer.channel(); }
     void setChannel(int iChannel);
     /// Entries of the list of channels, "all as colours" included; 0 before the first picture.
-    int channelCount() const { return m_pToolBar->channelCount(); }
+    int channelCount() const { return m_toolBar->channelCount(); }
     /// To the next (1) or previous (-1) entry of the list of channels, wrapping around.
     void stepChannel(int iStep);
 
-    bool showsLegend() const { return m_pToolBar->showsLegend(); }
-    void setShowsLegend(bool bShow) { m_pToolBar->setShowsLegend(bShow); }
+    bool showsLegend() const { return m_toolBar->showsLegend(); }
+    void setShowsLegend(bool bShow) { m_toolBar->setShowsLegend(bShow); }
 
     /// The values at the ends of the colours, in the unit of the channel.
     SkDisplayWindow window() const { return m_renderer.window(); }
@@ -68,7 +68,7 @@ public:
     bool hasPicture() const { return frame() != nullptr; }
 
     /// Darkens an outdated picture.
-    void setStale(bool bStale) { m_pCanvas->setDimmed(bStale); }
+    void setStale(bool bStale) { m_canvas->setDimmed(bStale); }
     /// The text shown as long as there is no picture.
     void setEmptyText(const QString& sText);
 
@@ -107,10 +107,10 @@ private:
     void refresh();
     void hoverPixel(const QPoint& pixel);
 
-    CkImageCanvas* m_pCanvas = nullptr;
-    CkColorLegend* m_pLegend = nullptr;
-    CkPictureToolBar* m_pToolBar = nullptr;
+    CkImageCanvas* m_canvas = nullptr;
+    CkColorLegend* m_legend = nullptr;
+    CkPictureToolBar* m_toolBar = nullptr;
     CkPictureRenderer m_renderer;
     QPoint m_hovered{-1, -1}; ///< pixel under the mouse; negative: none
-    bool m_bOutdated = true;  ///< the image does not show the newest frame or settings yet
+    bool m_outdated = true;   ///< the image does not show the newest frame or settings yet
 };

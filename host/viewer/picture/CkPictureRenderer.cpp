@@ -31,22 +31,22 @@ CkPictureRenderer::EkChange CkPictureRenderer::adaptTo(const CkImageData& frame)
     m_format = picture;
     m_channelNames = frame.metadata().channelNames;
     m_window = PictureColours::fullRange(picture);
-    m_iChannel = PictureColours::isColourPicture(picture) ? -1 : 0;
+    m_channel = PictureColours::isColourPicture(picture) ? -1 : 0;
     return otherKind ? EkChange::Kind : EkChange::Format;
 }
 
 bool CkPictureRenderer::setChannel(int iChannel) {
     const int lowest = PictureColours::isColourPicture(m_format) ? -1 : 0;
     const int channel = std::clamp(iChannel, lowest, std::max(0, int(m_format.channels) - 1));
-    const bool other = channel != m_iChannel;
-    m_iChannel = channel;
+    const bool other = channel != m_channel;
+    m_channel = channel;
     return other;
 }
 
 QString CkPictureRenderer::unit() const {
     CkImageMetadata metadata;
     metadata.channelNames = m_channelNames;
-    return m_iChannel < 0 ? QString() : PictureText::channelUnit(m_format, metadata, quint32(m_iChannel));
+    return m_channel < 0 ? QString() : PictureText::channelUnit(m_format, metadata, quint32(m_channel));
 }
 
 void CkPictureRenderer::setColours(const CkLut& lut) {
@@ -80,17 +80,17 @@ void CkPictureRenderer::storeWindow(const SkPicBufInfo& info, CkLut& lut) const 
 }
 
 bool CkPictureRenderer::render(const SkPicBuf& picture, const SkContrast& contrast) {
-    const quint32 channel = quint32(std::max(m_iChannel, 0));
+    const quint32 channel = quint32(std::max(m_channel, 0));
     computeStatistics(picture, channel, m_statistics);
     if (contrast.automatic && m_statistics.finite > 0) {
         m_window = isFloatType(picture.dataType)
                        ? SkDisplayWindow{m_statistics.minimum, m_statistics.maximum}
                        : SkDisplayWindow{m_statistics.quantile(kTail), m_statistics.quantile(1.0 - kTail)};
     }
-    const bool shown = m_iChannel < 0
-                           ? PictureColours::copyColours(picture, m_image)
-                           : PictureColours::colourChannel(
-                                 picture, channel, {m_colours, m_window, contrast.markSaturated}, m_image);
+    const bool shown =
+        m_channel < 0 ? PictureColours::copyColours(picture, m_image)
+                      : PictureColours::colourChannel(picture, channel,
+                                                      {m_colours, m_window, contrast.markSaturated}, m_image);
     if (!shown) {
         m_image = QImage();
     }

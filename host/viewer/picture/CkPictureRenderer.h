@@ -31,7 +31,7 @@ public:
     const SkPicBufInfo& format() const { return m_format; }
 
     /// Channel shown; -1: all, as colours.
-    int channel() const { return m_iChannel; }
+    int channel() const { return m_channel; }
     /// Clamped to the existing channels. False when the channel stays the same.
     bool setChannel(int iChannel);
     /// Unit of the channel shown, may be empty.
@@ -66,5 +66,5 @@ private:
     SkDisplayWindow m_window;
     SkPictureStatistics m_statistics;
     QImage m_image;
-    int m_iChannel = 0;
+    int m_channel = 0;
 };

@@ -35,8 +35,8 @@ std::unique_ptr<CkImageData> copyOf(const CkImageData& frame) {
 
 CkPictureSnapshot::CkPictureSnapshot(const QImage& image, const CkImageData* pFrame, int iChannel,
                                      const QString& sChannel)
-    : m_image(image), m_frame(pFrame != nullptr ? copyOf(*pFrame) : nullptr), m_iChannel(iChannel),
-      m_sChannel(sChannel) {}
+    : m_image(image), m_frame(pFrame != nullptr ? copyOf(*pFrame) : nullptr), m_channel(iChannel),
+      m_channelTitle(sChannel) {}
 
 CkPictureSnapshot::~CkPictureSnapshot() = default;
 CkPictureSnapshot::CkPictureSnapshot(CkPictureSnapshot&&) noexcept = default;
@@ -50,17 +50,17 @@ QList<CkPictureSnapshot::SkForm> CkPictureSnapshot::forms() const {
     if (m_frame == nullptr) {
         return forms;
     }
-    if (m_iChannel >= 0) {
+    if (m_channel >= 0) {
         const QString scale =
-            PictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel));
+            PictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_channel));
         forms.append(
             {{tr("16-bit PNG, as measured, %1 (*.png)").arg(scale), QStringLiteral("png"), kAsMeasured},
              EkMeasured::Png16});
-        forms.append({{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_sChannel),
+        forms.append({{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_channelTitle),
                        QStringLiteral("tif"), kAsMeasured},
                       EkMeasured::FloatTiff});
     }
-    if (m_frame->picBuf().channels > 1 || m_iChannel < 0) {
+    if (m_frame->picBuf().channels > 1 || m_channel < 0) {
         forms.append(
             {{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"), kAsMeasured},
              EkMeasured::FloatTiffOfAll});
@@ -114,14 +114,14 @@ bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured for
         return false;
     }
     if (form != EkMeasured::Png16) {
-        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_iChannel;
+        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_channel;
         return PictureFile::saveFloatTiff(m_frame->picBuf(), m_frame->metadata(), channel, sFileName, sError);
     }
-    if (m_iChannel < 0) {
+    if (m_channel < 0) {
         sError = tr("A colour picture has no single channel to save; choose a channel first.");
         return false;
     }
-    return PictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_iChannel), sFileName,
+    return PictureFile::savePng16(m_frame->picBuf(), m_frame->metadata(), quint32(m_channel), sFileName,
                                   sError);
 }
 

@@ -51,6 +51,6 @@ private:
 
     QImage m_image;
     std::unique_ptr<CkImageData> m_frame; ///< null without a picture
-    int m_iChannel;
-    QString m_sChannel;
+    int m_channel;
+    QString m_channelTitle;
 };

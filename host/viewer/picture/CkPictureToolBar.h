@@ -36,7 +36,7 @@ public:
 
     /// Fit, 1:1, smaller and larger, for the view's context menu.
     QList<QAction*> zoomActions() const { return m_zoomActions; }
-    QAction* legendAction() const { return m_pLegendAction; }
+    QAction* legendAction() const { return m_legendAction; }
 
 signals:
     /// The user chose a channel; -1: all, as colours.
@@ -50,8 +50,8 @@ private:
     void showZoom(double fZoom, bool bFit);
 
     QList<QAction*> m_zoomActions;
-    QAction* m_pFitAction = nullptr;
-    QLabel* m_pZoomLabel = nullptr;
-    QComboBox* m_pChannelBox = nullptr;
-    QAction* m_pLegendAction = nullptr;
+    QAction* m_fitAction = nullptr;
+    QLabel* m_zoomLabel = nullptr;
+    QComboBox* m_channelBox = nullptr;
+    QAction* m_legendAction = nullptr;
 };

@@ -38,14 +38,14 @@ private:
     void adaptToUnit();
     void showRange();
 
-    double m_fSmallest = 0.0; ///< of the finite samples other than 0
-    double m_fLargest = 0.0;
-    bool m_bHasZeros = false;
-    QRadioButton* m_pPicture = nullptr;
-    QRadioButton* m_pDepth = nullptr;
-    QComboBox* m_pUnit = nullptr;
-    QDoubleSpinBox* m_pMillimetres = nullptr;
-    QCheckBox* m_pZero = nullptr;
-    QLabel* m_pRange = nullptr;
-    QWidget* m_pDetails = nullptr;
+    double m_smallest = 0.0; ///< of the finite samples other than 0
+    double m_largest = 0.0;
+    bool m_hasZeros = false;
+    QRadioButton* m_picture = nullptr;
+    QRadioButton* m_depth = nullptr;
+    QComboBox* m_unit = nullptr;
+    QDoubleSpinBox* m_millimetres = nullptr;
+    QCheckBox* m_zero = nullptr;
+    QLabel* m_range = nullptr;
+    QWidget* m_details = nullptr;
 };

@@ -27,7 +27,7 @@ QList<CkVideoSource*> playersOf(CkChain* chain) {
 } // namespace
 
 CkPlayback::CkPlayback(CkViewArea* pArea, QObject* pParent)
-    : QObject(pParent), m_pArea(pArea), m_pThrottle(new CkFrameThrottle(this)) {
+    : QObject(pParent), m_area(pArea), m_throttle(new CkFrameThrottle(this)) {
     connect(pArea, &CkViewArea::activeViewChanged, this, &CkPlayback::follow);
     connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, &CkPlayback::watch);
 }
@@ -55,7 +55,7 @@ void CkPlayback::watch(CkChain* pChain) {
     // Not queued: the first frame may arrive at any time.
     connect(pChain, &CkChain::structureChanged, this, [this, pChain] {
         for (CkVideoSource* source : playersOf(pChain)) {
-            source->setAfterFrame(m_pThrottle->function());
+            source->setAfterFrame(m_throttle->function());
         }
     });
     // Queued, to run when the start is complete; there may be several starts in a row.
@@ -73,7 +73,7 @@ void CkPlayback::watch(CkChain* pChain) {
 }
 
 void CkPlayback::follow() {
-    CkVideoSource* source = sourceOf(*m_pArea, m_pArea->activeView());
+    CkVideoSource* source = sourceOf(*m_area, m_area->activeView());
     if (source == m_source) {
         return;
     }

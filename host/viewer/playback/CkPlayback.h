@@ -52,7 +52,7 @@ private:
     void follow();
     void watch(CkChain* pChain);
 
-    CkViewArea* m_pArea;
-    CkFrameThrottle* m_pThrottle;
+    CkViewArea* m_area;
+    CkFrameThrottle* m_throttle;
     QPointer<CkVideoSource> m_source;
 };

@@ -35,7 +35,7 @@ int asInt(qint64 value) {
 } // namespace
 
 CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QWidget* pParent)
-    : QWidget(pParent), m_pPlayback(pPlayback), m_actions(actions) {
+    : QWidget(pParent), m_playback(pPlayback), m_actions(actions) {
     setObjectName(QStringLiteral("playbackBar"));
     // On a small screen, one line between the panels is too short for all controls.
     auto* layout = new CkWrapLayout(this);
@@ -44,37 +44,35 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
     for (QAction* action : {actions.first, actions.back, actions.play, actions.forward, actions.last}) {
         layout->addWidget(addButton(action));
     }
-    m_pSlider = new QSlider(Qt::Horizontal, this);
-    m_pSlider->setObjectName(QStringLiteral("playbackSlider"));
-    m_pSlider->setMinimumWidth(80);
-    m_pSlider->setToolTip(tr("Position in the recording"));
-    layout->addWidget(m_pSlider);
-    m_pNumber = new QSpinBox(this);
-    m_pNumber->setObjectName(QStringLiteral("playbackNumber"));
-    m_pNumber->setPrefix(tr("Frame "));
-    m_pNumber->setKeyboardTracking(false);
-    m_pNumber->setAlignment(Qt::AlignRight);
-    m_pNumber->setToolTip(tr(
+    m_slider = new QSlider(Qt::Horizontal, this);
+    m_slider->setObjectName(QStringLiteral("playbackSlider"));
+    m_slider->setMinimumWidth(80);
+    m_slider->setToolTip(tr("Position in the recording"));
+    layout->addWidget(m_slider);
+    m_number = new QSpinBox(this);
+    m_number->setObjectName(QStringLiteral("playbackNumber"));
+    m_number->setPrefix(tr("Frame "));
+    m_number->setKeyboardTracking(false);
+    m_number->setAlignment(Qt::AlignRight);
+    m_number->setToolTip(tr(
         "Number of the frame that is shown, counted from 0 as the command line does; type one to go there"));
-    layout->addWidget(m_pNumber);
-    m_pTime = new QLabel(this);
-    m_pTime->setObjectName(QStringLiteral("playbackTime"));
-    m_pTime->setToolTip(tr("Time of the frame since the first one, and length of the recording"));
-    layout->addWidget(m_pTime);
+    layout->addWidget(m_number);
+    m_time = new QLabel(this);
+    m_time->setObjectName(QStringLiteral("playbackTime"));
+    m_time->setToolTip(tr("Time of the frame since the first one, and length of the recording"));
+    layout->addWidget(m_time);
     layout->addWidget(addButton(actions.loop));
     createPaceControls();
-    layout->addWidget(m_pPace);
-    layout->addWidget(m_pSpeed);
-    m_pNote = new QLabel(this);
-    m_pNote->setObjectName(QStringLiteral("playbackNote"));
-    layout->addWidget(m_pNote);
+    layout->addWidget(m_pace);
+    layout->addWidget(m_speed);
+    m_note = new QLabel(this);
+    m_note->setObjectName(QStringLiteral("playbackNote"));
+    layout->addWidget(m_note);
 
-    connect(m_pSlider, &QSlider::valueChanged, m_pPlayback,
-            [this](int iValue) { m_pPlayback->goTo(iValue); });
-    connect(m_pNumber, &QSpinBox::valueChanged, m_pPlayback,
-            [this](int iValue) { m_pPlayback->goTo(iValue); });
-    connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
-    connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
+    connect(m_slider, &QSlider::valueChanged, m_playback, [this](int iValue) { m_playback->goTo(iValue); });
+    connect(m_number, &QSpinBox::valueChanged, m_playback, [this](int iValue) { m_playback->goTo(iValue); });
+    connect(m_playback, &CkPlayback::sourceChanged, this, &CkPlaybackBar::adaptToSource);
+    connect(m_playback, &CkPlayback::settingsChanged, this, &CkPlaybackBar::refresh);
     // Polled: the source may be much faster than the display, and a signal per frame would cost more.
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkPlaybackBar::refresh);
@@ -82,21 +80,21 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
 }
 
 void CkPlaybackBar::createPaceControls() {
-    m_pPace = new QComboBox(this);
-    m_pPace->setObjectName(QStringLiteral("playbackPace"));
-    m_pPace->addItem(tr("Real time"), int(SkPlaybackSettings::RealTime));
-    m_pPace->addItem(tr("Every frame"), int(SkPlaybackSettings::EveryFrame));
-    m_pPace->setToolTip(tr("Real time: as it was recorded; frames that come too late are left out.\n"
-                           "Every frame: as fast as the chain goes, nothing left out."));
-    m_pSpeed = new QComboBox(this);
-    m_pSpeed->setObjectName(QStringLiteral("playbackSpeed"));
+    m_pace = new QComboBox(this);
+    m_pace->setObjectName(QStringLiteral("playbackPace"));
+    m_pace->addItem(tr("Real time"), int(SkPlaybackSettings::RealTime));
+    m_pace->addItem(tr("Every frame"), int(SkPlaybackSettings::EveryFrame));
+    m_pace->setToolTip(tr("Real time: as it was recorded; frames that come too late are left out.\n"
+                          "Every frame: as fast as the chain goes, nothing left out."));
+    m_speed = new QComboBox(this);
+    m_speed->setObjectName(QStringLiteral("playbackSpeed"));
     for (const double speed : kSpeeds) {
-        addSpeed(m_pSpeed, speed);
+        addSpeed(m_speed, speed);
     }
-    connect(m_pPace, &QComboBox::currentIndexChanged, m_pPlayback,
-            [this] { m_pPlayback->setPace(m_pPace->currentData().toInt()); });
-    connect(m_pSpeed, &QComboBox::currentIndexChanged, m_pPlayback,
-            [this] { m_pPlayback->setSpeed(m_pSpeed->currentData().toDouble()); });
+    connect(m_pace, &QComboBox::currentIndexChanged, m_playback,
+            [this] { m_playback->setPace(m_pace->currentData().toInt()); });
+    connect(m_speed, &QComboBox::currentIndexChanged, m_playback,
+            [this] { m_playback->setSpeed(m_speed->currentData().toDouble()); });
 }
 
 QToolButton* CkPlaybackBar::addButton(QAction* pAction) {
@@ -119,37 +117,36 @@ QString CkPlaybackBar::timeText(qint64 iNanoseconds) {
 }
 
 void CkPlaybackBar::adaptToSource() {
-    const CkVideoSource* source = m_pPlayback->source();
+    const CkVideoSource* source = m_playback->source();
     if (source == nullptr) {
         m_timer.stop();
         hide();
         return;
     }
-    m_iShown = -2;
-    m_sTotal.clear();
+    m_shown = -2;
+    m_total.clear();
     const int last = asInt(source->frameCount() - 1);
     {
-        const QSignalBlocker slider(m_pSlider);
-        const QSignalBlocker number(m_pNumber);
-        m_pSlider->setRange(0, last);
-        m_pSlider->setPageStep(qMax(1, last / 20));
-        m_pNumber->setRange(0, last);
-        m_pNumber->setSuffix(tr(" of %1").arg(source->frameCount()));
-        if (const std::optional<qint64> total = m_pPlayback->timeOf(last)) {
-            m_sTotal = timeText(*total);
+        const QSignalBlocker slider(m_slider);
+        const QSignalBlocker number(m_number);
+        m_slider->setRange(0, last);
+        m_slider->setPageStep(qMax(1, last / 20));
+        m_number->setRange(0, last);
+        m_number->setSuffix(tr(" of %1").arg(source->frameCount()));
+        if (const std::optional<qint64> total = m_playback->timeOf(last)) {
+            m_total = timeText(*total);
         }
     }
     // As wide as the longest text, so that the controls keep their places during playback.
-    m_pTime->setMinimumWidth(
-        fontMetrics().horizontalAdvance(m_sTotal.isEmpty() ? QString()
-                                                           : m_sTotal + QStringLiteral(" / ") + m_sTotal) +
-        8);
+    m_time->setMinimumWidth(fontMetrics().horizontalAdvance(
+                                m_total.isEmpty() ? QString() : m_total + QStringLiteral(" / ") + m_total) +
+                            8);
     refresh();
     m_timer.start();
 }
 
 void CkPlaybackBar::refresh() {
-    const CkVideoSource* source = m_pPlayback->source();
+    const CkVideoSource* source = m_playback->source();
     if (source == nullptr) {
         hide();
         return;
@@ -157,21 +154,21 @@ void CkPlaybackBar::refresh() {
     // A single picture has nothing to play, but may be damaged.
     setVisible(source->frameCount() > 1 || !source->errorMessage().isEmpty());
     const qint64 position = source->position();
-    if (position != m_iShown) {
-        m_iShown = position;
-        const QSignalBlocker slider(m_pSlider);
-        const QSignalBlocker number(m_pNumber);
-        if (!m_pSlider->isSliderDown()) {
-            m_pSlider->setValue(asInt(position));
+    if (position != m_shown) {
+        m_shown = position;
+        const QSignalBlocker slider(m_slider);
+        const QSignalBlocker number(m_number);
+        if (!m_slider->isSliderDown()) {
+            m_slider->setValue(asInt(position));
         }
-        const auto* edit = m_pNumber->findChild<QLineEdit*>();
+        const auto* edit = m_number->findChild<QLineEdit*>();
         // Not while the user is typing a number.
         if (edit == nullptr || !edit->isModified()) {
-            m_pNumber->setValue(asInt(position));
+            m_number->setValue(asInt(position));
         }
         const std::optional<qint64> time =
-            m_sTotal.isEmpty() || position < 0 ? std::nullopt : m_pPlayback->timeOf(position);
-        m_pTime->setText(time ? timeText(*time) + QStringLiteral(" / ") + m_sTotal : QString());
+            m_total.isEmpty() || position < 0 ? std::nullopt : m_playback->timeOf(position);
+        m_time->setText(time ? timeText(*time) + QStringLiteral(" / ") + m_total : QString());
     }
     showPace();
     const bool playing = source->isPlaying();
@@ -186,24 +183,24 @@ void CkPlaybackBar::refresh() {
 }
 
 void CkPlaybackBar::showPace() {
-    const CkVideoSource* source = m_pPlayback->source();
-    const QSignalBlocker paceBlocker(m_pPace);
-    const QSignalBlocker speedBlocker(m_pSpeed);
-    m_pPace->setCurrentIndex(m_pPace->findData(source->pace()));
+    const CkVideoSource* source = m_playback->source();
+    const QSignalBlocker paceBlocker(m_pace);
+    const QSignalBlocker speedBlocker(m_speed);
+    m_pace->setCurrentIndex(m_pace->findData(source->pace()));
     // A chain file may contain a speed that is not in the list.
-    if (m_pSpeed->findData(source->speed()) < 0) {
-        addSpeed(m_pSpeed, source->speed());
+    if (m_speed->findData(source->speed()) < 0) {
+        addSpeed(m_speed, source->speed());
     }
-    m_pSpeed->setCurrentIndex(m_pSpeed->findData(source->speed()));
+    m_speed->setCurrentIndex(m_speed->findData(source->speed()));
     const bool realTime = source->pace() == SkPlaybackSettings::RealTime;
-    m_pSpeed->setEnabled(realTime);
-    m_pSpeed->setToolTip(realTime ? tr("How much faster or slower than it was recorded")
-                                  : tr("Every frame is played as fast as the chain goes; choose real time "
-                                       "for a speed"));
+    m_speed->setEnabled(realTime);
+    m_speed->setToolTip(realTime ? tr("How much faster or slower than it was recorded")
+                                 : tr("Every frame is played as fast as the chain goes; choose real time "
+                                      "for a speed"));
 }
 
 void CkPlaybackBar::showDamage() {
-    const CkVideoSource* source = m_pPlayback->source();
+    const CkVideoSource* source = m_playback->source();
     const QString error = source->errorMessage();
     const qint64 skipped = source->skippedFrames();
     QString note;
@@ -212,9 +209,9 @@ void CkPlaybackBar::showDamage() {
     } else if (skipped > 0) {
         note = tr("%1 left out").arg(skipped);
     }
-    if (note != m_pNote->text()) {
-        m_pNote->setText(note);
+    if (note != m_note->text()) {
+        m_note->setText(note);
     }
-    m_pNote->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started") : error);
-    m_pNote->setVisible(!note.isEmpty());
+    m_note->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started") : error);
+    m_note->setVisible(!note.isEmpty());
 }

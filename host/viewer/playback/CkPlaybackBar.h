@@ -42,16 +42,16 @@ private:
     void showPace();
     void showDamage();
 
-    CkPlayback* m_pPlayback;
+    CkPlayback* m_playback;
     SkActions m_actions;
-    QSlider* m_pSlider = nullptr;
-    QSpinBox* m_pNumber = nullptr;
-    QLabel* m_pTime = nullptr;
-    QLabel* m_pNote = nullptr;
-    QComboBox* m_pPace = nullptr;
-    QComboBox* m_pSpeed = nullptr;
+    QSlider* m_slider = nullptr;
+    QSpinBox* m_number = nullptr;
+    QLabel* m_time = nullptr;
+    QLabel* m_note = nullptr;
+    QComboBox* m_pace = nullptr;
+    QComboBox* m_speed = nullptr;
     QTimer m_timer;
-    qint64 m_iShown =
-        -2;           ///< frame whose time is shown; -1 is a position of the source, before its first frame
-    QString m_sTotal; ///< length of the recording
+    qint64 m_shown =
+        -2;          ///< frame whose time is shown; -1 is a position of the source, before its first frame
+    QString m_total; ///< length of the recording
 };

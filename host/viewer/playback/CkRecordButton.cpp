@@ -23,7 +23,7 @@ CkRecordingJob* runningOf(const CkRecordingManager& manager, void* handle) {
 
 CkRecordButton::CkRecordButton(CkRecordingManager* pManager, void* pCameraHandle,
                                std::function<void()> openView, QWidget* pParent)
-    : QPushButton(pParent), m_pManager(pManager), m_pHandle(pCameraHandle), m_openView(std::move(openView)) {
+    : QPushButton(pParent), m_manager(pManager), m_handle(pCameraHandle), m_openView(std::move(openView)) {
     setObjectName(QStringLiteral("btnRecord"));
     setIcon(icon());
     connect(this, &QPushButton::clicked, this, &CkRecordButton::press);
@@ -43,18 +43,18 @@ QIcon CkRecordButton::icon() {
 }
 
 void CkRecordButton::press() {
-    if (CkRecordingJob* running = runningOf(*m_pManager, m_pHandle)) {
+    if (CkRecordingJob* running = runningOf(*m_manager, m_handle)) {
         running->stop();
         return;
     }
-    if (m_pManager->sourceOfCamera(m_pHandle) == nullptr) {
+    if (m_manager->sourceOfCamera(m_handle) == nullptr) {
         m_openView();
     }
-    m_pManager->recordWithDialog(m_pManager->sourceOfCamera(m_pHandle));
+    m_manager->recordWithDialog(m_manager->sourceOfCamera(m_handle));
 }
 
 void CkRecordButton::refresh() {
-    const bool running = runningOf(*m_pManager, m_pHandle) != nullptr;
+    const bool running = runningOf(*m_manager, m_handle) != nullptr;
     setText(running ? tr("Stop Recording") : tr("Record..."));
     setToolTip(
         running ? tr("Write what waits and close the file")

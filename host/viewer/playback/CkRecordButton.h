@@ -22,7 +22,7 @@ private:
     void press();
     void refresh();
 
-    CkRecordingManager* m_pManager;
-    void* m_pHandle;
+    CkRecordingManager* m_manager;
+    void* m_handle;
     std::function<void()> m_openView;
 };

@@ -23,27 +23,27 @@ constexpr int kRefreshMs = 250;
 }
 
 CkRecordingController::CkRecordingController(CkViewArea* pArea, QWidget* pWindow)
-    : QObject(pWindow), m_pWindow(pWindow), m_pArea(pArea) {
+    : QObject(pWindow), m_window(pWindow), m_area(pArea) {
     CkRecordingOpener::registerSource();
-    m_pManager = new CkRecordingManager(m_pArea, pWindow);
-    m_pManager->setParent(this);
-    m_pPlayback = new CkPlayback(m_pArea, this);
+    m_manager = new CkRecordingManager(m_area, pWindow);
+    m_manager->setParent(this);
+    m_playback = new CkPlayback(m_area, this);
     createRecordActions();
     createPlaybackActions();
-    m_pBar = new CkPlaybackBar(m_pPlayback, m_play);
-    m_pPanel = new CkRecordingPanel(m_pManager);
-    m_pIndicator = new QLabel(pWindow);
-    m_pIndicator->setObjectName(QStringLiteral("recordingLamp"));
-    m_pIndicator->hide();
+    m_bar = new CkPlaybackBar(m_playback, m_play);
+    m_panel = new CkRecordingPanel(m_manager);
+    m_indicator = new QLabel(pWindow);
+    m_indicator->setObjectName(QStringLiteral("recordingLamp"));
+    m_indicator->hide();
     fillMenuActions();
 
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkRecordingController::refresh);
-    connect(m_pPlayback, &CkPlayback::sourceChanged, this, &CkRecordingController::refresh);
-    connect(m_pPlayback, &CkPlayback::settingsChanged, this, &CkRecordingController::refresh);
-    connect(m_pPanel, &CkRecordingPanel::openRequested, this, &CkRecordingController::openRequested);
-    connect(m_pManager, &CkRecordingManager::troubled, this, &CkRecordingController::refresh);
-    connect(m_pManager, &CkRecordingManager::jobsChanged, this, [this] {
-        if (m_pManager->runningCount() > 0) {
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkRecordingController::refresh);
+    connect(m_playback, &CkPlayback::sourceChanged, this, &CkRecordingController::refresh);
+    connect(m_playback, &CkPlayback::settingsChanged, this, &CkRecordingController::refresh);
+    connect(m_panel, &CkRecordingPanel::openRequested, this, &CkRecordingController::openRequested);
+    connect(m_manager, &CkRecordingManager::troubled, this, &CkRecordingController::refresh);
+    connect(m_manager, &CkRecordingManager::jobsChanged, this, [this] {
+        if (m_manager->runningCount() > 0) {
             m_timer.start();
             emit panelWanted();
         } else {
@@ -65,26 +65,25 @@ QAction* CkRecordingController::createAction(const QString& sText, const char* s
 }
 
 void CkRecordingController::createRecordActions() {
-    m_pRecordSource = createAction(tr("&Record the Source..."), "actRecordSource", Qt::CTRL | Qt::Key_R);
-    m_pRecordSource->setIcon(CkRecordButton::icon());
-    connect(m_pRecordSource, &QAction::triggered, this,
-            [this] { m_pManager->recordWithDialog(m_pManager->sourceToRecord()); });
-    m_pRecordView =
-        createAction(tr("Record the &View..."), "actRecordView", Qt::CTRL | Qt::SHIFT | Qt::Key_R);
-    connect(m_pRecordView, &QAction::triggered, this,
-            [this] { m_pManager->recordWithDialog(m_pManager->outputToRecord()); });
-    m_pStopAll = createAction(tr("Stop &All Recordings"), "actStopRecordings", Qt::CTRL | Qt::Key_E);
-    connect(m_pStopAll, &QAction::triggered, m_pManager, &CkRecordingManager::stopAll);
+    m_recordSource = createAction(tr("&Record the Source..."), "actRecordSource", Qt::CTRL | Qt::Key_R);
+    m_recordSource->setIcon(CkRecordButton::icon());
+    connect(m_recordSource, &QAction::triggered, this,
+            [this] { m_manager->recordWithDialog(m_manager->sourceToRecord()); });
+    m_recordView = createAction(tr("Record the &View..."), "actRecordView", Qt::CTRL | Qt::SHIFT | Qt::Key_R);
+    connect(m_recordView, &QAction::triggered, this,
+            [this] { m_manager->recordWithDialog(m_manager->outputToRecord()); });
+    m_stopAll = createAction(tr("Stop &All Recordings"), "actStopRecordings", Qt::CTRL | Qt::Key_E);
+    connect(m_stopAll, &QAction::triggered, m_manager, &CkRecordingManager::stopAll);
 }
 
 void CkRecordingController::createPlaybackActions() {
     const auto make = [this](const QString& text, const char* name, const QKeySequence& key, auto slot) {
         QAction* action = createAction(text, name, key);
-        connect(action, &QAction::triggered, m_pPlayback, slot);
+        connect(action, &QAction::triggered, m_playback, slot);
         return action;
     };
     const auto icon = [this](QStyle::StandardPixmap pixmap) {
-        return m_pWindow->style()->standardIcon(pixmap);
+        return m_window->style()->standardIcon(pixmap);
     };
     m_play.first = make(tr("&First Frame"), "actPlaybackFirst", Qt::Key_Home, &CkPlayback::goToFirst);
     m_play.first->setIcon(icon(QStyle::SP_MediaSkipBackward));
@@ -98,15 +97,15 @@ void CkRecordingController::createPlaybackActions() {
     m_play.last = make(tr("&Last Frame"), "actPlaybackLast", Qt::Key_End, &CkPlayback::goToLast);
     m_play.last->setIcon(icon(QStyle::SP_MediaSkipForward));
     m_play.loop = make(tr("L&oop"), "actPlaybackLoop", Qt::Key_L,
-                       [this] { m_pPlayback->setLoop(m_play.loop->isChecked()); });
+                       [this] { m_playback->setLoop(m_play.loop->isChecked()); });
     m_play.loop->setCheckable(true);
     m_play.loop->setIcon(icon(QStyle::SP_BrowserReload));
-    m_pEveryFrame = make(tr("&Every Frame"), "actPlaybackEveryFrame", Qt::Key_E,
-                         [this] { m_pPlayback->setPace(SkPlaybackSettings::EveryFrame); });
-    m_pRealTime = make(tr("Real &Time"), "actPlaybackRealTime", Qt::Key_T,
-                       [this] { m_pPlayback->setPace(SkPlaybackSettings::RealTime); });
+    m_everyFrame = make(tr("&Every Frame"), "actPlaybackEveryFrame", Qt::Key_E,
+                        [this] { m_playback->setPace(SkPlaybackSettings::EveryFrame); });
+    m_realTime = make(tr("Real &Time"), "actPlaybackRealTime", Qt::Key_T,
+                      [this] { m_playback->setPace(SkPlaybackSettings::RealTime); });
     auto* paces = new QActionGroup(this);
-    for (QAction* action : {m_pEveryFrame, m_pRealTime}) {
+    for (QAction* action : {m_everyFrame, m_realTime}) {
         action->setCheckable(true);
         paces->addAction(action);
     }
@@ -119,8 +118,8 @@ void CkRecordingController::fillMenuActions() {
         return action;
     };
     const QList<QAction*> steps = {m_play.play, m_play.forward, m_play.back, m_play.first, m_play.last};
-    const QList<QAction*> modes = {m_play.loop, m_pEveryFrame, m_pRealTime};
-    m_menuActions = {m_pRecordSource, m_pRecordView, m_pStopAll, separator()};
+    const QList<QAction*> modes = {m_play.loop, m_everyFrame, m_realTime};
+    m_menuActions = {m_recordSource, m_recordView, m_stopAll, separator()};
     m_menuActions += steps;
     m_menuActions += separator();
     m_menuActions += modes;
@@ -129,13 +128,13 @@ void CkRecordingController::fillMenuActions() {
         // Elsewhere in the window the space bar presses buttons, and a full stop is text.
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     }
-    m_pArea->addActions(m_playbackActions);
-    m_pBar->addActions(m_playbackActions);
+    m_area->addActions(m_playbackActions);
+    m_bar->addActions(m_playbackActions);
 }
 
 QPushButton* CkRecordingController::createRecordButton(void* pCameraHandle, std::function<void()> openView,
                                                        QWidget* pParent) {
-    return new CkRecordButton(m_pManager, pCameraHandle, std::move(openView), pParent);
+    return new CkRecordButton(m_manager, pCameraHandle, std::move(openView), pParent);
 }
 
 void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
@@ -145,14 +144,14 @@ void CkRecordingController::addFileKinds(CkFileOpener* pOpener) {
     recording.suffixes = QStringList{QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("btf")};
     recording.recognises = &CkRecordingOpener::recognises;
     recording.open = [this](const QString& name, QString& error) {
-        if (!CkRecordingOpener(m_pArea, m_bInteractive ? m_pWindow : nullptr).open(name, error)) {
+        if (!CkRecordingOpener(m_area, m_interactive ? m_window : nullptr).open(name, error)) {
             return false;
         }
         // An unattended run has no user to start the playback.
-        if (!m_bInteractive) {
-            m_pPlayback->setPace(SkPlaybackSettings::EveryFrame);
-            m_pPlayback->setLoop(true);
-            m_pPlayback->togglePlaying();
+        if (!m_interactive) {
+            m_playback->setPace(SkPlaybackSettings::EveryFrame);
+            m_playback->setLoop(true);
+            m_playback->togglePlaying();
         }
         return true;
     };
@@ -173,23 +172,23 @@ void CkRecordingController::refresh() {
 }
 
 void CkRecordingController::refreshRecordActions() {
-    const CkChainable* source = m_pManager->sourceToRecord();
-    const CkChainable* output = m_pManager->outputToRecord();
+    const CkChainable* source = m_manager->sourceToRecord();
+    const CkChainable* output = m_manager->outputToRecord();
     const QString none = tr("The active view shows no chain");
-    m_pRecordSource->setEnabled(source != nullptr);
-    m_pRecordSource->setToolTip(
-        source != nullptr ? tr("Record \"%1\" as it is delivered").arg(source->title()) : none);
-    m_pRecordView->setEnabled(output != nullptr);
-    m_pRecordView->setToolTip(
+    m_recordSource->setEnabled(source != nullptr);
+    m_recordSource->setToolTip(source != nullptr ? tr("Record \"%1\" as it is delivered").arg(source->title())
+                                                 : none);
+    m_recordView->setEnabled(output != nullptr);
+    m_recordView->setToolTip(
         output != nullptr ? tr("Record what the active view is given, after all processing") : none);
-    const int running = m_pManager->runningCount();
-    m_pStopAll->setEnabled(running > 0);
-    m_pStopAll->setToolTip(running > 0 ? tr("Write what waits and close the files")
-                                       : tr("Nothing is being recorded"));
+    const int running = m_manager->runningCount();
+    m_stopAll->setEnabled(running > 0);
+    m_stopAll->setToolTip(running > 0 ? tr("Write what waits and close the files")
+                                      : tr("Nothing is being recorded"));
 }
 
 void CkRecordingController::refreshPlaybackActions() {
-    const CkVideoSource* player = m_pPlayback->source();
+    const CkVideoSource* player = m_playback->source();
     const QString nothing = player == nullptr           ? tr("The active view shows no recording")
                             : player->frameCount() <= 1 ? tr("The active view shows a single picture")
                                                         : QString();
@@ -203,25 +202,25 @@ void CkRecordingController::refreshPlaybackActions() {
                                               : QStringLiteral("%1 (%2)").arg(name, key));
     }
     if (player != nullptr) {
-        (player->pace() == SkPlaybackSettings::RealTime ? m_pRealTime : m_pEveryFrame)->setChecked(true);
+        (player->pace() == SkPlaybackSettings::RealTime ? m_realTime : m_everyFrame)->setChecked(true);
     }
 }
 
 void CkRecordingController::refreshIndicator() {
     qint64 written = 0;
     qint64 dropped = 0;
-    for (const CkRecordingJob* job : m_pManager->jobs()) {
+    for (const CkRecordingJob* job : m_manager->jobs()) {
         if (job->state() == CkRecordingJob::EkState::Running) {
             const CkRecorder::SkState state = job->counters();
             written += state.written;
             dropped += state.dropped;
         }
     }
-    m_pIndicator->setVisible(m_pManager->runningCount() > 0);
+    m_indicator->setVisible(m_manager->runningCount() > 0);
     QString text = tr("<span style='color:#d02020'>\u25cf</span> Recording: %n frame(s)", nullptr,
                       pluralNumber(written));
     if (dropped > 0) {
         text += tr(", <b style='color:#c02020'>%1 dropped</b>").arg(dropped);
     }
-    m_pIndicator->setText(text);
+    m_indicator->setText(text);
 }

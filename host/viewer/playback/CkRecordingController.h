@@ -26,12 +26,12 @@ public:
     CkRecordingController(CkViewArea* pArea, QWidget* pWindow);
 
     /// To be placed below the views.
-    CkPlaybackBar* bar() const { return m_pBar; }
-    CkRecordingPanel* panel() const { return m_pPanel; }
+    CkPlaybackBar* bar() const { return m_bar; }
+    CkRecordingPanel* panel() const { return m_panel; }
     /// To be placed in the status bar; hidden while nothing is recorded.
-    QLabel* recordingIndicator() const { return m_pIndicator; }
-    CkRecordingManager* manager() const { return m_pManager; }
-    CkPlayback* playback() const { return m_pPlayback; }
+    QLabel* recordingIndicator() const { return m_indicator; }
+    CkRecordingManager* manager() const { return m_manager; }
+    CkPlayback* playback() const { return m_playback; }
 
     /// Menu entries in order, including separators; call refresh() before they are shown.
     const QList<QAction*>& menuActions() const { return m_menuActions; }
@@ -41,7 +41,7 @@ public:
     void addFileKinds(CkFileOpener* pOpener);
 
     /// False: files are opened with defaults and no question is asked.
-    void setInteractive(bool bInteractive) { m_bInteractive = bInteractive; }
+    void setInteractive(bool bInteractive) { m_interactive = bInteractive; }
 
 public slots:
     /// Updates actions and indicator.
@@ -62,21 +62,21 @@ private:
     void refreshPlaybackActions();
     void refreshIndicator();
 
-    QWidget* m_pWindow;
-    CkViewArea* m_pArea;
-    CkRecordingManager* m_pManager;
-    CkPlayback* m_pPlayback;
+    QWidget* m_window;
+    CkViewArea* m_area;
+    CkRecordingManager* m_manager;
+    CkPlayback* m_playback;
     CkPlaybackBar::SkActions m_play;
-    QAction* m_pEveryFrame = nullptr;
-    QAction* m_pRealTime = nullptr;
-    QAction* m_pRecordSource = nullptr;
-    QAction* m_pRecordView = nullptr;
-    QAction* m_pStopAll = nullptr;
+    QAction* m_everyFrame = nullptr;
+    QAction* m_realTime = nullptr;
+    QAction* m_recordSource = nullptr;
+    QAction* m_recordView = nullptr;
+    QAction* m_stopAll = nullptr;
     QList<QAction*> m_menuActions;
     QList<QAction*> m_playbackActions; ///< those of m_menuActions that need a recording in the active view
-    CkPlaybackBar* m_pBar = nullptr;
-    CkRecordingPanel* m_pPanel = nullptr;
-    QLabel* m_pIndicator = nullptr;
+    CkPlaybackBar* m_bar = nullptr;
+    CkRecordingPanel* m_panel = nullptr;
+    QLabel* m_indicator = nullptr;
     QTimer m_timer;
-    bool m_bInteractive = true;
+    bool m_interactive = true;
 };

@@ -13,7 +13,7 @@ CkRecordingJob::CkRecordingJob(QObject* pParent) : QObject(pParent) {
     // Called on the chain's or the recorder's thread, possibly for each frame: one queued call at a time is
     // enough.
     m_recorder.setTroubleFunction([this](const CkRecorder::SkState&) {
-        if (!m_bTroublePending.exchange(true)) {
+        if (!m_troublePending.exchange(true)) {
             QMetaObject::invokeMethod(this, &CkRecordingJob::handleTrouble, Qt::QueuedConnection);
         }
     });
@@ -39,8 +39,8 @@ bool CkRecordingJob::start(CkChainable* pBlock, const QString& sFileName, const 
         return false;
     }
     m_block = pBlock;
-    m_bSource = qobject_cast<CkImageSource*>(pBlock) != nullptr;
-    m_sFileName = sFileName;
+    m_source = qobject_cast<CkImageSource*>(pBlock) != nullptr;
+    m_fileName = sFileName;
     m_state = EkState::Running;
     m_clock.start();
     attach();
@@ -66,7 +66,7 @@ void CkRecordingJob::attach() {
             return;
         }
         // The output of a source is recorded, regardless of blocks added after it.
-        if (m_bSource && m_block && m_block->chain() == m_chain) {
+        if (m_source && m_block && m_block->chain() == m_chain) {
             m_chain->addSink(m_block, &m_recorder);
         } else if (fed != nullptr) {
             m_block = fed;
@@ -92,7 +92,7 @@ void CkRecordingJob::chainCloses(CkChain* pChain) {
 }
 
 void CkRecordingJob::handleTrouble() {
-    m_bTroublePending = false;
+    m_troublePending = false;
     if (m_state == EkState::Running && !counters().error.isEmpty()) {
         stop();
     }
@@ -103,7 +103,7 @@ void CkRecordingJob::stop() {
     if (m_state != EkState::Running) {
         return;
     }
-    m_iElapsedMs = m_clock.elapsed();
+    m_elapsedMs = m_clock.elapsed();
     m_state = EkState::Finishing;
     detach();
     // Writing the frames in flight may take long on a slow disk.
@@ -122,5 +122,5 @@ void CkRecordingJob::stop() {
 }
 
 qint64 CkRecordingJob::elapsedMs() const {
-    return m_state == EkState::Running ? m_clock.elapsed() : m_iElapsedMs;
+    return m_state == EkState::Running ? m_clock.elapsed() : m_elapsedMs;
 }

@@ -36,12 +36,12 @@ public:
 
     EkState state() const { return m_state; }
     CkRecorder::SkState counters() const { return m_recorder.state(); }
-    QString fileName() const { return m_sFileName; }
+    QString fileName() const { return m_fileName; }
     /// The recorded block; null when it has been destroyed.
     CkChainable* block() const { return m_block; }
     /// What is recorded, as shown to the user.
-    QString title() const { return m_sTitle; }
-    void setTitle(const QString& sTitle) { m_sTitle = sTitle; }
+    QString title() const { return m_title; }
+    void setTitle(const QString& sTitle) { m_title = sTitle; }
     /// Milliseconds from the start to now, or to the stop.
     qint64 elapsedMs() const;
 
@@ -58,13 +58,13 @@ private:
 
     CkRecorder m_recorder;
     EkState m_state = EkState::Finished;
-    QString m_sFileName;
-    QString m_sTitle;
+    QString m_fileName;
+    QString m_title;
     QPointer<CkChainable> m_block;
     QPointer<CkChain> m_chain;
-    bool m_bSource = false;
-    std::atomic<bool> m_bTroublePending = false;
+    bool m_source = false;
+    std::atomic<bool> m_troublePending = false;
     std::future<bool> m_finishing;
     QElapsedTimer m_clock;
-    qint64 m_iElapsedMs = 0;
+    qint64 m_elapsedMs = 0;
 };

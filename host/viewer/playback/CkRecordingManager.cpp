@@ -48,12 +48,12 @@ void showBox(QWidget* window, const QString& text) {
 } // namespace
 
 CkRecordingManager::CkRecordingManager(CkViewArea* pArea, QWidget* pWindow)
-    : QObject(pWindow), m_pArea(pArea), m_pWindow(pWindow) {}
+    : QObject(pWindow), m_area(pArea), m_window(pWindow) {}
 
 CkRecordingManager::~CkRecordingManager() = default;
 
 CkChainable* CkRecordingManager::outputToRecord() const {
-    const CkMdiView* view = followedView(*m_pArea);
+    const CkMdiView* view = followedView(*m_area);
     CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
     return block != nullptr && block->chain() != nullptr ? block : nullptr;
 }
@@ -115,10 +115,10 @@ CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& s
     if (isInUse(sFileName, sError)) {
         return nullptr;
     }
-    const CkMdiView* view = followedView(*m_pArea);
+    const CkMdiView* view = followedView(*m_area);
     if (view != nullptr && view->dataProvider() != pBlock) {
         view = nullptr;
-        for (const CkMdiView* other : m_pArea->views()) {
+        for (const CkMdiView* other : m_area->views()) {
             if (other->dataProvider() == pBlock) {
                 view = other;
                 break;
@@ -164,7 +164,7 @@ void CkRecordingManager::report(CkRecordingJob* pJob) {
                              ? tr("The %n frame(s) in front of it are in the file and can be opened.",
                                   nullptr, pluralNumber(state.written))
                              : tr("The file holds no frame.");
-    showBox(m_pWindow,
+    showBox(m_window,
             tr("The recording ended early.\n\n%1\n\n%2 %3")
                 .arg(state.error, kept, tr("%n frame(s) were lost.", nullptr, pluralNumber(state.dropped))));
 }
@@ -186,7 +186,7 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
     const QString packed = tr("Recordings, compressed without loss, slower (*.tif)");
     const QString ending = QStringLiteral("tif");
     int form = 0;
-    const QString fileName = askSaveFileName(m_pWindow,
+    const QString fileName = askSaveFileName(m_window,
                                              {.title = tr("Record"),
                                               .start = proposed,
                                               .forms = {{plain, ending}, {packed, ending}},
@@ -202,7 +202,7 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
         record(block, fileName, form == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,
                error) == nullptr) {
         qWarning("%s", qUtf8Printable(error));
-        showBox(m_pWindow, error);
+        showBox(m_window, error);
     }
 }
 

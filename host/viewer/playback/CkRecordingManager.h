@@ -54,7 +54,7 @@ private:
     QString titleOf(const CkChainable* pBlock) const;
     void report(CkRecordingJob* pJob);
 
-    CkViewArea* m_pArea;
-    QWidget* m_pWindow;
+    CkViewArea* m_area;
+    QWidget* m_window;
     QList<CkRecordingJob*> m_jobs;
 };

@@ -128,7 +128,7 @@ bool CkRecordingOpener::askForScale(CkVideoSource& source) const {
     if (frame == nullptr) {
         return true;
     }
-    CkDepthImportDialog dialog(file->fileName(), *frame, m_pWindow);
+    CkDepthImportDialog dialog(file->fileName(), *frame, m_window);
     if (dialog.exec() != QDialog::Accepted) {
         return false;
     }
@@ -154,7 +154,7 @@ bool CkRecordingOpener::askForChain(const CkVideoSource& source, QDomDocument& c
                     tr("\"%1\" was recorded with a processing chain:\n\n%2\n\nOpen it with this chain?")
                         .arg(QFileInfo(source.fileName()).fileName(),
                              RecordedChain::blockTitles(chain).join(QStringLiteral(", "))),
-                    QMessageBox::NoButton, m_pWindow);
+                    QMessageBox::NoButton, m_window);
     box.setObjectName(QStringLiteral("restoreChainBox"));
     const QAbstractButton* with = box.addButton(tr("With the &Chain"), QMessageBox::AcceptRole);
     const QAbstractButton* without = box.addButton(tr("&Pictures Only"), QMessageBox::NoRole);
@@ -169,7 +169,7 @@ bool CkRecordingOpener::askForChain(const CkVideoSource& source, QDomDocument& c
 bool CkRecordingOpener::open(const QString& sFileName, QString& sError) {
     auto source = std::make_unique<CkVideoSource>();
     bool cancelled = false;
-    if (!openWithProgress(*source, sFileName, m_pWindow, sError, cancelled)) {
+    if (!openWithProgress(*source, sFileName, m_window, sError, cancelled)) {
         if (cancelled) {
             sError.clear();
         }
@@ -178,7 +178,7 @@ bool CkRecordingOpener::open(const QString& sFileName, QString& sError) {
     sError.clear();
     source->setPace(SkPlaybackSettings::RealTime);
     QDomDocument doc;
-    if (m_pWindow != nullptr && (!askForScale(*source) || !askForChain(*source, doc))) {
+    if (m_window != nullptr && (!askForScale(*source) || !askForChain(*source, doc))) {
         return false;
     }
     const QString damage = source->errorMessage();
@@ -218,7 +218,7 @@ void CkRecordingOpener::openViews(CkChain* pChain, const QString& sFileName, con
     CkImageView* first = nullptr;
     for (CkChainable* block : std::as_const(shown)) {
         auto* view = new CkImageView(block);
-        m_pArea->addView(view);
+        m_area->addView(view);
         first = first == nullptr ? view : first;
     }
     ViewAppearance::applyAfterFirstPicture(*first, appearance);

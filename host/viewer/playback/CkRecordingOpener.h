@@ -25,7 +25,7 @@ public:
     /// hold depths open the import dialog, and for a recording with a processing chain the user is asked
     /// whether to open that, too. With a null pWindow there are no dialogs: samples are kept as they are, and
     /// no stored chain is opened.
-    CkRecordingOpener(CkViewArea* pArea, QWidget* pWindow) : m_pArea(pArea), m_pWindow(pWindow) {}
+    CkRecordingOpener(CkViewArea* pArea, QWidget* pWindow) : m_area(pArea), m_window(pWindow) {}
 
     /// Opens a file with views and shows its first frame; playback is left to the user. False, with sError
     /// naming the file and the reason, or empty when the user cancelled.
@@ -36,6 +36,6 @@ private:
     bool askForChain(const CkVideoSource& source, QDomDocument& chain) const;
     void openViews(CkChain* pChain, const QString& sFileName, const QJsonObject& appearance);
 
-    CkViewArea* m_pArea;
-    QWidget* m_pWindow;
+    CkViewArea* m_area;
+    QWidget* m_window;
 };

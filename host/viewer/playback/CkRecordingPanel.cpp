@@ -25,18 +25,18 @@ using EkState = CkRecordingJob::EkState;
 } // namespace
 
 CkRecordingPanel::CkRecordingPanel(CkRecordingManager* pManager, QWidget* pParent)
-    : QWidget(pParent), m_pManager(pManager) {
+    : QWidget(pParent), m_manager(pManager) {
     setObjectName(QStringLiteral("recordingPanel"));
     setMinimumWidth(kWidth);
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(6, 6, 6, 6);
-    m_pRows = new QVBoxLayout;
-    m_pRows->setSpacing(8);
-    column->addLayout(m_pRows);
-    m_pEmpty = new QLabel(tr("Nothing is being recorded."), content);
-    m_pEmpty->setWordWrap(true);
-    column->addWidget(m_pEmpty);
+    m_rowLayout = new QVBoxLayout;
+    m_rowLayout->setSpacing(8);
+    column->addLayout(m_rowLayout);
+    m_empty = new QLabel(tr("Nothing is being recorded."), content);
+    m_empty->setWordWrap(true);
+    column->addWidget(m_empty);
     column->addStretch();
     auto* scroll = new QScrollArea(this);
     scroll->setWidgetResizable(true);
@@ -114,12 +114,12 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
     grid->setColumnStretch(1, 1);
     connect(row.stop, &QToolButton::clicked, pJob, &CkRecordingJob::stop);
     connect(row.open, &QToolButton::clicked, this, [this, pJob] { emit openRequested(pJob->fileName()); });
-    connect(row.remove, &QToolButton::clicked, this, [this, pJob] { m_pManager->remove(pJob); });
+    connect(row.remove, &QToolButton::clicked, this, [this, pJob] { m_manager->remove(pJob); });
     return row;
 }
 
 void CkRecordingPanel::rebuild() {
-    const QList<CkRecordingJob*>& jobs = m_pManager->jobs();
+    const QList<CkRecordingJob*>& jobs = m_manager->jobs();
     for (auto row = m_rows.begin(); row != m_rows.end();) {
         if (jobs.contains(row.key())) {
             ++row;
@@ -134,11 +134,11 @@ void CkRecordingPanel::rebuild() {
         if (!m_rows.contains(job)) {
             const SkRow row = createRow(job);
             m_rows.insert(job, row);
-            m_pRows->insertWidget(0, row.widget);
+            m_rowLayout->insertWidget(0, row.widget);
         }
     }
-    m_pEmpty->setVisible(jobs.isEmpty());
-    if (m_pManager->runningCount() > 0) {
+    m_empty->setVisible(jobs.isEmpty());
+    if (m_manager->runningCount() > 0) {
         m_timer.start();
     } else {
         m_timer.stop();

@@ -46,9 +46,9 @@ private:
     SkRow createRow(CkRecordingJob* pJob);
     void refreshRow(const SkRow& row, const CkRecordingJob& job) const;
 
-    CkRecordingManager* m_pManager;
-    QVBoxLayout* m_pRows = nullptr;
-    QLabel* m_pEmpty = nullptr;
+    CkRecordingManager* m_manager;
+    QVBoxLayout* m_rowLayout = nullptr;
+    QLabel* m_empty = nullptr;
     QHash<CkRecordingJob*, SkRow> m_rows;
     QTimer m_timer;
 };

@@ -90,13 +90,13 @@ std::shared_ptr<const IkFrameFile> CkStillPicture::open(const QString& sFileName
 }
 
 CkStillPicture::CkStillPicture(const QString& sFileName, const QImage& image)
-    : m_sFileName(sFileName), m_image(image), m_info(infoOf(image)) {}
+    : m_fileName(sFileName), m_image(image), m_info(infoOf(image)) {}
 
 bool CkStillPicture::describe(qint64 iFrame, SkFrameDescription& description, QString* psError) const {
     if (iFrame != 0) {
         if (psError != nullptr) {
             *psError = QCoreApplication::translate("CkStillPicture", "\"%1\": there is only one picture.")
-                           .arg(m_sFileName);
+                           .arg(m_fileName);
         }
         return false;
     }
@@ -115,7 +115,7 @@ std::unique_ptr<CkImageData> CkStillPicture::read(qint64 iFrame, QString* psErro
     if (!picture.allocate(m_info)) {
         if (psError != nullptr) {
             *psError = QCoreApplication::translate("CkStillPicture", "\"%1\": There is not enough memory.")
-                           .arg(m_sFileName);
+                           .arg(m_fileName);
         }
         return nullptr;
     }

@@ -18,7 +18,7 @@ public:
     /// Null, with psError naming the file and the reason.
     static std::shared_ptr<const IkFrameFile> open(const QString& sFileName, QString* psError);
 
-    QString fileName() const override { return m_sFileName; }
+    QString fileName() const override { return m_fileName; }
     qint64 frameCount() const override { return 1; }
     QString damage() const override { return {}; }
     const SkRecordingInfo& recordingInfo() const override { return m_recording; }
@@ -29,7 +29,7 @@ public:
 private:
     CkStillPicture(const QString& sFileName, const QImage& image);
 
-    QString m_sFileName;
+    QString m_fileName;
     QImage m_image; ///< in a format whose rows can be copied as they are
     SkPicBufInfo m_info;
     SkRecordingInfo m_recording;

@@ -62,8 +62,8 @@ QString CkPluginChecker::probe(const QString& sLibrary, const SkLibraryStamp& st
         m_verdicts.insert(sLibrary, stamp, *refusal);
         return *refusal;
     }
-    if (!m_bWarnedUnchecked) {
-        m_bWarnedUnchecked = true;
+    if (!m_warnedUnchecked) {
+        m_warnedUnchecked = true;
         qWarning("%s", qUtf8Printable(
                            tr("Plug-ins are loaded unchecked: the program zuPluginProbe cannot be run.")));
     }

@@ -35,5 +35,5 @@ private:
 
     SkPluginCheckOptions m_checks;
     CkPluginVerdictCache m_verdicts;
-    bool m_bWarnedUnchecked = false;
+    bool m_warnedUnchecked = false;
 };

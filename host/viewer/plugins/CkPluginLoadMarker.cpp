@@ -32,26 +32,26 @@ QString readLocked(const QString& fileName) {
 
 CkPluginLoadMarker::CkPluginLoadMarker(const QString& sFolder, const QString& sLibrary) {
     QDir().mkpath(sFolder);
-    m_sFileName = QDir(sFolder).filePath(kPrefix + QString::number(::getpid()));
+    m_fileName = QDir(sFolder).filePath(kPrefix + QString::number(::getpid()));
     // Renamed last, so that no other viewer finds the file before it is locked.
     const QByteArray unnamed =
         QFile::encodeName(QDir(sFolder).filePath(QStringLiteral("new-%1").arg(::getpid())));
-    m_iFile = ::open(unnamed.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (m_iFile < 0) {
+    m_file = ::open(unnamed.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (m_file < 0) {
         return;
     }
     const QByteArray path = QFile::encodeName(sLibrary);
-    if (::flock(m_iFile, LOCK_EX | LOCK_NB) != 0 ||
-        ::write(m_iFile, path.constData(), size_t(path.size())) != path.size() ||
-        ::rename(unnamed.constData(), QFile::encodeName(m_sFileName).constData()) != 0) {
+    if (::flock(m_file, LOCK_EX | LOCK_NB) != 0 ||
+        ::write(m_file, path.constData(), size_t(path.size())) != path.size() ||
+        ::rename(unnamed.constData(), QFile::encodeName(m_fileName).constData()) != 0) {
         ::unlink(unnamed.constData());
     }
 }
 
 CkPluginLoadMarker::~CkPluginLoadMarker() {
-    if (m_iFile >= 0) {
-        QFile::remove(m_sFileName);
-        ::close(m_iFile);
+    if (m_file >= 0) {
+        QFile::remove(m_fileName);
+        ::close(m_file);
     }
 }
 

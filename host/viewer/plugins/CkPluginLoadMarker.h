@@ -18,6 +18,6 @@ public:
     static QStringList takeLeftBehind(const QString& sFolder);
 
 private:
-    QString m_sFileName;
-    int m_iFile = -1;
+    QString m_fileName;
+    int m_file = -1;
 };

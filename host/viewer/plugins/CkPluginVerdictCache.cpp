@@ -33,7 +33,7 @@ std::optional<SkLibraryStamp> SkLibraryStamp::of(const QString& sLibrary) {
 }
 
 CkPluginVerdictCache::CkPluginVerdictCache(const QString& sFileName, const QString& sHost)
-    : m_sFileName(sFileName), m_sHost(sHost) {
+    : m_fileName(sFileName), m_host(sHost) {
     read();
 }
 
@@ -56,12 +56,12 @@ void CkPluginVerdictCache::clear() {
 }
 
 void CkPluginVerdictCache::read() {
-    QFile file(m_sFileName);
+    QFile file(m_fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         return;
     }
     const QJsonObject root = QJsonDocument::fromJson(file.read(kMaximumBytes)).object();
-    if (root.value(kHost).toString() != m_sHost) {
+    if (root.value(kHost).toString() != m_host) {
         return;
     }
     const QJsonObject libraries = root.value(kLibraries).toObject();
@@ -84,10 +84,10 @@ void CkPluginVerdictCache::write() const {
                                                {kHash, QString::fromLatin1(it->stamp.hash)},
                                                {kRefusal, it->refusal}});
     }
-    QDir().mkpath(QFileInfo(m_sFileName).absolutePath());
-    QSaveFile file(m_sFileName);
+    QDir().mkpath(QFileInfo(m_fileName).absolutePath());
+    QSaveFile file(m_fileName);
     if (file.open(QIODevice::WriteOnly)) {
-        file.write(QJsonDocument(QJsonObject{{kHost, m_sHost}, {kLibraries, libraries}}).toJson());
+        file.write(QJsonDocument(QJsonObject{{kHost, m_host}, {kLibraries, libraries}}).toJson());
         file.commit();
     }
 }

@@ -41,7 +41,7 @@ private:
     void read();
     void write() const;
 
-    QString m_sFileName;
-    QString m_sHost;
+    QString m_fileName;
+    QString m_host;
     QHash<QString, SkVerdict> m_verdicts;
 };

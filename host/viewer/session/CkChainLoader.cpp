@@ -11,7 +11,7 @@ constexpr qint64 kRefreshMs = 50;
 } // namespace
 
 CkChainLoader::CkChainLoader(const QString& sFileName, QWidget* pWindow)
-    : m_sFileName(sFileName), m_pWindow(pWindow) {
+    : m_fileName(sFileName), m_window(pWindow) {
     m_sinceStart.start();
     m_sinceShown.start();
 }
@@ -19,7 +19,7 @@ CkChainLoader::CkChainLoader(const QString& sFileName, QWidget* pWindow)
 CkChain* CkChainLoader::load(QString& sError) {
     const CkOpenProgressScope progress([this](qint64 found, double) { return framesFound(found); });
     CkChain* const chain = ChainFile::load(
-        m_sFileName, sError, [this](qsizetype read, qsizetype all) { return blocksRead(read, all); });
+        m_fileName, sError, [this](qsizetype read, qsizetype all) { return blocksRead(read, all); });
     if (chain == nullptr && m_dialog != nullptr && m_dialog->wasCanceled()) {
         sError.clear();
     }
@@ -28,13 +28,13 @@ CkChain* CkChainLoader::load(QString& sError) {
 }
 
 bool CkChainLoader::blocksRead(qsizetype iRead, qsizetype iAll) {
-    m_iRead = iRead;
-    m_iAll = iAll;
-    return report(tr("Opening \"%1\": block %2 of %3").arg(m_sFileName).arg(iRead).arg(iAll));
+    m_read = iRead;
+    m_all = iAll;
+    return report(tr("Opening \"%1\": block %2 of %3").arg(m_fileName).arg(iRead).arg(iAll));
 }
 
 bool CkChainLoader::framesFound(qint64 iFrames) {
-    return report(tr("Opening \"%1\": frame %2 of a recording").arg(m_sFileName).arg(iFrames));
+    return report(tr("Opening \"%1\": frame %2 of a recording").arg(m_fileName).arg(iFrames));
 }
 
 bool CkChainLoader::report(const QString& sText) {
@@ -42,7 +42,7 @@ bool CkChainLoader::report(const QString& sText) {
         if (m_sinceStart.elapsed() < kProgressDialogDelay.count()) {
             return true;
         }
-        m_dialog = std::make_unique<QProgressDialog>(m_pWindow);
+        m_dialog = std::make_unique<QProgressDialog>(m_window);
         m_dialog->setObjectName(QStringLiteral("openingChain"));
         m_dialog->setWindowTitle(tr("Open Chain"));
         m_dialog->setWindowModality(Qt::ApplicationModal);
@@ -53,9 +53,9 @@ bool CkChainLoader::report(const QString& sText) {
         return true;
     }
     m_sinceShown.start();
-    m_dialog->setMaximum(int(m_iAll));
+    m_dialog->setMaximum(int(m_all));
     m_dialog->setLabelText(sText);
-    m_dialog->setValue(int(m_iRead));
+    m_dialog->setValue(int(m_read));
     // The dialog processes events itself only when the value has changed.
     QCoreApplication::processEvents();
     return !m_dialog->wasCanceled();

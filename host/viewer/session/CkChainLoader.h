@@ -26,11 +26,11 @@ private:
     bool blocksRead(qsizetype iRead, qsizetype iAll);
     bool framesFound(qint64 iFrames);
 
-    QString m_sFileName;
-    QWidget* m_pWindow;
+    QString m_fileName;
+    QWidget* m_window;
     std::unique_ptr<QProgressDialog> m_dialog;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceShown;
-    qsizetype m_iRead = 0;
-    qsizetype m_iAll = 0;
+    qsizetype m_read = 0;
+    qsizetype m_all = 0;
 };

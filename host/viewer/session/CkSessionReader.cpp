@@ -54,7 +54,7 @@ void restorePlace(const CkMdiView* view, const QDomElement& element) {
 } // namespace
 
 CkSessionReader::CkSessionReader(CkViewArea* pArea, CkCameraController* pCameras)
-    : m_pArea(pArea), m_pCameras(pCameras) {}
+    : m_area(pArea), m_cameras(pCameras) {}
 
 SkRestoredSession CkSessionReader::restoreLast(CkViewArea* pArea, CkCameraController* pCameras) {
     const auto settings = ViewerSettings::open();
@@ -103,7 +103,7 @@ void CkSessionReader::set3dViewOpened(CkMdiView& view) {
 void CkSessionReader::openCamera(const QDomElement& element) {
     const QString id = element.attribute(kId);
     QString error;
-    void* handle = m_pCameras->openCamera(id, false, &error);
+    void* handle = m_cameras->openCamera(id, false, &error);
     if (handle == nullptr) {
         m_restored.problems.append(tr("Camera \"%1\" of the last session: %2").arg(id, error));
         m_missing.append(id);
@@ -156,7 +156,7 @@ void CkSessionReader::openView(const QDomElement& element) {
         return;
     }
     auto* view = new CkImageView(block);
-    m_pArea->addView(view);
+    m_area->addView(view);
     restorePlace(view, element);
     ViewAppearance::applyAfterFirstPicture(
         *view, QJsonDocument::fromJson(element.attribute(kAppearance).toUtf8()).object());
@@ -166,7 +166,7 @@ void CkSessionReader::openView(const QDomElement& element) {
         view->setProperty(kPending3dView, true);
     }
     if (element.attribute(kActive).toInt() != 0) {
-        m_iActive = view->viewId();
+        m_active = view->viewId();
     }
 }
 
@@ -180,9 +180,9 @@ void CkSessionReader::start() {
         }
     }
     for (void* handle : m_running) {
-        m_pCameras->start(handle);
+        m_cameras->start(handle);
     }
-    if (m_iActive >= 0) {
-        m_pArea->setActiveView(m_iActive);
+    if (m_active >= 0) {
+        m_area->setActiveView(m_active);
     }
 }

@@ -45,12 +45,12 @@ private:
     bool needsMissingCamera(const QDomElement& chain) const;
     void reportMissingRecordings(const CkChain& chain);
 
-    CkViewArea* m_pArea;
-    CkCameraController* m_pCameras;
+    CkViewArea* m_area;
+    CkCameraController* m_cameras;
     SkRestoredSession m_restored;
     QList<CkChain*> m_chains; ///< null for those that cannot be opened: the indices in the text stay valid
     QList<CkChain*> m_shown;
     QList<void*> m_running;
     QStringList m_missing; ///< identifiers of cameras
-    int m_iActive = -1;
+    int m_active = -1;
 };

@@ -21,8 +21,8 @@ constexpr int kMostDelays = 5;
 
 CkSessionSaver::CkSessionSaver(const QMainWindow* pWindow, const CkViewArea* pArea, EkSessionScope scope,
                                bool bAtOnce)
-    : m_pWindow(pWindow), m_pArea(pArea), m_scope(scope), m_last(SkWindowLayout::of(*pWindow, *pArea, scope)),
-      m_bOn(bAtOnce) {
+    : m_window(pWindow), m_area(pArea), m_scope(scope), m_last(SkWindowLayout::of(*pWindow, *pArea, scope)),
+      m_isOn(bAtOnce) {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kDelayMs);
     connect(&m_timer, &QTimer::timeout, this, &CkSessionSaver::save);
@@ -48,7 +48,7 @@ CkSessionSaver::~CkSessionSaver() = default;
 
 void CkSessionSaver::end() {
     m_timer.stop();
-    disconnect(m_pArea, nullptr, this, nullptr);
+    disconnect(m_area, nullptr, this, nullptr);
     disconnect(CkCameraManager::instance(), nullptr, this, nullptr);
     disconnect(CkChainManager::instance(), nullptr, this, nullptr);
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -63,13 +63,13 @@ bool CkSessionSaver::eventFilter(QObject* pWatched, QEvent* pEvent) {
     case QEvent::KeyRelease:
     case QEvent::Wheel:
     case QEvent::Drop:
-        m_bOn = true;
+        m_isOn = true;
         touch();
         break;
     case QEvent::Move:
     case QEvent::Resize:
     case QEvent::WindowStateChange:
-        if (pWatched == m_pWindow || qobject_cast<QMdiSubWindow*>(pWatched) != nullptr ||
+        if (pWatched == m_window || qobject_cast<QMdiSubWindow*>(pWatched) != nullptr ||
             qobject_cast<QDockWidget*>(pWatched) != nullptr) {
             touch();
         }
@@ -81,7 +81,7 @@ bool CkSessionSaver::eventFilter(QObject* pWatched, QEvent* pEvent) {
 }
 
 void CkSessionSaver::touch() {
-    if (!m_bOn) {
+    if (!m_isOn) {
         return;
     }
     if (!m_timer.isActive()) {
@@ -100,7 +100,7 @@ void CkSessionSaver::save() {
         emit postponed();
         return;
     }
-    const SkWindowLayout now = SkWindowLayout::of(*m_pWindow, *m_pArea, m_scope);
+    const SkWindowLayout now = SkWindowLayout::of(*m_window, *m_area, m_scope);
     if (now == m_last) {
         return;
     }

@@ -36,11 +36,11 @@ private:
     void touch();
     void save();
 
-    const QMainWindow* m_pWindow;
-    const CkViewArea* m_pArea;
+    const QMainWindow* m_window;
+    const CkViewArea* m_area;
     EkSessionScope m_scope;
     SkWindowLayout m_last;
     QTimer m_timer;
     QElapsedTimer m_waiting; ///< since the oldest unsaved change
-    bool m_bOn;              ///< changes count
+    bool m_isOn;             ///< changes count
 };

@@ -13,28 +13,28 @@ namespace {
 constexpr int kRefreshMs = 1000;
 }
 
-CkStatusBar::CkStatusBar(CkViewArea* pArea, QWidget* pParent) : QStatusBar(pParent), m_pArea(pArea) {
-    m_pPixel = new QLabel(this);
-    m_pPixel->setObjectName(QStringLiteral("statusPixel"));
+CkStatusBar::CkStatusBar(CkViewArea* pArea, QWidget* pParent) : QStatusBar(pParent), m_area(pArea) {
+    m_pixel = new QLabel(this);
+    m_pixel->setObjectName(QStringLiteral("statusPixel"));
     // A long text must not widen the window.
-    m_pPixel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_pRate = new QLabel(this);
-    m_pRate->setObjectName(QStringLiteral("statusRate"));
-    m_pRate->setToolTip(tr("Frames that the active view showed in the last second"));
-    m_pDrops = new QLabel(this);
-    m_pDrops->setObjectName(QStringLiteral("statusDrops"));
-    m_pDrops->setToolTip(tr("Frames that the active view or its chain lost since the chain was started"));
-    for (QLabel* label : {m_pRate, m_pDrops}) {
+    m_pixel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_rate = new QLabel(this);
+    m_rate->setObjectName(QStringLiteral("statusRate"));
+    m_rate->setToolTip(tr("Frames that the active view showed in the last second"));
+    m_drops = new QLabel(this);
+    m_drops->setObjectName(QStringLiteral("statusDrops"));
+    m_drops->setToolTip(tr("Frames that the active view or its chain lost since the chain was started"));
+    for (QLabel* label : {m_rate, m_drops}) {
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
-    m_pRate->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("000.0 frames/s ")));
-    m_pDrops->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00000 dropped ")));
-    addWidget(m_pPixel, 1);
-    m_pGraph = new CkRateGraph(this);
-    addPermanentWidget(m_pGraph);
-    addPermanentWidget(m_pRate);
-    addPermanentWidget(m_pDrops);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkStatusBar::follow);
+    m_rate->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("000.0 frames/s ")));
+    m_drops->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00000 dropped ")));
+    addWidget(m_pixel, 1);
+    m_graph = new CkRateGraph(this);
+    addPermanentWidget(m_graph);
+    addPermanentWidget(m_rate);
+    addPermanentWidget(m_drops);
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkStatusBar::follow);
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, &CkStatusBar::refresh);
     m_timer.start();
@@ -43,17 +43,17 @@ CkStatusBar::CkStatusBar(CkViewArea* pArea, QWidget* pParent) : QStatusBar(pPare
 }
 
 QString CkStatusBar::pixelText() const {
-    return m_pPixel->text();
+    return m_pixel->text();
 }
 QString CkStatusBar::rateText() const {
-    return m_pRate->text();
+    return m_rate->text();
 }
 QString CkStatusBar::dropText() const {
-    return m_pDrops->text();
+    return m_drops->text();
 }
 
 void CkStatusBar::follow() {
-    CkMdiView* view = m_pArea->activeView();
+    CkMdiView* view = m_area->activeView();
     if (view == m_view && view != nullptr) {
         return;
     }
@@ -67,22 +67,22 @@ void CkStatusBar::follow() {
     // A view that follows another one shows that view's frames.
     CkMdiView* counted = view;
     if (view != nullptr && view->connectedViewId() >= 0) {
-        counted = m_pArea->view(view->connectedViewId());
+        counted = m_area->view(view->connectedViewId());
     }
     m_counted = counted;
     if (counted != nullptr) {
-        connect(counted, &CkMdiView::receivedFrame, this, [this] { ++m_iFrames; });
+        connect(counted, &CkMdiView::receivedFrame, this, [this] { ++m_frames; });
     }
     if (auto* image = qobject_cast<CkImageView*>(view)) {
-        connect(image, &CkImageView::pixelTextChanged, m_pPixel, &QLabel::setText);
+        connect(image, &CkImageView::pixelTextChanged, m_pixel, &QLabel::setText);
     }
-    m_pPixel->clear();
-    m_iFrames = 0;
-    m_uiDropped = droppedBy(counted);
-    m_pGraph->clear();
+    m_pixel->clear();
+    m_frames = 0;
+    m_dropped = droppedBy(counted);
+    m_graph->clear();
     m_clock.restart();
-    m_pRate->setText(view != nullptr ? tr("- frames/s") : QString());
-    m_pDrops->setText(view != nullptr ? tr("%1 dropped").arg(m_uiDropped) : QString());
+    m_rate->setText(view != nullptr ? tr("- frames/s") : QString());
+    m_drops->setText(view != nullptr ? tr("%1 dropped").arg(m_dropped) : QString());
 }
 
 quint64 CkStatusBar::droppedBy(const CkMdiView* pView) {
@@ -103,13 +103,13 @@ void CkStatusBar::refresh() {
         return;
     }
     const double seconds = double(m_clock.restart()) / 1000.0;
-    const double rate = seconds > 0.0 ? m_iFrames / seconds : 0.0;
+    const double rate = seconds > 0.0 ? m_frames / seconds : 0.0;
     const quint64 dropped = droppedBy(m_counted);
     // The counters restart with the chain.
-    const quint64 lost = dropped >= m_uiDropped ? dropped - m_uiDropped : dropped;
-    m_pGraph->add(rate, seconds > 0.0 ? double(lost) / seconds : 0.0);
-    m_pRate->setText(tr("%1 frames/s").arg(PictureText::locale().toString(rate, 'f', 1)));
-    m_pDrops->setText(tr("%1 dropped").arg(dropped));
-    m_iFrames = 0;
-    m_uiDropped = dropped;
+    const quint64 lost = dropped >= m_dropped ? dropped - m_dropped : dropped;
+    m_graph->add(rate, seconds > 0.0 ? double(lost) / seconds : 0.0);
+    m_rate->setText(tr("%1 frames/s").arg(PictureText::locale().toString(rate, 'f', 1)));
+    m_drops->setText(tr("%1 dropped").arg(dropped));
+    m_frames = 0;
+    m_dropped = dropped;
 }

@@ -28,15 +28,15 @@ private:
     void follow();
     void refresh();
 
-    CkViewArea* m_pArea;
-    QLabel* m_pPixel;
-    QLabel* m_pRate;
-    QLabel* m_pDrops;
-    CkRateGraph* m_pGraph;
+    CkViewArea* m_area;
+    QLabel* m_pixel;
+    QLabel* m_rate;
+    QLabel* m_drops;
+    CkRateGraph* m_graph;
     QPointer<CkMdiView> m_view;
     QPointer<CkMdiView> m_counted;
     QTimer m_timer;
     QElapsedTimer m_clock;
-    int m_iFrames = 0;
-    quint64 m_uiDropped = 0; ///< at the last refresh
+    int m_frames = 0;
+    quint64 m_dropped = 0; ///< at the last refresh
 };

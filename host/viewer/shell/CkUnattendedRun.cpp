@@ -65,7 +65,7 @@ void CkUnattendedRun::advance() {
     if (!m_window) {
         return;
     }
-    const bool late = m_waiting.elapsed() > m_iPatienceMs;
+    const bool late = m_waiting.elapsed() > m_patienceMs;
     switch (m_step) {
     case EkStep::Frames:
         if (!m_counted) {
@@ -73,17 +73,17 @@ void CkUnattendedRun::advance() {
             if (!views.isEmpty()) {
                 m_counted = views.first();
                 connect(m_counted, &CkMdiView::receivedFrame, this, [this] {
-                    ++m_iFrames;
+                    ++m_frames;
                     if (m_step == EkStep::Frames) {
                         m_waiting.restart();
                     }
                 });
             }
         }
-        if (m_iFrames >= m_options.frames) {
+        if (m_frames >= m_options.frames) {
             next(EkStep::Cloud);
         } else if (late) {
-            fail(tr("Only %1 of %n frame(s) came.", nullptr, m_options.frames).arg(m_iFrames));
+            fail(tr("Only %1 of %n frame(s) came.", nullptr, m_options.frames).arg(m_frames));
         }
         break;
     case EkStep::Cloud:

@@ -24,7 +24,7 @@ public:
     void start();
 
     /// Time limit of each step, in milliseconds.
-    void setPatience(int iMs) { m_iPatienceMs = iMs; }
+    void setPatience(int iMs) { m_patienceMs = iMs; }
 
     /// Writes a picture of the window, including native surfaces inside it where the platform makes these
     /// visible.
@@ -48,6 +48,6 @@ private:
     QTimer m_timer;
     QElapsedTimer m_waiting;
     EkStep m_step = EkStep::Frames;
-    int m_iFrames = 0;
-    int m_iPatienceMs = 30'000;
+    int m_frames = 0;
+    int m_patienceMs = 30'000;
 };

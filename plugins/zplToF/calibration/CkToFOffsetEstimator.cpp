@@ -58,11 +58,11 @@ bool CkToFOffsetEstimator::addPicture(const SkPicBuf& picture, const CkImageMeta
 }
 
 bool CkToFOffsetEstimator::hasMean() const {
-    return m_iPixelCount > 0 && std::isfinite(m_fPhaseSum / float(m_iPixelCount));
+    return m_pixelCount > 0 && std::isfinite(m_phaseSum / float(m_pixelCount));
 }
 
 CkToFOffsetEstimator::SkResult CkToFOffsetEstimator::result(float fDistanceCm, float fModulationFreq) const {
-    const float fMeanPhase = m_fPhaseSum / float(m_iPixelCount);
+    const float fMeanPhase = m_phaseSum / float(m_pixelCount);
     const float fHalfWavelength = kSpeedOfLightInAirMMHz / (2.0F * fModulationFreq);
     const float fMeasured = float(double(fMeanPhase) / kFullTurn * double(fHalfWavelength));
     return {fMeasured, fDistanceCm / kCmPerMetre - fMeasured};
@@ -106,6 +106,6 @@ float CkToFOffsetEstimator::sumCentralPhaseShiftPixels(const SkPicBuf* pImage, i
 
 void CkToFOffsetEstimator::addPhaseShift(const SkPicBuf& picture) {
     int iCount = 0;
-    m_fPhaseSum += sumCentralPhaseShiftPixels(&picture, 0, kSquareSize, iCount);
-    m_iPixelCount += iCount;
+    m_phaseSum += sumCentralPhaseShiftPixels(&picture, 0, kSquareSize, iCount);
+    m_pixelCount += iCount;
 }

@@ -25,8 +25,8 @@ public:
     /// pMetadata may be null.
     bool addPicture(const SkPicBuf& picture, const CkImageMetadata* pMetadata);
 
-    float phaseSum() const { return m_fPhaseSum; }
-    int pixelCount() const { return m_iPixelCount; }
+    float phaseSum() const { return m_phaseSum; }
+    int pixelCount() const { return m_pixelCount; }
 
     /// Whether the pixels added so far have a finite mean.
     bool hasMean() const;
@@ -42,6 +42,6 @@ public:
 private:
     void addPhaseShift(const SkPicBuf& picture);
 
-    float m_fPhaseSum = 0.0F;
-    int m_iPixelCount = 0;
+    float m_phaseSum = 0.0F;
+    int m_pixelCount = 0;
 };

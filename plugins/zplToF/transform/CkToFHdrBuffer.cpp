@@ -18,7 +18,7 @@ bool CkToFHdrBuffer::prepare(const SkPicBufInfo& sections, qint32 iPhasesCount) 
     }
     info.lineSize = quint32(pitch);
     if (!m_picture.allocate(info)) {
-        m_bLacksMemory = CkPicBufAPI::byteSize(info) != 0;
+        m_lacksMemory = CkPicBufAPI::byteSize(info) != 0;
         return false;
     }
     m_info = info;
@@ -28,7 +28,7 @@ bool CkToFHdrBuffer::prepare(const SkPicBufInfo& sections, qint32 iPhasesCount) 
 void CkToFHdrBuffer::clear() {
     m_picture.reset();
     m_info = SkPicBufInfo();
-    m_bLacksMemory = false;
+    m_lacksMemory = false;
 }
 
 SkPicBuf* CkToFHdrBuffer::merge(const SkPicBuf& sections) {

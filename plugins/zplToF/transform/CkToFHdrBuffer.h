@@ -14,7 +14,7 @@ public:
     bool isEmpty() const { return m_picture.isEmpty(); }
     const SkPicBufInfo& info() const { return m_info; }
     /// The buffer could not be allocated.
-    bool lacksMemory() const { return m_bLacksMemory; }
+    bool lacksMemory() const { return m_lacksMemory; }
 
     /// Merges the sections. The result is owned by this object and may be modified until the next call; null
     /// when there is no buffer or nothing to merge.
@@ -23,5 +23,5 @@ public:
 private:
     CkPicture m_picture;
     SkPicBufInfo m_info; ///< as prepared
-    bool m_bLacksMemory = false;
+    bool m_lacksMemory = false;
 };

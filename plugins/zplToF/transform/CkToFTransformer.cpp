@@ -24,7 +24,7 @@ CkToFTransformer::SkResult withoutOutput(EkRefusal refusal) {
 
 void CkToFTransformer::reset(bool bGathers) {
     clear();
-    m_bGathers = bGathers;
+    m_gathers = bGathers;
 }
 
 void CkToFTransformer::clear() {
@@ -35,7 +35,7 @@ void CkToFTransformer::clear() {
 CkToFTransformer::EkRefusal CkToFTransformer::prepare(const SkPicBufInfo& in,
                                                       const CkImageMetadata& metadata) {
     m_processor.clear();
-    const EkRefusal refusal = m_input.prepare(in, metadata, m_bGathers);
+    const EkRefusal refusal = m_input.prepare(in, metadata, m_gathers);
     const SkPicBufInfo* const set = m_input.setInfo();
     if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
         m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
@@ -66,7 +66,7 @@ CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkIma
     frame.phases = CkToFPicAPI::detectPhasesCount(data.picBuf(), &metadata);
     frame.pulseDuration = metadata.hybridPulseDuration;
     SkResult result;
-    if (m_bGathers && transform->gathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
+    if (m_gathers && transform->gathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         refusal = m_input.gather(metadata, frame);
         if (frame.input == nullptr && transform->input != SkToFTransform::EkInput::Frame) {
             // When no set of this format can be processed, each of its images reports it.

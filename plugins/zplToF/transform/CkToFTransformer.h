@@ -69,5 +69,5 @@ private:
 
     CkToFFrameInput m_input;
     CkToFFrameProcessor m_processor;
-    bool m_bGathers = false;
+    bool m_gathers = false;
 };

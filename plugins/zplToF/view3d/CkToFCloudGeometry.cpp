@@ -52,27 +52,27 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     QAttribute* indices = ToFSceneAttribute::find(pRenderer, ToFSceneAttribute::indexName());
     if (positions == nullptr || colors == nullptr) {
         buildGeometry(pRenderer, cloud);
-        m_bTakenUp = false;
-        m_iLastPointCount = cloud.pointCount();
+        m_takenUp = false;
+        m_lastPointCount = cloud.pointCount();
         return;
     }
 
     Qt3DCore::QBuffer& buffer = *positions->buffer();
     const bool sameSize = buffer.data().size() == cloud.vertexBytes().size();
-    if (m_bTakenUp && sameSize && cloud.pointCount() == m_iLastPointCount) {
+    if (m_takenUp && sameSize && cloud.pointCount() == m_lastPointCount) {
         ToFSceneBuffer::replace(buffer, cloud.vertexBytes());
     } else {
         ToFSceneBuffer::set(buffer, cloud.vertexBytes());
-        m_bTakenUp = false;
+        m_takenUp = false;
         positions->setCount(uint(cloud.vertexCount()));
         colors->setCount(uint(cloud.vertexCount()));
     }
     // The quads' indices depend on the points written and on the size of the picture.
     if (indices != nullptr &&
-        (cloud.pointCount() != m_iLastPointCount || indices->count() != uint(cloud.indexCount()))) {
+        (cloud.pointCount() != m_lastPointCount || indices->count() != uint(cloud.indexCount()))) {
         ToFSceneBuffer::set(*indices->buffer(), cloud.indexBytes());
         indices->setCount(uint(cloud.indexCount()));
     }
     setDrawnVertices(pRenderer, cloud);
-    m_iLastPointCount = cloud.pointCount();
+    m_lastPointCount = cloud.pointCount();
 }

@@ -14,9 +14,9 @@ public:
     void update(Qt3DRender::QGeometryRenderer* pRenderer, const CkToFCloudBuilder& cloud);
 
     /// The scene has taken up all changes made so far.
-    void frameBegun() { m_bTakenUp = true; }
+    void frameBegun() { m_takenUp = true; }
 
 private:
-    int m_iLastPointCount = 0;
-    bool m_bTakenUp = false; ///< the scene has taken the vertex buffer up in its present size
+    int m_lastPointCount = 0;
+    bool m_takenUp = false; ///< the scene has taken the vertex buffer up in its present size
 };

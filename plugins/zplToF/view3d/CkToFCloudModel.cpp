@@ -23,7 +23,7 @@ bool CkToFCloudModel::setFrame(const CkImageData* pData) {
     // First, so that the frame can reuse the pixels.
     m_data.reset();
     const CkImageMetadata& metadata = pData->metadata();
-    m_frame.update(pData->picBuf(), &metadata, m_iMaxGenericWidth);
+    m_frame.update(pData->picBuf(), &metadata, m_maxGenericWidth);
     m_options.opticalPath.takeOverCameraValues(metadata);
     if (m_frame.isEmpty()) {
         return false;
@@ -44,7 +44,7 @@ bool CkToFCloudModel::build(const CkToFViewLut& lut) {
     }
     SkToFCloudParameters parameters;
     parameters.opticalPath = m_options.opticalPath;
-    parameters.zZoom = m_fZZoom;
+    parameters.zZoom = m_zZoom;
     parameters.pColourTable = lut.colors();
     if (!lut.lut()->contrastEntries().isEmpty()) {
         parameters.contrast = lut.lut()->contrastEntries().constFirst();

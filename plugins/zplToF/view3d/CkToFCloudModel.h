@@ -37,19 +37,19 @@ public:
     /// The depth picture with the metadata of its frame; null before the first frame.
     CkImageData* imageData() const { return m_data.get(); }
 
-    float zZoom() const { return m_fZZoom; }
-    void setZZoom(float fFactor) { m_fZZoom = fFactor; } ///< above 0
+    float zZoom() const { return m_zZoom; }
+    void setZZoom(float fFactor) { m_zZoom = fFactor; } ///< above 0
     /// Pixels; generic pictures wider than this are shrunk to it.
-    int maxGenericWidth() const { return m_iMaxGenericWidth; }
-    void setMaxGenericWidth(int iWidth) { m_iMaxGenericWidth = iWidth; }
+    int maxGenericWidth() const { return m_maxGenericWidth; }
+    void setMaxGenericWidth(int iWidth) { m_maxGenericWidth = iWidth; }
     bool usesPoints() const { return m_layout == EkToFVertexLayout::Points; }
 
 private:
     const EkToFVertexLayout m_layout;
     CkToFDepthFrame m_frame;
     std::unique_ptr<CkImageData> m_data;
-    int m_iMaxGenericWidth = 640;
+    int m_maxGenericWidth = 640;
     SkToFViewSettings m_options;
-    float m_fZZoom = 1.0F;
+    float m_zZoom = 1.0F;
     CkToFCloudBuilder m_cloud;
 };

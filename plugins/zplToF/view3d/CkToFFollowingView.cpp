@@ -19,10 +19,10 @@ constexpr int kCloneWidth = 496;
 
 CkToFFollowingView::CkToFFollowingView(int iConnectedViewId, int iSecondViewId, CkChainable* pProvider,
                                        CkChainable* pSecond)
-    : CkMdiView(pProvider, pSecond), m_iConnectedViewId(iConnectedViewId), m_iSecondViewId(iSecondViewId) {}
+    : CkMdiView(pProvider, pSecond), m_connectedViewId(iConnectedViewId), m_secondViewId(iSecondViewId) {}
 
 void CkToFFollowingView::followTitle(const QString& sSuffix) {
-    m_sTitleSuffix = sSuffix;
+    m_titleSuffix = sSuffix;
     refreshTitle();
     connect(this, &CkMdiView::viewTitleChanged, this, &CkToFFollowingView::refreshTitle);
     if (const CkMdiView* connected = connectedView()) {
@@ -33,13 +33,13 @@ void CkToFFollowingView::followTitle(const QString& sSuffix) {
 void CkToFFollowingView::refreshTitle() {
     const CkChainable* provider = dataProvider();
     if (const CkChain* chain = provider != nullptr ? provider->chain() : nullptr) {
-        setWindowTitle(chain->chainTitle(provider) + m_sTitleSuffix);
+        setWindowTitle(chain->chainTitle(provider) + m_titleSuffix);
     }
 }
 
 CkMdiView* CkToFFollowingView::connectedView() const {
     IkAppDelegate* host = IkAppDelegate::instance();
-    return host != nullptr ? host->mdiView(m_iConnectedViewId) : nullptr;
+    return host != nullptr ? host->mdiView(m_connectedViewId) : nullptr;
 }
 
 QSize CkToFFollowingView::cloneSize(CkChainable* pProvider) {
@@ -67,8 +67,8 @@ QList<void*> CkToFFollowingView::cameraHandles() const {
 }
 
 const CkImageData* CkToFFollowingView::imageData(qint32 iFrameId) {
-    if (m_pReported != nullptr && m_pReported->frameId() == iFrameId) {
-        return m_pReported;
+    if (m_reported != nullptr && m_reported->frameId() == iFrameId) {
+        return m_reported;
     }
     if (const CkImageData* own = CkMdiView::imageData(iFrameId)) {
         return own;
@@ -81,12 +81,12 @@ void CkToFFollowingView::updateWithConnectedImageData(const CkImageData* pData, 
     if (pData != nullptr) {
         // Listeners may close the view.
         const QPointer<CkToFFollowingView> self(this);
-        const CkImageData* outer = std::exchange(m_pReported, pData);
+        const CkImageData* outer = std::exchange(m_reported, pData);
         emit receivedFrame(pData->frameId());
         if (!self) {
             return;
         }
-        m_pReported = outer;
+        m_reported = outer;
     }
     showImageData(pData, bForce);
 }

@@ -7,8 +7,8 @@
 /// view derived from it follows that of CkMdiView. User-interface thread.
 class CkToFFollowingView : public CkMdiView {
 public:
-    int connectedViewId() const override { return m_iConnectedViewId; }
-    int secondViewId() const { return m_iSecondViewId; } ///< As given; passed on to clones.
+    int connectedViewId() const override { return m_connectedViewId; }
+    int secondViewId() const { return m_secondViewId; } ///< As given; passed on to clones.
     QString viewTitle() const override;
     /// The frame itself: that of the view's own block until the next one comes, that of the connected view
     /// while receivedFrame is emitted. Afterwards the current image, if it was made from this frame.
@@ -38,8 +38,8 @@ protected:
 private:
     void refreshTitle();
 
-    const int m_iConnectedViewId;
-    const int m_iSecondViewId;
-    QString m_sTitleSuffix;
-    const CkImageData* m_pReported = nullptr; ///< the frame that receivedFrame is being emitted for
+    const int m_connectedViewId;
+    const int m_secondViewId;
+    QString m_titleSuffix;
+    const CkImageData* m_reported = nullptr; ///< the frame that receivedFrame is being emitted for
 };

@@ -22,7 +22,7 @@ constexpr float kNearestCentre = 0.2F, kFarthest = 500.0F; ///< scene units; wit
 } // namespace
 
 CkToFOrbitController::CkToFOrbitController(QWindow* pWindow, DepthAt depthAt, Qt3DCore::QNode* pParent)
-    : QOrbitCameraController(pParent), m_pWindow(pWindow), m_depthAt(std::move(depthAt)) {
+    : QOrbitCameraController(pParent), m_window(pWindow), m_depthAt(std::move(depthAt)) {
     pWindow->installEventFilter(this);
 }
 
@@ -30,7 +30,7 @@ CkToFOrbitController::CkToFOrbitController(QWindow* pWindow, DepthAt depthAt, Qt
 void CkToFOrbitController::moveCamera(const InputState&, float) {}
 
 bool CkToFOrbitController::eventFilter(QObject* pWatched, QEvent* pEvent) {
-    if (pWatched == m_pWindow && camera() != nullptr && !m_pWindow->size().isEmpty()) {
+    if (pWatched == m_window && camera() != nullptr && !m_window->size().isEmpty()) {
         switch (pEvent->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
@@ -55,7 +55,7 @@ bool CkToFOrbitController::eventFilter(QObject* pWatched, QEvent* pEvent) {
 void CkToFOrbitController::press(const QMouseEvent& event) {
     m_last = event.position();
     const float depth = event.button() == Qt::LeftButton ? m_depthAt(m_last) : 0.0F;
-    m_fDepth = depth > 0.0F ? depth : centreDepth();
+    m_depth = depth > 0.0F ? depth : centreDepth();
 }
 
 void CkToFOrbitController::drag(const QMouseEvent& event) {
@@ -63,11 +63,11 @@ void CkToFOrbitController::drag(const QMouseEvent& event) {
     const bool left = event.buttons().testFlag(Qt::LeftButton);
     const bool right = event.buttons().testFlag(Qt::RightButton);
     if (left && right) {
-        zoom(-kNotchesOverWindow * moved.y() / m_pWindow->height());
+        zoom(-kNotchesOverWindow * moved.y() / m_window->height());
     } else if (left) {
-        move(moved, m_fDepth);
+        move(moved, m_depth);
     } else if (right) {
-        turn(moved * (kDegreesOverWindow / m_pWindow->width()));
+        turn(moved * (kDegreesOverWindow / m_window->width()));
     }
 }
 
@@ -106,7 +106,7 @@ void CkToFOrbitController::key(const QKeyEvent& event) {
     } else if (event.modifiers().testFlag(Qt::ShiftModifier)) {
         zoom(-direction.y());
     } else {
-        move(-direction * kWindowOfKey * m_pWindow->height(), centreDepth());
+        move(-direction * kWindowOfKey * m_window->height(), centreDepth());
     }
 }
 
@@ -114,8 +114,8 @@ void CkToFOrbitController::key(const QKeyEvent& event) {
 void CkToFOrbitController::move(const QPointF& pixels, float fDepth) {
     const double halfHeight = std::tan(double(camera()->fieldOfView()) * M_PI / 360.0) * double(fDepth);
     const double halfWidth = halfHeight * double(camera()->aspectRatio());
-    camera()->translate(QVector3D(float(-2.0 * halfWidth * pixels.x() / m_pWindow->width()),
-                                  float(2.0 * halfHeight * pixels.y() / m_pWindow->height()), 0.0F));
+    camera()->translate(QVector3D(float(-2.0 * halfWidth * pixels.x() / m_window->width()),
+                                  float(2.0 * halfHeight * pixels.y() / m_window->height()), 0.0F));
 }
 
 void CkToFOrbitController::turn(const QPointF& degrees) {

@@ -42,8 +42,8 @@ private:
     void zoom(double dNotches);
     float centreDepth() const;
 
-    QPointer<QWindow> m_pWindow;
+    QPointer<QWindow> m_window;
     const DepthAt m_depthAt;
     QPointF m_last;
-    float m_fDepth = 0.0F; ///< of the point that follows the mouse
+    float m_depth = 0.0F; ///< of the point that follows the mouse
 };

@@ -59,7 +59,7 @@ bool CkToFScene::platformUsesPointPrimitives() {
     return QGuiApplication::platformName() != QLatin1String(kWaylandPlatform);
 }
 
-CkToFScene::CkToFScene(bool bUsePointPrimitives) : m_bUsePointPrimitives(bUsePointPrimitives) {}
+CkToFScene::CkToFScene(bool bUsePointPrimitives) : m_usePointPrimitives(bUsePointPrimitives) {}
 
 std::unique_ptr<CkToFScene> CkToFScene::create(bool bUsePointPrimitives, const QColor& clBackground) {
     if (!ToFGlProbe::canRender(bUsePointPrimitives)) {
@@ -70,7 +70,7 @@ std::unique_ptr<CkToFScene> CkToFScene::create(bool bUsePointPrimitives, const Q
 }
 
 CkToFScene::~CkToFScene() {
-    if (m_window && !m_bRuns) {
+    if (m_window && !m_runs) {
         freeNodesWith(*m_window, m_root != nullptr ? m_root->parentNode() : nullptr);
     }
     // Before assemble the window and the nodes have no other owner.
@@ -96,7 +96,7 @@ bool CkToFScene::build(const QColor& clBackground) {
     setClearColor(clBackground);
 
     m_root = new Qt3DCore::QEntity;
-    if (m_bUsePointPrimitives) {
+    if (m_usePointPrimitives) {
         createBillboardShaderMaterial(m_root);
     }
     m_cloudEntity = new Qt3DCore::QEntity(m_root);
@@ -141,7 +141,7 @@ QWidget* CkToFScene::assemble(bool bShowBBox) {
     auto* frames = new Qt3DLogic::QFrameAction;
     m_root->addComponent(frames);
     connect(frames, &Qt3DLogic::QFrameAction::triggered, this, [this] {
-        m_bDrawn = true;
+        m_drawn = true;
         m_cloudGeometry.frameBegun();
     });
     if (auto* clear = m_window->defaultFrameGraph()->findChild<Qt3DRender::QClearBuffers*>()) {
@@ -213,7 +213,7 @@ void CkToFScene::setCloud(const CkToFCloudBuilder& cloud) {
 }
 
 void CkToFScene::setBox(float fHalfX, float fHalfY, float fHalfZ) {
-    ToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_bDrawn);
+    ToFBoundingBox::update(m_boxRenderer, fHalfX, fHalfY, fHalfZ, m_drawn);
 }
 
 void CkToFScene::setBoxVisible(bool bVisible) {
@@ -250,7 +250,7 @@ Qt3DRender::QRenderCaptureReply* CkToFScene::requestCapture() {
 // Qt 3D's default renderer returns pictures drawn by OpenGL bottom row first; its OpenGL renderer does not.
 QImage CkToFScene::picture(const Qt3DRender::QRenderCaptureReply& reply) const {
     const bool upsideDown =
-        !m_bUsePointPrimitives && m_window && m_window->surfaceType() == QSurface::OpenGLSurface;
+        !m_usePointPrimitives && m_window && m_window->surfaceType() == QSurface::OpenGLSurface;
     return upsideDown ? reply.image().mirrored() : reply.image();
 }
 
@@ -270,7 +270,7 @@ bool CkToFScene::saveCapture(const QString& sFileName) {
 
 bool CkToFScene::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pWatched == m_window && pEvent->type() == QEvent::Show) {
-        m_bRuns = true;
+        m_runs = true;
     }
     return QObject::eventFilter(pWatched, pEvent);
 }

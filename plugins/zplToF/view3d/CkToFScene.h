@@ -92,9 +92,9 @@ private:
     void setUpCamera();
     float depthAt(const QPointF& place) const;
 
-    const bool m_bUsePointPrimitives;
-    bool m_bRuns = false;  ///< the window has been shown: from then on Qt 3D runs the scene
-    bool m_bDrawn = false; ///< a frame has begun, and the nodes have been taken up
+    const bool m_usePointPrimitives;
+    bool m_runs = false;  ///< the window has been shown: from then on Qt 3D runs the scene
+    bool m_drawn = false; ///< a frame has begun, and the nodes have been taken up
     QPointer<QWidget> m_container;
     QPointer<Qt3DExtras::Qt3DWindow> m_window;
     QPointer<Qt3DCore::QEntity> m_root;

@@ -46,12 +46,12 @@ void CkToFToolBar::addSpace() {
 }
 
 void CkToFToolBar::addLabel() {
-    m_pLabel = new CkToFLabelAction(this);
-    addAction(m_pLabel);
+    m_label = new CkToFLabelAction(this);
+    addAction(m_label);
 }
 
 void CkToFToolBar::setLabelText(const QString& sText) {
-    if (m_pLabel != nullptr) {
-        m_pLabel->setText(sText);
+    if (m_label != nullptr) {
+        m_label->setText(sText);
     }
 }

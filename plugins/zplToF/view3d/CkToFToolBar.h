@@ -20,5 +20,5 @@ public:
     void setLabelText(const QString& sText);
 
 private:
-    QAction* m_pLabel = nullptr;
+    QAction* m_label = nullptr;
 };

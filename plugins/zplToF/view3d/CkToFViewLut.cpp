@@ -31,7 +31,7 @@ bool CkToFViewLut::fits(const SkPicBuf& picture) const {
 CkLut* CkToFViewLut::makeFor(const SkPicBuf& picture, const QList<void*>& cameraHandles) {
     IkAppDelegate* host = IkAppDelegate::instance();
     CkLut* lut = nullptr;
-    if (host != nullptr && (!m_lut || m_bIsDefault)) {
+    if (host != nullptr && (!m_lut || m_isDefault)) {
         lut = host->createLut(picture, cameraHandles);
     }
     if (lut == nullptr && m_lut) {
@@ -46,7 +46,7 @@ bool CkToFViewLut::set(CkLut* pLut, const SkFlags& flags) {
     if (pLut == nullptr) {
         return false;
     }
-    m_bIsDefault = false;
+    m_isDefault = false;
     if (pLut != m_lut.get()) {
         m_lut.reset(pLut);
     }
@@ -74,7 +74,7 @@ void CkToFViewLut::makeDefault(const SkPicBuf& picture) {
                                     picture.dataType);
     if (const auto settings = ToFHostSettings::open()) {
         m_lut->setPseudoColorIndex(SkToFViewSettings::readPseudoColor(*settings));
-        m_bIsDefault = !settings->contains(QLatin1String(ToFSettingsKey::kLutPseudoColor));
+        m_isDefault = !settings->contains(QLatin1String(ToFSettingsKey::kLutPseudoColor));
     }
     m_lut->allocRgbTable(sampleBytes(picture.dataType));
     m_colorTable.update(m_lut->pseudoColorIndex());

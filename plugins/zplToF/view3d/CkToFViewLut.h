@@ -44,7 +44,7 @@ public:
 
 private:
     std::unique_ptr<CkLut> m_lut;
-    bool m_bIsDefault = false; ///< made without a picture or a stored choice; the host's choice replaces it
+    bool m_isDefault = false; ///< made without a picture or a stored choice; the host's choice replaces it
     SkFlags m_flags;
     CkToFColorTable m_colorTable;
 };

@@ -12,20 +12,20 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 void CkToFErrorStatistics::add(double fError) {
     m_magnitudes.push_back(std::abs(fError));
-    const double step = fError - m_fMean;
-    m_fMean += step / double(m_magnitudes.size());
-    m_fSquares += step * (fError - m_fMean);
+    const double step = fError - m_mean;
+    m_mean += step / double(m_magnitudes.size());
+    m_squares += step * (fError - m_mean);
 }
 
 double CkToFErrorStatistics::mean() const {
-    return isEmpty() ? kNaN : m_fMean;
+    return isEmpty() ? kNaN : m_mean;
 }
 
 double CkToFErrorStatistics::standardDeviation() const {
     if (isEmpty()) {
         return kNaN;
     }
-    return m_magnitudes.size() == 1 ? 0.0 : std::sqrt(m_fSquares / double(m_magnitudes.size() - 1));
+    return m_magnitudes.size() == 1 ? 0.0 : std::sqrt(m_squares / double(m_magnitudes.size() - 1));
 }
 
 double CkToFErrorStatistics::largest() const {

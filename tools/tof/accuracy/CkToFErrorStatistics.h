@@ -19,6 +19,6 @@ public:
 private:
     std::vector<double> m_magnitudes;
     // Running mean and sum of squares about it: accurate also when the spread is small against the mean.
-    double m_fMean = 0.0;
-    double m_fSquares = 0.0;
+    double m_mean = 0.0;
+    double m_squares = 0.0;
 };

@@ -63,7 +63,7 @@ SkSimLens lensOf(const SkToFAccuracyPoint& point, const SkToFAccuracySetup& setu
 } // namespace
 
 CkToFWallCamera::CkToFWallCamera(const SkToFAccuracyPoint& point, const SkToFAccuracySetup& setup)
-    : m_bHybrid(point.hybrid), m_uiHeight(quint32(setup.height)), m_uiFirstSet(firstSet(point)),
+    : m_isHybrid(point.hybrid), m_height(quint32(setup.height)), m_firstSet(firstSet(point)),
       m_settings(settingsOf(point, setup)), m_image(imageOf(point, setup, m_settings)),
       m_raster(lensOf(point, setup, m_settings), CkSimScene::wall(point.distanceM, point.reflectivity)) {
     m_wave.setup(m_settings.exposure, m_settings.modulationMHz);
@@ -78,7 +78,7 @@ QString CkToFWallCamera::expose(qint64 iFrame, CkImageData& raw) {
     raw.setPicBuf(picture.take());
     raw.setMetadata(m_image.metadata);
     for (quint32 part = 0; part < parts(); ++part) {
-        if (!exposePart(part, m_uiFirstSet + quint64(iFrame), raw)) {
+        if (!exposePart(part, m_firstSet + quint64(iFrame), raw)) {
             return QStringLiteral("The simulated camera cannot be set up like this.");
         }
     }
@@ -87,8 +87,8 @@ QString CkToFWallCamera::expose(qint64 iFrame, CkImageData& raw) {
 
 bool CkToFWallCamera::exposePart(quint32 uiPart, quint64 uiSet, CkImageData& raw) {
     const int angleOrSection = m_image.parts[uiPart];
-    const quint32 row = uiPart * m_uiHeight;
-    if (m_bHybrid) {
+    const quint32 row = uiPart * m_height;
+    if (m_isHybrid) {
         const CkSimHybridSynth::SkSection section{.set = uiSet, .index = angleOrSection};
         return m_hybrid.writeSection(m_raster, section, raw.picBuf(), row);
     }

@@ -29,9 +29,9 @@ public:
 private:
     bool exposePart(quint32 uiPart, quint64 uiSet, CkImageData& raw);
 
-    bool m_bHybrid;
-    quint32 m_uiHeight; ///< rows of one part
-    quint64 m_uiFirstSet;
+    bool m_isHybrid;
+    quint32 m_height; ///< rows of one part
+    quint64 m_firstSet;
     SkSimSettings m_settings;
     SkSimImage m_image;
     CkSimRaster m_raster;

@@ -30,7 +30,7 @@ QString refusalText(ToFFrames::EkRefusal refusal, const SkPicBufInfo& source) {
 
 } // namespace
 
-CkToFPipeline::CkToFPipeline(int iTransform) : m_iTransform(iTransform) {
+CkToFPipeline::CkToFPipeline(int iTransform) : m_transform(iTransform) {
     m_transformer.reset(true);
 }
 
@@ -76,7 +76,7 @@ CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::uni
     const SkPicBuf& source = data.picBuf();
     SkToFFormat out;
     const char* const error =
-        ToFNegotiation::negotiate(m_iTransform, source, out.info, &data.metadata(), &out.metadata);
+        ToFNegotiation::negotiate(m_transform, source, out.info, &data.metadata(), &out.metadata);
     if (error != nullptr) {
         sReason = QString::fromLatin1(error);
         return EkResult::Impossible;
@@ -86,9 +86,10 @@ CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::uni
         m_transformer.prepare(source, data.metadata());
     }
     using EkOutcome = CkToFTransformer::EkOutcome;
-    CkToFTransformer::SkResult done = m_transformer.process(
-        m_iTransform, data, out,
-        [](const SkPicBufInfo& info, bool, CkPicture& picture) { return picture.allocate(info); });
+    CkToFTransformer::SkResult done =
+        m_transformer.process(m_transform, data, out, [](const SkPicBufInfo& info, bool, CkPicture& picture) {
+            return picture.allocate(info);
+        });
     if (done.angleError != nullptr) {
         sReason = missingAngle();
         return EkResult::Impossible;

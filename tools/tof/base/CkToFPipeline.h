@@ -28,7 +28,7 @@ public:
 private:
     QString missingAngle() const;
 
-    int m_iTransform;
+    int m_transform;
     std::optional<SkPicBufInfo> m_prepared; ///< the format the transformer is prepared for
     CkToFTransformer m_transformer;
 };

@@ -11,7 +11,7 @@
 #include <QTabWidget>
 
 CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, QObject* pParent)
-    : QObject(pParent), m_pArea(pArea), m_pPanels(pPanels) {
+    : QObject(pParent), m_area(pArea), m_tabs(pPanels) {
     CkCameraManager* manager = CkCameraManager::instance();
     connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraController::addPanel);
     connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraController::removeViewsAndPanel);
@@ -24,14 +24,14 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
         CkCameraManager::instance()->cameraInfo(pHandle, info);
         qInfo("%s", qUtf8Printable(tr("Camera \"%1\" is back.").arg(info.name)));
     });
-    connect(m_pPanels, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
+    connect(m_tabs, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
     // A chain without a view is not needed any more.
-    connect(m_pArea, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
+    connect(m_area, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
             return;
         }
-        for (const CkMdiView* view : m_pArea->views()) {
+        for (const CkMdiView* view : m_area->views()) {
             const CkChainable* provider = view->dataProvider();
             if (provider != nullptr && provider->chain() == chain) {
                 return;
@@ -44,10 +44,10 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
 CkCameraController::~CkCameraController() = default;
 
 void* CkCameraController::openCamera(const QString& sId, bool bWithView, QString* psError) {
-    m_bWithView = bWithView;
+    m_withView = bWithView;
     QString error;
     void* handle = CkCameraManager::instance()->openCamera(sId, &error);
-    m_bWithView = true;
+    m_withView = true;
     if (handle == nullptr) {
         report(tr("Camera \"%1\" cannot be opened: %2").arg(sId, error));
         if (psError != nullptr) {
@@ -61,16 +61,16 @@ void CkCameraController::addPanel(void* pHandle) {
     if (m_panels.value(pHandle)) {
         return;
     }
-    auto* panel = new CkCameraPanel(pHandle, m_pPanels);
+    auto* panel = new CkCameraPanel(pHandle, m_tabs);
     m_panels.insert(pHandle, panel);
     SkCameraInfo info;
     CkCameraManager::instance()->cameraInfo(pHandle, info);
-    m_pPanels->setTabToolTip(m_pPanels->addTab(panel, info.name), info.name);
-    m_pPanels->setCurrentWidget(panel);
+    m_tabs->setTabToolTip(m_tabs->addTab(panel, info.name), info.name);
+    m_tabs->setCurrentWidget(panel);
     connect(panel, &CkCameraPanel::startRequested, this, [this](void* pCamera) { start(pCamera); });
     connect(panel, &CkCameraPanel::stopRequested, this, &CkCameraController::stop);
     connect(panel, &CkCameraPanel::newViewRequested, this, &CkCameraController::openView);
-    if (m_bWithView) {
+    if (m_withView) {
         openView(pHandle);
     }
     emit cameraReady(pHandle);
@@ -94,7 +94,7 @@ int CkCameraController::openView(void* pHandle) {
         return -1;
     }
     auto* view = new CkImageView(source);
-    m_pArea->addView(view);
+    m_area->addView(view);
     if (CkCameraManager::instance()->isAcquiring(pHandle)) {
         chain->start();
     }
@@ -113,8 +113,8 @@ bool CkCameraController::start(void* pHandle, QString* psError) {
     const QList<int> views = viewsOf(handle);
     if (views.isEmpty()) {
         openView(handle);
-    } else if (!views.contains(m_pArea->activeViewId())) {
-        m_pArea->setActiveView(views.first());
+    } else if (!views.contains(m_area->activeViewId())) {
+        m_area->setActiveView(views.first());
     }
     for (CkChain* chain : chainsOf(handle)) {
         if (!chain->started()) {
@@ -171,13 +171,13 @@ void CkCameraController::removeViewsAndPanel(void* pHandle) {
     // Views first: while they close, plug-ins may still query their camera.
     const QList<CkChain*> chains = chainsOf(pHandle);
     for (const int id : viewsOf(pHandle)) {
-        m_pArea->closeView(id, false);
+        m_area->closeView(id, false);
     }
     for (CkChain* chain : chains) {
         CkChainManager::instance()->closeChain(chain);
     }
     if (CkCameraPanel* panel = m_panels.take(pHandle)) {
-        m_pPanels->removeTab(m_pPanels->indexOf(panel));
+        m_tabs->removeTab(m_tabs->indexOf(panel));
         panel->hide();
         // Not deleted at once: the click that led here may come from the panel itself. Its editors must not
         // outlive the camera.
@@ -187,7 +187,7 @@ void CkCameraController::removeViewsAndPanel(void* pHandle) {
 }
 
 void* CkCameraController::cameraOfActiveView() const {
-    const CkMdiView* view = m_pArea->activeView();
+    const CkMdiView* view = m_area->activeView();
     const QList<void*> handles = view != nullptr ? view->cameraHandles() : QList<void*>();
     return !handles.isEmpty() && CkCameraManager::instance()->isOpen(handles.first()) ? handles.first()
                                                                                       : nullptr;
@@ -197,7 +197,7 @@ void* CkCameraController::currentCamera() const {
     if (void* camera = cameraOfActiveView()) {
         return camera;
     }
-    const auto* shown = qobject_cast<const CkCameraPanel*>(m_pPanels->currentWidget());
+    const auto* shown = qobject_cast<const CkCameraPanel*>(m_tabs->currentWidget());
     return shown != nullptr && m_panels.value(shown->cameraHandle()) == shown ? shown->cameraHandle()
                                                                               : nullptr;
 }
@@ -206,18 +206,18 @@ void* CkCameraController::currentCamera() const {
 // that the user is looking at.
 void CkCameraController::bringPanelForward() {
     if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
-        m_pPanels->setCurrentWidget(shown);
+        m_tabs->setCurrentWidget(shown);
     }
     emit currentCameraChanged();
 }
 
 void CkCameraController::bringViewForward() {
-    const auto* shown = qobject_cast<const CkCameraPanel*>(m_pPanels->currentWidget());
+    const auto* shown = qobject_cast<const CkCameraPanel*>(m_tabs->currentWidget());
     void* const camera = shown != nullptr ? shown->cameraHandle() : nullptr;
-    const CkMdiView* active = m_pArea->activeView();
+    const CkMdiView* active = m_area->activeView();
     const QList<int> views = camera != nullptr ? viewsOf(camera) : QList<int>();
     if (!views.isEmpty() && (active == nullptr || !views.contains(active->viewId()))) {
-        m_pArea->setActiveView(views.last());
+        m_area->setActiveView(views.last());
     }
     emit currentCameraChanged();
 }
@@ -242,7 +242,7 @@ QList<CkChain*> CkCameraController::chainsOf(void* pHandle) const {
 
 QList<int> CkCameraController::viewsOf(void* pHandle) const {
     QList<int> result;
-    for (const CkMdiView* view : m_pArea->views()) {
+    for (const CkMdiView* view : m_area->views()) {
         if (view->cameraHandles().contains(pHandle)) {
             result.append(view->viewId());
         }

@@ -62,8 +62,8 @@ private:
     void bringViewForward();
     void report(const QString& sText) const;
 
-    CkViewArea* m_pArea;
-    QTabWidget* m_pPanels;
+    CkViewArea* m_area;
+    QTabWidget* m_tabs;
     QHash<void*, QPointer<CkCameraPanel>> m_panels;
-    bool m_bWithView = true;
+    bool m_withView = true;
 };

@@ -23,45 +23,45 @@ void clearLater(QMenu* menu) {
 } // namespace
 
 CkCameraMenu::CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* pParent)
-    : QObject(pParent), m_pCameras(pCameras) {
+    : QObject(pParent), m_cameras(pCameras) {
     pMenu->setToolTipsVisible(true);
-    m_pOpenMenu = pMenu->addMenu(tr("&Open"));
-    m_pOpenMenu->setObjectName(QStringLiteral("menuOpenCamera"));
+    m_openMenu = pMenu->addMenu(tr("&Open"));
+    m_openMenu->setObjectName(QStringLiteral("menuOpenCamera"));
     pMenu->addSeparator();
-    m_pStartAction = pMenu->addAction(tr("&Start"), this, &CkCameraMenu::toggleAcquisition);
-    m_pStartAction->setObjectName(QStringLiteral("actStartCamera"));
-    m_pStartAction->setShortcut(Qt::Key_F5);
-    m_pPauseAction = pMenu->addAction(tr("&Pause"), this, [this] {
-        if (CkCameraPanel* panel = m_pCameras->panel(m_pCameras->currentCamera())) {
+    m_startAction = pMenu->addAction(tr("&Start"), this, &CkCameraMenu::toggleAcquisition);
+    m_startAction->setObjectName(QStringLiteral("actStartCamera"));
+    m_startAction->setShortcut(Qt::Key_F5);
+    m_pauseAction = pMenu->addAction(tr("&Pause"), this, [this] {
+        if (CkCameraPanel* panel = m_cameras->panel(m_cameras->currentCamera())) {
             panel->setPaused(!panel->isPaused());
             refresh();
         }
     });
-    m_pPauseAction->setObjectName(QStringLiteral("actPauseCamera"));
-    m_pPauseAction->setShortcut(Qt::Key_F6);
-    m_pPauseAction->setCheckable(true);
-    m_pStepAction = pMenu->addAction(tr("S&ingle Step"), this, [this] {
-        if (CkCameraPanel* panel = m_pCameras->panel(m_pCameras->currentCamera())) {
+    m_pauseAction->setObjectName(QStringLiteral("actPauseCamera"));
+    m_pauseAction->setShortcut(Qt::Key_F6);
+    m_pauseAction->setCheckable(true);
+    m_stepAction = pMenu->addAction(tr("S&ingle Step"), this, [this] {
+        if (CkCameraPanel* panel = m_cameras->panel(m_cameras->currentCamera())) {
             panel->step();
             refresh();
         }
     });
-    m_pStepAction->setObjectName(QStringLiteral("actStepCamera"));
-    m_pStepAction->setShortcut(Qt::Key_F7);
-    m_pViewAction = pMenu->addAction(tr("&New Picture View"), this,
-                                     [this] { m_pCameras->openView(m_pCameras->currentCamera()); });
-    m_pViewAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    m_stepAction->setObjectName(QStringLiteral("actStepCamera"));
+    m_stepAction->setShortcut(Qt::Key_F7);
+    m_viewAction = pMenu->addAction(tr("&New Picture View"), this,
+                                    [this] { m_cameras->openView(m_cameras->currentCamera()); });
+    m_viewAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     pMenu->addSeparator();
-    m_pCloseAction = pMenu->addAction(tr("Close &Current"), this,
-                                      [this] { m_pCameras->closeCamera(m_pCameras->currentCamera()); });
-    m_pCloseAction->setObjectName(QStringLiteral("actCloseCamera"));
-    m_pCloseAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
-    m_pCloseMenu = pMenu->addMenu(tr("C&lose"));
-    m_pCloseMenu->setObjectName(QStringLiteral("menuCloseCamera"));
-    m_pUnplugMenu = pMenu->addMenu(tr("&Unplug"));
-    m_pUnplugMenu->setObjectName(QStringLiteral("menuUnplugCamera"));
-    m_pPlugInMenu = pMenu->addMenu(tr("Plu&g In"));
-    m_pPlugInMenu->setObjectName(QStringLiteral("menuPlugInCamera"));
+    m_closeAction = pMenu->addAction(tr("Close &Current"), this,
+                                     [this] { m_cameras->closeCamera(m_cameras->currentCamera()); });
+    m_closeAction->setObjectName(QStringLiteral("actCloseCamera"));
+    m_closeAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
+    m_closeMenu = pMenu->addMenu(tr("C&lose"));
+    m_closeMenu->setObjectName(QStringLiteral("menuCloseCamera"));
+    m_unplugMenu = pMenu->addMenu(tr("&Unplug"));
+    m_unplugMenu->setObjectName(QStringLiteral("menuUnplugCamera"));
+    m_plugInMenu = pMenu->addMenu(tr("Plu&g In"));
+    m_plugInMenu->setObjectName(QStringLiteral("menuPlugInCamera"));
     pMenu->addSeparator();
     addReopenAction(pMenu);
 
@@ -71,8 +71,8 @@ CkCameraMenu::CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* 
     connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::cameraUnplugged, this, &CkCameraMenu::refresh);
     connect(manager, &CkCameraManager::cameraPluggedIn, this, &CkCameraMenu::refresh);
-    connect(m_pCameras, &CkCameraController::cameraReady, this, &CkCameraMenu::refresh);
-    connect(m_pCameras, &CkCameraController::currentCameraChanged, this, &CkCameraMenu::refresh);
+    connect(m_cameras, &CkCameraController::cameraReady, this, &CkCameraMenu::refresh);
+    connect(m_cameras, &CkCameraController::currentCameraChanged, this, &CkCameraMenu::refresh);
     connect(pMenu, &QMenu::aboutToShow, this, &CkCameraMenu::refresh);
     refresh();
 }
@@ -92,9 +92,9 @@ void CkCameraMenu::addReopenAction(QMenu* pMenu) {
 void CkCameraMenu::refresh() {
     fillOpenMenu();
     fillHandleMenus();
-    void* camera = m_pCameras->currentCamera();
+    void* camera = m_cameras->currentCamera();
     const bool running = camera != nullptr && CkCameraManager::instance()->isAcquiring(camera);
-    const CkCameraPanel* panel = m_pCameras->panel(camera);
+    const CkCameraPanel* panel = m_cameras->panel(camera);
     const QString none = tr("There is no current camera: open one, or activate one of its views");
     const bool unplugged = CkCameraManager::instance()->isUnplugged(camera);
     const QString stopped = camera == nullptr ? none
@@ -102,24 +102,24 @@ void CkCameraMenu::refresh() {
                                               : tr("The camera is stopped");
     SkCameraInfo info;
     CkCameraManager::instance()->cameraInfo(camera, info);
-    m_pStartAction->setText(running ? tr("&Stop") : tr("&Start"));
-    m_pStartAction->setEnabled(camera != nullptr && !unplugged);
-    m_pStartAction->setToolTip(camera == nullptr || unplugged ? stopped
-                               : running                      ? tr("Stop \"%1\"").arg(info.name)
-                                                              : tr("Start \"%1\"").arg(info.name));
-    m_pPauseAction->setEnabled(running);
-    m_pPauseAction->setChecked(panel != nullptr && panel->isPaused());
-    m_pPauseAction->setToolTip(running ? tr("Hold the camera without stopping it") : stopped);
-    m_pStepAction->setEnabled(running);
-    m_pStepAction->setToolTip(running ? tr("Take one set of pictures and hold") : stopped);
-    m_pCloseAction->setEnabled(camera != nullptr);
-    m_pCloseAction->setToolTip(camera != nullptr ? tr("Close the current camera with its views") : none);
-    m_pViewAction->setEnabled(camera != nullptr);
-    m_pViewAction->setToolTip(camera != nullptr ? tr("Another view of the current camera") : none);
+    m_startAction->setText(running ? tr("&Stop") : tr("&Start"));
+    m_startAction->setEnabled(camera != nullptr && !unplugged);
+    m_startAction->setToolTip(camera == nullptr || unplugged ? stopped
+                              : running                      ? tr("Stop \"%1\"").arg(info.name)
+                                                             : tr("Start \"%1\"").arg(info.name));
+    m_pauseAction->setEnabled(running);
+    m_pauseAction->setChecked(panel != nullptr && panel->isPaused());
+    m_pauseAction->setToolTip(running ? tr("Hold the camera without stopping it") : stopped);
+    m_stepAction->setEnabled(running);
+    m_stepAction->setToolTip(running ? tr("Take one set of pictures and hold") : stopped);
+    m_closeAction->setEnabled(camera != nullptr);
+    m_closeAction->setToolTip(camera != nullptr ? tr("Close the current camera with its views") : none);
+    m_viewAction->setEnabled(camera != nullptr);
+    m_viewAction->setToolTip(camera != nullptr ? tr("Another view of the current camera") : none);
 }
 
 void CkCameraMenu::fillOpenMenu() {
-    clearLater(m_pOpenMenu);
+    clearLater(m_openMenu);
     CkCameraManager* manager = CkCameraManager::instance();
     QStringList openIds;
     for (void* handle : manager->openedCameras()) {
@@ -130,7 +130,7 @@ void CkCameraMenu::fillOpenMenu() {
     }
     int number = 0;
     for (const SkCameraInfo& info : manager->availableCameras()) {
-        QAction* action = m_pOpenMenu->addAction(QStringLiteral("%1 (%2)").arg(info.name, info.serial));
+        QAction* action = m_openMenu->addAction(QStringLiteral("%1 (%2)").arg(info.name, info.serial));
         action->setData(info.id);
         action->setCheckable(true);
         action->setChecked(openIds.contains(info.id));
@@ -138,21 +138,21 @@ void CkCameraMenu::fillOpenMenu() {
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + number)));
         }
         connect(action, &QAction::triggered, this, [this, id = info.id] {
-            if (void* handle = m_pCameras->openCamera(id, true)) {
-                m_pCameras->start(handle);
+            if (void* handle = m_cameras->openCamera(id, true)) {
+                m_cameras->start(handle);
             }
             refresh();
         });
     }
     if (number == 0) {
-        QAction* none = m_pOpenMenu->addAction(tr("No camera is plugged in"));
+        QAction* none = m_openMenu->addAction(tr("No camera is plugged in"));
         none->setEnabled(false);
         none->setToolTip(tr("Plug in a camera; it appears here by itself"));
     }
 }
 
 void CkCameraMenu::fillHandleMenus() {
-    for (QMenu* menu : {m_pCloseMenu, m_pUnplugMenu, m_pPlugInMenu}) {
+    for (QMenu* menu : {m_closeMenu, m_unplugMenu, m_plugInMenu}) {
         clearLater(menu);
     }
     CkCameraManager* manager = CkCameraManager::instance();
@@ -161,33 +161,33 @@ void CkCameraMenu::fillHandleMenus() {
         if (!manager->cameraInfo(handle, info)) {
             continue;
         }
-        m_pCloseMenu->addAction(info.name, this, [this, handle] { m_pCameras->closeCamera(handle); });
+        m_closeMenu->addAction(info.name, this, [this, handle] { m_cameras->closeCamera(handle); });
         if (!manager->isUnplugged(handle)) {
-            m_pUnplugMenu->addAction(info.name, this, [this, handle] { m_pCameras->unplugCamera(handle); });
+            m_unplugMenu->addAction(info.name, this, [this, handle] { m_cameras->unplugCamera(handle); });
         }
     }
     for (const SkCameraInfo& info : manager->camerasHeldApart()) {
-        m_pPlugInMenu->addAction(info.name, this, [this, id = info.id] { m_pCameras->plugCameraIn(id); });
+        m_plugInMenu->addAction(info.name, this, [this, id = info.id] { m_cameras->plugCameraIn(id); });
     }
     const auto enableIfFilled = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
         menu->setEnabled(!menu->isEmpty());
         menu->menuAction()->setToolTip(menu->isEmpty() ? sWhy : sHint);
     };
-    enableIfFilled(m_pCloseMenu, tr("Close a camera with its views"), tr("No camera is open"));
-    enableIfFilled(m_pUnplugMenu,
+    enableIfFilled(m_closeMenu, tr("Close a camera with its views"), tr("No camera is open"));
+    enableIfFilled(m_unplugMenu,
                    tr("As if its cable had been pulled: its views keep their pictures and wait"),
                    tr("No camera is open"));
-    enableIfFilled(m_pPlugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
+    enableIfFilled(m_plugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
 }
 
 void CkCameraMenu::toggleAcquisition() {
-    void* camera = m_pCameras->currentCamera();
+    void* camera = m_cameras->currentCamera();
     if (camera == nullptr) {
         return;
     }
     if (CkCameraManager::instance()->isAcquiring(camera)) {
-        m_pCameras->stop(camera);
+        m_cameras->stop(camera);
     } else {
-        m_pCameras->start(camera);
+        m_cameras->start(camera);
     }
 }

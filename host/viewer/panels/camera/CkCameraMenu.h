@@ -14,10 +14,10 @@ class CkCameraMenu : public QObject {
 public:
     CkCameraMenu(CkCameraController* pCameras, QMenu* pMenu, QObject* pParent = nullptr);
 
-    QMenu* openMenu() const { return m_pOpenMenu; }
-    QMenu* closeMenu() const { return m_pCloseMenu; }
-    QMenu* unplugMenu() const { return m_pUnplugMenu; }
-    QMenu* plugInMenu() const { return m_pPlugInMenu; }
+    QMenu* openMenu() const { return m_openMenu; }
+    QMenu* closeMenu() const { return m_closeMenu; }
+    QMenu* unplugMenu() const { return m_unplugMenu; }
+    QMenu* plugInMenu() const { return m_plugInMenu; }
 
 public slots:
     /// Updates all actions. To be called when the set of cameras or the current camera has changed.
@@ -29,14 +29,14 @@ private:
     void fillHandleMenus();
     void toggleAcquisition();
 
-    CkCameraController* m_pCameras;
-    QMenu* m_pOpenMenu;
-    QMenu* m_pCloseMenu;
-    QMenu* m_pUnplugMenu;
-    QMenu* m_pPlugInMenu;
-    QAction* m_pStartAction;
-    QAction* m_pPauseAction;
-    QAction* m_pStepAction;
-    QAction* m_pViewAction;
-    QAction* m_pCloseAction;
+    CkCameraController* m_cameras;
+    QMenu* m_openMenu;
+    QMenu* m_closeMenu;
+    QMenu* m_unplugMenu;
+    QMenu* m_plugInMenu;
+    QAction* m_startAction;
+    QAction* m_pauseAction;
+    QAction* m_stepAction;
+    QAction* m_viewAction;
+    QAction* m_closeAction;
 };

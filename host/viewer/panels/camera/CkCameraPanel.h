@@ -17,7 +17,7 @@ class CkCameraPanel : public QWidget {
 public:
     explicit CkCameraPanel(void* pCameraHandle, QWidget* pParent = nullptr);
 
-    void* cameraHandle() const { return m_pCameraHandle; }
+    void* cameraHandle() const { return m_cameraHandle; }
 
     /// Drops the camera and its parameters, for a panel that is to be deleted later.
     void detach();
@@ -44,11 +44,11 @@ private:
     void showParameters();
     void showState();
 
-    void* m_pCameraHandle;
-    QVBoxLayout* m_pToolArea = nullptr;
-    QLabel* m_pStateLabel = nullptr;
-    QPushButton* m_pStartButton = nullptr;
-    QPushButton* m_pPauseButton = nullptr;
-    QPushButton* m_pStepButton = nullptr;
-    QScrollArea* m_pParameters = nullptr;
+    void* m_cameraHandle;
+    QVBoxLayout* m_toolArea = nullptr;
+    QLabel* m_stateLabel = nullptr;
+    QPushButton* m_startButton = nullptr;
+    QPushButton* m_pauseButton = nullptr;
+    QPushButton* m_stepButton = nullptr;
+    QScrollArea* m_parameters = nullptr;
 };

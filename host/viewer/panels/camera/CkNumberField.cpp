@@ -65,7 +65,7 @@ double CkNumberField::valueFromText(const QString& sText) const {
 
 QString CkNumberField::textFromValue(double fValue) const {
     QString text = QDoubleSpinBox::textFromValue(fValue);
-    while (!m_bTrailingZeros && text.contains(locale().decimalPoint()) &&
+    while (!m_trailingZeros && text.contains(locale().decimalPoint()) &&
            (text.endsWith(QLatin1Char('0')) || text.endsWith(locale().decimalPoint()))) {
         const bool sign = text.endsWith(locale().decimalPoint());
         text.chop(1);

@@ -18,7 +18,7 @@ public:
 
     explicit CkNumberField(QWidget* pParent = nullptr);
 
-    void setShowsTrailingZeros(bool bShow) { m_bTrailingZeros = bShow; }
+    void setShowsTrailingZeros(bool bShow) { m_trailingZeros = bShow; }
 
     QString textFromValue(double fValue) const override;
     double valueFromText(const QString& sText) const override;
@@ -37,5 +37,5 @@ private:
 
     // Mutable: set in the const overrides that convert text for the base class.
     mutable std::optional<SkTyped> m_typed;
-    bool m_bTrailingZeros = true;
+    bool m_trailingZeros = true;
 };

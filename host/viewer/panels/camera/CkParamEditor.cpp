@@ -45,19 +45,19 @@ QString unitText(const CkCameraParam::SkDescription& description) {
 
 } // namespace
 
-CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(pParent), m_pParam(pParam) {
+CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(pParent), m_param(pParam) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(1);
-    m_pRow = new QHBoxLayout;
-    m_pRow->setSpacing(4);
-    column->addLayout(m_pRow);
-    m_pRemark = new QLabel(this);
-    m_pRemark->setObjectName(QStringLiteral("paramRemark"));
-    m_pRemark->setWordWrap(true);
-    m_pRemark->setStyleSheet(QStringLiteral("color: #9a5b00"));
-    m_pRemark->hide();
-    column->addWidget(m_pRemark);
+    m_row = new QHBoxLayout;
+    m_row->setSpacing(4);
+    column->addLayout(m_row);
+    m_remark = new QLabel(this);
+    m_remark->setObjectName(QStringLiteral("paramRemark"));
+    m_remark->setWordWrap(true);
+    m_remark->setStyleSheet(QStringLiteral("color: #9a5b00"));
+    m_remark->hide();
+    column->addWidget(m_remark);
     const CkCameraParam::SkDescription& description = pParam->description();
     switch (description.kind) {
     case CkCameraParam::EkKind::Integer:
@@ -81,66 +81,66 @@ CkParamEditor::CkParamEditor(CkCameraParam* pParam, QWidget* pParent) : QWidget(
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDragDelayMs);
     connect(&m_delay, &QTimer::timeout, this, [this] {
-        applyNumber(m_fDelayed);
-        m_bRefused = false; // nothing was typed
+        applyNumber(m_delayed);
+        m_refused = false; // nothing was typed
     });
 }
 
 void CkParamEditor::createNumber() {
-    const CkCameraParam::SkDescription& description = m_pParam->description();
+    const CkCameraParam::SkDescription& description = m_param->description();
     const bool limited = description.maximum > description.minimum && std::isfinite(description.minimum) &&
                          std::isfinite(description.maximum);
     const double step = description.step > 0.0 ? description.step : 1.0;
     if (limited) {
-        m_pBar = new CkTuningBar(this);
-        m_pBar->setRange(CkValue(description.minimum), CkValue(description.maximum), CkValue(step));
-        m_pRow->addWidget(m_pBar);
-        connect(m_pBar, &CkTuningBar::valueChanged, this, [this](const CkValue& vValue) {
-            m_fDelayed = vValue.toDouble();
-            const QSignalBlocker blocker(m_pNumber);
-            m_pNumber->setValue(m_fDelayed);
+        m_bar = new CkTuningBar(this);
+        m_bar->setRange(CkValue(description.minimum), CkValue(description.maximum), CkValue(step));
+        m_row->addWidget(m_bar);
+        connect(m_bar, &CkTuningBar::valueChanged, this, [this](const CkValue& vValue) {
+            m_delayed = vValue.toDouble();
+            const QSignalBlocker blocker(m_number);
+            m_number->setValue(m_delayed);
             m_delay.start();
         });
     }
-    m_pNumber = new CkNumberField(this);
-    m_pNumber->setDecimals(decimalsOf(description));
-    m_pNumber->setShowsTrailingZeros(m_pNumber->decimals() < kFineDecimals);
-    m_pNumber->setRange(limited ? description.minimum : -1e12, limited ? description.maximum : 1e12);
-    m_pNumber->setSingleStep(step);
-    m_pNumber->setAlignment(Qt::AlignRight);
-    m_pNumber->setMinimumWidth(96);
-    m_pNumber->setMaximumWidth(150);
-    m_pNumber->setSuffix(unitText(description));
-    m_pRow->addWidget(m_pNumber);
-    connect(m_pNumber, &QDoubleSpinBox::valueChanged, this, [this](double fValue) {
+    m_number = new CkNumberField(this);
+    m_number->setDecimals(decimalsOf(description));
+    m_number->setShowsTrailingZeros(m_number->decimals() < kFineDecimals);
+    m_number->setRange(limited ? description.minimum : -1e12, limited ? description.maximum : 1e12);
+    m_number->setSingleStep(step);
+    m_number->setAlignment(Qt::AlignRight);
+    m_number->setMinimumWidth(96);
+    m_number->setMaximumWidth(150);
+    m_number->setSuffix(unitText(description));
+    m_row->addWidget(m_number);
+    connect(m_number, &QDoubleSpinBox::valueChanged, this, [this](double fValue) {
         m_delay.stop();
         applyNumber(fValue);
     });
-    connect(m_pNumber, &CkNumberField::typed, this, &CkParamEditor::remarkOn);
+    connect(m_number, &CkNumberField::typed, this, &CkParamEditor::remarkOn);
 }
 
 void CkParamEditor::createFlag() {
-    m_pFlag = new QCheckBox(this);
-    m_pRow->addWidget(m_pFlag);
-    connect(m_pFlag, &QCheckBox::toggled, this, [this](bool bChecked) { apply(CkValue(bChecked)); });
+    m_flag = new QCheckBox(this);
+    m_row->addWidget(m_flag);
+    connect(m_flag, &QCheckBox::toggled, this, [this](bool bChecked) { apply(CkValue(bChecked)); });
 }
 
 void CkParamEditor::createList() {
-    m_pList = new QComboBox(this);
-    m_pList->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_pList->setMinimumContentsLength(12);
-    for (const CkCameraParam::SkEnumEntry& entry : m_pParam->description().entries) {
-        m_pList->addItem(entry.text, entry.value);
+    m_list = new QComboBox(this);
+    m_list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_list->setMinimumContentsLength(12);
+    for (const CkCameraParam::SkEnumEntry& entry : m_param->description().entries) {
+        m_list->addItem(entry.text, entry.value);
     }
-    m_pRow->addWidget(m_pList);
-    connect(m_pList, &QComboBox::activated, this,
-            [this](int iIndex) { apply(CkValue(m_pList->itemData(iIndex).toLongLong())); });
+    m_row->addWidget(m_list);
+    connect(m_list, &QComboBox::activated, this,
+            [this](int iIndex) { apply(CkValue(m_list->itemData(iIndex).toLongLong())); });
 }
 
 QString CkParamEditor::hint() const {
-    const CkCameraParam::SkDescription& description = m_pParam->description();
+    const CkCameraParam::SkDescription& description = m_param->description();
     QString text = description.toolTip.isEmpty() ? description.displayName : description.toolTip;
-    if (m_pNumber != nullptr) {
+    if (m_number != nullptr) {
         const QString unit = unitText(description);
         const QLocale number;
         text += QLatin1Char('\n') + tr("From %1 to %2%3, in steps of %4")
@@ -156,48 +156,48 @@ QString CkParamEditor::hint() const {
 }
 
 void CkParamEditor::showValue(const CkValue& vValue) {
-    if (m_pNumber != nullptr && !m_delay.isActive()) {
-        const QSignalBlocker blockNumber(m_pNumber);
-        m_pNumber->setValue(vValue.toDouble());
-        if (m_pBar != nullptr) {
-            m_pBar->setValue(vValue);
+    if (m_number != nullptr && !m_delay.isActive()) {
+        const QSignalBlocker blockNumber(m_number);
+        m_number->setValue(vValue.toDouble());
+        if (m_bar != nullptr) {
+            m_bar->setValue(vValue);
         }
-    } else if (m_pFlag != nullptr) {
-        const QSignalBlocker blocker(m_pFlag);
-        m_pFlag->setChecked(vValue.toBool());
-    } else if (m_pList != nullptr) {
+    } else if (m_flag != nullptr) {
+        const QSignalBlocker blocker(m_flag);
+        m_flag->setChecked(vValue.toBool());
+    } else if (m_list != nullptr) {
         showListValue(vValue.toInt64());
     }
 }
 
 void CkParamEditor::showListValue(qint64 iValue) {
-    int index = m_pList->findData(iValue);
+    int index = m_list->findData(iValue);
     if (index < 0) {
         // A value that is not in the list (set by a program, accepted by the camera) is shown as a number.
-        m_pList->addItem(tr("Other (%1)").arg(iValue), iValue);
-        index = m_pList->count() - 1;
+        m_list->addItem(tr("Other (%1)").arg(iValue), iValue);
+        index = m_list->count() - 1;
     }
-    m_pList->setCurrentIndex(index);
+    m_list->setCurrentIndex(index);
 }
 
 void CkParamEditor::applyNumber(double fValue) {
-    apply(m_pParam->description().kind == CkCameraParam::EkKind::Integer
+    apply(m_param->description().kind == CkCameraParam::EkKind::Integer
               ? CkValue(qint64(std::llround(fValue)))
               : CkValue(fValue));
 }
 
 void CkParamEditor::apply(const CkValue& vValue) {
-    m_bRefused = !m_pParam->setParamValue(vValue) || !m_pParam->commit();
-    setRemark(m_bRefused ? tr("The camera refused it; the old value stays.") : QString());
-    if (m_bRefused) {
-        emit refused(m_pParam->description().displayName);
+    m_refused = !m_param->setParamValue(vValue) || !m_param->commit();
+    setRemark(m_refused ? tr("The camera refused it; the old value stays.") : QString());
+    if (m_refused) {
+        emit refused(m_param->description().displayName);
     }
-    showValue(m_pParam->committedValue());
+    showValue(m_param->committedValue());
 }
 
 void CkParamEditor::remarkOn(const CkNumberField::SkTyped& typed) {
-    const CkValue now = m_pParam->committedValue();
-    if (std::exchange(m_bRefused, false)) {
+    const CkValue now = m_param->committedValue();
+    if (std::exchange(m_refused, false)) {
         return;
     }
     if (!typed.value) {
@@ -207,22 +207,22 @@ void CkParamEditor::remarkOn(const CkNumberField::SkTyped& typed) {
     const double wanted = *typed.value;
     const bool asTyped = std::abs(wanted - now.toDouble()) <= kSameValue * std::max(1.0, std::abs(wanted));
     setRemark(asTyped ? QString()
-              : wanted > m_pNumber->maximum()
+              : wanted > m_number->maximum()
                   ? tr("%1 is too large; %2 was set.").arg(typed.text, numberText(now))
-              : wanted < m_pNumber->minimum()
+              : wanted < m_number->minimum()
                   ? tr("%1 is too small; %2 was set.").arg(typed.text, numberText(now))
                   : tr("%1 is between two steps; %2 was set.").arg(typed.text, numberText(now)));
 }
 
 QString CkParamEditor::numberText(const CkValue& vValue) const {
-    return m_pNumber->textFromValue(vValue.toDouble()) + m_pNumber->suffix();
+    return m_number->textFromValue(vValue.toDouble()) + m_number->suffix();
 }
 
 QString CkParamEditor::remark() const {
-    return m_pRemark->text();
+    return m_remark->text();
 }
 
 void CkParamEditor::setRemark(const QString& sRemark) {
-    m_pRemark->setText(sRemark);
-    m_pRemark->setVisible(!sRemark.isEmpty());
+    m_remark->setText(sRemark);
+    m_remark->setVisible(!sRemark.isEmpty());
 }

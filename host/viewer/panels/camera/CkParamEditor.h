@@ -22,7 +22,7 @@ class CkParamEditor : public QWidget {
 public:
     explicit CkParamEditor(CkCameraParam* pParam, QWidget* pParent = nullptr);
 
-    CkCameraParam* param() const { return m_pParam; }
+    CkCameraParam* param() const { return m_param; }
     /// How the value typed last was corrected; empty when it was set unchanged.
     QString remark() const;
 
@@ -42,14 +42,14 @@ private:
     void setRemark(const QString& sRemark);
     QString numberText(const CkValue& vValue) const;
 
-    CkCameraParam* m_pParam;
-    QHBoxLayout* m_pRow = nullptr;
-    QLabel* m_pRemark = nullptr;
-    CkTuningBar* m_pBar = nullptr;
-    CkNumberField* m_pNumber = nullptr;
-    QCheckBox* m_pFlag = nullptr;
-    QComboBox* m_pList = nullptr;
+    CkCameraParam* m_param;
+    QHBoxLayout* m_row = nullptr;
+    QLabel* m_remark = nullptr;
+    CkTuningBar* m_bar = nullptr;
+    CkNumberField* m_number = nullptr;
+    QCheckBox* m_flag = nullptr;
+    QComboBox* m_list = nullptr;
     QTimer m_delay; ///< merges the steps of a drag into fewer changes of the camera
-    double m_fDelayed = 0.0;
-    bool m_bRefused = false; ///< the camera refused the value being typed
+    double m_delayed = 0.0;
+    bool m_refused = false; ///< the camera refused the value being typed
 };

@@ -24,7 +24,7 @@ QDialog* openDialog(QWidget* owner, const QString& title, QWidget* content) {
 
 } // namespace
 
-CkBlockDialogs::CkBlockDialogs(QWidget* pOwner) : QObject(pOwner), m_pOwner(pOwner) {}
+CkBlockDialogs::CkBlockDialogs(QWidget* pOwner) : QObject(pOwner), m_owner(pOwner) {}
 
 CkBlockDialogs::~CkBlockDialogs() {
     // The dialogs belong to the window, but a settings widget must not outlive the panel that opened it.
@@ -45,7 +45,7 @@ bool CkBlockDialogs::configure(CkChainable* pBlock) {
         return false;
     }
     const QString title = settings->windowTitle().isEmpty() ? pBlock->title() : settings->windowTitle();
-    QDialog* dialog = openDialog(m_pOwner, title, settings);
+    QDialog* dialog = openDialog(m_owner, title, settings);
     dialog->setObjectName(QStringLiteral("configureBlockDialog"));
     connect(dialog, &QObject::destroyed, this, [this] {
         m_settings.removeIf([](const auto& entry) { return entry.value().isNull(); });
@@ -68,7 +68,7 @@ void CkBlockDialogs::help(CkChainable* pBlock) {
     auto* browser = new QTextBrowser;
     browser->setOpenExternalLinks(true);
     browser->setHtml(text);
-    QDialog* dialog = openDialog(m_pOwner, tr("Help: %1").arg(pBlock->title()), browser);
+    QDialog* dialog = openDialog(m_owner, tr("Help: %1").arg(pBlock->title()), browser);
     dialog->setObjectName(QStringLiteral("blockHelpDialog"));
     dialog->resize(520, 320);
     dialog->show();

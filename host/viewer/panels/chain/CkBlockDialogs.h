@@ -30,6 +30,6 @@ signals:
     void closed();
 
 private:
-    QWidget* m_pOwner;
+    QWidget* m_owner;
     QHash<const CkChainable*, QPointer<QDialog>> m_settings;
 };

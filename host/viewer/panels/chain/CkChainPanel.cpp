@@ -22,29 +22,29 @@ namespace {
 constexpr int kCounterMs = 500;
 }
 
-CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
+CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_area(pArea) {
     setObjectName(QStringLiteral("chainPanel"));
-    m_pDialogs = new CkBlockDialogs(this);
+    m_dialogs = new CkBlockDialogs(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
-    m_pTitle = new QLabel(this);
-    m_pTitle->setTextFormat(Qt::PlainText);
-    layout->addWidget(m_pTitle);
-    m_pTree = new CkChainTree(this);
-    layout->addWidget(m_pTree, 1);
+    m_title = new QLabel(this);
+    m_title->setTextFormat(Qt::PlainText);
+    layout->addWidget(m_title);
+    m_tree = new CkChainTree(this);
+    layout->addWidget(m_tree, 1);
     createActions();
     createButtons(layout);
 
-    connect(m_pAddMenu, &QMenu::aboutToShow, this, &CkChainPanel::fillAddMenu);
-    connect(m_pTree, &QTreeWidget::itemSelectionChanged, this, &CkChainPanel::updateButtons);
-    connect(m_pTree, &QTreeWidget::currentItemChanged, this, &CkChainPanel::updateButtons);
-    connect(m_pTree, &QTreeWidget::itemDoubleClicked, this, &CkChainPanel::configureSelected);
-    connect(m_pDialogs, &CkBlockDialogs::closed, m_pTree, &CkChainTree::refreshCounters);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkChainPanel::refresh);
+    connect(m_addMenu, &QMenu::aboutToShow, this, &CkChainPanel::fillAddMenu);
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &CkChainPanel::updateButtons);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &CkChainPanel::updateButtons);
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &CkChainPanel::configureSelected);
+    connect(m_dialogs, &CkBlockDialogs::closed, m_tree, &CkChainTree::refreshCounters);
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkChainPanel::refresh);
     m_counters.setInterval(kCounterMs);
     connect(&m_counters, &QTimer::timeout, this, [this] {
         if (isVisible()) {
-            m_pTree->refreshCounters();
+            m_tree->refreshCounters();
             showTitle();
             updateButtons();
         }
@@ -55,47 +55,47 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
 
 CkChainPanel::~CkChainPanel() {
     // Before the tree is destroyed: it is refreshed when a dialog closes.
-    delete m_pDialogs;
+    delete m_dialogs;
 }
 
 void CkChainPanel::createActions() {
-    m_pAddMenu = new QMenu(tr("&Add Block"), this);
-    m_pAddMenu->setObjectName(QStringLiteral("menuAddBlock"));
-    m_pAddMenu->setToolTipsVisible(true);
-    m_pConfigureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
-    m_pConfigureAction->setIconText(tr("Configure..."));
-    m_pConfigureAction->setShortcut(Qt::CTRL | Qt::Key_B);
-    m_pToggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
-    m_pToggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
-    m_pRemoveAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);
-    m_pRemoveAction->setIconText(tr("Remove"));
-    m_pRemoveAction->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
-    m_pHelpAction = addAction(tr("&Help for Block"), this, &CkChainPanel::helpSelected);
-    m_pHelpAction->setIconText(tr("Help"));
-    m_pHelpAction->setShortcut(Qt::CTRL | Qt::Key_F1);
+    m_addMenu = new QMenu(tr("&Add Block"), this);
+    m_addMenu->setObjectName(QStringLiteral("menuAddBlock"));
+    m_addMenu->setToolTipsVisible(true);
+    m_configureAction = addAction(tr("&Configure Block..."), this, &CkChainPanel::configureSelected);
+    m_configureAction->setIconText(tr("Configure..."));
+    m_configureAction->setShortcut(Qt::CTRL | Qt::Key_B);
+    m_toggleAction = addAction(tr("Switch Block &Off"), this, &CkChainPanel::toggleSelected);
+    m_toggleAction->setShortcut(Qt::CTRL | Qt::Key_D);
+    m_removeAction = addAction(tr("&Remove Block"), this, &CkChainPanel::removeSelected);
+    m_removeAction->setIconText(tr("Remove"));
+    m_removeAction->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    m_helpAction = addAction(tr("&Help for Block"), this, &CkChainPanel::helpSelected);
+    m_helpAction->setIconText(tr("Help"));
+    m_helpAction->setShortcut(Qt::CTRL | Qt::Key_F1);
 }
 
 void CkChainPanel::createButtons(QVBoxLayout* pLayout) {
-    m_pAddButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
-    m_pAddButton->setMenu(m_pAddMenu);
-    m_pAddButton->setPopupMode(QToolButton::InstantPopup);
+    m_addButton = addButton(tr("Add"), QStringLiteral("btnAddBlock"));
+    m_addButton->setMenu(m_addMenu);
+    m_addButton->setPopupMode(QToolButton::InstantPopup);
     auto* first = new QHBoxLayout;
-    first->addWidget(m_pAddButton);
-    first->addWidget(addButtonFor(m_pConfigureAction, QStringLiteral("btnConfigureBlock")));
-    first->addWidget(addButtonFor(m_pToggleAction, QStringLiteral("btnToggleBlock")));
-    first->addWidget(addButtonFor(m_pRemoveAction, QStringLiteral("btnRemoveBlock")));
+    first->addWidget(m_addButton);
+    first->addWidget(addButtonFor(m_configureAction, QStringLiteral("btnConfigureBlock")));
+    first->addWidget(addButtonFor(m_toggleAction, QStringLiteral("btnToggleBlock")));
+    first->addWidget(addButtonFor(m_removeAction, QStringLiteral("btnRemoveBlock")));
     first->addStretch();
     auto* second = new QHBoxLayout;
-    second->addWidget(addButtonFor(m_pHelpAction, QStringLiteral("btnHelpBlock")));
+    second->addWidget(addButtonFor(m_helpAction, QStringLiteral("btnHelpBlock")));
     second->addStretch();
-    m_pSaveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
+    m_saveButton = addButton(tr("Save..."), QStringLiteral("btnSaveChain"));
     QToolButton* load = addButton(tr("Open..."), QStringLiteral("btnLoadChain"));
     load->setToolTip(tr("Open a chain file with views on its ends (Ctrl+O)"));
     second->addWidget(load);
-    second->addWidget(m_pSaveButton);
+    second->addWidget(m_saveButton);
     pLayout->addLayout(first);
     pLayout->addLayout(second);
-    connect(m_pSaveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
+    connect(m_saveButton, &QToolButton::clicked, this, &CkChainPanel::saveRequested);
     connect(load, &QToolButton::clicked, this, &CkChainPanel::loadRequested);
 }
 
@@ -114,11 +114,11 @@ QToolButton* CkChainPanel::addButtonFor(QAction* pAction, const QString& sName) 
 }
 
 QList<QAction*> CkChainPanel::menuActions() const {
-    return {m_pConfigureAction, m_pToggleAction, m_pRemoveAction, m_pHelpAction};
+    return {m_configureAction, m_toggleAction, m_removeAction, m_helpAction};
 }
 
 void CkChainPanel::refresh() {
-    CkMdiView* view = m_pArea->activeView();
+    CkMdiView* view = m_area->activeView();
     if (m_view != view) {
         if (m_view) {
             disconnect(m_view, &CkMdiView::dataProviderChanged, this, nullptr);
@@ -131,85 +131,85 @@ void CkChainPanel::refresh() {
     }
     CkChainable* shown = view != nullptr ? view->dataProvider() : nullptr;
     CkChain* chain = shown != nullptr ? shown->chain() : nullptr;
-    m_pTree->setChain(chain, shown);
+    m_tree->setChain(chain, shown);
     showTitle();
     updateButtons();
 }
 
 // Part of every refresh: the titles of blocks change with their settings.
 void CkChainPanel::showTitle() {
-    const CkChain* const chain = m_pTree->chain();
+    const CkChain* const chain = m_tree->chain();
     const QString title = chain != nullptr ? chain->chainTitle(m_view ? m_view->dataProvider() : nullptr)
                           : m_view         ? tr("The active view shows no chain")
                                            : tr("No view is active");
-    m_pTitle->setText(m_pTitle->fontMetrics().elidedText(title, Qt::ElideMiddle, 300));
-    m_pTitle->setToolTip(title);
+    m_title->setText(m_title->fontMetrics().elidedText(title, Qt::ElideMiddle, 300));
+    m_title->setToolTip(title);
 }
 
 void CkChainPanel::updateButtons() {
-    CkChainable* block = m_pTree->selectedBlock();
-    const bool chain = m_pTree->chain() != nullptr;
+    CkChainable* block = m_tree->selectedBlock();
+    const bool chain = m_tree->chain() != nullptr;
     const bool source = block != nullptr && ChainEditor::isSource(block);
     const QString none = tr("Select a block first");
     const QString addHint =
         chain ? tr("Add a block behind the selected one") : tr("The active view shows no chain");
-    m_pAddButton->setEnabled(chain);
-    m_pAddButton->setToolTip(addHint);
-    m_pAddMenu->menuAction()->setEnabled(chain);
-    m_pAddMenu->menuAction()->setToolTip(addHint);
-    m_pConfigureAction->setEnabled(block != nullptr);
-    m_pConfigureAction->setToolTip(block != nullptr ? tr("Open the settings of the selected block") : none);
+    m_addButton->setEnabled(chain);
+    m_addButton->setToolTip(addHint);
+    m_addMenu->menuAction()->setEnabled(chain);
+    m_addMenu->menuAction()->setToolTip(addHint);
+    m_configureAction->setEnabled(block != nullptr);
+    m_configureAction->setToolTip(block != nullptr ? tr("Open the settings of the selected block") : none);
     const bool off = block != nullptr && block->state() == CkChainable::Blocked;
-    m_pToggleAction->setText(off ? tr("Switch Block &On") : tr("Switch Block &Off"));
-    m_pToggleAction->setIconText(off ? tr("On") : tr("Off"));
-    m_pToggleAction->setEnabled(block != nullptr && !source);
-    m_pToggleAction->setToolTip(block == nullptr ? none
-                                : source         ? tr("A source is switched with its camera")
-                                : off            ? tr("Let the block work again")
-                                                 : tr("Switch the block off: it then delivers nothing"));
-    m_pRemoveAction->setEnabled(block != nullptr && !source);
-    m_pRemoveAction->setToolTip(block == nullptr ? none
-                                : source         ? tr("A source stays as long as its chain")
-                                                 : tr("Take the block out of the chain"));
+    m_toggleAction->setText(off ? tr("Switch Block &On") : tr("Switch Block &Off"));
+    m_toggleAction->setIconText(off ? tr("On") : tr("Off"));
+    m_toggleAction->setEnabled(block != nullptr && !source);
+    m_toggleAction->setToolTip(block == nullptr ? none
+                               : source         ? tr("A source is switched with its camera")
+                               : off            ? tr("Let the block work again")
+                                                : tr("Switch the block off: it then delivers nothing"));
+    m_removeAction->setEnabled(block != nullptr && !source);
+    m_removeAction->setToolTip(block == nullptr ? none
+                               : source         ? tr("A source stays as long as its chain")
+                                                : tr("Take the block out of the chain"));
     const bool help = block != nullptr && block->hasHelp();
-    m_pHelpAction->setEnabled(help);
-    m_pHelpAction->setToolTip(help               ? tr("Explain the selected block")
-                              : block != nullptr ? tr("This block brings no help")
-                                                 : none);
-    m_pSaveButton->setEnabled(chain);
-    m_pSaveButton->setToolTip(chain ? tr("Save the chain to a file (Ctrl+S)")
-                                    : tr("The active view shows no chain"));
+    m_helpAction->setEnabled(help);
+    m_helpAction->setToolTip(help               ? tr("Explain the selected block")
+                             : block != nullptr ? tr("This block brings no help")
+                                                : none);
+    m_saveButton->setEnabled(chain);
+    m_saveButton->setToolTip(chain ? tr("Save the chain to a file (Ctrl+S)")
+                                   : tr("The active view shows no chain"));
 }
 
 void CkChainPanel::fillAddMenu() {
-    m_pAddMenu->clear();
+    m_addMenu->clear();
     QMenu* branch = nullptr;
     for (const SkRegisteredClass& entry : CkRTTI::instance()->classes(QStringLiteral("CkChainable"))) {
         if (entry.metaObject != nullptr && entry.metaObject->inherits(&CkImageSource::staticMetaObject)) {
             continue;
         }
         if (branch == nullptr) {
-            branch = new QMenu(tr("As a branch with its own view"), m_pAddMenu);
+            branch = new QMenu(tr("As a branch with its own view"), m_addMenu);
         }
-        m_pAddMenu->addAction(entry.customName, this, [this, id = entry.uniqueId] { addBlock(id, false); })
+        m_addMenu->addAction(entry.customName, this, [this, id = entry.uniqueId] { addBlock(id, false); })
             ->setData(entry.uniqueId);
         branch->addAction(entry.customName, this, [this, id = entry.uniqueId] { addBlock(id, true); })
             ->setData(entry.uniqueId);
     }
     if (branch != nullptr) {
-        m_pAddMenu->addSeparator();
-        m_pAddMenu->addMenu(branch);
+        m_addMenu->addSeparator();
+        m_addMenu->addMenu(branch);
     } else {
-        QAction* none = m_pAddMenu->addAction(tr("No plug-in offers a block"));
+        QAction* none = m_addMenu->addAction(tr("No plug-in offers a block"));
         none->setEnabled(false);
         none->setToolTip(tr("Blocks come with plug-ins, and none is loaded"));
     }
 }
 
 CkChainable* CkChainPanel::addBlock(const QString& sUniqueId, bool bBranch) {
-    CkChainable* after = m_pTree->selectedBlock();
-    if (after == nullptr && m_pArea->activeView() != nullptr) {
-        after = m_pArea->activeView()->dataProvider();
+    CkChainable* after = m_tree->selectedBlock();
+    if (after == nullptr && m_area->activeView() != nullptr) {
+        after = m_area->activeView()->dataProvider();
     }
     QString error;
     CkChainable* block = ChainEditor::createBlock(sUniqueId, error);
@@ -222,26 +222,26 @@ CkChainable* CkChainPanel::addBlock(const QString& sUniqueId, bool bBranch) {
         emit viewRequested(block);
     }
     refresh();
-    m_pTree->selectBlock(block);
+    m_tree->selectBlock(block);
     return block;
 }
 
 void CkChainPanel::configureSelected() {
-    CkChainable* block = m_pTree->selectedBlock();
+    CkChainable* block = m_tree->selectedBlock();
     if (block == nullptr) {
         return;
     }
-    if (!m_pDialogs->configure(block)) {
+    if (!m_dialogs->configure(block)) {
         showProblem(tr("\"%1\" has nothing to configure.").arg(block->title()));
     }
 }
 
 void CkChainPanel::removeSelected() {
-    CkChainable* block = m_pTree->selectedBlock();
+    CkChainable* block = m_tree->selectedBlock();
     if (block == nullptr) {
         return;
     }
-    m_pDialogs->close(block);
+    m_dialogs->close(block);
     QString error;
     if (!ChainEditor::remove(block, error)) {
         showProblem(error);
@@ -250,17 +250,17 @@ void CkChainPanel::removeSelected() {
 }
 
 void CkChainPanel::helpSelected() {
-    CkChainable* block = m_pTree->selectedBlock();
+    CkChainable* block = m_tree->selectedBlock();
     if (block != nullptr && block->hasHelp()) {
-        m_pDialogs->help(block);
+        m_dialogs->help(block);
     }
 }
 
 void CkChainPanel::toggleSelected() {
-    CkChainable* block = m_pTree->selectedBlock();
+    CkChainable* block = m_tree->selectedBlock();
     if (block != nullptr && !ChainEditor::isSource(block)) {
         block->setState(block->state() == CkChainable::Blocked ? CkChainable::Ready : CkChainable::Blocked);
-        m_pTree->refreshCounters();
+        m_tree->refreshCounters();
         updateButtons();
     }
 }

@@ -25,8 +25,8 @@ public:
     explicit CkChainPanel(CkViewArea* pArea, QWidget* pParent = nullptr);
     ~CkChainPanel() override;
 
-    CkChainTree* tree() const { return m_pTree; }
-    QMenu* addMenu() const { return m_pAddMenu; }
+    CkChainTree* tree() const { return m_tree; }
+    QMenu* addMenu() const { return m_addMenu; }
     /// The actions of the panel's buttons, for a menu: configure, switch on or off, remove, help.
     QList<QAction*> menuActions() const;
 
@@ -59,17 +59,17 @@ private:
     void updateButtons();
     void showProblem(const QString& sText);
 
-    CkViewArea* m_pArea;
-    CkChainTree* m_pTree = nullptr;
-    CkBlockDialogs* m_pDialogs = nullptr;
-    QLabel* m_pTitle = nullptr;
-    QMenu* m_pAddMenu = nullptr;
-    QToolButton* m_pAddButton = nullptr;
-    QAction* m_pConfigureAction = nullptr;
-    QAction* m_pToggleAction = nullptr;
-    QAction* m_pRemoveAction = nullptr;
-    QAction* m_pHelpAction = nullptr;
-    QToolButton* m_pSaveButton = nullptr;
+    CkViewArea* m_area;
+    CkChainTree* m_tree = nullptr;
+    CkBlockDialogs* m_dialogs = nullptr;
+    QLabel* m_title = nullptr;
+    QMenu* m_addMenu = nullptr;
+    QToolButton* m_addButton = nullptr;
+    QAction* m_configureAction = nullptr;
+    QAction* m_toggleAction = nullptr;
+    QAction* m_removeAction = nullptr;
+    QAction* m_helpAction = nullptr;
+    QToolButton* m_saveButton = nullptr;
     QTimer m_counters; ///< refreshes what the tree and the buttons show
     QPointer<CkMdiView> m_view;
 };

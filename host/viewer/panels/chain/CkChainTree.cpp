@@ -169,8 +169,8 @@ void CkChainTree::addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent) {
 
 void CkChainTree::refreshSoon() {
     // One refresh is enough for a thousand blocks that fail at the same time.
-    if (!m_bRefreshPending) {
-        m_bRefreshPending = true;
+    if (!m_refreshPending) {
+        m_refreshPending = true;
         QMetaObject::invokeMethod(this, &CkChainTree::refreshCounters, Qt::QueuedConnection);
     }
 }
@@ -178,7 +178,7 @@ void CkChainTree::refreshSoon() {
 void CkChainTree::setCell(QTreeWidgetItem* pItem, int iColumn, const QString& sText) {
     if (pItem->text(iColumn) != sText) {
         pItem->setText(iColumn, sText);
-        m_bTextsChanged = true;
+        m_textsChanged = true;
     }
 }
 
@@ -232,8 +232,8 @@ void CkChainTree::showError(QTreeWidgetItem* pItem, const QString& sError) {
 }
 
 void CkChainTree::refreshCounters() {
-    m_bRefreshPending = false;
-    m_bTextsChanged = false;
+    m_refreshPending = false;
+    m_textsChanged = false;
     QList<QPair<QTreeWidgetItem*, CkChainable*>> rows;
     for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
         const auto block = it.value()->data(0, kBlockRole).value<QPointer<CkChainable>>();
@@ -252,7 +252,7 @@ void CkChainTree::refreshCounters() {
     for (const auto& [item, block] : std::as_const(rows)) {
         showError(item, block->errorMessage());
     }
-    if (m_bTextsChanged) {
+    if (m_textsChanged) {
         scheduleDelayedItemsLayout();
         executeDelayedItemsLayout(); // see showError
     }

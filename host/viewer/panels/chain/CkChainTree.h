@@ -47,6 +47,6 @@ private:
     QPointer<CkChain> m_chain;
     QPointer<CkChainable> m_shown;
     QHash<const CkChainable*, QTreeWidgetItem*> m_items;
-    bool m_bRefreshPending = false;
-    bool m_bTextsChanged = false; ///< since the rows were laid out
+    bool m_refreshPending = false;
+    bool m_textsChanged = false; ///< since the rows were laid out
 };

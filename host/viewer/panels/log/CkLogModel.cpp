@@ -92,17 +92,17 @@ void CkLogModel::clear() {
 }
 
 void CkLogFilter::setMinimumSeverity(int iSeverity) {
-    m_iMinimum = iSeverity;
+    m_minimum = iSeverity;
     invalidateFilter();
 }
 
 void CkLogFilter::setSearchText(const QString& sText) {
-    m_sSearch = sText;
+    m_search = sText;
     invalidateFilter();
 }
 
 bool CkLogFilter::filterAcceptsRow(int iRow, const QModelIndex& parent) const {
     const QModelIndex text = sourceModel()->index(iRow, CkLogModel::TextColumn, parent);
-    return text.data(CkLogModel::kSeverityRole).toInt() >= m_iMinimum &&
-           (m_sSearch.isEmpty() || text.data().toString().contains(m_sSearch, Qt::CaseInsensitive));
+    return text.data(CkLogModel::kSeverityRole).toInt() >= m_minimum &&
+           (m_search.isEmpty() || text.data().toString().contains(m_search, Qt::CaseInsensitive));
 }

@@ -47,6 +47,6 @@ protected:
     bool filterAcceptsRow(int iRow, const QModelIndex& parent) const override;
 
 private:
-    int m_iMinimum = 0;
-    QString m_sSearch;
+    int m_minimum = 0;
+    QString m_search;
 };

@@ -16,8 +16,8 @@ class CkLogPanel : public QWidget {
 public:
     explicit CkLogPanel(QWidget* pParent = nullptr);
 
-    CkLogModel* model() const { return m_pModel; }
-    CkLogFilter* filter() const { return m_pFilter; }
+    CkLogModel* model() const { return m_model; }
+    CkLogFilter* filter() const { return m_filter; }
 
 public slots:
     void focusSearch();
@@ -27,9 +27,9 @@ private:
     QLayout* createFilterBar();
     void copySelected();
 
-    CkLogModel* m_pModel;
-    CkLogFilter* m_pFilter;
-    QTreeView* m_pView;
-    QComboBox* m_pLevel;
-    QLineEdit* m_pSearch;
+    CkLogModel* m_model;
+    CkLogFilter* m_filter;
+    QTreeView* m_view;
+    QComboBox* m_level;
+    QLineEdit* m_search;
 };

@@ -8,18 +8,18 @@ CkLogSink* CkLogSink::instance() {
 
 void CkLogSink::install() {
     const QMutexLocker lock(&m_mutex);
-    if (!m_bInstalled) {
+    if (!m_installed) {
         qRegisterMetaType<SkLogEntry>();
         m_previous = qInstallMessageHandler(&CkLogSink::handle);
-        m_bInstalled = true;
+        m_installed = true;
     }
 }
 
 void CkLogSink::uninstall() {
     const QMutexLocker lock(&m_mutex);
-    if (m_bInstalled) {
+    if (m_installed) {
         qInstallMessageHandler(m_previous);
-        m_bInstalled = false;
+        m_installed = false;
     }
 }
 

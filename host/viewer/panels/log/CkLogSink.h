@@ -44,5 +44,5 @@ private:
     mutable QMutex m_mutex;
     QList<SkLogEntry> m_entries;
     QtMessageHandler m_previous = nullptr;
-    bool m_bInstalled = false;
+    bool m_installed = false;
 };

@@ -17,8 +17,8 @@ void CkHistogramWidget::showStatistics(const SkPictureStatistics& statistics, co
                                        bool bEditable) {
     m_statistics = statistics;
     m_window = window;
-    m_bEditable = bEditable;
-    m_bEmpty = statistics.finite == 0;
+    m_editable = bEditable;
+    m_empty = statistics.finite == 0;
     // The scale stays fixed during a drag.
     if (m_dragged == EkEnd::None) {
         updateRange();
@@ -27,8 +27,8 @@ void CkHistogramWidget::showStatistics(const SkPictureStatistics& statistics, co
 }
 
 void CkHistogramWidget::clear() {
-    m_bEmpty = true;
-    m_bEditable = false;
+    m_empty = true;
+    m_editable = false;
     m_dragged = EkEnd::None;
     update();
 }
@@ -57,7 +57,7 @@ void CkHistogramWidget::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), palette().base());
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    if (m_bEmpty) {
+    if (m_empty) {
         painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
         painter.drawText(rect(), Qt::AlignCenter, tr("no picture"));
         return;
@@ -79,13 +79,13 @@ void CkHistogramWidget::paintEvent(QPaintEvent*) {
     const double high = toX(m_window.high);
     painter.fillRect(QRectF(0, 0, low, height()), QColor(0, 0, 0, 40));
     painter.fillRect(QRectF(high, 0, width() - high, height()), QColor(0, 0, 0, 40));
-    painter.setPen(QPen(m_bEditable ? QColor(0xc0, 0x40, 0x20) : QColor(0x80, 0x80, 0x80), 1.5));
+    painter.setPen(QPen(m_editable ? QColor(0xc0, 0x40, 0x20) : QColor(0x80, 0x80, 0x80), 1.5));
     painter.drawLine(QPointF(low, 0), QPointF(low, height()));
     painter.drawLine(QPointF(high, 0), QPointF(high, height()));
 }
 
 void CkHistogramWidget::mousePressEvent(QMouseEvent* pEvent) {
-    if (!m_bEditable || m_bEmpty || pEvent->button() != Qt::LeftButton) {
+    if (!m_editable || m_empty || pEvent->button() != Qt::LeftButton) {
         return;
     }
     const double x = pEvent->position().x();
@@ -95,7 +95,7 @@ void CkHistogramWidget::mousePressEvent(QMouseEvent* pEvent) {
 
 void CkHistogramWidget::mouseMoveEvent(QMouseEvent* pEvent) {
     if (m_dragged == EkEnd::None) {
-        setToolTip(m_bEmpty
+        setToolTip(m_empty
                        ? tr("Histogram of the active view")
                        : tr("Histogram of the active view; at the mouse: %1")
                              .arg(PictureText::locale().toString(toValue(pEvent->position().x()), 'g', 5)));

@@ -40,6 +40,6 @@ private:
     SkDisplayWindow m_window;
     SkDisplayWindow m_range; ///< values at the left and right border
     EkEnd m_dragged = EkEnd::None;
-    bool m_bEditable = false;
-    bool m_bEmpty = true;
+    bool m_editable = false;
+    bool m_empty = true;
 };

@@ -42,34 +42,34 @@ QPixmap mapPixmap(int index, const QSize& size) {
 
 } // namespace
 
-CkLutPanel::CkLutPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
+CkLutPanel::CkLutPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_area(pArea) {
     setObjectName(QStringLiteral("lutPanel"));
     createControls();
     m_delay.setSingleShot(true);
     m_delay.setInterval(kShowMs);
     connect(&m_delay, &QTimer::timeout, this, &CkLutPanel::showContrast);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkLutPanel::refresh);
-    connect(m_pMapBox, &QComboBox::activated, this, &CkLutPanel::applyMap);
-    connect(m_pAutoBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
-    connect(m_pSaturationBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
-    connect(m_pLow, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
-    connect(m_pHigh, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
-    connect(m_pGamma, &QDoubleSpinBox::valueChanged, this, [this](double fGamma) {
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkLutPanel::refresh);
+    connect(m_mapBox, &QComboBox::activated, this, &CkLutPanel::applyMap);
+    connect(m_autoBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
+    connect(m_saturationBox, &QCheckBox::clicked, this, &CkLutPanel::applyFlags);
+    connect(m_low, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
+    connect(m_high, &QDoubleSpinBox::valueChanged, this, &CkLutPanel::applyWindow);
+    connect(m_gamma, &QDoubleSpinBox::valueChanged, this, [this](double fGamma) {
         if (m_imageView) {
             m_imageView->setGamma(fGamma);
         }
     });
-    connect(m_pFullButton, &QPushButton::clicked, this, [this] {
+    connect(m_fullButton, &QPushButton::clicked, this, [this] {
         if (m_imageView) {
             m_imageView->setFullRange();
             refresh();
         }
     });
-    connect(m_pHistogram, &CkHistogramWidget::windowDragged, this, [this](const SkDisplayWindow& window) {
+    connect(m_histogram, &CkHistogramWidget::windowDragged, this, [this](const SkDisplayWindow& window) {
         if (m_imageView) {
             m_imageView->setWindow(window);
-            const QSignalBlocker blocker(m_pAutoBox);
-            m_pAutoBox->setChecked(false);
+            const QSignalBlocker blocker(m_autoBox);
+            m_autoBox->setChecked(false);
         }
     });
     refresh();
@@ -105,50 +105,50 @@ void CkLutPanel::createControls() {
     auto* form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     layout->addLayout(form);
-    m_pMapBox = createMapBox();
-    form->addRow(tr("Colours"), m_pMapBox);
-    m_pAutoBox = new QCheckBox(tr("Automatic"), this);
-    m_pAutoBox->setObjectName(QStringLiteral("lutAuto"));
-    m_pSaturationBox = new QCheckBox(tr("Mark saturated"), this);
-    m_pSaturationBox->setObjectName(QStringLiteral("lutSaturation"));
+    m_mapBox = createMapBox();
+    form->addRow(tr("Colours"), m_mapBox);
+    m_autoBox = new QCheckBox(tr("Automatic"), this);
+    m_autoBox->setObjectName(QStringLiteral("lutAuto"));
+    m_saturationBox = new QCheckBox(tr("Mark saturated"), this);
+    m_saturationBox->setObjectName(QStringLiteral("lutSaturation"));
     auto* flags = new QHBoxLayout;
-    flags->addWidget(m_pAutoBox);
-    flags->addWidget(m_pSaturationBox);
+    flags->addWidget(m_autoBox);
+    flags->addWidget(m_saturationBox);
     form->addRow(tr("Contrast"), flags);
-    m_pHistogram = new CkHistogramWidget(this);
-    m_pHistogram->setObjectName(QStringLiteral("lutHistogram"));
-    layout->addWidget(m_pHistogram);
-    m_pLow = createNumber(QStringLiteral("lutLow"));
-    m_pHigh = createNumber(QStringLiteral("lutHigh"));
+    m_histogram = new CkHistogramWidget(this);
+    m_histogram->setObjectName(QStringLiteral("lutHistogram"));
+    layout->addWidget(m_histogram);
+    m_low = createNumber(QStringLiteral("lutLow"));
+    m_high = createNumber(QStringLiteral("lutHigh"));
     auto* window = new QHBoxLayout;
-    window->addWidget(m_pLow, 1);
+    window->addWidget(m_low, 1);
     window->addWidget(new QLabel(tr("to"), this));
-    window->addWidget(m_pHigh, 1);
+    window->addWidget(m_high, 1);
     auto* lower = new QFormLayout;
     lower->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     lower->addRow(tr("Window"), window);
-    m_pGamma = new QDoubleSpinBox(this);
-    m_pGamma->setObjectName(QStringLiteral("lutGamma"));
-    m_pGamma->setRange(0.1, 10.0);
-    m_pGamma->setSingleStep(0.1);
-    m_pGamma->setValue(1.0);
-    m_pGamma->setAlignment(Qt::AlignRight);
-    m_pFullButton = new QPushButton(tr("Full Range"), this);
-    m_pFullButton->setObjectName(QStringLiteral("lutFull"));
+    m_gamma = new QDoubleSpinBox(this);
+    m_gamma->setObjectName(QStringLiteral("lutGamma"));
+    m_gamma->setRange(0.1, 10.0);
+    m_gamma->setSingleStep(0.1);
+    m_gamma->setValue(1.0);
+    m_gamma->setAlignment(Qt::AlignRight);
+    m_fullButton = new QPushButton(tr("Full Range"), this);
+    m_fullButton->setObjectName(QStringLiteral("lutFull"));
     auto* last = new QHBoxLayout;
-    last->addWidget(m_pGamma, 1);
-    last->addWidget(m_pFullButton, 1);
+    last->addWidget(m_gamma, 1);
+    last->addWidget(m_fullButton, 1);
     lower->addRow(tr("Gamma"), last);
     layout->addLayout(lower);
-    m_pSummary = new QLabel(this);
-    m_pSummary->setObjectName(QStringLiteral("lutSummary"));
-    m_pSummary->setWordWrap(true);
-    layout->addWidget(m_pSummary);
+    m_summary = new QLabel(this);
+    m_summary->setObjectName(QStringLiteral("lutSummary"));
+    m_summary->setWordWrap(true);
+    layout->addWidget(m_summary);
     layout->addStretch();
 }
 
 void CkLutPanel::refresh() {
-    CkMdiView* view = m_pArea->activeView();
+    CkMdiView* view = m_area->activeView();
     if (view != m_view) {
         if (m_imageView) {
             disconnect(m_imageView, &CkImageView::contrastChanged, this, nullptr);
@@ -166,18 +166,18 @@ void CkLutPanel::refresh() {
     bool automatic = false;
     bool saturation = false;
     const CkLut* lut = view != nullptr ? view->viewLut(&automatic, &saturation, nullptr) : nullptr;
-    m_pMapBox->setEnabled(lut != nullptr);
-    m_pMapBox->setToolTip(lut != nullptr    ? tr("Colours of the active view")
-                          : view != nullptr ? tr("The active view has no colours to choose")
-                                            : tr("No view is active"));
+    m_mapBox->setEnabled(lut != nullptr);
+    m_mapBox->setToolTip(lut != nullptr    ? tr("Colours of the active view")
+                         : view != nullptr ? tr("The active view has no colours to choose")
+                                           : tr("No view is active"));
     if (lut != nullptr) {
-        m_pMapBox->setCurrentIndex(lut->pseudoColorIndex());
+        m_mapBox->setCurrentIndex(lut->pseudoColorIndex());
     }
-    m_pAutoBox->setChecked(automatic && m_imageView);
-    m_pSaturationBox->setChecked(saturation && m_imageView);
+    m_autoBox->setChecked(automatic && m_imageView);
+    m_saturationBox->setChecked(saturation && m_imageView);
     if (m_imageView) {
-        const QSignalBlocker blocker(m_pGamma);
-        m_pGamma->setValue(m_imageView->gamma());
+        const QSignalBlocker blocker(m_gamma);
+        m_gamma->setValue(m_imageView->gamma());
     }
     showContrast();
 }
@@ -202,28 +202,28 @@ void CkLutPanel::setContrastEnabled(bool bEnabled, const QString& sWhy) {
         pWidget->setEnabled(bEnabled);
         pWidget->setToolTip(bEnabled ? sHint : sWhy);
     };
-    set(m_pAutoBox, tr("The contrast follows every frame"));
-    set(m_pSaturationBox, tr("Show samples at the end of their range in red"));
-    set(m_pLow, tr("Value shown with the first colour"));
-    set(m_pHigh, tr("Value shown with the last colour"));
-    set(m_pGamma, tr("Below 1 the dark parts become lighter, above 1 darker"));
-    set(m_pFullButton, tr("The whole range of values, without automatic contrast"));
+    set(m_autoBox, tr("The contrast follows every frame"));
+    set(m_saturationBox, tr("Show samples at the end of their range in red"));
+    set(m_low, tr("Value shown with the first colour"));
+    set(m_high, tr("Value shown with the last colour"));
+    set(m_gamma, tr("Below 1 the dark parts become lighter, above 1 darker"));
+    set(m_fullButton, tr("The whole range of values, without automatic contrast"));
     const QString reason = bEnabled ? m_imageView->saturationReason() : QString();
     if (!reason.isEmpty()) {
-        m_pSaturationBox->setEnabled(false);
-        m_pSaturationBox->setToolTip(reason);
+        m_saturationBox->setEnabled(false);
+        m_saturationBox->setToolTip(reason);
     }
 }
 
 void CkLutPanel::clearWindow() {
-    for (QDoubleSpinBox* number : {m_pLow, m_pHigh}) {
+    for (QDoubleSpinBox* number : {m_low, m_high}) {
         const QSignalBlocker blocker(number);
         number->setSuffix(QString());
         number->setValue(0.0);
         number->clear();
     }
-    m_pHistogram->clear();
-    m_pSummary->clear();
+    m_histogram->clear();
+    m_summary->clear();
 }
 
 void CkLutPanel::showWindow() {
@@ -234,7 +234,7 @@ void CkLutPanel::showWindow() {
     const double range = std::max(window.high - window.low, 1e-9);
     const int decimals = isFloat ? std::clamp(3 - int(std::floor(std::log10(range))), 0, 9) : 0;
     const QString unit = m_imageView->unit();
-    for (QDoubleSpinBox* number : {m_pLow, m_pHigh}) {
+    for (QDoubleSpinBox* number : {m_low, m_high}) {
         if (number->hasFocus() && !m_imageView->autoContrast()) {
             continue;
         }
@@ -242,9 +242,9 @@ void CkLutPanel::showWindow() {
         number->setDecimals(decimals);
         number->setSingleStep(isFloat ? std::pow(10.0, -std::max(0, decimals - 2)) : 1.0);
         number->setSuffix(unit.isEmpty() ? QString() : QLatin1Char(' ') + unit);
-        number->setValue(number == m_pLow ? window.low : window.high);
+        number->setValue(number == m_low ? window.low : window.high);
     }
-    m_pHistogram->showStatistics(statistics, window, true);
+    m_histogram->showStatistics(statistics, window, true);
     const QLocale locale = PictureText::locale();
     QString summary =
         tr("Values %1 to %2")
@@ -255,7 +255,7 @@ void CkLutPanel::showWindow() {
     if (statistics.notFinite > 0) {
         summary += tr(", %1 invalid").arg(statistics.notFinite);
     }
-    m_pSummary->setText(PictureText::format(picture) + QLatin1Char('\n') + summary);
+    m_summary->setText(PictureText::format(picture) + QLatin1Char('\n') + summary);
 }
 
 void CkLutPanel::applyMap(int iIndex) {
@@ -283,13 +283,13 @@ void CkLutPanel::applyFlags() {
         return;
     }
     CkLut* lut = m_imageView->viewLut(nullptr, nullptr, nullptr);
-    m_imageView->setViewLut(lut, m_pAutoBox->isChecked(), m_pSaturationBox->isChecked(), true);
+    m_imageView->setViewLut(lut, m_autoBox->isChecked(), m_saturationBox->isChecked(), true);
 }
 
 void CkLutPanel::applyWindow() {
     if (m_imageView) {
-        m_imageView->setWindow({m_pLow->value(), m_pHigh->value()});
-        const QSignalBlocker blocker(m_pAutoBox);
-        m_pAutoBox->setChecked(false);
+        m_imageView->setWindow({m_low->value(), m_high->value()});
+        const QSignalBlocker blocker(m_autoBox);
+        m_autoBox->setChecked(false);
     }
 }

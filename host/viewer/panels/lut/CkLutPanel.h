@@ -38,16 +38,16 @@ private:
     void clearWindow();
     void setContrastEnabled(bool bEnabled, const QString& sWhy);
 
-    CkViewArea* m_pArea;
-    QComboBox* m_pMapBox = nullptr;
-    QCheckBox* m_pAutoBox = nullptr;
-    QCheckBox* m_pSaturationBox = nullptr;
-    QDoubleSpinBox* m_pLow = nullptr;
-    QDoubleSpinBox* m_pHigh = nullptr;
-    QDoubleSpinBox* m_pGamma = nullptr;
-    QPushButton* m_pFullButton = nullptr;
-    QLabel* m_pSummary = nullptr;
-    CkHistogramWidget* m_pHistogram = nullptr;
+    CkViewArea* m_area;
+    QComboBox* m_mapBox = nullptr;
+    QCheckBox* m_autoBox = nullptr;
+    QCheckBox* m_saturationBox = nullptr;
+    QDoubleSpinBox* m_low = nullptr;
+    QDoubleSpinBox* m_high = nullptr;
+    QDoubleSpinBox* m_gamma = nullptr;
+    QPushButton* m_fullButton = nullptr;
+    QLabel* m_summary = nullptr;
+    CkHistogramWidget* m_histogram = nullptr;
     QPointer<CkMdiView> m_view;
     QPointer<CkImageView> m_imageView;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only

@@ -18,44 +18,44 @@
 CkQualityControls::CkQualityControls(QWidget* pParent) : QWidget(pParent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
-    m_pButtonGrid = new QGridLayout;
+    m_buttonGrid = new QGridLayout;
     createButtons();
-    layout->addLayout(m_pButtonGrid);
-    m_pText = new QLabel(this);
-    m_pText->setObjectName(QStringLiteral("qualityWhere"));
-    m_pText->setWordWrap(true);
-    layout->addWidget(m_pText);
+    layout->addLayout(m_buttonGrid);
+    m_text = new QLabel(this);
+    m_text->setObjectName(QStringLiteral("qualityWhere"));
+    m_text->setWordWrap(true);
+    layout->addWidget(m_text);
     layout->addLayout(createValues());
-    m_pQuantity->setToolTip(tr("What the curve shows"));
-    layout->addWidget(m_pQuantity);
-    m_pPlot = new CkQualityPlot(this);
-    layout->addWidget(m_pPlot, 1);
+    m_quantity->setToolTip(tr("What the curve shows"));
+    layout->addWidget(m_quantity);
+    m_plot = new CkQualityPlot(this);
+    layout->addWidget(m_plot, 1);
     layout->addLayout(createSettings());
 
-    connect(m_pDraw, &QToolButton::toggled, this, &CkQualityControls::drawToggled);
-    connect(m_pRestart, &QPushButton::clicked, this, &CkQualityControls::restartRequested);
-    connect(m_pCopy, &QPushButton::clicked, this, &CkQualityControls::copyRequested);
-    connect(m_pSave, &QPushButton::clicked, this, &CkQualityControls::saveRequested);
-    connect(m_pQuantity, &QComboBox::currentIndexChanged, this, &CkQualityControls::quantityChosen);
-    for (QDoubleSpinBox* number : {m_pFocalLength, m_pCellSize, m_pConfidence}) {
+    connect(m_draw, &QToolButton::toggled, this, &CkQualityControls::drawToggled);
+    connect(m_restart, &QPushButton::clicked, this, &CkQualityControls::restartRequested);
+    connect(m_copy, &QPushButton::clicked, this, &CkQualityControls::copyRequested);
+    connect(m_save, &QPushButton::clicked, this, &CkQualityControls::saveRequested);
+    connect(m_quantity, &QComboBox::currentIndexChanged, this, &CkQualityControls::quantityChosen);
+    for (QDoubleSpinBox* number : {m_focalLength, m_cellSize, m_confidence}) {
         connect(number, &QDoubleSpinBox::valueChanged, this, &CkQualityControls::settingsChanged);
     }
 }
 
 void CkQualityControls::createButtons() {
-    m_pDraw = new QToolButton(this);
-    m_pDraw->setObjectName(QStringLiteral("qualityDraw"));
-    m_pDraw->setText(tr("Draw Region"));
-    m_pDraw->setCheckable(true);
-    m_pDraw->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    m_pRestart = new QPushButton(tr("Restart"), this);
-    m_pRestart->setObjectName(QStringLiteral("qualityRestart"));
-    m_pCopy = new QPushButton(tr("Copy"), this);
-    m_pCopy->setObjectName(QStringLiteral("qualityCopy"));
-    m_pSave = new QPushButton(tr("Save CSV..."), this);
-    m_pSave->setObjectName(QStringLiteral("qualitySave"));
-    m_pDraw->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    for (QWidget* button : QList<QWidget*>{m_pDraw, m_pRestart, m_pCopy, m_pSave}) {
+    m_draw = new QToolButton(this);
+    m_draw->setObjectName(QStringLiteral("qualityDraw"));
+    m_draw->setText(tr("Draw Region"));
+    m_draw->setCheckable(true);
+    m_draw->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    m_restart = new QPushButton(tr("Restart"), this);
+    m_restart->setObjectName(QStringLiteral("qualityRestart"));
+    m_copy = new QPushButton(tr("Copy"), this);
+    m_copy->setObjectName(QStringLiteral("qualityCopy"));
+    m_save = new QPushButton(tr("Save CSV..."), this);
+    m_save->setObjectName(QStringLiteral("qualitySave"));
+    m_draw->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    for (QWidget* button : QList<QWidget*>{m_draw, m_restart, m_copy, m_save}) {
         button->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("MMM")));
     }
     placeButtons();
@@ -63,20 +63,20 @@ void CkQualityControls::createButtons() {
 
 // One row if all texts fit, otherwise two: German texts are longer.
 void CkQualityControls::placeButtons() {
-    const QList<QWidget*> buttons = {m_pDraw, m_pRestart, m_pCopy, m_pSave};
+    const QList<QWidget*> buttons = {m_draw, m_restart, m_copy, m_save};
     const int count = int(buttons.size());
-    int needed = (count - 1) * std::max(0, m_pButtonGrid->horizontalSpacing());
+    int needed = (count - 1) * std::max(0, m_buttonGrid->horizontalSpacing());
     for (const QWidget* button : buttons) {
         needed += button->sizeHint().width();
     }
     const QMargins around = layout()->contentsMargins();
     const int columns = needed <= width() - around.left() - around.right() ? count : count / 2;
-    if (columns == m_iButtonColumns) {
+    if (columns == m_buttonColumns) {
         return;
     }
-    m_iButtonColumns = columns;
+    m_buttonColumns = columns;
     for (int i = 0; i < count; ++i) {
-        m_pButtonGrid->addWidget(buttons[i], i / columns, i % columns);
+        m_buttonGrid->addWidget(buttons[i], i / columns, i % columns);
     }
 }
 
@@ -88,8 +88,8 @@ void CkQualityControls::resizeEvent(QResizeEvent* pEvent) {
 QFormLayout* CkQualityControls::createValues() {
     auto* form = new QFormLayout;
     form->setVerticalSpacing(2);
-    m_pQuantity = new QComboBox(this);
-    m_pQuantity->setObjectName(QStringLiteral("qualityQuantity"));
+    m_quantity = new QComboBox(this);
+    m_quantity->setObjectName(QStringLiteral("qualityQuantity"));
     for (int i = 0; i < QualityQuantities::kCount; ++i) {
         auto* number = new QLabel(this);
         number->setObjectName(QStringLiteral("qualityValue%1").arg(i));
@@ -99,27 +99,27 @@ QFormLayout* CkQualityControls::createValues() {
         m_numbers.append(number);
         form->addRow(QualityQuantities::name(i), number);
         form->labelForField(number)->setToolTip(QualityQuantities::hint(i));
-        m_pQuantity->addItem(QualityQuantities::name(i));
+        m_quantity->addItem(QualityQuantities::name(i));
     }
     return form;
 }
 
 QFormLayout* CkQualityControls::createSettings() {
-    m_pFocalLength = createNumber(QStringLiteral("qualityFocalLength"), 0.1, 1000.0, 0.1, 3);
-    m_pFocalLength->setSuffix(QStringLiteral(" mm"));
-    m_pFocalLength->setValue(SkQualityLens().focalLengthMm);
-    m_pCellSize = createNumber(QStringLiteral("qualityCellSize"), 0.0001, 1.0, 0.001, 4);
-    m_pCellSize->setSuffix(QStringLiteral(" mm"));
-    m_pCellSize->setValue(SkQualityLens().cellSizeMm);
-    m_pCellSize->setToolTip(tr("Pitch of the sensor's cells; the plane is fitted in space"));
-    m_pConfidence = createNumber(QStringLiteral("qualityConfidence"), 0.0, 1e6, 0.1, 3);
-    m_pConfidence->setValue(double(SkRegionRule().confidenceLimit));
-    m_pConfidence->setToolTip(tr("Pixels of a higher confidence value are not valid (lower is better)"));
+    m_focalLength = createNumber(QStringLiteral("qualityFocalLength"), 0.1, 1000.0, 0.1, 3);
+    m_focalLength->setSuffix(QStringLiteral(" mm"));
+    m_focalLength->setValue(SkQualityLens().focalLengthMm);
+    m_cellSize = createNumber(QStringLiteral("qualityCellSize"), 0.0001, 1.0, 0.001, 4);
+    m_cellSize->setSuffix(QStringLiteral(" mm"));
+    m_cellSize->setValue(SkQualityLens().cellSizeMm);
+    m_cellSize->setToolTip(tr("Pitch of the sensor's cells; the plane is fitted in space"));
+    m_confidence = createNumber(QStringLiteral("qualityConfidence"), 0.0, 1e6, 0.1, 3);
+    m_confidence->setValue(double(SkRegionRule().confidenceLimit));
+    m_confidence->setToolTip(tr("Pixels of a higher confidence value are not valid (lower is better)"));
     auto* form = new QFormLayout;
     form->setVerticalSpacing(2);
-    form->addRow(tr("Focal length"), m_pFocalLength);
-    form->addRow(tr("Cell size"), m_pCellSize);
-    form->addRow(tr("Confidence limit"), m_pConfidence);
+    form->addRow(tr("Focal length"), m_focalLength);
+    form->addRow(tr("Cell size"), m_cellSize);
+    form->addRow(tr("Confidence limit"), m_confidence);
     return form;
 }
 
@@ -136,47 +136,47 @@ QDoubleSpinBox* CkQualityControls::createNumber(const QString& sName, double fLo
 }
 
 SkQualityLens CkQualityControls::lens() const {
-    return {m_pFocalLength->value(), m_pCellSize->value()};
+    return {m_focalLength->value(), m_cellSize->value()};
 }
 
 float CkQualityControls::confidenceLimit() const {
-    return float(m_pConfidence->value());
+    return float(m_confidence->value());
 }
 
 bool CkQualityControls::drawsRegion() const {
-    return m_pDraw->isChecked();
+    return m_draw->isChecked();
 }
 
 void CkQualityControls::setDrawsRegion(bool bDraw) {
-    m_pDraw->setChecked(bDraw);
+    m_draw->setChecked(bDraw);
 }
 
 void CkQualityControls::showValues(const SkQualityValues& values, const CkQualityHistory& history) {
     for (int i = 0; i < QualityQuantities::kCount; ++i) {
         m_numbers[i]->setText(QualityQuantities::number(values, i));
     }
-    const int chosen = std::max(0, m_pQuantity->currentIndex());
+    const int chosen = std::max(0, m_quantity->currentIndex());
     const auto& frames = history.values();
-    const size_t width = size_t(std::max(2, m_pPlot->width()));
+    const size_t width = size_t(std::max(2, m_plot->width()));
     std::vector<double> curve;
     for (size_t i = frames.size() > width ? frames.size() - width : 0; i < frames.size(); ++i) {
         curve.push_back(QualityQuantities::value(frames[i], chosen));
     }
-    m_pPlot->showValues(curve, QualityQuantities::unit(values, chosen));
+    m_plot->showValues(curve, QualityQuantities::unit(values, chosen));
 }
 
 void CkQualityControls::showState(const SkState& state) {
-    m_pText->setText(state.text);
+    m_text->setText(state.text);
     const auto enable = [](QWidget* pWidget, bool bOn, const QString& sHint, const QString& sWhy) {
         pWidget->setEnabled(bOn);
         pWidget->setToolTip(bOn ? sHint : sWhy);
     };
-    enable(m_pDraw, state.canDraw, tr("Drag a rectangle on the picture with the left mouse button"),
+    enable(m_draw, state.canDraw, tr("Drag a rectangle on the picture with the left mouse button"),
            state.reason);
-    enable(m_pRestart, state.measures, tr("Forget the frames so far"), state.reason);
-    enable(m_pCopy, state.measures, tr("Copy the values to the clipboard"), state.reason);
-    enable(m_pSave, state.measures, tr("Save the values of the last frames to a file"), state.reason);
-    enable(m_pFocalLength, !(state.focalLengthMm > 0.0), tr("Of the lens; the plane is fitted in space"),
+    enable(m_restart, state.measures, tr("Forget the frames so far"), state.reason);
+    enable(m_copy, state.measures, tr("Copy the values to the clipboard"), state.reason);
+    enable(m_save, state.measures, tr("Save the values of the last frames to a file"), state.reason);
+    enable(m_focalLength, !(state.focalLengthMm > 0.0), tr("Of the lens; the plane is fitted in space"),
            tr("The camera tells its focal length: %1 mm")
                .arg(PictureText::locale().toString(state.focalLengthMm)));
 }

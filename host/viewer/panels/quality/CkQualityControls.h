@@ -62,17 +62,17 @@ private:
     QDoubleSpinBox* createNumber(const QString& sName, double fLow, double fHigh, double fStep,
                                  int iDecimals);
 
-    QGridLayout* m_pButtonGrid = nullptr;
-    int m_iButtonColumns = 0; ///< of the grid; 0 before the first layout
-    QToolButton* m_pDraw = nullptr;
-    QPushButton* m_pRestart = nullptr;
-    QPushButton* m_pCopy = nullptr;
-    QPushButton* m_pSave = nullptr;
-    QLabel* m_pText = nullptr;
+    QGridLayout* m_buttonGrid = nullptr;
+    int m_buttonColumns = 0; ///< of the grid; 0 before the first layout
+    QToolButton* m_draw = nullptr;
+    QPushButton* m_restart = nullptr;
+    QPushButton* m_copy = nullptr;
+    QPushButton* m_save = nullptr;
+    QLabel* m_text = nullptr;
     QList<QLabel*> m_numbers;
-    QComboBox* m_pQuantity = nullptr;
-    CkQualityPlot* m_pPlot = nullptr;
-    QDoubleSpinBox* m_pFocalLength = nullptr;
-    QDoubleSpinBox* m_pCellSize = nullptr;
-    QDoubleSpinBox* m_pConfidence = nullptr;
+    QComboBox* m_quantity = nullptr;
+    CkQualityPlot* m_plot = nullptr;
+    QDoubleSpinBox* m_focalLength = nullptr;
+    QDoubleSpinBox* m_cellSize = nullptr;
+    QDoubleSpinBox* m_confidence = nullptr;
 };

@@ -22,7 +22,7 @@ void CkQualityMeter::setConfidenceLimit(float fLimit) {
 
 void CkQualityMeter::restart() {
     m_temporal.clear();
-    m_fReferenceMm = SkQualityValues::kNothing;
+    m_referenceMm = SkQualityValues::kNothing;
 }
 
 bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, const std::vector<bool>& saturated,
@@ -44,17 +44,17 @@ bool CkQualityMeter::add(const CkImageData& frame, quint32 uiChannel, const std:
             m_samples.values[i] = std::numeric_limits<float>::quiet_NaN();
         }
     }
-    if (m_samples.unit != m_sUnit) {
-        m_sUnit = m_samples.unit;
+    if (m_samples.unit != m_unit) {
+        m_unit = m_samples.unit;
         restart();
     }
-    if (!std::isfinite(m_fReferenceMm)) {
+    if (!std::isfinite(m_referenceMm)) {
         // Without a common reference, distances near the end of the range would jump between its two ends.
         const auto first = std::find_if(m_samples.values.begin(), m_samples.values.end(),
                                         [](float value) { return std::isfinite(value); });
-        m_fReferenceMm = first != m_samples.values.end() ? double(*first) : SkQualityValues::kNothing;
+        m_referenceMm = first != m_samples.values.end() ? double(*first) : SkQualityValues::kNothing;
     }
-    unwrapSamples(m_samples, m_fReferenceMm);
+    unwrapSamples(m_samples, m_referenceMm);
     m_temporal.add(m_samples.values);
     values.frameNumber = frame.metadata().frameNumber;
     values.frames = m_temporal.frames();

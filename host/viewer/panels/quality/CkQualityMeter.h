@@ -43,8 +43,8 @@ private:
     SkQualityLens m_lens;
     // Common to all frames since the last restart.
     QSize m_size;
-    QString m_sUnit;
-    double m_fReferenceMm = SkQualityValues::kNothing;
+    QString m_unit;
+    double m_referenceMm = SkQualityValues::kNothing;
 
     CkTemporalStatistics m_temporal;
     SkRegionSamples m_samples;

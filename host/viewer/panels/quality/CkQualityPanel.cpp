@@ -60,38 +60,38 @@ CkImageView* pictureViewFor(CkMdiView* view, const CkViewArea& area) {
 
 } // namespace
 
-CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_pArea(pArea) {
+CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParent), m_area(pArea) {
     setObjectName(QStringLiteral("qualityPanel"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_pControls = new CkQualityControls(this);
-    layout->addWidget(m_pControls);
+    m_controls = new CkQualityControls(this);
+    layout->addWidget(m_controls);
     createActions();
     m_delay.setSingleShot(true);
     m_delay.setInterval(kShowMs);
     connect(&m_delay, &QTimer::timeout, this, &CkQualityPanel::showNumbers);
-    connect(m_pArea, &CkViewArea::activeViewChanged, this, &CkQualityPanel::follow);
-    connect(m_pArea, &CkViewArea::viewAdded, this, &CkQualityPanel::follow);
-    connect(m_pArea, &CkViewArea::viewAboutToClose, this, [this](int iViewId) {
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkQualityPanel::follow);
+    connect(m_area, &CkViewArea::viewAdded, this, &CkQualityPanel::follow);
+    connect(m_area, &CkViewArea::viewAboutToClose, this, [this](int iViewId) {
         if (m_source && m_source->viewId() == iViewId) {
             release();
         }
     });
-    connect(m_pArea, &CkViewArea::viewClosed, this, [this](int iViewId) {
+    connect(m_area, &CkViewArea::viewClosed, this, [this](int iViewId) {
         m_kept.erase(iViewId);
         follow();
     });
-    connect(m_pControls, &CkQualityControls::drawToggled, this, [this](bool bOn) {
-        m_pDrawAction->setChecked(bOn);
+    connect(m_controls, &CkQualityControls::drawToggled, this, [this](bool bOn) {
+        m_drawAction->setChecked(bOn);
         if (m_overlay) {
             m_overlay->setDrawing(bOn);
         }
     });
-    connect(m_pControls, &CkQualityControls::restartRequested, this, &CkQualityPanel::restart);
-    connect(m_pControls, &CkQualityControls::copyRequested, this, &CkQualityPanel::copy);
-    connect(m_pControls, &CkQualityControls::saveRequested, this, &CkQualityPanel::saveWithDialog);
-    connect(m_pControls, &CkQualityControls::quantityChosen, this, &CkQualityPanel::showNumbers);
-    connect(m_pControls, &CkQualityControls::settingsChanged, this, &CkQualityPanel::applySettings);
+    connect(m_controls, &CkQualityControls::restartRequested, this, &CkQualityPanel::restart);
+    connect(m_controls, &CkQualityControls::copyRequested, this, &CkQualityPanel::copy);
+    connect(m_controls, &CkQualityControls::saveRequested, this, &CkQualityPanel::saveWithDialog);
+    connect(m_controls, &CkQualityControls::quantityChosen, this, &CkQualityPanel::showNumbers);
+    connect(m_controls, &CkQualityControls::settingsChanged, this, &CkQualityPanel::applySettings);
     showNumbers();
 }
 
@@ -108,13 +108,13 @@ QAction* CkQualityPanel::addMenuAction(const QString& sText, const char* name, c
 }
 
 void CkQualityPanel::createActions() {
-    m_pDrawAction = addMenuAction(tr("&Draw Region"), "actQualityDraw", Qt::CTRL | Qt::Key_M);
-    m_pDrawAction->setCheckable(true);
-    connect(m_pDrawAction, &QAction::triggered, this, [this](bool bOn) {
+    m_drawAction = addMenuAction(tr("&Draw Region"), "actQualityDraw", Qt::CTRL | Qt::Key_M);
+    m_drawAction->setCheckable(true);
+    connect(m_drawAction, &QAction::triggered, this, [this](bool bOn) {
         if (bOn && !isSeen()) {
             emit sightWanted();
         }
-        m_pControls->setDrawsRegion(bOn);
+        m_controls->setDrawsRegion(bOn);
     });
     connect(addMenuAction(tr("R&estart Measurement"), "actQualityRestart", Qt::CTRL | Qt::SHIFT | Qt::Key_N),
             &QAction::triggered, this, &CkQualityPanel::restart);
@@ -126,7 +126,7 @@ void CkQualityPanel::createActions() {
 
 void CkQualityPanel::allowMeasuring(bool bOn, const QString& sWhy) {
     for (QAction* action : m_actions) {
-        if (action != m_pDrawAction) {
+        if (action != m_drawAction) {
             action->setEnabled(bOn);
             action->setToolTip(bOn ? QString() : sWhy);
         }
@@ -146,12 +146,12 @@ void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
 }
 
 void CkQualityPanel::setInSight(bool bInSight) {
-    m_bInSight = bInSight;
+    m_inSight = bInSight;
     follow();
 }
 
 void CkQualityPanel::follow() {
-    CkImageView* const source = isSeen() ? pictureViewFor(m_pArea->activeView(), *m_pArea) : nullptr;
+    CkImageView* const source = isSeen() ? pictureViewFor(m_area->activeView(), *m_area) : nullptr;
     if (source == m_source) {
         updateControls();
         return;
@@ -165,7 +165,7 @@ void CkQualityPanel::follow() {
         }
         applySettings();
         m_overlay = new CkRegionOverlay(m_source->canvas());
-        m_overlay->setDrawing(m_pControls->drawsRegion());
+        m_overlay->setDrawing(m_controls->drawsRegion());
         connect(m_overlay, &CkRegionOverlay::regionDrawn, this, &CkQualityPanel::setRegion);
         connect(m_source, &CkMdiView::frameShown, this,
                 [this](int, const CkImageData* pData) { measure(pData); });
@@ -192,7 +192,7 @@ void CkQualityPanel::release() {
 }
 
 void CkQualityPanel::applySettings() {
-    m_now.setSettings(m_pControls->lens(), m_pControls->confidenceLimit());
+    m_now.setSettings(m_controls->lens(), m_controls->confidenceLimit());
 }
 
 void CkQualityPanel::setRegion(const QRect& region) {
@@ -230,7 +230,7 @@ void CkQualityPanel::restart() {
 }
 
 void CkQualityPanel::showNumbers() {
-    m_pControls->showValues(m_now.values(), m_now.history());
+    m_controls->showValues(m_now.values(), m_now.history());
     updateControls();
 }
 
@@ -255,7 +255,7 @@ QString CkQualityPanel::stateText(const QString& sNothing) const {
 }
 
 void CkQualityPanel::updateControls() {
-    CkMdiView* const active = m_pArea->activeView();
+    CkMdiView* const active = m_area->activeView();
     const QString nothing = active == nullptr ? tr("No view is active")
                             : !m_source ? tr("The active view shows no picture. Open a depth picture of its "
                                              "chain to measure in it.")
@@ -267,11 +267,11 @@ void CkQualityPanel::updateControls() {
     state.text = stateText(nothing);
     state.reason = nothing;
     state.focalLengthMm = frame != nullptr ? double(frame->metadata().lensFocalLength) : 0.0;
-    m_pControls->showState(state);
-    const bool drawable = pictureViewFor(active, *m_pArea) != nullptr;
-    m_pDrawAction->setEnabled(drawable);
-    m_pDrawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
-                                       : nothing);
+    m_controls->showState(state);
+    const bool drawable = pictureViewFor(active, *m_area) != nullptr;
+    m_drawAction->setEnabled(drawable);
+    m_drawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
+                                      : nothing);
     allowMeasuring(state.measures, isSeen() ? nothing : tr("The panel Quality is not in sight"));
 }
 

@@ -62,7 +62,7 @@ private:
     QAction* addMenuAction(const QString& sText, const char* name, const QKeySequence& key);
     void createActions();
     void allowMeasuring(bool bOn, const QString& sWhy);
-    bool isSeen() const { return isVisible() && m_bInSight; }
+    bool isSeen() const { return isVisible() && m_inSight; }
     void follow();
     void release();
     void applySettings();
@@ -73,9 +73,9 @@ private:
     QString stateText(const QString& sNothing) const;
     void saveWithDialog();
 
-    CkViewArea* m_pArea;
-    CkQualityControls* m_pControls;
-    QAction* m_pDrawAction = nullptr;
+    CkViewArea* m_area;
+    CkQualityControls* m_controls;
+    QAction* m_drawAction = nullptr;
     QList<QAction*> m_actions;
 
     QPointer<CkImageView> m_source;
@@ -84,6 +84,6 @@ private:
     CkSaturationMonitor m_saturation;
     CkViewMeasurement m_now;
     std::map<int, CkViewMeasurement> m_kept; ///< of the views that are not being measured, by view identifier
-    bool m_bInSight = true;
+    bool m_inSight = true;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
 };

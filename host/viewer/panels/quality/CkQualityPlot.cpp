@@ -13,7 +13,7 @@ CkQualityPlot::CkQualityPlot(QWidget* pParent) : QWidget(pParent) {
 
 void CkQualityPlot::showValues(const std::vector<double>& values, const QString& sUnit) {
     m_values = values;
-    m_sUnit = sUnit;
+    m_unit = sUnit;
     update();
 }
 
@@ -37,8 +37,8 @@ void CkQualityPlot::paintEvent(QPaintEvent*) {
         return;
     }
     const int line = fontMetrics().height();
-    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, QualityQuantities::number(high, m_sUnit));
-    painter.drawText(inside, Qt::AlignBottom | Qt::AlignLeft, QualityQuantities::number(low, m_sUnit));
+    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, QualityQuantities::number(high, m_unit));
+    painter.drawText(inside, Qt::AlignBottom | Qt::AlignLeft, QualityQuantities::number(low, m_unit));
     painter.drawText(inside, Qt::AlignBottom | Qt::AlignRight,
                      tr("last %n frame(s)", nullptr, int(m_values.size())));
     const QRectF area = QRectF(inside).adjusted(0, line + 2, 0, -line - 2);

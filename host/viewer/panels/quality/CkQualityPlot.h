@@ -24,5 +24,5 @@ protected:
 
 private:
     std::vector<double> m_values;
-    QString m_sUnit;
+    QString m_unit;
 };

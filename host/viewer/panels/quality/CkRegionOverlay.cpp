@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-CkRegionOverlay::CkRegionOverlay(CkImageCanvas* pCanvas) : QWidget(pCanvas), m_pCanvas(pCanvas) {
+CkRegionOverlay::CkRegionOverlay(CkImageCanvas* pCanvas) : QWidget(pCanvas), m_canvas(pCanvas) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
@@ -28,21 +28,21 @@ void CkRegionOverlay::setDrawing(bool bDrawing) {
 }
 
 QPoint CkRegionOverlay::pixelAt(const QPointF& position) const {
-    const QPointF pixel = m_pCanvas->toPicture(position);
-    const QSize size = m_pCanvas->pictureSize();
+    const QPointF pixel = m_canvas->toPicture(position);
+    const QSize size = m_canvas->pictureSize();
     return {std::clamp(int(std::floor(pixel.x())), 0, std::max(0, size.width() - 1)),
             std::clamp(int(std::floor(pixel.y())), 0, std::max(0, size.height() - 1))};
 }
 
 bool CkRegionOverlay::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pEvent->type() == QEvent::Resize) {
-        resize(m_pCanvas->size());
+        resize(m_canvas->size());
         return QWidget::eventFilter(pWatched, pEvent);
     }
     const bool press = pEvent->type() == QEvent::MouseButtonPress;
     const bool move = pEvent->type() == QEvent::MouseMove;
     const bool release = pEvent->type() == QEvent::MouseButtonRelease;
-    if (m_state == EkState::Idle || !(press || move || release) || m_pCanvas->pictureSize().isEmpty()) {
+    if (m_state == EkState::Idle || !(press || move || release) || m_canvas->pictureSize().isEmpty()) {
         return QWidget::eventFilter(pWatched, pEvent);
     }
     const auto* mouse = static_cast<QMouseEvent*>(pEvent);
@@ -74,8 +74,8 @@ void CkRegionOverlay::paintEvent(QPaintEvent*) {
     if (region.isEmpty()) {
         return;
     }
-    const QRectF frame(m_pCanvas->fromPicture(region.topLeft()),
-                       m_pCanvas->fromPicture(QPointF(region.right() + 1, region.bottom() + 1)));
+    const QRectF frame(m_canvas->fromPicture(region.topLeft()),
+                       m_canvas->fromPicture(QPointF(region.right() + 1, region.bottom() + 1)));
     QPainter painter(this);
     // Two colours: visible on any picture.
     painter.setPen(QPen(Qt::black, 3));

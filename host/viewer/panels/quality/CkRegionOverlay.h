@@ -37,7 +37,7 @@ private:
 
     QPoint pixelAt(const QPointF& position) const;
 
-    CkImageCanvas* m_pCanvas;
+    CkImageCanvas* m_canvas;
     QRect m_region;
     QRect m_drawn;
     QPoint m_start;

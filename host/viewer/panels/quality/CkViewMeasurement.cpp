@@ -17,7 +17,7 @@ void CkViewMeasurement::setSettings(const SkQualityLens& lens, float fConfidence
 }
 
 bool CkViewMeasurement::isNewest(const CkImageData& frame) const {
-    return m_pPixels == frame.picBuf().data && m_values.frameNumber == frame.metadata().frameNumber;
+    return m_pixels == frame.picBuf().data && m_values.frameNumber == frame.metadata().frameNumber;
 }
 
 void CkViewMeasurement::restart() {
@@ -31,7 +31,7 @@ bool CkViewMeasurement::findSaturated(const CkImageData& frame, const CkChainabl
     using EkAnswer = CkSaturationMonitor::EkAnswer;
     const SkPicBuf& picture = frame.picBuf();
     const Saturation::EkEvidence evidence = Saturation::evidence(picture, frame.metadata(), pProvider);
-    m_sSaturationReason = Saturation::reason(evidence);
+    m_saturationReason = Saturation::reason(evidence);
     if (evidence != Saturation::EkEvidence::Computed) {
         monitor.watch(nullptr);
         return true;
@@ -40,13 +40,13 @@ bool CkViewMeasurement::findSaturated(const CkImageData& frame, const CkChainabl
     const QSize size(int(picture.width), int(picture.height));
     const EkAnswer answer = monitor.saturated(picture.additionalData.frameNumber, size,
                                               m_meter.region() & QRect(QPoint(0, 0), size), saturated);
-    m_sSaturationReason = answer == EkAnswer::Known    ? QString()
-                          : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
-                          : answer == EkAnswer::Difference
-                              ? Saturation::reason(Saturation::EkEvidence::Difference)
-                              : tr("the camera's picture does not tell");
+    m_saturationReason = answer == EkAnswer::Known    ? QString()
+                         : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
+                         : answer == EkAnswer::Difference
+                             ? Saturation::reason(Saturation::EkEvidence::Difference)
+                             : tr("the camera's picture does not tell");
     if (answer == EkAnswer::Missed && !isEmpty() && m_values.saturationKnown) {
-        m_sSaturationReason.clear();
+        m_saturationReason.clear();
         return false;
     }
     if (answer == EkAnswer::Known && !isEmpty() && !m_values.saturationKnown) {
@@ -64,13 +64,13 @@ bool CkViewMeasurement::add(const CkImageData& frame, quint32 uiChannel, const C
     }
     const QString unit = m_values.unit;
     if (m_meter.add(frame, uiChannel, saturated, m_values)) {
-        m_values.saturationKnown = m_sSaturationReason.isEmpty();
+        m_values.saturationKnown = m_saturationReason.isEmpty();
         // A curve has one unit and one spread over time.
         if (m_values.unit != unit || m_values.frames == 1) {
             m_history.clear();
         }
         m_history.add(m_values);
     }
-    m_pPixels = frame.picBuf().data;
+    m_pixels = frame.picBuf().data;
     return true;
 }

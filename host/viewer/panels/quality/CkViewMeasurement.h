@@ -38,7 +38,7 @@ public:
     const CkQualityHistory& history() const { return m_history; }
     bool isEmpty() const { return m_history.values().empty(); }
     /// Why saturated pixels may count as valid; empty: they do not.
-    const QString& saturationReason() const { return m_sSaturationReason; }
+    const QString& saturationReason() const { return m_saturationReason; }
 
 private:
     bool findSaturated(const CkImageData& frame, const CkChainable* pProvider, CkSaturationMonitor& monitor,
@@ -47,6 +47,6 @@ private:
     CkQualityMeter m_meter;
     CkQualityHistory m_history;
     SkQualityValues m_values;
-    const void* m_pPixels = nullptr; ///< of the frame added last, only compared
-    QString m_sSaturationReason;
+    const void* m_pixels = nullptr; ///< of the frame added last, only compared
+    QString m_saturationReason;
 };
