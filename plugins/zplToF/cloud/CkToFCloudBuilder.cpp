@@ -34,14 +34,16 @@ bool isUsable(const SkToFDepthPictures& pictures) {
             confidence.height == depth.height);
 }
 
-/// The largest finite depth of the pixels whose confidence lies in (0, limit], at least fStart. CkToFPicAPI
-/// produces finite depths only, so this slow loop runs only for pictures of other origin.
+/// The largest finite depth of the pixels that CkToFPicAPI::findMaxDepthClipConfidence searches, at least
+/// fStart. CkToFPicAPI produces finite depths only, so this slow loop runs only for pictures of other origin.
 float largestFiniteDepth(const SkToFDepthPictures& pictures, float fLimit, float fStart) {
     float largest = fStart;
     for (quint32 y = 0; y < pictures.depthPic.height; ++y) {
         const auto* const depths = reinterpret_cast<const float*>(pictures.depthPic.row(y));
         const auto* const confidences = reinterpret_cast<const float*>(pictures.confidencePic.row(y));
         for (quint32 x = 0; x < pictures.depthPic.width; ++x) {
+            // The bounds of that search, not SkToFConfidenceRule: 0 never counts, whatever the kind of the
+            // picture.
             if (confidences[x] > 0.0F && confidences[x] <= fLimit && std::isfinite(depths[x])) {
                 largest = std::max(largest, depths[x]);
             }

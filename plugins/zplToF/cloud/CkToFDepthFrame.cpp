@@ -17,16 +17,20 @@ enum EkPool : size_t { DepthPool, ConfidencePool, WorkPool, PoolCount };
 /// Two, so that a reference held to the last picture does not force an allocation for the next one.
 constexpr int kPicturesPerPool = 2;
 
-SkPicBufInfo describe(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, EkImageDataType dataType,
-                      quint32 uiBits, const SkPicBufInfo& like) {
-    SkPicBufInfo info = SkPicBufInfo::of(uiWidth, uiHeight, uiChannels, dataType, uiBits);
+/// The format with rows padded like those of another picture.
+SkPicBufInfo paddedLike(const SkPicBufInfo& other, SkPicBufInfo info) {
     // Other paddings could make rows begin inside a sample.
-    info.padRows(like.linePadding % sizeof(quint64) == 0 ? like.linePadding : 0);
+    info.padRows(other.linePadding % sizeof(quint64) == 0 ? other.linePadding : 0);
     return info;
 }
 
 SkPicBufInfo describeFloat(quint32 uiWidth, quint32 uiHeight, quint32 uiChannels, const SkPicBufInfo& like) {
-    return describe(uiWidth, uiHeight, uiChannels, EkImageDataType::Float32, 32, like);
+    return paddedLike(like, SkPicBufInfo::of(uiWidth, uiHeight, uiChannels, EkImageDataType::Float32, 32));
+}
+
+/// One channel of a picture's sample type.
+SkPicBufInfo describeGrey(quint32 uiWidth, quint32 uiHeight, const SkPicBufInfo& like) {
+    return paddedLike(like, SkPicBufInfo::of(uiWidth, uiHeight, 1, like.dataType, like.bitsPerChannel));
 }
 
 /// Phase shifts that a processing block computed from A minus B pictures: their metadata keep the raw format
@@ -51,7 +55,7 @@ void refreshRange(SkPicBuf& picture) {
 /// Memory of the pictures. On the heap: the addresses of m_keys identify the pools and must survive a move.
 class CkToFDepthFrame::CkPools {
 public:
-    bool acquire(EkPool pool, const SkPicBufInfo& info, bool bClear, SkPicBuf& picture) {
+    bool acquire(EkPool pool, const SkPicBufInfo& info, bool bClear, CkPicture& picture) {
         const size_t bytes = CkPicBufAPI::byteSize(info);
         if (bytes == 0) {
             return false;
@@ -60,11 +64,11 @@ public:
         if (m_reserved[pool] != bytes) {
             m_reserved[pool] = m_memory.reserve(owner, info, kPicturesPerPool) ? bytes : 0;
         }
-        if (m_reserved[pool] != 0 && m_memory.acquire(owner, info, picture, bClear)) {
+        if (m_reserved[pool] != 0 && m_memory.acquire(owner, info, picture.picBuf(), bClear)) {
             return true;
         }
         // All pictures of the pool are still referenced.
-        return CkPicBufAPI::AllocPicBufFromHeap(picture, info);
+        return picture.allocate(info);
     }
 
 private:
@@ -159,8 +163,8 @@ bool CkToFDepthFrame::build(const SkPicBuf& picture, const CkImageMetadata* pMet
 
 bool CkToFDepthFrame::splitChannels(const SkPicBuf& picture) {
     const SkPicBufInfo info = describeFloat(picture.width, picture.height, 1, picture);
-    return m_pools->acquire(DepthPool, info, false, m_depth.picBuf()) &&
-           m_pools->acquire(ConfidencePool, info, false, m_confidence.picBuf()) &&
+    return m_pools->acquire(DepthPool, info, false, m_depth) &&
+           m_pools->acquire(ConfidencePool, info, false, m_confidence) &&
            CkPicBufAPI::ExtractChannel(picture, m_depth.picBuf(), 0) &&
            CkPicBufAPI::ExtractChannel(picture, m_confidence.picBuf(), 1);
 }
@@ -168,14 +172,14 @@ bool CkToFDepthFrame::splitChannels(const SkPicBuf& picture) {
 bool CkToFDepthFrame::buildFromRawX2(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
     const quint32 phases = CkToFPicAPI::detectPhasesCount(picture, pMetadata);
     const quint32 rows = rowsPerPhase(picture, phases);
-    CkPicture work;
-    SkPicBuf& both = work.picBuf();
+    CkPicture both;
     if (rows == 0 || !m_pools->acquire(WorkPool, describeFloat(picture.width, rows, 2, picture),
                                        !ToFPhases::isSupportedCount(phases), both)) {
         return false;
     }
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
-    return CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both, int(phases)) && splitChannels(both);
+    return CkToFPicAPI::rawX2PicToPhaseShift_Confidence(picture, both.picBuf(), int(phases)) &&
+           splitChannels(both.picBuf());
 }
 
 bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
@@ -184,19 +188,19 @@ bool CkToFDepthFrame::buildFromAminB(const SkPicBuf& picture, const CkImageMetad
     m_pictures.depthDataKind = EkDepthDataType::PhaseShift;
     return rows != 0 &&
            m_pools->acquire(DepthPool, describeFloat(picture.width, rows, 1, picture),
-                            !ToFPhases::isSupportedCount(phases), m_depth.picBuf()) &&
+                            !ToFPhases::isSupportedCount(phases), m_depth) &&
            CkToFPicAPI::rawAminBPicToPhaseShift(picture, m_depth.picBuf(), int(phases));
 }
 
 bool CkToFDepthFrame::buildFromHybrid(const SkPicBuf& picture, const CkImageMetadata* pMetadata) {
-    CkPicture work;
-    SkPicBuf& both = work.picBuf();
+    CkPicture both;
     if (!m_pools->acquire(WorkPool, describeFloat(picture.width, picture.height, 2, picture), false, both)) {
         return false;
     }
     const float pulseDuration = pMetadata ? pMetadata->hybridPulseDuration : 0.0F;
     m_pictures.depthDataKind = EkDepthDataType::Depth;
-    return CkToFPicAPI::rawHybridToDepth_Confidence(picture, both, pulseDuration) && splitChannels(both);
+    return CkToFPicAPI::rawHybridToDepth_Confidence(picture, both.picBuf(), pulseDuration) &&
+           splitChannels(both.picBuf());
 }
 
 bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) {
@@ -206,13 +210,13 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
         shrink ? quint32(std::max<quint64>(1, quint64(picture.height) * uiMaxWidth / picture.width))
                : picture.height;
     const bool supported = isCloudSampleType(picture.dataType);
-    SkPicBufInfo info = describe(width, height, 1, picture.dataType, picture.bitsPerChannel, picture);
+    SkPicBufInfo info = describeGrey(width, height, picture);
     info.layoutFlag = picture.layoutFlag;
     info.colorFilterArray = picture.colorFilterArray;
-    SkPicBuf& depthPic = m_depth.picBuf();
-    if (!m_pools->acquire(DepthPool, info, !supported, depthPic)) {
+    if (!m_pools->acquire(DepthPool, info, !supported, m_depth)) {
         return false;
     }
+    SkPicBuf& depthPic = m_depth.picBuf();
     // Unsupported samples are never drawn: the picture stays zeroed.
     if (!supported) {
         return true;
@@ -225,12 +229,11 @@ bool CkToFDepthFrame::buildGeneric(const SkPicBuf& picture, quint32 uiMaxWidth) 
         return CkPicBufAPI::ConvertToGrey(picture, depthPic);
     }
 
-    CkPicture work;
-    SkPicBuf& grey = work.picBuf();
-    const SkPicBufInfo greyInfo =
-        describe(picture.width, picture.height, 1, picture.dataType, picture.bitsPerChannel, picture);
-    return m_pools->acquire(WorkPool, greyInfo, false, grey) && CkPicBufAPI::ConvertToGrey(picture, grey) &&
-           CkPicBufAPI::ResizePic(grey, depthPic, width, height);
+    CkPicture grey;
+    const SkPicBufInfo greyInfo = describeGrey(picture.width, picture.height, picture);
+    return m_pools->acquire(WorkPool, greyInfo, false, grey) &&
+           CkPicBufAPI::ConvertToGrey(picture, grey.picBuf()) &&
+           CkPicBufAPI::ResizePic(grey.picBuf(), depthPic, width, height);
 }
 
 void CkToFDepthFrame::refreshValueRanges() {

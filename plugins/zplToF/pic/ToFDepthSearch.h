@@ -2,8 +2,11 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// Search for the largest trusted depth: of the pixels whose confidence lies in (0, limit].
-/// Stateless; any thread. False, and the maximum unchanged, when no pixel is trusted.
+/// Search for the largest trusted depth: of the pixels whose confidence lies in (0, limit]. This is stricter
+/// than SkToFConfidenceRule, which decides what is drawn: the search knows pixels only, not the kind of the
+/// picture, so it takes a confidence of 0 for a missing measurement everywhere. For a phase shift, where 0 is
+/// the best confidence, only pixels without any noise are left out of the range. Stateless; any thread.
+/// False, and the maximum unchanged, when no pixel is trusted.
 namespace ToFDepthSearch {
 
 /// Depth is channel 0, confidence channel 1.

@@ -5,10 +5,12 @@
 #include "plugins/zplToF/pic/ToFPictureKinds.h"
 #include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/SampleVisitor.h"
 #include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <bit>
+#include <type_traits>
 
 namespace {
 
@@ -20,16 +22,13 @@ constexpr double kSaturationShare = 0.9;
 
 /// Index of an unsigned sample width in the kernel tables; -1 for anything else.
 int unsignedIndex(EkImageDataType dataType) {
-    switch (dataType) {
-    case EkImageDataType::UInt8:
-        return 0;
-    case EkImageDataType::UInt16:
-        return 1;
-    case EkImageDataType::UInt32:
-        return 2;
-    default:
-        return -1;
-    }
+    // Counted from 1, because the visitor returns 0 for the types it does not know.
+    const int position = visitIntegerSamples(dataType, [](auto zero) {
+        using Sample = decltype(zero);
+        constexpr bool kSupported = std::is_unsigned_v<Sample> && sizeof(Sample) <= sizeof(quint32);
+        return kSupported ? std::countr_zero(sizeof(Sample)) + 1 : 0;
+    });
+    return position - 1;
 }
 
 /// Low bits that a narrowing conversion drops: those the samples use beyond the result's bits.

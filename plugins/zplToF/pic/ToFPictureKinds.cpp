@@ -2,9 +2,12 @@
 
 #include "plugins/zplToF/pic/ToFFormats.h"
 #include "plugins/zplToF/pic/ToFHybridGeometry.h"
+#include "zuCore/SkToFSetPosition.h"
 #include "zuCore/ToFVocabulary.h"
 
 namespace {
+
+constexpr quint32 kRowsPerPhase = 480; ///< of the two-tap sensors that stack their phases
 
 /// Integers wider than 16 bits and floats are never raw samples; the operations refuse unknown types.
 bool isWideType(EkImageDataType dataType) {
@@ -69,32 +72,23 @@ bool ToFPictureKinds::isSeparatePhase(const CkImageMetadata* metadata) {
     if (metadata == nullptr) {
         return false;
     }
-    if (metadata->phaseSequenceLength > 0 && metadata->phaseSequenceLength != metadata->phasesCount) {
+    if (SkToFSetPosition::isSeparatePhase(*metadata)) {
         return true;
     }
     if (metadata->colorFilterArray != quint32(EkColorFilterArray::RawX3Hybrid)) {
         return false;
     }
-    // Unsigned arithmetic: no count can overflow.
-    const quint32 counted = metadata->sectionCount - ToFSectionMode::referenceSections(metadata->sectionMode);
-    return qint32(counted) > 1;
+    // Counts beyond the signed range are treated as negative, like those of the phases.
+    return qint32(SkToFSetPosition::of(*metadata, true).count) > 1;
 }
 
 quint32 ToFPictureKinds::stackedPhases(const SkPicBufInfo& info, const CkImageMetadata* metadata) {
     if (metadata != nullptr && metadata->phasesCount > 0) {
         return quint32(metadata->phasesCount);
     }
-    // Multiples of the 480 rows of a two-tap sensor.
-    switch (info.height) {
-    case 960:
-        return 2;
-    case 1920:
-        return 4;
-    case 3840:
-        return 8;
-    case ToFHybridGeometry::kStackHeight:
+    if (info.height == ToFHybridGeometry::kStackHeight) {
         return info.colorFilterArray == EkColorFilterArray::RawX3Hybrid ? 3 : 1;
-    default:
-        return 1;
     }
+    const quint32 phases = info.height / kRowsPerPhase;
+    return info.height % kRowsPerPhase == 0 && ToFPhases::isSupportedCount(phases) ? phases : 1;
 }

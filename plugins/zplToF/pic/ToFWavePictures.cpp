@@ -4,9 +4,11 @@
 #include "plugins/zplToF/pic/ToFPictureKinds.h"
 #include "plugins/zplToF/pic/kernels/ToFKernelChoice.h"
 #include "zuCore/CkPicBufAPI.h"
+#include "zuCore/ToFVocabulary.h"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 namespace {
 
@@ -20,23 +22,12 @@ struct Stack {
     const AngleList* angles; ///< may be null
 };
 
-/// Position of a phases count in the kernel tables; -1 when it is not supported.
+/// Index of a number of phases in the kernel tables; -1 when it is not supported.
 int phasesIndex(int phases) {
-    switch (phases) {
-    case 1:
-        return 0;
-    case 2:
-        return 1;
-    case 4:
-        return 2;
-    case 8:
-        return 3;
-    default:
-        return -1;
-    }
+    return ToFPhases::isSupportedCount(phases) ? std::countr_zero(unsigned(phases)) : -1;
 }
 
-/// Whether the stack of an unsupported phases count fits; a count below 1 needs no rows.
+/// Whether a stack of an unsupported number of phases fits; a number below 1 needs no rows.
 bool fitsUnsupported(const Stack& stack) {
     return stack.phases <= 0 || ToFPhaseStack::holds(stack.source, stack.result, quint64(stack.phases));
 }

@@ -10,7 +10,7 @@ CkToFFrameInput::EkRefusal CkToFFrameInput::prepare(const SkPicBufInfo& in, cons
     }
     if (bGathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         const bool hybrid = CkToFPicAPI::isRawToFHybridPic(in, &metadata);
-        m_setRefusal = m_collector.prepare(in, CkToFPhaseCollector::SkPlace::of(metadata, hybrid).count);
+        m_setRefusal = m_collector.prepare(in, SkToFSetPosition::of(metadata, hybrid).count);
     }
     return m_setRefusal != EkRefusal::None ? m_setRefusal : m_referenceRefusal;
 }
@@ -42,8 +42,8 @@ const SkPicBuf* CkToFFrameInput::lessReference(const SkPicBuf& picture, const Ck
 CkToFFrameInput::EkRefusal CkToFFrameInput::gather(const CkImageMetadata& metadata, SkToFFrame& frame) {
     frame.gathered = true;
     frame.input = nullptr;
-    const auto place = CkToFPhaseCollector::SkPlace::of(metadata, frame.hybrid);
-    const auto added = m_collector.add(frame.frame, place, metadata.phaseAngle);
+    const auto position = SkToFSetPosition::of(metadata, frame.hybrid);
+    const auto added = m_collector.add(frame.frame, position, metadata.phaseAngle);
     if (added.refusal == EkRefusal::SetDiffers && m_setRefusal != EkRefusal::None) {
         return m_setRefusal;
     }

@@ -2,7 +2,11 @@
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 
-#include <limits>
+namespace {
+
+constexpr quint32 kPitchBytes = 256;
+
+} // namespace
 
 bool CkToFHdrBuffer::prepare(const SkPicBufInfo& sections, qint32 iPhasesCount) {
     clear();
@@ -12,11 +16,11 @@ bool CkToFHdrBuffer::prepare(const SkPicBufInfo& sections, qint32 iPhasesCount) 
     }
     info.dataType = EkImageDataType::UInt32;
     info.bitsPerChannel = 32;
-    const quint64 pitch = (quint64(info.width) * info.channels * 4 + 255) & ~quint64(255);
-    if (pitch > std::numeric_limits<quint32>::max()) {
-        return false;
+    info.padRows(kPitchBytes);
+    info.linePadding = sections.linePadding;
+    if (info.lineSize == 0) {
+        return false; // a row exceeds 32 bits
     }
-    info.lineSize = quint32(pitch);
     if (!m_picture.allocate(info)) {
         m_lacksMemory = CkPicBufAPI::byteSize(info) != 0;
         return false;

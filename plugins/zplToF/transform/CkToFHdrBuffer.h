@@ -2,8 +2,8 @@
 
 #include "zuCore/CkPicture.h"
 
-/// Work buffer for merging the exposure sections of a hybrid picture. One thread at a
-/// time; nothing is allocated per frame.
+/// Work buffer for merging the exposure sections of a hybrid picture. One thread at a time; nothing is
+/// allocated per frame.
 class CkToFHdrBuffer {
 public:
     /// Allocates a 32-bit picture as high as one section. sections: format of the picture that holds all

@@ -2,8 +2,8 @@
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
-#include "zuCore/CkImageMetadata.h"
 #include "zuCore/CkPicture.h"
+#include "zuCore/SkToFSetPosition.h"
 
 /// Gathers the images of a set (phases or sections) into one picture, stacked in the order of their index.
 ///
@@ -19,20 +19,10 @@ public:
     static constexpr quint64 kMaximumBytes = 1ULL << 30U;
     static constexpr quint64 kMinimumImageBytes = 64;
 
-    /// The position of an image in its set.
-    struct SkPlace {
-        qint64 count; ///< images of the set; any number, not checked
-        qint64 index; ///< position in the set; may be outside
-
-        /// From the phase sequence of the metadata or, for hybrid input, from its sections, where a reference
-        /// section does not count.
-        static SkPlace of(const CkImageMetadata& metadata, bool bHybrid);
-    };
-
     /// Allocates the buffer for sets of iCount images of a format, all missing. There is no buffer after
     /// SetTooLarge or NoMemory, or after None when there is nothing to gather.
     EkRefusal prepare(const SkPicBufInfo& image, qint64 iCount);
-    /// Frees the buffer and forgets all angles.
+    /// Frees the buffer and clears the list of angles.
     void clear();
 
     bool hasBuffer() const { return !m_buffer.isEmpty(); }
@@ -47,7 +37,7 @@ public:
     /// Adds an image to the set. The list of angles is resized to the images of the set, also without a
     /// buffer; an image of index 0 begins a new set. A refused image leaves pixels and angles of the others
     /// unchanged: OutsideSet, SetTooLarge, or SetDiffers when it does not fit the buffer.
-    SkAdded add(const SkPicBuf& image, SkPlace place, qint32 iAngle);
+    SkAdded add(const SkPicBuf& image, const SkToFSetPosition& position, qint32 iAngle);
 
     /// The set that was completed last. An alias, valid until the next call.
     const SkPicBuf& set() const { return m_set; }
@@ -56,7 +46,7 @@ public:
 
 private:
     static bool isTooLarge(const SkPicBufInfo& image, qint64 iCount);
-    bool store(const SkPicBuf& image, SkPlace place);
+    bool store(const SkPicBuf& image, const SkToFSetPosition& position);
     void describeSet(const SkPicBuf& image);
 
     CkPicture m_buffer;

@@ -2,8 +2,7 @@
 
 bool CkToFSectionReference::prepare(const SkPicBufInfo& frame) {
     clear();
-    if (CkPicBufAPI::AllocPicBufFromHeap(m_reference.picBuf(), frame) &&
-        CkPicBufAPI::AllocPicBufFromHeap(m_difference.picBuf(), frame)) {
+    if (m_reference.allocate(frame) && m_difference.allocate(frame)) {
         return true;
     }
     clear();

@@ -41,13 +41,13 @@ public:
         const char* angleError = nullptr;
     };
 
-    /// Forgets every frame and frees all buffers. bGathers: images of a set that arrive one by one are
+    /// Drops every frame and frees all buffers. bGathers: images of a set that arrive one by one are
     /// gathered; otherwise each is processed by itself.
     void reset(bool bGathers);
-    /// Forgets every frame and frees all buffers.
+    /// Drops every frame and frees all buffers.
     void clear();
 
-    /// Allocates the buffers for frames of a format and forgets the frames seen so far. The refusal is the
+    /// Allocates the buffers for frames of a format and drops the images gathered so far. The refusal is the
     /// one that every set will get, or None.
     EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
 

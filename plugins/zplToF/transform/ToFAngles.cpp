@@ -6,40 +6,39 @@
 
 namespace {
 
-const char* const kWantsTwo =
+const char* const kNeedsTwo =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "2 phases processing requires phases with 0 and 90 deg.");
-const char* const kWantsFour =
+const char* const kNeedsFour =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "4 phases processing requires phases with 0, 90, 180 and 270 deg.");
-const char* const kWantsEight =
+const char* const kNeedsEight =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl",
                       "8 phases processing requires phases with 0, 45, 90, 135, 180, 225, 270 and 315 deg.");
-const char* const kWantsAnyOfThese =
+const char* const kNeedsSupportedCount =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "ToF processing requires 2, 4 or 8 phases.");
-
-/// Whether all nominal angles are in the list.
-bool holdsAngles(const CkToFPicAPI::AngleList& angles) {
-    const qint32 step = ToFPhases::nominalStep(qint64(angles.size()));
-    for (qint32 i = 0; i < qint32(angles.size()); ++i) {
-        if (std::find(angles.begin(), angles.end(), i * step) == angles.end()) {
-            return false;
-        }
-    }
-    return true;
-}
 
 } // namespace
 
-const char* ToFAngles::whyIncomplete(const CkToFPicAPI::AngleList& angles) {
-    switch (angles.size()) {
-    case 1:
-        return nullptr;
-    case 2:
-        return holdsAngles(angles) ? nullptr : kWantsTwo;
-    case 4:
-        return holdsAngles(angles) ? nullptr : kWantsFour;
-    case 8:
-        return holdsAngles(angles) ? nullptr : kWantsEight;
-    default:
-        return kWantsAnyOfThese;
+std::optional<qint32> ToFAngles::firstMissing(const CkToFPicAPI::AngleList& angles) {
+    const auto count = qint64(angles.size());
+    if (count == 1 || !ToFPhases::isSupportedCount(count)) {
+        return std::nullopt;
     }
+    for (qint32 i = 0; i < count; ++i) {
+        const qint32 angle = i * ToFPhases::nominalStep(count);
+        if (std::find(angles.begin(), angles.end(), angle) == angles.end()) {
+            return angle;
+        }
+    }
+    return std::nullopt;
+}
+
+const char* ToFAngles::whyIncomplete(const CkToFPicAPI::AngleList& angles) {
+    const auto count = qint64(angles.size());
+    if (!ToFPhases::isSupportedCount(count)) {
+        return kNeedsSupportedCount;
+    }
+    if (!firstMissing(angles)) {
+        return nullptr;
+    }
+    return count == 2 ? kNeedsTwo : count == 4 ? kNeedsFour : kNeedsEight;
 }

@@ -13,12 +13,12 @@ namespace {
 // Texts of the user interface. "A and B channel" and "A and B channels" are different texts: both are in use.
 const char* const kNotSupported =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image data type is not supported.");
-const char* const kWantsAandB =
+const char* const kNeedsAandB =
     QT_TRANSLATE_NOOP("CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel.");
-const char* const kWantsAmplitudeInput = QT_TRANSLATE_NOOP(
+const char* const kNeedsAmplitudeInput = QT_TRANSLATE_NOOP(
     "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channel, or RAW A "
                         "minus B ToF image, or X1X2X3 ToF image.");
-const char* const kWantsDepthInput = QT_TRANSLATE_NOOP(
+const char* const kNeedsDepthInput = QT_TRANSLATE_NOOP(
     "CkToFProcessCnbl", "The input image must be RAWX2 image with A and B channels, or RAW A "
                         "minus B ToF image, or X1X2X3 ToF image.");
 
@@ -139,17 +139,17 @@ const char* negotiateIntegerImage(const ToFNegotiation::SkRequest& request) {
 } // namespace
 
 const char* ToFNegotiation::intensity(const SkRequest& request) {
-    return request.twoTaps || request.hybrid ? negotiateIntegerImage(request) : kWantsAandB;
+    return request.twoTaps || request.hybrid ? negotiateIntegerImage(request) : kNeedsAandB;
 }
 
 const char* ToFNegotiation::amplitude(const SkRequest& request) {
     return request.twoTaps || request.difference || request.hybrid ? negotiateIntegerImage(request)
-                                                                   : kWantsAmplitudeInput;
+                                                                   : kNeedsAmplitudeInput;
 }
 
 const char* ToFNegotiation::depth(const SkRequest& request) {
     if (!request.twoTaps && !request.difference && !request.hybrid) {
-        return kWantsDepthInput;
+        return kNeedsDepthInput;
     }
     request.out.bitsPerChannel = 32;
     if (request.difference && !request.hybrid) {
@@ -190,7 +190,7 @@ const char* ToFNegotiation::concatPhases(const SkRequest& request) {
 
 const char* ToFNegotiation::aandBtoAminB(const SkRequest& request) {
     if (!request.twoTaps) {
-        return kWantsAandB;
+        return kNeedsAandB;
     }
     request.out.channels = 1;
     if (request.in.dataType == EkImageDataType::UInt8) {

@@ -1,13 +1,13 @@
 #include "tools/tof/base/CkToFPipeline.h"
 
+#include "plugins/zplToF/transform/ToFAngles.h"
 #include "plugins/zplToF/transform/ToFNegotiation.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/ToFVocabulary.h"
-
-#include <algorithm>
 
 namespace {
 
+/// Whether the buffers prepared for a fit b. A running chain does not ask this: it keeps the buffers of its
+/// start and refuses other images, while a recording may change its format from page to page.
 bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
     return a.width == b.width && a.height == b.height && a.channels == b.channels &&
            a.dataType == b.dataType && a.lineSize == b.lineSize && a.bitsPerChannel == b.bitsPerChannel &&
@@ -58,17 +58,11 @@ QString CkToFPipeline::missingImages() const {
 
 QString CkToFPipeline::missingAngle() const {
     const CkToFPicAPI::AngleList& angles = m_transformer.angles();
-    const auto count = qint32(angles.size());
-    if (!ToFPhases::isSupportedCount(count)) {
-        return QStringLiteral("ToF processing requires 2, 4 or 8 phases.");
-    }
-    for (qint32 i = 0; i < count; ++i) {
-        const qint32 angle = i * ToFPhases::nominalStep(count);
-        if (std::find(angles.begin(), angles.end(), angle) == angles.end()) {
-            return QStringLiteral("The set of %1 phases has none of %2 degrees.").arg(count).arg(angle);
-        }
-    }
-    return {};
+    const std::optional<qint32> missing = ToFAngles::firstMissing(angles);
+    return missing ? QStringLiteral("The set of %1 phases has none of %2 degrees.")
+                         .arg(angles.size())
+                         .arg(*missing)
+                   : QString::fromLatin1(ToFAngles::whyIncomplete(angles));
 }
 
 CkToFPipeline::EkResult CkToFPipeline::process(const CkImageData& data, std::unique_ptr<CkImageData>& result,

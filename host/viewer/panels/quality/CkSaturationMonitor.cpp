@@ -5,7 +5,7 @@
 #include "zuCore/CkImageData.h"
 #include "zuCore/CkPicBufAPI.h"
 #include "zuCore/SampleVisitor.h"
-#include "zuCore/ToFVocabulary.h"
+#include "zuCore/SkToFSetPosition.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -21,13 +21,10 @@ bool isHybrid(const SkPicBufInfo& info) {
 
 /// Position of a picture in a set of several that make one; 0 for a picture of its own.
 qint64 positionInSet(const SkPicBufInfo& info, const CkImageMetadata& metadata) {
-    if (isHybrid(info)) {
-        const qint64 reference = ToFSectionMode::referenceSections(metadata.sectionMode);
-        return std::max<qint64>(0, qint64(metadata.sectionIndex) - reference);
-    }
-    const bool separate =
-        metadata.phaseSequenceLength > 0 && metadata.phaseSequenceLength != metadata.phasesCount;
-    return separate ? std::max<qint64>(0, metadata.phaseSequenceIndex) : 0;
+    const bool hybrid = isHybrid(info);
+    return hybrid || SkToFSetPosition::isSeparatePhase(metadata)
+               ? std::max<qint64>(0, SkToFSetPosition::of(metadata, hybrid).index)
+               : 0;
 }
 
 CkSaturationMonitor::EkAnswer answerOf(const SkPicBuf& picture, const CkImageMetadata& metadata) {

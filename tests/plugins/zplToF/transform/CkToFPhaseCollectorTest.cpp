@@ -213,31 +213,4 @@ TEST(CkToFPhaseCollector, ImagesOfAFewBytesCountAs64) {
     EXPECT_TRUE(collector.angles().empty());
 }
 
-TEST(CkToFPhaseCollector, PlaceCountsSectionsWithoutTheirReference) {
-    CkImageMetadata metadata;
-    metadata.phaseSequenceLength = 4;
-    metadata.phaseSequenceIndex = 2;
-    metadata.sectionCount = 5;
-    metadata.sectionIndex = 1;
-    const auto expectPlace = [&](bool hybrid, qint64 count, qint64 index) {
-        const auto place = CkToFPhaseCollector::SkPlace::of(metadata, hybrid);
-        EXPECT_EQ(place.count, count);
-        EXPECT_EQ(place.index, index);
-    };
-    expectPlace(false, 4, 2);
-    expectPlace(true, 5, 1);
-    metadata.sectionMode = 3;
-    expectPlace(false, 4, 2);
-    expectPlace(true, 4, 0);
-    metadata.sectionMode = 4;
-    expectPlace(true, 5, 1);
-    metadata.sectionMode = 3;
-    metadata.sectionCount = 0;
-    metadata.sectionIndex = 0;
-    expectPlace(true, -1, -1);
-    metadata.sectionCount = 0xffffffffU;
-    metadata.sectionIndex = 0xffffffffU;
-    expectPlace(true, 0xfffffffeLL, 0xfffffffeLL);
-}
-
 } // namespace
