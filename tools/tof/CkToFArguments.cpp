@@ -1,6 +1,6 @@
 #include "tools/tof/CkToFArguments.h"
 
-#include "tools/tof/CkToFConsole.h"
+#include "tools/tof/ToFConsole.h"
 
 #include <QLocale>
 
@@ -31,22 +31,22 @@ std::optional<int> CkToFArguments::parse(const QStringList& arguments) {
     const QString hint =
         QStringLiteral("See \"tof %1 --help\".").arg(m_usage.section(QLatin1Char(' '), 0, 0));
     if (!m_parser.parse(arguments)) {
-        CkToFConsole::error(m_parser.errorText() + QLatin1Char(' ') + hint);
+        ToFConsole::error(m_parser.errorText() + QLatin1Char(' ') + hint);
         return ToFUsage;
     }
     if (m_parser.isSet(QStringLiteral("help"))) {
         // The first line of the parser names the program with its path and without the command.
         const QString body = m_parser.helpText().section(QLatin1Char('\n'), 1).trimmed();
-        CkToFConsole::print(QStringLiteral("Usage: tof %1\n%2\n\nExamples:\n  %3")
-                                .arg(m_usage, body, m_examples.join(QStringLiteral("\n  "))));
+        ToFConsole::print(QStringLiteral("Usage: tof %1\n%2\n\nExamples:\n  %3")
+                              .arg(m_usage, body, m_examples.join(QStringLiteral("\n  "))));
         return ToFSuccess;
     }
     const qsizetype given = m_parser.positionalArguments().size();
     if (given != m_arguments) {
-        CkToFConsole::error((given < m_arguments ? QStringLiteral("Something is missing: tof %1. ")
-                                                 : QStringLiteral("There is too much: tof %1. "))
-                                .arg(m_usage) +
-                            hint);
+        ToFConsole::error((given < m_arguments ? QStringLiteral("Something is missing: tof %1. ")
+                                               : QStringLiteral("There is too much: tof %1. "))
+                              .arg(m_usage) +
+                          hint);
         return ToFUsage;
     }
     return std::nullopt;
@@ -64,8 +64,8 @@ bool CkToFArguments::readNumber(const QString& sName, double fMinimum, double& f
                               : fMinimum > 0.0 && fMinimum < 1e-30
                                   ? QStringLiteral(" above 0")
                                   : QStringLiteral(" of at least %1").arg(fMinimum);
-        CkToFConsole::error(
-            QStringLiteral("--%1 wants a number%2, not \"%3\".").arg(sName, least, value(sName)));
+        ToFConsole::error(
+            QStringLiteral("--%1 expects a number%2, not \"%3\".").arg(sName, least, value(sName)));
         return false;
     }
     fValue = number;
@@ -90,10 +90,10 @@ bool CkToFArguments::readNumber(const QString& sName, float fMinimum, float& fVa
 }
 
 void CkToFArguments::refuseWide(const QString& sName) const {
-    CkToFConsole::error(QStringLiteral("--%1 wants numbers of 32-bit floats, up to %2, not \"%3\".")
-                            .arg(sName)
-                            .arg(double(std::numeric_limits<float>::max()))
-                            .arg(value(sName)));
+    ToFConsole::error(QStringLiteral("--%1 expects numbers of 32-bit floats, up to %2, not \"%3\".")
+                          .arg(sName)
+                          .arg(double(std::numeric_limits<float>::max()))
+                          .arg(value(sName)));
 }
 
 bool CkToFArguments::readNumber(const QString& sName, qint64 iMinimum, qint64& iValue) const {
@@ -103,8 +103,8 @@ bool CkToFArguments::readNumber(const QString& sName, qint64 iMinimum, qint64& i
     bool ok = false;
     const qint64 number = value(sName).toLongLong(&ok);
     if (!ok || number < iMinimum) {
-        CkToFConsole::error(QStringLiteral("--%1 wants a whole number of at least %2, not \"%3\".")
-                                .arg(sName, QString::number(iMinimum), value(sName)));
+        ToFConsole::error(QStringLiteral("--%1 expects a whole number of at least %2, not \"%3\".")
+                              .arg(sName, QString::number(iMinimum), value(sName)));
         return false;
     }
     iValue = number;
@@ -122,8 +122,8 @@ bool CkToFArguments::readNumbers(const QString& sName, double fMinimum, double f
         const double number = QLocale::c().toDouble(part, &ok);
         // Negated, so that NaN is refused.
         if (!ok || !(number >= fMinimum && number <= fMaximum)) {
-            CkToFConsole::error(
-                QStringLiteral("--%1 wants numbers from %2 to %3 with commas between, not \"%4\".")
+            ToFConsole::error(
+                QStringLiteral("--%1 expects numbers from %2 to %3 with commas between, not \"%4\".")
                     .arg(sName)
                     .arg(fMinimum)
                     .arg(fMaximum)
@@ -146,8 +146,8 @@ bool CkToFArguments::readPair(const QString& sName, double& fFirst, double& fSec
     const double a = QLocale::c().toDouble(parts.value(0), &first);
     const double b = QLocale::c().toDouble(parts.value(1), &second);
     if (parts.size() != 2 || !first || !second || !std::isfinite(a) || !std::isfinite(b)) {
-        CkToFConsole::error(QStringLiteral("--%1 wants two numbers with a comma between, not \"%2\".")
-                                .arg(sName, value(sName)));
+        ToFConsole::error(QStringLiteral("--%1 expects two numbers with a comma between, not \"%2\".")
+                              .arg(sName, value(sName)));
         return false;
     }
     fFirst = a;

@@ -1,8 +1,10 @@
 #include "tools/tof/CkToFInput.h"
 
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/base/ToFText.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "zuCore/SkToFSetPosition.h"
 #include "zuCore/zuCoreVersion.h"
 
 #include <QFileInfo>
@@ -14,20 +16,20 @@ namespace {
 constexpr qint64 kPagesPerProgress = 256;
 
 /// The position of a page in its set.
-struct SkSetPosition {
+struct SkPagePosition {
     bool separate = false; ///< part of a set
     bool begins = true;
-    qint64 length = 1; ///< of the set
+    qint64 length = 1; ///< pages of the set, with the reference section
 };
 
-SkSetPosition setPosition(const SkFrameDescription& description) {
+SkPagePosition pagePosition(const SkFrameDescription& description) {
     const CkImageMetadata& metadata = description.metadata;
     if (!CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         return {};
     }
-    return CkToFPicAPI::isRawToFHybridPic(description.info, &metadata)
-               ? SkSetPosition{true, metadata.sectionIndex == 0, metadata.sectionCount}
-               : SkSetPosition{true, metadata.phaseSequenceIndex == 0, metadata.phaseSequenceLength};
+    const auto position =
+        SkToFSetPosition::of(metadata, CkToFPicAPI::isRawToFHybridPic(description.info, &metadata));
+    return {true, position.isFirstToArrive(), position.count + position.references};
 }
 
 // Images may be repeated, so a set ends at twice its length at the latest, also when its successor lacks a
@@ -51,14 +53,14 @@ void SkToFGroup::add(const SkFrameDescription& description) {
 }
 
 bool CkToFInput::open(const QString& sFileName) {
-    CkToFConsole::CkProgress progress(QStringLiteral("Opening"));
+    CkToFProgress progress(QStringLiteral("Opening"));
     QString error;
     const bool opened = m_reader.open(sFileName, &error, [&progress](qint64, double share) {
         progress.show(qint64(share * 100), 100);
         return true;
     });
     if (!opened) {
-        CkToFConsole::error(error);
+        ToFConsole::error(error);
         return false;
     }
     if (!m_reader.damage().isEmpty()) {
@@ -69,7 +71,7 @@ bool CkToFInput::open(const QString& sFileName) {
 
 std::vector<SkToFGroup> CkToFInput::groups() const {
     std::vector<SkToFGroup> groups;
-    CkToFConsole::CkProgress progress(QStringLiteral("Looking through"));
+    CkToFProgress progress(QStringLiteral("Looking through"));
     bool open = false;
     for (qint64 page = 0; page < m_reader.frameCount(); ++page) {
         if (page % kPagesPerProgress == 0) {
@@ -77,7 +79,7 @@ std::vector<SkToFGroup> CkToFInput::groups() const {
         }
         SkFrameDescription description;
         const bool readable = m_reader.describe(page, description, nullptr);
-        const SkSetPosition position = readable ? setPosition(description) : SkSetPosition();
+        const SkPagePosition position = readable ? pagePosition(description) : SkPagePosition();
         if (!open || !position.separate || position.begins || isFull(groups.back(), position.length)) {
             groups.push_back({.first = page, .count = 0});
         }
@@ -114,7 +116,7 @@ bool CkToFInput::isInput(const QString& sFileName) const {
     if (input.isEmpty() || QFileInfo(sFileName).canonicalFilePath() != input) {
         return false;
     }
-    CkToFConsole::error(QStringLiteral("\"%1\" is the input; it is not overwritten.").arg(sFileName));
+    ToFConsole::error(QStringLiteral("\"%1\" is the input; it is not overwritten.").arg(sFileName));
     return true;
 }
 
@@ -132,8 +134,8 @@ bool tofMayBeRecording(const QString& sFileName) {
     if (known.contains(ending)) {
         return true;
     }
-    CkToFConsole::error(QStringLiteral("\"%1\": a recording is written as .tif or .tiff, not as .%2.")
-                            .arg(sFileName, ending));
+    ToFConsole::error(QStringLiteral("\"%1\": a recording is written as .tif or .tiff, not as .%2.")
+                          .arg(sFileName, ending));
     return false;
 }
 

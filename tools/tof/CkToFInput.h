@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/recording/CkRecordingReader.h"
-#include "tools/tof/CkToFConsole.h"
 #include "tools/tof/CkToFPageErrors.h"
 #include "tools/tof/SkToFLimits.h"
+#include "tools/tof/ToFConsole.h"
 
 #include <vector>
 

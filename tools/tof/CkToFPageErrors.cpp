@@ -1,6 +1,6 @@
 #include "tools/tof/CkToFPageErrors.h"
 
-#include "tools/tof/CkToFConsole.h"
+#include "tools/tof/ToFConsole.h"
 
 #include <QRegularExpression>
 
@@ -20,11 +20,11 @@ QString withoutPage(QString message) {
 CkToFPageErrors::~CkToFPageErrors() {
     for (const SkKind& kind : m_kinds) {
         if (kind.count > 1) {
-            CkToFConsole::error(QStringLiteral("%1 (%2 pages in all)").arg(kind.last).arg(kind.count));
+            ToFConsole::error(QStringLiteral("%1 (%2 pages in all)").arg(kind.last).arg(kind.count));
         }
     }
     if (m_others > 0) {
-        CkToFConsole::error(QStringLiteral("Further errors of other kinds: %1").arg(m_others));
+        ToFConsole::error(QStringLiteral("Further errors of other kinds: %1").arg(m_others));
     }
 }
 
@@ -37,7 +37,7 @@ void CkToFPageErrors::add(const QString& sMessage) {
         ++found->count;
     } else if (m_kinds.size() < kMaxKinds) {
         m_kinds.push_back({key, sMessage, 1});
-        CkToFConsole::error(sMessage);
+        ToFConsole::error(sMessage);
     } else {
         ++m_others;
     }

@@ -1,5 +1,6 @@
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFInOrder.h"
 #include "tools/tof/accuracy/ToFAccuracyLimits.h"
@@ -54,8 +55,8 @@ bool readCameras(const CkToFArguments& options, SkToFAccuracyMatrix& matrix) {
     matrix.wave = cameras.removeAll(QStringLiteral("wave")) > 0;
     matrix.hybrid = cameras.removeAll(QStringLiteral("hybrid")) > 0;
     if (!cameras.isEmpty()) {
-        CkToFConsole::error(QStringLiteral("--camera wants wave, hybrid or wave,hybrid, not \"%1\".")
-                                .arg(options.value(name)));
+        ToFConsole::error(QStringLiteral("--camera expects wave, hybrid or wave,hybrid, not \"%1\".")
+                              .arg(options.value(name)));
     }
     return cameras.isEmpty();
 }
@@ -94,12 +95,12 @@ bool readMatrix(const CkToFArguments& options, SkToFAccuracyMatrix& matrix) {
         }
         for (const double value : *choice.values) {
             if (std::find(choice.allowed.begin(), choice.allowed.end(), value) == choice.allowed.end()) {
-                CkToFConsole::error(QStringLiteral("--%1 wants numbers out of %2, %3 and %4, not \"%5\".")
-                                        .arg(name)
-                                        .arg(choice.allowed[0])
-                                        .arg(choice.allowed[1])
-                                        .arg(choice.allowed[2])
-                                        .arg(options.value(name)));
+                ToFConsole::error(QStringLiteral("--%1 expects numbers out of %2, %3 and %4, not \"%5\".")
+                                      .arg(name)
+                                      .arg(choice.allowed[0])
+                                      .arg(choice.allowed[1])
+                                      .arg(choice.allowed[2])
+                                      .arg(options.value(name)));
                 return false;
             }
         }
@@ -120,12 +121,12 @@ bool readSetup(const CkToFArguments& options, SkToFAccuracySetup& setup) {
         return false;
     }
     if (width < 2.0 || width > 640.0 || height < 2.0 || height > 480.0) {
-        CkToFConsole::error(QStringLiteral("--size wants 2,2 to 640,480, not \"%1\".")
-                                .arg(options.value(QStringLiteral("size"))));
+        ToFConsole::error(QStringLiteral("--size expects 2,2 to 640,480, not \"%1\".")
+                              .arg(options.value(QStringLiteral("size"))));
         return false;
     }
     if (exposure.size() != 1) {
-        CkToFConsole::error(QStringLiteral("--exposure wants one number only."));
+        ToFConsole::error(QStringLiteral("--exposure expects one number only."));
         return false;
     }
     setup.exposureUs = exposure.front();
@@ -161,7 +162,7 @@ bool openFile(QSaveFile& file) {
     if (file.open(QIODevice::WriteOnly)) {
         return true;
     }
-    CkToFConsole::error(
+    ToFConsole::error(
         QStringLiteral("\"%1\" cannot be written (%2).").arg(file.fileName(), file.errorString()));
     return false;
 }
@@ -170,7 +171,7 @@ bool saveFile(QSaveFile& file, const QByteArray& bytes) {
     if (file.write(bytes) == bytes.size() && file.commit()) {
         return true;
     }
-    CkToFConsole::error(
+    ToFConsole::error(
         QStringLiteral("\"%1\" cannot be written (%2).").arg(file.fileName(), file.errorString()));
     return false;
 }
@@ -185,7 +186,7 @@ QString csvName(const CkToFArguments& options) {
 
 int measure(const SkToFAccuracyMatrix& matrix, SkToFAccuracyReport& report) {
     const std::vector<SkToFAccuracyPoint> points = matrix.points();
-    CkToFConsole::CkProgress progress(QStringLiteral("Measuring"));
+    CkToFProgress progress(QStringLiteral("Measuring"));
     QString error;
     inOrder(
         qint64(points.size()), [&](qint64 i) { return measureAccuracy(points[size_t(i)], report.setup); },
@@ -196,7 +197,7 @@ int measure(const SkToFAccuracyMatrix& matrix, SkToFAccuracyReport& report) {
             return error.isEmpty();
         });
     if (!error.isEmpty()) {
-        CkToFConsole::error(
+        ToFConsole::error(
             QStringLiteral("%1: %2").arg(describeAccuracyPoint(report.results.back().point), error));
         return ToFNotApplicable;
     }
@@ -239,8 +240,7 @@ int tofAccuracy(const QStringList& arguments) {
     }
     const QString table = csvName(options);
     if (QFileInfo(table).absoluteFilePath() == QFileInfo(options.argument(0)).absoluteFilePath()) {
-        CkToFConsole::error(
-            QStringLiteral("Report and table would be the same file; name the report .html."));
+        ToFConsole::error(QStringLiteral("Report and table would be the same file; name the report .html."));
         return ToFUsage;
     }
     // Opened first, so that a long measurement does not end in a file that cannot be written.
@@ -259,11 +259,11 @@ int tofAccuracy(const QStringList& arguments) {
         return ToFOutput;
     }
     for (qsizetype i = 0; i < report.exceeded.size() && size_t(i) < kShownExcesses; ++i) {
-        CkToFConsole::error(report.exceeded[i]);
+        ToFConsole::error(report.exceeded[i]);
     }
     if (size_t(report.exceeded.size()) > kShownExcesses) {
-        CkToFConsole::error(QStringLiteral("%1 limits are exceeded in all; the report lists them.")
-                                .arg(report.exceeded.size()));
+        ToFConsole::error(QStringLiteral("%1 limits are exceeded in all; the report lists them.")
+                              .arg(report.exceeded.size()));
     }
     return report.exceeded.isEmpty() ? ToFSuccess : ToFExceeded;
 }

@@ -5,6 +5,7 @@
 #include "plugins/zplToF/transform/EkTransformType.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFInOrder.h"
 #include "tools/tof/base/CkToFPipeline.h"
@@ -35,13 +36,13 @@ bool readSettings(const CkToFArguments& options, SkToFOpticalPath& path) {
     const QString file = options.value(QStringLiteral("settings-file"));
     const QFileInfo info(file);
     if (!file.isEmpty() && (!info.isFile() || !info.isReadable())) {
-        CkToFConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
+        ToFConsole::error(QStringLiteral("\"%1\" cannot be read.").arg(file));
         return false;
     }
     if (!file.isEmpty() && info.size() > kMaxSettingsBytes) {
-        CkToFConsole::error(QStringLiteral("\"%1\" is larger than settings are (%2 MiB).")
-                                .arg(file)
-                                .arg(kMaxSettingsBytes >> 20));
+        ToFConsole::error(QStringLiteral("\"%1\" is larger than settings are (%2 MiB).")
+                              .arg(file)
+                              .arg(kMaxSettingsBytes >> 20));
         return false;
     }
     const std::unique_ptr<QSettings> settings =
@@ -69,8 +70,8 @@ bool readOptions(const CkToFArguments& options, SkCloudOptions& cloud) {
         const bool on = options.has(QLatin1String(flag.on));
         const bool off = options.has(QLatin1String(flag.off));
         if (on && off) {
-            CkToFConsole::error(QStringLiteral("--%1 and --%2 exclude each other.")
-                                    .arg(QLatin1String(flag.on), QLatin1String(flag.off)));
+            ToFConsole::error(QStringLiteral("--%1 and --%2 exclude each other.")
+                                  .arg(QLatin1String(flag.on), QLatin1String(flag.off)));
             return false;
         }
         *flag.value = on || (*flag.value && !off);
@@ -192,7 +193,7 @@ bool writeFile(const QString& name, const QByteArray& text) {
     if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
         return true;
     }
-    CkToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
+    ToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
     return false;
 }
 
@@ -235,7 +236,7 @@ void addOptions(CkToFArguments& options) {
 }
 
 void reportEmptyClouds(qint64 number, qint64 empty, const SkCloudOptions& cloud) {
-    CkToFConsole::error(
+    ToFConsole::error(
         (number == 1 ? QStringLiteral("The cloud has")
                      : QStringLiteral("%1 of %2 clouds %3")
                            .arg(empty)
@@ -255,7 +256,7 @@ int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const 
     qint64 empty = 0;
     QString incomplete; // about the first incomplete set
     {
-        CkToFConsole::CkProgress progress(QStringLiteral("Clouds"));
+        CkToFProgress progress(QStringLiteral("Clouds"));
         inOrder(
             qint64(groups.size()), input.memoryBytes(),
             [&](qint64 i) { return bytesFor(groups[size_t(i)], cloud); },
@@ -286,8 +287,8 @@ int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const 
         return ToFOutput;
     }
     if (number == 0) {
-        CkToFConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
-                                .arg(input.reader().fileName(), incomplete));
+        ToFConsole::error(QStringLiteral("No cloud came out of \"%1\"; nothing was written.%2")
+                              .arg(input.reader().fileName(), incomplete));
         return ToFNotApplicable;
     }
     if (empty > 0) {
@@ -326,10 +327,10 @@ int tofCloud(const QStringList& arguments) {
     }
     std::vector<SkToFGroup> groups = input.groups();
     if (wanted >= qint64(groups.size())) {
-        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
-                                .arg(wanted)
-                                .arg(input.reader().fileName())
-                                .arg(groups.size()));
+        ToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                              .arg(wanted)
+                              .arg(input.reader().fileName())
+                              .arg(groups.size()));
         return ToFNotApplicable;
     }
     if (wanted >= 0) {

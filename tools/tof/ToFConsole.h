@@ -13,26 +13,12 @@ enum EkToFExit : int {
     ToFExceeded = 7       ///< results were written, but exceed a given limit
 };
 
-/// Output of the program: results to standard output, errors and progress to standard error. One thread.
-class CkToFConsole {
-public:
-    static void print(const QString& sText);
-    /// Without a line break.
-    static void write(const QString& sText);
-    static void error(const QString& sText);
+/// Output of the program: results to standard output, errors to standard error. One thread.
+namespace ToFConsole {
 
-    /// A progress bar for its lifetime; shown only if standard error is a terminal.
-    class CkProgress {
-    public:
-        explicit CkProgress(const QString& sTask);
-        ~CkProgress();
-        CkProgress(const CkProgress&) = delete;
-        CkProgress& operator=(const CkProgress&) = delete;
-        void show(qint64 iDone, qint64 iTotal);
+void print(const QString& sText);
+/// Without a line break.
+void write(const QString& sText);
+void error(const QString& sText);
 
-    private:
-        QString m_task;
-        bool m_terminal;
-        int m_shown = -1; ///< percent; -1: nothing shown
-    };
-};
+} // namespace ToFConsole

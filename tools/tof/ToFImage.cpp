@@ -1,6 +1,7 @@
 #include "host/recording/CkRecordingWriter.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFPng.h"
 #include "tools/tof/base/ToFText.h"
@@ -116,13 +117,13 @@ int saveTiff(const QString& file, const CkImageData& data) {
     const SkPicBuf& picture = data.picBuf();
     CkRecordingWriter writer;
     if (!toFloat(picture, 0, picture.channels, values)) {
-        CkToFConsole::error(QStringLiteral("There is not enough memory."));
+        ToFConsole::error(QStringLiteral("There is not enough memory."));
         return ToFOutput;
     }
     values.picBuf().copyPicAdditionalData(picture);
     if (!writer.open(file, {{}, {}, tofSoftware()}) || !writer.write(values.picBuf(), data.metadata()) ||
         !writer.close()) {
-        CkToFConsole::error(writer.errorMessage());
+        ToFConsole::error(writer.errorMessage());
         return ToFOutput;
     }
     return ToFSuccess;
@@ -132,7 +133,7 @@ int savePng(const QString& name, const QByteArray& png) {
     QSaveFile file(name);
     if (png.isEmpty() || !file.open(QIODevice::WriteOnly) || file.write(png) != png.size() ||
         !file.commit()) {
-        CkToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
+        ToFConsole::error(QStringLiteral("\"%1\" cannot be written (%2).").arg(name, file.errorString()));
         return ToFOutput;
     }
     return ToFSuccess;
@@ -146,8 +147,8 @@ bool readMap(const QString& name, int& map) {
             return true;
         }
     }
-    CkToFConsole::error(
-        QStringLiteral("--map wants one of %1, not \"%2\".").arg(names.join(QStringLiteral(", ")), name));
+    ToFConsole::error(
+        QStringLiteral("--map expects one of %1, not \"%2\".").arg(names.join(QStringLiteral(", ")), name));
     return false;
 }
 
@@ -157,8 +158,8 @@ bool readFormat(bool requested, const QString& name, QString& format) {
     const QString ending = tofSuffix(name);
     const bool asTiff = ending == QLatin1String("tif") || ending == QLatin1String("tiff");
     if (!asTiff && !ending.isEmpty() && ending != QLatin1String("png")) {
-        CkToFConsole::error(QStringLiteral("\"%1\": a picture is written as .png, .tif or .tiff, not as .%2.")
-                                .arg(name, ending));
+        ToFConsole::error(QStringLiteral("\"%1\": a picture is written as .png, .tif or .tiff, not as .%2.")
+                              .arg(name, ending));
         return false;
     }
     if (!requested) {
@@ -167,12 +168,12 @@ bool readFormat(bool requested, const QString& name, QString& format) {
     }
     const QStringList formats{QStringLiteral("png"), QStringLiteral("png16"), QStringLiteral("tiff")};
     if (!formats.contains(format)) {
-        CkToFConsole::error(QStringLiteral("--format wants png, png16 or tiff, not \"%1\".").arg(format));
+        ToFConsole::error(QStringLiteral("--format expects png, png16 or tiff, not \"%1\".").arg(format));
         return false;
     }
     const bool tiff = format == QLatin1String("tiff");
     if (!ending.isEmpty() && tiff != asTiff) {
-        CkToFConsole::error(
+        ToFConsole::error(
             QStringLiteral("\"%1\" does not go with --format %2, whose files end in %3.")
                 .arg(name, format, tiff ? QStringLiteral(".tif or .tiff") : QStringLiteral(".png")));
         return false;
@@ -231,8 +232,8 @@ bool readOptions(const CkToFArguments& options, SkImageOptions& image) {
         return false;
     }
     if (image.ranged && !(image.low < image.high)) {
-        CkToFConsole::error(QStringLiteral("--range wants the lower value first, not \"%1\".")
-                                .arg(options.value(QStringLiteral("range"))));
+        ToFConsole::error(QStringLiteral("--range expects the lower value first, not \"%1\".")
+                              .arg(options.value(QStringLiteral("range"))));
         return false;
     }
     return true;
@@ -240,7 +241,7 @@ bool readOptions(const CkToFArguments& options, SkImageOptions& image) {
 
 /// Reads the frame and writes the picture. Returns the exit code.
 int writeImage(CkToFInput& input, const QString& name, const SkImageOptions& image) {
-    CkToFConsole::CkProgress progress(QStringLiteral("Reading"));
+    CkToFProgress progress(QStringLiteral("Reading"));
     QString error;
     const std::unique_ptr<CkImageData> data = input.reader().read(image.frame, &error);
     if (!error.isEmpty()) {
@@ -250,9 +251,9 @@ int writeImage(CkToFInput& input, const QString& name, const SkImageOptions& ima
         return ToFInput;
     }
     if (image.channel >= data->picBuf().channels) {
-        CkToFConsole::error(QStringLiteral("There is no channel %1; the picture has %2, counted from 0.")
-                                .arg(image.channel)
-                                .arg(data->picBuf().channels));
+        ToFConsole::error(QStringLiteral("There is no channel %1; the picture has %2, counted from 0.")
+                              .arg(image.channel)
+                              .arg(data->picBuf().channels));
         return ToFNotApplicable;
     }
     int code = ToFSuccess;
@@ -292,15 +293,15 @@ int tofImage(const QStringList& arguments) {
         return ToFUsage;
     }
     if (image.frame >= reader.frameCount()) {
-        CkToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
-                                .arg(image.frame)
-                                .arg(reader.fileName())
-                                .arg(reader.frameCount()));
+        ToFConsole::error(QStringLiteral("There is no frame %1; \"%2\" has %3, counted from 0.")
+                              .arg(image.frame)
+                              .arg(reader.fileName())
+                              .arg(reader.frameCount()));
         return ToFNotApplicable;
     }
     const QString tooMuch = tooMuchMemory(input, image.frame, image.format == QLatin1String("tiff"));
     if (!tooMuch.isEmpty()) {
-        CkToFConsole::error(tooMuch);
+        ToFConsole::error(tooMuch);
         return ToFNotApplicable;
     }
     return writeImage(input, options.argument(1), image);

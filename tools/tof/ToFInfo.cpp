@@ -2,38 +2,25 @@
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/base/ToFText.h"
+#include "zuCore/SampleVisitor.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <type_traits>
+
 namespace {
 
 QString typeName(EkImageDataType dataType) {
-    switch (dataType) {
-    case EkImageDataType::Int8:
-        return QStringLiteral("signed 8 bit");
-    case EkImageDataType::UInt8:
-        return QStringLiteral("unsigned 8 bit");
-    case EkImageDataType::Int16:
-        return QStringLiteral("signed 16 bit");
-    case EkImageDataType::UInt16:
-        return QStringLiteral("unsigned 16 bit");
-    case EkImageDataType::Int32:
-        return QStringLiteral("signed 32 bit");
-    case EkImageDataType::UInt32:
-        return QStringLiteral("unsigned 32 bit");
-    case EkImageDataType::Int64:
-        return QStringLiteral("signed 64 bit");
-    case EkImageDataType::UInt64:
-        return QStringLiteral("unsigned 64 bit");
-    case EkImageDataType::Float32:
-        return QStringLiteral("float 32 bit");
-    case EkImageDataType::Float64:
-        return QStringLiteral("float 64 bit");
-    default:
-        return QStringLiteral("unknown");
-    }
+    const QString name = visitSamples(dataType, [](auto zero) {
+        using Sample = decltype(zero);
+        const char* const kind = std::is_floating_point_v<Sample> ? "float"
+                                 : std::is_signed_v<Sample>       ? "signed"
+                                                                  : "unsigned";
+        return QStringLiteral("%1 %2 bit").arg(QLatin1String(kind)).arg(8 * sizeof(Sample));
+    });
+    return name.isEmpty() ? QStringLiteral("unknown") : name;
 }
 
 /// The metadata of a frame as an element of the list of frames; null, with an error message, when it cannot
@@ -63,20 +50,20 @@ void printJson(const CkRecordingReader& reader, bool bEachFrame, CkToFInput& inp
     const QString indented = QStringLiteral("\n        ");
     const QString mark = indented + QLatin1Char('"') + place + QLatin1Char('"');
     const qsizetype at = text.lastIndexOf(mark);
-    CkToFConsole::write(text.left(at));
+    ToFConsole::write(text.left(at));
     const qint64 count = bEachFrame ? reader.frameCount() : 1;
     for (qint64 page = 0; page < count; ++page) {
         QString frame = frameJson(reader, page, input);
         frame.replace(QLatin1Char('\n'), indented);
-        CkToFConsole::write(indented + frame + (page + 1 < count ? QStringLiteral(",") : QString()));
+        ToFConsole::write(indented + frame + (page + 1 < count ? QStringLiteral(",") : QString()));
     }
-    CkToFConsole::print(text.mid(at + mark.size()));
+    ToFConsole::print(text.mid(at + mark.size()));
 }
 
 void printText(const CkRecordingReader& reader, CkToFInput& input) {
     const auto line = [](const char* name, const QString& value) {
         if (!value.isEmpty()) {
-            CkToFConsole::print(QLatin1String(name).toString().leftJustified(14) + value);
+            ToFConsole::print(QLatin1String(name).toString().leftJustified(14) + value);
         }
     };
     line("File:", reader.fileName());
@@ -150,10 +137,10 @@ int tofInfo(const QStringList& arguments) {
     const CkRecordingReader& reader = input.reader();
     if (options.has(QStringLiteral("chain"))) {
         if (reader.recordingInfo().chainXml.isEmpty()) {
-            CkToFConsole::error(QStringLiteral("\"%1\" tells of no chain.").arg(reader.fileName()));
+            ToFConsole::error(QStringLiteral("\"%1\" contains no chain.").arg(reader.fileName()));
             return ToFNotApplicable;
         }
-        CkToFConsole::print(reader.recordingInfo().chainXml);
+        ToFConsole::print(reader.recordingInfo().chainXml);
     } else if (options.has(QStringLiteral("json"))) {
         printJson(reader, options.has(QStringLiteral("frames")), input);
     } else {

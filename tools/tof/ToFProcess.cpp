@@ -2,6 +2,7 @@
 #include "plugins/zplToF/transform/ToFTransforms.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/ToFInOrder.h"
 #include "tools/tof/base/CkToFPipeline.h"
@@ -99,7 +100,7 @@ int processRecording(CkToFInput& input, int transform, const QString& result,
     recording.software = tofSoftware();
     const auto open = [&] { return writer.isOpen() || writer.open(result, recording, compression); };
     {
-        CkToFConsole::CkProgress progress(QStringLiteral("Processing"));
+        CkToFProgress progress(QStringLiteral("Processing"));
         inOrder(
             qint64(groups.size()), input.memoryBytes(), [&](qint64 i) { return bytesFor(groups[size_t(i)]); },
             [&](qint64 i) {
@@ -128,12 +129,12 @@ int processRecording(CkToFInput& input, int transform, const QString& result,
     }
     const qint64 written = writer.frameCount();
     if (!writes || !writer.close()) {
-        CkToFConsole::error(writer.errorMessage());
+        ToFConsole::error(writer.errorMessage());
         return ToFOutput;
     }
     if (written == 0) {
-        CkToFConsole::error(QStringLiteral("No frame came out of \"%1\"; nothing was written.%2")
-                                .arg(reader.fileName(), incomplete));
+        ToFConsole::error(QStringLiteral("No frame came out of \"%1\"; nothing was written.%2")
+                              .arg(reader.fileName(), incomplete));
         return ToFNotApplicable;
     }
     return input.exitCode();
@@ -160,8 +161,8 @@ int tofProcess(const QStringList& arguments) {
     }
     const int transform = transformOf(options.value(QStringLiteral("transform")));
     if (transform < 0) {
-        CkToFConsole::error(
-            QStringLiteral("--transform wants depth, amplitude, intensity, concat, aminb, ab or "
+        ToFConsole::error(
+            QStringLiteral("--transform expects depth, amplitude, intensity, concat, aminb, ab or "
                            "hybrid, not \"%1\".")
                 .arg(options.value(QStringLiteral("transform"))));
         return ToFUsage;

@@ -1,6 +1,7 @@
 #include "host/recording/CkRecorder.h"
 #include "tools/tof/CkToFArguments.h"
 #include "tools/tof/CkToFInput.h"
+#include "tools/tof/CkToFProgress.h"
 #include "tools/tof/ToFCommands.h"
 #include "tools/tof/base/ToFText.h"
 
@@ -40,7 +41,7 @@ QString choices(const CkCameraParam::SkDescription& about) {
 void listCameras() {
     CkCameraManager& manager = *CkCameraManager::instance();
     for (const SkCameraInfo& camera : manager.availableCameras()) {
-        CkToFConsole::print(QStringLiteral("%1  %2 (%3)").arg(camera.id, camera.name, camera.model));
+        ToFConsole::print(QStringLiteral("%1  %2 (%3)").arg(camera.id, camera.name, camera.model));
         void* const handle = manager.openCamera(camera.id);
         const CkCameraParameters* const parameters = manager.cameraParameters(handle);
         if (parameters == nullptr) {
@@ -48,7 +49,7 @@ void listCameras() {
         }
         for (const CkCameraParam* param : parameters->params()) {
             const CkCameraParam::SkDescription& about = param->description();
-            CkToFConsole::print(
+            ToFConsole::print(
                 QStringLiteral("    %1=%2 %3  %4%5")
                     .arg(about.name, about.value.toString(), about.unit, about.displayName, choices(about)));
         }
@@ -63,8 +64,8 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
         const QString text = setting.section(QLatin1Char('='), 1).trimmed();
         CkCameraParam* const param = parameters.findParam(name);
         if (param == nullptr || !setting.contains(QLatin1Char('='))) {
-            CkToFConsole::error(
-                QStringLiteral("--set wants NAME=VALUE with a name that \"tof record --list\" shows, "
+            ToFConsole::error(
+                QStringLiteral("--set expects NAME=VALUE with a name that \"tof record --list\" shows, "
                                "not \"%1\".")
                     .arg(setting));
             return false;
@@ -73,23 +74,23 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
         const double wanted = text.toDouble(&number);
         const bool flag = text == QLatin1String("true") || text == QLatin1String("false");
         if ((!number && !flag) || !param->setParamValue(CkValue(text))) {
-            CkToFConsole::error(QStringLiteral("\"%1\" is no value for %2.").arg(text, name));
+            ToFConsole::error(QStringLiteral("\"%1\" is no value for %2.").arg(text, name));
             return false;
         }
         // The parameter would clamp the value, and the recording would not be what was requested.
         const CkCameraParam::SkDescription& about = param->description();
         if (number && isNumber(about) && about.minimum < about.maximum &&
             !(wanted >= about.minimum && wanted <= about.maximum)) {
-            CkToFConsole::error(QStringLiteral("%1 takes %2 to %3 %4, not %5.")
-                                    .arg(name, QString::number(about.minimum), QString::number(about.maximum),
-                                         about.unit, text)
-                                    .replace(QLatin1String(" ,"), QLatin1String(",")));
+            ToFConsole::error(QStringLiteral("%1 takes %2 to %3 %4, not %5.")
+                                  .arg(name, QString::number(about.minimum), QString::number(about.maximum),
+                                       about.unit, text)
+                                  .replace(QLatin1String(" ,"), QLatin1String(",")));
             return false;
         }
         parameters.addParamCommitToBatch(param);
     }
     if (!parameters.endCommitBatch(true)) {
-        CkToFConsole::error(QStringLiteral("The camera does not take these settings."));
+        ToFConsole::error(QStringLiteral("The camera does not take these settings."));
         return false;
     }
     return true;
@@ -121,7 +122,7 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
     CkRecorder recorder;
     QString error;
     if (!recorder.start(file, {chainOf(handle), {}, tofSoftware()}, {compression, 16}, &error)) {
-        CkToFConsole::error(error);
+        ToFConsole::error(error);
         return ToFOutput;
     }
     std::atomic<qint64> taken{0};
@@ -135,11 +136,11 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
         }
     });
     if (!manager.startAcquisition(handle, &error)) {
-        CkToFConsole::error(error);
+        ToFConsole::error(error);
         return ToFInput;
     }
     {
-        CkToFConsole::CkProgress progress(QStringLiteral("Recording"));
+        CkToFProgress progress(QStringLiteral("Recording"));
         while (taken < frames && recorder.state().error.isEmpty()) {
             progress.show(taken, frames);
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -150,9 +151,9 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
     recorder.stop();
     const CkRecorder::SkState state = recorder.state();
     if (!state.error.isEmpty() || state.dropped != 0) {
-        CkToFConsole::error(QStringLiteral("%1 %2 %3 recorded, %4 %5 lost.")
-                                .arg(state.error, tofCount(state.written, "frame"), verb(state.written),
-                                     QString::number(state.dropped), verb(state.dropped)));
+        ToFConsole::error(QStringLiteral("%1 %2 %3 recorded, %4 %5 lost.")
+                              .arg(state.error, tofCount(state.written, "frame"), verb(state.written),
+                                   QString::number(state.dropped), verb(state.dropped)));
         return ToFOutput;
     }
     return ToFSuccess;
@@ -199,7 +200,7 @@ int tofRecord(const QStringList& arguments) {
     QString error;
     void* const handle = manager.openCamera(camera, &error);
     if (handle == nullptr) {
-        CkToFConsole::error(error);
+        ToFConsole::error(error);
         return ToFUsage;
     }
     int code = ToFUsage;

@@ -1,6 +1,6 @@
-#include "tools/tof/CkToFConsole.h"
 #include "tools/tof/CkToFInput.h"
 #include "tools/tof/ToFCommands.h"
+#include "tools/tof/ToFConsole.h"
 
 #include <QCoreApplication>
 
@@ -50,16 +50,16 @@ int run(const QStringList& arguments) {
         }
     }
     if (name == QLatin1String("-h") || name == QLatin1String("--help")) {
-        CkToFConsole::print(QString::fromLatin1(kOverview));
+        ToFConsole::print(QString::fromLatin1(kOverview));
         return ToFSuccess;
     }
     if (name == QLatin1String("-v") || name == QLatin1String("--version")) {
-        CkToFConsole::print(tofSoftware());
+        ToFConsole::print(tofSoftware());
         return ToFSuccess;
     }
-    CkToFConsole::error(name.isEmpty()
-                            ? QStringLiteral("Which command? See \"tof --help\".")
-                            : QStringLiteral("There is no command \"%1\". See \"tof --help\".").arg(name));
+    ToFConsole::error(name.isEmpty()
+                          ? QStringLiteral("Which command? See \"tof --help\".")
+                          : QStringLiteral("There is no command \"%1\". See \"tof --help\".").arg(name));
     return ToFUsage;
 }
 
@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
     try {
         return run(QCoreApplication::arguments());
     } catch (const std::bad_alloc&) {
-        CkToFConsole::error(QStringLiteral("There is not enough memory."));
+        ToFConsole::error(QStringLiteral("There is not enough memory."));
         return ToFOutput;
     }
 }

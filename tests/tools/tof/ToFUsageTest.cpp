@@ -106,17 +106,17 @@ TEST_F(ToFUsageTest, WrongValuesAreToldTheRange) {
     EXPECT_EQ(tof("record --set sim_seed=-1 b.tif").err.section(QLatin1Char(' '), 0, 2),
               QStringLiteral("tof: sim_seed takes"));
     EXPECT_EQ(tof("cloud --focal-length 0 a.tif b.ply").err,
-              QStringLiteral("tof: --focal-length wants a number above 0, not \"0\".\n"));
+              QStringLiteral("tof: --focal-length expects a number above 0, not \"0\".\n"));
     EXPECT_EQ(tof("cloud --max-width 0 a.tif b.ply").err,
-              QStringLiteral("tof: --max-width wants a whole number of at least 1, not \"0\".\n"));
+              QStringLiteral("tof: --max-width expects a whole number of at least 1, not \"0\".\n"));
     EXPECT_EQ(tof("image --range -1e300,1 a.tif b.png").err,
-              QStringLiteral("tof: --range wants numbers of 32-bit floats, up to 3.40282e+38, not "
+              QStringLiteral("tof: --range expects numbers of 32-bit floats, up to 3.40282e+38, not "
                              "\"-1e300,1\".\n"));
     EXPECT_EQ(tof("cloud --offset 1e39 a.tif b.ply").err,
-              QStringLiteral("tof: --offset wants numbers of 32-bit floats, up to 3.40282e+38, not "
+              QStringLiteral("tof: --offset expects numbers of 32-bit floats, up to 3.40282e+38, not "
                              "\"1e39\".\n"));
     EXPECT_EQ(tof("image --range 5,1 a.tif b.png").err,
-              QStringLiteral("tof: --range wants the lower value first, not \"5,1\".\n"));
+              QStringLiteral("tof: --range expects the lower value first, not \"5,1\".\n"));
 }
 
 TEST_F(ToFUsageTest, InputsThatCannotBeReadAreCode3) {
