@@ -35,7 +35,7 @@ ROOMS = {
     "host/viewer/area": ["viewerPartsTest", "viewerWindowTest"],
     "host/viewer/panels": ["viewerPartsTest", "viewerWindowTest"],
     "host/viewer/playback": ["viewerRecordingTest"],
-    "host/viewer/plugins": ["viewerPluginGateTest"],
+    "host/viewer/plugins": ["viewerPluginCheckerTest"],
     "host/viewer/session": ["viewerWindowTest", "viewerRecordingTest"],
     "host/viewer/shell": ["viewerPartsTest", "viewerWindowTest"],
     "tools/tof": ["tofTest"],

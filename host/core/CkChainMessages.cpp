@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr quint64 kCalmFrames = 30; // one second at a typical frame rate
+constexpr quint64 kProblemFreeFrames = 30; // one second at a typical frame rate
 
 } // namespace
 
@@ -24,7 +24,7 @@ CkChainMessages::CkHold::~CkHold() {
 
 void CkChainMessages::show(SkChainNode& node) {
     guardedCall(
-        [&node] { node.block->setChainMessage(node.troubleFrame == 0 ? node.setUpText : node.troubleText); });
+        [&node] { node.block->setChainMessage(node.problemFrame == 0 ? node.setUpText : node.problemText); });
 }
 
 void CkChainMessages::showSetUpError(SkChainNode& node, const QString& sText) {
@@ -32,19 +32,19 @@ void CkChainMessages::showSetUpError(SkChainNode& node, const QString& sText) {
     show(node);
 }
 
-void CkChainMessages::showTrouble(SkChainNode& node, const QString& sText) const {
-    if (node.troubleFrame == 0) {
-        node.troubleText = sText;
+void CkChainMessages::showProblem(SkChainNode& node, const QString& sText) const {
+    if (node.problemFrame == 0) {
+        node.problemText = sText;
     }
-    if (node.troubleText == sText) {
-        node.troubleFrame = m_throttle.frame();
+    if (node.problemText == sText) {
+        node.problemFrame = m_throttle.frame();
         show(node);
     }
 }
 
-void CkChainMessages::endTrouble(SkChainNode& node) const {
-    if (node.troubleFrame != 0 && m_throttle.frame() > node.troubleFrame + kCalmFrames) {
-        node.troubleFrame = 0;
+void CkChainMessages::clearExpiredProblem(SkChainNode& node) const {
+    if (node.problemFrame != 0 && m_throttle.frame() > node.problemFrame + kProblemFreeFrames) {
+        node.problemFrame = 0;
         show(node);
     }
 }

@@ -19,8 +19,8 @@ public:
 
     /// Shows a message until 30 frames in a row have caused none, so that it does not flicker. Of several
     /// different messages the first one stays.
-    void showTrouble(SkChainNode& node, const QString& sText) const;
-    void endTrouble(SkChainNode& node) const; ///< Once per frame: clears an expired message.
+    void showProblem(SkChainNode& node, const QString& sText) const;
+    void clearExpiredProblem(SkChainNode& node) const; ///< Once per frame: clears an expired message.
 
     /// Suppresses the message signals of blocks while they are set up; listeners are notified once, of the
     /// outcome, when this object is destroyed.

@@ -16,7 +16,7 @@ using EkRequest = CkRenegotiationThrottle::EkRequest;
 
 void CkChainRunner::runFrame(SkChainNode& source, CkImageData* pFrame) {
     m_throttle.beginFrame();
-    m_messages.endTrouble(source);
+    m_messages.clearExpiredProblem(source);
     if (!fitsSetUp(source, *pFrame)) {
         delete pFrame;
         tellSource(source, CkImageSource::EkFrameEvent::Dropped);
@@ -89,7 +89,7 @@ IkChainData* CkChainRunner::process(SkChainNode& node, IkChainData* pData) {
         delete pData;
         return nullptr;
     }
-    m_messages.endTrouble(node);
+    m_messages.clearExpiredProblem(node);
     recoverBlock(node, *pData);
     if (!node.ready) {
         ++node.dropped;
@@ -133,7 +133,7 @@ IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, boo
         delete std::exchange(result, nullptr);
         block->m_bFrameDropped = bInputIsOurs;
         // Message before counter: a reader that sees the counter rise finds the reason.
-        m_messages.showTrouble(node, CkChain::tr("The block failed on a frame."));
+        m_messages.showProblem(node, CkChain::tr("The block failed on a frame."));
         node.dropped += bInputIsOurs ? 0 : 1;
     }
     const std::chrono::nanoseconds spent = std::chrono::steady_clock::now() - begin;
@@ -145,7 +145,7 @@ void CkChainRunner::countMissingOutput(SkChainNode& node, const CkMemoryPool::Sk
     const CkMemoryPool::SkRefusals after = m_parts.pool.refusals(node.block);
     const bool misfit = after.misfits != before.misfits;
     if (misfit && !requestRenegotiation()) {
-        m_messages.showTrouble(node,
+        m_messages.showProblem(node,
                                CkChain::tr("The output of the block does not fit the pictures made for it."));
     }
     // A block without a shelf, for example with an output without pixels, is never refused a picture.
@@ -193,7 +193,7 @@ bool CkChainRunner::fitsSetUp(SkChainNode& node, const IkChainData& data) {
     if (change != EkFormatChange::Pictures) {
         return true;
     }
-    m_messages.showTrouble(
+    m_messages.showProblem(
         node, CkChain::tr("Frames come in another format time and again; while the chain is set up "
                           "anew for one, others are dropped."));
     ++node.dropped; // after the message, as above

@@ -51,7 +51,7 @@ bool CkChainSetUp::prepare() {
         node.outputs.clear();
         node.inbox.assign(node.predecessors.size(), nullptr);
         node.lastFrame = SkFormat();
-        node.refitFrame = node.troubleFrame = 0;
+        node.refitFrame = node.problemFrame = 0;
         for (size_t place = 0; place < node.predecessors.size(); ++place) {
             node.predecessors[place]->outputs.push_back({&node, place});
         }

@@ -50,8 +50,8 @@ struct SkChainNode {
     bool ready = false;                 ///< false for a block that could not be set up
     quint64 refitFrame = 0;             ///< frame of the last set-up for this block; chain thread
     QString setUpText;                  ///< the chain's message about setting it up
-    QString troubleText;                ///< the chain's message about its frames
-    quint64 troubleFrame = 0;           ///< last frame that caused it, 0: none
+    QString problemText;                ///< the chain's message about its frames
+    quint64 problemFrame = 0;           ///< last frame that caused it, 0: none
 
     SkFormat output;    ///< the negotiated format
     SkFormat announced; ///< what the block itself announced during negotiation

@@ -22,9 +22,9 @@ CkRecorder::~CkRecorder() {
     stop();
 }
 
-void CkRecorder::setTroubleFunction(std::function<void(const SkState&)> trouble) {
+void CkRecorder::setProblemCallback(std::function<void(const SkState&)> callback) {
     const std::lock_guard lock(m_mutex);
-    m_trouble = std::move(trouble);
+    m_onProblem = std::move(callback);
 }
 
 bool CkRecorder::start(const QString& sFileName, const SkRecordingInfo& recording, const SkOptions& options,
@@ -97,7 +97,7 @@ int CkRecorder::heldFrames() const {
 
 int CkRecorder::takeFrame(CkImageData* pData) {
     std::unique_ptr<CkImageData> frame(pData);
-    std::function<void(const SkState&)> trouble;
+    std::function<void(const SkState&)> onProblem;
     SkState state;
     {
         const std::lock_guard lock(m_mutex);
@@ -108,7 +108,7 @@ int CkRecorder::takeFrame(CkImageData* pData) {
             m_queue.push_back(std::move(frame));
         } else {
             ++m_state.dropped;
-            trouble = m_trouble;
+            onProblem = m_onProblem;
             state = stateLocked();
         }
     }
@@ -116,8 +116,8 @@ int CkRecorder::takeFrame(CkImageData* pData) {
         m_changed.notify_all();
         return 0;
     }
-    if (trouble) {
-        trouble(state);
+    if (onProblem) {
+        onProblem(state);
     }
     return 1;
 }
@@ -147,7 +147,7 @@ void CkRecorder::run() {
         frame.reset();
         lock.lock();
         m_writing = false;
-        std::function<void(const SkState&)> trouble;
+        std::function<void(const SkState&)> onProblem;
         if (written) {
             m_state.written = m_writer.frameCount();
             m_state.bytes = m_writer.byteCount();
@@ -156,12 +156,12 @@ void CkRecorder::run() {
             if (!broken) {
                 m_state.error = m_writer.errorMessage();
             }
-            trouble = m_trouble;
+            onProblem = m_onProblem;
         }
-        if (trouble) {
+        if (onProblem) {
             const SkState state = stateLocked();
             lock.unlock();
-            trouble(state);
+            onProblem(state);
             lock.lock();
         }
         m_changed.notify_all();

@@ -43,7 +43,7 @@ public:
     SkState state() const;
     /// The function is called after each dropped frame and each error, on the thread that detected it. It
     /// must return quickly and must not call the recorder. To be set while stopped.
-    void setTroubleFunction(std::function<void(const SkState&)> trouble);
+    void setProblemCallback(std::function<void(const SkState&)> callback);
 
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override;
@@ -63,7 +63,7 @@ private:
     SkOptions m_options;
     bool m_running = false;
     bool m_writing = false;
-    std::function<void(const SkState&)> m_trouble;
+    std::function<void(const SkState&)> m_onProblem;
     std::thread m_thread;
     CkRecordingWriter m_writer;
 };

@@ -135,7 +135,7 @@ void CkViewArea::makeActive(int iViewId) {
     emit activeViewChanged(iViewId);
 }
 
-void CkViewArea::activateSomeView() {
+void CkViewArea::activateRemainingView() {
     if (const auto* window = qobject_cast<CkViewWindow*>(currentSubWindow());
         window != nullptr && indexOf(window->viewId()) >= 0) {
         makeActive(window->viewId());
@@ -187,7 +187,7 @@ bool CkViewArea::closeView(int iViewId, bool bAsk) {
     }
     if (m_activeViewId == iViewId) {
         m_activeViewId = -1;
-        activateSomeView();
+        activateRemainingView();
         if (m_activeViewId == -1) {
             emit activeViewChanged(-1);
         }
@@ -222,7 +222,7 @@ void CkViewArea::arrangeLater() {
     QTimer::singleShot(0, this, [this] {
         m_arrangePending = false;
         // A view that the user has maximized stays so.
-        if (m_arrange && !showsOneInFull()) {
+        if (m_arrange && !hasMaximizedView()) {
             tile();
         }
     });
@@ -247,7 +247,7 @@ void CkViewArea::tile() {
     }
 }
 
-bool CkViewArea::showsOneInFull() const {
+bool CkViewArea::hasMaximizedView() const {
     for (const SkEntry& entry : m_entries) {
         if (entry.window && entry.window->isMaximized()) {
             return true;

@@ -77,8 +77,8 @@ private:
 
     qsizetype indexOf(int iViewId) const;
     void makeActive(int iViewId);
-    void activateSomeView();
-    bool showsOneInFull() const;
+    void activateRemainingView();
+    bool hasMaximizedView() const;
     void arrangeLater();
 
     CkViewNoticeController* m_notices = nullptr;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The box is destroyed with its parent, which goes with an unplugged camera.
+// The parent, and the box with it, may be deleted while the box is open: closing a camera closes its views.
 QMessageBox::StandardButton ask(QWidget* parent, const QString& title, const QString& text,
                                 QMessageBox::Icon icon, QMessageBox::StandardButtons buttons) {
     const QPointer<QMessageBox> box(new QMessageBox(icon, title, text, buttons, parent));
@@ -18,102 +18,102 @@ QMessageBox::StandardButton ask(QWidget* parent, const QString& title, const QSt
     return QMessageBox::StandardButton(answer);
 }
 
-int formFor(const QString& ending, const QList<SkSaveForm>& forms, int chosen) {
-    if (isSameEnding(ending, forms[chosen].suffix)) {
+int formatFor(const QString& suffix, const QList<SkSaveFormat>& formats, int chosen) {
+    if (isSameSuffix(suffix, formats[chosen].suffix)) {
         return chosen;
     }
     int found = -1;
-    for (int i = 0; i < forms.size(); ++i) {
-        const bool better =
-            found < 0 || (forms[found].group != forms[chosen].group && forms[i].group == forms[chosen].group);
-        if (isSameEnding(ending, forms[i].suffix) && better) {
+    for (int i = 0; i < formats.size(); ++i) {
+        const bool better = found < 0 || (formats[found].group != formats[chosen].group &&
+                                          formats[i].group == formats[chosen].group);
+        if (isSameSuffix(suffix, formats[i].suffix) && better) {
             found = i;
         }
     }
     return found;
 }
 
-QString refusal(const QString& name, const QString& ending, const QList<SkSaveForm>& forms) {
+QString refusal(const QString& name, const QString& suffix, const QList<SkSaveFormat>& formats) {
     QStringList known;
-    for (const SkSaveForm& form : forms) {
-        known.append(QLatin1Char('.') + form.suffix);
+    for (const SkSaveFormat& format : formats) {
+        known.append(QLatin1Char('.') + format.suffix);
     }
     known.removeDuplicates();
     return QCoreApplication::translate(
                "SaveFileName", "\"%1\": nothing is written here that ends in .%2.\n\nThese endings can be "
                                "written: %3.")
-        .arg(QFileInfo(name).fileName(), ending, known.join(QStringLiteral(", ")));
+        .arg(QFileInfo(name).fileName(), suffix, known.join(QStringLiteral(", ")));
 }
 
-enum class EkVerdict { Good, Again };
+enum class EkAnswer { Accepted, AskAgain };
 
-// Makes name and format agree, or tells the user why that is impossible.
-EkVerdict settle(QWidget* parent, const QString& title, const QList<SkSaveForm>& forms, QString& name,
-                 int& chosen) {
-    const QString ending = fileEnding(name);
-    if (!ending.isEmpty()) {
-        const int form = formFor(ending, forms, chosen);
-        if (form < 0) {
-            ask(parent, title, refusal(name, ending, forms), QMessageBox::Warning, QMessageBox::Ok);
-            return EkVerdict::Again;
+// Makes the name and the format agree, or tells the user why that is impossible.
+EkAnswer resolveFormat(QWidget* parent, const QString& title, const QList<SkSaveFormat>& formats,
+                       QString& name, int& chosen) {
+    const QString suffix = fileSuffix(name);
+    if (!suffix.isEmpty()) {
+        const int format = formatFor(suffix, formats, chosen);
+        if (format < 0) {
+            ask(parent, title, refusal(name, suffix, formats), QMessageBox::Warning, QMessageBox::Ok);
+            return EkAnswer::AskAgain;
         }
-        chosen = form;
-        return EkVerdict::Good;
+        chosen = format;
+        return EkAnswer::Accepted;
     }
-    // The dialog adds no ending to a name with a dot, and has checked only that name for an existing file.
-    name += QLatin1Char('.') + forms[chosen].suffix;
+    // The dialog adds no suffix to a name with a dot, and has checked only that name for an existing file.
+    name += QLatin1Char('.') + formats[chosen].suffix;
     const QString question =
         QCoreApplication::translate("SaveFileName", "%1 already exists.\nDo you want to replace it?")
             .arg(QFileInfo(name).fileName());
     return !QFileInfo::exists(name) || ask(parent, title, question, QMessageBox::Warning,
                                            QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes
-               ? EkVerdict::Good
-               : EkVerdict::Again;
+               ? EkAnswer::Accepted
+               : EkAnswer::AskAgain;
 }
 
 } // namespace
 
-QString fileEnding(const QString& sFileName) {
-    static const QRegularExpression kEnding(QStringLiteral("\\.([A-Za-z0-9]{0,4}[A-Za-z][A-Za-z0-9]{0,4})$"));
-    return kEnding.match(QFileInfo(sFileName).fileName()).captured(1).toLower();
+QString fileSuffix(const QString& sFileName) {
+    static const QRegularExpression kSuffix(QStringLiteral("\\.([A-Za-z0-9]{0,4}[A-Za-z][A-Za-z0-9]{0,4})$"));
+    return kSuffix.match(QFileInfo(sFileName).fileName()).captured(1).toLower();
 }
 
-bool isSameEnding(const QString& sEnding, const QString& sOther) {
-    const auto usual = [](const QString& ending) {
-        const QString low = ending.toLower();
+bool isSameSuffix(const QString& sSuffix, const QString& sOther) {
+    const auto canonical = [](const QString& suffix) {
+        const QString low = suffix.toLower();
         return low == QLatin1String("jpeg")   ? QStringLiteral("jpg")
                : low == QLatin1String("tiff") ? QStringLiteral("tif")
                                               : low;
     };
-    return usual(sEnding) == usual(sOther);
+    return canonical(sSuffix) == canonical(sOther);
 }
 
-QString askSaveFileName(QWidget* pParent, const SkSaveRequest& request, int& iForm) {
-    const QList<SkSaveForm>& forms = request.forms;
-    iForm = 0;
+QString askSaveFileName(QWidget* pParent, const SkSaveRequest& request, int& iFormat) {
+    const QList<SkSaveFormat>& formats = request.formats;
+    iFormat = 0;
     QStringList filters;
-    for (const SkSaveForm& form : forms) {
-        filters.append(form.filter);
+    for (const SkSaveFormat& format : formats) {
+        filters.append(format.filter);
     }
-    // Destroyed with its parent, which goes with an unplugged camera.
+    // Deleted with its parent when a camera is closed while the dialog is open.
     const QPointer<QFileDialog> dialog(new QFileDialog(pParent, request.title, request.start));
     dialog->setObjectName(request.objectName);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters(filters);
-    dialog->setDefaultSuffix(forms.first().suffix);
+    dialog->setDefaultSuffix(formats.first().suffix);
     if (!request.start.isEmpty() && !QFileInfo(request.start).isDir()) {
         dialog->selectFile(QFileInfo(request.start).fileName());
     }
     QObject::connect(
-        dialog, &QFileDialog::filterSelected, dialog, [&filters, &forms, dialog](const QString& sFilter) {
-            dialog->setDefaultSuffix(forms[std::max<qsizetype>(0, filters.indexOf(sFilter))].suffix);
+        dialog, &QFileDialog::filterSelected, dialog, [&filters, &formats, dialog](const QString& sFilter) {
+            dialog->setDefaultSuffix(formats[std::max<qsizetype>(0, filters.indexOf(sFilter))].suffix);
         });
     QString name;
     while (dialog->exec() == QDialog::Accepted && dialog) {
         name = dialog->selectedFiles().value(0);
-        iForm = int(std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter())));
-        if (request.endings == EkSaveEndings::Any || name.isEmpty() ||
-            settle(dialog, request.title, forms, name, iForm) == EkVerdict::Good) {
+        iFormat = int(std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter())));
+        if (request.unknownSuffix == EkUnknownSuffix::Accept || name.isEmpty() ||
+            resolveFormat(dialog, request.title, formats, name, iFormat) == EkAnswer::Accepted) {
             break;
         }
         if (!dialog) {

@@ -30,7 +30,7 @@ QStringList ViewerLanguage::codes() {
     return {QStringLiteral("en"), QStringLiteral("de")};
 }
 
-QString ViewerLanguage::wanted(const QStringList& arguments) {
+QString ViewerLanguage::requested(const QStringList& arguments) {
     static const QString kOption = QStringLiteral("--language");
     QString code;
     for (qsizetype i = 1; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {

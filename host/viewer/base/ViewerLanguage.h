@@ -12,7 +12,7 @@ QStringList codes();
 
 /// The code given with "--language" on a command line that has not been parsed yet; errors of the command
 /// line are then reported in that language as well. Empty without the option or for an unknown code.
-QString wanted(const QStringList& arguments);
+QString requested(const QStringList& arguments);
 
 /// Sets the default locale, which number formats and plug-ins use, and installs the translations. To be
 /// called once per process, before the first text is shown. An empty or unknown code keeps the user's own

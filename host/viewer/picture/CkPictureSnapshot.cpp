@@ -15,7 +15,7 @@
 
 namespace {
 
-// Values of SkSaveForm::group.
+// Values of SkSaveFormat::group.
 constexpr int kAsSeen = 0;
 constexpr int kAsMeasured = 1;
 
@@ -41,31 +41,31 @@ CkPictureSnapshot::CkPictureSnapshot(const QImage& image, const CkImageData* pFr
 CkPictureSnapshot::~CkPictureSnapshot() = default;
 CkPictureSnapshot::CkPictureSnapshot(CkPictureSnapshot&&) noexcept = default;
 
-QList<CkPictureSnapshot::SkForm> CkPictureSnapshot::forms() const {
+QList<CkPictureSnapshot::SkFormat> CkPictureSnapshot::formats() const {
     if (m_image.isNull()) {
         return {};
     }
-    QList<SkForm> forms = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png"), kAsSeen}, {}},
-                           {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), kAsSeen}, {}}};
+    QList<SkFormat> formats = {{{tr("PNG, as seen (*.png)"), QStringLiteral("png"), kAsSeen}, {}},
+                               {{tr("JPEG, as seen (*.jpg)"), QStringLiteral("jpg"), kAsSeen}, {}}};
     if (m_frame == nullptr) {
-        return forms;
+        return formats;
     }
     if (m_channel >= 0) {
         const QString scale =
             PictureFile::scaleText(m_frame->picBuf(), m_frame->metadata(), quint32(m_channel));
-        forms.append(
+        formats.append(
             {{tr("16-bit PNG, as measured, %1 (*.png)").arg(scale), QStringLiteral("png"), kAsMeasured},
              EkMeasured::Png16});
-        forms.append({{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_channelTitle),
-                       QStringLiteral("tif"), kAsMeasured},
-                      EkMeasured::FloatTiff});
+        formats.append({{tr("Float TIFF, as measured, channel \"%1\" (*.tif)").arg(m_channelTitle),
+                         QStringLiteral("tif"), kAsMeasured},
+                        EkMeasured::FloatTiff});
     }
     if (m_frame->picBuf().channels > 1 || m_channel < 0) {
-        forms.append(
+        formats.append(
             {{tr("Float TIFF, as measured, all channels (*.tif)"), QStringLiteral("tif"), kAsMeasured},
              EkMeasured::FloatTiffOfAll});
     }
-    return forms;
+    return formats;
 }
 
 bool CkPictureSnapshot::saveAsSeen(const QString& sFileName, QString* psError) const {
@@ -77,9 +77,9 @@ bool CkPictureSnapshot::saveAsSeen(const QString& sFileName, QString* psError) c
     return ok;
 }
 
-bool CkPictureSnapshot::saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const {
+bool CkPictureSnapshot::saveAsMeasured(const QString& sFileName, EkMeasured format, QString* psError) const {
     QString error;
-    const bool ok = writeAsMeasured(sFileName, form, error);
+    const bool ok = writeAsMeasured(sFileName, format, error);
     if (!ok && psError != nullptr) {
         *psError = error;
     }
@@ -91,14 +91,14 @@ bool CkPictureSnapshot::writeAsSeen(const QString& sFileName, QString& sError) c
         sError = tr("There is no picture to save.");
         return false;
     }
-    const QByteArray ending = fileEnding(sFileName).toLatin1();
-    if (!QImageWriter::supportedImageFormats().contains(ending)) {
+    const QByteArray suffix = fileSuffix(sFileName).toLatin1();
+    if (!QImageWriter::supportedImageFormats().contains(suffix)) {
         sError = tr("%1: the ending says in which format a picture is saved: .png or .jpg.")
                      .arg(QDir::toNativeSeparators(sFileName));
         return false;
     }
     QSaveFile file(sFileName);
-    QImageWriter writer(&file, ending);
+    QImageWriter writer(&file, suffix);
     if (!file.open(QIODevice::WriteOnly) || !writer.write(m_image) || !file.commit()) {
         const bool byFile = file.error() != QFileDevice::NoError;
         sError = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(sFileName),
@@ -108,13 +108,13 @@ bool CkPictureSnapshot::writeAsSeen(const QString& sFileName, QString& sError) c
     return true;
 }
 
-bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured form, QString& sError) const {
+bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured format, QString& sError) const {
     if (m_frame == nullptr) {
         sError = tr("There is no picture to save.");
         return false;
     }
-    if (form != EkMeasured::Png16) {
-        const int channel = form == EkMeasured::FloatTiffOfAll ? -1 : m_channel;
+    if (format != EkMeasured::Png16) {
+        const int channel = format == EkMeasured::FloatTiffOfAll ? -1 : m_channel;
         return PictureFile::saveFloatTiff(m_frame->picBuf(), m_frame->metadata(), channel, sFileName, sError);
     }
     if (m_channel < 0) {
@@ -126,13 +126,13 @@ bool CkPictureSnapshot::writeAsMeasured(const QString& sFileName, EkMeasured for
 }
 
 void CkPictureSnapshot::saveWithDialog(QWidget* pParent) const {
-    const QList<SkForm> offered = forms();
+    const QList<SkFormat> offered = formats();
     if (offered.isEmpty()) {
         return;
     }
-    QList<SkSaveForm> files;
-    for (const SkForm& form : offered) {
-        files.append(form.file);
+    QList<SkSaveFormat> files;
+    for (const SkFormat& format : offered) {
+        files.append(format.file);
     }
     IkAppDelegate* delegate = IkAppDelegate::instance();
     // The camera may be unplugged, and the view with it, while the dialog is open.
@@ -142,8 +142,8 @@ void CkPictureSnapshot::saveWithDialog(QWidget* pParent) const {
         askSaveFileName(pParent,
                         {.title = tr("Save Picture"),
                          .start = delegate != nullptr ? delegate->lastDirectory() : QString(),
-                         .forms = files,
-                         .endings = EkSaveEndings::Ours},
+                         .formats = files,
+                         .unknownSuffix = EkUnknownSuffix::Refuse},
                         chosen);
     if (!parent || name.isEmpty()) {
         return;

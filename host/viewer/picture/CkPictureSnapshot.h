@@ -29,25 +29,25 @@ public:
     CkPictureSnapshot& operator=(CkPictureSnapshot&&) = delete;
 
     /// A format in which this picture can be saved.
-    struct SkForm {
-        SkSaveForm file;
+    struct SkFormat {
+        SkSaveFormat file;
         std::optional<EkMeasured> measured; ///< nullopt: as seen
     };
     /// Empty when there is no picture.
-    QList<SkForm> forms() const;
+    QList<SkFormat> formats() const;
 
     /// Writes the picture as seen (in the format of the file name's extension, at the picture's own size), or
     /// as measured: the channel seen, or all of them. False, with psError set, on failure.
     bool saveAsSeen(const QString& sFileName, QString* psError) const;
-    bool saveAsMeasured(const QString& sFileName, EkMeasured form, QString* psError) const;
+    bool saveAsMeasured(const QString& sFileName, EkMeasured format, QString* psError) const;
 
-    /// Asks the user for the file and its form, writes it, and reports a failure in a message box. No-op
+    /// Asks the user for the file and its format, writes it, and reports a failure in a message box. No-op
     /// without a picture. pParent may be deleted while the dialog is open.
     void saveWithDialog(QWidget* pParent) const;
 
 private:
     bool writeAsSeen(const QString& sFileName, QString& sError) const;
-    bool writeAsMeasured(const QString& sFileName, EkMeasured form, QString& sError) const;
+    bool writeAsMeasured(const QString& sFileName, EkMeasured format, QString& sError) const;
 
     QImage m_image;
     std::unique_ptr<CkImageData> m_frame; ///< null without a picture

@@ -40,9 +40,9 @@ bool isReadable(const SkPicBuf& picBuf, quint32 channel) {
 }
 
 // A file must not carry the extension of another format.
-bool isEndingOf(const QString& format, const QString& fileName, QString& error) {
-    const QString ending = fileEnding(fileName);
-    if (ending.isEmpty() || isSameEnding(ending, format)) {
+bool hasSuffixOf(const QString& format, const QString& fileName, QString& error) {
+    const QString suffix = fileSuffix(fileName);
+    if (suffix.isEmpty() || isSameSuffix(suffix, format)) {
         return true;
     }
     error =
@@ -141,7 +141,7 @@ bool PictureFile::savePng16(const SkPicBuf& picBuf, const CkImageMetadata& metad
         sError = Texts::tr("There is no picture to save.");
         return false;
     }
-    if (!isEndingOf(QStringLiteral("png"), sFileName, sError)) {
+    if (!hasSuffixOf(QStringLiteral("png"), sFileName, sError)) {
         return false;
     }
     QImage grey(int(picBuf.width), int(picBuf.height), QImage::Format_Grayscale16);
@@ -183,7 +183,7 @@ bool PictureFile::saveFloatTiff(const SkPicBuf& picBuf, const CkImageMetadata& m
         sError = Texts::tr("There is no picture to save.");
         return false;
     }
-    if (!isEndingOf(QStringLiteral("tif"), sFileName, sError)) {
+    if (!hasSuffixOf(QStringLiteral("tif"), sFileName, sError)) {
         return false;
     }
     const quint32 channels = iChannel < 0 ? picBuf.channels : 1U;

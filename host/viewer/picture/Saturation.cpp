@@ -16,7 +16,7 @@ bool isDifferenceCode(quint32 code) {
 }
 
 // A block that only passes samples on keeps their type and number: its picture counts as the source's.
-bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
+bool isComputed(const SkPicBufInfo& info, const CkChainable* pBlock) {
     const CkChainable* const source = Saturation::soleSource(pBlock);
     SkPicBufInfo original;
     if (source == nullptr || !source->chain()->negotiatedInfo(source, original, nullptr)) {
@@ -32,7 +32,7 @@ bool isMadeAnew(const SkPicBufInfo& info, const CkChainable* pBlock) {
 
 Saturation::EkEvidence Saturation::evidence(const SkPicBufInfo& info, const CkImageMetadata& metadata,
                                             const CkChainable* pBlock) {
-    if (isMadeAnew(info, pBlock)) {
+    if (isComputed(info, pBlock)) {
         return EkEvidence::Computed;
     }
     if (isFloatType(info.dataType)) {

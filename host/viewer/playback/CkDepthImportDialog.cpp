@@ -27,7 +27,7 @@ constexpr double kOther = 0.0;
 
 } // namespace
 
-bool CkDepthImportDialog::isWorthAsking(const SkPicBufInfo& info) {
+bool CkDepthImportDialog::mayHoldDepths(const SkPicBufInfo& info) {
     return SkDepthScale::fits(info) && info.dataType != EkImageDataType::UInt8 &&
            info.dataType != EkImageDataType::Int8;
 }

@@ -22,7 +22,7 @@ public:
     CkDepthImportDialog(const QString& sFileName, const CkImageData& first, QWidget* pParent = nullptr);
 
     /// Whether pictures of this format may hold depths: one channel of more than 8 bits.
-    static bool isWorthAsking(const SkPicBufInfo& info);
+    static bool mayHoldDepths(const SkPicBufInfo& info);
 
     /// Integers: millimetres. Floats: metres, unless the largest value is beyond 100.
     static SkDepthScale proposal(const SkPicBufInfo& info, double fLargest);

@@ -65,9 +65,9 @@ CkPlaybackBar::CkPlaybackBar(CkPlayback* pPlayback, const SkActions& actions, QW
     createPaceControls();
     layout->addWidget(m_pace);
     layout->addWidget(m_speed);
-    m_note = new QLabel(this);
-    m_note->setObjectName(QStringLiteral("playbackNote"));
-    layout->addWidget(m_note);
+    m_notice = new QLabel(this);
+    m_notice->setObjectName(QStringLiteral("playbackNote"));
+    layout->addWidget(m_notice);
 
     connect(m_slider, &QSlider::valueChanged, m_playback, [this](int iValue) { m_playback->goTo(iValue); });
     connect(m_number, &QSpinBox::valueChanged, m_playback, [this](int iValue) { m_playback->goTo(iValue); });
@@ -203,15 +203,16 @@ void CkPlaybackBar::showDamage() {
     const CkVideoSource* source = m_playback->source();
     const QString error = source->errorMessage();
     const qint64 skipped = source->skippedFrames();
-    QString note;
+    QString notice;
     if (!error.isEmpty()) {
-        note = tr("<span style='color:#c02020'><b>Damaged</b></span>");
+        notice = tr("<span style='color:#c02020'><b>Damaged</b></span>");
     } else if (skipped > 0) {
-        note = tr("%1 left out").arg(skipped);
+        notice = tr("%1 left out").arg(skipped);
     }
-    if (note != m_note->text()) {
-        m_note->setText(note);
+    if (notice != m_notice->text()) {
+        m_notice->setText(notice);
     }
-    m_note->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started") : error);
-    m_note->setVisible(!note.isEmpty());
+    m_notice->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started")
+                                         : error);
+    m_notice->setVisible(!notice.isEmpty());
 }

@@ -47,7 +47,7 @@ private:
     QSlider* m_slider = nullptr;
     QSpinBox* m_number = nullptr;
     QLabel* m_time = nullptr;
-    QLabel* m_note = nullptr;
+    QLabel* m_notice = nullptr;
     QComboBox* m_pace = nullptr;
     QComboBox* m_speed = nullptr;
     QTimer m_timer;

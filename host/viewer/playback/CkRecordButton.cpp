@@ -26,7 +26,7 @@ CkRecordButton::CkRecordButton(CkRecordingManager* pManager, void* pCameraHandle
     : QPushButton(pParent), m_manager(pManager), m_handle(pCameraHandle), m_openView(std::move(openView)) {
     setObjectName(QStringLiteral("btnRecord"));
     setIcon(icon());
-    connect(this, &QPushButton::clicked, this, &CkRecordButton::press);
+    connect(this, &QPushButton::clicked, this, &CkRecordButton::toggleRecording);
     connect(pManager, &CkRecordingManager::jobsChanged, this, &CkRecordButton::refresh);
     refresh();
 }
@@ -42,7 +42,7 @@ QIcon CkRecordButton::icon() {
     return QIcon(pixmap);
 }
 
-void CkRecordButton::press() {
+void CkRecordButton::toggleRecording() {
     if (CkRecordingJob* running = runningOf(*m_manager, m_handle)) {
         running->stop();
         return;

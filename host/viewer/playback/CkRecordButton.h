@@ -19,7 +19,7 @@ public:
     static QIcon icon();
 
 private:
-    void press();
+    void toggleRecording();
     void refresh();
 
     CkRecordingManager* m_manager;

@@ -41,11 +41,11 @@ CkRecordingController::CkRecordingController(CkViewArea* pArea, QWidget* pWindow
     connect(m_playback, &CkPlayback::sourceChanged, this, &CkRecordingController::refresh);
     connect(m_playback, &CkPlayback::settingsChanged, this, &CkRecordingController::refresh);
     connect(m_panel, &CkRecordingPanel::openRequested, this, &CkRecordingController::openRequested);
-    connect(m_manager, &CkRecordingManager::troubled, this, &CkRecordingController::refresh);
+    connect(m_manager, &CkRecordingManager::problemOccurred, this, &CkRecordingController::refresh);
     connect(m_manager, &CkRecordingManager::jobsChanged, this, [this] {
         if (m_manager->runningCount() > 0) {
             m_timer.start();
-            emit panelWanted();
+            emit showPanelRequested();
         } else {
             m_timer.stop();
         }

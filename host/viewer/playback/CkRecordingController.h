@@ -49,7 +49,7 @@ public slots:
 
 signals:
     /// A recording has started; the receiver shows the panel.
-    void panelWanted();
+    void showPanelRequested();
     /// The user wants to open a finished recording.
     void openRequested(const QString& sFileName);
 

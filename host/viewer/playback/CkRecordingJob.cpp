@@ -12,13 +12,13 @@ constexpr int kPollMs = 20;
 CkRecordingJob::CkRecordingJob(QObject* pParent) : QObject(pParent) {
     // Called on the chain's or the recorder's thread, possibly for each frame: one queued call at a time is
     // enough.
-    m_recorder.setTroubleFunction([this](const CkRecorder::SkState&) {
-        if (!m_troublePending.exchange(true)) {
-            QMetaObject::invokeMethod(this, &CkRecordingJob::handleTrouble, Qt::QueuedConnection);
+    m_recorder.setProblemCallback([this](const CkRecorder::SkState&) {
+        if (!m_problemPending.exchange(true)) {
+            QMetaObject::invokeMethod(this, &CkRecordingJob::handleProblem, Qt::QueuedConnection);
         }
     });
     connect(CkChainManager::instance(), &CkChainManager::chainAboutToClose, this,
-            &CkRecordingJob::chainCloses);
+            &CkRecordingJob::handleClosingChain);
 }
 
 CkRecordingJob::~CkRecordingJob() {
@@ -82,7 +82,7 @@ void CkRecordingJob::detach() {
     }
 }
 
-void CkRecordingJob::chainCloses(CkChain* pChain) {
+void CkRecordingJob::handleClosingChain(CkChain* pChain) {
     if (pChain != m_chain || m_state != EkState::Running) {
         return;
     }
@@ -91,12 +91,12 @@ void CkRecordingJob::chainCloses(CkChain* pChain) {
     QTimer::singleShot(0, this, &CkRecordingJob::attach);
 }
 
-void CkRecordingJob::handleTrouble() {
-    m_troublePending = false;
+void CkRecordingJob::handleProblem() {
+    m_problemPending = false;
     if (m_state == EkState::Running && !counters().error.isEmpty()) {
         stop();
     }
-    emit troubled();
+    emit problemOccurred();
 }
 
 void CkRecordingJob::stop() {

@@ -47,14 +47,14 @@ public:
 
 signals:
     /// A frame was dropped, or an error occurred.
-    void troubled();
+    void problemOccurred();
     void stateChanged();
 
 private:
     void attach();
     void detach();
-    void chainCloses(CkChain* pChain);
-    void handleTrouble();
+    void handleClosingChain(CkChain* pChain);
+    void handleProblem();
 
     CkRecorder m_recorder;
     EkState m_state = EkState::Finished;
@@ -63,7 +63,7 @@ private:
     QPointer<CkChainable> m_block;
     QPointer<CkChain> m_chain;
     bool m_source = false;
-    std::atomic<bool> m_troublePending = false;
+    std::atomic<bool> m_problemPending = false;
     std::future<bool> m_finishing;
     QElapsedTimer m_clock;
     qint64 m_elapsedMs = 0;

@@ -135,7 +135,7 @@ CkRecordingJob* CkRecordingManager::record(CkChainable* pBlock, const QString& s
     }
     job->setTitle(titleOf(pBlock));
     m_jobs.append(job);
-    connect(job, &CkRecordingJob::troubled, this, [this, job] { emit troubled(job); });
+    connect(job, &CkRecordingJob::problemOccurred, this, [this, job] { emit problemOccurred(job); });
     connect(job, &CkRecordingJob::stateChanged, this, [this, job] {
         if (job->state() == CkRecordingJob::EkState::Finished) {
             report(job);
@@ -184,22 +184,22 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
                                name.simplified().left(80)));
     const QString plain = tr("Recordings (*.tif)");
     const QString packed = tr("Recordings, compressed without loss, slower (*.tif)");
-    const QString ending = QStringLiteral("tif");
-    int form = 0;
+    const QString suffix = QStringLiteral("tif");
+    int format = 0;
     const QString fileName = askSaveFileName(m_window,
                                              {.title = tr("Record"),
                                               .start = proposed,
-                                              .forms = {{plain, ending}, {packed, ending}},
-                                              .endings = EkSaveEndings::Ours,
+                                              .formats = {{plain, suffix}, {packed, suffix}},
+                                              .unknownSuffix = EkUnknownSuffix::Refuse,
                                               .objectName = QStringLiteral("recordDialog")},
-                                             form);
+                                             format);
     if (fileName.isEmpty()) {
         return;
     }
     settings->setValue(ViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
     QString error = tr("What was to be recorded has been closed.");
     if (!block ||
-        record(block, fileName, form == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,
+        record(block, fileName, format == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,
                error) == nullptr) {
         qWarning("%s", qUtf8Printable(error));
         showBox(m_window, error);

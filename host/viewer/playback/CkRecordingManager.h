@@ -47,7 +47,7 @@ public:
 signals:
     void jobsChanged();
     /// A frame was dropped or a file cannot be written.
-    void troubled(CkRecordingJob* pJob);
+    void problemOccurred(CkRecordingJob* pJob);
 
 private:
     bool isInUse(const QString& sFileName, QString& sReason) const;

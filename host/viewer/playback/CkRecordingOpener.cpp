@@ -121,7 +121,7 @@ bool CkRecordingOpener::askForScale(CkVideoSource& source) const {
     const std::shared_ptr<const IkFrameFile> file = source.recording();
     SkFrameDescription first;
     if (!file->describe(0, first, nullptr) || !first.object.isEmpty() ||
-        !CkDepthImportDialog::isWorthAsking(first.info)) {
+        !CkDepthImportDialog::mayHoldDepths(first.info)) {
         return true;
     }
     const std::unique_ptr<CkImageData> frame = file->read(0, nullptr);

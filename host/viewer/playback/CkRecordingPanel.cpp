@@ -47,7 +47,7 @@ CkRecordingPanel::CkRecordingPanel(CkRecordingManager* pManager, QWidget* pParen
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(scroll);
     connect(pManager, &CkRecordingManager::jobsChanged, this, &CkRecordingPanel::rebuild);
-    connect(pManager, &CkRecordingManager::troubled, this, &CkRecordingPanel::refresh);
+    connect(pManager, &CkRecordingManager::problemOccurred, this, &CkRecordingPanel::refresh);
     m_timer.setInterval(kRefreshMs);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         if (isVisible()) {
@@ -165,17 +165,17 @@ void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) c
                               : finished ? tr("Finished")
                                          : tr("Writing what waits"));
     row.counters->setText(countersText(job));
-    QStringList trouble;
+    QStringList problems;
     if (state.dropped > 0) {
-        trouble.append(tr("%1 dropped").arg(state.dropped));
+        problems.append(tr("%1 dropped").arg(state.dropped));
     }
     if (!state.error.isEmpty()) {
-        trouble.append(state.error);
+        problems.append(state.error);
     }
-    row.drops->setText(trouble.isEmpty() ? QString()
-                                         : QStringLiteral("<b style='color:#c02020'>%1</b>")
-                                               .arg(trouble.join(QStringLiteral(". ")).toHtmlEscaped()));
-    row.drops->setVisible(!trouble.isEmpty());
+    row.drops->setText(problems.isEmpty() ? QString()
+                                          : QStringLiteral("<b style='color:#c02020'>%1</b>")
+                                                .arg(problems.join(QStringLiteral(". ")).toHtmlEscaped()));
+    row.drops->setVisible(!problems.isEmpty());
     row.stop->setVisible(!finished);
     row.stop->setEnabled(running);
     row.stop->setToolTip(running ? tr("Write what waits and close the file")

@@ -20,7 +20,7 @@ const QString kRecorded = QStringLiteral("recorded");
 const QString kId = QStringLiteral("id");
 const QString kPredecessors = QStringLiteral("predecessors");
 
-QStringList feedersOf(const QDomElement& block) {
+QStringList predecessorsOf(const QDomElement& block) {
     return block.attribute(kPredecessors).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
@@ -39,7 +39,7 @@ QDomElement recordedBlock(const QDomElement& chain) {
         if (block.hasAttribute(kRecorded)) {
             return block;
         }
-        if (recorded.isNull() && feedersOf(block).isEmpty()) {
+        if (recorded.isNull() && predecessorsOf(block).isEmpty()) {
             recorded = block;
         }
     }
@@ -48,10 +48,10 @@ QDomElement recordedBlock(const QDomElement& chain) {
 
 /// Removes every block that has a predecessor outside the recorded block's descendants, because a recording
 /// cannot feed it. False when only the recorded block remains.
-bool keepFedBy(const QDomElement& recorded, QDomElement& chain) {
+bool removeBlocksNotFedBy(const QDomElement& recorded, QDomElement& chain) {
     QSet<QString> kept = {recorded.attribute(kId)};
     for (const QDomElement& block : blocksOf(chain)) {
-        const QStringList feeders = feedersOf(block);
+        const QStringList feeders = predecessorsOf(block);
         const bool fed =
             !feeders.isEmpty() && std::all_of(feeders.begin(), feeders.end(),
                                               [&](const QString& feeder) { return kept.contains(feeder); });
@@ -101,7 +101,7 @@ QDomDocument RecordedChain::forPlayback(const SkRecordingInfo& info, const QDomE
     }
     QDomElement chain = doc.documentElement();
     const QDomElement recorded = recordedBlock(chain);
-    if (recorded.isNull() || !keepFedBy(recorded, chain)) {
+    if (recorded.isNull() || !removeBlocksNotFedBy(recorded, chain)) {
         return {};
     }
     QDomElement source = doc.importNode(sourceSettings, true).toElement();

@@ -64,7 +64,7 @@ void CkPluginHost::addProblem(const QString& sProblem) {
 }
 
 template <typename Call>
-void CkPluginHost::tellAll(Call call) {
+void CkPluginHost::callAll(Call call) {
     for (const CkPluginLoader::SkLoadedPlugin& loaded : m_loader.plugins()) {
         try {
             call(*loaded.plugin);
@@ -76,17 +76,17 @@ void CkPluginHost::tellAll(Call call) {
 }
 
 void CkPluginHost::notifyActiveView(int iViewId) {
-    tellAll([=](CkPlugin& plugin) { plugin.activeViewChanged(iViewId); });
+    callAll([=](CkPlugin& plugin) { plugin.activeViewChanged(iViewId); });
 }
 
 void CkPluginHost::notifyViewAboutToClose(int iViewId) {
-    tellAll([=](CkPlugin& plugin) { plugin.viewAboutToClose(iViewId); });
+    callAll([=](CkPlugin& plugin) { plugin.viewAboutToClose(iViewId); });
 }
 
 void CkPluginHost::notifyFrameShown(int iViewId, const CkImageData* pData) {
-    tellAll([=](CkPlugin& plugin) { plugin.viewGotNewImage(iViewId, pData); });
+    callAll([=](CkPlugin& plugin) { plugin.viewGotNewImage(iViewId, pData); });
 }
 
 void CkPluginHost::notifyNewCamera(void* pCameraHandle) {
-    tellAll([=](CkPlugin& plugin) { plugin.newCameraConnected(pCameraHandle); });
+    callAll([=](CkPlugin& plugin) { plugin.newCameraConnected(pCameraHandle); });
 }

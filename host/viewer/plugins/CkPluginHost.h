@@ -35,7 +35,7 @@ public:
 private:
     /// Calls every plug-in; exceptions are logged, and the remaining plug-ins are still called.
     template <typename Call>
-    void tellAll(Call call);
+    void callAll(Call call);
     void loadLibrary(const QString& sFileName);
     void addProblem(const QString& sProblem);
 

@@ -30,7 +30,7 @@ void report(const QByteArray& line) {
 }
 
 /// Keeps the standard output for reports; what the plug-in prints is discarded.
-void takeStandardOutput() {
+void redirectStandardOutput() {
     s_iReport = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
     const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -73,7 +73,7 @@ int probe(const QString& sLibrary) {
 } // namespace
 
 int main(int argc, char** argv) {
-    takeStandardOutput();
+    redirectStandardOutput();
     limitDamage();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv(kVariable, "1");

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kDelayMs = 3000;
 // Continuous changes postpone saving by at most this many delays.
-constexpr int kMostDelays = 5;
+constexpr int kMaximumDelays = 5;
 
 } // namespace
 
@@ -26,15 +26,15 @@ CkSessionSaver::CkSessionSaver(const QMainWindow* pWindow, const CkViewArea* pAr
     m_timer.setSingleShot(true);
     m_timer.setInterval(kDelayMs);
     connect(&m_timer, &QTimer::timeout, this, &CkSessionSaver::save);
-    connect(pArea, &CkViewArea::viewAdded, this, &CkSessionSaver::touch);
-    connect(pArea, &CkViewArea::viewClosed, this, &CkSessionSaver::touch);
-    connect(pArea, &CkViewArea::activeViewChanged, this, &CkSessionSaver::touch);
+    connect(pArea, &CkViewArea::viewAdded, this, &CkSessionSaver::scheduleSave);
+    connect(pArea, &CkViewArea::viewClosed, this, &CkSessionSaver::scheduleSave);
+    connect(pArea, &CkViewArea::activeViewChanged, this, &CkSessionSaver::scheduleSave);
     const CkCameraManager* const cameras = CkCameraManager::instance();
-    connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionSaver::touch);
-    connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionSaver::touch);
-    connect(cameras, &CkCameraManager::acquisitionChanged, this, &CkSessionSaver::touch);
+    connect(cameras, &CkCameraManager::newCameraConnected, this, &CkSessionSaver::scheduleSave);
+    connect(cameras, &CkCameraManager::cameraClosed, this, &CkSessionSaver::scheduleSave);
+    connect(cameras, &CkCameraManager::acquisitionChanged, this, &CkSessionSaver::scheduleSave);
     const auto watch = [this](CkChain* pChain) {
-        connect(pChain, &CkChain::structureChanged, this, &CkSessionSaver::touch);
+        connect(pChain, &CkChain::structureChanged, this, &CkSessionSaver::scheduleSave);
     };
     connect(CkChainManager::instance(), &CkChainManager::chainCreated, this, watch);
     for (CkChain* chain : CkChainManager::instance()->chains()) {
@@ -64,14 +64,14 @@ bool CkSessionSaver::eventFilter(QObject* pWatched, QEvent* pEvent) {
     case QEvent::Wheel:
     case QEvent::Drop:
         m_isOn = true;
-        touch();
+        scheduleSave();
         break;
     case QEvent::Move:
     case QEvent::Resize:
     case QEvent::WindowStateChange:
         if (pWatched == m_window || qobject_cast<QMdiSubWindow*>(pWatched) != nullptr ||
             qobject_cast<QDockWidget*>(pWatched) != nullptr) {
-            touch();
+            scheduleSave();
         }
         break;
     default:
@@ -80,14 +80,14 @@ bool CkSessionSaver::eventFilter(QObject* pWatched, QEvent* pEvent) {
     return false;
 }
 
-void CkSessionSaver::touch() {
+void CkSessionSaver::scheduleSave() {
     if (!m_isOn) {
         return;
     }
     if (!m_timer.isActive()) {
         m_waiting.start();
         m_timer.start();
-    } else if (m_waiting.elapsed() < qint64(kMostDelays) * m_timer.interval()) {
+    } else if (m_waiting.elapsed() < qint64(kMaximumDelays) * m_timer.interval()) {
         m_timer.start();
     }
 }

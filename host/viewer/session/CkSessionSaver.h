@@ -33,7 +33,7 @@ protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
-    void touch();
+    void scheduleSave();
     void save();
 
     const QMainWindow* m_window;

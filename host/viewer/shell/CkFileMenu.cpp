@@ -104,14 +104,14 @@ void CkFileMenu::saveChainWithDialog() {
     if (!chain) {
         return;
     }
-    int form = 0;
+    int format = 0;
     const QString name =
         askSaveFileName(m_window,
                         {.title = tr("Save Chain"),
                          .start = lastDirectory(),
-                         .forms = {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
-                                   {tr("All files (*)"), QStringLiteral("zuchain")}}},
-                        form);
+                         .formats = {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
+                                     {tr("All files (*)"), QStringLiteral("zuchain")}}},
+                        format);
     if (name.isEmpty()) {
         return;
     }

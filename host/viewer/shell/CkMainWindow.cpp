@@ -101,8 +101,8 @@ void CkMainWindow::createDocks() {
     m_qualityPanel = new CkQualityPanel(m_area);
     QDockWidget* quality = m_docks->add(QStringLiteral("dockQuality"), tr("Quality"),
                                         new CkPanelScrollArea(m_qualityPanel), Qt::RightDockWidgetArea);
-    connect(quality, &QDockWidget::visibilityChanged, m_qualityPanel, &CkQualityPanel::setInSight);
-    connect(m_qualityPanel, &CkQualityPanel::sightWanted, quality, [quality] {
+    connect(quality, &QDockWidget::visibilityChanged, m_qualityPanel, &CkQualityPanel::setShownByDock);
+    connect(m_qualityPanel, &CkQualityPanel::raiseRequested, quality, [quality] {
         quality->show();
         quality->raise();
     });
@@ -125,7 +125,7 @@ void CkMainWindow::createRecordings() {
     QDockWidget* dock = m_docks->add(QStringLiteral("dockRecordings"), tr("Recordings"),
                                      m_recordings->panel(), Qt::BottomDockWidgetArea);
     dock->hide();
-    connect(m_recordings, &CkRecordingController::panelWanted, dock, &QWidget::show);
+    connect(m_recordings, &CkRecordingController::showPanelRequested, dock, &QWidget::show);
 }
 
 void CkMainWindow::createMenus() {

@@ -65,7 +65,7 @@ void CkUnattendedRun::advance() {
     if (!m_window) {
         return;
     }
-    const bool late = m_waiting.elapsed() > m_patienceMs;
+    const bool late = m_waiting.elapsed() > m_timeLimitMs;
     switch (m_step) {
     case EkStep::Frames:
         if (!m_counted) {

@@ -24,7 +24,7 @@ public:
     void start();
 
     /// Time limit of each step, in milliseconds.
-    void setPatience(int iMs) { m_patienceMs = iMs; }
+    void setTimeLimit(int iMs) { m_timeLimitMs = iMs; }
 
     /// Writes a picture of the window, including native surfaces inside it where the platform makes these
     /// visible.
@@ -49,5 +49,5 @@ private:
     QElapsedTimer m_waiting;
     EkStep m_step = EkStep::Frames;
     int m_frames = 0;
-    int m_patienceMs = 30'000;
+    int m_timeLimitMs = 30'000;
 };

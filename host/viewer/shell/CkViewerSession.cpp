@@ -132,7 +132,7 @@ bool CkViewerSession::start() {
         restoreSession();
     }
     if (m_options.open3dView || !m_options.triggers.isEmpty()) {
-        actWhenReady();
+        runStartActionsWhenReady();
     }
     if (m_options.unattended()) {
         m_unattended = std::make_unique<CkUnattendedRun>(m_options, m_window.get());
@@ -219,11 +219,11 @@ void CkViewerSession::whenReady(int iViewId, const std::function<void()>& what) 
         Qt::SingleShotConnection);
 }
 
-void CkViewerSession::actWhenReady() {
+void CkViewerSession::runStartActionsWhenReady() {
     const QList<CkMdiView*> views = m_window->area()->views();
     if (!views.isEmpty()) {
         const int id = views.first()->viewId();
-        whenReady(id, [this, id] { act(id); });
+        whenReady(id, [this, id] { runStartActions(id); });
     }
 }
 
@@ -237,7 +237,7 @@ void CkViewerSession::open3dView(int iViewId) {
     }
 }
 
-void CkViewerSession::act(int iViewId) {
+void CkViewerSession::runStartActions(int iViewId) {
     if (m_options.open3dView) {
         open3dView(iViewId);
     }

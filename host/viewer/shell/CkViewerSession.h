@@ -53,8 +53,8 @@ private:
     /// Calls the function after the view's first frame.
     void whenReady(int iViewId, const std::function<void()>& what);
     void open3dView(int iViewId);
-    void actWhenReady();
-    void act(int iViewId);
+    void runStartActionsWhenReady();
+    void runStartActions(int iViewId);
     /// Clicks the menu entry or button with this object name, in the window or of a plug-in. False when there
     /// is none.
     bool trigger(const QString& sObjectName);

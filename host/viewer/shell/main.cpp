@@ -39,7 +39,7 @@ QStringList withoutWindowOptions(const QStringList& given) {
 
 int inform(int argc, char** argv, const QStringList& arguments) {
     QCoreApplication application(argc, argv);
-    ViewerLanguage::apply(ViewerLanguage::wanted(arguments));
+    ViewerLanguage::apply(ViewerLanguage::requested(arguments));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;
@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     // Wayland identifies windows by the name of their desktop entry.
     QGuiApplication::setDesktopFileName(QStringLiteral("zuviewer"));
 
-    ViewerLanguage::apply(ViewerLanguage::wanted(QCoreApplication::arguments()));
+    ViewerLanguage::apply(ViewerLanguage::requested(QCoreApplication::arguments()));
     CkCommandLine commandLine;
     SkViewerOptions options;
     QString error;

@@ -76,7 +76,7 @@ TEST_F(CkRecorderTest, NoFrameIsNothingToWrite) {
 TEST_F(CkRecorderTest, FramesThatDoNotFitAreCountedAndReported) {
     CkRecorder recorder;
     std::vector<qint64> reports;
-    recorder.setTroubleFunction(
+    recorder.setProblemCallback(
         [&reports](const CkRecorder::SkState& state) { reports.push_back(state.dropped); });
     ASSERT_TRUE(recorder.start(path("a.tif"), {}, {EkRecordingCompression::None, 2}, nullptr));
     EXPECT_EQ(recorder.heldFrames(), 3);

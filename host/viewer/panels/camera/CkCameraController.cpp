@@ -15,7 +15,6 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
     CkCameraManager* manager = CkCameraManager::instance();
     connect(manager, &CkCameraManager::newCameraConnected, this, &CkCameraController::addPanel);
     connect(manager, &CkCameraManager::cameraAboutToClose, this, &CkCameraController::removeViewsAndPanel);
-    connect(manager, &CkCameraManager::cameraClosed, this, &CkCameraController::cameraGone);
     connect(manager, &CkCameraManager::cameraLost, this, [this](const QString& sName) {
         report(tr("Camera \"%1\" was lost. Its views wait for it.").arg(sName));
     });
@@ -24,8 +23,8 @@ CkCameraController::CkCameraController(CkViewArea* pArea, QTabWidget* pPanels, Q
         CkCameraManager::instance()->cameraInfo(pHandle, info);
         qInfo("%s", qUtf8Printable(tr("Camera \"%1\" is back.").arg(info.name)));
     });
-    connect(m_tabs, &QTabWidget::currentChanged, this, &CkCameraController::bringViewForward);
-    connect(m_area, &CkViewArea::activeViewChanged, this, &CkCameraController::bringPanelForward);
+    connect(m_tabs, &QTabWidget::currentChanged, this, &CkCameraController::activateViewOfShownPanel);
+    connect(m_area, &CkViewArea::activeViewChanged, this, &CkCameraController::showPanelOfActiveView);
     // A chain without a view is not needed any more.
     connect(m_area, &CkViewArea::viewClosed, this, [this](int, const QPointer<CkChain>& chain) {
         if (!chain) {
@@ -204,14 +203,14 @@ void* CkCameraController::currentCamera() const {
 
 // The current panel has to belong to the camera of the active view, so that its Stop button stops the picture
 // that the user is looking at.
-void CkCameraController::bringPanelForward() {
+void CkCameraController::showPanelOfActiveView() {
     if (CkCameraPanel* shown = panel(cameraOfActiveView())) {
         m_tabs->setCurrentWidget(shown);
     }
     emit currentCameraChanged();
 }
 
-void CkCameraController::bringViewForward() {
+void CkCameraController::activateViewOfShownPanel() {
     const auto* shown = qobject_cast<const CkCameraPanel*>(m_tabs->currentWidget());
     void* const camera = shown != nullptr ? shown->cameraHandle() : nullptr;
     const CkMdiView* active = m_area->activeView();

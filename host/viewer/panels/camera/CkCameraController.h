@@ -50,7 +50,6 @@ public:
 signals:
     /// A new camera has its panel; plug-ins may add to it now.
     void cameraReady(void* pHandle);
-    void cameraGone();
     /// currentCamera may return another camera.
     void currentCameraChanged();
 
@@ -58,8 +57,8 @@ private:
     void addPanel(void* pHandle);
     void removeViewsAndPanel(void* pHandle);
     void* cameraOfActiveView() const;
-    void bringPanelForward();
-    void bringViewForward();
+    void showPanelOfActiveView();
+    void activateViewOfShownPanel();
     void report(const QString& sText) const;
 
     CkViewArea* m_area;

@@ -41,15 +41,15 @@ CkChainPanel::CkChainPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pParen
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &CkChainPanel::configureSelected);
     connect(m_dialogs, &CkBlockDialogs::closed, m_tree, &CkChainTree::refreshCounters);
     connect(m_area, &CkViewArea::activeViewChanged, this, &CkChainPanel::refresh);
-    m_counters.setInterval(kCounterMs);
-    connect(&m_counters, &QTimer::timeout, this, [this] {
+    m_refreshTimer.setInterval(kCounterMs);
+    connect(&m_refreshTimer, &QTimer::timeout, this, [this] {
         if (isVisible()) {
             m_tree->refreshCounters();
             showTitle();
             updateButtons();
         }
     });
-    m_counters.start();
+    m_refreshTimer.start();
     refresh();
 }
 

@@ -70,6 +70,6 @@ private:
     QAction* m_removeAction = nullptr;
     QAction* m_helpAction = nullptr;
     QToolButton* m_saveButton = nullptr;
-    QTimer m_counters; ///< refreshes what the tree and the buttons show
+    QTimer m_refreshTimer; ///< refreshes what the tree and the buttons show
     QPointer<CkMdiView> m_view;
 };

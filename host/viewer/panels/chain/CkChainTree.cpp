@@ -16,7 +16,7 @@ constexpr int kErrorRole = Qt::UserRole + 1;
 constexpr int kStateRole = Qt::UserRole + 2;
 // Deeper blocks share the last level: there is no room for more indentation, and each level costs time at
 // every change.
-constexpr int kMostLevels = 16;
+constexpr int kMaximumLevels = 16;
 // Rows from which the column widths are computed.
 constexpr int kMeasuredRows = 100;
 
@@ -157,17 +157,18 @@ void CkChainTree::addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent) {
     for (int column = FramesColumn; column < ColumnCount; ++column) {
         item->setTextAlignment(column, Qt::AlignRight | Qt::AlignTop);
     }
-    connect(pBlock, &CkChainable::errorMessageChanged, this, &CkChainTree::refreshSoon, Qt::QueuedConnection);
-    connect(pBlock, &CkChainable::stateChanged, this, &CkChainTree::refreshSoon, Qt::QueuedConnection);
-    connect(pBlock, &CkChainable::configurationChanged, this, &CkChainTree::refreshSoon,
+    connect(pBlock, &CkChainable::errorMessageChanged, this, &CkChainTree::scheduleRefresh,
             Qt::QueuedConnection);
-    QTreeWidgetItem* const parent = levelOf(item) < kMostLevels ? item : pParent;
+    connect(pBlock, &CkChainable::stateChanged, this, &CkChainTree::scheduleRefresh, Qt::QueuedConnection);
+    connect(pBlock, &CkChainable::configurationChanged, this, &CkChainTree::scheduleRefresh,
+            Qt::QueuedConnection);
+    QTreeWidgetItem* const parent = levelOf(item) < kMaximumLevels ? item : pParent;
     for (CkChainable* successor : m_chain->successors(pBlock)) {
         addBranch(successor, parent);
     }
 }
 
-void CkChainTree::refreshSoon() {
+void CkChainTree::scheduleRefresh() {
     // One refresh is enough for a thousand blocks that fail at the same time.
     if (!m_refreshPending) {
         m_refreshPending = true;

@@ -38,7 +38,7 @@ public:
 private:
     void rebuild();
     void addBranch(CkChainable* pBlock, QTreeWidgetItem* pParent);
-    void refreshSoon();
+    void scheduleRefresh();
     void showState(QTreeWidgetItem* pItem, const CkChainable* pBlock);
     void showCounters(QTreeWidgetItem* pItem, const CkChainable* pBlock);
     void setCell(QTreeWidgetItem* pItem, int iColumn, const QString& sText);

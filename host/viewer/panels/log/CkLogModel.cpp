@@ -74,7 +74,7 @@ QVariant CkLogModel::headerData(int iSection, Qt::Orientation orientation, int i
 }
 
 void CkLogModel::add(const SkLogEntry& entry) {
-    if (m_entries.size() >= CkLogSink::kKept) {
+    if (m_entries.size() >= CkLogSink::kMaximumEntries) {
         beginRemoveRows({}, 0, 0);
         m_entries.removeFirst();
         endRemoveRows();

@@ -31,7 +31,7 @@ QList<SkLogEntry> CkLogSink::entries() const {
 void CkLogSink::add(const SkLogEntry& entry) {
     {
         const QMutexLocker lock(&m_mutex);
-        if (m_entries.size() >= kKept) {
+        if (m_entries.size() >= kMaximumEntries) {
             m_entries.removeFirst();
         }
         m_entries.append(entry);

@@ -20,7 +20,7 @@ class CkLogSink : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int kKept = 10'000; ///< entries
+    static constexpr int kMaximumEntries = 10'000; ///< entries
 
     static CkLogSink* instance();
 

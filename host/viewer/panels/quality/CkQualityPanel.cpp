@@ -78,7 +78,7 @@ CkQualityPanel::CkQualityPanel(CkViewArea* pArea, QWidget* pParent) : QWidget(pP
         }
     });
     connect(m_area, &CkViewArea::viewClosed, this, [this](int iViewId) {
-        m_kept.erase(iViewId);
+        m_suspended.erase(iViewId);
         follow();
     });
     connect(m_controls, &CkQualityControls::drawToggled, this, [this](bool bOn) {
@@ -111,8 +111,8 @@ void CkQualityPanel::createActions() {
     m_drawAction = addMenuAction(tr("&Draw Region"), "actQualityDraw", Qt::CTRL | Qt::Key_M);
     m_drawAction->setCheckable(true);
     connect(m_drawAction, &QAction::triggered, this, [this](bool bOn) {
-        if (bOn && !isSeen()) {
-            emit sightWanted();
+        if (bOn && !isOnScreen()) {
+            emit raiseRequested();
         }
         m_controls->setDrawsRegion(bOn);
     });
@@ -145,13 +145,13 @@ void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
     allowMeasuring(false, tr("The panel Quality is not in sight"));
 }
 
-void CkQualityPanel::setInSight(bool bInSight) {
-    m_inSight = bInSight;
+void CkQualityPanel::setShownByDock(bool bShown) {
+    m_shownByDock = bShown;
     follow();
 }
 
 void CkQualityPanel::follow() {
-    CkImageView* const source = isSeen() ? pictureViewFor(m_area->activeView(), *m_area) : nullptr;
+    CkImageView* const source = isOnScreen() ? pictureViewFor(m_area->activeView(), *m_area) : nullptr;
     if (source == m_source) {
         updateControls();
         return;
@@ -159,9 +159,9 @@ void CkQualityPanel::follow() {
     release();
     m_source = source;
     if (m_source) {
-        if (const auto kept = m_kept.find(m_source->viewId()); kept != m_kept.end()) {
-            m_now = std::move(kept->second);
-            m_kept.erase(kept);
+        if (const auto kept = m_suspended.find(m_source->viewId()); kept != m_suspended.end()) {
+            m_current = std::move(kept->second);
+            m_suspended.erase(kept);
         }
         applySettings();
         m_overlay = new CkRegionOverlay(m_source->canvas());
@@ -170,7 +170,7 @@ void CkQualityPanel::follow() {
         connect(m_source, &CkMdiView::frameShown, this,
                 [this](int, const CkImageData* pData) { measure(pData); });
         const CkImageData* const frame = m_source->currentImage();
-        if (frame != nullptr && !m_now.isNewest(*frame)) {
+        if (frame != nullptr && !m_current.isNewest(*frame)) {
             measure(frame);
         } else {
             showRegion();
@@ -182,17 +182,17 @@ void CkQualityPanel::follow() {
 void CkQualityPanel::release() {
     if (m_source) {
         disconnect(m_source, nullptr, this, nullptr);
-        m_kept[m_source->viewId()] = std::move(m_now);
+        m_suspended[m_source->viewId()] = std::move(m_current);
     }
     delete m_overlay;
     m_saturation.watch(nullptr);
     m_source = nullptr;
-    m_now = CkViewMeasurement();
+    m_current = CkViewMeasurement();
     m_delay.stop();
 }
 
 void CkQualityPanel::applySettings() {
-    m_now.setSettings(m_controls->lens(), m_controls->confidenceLimit());
+    m_current.setSettings(m_controls->lens(), m_controls->confidenceLimit());
 }
 
 void CkQualityPanel::setRegion(const QRect& region) {
@@ -200,14 +200,14 @@ void CkQualityPanel::setRegion(const QRect& region) {
         return;
     }
     m_regions.setRegion(*m_source, region);
-    m_now.clearHistory();
+    m_current.clearHistory();
     measure(m_source->currentImage());
     showNumbers();
 }
 
 void CkQualityPanel::showRegion() {
     if (m_overlay) {
-        m_overlay->setRegion(m_now.region());
+        m_overlay->setRegion(m_current.region());
     }
 }
 
@@ -216,40 +216,40 @@ void CkQualityPanel::measure(const CkImageData* pFrame) {
         return;
     }
     const QSize size(int(pFrame->picBuf().width), int(pFrame->picBuf().height));
-    m_now.setRegion(m_regions.region(*m_source, size));
+    m_current.setRegion(m_regions.region(*m_source, size));
     showRegion();
     const quint32 channel = quint32(std::max(0, m_source->channel()));
-    if (m_now.add(*pFrame, channel, m_source->dataProvider(), m_saturation) && !m_delay.isActive()) {
+    if (m_current.add(*pFrame, channel, m_source->dataProvider(), m_saturation) && !m_delay.isActive()) {
         m_delay.start();
     }
 }
 
 void CkQualityPanel::restart() {
-    m_now.restart();
+    m_current.restart();
     showNumbers();
 }
 
 void CkQualityPanel::showNumbers() {
-    m_controls->showValues(m_now.values(), m_now.history());
+    m_controls->showValues(m_current.values(), m_current.history());
     updateControls();
 }
 
 QString CkQualityPanel::stateText(const QString& sNothing) const {
-    if (!m_source || m_now.isEmpty()) {
+    if (!m_source || m_current.isEmpty()) {
         return sNothing;
     }
-    const QRect& region = m_now.region();
+    const QRect& region = m_current.region();
     QString text =
         tr("%1: region at %2, %3 of %4 x %5 pixels, %n frame(s)", nullptr,
-           pluralNumber(m_now.values().frames))
+           pluralNumber(m_current.values().frames))
             .arg(m_source->viewTitle().simplified(), QString::number(region.x()), QString::number(region.y()),
                  QString::number(region.width()), QString::number(region.height()));
-    if (m_now.values().unit != QLatin1String("mm")) {
+    if (m_current.values().unit != QLatin1String("mm")) {
         text += QLatin1Char('\n') + tr("No distances: no plane is fitted.");
     }
-    if (!m_now.saturationReason().isEmpty()) {
-        text +=
-            QLatin1Char('\n') + tr("Saturated pixels may count as valid: %1.").arg(m_now.saturationReason());
+    if (!m_current.saturationReason().isEmpty()) {
+        text += QLatin1Char('\n') +
+                tr("Saturated pixels may count as valid: %1.").arg(m_current.saturationReason());
     }
     return text;
 }
@@ -263,7 +263,7 @@ void CkQualityPanel::updateControls() {
     const CkImageData* const frame = m_source ? m_source->currentImage() : nullptr;
     CkQualityControls::SkState state;
     state.canDraw = m_source;
-    state.measures = m_source && !m_now.isEmpty();
+    state.measures = m_source && !m_current.isEmpty();
     state.text = stateText(nothing);
     state.reason = nothing;
     state.focalLengthMm = frame != nullptr ? double(frame->metadata().lensFocalLength) : 0.0;
@@ -272,29 +272,29 @@ void CkQualityPanel::updateControls() {
     m_drawAction->setEnabled(drawable);
     m_drawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
                                       : nothing);
-    allowMeasuring(state.measures, isSeen() ? nothing : tr("The panel Quality is not in sight"));
+    allowMeasuring(state.measures, isOnScreen() ? nothing : tr("The panel Quality is not in sight"));
 }
 
 void CkQualityPanel::copy() {
-    QGuiApplication::clipboard()->setText(QualityQuantities::text(m_now.values()));
+    QGuiApplication::clipboard()->setText(QualityQuantities::text(m_current.values()));
 }
 
 bool CkQualityPanel::saveHistory(const QString& sFileName, QString& sError) const {
     const QString view = m_source ? m_source->viewTitle().simplified() : QString();
-    return m_now.history().saveCsv(sFileName, view, m_now.region(), sError);
+    return m_current.history().saveCsv(sFileName, view, m_current.region(), sError);
 }
 
 void CkQualityPanel::saveWithDialog() {
     IkAppDelegate* delegate = IkAppDelegate::instance();
     const QString folder = delegate != nullptr ? delegate->lastDirectory() : QString();
-    int form = 0;
+    int format = 0;
     const QPointer<CkQualityPanel> self(this);
     const QString name =
         askSaveFileName(this,
                         {.title = tr("Save Values"),
                          .start = folder,
-                         .forms = {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}},
-                        form);
+                         .formats = {{tr("Comma separated values (*.csv)"), QStringLiteral("csv")}}},
+                        format);
     if (!self || name.isEmpty()) {
         return;
     }

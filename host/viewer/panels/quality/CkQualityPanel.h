@@ -30,11 +30,11 @@ public:
 
     /// The view that is measured, or null.
     CkImageView* measuredView() const { return m_source; }
-    const QRect& region() const { return m_now.region(); }
+    const QRect& region() const { return m_current.region(); }
     void setRegion(const QRect& region);
     /// Of the frame measured last.
-    const SkQualityValues& values() const { return m_now.values(); }
-    const CkQualityHistory& history() const { return m_now.history(); }
+    const SkQualityValues& values() const { return m_current.values(); }
+    const CkQualityHistory& history() const { return m_current.history(); }
 
     /// The actions of the buttons, with shortcuts, for a menu.
     const QList<QAction*>& menuActions() const { return m_actions; }
@@ -43,16 +43,15 @@ public:
     bool saveHistory(const QString& sFileName, QString& sError) const;
 
 public slots:
-    /// Called by the dock with whether the user can see the panel: Qt reports a panel in a background tab as
-    /// visible.
-    void setInSight(bool bInSight);
+    /// Connected to the dock's visibilityChanged: Qt also reports a panel in a background tab as visible.
+    void setShownByDock(bool bShown);
     /// Drops the frames so far.
     void restart();
     void copy();
 
 signals:
-    /// The user wants to draw a region while the panel is not in sight; the receiver raises it.
-    void sightWanted();
+    /// The user starts to draw a region while the panel is hidden; the receiver raises it.
+    void raiseRequested();
 
 protected:
     void showEvent(QShowEvent* pEvent) override;
@@ -62,7 +61,7 @@ private:
     QAction* addMenuAction(const QString& sText, const char* name, const QKeySequence& key);
     void createActions();
     void allowMeasuring(bool bOn, const QString& sWhy);
-    bool isSeen() const { return isVisible() && m_inSight; }
+    bool isOnScreen() const { return isVisible() && m_shownByDock; }
     void follow();
     void release();
     void applySettings();
@@ -82,8 +81,8 @@ private:
     QPointer<CkRegionOverlay> m_overlay;
     CkMeasuredRegions m_regions;
     CkSaturationMonitor m_saturation;
-    CkViewMeasurement m_now;
-    std::map<int, CkViewMeasurement> m_kept; ///< of the views that are not being measured, by view identifier
-    bool m_inSight = true;
+    CkViewMeasurement m_current;
+    std::map<int, CkViewMeasurement> m_suspended; ///< of views not measured at present, by identifier
+    bool m_shownByDock = true;
     QTimer m_delay; ///< numbers that change with every frame are shown a few times a second only
 };

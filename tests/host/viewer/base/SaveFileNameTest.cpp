@@ -15,7 +15,7 @@
 
 namespace {
 
-const QList<SkSaveForm> kForms = {{"PNG (*.png)", "png"}, {"TIFF (*.tif)", "tif"}};
+const QList<SkSaveFormat> kFormats = {{"PNG (*.png)", "png"}, {"TIFF (*.tif)", "tif"}};
 
 class SaveFileName : public ::testing::Test {
 protected:
@@ -26,18 +26,20 @@ protected:
         QMetaObject::invokeMethod(dialog, "accept");
     }
     QString path(const char* name) const { return QDir(m_folder.path()).filePath(QLatin1String(name)); }
-    QString ask(EkSaveEndings endings = EkSaveEndings::Any, QWidget* pParent = nullptr) {
-        return ask(kForms, endings, pParent);
+    QString ask(EkUnknownSuffix unknownSuffix = EkUnknownSuffix::Accept, QWidget* pParent = nullptr) {
+        return ask(kFormats, unknownSuffix, pParent);
     }
-    QString ask(const QList<SkSaveForm>& forms, EkSaveEndings endings, QWidget* pParent = nullptr) {
+    QString ask(const QList<SkSaveFormat>& formats, EkUnknownSuffix unknownSuffix,
+                QWidget* pParent = nullptr) {
         return askSaveFileName(
-            pParent, {.title = "Save", .start = m_folder.path(), .forms = forms, .endings = endings},
-            m_iForm);
+            pParent,
+            {.title = "Save", .start = m_folder.path(), .formats = formats, .unknownSuffix = unknownSuffix},
+            m_format);
     }
 
     QTemporaryDir m_folder;
     ModalDriver m_driver;
-    int m_iForm = -1;
+    int m_format = -1;
 };
 
 TEST_F(SaveFileName, AFileIsNotReplacedUnaskedWhenItsEndingWasNotTyped) {
@@ -58,7 +60,7 @@ TEST_F(SaveFileName, AFileIsNotReplacedUnaskedWhenItsEndingWasNotTyped) {
 TEST_F(SaveFileName, TheEndingIsThatOfTheChosenForm) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "two"); });
     EXPECT_EQ(ask(), path("two.png"));
-    EXPECT_EQ(m_iForm, 0);
+    EXPECT_EQ(m_format, 0);
     m_driver.expectWindow([this](QWidget* dialog) {
         auto* types = dialog->findChild<QComboBox*>("fileTypeCombo");
         ASSERT_NE(types, nullptr);
@@ -66,7 +68,7 @@ TEST_F(SaveFileName, TheEndingIsThatOfTheChosenForm) {
         typeAndAccept(dialog, "two");
     });
     EXPECT_EQ(ask(), path("two.tif"));
-    EXPECT_EQ(m_iForm, 1);
+    EXPECT_EQ(m_format, 1);
     EXPECT_TRUE(m_driver.boxes.isEmpty());
 }
 
@@ -76,28 +78,28 @@ TEST_F(SaveFileName, AnEndingThatWasTypedStays) {
 }
 
 TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
-    const QList<SkSaveForm> forms = {{"PNG, as seen (*.png)", "png", 0},
-                                     {"JPEG, as seen (*.jpg)", "jpg", 0},
-                                     {"PNG, as measured (*.png)", "png", 1},
-                                     {"TIFF, as measured (*.tif)", "tif", 1}};
-    const auto form = [&](const QString& name, int steps) {
+    const QList<SkSaveFormat> formats = {{"PNG, as seen (*.png)", "png", 0},
+                                         {"JPEG, as seen (*.jpg)", "jpg", 0},
+                                         {"PNG, as measured (*.png)", "png", 1},
+                                         {"TIFF, as measured (*.tif)", "tif", 1}};
+    const auto format = [&](const QString& name, int steps) {
         m_driver.expectWindow([this, name, steps](QWidget* dialog) {
             for (int i = 0; i < steps; ++i) {
                 QTest::keyClick(dialog->findChild<QComboBox*>("fileTypeCombo"), Qt::Key_Down);
             }
             typeAndAccept(dialog, name);
         });
-        EXPECT_EQ(ask(forms, EkSaveEndings::Ours), path(qPrintable(name)));
-        return m_iForm;
+        EXPECT_EQ(ask(formats, EkUnknownSuffix::Refuse), path(qPrintable(name)));
+        return m_format;
     };
-    EXPECT_EQ(form("a.jpg", 0), 1);
-    EXPECT_EQ(form("a.JPEG", 0), 1);
-    EXPECT_EQ(form("a.png", 1), 0);
-    EXPECT_EQ(form("a.tiff", 0), 3);
-    EXPECT_EQ(form("a.tif", 3), 3);
+    EXPECT_EQ(format("a.jpg", 0), 1);
+    EXPECT_EQ(format("a.JPEG", 0), 1);
+    EXPECT_EQ(format("a.png", 1), 0);
+    EXPECT_EQ(format("a.tiff", 0), 3);
+    EXPECT_EQ(format("a.tif", 3), 3);
     // With a format of measured values chosen, a measured one is used.
-    EXPECT_EQ(form("a.png", 3), 2);
-    EXPECT_EQ(form("a.png", 2), 2);
+    EXPECT_EQ(format("a.png", 3), 2);
+    EXPECT_EQ(format("a.png", 2), 2);
     EXPECT_TRUE(m_driver.boxes.isEmpty());
 }
 
@@ -113,7 +115,7 @@ TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
         }
     });
     again.start(20);
-    EXPECT_EQ(ask(EkSaveEndings::Ours), path("four.png"));
+    EXPECT_EQ(ask(EkUnknownSuffix::Refuse), path("four.png"));
     again.stop();
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_EQ(m_driver.boxes[0].text.toStdString(),
@@ -122,22 +124,22 @@ TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
 }
 
 TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
-    EXPECT_EQ(fileEnding("room 1.5"), "");
-    EXPECT_EQ(fileEnding("2026-11-21 14.30.00 Depth"), "");
-    EXPECT_EQ(fileEnding("room"), "");
-    EXPECT_EQ(fileEnding("a.folder/room"), "");
-    EXPECT_EQ(fileEnding("/a.b/Room.1.TIFF"), "tiff");
-    EXPECT_EQ(fileEnding("a.mp4"), "mp4");
+    EXPECT_EQ(fileSuffix("room 1.5"), "");
+    EXPECT_EQ(fileSuffix("2026-11-21 14.30.00 Depth"), "");
+    EXPECT_EQ(fileSuffix("room"), "");
+    EXPECT_EQ(fileSuffix("a.folder/room"), "");
+    EXPECT_EQ(fileSuffix("/a.b/Room.1.TIFF"), "tiff");
+    EXPECT_EQ(fileSuffix("a.mp4"), "mp4");
     QFile file(path("room 1.5.png"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.4"); });
-    EXPECT_EQ(ask(EkSaveEndings::Ours), path("room 1.4.png"));
+    EXPECT_EQ(ask(EkUnknownSuffix::Refuse), path("room 1.4.png"));
     EXPECT_TRUE(m_driver.boxes.isEmpty());
     // An existing file is not replaced without confirmation.
     m_driver.onBox = [](QMessageBox* box) { box->button(QMessageBox::Yes)->click(); };
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "room 1.5"); });
-    EXPECT_EQ(ask(EkSaveEndings::Ours), path("room 1.5.png"));
+    EXPECT_EQ(ask(EkUnknownSuffix::Refuse), path("room 1.5.png"));
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_TRUE(m_driver.boxes[0].text.startsWith("room 1.5.png already exists"));
 }
@@ -145,7 +147,7 @@ TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
 TEST_F(SaveFileName, NothingIsSavedWhenTheParentGoesMeanwhile) {
     auto parent = std::make_unique<QWidget>();
     m_driver.expectWindow([&parent](QWidget*) { parent.reset(); });
-    EXPECT_EQ(ask(EkSaveEndings::Any, parent.get()), QString());
+    EXPECT_EQ(ask(EkUnknownSuffix::Accept, parent.get()), QString());
 }
 
 } // namespace

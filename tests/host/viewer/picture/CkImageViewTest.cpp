@@ -177,14 +177,14 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     QString error;
     EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath("early.png"), &error));
     EXPECT_FALSE(error.isEmpty());
-    EXPECT_TRUE(view.snapshot().forms().isEmpty());
+    EXPECT_TRUE(view.snapshot().formats().isEmpty());
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("early.png"),
                                                 CkPictureSnapshot::EkMeasured::Png16, &error));
     view.feed(ramp16());
     ASSERT_TRUE(view.snapshot().saveAsSeen(folder.filePath("seen.png"), &error)) << qPrintable(error);
     EXPECT_EQ(QImage(folder.filePath("seen.png")).convertToFormat(QImage::Format_RGB32), view.shownImage());
     // PNG and JPEG as seen, PNG and TIFF as measured; there are no other channels.
-    EXPECT_EQ(view.snapshot().forms().size(), 4);
+    EXPECT_EQ(view.snapshot().formats().size(), 4);
     using EkMeasured = CkPictureSnapshot::EkMeasured;
     ASSERT_TRUE(view.snapshot().saveAsMeasured(folder.filePath("raw.png"), EkMeasured::Png16, &error))
         << qPrintable(error);
@@ -211,7 +211,7 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     // A colour picture has no channel to save until one is chosen.
     view.feed(makeFrame<quint8>(EkImageDataType::UInt8, 8, 8, 3, 8,
                                 [](quint32 x, quint32, quint32 c) { return quint8(10 * x + c); }));
-    EXPECT_EQ(view.snapshot().forms().size(), 3);
+    EXPECT_EQ(view.snapshot().formats().size(), 3);
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("colour.png"), EkMeasured::Png16, &error));
     EXPECT_FALSE(QFile::exists(folder.filePath("colour.png")));
     EXPECT_TRUE(
@@ -229,13 +229,13 @@ protected:
                                   [value](quint32, quint32, quint32) { return value; });
     }
     /// Saves in the format with this index; another frame arrives while the dialog is open.
-    QString saveWhileAnotherFrameComes(CkFedImageView& view, int form, const char* name) {
+    QString saveWhileAnotherFrameComes(CkFedImageView& view, int format, const char* name) {
         const QString path = m_folder.filePath(QString::fromLatin1(name));
-        m_driver.expectWindow([&view, form, path](QWidget* dialog) {
+        m_driver.expectWindow([&view, format, path](QWidget* dialog) {
             view.feed(constant(7));
             view.shownImage();
             auto* types = dialog->findChild<QComboBox*>("fileTypeCombo");
-            for (int i = 0; i < form; ++i) {
+            for (int i = 0; i < format; ++i) {
                 QTest::keyClick(types, Qt::Key_Down);
             }
             dialog->findChild<QLineEdit*>("fileNameEdit")->setText(path);

@@ -192,10 +192,10 @@ TEST(DepthImportProposal, FollowsTheSamples) {
     info.dataType = EkImageDataType::Float32;
     EXPECT_EQ(CkDepthImportDialog::proposal(info, 7.5).metresPerCount, 1.0);
     EXPECT_EQ(CkDepthImportDialog::proposal(info, 4200.0).metresPerCount, 0.001);
-    EXPECT_TRUE(CkDepthImportDialog::isWorthAsking(info));
+    EXPECT_TRUE(CkDepthImportDialog::mayHoldDepths(info));
     info.dataType = EkImageDataType::UInt8;
-    EXPECT_FALSE(CkDepthImportDialog::isWorthAsking(info));
+    EXPECT_FALSE(CkDepthImportDialog::mayHoldDepths(info));
     info.dataType = EkImageDataType::UInt16;
     info.channels = 3;
-    EXPECT_FALSE(CkDepthImportDialog::isWorthAsking(info));
+    EXPECT_FALSE(CkDepthImportDialog::mayHoldDepths(info));
 }

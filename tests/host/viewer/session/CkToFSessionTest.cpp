@@ -114,7 +114,7 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
         30'000));
     area()->setActiveView(phase->viewId());
     auto* quality = window()->findChild<CkQualityPanel*>("qualityPanel");
-    emit quality->sightWanted();
+    emit quality->raiseRequested();
     ASSERT_TRUE(QTest::qWaitFor([&] { return quality->measuredView() == phase; }, 30'000));
     const auto values = [quality] { return quality->values(); };
     EXPECT_TRUE(

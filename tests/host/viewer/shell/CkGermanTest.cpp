@@ -101,12 +101,12 @@ TEST_F(German, NoTwoEntriesOfAMenuShareALetter) {
 }
 
 TEST(ViewerLanguage, IsReadFromTheCommandLineBeforeAnythingElse) {
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language", "de", "--help"}), "de");
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--3d", "--language=en"}), "en");
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language", "fr"}), "");
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--language"}), "");
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer", "--", "--language", "de"}), "");
-    EXPECT_EQ(ViewerLanguage::wanted({"zuviewer"}), "");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer", "--language", "de", "--help"}), "de");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer", "--3d", "--language=en"}), "en");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer", "--language", "fr"}), "");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer", "--language"}), "");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer", "--", "--language", "de"}), "");
+    EXPECT_EQ(ViewerLanguage::requested({"zuviewer"}), "");
 }
 
 TEST(ViewerLanguage, KeepsTheRegionOfWhoSpeaksTheLanguageAnyway) {

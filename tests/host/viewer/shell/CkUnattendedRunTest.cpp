@@ -43,7 +43,7 @@ TEST_F(ViewerSession, UnattendedRunWithoutFramesOrCloudFails) {
     options.frames = 2;
     ASSERT_TRUE(start());
     CkUnattendedRun idle(options, window());
-    idle.setPatience(300);
+    idle.setTimeLimit(300);
     QSignalSpy finished(&idle, &CkUnattendedRun::finished);
     idle.start();
     ASSERT_TRUE(finished.wait(20'000));
@@ -52,7 +52,7 @@ TEST_F(ViewerSession, UnattendedRunWithoutFramesOrCloudFails) {
     options.plyFile = m_folder.filePath("cloud.ply");
     ASSERT_TRUE(cameras()->start(openGrey()));
     CkUnattendedRun noCloud(options, window());
-    noCloud.setPatience(1500);
+    noCloud.setTimeLimit(1500);
     QSignalSpy failed(&noCloud, &CkUnattendedRun::finished);
     noCloud.start();
     ASSERT_TRUE(failed.wait(20'000));

@@ -76,12 +76,12 @@ TEST_F(Log, AnAnnouncementAtTheHighestLevelDoesNotLookLikeAnError) {
 }
 
 TEST_F(Log, KeepsANumberOfEntriesAndNoMore) {
-    for (int i = 0; i < CkLogSink::kKept + 5; ++i) {
+    for (int i = 0; i < CkLogSink::kMaximumEntries + 5; ++i) {
         SkLogEntry entry;
         entry.text = QString::number(i);
         m_panel.model()->add(entry);
     }
-    EXPECT_EQ(m_panel.model()->rowCount(), CkLogSink::kKept);
+    EXPECT_EQ(m_panel.model()->rowCount(), CkLogSink::kMaximumEntries);
     EXPECT_EQ(m_panel.model()->index(0, CkLogModel::TextColumn).data(Qt::DisplayRole).toString(), "5");
 }
 

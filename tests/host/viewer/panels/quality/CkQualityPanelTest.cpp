@@ -201,9 +201,9 @@ TEST_F(QualityPanelTest, DoesNothingWhileItIsHidden) {
     EXPECT_EQ(m_pPanel->measuredView(), view);
     EXPECT_DOUBLE_EQ(m_pPanel->values().mean, 2000.0);
     // In a background tab it counts as hidden.
-    m_pPanel->setInSight(false);
+    m_pPanel->setShownByDock(false);
     EXPECT_EQ(m_pPanel->measuredView(), nullptr);
-    m_pPanel->setInSight(true);
+    m_pPanel->setShownByDock(true);
     EXPECT_EQ(m_pPanel->measuredView(), view);
 }
 
@@ -219,8 +219,8 @@ TEST_F(QualityPanelTest, TheHistoryOutlivesAnotherTabAndAnotherView) {
         return values;
     };
     EXPECT_EQ(means(), (QList<double>{1000.0, 2000.0}));
-    m_pPanel->setInSight(false);
-    m_pPanel->setInSight(true);
+    m_pPanel->setShownByDock(false);
+    m_pPanel->setShownByDock(true);
     EXPECT_EQ(means(), (QList<double>{1000.0, 2000.0})) << "and the frame that still stands is no new one";
     CkFedImageView* second = addView();
     second->feed(depth(5.0F));
