@@ -37,8 +37,7 @@ void renegotiate(CkChain* chain) {
 } // namespace
 
 CkToFActions::CkToFActions(CkToFChainHost& chainHost)
-    : m_chainHost(chainHost), m_editor(chainHost), m_showMessage(showToFMessage),
-      m_runCalibration(runCalibrationDialog) {}
+    : m_editor(chainHost), m_showMessage(showToFMessage), m_runCalibration(runCalibrationDialog) {}
 
 void CkToFActions::forgetView(int iViewId) {
     const auto closing = std::find_if(m_views.begin(), m_views.end(), [iViewId](const auto& view) {
@@ -176,20 +175,20 @@ void CkToFActions::openAllToFViews() {
         return;
     }
     CkChainable* source = sources.first();
-    CkChain* chain = moveSourceToNewChain(*view, source);
+    CkChain* chain = m_editor.moveToNewChain(source, view->viewId());
     if (chain == nullptr) {
         return;
     }
     SkToFKinds kinds;
     ToFCameraCheck::checkToFFormat(source, kinds);
 
-    const int depthView = openBranch(chain, source, CkToFProcessCnbl::Depth);
+    const int depthView = m_editor.openBranch(chain, source, CkToFProcessCnbl::Depth);
     if (depthView != -1) {
         add3dView(depthView);
     }
-    openBranch(chain, source, CkToFProcessCnbl::Amplitude);
+    m_editor.openBranch(chain, source, CkToFProcessCnbl::Amplitude);
     if (kinds.isAB || kinds.isHybrid) {
-        openBranch(chain, source, CkToFProcessCnbl::Intensity);
+        m_editor.openBranch(chain, source, CkToFProcessCnbl::Intensity);
     }
     chain->start();
     IkAppDelegate::instance()->refreshViewArea();
@@ -219,52 +218,6 @@ bool CkToFActions::ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start
     renegotiate(chainOf(guarded));
     ToFCameraCheck::imageFormatAtView(guarded, kinds);
     return kinds.anyRaw();
-}
-
-CkChain* CkToFActions::moveSourceToNewChain(CkMdiView& view, CkChainable* pSource) {
-    const int viewId = view.viewId();
-    QPointer<CkChain> oldChain = pSource->chain();
-    const bool running = oldChain->started();
-    if (running) {
-        oldChain->stop();
-    }
-    CkChain* remaining = oldChain;
-    if (!m_chainHost.remove(remaining, pSource, true)) {
-        if (running && oldChain != nullptr) {
-            oldChain->start();
-        }
-        return nullptr;
-    }
-    // A host may close the view together with its chain, or the chain with its view.
-    IkAppDelegate::instance()->closeView(viewId);
-    if (oldChain != nullptr) {
-        m_chainHost.closeChain(oldChain);
-    }
-    CkChain* newChain = m_chainHost.createChain();
-    if (newChain == nullptr) {
-        m_chainHost.deleteChainable(pSource);
-        return nullptr;
-    }
-    if (!m_chainHost.insertAfter(newChain, pSource, nullptr)) {
-        m_chainHost.deleteChainable(pSource);
-        m_chainHost.closeChain(newChain);
-        return nullptr;
-    }
-    return newChain;
-}
-
-int CkToFActions::openBranch(CkChain* pChain, CkChainable* pSource, int iTransform) {
-    auto* block = new CkToFProcessCnbl;
-    block->setTransform(CkToFProcessCnbl::EkTransformType(iTransform), true);
-    if (!m_chainHost.branchAfter(pChain, block, pSource)) {
-        m_chainHost.deleteChainable(block);
-        return -1;
-    }
-    const int viewId = IkAppDelegate::instance()->openImageView(block);
-    if (viewId == -1) {
-        m_chainHost.deleteChainable(block);
-    }
-    return viewId;
 }
 
 // ---- calibration -----------------------------------------------------------------------------------------

@@ -50,8 +50,8 @@ private:
                                             QMessageBox::StandardButtons buttons = QMessageBox::Ok,
                                             QMessageBox::StandardButton defaultButton = QMessageBox::Ok);
 
-    /// Sets the camera up and leaves a stopped chain of the view to start. False, after a message to the
-    /// user, when the camera refuses. The view may be null, and may have been closed afterwards.
+    /// Sets the camera up and hands the view's chain to start, which starts it if it is stopped. False, after
+    /// a message to the user, when the camera refuses. The view may be null, and may be closed on return.
     bool setUpCamera(CkMdiView* pView, void* cameraHandle, CkToFChainStart& start);
 
     /// What is known about the view that a 3D view is to follow.
@@ -67,22 +67,17 @@ private:
     };
     /// For a view without ToF data: warns, or offers to set the camera up, before a 3D view is opened.
     void offerToFFormatFor3d(CkMdiView& view, SkToFFindings& findings, CkToFChainStart& start);
-    /// Inserts a block before the view that gathers phases which come as separate images. False: the view
-    /// cannot be opened.
+    /// Inserts a block before the view that gathers phases from separate images. False: the view cannot be
+    /// opened.
     bool gatherPhases(const CkMdiView& view);
     void add3dView(int iConnectedViewId);
 
-    /// Sees to it that the view has a ToF format before the processing views are opened. False: the action
+    /// Makes sure that the view has a ToF format before the processing views are opened. False: the action
     /// ends.
     bool ensureToFFormatForAll(CkMdiView& view, CkToFChainStart& start);
-    /// Moves the first source of the view's chain into a new chain and closes the view; null on failure.
-    CkChain* moveSourceToNewChain(CkMdiView& view, CkChainable* pSource);
-    /// Adds a branch and opens a view on it. The view's identifier, or -1.
-    int openBranch(CkChain* pChain, CkChainable* pSource, int iTransform);
-    /// Sees to it that the view's frames are phase shifts, by a ToF block before it. False: there is none.
+    /// Makes sure that a ToF block before the view turns its frames into phase shifts. False: there is none.
     bool ensureDepthFor(const CkMdiView& view);
 
-    CkToFChainHost& m_chainHost;
     CkToFChainEditor m_editor;
     ToFMessageFunction m_showMessage;
     CalibrationFunction m_runCalibration;

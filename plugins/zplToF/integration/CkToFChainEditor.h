@@ -1,9 +1,10 @@
 #pragma once
 
+class CkChain;
 class CkChainable;
 class CkToFChainHost;
 
-/// Finds and inserts ToF processing blocks. User-interface thread.
+/// Finds and inserts ToF processing blocks, and rebuilds the chain of a source. User-interface thread.
 class CkToFChainEditor {
 public:
     /// The host outlives the editor, which does not own it.
@@ -20,6 +21,14 @@ public:
     /// Inserts a new block with transform "Depth" after pAfter. A running chain is stopped and restarted,
     /// also on failure; a stopped one is started on success. False: nothing was inserted.
     bool insertDepthBlock(CkChainable* pAfter);
+
+    /// Moves a source from its chain into a new one; closes the view and the old chain. Null on failure:
+    /// while the source cannot be removed nothing changes, after that it is deleted.
+    CkChain* moveToNewChain(CkChainable* pSource, int iViewId);
+
+    /// Adds a branch with a new ToF block after the source and opens a view on it. The view's identifier; -1
+    /// on failure, without a branch. iTransform: a ToFTransform::EkTransformType.
+    int openBranch(CkChain* pChain, CkChainable* pSource, int iTransform);
 
 private:
     CkToFChainHost& m_host;
