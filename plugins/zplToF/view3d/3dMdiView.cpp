@@ -51,8 +51,8 @@ CkToF3DMdiView::CkToF3DMdiView(int iConnectedViewId, int iSecondViewId, CkChaina
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    m_pToolBar = new CkToFViewToolBar(this);
-    layout->addWidget(m_pToolBar);
+    m_toolBar = new CkToFViewToolBar(this);
+    layout->addWidget(m_toolBar);
     layout->addWidget(createSceneWidget(), 1);
     const bool ownWindow = (viewCaps() & NativeWindowCap) != 0;
     setMinimumSize(ownWindow ? QSize(800, 600) : QSize(192, 160));
@@ -195,7 +195,7 @@ void CkToF3DMdiView::showImageData(const CkImageData* pData, bool bForce) {
     }
     updateDepthImage(pData);
     if (m_scene && !m_scene->isDrawn()) {
-        m_bBuildPending = true;
+        m_buildPending = true;
     } else {
         updatePointCloudGeometry();
     }
@@ -217,11 +217,11 @@ void CkToF3DMdiView::updatePointCloudGeometry() {
     if (!m_scene || !m_model.build(m_lut)) {
         return;
     }
-    m_bBuildPending = false;
+    m_buildPending = false;
     m_scene->setCloud(cloud());
     const auto [halfX, halfY, halfZ] = cloud().boxHalfExtents();
     updateBBoxGeometry(halfX, halfY, halfZ);
-    m_pToolBar->showCloud(cloud());
+    m_toolBar->showCloud(cloud());
 }
 
 void CkToF3DMdiView::updateBBoxGeometry(float fHalfX, float fHalfY, float fHalfZ) {
@@ -271,7 +271,7 @@ bool CkToF3DMdiView::eventFilter(QObject* pWatched, QEvent* pEvent) {
     }
     const QEvent::Type type = pEvent->type();
     if (type == QEvent::Show || type == QEvent::Expose) {
-        if (m_bBuildPending && m_scene->isDrawn()) {
+        if (m_buildPending && m_scene->isDrawn()) {
             updatePointCloudGeometry();
         }
     } else if (type == QEvent::KeyPress && static_cast<QKeyEvent*>(pEvent)->key() == Qt::Key_O) {

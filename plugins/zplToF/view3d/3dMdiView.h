@@ -106,7 +106,7 @@ private:
     CkToFCloudModel m_model;
     CkToFViewLut m_lut;
     CkToFInputRegulator m_regulator;
-    bool m_bBuildPending = false; ///< the cloud is older than the depth picture
+    bool m_buildPending = false; ///< the cloud is older than the depth picture
     std::unique_ptr<CkToFScene> m_scene;
-    CkToFViewToolBar* m_pToolBar = nullptr;
+    CkToFViewToolBar* m_toolBar = nullptr;
 };
