@@ -125,11 +125,11 @@ int ToFCloudLoops::buildByVectors(const SkToFCloudInput& input, const SkToFCloud
             // Full vectors write past the last point. Near the end of the buffer they write to the bounce
             // buffer instead.
             if (points + pixels + kSlackPoints <= allPixels) {
-                points += steps->write(input, chunk, full, colours, vertices, exported);
+                points += steps->write(input, chunk, full, {colours, vertices, exported});
                 continue;
             }
             float* bounce = output.pBounce;
-            const size_t written = steps->write(input, chunk, full, colours, bounce, exported);
+            const size_t written = steps->write(input, chunk, full, {colours, bounce, exported});
             std::memcpy(vertices, bounce, written * floatsPerPoint * sizeof(float));
             points += written;
         }

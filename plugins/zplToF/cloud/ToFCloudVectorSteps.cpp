@@ -68,7 +68,7 @@ HWY_INLINE FloatV wrap(FloatV distance, float fRange) {
     return hn::Load(df, lanes);
 }
 
-/// SkToFConfidenceRule::accepts.
+/// Vector form of SkToFConfidenceRule::accepts.
 HWY_INLINE FloatM passesConfidence(FloatV confidence, const SkToFCloudScales& scales) {
     const Floats df;
     const auto above = hn::Gt(confidence, hn::Set(df, scales.confidence.threshold));
@@ -179,8 +179,8 @@ void colour(const float* pValues, size_t uiPixels, const SkToFCloudScales& scale
 /// Returns the number of points written.
 template <bool Quads, bool Streamed = false>
 size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChip, float fEdge,
-                  const SkToFColours& colours, float* pVertices, float* pExport) {
-    CkToFPointWriter<Quads, Streamed> writer(pVertices, pExport, fEdge, colours);
+                  const SkToFCloudTarget& target) {
+    CkToFPointWriter<Quads, Streamed> writer(target.pVertices, target.pExport, fEdge, target.colours);
     for (size_t i = 0; i < uiPixels; i += 4) {
         const SkToFFourPoints scene(chunk.sceneX + i, chunk.sceneY + i, chunk.sceneZ + i);
         const SkToFFourPoints exported =
@@ -190,7 +190,7 @@ size_t writeChunk(const SkToFCloudChunk& chunk, size_t uiPixels, bool bExportChi
         writer.write(scene.third, exported.third, chunk.colours[i + 2], chunk.kept[i + 2]);
         writer.write(scene.fourth, exported.fourth, chunk.colours[i + 3], chunk.kept[i + 3]);
     }
-    return size_t(writer.exportEnd() - pExport) / 3;
+    return size_t(writer.exportEnd() - target.pExport) / 3;
 }
 
 void computeChunk(const SkToFCloudInput& input, const SkToFCloudChunkSource& source, size_t uiPixels,
@@ -204,12 +204,12 @@ void computeChunk(const SkToFCloudInput& input, const SkToFCloudChunkSource& sou
 }
 
 size_t writePoints(const SkToFCloudInput& input, const SkToFCloudChunk& chunk, size_t uiPixels,
-                   const SkToFColours& colours, float* pVertices, float* pExport) {
+                   const SkToFCloudTarget& target) {
     const SkToFCloudScales& s = input.scales;
-    const auto write = input.verticesPerPoint == 1          ? writeChunk<false>
-                       : CkToFCorners::canStream(pVertices) ? writeChunk<true, true>
-                                                            : writeChunk<true>;
-    return write(chunk, uiPixels, s.useLens, s.pointSpacing, colours, pVertices, pExport);
+    const auto write = input.verticesPerPoint == 1                 ? writeChunk<false>
+                       : CkToFCorners::canStream(target.pVertices) ? writeChunk<true, true>
+                                                                   : writeChunk<true>;
+    return write(chunk, uiPixels, s.useLens, s.pointSpacing, target);
 }
 
 void finishWriting() {

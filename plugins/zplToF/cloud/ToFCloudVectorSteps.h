@@ -28,6 +28,13 @@ struct SkToFCloudChunkSource {
     quint32 uiColumn; ///< of the first pixel
 };
 
+/// Where the points of a chunk are written, and in which colours.
+struct SkToFCloudTarget {
+    const SkToFColours& colours;
+    float* pVertices;
+    float* pExport;
+};
+
 /// The steps of one instruction set.
 struct SkToFCloudSteps {
     const char* sName; ///< of the instruction set
@@ -36,7 +43,7 @@ struct SkToFCloudSteps {
                     SkToFCloudChunk& chunk);
     /// Returns the number of points written.
     size_t (*write)(const SkToFCloudInput& input, const SkToFCloudChunk& chunk, size_t uiPixels,
-                    const SkToFColours& colours, float* pVertices, float* pExport);
+                    const SkToFCloudTarget& target);
     /// After the last write: fences the streaming stores, so that other threads see the points.
     void (*finishWriting)();
 };

@@ -114,7 +114,7 @@ bool ToFHybridPictures::mergeSections(const SkPicBuf& source, SkPicBuf& result) 
     const quint16 threshold = saturationThreshold(source.bitsPerChannel);
     quint32 used = 0;
     for (quint32 y = 0; y < result.height; ++y) {
-        kernel(source.row(y), sectionBytes, sections, threshold, result.row(y), result.width, used);
+        kernel({source.row(y), sectionBytes, sections, threshold}, result.row(y), result.width, used);
     }
 
     if (result.bitsPerChannel > 8) {

@@ -82,20 +82,22 @@ void hybridDepthRow(const quint8* source, quint8* result, size_t pixels, double 
 
 /// Takes the most sensitive unsaturated section and scales it to the sensitivity of the last one.
 template <typename T, typename R>
-void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
-                      quint8* result, size_t pixels, quint32&) {
+void mergeSectionsRow(const SkToFSectionRows& rows, quint8* result, size_t pixels, quint32&) {
+    // A copy: the result might alias the caller's structure.
+    const SkToFSectionRows sections = rows;
+    const quint16 threshold = sections.threshold;
     for (size_t pixel = 0; pixel < pixels; ++pixel) {
-        quint32 chosen = sections - 1;
+        quint32 chosen = sections.count - 1;
         for (; chosen > 0; --chosen) {
-            const quint8* row = firstSection + chosen * sectionBytes;
+            const quint8* row = sections.row(chosen);
             if (sampleAt<T>(row, 3 * pixel) < threshold && sampleAt<T>(row, 3 * pixel + 1) < threshold &&
                 sampleAt<T>(row, 3 * pixel + 2) < threshold) {
                 break;
             }
         }
-        const quint32 shift = sections - 1 - chosen;
+        const quint32 shift = sections.count - 1 - chosen;
         for (size_t sample = 3 * pixel; sample < 3 * pixel + 3; ++sample) {
-            const quint64 value = sampleAt<T>(firstSection + chosen * sectionBytes, sample);
+            const quint64 value = sampleAt<T>(sections.row(chosen), sample);
             putSample(result, sample, shift < 32 ? R(value << shift) : R(0));
         }
     }

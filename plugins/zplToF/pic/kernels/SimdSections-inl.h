@@ -142,18 +142,18 @@ HWY_INLINE TripleVec<T> usablePixels(const Triples<T>& samples, TripleVec<T> lar
 }
 
 template <typename T, typename R>
-HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uint32_t sections,
-                           TripleVec<T> largestUsable, uint8_t* result, Used<T, R>& used) {
+HWY_INLINE void mergeBlock(const SkToFSectionRows& sections, TripleVec<T> largestUsable, uint8_t* result,
+                           Used<T, R>& used) {
     const TripleTag<T> d;
-    const auto last = Triples<T>::load(firstSection + (sections - 1) * sectionBytes);
+    const auto last = Triples<T>::load(sections.row(sections.count - 1));
     auto decided = usablePixels<T>(last, largestUsable);
     MergedBlock<T, R> merged(last, 0);
-    for (uint32_t section = sections - 1; section > 0; --section) {
+    for (uint32_t section = sections.count - 1; section > 0; --section) {
         if (hn::AllTrue(d, hn::MaskFromVec(decided))) {
             break;
         }
-        const auto samples = Triples<T>::load(firstSection + (section - 1) * sectionBytes);
-        merged.take(hn::Not(decided), samples, sections - section);
+        const auto samples = Triples<T>::load(sections.row(section - 1));
+        merged.take(hn::Not(decided), samples, sections.count - section);
         if (section > 1) {
             decided = hn::Or(decided, usablePixels<T>(samples, largestUsable));
         }
@@ -161,32 +161,34 @@ HWY_INLINE void mergeBlock(const uint8_t* firstSection, size_t sectionBytes, uin
     merged.store(result, used);
 }
 
-/// Merges a row of at least one block. A section count known at compile time lets the compiler unroll the
-/// loop.
+/// Merges a row of at least one block. A section count known at compile time (0: any) lets the compiler
+/// unroll the loop.
 template <typename T, typename R, uint32_t knownSections>
-HWY_INLINE void mergeBlocks(const uint8_t* firstSection, size_t sectionBytes, uint32_t anySections,
-                            uint16_t threshold, uint8_t* result, size_t pixels, Used<T, R>& used) {
+HWY_INLINE void mergeBlocks(const SkToFSectionRows& rows, uint8_t* result, size_t pixels, Used<T, R>& used) {
     constexpr size_t kPixels = kTriplePixels<T>;
-    const uint32_t sections = knownSections != 0 ? knownSections : anySections;
+    SkToFSectionRows block = rows;
+    if constexpr (knownSections != 0) {
+        block.count = knownSections;
+    }
     const auto largestUsable =
-        hn::Set(TripleTag<T>(), T(std::min<uint32_t>(threshold - 1U, hwy::LimitsMax<T>())));
+        hn::Set(TripleTag<T>(), T(std::min<uint32_t>(block.threshold - 1U, hwy::LimitsMax<T>())));
+    const uint8_t* const first = rows.first;
     const size_t last = pixels - kPixels;
     for (size_t pixel = 0; pixel < pixels;) {
         for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels) {
-            mergeBlock<T, R>(firstSection + pixel * 3 * sizeof(T), sectionBytes, sections, largestUsable,
-                             result + pixel * 3 * sizeof(R), used);
+            block.first = first + pixel * 3 * sizeof(T);
+            mergeBlock<T, R>(block, largestUsable, result + pixel * 3 * sizeof(R), used);
         }
     }
 }
 
 template <typename T, typename R>
-void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 sections, quint16 threshold,
-                      quint8* result, size_t pixels, quint32& usedBits) {
-    // The plain loop takes rows too short for a block, a threshold that no sample is below, and more sections
-    // than a sample has bits: their factors do not fit into T.
-    if (pixels < kTriplePixels<T> || threshold == 0 || sections > 8 * sizeof(T)) {
-        ToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](
-            firstSection, sectionBytes, sections, threshold, result, pixels, usedBits);
+void mergeSectionsRow(const SkToFSectionRows& sections, quint8* result, size_t pixels, quint32& usedBits) {
+    // The plain loop handles rows too short for a block, a threshold that no sample is below, and more
+    // sections than a sample has bits: their factors do not fit into T.
+    if (pixels < kTriplePixels<T> || sections.threshold == 0 || sections.count > 8 * sizeof(T)) {
+        ToFKernelChoice::plain().mergeSections[sizeof(T) / 2][sizeof(R) / 2](sections, result, pixels,
+                                                                             usedBits);
         for (size_t sample = 0; sample < 3 * pixels; ++sample) {
             R value;
             std::memcpy(&value, result + sample * sizeof(R), sizeof(R));
@@ -196,14 +198,14 @@ void mergeSectionsRow(const quint8* firstSection, size_t sectionBytes, quint32 s
     }
     const MergedTag<T, R> d;
     Used<T, R> used = hn::Zero(d);
-    if (sections == 2) {
-        mergeBlocks<T, R, 2>(firstSection, sectionBytes, 2, threshold, result, pixels, used);
-    } else if (sections == 3) {
-        mergeBlocks<T, R, 3>(firstSection, sectionBytes, 3, threshold, result, pixels, used);
-    } else if (sections == 4) {
-        mergeBlocks<T, R, 4>(firstSection, sectionBytes, 4, threshold, result, pixels, used);
+    if (sections.count == 2) {
+        mergeBlocks<T, R, 2>(sections, result, pixels, used);
+    } else if (sections.count == 3) {
+        mergeBlocks<T, R, 3>(sections, result, pixels, used);
+    } else if (sections.count == 4) {
+        mergeBlocks<T, R, 4>(sections, result, pixels, used);
     } else {
-        mergeBlocks<T, R, 0>(firstSection, sectionBytes, sections, threshold, result, pixels, used);
+        mergeBlocks<T, R, 0>(sections, result, pixels, used);
     }
     alignas(64) MergedLane<T, R> lanes[hn::MaxLanes(d)];
     hn::Store(used, d, lanes);

@@ -13,6 +13,16 @@ struct SkToFRowStats {
     bool bDark = false; ///< some confidence is exactly 0
 };
 
+/// The same row of all exposure sections of a picture.
+struct SkToFSectionRows {
+    const quint8* first; ///< of the least sensitive section
+    size_t stride;       ///< bytes from one section to the next
+    quint32 count;       ///< sections, at least 2
+    quint16 threshold;   ///< the smallest sample that counts as saturated
+
+    const quint8* row(quint32 section) const { return first + section * stride; }
+};
+
 /// One implementation of every row kernel. Immutable; kernels may run on many threads.
 ///
 /// Rows are byte pointers of any alignment. Kernels read exactly the samples of uiPixels pixels and write
@@ -26,8 +36,8 @@ struct SkToFKernels {
     using SingleRow = void (*)(const quint8* pSource, quint8* pResult, size_t uiPixels);
     using ShiftedRow = void (*)(const quint8* pSource, quint8* pResult, size_t uiPixels, int iShift);
     using DepthRow = void (*)(const quint8* pSource, quint8* pResult, size_t uiPixels, double fRange);
-    using SectionRow = void (*)(const quint8* pFirstSection, size_t uiSectionBytes, quint32 uiSections,
-                                quint16 uiThreshold, quint8* pResult, size_t uiPixels, quint32& uiUsedBits);
+    using SectionRow = void (*)(const SkToFSectionRows& sections, quint8* pResult, size_t uiPixels,
+                                quint32& uiUsedBits);
     using FillRow = void (*)(quint8* pResult, size_t uiPixels, float fWorst);
     using DepthSearchRow = float (*)(const quint8* pDepth, const quint8* pConfidence, size_t uiPixels,
                                      float fLimit, float fMaximum);
