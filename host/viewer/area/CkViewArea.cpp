@@ -1,8 +1,8 @@
 #include "host/viewer/area/CkViewArea.h"
 
+#include "host/viewer/area/CkViewArranger.h"
 #include "host/viewer/area/CkViewNoticeController.h"
 #include "host/viewer/area/CkViewWindow.h"
-#include "host/viewer/area/ViewTiling.h"
 #include "zuCore/CkChain.h"
 #include "zuCore/CkChainable.h"
 #include "zuCoreGui/CkMdiView.h"
@@ -10,22 +10,14 @@
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QPainter>
-#include <QTimer>
-#include <algorithm>
 
 namespace {
 
 constexpr int kTextMargin = 12;
 
-double shapeOf(const CkMdiView* view) {
-    // A view that follows another one shows a scene, which suits the shape of a screen.
-    const QSize wanted = view != nullptr && view->connectedViewId() < 0 ? view->sizeHint() : QSize(16, 9);
-    return wanted.isEmpty() ? 4.0 / 3.0 : double(wanted.width()) / wanted.height();
-}
-
 } // namespace
 
-CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent) {
+CkViewArea::CkViewArea(QWidget* pParent) : QMdiArea(pParent), m_arranger(new CkViewArranger(this)) {
     setBackground(QColor(0x3a, 0x3d, 0x42));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -94,7 +86,7 @@ void CkViewArea::addView(CkMdiView* pView) {
     if (entry.window) {
         setActiveSubWindow(entry.window);
     }
-    arrangeLater();
+    m_arranger->arrangeLater();
 }
 
 CkMdiView* CkViewArea::view(int iViewId) const {
@@ -194,7 +186,7 @@ bool CkViewArea::closeView(int iViewId, bool bAsk) {
     }
     m_closing.remove(iViewId);
     emit viewClosed(iViewId, chain);
-    arrangeLater();
+    m_arranger->arrangeLater();
     return true;
 }
 
@@ -209,56 +201,20 @@ bool CkViewArea::closeAllViews(bool bAsk) {
     return true;
 }
 
-void CkViewArea::setArrangesItself(bool bArrange) {
-    m_arrange = bArrange;
-    arrangeLater();
+bool CkViewArea::arrangesItself() const {
+    return m_arranger->isAutomatic();
 }
 
-void CkViewArea::arrangeLater() {
-    if (!m_arrange || m_arrangePending) {
-        return;
-    }
-    m_arrangePending = true;
-    QTimer::singleShot(0, this, [this] {
-        m_arrangePending = false;
-        // A view that the user has maximized stays so.
-        if (m_arrange && !hasMaximizedView()) {
-            tile();
-        }
-    });
+void CkViewArea::setArrangesItself(bool bArrange) {
+    m_arranger->setAutomatic(bArrange);
 }
 
 void CkViewArea::tile() {
-    // Not QMdiArea's own tiling, which puts the active view first: views keep their places.
-    QList<CkViewWindow*> windows;
-    QList<double> shapes;
-    for (const SkEntry& entry : m_entries) {
-        if (entry.window && !entry.window->isMinimized()) {
-            windows.append(entry.window);
-            shapes.append(shapeOf(entry.view));
-        }
-    }
-    const QList<QRect> places = ViewTiling::places(viewport()->size(), shapes);
-    for (qsizetype i = 0; i < windows.size(); ++i) {
-        if (windows[i]->isMaximized()) {
-            windows[i]->showNormal();
-        }
-        windows[i]->setGeometry(places[i]);
-    }
-}
-
-bool CkViewArea::hasMaximizedView() const {
-    for (const SkEntry& entry : m_entries) {
-        if (entry.window && entry.window->isMaximized()) {
-            return true;
-        }
-    }
-    return false;
+    m_arranger->tile();
 }
 
 void CkViewArea::cascade() {
-    m_arrange = false;
-    cascadeSubWindows();
+    m_arranger->cascade();
 }
 
 void CkViewArea::activateNextView() {
@@ -290,7 +246,7 @@ bool CkViewArea::eventFilter(QObject* pWatched, QEvent* pEvent) {
 
 void CkViewArea::resizeEvent(QResizeEvent* pEvent) {
     QMdiArea::resizeEvent(pEvent);
-    arrangeLater();
+    m_arranger->arrangeLater();
 }
 
 void CkViewArea::paintEvent(QPaintEvent* pEvent) {

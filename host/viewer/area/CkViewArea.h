@@ -8,6 +8,7 @@
 #include <QSet>
 
 class CkMdiView;
+class CkViewArranger;
 class CkViewNoticeController;
 class CkViewWindow;
 
@@ -46,7 +47,7 @@ public:
     bool closeAllViews(bool bAsk);
 
     /// Whether the views are tiled whenever one is added or closed, or the area is resized.
-    bool arrangesItself() const { return m_arrange; }
+    bool arrangesItself() const;
     void setArrangesItself(bool bArrange);
 
 public slots:
@@ -78,13 +79,10 @@ private:
     qsizetype indexOf(int iViewId) const;
     void makeActive(int iViewId);
     void activateRemainingView();
-    bool hasMaximizedView() const;
-    void arrangeLater();
 
+    CkViewArranger* m_arranger;
     CkViewNoticeController* m_notices = nullptr;
     QList<SkEntry> m_entries;
     QSet<int> m_closing;
     int m_activeViewId = -1;
-    bool m_arrange = true;
-    bool m_arrangePending = false;
 };

@@ -13,6 +13,7 @@
 #include "host/viewer/playback/CkRecordingController.h"
 #include "host/viewer/playback/CkRecordingPanel.h"
 #include "host/viewer/shell/CkChainFileController.h"
+#include "host/viewer/shell/CkFileDropHandler.h"
 #include "host/viewer/shell/CkFileMenu.h"
 #include "host/viewer/shell/CkHelpMenu.h"
 #include "host/viewer/shell/CkPanelDocks.h"
@@ -31,12 +32,9 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QTabWidget>
-#include <QTimer>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -45,28 +43,11 @@ constexpr QSize kInitialSize(1600, 1000);
 // Largest decoration that window managers add, with a title bar in a large font.
 constexpr QSize kFrame(16, 44);
 
-QStringList localFiles(const QMimeData& data) {
-    QStringList files;
-    for (const QUrl& url : data.urls()) {
-        if (url.isLocalFile()) {
-            files.append(url.toLocalFile());
-        }
-    }
-    return files;
-}
-
-// A drag source deletes its files after a move.
-void acceptAsCopy(QDropEvent& event) {
-    event.setDropAction(Qt::CopyAction);
-    event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
-}
-
 } // namespace
 
 CkMainWindow::CkMainWindow(QWidget* parent) : QMainWindow(parent) {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("zuviewer"));
-    setAcceptDrops(true);
     m_area = new CkViewArea(this);
     m_cameraTabs = new QTabWidget;
     m_cameraTabs->setDocumentMode(true);
@@ -168,6 +149,12 @@ void CkMainWindow::createRecordingMenu() {
 void CkMainWindow::connectParts() {
     connect(m_cameras, &CkCameraController::cameraReady, this, &CkMainWindow::addRecordButton);
     connect(m_recordings, &CkRecordingController::openRequested, m_fileMenu, &CkFileMenu::openOrReport);
+    connect(new CkFileDropHandler(this), &CkFileDropHandler::filesDropped, m_fileMenu,
+            [this](const QStringList& files) {
+                for (const QString& file : files) {
+                    m_fileMenu->openOrReport(file);
+                }
+            });
     connect(m_chainPanel, &CkChainPanel::viewRequested, this, &CkMainWindow::openView);
     connect(m_chainPanel, &CkChainPanel::saveRequested, m_fileMenu, &CkFileMenu::saveChainWithDialog);
     connect(m_chainPanel, &CkChainPanel::loadRequested, m_fileMenu, &CkFileMenu::openChainWithDialog);
@@ -260,21 +247,4 @@ void CkMainWindow::closeEvent(QCloseEvent* event) {
     }
     emit closing();
     event->accept();
-}
-
-void CkMainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!localFiles(*event->mimeData()).isEmpty()) {
-        acceptAsCopy(*event);
-    }
-}
-
-void CkMainWindow::dropEvent(QDropEvent* event) {
-    const QStringList files = localFiles(*event->mimeData());
-    acceptAsCopy(*event);
-    // The program that the files come from is blocked until this returns.
-    QTimer::singleShot(0, this, [this, files] {
-        for (const QString& file : files) {
-            m_fileMenu->openOrReport(file);
-        }
-    });
 }

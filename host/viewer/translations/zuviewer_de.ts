@@ -499,7 +499,7 @@ Kennung %3</translation>
         <translation>Wählen Sie zuerst einen Block aus</translation>
     </message>
     <message>
-        <source>Add a block behind the selected one</source>
+        <source>Add a block after the selected one</source>
         <translation>Einen Block hinter dem ausgewählten einfügen</translation>
     </message>
     <message>

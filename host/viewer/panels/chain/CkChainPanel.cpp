@@ -152,7 +152,7 @@ void CkChainPanel::updateButtons() {
     const bool source = block != nullptr && ChainEditor::isSource(block);
     const QString none = tr("Select a block first");
     const QString addHint =
-        chain ? tr("Add a block behind the selected one") : tr("The active view shows no chain");
+        chain ? tr("Add a block after the selected one") : tr("The active view shows no chain");
     m_addButton->setEnabled(chain);
     m_addButton->setToolTip(addHint);
     m_addMenu->menuAction()->setEnabled(chain);
