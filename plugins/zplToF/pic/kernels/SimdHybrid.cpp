@@ -143,6 +143,28 @@ HWY_INLINE Quotients quotients(HalfI firstSamples, HalfI secondSamples, HalfI am
             hn::DemoteTo(df, hn::IfThenElseZero(trusted, confidence))};
 }
 
+/// What depth and confidence are computed from, in the lane type of the samples.
+template <typename Samples>
+struct WindowLight {
+    decltype(hn::Gt(Samples(), Samples())) near; ///< the pulse returned during windows 1 and 2, not 2 and 3
+    Samples first;                               ///< the earlier window with light of the pulse
+    Samples second;                              ///< the later one
+    Samples ambient;
+    Samples reflected;    ///< both windows without ambient light
+    Samples aboveAmbient; ///< the later window without ambient light
+};
+
+/// Exact: the lanes hold the samples and their sums.
+template <typename Samples>
+HWY_INLINE WindowLight<Samples> windowLight(Samples a, Samples b, Samples c) {
+    const auto near = hn::Gt(a, c);
+    const Samples first = hn::IfThenElse(near, a, b);
+    const Samples second = hn::IfThenElse(near, b, c);
+    const Samples ambient = hn::Min(a, c);
+    const Samples reflected = hn::Sub(hn::Add(first, second), hn::Add(ambient, ambient));
+    return {near, first, second, ambient, reflected, hn::Sub(second, ambient)};
+}
+
 template <typename T>
 struct HybridDepthBlock {
     static constexpr size_t kPixels = kFloats;
@@ -169,22 +191,16 @@ struct HybridDepthBlock {
         const VI b = hn::PromoteTo(di, x2);
         const VI c = hn::PromoteTo(di, x3);
 
-        const auto near = hn::Gt(a, c);
-        const VI first = hn::IfThenElse(near, a, b);
-        const VI second = hn::IfThenElse(near, b, c);
-        const VI ambient = hn::Min(a, c);
-        const VI sum = hn::Add(first, second);
-        const VI reflected = hn::Sub(sum, hn::Add(ambient, ambient));
-        const VI aboveAmbient = hn::Sub(second, ambient);
+        const auto light = windowLight(a, b, c);
 
         // Windows 1 and 2 nearly equal below window 3.
         const auto undecided =
             hn::And(hn::Lt(hn::Abs(hn::Sub(a, b)), hn::Set(di, 3)), hn::Lt(hn::Max(a, b), c));
         // Samples are not negative, so a product of 0 means that one of them is 0.
-        const auto measurable =
-            hn::And(hn::And(hn::Gt(reflected, hn::Zero(di)), hn::Gt(hn::Min(first, second), hn::Zero(di))),
-                    hn::Gt(aboveAmbient, hn::Set(di, -1)));
-        return {first, second, ambient, hn::Not(hn::VecFromMask(di, near)),
+        const auto measurable = hn::And(hn::And(hn::Gt(light.reflected, hn::Zero(di)),
+                                                hn::Gt(hn::Min(light.first, light.second), hn::Zero(di))),
+                                        hn::Gt(light.aboveAmbient, hn::Set(di, -1)));
+        return {light.first, light.second, light.ambient, hn::Not(hn::VecFromMask(di, light.near)),
                 hn::VecFromMask(di, hn::AndNot(undecided, measurable))};
     }
 
@@ -228,25 +244,22 @@ struct WideHybridDepthBlock {
         const VD b = hn::PromoteTo(d, x2);
         const VD c = hn::PromoteTo(d, x3);
 
-        const auto near = hn::Gt(a, c);
-        const VD first = hn::IfThenElse(near, a, b);
-        const VD second = hn::IfThenElse(near, b, c);
-        const VD ambient = hn::Min(a, c);
-        const VD sum = hn::Add(first, second);
-        const VD reflected = hn::Sub(sum, hn::Add(ambient, ambient));
-        const VD aboveAmbient = hn::Sub(second, ambient);
+        const auto light = windowLight(a, b, c);
         // 0 times negative ambient light is -0 here, but 0 for the integers of the plain loop: adding 0
         // clears the sign.
         const VD zero = hn::Zero(d);
         const VD confidence =
-            hn::Div(hn::Add(hn::Mul(sum, ambient), zero), hn::Mul(hn::Add(first, first), second));
-        const VD offset = hn::IfThenZeroElse(near, hn::Set(d, range));
-        const VD depth = hn::Add(hn::Div(hn::Mul(aboveAmbient, hn::Set(d, range)), reflected), offset);
+            hn::Div(hn::Add(hn::Mul(hn::Add(light.first, light.second), light.ambient), zero),
+                    hn::Mul(hn::Add(light.first, light.first), light.second));
+        const VD offset = hn::IfThenZeroElse(light.near, hn::Set(d, range));
+        const VD depth =
+            hn::Add(hn::Div(hn::Mul(light.aboveAmbient, hn::Set(d, range)), light.reflected), offset);
 
         const auto undecided =
             hn::And(hn::Le(hn::Abs(hn::Sub(a, b)), hn::Set(d, 2.0)), hn::Lt(hn::Max(a, b), c));
-        const auto measurable = hn::And(hn::And(hn::Gt(reflected, zero), hn::Ge(aboveAmbient, zero)),
-                                        hn::And(hn::Ne(first, zero), hn::Ne(second, zero)));
+        const auto measurable =
+            hn::And(hn::And(hn::Gt(light.reflected, zero), hn::Ge(light.aboveAmbient, zero)),
+                    hn::And(hn::Ne(light.first, zero), hn::Ne(light.second, zero)));
         const auto valid = hn::And(hn::AndNot(undecided, measurable), hn::Le(confidence, hn::Set(d, 0.9)));
         const hn::Rebind<float, DD> df;
         hn::StoreInterleaved2(hn::DemoteTo(df, hn::IfThenElseZero(valid, depth)),
