@@ -41,7 +41,7 @@ bool CkChain::CkPrivate::start() {
         emit m_q->runningChanged(true);
         return true;
     }
-    closeQueue();
+    reportDropped(m_queue.close());
     m_setUp.tearDown();
     const auto lock = m_graph.lock();
     m_negotiated = false;
@@ -70,16 +70,17 @@ void CkChain::CkPrivate::stop() {
         return;
     }
     m_state = EkChainState::Stopping;
-    closeQueue();
+    const std::vector<SkChainNode*> dropped = m_queue.close();
     m_thread.join();
+    reportDropped(dropped); // after the events of the frame that the thread was busy with
     m_setUp.tearDown();
     setNegotiated(false);
     m_state = EkChainState::Stopped;
     emit m_q->runningChanged(false);
 }
 
-void CkChain::CkPrivate::closeQueue() {
-    for (const SkChainNode* source : m_queue.close()) {
+void CkChain::CkPrivate::reportDropped(const std::vector<SkChainNode*>& sources) {
+    for (const SkChainNode* source : sources) {
         CkChainRunner::tellSource(*source, CkImageSource::EkFrameEvent::Dropped);
     }
 }

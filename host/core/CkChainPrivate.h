@@ -5,6 +5,7 @@
 #include "zuCore/CkChain.h"
 
 #include <thread>
+#include <vector>
 
 /// The implementation of a chain: its parts, its thread, start and stop.
 ///
@@ -43,7 +44,8 @@ private:
 
     void setUpForRun();
     void run();
-    void closeQueue(); ///< Control lock. Reports the frames that it drops to their sources.
+    /// Control lock, without a chain thread: events of other frames must not overtake or follow.
+    static void reportDropped(const std::vector<SkChainNode*>& sources);
     void setNegotiated(bool bNegotiated);
     EkCache cachedOutput(const CkChainable* pBlock, SkFormat& format) const;
 

@@ -104,8 +104,8 @@ bool CkFramePlayer::pause() {
     return change([this] { return m_state.pause(); });
 }
 
-void CkFramePlayer::step() {
-    change([this] { m_state.step(); });
+bool CkFramePlayer::step() {
+    return change([this] { return m_state.step(); });
 }
 
 bool CkFramePlayer::seek(qint64 iFrame) {

@@ -52,7 +52,7 @@ public:
     CkPlaybackState state() const; ///< A snapshot.
     bool play();                   ///< False when already playing.
     bool pause();                  ///< False when not playing.
-    void step();                   ///< For a paused player.
+    bool step();                   ///< Pauses and delivers one more frame. True when it was playing.
     bool seek(qint64 iFrame);      ///< False for an invalid number.
 
     void chainStarted();

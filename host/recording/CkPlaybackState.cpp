@@ -3,7 +3,7 @@
 #include <utility>
 
 bool CkPlaybackState::play(qint64 iFrameCount) {
-    if (m_mode == EkMode::Playing) {
+    if (m_mode == EkMode::Playing || m_mode == EkMode::Closing) {
         return false;
     }
     m_mode = EkMode::Playing;
@@ -23,14 +23,17 @@ bool CkPlaybackState::pause() {
     return true;
 }
 
-void CkPlaybackState::step() {
-    m_mode = EkMode::Stepping;
+bool CkPlaybackState::step() {
+    if (m_mode == EkMode::Closing) {
+        return false;
+    }
     ++m_steps;
+    return std::exchange(m_mode, EkMode::Stepping) == EkMode::Playing;
 }
 
 void CkPlaybackState::seek(qint64 iFrame) {
     m_next = iFrame;
-    if (m_mode != EkMode::Playing) {
+    if (m_mode == EkMode::Paused || m_mode == EkMode::Stepping) {
         m_mode = EkMode::Stepping;
         m_steps = 1;
     }

@@ -26,12 +26,12 @@ public:
     /// Restarts at the first frame after the last one. False: already playing.
     bool play(qint64 iFrameCount);
     bool pause();             ///< False: not playing. Pending steps stay.
-    void step();              ///< One more frame, for a player that is paused.
+    bool step();              ///< Pauses, with one more frame pending. True: was playing.
     void seek(qint64 iFrame); ///< While paused the frame counts as a step and replaces pending ones.
     void rewind();            ///< To be called for a new file.
     void discardFrame() { ++m_generation; } ///< The frame being read has to be read again.
     void setChainRuns(bool bRuns) { m_chainRuns = bRuns; }
-    void close();
+    void close(); ///< For good: play, step and seek have no effect afterwards.
 
     void addSkipped(qint64 iFrames) { m_skipped += iFrames; }
     void frameDelivered(qint64 iFrame);

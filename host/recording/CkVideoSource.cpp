@@ -132,8 +132,9 @@ void CkVideoSource::pause() {
 }
 
 void CkVideoSource::step() {
-    pause();
-    m_player->step();
+    if (m_player->step()) {
+        emit playingChanged(false);
+    }
 }
 
 bool CkVideoSource::seek(qint64 iFrame) {

@@ -40,6 +40,27 @@ TEST(CkPlaybackStateTest, AStepPausesAgainAfterItsFrame) {
     EXPECT_FALSE(state.pause()) << "stepping is no playing";
 }
 
+TEST(CkPlaybackStateTest, AStepEndsPlaybackAndReportsIt) {
+    CkPlaybackState state;
+    EXPECT_FALSE(state.step()) << "was paused";
+    EXPECT_FALSE(state.step()) << "was stepping";
+    state.play(10);
+    EXPECT_TRUE(state.step());
+    EXPECT_EQ(state.mode(), EkMode::Stepping);
+    state.frameDelivered(0);
+    EXPECT_EQ(state.mode(), EkMode::Paused) << "the steps before play() are gone";
+}
+
+TEST(CkPlaybackStateTest, ClosingIsFinal) {
+    CkPlaybackState state;
+    state.close();
+    EXPECT_FALSE(state.play(10));
+    EXPECT_FALSE(state.step());
+    EXPECT_FALSE(state.pause());
+    state.seek(3);
+    EXPECT_EQ(state.mode(), EkMode::Closing);
+}
+
 TEST(CkPlaybackStateTest, ASeekReplacesPendingStepsAndTheFrameThatIsBeingRead) {
     CkPlaybackState state;
     state.setChainRuns(true);
