@@ -88,6 +88,18 @@ TEST_F(CkVideoSourceTest, NothingFlowsBeforeTheChainRuns) {
     EXPECT_EQ(m_sink.waitFor(3), counted(0, 3));
 }
 
+TEST_F(CkVideoSourceTest, AStepDuringPlaybackPausesAndReportsItOnce) {
+    openFrames(3);
+    QList<bool> reports;
+    QObject::connect(m_source, &CkVideoSource::playingChanged, m_source,
+                     [&reports](bool playing) { reports.append(playing); });
+    m_source->play();
+    m_source->step();
+    m_source->step();
+    EXPECT_EQ(reports, (QList<bool>{true, false}));
+    EXPECT_FALSE(m_source->isPlaying());
+}
+
 TEST_F(CkVideoSourceTest, StepsAndJumps) {
     openFrames(10);
     ASSERT_TRUE(m_chain->start());
