@@ -43,8 +43,8 @@ std::optional<int> CkToFArguments::parse(const QStringList& arguments) {
     }
     const qsizetype given = m_parser.positionalArguments().size();
     if (given != m_arguments) {
-        ToFConsole::error((given < m_arguments ? QStringLiteral("Something is missing: tof %1. ")
-                                               : QStringLiteral("There is too much: tof %1. "))
+        ToFConsole::error((given < m_arguments ? QStringLiteral("An argument is missing: tof %1. ")
+                                               : QStringLiteral("There are too many arguments: tof %1. "))
                               .arg(m_usage) +
                           hint);
         return ToFUsage;
@@ -123,7 +123,7 @@ bool CkToFArguments::readNumbers(const QString& sName, double fMinimum, double f
         // Negated, so that NaN is refused.
         if (!ok || !(number >= fMinimum && number <= fMaximum)) {
             ToFConsole::error(
-                QStringLiteral("--%1 expects numbers from %2 to %3 with commas between, not \"%4\".")
+                QStringLiteral("--%1 expects numbers from %2 to %3 separated by commas, not \"%4\".")
                     .arg(sName)
                     .arg(fMinimum)
                     .arg(fMaximum)
@@ -146,7 +146,7 @@ bool CkToFArguments::readPair(const QString& sName, double& fFirst, double& fSec
     const double a = QLocale::c().toDouble(parts.value(0), &first);
     const double b = QLocale::c().toDouble(parts.value(1), &second);
     if (parts.size() != 2 || !first || !second || !std::isfinite(a) || !std::isfinite(b)) {
-        ToFConsole::error(QStringLiteral("--%1 expects two numbers with a comma between, not \"%2\".")
+        ToFConsole::error(QStringLiteral("--%1 expects two numbers separated by a comma, not \"%2\".")
                               .arg(sName, value(sName)));
         return false;
     }

@@ -32,7 +32,7 @@ SkPagePosition pagePosition(const SkFrameDescription& description) {
     return {true, position.isFirstToArrive(), position.count + position.references};
 }
 
-// Images may be repeated, so a set ends at twice its length at the latest, also when its successor lacks a
+// Images may be repeated, so a set ends at twice its length at the latest, even if the next set lacks its
 // first image.
 bool isFull(const SkToFGroup& group, qint64 length) {
     return group.count >= 2 * std::max<qint64>(length, 1);
@@ -71,7 +71,7 @@ bool CkToFInput::open(const QString& sFileName) {
 
 std::vector<SkToFGroup> CkToFInput::groups() const {
     std::vector<SkToFGroup> groups;
-    CkToFProgress progress(QStringLiteral("Looking through"));
+    CkToFProgress progress(QStringLiteral("Scanning"));
     bool open = false;
     for (qint64 page = 0; page < m_reader.frameCount(); ++page) {
         if (page % kPagesPerProgress == 0) {
@@ -100,7 +100,7 @@ QString CkToFInput::tooMuchMemory(const SkToFGroup& group, quint64 uiBytes) cons
     if (uiBytes <= m_limits.memoryBytes) {
         return {};
     }
-    return QStringLiteral("\"%1\", page %2: working on %3 takes %4 MiB; --memory %4 allows that.")
+    return QStringLiteral("\"%1\", page %2: processing %3 needs %4 MiB; --memory %4 allows that.")
         .arg(m_reader.fileName(), QString::number(group.first + 1),
              group.count == 1 ? QStringLiteral("it")
                               : QStringLiteral("this set of %1 pages").arg(group.count),

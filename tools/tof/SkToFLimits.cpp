@@ -8,13 +8,13 @@
 void SkToFLimits::addOptions(CkToFArguments& options) {
     const SkToFLimits usual;
     options.addValue(QStringLiteral("memory"), QStringLiteral("MIB"),
-                     QStringLiteral("Memory for the frames that are worked on at a time; larger ones are "
+                     QStringLiteral("Memory for the frames that are processed at a time; larger ones are "
                                     "refused. %1 by default.")
                          .arg(usual.memoryBytes >> 20U));
     options.addValue(QStringLiteral("max-pages"), QStringLiteral("N"),
                      QStringLiteral("Reads a file up to this page; %1 by default.").arg(usual.reading.pages));
     options.addValue(QStringLiteral("max-expansion"), QStringLiteral("N"),
-                     QStringLiteral("Refuses pages that are said to have more than N times their compressed "
+                     QStringLiteral("Refuses pages that declare more than N times their compressed "
                                     "bytes, and more than %1 MiB; %2 by default.")
                          .arg(SkReadLimits::kSmallPictureBytes >> 20U)
                          .arg(usual.reading.expansion));

@@ -25,19 +25,18 @@ void addOptions(CkToFArguments& options) {
     value("frequency", "LIST", "Modulation frequencies in MHz, 1 to 120; 20,60 by default.");
     value("pulse", "LIST", "Pulse durations of the hybrid camera in ns, 1 to 200; 40 by default.");
     value("distance", "LIST", "Distances of the wall in m, 0.05 to 30; 1,1.5,2,3,4,5.5,7 by default.");
-    value("reflectivity", "LIST",
-          "Shares of the light that the wall sends back in %, 1 to 100; 10,80 by default.");
+    value("reflectivity", "LIST", "Reflectivities of the wall in %, 1 to 100; 10,80 by default.");
     value("ambient", "LIST", "Ambient light, 0 (dark) to 10; 1 is ordinary room light; 0,1 by default.");
-    value("phases", "LIST", "Phases of a measurement, of 2, 4 and 8; 2,4,8 by default.");
-    value("bits", "LIST", "Bits of the converter, of 8, 12 and 16; 8,12 by default.");
+    value("phases", "LIST", "Phases of a measurement: 2, 4 or 8; 2,4,8 by default.");
+    value("bits", "LIST", "Bits of the converter: 8, 12 or 16; 8,12 by default.");
     value("exposure", "US", "Exposure in us, 1 to 20000; 1000 by default.");
     value("frames", "N", "Frames of each cell; 4 by default.");
     value("size", "W,H", "Pixels in the middle of the sensor, up to 640,480; 128,96 by default.");
-    value("seed", "N", "Of the noise; the same seed gives the same report. 1 by default.");
+    value("seed", "N", "Seed of the noise; the same seed gives the same report. 1 by default.");
     options.addFlag(QStringLiteral("no-noise"),
-                    QStringLiteral("Without noise: what is left is the processing's error."));
+                    QStringLiteral("Without noise: only the error of the processing remains."));
     value("confidence", "VALUE", "Pixels of a higher confidence value are not valid; 10 by default.");
-    value("csv", "FILE", "Where the table goes; next to the report by default, ending with .csv.");
+    value("csv", "FILE", "File of the table; next to the report by default, ending in .csv.");
     value("max-bias", "MM", "Fails when the bias of a cell is larger than this, in mm.");
     value("max-std", "MM", "Fails when the standard deviation of a cell is larger than this, in mm.");
     value("max-ratio", "FACTOR",
@@ -126,7 +125,7 @@ bool readSetup(const CkToFArguments& options, SkToFAccuracySetup& setup) {
         return false;
     }
     if (exposure.size() != 1) {
-        ToFConsole::error(QStringLiteral("--exposure expects one number only."));
+        ToFConsole::error(QStringLiteral("--exposure expects a single number."));
         return false;
     }
     setup.exposureUs = exposure.front();

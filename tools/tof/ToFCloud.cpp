@@ -111,7 +111,7 @@ struct SkClouds {
     QString incomplete; ///< what the set lacks, when it gave no cloud
 };
 
-/// The points of a picture as PLY text; empty when no cloud can be made of it.
+/// The points of a picture as PLY text; empty when no cloud can be built from it.
 QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const quint8* colours) {
     CkToFDepthFrame depth;
     const int width = int(std::min<qint64>(cloud.maxWidth, std::numeric_limits<int>::max()));
@@ -120,7 +120,7 @@ QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const
     }
     SkToFCloudParameters parameters;
     parameters.opticalPath = cloud.path;
-    parameters.opticalPath.takeOverCameraValues(data.metadata());
+    parameters.opticalPath.adoptCameraValues(data.metadata());
     if (cloud.frequencyGiven) {
         parameters.opticalPath.modulationFreqMHz = cloud.path.modulationFreqMHz;
     }
@@ -136,8 +136,8 @@ QByteArray cloudText(const CkImageData& data, const SkCloudOptions& cloud, const
     return buildPlyText(builder.exportPoints());
 }
 
-/// Memory for the clouds of a group: pages as for processing, and points with their text. Pictures that are
-/// not ToF pictures are shrunk.
+/// Memory for the clouds of a group: pages as for processing, and points with their text. Other pictures
+/// than ToF pictures are shrunk.
 quint64 bytesFor(const SkToFGroup& group, const SkCloudOptions& cloud) {
     const double width = group.width;
     const double shrink = group.maybeTof ? 1.0 : std::min(1.0, double(cloud.maxWidth) / std::max(1.0, width));
@@ -175,7 +175,7 @@ SkClouds groupClouds(const CkRecordingReader& reader, const SkToFGroup& group, c
                                    .arg(reader.fileName())
                                    .arg(page + 1)
                                    .arg(reason.isEmpty()
-                                            ? QStringLiteral("No cloud can be made of this picture.")
+                                            ? QStringLiteral("No cloud can be built from this picture.")
                                             : reason));
         } else {
             done.texts.push_back(text);
@@ -213,24 +213,24 @@ void addOptions(CkToFArguments& options) {
         options.addFlag(QLatin1String(name), QLatin1String(about));
     };
     value("frame", "N",
-          "Only this frame or set, counted from 0, into the file named. Without it every one is written "
+          "Only this frame or set, counted from 0, into the file named. Without it each one is written "
           "into a file with its number: room-00000.ply.");
     flag("from-settings", "Starts from the settings of the viewer.");
     value("settings-file", "FILE", "The same from another settings file.");
     flag("lens", "Uses the lens model: points in millimetres.");
     flag("no-lens", "No lens model: points in units of the picture's half width (the default).");
-    value("focal-length", "MM", "Focal length in mm; otherwise what the camera says, or 3.5.");
+    value("focal-length", "MM", "Focal length in mm; otherwise the camera's value, or 3.5.");
     value("cell-size", "MM", "Pitch of a sensor cell in mm; 0.01 by default.");
     value("center-offset", "X,Y",
           "Optical axis from the picture's centre in mm on the chip; 0,0 by default.");
-    value("frequency", "MHZ", "Modulation frequency in MHz; otherwise what the camera says, or 30.");
+    value("frequency", "MHZ", "Modulation frequency in MHz; otherwise the camera's value, or 30.");
     value("confidence", "VALUE",
           "Drops pixels of a higher confidence value (lower is better); 10 by default.");
     value("offset", "M", "Metres added to every distance; -1.5 by default.");
     flag("ortho", "Corrects distances along the ray to distances along the axis (the default).");
     flag("no-ortho", "Leaves distances along the ray.");
     value("z-zoom", "FACTOR", "Stretches the depth axis of clouds without lens model; 1 by default.");
-    value("max-width", "PIXELS", "Shrinks pictures that are no ToF pictures to this width; 640 by default.");
+    value("max-width", "PIXELS", "Shrinks pictures other than ToF pictures to this width; 640 by default.");
     options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     options.addArgument(QStringLiteral("CLOUD"), QStringLiteral("PLY file to write."));
 }
@@ -302,7 +302,7 @@ int writeClouds(CkToFInput& input, const std::vector<SkToFGroup>& groups, const 
 int tofCloud(const QStringList& arguments) {
     CkToFArguments options(
         QStringLiteral("cloud [options] RECORDING CLOUD"),
-        QStringLiteral("Makes point clouds (ASCII PLY) of raw ToF, phase shift and depth pictures."),
+        QStringLiteral("Builds point clouds (ASCII PLY) from raw ToF, phase shift and depth pictures."),
         {QStringLiteral("tof cloud --lens --offset 0 --frame 0 room.tif room.ply"),
          QStringLiteral("tof cloud --from-settings room.tif clouds/room.ply"),
          QStringLiteral("tof cloud --lens --focal-length 4 --cell-size 0.01 "

@@ -174,7 +174,7 @@ bool readFormat(bool requested, const QString& name, QString& format) {
     const bool tiff = format == QLatin1String("tiff");
     if (!ending.isEmpty() && tiff != asTiff) {
         ToFConsole::error(
-            QStringLiteral("\"%1\" does not go with --format %2, whose files end in %3.")
+            QStringLiteral("\"%1\" does not match --format %2, whose files end in %3.")
                 .arg(name, format, tiff ? QStringLiteral(".tif or .tiff") : QStringLiteral(".png")));
         return false;
     }
@@ -203,8 +203,8 @@ void addOptions(CkToFArguments& options) {
         QStringLiteral(
             "png: through a colour map; the default, unless PICTURE ends in .tif or .tiff. png16: as "
             "measured; whole numbers unchanged (signed "
-            "ones plus 32768), metres as millimetres, a phase shift with 65536 for a full turn; what lies "
-            "outside is cut off. tiff: as measured, all channels as 32-bit float."));
+            "ones plus 32768), metres as millimetres, a phase shift with 65536 for a full turn; values "
+            "outside are clipped. tiff: as measured, all channels as 32-bit float."));
     options.addValue(QStringLiteral("channel"), QStringLiteral("C"),
                      QStringLiteral("Channel for PNG, counted from 0; 0 by default."));
     options.addValue(
@@ -271,7 +271,7 @@ int writeImage(CkToFInput& input, const QString& name, const SkImageOptions& ima
 
 int tofImage(const QStringList& arguments) {
     CkToFArguments options(QStringLiteral("image [options] RECORDING PICTURE"),
-                           QStringLiteral("Makes a picture of a frame."),
+                           QStringLiteral("Writes a frame as a picture."),
                            {QStringLiteral("tof image --map Jet --range 0,6.2832 phase.tif phase.png"),
                             QStringLiteral("tof image --format png16 --frame 10 depth.tif depth.png"),
                             QStringLiteral("tof image --format tiff --frame 10 depth.tif one.tif")});

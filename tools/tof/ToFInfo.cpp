@@ -37,7 +37,7 @@ QString frameJson(const CkRecordingReader& reader, qint64 page, CkToFInput& inpu
 }
 
 void printJson(const CkRecordingReader& reader, bool bEachFrame, CkToFInput& input) {
-    const QString place = QStringLiteral("frames go here");
+    const QString place = QStringLiteral("frames are inserted here");
     const SkRecordingInfo& info = reader.recordingInfo();
     const QJsonObject root{{QStringLiteral("file"), reader.fileName()},
                            {QStringLiteral("bytes"), qint64(reader.byteCount())},
@@ -114,14 +114,14 @@ void printText(const CkRecordingReader& reader, CkToFInput& input) {
 
 int tofInfo(const QStringList& arguments) {
     CkToFArguments options(QStringLiteral("info [options] RECORDING"),
-                           QStringLiteral("Shows what is in a recording or any other TIFF file."),
+                           QStringLiteral("Shows the contents of a recording or any other TIFF file."),
                            {QStringLiteral("tof info room.tif"),
                             QStringLiteral("tof info --json --frames room.tif > room.json"),
                             QStringLiteral("tof info --chain room.tif > chain.xml")});
     options.addFlag(QStringLiteral("json"), QStringLiteral("As JSON, with all metadata of the first frame."));
     options.addFlag(QStringLiteral("frames"), QStringLiteral("With --json: of every frame."));
     options.addFlag(QStringLiteral("chain"), QStringLiteral("Only the chain that was recorded, as XML."));
-    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to look into."));
+    options.addArgument(QStringLiteral("RECORDING"), QStringLiteral("File to read."));
     SkToFLimits::addOptions(options);
     if (const auto code = options.parse(arguments)) {
         return *code;

@@ -74,7 +74,7 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
         const double wanted = text.toDouble(&number);
         const bool flag = text == QLatin1String("true") || text == QLatin1String("false");
         if ((!number && !flag) || !param->setParamValue(CkValue(text))) {
-            ToFConsole::error(QStringLiteral("\"%1\" is no value for %2.").arg(text, name));
+            ToFConsole::error(QStringLiteral("\"%1\" is not a value of %2.").arg(text, name));
             return false;
         }
         // The parameter would clamp the value, and the recording would not be what was requested.
@@ -90,7 +90,7 @@ bool applySettings(CkCameraParameters& parameters, const QStringList& settings) 
         parameters.addParamCommitToBatch(param);
     }
     if (!parameters.endCommitBatch(true)) {
-        ToFConsole::error(QStringLiteral("The camera does not take these settings."));
+        ToFConsole::error(QStringLiteral("The camera refuses these settings."));
         return false;
     }
     return true;

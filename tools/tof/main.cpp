@@ -12,25 +12,25 @@ const char* const kOverview = R"(Usage: tof COMMAND [options] ...
 Works on recordings of time-of-flight cameras, without a window.
 
 Commands:
-  info     Shows what is in a recording.
+  info     Shows the contents of a recording.
   record   Records frames of a simulated camera.
   process  Applies a ToF transform to a recording.
-  cloud    Makes point clouds (PLY) of a recording.
-  image    Makes a picture (PNG, 16-bit PNG or float TIFF) of a frame.
-  accuracy Measures how exact distances are, on simulated cameras; writes a report.
+  cloud    Builds point clouds (PLY) from a recording.
+  image    Writes a frame as a picture (PNG, 16-bit PNG or float TIFF).
+  accuracy Measures the accuracy of distances with simulated cameras; writes a report.
 
 Options:
   -h, --help     Shows this help; "tof COMMAND --help" that of a command.
   -v, --version  Shows the version.
 
 Exit codes:
-  0  All went well.
+  0  Success.
   2  Wrong options or arguments.
   3  The input cannot be read at all.
-  4  Parts of the input cannot be read; the rest was worked on.
+  4  Parts of the input cannot be read; the rest was processed.
   5  The output cannot be written.
-  6  The command makes nothing of this input.
-  7  A result exceeds a limit that was given.
+  6  The command does not apply to this input.
+  7  Results were written, but exceed a given limit.
 
 Examples:
   tof record --camera wave --frames 100 room.tif

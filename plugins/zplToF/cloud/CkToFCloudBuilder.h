@@ -56,8 +56,8 @@ public:
     CkToFCloudBuilder(const CkToFCloudBuilder&) = delete;
     CkToFCloudBuilder& operator=(const CkToFCloudBuilder&) = delete;
 
-    /// Builds the cloud. An unsupported sample type, or pictures without one finite value, give a cloud of
-    /// no points, which is a success.
+    /// Builds the cloud. An unsupported sample type, or pictures without any finite value, give a cloud
+    /// without points, which is a success.
     /// False, and nothing changes, without depth data or colour table, when a descriptor is impossible, the
     /// depth picture has more than one channel, the confidence picture is not one float channel of the same
     /// size, rows begin inside a sample, the picture has 2^28 pixels or more, or memory runs out. Never

@@ -2,7 +2,8 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// Whether clouds are made of samples of this type: integers of up to 32 bits and single-precision floats.
+/// Whether clouds can be built from samples of this type: integers of up to 32 bits and single-precision
+/// floats.
 constexpr bool isCloudSampleType(EkImageDataType dataType) {
     return (dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::UInt32) ||
            dataType == EkImageDataType::Float32;

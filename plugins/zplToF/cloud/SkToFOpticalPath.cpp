@@ -2,7 +2,7 @@
 
 #include "zuCore/CkImageMetadata.h"
 
-void SkToFOpticalPath::takeOverCameraValues(const CkImageMetadata& metadata) {
+void SkToFOpticalPath::adoptCameraValues(const CkImageMetadata& metadata) {
     if (metadata.modulationFrequency > 0.0F) {
         modulationFreqMHz = metadata.modulationFrequency;
     }

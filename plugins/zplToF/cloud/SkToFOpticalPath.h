@@ -29,7 +29,7 @@ struct SkToFOpticalPath {
     bool orthoRadialCorrection = true; ///< distances along the ray become distances along the axis
 
     /// Adopts the modulation frequency and the focal length that the camera reports, where above 0.
-    void takeOverCameraValues(const CkImageMetadata& metadata);
+    void adoptCameraValues(const CkImageMetadata& metadata);
 
     bool operator==(const SkToFOpticalPath&) const = default;
 };

@@ -4,8 +4,8 @@
 
 class QSettings;
 
-/// Keys of the 3D view's settings, with type, default, unit and who writes them. Misspelt words belong to the
-/// keys: existing stores use them.
+/// Keys of the 3D view's settings, with type, default, unit and writer. Misspelt words are part of the
+/// keys: existing settings files use them.
 namespace ToFSettingsKey {
 // clang-format off
 inline constexpr char kShowBBox[]             = "ToF.ShowBBox";              ///< bool, true; the view
@@ -25,12 +25,12 @@ inline constexpr char kBgColor[]              = "ToF.BgColor";               ///
 // clang-format on
 } // namespace ToFSettingsKey
 
-/// Reading never fails: what is missing, of another type or not finite counts as the default. Safe from any
-/// thread that may use the settings.
+/// Reading never fails: a value that is missing, of another type or not finite is replaced by the default.
+/// Safe from any thread that may use the settings.
 namespace ToFSettings {
 
 float readFloat(const QSettings& settings, const char* key, float fDefault);
-/// Only flags, whole numbers and the texts "true", "false", "1" and "0" count, in either case of letters.
+/// Accepts only flags, whole numbers and the texts "true", "false", "1" and "0", in upper or lower case.
 bool readBool(const QSettings& settings, const char* key, bool bDefault);
 SkToFOpticalPath readOpticalPath(const QSettings& settings);
 

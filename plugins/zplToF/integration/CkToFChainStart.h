@@ -4,8 +4,8 @@
 
 class CkChain;
 
-/// Starts a stopped chain once, after all changes to it: at the end of the scope at the latest, unless the
-/// chain has been deleted or started by then. User-interface thread.
+/// Starts a stopped chain once, after all changes to it: at the end of the scope at the latest. No-op for a
+/// chain that has been deleted or started by then. User-interface thread.
 class CkToFChainStart {
 public:
     CkToFChainStart();

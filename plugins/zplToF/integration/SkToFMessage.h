@@ -14,7 +14,7 @@ struct SkToFMessage {
 };
 
 /// Shows a message to the user and returns the button pressed. Every box of the plug-in's actions is shown by
-/// a function of this type, so that a test can answer in the user's place.
+/// a function of this type, so that a test can answer in place of the user.
 using ToFMessageFunction = std::function<QMessageBox::StandardButton(const SkToFMessage&)>;
 
 /// A modal box on the host's main window; NoButton when the window was deleted while it was open.

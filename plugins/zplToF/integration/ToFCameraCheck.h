@@ -20,8 +20,8 @@ struct SkToFKinds {
     bool anyRaw() const { return isAB || isAminB || isHybrid; }
 };
 
-/// Recognises ToF cameras and ToF data, and sets a camera up. User-interface thread. Every check returns
-/// false rather than fail, also for cameras that have been closed and for null pointers.
+/// Recognises ToF cameras and ToF data, and sets a camera up. User-interface thread. Checks
+/// never fail: they return false for cameras that have been closed and for null pointers.
 namespace ToFCameraCheck {
 
 bool isToFCamera(void* cameraHandle);
@@ -38,15 +38,16 @@ bool imageFormatAtView(CkMdiView* pView, bool& isAB, bool& isAminB, bool& isPhas
                        bool& isHybrid);
 bool imageFormatAtView(CkMdiView* pView, SkToFKinds& kinds);
 
-/// The same for the output format of a block. False when pBlock is no CkImageProvider or knows no format.
+/// The same for the output format of a block. False when pBlock is not a CkImageProvider or does not know its
+/// format.
 bool checkToFFormat(CkChainable* pBlock, bool& isAB, bool& isAminB, bool& isPhaseShift, bool& separatePhases,
                     bool& isHybrid);
 bool checkToFFormat(CkChainable* pBlock, SkToFKinds& kinds);
 
 /// Sets a ToF camera to a readout mode and data format that the processing supports, in one commit, and
-/// starts the chain of the view's block if it is stopped (pView may be null). False when the camera is no ToF
-/// camera or refuses a value; its values are then as before. Receivers of the camera's signals may close the
-/// view and the camera.
+/// starts the chain of the view's block if it is stopped (pView may be null). False when the camera is not a
+/// ToF camera or refuses a value; its values are then unchanged. Receivers of the camera's signals may close
+/// the view and the camera.
 bool switchCameraTo3dFormat(CkMdiView* pView, void* cameraHandle);
 
 } // namespace ToFCameraCheck

@@ -2,12 +2,12 @@
 
 class QObject;
 
-/// The two buttons that a ToF camera's panel gets. User-interface thread.
+/// The two buttons in the panel of a ToF camera. User-interface thread.
 namespace ToFToolArea {
 
-/// Builds the area and has the host place it. pReceiver has the slots on_actOpenToF3dViewStartAcq() and
-/// on_actOpenAllToFViewsStartAcq(). False for a camera without ToF readout mode, for a closed one, and
-/// without a host. Builds nothing when the host has no panel for the camera.
+/// Builds the area and passes it to the host, which places it. pReceiver has the slots
+/// on_actOpenToF3dViewStartAcq() and on_actOpenAllToFViewsStartAcq(). False for a camera without ToF readout
+/// mode, for a closed one, and without a host. Builds nothing when the host has no panel for the camera.
 bool addToCameraPanel(void* cameraHandle, QObject* pReceiver);
 
 } // namespace ToFToolArea

@@ -2,7 +2,7 @@
 
 #include "zuCore/CkImageMetadata.h"
 
-/// Which arrangement of samples a format code stands for.
+/// Which arrangement of samples a format code denotes.
 namespace ToFFormats {
 
 /// Both taps A and B.

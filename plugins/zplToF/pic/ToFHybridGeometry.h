@@ -3,7 +3,7 @@
 #include <QtGlobal>
 
 /// The size of a hybrid sensor. Some deliver their three integration windows as a plain picture, one below
-/// the other; nothing but its size tells it from others.
+/// the other; only its size distinguishes it from other pictures.
 namespace ToFHybridGeometry {
 
 inline constexpr quint32 kWidth = 832;               ///< pixels

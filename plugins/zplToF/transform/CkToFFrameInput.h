@@ -6,7 +6,7 @@
 #include "plugins/zplToF/transform/SkToFFrame.h"
 
 /// Turns a frame into the input of a transform: subtracts the reference section and gathers the images of a
-/// set. Owns the buffers for both; one thread at a time. Nothing is allocated for frames like those it was
+/// set. Owns the buffers for both; one thread at a time. Nothing is allocated for frames of the format it was
 /// prepared for.
 class CkToFFrameInput {
 public:

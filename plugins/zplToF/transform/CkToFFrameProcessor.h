@@ -21,14 +21,14 @@ public:
     /// The work buffer could not be allocated.
     bool lacksHdrBuffer() const { return m_hdr.lacksMemory(); }
 
-    /// The frame leaves as it arrived; no output picture is needed.
+    /// Whether the frame is passed on unchanged, without an output picture.
     static bool passesThrough(int iTransform, const SkToFFrame& frame);
 
     /// Whether the transform works on the frame as it arrived, whether or not a set is being gathered.
     static bool needsNoSet(int iTransform);
 
-    /// Why there will be no output picture, as far as this is known beforehand. The frame's input may be null
-    /// only where no set is needed.
+    /// Why there will be no output picture, as far as that is known before processing. The frame's input may
+    /// be null only where no set is needed.
     EkRefusal refusal(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
 
     /// Whether the output picture has to be zeroed because the operation leaves pixels unwritten.

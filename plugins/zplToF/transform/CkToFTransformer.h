@@ -16,7 +16,7 @@ struct SkToFFormat {
 
 /// The whole path of a frame: subtracts a reference section, gathers the images of a set, merges exposure
 /// sections and applies a transform. Knows neither chain nor window; one thread at a time. Apart from the
-/// picture of a result, nothing is allocated for frames like those it was prepared for.
+/// picture of a result, nothing is allocated for frames of the format it was prepared for.
 class CkToFTransformer {
 public:
     using EkRefusal = ToFFrames::EkRefusal;

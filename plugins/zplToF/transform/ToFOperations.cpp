@@ -10,7 +10,7 @@ size_t rowBytes(const SkPicBufInfo& info) {
     return size_t(info.width) * info.channels * sampleBytes(info.dataType);
 }
 
-/// Copies rows byte by byte: source and target may name different channels and widths.
+/// Copies the bytes of rows: source and target may differ in channels and width.
 bool copyRows(const SkPicBuf& source, SkPicBuf& target) {
     const size_t bytes = rowBytes(target);
     if (!CkPicBufAPI::isValid(source) || source.data == nullptr || source.height < target.height ||

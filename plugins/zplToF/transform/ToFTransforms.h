@@ -29,7 +29,7 @@ struct SkToFTransform {
     /// Converts one raw format to another. Such choices name formats and stay untranslated.
     bool isRawToRaw;
     EkInput input;
-    bool gathers;     ///< images of a set that arrive one by one are kept until the set is complete
+    bool gathers;     ///< images of a set that arrive one by one are gathered until it is complete
     bool needsAngles; ///< the result depends on the angles of the phases
 
     /// Sets the output's format. Null, or the untranslated error text (context CkToFProcessCnbl).

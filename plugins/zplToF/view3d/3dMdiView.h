@@ -21,8 +21,8 @@ class CkToF3DMdiView : public CkToFFollowingView {
     Q_OBJECT
 
 public:
-    /// iConnectedViewId: the view whose frames are shown. iSecondViewId is kept for clones only. Both blocks
-    /// may be null.
+    /// iConnectedViewId: the view whose frames are shown. iSecondViewId is only passed on to clones. Both
+    /// blocks may be null.
     CkToF3DMdiView(int iConnectedViewId, int iSecondViewId, CkChainable* pProvider, CkChainable* pSecond);
     ~CkToF3DMdiView() override;
 
@@ -79,16 +79,16 @@ public:
     // slots, so that the numbers of the slots stay.
 
     /// Saves the scene to a PNG, JPEG or BMP file: the capture of "Screenshot" without its dialog.
-    /// Asynchronous: false when no capture can be requested; otherwise the file appears, complete at once,
-    /// when the capture has completed. May be called again while an earlier one is pending.
+    /// Asynchronous: false when no capture can be requested; otherwise the complete file appears when the
+    /// capture has completed. May be called again while an earlier capture is pending.
     Q_INVOKABLE bool grabScene(const QString& sFileName);
     /// Writes the current cloud as PLY, the text of "Export data", without dialog or box. False when there
-    /// are no points or the file cannot be written; a file that was there before then stays untouched.
+    /// are no points or the file cannot be written; an existing file is then unchanged.
     Q_INVOKABLE bool savePly(const QString& sFileName);
 
     // State, for tools and tests.
 
-    /// Null when the scene could not be made.
+    /// Null when the scene cannot be drawn.
     CkToFScene* scene() const { return m_scene.get(); }
     const CkToFCloudModel& model() const { return m_model; }
     const SkToFViewSettings& options() const { return m_model.options(); }

@@ -52,18 +52,18 @@ void CkToFCloudGeometry::update(QGeometryRenderer* pRenderer, const CkToFCloudBu
     QAttribute* indices = ToFSceneAttribute::find(pRenderer, ToFSceneAttribute::indexName());
     if (positions == nullptr || colors == nullptr) {
         buildGeometry(pRenderer, cloud);
-        m_takenUp = false;
+        m_uploaded = false;
         m_lastPointCount = cloud.pointCount();
         return;
     }
 
     Qt3DCore::QBuffer& buffer = *positions->buffer();
     const bool sameSize = buffer.data().size() == cloud.vertexBytes().size();
-    if (m_takenUp && sameSize && cloud.pointCount() == m_lastPointCount) {
+    if (m_uploaded && sameSize && cloud.pointCount() == m_lastPointCount) {
         ToFSceneBuffer::replace(buffer, cloud.vertexBytes());
     } else {
         ToFSceneBuffer::set(buffer, cloud.vertexBytes());
-        m_takenUp = false;
+        m_uploaded = false;
         positions->setCount(uint(cloud.vertexCount()));
         colors->setCount(uint(cloud.vertexCount()));
     }

@@ -24,7 +24,7 @@ bool CkToFCloudModel::setFrame(const CkImageData* pData) {
     m_data.reset();
     const CkImageMetadata& metadata = pData->metadata();
     m_frame.update(pData->picBuf(), &metadata, m_maxGenericWidth);
-    m_options.opticalPath.takeOverCameraValues(metadata);
+    m_options.opticalPath.adoptCameraValues(metadata);
     if (m_frame.isEmpty()) {
         return false;
     }

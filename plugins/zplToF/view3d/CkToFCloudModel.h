@@ -16,15 +16,16 @@ public:
     explicit CkToFCloudModel(EkToFVertexLayout layout);
     ~CkToFCloudModel();
 
-    /// Makes the depth and confidence pictures of a frame and takes over what the camera knows of its optics.
-    /// False when there is no depth picture afterwards, or nothing was changed as the frame has no pixels;
-    /// null counts as such a frame.
+    /// Makes the depth and confidence pictures of a frame and adopts the optical values that the camera
+    /// reports. False when there is no depth picture afterwards, and, without any change, for null and for a
+    /// frame without pixels.
     bool setFrame(const CkImageData* pData);
-    /// Builds the cloud from the depth picture. False, and the cloud stays, without a depth picture or
+    /// Builds the cloud from the depth picture. False, and the cloud is unchanged, without a depth picture or
     /// colours, or when the builder refuses.
     bool build(const CkToFViewLut& lut);
 
-    /// A confidence threshold meant for phase confidence is useless for other data: lowers it.
+    /// Lowers a threshold meant for phase confidence when the data are of another kind, whose confidence it
+    /// would never exclude.
     void adaptThresholdToKind();
     /// Applies a new threshold. Values not above 0 are ignored; false when the cloud cannot have changed.
     bool setConfidenceThreshold(float fThreshold);

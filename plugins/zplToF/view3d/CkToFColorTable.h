@@ -7,10 +7,10 @@ class CkToFColorTable {
 public:
     CkToFColorTable();
 
-    /// Fills the table with a pseudo-colour map of CkLut. False when memory was short.
+    /// Fills the table with a pseudo-colour map of CkLut. False when memory ran out.
     bool update(int iPseudoColorIndex);
 
-    /// 256 entries of 4 bytes: blue, green, red, 255; null when memory was short.
+    /// 256 entries of 4 bytes: blue, green, red, 255; null when memory ran out.
     const quint8* colors() const { return m_gradientLutPic.picBuf().data; }
 
 private:

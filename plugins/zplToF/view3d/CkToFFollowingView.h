@@ -10,7 +10,7 @@ public:
     int connectedViewId() const override { return m_connectedViewId; }
     int secondViewId() const { return m_secondViewId; } ///< As given; passed on to clones.
     QString viewTitle() const override;
-    /// The frame itself: that of the view's own block until the next one comes, that of the connected view
+    /// The frame itself: that of the view's own block until the next one arrives, that of the connected view
     /// while receivedFrame is emitted. Afterwards the current image, if it was made from this frame.
     const CkImageData* imageData(qint32 iFrameId) override;
     CkChainable* dataProvider() const override;
@@ -19,20 +19,21 @@ public:
     void updateWithConnectedImageData(const CkImageData* pData, bool bForce) override;
 
 protected:
-    /// iSecondViewId is kept for clones only. Both blocks may be null.
+    /// iSecondViewId is only passed on to clones. Both blocks may be null.
     CkToFFollowingView(int iConnectedViewId, int iSecondViewId, CkChainable* pProvider, CkChainable* pSecond);
 
-    /// From now on the window title is the chain's title with this suffix; without a chain it stays as it is.
+    /// Sets the window title to the title of the chain with this suffix and keeps it up to date; without a
+    /// chain the title does not change.
     void followTitle(const QString& sSuffix);
     /// The view with the connected identifier; null when it has been closed, and outside an application.
     CkMdiView* connectedView() const;
 
-    /// The size of a clone on a block: 496 wide, in the shape of the block's pictures. Invalid when the block
-    /// has no pictures or does not know their size.
+    /// The size of a clone on a block: 496 pixels wide, in the aspect ratio of the block's pictures. Invalid
+    /// when the block has no pictures or does not know their size.
     static QSize cloneSize(CkChainable* pProvider);
 
     void showFrame(std::unique_ptr<CkImageData> frame) override;
-    /// Shows a frame of either origin. Null: what is shown already, again.
+    /// Shows a frame of the view's own block or of the connected view. Null: shows the current one again.
     virtual void showImageData(const CkImageData* pData, bool bForce) = 0;
 
 private:

@@ -4,18 +4,18 @@
 
 #include <QElapsedTimer>
 
-/// Limits how often frames are shown. A frame that comes too early is dropped, never kept for later.
+/// Limits how often frames are shown. A frame that arrives too early is dropped, not queued.
 class CkToFInputRegulator {
 public:
-    /// Whether a frame that comes now is dropped. A limit that is not a number above 0 limits nothing.
+    /// Whether a frame that arrives now is dropped. A limit that is not a number above 0 has no effect.
     bool dropsFrame(bool bRegulate, float fMaxFps) const {
         return drops(bRegulate, fMaxFps, m_timer.isValid() ? m_timer.elapsed() : -1);
     }
-    /// The interval to the next frame begins.
+    /// Starts the interval to the next frame.
     void frameShown() { m_timer.start(); }
 
-    /// The same for a frame that comes iElapsedMs whole milliseconds after the last one shown; negative when
-    /// there was none.
+    /// The same for a frame that arrives iElapsedMs whole milliseconds after the last one shown; negative
+    /// when there was none.
     static bool drops(bool bRegulate, float fMaxFps, qint64 iElapsedMs) {
         return bRegulate && float_is_positive(fMaxFps) && iElapsedMs > 0 &&
                1000.0 / double(fMaxFps) > double(iElapsedMs);

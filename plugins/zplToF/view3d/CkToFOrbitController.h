@@ -11,7 +11,7 @@ class QWheelEvent;
 class QWindow;
 
 /// Moves the camera by the mouse, wheel and key events of a window. The base class would move it once per
-/// frame, by an amount that depends on the time since the last one; here the frame rate makes no difference.
+/// frame, by an amount that depends on the time since the last one; here the frame rate has no effect.
 ///
 /// Left button: the point under the mouse follows it. Right button: rotates about the view centre, 180
 /// degrees over the width of the window. Both buttons, or the wheel: zoom, 10 % per notch. Arrow keys move,

@@ -21,16 +21,16 @@ Qt3DRender::QRenderCaptureReply* CkToFRenderCapture::request() {
     if (reply == nullptr) {
         return nullptr;
     }
-    m_open.append(reply);
-    connect(reply, &Qt3DRender::QRenderCaptureReply::completed, this, &CkToFRenderCapture::settle);
-    connect(reply, &QObject::destroyed, this, &CkToFRenderCapture::settle);
+    m_pending.append(reply);
+    connect(reply, &Qt3DRender::QRenderCaptureReply::completed, this, &CkToFRenderCapture::disableWhenIdle);
+    connect(reply, &QObject::destroyed, this, &CkToFRenderCapture::disableWhenIdle);
     m_enabler->setEnabled(true);
     return reply;
 }
 
-void CkToFRenderCapture::settle() {
-    m_open.removeIf([](const auto& reply) { return !reply || reply->isComplete(); });
-    if (m_open.isEmpty() && m_enabler) {
+void CkToFRenderCapture::disableWhenIdle() {
+    m_pending.removeIf([](const auto& reply) { return !reply || reply->isComplete(); });
+    if (m_pending.isEmpty() && m_enabler) {
         m_enabler->setEnabled(false);
     }
 }

@@ -27,9 +27,9 @@ public:
     Qt3DRender::QRenderCaptureReply* request();
 
 private:
-    void settle();
+    void disableWhenIdle();
 
     QPointer<Qt3DRender::QSubtreeEnabler> m_enabler;
     QPointer<Qt3DRender::QRenderCapture> m_capture;
-    QList<QPointer<Qt3DRender::QRenderCaptureReply>> m_open;
+    QList<QPointer<Qt3DRender::QRenderCaptureReply>> m_pending;
 };

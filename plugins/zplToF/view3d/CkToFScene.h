@@ -33,7 +33,7 @@ class CkToFScene : public QObject {
     Q_OBJECT
 
 public:
-    /// The platform on which Qt 3D's default renderer draws the scene, not its OpenGL renderer.
+    /// The platform on which Qt 3D draws the scene with its default renderer instead of its OpenGL renderer.
     static constexpr char kWaylandPlatform[] = "wayland";
     /// Vertical field of view in degrees, and aspect ratio of the projection; the same for windows of any
     /// shape.
@@ -94,7 +94,7 @@ private:
 
     const bool m_usePointPrimitives;
     bool m_runs = false;  ///< the window has been shown: from then on Qt 3D runs the scene
-    bool m_drawn = false; ///< a frame has begun, and the nodes have been taken up
+    bool m_drawn = false; ///< a frame has begun, so the nodes have been uploaded
     QPointer<QWidget> m_container;
     QPointer<Qt3DExtras::Qt3DWindow> m_window;
     QPointer<Qt3DCore::QEntity> m_root;

@@ -2,8 +2,8 @@
 
 #include <QToolBar>
 
-/// A tool bar whose items can be reached however narrow it is: those that do not fit are in the menu of its
-/// "»" button, labels included. User-interface thread.
+/// A tool bar that hides no item when it is narrow: those that do not fit, labels included, are in the menu
+/// of its "»" button. User-interface thread.
 class CkToFToolBar : public QToolBar {
     Q_OBJECT
 

@@ -22,12 +22,12 @@ public:
 
     CkLut* lut() const { return m_lut.get(); } ///< Null before the first table.
     const SkFlags& flags() const { return m_flags; }
-    /// The table, its flags and the bits of the values it is applied to, as CkMdiView::viewLut answers them.
+    /// The table, its flags and the bits of the values it is applied to, as CkMdiView::viewLut returns them.
     CkLut* read(bool* pbFlag1, bool* pbFlag2, unsigned int* puiBits) const;
-    /// 256 entries of 4 bytes, see CkToFColorTable; null without a table or when memory was short.
+    /// 256 entries of 4 bytes, see CkToFColorTable; null without a table or when memory ran out.
     const quint8* colors() const { return m_lut ? m_colorTable.colors() : nullptr; }
 
-    /// Whether the table can stay for this picture: it has the picture's depth.
+    /// Whether the table has the bit depth of this picture.
     bool fits(const SkPicBuf& picture) const;
     /// A table for a picture that the present one does not fit: the host's choice for the cameras, unless a
     /// table was chosen for this view; else the present one in the picture's format. Owned by the caller.
@@ -39,7 +39,7 @@ public:
     bool set(CkLut* pLut, const SkFlags& flags);
     /// Tells the application that the view has another table.
     static void announceChange(CkMdiView& view);
-    /// Without a table: makes one of the map in the settings.
+    /// Without a table: makes one from the map in the settings.
     void makeDefault(const SkPicBuf& picture);
 
 private:

@@ -7,7 +7,7 @@ class QSettings;
 class QColor;
 
 /// The options of a 3D view. Reading never fails: a value that is missing, of another type or not finite is
-/// replaced by its default. Numbers that merely make no sense (a focal length of 0) are kept.
+/// replaced by its default. Finite numbers without a meaning (a focal length of 0) are returned as they are.
 struct SkToFViewSettings {
     bool showBBox = true;          ///< box around the measured volume
     bool regulateInputFps = false; ///< limit the rate of frames that are shown

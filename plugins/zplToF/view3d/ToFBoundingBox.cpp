@@ -43,12 +43,12 @@ void buildGeometry(Qt3DRender::QGeometryRenderer* renderer, const QByteArray& co
 } // namespace
 
 void ToFBoundingBox::update(Qt3DRender::QGeometryRenderer* pRenderer, float fHalfX, float fHalfY,
-                            float fHalfZ, bool bTakenUp) {
+                            float fHalfZ, bool bUploaded) {
     const QByteArray corners = bytesOf(ToFBoundingBoxTables::vertices(fHalfX, fHalfY, fHalfZ));
     QAttribute* positions = ToFSceneAttribute::find(pRenderer, QAttribute::defaultPositionAttributeName());
     if (positions == nullptr) {
         buildGeometry(pRenderer, corners);
-    } else if (bTakenUp) {
+    } else if (bUploaded) {
         ToFSceneBuffer::replace(*positions->buffer(), corners);
     } else {
         ToFSceneBuffer::set(*positions->buffer(), corners);

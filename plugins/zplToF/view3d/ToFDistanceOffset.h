@@ -7,7 +7,7 @@ namespace ToFDistanceOffset {
 /// The stored offset; fDefault when there is none, and outside an application.
 float read(float fDefault);
 
-/// Stores the offset and has every open 3D view take it over.
+/// Stores the offset and updates every open 3D view.
 void store(float fOffset);
 
 } // namespace ToFDistanceOffset

@@ -8,11 +8,11 @@
 class QSettings;
 class QVariant;
 
-/// The settings of the application, as the 3D view and the calibration use them. Outside an application
-/// there are none: reading then gives the defaults, writing is a no-op. User-interface thread.
+/// The settings of the application that the 3D view and the calibration use. Outside an application reading
+/// returns the defaults and writing is a no-op. User-interface thread.
 namespace ToFHostSettings {
 
-/// A new object on every call, as the application hands them out. Null outside an application.
+/// A new object on every call. Null outside an application.
 std::unique_ptr<QSettings> open();
 
 SkToFViewSettings readView();

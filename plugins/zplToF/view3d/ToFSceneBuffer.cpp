@@ -6,9 +6,9 @@
 
 namespace {
 
-// The property in which Qt 3D queues changes in place until the scene takes them up. While there are any it
-// ignores the buffer's data as a whole, so that a setData in between would be lost. Since every call replaces
-// all bytes, the queued changes can be dropped.
+// The property in which Qt 3D queues changes in place until the scene uploads them. While it holds any, Qt 3D
+// ignores the data of the buffer as a whole, so that a setData in between would be lost. Since every call
+// replaces all bytes, the queued changes can be dropped.
 void dropPendingChanges(Qt3DCore::QBuffer& buffer) {
     buffer.setProperty("QT3D_updateData", QVariant());
 }

@@ -12,7 +12,7 @@ namespace ToFSceneBuffer {
 /// Replaces the whole buffer; its size may change.
 void set(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 
-/// Replaces the bytes in place. The scene must have taken the buffer up in this size.
+/// Replaces the bytes in place. The scene must have uploaded the buffer in this size.
 void replace(Qt3DCore::QBuffer& buffer, const QByteArray& bytes);
 
 } // namespace ToFSceneBuffer

@@ -22,7 +22,7 @@ QString suffixOf(const QString& nameFilter) {
 
 // In place of QFileDialog::getSaveFileName, which crashes when its parent is deleted while it is open. A name
 // without an extension gets that of the chosen filter, as the extension decides the format.
-QString askForFile(QWidget* parent, const QString& title, const QString& directory, const QString& filters) {
+QString chooseFile(QWidget* parent, const QString& title, const QString& directory, const QString& filters) {
     const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, directory, filters);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(suffixOf(dialog->selectedNameFilter()));
@@ -53,7 +53,7 @@ bool ToFSceneFiles::saveImage(const QImage& image, const QString& sFileName) {
 QString ToFSceneFiles::saveImageAs(const QImage& image, QWidget* pParent, const QString& sTitle) {
     IkAppDelegate* host = IkAppDelegate::instance();
     const QString directory = host != nullptr ? host->lastDirectory() : QString();
-    const QString name = askForFile(pParent, sTitle, directory, kImageFilters);
+    const QString name = chooseFile(pParent, sTitle, directory, kImageFilters);
     if (name.isEmpty()) {
         return {};
     }

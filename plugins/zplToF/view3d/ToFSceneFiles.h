@@ -8,17 +8,17 @@ class QImage;
 class QString;
 class QWidget;
 
-/// Files written from the scene. A file appears under its name only once it is complete; a file that was
-/// there before stays untouched when writing fails. User-interface thread.
+/// Files written from the scene. A file appears under its name only once it is complete; when
+/// writing fails, an existing file is unchanged. User-interface thread.
 namespace ToFSceneFiles {
 
 /// The image format follows the extension of the name: PNG, JPEG or BMP. False for a null image and when the
 /// file cannot be written.
 bool saveImage(const QImage& image, const QString& sFileName);
 
-/// Asks for a name, beginning in the host's last directory, and saves the image under it; the directory
-/// chosen becomes the host's last one. Returns what went wrong, for the log; empty on success and when the
-/// user cancels. The parent may be deleted while the dialog is open.
+/// Opens a file dialog in the host's last directory and saves the image under the chosen name; its
+/// directory becomes the host's last one. Returns what went wrong, for the log; empty on success and when
+/// the user cancels. The parent may be deleted while the dialog is open.
 QString saveImageAs(const QImage& image, QWidget* pParent, const QString& sTitle);
 
 /// The cloud as PLY text. False without points and when the file cannot be written.

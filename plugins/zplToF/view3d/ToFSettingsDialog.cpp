@@ -10,8 +10,8 @@ namespace {
 
 constexpr float kMicrometresPerMm = 1000.0F;
 
-// A value that was not changed in the dialog must not change on the way back either.
-void takeOverCellSize(float& cellSizeMM, float micrometres) {
+// An unedited value must not change by the conversion to micrometres and back.
+void adoptCellSize(float& cellSizeMM, float micrometres) {
     if (micrometres != cellSizeMM * kMicrometresPerMm) {
         cellSizeMM = micrometres / kMicrometresPerMm;
     }
@@ -50,7 +50,7 @@ void ToFSettingsDialog::apply(const CkToFOpticalPathSettingsDlg& dialog, CkToFCl
     path.compensateDistortion = dialog.compensate();
     path.lensFocalLengthMM = dialog.lensFocalLength();
     path.centerOffsetMM = dialog.centerOffset();
-    takeOverCellSize(path.chipCellSizeMM, dialog.chipCellSize());
+    adoptCellSize(path.chipCellSizeMM, dialog.chipCellSize());
     path.modulationFreqMHz = dialog.modulationFreq();
     path.realDistanceOffsetM = dialog.realDistOffset();
     options.regulateInputFps = dialog.limitInputFps();

@@ -5,7 +5,7 @@ class CkToFOpticalPathSettingsDlg;
 class QColor;
 class QWidget;
 
-/// The settings dialog, filled from what a 3D view shows, and the way of its values back. User-interface
+/// Fills the settings dialog from the model of a 3D view, and the model from the dialog. User-interface
 /// thread.
 namespace ToFSettingsDialog {
 
@@ -13,10 +13,10 @@ namespace ToFSettingsDialog {
 /// the parent deletes it first.
 CkToFOpticalPathSettingsDlg* create(const CkToFCloudModel& model, const QColor& clBackground, QWidget* pView);
 
-/// Apply: takes over all values but the orthogonal correction, which takes effect with OK only.
+/// Apply: adopts all values but the orthogonal correction, which takes effect with OK only.
 void apply(const CkToFOpticalPathSettingsDlg& dialog, CkToFCloudModel& model);
 
-/// OK: takes over all values and stores them in the settings.
+/// OK: adopts all values and stores them in the settings.
 void accept(const CkToFOpticalPathSettingsDlg& dialog, CkToFCloudModel& model);
 
 } // namespace ToFSettingsDialog

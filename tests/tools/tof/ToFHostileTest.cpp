@@ -159,7 +159,7 @@ TEST_F(ToFHostileTest, OptionsMoveTheLimits) {
     const SkMeasuredRun run = tof("image --memory 238 hostile.tif out.tif");
     EXPECT_EQ(run.code, 6);
     EXPECT_THAT(run.err.toStdString(),
-                HasSubstr("page 1: working on it takes 239 MiB; --memory 239 allows that"));
+                HasSubstr("page 1: processing it needs 239 MiB; --memory 239 allows that"));
     EXPECT_THAT(tof("image --max-expansion 2 hostile.tif out.tif").err.toStdString(),
                 HasSubstr("up to 2 times"));
     EXPECT_EQ(tof("image --memory 0 hostile.tif out.tif").code, 2);
@@ -218,7 +218,7 @@ TEST_F(ToFHostileTest, WhoeverWatchesSeesProgressFromTheBeginning) {
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     ::close(terminal);
-    for (const char* task : {"Opening [", "Looking through [", "Processing ["}) {
+    for (const char* task : {"Opening [", "Scanning [", "Processing ["}) {
         EXPECT_TRUE(seen.contains(task)) << task;
     }
     EXPECT_LT(seen.indexOf("  0 %"), seen.indexOf("100 %"));

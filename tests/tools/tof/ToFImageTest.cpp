@@ -168,7 +168,7 @@ TEST_F(ToFImageTest, AnEndingThatContradictsIsRefused) {
     const SkRun other = tof("image --format png16 a.tif b.tif");
     EXPECT_EQ(other.code, 2);
     EXPECT_EQ(other.err,
-              QStringLiteral("tof: \"b.tif\" does not go with --format png16, whose files end in .png.\n"));
+              QStringLiteral("tof: \"b.tif\" does not match --format png16, whose files end in .png.\n"));
     EXPECT_FALSE(QFile::exists(path("b.tif")));
     EXPECT_EQ(tof("image --format tiff a.tif b.png").code, 2);
     EXPECT_FALSE(QFile::exists(path("b.png")));

@@ -60,20 +60,20 @@ processing that the plug-in uses: phase shift and confidence of the processing b
 ray and the confidence filter of the point cloud. The error of a pixel is its measured minus its true distance;
 beyond the unambiguous range (marked <em>wrapped</em>) the two are compared modulo that range. Bias, standard
 deviation and percentile are taken over all valid pixels of all frames. Saturated pixels, whose raw samples are at
-the end of their range, are counted apart and take part.</p>
-<p><b>Shot-noise limit.</b> The number of electrons that light sets free varies with its square root. With
+the end of their range, are included and also counted separately.</p>
+<p><b>Shot-noise limit.</b> The number of electrons released by light varies with its square root. With
 <i>S</i> reflected electrons and <i>T</i> reflected and ambient ones in both taps of one exposure, contrast
 <i>C</i> and <i>N</i> phases, error propagation through the demodulation <i>atan2(Σ d sin t, Σ d cos
 t)</i> gives the phase shift the standard deviation</p>
 <p><i>σ<sub>φ</sub> = √(2 T / N) / (C S)</i>,
   <i>σ<sub>d</sub> = σ<sub>φ</sub> c / (4 π f)</i>.</p>
-<p>The sensor's limit has <i>T + 2 r² + 2 q² / 12</i> in place of <i>T</i>, for the read noise <i>r</i>
+<p>The limit of the sensor has <i>T + 2 r² + 2 q² / 12</i> in place of <i>T</i>, for the read noise <i>r</i>
 and the step <i>q</i> of the converter in electrons. For a hybrid camera, with the windows <i>P</i> and <i>Q</i>
 that the pulse falls into, the ambient window <i>R</i>, <i>D = P + Q − 2 R</i> and
 <i>u = (Q − R) / D</i>, it is
 <i>σ<sub>d</sub> = range √(u² P + (1 − u)² Q + (2 u − 1)² R) / D</i>.
-Source: Poisson statistics of the electrons (variance = mean), carried through the measuring equation to first
-order; good as long as the noise is small against the range. The limits shown are quadratic means over the
+Source: Poisson statistics of the electrons (variance = mean), propagated through the measuring equation to first
+order; valid as long as the noise is small against the range. The limits shown are quadratic means over the
 pixels.</p>
 )";
 

@@ -94,7 +94,7 @@ bool addErrors(const CkImageData& depth, const CkSimRaster& raster, const SkToFA
         return false;
     }
     SkToFCloudParameters parameters;
-    parameters.opticalPath.takeOverCameraValues(depth.metadata());
+    parameters.opticalPath.adoptCameraValues(depth.metadata());
     parameters.opticalPath.compensateDistortion = true;
     parameters.opticalPath.orthoRadialCorrection = false;
     parameters.opticalPath.realDistanceOffsetM = 0.0F;
@@ -153,7 +153,7 @@ SkToFAccuracyResult measureAccuracy(const SkToFAccuracyPoint& point, const SkToF
             return result;
         }
         if (!addErrors(*depth, camera.raster(), setup, result, statistics)) {
-            result.error = QStringLiteral("The processing made no distances.");
+            result.error = QStringLiteral("The processing gave no distances.");
             return result;
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The standard deviation that shot noise alone gives a measurement, from the collected electrons.
+// The standard deviation of a measurement that is due to shot noise alone, from the collected electrons.
 //
 // Shot noise is Poisson noise: its variance is the number of electrons. The functions propagate variances
 // through the measuring equation to first order, which is valid while the result is small against the range.

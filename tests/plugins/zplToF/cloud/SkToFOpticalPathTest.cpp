@@ -20,15 +20,15 @@ TEST(SkToFOpticalPath, StartsWithTheDefaultsOfTheSettings) {
 TEST(SkToFOpticalPath, TheCamerasOwnValuesWinWhereItHasThem) {
     SkToFOpticalPath path;
     CkImageMetadata metadata;
-    path.takeOverCameraValues(metadata);
+    path.adoptCameraValues(metadata);
     EXPECT_EQ(path, SkToFOpticalPath());
     metadata.modulationFrequency = -1.0F;
     metadata.lensFocalLength = NotANumber;
-    path.takeOverCameraValues(metadata);
+    path.adoptCameraValues(metadata);
     EXPECT_EQ(path, SkToFOpticalPath());
     metadata.modulationFrequency = 12.5F;
     metadata.lensFocalLength = 8.0F;
-    path.takeOverCameraValues(metadata);
+    path.adoptCameraValues(metadata);
     EXPECT_EQ(path.modulationFreqMHz, 12.5F);
     EXPECT_EQ(path.lensFocalLengthMM, 8.0F);
     EXPECT_EQ(path.chipCellSizeMM, 0.01F);

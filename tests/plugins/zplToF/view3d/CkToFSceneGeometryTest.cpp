@@ -143,15 +143,15 @@ TEST(ToFBoundingBoxTest, CornersAndEdges) {
 }
 
 TEST(ToFBoundingBoxTest, ASecondCallChangesTheCornersOnly) {
-    for (const bool takenUp : {false, true}) {
+    for (const bool uploaded : {false, true}) {
         QGeometryRenderer renderer;
-        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, takenUp);
+        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.5F, uploaded);
         const auto* geometry = renderer.geometry();
         const auto* vertexBuffer = attribute(renderer, "vertexPosition")->buffer();
         const auto* indexBuffer = attribute(renderer, "sceneIndexBuffer")->buffer();
         const QByteArray indices = indexBuffer->data();
 
-        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, takenUp);
+        ToFBoundingBox::update(&renderer, 1.0F, 0.75F, 0.25F, uploaded);
         EXPECT_EQ(renderer.geometry(), geometry);
         EXPECT_EQ(renderer.findChildren<Qt3DCore::QGeometry*>().size(), 1);
         EXPECT_EQ(renderer.geometry()->attributes().size(), 2);
