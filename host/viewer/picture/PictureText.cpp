@@ -18,7 +18,7 @@ struct Texts {
 } // namespace
 
 QString PictureText::translated(const QString& sName) {
-    // Channels of the time-of-flight plug-in and the simulated cameras, and colour maps.
+    // The names in ToFChannel that are words, and the colour maps of CkLut. Literals, for lupdate.
     static const char* const kKnown[] = {QT_TRANSLATE_NOOP("PictureText", "Phase shift"),
                                          QT_TRANSLATE_NOOP("PictureText", "Confidence"),
                                          QT_TRANSLATE_NOOP("PictureText", "Depth"),
@@ -44,13 +44,13 @@ QString PictureText::channelName(const SkPicBufInfo& info, const CkImageMetadata
         return translated(metadata.channelNames[int(uiChannel)]);
     }
     if (info.colorFilterArray == EkColorFilterArray::RawX2AandB && info.channels == 2) {
-        return uiChannel == 0 ? QStringLiteral("A") : QStringLiteral("B");
+        return uiChannel == 0 ? ToFChannel::kA : ToFChannel::kB;
     }
     if (info.colorFilterArray == EkColorFilterArray::RawAminusB && info.channels == 1) {
         return QStringLiteral("A - B");
     }
     if (info.colorFilterArray == EkColorFilterArray::RawX3Hybrid && info.channels == 3) {
-        return QStringLiteral("X%1").arg(uiChannel + 1);
+        return uiChannel == 0 ? ToFChannel::kX1 : uiChannel == 1 ? ToFChannel::kX2 : ToFChannel::kX3;
     }
     if (PictureColours::isColourPicture(info)) {
         const QStringList names = {Texts::tr("Blue"), Texts::tr("Green"), Texts::tr("Red"),

@@ -6,7 +6,10 @@
 #include "tests/support/SampleTypes.h"
 #include "tests/support/TestPicture.h"
 #include "zuCore/CkLut.h"
+#include "zuCore/ToFVocabulary.h"
 
+#include <QCoreApplication>
+#include <QTranslator>
 #include <gtest/gtest.h>
 #include <limits>
 #include <numbers>
@@ -232,6 +235,27 @@ TEST(PictureText, CountsAreSaidOnceForAllChannels) {
     auto colour = makeFrame<quint8>(EkImageDataType::UInt8, 1, 1, 3, 8,
                                     [](quint32, quint32, quint32 c) { return quint8(c); });
     EXPECT_EQ(PictureText::pixel(colour->picBuf(), {}, 0, 0), "x 0, y 0:  Blue 0,  Green 1,  Red 2");
+}
+
+/// Marks every text that is looked up.
+class MarkingTranslator : public QTranslator {
+public:
+    QString translate(const char*, const char* sourceText, const char*, int) const override {
+        return QStringLiteral("<%1>").arg(QLatin1String(sourceText));
+    }
+    bool isEmpty() const override { return false; }
+};
+
+TEST(PictureText, TranslatesTheNamesOfChannelsAndColourMaps) {
+    MarkingTranslator translator;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&translator));
+    QStringList names = CkLut::pseudoColorNames();
+    EXPECT_EQ(names.removeAll("Jet"), 1); // a proper name, the same in every language
+    names << ToFChannel::kPhaseShift << ToFChannel::kDepth << ToFChannel::kConfidence << ToFChannel::kGrey;
+    for (const QString& name : std::as_const(names)) {
+        EXPECT_EQ(PictureText::translated(name), QStringLiteral("<%1>").arg(name));
+    }
+    EXPECT_EQ(PictureText::translated("Unknown"), "Unknown");
 }
 
 TEST(PictureText, KnowsRawPicturesWithoutNames) {
