@@ -32,7 +32,7 @@ public:
     /// In order of opening.
     QList<CkMdiView*> views() const;
 
-    /// -1: none. Stays when the program loses the focus to another one.
+    /// -1: none. Does not change when the program loses the focus to another one.
     int activeViewId() const { return m_activeViewId; }
     /// Never null.
     CkViewNoticeController* notices() const { return m_notices; }
@@ -40,10 +40,10 @@ public:
     void setActiveView(int iViewId);
 
     /// Closes a view and those that follow it. With bAsk the user is asked about each one that holds data.
-    /// False for an unknown view, or when the user keeps one. The view is deleted when control returns to the
+    /// False for an unknown view, or when the user refuses. The view is deleted when control returns to the
     /// event loop.
     bool closeView(int iViewId, bool bAsk = true);
-    /// False when the user keeps one open.
+    /// False when the user refuses to close one.
     bool closeAllViews(bool bAsk);
 
     /// Whether the views are tiled whenever one is added or closed, or the area is resized.

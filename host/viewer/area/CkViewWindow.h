@@ -15,7 +15,7 @@ public:
     void closeNow();
 
 signals:
-    /// The user wants to close the view; the receiver calls closeNow to agree.
+    /// The user asks to close the view; the receiver calls closeNow to agree.
     void closeRequested(int iViewId);
 
 protected:

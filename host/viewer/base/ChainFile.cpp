@@ -40,8 +40,8 @@ bool parse(const QString& fileName, QDomDocument& doc, QString& error) {
     return true;
 }
 
-// Every kind of source stores its camera in an attribute of its own. Camera identifiers are distinctive
-// enough to be looked for in all attributes.
+// Each kind of source names the attribute with its camera differently. Camera identifiers are distinctive
+// enough to search all attributes for them.
 void collectCameras(const QDomElement& element, const QStringList& cameraIds, QStringList& found) {
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.count(); ++i) {

@@ -23,6 +23,10 @@ std::unique_ptr<QSettings> ViewerSettings::open() {
     return std::make_unique<QSettings>(fileName(), QSettings::IniFormat);
 }
 
+QString ViewerSettings::pseudoColorKey(bool bFloat) {
+    return bFloat ? QStringLiteral("Viewer/PseudoColorFloat") : QStringLiteral("Viewer/PseudoColorInteger");
+}
+
 int ViewerSettings::defaultPseudoColor(bool bFloat) {
     if (!bFloat) {
         return 0;
@@ -36,4 +40,12 @@ int ViewerSettings::defaultPseudoColor(bool bFloat) {
         }
     }
     return names.size() > 1 ? 1 : 0;
+}
+
+QString ViewerSettings::lastDirectory() {
+    return open()->value(kLastDirectoryKey).toString();
+}
+
+void ViewerSettings::setLastDirectory(const QString& sDirectory) {
+    open()->setValue(kLastDirectoryKey, sDirectory);
 }

@@ -21,38 +21,26 @@ class QSettings;
 /// | Viewer/RecentChains          | strings    | empty          | File menu        |
 namespace ViewerSettings {
 
-/// Empty: the user's own store. To be called before the first open(); user-interface thread.
+/// The file of the store; empty: the user's own. To be called before the first open(); user-interface thread.
 void setFileName(const QString& sFileName);
 /// Each call returns a new object on the same store.
 std::unique_ptr<QSettings> open();
 
-inline QString keyGeometry() {
-    return QStringLiteral("Viewer/Geometry");
-}
-inline QString keyState() {
-    return QStringLiteral("Viewer/State");
-}
-inline QString keyArrange() {
-    return QStringLiteral("Viewer/Arrange");
-}
-/// See SessionWriter.
-inline QString keySession() {
-    return QStringLiteral("Viewer/Session");
-}
-inline QString keyReopenCameras() {
-    return QStringLiteral("Viewer/ReopenCameras");
-}
-inline QString keyLastDirectory() {
-    return QStringLiteral("Viewer/LastDirectory");
-}
-inline QString keyRecentChains() {
-    return QStringLiteral("Viewer/RecentChains");
-}
-inline QString keyPseudoColor(bool bFloat) {
-    return bFloat ? QStringLiteral("Viewer/PseudoColorFloat") : QStringLiteral("Viewer/PseudoColorInteger");
-}
+inline const QString kGeometryKey = QStringLiteral("Viewer/Geometry");
+inline const QString kStateKey = QStringLiteral("Viewer/State");
+inline const QString kArrangeKey = QStringLiteral("Viewer/Arrange");
+inline const QString kSessionKey = QStringLiteral("Viewer/Session"); ///< see SessionWriter
+inline const QString kReopenCamerasKey = QStringLiteral("Viewer/ReopenCameras");
+inline const QString kLastDirectoryKey = QStringLiteral("Viewer/LastDirectory");
+inline const QString kRecentChainsKey = QStringLiteral("Viewer/RecentChains");
+QString pseudoColorKey(bool bFloat);
+
 /// Index of the pseudo-colour table of new views: a colourful one for floating-point samples, grey for
 /// integers.
 int defaultPseudoColor(bool bFloat);
+
+/// The folder in which file dialogs start: that of the file opened or saved last. Empty before the first.
+QString lastDirectory();
+void setLastDirectory(const QString& sDirectory);
 
 } // namespace ViewerSettings

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QWidget>
 
-/// The colour bar beside a picture, labelled with the values that the colours stand for. User-interface
+/// The colour bar beside a picture, labelled with the values that the colours represent. User-interface
 /// thread.
 class CkColorLegend : public QWidget {
     Q_OBJECT

@@ -118,7 +118,7 @@ void CkImageCanvas::paintEvent(QPaintEvent*) {
         return;
     }
     const double scale = zoom();
-    // Not smoothed when enlarged: single pixels are to be told apart.
+    // Not smoothed when enlarged, so that single pixels can be distinguished.
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < 1.0);
     // Only the visible part is scaled.
     const QRectF visible = QRectF(toPicture(QPointF(0, 0)), toPicture(QPointF(width(), height())));

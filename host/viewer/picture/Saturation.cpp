@@ -4,6 +4,7 @@
 #include "zuCore/CkImageSource.h"
 
 #include <QCoreApplication>
+
 namespace {
 
 struct Texts {
@@ -15,7 +16,7 @@ bool isDifferenceCode(quint32 code) {
            code == ToFFormatCode::kAminusBBits12Alternate;
 }
 
-// A block that only passes samples on keeps their type and number: its picture counts as the source's.
+// A block that passes samples through preserves their type and number: its picture counts as the source's.
 bool isComputed(const SkPicBufInfo& info, const CkChainable* pBlock) {
     const CkChainable* const source = Saturation::soleSource(pBlock);
     SkPicBufInfo original;

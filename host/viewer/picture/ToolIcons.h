@@ -12,7 +12,7 @@ namespace ToolIcons {
 QIcon fit(const QPalette& palette);
 /// A bar of colours with its scale.
 QIcon legend(const QPalette& palette);
-/// An arrow into a sheet.
+/// An arrow into a tray.
 QIcon save(const QPalette& palette);
 
 } // namespace ToolIcons

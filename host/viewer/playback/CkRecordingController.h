@@ -50,7 +50,7 @@ public slots:
 signals:
     /// A recording has started; the receiver shows the panel.
     void showPanelRequested();
-    /// The user wants to open a finished recording.
+    /// The user asked to open a finished recording.
     void openRequested(const QString& sFileName);
 
 private:

@@ -15,7 +15,7 @@ class CkChain;
 
 /// One recording of a block's output, from its start until the file is closed. User-interface thread.
 ///
-/// A source keeps being recorded when blocks are added after it or when it moves to another chain; the
+/// The recording of a source continues when blocks are added after it or when it moves to another chain; the
 /// recording of a view's output follows the view to blocks inserted there. The recording ends when its block
 /// is destroyed.
 class CkRecordingJob : public QObject {

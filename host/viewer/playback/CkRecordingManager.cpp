@@ -17,7 +17,6 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QRegularExpression>
-#include <QSettings>
 
 #include <algorithm>
 
@@ -174,11 +173,10 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
         return;
     }
     const QPointer<CkChainable> block(pBlock);
-    const auto settings = ViewerSettings::open();
     QString name = titleOf(pBlock);
     name.replace(QRegularExpression(QStringLiteral("[^\\w.,()-]+")), QStringLiteral(" "));
     const QString proposed =
-        QDir(settings->value(ViewerSettings::keyLastDirectory()).toString())
+        QDir(ViewerSettings::lastDirectory())
             .filePath(QStringLiteral("%1 %2.tif")
                           .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss")),
                                name.simplified().left(80)));
@@ -196,7 +194,7 @@ void CkRecordingManager::recordWithDialog(CkChainable* pBlock) {
     if (fileName.isEmpty()) {
         return;
     }
-    settings->setValue(ViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
+    ViewerSettings::setLastDirectory(QFileInfo(fileName).absolutePath());
     QString error = tr("What was to be recorded has been closed.");
     if (!block ||
         record(block, fileName, format == 1 ? EkRecordingCompression::Deflate : EkRecordingCompression::None,

@@ -27,7 +27,7 @@ public:
     void refresh();
 
 signals:
-    /// The user wants to open a finished recording.
+    /// The user asked to open a finished recording.
     void openRequested(const QString& sFileName);
 
 private:

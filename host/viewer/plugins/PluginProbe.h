@@ -12,9 +12,9 @@ namespace PluginProbe {
 /// The program to run, located relative to this one; empty when it is missing.
 QString program();
 
-/// Loads the library in a child process, starts the plug-in, asks for its texts and ends it, as the viewer
+/// Loads the library in a child process, starts the plug-in, reads its texts and ends it, as the viewer
 /// would. An empty text: the plug-in passed. Otherwise a message that names the library and what it did.
-/// std::nullopt when the child process cannot be run, which tells nothing about the library.
+/// std::nullopt when the child process cannot be run, which says nothing about the library.
 std::optional<QString> refusal(const QString& sLibrary, std::chrono::milliseconds timeLimit);
 
 } // namespace PluginProbe

@@ -58,11 +58,11 @@ CkSessionReader::CkSessionReader(CkViewArea* pArea, CkCameraController* pCameras
 
 SkRestoredSession CkSessionReader::restoreLast(CkViewArea* pArea, CkCameraController* pCameras) {
     const auto settings = ViewerSettings::open();
-    if (!settings->value(ViewerSettings::keyReopenCameras(), true).toBool()) {
+    if (!settings->value(ViewerSettings::kReopenCamerasKey, true).toBool()) {
         return {};
     }
     const SkRestoredSession restored =
-        CkSessionReader(pArea, pCameras).restore(settings->value(ViewerSettings::keySession()).toByteArray());
+        CkSessionReader(pArea, pCameras).restore(settings->value(ViewerSettings::kSessionKey).toByteArray());
     for (const QString& problem : restored.problems) {
         qWarning("%s", qUtf8Printable(problem));
     }

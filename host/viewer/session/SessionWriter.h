@@ -4,6 +4,7 @@
 
 class CkViewArea;
 
+/// Writes the contents of a session.
 namespace SessionWriter {
 
 /// The open documents, as a text that CkSessionReader restores: the cameras and whether they run, the

@@ -17,9 +17,9 @@ SkWindowLayout SkWindowLayout::of(const QMainWindow& window, const CkViewArea& a
 
 SkWindowLayout SkWindowLayout::load() {
     const auto settings = ViewerSettings::open();
-    return {settings->value(ViewerSettings::keyGeometry()).toByteArray(),
-            settings->value(ViewerSettings::keyState()).toByteArray(), std::nullopt,
-            settings->value(ViewerSettings::keyArrange(), true).toBool()};
+    return {settings->value(ViewerSettings::kGeometryKey).toByteArray(),
+            settings->value(ViewerSettings::kStateKey).toByteArray(), std::nullopt,
+            settings->value(ViewerSettings::kArrangeKey, true).toBool()};
 }
 
 void SkWindowLayout::applyTo(QMainWindow& window, CkViewArea& area) const {
@@ -31,16 +31,16 @@ void SkWindowLayout::applyTo(QMainWindow& window, CkViewArea& area) const {
 void SkWindowLayout::save(const SkWindowLayout* pBefore) const {
     const auto settings = ViewerSettings::open();
     if (pBefore == nullptr || pBefore->geometry != geometry) {
-        settings->setValue(ViewerSettings::keyGeometry(), geometry);
+        settings->setValue(ViewerSettings::kGeometryKey, geometry);
     }
     if (pBefore == nullptr || pBefore->state != state) {
-        settings->setValue(ViewerSettings::keyState(), state);
+        settings->setValue(ViewerSettings::kStateKey, state);
     }
     if (pBefore == nullptr || pBefore->arrange != arrange) {
-        settings->setValue(ViewerSettings::keyArrange(), arrange);
+        settings->setValue(ViewerSettings::kArrangeKey, arrange);
     }
     if (session && (pBefore == nullptr || pBefore->session != session)) {
-        settings->setValue(ViewerSettings::keySession(), *session);
+        settings->setValue(ViewerSettings::kSessionKey, *session);
     }
     // QSettings replaces the file as a whole.
     settings->sync();

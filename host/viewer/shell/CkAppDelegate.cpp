@@ -109,7 +109,7 @@ CkLut* CkAppDelegate::createLut(const SkPicBufInfo& info, const QList<void*>&) {
                           info.layoutFlag, info.dataType);
     lut->setPseudoColorIndex(
         ViewerSettings::open()
-            ->value(ViewerSettings::keyPseudoColor(isFloat), ViewerSettings::defaultPseudoColor(isFloat))
+            ->value(ViewerSettings::pseudoColorKey(isFloat), ViewerSettings::defaultPseudoColor(isFloat))
             .toInt());
     lut->allocRgbTable(0);
     return lut;
@@ -129,9 +129,9 @@ void CkAppDelegate::viewLutChanged(CkMdiView* pView) {
 }
 
 QString CkAppDelegate::lastDirectory() {
-    return ViewerSettings::open()->value(ViewerSettings::keyLastDirectory()).toString();
+    return ViewerSettings::lastDirectory();
 }
 
 void CkAppDelegate::setLastDirectory(const QString& sDirectory) {
-    ViewerSettings::open()->setValue(ViewerSettings::keyLastDirectory(), sDirectory);
+    ViewerSettings::setLastDirectory(sDirectory);
 }

@@ -18,12 +18,8 @@ namespace {
 
 constexpr int kRecentFiles = 8;
 
-QString lastDirectory() {
-    return ViewerSettings::open()->value(ViewerSettings::keyLastDirectory()).toString();
-}
-
-void setLastDirectory(const QString& fileName) {
-    ViewerSettings::open()->setValue(ViewerSettings::keyLastDirectory(), QFileInfo(fileName).absolutePath());
+void rememberDirectory(const QString& fileName) {
+    ViewerSettings::setLastDirectory(QFileInfo(fileName).absolutePath());
 }
 
 void addRecent(const QString& fileName) {
@@ -31,7 +27,7 @@ void addRecent(const QString& fileName) {
     QStringList recent = CkFileMenu::recentFiles();
     recent.removeAll(path);
     recent.prepend(path);
-    ViewerSettings::open()->setValue(ViewerSettings::keyRecentChains(), recent.mid(0, kRecentFiles));
+    ViewerSettings::open()->setValue(ViewerSettings::kRecentChainsKey, recent.mid(0, kRecentFiles));
 }
 
 } // namespace
@@ -67,23 +63,23 @@ void CkFileMenu::openOrReport(const QString& fileName) {
 
 void CkFileMenu::openAll(const QStringList& fileNames) {
     for (const QString& name : fileNames) {
-        setLastDirectory(name);
+        rememberDirectory(name);
         openOrReport(name);
     }
 }
 
 void CkFileMenu::openChainWithDialog() {
-    openAll(QFileDialog::getOpenFileNames(m_window, tr("Open Chain"), lastDirectory(),
+    openAll(QFileDialog::getOpenFileNames(m_window, tr("Open Chain"), ViewerSettings::lastDirectory(),
                                           tr("Chain files (*.zuchain);;All files (*)")));
 }
 
 void CkFileMenu::openRecordingWithDialog() {
-    openAll(QFileDialog::getOpenFileNames(m_window, tr("Open Recording"), lastDirectory(),
+    openAll(QFileDialog::getOpenFileNames(m_window, tr("Open Recording"), ViewerSettings::lastDirectory(),
                                           m_opener->dialogFilter(QStringLiteral("recording"))));
 }
 
 QStringList CkFileMenu::recentFiles() {
-    return ViewerSettings::open()->value(ViewerSettings::keyRecentChains()).toStringList();
+    return ViewerSettings::open()->value(ViewerSettings::kRecentChainsKey).toStringList();
 }
 
 void CkFileMenu::fillRecentMenu() {
@@ -108,14 +104,14 @@ void CkFileMenu::saveChainWithDialog() {
     const QString name =
         askSaveFileName(m_window,
                         {.title = tr("Save Chain"),
-                         .start = lastDirectory(),
+                         .start = ViewerSettings::lastDirectory(),
                          .formats = {{tr("Chain files (*.zuchain)"), QStringLiteral("zuchain")},
                                      {tr("All files (*)"), QStringLiteral("zuchain")}}},
                         format);
     if (name.isEmpty()) {
         return;
     }
-    setLastDirectory(name);
+    rememberDirectory(name);
     QString error = tr("The chain has been closed in the meantime.");
     if (!chain || !m_chains->save(*chain, name, error)) {
         QMessageBox::warning(m_window, tr("Save Chain"), error);

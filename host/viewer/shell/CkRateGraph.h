@@ -17,7 +17,7 @@ public:
     void add(double fFrames, double fDropped);
     void clear();
 
-    /// Seconds kept so far, at most kSeconds.
+    /// Seconds shown so far, at most kSeconds.
     qsizetype count() const { return m_samples.size(); }
 
     QSize sizeHint() const override { return {2 * kSeconds + 2, 18}; }

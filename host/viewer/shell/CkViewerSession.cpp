@@ -208,13 +208,13 @@ bool CkViewerSession::openFiles() {
     return ok;
 }
 
-void CkViewerSession::whenReady(int iViewId, const std::function<void()>& what) {
+void CkViewerSession::whenReady(int iViewId, const std::function<void()>& callback) {
     // After the first frame, so that actions know what the view shows.
     connect(
         m_window->area()->view(iViewId), &CkMdiView::receivedFrame, this,
-        [this, what] {
+        [this, callback] {
             // Not during frame delivery, because actions may open modal dialogs.
-            QTimer::singleShot(0, this, what);
+            QTimer::singleShot(0, this, callback);
         },
         Qt::SingleShotConnection);
 }

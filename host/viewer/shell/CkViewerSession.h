@@ -51,7 +51,7 @@ private:
     bool openCameras();
     bool openFiles();
     /// Calls the function after the view's first frame.
-    void whenReady(int iViewId, const std::function<void()>& what);
+    void whenReady(int iViewId, const std::function<void()>& callback);
     void open3dView(int iViewId);
     void runStartActionsWhenReady();
     void runStartActions(int iViewId);

@@ -82,11 +82,11 @@ void CkCameraMenu::addReopenAction(QMenu* pMenu) {
     reopen->setObjectName(QStringLiteral("actReopenCameras"));
     reopen->setCheckable(true);
     reopen->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_R));
-    reopen->setChecked(ViewerSettings::open()->value(ViewerSettings::keyReopenCameras(), true).toBool());
+    reopen->setChecked(ViewerSettings::open()->value(ViewerSettings::kReopenCamerasKey, true).toBool());
     reopen->setToolTip(
         tr("Open the cameras, recordings and views of this session again when the viewer is started"));
     connect(reopen, &QAction::toggled, this,
-            [](bool bOn) { ViewerSettings::open()->setValue(ViewerSettings::keyReopenCameras(), bOn); });
+            [](bool bOn) { ViewerSettings::open()->setValue(ViewerSettings::kReopenCamerasKey, bOn); });
 }
 
 void CkCameraMenu::refresh() {

@@ -20,7 +20,7 @@ class CkLogSink : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int kMaximumEntries = 10'000; ///< entries
+    static constexpr int kMaximumEntries = 10'000; ///< older ones are dropped
 
     static CkLogSink* instance();
 
@@ -29,7 +29,7 @@ public:
     /// Restores the previous handler.
     void uninstall();
 
-    /// The entries kept, oldest first.
+    /// The newest entries, oldest first.
     QList<SkLogEntry> entries() const;
 
 signals:

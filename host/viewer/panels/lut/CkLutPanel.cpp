@@ -274,7 +274,7 @@ void CkLutPanel::applyMap(int iIndex) {
     const CkImageData* frame = m_imageView ? m_imageView->currentImage() : nullptr;
     if (frame != nullptr) {
         const bool isFloat = frame->picBuf().dataType == EkImageDataType::Float32;
-        ViewerSettings::open()->setValue(ViewerSettings::keyPseudoColor(isFloat), iIndex);
+        ViewerSettings::open()->setValue(ViewerSettings::pseudoColorKey(isFloat), iIndex);
     }
 }
 

@@ -5,13 +5,11 @@
 #include "host/viewer/base/pluralNumber.h"
 #include "host/viewer/panels/quality/CkQualityControls.h"
 #include "host/viewer/panels/quality/CkRegionOverlay.h"
+#include "host/viewer/panels/quality/MeasuredView.h"
 #include "host/viewer/panels/quality/QualityQuantities.h"
 #include "host/viewer/picture/CkImageCanvas.h"
 #include "host/viewer/picture/CkImageView.h"
-#include "zuCore/CkChain.h"
-#include "zuCore/CkChainable.h"
 #include "zuCore/CkImageData.h"
-#include "zuCore/ToFVocabulary.h"
 #include "zuCoreGui/IkAppDelegate.h"
 
 #include <QAction>
@@ -25,38 +23,6 @@
 namespace {
 
 constexpr int kShowMs = 200;
-
-const CkChain* chainOf(const CkMdiView* view) {
-    const CkChainable* block = view != nullptr ? view->dataProvider() : nullptr;
-    return block != nullptr ? block->chain() : nullptr;
-}
-
-// The picture view that a view is measured in: itself, the one it follows, or one of its chain; or null.
-CkImageView* pictureViewFor(CkMdiView* view, const CkViewArea& area) {
-    if (auto* image = qobject_cast<CkImageView*>(view)) {
-        return image;
-    }
-    if (auto* connected =
-            view != nullptr ? qobject_cast<CkImageView*>(area.view(view->connectedViewId())) : nullptr) {
-        return connected;
-    }
-    const CkChain* const chain = chainOf(view);
-    CkImageView* found = nullptr;
-    for (CkMdiView* candidate : area.views()) {
-        auto* const image = qobject_cast<CkImageView*>(candidate);
-        if (image == nullptr || chain == nullptr || chainOf(image) != chain) {
-            continue;
-        }
-        // A cloud is made from distances; without them any picture of the chain is used.
-        const CkImageData* const frame = image->currentImage();
-        const QString first = frame != nullptr ? frame->metadata().channelNames.value(0) : QString();
-        if (first == ToFChannel::kDepth || first == ToFChannel::kPhaseShift) {
-            return image;
-        }
-        found = found == nullptr ? image : found;
-    }
-    return found;
-}
 
 } // namespace
 
@@ -151,7 +117,7 @@ void CkQualityPanel::setShownByDock(bool bShown) {
 }
 
 void CkQualityPanel::follow() {
-    CkImageView* const source = isOnScreen() ? pictureViewFor(m_area->activeView(), *m_area) : nullptr;
+    CkImageView* const source = isOnScreen() ? measuredViewFor(m_area->activeView(), *m_area) : nullptr;
     if (source == m_source) {
         updateControls();
         return;
@@ -268,7 +234,7 @@ void CkQualityPanel::updateControls() {
     state.reason = nothing;
     state.focalLengthMm = frame != nullptr ? double(frame->metadata().lensFocalLength) : 0.0;
     m_controls->showState(state);
-    const bool drawable = pictureViewFor(active, *m_area) != nullptr;
+    const bool drawable = measuredViewFor(active, *m_area) != nullptr;
     m_drawAction->setEnabled(drawable);
     m_drawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
                                       : nothing);

@@ -19,7 +19,7 @@ bool isHybrid(const SkPicBufInfo& info) {
     return info.colorFilterArray == EkColorFilterArray::RawX3Hybrid;
 }
 
-/// Position of a picture in a set of several that make one; 0 for a picture of its own.
+/// Position of a picture in the set of pictures that one measurement consists of; 0 for a single picture.
 qint64 positionInSet(const SkPicBufInfo& info, const CkImageMetadata& metadata) {
     const bool hybrid = isHybrid(info);
     return hybrid || SkToFSetPosition::isSeparatePhase(metadata)
@@ -97,7 +97,7 @@ void CkSaturationMonitor::add(const CkImageData& frame) {
     if (position > 0) {
         const std::lock_guard lock(m_mutex);
         if (m_sets.empty() || m_sets.back().size != set.size || m_sets.back().answer != set.answer) {
-            return; // the beginning of the set was missed
+            return; // the start of the set was missed
         }
         set.pixels = m_sets.back().pixels;
     }

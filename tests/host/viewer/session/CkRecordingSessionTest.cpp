@@ -25,7 +25,7 @@ protected:
         m_session.reset();
     }
     static QString remembered() {
-        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::kSessionKey).toByteArray());
     }
     void rememberAGreyCamera() {
         ASSERT_TRUE(start());
@@ -147,7 +147,7 @@ TEST_P(NamedOnTheCommandLine, LeavesTheSessionAlone) {
     window()->findChild<QDockWidget*>("dockLog")->hide();
     QTest::keyClick(window(), Qt::Key_Shift);
     ASSERT_TRUE(waitFor([this] {
-        return ViewerSettings::open()->value(ViewerSettings::keyState()).toByteArray() ==
+        return ViewerSettings::open()->value(ViewerSettings::kStateKey).toByteArray() ==
                window()->saveState();
     }));
     EXPECT_EQ(remembered(), before);

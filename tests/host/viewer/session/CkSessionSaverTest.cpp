@@ -31,7 +31,7 @@ protected:
         m_session.reset();
     }
     static QString remembered() {
-        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::kSessionKey).toByteArray());
     }
     static bool waitUntilRemembered(const QString& text) {
         return QTest::qWaitFor([&] { return remembered().contains(text); }, kPatience);
@@ -51,7 +51,7 @@ TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
     QTest::keyClick(window(), Qt::Key_Shift);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
-            return ViewerSettings::open()->value(ViewerSettings::keyState()).toByteArray() ==
+            return ViewerSettings::open()->value(ViewerSettings::kStateKey).toByteArray() ==
                    window()->saveState();
         },
         kPatience));
@@ -135,7 +135,7 @@ TEST_F(SessionSaver, A3dViewThatHadNoFrameToFollowIsNotForgotten) {
     openGrey();
     close();
     ASSERT_TRUE(remembered().contains("has3d=\"0\""));
-    ViewerSettings::open()->setValue(ViewerSettings::keySession(),
+    ViewerSettings::open()->setValue(ViewerSettings::kSessionKey,
                                      remembered().replace("has3d=\"0\"", "has3d=\"1\"").toUtf8());
     ASSERT_TRUE(start());
     close();
@@ -189,7 +189,7 @@ TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) 
     close();
     // The camera does not run, so that no picture arrives.
     const auto setRunning = [](const char* from, const char* to) {
-        ViewerSettings::open()->setValue(ViewerSettings::keySession(),
+        ViewerSettings::open()->setValue(ViewerSettings::kSessionKey,
                                          remembered().replace(from, to).toUtf8());
     };
     setRunning("running=\"1\"", "running=\"0\"");

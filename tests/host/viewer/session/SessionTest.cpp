@@ -33,7 +33,7 @@ protected:
     }
 
     QString remembered() const {
-        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::keySession()).toByteArray());
+        return QString::fromUtf8(ViewerSettings::open()->value(ViewerSettings::kSessionKey).toByteArray());
     }
 };
 

@@ -144,7 +144,7 @@ TEST_F(WindowArrangement, TheTextAboutAPixelDoesNotWidenTheWindow) {
 
 TEST_F(WindowArrangement, RecentFilesAreNamedWholeInTheMenu) {
     ASSERT_TRUE(start());
-    ViewerSettings::open()->setValue(ViewerSettings::keyRecentChains(), QStringList{"/left & right/a.tif"});
+    ViewerSettings::open()->setValue(ViewerSettings::kRecentChainsKey, QStringList{"/left & right/a.tif"});
     const auto* recent = window()->findChild<QMenu*>("menuRecentChains");
     ASSERT_NE(recent, nullptr);
     emit window()->menu(IkAppDelegate::FileMenu)->aboutToShow();

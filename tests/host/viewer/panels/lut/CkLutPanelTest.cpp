@@ -99,7 +99,7 @@ TEST_F(ViewerSession, LutPanelColoursTheActiveViewAndIsRemembered) {
     const std::unique_ptr<CkLut> lut(
         IkAppDelegate::instance()->createLut(view->currentImage()->picBuf(), {}));
     EXPECT_EQ(lut->pseudoColorIndex(), jet);
-    EXPECT_EQ(ViewerSettings::open()->value(ViewerSettings::keyPseudoColor(false)).toInt(), jet);
+    EXPECT_EQ(ViewerSettings::open()->value(ViewerSettings::pseudoColorKey(false)).toInt(), jet);
 }
 
 } // namespace
