@@ -40,8 +40,8 @@ QString refusal(const QString& name, const QString& suffix, const QList<SkSaveFo
     }
     known.removeDuplicates();
     return QCoreApplication::translate(
-               "SaveFileName", "\"%1\": nothing is written here that ends in .%2.\n\nThese endings can be "
-                               "written: %3.")
+               "SaveFileName",
+               "\"%1\": files with the extension .%2 cannot be written here.\n\nPossible extensions: %3.")
         .arg(QFileInfo(name).fileName(), suffix, known.join(QStringLiteral(", ")));
 }
 

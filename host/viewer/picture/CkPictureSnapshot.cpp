@@ -93,7 +93,7 @@ bool CkPictureSnapshot::writeAsSeen(const QString& sFileName, QString& sError) c
     }
     const QByteArray suffix = fileSuffix(sFileName).toLatin1();
     if (!QImageWriter::supportedImageFormats().contains(suffix)) {
-        sError = tr("%1: the ending says in which format a picture is saved: .png or .jpg.")
+        sError = tr("%1: the extension determines the format of the picture: use .png or .jpg.")
                      .arg(QDir::toNativeSeparators(sFileName));
         return false;
     }

@@ -26,7 +26,7 @@ CkPictureToolBar::CkPictureToolBar(CkImageCanvas* pCanvas, QWidget* pView) : QTo
     m_legendAction = addAction(ToolIcons::legend(pView->palette()), tr("Legend"));
     m_legendAction->setCheckable(true);
     m_legendAction->setChecked(true);
-    m_legendAction->setToolTip(tr("Show what the colours stand for (Ctrl+L)"));
+    m_legendAction->setToolTip(tr("Show which values the colours represent (Ctrl+L)"));
     connect(m_legendAction, &QAction::toggled, this, &CkPictureToolBar::legendToggled);
     addAction(ToolIcons::save(pView->palette()), tr("Save"), this, &CkPictureToolBar::saveRequested)
         ->setToolTip(tr("Save the picture to a file (Ctrl+P)"));

@@ -45,8 +45,8 @@ bool hasSuffixOf(const QString& format, const QString& fileName, QString& error)
     if (suffix.isEmpty() || isSameSuffix(suffix, format)) {
         return true;
     }
-    error =
-        Texts::tr("%1: this format needs the ending .%2.").arg(QDir::toNativeSeparators(fileName), format);
+    error = Texts::tr("%1: this format requires the extension .%2.")
+                .arg(QDir::toNativeSeparators(fileName), format);
     return false;
 }
 

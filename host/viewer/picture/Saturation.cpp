@@ -47,11 +47,11 @@ Saturation::EkEvidence Saturation::evidence(const SkPicBufInfo& info, const CkIm
 QString Saturation::reason(EkEvidence evidence) {
     switch (evidence) {
     case EkEvidence::Difference:
-        return Texts::tr("A minus B does not tell whether A and B were saturated");
+        return Texts::tr("A minus B does not show whether A and B were saturated");
     case EkEvidence::Floats:
-        return Texts::tr("Samples of this kind have no end of their range");
+        return Texts::tr("Samples of this type have no upper limit");
     case EkEvidence::Computed:
-        return Texts::tr("A computed picture does not tell; the picture of the camera does");
+        return Texts::tr("A computed picture does not show it; the picture of the camera does");
     default:
         return {};
     }

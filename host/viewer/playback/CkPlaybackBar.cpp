@@ -85,7 +85,7 @@ void CkPlaybackBar::createPaceControls() {
     m_pace->addItem(tr("Real time"), int(SkPlaybackSettings::RealTime));
     m_pace->addItem(tr("Every frame"), int(SkPlaybackSettings::EveryFrame));
     m_pace->setToolTip(tr("Real time: as it was recorded; frames that come too late are left out.\n"
-                          "Every frame: as fast as the chain goes, nothing left out."));
+                          "Every frame: as fast as the chain can process them, nothing left out."));
     m_speed = new QComboBox(this);
     m_speed->setObjectName(QStringLiteral("playbackSpeed"));
     for (const double speed : kSpeeds) {
@@ -195,8 +195,8 @@ void CkPlaybackBar::showPace() {
     const bool realTime = source->pace() == SkPlaybackSettings::RealTime;
     m_speed->setEnabled(realTime);
     m_speed->setToolTip(realTime ? tr("How much faster or slower than it was recorded")
-                                 : tr("Every frame is played as fast as the chain goes; choose real time "
-                                      "for a speed"));
+                                 : tr("Every frame is played as fast as the chain can process it; choose "
+                                      "real time to set a speed"));
 }
 
 void CkPlaybackBar::showDamage() {
@@ -212,7 +212,7 @@ void CkPlaybackBar::showDamage() {
     if (notice != m_notice->text()) {
         m_notice->setText(notice);
     }
-    m_notice->setToolTip(error.isEmpty() ? tr("Frames that came too late since playback was started")
+    m_notice->setToolTip(error.isEmpty() ? tr("Frames left out as too late since playback was started")
                                          : error);
     m_notice->setVisible(!notice.isEmpty());
 }

@@ -57,6 +57,6 @@ void CkRecordButton::refresh() {
     const bool running = runningOf(*m_manager, m_handle) != nullptr;
     setText(running ? tr("Stop Recording") : tr("Record..."));
     setToolTip(
-        running ? tr("Write what waits and close the file")
+        running ? tr("Write the queued frames and close the file")
                 : tr("Record the camera's pictures as they are delivered, from the moment the camera runs"));
 }

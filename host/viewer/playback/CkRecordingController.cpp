@@ -179,11 +179,11 @@ void CkRecordingController::refreshRecordActions() {
     m_recordSource->setToolTip(source != nullptr ? tr("Record \"%1\" as it is delivered").arg(source->title())
                                                  : none);
     m_recordView->setEnabled(output != nullptr);
-    m_recordView->setToolTip(
-        output != nullptr ? tr("Record what the active view is given, after all processing") : none);
+    m_recordView->setToolTip(output != nullptr ? tr("Record what the active view shows, after all processing")
+                                               : none);
     const int running = m_manager->runningCount();
     m_stopAll->setEnabled(running > 0);
-    m_stopAll->setToolTip(running > 0 ? tr("Write what waits and close the files")
+    m_stopAll->setToolTip(running > 0 ? tr("Write the queued frames and close the files")
                                       : tr("Nothing is being recorded"));
 }
 

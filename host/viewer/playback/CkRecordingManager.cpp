@@ -160,8 +160,8 @@ void CkRecordingManager::report(CkRecordingJob* pJob) {
     }
     qCritical("%s", qUtf8Printable(state.error));
     const QString kept = state.written > 0
-                             ? tr("The %n frame(s) in front of it are in the file and can be opened.",
-                                  nullptr, pluralNumber(state.written))
+                             ? tr("The %n frame(s) before it are in the file and can be opened.", nullptr,
+                                  pluralNumber(state.written))
                              : tr("The file holds no frame.");
     showBox(m_window,
             tr("The recording ended early.\n\n%1\n\n%2 %3")

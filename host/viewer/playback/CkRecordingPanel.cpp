@@ -99,11 +99,11 @@ CkRecordingPanel::SkRow CkRecordingPanel::createRow(CkRecordingJob* pJob) {
         made->setToolTip(tip);
         return made;
     };
-    row.stop =
-        button(tr("Stop"), QStringLiteral("btnStopRecording"), tr("Write what waits and close the file"));
+    row.stop = button(tr("Stop"), QStringLiteral("btnStopRecording"),
+                      tr("Write the queued frames and close the file"));
     row.open = button(tr("Open"), QStringLiteral("btnOpenRecording"), tr("Play this recording"));
     row.remove = button(QStringLiteral("\u2715"), QStringLiteral("btnForgetRecording"),
-                        tr("Take this line away; the file stays"));
+                        tr("Remove this entry; the file is kept"));
     grid->addWidget(row.indicator, 0, 0, Qt::AlignTop);
     grid->addWidget(row.name, 0, 1, 1, 4);
     grid->addWidget(row.counters, 1, 1);
@@ -163,7 +163,7 @@ void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) c
                                .arg(colour, running ? QStringLiteral("\u25cf") : QStringLiteral("\u25a0")));
     row.indicator->setToolTip(running    ? tr("Recording")
                               : finished ? tr("Finished")
-                                         : tr("Writing what waits"));
+                                         : tr("Writing the queued frames"));
     row.counters->setText(countersText(job));
     QStringList problems;
     if (state.dropped > 0) {
@@ -178,7 +178,7 @@ void CkRecordingPanel::refreshRow(const SkRow& row, const CkRecordingJob& job) c
     row.drops->setVisible(!problems.isEmpty());
     row.stop->setVisible(!finished);
     row.stop->setEnabled(running);
-    row.stop->setToolTip(running ? tr("Write what waits and close the file")
+    row.stop->setToolTip(running ? tr("Write the queued frames and close the file")
                                  : tr("The file is being closed"));
     row.open->setVisible(finished);
     row.open->setEnabled(state.written > 0);

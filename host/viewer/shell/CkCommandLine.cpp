@@ -41,16 +41,15 @@ CkCommandLine::CkCommandLine() {
         "Shows the pictures of industrial cameras, processes them in chains of blocks and, with the\n"
         "time-of-flight plug-in, turns them into live point clouds."));
     m_parser.addOption(
-        {{QStringLiteral("h"), QStringLiteral("help")}, CkCommandLine::tr("Shows this help and leaves.")});
+        {{QStringLiteral("h"), QStringLiteral("help")}, CkCommandLine::tr("Shows this help and exits.")});
     m_parser.addOption({{QStringLiteral("v"), QStringLiteral("version")},
-                        CkCommandLine::tr("Shows the version and leaves.")});
+                        CkCommandLine::tr("Shows the version and exits.")});
     m_parser.addOption(
         {kCamera,
          CkCommandLine::tr("Opens camera <N> at start and starts it: its number (from 0, see --list-cameras) "
                            "or its identifier. May be given several times."),
          QStringLiteral("N")});
-    m_parser.addOption(
-        {kListCameras, CkCommandLine::tr("Prints the cameras with their numbers and leaves.")});
+    m_parser.addOption({kListCameras, CkCommandLine::tr("Prints the cameras with their numbers and exits.")});
     m_parser.addOption({k3d, CkCommandLine::tr("Opens the 3D view of the first camera beside its picture.")});
     m_parser.addOption(
         {kPluginPath,
@@ -88,8 +87,8 @@ CkCommandLine::CkCommandLine() {
 void CkCommandLine::addUnattendedOptions() {
     m_parser.addOption(
         {kFrames,
-         CkCommandLine::tr("Leaves with exit code 0 after <N> frames were shown, after the files asked for "
-                           "were written."),
+         CkCommandLine::tr(
+             "Exits with code 0 after <N> frames have been shown and the requested files have been written."),
          QStringLiteral("N")});
     m_parser.addOption({kScreenshot, CkCommandLine::tr("With --frames: writes a picture of the window."),
                         QStringLiteral("file")});

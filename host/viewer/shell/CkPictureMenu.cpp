@@ -74,7 +74,7 @@ void CkPictureMenu::refresh() {
     for (QAction* action : std::as_const(m_pictureActions)) {
         action->setEnabled(view != nullptr);
         action->setToolTip(view != nullptr                   ? QString()
-                           : m_area->activeView() != nullptr ? tr("The active view is no picture view")
+                           : m_area->activeView() != nullptr ? tr("The active view is not a picture view")
                                                              : tr("No view is open"));
     }
     if (view != nullptr) {

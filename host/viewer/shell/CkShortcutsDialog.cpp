@@ -52,7 +52,7 @@ CkShortcutsDialog::CkShortcutsDialog(const QMenuBar* pMenuBar, QWidget* pParent)
     new QTreeWidgetItem(tree, {tr("Mouse wheel"), tr("In a picture: zoom about the mouse")});
     new QTreeWidgetItem(tree, {tr("Drag, arrow keys"), tr("In a picture: move it")});
     new QTreeWidgetItem(tree, {tr("Double click"), tr("In a picture: whole picture or 1:1")});
-    new QTreeWidgetItem(tree, {tr("Right click"), tr("In a picture: what can be done with it")});
+    new QTreeWidgetItem(tree, {tr("Right click"), tr("In a picture: context menu")});
     new QTreeWidgetItem(tree, {QStringLiteral("O"), tr("In a 3D view: distance along the ray or the axis")});
     new QTreeWidgetItem(tree, {tr("Left button, drag"), tr("In a 3D view: move the scene")});
     new QTreeWidgetItem(tree, {tr("Right button, drag"), tr("In a 3D view: turn the scene")});

@@ -30,7 +30,7 @@ void CkViewMenu::addViewActions(QMenu* menu) {
     m_arrange->setShortcut(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_T));
     m_arrange->setCheckable(true);
     m_arrange->setChecked(m_area->arrangesItself());
-    m_arrange->setToolTip(tr("Tile the views whenever one comes or goes"));
+    m_arrange->setToolTip(tr("Tile the views whenever one is opened or closed"));
     connect(m_arrange, &QAction::triggered, m_area, &CkViewArea::setArrangesItself);
     m_viewActions.append(menu->addAction(tr("&Next View"), QKeySequence(Qt::CTRL | Qt::Key_PageDown), m_area,
                                          &CkViewArea::activateNextView));

@@ -4,11 +4,11 @@
 <context>
     <name>ChainEditor</name>
     <message>
-        <source>The block to build on is in no chain any more.</source>
-        <translation>Der Block, an den angebaut werden soll, gehört zu keiner Kette mehr.</translation>
+        <source>The selected block is no longer in a chain.</source>
+        <translation>Der ausgewählte Block gehört zu keiner Kette mehr.</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or what follows cannot work on its output.</source>
+        <source>&quot;%1&quot; cannot work on the output of &quot;%2&quot;, or the blocks after it cannot process its output.</source>
         <translation>„%1“ kann die Ausgabe von „%2“ nicht verarbeiten, oder die folgenden Blöcke können seine Ausgabe nicht verarbeiten.</translation>
     </message>
     <message>
@@ -20,7 +20,7 @@
         <translation>Eine Quelle lässt sich nicht aus ihrer Kette nehmen; schließen Sie stattdessen die Ansichten der Kette.</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; cannot be removed: what it feeds cannot work without it.</source>
+        <source>&quot;%1&quot; cannot be removed: the blocks after it cannot work without it.</source>
         <translation>„%1“ lässt sich nicht entfernen: Die Blöcke dahinter können ohne ihn nicht arbeiten.</translation>
     </message>
 </context>
@@ -223,7 +223,7 @@
         <translation>Als wäre ihr Kabel gezogen worden: Ihre Ansichten behalten ihre Bilder und warten</translation>
     </message>
     <message>
-        <source>Let an unplugged camera go on</source>
+        <source>Reconnect an unplugged camera</source>
         <translation>Eine abgezogene Kamera wieder anstecken</translation>
     </message>
     <message>
@@ -500,7 +500,7 @@ Kennung %3</translation>
     </message>
     <message>
         <source>Add a block after the selected one</source>
-        <translation>Einen Block hinter dem ausgewählten einfügen</translation>
+        <translation>Einen Block nach dem ausgewählten einfügen</translation>
     </message>
     <message>
         <source>Open the settings of the selected block</source>
@@ -511,12 +511,12 @@ Kennung %3</translation>
         <translation>Ein</translation>
     </message>
     <message>
-        <source>A source is switched with its camera</source>
-        <translation>Eine Quelle wird mit ihrer Kamera geschaltet</translation>
+        <source>A source is started and stopped with its camera</source>
+        <translation>Eine Quelle wird mit ihrer Kamera gestartet und angehalten</translation>
     </message>
     <message>
-        <source>Let the block work again</source>
-        <translation>Den Block wieder arbeiten lassen</translation>
+        <source>Switch the block on again</source>
+        <translation>Den Block wieder einschalten</translation>
     </message>
     <message>
         <source>Switch the block off: it then delivers nothing</source>
@@ -535,8 +535,8 @@ Kennung %3</translation>
         <translation>Den ausgewählten Block erklären</translation>
     </message>
     <message>
-        <source>This block brings no help</source>
-        <translation>Dieser Block bringt keine Hilfe mit</translation>
+        <source>This block has no help</source>
+        <translation>Dieser Block hat keine Hilfe</translation>
     </message>
     <message>
         <source>Save the chain to a file (Ctrl+S)</source>
@@ -583,8 +583,8 @@ Kennung %3</translation>
         <translation>Block &amp;einschalten</translation>
     </message>
     <message>
-        <source>Blocks come with plug-ins, and none is loaded</source>
-        <translation>Blöcke kommen mit Plug-ins, und keines ist geladen</translation>
+        <source>Blocks are provided by plug-ins, and none is loaded</source>
+        <translation>Blöcke werden von Plug-ins bereitgestellt, und keines ist geladen</translation>
     </message>
 </context>
 <context>
@@ -655,11 +655,11 @@ time-of-flight plug-in, turns them into live point clouds.</source>
 dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
-        <source>Shows this help and leaves.</source>
+        <source>Shows this help and exits.</source>
         <translation>Zeigt diese Hilfe und beendet sich.</translation>
     </message>
     <message>
-        <source>Shows the version and leaves.</source>
+        <source>Shows the version and exits.</source>
         <translation>Zeigt die Version und beendet sich.</translation>
     </message>
     <message>
@@ -667,7 +667,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Öffnet beim Start die Kamera &lt;N&gt; und startet sie: ihre Nummer (ab 0, siehe --list-cameras) oder ihre Kennung. Darf mehrmals angegeben werden.</translation>
     </message>
     <message>
-        <source>Prints the cameras with their numbers and leaves.</source>
+        <source>Prints the cameras with their numbers and exits.</source>
         <translation>Gibt die Kameras mit ihren Nummern aus und beendet sich.</translation>
     </message>
     <message>
@@ -683,7 +683,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Öffnet eine Kettendatei. Darf mehrmals angegeben werden.</translation>
     </message>
     <message>
-        <source>Leaves with exit code 0 after &lt;N&gt; frames were shown, after the files asked for were written.</source>
+        <source>Exits with code 0 after &lt;N&gt; frames have been shown and the requested files have been written.</source>
         <translation>Beendet sich mit Code 0, nachdem &lt;N&gt; Bilder gezeigt und die verlangten Dateien geschrieben wurden.</translation>
     </message>
     <message>
@@ -1242,7 +1242,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Von %1 bis %2%3, in Schritten von %4</translation>
     </message>
     <message>
-        <source>The camera does not let this be changed.</source>
+        <source>The camera does not allow this to be changed.</source>
         <translation>Die Kamera erlaubt hier keine Änderung.</translation>
     </message>
     <message>
@@ -1321,7 +1321,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Vo&amp;riger Kanal</translation>
     </message>
     <message>
-        <source>The active view is no picture view</source>
+        <source>The active view is not a picture view</source>
         <translation>Die aktive Ansicht ist keine Bildansicht</translation>
     </message>
     <message>
@@ -1364,8 +1364,8 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Es ist kein Bild da, das gespeichert werden könnte.</translation>
     </message>
     <message>
-        <source>%1: the ending says in which format a picture is saved: .png or .jpg.</source>
-        <translation>%1: Die Endung sagt, in welchem Format ein Bild gespeichert wird: .png oder .jpg.</translation>
+        <source>%1: the extension determines the format of the picture: use .png or .jpg.</source>
+        <translation>%1: Die Endung bestimmt das Format des Bildes: .png oder .jpg.</translation>
     </message>
     <message>
         <source>A colour picture has no single channel to save; choose a channel first.</source>
@@ -1383,7 +1383,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>Legende</translation>
     </message>
     <message>
-        <source>Show what the colours stand for (Ctrl+L)</source>
+        <source>Show which values the colours represent (Ctrl+L)</source>
         <translation>Zeigen, wofür die Farben stehen (Strg+L)</translation>
     </message>
     <message>
@@ -1474,7 +1474,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
         <translation>%1 ausgelassen</translation>
     </message>
     <message>
-        <source>Frames that came too late since playback was started</source>
+        <source>Frames left out as too late since playback was started</source>
         <translation>Bilder, die seit dem Beginn der Wiedergabe zu spät kamen</translation>
     </message>
     <message>
@@ -1483,7 +1483,7 @@ dem Time-of-Flight-Plug-in bewegte Punktwolken.</translation>
     </message>
     <message>
         <source>Real time: as it was recorded; frames that come too late are left out.
-Every frame: as fast as the chain goes, nothing left out.</source>
+Every frame: as fast as the chain can process them, nothing left out.</source>
         <translation>Echtzeit: wie aufgenommen; Bilder, die zu spät kommen, werden ausgelassen.
 Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
     </message>
@@ -1492,7 +1492,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>Wie viel schneller oder langsamer als aufgenommen</translation>
     </message>
     <message>
-        <source>Every frame is played as fast as the chain goes; choose real time for a speed</source>
+        <source>Every frame is played as fast as the chain can process it; choose real time to set a speed</source>
         <translation>Jedes Bild wird so schnell gezeigt, wie die Kette kann; für ein Tempo Echtzeit wählen</translation>
     </message>
 </context>
@@ -1643,8 +1643,8 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>Ziehen Sie mit der linken Maustaste ein Rechteck im Bild auf</translation>
     </message>
     <message>
-        <source>Forget the frames so far</source>
-        <translation>Die bisherigen Bilder vergessen</translation>
+        <source>Discard the frames so far</source>
+        <translation>Die bisherigen Bilder verwerfen</translation>
     </message>
     <message>
         <source>Copy the values to the clipboard</source>
@@ -1659,7 +1659,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>Des Objektivs; die Ebene wird im Raum angepasst</translation>
     </message>
     <message>
-        <source>The camera tells its focal length: %1 mm</source>
+        <source>The camera reports its focal length: %1 mm</source>
         <translation>Die Kamera meldet ihre Brennweite: %1 mm</translation>
     </message>
 </context>
@@ -1701,7 +1701,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>Durch Kommas getrennte Werte (*.csv)</translation>
     </message>
     <message>
-        <source>The panel Quality is not in sight</source>
+        <source>The panel Quality is hidden</source>
         <translation>Das Bedienfeld „Qualität“ ist nicht zu sehen</translation>
     </message>
     <message>
@@ -1791,8 +1791,8 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>Aufnehmen...</translation>
     </message>
     <message>
-        <source>Write what waits and close the file</source>
-        <translation>Schreibt, was noch wartet, und schließt die Datei</translation>
+        <source>Write the queued frames and close the file</source>
+        <translation>Schreibt die wartenden Bilder und schließt die Datei</translation>
     </message>
     <message>
         <source>Record the camera&apos;s pictures as they are delivered, from the moment the camera runs</source>
@@ -1873,12 +1873,12 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         <translation>„%1“ aufnehmen, wie es geliefert wird</translation>
     </message>
     <message>
-        <source>Record what the active view is given, after all processing</source>
+        <source>Record what the active view shows, after all processing</source>
         <translation>Aufnehmen, was die aktive Ansicht nach der gesamten Verarbeitung bekommt</translation>
     </message>
     <message>
-        <source>Write what waits and close the files</source>
-        <translation>Schreibt, was noch wartet, und schließt die Dateien</translation>
+        <source>Write the queued frames and close the files</source>
+        <translation>Schreibt die wartenden Bilder und schließt die Dateien</translation>
     </message>
     <message>
         <source>Nothing is being recorded</source>
@@ -1953,7 +1953,7 @@ Jedes Bild: so schnell die Kette kann, nichts wird ausgelassen.</translation>
         </translation>
     </message>
     <message numerus="yes">
-        <source>The %n frame(s) in front of it are in the file and can be opened.</source>
+        <source>The %n frame(s) before it are in the file and can be opened.</source>
         <translation>
             <numerusform>Das Bild davor steht in der Datei und kann geöffnet werden.</numerusform>
             <numerusform>Die %n Bilder davor stehen in der Datei und können geöffnet werden.</numerusform>
@@ -2054,8 +2054,8 @@ aufgenommen in %2</translation>
         <translation>Beenden</translation>
     </message>
     <message>
-        <source>Write what waits and close the file</source>
-        <translation>Schreibt, was noch wartet, und schließt die Datei</translation>
+        <source>Write the queued frames and close the file</source>
+        <translation>Schreibt die wartenden Bilder und schließt die Datei</translation>
     </message>
     <message>
         <source>Open</source>
@@ -2066,7 +2066,7 @@ aufgenommen in %2</translation>
         <translation>Diese Aufnahme abspielen</translation>
     </message>
     <message>
-        <source>Take this line away; the file stays</source>
+        <source>Remove this entry; the file is kept</source>
         <translation>Diese Zeile entfernen; die Datei bleibt</translation>
     </message>
     <message>
@@ -2078,8 +2078,8 @@ aufgenommen in %2</translation>
         <translation>Fertig</translation>
     </message>
     <message>
-        <source>Writing what waits</source>
-        <translation>Schreibt, was noch wartet</translation>
+        <source>Writing the queued frames</source>
+        <translation>Schreibt die wartenden Bilder</translation>
     </message>
     <message>
         <source>%1 dropped</source>
@@ -2309,8 +2309,8 @@ aufgenommen in %2</translation>
         <translation>Rechtsklick</translation>
     </message>
     <message>
-        <source>In a picture: what can be done with it</source>
-        <translation>Im Bild: was sich damit machen lässt</translation>
+        <source>In a picture: context menu</source>
+        <translation>Im Bild: Kontextmenü</translation>
     </message>
     <message>
         <source>In a 3D view: distance along the ray or the axis</source>
@@ -2746,11 +2746,11 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
 <context>
     <name>CkViewMeasurement</name>
     <message>
-        <source>the camera&apos;s picture was not seen</source>
-        <translation>das Bild der Kamera wurde nicht gesehen</translation>
+        <source>the camera&apos;s picture was missed</source>
+        <translation>das Bild der Kamera wurde verpasst</translation>
     </message>
     <message>
-        <source>the camera&apos;s picture does not tell</source>
+        <source>the camera&apos;s picture does not show it</source>
         <translation>am Bild der Kamera ist es nicht zu erkennen</translation>
     </message>
 </context>
@@ -2773,7 +2773,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
         <translation>Auto&amp;matisch anordnen</translation>
     </message>
     <message>
-        <source>Tile the views whenever one comes or goes</source>
+        <source>Tile the views whenever one is opened or closed</source>
         <translation>Die Ansichten neu anordnen, sobald eine dazukommt oder geschlossen wird</translation>
     </message>
     <message>
@@ -2919,7 +2919,7 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
         <translation>Der Speicher reicht für das Bild nicht aus.</translation>
     </message>
     <message>
-        <source>%1: this format needs the ending .%2.</source>
+        <source>%1: this format requires the extension .%2.</source>
         <translation>%1: Dieses Format braucht die Endung .%2.</translation>
     </message>
 </context>
@@ -3090,24 +3090,24 @@ eine Kettendatei mit Strg+O, oder ziehen Sie Dateien hierher.</translation>
 <context>
     <name>Saturation</name>
     <message>
-        <source>A minus B does not tell whether A and B were saturated</source>
+        <source>A minus B does not show whether A and B were saturated</source>
         <translation>An A minus B ist nicht zu erkennen, ob A und B gesättigt waren</translation>
     </message>
     <message>
-        <source>Samples of this kind have no end of their range</source>
+        <source>Samples of this type have no upper limit</source>
         <translation>Werte dieser Art haben keinen Höchstwert</translation>
     </message>
     <message>
-        <source>A computed picture does not tell; the picture of the camera does</source>
+        <source>A computed picture does not show it; the picture of the camera does</source>
         <translation>An einem berechneten Bild ist es nicht zu erkennen, aber am Bild der Kamera</translation>
     </message>
 </context>
 <context>
     <name>SaveFileName</name>
     <message>
-        <source>&quot;%1&quot;: nothing is written here that ends in .%2.
+        <source>&quot;%1&quot;: files with the extension .%2 cannot be written here.
 
-These endings can be written: %3.</source>
+Possible extensions: %3.</source>
         <translation>„%1“: Mit der Endung .%2 wird hier nichts geschrieben.
 
 Diese Endungen gibt es: %3.</translation>

@@ -41,10 +41,10 @@
         </translation>
     </message>
     <message numerus="yes">
-        <source>The %n frame(s) in front of it are in the file and can be opened.</source>
+        <source>The %n frame(s) before it are in the file and can be opened.</source>
         <translation>
-            <numerusform>The frame in front of it is in the file and can be opened.</numerusform>
-            <numerusform>The %n frames in front of it are in the file and can be opened.</numerusform>
+            <numerusform>The frame before it is in the file and can be opened.</numerusform>
+            <numerusform>The %n frames before it are in the file and can be opened.</numerusform>
         </translation>
     </message>
     <message numerus="yes">

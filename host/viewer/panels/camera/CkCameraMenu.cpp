@@ -177,7 +177,7 @@ void CkCameraMenu::fillHandleMenus() {
     enableIfFilled(m_unplugMenu,
                    tr("As if its cable had been pulled: its views keep their pictures and wait"),
                    tr("No camera is open"));
-    enableIfFilled(m_plugInMenu, tr("Let an unplugged camera go on"), tr("No camera is unplugged"));
+    enableIfFilled(m_plugInMenu, tr("Reconnect an unplugged camera"), tr("No camera is unplugged"));
 }
 
 void CkCameraMenu::toggleAcquisition() {

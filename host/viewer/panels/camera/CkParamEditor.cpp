@@ -150,7 +150,7 @@ QString CkParamEditor::hint() const {
                                         .arg(number.toString(description.step, 'g', 10));
     }
     if (description.readOnly) {
-        text += QLatin1Char('\n') + tr("The camera does not let this be changed.");
+        text += QLatin1Char('\n') + tr("The camera does not allow this to be changed.");
     }
     return text + QLatin1Char('\n') + tr("Name: %1").arg(description.name);
 }

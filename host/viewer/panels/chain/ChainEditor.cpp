@@ -34,7 +34,7 @@ using Operation = bool (CkChainManager::*)(CkChain*, CkChainable*, CkChainable*)
 bool add(Operation operation, CkChainable* block, CkChainable* after, QString& error) {
     CkChain* chain = after != nullptr ? after->chain() : nullptr;
     if (chain == nullptr) {
-        error = Texts::tr("The block to build on is in no chain any more.");
+        error = Texts::tr("The selected block is no longer in a chain.");
         delete block;
         return false;
     }
@@ -42,8 +42,8 @@ bool add(Operation operation, CkChainable* block, CkChainable* after, QString& e
     const bool done =
         changeStopped(chain, [&] { return (CkChainManager::instance()->*operation)(chain, block, after); });
     if (!done) {
-        error = Texts::tr(
-                    "\"%1\" cannot work on the output of \"%2\", or what follows cannot work on its output.")
+        error = Texts::tr("\"%1\" cannot work on the output of \"%2\", or the blocks after it cannot process "
+                          "its output.")
                     .arg(title, after->title());
         CkChainManager::instance()->deleteChainable(block);
     }
@@ -83,7 +83,8 @@ bool ChainEditor::remove(CkChainable* pBlock, QString& sError) {
         return CkChainManager::instance()->remove(owner, pBlock, false);
     });
     if (!done) {
-        sError = Texts::tr("\"%1\" cannot be removed: what it feeds cannot work without it.").arg(title);
+        sError =
+            Texts::tr("\"%1\" cannot be removed: the blocks after it cannot work without it.").arg(title);
     }
     return done;
 }

@@ -164,8 +164,8 @@ void CkChainPanel::updateButtons() {
     m_toggleAction->setIconText(off ? tr("On") : tr("Off"));
     m_toggleAction->setEnabled(block != nullptr && !source);
     m_toggleAction->setToolTip(block == nullptr ? none
-                               : source         ? tr("A source is switched with its camera")
-                               : off            ? tr("Let the block work again")
+                               : source         ? tr("A source is started and stopped with its camera")
+                               : off            ? tr("Switch the block on again")
                                                 : tr("Switch the block off: it then delivers nothing"));
     m_removeAction->setEnabled(block != nullptr && !source);
     m_removeAction->setToolTip(block == nullptr ? none
@@ -174,7 +174,7 @@ void CkChainPanel::updateButtons() {
     const bool help = block != nullptr && block->hasHelp();
     m_helpAction->setEnabled(help);
     m_helpAction->setToolTip(help               ? tr("Explain the selected block")
-                             : block != nullptr ? tr("This block brings no help")
+                             : block != nullptr ? tr("This block has no help")
                                                 : none);
     m_saveButton->setEnabled(chain);
     m_saveButton->setToolTip(chain ? tr("Save the chain to a file (Ctrl+S)")
@@ -202,7 +202,7 @@ void CkChainPanel::fillAddMenu() {
     } else {
         QAction* none = m_addMenu->addAction(tr("No plug-in offers a block"));
         none->setEnabled(false);
-        none->setToolTip(tr("Blocks come with plug-ins, and none is loaded"));
+        none->setToolTip(tr("Blocks are provided by plug-ins, and none is loaded"));
     }
 }
 

@@ -173,10 +173,10 @@ void CkQualityControls::showState(const SkState& state) {
     };
     enable(m_draw, state.canDraw, tr("Drag a rectangle on the picture with the left mouse button"),
            state.reason);
-    enable(m_restart, state.measures, tr("Forget the frames so far"), state.reason);
+    enable(m_restart, state.measures, tr("Discard the frames so far"), state.reason);
     enable(m_copy, state.measures, tr("Copy the values to the clipboard"), state.reason);
     enable(m_save, state.measures, tr("Save the values of the last frames to a file"), state.reason);
     enable(m_focalLength, !(state.focalLengthMm > 0.0), tr("Of the lens; the plane is fitted in space"),
-           tr("The camera tells its focal length: %1 mm")
+           tr("The camera reports its focal length: %1 mm")
                .arg(PictureText::locale().toString(state.focalLengthMm)));
 }

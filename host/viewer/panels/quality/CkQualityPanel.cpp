@@ -108,7 +108,7 @@ void CkQualityPanel::hideEvent(QHideEvent* pEvent) {
     QWidget::hideEvent(pEvent);
     release();
     // Not updateControls(): while the window is being destroyed, the area may have been deleted already.
-    allowMeasuring(false, tr("The panel Quality is not in sight"));
+    allowMeasuring(false, tr("The panel Quality is hidden"));
 }
 
 void CkQualityPanel::setShownByDock(bool bShown) {
@@ -238,7 +238,7 @@ void CkQualityPanel::updateControls() {
     m_drawAction->setEnabled(drawable);
     m_drawAction->setToolTip(drawable ? tr("Drag a rectangle on the picture with the left mouse button")
                                       : nothing);
-    allowMeasuring(state.measures, isOnScreen() ? nothing : tr("The panel Quality is not in sight"));
+    allowMeasuring(state.measures, isOnScreen() ? nothing : tr("The panel Quality is hidden"));
 }
 
 void CkQualityPanel::copy() {

@@ -41,10 +41,10 @@ bool CkViewMeasurement::findSaturated(const CkImageData& frame, const CkChainabl
     const EkAnswer answer = monitor.saturated(picture.additionalData.frameNumber, size,
                                               m_meter.region() & QRect(QPoint(0, 0), size), saturated);
     m_saturationReason = answer == EkAnswer::Known    ? QString()
-                         : answer == EkAnswer::Missed ? tr("the camera's picture was not seen")
+                         : answer == EkAnswer::Missed ? tr("the camera's picture was missed")
                          : answer == EkAnswer::Difference
                              ? Saturation::reason(Saturation::EkEvidence::Difference)
-                             : tr("the camera's picture does not tell");
+                             : tr("the camera's picture does not show it");
     if (answer == EkAnswer::Missed && !isEmpty() && m_values.saturationKnown) {
         m_saturationReason.clear();
         return false;

@@ -119,8 +119,8 @@ TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
     again.stop();
     ASSERT_EQ(m_driver.boxes.size(), 1);
     EXPECT_EQ(m_driver.boxes[0].text.toStdString(),
-              "\"four.bmp\": nothing is written here that ends in .bmp.\n\n"
-              "These endings can be written: .png, .tif.");
+              "\"four.bmp\": files with the extension .bmp cannot be written here.\n\n"
+              "Possible extensions: .png, .tif.");
 }
 
 TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {

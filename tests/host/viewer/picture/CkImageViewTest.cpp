@@ -195,14 +195,14 @@ TEST(ImageView, SavesAsSeenAndAsMeasured) {
     EXPECT_TRUE(error.contains(QStringLiteral("a.png"))) << qPrintable(error);
     // A wrong extension is refused.
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.jpg"), EkMeasured::Png16, &error));
-    EXPECT_TRUE(error.endsWith("raw.jpg: this format needs the ending .png.")) << qPrintable(error);
+    EXPECT_TRUE(error.endsWith("raw.jpg: this format requires the extension .png.")) << qPrintable(error);
     EXPECT_FALSE(view.snapshot().saveAsMeasured(folder.filePath("raw.png"), EkMeasured::FloatTiff, &error));
-    EXPECT_TRUE(error.endsWith("raw.png: this format needs the ending .tif.")) << qPrintable(error);
+    EXPECT_TRUE(error.endsWith("raw.png: this format requires the extension .tif.")) << qPrintable(error);
     EXPECT_EQ(QImage(folder.filePath("raw.png")).format(), QImage::Format_Grayscale16);
     EXPECT_TRUE(view.snapshot().saveAsMeasured(folder.filePath("raw.TIFF"), EkMeasured::FloatTiff, &error));
     for (const char* name : {"seen.dat", "seen"}) {
         EXPECT_FALSE(view.snapshot().saveAsSeen(folder.filePath(name), &error));
-        EXPECT_TRUE(error.endsWith(": the ending says in which format a picture is saved: .png or .jpg."))
+        EXPECT_TRUE(error.endsWith(": the extension determines the format of the picture: use .png or .jpg."))
             << qPrintable(error);
         EXPECT_FALSE(QFile::exists(folder.filePath(name)));
     }

@@ -135,7 +135,7 @@ TEST_F(ToFSession, SaturatedPixelsAreNotValidInAComputedPicture) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !values().saturationKnown; }, 30'000));
     EXPECT_TRUE(QTest::qWaitFor(
         [&] {
-            return quality->findChild<QLabel*>("qualityWhere")->text().contains("A minus B does not tell");
+            return quality->findChild<QLabel*>("qualityWhere")->text().contains("A minus B does not show");
         },
         30'000));
     area()->setActiveView(firstView()->viewId());

@@ -190,7 +190,7 @@ TEST_F(Controls, TheQualityPanelIsWorkedFromTheMenu) {
     const auto* panel = window()->findChild<CkQualityPanel*>();
     ASSERT_TRUE(draw != nullptr && copy != nullptr && restart != nullptr && panel != nullptr);
     EXPECT_FALSE(copy->isEnabled());
-    EXPECT_EQ(copy->toolTip(), "The panel Quality is not in sight");
+    EXPECT_EQ(copy->toolTip(), "The panel Quality is hidden");
     ASSERT_TRUE(draw->isEnabled()) << qPrintable(draw->toolTip());
     draw->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return panel->measuredView() == firstView(); }, 30'000));

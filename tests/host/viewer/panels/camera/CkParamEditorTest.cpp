@@ -123,7 +123,7 @@ TEST_F(ParamEditor, ReadOnlyIsDisabledAndSaysSo) {
     description.readOnly = true;
     CkParamEditor editor(m_parameters.addParam(description));
     EXPECT_FALSE(editor.isEnabled());
-    EXPECT_TRUE(editor.toolTip().contains("does not let"));
+    EXPECT_TRUE(editor.toolTip().contains("does not allow"));
 }
 
 class ParamTyping : public ParamEditor {

@@ -95,8 +95,8 @@ TEST_F(QualityPanelTest, MeasuresTheMiddleOfTheActivePicture) {
         QTest::qWaitFor([this] { return child<QLabel>("qualityValue0")->text() == "1600.0 mm"; }, 30000));
     EXPECT_TRUE(where().contains(", 2 frames\n")) << qPrintable(where());
     // The picture has no known source.
-    EXPECT_TRUE(where().endsWith(
-        "Saturated pixels may count as valid: Samples of this kind have no end of their range."))
+    EXPECT_TRUE(
+        where().endsWith("Saturated pixels may count as valid: Samples of this type have no upper limit."))
         << qPrintable(where());
     EXPECT_TRUE(child<QPushButton>("qualityCopy")->isEnabled());
     m_pPanel->restart();
