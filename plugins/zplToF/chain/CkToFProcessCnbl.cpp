@@ -91,23 +91,23 @@ void CkToFProcessCnbl::setupStart() {
     // An error that will affect every frame is published before the first one arrives.
     const EkTransformType startTransform = transform();
     const SkToFTransform* const row = ToFTransforms::find(startTransform);
-    EkRefusal refusal = row != nullptr ? EkRefusal::None : EkRefusal::UnknownTransform;
+    EkFrameRefusal refusal = row != nullptr ? EkFrameRefusal::None : EkFrameRefusal::UnknownTransform;
     SkPicBufInfo in;
     CkImageMetadata metadata;
     if (inputImageInfo(in, &metadata)) {
-        const EkRefusal buffers = m_transformer.prepare(in, metadata);
+        const EkFrameRefusal buffers = m_transformer.prepare(in, metadata);
         SkPicBufInfo out;
         if (!negotiate(startTransform, in, out, &metadata, nullptr)) {
             publishRefusal(m_sLastError);
             return;
         }
-        if (refusal == EkRefusal::None && (out.width == 0 || out.height == 0)) {
-            refusal = EkRefusal::NoOutputPixels;
-        } else if (refusal == EkRefusal::None && row->input != SkToFTransform::EkInput::Frame) {
+        if (refusal == EkFrameRefusal::None && (out.width == 0 || out.height == 0)) {
+            refusal = EkFrameRefusal::NoOutputPixels;
+        } else if (refusal == EkFrameRefusal::None && row->input != SkToFTransform::EkInput::Frame) {
             refusal = buffers;
         }
     }
-    if (refusal != EkRefusal::None) {
+    if (refusal != EkFrameRefusal::None) {
         publishRefusal(tr(ToFFrames::refusalText(refusal)));
     }
 }
@@ -124,7 +124,7 @@ IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
     }
     auto* const data = dynamic_cast<CkImageData*>(pData);
     if (data == nullptr) {
-        refuse(tr(ToFFrames::refusalText(EkRefusal::NoPicture)));
+        refuse(tr(ToFFrames::refusalText(EkFrameRefusal::NoPicture)));
         return nullptr;
     }
     // Read once: another thread may store a new value while this frame is processed.
@@ -135,7 +135,7 @@ IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
         return nullptr;
     }
     if (data->picBuf().data == nullptr) {
-        refuse(tr(ToFFrames::refusalText(EkRefusal::NoPixels)));
+        refuse(tr(ToFFrames::refusalText(EkFrameRefusal::NoPixels)));
         return nullptr;
     }
     CkToFTransformer::SkResult result = m_transformer.process(

@@ -56,8 +56,6 @@ public:
     bool isInChainWithVideoSource();
 
 private:
-    using EkRefusal = ToFFrames::EkRefusal;
-
     bool negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
                    const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta);
     bool takeFromPool(const SkPicBufInfo& info, bool bClear, CkPicture& picture);

@@ -2,49 +2,50 @@
 
 #include "zuCore/ToFVocabulary.h"
 
-CkToFFrameInput::EkRefusal CkToFFrameInput::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata,
-                                                    bool bGathers) {
+EkFrameRefusal CkToFFrameInput::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata,
+                                        bool bGathers) {
     clear();
     if (metadata.sectionMode == ToFSectionMode::kReferenceFirst && !m_reference.prepare(in)) {
-        m_referenceRefusal = EkRefusal::NoMemory;
+        m_referenceRefusal = EkFrameRefusal::NoMemory;
     }
     if (bGathers && CkToFPicAPI::incomingSeparatePhases(&metadata)) {
         const bool hybrid = CkToFPicAPI::isRawToFHybridPic(in, &metadata);
         m_setRefusal = m_collector.prepare(in, SkToFSetPosition::of(metadata, hybrid).count);
     }
-    return m_setRefusal != EkRefusal::None ? m_setRefusal : m_referenceRefusal;
+    return m_setRefusal != EkFrameRefusal::None ? m_setRefusal : m_referenceRefusal;
 }
 
 void CkToFFrameInput::clear() {
     m_collector.clear();
     m_reference.clear();
-    m_setRefusal = EkRefusal::None;
-    m_referenceRefusal = EkRefusal::None;
+    m_setRefusal = EkFrameRefusal::None;
+    m_referenceRefusal = EkFrameRefusal::None;
 }
 
-const SkPicBuf* CkToFFrameInput::lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
-                                               EkRefusal& refusal) {
+const SkPicBuf* CkToFFrameInput::subtractReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
+                                                   EkFrameRefusal& refusal) {
     if (metadata.sectionMode != ToFSectionMode::kReferenceFirst) {
         return &picture;
     }
     if (!m_reference.hasBuffers()) {
-        refusal = m_referenceRefusal != EkRefusal::None ? m_referenceRefusal : EkRefusal::NoReference;
+        refusal =
+            m_referenceRefusal != EkFrameRefusal::None ? m_referenceRefusal : EkFrameRefusal::NoReference;
         return nullptr;
     }
     const bool isReference = metadata.sectionIndex == 0;
     const SkPicBuf* const difference = isReference ? nullptr : m_reference.difference(picture);
     if (isReference ? !m_reference.setReference(picture) : difference == nullptr) {
-        refusal = EkRefusal::ReferenceDiffers;
+        refusal = EkFrameRefusal::ReferenceDiffers;
     }
     return difference;
 }
 
-CkToFFrameInput::EkRefusal CkToFFrameInput::gather(const CkImageMetadata& metadata, SkToFFrame& frame) {
+EkFrameRefusal CkToFFrameInput::gather(const CkImageMetadata& metadata, SkToFFrame& frame) {
     frame.gathered = true;
     frame.input = nullptr;
     const auto position = SkToFSetPosition::of(metadata, frame.hybrid);
     const auto added = m_collector.add(frame.frame, position, metadata.phaseAngle);
-    if (added.refusal == EkRefusal::SetDiffers && m_setRefusal != EkRefusal::None) {
+    if (added.refusal == EkFrameRefusal::SetDiffers && m_setRefusal != EkFrameRefusal::None) {
         return m_setRefusal;
     }
     if (added.complete) {

@@ -10,20 +10,18 @@
 /// prepared for.
 class CkToFFrameInput {
 public:
-    using EkRefusal = ToFFrames::EkRefusal;
-
     /// Allocates the buffers for frames of a format; images of a set are gathered only with bGathers. The
     /// refusal is the one that every set will get, or None.
-    EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata, bool bGathers);
+    EkFrameRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata, bool bGathers);
     void clear();
 
     /// The picture minus its reference section; an alias, valid until the next call. Null when there is
     /// nothing to process: for a reference section itself (refusal None), or for a section that is refused.
-    const SkPicBuf* lessReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
-                                  EkRefusal& refusal);
+    const SkPicBuf* subtractReference(const SkPicBuf& picture, const CkImageMetadata& metadata,
+                                      EkFrameRefusal& refusal);
 
     /// Adds the frame to its set. The frame's input becomes the set when it is complete, otherwise null.
-    EkRefusal gather(const CkImageMetadata& metadata, SkToFFrame& frame);
+    EkFrameRefusal gather(const CkImageMetadata& metadata, SkToFFrame& frame);
 
     /// Of the images gathered so far, see CkToFPhaseCollector.
     const CkToFPicAPI::AngleList& angles() const { return m_collector.angles(); }
@@ -35,6 +33,6 @@ public:
 private:
     CkToFPhaseCollector m_collector;
     CkToFSectionReference m_reference;
-    EkRefusal m_setRefusal = EkRefusal::None;       ///< of every set
-    EkRefusal m_referenceRefusal = EkRefusal::None; ///< of every section with a reference
+    EkFrameRefusal m_setRefusal = EkFrameRefusal::None;       ///< of every set
+    EkFrameRefusal m_referenceRefusal = EkFrameRefusal::None; ///< of every section with a reference
 };

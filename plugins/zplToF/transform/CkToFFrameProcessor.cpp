@@ -22,24 +22,24 @@ bool CkToFFrameProcessor::needsNoSet(int iTransform) {
     return takes(iTransform, EkInput::Frame);
 }
 
-CkToFFrameProcessor::EkRefusal CkToFFrameProcessor::refusal(int iTransform, const SkToFFrame& frame,
-                                                            const SkPicBufInfo& out) const {
+EkFrameRefusal CkToFFrameProcessor::refusal(int iTransform, const SkToFFrame& frame,
+                                            const SkPicBufInfo& out) const {
     const SkToFTransform* const transform = ToFTransforms::find(iTransform);
     if (transform == nullptr) {
-        return EkRefusal::UnknownTransform;
+        return EkFrameRefusal::UnknownTransform;
     }
     if (transform->input == EkInput::Frame) {
-        return EkRefusal::None;
+        return EkFrameRefusal::None;
     }
     const bool merges = frame.hybrid && frame.input->height > out.height;
     if (merges && lacksHdrBuffer()) {
-        return EkRefusal::NoMemory;
+        return EkFrameRefusal::NoMemory;
     }
     const bool mustMerge = transform->input == EkInput::Set && frame.hybrid;
-    return mustMerge && !(merges && hasHdrBuffer()) ? EkRefusal::NothingToMerge : EkRefusal::None;
+    return mustMerge && !(merges && hasHdrBuffer()) ? EkFrameRefusal::NothingToMerge : EkFrameRefusal::None;
 }
 
-bool CkToFFrameProcessor::leavesPixelsOpen(int iTransform, const SkToFFrame& frame) {
+bool CkToFFrameProcessor::leavesPixelsUnwritten(int iTransform, const SkToFFrame& frame) {
     return takes(iTransform, EkInput::Phases) && !frame.hybrid && !ToFPhases::isSupportedCount(frame.phases);
 }
 

@@ -8,8 +8,6 @@
 /// exposure sections; one thread at a time. Nothing is allocated per frame.
 class CkToFFrameProcessor {
 public:
-    using EkRefusal = ToFFrames::EkRefusal;
-
     /// Allocates the work buffer for hybrid input, see CkToFHdrBuffer::prepare.
     bool prepareHdr(const SkPicBufInfo& sections, qint32 iPhasesCount) {
         return m_hdr.prepare(sections, iPhasesCount);
@@ -29,10 +27,10 @@ public:
 
     /// Why there will be no output picture, as far as that is known before processing. The frame's input may
     /// be null only where no set is needed.
-    EkRefusal refusal(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
+    EkFrameRefusal refusal(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
 
     /// Whether the output picture has to be zeroed because the operation leaves pixels unwritten.
-    static bool leavesPixelsOpen(int iTransform, const SkToFFrame& frame);
+    static bool leavesPixelsUnwritten(int iTransform, const SkToFFrame& frame);
 
     /// Fills the output picture, which has the negotiated format, from a frame that is not refused. False:
     /// nothing useful was written.

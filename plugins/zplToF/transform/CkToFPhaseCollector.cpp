@@ -8,26 +8,26 @@ bool CkToFPhaseCollector::isTooLarge(const SkPicBufInfo& image, qint64 iCount) {
     return iCount > 0 && quint64(iCount) > kMaximumBytes / imageBytes;
 }
 
-CkToFPhaseCollector::EkRefusal CkToFPhaseCollector::prepare(const SkPicBufInfo& image, qint64 iCount) {
+EkFrameRefusal CkToFPhaseCollector::prepare(const SkPicBufInfo& image, qint64 iCount) {
     clear();
     if (iCount < 1 || CkPicBufAPI::byteSize(image) == 0) {
-        return EkRefusal::None;
+        return EkFrameRefusal::None;
     }
     if (isTooLarge(image, iCount)) {
-        return EkRefusal::SetTooLarge;
+        return EkFrameRefusal::SetTooLarge;
     }
     SkPicBufInfo stacked = image;
     stacked.height = quint32(iCount) * image.height;
     try {
         m_angles.reserve(size_t(iCount));
     } catch (const std::bad_alloc&) {
-        return EkRefusal::NoMemory;
+        return EkFrameRefusal::NoMemory;
     }
     if (!m_buffer.allocate(stacked)) {
         clear();
-        return EkRefusal::NoMemory;
+        return EkFrameRefusal::NoMemory;
     }
-    return EkRefusal::None;
+    return EkFrameRefusal::None;
 }
 
 void CkToFPhaseCollector::clear() {
@@ -46,13 +46,13 @@ CkToFPhaseCollector::SkAdded CkToFPhaseCollector::add(const SkPicBuf& image, con
         std::fill(m_angles.begin(), m_angles.end(), kMissingAngle);
     }
     if (position.index < 0 || position.index >= position.count) {
-        return {.refusal = EkRefusal::OutsideSet};
+        return {.refusal = EkFrameRefusal::OutsideSet};
     }
     if (tooLarge) {
-        return {.refusal = EkRefusal::SetTooLarge};
+        return {.refusal = EkFrameRefusal::SetTooLarge};
     }
     if (!store(image, position)) {
-        return {.refusal = EkRefusal::SetDiffers};
+        return {.refusal = EkFrameRefusal::SetDiffers};
     }
     m_angles[size_t(position.index)] = iAngle;
     if (std::find(m_angles.begin(), m_angles.end(), kMissingAngle) != m_angles.end()) {

@@ -10,8 +10,6 @@
 /// One thread at a time. Between prepare and clear nothing is allocated for sets that fit.
 class CkToFPhaseCollector {
 public:
-    using EkRefusal = ToFFrames::EkRefusal;
-
     /// Angle of an image that has not arrived yet.
     static constexpr qint32 kMissingAngle = -1000;
     /// Limit for the images of a set together. Each counts as kMinimumImageBytes at least, which limits the
@@ -21,7 +19,7 @@ public:
 
     /// Allocates the buffer for sets of iCount images of a format, all missing. There is no buffer after
     /// SetTooLarge or NoMemory, or after None when there is nothing to gather.
-    EkRefusal prepare(const SkPicBufInfo& image, qint64 iCount);
+    EkFrameRefusal prepare(const SkPicBufInfo& image, qint64 iCount);
     /// Frees the buffer and clears the list of angles.
     void clear();
 
@@ -31,7 +29,7 @@ public:
     /// The outcome of adding an image.
     struct SkAdded {
         bool complete = false; ///< this image completes the set
-        EkRefusal refusal = EkRefusal::None;
+        EkFrameRefusal refusal = EkFrameRefusal::None;
     };
 
     /// Adds an image to the set. The list of angles is resized to the images of the set, also without a

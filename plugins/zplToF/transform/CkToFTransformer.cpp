@@ -7,15 +7,14 @@
 namespace {
 
 using EkOutcome = CkToFTransformer::EkOutcome;
-using EkRefusal = CkToFTransformer::EkRefusal;
 
 bool isEmpty(const SkPicBufInfo& info) {
     return info.width == 0 || info.height == 0;
 }
 
-CkToFTransformer::SkResult withoutOutput(EkRefusal refusal) {
+CkToFTransformer::SkResult withoutOutput(EkFrameRefusal refusal) {
     CkToFTransformer::SkResult result;
-    result.outcome = refusal == EkRefusal::None ? EkOutcome::Waiting : EkOutcome::Refused;
+    result.outcome = refusal == EkFrameRefusal::None ? EkOutcome::Waiting : EkOutcome::Refused;
     result.refusal = refusal;
     return result;
 }
@@ -32,15 +31,15 @@ void CkToFTransformer::clear() {
     m_processor.clear();
 }
 
-CkToFTransformer::EkRefusal CkToFTransformer::prepare(const SkPicBufInfo& in,
-                                                      const CkImageMetadata& metadata) {
+EkFrameRefusal CkToFTransformer::prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata) {
     m_processor.clear();
-    const EkRefusal refusal = m_input.prepare(in, metadata, m_gathers);
+    const EkFrameRefusal refusal = m_input.prepare(in, metadata, m_gathers);
     const SkPicBufInfo* const set = m_input.setInfo();
     if (CkToFPicAPI::isRawToFHybridPic(in, &metadata) && (set != nullptr || metadata.phasesCount >= 2)) {
         m_processor.prepareHdr(set != nullptr ? *set : in, metadata.phasesCount);
     }
-    return refusal == EkRefusal::None && m_processor.lacksHdrBuffer() ? EkRefusal::NoMemory : refusal;
+    return refusal == EkFrameRefusal::None && m_processor.lacksHdrBuffer() ? EkFrameRefusal::NoMemory
+                                                                           : refusal;
 }
 
 const char* CkToFTransformer::angleError(int iTransform) const {
@@ -53,11 +52,11 @@ CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkIma
                                                      const PictureSource& pictureSource) {
     const SkToFTransform* const transform = ToFTransforms::find(iTransform);
     if (transform == nullptr) {
-        return withoutOutput(EkRefusal::UnknownTransform);
+        return withoutOutput(EkFrameRefusal::UnknownTransform);
     }
     const CkImageMetadata& metadata = data.metadata();
-    EkRefusal refusal = EkRefusal::None;
-    const SkPicBuf* const section = m_input.lessReference(data.picBuf(), metadata, refusal);
+    EkFrameRefusal refusal = EkFrameRefusal::None;
+    const SkPicBuf* const section = m_input.subtractReference(data.picBuf(), metadata, refusal);
     if (section == nullptr) {
         return withoutOutput(refusal);
     }
@@ -70,8 +69,8 @@ CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkIma
         refusal = m_input.gather(metadata, frame);
         if (frame.input == nullptr && transform->input != SkToFTransform::EkInput::Frame) {
             // When no set of this format can be processed, each of its images reports it.
-            const bool incomplete = refusal == EkRefusal::None;
-            return withoutOutput(incomplete && isEmpty(out.info) ? EkRefusal::NoOutputPixels : refusal);
+            const bool incomplete = refusal == EkFrameRefusal::None;
+            return withoutOutput(incomplete && isEmpty(out.info) ? EkFrameRefusal::NoOutputPixels : refusal);
         }
         if (frame.input != nullptr && !frame.hybrid) {
             result.angleError = angleError(iTransform);
@@ -92,17 +91,17 @@ void CkToFTransformer::makeFrame(int iTransform, const SkToFFrame& frame, const 
                                  const PictureSource& pictureSource, SkResult& result) {
     result.outcome = EkOutcome::Refused;
     result.refusal =
-        isEmpty(out.info) ? EkRefusal::NoOutputPixels : m_processor.refusal(iTransform, frame, out.info);
-    if (result.refusal != EkRefusal::None) {
+        isEmpty(out.info) ? EkFrameRefusal::NoOutputPixels : m_processor.refusal(iTransform, frame, out.info);
+    if (result.refusal != EkFrameRefusal::None) {
         return;
     }
     CkPicture picture;
-    if (!pictureSource(out.info, CkToFFrameProcessor::leavesPixelsOpen(iTransform, frame), picture)) {
+    if (!pictureSource(out.info, CkToFFrameProcessor::leavesPixelsUnwritten(iTransform, frame), picture)) {
         result.outcome = EkOutcome::NoPicture;
         return;
     }
     if (!m_processor.process(iTransform, frame, picture.picBuf())) {
-        result.refusal = EkRefusal::NotSupported;
+        result.refusal = EkFrameRefusal::NotSupported;
         return;
     }
     result.frame = std::make_unique<CkImageData>();

@@ -19,8 +19,6 @@ struct SkToFFormat {
 /// picture of a result, nothing is allocated for frames of the format it was prepared for.
 class CkToFTransformer {
 public:
-    using EkRefusal = ToFFrames::EkRefusal;
-
     /// Provides the picture of a result, zeroed when bClear is set. False when none is available.
     using PictureSource = std::function<bool(const SkPicBufInfo& info, bool bClear, CkPicture& picture)>;
 
@@ -35,7 +33,7 @@ public:
     struct SkResult {
         EkOutcome outcome = EkOutcome::Waiting;
         std::unique_ptr<CkImageData> frame; ///< of NewFrame; null otherwise
-        EkRefusal refusal = EkRefusal::None;
+        EkFrameRefusal refusal = EkFrameRefusal::None;
         /// Why the angles of the set do not fit the transform, untranslated (context CkToFProcessCnbl); null
         /// when they do. The set is still processed, in its nominal order.
         const char* angleError = nullptr;
@@ -49,7 +47,7 @@ public:
 
     /// Allocates the buffers for frames of a format and drops the images gathered so far. The refusal is the
     /// one that every set will get, or None.
-    EkRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
+    EkFrameRefusal prepare(const SkPicBufInfo& in, const CkImageMetadata& metadata);
 
     /// Applies a transform (ToFTransform::EkTransformType, any number is allowed) to a frame with pixels.
     /// out: the format negotiated for this very frame.

@@ -1,9 +1,7 @@
 #pragma once
 
-namespace ToFFrames {
-
 /// Why a frame has no output, other than that its set is not complete yet.
-enum class EkRefusal {
+enum class EkFrameRefusal {
     None,
     NoPicture,        ///< data of another kind
     NoPixels,         ///< a picture without data
@@ -19,7 +17,9 @@ enum class EkRefusal {
     NotSupported      ///< no operation for this sample type or layout
 };
 
+namespace ToFFrames {
+
 /// The text for the user, untranslated (context CkToFProcessCnbl); empty for None.
-const char* refusalText(EkRefusal refusal);
+const char* refusalText(EkFrameRefusal refusal);
 
 } // namespace ToFFrames

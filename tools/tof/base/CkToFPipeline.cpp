@@ -15,11 +15,11 @@ bool isSameFormat(const SkPicBufInfo& a, const SkPicBufInfo& b) {
 }
 
 /// The texts of the processing block, except those that mention a chain.
-QString refusalText(ToFFrames::EkRefusal refusal, const SkPicBufInfo& source) {
+QString refusalText(EkFrameRefusal refusal, const SkPicBufInfo& source) {
     switch (refusal) {
-    case ToFFrames::EkRefusal::None: // no picture could be allocated
-    case ToFFrames::EkRefusal::NoOutputPixels:
-    case ToFFrames::EkRefusal::NotSupported:
+    case EkFrameRefusal::None: // no picture could be allocated
+    case EkFrameRefusal::NoOutputPixels:
+    case EkFrameRefusal::NotSupported:
         return QStringLiteral("The transform cannot work on a picture of %1 x %2 pixels of this kind.")
             .arg(source.width)
             .arg(source.height);

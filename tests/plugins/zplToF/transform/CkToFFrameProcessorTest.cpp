@@ -7,7 +7,6 @@
 namespace {
 
 using namespace ToFTransform;
-using ToFFrames::EkRefusal;
 
 TEST(CkToFFrameProcessor, OnlyAnUngatheredFrameThatIsNotHybridPassesThrough) {
     PaddedPicture picture(4, 2, 2, EkImageDataType::UInt16);
@@ -30,7 +29,7 @@ TEST(CkToFFrameProcessor, AnIncompleteSetStopsOnlyTheTransformsThatWorkOnSets) {
     for (int transform = 0; transform < 7; ++transform) {
         EXPECT_EQ(CkToFFrameProcessor::needsNoSet(transform), expected[transform]) << transform;
         if (expected[transform]) {
-            EXPECT_EQ(processor.refusal(transform, incomplete, *picture), EkRefusal::None);
+            EXPECT_EQ(processor.refusal(transform, incomplete, *picture), EkFrameRefusal::None);
         }
     }
     EXPECT_FALSE(CkToFFrameProcessor::needsNoSet(-1));
@@ -44,14 +43,15 @@ TEST(CkToFFrameProcessor, SectionsAreMergedOnlyWhereThereAreSomeAndABuffer) {
     const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
     const SkToFFrame other{.frame = *sections, .input = &*sections, .gathered = true};
     CkToFFrameProcessor processor;
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkRefusal::NothingToMerge) << "no buffer";
-    EXPECT_EQ(processor.refusal(Intensity, hybrid, *out), EkRefusal::None) << "of the frame as it is";
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkFrameRefusal::NothingToMerge) << "no buffer";
+    EXPECT_EQ(processor.refusal(Intensity, hybrid, *out), EkFrameRefusal::None) << "of the frame as it is";
     ASSERT_TRUE(processor.prepareHdr(*sections, 3));
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkRefusal::None);
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *asTall), EkRefusal::NothingToMerge) << "no sections";
-    EXPECT_EQ(processor.refusal(ConcatPhases, other, *asTall), EkRefusal::None);
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkFrameRefusal::None);
+    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *asTall), EkFrameRefusal::NothingToMerge)
+        << "no sections";
+    EXPECT_EQ(processor.refusal(ConcatPhases, other, *asTall), EkFrameRefusal::None);
     for (int transform : {-1, 7, 1000}) {
-        EXPECT_EQ(processor.refusal(transform, other, *out), EkRefusal::UnknownTransform);
+        EXPECT_EQ(processor.refusal(transform, other, *out), EkFrameRefusal::UnknownTransform);
     }
 }
 
@@ -70,9 +70,9 @@ TEST(CkToFFrameProcessor, AWorkBufferThatCannotBeHadIsNoMemory) {
     PaddedPicture out(5, 2, 3, EkImageDataType::UInt16);
     const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
     for (int transform : {Intensity, Amplitude, Depth, ConcatPhases}) {
-        EXPECT_EQ(processor.refusal(transform, hybrid, *out), EkRefusal::NoMemory) << transform;
+        EXPECT_EQ(processor.refusal(transform, hybrid, *out), EkFrameRefusal::NoMemory) << transform;
     }
-    EXPECT_EQ(processor.refusal(Intensity, hybrid, *sections), EkRefusal::None) << "nothing to merge";
+    EXPECT_EQ(processor.refusal(Intensity, hybrid, *sections), EkFrameRefusal::None) << "nothing to merge";
     EXPECT_FALSE(processor.prepareHdr(*sections, 7)) << "no row is left: no buffer is wanted";
     EXPECT_FALSE(processor.lacksHdrBuffer());
 }
@@ -84,13 +84,13 @@ TEST(CkToFFrameProcessor, OnlyUnsupportedPhasesCountsLeavePixelsOpen) {
         frame.phases = phases;
         const bool supported = phases == 1 || phases == 2 || phases == 4 || phases == 8;
         for (int transform : {Intensity, Amplitude, Depth}) {
-            EXPECT_EQ(CkToFFrameProcessor::leavesPixelsOpen(transform, frame), !supported) << phases;
+            EXPECT_EQ(CkToFFrameProcessor::leavesPixelsUnwritten(transform, frame), !supported) << phases;
         }
         for (int transform : {SetABPhase, ConcatPhases, AandBtoAminB, SetHybrid}) {
-            EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsOpen(transform, frame));
+            EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(transform, frame));
         }
         frame.hybrid = true;
-        EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsOpen(Depth, frame));
+        EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(Depth, frame));
     }
 }
 

@@ -5,8 +5,6 @@
 
 namespace {
 
-using ToFFrames::EkRefusal;
-
 PaddedPicture image(quint8 value, quint32 width = 5, quint32 height = 3) {
     PaddedPicture picture(width, height, 2, EkImageDataType::UInt8);
     picture.fill<quint8>([value](quint32, quint32, quint32) { return value; });
@@ -29,7 +27,7 @@ bool add(CkToFPhaseCollector& collector, quint8 value, qint64 count, qint64 inde
     return collector.add(*picture, {count, index}, angle).complete;
 }
 
-EkRefusal refusal(CkToFPhaseCollector& collector, qint64 count, qint64 index) {
+EkFrameRefusal refusal(CkToFPhaseCollector& collector, qint64 count, qint64 index) {
     PaddedPicture picture = image(99);
     return collector.add(*picture, {count, index}, 45).refusal;
 }
@@ -44,7 +42,7 @@ std::vector<int> rows(const SkPicBuf& picture) {
 
 TEST(CkToFPhaseCollector, StacksImagesByTheirIndexWhateverTheOrder) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 3), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 3), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 10, 3, 0, 0));
     EXPECT_FALSE(add(collector, 30, 3, 2, 180));
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, 180}));
@@ -55,7 +53,7 @@ TEST(CkToFPhaseCollector, StacksImagesByTheirIndexWhateverTheOrder) {
 
 TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
     EXPECT_TRUE(add(collector, 3, 2, 1, 91));
@@ -66,7 +64,7 @@ TEST(CkToFPhaseCollector, EveryImageAfterACompleteSetCompletesItAgain) {
 
 TEST(CkToFPhaseCollector, TheSetIsDescribedLikeItsLastImage) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     PaddedPicture last = image(2);
     (*last).bitsPerChannel = 7;
@@ -82,7 +80,7 @@ TEST(CkToFPhaseCollector, TheSetIsDescribedLikeItsLastImage) {
 
 TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     for (qint64 index : {qint64(2), qint64(-1), qint64(1) << 40, -(qint64(1) << 40)}) {
         EXPECT_FALSE(add(collector, 99, 2, index, 45));
@@ -94,7 +92,7 @@ TEST(CkToFPhaseCollector, IndicesOutsideTheSetDisturbNothing) {
 
 TEST(CkToFPhaseCollector, AnotherCountKeepsTheImagesThatFit) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 4), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 4), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 4, 0, 0));
     EXPECT_FALSE(add(collector, 3, 4, 2, 180));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90)) << "of two images both are there";
@@ -106,24 +104,24 @@ TEST(CkToFPhaseCollector, AnotherCountKeepsTheImagesThatFit) {
 
 TEST(CkToFPhaseCollector, ASetThatDoesNotFitTheBufferIsNotGathered) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
-    EXPECT_EQ(refusal(collector, 3, 1), EkRefusal::SetDiffers);
+    EXPECT_EQ(refusal(collector, 3, 1), EkFrameRefusal::SetDiffers);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, -1000})) << "the list is resized";
-    EXPECT_EQ(refusal(collector, 2000000000, 1), EkRefusal::SetTooLarge);
+    EXPECT_EQ(refusal(collector, 2000000000, 1), EkFrameRefusal::SetTooLarge);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000, -1000})) << "but not to that";
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
     EXPECT_EQ(rows(collector.set()), (std::vector<int>{1, 1, 1, 2, 2, 2}));
-    EXPECT_EQ(refusal(collector, 2000000000, 0), EkRefusal::SetTooLarge);
+    EXPECT_EQ(refusal(collector, 2000000000, 0), EkFrameRefusal::SetTooLarge);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000})) << "index 0 begins a new set";
-    EXPECT_EQ(refusal(collector, 0, 0), EkRefusal::OutsideSet);
+    EXPECT_EQ(refusal(collector, 0, 0), EkFrameRefusal::OutsideSet);
     EXPECT_TRUE(collector.angles().empty());
-    EXPECT_EQ(refusal(collector, -5, 0), EkRefusal::OutsideSet);
+    EXPECT_EQ(refusal(collector, -5, 0), EkFrameRefusal::OutsideSet);
 }
 
 TEST(CkToFPhaseCollector, ImagesThatDoNotFitTheBufferAreNotStored) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     EXPECT_FALSE(add(collector, 1, 2, 0, 0));
     PaddedPicture wide = image(9, 6, 3);
     PaddedPicture high = image(9, 5, 4);
@@ -133,7 +131,7 @@ TEST(CkToFPhaseCollector, ImagesThatDoNotFitTheBufferAreNotStored) {
          std::initializer_list<const SkPicBuf*>{&*wide, &*high, &*otherType, &none}) {
         const auto added = collector.add(*picture, {2, 1}, 90);
         EXPECT_FALSE(added.complete);
-        EXPECT_EQ(added.refusal, EkRefusal::SetDiffers);
+        EXPECT_EQ(added.refusal, EkFrameRefusal::SetDiffers);
     }
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{0, -1000}));
     EXPECT_TRUE(add(collector, 2, 2, 1, 90));
@@ -142,18 +140,18 @@ TEST(CkToFPhaseCollector, ImagesThatDoNotFitTheBufferAreNotStored) {
 
 TEST(CkToFPhaseCollector, AnImageThatIsTakenIsNotRefused) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     for (qint64 index : {0, 1, 1, 0, 1}) {
-        EXPECT_EQ(refusal(collector, 2, index), EkRefusal::None);
+        EXPECT_EQ(refusal(collector, 2, index), EkFrameRefusal::None);
     }
     for (qint64 index : {qint64(2), qint64(-1), qint64(1) << 40, -(qint64(1) << 40)}) {
-        EXPECT_EQ(refusal(collector, 2, index), EkRefusal::OutsideSet);
+        EXPECT_EQ(refusal(collector, 2, index), EkFrameRefusal::OutsideSet);
     }
 }
 
 TEST(CkToFPhaseCollector, SmallerImagesStandAtTheirOwnHeight) {
     CkToFPhaseCollector collector;
-    ASSERT_EQ(collector.prepare(format(), 2), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 2), EkFrameRefusal::None);
     PaddedPicture first = image(1, 4, 2);
     PaddedPicture second = image(2, 4, 2);
     EXPECT_FALSE(collector.add(*first, {2, 0}, 0).complete);
@@ -165,13 +163,13 @@ TEST(CkToFPhaseCollector, SmallerImagesStandAtTheirOwnHeight) {
 TEST(CkToFPhaseCollector, WithoutABufferTheListIsResizedButNothingIsKept) {
     CkToFPhaseCollector collector;
     EXPECT_FALSE(collector.hasBuffer());
-    EXPECT_EQ(refusal(collector, 2, 0), EkRefusal::SetDiffers);
+    EXPECT_EQ(refusal(collector, 2, 0), EkFrameRefusal::SetDiffers);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000}));
-    EXPECT_EQ(refusal(collector, 1, 0), EkRefusal::SetDiffers);
+    EXPECT_EQ(refusal(collector, 1, 0), EkFrameRefusal::SetDiffers);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000}));
-    EXPECT_EQ(refusal(collector, 3, 7), EkRefusal::OutsideSet);
+    EXPECT_EQ(refusal(collector, 3, 7), EkFrameRefusal::OutsideSet);
     EXPECT_EQ(collector.angles(), (CkToFPicAPI::AngleList{-1000, -1000, -1000}));
-    ASSERT_EQ(collector.prepare(format(), 1), EkRefusal::None);
+    ASSERT_EQ(collector.prepare(format(), 1), EkFrameRefusal::None);
     EXPECT_TRUE(add(collector, 1, 1, 0, 0));
     collector.clear();
     EXPECT_FALSE(collector.hasBuffer());
@@ -181,9 +179,9 @@ TEST(CkToFPhaseCollector, WithoutABufferTheListIsResizedButNothingIsKept) {
 
 TEST(CkToFPhaseCollector, NothingToGatherNeedsNoBuffer) {
     CkToFPhaseCollector collector;
-    EXPECT_EQ(collector.prepare(format(), 0), EkRefusal::None);
-    EXPECT_EQ(collector.prepare(format(), -3), EkRefusal::None);
-    EXPECT_EQ(collector.prepare(SkPicBufInfo(), 4), EkRefusal::None);
+    EXPECT_EQ(collector.prepare(format(), 0), EkFrameRefusal::None);
+    EXPECT_EQ(collector.prepare(format(), -3), EkFrameRefusal::None);
+    EXPECT_EQ(collector.prepare(SkPicBufInfo(), 4), EkFrameRefusal::None);
     EXPECT_FALSE(collector.hasBuffer());
 }
 
@@ -192,24 +190,24 @@ TEST(CkToFPhaseCollector, ImagesOfExactlyOneGiBAreWithinTheLimit) {
     const std::pair<quint32, qint64> sets[] = {{16384, 1}, {8192, 2}, {1, 16384}};
     for (const auto& [height, count] : sets) {
         CkToFPhaseCollector collector;
-        EXPECT_EQ(collector.prepare(format(32768, height), count), EkRefusal::None) << count;
+        EXPECT_EQ(collector.prepare(format(32768, height), count), EkFrameRefusal::None) << count;
         EXPECT_TRUE(collector.hasBuffer());
-        EXPECT_EQ(collector.prepare(format(32768, height), count + 1), EkRefusal::SetTooLarge) << count;
+        EXPECT_EQ(collector.prepare(format(32768, height), count + 1), EkFrameRefusal::SetTooLarge) << count;
         EXPECT_FALSE(collector.hasBuffer());
     }
     CkToFPhaseCollector collector;
-    EXPECT_EQ(collector.prepare(format(32768, 16385), 1), EkRefusal::SetTooLarge);
-    EXPECT_EQ(collector.prepare(format(65536, 65535), 1), EkRefusal::SetTooLarge);
-    EXPECT_EQ(collector.prepare(format(), 2000000000), EkRefusal::SetTooLarge);
-    EXPECT_EQ(collector.prepare(format(), std::numeric_limits<qint64>::max()), EkRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(32768, 16385), 1), EkFrameRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(65536, 65535), 1), EkFrameRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(), 2000000000), EkFrameRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(), std::numeric_limits<qint64>::max()), EkFrameRefusal::SetTooLarge);
 }
 
 TEST(CkToFPhaseCollector, ImagesOfAFewBytesCountAs64) {
     CkToFPhaseCollector collector;
-    EXPECT_EQ(collector.prepare(format(1, 1), 16777217), EkRefusal::SetTooLarge);
-    EXPECT_EQ(collector.prepare(format(1, 1), 16777216), EkRefusal::None); // 2^24 * 64 = 1 GiB
+    EXPECT_EQ(collector.prepare(format(1, 1), 16777217), EkFrameRefusal::SetTooLarge);
+    EXPECT_EQ(collector.prepare(format(1, 1), 16777216), EkFrameRefusal::None); // 2^24 * 64 = 1 GiB
     collector.clear();
-    EXPECT_EQ(refusal(collector, 16777217, 0), EkRefusal::SetTooLarge);
+    EXPECT_EQ(refusal(collector, 16777217, 0), EkFrameRefusal::SetTooLarge);
     EXPECT_TRUE(collector.angles().empty());
 }
 

@@ -10,7 +10,6 @@ namespace {
 
 using namespace ToFTransform;
 using EkOutcome = CkToFTransformer::EkOutcome;
-using EkRefusal = ToFFrames::EkRefusal;
 
 bool fromHeap(const SkPicBufInfo& info, bool /*clear*/, CkPicture& picture) {
     return picture.allocate(info);
@@ -65,7 +64,7 @@ TEST(CkToFTransformer, AFrameBecomesANewOneOfTheNegotiatedFormat) {
     data->picBuf().additionalData.frameNumber = 17;
     const auto result = process(transformer, AandBtoAminB, *data);
     ASSERT_EQ(result.outcome, EkOutcome::NewFrame);
-    EXPECT_EQ(result.refusal, EkRefusal::None);
+    EXPECT_EQ(result.refusal, EkFrameRefusal::None);
     ASSERT_NE(result.frame, nullptr);
     EXPECT_EQ(result.frame->picBuf().channels, 1U);
     EXPECT_EQ(reinterpret_cast<const qint16*>(result.frame->picBuf().row(1))[3], 100);
@@ -79,7 +78,7 @@ TEST(CkToFTransformer, ANumberThatIsNoTransformIsRefused) {
     for (int transform : {-1, 7}) {
         const auto result = process(transformer, transform, *frames.frame(200, 100));
         EXPECT_EQ(result.outcome, EkOutcome::Refused);
-        EXPECT_EQ(result.refusal, EkRefusal::UnknownTransform);
+        EXPECT_EQ(result.refusal, EkFrameRefusal::UnknownTransform);
     }
 }
 
@@ -96,7 +95,7 @@ TEST(CkToFTransformer, ASetWaitsForItsLastImage) {
     CkToFTransformer transformer;
     transformer.reset(true);
     const auto first = frames.image(0, 0);
-    ASSERT_EQ(transformer.prepare(first->picBuf(), first->metadata()), EkRefusal::None);
+    ASSERT_EQ(transformer.prepare(first->picBuf(), first->metadata()), EkFrameRefusal::None);
     for (int transform : {Intensity, Amplitude, Depth, ConcatPhases}) {
         const auto waiting = process(transformer, transform, *first);
         EXPECT_EQ(waiting.outcome, EkOutcome::Waiting) << transform;
@@ -135,7 +134,7 @@ TEST(CkToFTransformer, ASetOfAnotherLengthThanPreparedIsRefused) {
     process(transformer, Depth, *first);
     const auto result = process(transformer, Depth, *frames.image(3, 90, 4));
     EXPECT_EQ(result.outcome, EkOutcome::Refused);
-    EXPECT_EQ(result.refusal, EkRefusal::SetDiffers);
+    EXPECT_EQ(result.refusal, EkFrameRefusal::SetDiffers);
 }
 
 TEST(CkToFTransformer, WithoutAPictureThereIsNoRefusal) {
@@ -144,7 +143,7 @@ TEST(CkToFTransformer, WithoutAPictureThereIsNoRefusal) {
     const auto result = process(transformer, Amplitude, *frames.frame(200, 100),
                                 [](const SkPicBufInfo&, bool, CkPicture&) { return false; });
     EXPECT_EQ(result.outcome, EkOutcome::NoPicture);
-    EXPECT_EQ(result.refusal, EkRefusal::None);
+    EXPECT_EQ(result.refusal, EkFrameRefusal::None);
     EXPECT_EQ(result.frame, nullptr);
 }
 
@@ -171,7 +170,7 @@ TEST(CkToFTransformer, MorePhasesThanRowsLeaveNoPixels) {
     const auto result = process(transformer, Depth, *frames.frame(200, 100),
                                 [&asked](const SkPicBufInfo&, bool, CkPicture&) { return asked = true; });
     EXPECT_EQ(result.outcome, EkOutcome::Refused);
-    EXPECT_EQ(result.refusal, EkRefusal::NoOutputPixels);
+    EXPECT_EQ(result.refusal, EkFrameRefusal::NoOutputPixels);
     EXPECT_FALSE(asked);
 }
 
@@ -180,7 +179,7 @@ TEST(CkToFTransformer, AReferenceSectionWaitsAndIsSubtracted) {
     frames.metadata.sectionMode = 3;
     CkToFTransformer transformer;
     const auto reference = frames.frame(30, 20);
-    ASSERT_EQ(transformer.prepare(reference->picBuf(), reference->metadata()), EkRefusal::None);
+    ASSERT_EQ(transformer.prepare(reference->picBuf(), reference->metadata()), EkFrameRefusal::None);
     EXPECT_EQ(process(transformer, AandBtoAminB, *reference).outcome, EkOutcome::Waiting);
     frames.metadata.sectionIndex = 1;
     const auto result = process(transformer, AandBtoAminB, *frames.frame(230, 120));
@@ -196,7 +195,7 @@ TEST(CkToFTransformer, AReferenceItWasNotPreparedForIsRefused) {
     frames.metadata.sectionMode = 3;
     const auto result = process(transformer, Amplitude, *frames.frame(30, 20));
     EXPECT_EQ(result.outcome, EkOutcome::Refused);
-    EXPECT_EQ(result.refusal, EkRefusal::NoReference);
+    EXPECT_EQ(result.refusal, EkFrameRefusal::NoReference);
 }
 
 } // namespace
