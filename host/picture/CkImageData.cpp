@@ -15,7 +15,7 @@ void CkImageData::setPicBuf(const SkPicBuf& picBuf) {
     if (&picBuf == &m_picture.picBuf()) {
         return;
     }
-    // The new one is in place before the old one is freed: a pool may hand the old pixels out again at once.
+    // The new picture is stored before the old one is released: a pool may reuse the old pixels immediately.
     const CkPicture previous(m_picture.take());
     m_picture = CkPicture(picBuf);
 }

@@ -18,7 +18,7 @@ constexpr quint32 maximumOfBits(quint32 bits) {
 /// Position 0..255 in the map for a value on the scale of the contrast entry.
 size_t mapPosition(const CkLut::CkCompContrast& contrast, double value) {
     const double range = double(contrast.inHigh) - double(contrast.inLow);
-    // A window without width is a threshold.
+    // A window of zero width acts as a threshold.
     double part = range > 0.0 ? (value - contrast.inLow) / range : (value < contrast.inLow ? 0.0 : 1.0);
     part = std::clamp(part, 0.0, 1.0);
     if (contrast.gamma > 0.0 && contrast.gamma != 1.0) {
@@ -63,7 +63,7 @@ CkLut::CkCompContrast CkLut::activeContrast() const {
 }
 
 bool CkLut::allocRgbTable(size_t uiBytes) {
-    Q_UNUSED(uiBytes) // the format decides, whatever size was asked for
+    Q_UNUSED(uiBytes) // the format alone determines the size
     const PseudoColorTable colors = pseudoColorMap(m_iPseudoColorIndex);
     // Floats are windowed when they are looked up, so their table is the map itself.
     const bool plainMap = isFloatType(m_dataType);
@@ -91,7 +91,7 @@ bool CkLut::applyToPic(const SkPicBuf& source, SkPicBuf& target) const {
     }
     const CkCompContrast contrast = activeContrast();
     const double maximum = maximumOfBits(m_uiBits);
-    // No value has a position in an infinite window: it counts as one without width.
+    // An infinite window has no relative positions; it is treated like one of zero width.
     const bool bounded = std::isfinite(source.minValue) && std::isfinite(source.maxValue);
     const double span = bounded ? double(source.maxValue) - double(source.minValue) : 0.0;
     const quint64 lastEntry = rgbTableEntries() - 1;

@@ -11,16 +11,17 @@
 
 namespace {
 
-/// The pictures of one owner. Lives until its pool has released it and every picture is back.
-class CkShelf final : public IkPicMemoryShelf, public std::enable_shared_from_this<CkShelf> {
+/// The sub-pool of one owner: its free list and counters. Pictures in use share its ownership, so that they
+/// can be returned, or freed, after the pool itself was destroyed.
+class CkOwnerPool final : public IkPicMemoryPool, public std::enable_shared_from_this<CkOwnerPool> {
 public:
-    explicit CkShelf(size_t uiBytes) : m_uiBytes(uiBytes) {}
-    ~CkShelf() override { freeAll(); }
-    CkShelf(const CkShelf&) = delete;
-    CkShelf& operator=(const CkShelf&) = delete;
+    explicit CkOwnerPool(size_t uiBytes) : m_uiBytes(uiBytes) {}
+    ~CkOwnerPool() override { freeAll(); }
+    CkOwnerPool(const CkOwnerPool&) = delete;
+    CkOwnerPool& operator=(const CkOwnerPool&) = delete;
 
     bool fill(int iCount) {
-        m_free.reserve(size_t(iCount)); // takeBack must not allocate
+        m_free.reserve(size_t(iCount)); // reclaim must not allocate
         for (int i = 0; i < iCount; ++i) {
             CkPicMemory* const memory = CkPicMemory::create(m_uiBytes, true);
             if (memory == nullptr) {
@@ -33,14 +34,15 @@ public:
         return true;
     }
 
-    /// From now on pictures that come back are freed.
+    /// From now on, returned pictures are freed instead of being reused.
     void retire() {
         const std::lock_guard lock(m_mutex);
         m_bRetired = true;
         freeAll();
     }
 
-    CkPicMemory* take() {
+    /// Null, and counted, when no picture is free.
+    CkPicMemory* acquire() {
         CkPicMemory* memory = nullptr;
         {
             const std::lock_guard lock(m_mutex);
@@ -51,11 +53,11 @@ public:
             memory = m_free.back();
             m_free.pop_back();
         }
-        memory->handOut(shared_from_this());
+        memory->reuse(shared_from_this());
         return memory;
     }
 
-    void takeBack(CkPicMemory* pMemory) override {
+    void reclaim(CkPicMemory* pMemory) override {
         const std::lock_guard lock(m_mutex);
         if (m_bRetired) {
             CkPicMemory::destroy(pMemory);
@@ -100,14 +102,14 @@ private:
 
 class CkMemoryPool::CkPrivate {
 public:
-    std::shared_ptr<CkShelf> shelf(const void* pOwner) const {
+    std::shared_ptr<CkOwnerPool> ownerPool(const void* pOwner) const {
         const std::lock_guard lock(m_mutex);
-        const auto found = m_shelves.find(pOwner);
-        return found == m_shelves.end() ? nullptr : found->second;
+        const auto found = m_pools.find(pOwner);
+        return found == m_pools.end() ? nullptr : found->second;
     }
 
     mutable std::mutex m_mutex;
-    std::unordered_map<const void*, std::shared_ptr<CkShelf>> m_shelves;
+    std::unordered_map<const void*, std::shared_ptr<CkOwnerPool>> m_pools;
 };
 
 CkMemoryPool::CkMemoryPool() : m_d(std::make_unique<CkPrivate>()) {}
@@ -123,11 +125,11 @@ bool CkMemoryPool::reserve(const void* pOwner, const SkPicBufInfo& info, int iCo
         return false;
     }
     try {
-        auto shelf = std::make_shared<CkShelf>(bytes);
-        const bool filled = shelf->fill(iCount);
-        // An empty shelf is kept, too: it counts the requests that it refuses.
+        auto pool = std::make_shared<CkOwnerPool>(bytes);
+        const bool filled = pool->fill(iCount);
+        // Stored even when it could not be filled: it counts the requests that it refuses.
         const std::lock_guard lock(m_d->m_mutex);
-        m_d->m_shelves[pOwner] = std::move(shelf);
+        m_d->m_pools[pOwner] = std::move(pool);
         return filled;
     } catch (const std::exception&) {
         return false;
@@ -135,35 +137,35 @@ bool CkMemoryPool::reserve(const void* pOwner, const SkPicBufInfo& info, int iCo
 }
 
 void CkMemoryPool::release(const void* pOwner) {
-    std::shared_ptr<CkShelf> shelf;
+    std::shared_ptr<CkOwnerPool> pool;
     {
         const std::lock_guard lock(m_d->m_mutex);
-        const auto found = m_d->m_shelves.find(pOwner);
-        if (found == m_d->m_shelves.end()) {
+        const auto found = m_d->m_pools.find(pOwner);
+        if (found == m_d->m_pools.end()) {
             return;
         }
-        shelf = std::move(found->second);
-        m_d->m_shelves.erase(found);
+        pool = std::move(found->second);
+        m_d->m_pools.erase(found);
     }
-    shelf->retire();
+    pool->retire();
 }
 
 void CkMemoryPool::releaseAll() {
-    std::unordered_map<const void*, std::shared_ptr<CkShelf>> shelves;
+    std::unordered_map<const void*, std::shared_ptr<CkOwnerPool>> pools;
     {
         const std::lock_guard lock(m_d->m_mutex);
-        shelves.swap(m_d->m_shelves);
+        pools.swap(m_d->m_pools);
     }
-    for (const auto& [owner, shelf] : shelves) {
-        shelf->retire();
+    for (const auto& [owner, pool] : pools) {
+        pool->retire();
     }
 }
 
 bool CkMemoryPool::acquire(const void* pOwner, const SkPicBufInfo& info, SkPicBuf& picBuf, bool bClear) {
-    // A copy, for the descriptor may be the one inside picBuf.
+    // A copy: info may be the descriptor inside picBuf, which FreePicBuf resets.
     const SkPicBufInfo wanted = info;
     CkPicBufAPI::FreePicBuf(picBuf, true);
-    const std::shared_ptr<CkShelf> owned = m_d->shelf(pOwner);
+    const std::shared_ptr<CkOwnerPool> owned = m_d->ownerPool(pOwner);
     const size_t bytes = CkPicBufAPI::byteSize(wanted);
     if (!owned) {
         return false;
@@ -172,7 +174,7 @@ bool CkMemoryPool::acquire(const void* pOwner, const SkPicBufInfo& info, SkPicBu
         owned->countMisfit();
         return false;
     }
-    CkPicMemory* const memory = owned->take();
+    CkPicMemory* const memory = owned->acquire();
     if (memory == nullptr) {
         return false;
     }
@@ -187,21 +189,21 @@ bool CkMemoryPool::acquire(const void* pOwner, const SkPicBufInfo& info, SkPicBu
 }
 
 int CkMemoryPool::capacity(const void* pOwner) const {
-    const auto owned = m_d->shelf(pOwner);
+    const auto owned = m_d->ownerPool(pOwner);
     return owned ? owned->capacity() : 0;
 }
 
 int CkMemoryPool::freeCount(const void* pOwner) const {
-    const auto owned = m_d->shelf(pOwner);
+    const auto owned = m_d->ownerPool(pOwner);
     return owned ? owned->freeCount() : 0;
 }
 
 quint64 CkMemoryPool::bytesPerPicture(const void* pOwner) const {
-    const auto owned = m_d->shelf(pOwner);
+    const auto owned = m_d->ownerPool(pOwner);
     return owned ? owned->bytes() : 0;
 }
 
 CkMemoryPool::SkRefusals CkMemoryPool::refusals(const void* pOwner) const {
-    const auto owned = m_d->shelf(pOwner);
+    const auto owned = m_d->ownerPool(pOwner);
     return owned ? owned->refusals() : SkRefusals();
 }

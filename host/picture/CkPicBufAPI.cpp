@@ -9,7 +9,7 @@
 
 namespace {
 
-/// info.lineSize 0 asks for packed, padded rows.
+/// info.lineSize 0: the packed row rounded up to linePadding.
 bool allocate(SkPicBuf& picBuf, SkPicBufInfo info, bool bClear, size_t uiReserveBytes) {
     CkPicBufAPI::FreePicBuf(picBuf, true);
     picBuf = SkPicBuf();
@@ -94,7 +94,7 @@ bool CkPicBufAPI::SharePicBuf(const SkPicBuf& source, SkPicBuf& target) {
     if (source.memory == nullptr) {
         return false;
     }
-    // The new reference first: the target may hold the last one to these pixels.
+    // Added before the old one is released: the target may hold the last reference to these pixels.
     const SkPicBuf shared = source;
     shared.memory->addReference();
     FreePicBuf(target, true);
@@ -121,8 +121,8 @@ bool CkPicBufAPI::CopyPicBuf(const SkPicBuf& source, SkPicBuf& target) {
 
 bool CkPicBufAPI::CopyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
                            quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight) {
-    return PictureCopy::copyRect(target, uiTargetX, uiTargetY, source, uiSourceX, uiSourceY, uiWidth,
-                                 uiHeight);
+    return PictureCopy::copyRect(source, target,
+                                 {uiSourceX, uiSourceY, uiTargetX, uiTargetY, uiWidth, uiHeight});
 }
 
 bool CkPicBufAPI::ExtractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel) {

@@ -14,8 +14,8 @@ namespace {
 
 constexpr size_t kAlignment = 64; // a cache line
 
-/// The system overcommits memory and kills the process that uses it; a picture that can never be in memory as
-/// a whole is refused instead.
+/// Linux overcommits: an allocation beyond the physical memory succeeds, and the process is killed when it
+/// touches the pages. Such pictures are refused instead.
 size_t physicalMemory() {
     static const size_t bytes = [] {
         const long pages = sysconf(_SC_PHYS_PAGES);
@@ -56,16 +56,17 @@ void CkPicMemory::release() noexcept {
     if (m_references.fetch_sub(1, std::memory_order_acq_rel) != 1) {
         return;
     }
-    // The shelf's pointer leaves first: takeBack may hand this memory out to another thread at once.
-    const std::shared_ptr<IkPicMemoryShelf> shelf = std::move(m_shelf);
-    if (shelf) {
-        shelf->takeBack(this);
+    // Moved out before the call: as soon as the pool has the memory, another thread may reuse it and set
+    // m_pool.
+    const std::shared_ptr<IkPicMemoryPool> pool = std::move(m_pool);
+    if (pool) {
+        pool->reclaim(this);
     } else {
         destroy(this);
     }
 }
 
-void CkPicMemory::handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept {
+void CkPicMemory::reuse(std::shared_ptr<IkPicMemoryPool> pPool) noexcept {
     m_references.store(1, std::memory_order_relaxed);
-    m_shelf = std::move(pShelf);
+    m_pool = std::move(pPool);
 }

@@ -8,15 +8,15 @@
 
 class CkPicMemory;
 
-/// Takes the memory of a pooled picture back when its last reference is released. Any thread.
-class IkPicMemoryShelf {
+/// The pool to which the memory of a picture returns when its last reference is released. Any thread.
+class IkPicMemoryPool {
 public:
-    virtual ~IkPicMemoryShelf() = default;
-    virtual void takeBack(CkPicMemory* pMemory) = 0;
+    virtual ~IkPicMemoryPool() = default;
+    virtual void reclaim(CkPicMemory* pMemory) = 0;
 };
 
-/// Counted pixels. Header and pixels are one allocation, so that a picture costs one call of the allocator.
-/// Counting may happen on any thread.
+/// Reference-counted pixel memory. Header and pixels share one allocation. References may be added and
+/// released on any thread.
 class CkPicMemory {
 public:
     /// Memory with one reference; pixels aligned to 64 bytes, zeroed when bClear. Null when memory is short.
@@ -30,11 +30,12 @@ public:
     size_t bytes() const { return m_bytes; }
 
     void addReference() noexcept { m_references.fetch_add(1, std::memory_order_relaxed); }
-    /// Gives one reference back; the last one sends the memory to its shelf, or frees it.
+    /// Releases a reference; the last one returns the memory to its pool, or frees it.
     void release() noexcept;
 
-    /// Takes memory without holders into use again: one reference, going back to pShelf.
-    void handOut(std::shared_ptr<IkPicMemoryShelf> pShelf) noexcept;
+    /// Puts memory without references back into use: it has one reference then, and returns to pPool after
+    /// the last one.
+    void reuse(std::shared_ptr<IkPicMemoryPool> pPool) noexcept;
 
 private:
     CkPicMemory(quint8* pPixels, size_t uiBytes) : m_pixels(pPixels), m_bytes(uiBytes) {}
@@ -43,5 +44,5 @@ private:
     quint8* const m_pixels;
     const size_t m_bytes;
     std::atomic<int> m_references{1};
-    std::shared_ptr<IkPicMemoryShelf> m_shelf;
+    std::shared_ptr<IkPicMemoryPool> m_pool;
 };

@@ -9,10 +9,10 @@
 
 namespace {
 
-// 128 bits hold a 64-bit sample shifted by up to 63; narrower samples take the quicker 64 bits.
+// 128 bits hold a 64-bit sample shifted by up to 63; 64 bits, which are faster, suffice for narrower samples.
 __extension__ using Int128 = __int128;
 
-/// Means are formed in a type that holds every sample exactly and sums of them without overflow.
+/// The type in which means are computed: it holds every sample exactly, and sums of samples without overflow.
 template <typename T>
 using MeanType = std::conditional_t<sizeof(T) == 8, long double, double>;
 

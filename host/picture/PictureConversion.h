@@ -2,7 +2,7 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// Pictures in another format or size. Specified in CkPicBufAPI.h.
+/// Conversion of pictures to another format or size. Documented in CkPicBufAPI.h.
 namespace PictureConversion {
 
 /// CkPicBufAPI::ConvertToGrey

@@ -9,12 +9,12 @@ bool PictureCopy::copy(const SkPicBuf& source, SkPicBuf& target) {
         return false;
     }
     if (target.data == nullptr) {
-        const SkPicBuf original = source; // the target may be a picture whose pixels were taken away
-        if (!CkPicBufAPI::AllocPicBufFromHeap(target, original)) {
+        if (!CkPicBufAPI::AllocPicBufFromHeap(target, source)) {
             return false;
         }
     }
-    if (!sameSize(source, target) || !copyRect(target, 0, 0, source, 0, 0, source.width, source.height)) {
+    if (!sameSize(source, target) ||
+        !copyRect(source, target, {.width = source.width, .height = source.height})) {
         return false;
     }
     target.minValue = source.minValue;
@@ -23,32 +23,31 @@ bool PictureCopy::copy(const SkPicBuf& source, SkPicBuf& target) {
     return true;
 }
 
-bool PictureCopy::copyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
-                           quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight) {
+bool PictureCopy::copyRect(const SkPicBuf& source, SkPicBuf& target, const SkRectCopy& rect) {
     if (!hasPixels(source) || !hasPixels(target) || !samePixelFormat(source, target)) {
         return false;
     }
     const auto inside = [&](const SkPicBufInfo& info, quint32 x, quint32 y) {
-        return quint64(x) + uiWidth <= info.width && quint64(y) + uiHeight <= info.height;
+        return quint64(x) + rect.width <= info.width && quint64(y) + rect.height <= info.height;
     };
-    if (!inside(source, uiSourceX, uiSourceY) || !inside(target, uiTargetX, uiTargetY)) {
+    if (!inside(source, rect.sourceX, rect.sourceY) || !inside(target, rect.targetX, rect.targetY)) {
         return false;
     }
-    if (uiWidth == 0 || uiHeight == 0) {
+    if (rect.width == 0 || rect.height == 0) {
         return true;
     }
-    // With rows at different distances there is no order in which each is read before it is overwritten.
+    // With different line sizes there is no order that reads every row before it is overwritten.
     if (source.lineSize != target.lineSize && overlap(source, target)) {
         return false;
     }
     const size_t pixelBytes = size_t(source.channels) * sampleBytes(source.dataType);
-    const size_t rowBytes = pixelBytes * uiWidth;
-    const quint8* const from = source.row(uiSourceY) + pixelBytes * uiSourceX;
-    quint8* const to = target.row(uiTargetY) + pixelBytes * uiTargetX;
-    // Within one picture rows are moved in the order that reads each before it is overwritten.
+    const size_t rowBytes = pixelBytes * rect.width;
+    const quint8* const from = source.row(rect.sourceY) + pixelBytes * rect.sourceX;
+    quint8* const to = target.row(rect.targetY) + pixelBytes * rect.targetX;
+    // Overlapping rows are copied in the order that reads every one before it is overwritten.
     const bool backwards = std::less<const quint8*>()(from, to);
-    for (quint32 i = 0; i < uiHeight; ++i) {
-        const size_t y = backwards ? uiHeight - 1 - i : i;
+    for (quint32 i = 0; i < rect.height; ++i) {
+        const size_t y = backwards ? rect.height - 1 - i : i;
         std::memmove(to + y * target.lineSize, from + y * source.lineSize, rowBytes);
     }
     return true;

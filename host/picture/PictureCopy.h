@@ -2,14 +2,23 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// Copies of pixels that do not look at sample values. Specified in CkPicBufAPI.h.
+/// Copies of pixels without interpretation of their samples. Documented in CkPicBufAPI.h.
 namespace PictureCopy {
+
+/// A rectangle and its position in both pictures, in pixels.
+struct SkRectCopy {
+    quint32 sourceX = 0;
+    quint32 sourceY = 0;
+    quint32 targetX = 0;
+    quint32 targetY = 0;
+    quint32 width = 0;
+    quint32 height = 0;
+};
 
 /// CkPicBufAPI::CopyPicBuf
 bool copy(const SkPicBuf& source, SkPicBuf& target);
 /// CkPicBufAPI::CopyRect
-bool copyRect(SkPicBuf& target, quint32 uiTargetX, quint32 uiTargetY, const SkPicBuf& source,
-              quint32 uiSourceX, quint32 uiSourceY, quint32 uiWidth, quint32 uiHeight);
+bool copyRect(const SkPicBuf& source, SkPicBuf& target, const SkRectCopy& rect);
 /// CkPicBufAPI::ExtractChannel
 bool extractChannel(const SkPicBuf& source, SkPicBuf& target, quint32 uiChannel);
 

@@ -59,14 +59,14 @@ float toFloatRange(double value) {
 template <typename T>
 std::make_unsigned_t<T> magnitude(T value) {
     using Unsigned = std::make_unsigned_t<T>;
-    // In unsigned arithmetic, for the smallest value has no negative of its own type.
+    // In unsigned arithmetic: the negative of the smallest value does not fit its type.
     return value < 0 ? Unsigned(Unsigned(0) - Unsigned(value)) : Unsigned(value);
 }
 
 template <typename T>
 T shifted(T value, qint64 shift) {
     constexpr qint64 width = qint64(sizeof(T)) * 8;
-    // The language leaves shifts by the width and more open.
+    // Shifts by the width of the type or more are undefined in C++.
     if (shift >= width) {
         return T(0);
     }
@@ -133,7 +133,7 @@ bool PictureSamples::bitDepth(const SkPicBuf& picBuf, quint32& uiBits, bool bFir
     return visitIntegerSamples(picBuf.dataType, [&]<typename T>(T) {
         const size_t step = bFirstChannelOnly ? picBuf.channels : 1;
         const size_t count = bFirstChannelOnly ? picBuf.width : size_t(picBuf.width) * picBuf.channels;
-        // The union of all bits is as long as the largest value.
+        // The bitwise OR of all values has the bit length of the largest one.
         std::make_unsigned_t<T> bits = 0;
         for (quint32 y = 0; y < picBuf.height; ++y) {
             const quint8* const row = picBuf.row(y);
@@ -178,7 +178,7 @@ bool PictureSamples::subtract(SkPicBuf& picBuf, const SkPicBuf& subtrahend) {
         !samePixelFormat(picBuf, subtrahend)) {
         return false;
     }
-    // The same pixels in the same places are fine, anything in between is not.
+    // Identical pixels are fine; a partial overlap would subtract results instead of samples.
     const bool samePlaces = picBuf.data == subtrahend.data && picBuf.lineSize == subtrahend.lineSize;
     if (!samePlaces && overlap(picBuf, subtrahend)) {
         return false;

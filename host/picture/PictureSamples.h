@@ -2,7 +2,7 @@
 
 #include "zuCore/SkPicBuf.h"
 
-/// Values of samples, read or changed in place. Specified in CkPicBufAPI.h.
+/// Statistics of samples, and changes of samples in place. Documented in CkPicBufAPI.h.
 namespace PictureSamples {
 
 /// CkPicBufAPI::CalcFloatDataMinMax

@@ -4,8 +4,7 @@
 
 #include <functional>
 
-/// Bytes of the pixels of one row; 0 without pixels or when the number leaves 32 bits, which no lineSize
-/// can hold.
+/// Bytes of the pixels of one row; 0 without pixels, or when the number exceeds the 32 bits of a lineSize.
 inline quint64 pictureRowBytes(const SkPicBufInfo& info) {
     quint64 bytes = 0;
     if (__builtin_mul_overflow(quint64(info.width), quint64(info.channels), &bytes) ||
@@ -28,7 +27,7 @@ inline bool samePixelFormat(const SkPicBufInfo& first, const SkPicBufInfo& secon
     return first.channels == second.channels && first.dataType == second.dataType;
 }
 
-/// True when two pictures have memory in common, so that writing one changes the other.
+/// True when two pictures share memory, so that writing to one may change the other.
 inline bool overlap(const SkPicBuf& first, const SkPicBuf& second) {
     const std::less<const quint8*> before;
     return before(first.data, second.data + CkPicBufAPI::byteSize(second)) &&

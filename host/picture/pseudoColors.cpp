@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Red, green and blue at a position, all 0..1. Between points colours are mixed linearly.
+/// Red, green and blue at a position, all 0..1. Colours between points are interpolated linearly.
 struct ControlPoint {
     double position;
     double red;
@@ -16,7 +16,7 @@ struct ControlPoint {
 
 constexpr ControlPoint kGrey[] = {{0.0, 0.0, 0.0, 0.0}, {1.0, 1.0, 1.0, 1.0}};
 constexpr ControlPoint kInverted[] = {{0.0, 1.0, 1.0, 1.0}, {1.0, 0.0, 0.0, 0.0}};
-// Once round the colour wheel from blue to red.
+// Around the colour wheel from blue to red.
 constexpr ControlPoint kRainbow[] = {{0.0, 0.0, 0.0, 1.0},
                                      {0.25, 0.0, 1.0, 1.0},
                                      {0.5, 0.0, 1.0, 0.0},
@@ -70,7 +70,7 @@ PseudoColorTable pseudoColorMap(int index) {
     PseudoColorTable table;
     for (size_t i = 0; i < 256; ++i) {
         const double position = double(i) / 255.0;
-        // The last interval also takes the end of the map.
+        // The last interval includes the end of the map.
         size_t k = 0;
         while (k + 2 < points.size() && points[k + 1].position <= position) {
             ++k;

@@ -9,5 +9,5 @@ using PseudoColorTable = std::array<quint8, 256 * 4>;
 
 QStringList pseudoColorMapNames();
 
-/// The map of an index of the names; grey for any other index.
+/// The map with an index into the names; grey for an index out of range.
 PseudoColorTable pseudoColorMap(int index);

@@ -16,16 +16,15 @@ public:
     explicit CkImageData(QObject* pParent = nullptr); ///< Without a picture.
     ~CkImageData() override;
 
-    const SkPicBuf& picBuf() const { return m_picture.picBuf(); } ///< Stays this object's.
-    SkPicBuf& picBuf() {
-        return m_picture.picBuf();
-    } ///< To write pixels; only while no other frame shares them.
+    const SkPicBuf& picBuf() const { return m_picture.picBuf(); } ///< Owned by this object.
+    /// To write pixels; only while no other frame shares them.
+    SkPicBuf& picBuf() { return m_picture.picBuf(); }
 
-    /// Takes ownership of the picture's reference; the one held before is released.
+    /// Takes ownership of the picture's reference; the previous one is released.
     void setPicBuf(const SkPicBuf& picBuf);
 
     const CkImageMetadata& metadata() const { return m_metadata; }               ///< Of this frame.
-    void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; } ///< A copy is kept.
+    void setMetadata(const CkImageMetadata& metadata) { m_metadata = metadata; } ///< Stores a copy.
 
     /// Identifier of the frame within its source: the low 31 bits of the frame number, never negative.
     qint32 frameId() const { return qint32(picBuf().additionalData.frameNumber & 0x7fffffffU); }

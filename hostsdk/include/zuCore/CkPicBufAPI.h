@@ -27,11 +27,11 @@ public:
                                     EkColorFilterArray colorFilterArray, bool bLayoutFlag, bool bNoClear,
                                     size_t uiReserveBytes);
 
-    /// The same by a descriptor. The descriptor's lineSize is kept unless it is 0 or bPackLines.
+    /// The same for a descriptor. The descriptor's lineSize is kept unless it is 0 or bPackLines.
     static bool AllocPicBufFromHeap(SkPicBuf& picBuf, const SkPicBufInfo& info, bool bPackLines = false,
                                     size_t uiReserveBytes = 0);
 
-    /// A picture from the shelf of an owner in a pool, see CkMemoryPool::acquire. A reference that picBuf
+    /// A picture from the sub-pool of an owner in a pool, see CkMemoryPool::acquire. A reference that picBuf
     /// held is released first. False, with picBuf empty, on failure and for a null pool.
     static bool AllocPicBufFromPool(CkMemoryPool* pPool, const void* pOwner, SkPicBuf& picBuf,
                                     const SkPicBufInfo& info, bool bClear);

@@ -12,9 +12,9 @@ public:
     /// Takes ownership of the picture's reference: no alias of it may be freed any more.
     explicit CkPicture(const SkPicBuf& picBuf) : m_picBuf(picBuf) {}
     ~CkPicture() { reset(); }
-    /// Takes the reference over; other is empty afterwards.
+    /// Moves the reference; other is empty afterwards.
     CkPicture(CkPicture&& other) noexcept : m_picBuf(other.take()) {}
-    /// Gives back the picture held and takes the reference over; other is empty afterwards.
+    /// Releases the picture held and moves the reference; other is empty afterwards.
     CkPicture& operator=(CkPicture&& other) noexcept {
         if (this != &other) {
             reset();
@@ -35,8 +35,8 @@ public:
     }
 
     bool isEmpty() const { return m_picBuf.data == nullptr; } ///< Without pixels.
-    SkPicBuf& picBuf() { return m_picBuf; }                   ///< Stays this object's.
-    const SkPicBuf& picBuf() const { return m_picBuf; }       ///< Stays this object's.
+    SkPicBuf& picBuf() { return m_picBuf; }                   ///< Owned by this object.
+    const SkPicBuf& picBuf() const { return m_picBuf; }       ///< Owned by this object.
 
     /// Transfers the reference to the caller; empty afterwards.
     SkPicBuf take() { return std::exchange(m_picBuf, SkPicBuf()); }

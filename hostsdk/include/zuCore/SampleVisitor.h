@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstring>
 
-// From the sample type of a picture to a C++ type, once for all code that works on any sample type:
+// Dispatches from the sample type of a picture to a C++ type, for code that works on any sample type:
 //
 //     visitSamples(picBuf.dataType, [&](auto zero) {
 //         using Sample = decltype(zero);

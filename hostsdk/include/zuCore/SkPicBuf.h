@@ -13,10 +13,11 @@ struct SkPicBufInfo {
     quint32 channels = 0;       ///< interleaved samples per pixel
     quint32 bitsPerChannel = 0; ///< significant bits of a sample: 8, 12, 16, 32
     quint32 linePadding = 0; ///< rows are rounded up to a multiple of this many bytes; 0 and 1: packed rows
-    EkImageDataType dataType = EkImageDataType::Unknown;              ///< of a sample
-    EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown; ///< the host's are interleaved
-    EkColorFilterArray colorFilterArray = EkColorFilterArray::None;   ///< None: no colour filter
-    bool layoutFlag = false;                                          ///< false for every raw ToF picture
+    EkImageDataType dataType = EkImageDataType::Unknown; ///< of a sample
+    EkDataStorageFormat storageFormat =
+        EkDataStorageFormat::Unknown;                               ///< Interleaved for pictures of the host
+    EkColorFilterArray colorFilterArray = EkColorFilterArray::None; ///< None: no colour filter
+    bool layoutFlag = false;                                        ///< false for every raw ToF picture
 
     /// Interleaved samples without a colour filter, in packed rows: lineSize is width * channels * sample
     /// bytes, and 0, which allocations refuse, when that exceeds 32 bits.
@@ -33,8 +34,8 @@ struct SkPicBufInfo {
         return info;
     }
 
-    /// Sets linePadding and lineSize: packed rows rounded up to a multiple of so many bytes, lineSize 0 when
-    /// that exceeds 32 bits. 0 and 1: packed.
+    /// Sets linePadding, and lineSize to the packed row rounded up to a multiple of that many bytes, or to 0
+    /// when that exceeds 32 bits. 0 and 1: packed.
     void padRows(quint32 uiLinePadding) {
         linePadding = uiLinePadding;
         const quint64 padding = uiLinePadding > 1 ? uiLinePadding : 1;

@@ -37,7 +37,7 @@ TEST(CkMemoryPool, HandsOutAsManyAsReservedAndTakesThemBack) {
     EXPECT_EQ(pool.freeCount(firstOwner), 2);
 }
 
-TEST(CkMemoryPool, AStrangerOwnsNothingAndAShelfMayBeEmpty) {
+TEST(CkMemoryPool, AStrangerOwnsNothingAndASubPoolMayBeEmpty) {
     CkMemoryPool pool;
     EXPECT_EQ(pool.capacity(firstOwner), 0);
     EXPECT_EQ(pool.freeCount(firstOwner), 0);
@@ -96,7 +96,7 @@ TEST(CkMemoryPool, AnyDescriptorOfTheSameByteSizeFits) {
     EXPECT_EQ(pool.freeCount(firstOwner), 1);
 }
 
-TEST(CkMemoryPool, OwnersDoNotShareShelves) {
+TEST(CkMemoryPool, OwnersDoNotShareSubPools) {
     CkMemoryPool pool;
     ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 4), 1));
     ASSERT_TRUE(pool.reserve(secondOwner, packedFormat(4, 4), 3));
@@ -124,23 +124,23 @@ TEST(CkMemoryPool, WithoutAPoolThePictureIsEmptyAndWhatItHeldIsGivenBack) {
     EXPECT_EQ(pool.freeCount(firstOwner), 1);
 }
 
-TEST(CkMemoryPool, PicturesOutliveTheirShelfAndThePool) {
-    SkPicBuf ofShelf;
+TEST(CkMemoryPool, PicturesOutliveTheirSubPoolAndThePool) {
+    SkPicBuf ofSubPool;
     SkPicBuf ofPool;
     {
         CkMemoryPool pool;
         ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
-        ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), ofShelf, false));
-        ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1)) << "in place of the old shelf";
-        ofShelf.data[15] = 1;
+        ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), ofSubPool, false));
+        ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1)) << "in place of the old sub-pool";
+        ofSubPool.data[15] = 1;
         EXPECT_EQ(pool.freeCount(firstOwner), 1);
         ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), ofPool, false));
-        EXPECT_NE(ofPool.data, ofShelf.data);
+        EXPECT_NE(ofPool.data, ofSubPool.data);
     }
     ofPool.data[15] = 2;
-    EXPECT_EQ(ofShelf.data[15], 1);
+    EXPECT_EQ(ofSubPool.data[15], 1);
     EXPECT_EQ(ofPool.data[15], 2);
-    CkPicBufAPI::FreePicBuf(ofShelf);
+    CkPicBufAPI::FreePicBuf(ofSubPool);
     CkPicBufAPI::FreePicBuf(ofPool);
 }
 
@@ -148,14 +148,14 @@ TEST(CkMemoryPool, RefusesSizesThatCannotBeHad) {
     CkMemoryPool pool;
     ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 1));
     EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(8, 0), 1));
-    EXPECT_EQ(pool.capacity(firstOwner), 0) << "the owner is left without a shelf";
+    EXPECT_EQ(pool.capacity(firstOwner), 0) << "the owner is left without a sub-pool";
     EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(0xffffffffU, 0xffffffffU), 1));
     EXPECT_FALSE(pool.reserve(firstOwner, packedFormat(8, 2), -1));
     EXPECT_TRUE(pool.reserve(firstOwner, packedFormat(8, 2), 0));
     EXPECT_EQ(pool.capacity(firstOwner), 0);
 }
 
-TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptyShelfThatCounts) {
+TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptySubPoolThatCounts) {
     // 2^62 bytes cannot be allocated, but the size does not overflow.
     const SkPicBufInfo huge = packedFormat(0x80000000U, 0x80000000U);
     CkMemoryPool pool;
