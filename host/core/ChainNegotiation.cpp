@@ -14,13 +14,14 @@ bool sourceFormat(const CkImageSource& source, SkFormat& format) {
     return format.known;
 }
 
-/// The output that a block announces for the output of its first predecessor.
+/// The output that a block announces for the negotiated output of its first predecessor.
 SkFormat announcedFormat(SkChainNode& node) {
     SkFormat announced;
     if (node.source != nullptr) {
         sourceFormat(*node.source, announced);
         return announced;
     }
+    // A block explains a refusal in its message; an old explanation must not outlive a new answer.
     node.block->setErrorMessage(QString());
     if (node.provider != nullptr && !node.predecessors.empty() && node.predecessors.front()->output.known) {
         ChainNegotiation::queryOutput(*node.provider, node.predecessors.front()->output, announced);
@@ -59,22 +60,22 @@ bool ChainNegotiation::currentOutput(const SkChainNode& node, SkFormat& format) 
 }
 
 EkFormatChange ChainNegotiation::negotiate(CkChainGraph& graph, const CkChainGraph::Nodes& order,
-                                           const SkChainNode* pInHand) {
+                                           const SkChainNode* pCurrent) {
     EkFormatChange largest = EkFormatChange::None;
     for (SkChainNode* node : order) {
         CkChainMessages::showSetUpError(*node, QString());
         const SkFormat announced = announcedFormat(*node);
         const bool changed = formatChange(announced, node->announced) != EkFormatChange::None;
-        if (changed && node != pInHand) {
-            node->lastFrame = SkFormat(); // it contradicted an announcement that has changed
+        if (changed && node != pCurrent) {
+            node->lastFrame = SkFormat(); // it only overrode the previous announcement
             node->refitFrame = node->source != nullptr ? node->refitFrame : 0;
         }
-        const bool proven = node->lastFrame.known;
+        const bool observed = node->lastFrame.known;
         node->announced = announced;
-        node->negotiated = announced.known || (node->source != nullptr && proven);
-        const SkFormat& output = proven ? node->lastFrame : announced;
+        node->negotiated = announced.known || (node->source != nullptr && observed);
+        const SkFormat& output = observed ? node->lastFrame : announced;
         largest = std::max(largest, formatChange(output, node->output));
-        const auto lock = graph.lock();
+        const auto lock = graph.lock(); // other threads read the output through the chain
         node->output = output;
     }
     return largest;

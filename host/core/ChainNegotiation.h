@@ -16,8 +16,8 @@ bool currentOutput(const SkChainNode& node, SkFormat& format);
 /// Stores the formats that the blocks of a run announce, and clears their set-up errors.
 ///
 /// Frames take precedence over announcements: a block whose frames did not match the format that it still
-/// announces keeps the format of its last frame, and so does pInHand, the block whose frame is being
+/// announces keeps the format of its last frame, and so does pCurrent, the block whose frame is being
 /// processed (null: none). Returns the largest change of an output.
-EkFormatChange negotiate(CkChainGraph& graph, const CkChainGraph::Nodes& order, const SkChainNode* pInHand);
+EkFormatChange negotiate(CkChainGraph& graph, const CkChainGraph::Nodes& order, const SkChainNode* pCurrent);
 
 } // namespace ChainNegotiation

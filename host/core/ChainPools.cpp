@@ -55,7 +55,7 @@ std::vector<int> picturesHeldDownstream(const CkChainGraph& graph, const CkChain
     return sums;
 }
 
-void reserveShelf(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bool bOnlyGrow) {
+void reservePictures(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bool bOnlyGrow) {
     CkChainable* const block = node.block;
     if (!bOnlyGrow) {
         node.pictures = guardedCall(-1, [block] { return std::max(0, block->buffersCountInMemoryPool()); });
@@ -73,7 +73,7 @@ void reserveShelf(CkMemoryPool& pool, SkChainNode& node, int iHeldDownstream, bo
     if (bOnlyGrow && (capacity == 0 || capacity >= needed)) {
         return;
     }
-    // A shelf of the right size to which all pictures have been returned is reused.
+    // A sub-pool of the right size to which all pictures have been returned is reused.
     if (capacity == needed && pool.freeCount(block) == capacity &&
         pool.bytesPerPicture(block) == CkPicBufAPI::byteSize(info)) {
         return;
@@ -93,6 +93,6 @@ void ChainPools::reserve(const CkChainGraph& graph, CkMemoryPool& pool, const Ck
                          bool bOnlyGrow) {
     const std::vector<int> held = picturesHeldDownstream(graph, order);
     for (SkChainNode* node : order) {
-        reserveShelf(pool, *node, held[node->index], bOnlyGrow);
+        reservePictures(pool, *node, held[node->index], bOnlyGrow);
     }
 }

@@ -41,6 +41,6 @@ bool CkCameraDrivers::contains(const QList<SkCameraInfo>& cameras, const QString
                        [&sId](const SkCameraInfo& info) { return info.id == sId; });
 }
 
-bool CkCameraDrivers::endHoldApart(const QString& sId) {
-    return m_heldApart.removeIf([&sId](const SkCameraInfo& info) { return info.id == sId; }) > 0;
+bool CkCameraDrivers::endWithhold(const QString& sId) {
+    return m_withheld.removeIf([&sId](const SkCameraInfo& info) { return info.id == sId; }) > 0;
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 /// The camera drivers of the program, and the cameras that are held apart: treated as unplugged although
-/// their drivers offer them. User-interface thread. An exception of a driver is a failure of that driver
-/// only.
+/// their drivers offer them. User-interface thread. An exception from a driver is a failure of that
+/// driver only.
 class CkCameraDrivers {
 public:
     void add(std::unique_ptr<IkCameraDriver> driver) { m_drivers.push_back(std::move(driver)); }
@@ -20,12 +20,12 @@ public:
     QList<SkCameraInfo> offered(bool& bComplete) const;
     static bool contains(const QList<SkCameraInfo>& cameras, const QString& sId);
 
-    void holdApart(const SkCameraInfo& info) { m_heldApart.append(info); }
-    bool endHoldApart(const QString& sId); ///< False for a camera that was not held apart.
-    bool isHeldApart(const QString& sId) const { return contains(m_heldApart, sId); }
-    const QList<SkCameraInfo>& heldApart() const { return m_heldApart; }
+    void withhold(const SkCameraInfo& info) { m_withheld.append(info); }
+    bool endWithhold(const QString& sId); ///< False for a camera that was not held apart.
+    bool isWithheld(const QString& sId) const { return contains(m_withheld, sId); }
+    const QList<SkCameraInfo>& withheld() const { return m_withheld; }
 
 private:
     std::vector<std::unique_ptr<IkCameraDriver>> m_drivers;
-    QList<SkCameraInfo> m_heldApart;
+    QList<SkCameraInfo> m_withheld;
 };

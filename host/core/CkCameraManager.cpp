@@ -1,11 +1,9 @@
 #include "zuCore/CkCameraManager.h"
 
 #include "host/core/CkCameraDrivers.h"
-#include "host/core/CkOpenCamera.h"
+#include "host/core/CkOpenCameraList.h"
 
 #include <QCoreApplication>
-#include <algorithm>
-#include <vector>
 
 namespace {
 
@@ -26,33 +24,18 @@ void setError(QString* psError, const QString& text) {
 
 class CkCameraManager::CkPrivate {
 public:
-    std::shared_ptr<CkOpenCamera> find(void* pHandle) const {
-        const std::lock_guard lock(m_mutex);
-        const auto found = std::find_if(m_open.begin(), m_open.end(),
-                                        [pHandle](const auto& open) { return open->handle == pHandle; });
-        return found == m_open.end() ? nullptr : *found;
-    }
-
-    std::vector<std::shared_ptr<CkOpenCamera>> all() const {
-        const std::lock_guard lock(m_mutex);
-        return m_open;
-    }
-
-    mutable std::mutex m_mutex; ///< guards the list only, never held while foreign code runs
-    std::vector<std::shared_ptr<CkOpenCamera>> m_open;
+    CkOpenCameraList m_open;
     CkCameraDrivers m_drivers;
-    /// Handles count up, so that the handle of a closed camera is never reused.
-    quintptr m_uiNextHandle = 1;
 };
 
 CkCameraManager::CkCameraManager() : m_d(std::make_unique<CkPrivate>()) {
-    // Cameras are closed when the application object is destroyed, while everything that their threads use
-    // still exists.
+    // Cameras are closed when the application object is destroyed: static objects, which their threads may
+    // use, are destroyed later, in an order that is not known here.
     qAddPostRoutine(closeAllCameras);
 }
 
 CkCameraManager::~CkCameraManager() {
-    for (const auto& open : m_d->all()) {
+    for (const auto& open : m_d->m_open.all()) {
         open->close();
     }
 }
@@ -72,17 +55,15 @@ void CkCameraManager::addDriver(std::unique_ptr<IkCameraDriver> driver) {
 QList<SkCameraInfo> CkCameraManager::availableCameras() const {
     bool complete = true;
     QList<SkCameraInfo> cameras = m_d->m_drivers.offered(complete);
-    cameras.removeIf([this](const SkCameraInfo& info) { return m_d->m_drivers.isHeldApart(info.id); });
+    cameras.removeIf([this](const SkCameraInfo& info) { return m_d->m_drivers.isWithheld(info.id); });
     return cameras;
 }
 
 void* CkCameraManager::openCamera(const QString& sId, QString* psError) {
-    for (const auto& open : m_d->all()) {
-        if (open->info.id == sId) {
-            return open->handle;
-        }
+    if (const auto alreadyOpen = m_d->m_open.findById(sId)) {
+        return alreadyOpen->handle;
     }
-    if (m_d->m_drivers.isHeldApart(sId)) {
+    if (m_d->m_drivers.isWithheld(sId)) {
         setError(psError, tr("Camera \"%1\" is unplugged.").arg(sId));
         return nullptr;
     }
@@ -93,74 +74,62 @@ void* CkCameraManager::openCamera(const QString& sId, QString* psError) {
         setError(psError, reason.isEmpty() ? tr("Camera \"%1\" cannot be opened.").arg(sId) : reason);
         return nullptr;
     }
-    {
-        const std::lock_guard lock(m_d->m_mutex);
-        open->handle = reinterpret_cast<void*>(m_d->m_uiNextHandle++);
-        m_d->m_open.push_back(open);
-    }
+    m_d->m_open.add(open);
     emit newCameraConnected(open->handle);
     return open->handle;
 }
 
 void CkCameraManager::closeCamera(void* pHandle) {
-    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->m_open.find(pHandle);
     if (!open || open->presence == EkPresence::Closing) {
         return;
     }
     open->presence = EkPresence::Closing; // a slot of cameraAboutToClose may call closeCamera again
     emit cameraAboutToClose(pHandle);
     stopAcquisition(pHandle);
-    {
-        const std::lock_guard lock(m_d->m_mutex);
-        std::erase(m_d->m_open, open);
-    }
+    m_d->m_open.remove(open);
     open->close();
     emit cameraClosed(pHandle);
 }
 
 void CkCameraManager::unplugCamera(void* pHandle) {
-    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
+    const std::shared_ptr<CkOpenCamera> open = m_d->m_open.find(pHandle);
     if (!open || open->presence != EkPresence::PluggedIn) {
         return;
     }
-    m_d->m_drivers.holdApart(open->info);
-    takeAsLost(pHandle);
+    m_d->m_drivers.withhold(open->info);
+    handleUnplugged(pHandle);
     emit availableCamerasChanged();
 }
 
 bool CkCameraManager::plugCameraIn(const QString& sId, QString* psError) {
-    if (!m_d->m_drivers.endHoldApart(sId)) {
+    if (!m_d->m_drivers.endWithhold(sId)) {
         setError(psError, tr("Camera \"%1\" is not unplugged.").arg(sId));
         return false;
     }
-    bool back = true;
-    for (const auto& open : m_d->all()) {
-        if (open->info.id == sId) {
-            back = takeBack(open->handle, psError);
-            break;
-        }
-    }
+    const auto open = m_d->m_open.findById(sId); // null when it was closed while unplugged
+    const bool usable = !open || reconnect(open->handle, psError);
     emit availableCamerasChanged();
-    return back;
+    return usable;
 }
 
 void CkCameraManager::checkCameras() {
     bool complete = true;
     const QList<SkCameraInfo> offered = m_d->m_drivers.offered(complete);
-    for (const auto& open : m_d->all()) {
+    for (const auto& open : m_d->m_open.all()) {
         const QString id = open->info.id;
-        const bool there = !m_d->m_drivers.isHeldApart(id) && CkCameraDrivers::contains(offered, id);
-        if (there && isUnplugged(open->handle)) {
-            takeBack(open->handle, nullptr);
-        } else if (!there && complete) {
-            takeAsLost(open->handle);
+        const bool present = !m_d->m_drivers.isWithheld(id) && CkCameraDrivers::contains(offered, id);
+        if (present && open->isUnplugged()) {
+            reconnect(open->handle, nullptr);
+        } else if (!present && complete) { // a driver that failed says nothing about its cameras
+            handleUnplugged(open->handle);
         }
     }
     emit availableCamerasChanged();
 }
 
-void CkCameraManager::takeAsLost(void* pHandle) {
-    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
+void CkCameraManager::handleUnplugged(void* pHandle) {
+    const std::shared_ptr<CkOpenCamera> open = m_d->m_open.find(pHandle);
     if (!open || open->presence != EkPresence::PluggedIn) {
         return;
     }
@@ -172,9 +141,9 @@ void CkCameraManager::takeAsLost(void* pHandle) {
     emit cameraLost(open->info.name);
 }
 
-bool CkCameraManager::takeBack(void* pHandle, QString* psError) {
-    const std::shared_ptr<CkOpenCamera> open = m_d->find(pHandle);
-    if (!isUnplugged(pHandle)) {
+bool CkCameraManager::reconnect(void* pHandle, QString* psError) {
+    const std::shared_ptr<CkOpenCamera> open = m_d->m_open.find(pHandle);
+    if (!open || !open->isUnplugged()) {
         return false;
     }
     QString reason;
@@ -185,48 +154,48 @@ bool CkCameraManager::takeBack(void* pHandle, QString* psError) {
                  reason.isEmpty() ? tr("Camera \"%1\" cannot be opened.").arg(open->info.id) : reason);
         return false;
     }
-    const bool runs = open->presence == EkPresence::UnpluggedWhileRunning;
-    // Deleted after the slots of cameraPluggedIn, which replace its parameters by the new ones.
+    const bool wasRunning = open->presence == EkPresence::UnpluggedWhileRunning;
+    // The old object is deleted only after the slots of cameraPluggedIn have replaced its parameter objects
+    // by the new ones.
     std::unique_ptr<IkCamera> old = open->replug(std::move(fresh));
     open->presence = EkPresence::PluggedIn;
     emit cameraPluggedIn(pHandle);
     old.reset();
-    return !runs || startAcquisition(pHandle, psError);
+    return !wasRunning || startAcquisition(pHandle, psError);
 }
 
 bool CkCameraManager::isUnplugged(void* pHandle) const {
-    const auto open = m_d->find(pHandle);
-    return open &&
-           (open->presence == EkPresence::Unplugged || open->presence == EkPresence::UnpluggedWhileRunning);
+    const auto open = m_d->m_open.find(pHandle);
+    return open && open->isUnplugged();
 }
 
-QList<SkCameraInfo> CkCameraManager::camerasHeldApart() const {
-    return m_d->m_drivers.heldApart();
+QList<SkCameraInfo> CkCameraManager::withheldCameras() const {
+    return m_d->m_drivers.withheld();
 }
 
 QList<void*> CkCameraManager::openedCameras() const {
     QList<void*> handles;
-    for (const auto& open : m_d->all()) {
+    for (const auto& open : m_d->m_open.all()) {
         handles.append(open->handle);
     }
     return handles;
 }
 
 int CkCameraManager::openedCameraCount() const {
-    return int(m_d->all().size());
+    return int(m_d->m_open.all().size());
 }
 
 bool CkCameraManager::isOpen(void* pHandle) const {
-    return m_d->find(pHandle) != nullptr;
+    return m_d->m_open.find(pHandle) != nullptr;
 }
 
 CkCameraParameters* CkCameraManager::cameraParameters(void* pHandle) const {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     return open ? open->camera->parameters() : nullptr;
 }
 
 bool CkCameraManager::cameraInfo(void* pHandle, SkCameraInfo& info) const {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     if (!open) {
         return false;
     }
@@ -235,17 +204,17 @@ bool CkCameraManager::cameraInfo(void* pHandle, SkCameraInfo& info) const {
 }
 
 bool CkCameraManager::frameInfo(void* pHandle, SkPicBufInfo& info, CkImageMetadata* pMetadata) const {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     return open && open->frameInfo(info, pMetadata);
 }
 
 bool CkCameraManager::startAcquisition(void* pHandle, QString* psError) {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     if (!open) {
         setError(psError, tr("The camera is not open."));
         return false;
     }
-    if (isUnplugged(pHandle)) {
+    if (open->isUnplugged()) {
         setError(psError, tr("Camera \"%1\" is unplugged.").arg(open->info.name));
         return false;
     }
@@ -253,15 +222,7 @@ bool CkCameraManager::startAcquisition(void* pHandle, QString* psError) {
         return true;
     }
     QString reason;
-    bool running = false;
-    try {
-        // A camera is stopped before the object it delivers to is deleted.
-        running = open->camera->start(
-            [target = open.get()](CkImageData* frame) { target->receivers.dispatch(frame); }, &reason);
-    } catch (...) {
-        running = false;
-    }
-    if (!running) {
+    if (!open->start(reason)) {
         setError(psError, reason.isEmpty() ? tr("The camera cannot be started.") : reason);
         return false;
     }
@@ -270,7 +231,7 @@ bool CkCameraManager::startAcquisition(void* pHandle, QString* psError) {
 }
 
 void CkCameraManager::stopAcquisition(void* pHandle) {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     if (open && open->presence == EkPresence::UnpluggedWhileRunning) {
         open->presence = EkPresence::Unplugged;
     }
@@ -281,37 +242,37 @@ void CkCameraManager::stopAcquisition(void* pHandle) {
 }
 
 bool CkCameraManager::isAcquiring(void* pHandle) const {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     return open && open->camera->isRunning();
 }
 
 void CkCameraManager::setPaused(void* pHandle, bool bPaused) {
-    if (const auto open = m_d->find(pHandle)) {
+    if (const auto open = m_d->m_open.find(pHandle)) {
         open->paused = bPaused;
         open->camera->setPaused(bPaused);
     }
 }
 
 bool CkCameraManager::isPaused(void* pHandle) const {
-    const auto open = m_d->find(pHandle);
+    const auto open = m_d->m_open.find(pHandle);
     return open && open->paused;
 }
 
 void CkCameraManager::step(void* pHandle) {
-    if (const auto open = m_d->find(pHandle)) {
+    if (const auto open = m_d->m_open.find(pHandle)) {
         open->camera->step();
     }
 }
 
 void CkCameraManager::addFrameReceiver(void* pHandle, const void* pReceiver,
                                        IkCamera::FrameFunction receive) {
-    if (const auto open = m_d->find(pHandle); open && pReceiver != nullptr && receive) {
+    if (const auto open = m_d->m_open.find(pHandle); open && pReceiver != nullptr && receive) {
         open->receivers.add(pReceiver, std::move(receive));
     }
 }
 
 void CkCameraManager::removeFrameReceiver(const void* pReceiver) {
-    for (const auto& open : m_d->all()) {
+    for (const auto& open : m_d->m_open.all()) {
         open->receivers.remove(pReceiver);
     }
 }

@@ -92,7 +92,7 @@ void CkCameraSource::receive(CkImageData* pFrame) {
     const quint64 number = pFrame->picBuf().additionalData.frameNumber;
     // Smaller numbers come from a camera that was restarted or that does not number its frames.
     if (number > m_uiNextFrame && m_uiNextFrame > 0) {
-        noteLost(number - m_uiNextFrame);
+        reportLost(number - m_uiNextFrame);
     }
     m_uiNextFrame = number + 1;
     deliver(pFrame);

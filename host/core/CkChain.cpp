@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Upper limit for what a sink may declare: memory is reserved for it.
+/// Upper limit for the pictures that a sink may declare to hold, because memory is reserved for them.
 constexpr int kMaximumHeldFrames = 1000;
 
 QList<CkChainable*> blocksOf(const CkChainGraph::Nodes& nodes) {
@@ -95,17 +95,17 @@ QList<CkChainable*> CkChain::successors(const CkChainable* pBlock) const {
 }
 
 QString CkChain::chainTitle(const CkChainable* pProvider) const {
-    QList<CkChainable*> way;
+    QList<CkChainable*> path;
     {
         const auto lock = m_d->m_graph.lock();
         const SkChainNode* node = m_d->m_graph.find(pProvider);
         while (node != nullptr) {
-            way.prepend(node->block);
+            path.prepend(node->block);
             node = node->predecessors.empty() ? nullptr : node->predecessors.front();
         }
     }
     QStringList titles;
-    for (const CkChainable* block : std::as_const(way)) {
+    for (const CkChainable* block : std::as_const(path)) {
         titles.append(guardedCall(QString::fromLatin1(block->metaObject()->className()),
                                   [block] { return block->title(); }));
     }
@@ -191,6 +191,8 @@ bool CkChain::load(const QDomElement& element, QString* psError, const LoadProgr
         }
         return false;
     };
+    // Blocks are created and loaded before the chain is touched: an error leaves it unchanged, and the
+    // blocks' code runs without the control lock.
     CkChainReader reader(progress);
     if (!reader.read(element)) {
         return refuse(reader.error());

@@ -77,7 +77,7 @@ void CkChainGraph::moveOutputs(SkChainNode& from, SkChainNode& to) {
     }
     to.sinks.insert(to.sinks.end(), from.sinks.begin(), from.sinks.end());
     from.sinks.clear();
-    // giveToSinks relies on rising serials.
+    // passToSinks relies on rising serials.
     std::sort(to.sinks.begin(), to.sinks.end(),
               [](const SkSinkEntry& a, const SkSinkEntry& b) { return a.serial < b.serial; });
 }
@@ -116,6 +116,7 @@ void CkChainGraph::clear() {
         nodes.swap(m_nodes);
         m_nodeOf.clear();
     }
+    // Without the lock: destructors are foreign code.
     for (const QPointer<CkChainable>& block : blocks) {
         delete block.data();
     }
@@ -184,13 +185,13 @@ CkChainable* CkChainGraph::sinkBlock(const IkFrameSink* pSink) const {
     return nullptr;
 }
 
-bool CkChainGraph::giveToSinks(SkChainNode& node, IkChainData* pData) {
+bool CkChainGraph::passToSinks(SkChainNode& node, IkChainData* pData) {
     auto* const frame = dynamic_cast<CkImageData*>(pData);
     if (frame == nullptr) {
         return false;
     }
-    // The lock is released for every call, and sinks may be added or removed meanwhile: the walk resumes by
-    // serial.
+    // The lock is released during every call, and sinks may be added or removed meanwhile. Iterators would
+    // become invalid, so the walk resumes by serial.
     quint64 serial = 0;
     bool given = false;
     std::unique_lock lock(m_mutex);

@@ -13,14 +13,14 @@ class CkMemoryPool;
 
 /// The blocks of a chain, their connections, and the sinks connected to them.
 ///
-/// Blocks and connections change only under the chain's control lock and while the chain is stopped; sinks
-/// are added and removed at any time. The lock of the graph guards the lists against readers on other
-/// threads. It is never held while foreign code runs.
+/// Blocks and connections change only under the chain's control lock and while the chain is stopped, so the
+/// chain's thread reads them without a lock; sinks are added and removed at any time. The graph's lock guards
+/// the lists against readers on other threads. It is never held while foreign code runs.
 class CkChainGraph {
 public:
     using Nodes = std::vector<SkChainNode*>;
 
-    /// A block that leaves the graph loses its shelf in the pool.
+    /// The sub-pool of a block is released when the block leaves the graph.
     CkChainGraph(CkChain* pChain, CkMemoryPool& pool) : m_chain(pChain), m_pool(pool) {}
 
     [[nodiscard]] std::unique_lock<std::mutex> lock() const { return std::unique_lock(m_mutex); }
@@ -33,7 +33,8 @@ public:
     Nodes ordered() const;
 
     // ---- structure; these take the lock -------------------------------------------------------------
-    /// Makes the chain the block's only owner.
+    /// Transfers ownership of the block to the chain; its QObject parent is cleared. pPredecessor may be
+    /// null.
     SkChainNode* addNode(CkChainable* pBlock, SkChainNode* pPredecessor);
     void connect(SkChainNode& from, SkChainNode& to); ///< No-op where a connection exists.
     /// Moves all outputs of from to the node to: its successors (except to itself) and its sinks.
@@ -47,9 +48,9 @@ public:
     /// With bWait it returns only when the sink is no longer inside takeFrame.
     void removeSink(IkFrameSink* pSink, bool bWait);
     CkChainable* sinkBlock(const IkFrameSink* pSink) const; ///< Null when unknown.
-    /// Passes an object of its own to every sink of the node. True when the last sink received pData itself,
-    /// because nothing else needs it. Chain thread.
-    bool giveToSinks(SkChainNode& node, IkChainData* pData);
+    /// Passes a separate object to every sink of the node. True when the last sink received pData itself,
+    /// because nothing else needs it; otherwise the caller keeps pData. Chain thread.
+    bool passToSinks(SkChainNode& node, IkChainData* pData);
 
 private:
     static void attach(CkChainable* pBlock, CkChain* pChain);
@@ -63,6 +64,6 @@ private:
     std::vector<std::unique_ptr<SkChainNode>> m_nodes;
     std::unordered_map<const CkChainable*, SkChainNode*> m_nodeOf;
     quint64 m_nextSerial = 1;
-    IkFrameSink* m_busySink = nullptr;
+    IkFrameSink* m_busySink = nullptr; ///< inside takeFrame; removeSink waits for it
     std::condition_variable m_sinkDone;
 };

@@ -31,7 +31,7 @@ bool acceptedByAll(const std::vector<SkChainNode*>& nodes, CkChainable* feeder) 
 }
 
 /// Whether every successor of a first block has another predecessor or accepts being a first block itself.
-bool remainWithout(const SkChainNode& first) {
+bool successorsRemainValid(const SkChainNode& first) {
     return std::all_of(first.successors.begin(), first.successors.end(), [](const auto* node) {
         return node->predecessors.size() > 1 || accepts(node->block, nullptr);
     });
@@ -40,7 +40,8 @@ bool remainWithout(const SkChainNode& first) {
 } // namespace
 
 CkChainManager::CkChainManager() {
-    // Constructed first, therefore destroyed last: camera sources use both until they are deleted.
+    // Static objects are destroyed in reverse order of construction: camera sources use both of these until
+    // the chains are deleted.
     CkRTTI::instance();
     CkCameraManager::instance();
     qAddPostRoutine(closeAllChains);
@@ -108,13 +109,13 @@ bool CkChainManager::insert(CkChain* pChain, CkChainable* pNew, CkChainable* pAf
         } else if (after == nullptr || !accepts(pNew, pAfter)) {
             return false;
         }
-        const bool takesOver = after != nullptr && !bBranch;
-        if (takesOver && !acceptedByAll(after->successors, pNew)) {
+        const bool replacesOutputs = after != nullptr && !bBranch;
+        if (replacesOutputs && !acceptedByAll(after->successors, pNew)) {
             return false;
         }
-        sinksMoved = takesOver && !after->sinks.empty();
+        sinksMoved = replacesOutputs && !after->sinks.empty();
         SkChainNode* const node = chain.m_graph.addNode(pNew, after);
-        if (takesOver) {
+        if (replacesOutputs) {
             chain.m_graph.moveOutputs(*after, *node);
         }
     }
@@ -138,8 +139,8 @@ bool CkChainManager::remove(CkChain*& pChain, CkChainable* pBlock, bool bKeepBlo
             return false;
         }
         SkChainNode* const feeder = node->predecessors.empty() ? nullptr : node->predecessors.front();
-        // When the block is kept, its new owner is responsible for the blocks it fed.
-        if (feeder == nullptr ? !bKeepBlock && !remainWithout(*node)
+        // When the block is kept, its new owner is responsible for the blocks that it fed.
+        if (feeder == nullptr ? !bKeepBlock && !successorsRemainValid(*node)
                               : !acceptedByAll(node->successors, feeder->block)) {
             return false;
         }

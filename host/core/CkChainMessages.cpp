@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr quint64 kProblemFreeFrames = 30; // one second at a typical frame rate
+constexpr quint64 kProblemFreeFrames = 30; // one second at 30 frames per second
 
 } // namespace
 
@@ -18,7 +18,7 @@ CkChainMessages::CkHold::CkHold(const std::vector<SkChainNode*>& nodes) : m_node
 
 CkChainMessages::CkHold::~CkHold() {
     for (const SkChainNode* node : m_nodes) {
-        guardedCall([node] { node->block->tellMessages(); });
+        guardedCall([node] { node->block->releaseMessages(); });
     }
 }
 

@@ -11,19 +11,20 @@ class CkRenegotiationThrottle;
 /// while it does not run.
 class CkChainMessages {
 public:
-    /// The throttle counts the frames.
+    /// The throttle, which must outlive this object, counts the frames.
     explicit CkChainMessages(const CkRenegotiationThrottle& throttle) : m_throttle(throttle) {}
 
-    /// Empty: the block was set up.
+    /// An empty text clears the error.
     static void showSetUpError(SkChainNode& node, const QString& sText);
 
-    /// Shows a message until 30 frames in a row have caused none, so that it does not flicker. Of several
-    /// different messages the first one stays.
+    /// Shows a message about a frame. It stays until 30 consecutive frames have caused none, so that it does
+    /// not flicker; until then, other messages are ignored.
     void showProblem(SkChainNode& node, const QString& sText) const;
-    void clearExpiredProblem(SkChainNode& node) const; ///< Once per frame: clears an expired message.
+    void clearExpiredProblem(
+        SkChainNode& node) const; ///< To be called for every frame; clears an expired message.
 
-    /// Suppresses the message signals of blocks while they are set up; listeners are notified once, of the
-    /// outcome, when this object is destroyed.
+    /// Suppresses the message signals of blocks while they are set up. When this object is destroyed, each
+    /// block signals its final message, if it changed.
     class CkHold {
     public:
         explicit CkHold(const std::vector<SkChainNode*>& nodes);

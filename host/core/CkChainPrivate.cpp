@@ -41,7 +41,7 @@ bool CkChain::CkPrivate::start() {
         emit m_q->runningChanged(true);
         return true;
     }
-    reportDropped(m_queue.close());
+    notifyDropped(m_queue.close());
     m_setUp.tearDown();
     const auto lock = m_graph.lock();
     m_negotiated = false;
@@ -60,7 +60,7 @@ void CkChain::CkPrivate::setUpForRun() {
 
 void CkChain::CkPrivate::stop() {
     if (isChainThread()) {
-        return; // the thread would wait for itself
+        return; // the thread would join itself
     }
     const std::lock_guard control(m_control);
     if (m_state == EkChainState::Starting) {
@@ -69,28 +69,31 @@ void CkChain::CkPrivate::stop() {
     if (m_state != EkChainState::Running) {
         return;
     }
+    // In this order: in state Stopping the thread drops the frame in flight at the next block; closing the
+    // queue wakes it; blocks are torn down only after it has ended, so that setupStop never meets
+    // processData.
     m_state = EkChainState::Stopping;
     const std::vector<SkChainNode*> dropped = m_queue.close();
     m_thread.join();
-    reportDropped(dropped); // after the events of the frame that the thread was busy with
+    notifyDropped(dropped); // after the events of the frame that the thread was busy with
     m_setUp.tearDown();
     setNegotiated(false);
     m_state = EkChainState::Stopped;
     emit m_q->runningChanged(false);
 }
 
-void CkChain::CkPrivate::reportDropped(const std::vector<SkChainNode*>& sources) {
+void CkChain::CkPrivate::notifyDropped(const std::vector<SkChainNode*>& sources) {
     for (const SkChainNode* source : sources) {
-        CkChainRunner::tellSource(*source, CkImageSource::EkFrameEvent::Dropped);
+        CkChainRunner::notifySource(*source, CkImageSource::EkFrameEvent::Dropped);
     }
 }
 
 void CkChain::CkPrivate::clear() {
-    m_setUp.forgetOrder();
+    m_setUp.clearOrder();
     m_graph.clear();
 }
 
-void CkChain::CkPrivate::forget(CkChainable* pBlock) {
+void CkChain::CkPrivate::removeDeleted(CkChainable* pBlock) {
     stop();
     SkChainNode* node = nullptr;
     {
@@ -126,7 +129,7 @@ bool CkChain::CkPrivate::outputFormat(const CkChainable* pBlock, SkFormat& forma
     if (cached != EkCache::NotNegotiated || isChainThread()) {
         return cached == EkCache::Known;
     }
-    // Stopped: query the blocks now, with the lock that keeps other threads from starting the chain.
+    // Stopped: the blocks are queried now, under the lock that keeps other threads from starting the chain.
     const std::lock_guard control(m_control);
     cached = cachedOutput(pBlock, format);
     if (cached != EkCache::NotNegotiated) {
@@ -146,8 +149,8 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
     }
     bool taken = false;
     {
-        // Held until the end: the block must not leave its chain, nor the chain be deleted, while the frame
-        // is delivered.
+        // Held until the frame is in the queue: the block must not leave its chain, and the chain must not be
+        // deleted, before that.
         CkChainable* const block = pSource;
         const std::lock_guard lock(block->m_mutex);
         if (block->m_pChain != nullptr) {
@@ -168,7 +171,7 @@ bool CkChain::CkPrivate::deliver(CkImageSource* pSource, CkImageData* pFrame) {
     return taken;
 }
 
-void CkChain::CkPrivate::noteLost(CkImageSource* pSource, quint64 uiFrames) {
+void CkChain::CkPrivate::reportLost(CkImageSource* pSource, quint64 uiFrames) {
     CkChainable* const block = pSource;
     const std::lock_guard lock(block->m_mutex);
     if (block->m_pChain == nullptr) {
@@ -188,7 +191,7 @@ void CkChain::CkPrivate::run() {
     for (;;) {
         const CkFrameQueue::SkItem item = m_queue.take();
         if (item.stop) {
-            m_threadId = std::thread::id(); // the system may give the id to another thread afterwards
+            m_threadId = std::thread::id(); // the system may assign the id to another thread afterwards
             return;
         }
         if (item.renegotiate) {

@@ -19,13 +19,13 @@ void CkChainRunner::runFrame(SkChainNode& source, CkImageData* pFrame) {
     m_messages.clearExpiredProblem(source);
     if (!fitsSetUp(source, *pFrame)) {
         delete pFrame;
-        tellSource(source, CkImageSource::EkFrameEvent::Dropped);
+        notifySource(source, CkImageSource::EkFrameEvent::Dropped);
         return;
     }
     ++source.framesOut;
-    tellSource(source, CkImageSource::EkFrameEvent::Entered);
-    if (!m_parts.graph.giveToSinks(source, pFrame)) {
-        giveToSuccessors(source, pFrame);
+    notifySource(source, CkImageSource::EkFrameEvent::Entered);
+    if (!m_parts.graph.passToSinks(source, pFrame)) {
+        passToSuccessors(source, pFrame);
     }
     const CkChainGraph::Nodes& order = m_parts.setUp.order();
     for (size_t i = source.index + 1; i < order.size(); ++i) {
@@ -34,7 +34,7 @@ void CkChainRunner::runFrame(SkChainNode& source, CkImageData* pFrame) {
     for (SkChainNode* node : order) {
         node->framesDone = node->framesOut.load();
     }
-    tellSource(source, CkImageSource::EkFrameEvent::Done);
+    notifySource(source, CkImageSource::EkFrameEvent::Done);
 }
 
 void CkChainRunner::renegotiate() {
@@ -49,7 +49,7 @@ bool CkChainRunner::requestRenegotiation() {
     return granted;
 }
 
-void CkChainRunner::tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event) {
+void CkChainRunner::notifySource(const SkChainNode& source, CkImageSource::EkFrameEvent event) {
     guardedCall([&source, event] { source.source->frameEvent(event); });
 }
 
@@ -69,12 +69,12 @@ void CkChainRunner::runBlock(SkChainNode& node) {
         }
         delete std::exchange(result, nullptr);
         ++node.framesOut;
-        if (!m_parts.graph.giveToSinks(node, next)) {
+        if (!m_parts.graph.passToSinks(node, next)) {
             result = next;
         }
     }
     if (result != nullptr) {
-        giveToSuccessors(node, result);
+        passToSuccessors(node, result);
     }
 }
 
@@ -97,10 +97,10 @@ IkChainData* CkChainRunner::process(SkChainNode& node, IkChainData* pData) {
         return nullptr;
     }
     const CkMemoryPool::SkRefusals before = m_parts.pool.refusals(node.block);
-    bool inputIsOurs = true;
-    IkChainData* const result = callBlock(node, pData, inputIsOurs);
+    bool ownsInput = true;
+    IkChainData* const result = callBlock(node, pData, ownsInput);
     if (result == nullptr) {
-        if (inputIsOurs) {
+        if (ownsInput) {
             countMissingOutput(node, before);
             delete pData;
         }
@@ -113,9 +113,9 @@ IkChainData* CkChainRunner::process(SkChainNode& node, IkChainData* pData) {
     return result;
 }
 
-IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs) {
+IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, bool& bOwnsInput) {
     CkChainable* const block = node.block;
-    // Needed only after an exception, to tell whether the input has been deleted already.
+    // Needed only after an exception, to find out whether the block had already deleted its input.
     const auto* const inputFrame = dynamic_cast<CkImageData*>(pData);
     const QPointer<const QObject> input(inputFrame);
     IkChainData* result = nullptr;
@@ -129,12 +129,12 @@ IkChainData* CkChainRunner::callBlock(SkChainNode& node, IkChainData* pData, boo
             properties.addTo(*frame);
         }
     } catch (...) {
-        bInputIsOurs = result == nullptr && !input.isNull();
+        bOwnsInput = result == nullptr && !input.isNull();
         delete std::exchange(result, nullptr);
-        block->m_bFrameDropped = bInputIsOurs;
-        // Message before counter: a reader that sees the counter rise finds the reason.
+        block->m_bFrameDropped = bOwnsInput;
+        // Message before counter: a reader that sees the counter increase finds the reason.
         m_messages.showProblem(node, CkChain::tr("The block failed on a frame."));
-        node.dropped += bInputIsOurs ? 0 : 1;
+        node.dropped += bOwnsInput ? 0 : 1;
     }
     const std::chrono::nanoseconds spent = std::chrono::steady_clock::now() - begin;
     node.processNs += quint64(spent.count());
@@ -148,7 +148,7 @@ void CkChainRunner::countMissingOutput(SkChainNode& node, const CkMemoryPool::Sk
         m_messages.showProblem(node,
                                CkChain::tr("The output of the block does not fit the pictures made for it."));
     }
-    // A block without a shelf, for example with an output without pixels, is never refused a picture.
+    // The pool counts no refusal for a block without a sub-pool, for example one whose output has no pixels.
     const bool refused = (node.provider != nullptr && !node.negotiated) ||
                          (node.pictures > 0 && m_parts.pool.capacity(node.block) == 0);
     if (misfit || refused || after.exhausted != before.exhausted || node.block->m_bFrameDropped) {
@@ -200,7 +200,7 @@ bool CkChainRunner::fitsSetUp(SkChainNode& node, const IkChainData& data) {
     return false;
 }
 
-void CkChainRunner::giveToSuccessors(SkChainNode& node, IkChainData* pData) {
+void CkChainRunner::passToSuccessors(SkChainNode& node, IkChainData* pData) {
     const size_t count = node.outputs.size();
     for (size_t i = 0; i < count; ++i) {
         const SkChainOutput& output = node.outputs[i];

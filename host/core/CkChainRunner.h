@@ -12,7 +12,7 @@
 enum class EkChainState { Stopped, Starting, Running, Stopping };
 
 /// Processes frames through the blocks of a chain, one at a time. Chain thread, except for beginRun and
-/// tellSource.
+/// notifySource.
 class CkChainRunner {
 public:
     struct SkParts {
@@ -34,19 +34,20 @@ public:
     /// change no format are granted with increasing delays.
     bool requestRenegotiation();
 
-    /// Exceptions of the source are ignored.
-    static void tellSource(const SkChainNode& source, CkImageSource::EkFrameEvent event);
+    /// Passes an event to the source, whose exceptions are ignored.
+    static void notifySource(const SkChainNode& source, CkImageSource::EkFrameEvent event);
 
 private:
     void runBlock(SkChainNode& node);
     IkChainData* process(SkChainNode& node, IkChainData* pData);
-    IkChainData* callBlock(SkChainNode& node, IkChainData* pData, bool& bInputIsOurs);
+    IkChainData* callBlock(SkChainNode& node, IkChainData* pData, bool& bOwnsInput);
     void countMissingOutput(SkChainNode& node, const CkMemoryPool::SkRefusals& before);
     /// The rule for every frame that leaves a source or a block: if its format differs from the negotiated
     /// one, the chain is set up again. False when the frame has to be dropped.
     bool fitsSetUp(SkChainNode& node, const IkChainData& data);
+    /// Sets the chain up again when a block that refused its input at set-up accepts the format of a frame.
     void recoverBlock(SkChainNode& node, const IkChainData& data);
-    static void giveToSuccessors(SkChainNode& node, IkChainData* pData);
+    static void passToSuccessors(SkChainNode& node, IkChainData* pData);
 
     const SkParts m_parts;
     CkRenegotiationThrottle m_throttle;

@@ -59,8 +59,8 @@ bool CkChainSetUp::prepare() {
     return true;
 }
 
-EkFormatChange CkChainSetUp::negotiate(const SkChainNode* pInHand) {
-    return ChainNegotiation::negotiate(m_graph, m_order, pInHand);
+EkFormatChange CkChainSetUp::negotiate(const SkChainNode* pCurrent) {
+    return ChainNegotiation::negotiate(m_graph, m_order, pCurrent);
 }
 
 void CkChainSetUp::reservePools(bool bOnlyGrow) {
@@ -83,10 +83,10 @@ void CkChainSetUp::tearDown() {
     }
 }
 
-EkFormatChange CkChainSetUp::renegotiate(const SkChainNode* pInHand) {
+EkFormatChange CkChainSetUp::renegotiate(const SkChainNode* pCurrent) {
     const CkChainMessages::CkHold hold(m_order);
     tearDown();
-    const EkFormatChange change = negotiate(pInHand);
+    const EkFormatChange change = negotiate(pCurrent);
     reservePools(false);
     setUp();
     return change;

@@ -12,18 +12,18 @@ public:
     /// Determines the order and resets the per-run state of the nodes. False when there is no source, or when
     /// the connections form a cycle.
     bool prepare();
-    void forgetOrder() { m_order.clear(); } ///< Before the nodes are deleted.
+    void clearOrder() { m_order.clear(); } ///< Before the nodes are deleted.
     const CkChainGraph::Nodes& order() const { return m_order; }
 
     /// See ChainNegotiation::negotiate.
-    EkFormatChange negotiate(const SkChainNode* pInHand);
+    EkFormatChange negotiate(const SkChainNode* pCurrent);
     void reservePools(bool bOnlyGrow); ///< See ChainPools::reserve.
     void setUp();                      ///< Calls setupStart, sources first; shows failures on the blocks.
     void tearDown();                   ///< Calls setupStop in the same order.
 
     /// Tears everything down and sets it up for the current formats; each block signals its message at most
     /// once.
-    EkFormatChange renegotiate(const SkChainNode* pInHand);
+    EkFormatChange renegotiate(const SkChainNode* pCurrent);
 
 private:
     CkChainGraph& m_graph;

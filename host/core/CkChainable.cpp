@@ -12,7 +12,7 @@ CkChainable::~CkChainable() {
     // Blocks are to be deleted through the chain manager; should one be deleted directly, its chain must not
     // keep a dangling pointer.
     if (CkChain* const owner = chain()) {
-        owner->m_d->forget(this);
+        owner->m_d->removeDeleted(this);
     }
 }
 
@@ -99,19 +99,19 @@ QString CkChainable::message() const {
 QString CkChainable::errorMessage() const {
     const std::lock_guard lock(m_mutex);
     // When no thread holds the messages, both are the same.
-    return m_messageHolder == std::this_thread::get_id() ? message() : m_sToldMessage;
+    return m_messageHolder == std::this_thread::get_id() ? message() : m_sSignalledMessage;
 }
 
 void CkChainable::setErrorMessage(const QString& sMessage) {
     std::unique_lock lock(m_mutex);
     m_sOwnMessage = sMessage;
-    tell(std::move(lock));
+    notifyMessage(std::move(lock));
 }
 
 void CkChainable::setChainMessage(const QString& sMessage) {
     std::unique_lock lock(m_mutex);
     m_sChainMessage = sMessage;
-    tell(std::move(lock));
+    notifyMessage(std::move(lock));
 }
 
 void CkChainable::holdMessages() {
@@ -119,23 +119,23 @@ void CkChainable::holdMessages() {
     m_messageHolder = std::this_thread::get_id();
 }
 
-void CkChainable::tellMessages() {
+void CkChainable::releaseMessages() {
     std::unique_lock lock(m_mutex);
     m_messageHolder = {};
-    tell(std::move(lock));
+    notifyMessage(std::move(lock));
 }
 
-void CkChainable::tell(std::unique_lock<std::mutex> lock) {
+void CkChainable::notifyMessage(std::unique_lock<std::mutex> lock) {
     const QString now = message();
-    if (m_messageHolder != std::thread::id() || now == m_sToldMessage) {
+    if (m_messageHolder != std::thread::id() || now == m_sSignalledMessage) {
         return;
     }
-    m_sToldMessage = now;
+    m_sSignalledMessage = now;
     lock.unlock();
     emit errorMessageChanged(now);
 }
 
-void CkChainable::noteDropped() {
+void CkChainable::reportDropped() {
     m_bFrameDropped = true;
 }
 

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <thread>
 
-/// A fair recursive mutex: threads get it in the order of their requests. With std::recursive_mutex, a thread
-/// that restarts a chain in a loop could starve the others.
+/// A fair (FIFO) recursive mutex, implemented as a ticket lock. std::recursive_mutex makes no promise about
+/// the order of waiting threads: one that restarts a chain in a loop could starve the others.
 class CkControlMutex {
 public:
     void lock() {

@@ -9,29 +9,30 @@
 class CkImageData;
 struct SkChainNode;
 
-/// The queue in front of a chain's thread: frames, a few per source, and requests. Any thread.
+/// The bounded queue that feeds a chain's thread: frames of all sources, and pending requests. Any thread.
 class CkFrameQueue {
 public:
-    /// Capacity per source. With one frame, every delay of the thread would cost a frame; more than two only
-    /// add latency.
+    /// Capacity per source. With one, every delay of the chain's thread would drop a frame; more than two
+    /// only add latency.
     static constexpr int kFramesPerSource = 2;
 
+    /// The next work for the chain's thread.
     struct SkItem {
-        SkChainNode* source = nullptr;
-        CkImageData* frame = nullptr; ///< null: requests only
-        bool renegotiate = false;
-        bool growPools = false;
-        bool stop = false;
+        SkChainNode* source = nullptr; ///< of the frame
+        CkImageData* frame = nullptr;  ///< owned by the receiver of the item; null: requests only
+        bool renegotiate = false;      ///< set up the chain again before the frame
+        bool growPools = false;        ///< enlarge the sub-pools before the frame
+        bool stop = false;             ///< the queue is closed; there is no frame
     };
 
     ~CkFrameQueue();
 
-    /// Drops the requests: the caller is about to set everything up, which covers them.
+    /// Discards pending requests, for a caller that is about to set up the whole chain.
     void clearRequests();
     /// Starts accepting frames. Requests made since clearRequests are served before the first frame.
     void open();
-    /// Wakes the thread, deletes the queued frames, counting them as dropped, and accepts nothing from then
-    /// on. Returns the source of each frame it dropped.
+    /// Accepts no more frames, drops and counts the queued ones, and wakes the thread. Returns the source of
+    /// each dropped frame.
     std::vector<SkChainNode*> close();
 
     /// Takes ownership of the frame. False, and the caller keeps the frame, when closed or full.
@@ -39,7 +40,7 @@ public:
     void requestRenegotiation();
     void requestGrowth(); ///< of the pools
 
-    /// Blocks until there is a frame or a request. The requests of an item are to be served before its frame.
+    /// Blocks until there is a frame or a request, or the queue is closed.
     SkItem take();
 
 private:

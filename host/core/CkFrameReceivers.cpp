@@ -26,8 +26,8 @@ void CkFrameReceivers::dispatch(CkImageData* pFrame) {
         if (own != nullptr) {
             try {
                 (*receive)(own);
-            } catch (
-                ...) { // the failure of one receiver must not stop the camera or cost the others the frame
+            } catch (...) {
+                // The failure of one receiver must not stop the camera or cost the others the frame.
             }
         }
         lock.lock();

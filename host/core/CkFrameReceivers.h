@@ -16,7 +16,7 @@ public:
     /// Returns only when the receiver is no longer being called, unless it removes itself from within its
     /// call.
     void remove(const void* pReceiver);
-    /// Passes an object of its own to each receiver. Takes ownership of the frame. Camera thread.
+    /// Passes a separate object to each receiver. Takes ownership of the frame. Camera thread.
     void dispatch(CkImageData* pFrame);
 
 private:
@@ -30,6 +30,6 @@ private:
     std::condition_variable m_done;
     std::vector<SkReceiver> m_receivers;
     quint64 m_nextSerial = 1;
-    const void* m_busy = nullptr;
+    const void* m_busy = nullptr; ///< key of the receiver being called; remove waits for it
     std::thread::id m_busyThread;
 };

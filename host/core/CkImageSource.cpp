@@ -8,7 +8,7 @@ CkImageSource::CkImageSource(QObject* pParent) : CkImageProvider(0, pParent) {}
 CkImageSource::~CkImageSource() {
     // Deleted while in a chain: frameEvent must not be called once this part of the object is destroyed.
     if (CkChain* const owner = chain()) {
-        owner->m_d->forget(this);
+        owner->m_d->removeDeleted(this);
     }
 }
 
@@ -38,6 +38,6 @@ void CkImageSource::frameEvent(EkFrameEvent event) {
     Q_UNUSED(event);
 }
 
-void CkImageSource::noteLost(quint64 uiFrames) {
-    CkChain::CkPrivate::noteLost(this, uiFrames);
+void CkImageSource::reportLost(quint64 uiFrames) {
+    CkChain::CkPrivate::reportLost(this, uiFrames);
 }

@@ -4,8 +4,8 @@
 
 namespace {
 
-// In one batch where the camera accepts it, otherwise one by one: a value that it no longer accepts must not
-// cost the others.
+/// Copies the values as one batch if the camera accepts it, otherwise one by one: a value that it no longer
+/// accepts must not prevent the others.
 void copyValues(const CkCameraParameters& from, CkCameraParameters& to) {
     QList<CkCameraParam*> changed;
     for (const CkCameraParam* old : from.params()) {
@@ -31,14 +31,23 @@ void copyValues(const CkCameraParameters& from, CkCameraParameters& to) {
 
 CkOpenCamera::~CkOpenCamera() = default;
 
+bool CkOpenCamera::start(QString& sReason) {
+    try {
+        // The pointer stays valid: the camera is stopped before this object is destroyed.
+        return camera->start([this](CkImageData* frame) { receivers.dispatch(frame); }, &sReason);
+    } catch (...) {
+        return false;
+    }
+}
+
 void CkOpenCamera::close() {
     if (camera && camera->isRunning()) {
         camera->stop();
     }
-    std::unique_ptr<IkCamera> gone;
+    std::unique_ptr<IkCamera> closed; // destroyed without the lock: its destructor is foreign code
     {
         const std::lock_guard lock(m_cameraMutex);
-        gone = std::move(camera);
+        closed = std::move(camera);
     }
 }
 

@@ -28,6 +28,12 @@ public:
     EkPresence presence = EkPresence::PluggedIn;
     bool paused = false;
 
+    bool isUnplugged() const {
+        return presence == EkPresence::Unplugged || presence == EkPresence::UnpluggedWhileRunning;
+    }
+    /// Starts the camera; its frames go to the receivers. False, with sReason if the driver gave one.
+    /// User-interface thread.
+    bool start(QString& sReason);
     /// Stops and deletes the camera. User-interface thread.
     void close();
     /// Stops the camera but keeps it for its parameters. User-interface thread.

@@ -64,7 +64,7 @@ QString identityRefusal(const QPluginLoader& loader) {
                : CkPluginLoader::tr("it is a plug-in for another program (\"%1\").").arg(iid);
 }
 
-/// Runs plug-in code; what it throws becomes a reason for refusal. The exception is destroyed when this
+/// Runs plug-in code and turns an exception into a reason for refusal. The exception is destroyed when this
 /// returns, so that the library that defined it can be unloaded.
 template <class Function>
 QString callRefusal(Function function) {
@@ -118,7 +118,8 @@ CkPlugin* CkPluginLoader::load(const QString& sFileName, QString* psError) {
         }
     }
     QPluginLoader loader;
-    // All symbols at once: one that is missing refuses the library now instead of ending the program later.
+    // All symbols are resolved now: a missing one refuses the library here instead of ending the program
+    // later.
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     QString reason = fileRefusal(path);
     if (reason.isEmpty()) {

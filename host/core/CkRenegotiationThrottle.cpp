@@ -5,8 +5,8 @@
 namespace {
 
 constexpr quint32 kMaximumBlockDoublings = 6;  // 64 frames
-constexpr quint32 kMaximumValueDoublings = 62; // beyond any run; more would overflow
-constexpr quint64 kCalmFrames = 64;            // without a request, after which the delays start over
+constexpr quint32 kMaximumValueDoublings = 62; // longer than any run; more would overflow
+constexpr quint64 kCalmFrames = 64; // frames without a request after which the back-off starts over
 
 } // namespace
 

@@ -4,11 +4,11 @@
 
 #include <QtGlobal>
 
-/// Keeps a chain from setting itself up again with every frame. Counts in frames; chain thread.
+/// Limits how often a chain is set up again. Counts in frames; chain thread.
 ///
-/// A refit, without which a frame cannot be processed, is granted to a block with every second frame at most,
-/// so that of two consecutive frames one is processed. The delay of optional requests doubles each time they
-/// are repeated.
+/// Optional requests back off exponentially: each one that is granted doubles the delay before the next. A
+/// refit, without which a frame would be dropped, is granted to a block for every second frame at most, so
+/// that one of two consecutive frames is processed.
 class CkRenegotiationThrottle {
 public:
     enum class EkRequest {

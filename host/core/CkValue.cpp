@@ -25,8 +25,7 @@ qint64 saturatedInt64(double value) {
 double numberIn(const QString& text) {
     bool ok = false;
     const double value = text.toDouble(&ok);
-    // For a number that is too large toDouble reports failure and returns infinity, which is the saturated
-    // value.
+    // For a number that is too large, toDouble reports failure but returns infinity, the saturated value.
     return ok || std::isinf(value) ? value : 0.0;
 }
 

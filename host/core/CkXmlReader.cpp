@@ -13,7 +13,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkXmlReader)
 };
 
-// Size of the pieces that are fed to Qt's reader.
+// Characters or bytes that are fed to Qt's reader at a time.
 constexpr qsizetype kPieceLength = 16 * 1024;
 // QXmlStreamReader compares every attribute of a tag with all others before it reports any of them: two
 // million would take hours. Such tags are detected while they are fed in, by counting '=' and quotes, some of
@@ -37,10 +37,10 @@ public:
 
 private:
     bool fail(const QString& sReason);
-    bool takeTokens();
-    bool takeElement();
+    bool readTokens();
+    bool checkElement();
     template <class Text>
-    bool takePiece(const Text& piece);
+    bool feedPiece(const Text& piece);
 
     SkXmlLimits m_limits;
     QXmlStreamReader m_reader;
@@ -63,7 +63,7 @@ bool CkXmlGuard::fail(const QString& sReason) {
     return false;
 }
 
-bool CkXmlGuard::takeElement() {
+bool CkXmlGuard::checkElement() {
     if (++m_iDepth > m_limits.depth) {
         return fail(Texts::tr("elements are nested deeper than %1 levels").arg(m_limits.depth));
     }
@@ -79,11 +79,11 @@ bool CkXmlGuard::takeElement() {
            fail(Texts::tr("there are more than %1 attributes").arg(m_limits.allAttributes));
 }
 
-bool CkXmlGuard::takeTokens() {
+bool CkXmlGuard::readTokens() {
     while (!m_reader.atEnd()) {
         const QXmlStreamReader::TokenType token = m_reader.readNext();
         m_bGotToken = m_bGotToken || token != QXmlStreamReader::Invalid;
-        if (token == QXmlStreamReader::StartElement && !takeElement()) {
+        if (token == QXmlStreamReader::StartElement && !checkElement()) {
             return false;
         }
         if (token == QXmlStreamReader::EndElement) {
@@ -99,10 +99,10 @@ bool CkXmlGuard::takeTokens() {
 }
 
 template <class Text>
-bool CkXmlGuard::takePiece(const Text& piece) {
+bool CkXmlGuard::feedPiece(const Text& piece) {
     m_bGotToken = false;
     m_reader.addData(piece);
-    if (!takeTokens()) {
+    if (!readTokens()) {
         return false;
     }
     if (m_bGotToken) {
@@ -126,7 +126,7 @@ bool CkXmlGuard::accepts(const Text& text) {
         return false;
     }
     for (qsizetype at = 0; at < text.size(); at += kPieceLength) {
-        if (!takePiece(text.mid(at, kPieceLength))) {
+        if (!feedPiece(text.mid(at, kPieceLength))) {
             return false;
         }
     }

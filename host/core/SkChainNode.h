@@ -45,7 +45,7 @@ struct SkChainNode {
     size_t index = 0;                   ///< in the order of the run
     std::vector<SkChainOutput> outputs; ///< in that order
     std::vector<IkChainData*> inbox;    ///< one entry per predecessor; chain thread
-    int pictures = 0;                   ///< that the block asks for; negative when the query failed
+    int pictures = 0;                   ///< that the block requests; negative when the query failed
     bool negotiated = false;            ///< false for a block that refused its input
     bool ready = false;                 ///< false for a block that could not be set up
     quint64 refitFrame = 0;             ///< frame of the last set-up for this block; chain thread

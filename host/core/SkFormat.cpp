@@ -16,8 +16,8 @@ bool isSameSet(const CkImageMetadata& a, const CkImageMetadata& b) {
            a.sectionCount == b.sectionCount && a.sectionMode == b.sectionMode;
 }
 
-/// Clears the fields that differ from frame to frame. Each section of a set may have its own exposure.
-CkImageMetadata lasting(const CkImageMetadata& metadata) {
+/// Clears the fields that differ from frame to frame; exposure is one, because each section may have its own.
+CkImageMetadata withoutPerFrameFields(const CkImageMetadata& metadata) {
     CkImageMetadata rest = metadata;
     rest.phaseSequenceIndex = 0;
     rest.phaseAngle = 0;
@@ -44,5 +44,6 @@ EkFormatChange formatChange(const SkFormat& a, const SkFormat& b) {
     if (!isSameSet(a.metadata, b.metadata)) {
         return EkFormatChange::Sets;
     }
-    return lasting(a.metadata) == lasting(b.metadata) ? EkFormatChange::None : EkFormatChange::Values;
+    return withoutPerFrameFields(a.metadata) == withoutPerFrameFields(b.metadata) ? EkFormatChange::None
+                                                                                  : EkFormatChange::Values;
 }

@@ -7,7 +7,7 @@ class CkImageData;
 
 /// A picture format as it is negotiated between blocks.
 struct SkFormat {
-    bool known = false;
+    bool known = false; ///< false: the other members are meaningless
     SkPicBufInfo info;
     CkImageMetadata metadata;
 
@@ -18,8 +18,8 @@ struct SkFormat {
 enum class EkFormatChange : int {
     None,    ///< blocks treat both alike
     Values,  ///< only metadata values; buffers can be reused
-    Sets,    ///< how pictures make up a set, or what kind of picture they are
-    Pictures ///< size or layout, or one of them is not known
+    Sets,    ///< the composition of a set, or the kind of raw picture
+    Pictures ///< size or layout, or only one of the formats is known
 };
 
 /// Ignores fields that change from frame to frame or only describe how a picture was allocated.

@@ -3,14 +3,14 @@
 #include <type_traits>
 #include <utility>
 
-/// Calls foreign code (blocks, sources, sinks) and catches its exceptions: one that escaped from the chain's
-/// thread would end the program. Returns otherwise after an exception.
+/// Calls foreign code (blocks, sources, sinks) and catches its exceptions, one of which would end the program
+/// if it escaped from the chain's thread. Returns fallback after an exception.
 template <class Call>
-auto guardedCall(std::invoke_result_t<Call> otherwise, Call&& call) noexcept {
+auto guardedCall(std::invoke_result_t<Call> fallback, Call&& call) noexcept {
     try {
         return std::forward<Call>(call)();
     } catch (...) {
-        return otherwise;
+        return fallback;
     }
 }
 

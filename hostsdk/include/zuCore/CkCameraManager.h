@@ -24,17 +24,17 @@ public:
     /// Stops and closes; emits cameraAboutToClose first.
     void closeCamera(void* pHandle);
     /// Simulates unplugging: the camera delivers nothing and is not offered until plugCameraIn. It stays
-    /// open: handle, receivers and parameter values are kept.
+    /// open: its handle, receivers and parameter values are preserved.
     void unplugCamera(void* pHandle);
     /// Reverts unplugCamera, also for a camera that has been closed since. For one that is still open, the
     /// parameter values, the paused state and the acquisition are restored. False, with psError set, for a
     /// camera that was not unplugged, cannot be opened or started.
     bool plugCameraIn(const QString& sId, QString* psError = nullptr);
-    QList<SkCameraInfo> camerasHeldApart() const; ///< Between unplugCamera and plugCameraIn.
-    /// Whether an open camera cannot deliver because it was unplugged, by unplugCamera or in reality.
+    QList<SkCameraInfo> withheldCameras() const; ///< Between unplugCamera and plugCameraIn.
+    /// Whether an open camera cannot deliver because it was unplugged, by unplugCamera or physically.
     bool isUnplugged(void* pHandle) const;
-    /// Asks the drivers which cameras they offer; a driver calls it when a camera was added or removed. An
-    /// open camera that is no longer offered counts as unplugged; one that is offered again resumes.
+    /// Queries the drivers for the cameras they offer; a driver calls it when a camera was added or removed.
+    /// An open camera that is no longer offered counts as unplugged; it resumes when it is offered again.
     void checkCameras();
 
     /// In order of opening.
@@ -50,12 +50,12 @@ public:
 
     bool startAcquisition(void* pHandle, QString* psError = nullptr); ///< False, with psError, when it fails.
     void stopAcquisition(void* pHandle);         ///< Returns when no frame is being delivered.
-    bool isAcquiring(void* pHandle) const;       ///< Paused cameras are, too.
+    bool isAcquiring(void* pHandle) const;       ///< True while paused, too.
     void setPaused(void* pHandle, bool bPaused); ///< See IkCamera::setPaused.
     bool isPaused(void* pHandle) const;          ///< As set last; false when it is not open.
-    void step(void* pHandle);                    ///< One set of images, while paused.
+    void step(void* pHandle);                    ///< Delivers one set of images while paused.
 
-    /// Receivers of a camera's frames; each gets an object of its own. Removal returns when the receiver is
+    /// Receivers of a camera's frames; each gets its own frame object. Removal returns when the receiver is
     /// no longer being called. The pointer identifies the receiver.
     void addFrameReceiver(void* pHandle, const void* pReceiver, IkCamera::FrameFunction receive);
     void removeFrameReceiver(const void* pReceiver); ///< No-op for an unknown one.
@@ -65,7 +65,7 @@ signals:
     void cameraAboutToClose(void* pHandle); ///< The handle still works.
     void cameraClosed(void* pHandle);       ///< The handle is no longer valid.
     void cameraUnplugged(void* pHandle);    ///< An open camera was unplugged; it stays open.
-    void cameraLost(const QString& sName);  ///< After cameraUnplugged, by its name.
+    void cameraLost(const QString& sName);  ///< After cameraUnplugged; the display name.
     /// Plugged in again, with new parameter objects; the old ones are deleted when the signal returns.
     void cameraPluggedIn(void* pHandle);
     void acquisitionChanged(void* pHandle, bool bRunning); ///< For any reason.
@@ -75,8 +75,8 @@ private:
     CkCameraManager();
     ~CkCameraManager() override;
 
-    void takeAsLost(void* pHandle);
-    bool takeBack(void* pHandle, QString* psError);
+    void handleUnplugged(void* pHandle);
+    bool reconnect(void* pHandle, QString* psError);
 
     class CkPrivate;
     std::unique_ptr<CkPrivate> m_d;

@@ -16,7 +16,7 @@ class ZUCORE_EXPORT CkCameraParam : public QObject {
     Q_OBJECT
 
 public:
-    /** What a value is. */ enum class EkKind { Integer, Float, Bool, Enumeration };
+    /** The type of a value. */ enum class EkKind { Integer, Float, Bool, Enumeration };
     /// A choice of an enumeration.
     struct SkEnumEntry {
         qint64 value = 0; ///< sent to the camera
@@ -29,7 +29,7 @@ public:
         QString toolTip;               ///< to be displayed, translated; may be empty
         QString unit;                  ///< "us", "MHz", "1/s"; empty for none
         EkKind kind = EkKind::Integer; ///< of value and limits
-        CkValue value;                 ///< committed last
+        CkValue value;                 ///< the committed one
         double minimum = 0.0;          ///< inclusive; Integer and Float; no limits unless minimum < maximum
         double maximum = 0.0;          ///< inclusive
         double step = 1.0; ///< values are minimum plus a whole number of steps; 0 or less: any value (Float)
@@ -59,7 +59,7 @@ public:
 signals:
     /// The committed value changed, for any reason.
     void valueChanged(const CkValue& vValue);
-    /// The value that was set but not committed changed.
+    /// The pending value (set, not committed yet) changed.
     void pendingValueChanged(const CkValue& vValue);
 
 private:

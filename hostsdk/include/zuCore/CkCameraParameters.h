@@ -10,7 +10,7 @@
 struct SkCameraInfo {
     QString id;             ///< unique over all drivers, the same each time the camera is plugged in
     QString name;           ///< to be displayed
-    QString model;          ///< the manufacturer's name for it
+    QString model;          ///< the manufacturer's designation
     QString serial;         ///< empty when the camera has none
     quint32 sensorType = 0; ///< see ToFSensorType; 0: any other
 };
@@ -21,8 +21,8 @@ class ZUCORE_EXPORT CkCameraParameters : public QObject {
     Q_OBJECT
 
 public:
-    /// Called with the parameters whose set values are to reach the camera as one change, in the order in
-    /// which they were added. False when the camera refuses; all of them are then restored.
+    /// Called with the parameters whose pending values are to be applied to the camera as one change, in the
+    /// order in which they were added. False when the camera refuses; all of them are then restored.
     using CommitFunction = std::function<bool(const QList<CkCameraParam*>&)>;
 
     explicit CkCameraParameters(const SkCameraInfo& info, CommitFunction commit, QObject* pParent = nullptr);
@@ -39,8 +39,8 @@ public:
 
     /// Adds a parameter whose value was set to the next batch; adding it twice is allowed.
     void addParamCommitToBatch(CkCameraParam* pParam);
-    /// Ends the batch: bCommit sends all its values to the camera in one step, otherwise they are discarded.
-    /// Committing an empty batch succeeds.
+    /// Ends the batch: bCommit sends all its values to the camera as one change, otherwise they are
+    /// discarded. Committing an empty batch succeeds.
     bool endCommitBatch(bool bCommit);
 
 signals:

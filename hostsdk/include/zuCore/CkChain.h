@@ -18,13 +18,13 @@ class QDomDocument;
 class QDomElement;
 struct SkPicBufInfo;
 
-/// Receives the frames that leave a block. Implementations must return quickly: they store the frame and
-/// return.
+/// Receives the frames that leave a block. takeFrame must return quickly, because the chain waits: it
+/// stores the frame for another thread.
 class ZUCORE_EXPORT IkFrameSink {
 public:
     virtual ~IkFrameSink();
 
-    /// Chain thread. Takes ownership of pData. Returns how many frames it had to drop for this one.
+    /// Chain thread. Takes ownership of pData. Returns how many frames, this one included, were dropped.
     virtual int takeFrame(CkImageData* pData) = 0;
 
     /// Pictures that the sink may hold at the same time, queued and shown.
@@ -35,9 +35,9 @@ public:
 struct SkBlockStatistics {
     quint64 framesIn = 0;  ///< frames that reached the block
     quint64 framesOut = 0; ///< frames that left it
-    /// Lost before they reached the chain of their source, in a full queue or one that stop emptied, for lack
-    /// of a free picture, to a format that does not fit, a block that failed or reported it
-    /// (CkChainable::noteDropped), or a slow sink.
+    /// Frames lost: before they reached their source (CkImageSource::reportLost), in a full queue, in the
+    /// queue when the chain stopped, for lack of a free picture, because of a format that does not match, in
+    /// a block that failed or reported the loss (CkChainable::reportDropped), or in a slow sink.
     quint64 dropped = 0;
     quint64 processNs = 0; ///< spent in processData
     /// Of the frames that left it, those that all blocks and sinks downstream have finished.
@@ -58,7 +58,7 @@ public:
     ~CkChain() override;
 
     /// Negotiates every block's format, reserves its pictures, calls setupStart from the sources down and
-    /// starts the thread. A block that cannot negotiate shows its error and gets no shelf in the pool; one
+    /// starts the thread. A block that cannot negotiate shows its error and gets no pictures; one
     /// whose setupStart throws shows an error and receives no frames; the others run. False when the chain
     /// has no source or is already running. Not from the chain's own thread.
     bool start();
@@ -71,8 +71,8 @@ public:
     bool started() const; ///< Between start and stop.
     bool stopped() const; ///< The chain's thread is not running.
 
-    /// Blocks start, stop and structural changes by other threads; calls by the holding thread proceed. For
-    /// "stop, change, start" as one step.
+    /// Makes a sequence such as stop, change, start atomic: other threads wait with start, stop and
+    /// structural changes, while calls by the holding thread proceed.
     class ZUCORE_EXPORT CkControlLock {
     public:
         explicit CkControlLock(CkChain* pChain); ///< Waits for its turn.
@@ -97,11 +97,11 @@ public:
     CkMemoryPool* memoryPool() const; ///< Never null.
 
     /// From the next frame on, the sink receives an object of its own for every frame that leaves pBlock. A
-    /// running chain enlarges the block's shelf in the pool. False when the block is not in the chain.
+    /// running chain enlarges the block's sub-pool. False when the block is not in the chain.
     bool addSink(CkChainable* pBlock, IkFrameSink* pSink);
     /// Returns when the sink is no longer inside takeFrame.
     void removeSink(IkFrameSink* pSink);
-    /// The block whose frames the sink gets; moves when a block is inserted after it. Null when unknown.
+    /// The block whose frames the sink gets; changes when a block is inserted after it. Null when unknown.
     CkChainable* sinkBlock(const IkFrameSink* pSink) const;
 
     SkBlockStatistics blockStatistics(const CkChainable* pBlock) const; ///< Zeros for a foreign block.
@@ -116,20 +116,20 @@ public:
     /// The chain does so by itself for a frame that leaves a source or a block in another format than the
     /// negotiated one, and then continues with that frame. Metadata that change from frame to frame (position
     /// in the set, angle, exposure, time) are not part of the format. If every frame has another format than
-    /// the previous one, the chain adapts to every second one, shows that on the block, and drops frames that
-    /// do not fit. A difference in metadata only drops no frames, and the chain adapts to it at increasing
-    /// intervals.
+    /// the previous one, the chain adapts to every second one, reports that on the block, and drops frames
+    /// that do not match. A difference in metadata alone drops no frames; the chain adapts to it at
+    /// increasing intervals.
     void requestRenegotiation();
 
     /// The chain's blocks and connections as an XML element "chain", and back. save fills the element when it
-    /// is a "chain", makes one when it is null, and otherwise appends one to it; load reads the element or
+    /// is a "chain", creates one when it is null, and otherwise appends one to it; load reads the element or
     /// its child "chain" and replaces the blocks of the chain (their sinks get no more frames). On failure
     /// the chain is unchanged and psError holds the reason and the position. User-interface thread.
     bool save(QDomDocument& doc, QDomElement& element) const;
     bool load(const QDomElement& element, QString* psError); ///< See save.
 
     /// Called after each block with the number of blocks read so far and in total; returning false cancels
-    /// the loading, which then fails. May run an event loop, but must not close the chain.
+    /// loading, and load fails. May run an event loop, but must not close the chain.
     using LoadProgress = std::function<bool(qsizetype iRead, qsizetype iAll)>;
     bool load(const QDomElement& element, QString* psError, const LoadProgress& progress); ///< See save.
 

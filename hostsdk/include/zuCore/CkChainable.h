@@ -44,8 +44,8 @@ public:
     /// base accepts any block, but cannot be a first one.
     virtual bool acceptsDataFrom(CkChainable* pUpstream);
 
-    /// Pictures of its shelf that the block itself may hold at the same time. The chain adds those that views
-    /// and branches may hold. The base returns 0: the block gets no shelf in the pool.
+    /// Pictures of its sub-pool that the block itself may hold at the same time. The chain adds those that
+    /// views and branches may hold. The base returns 0: the block gets no sub-pool.
     virtual int buffersCountInMemoryPool() const;
 
     /// Called before the first and after the last frame of a run. Overrides call the base.
@@ -89,7 +89,7 @@ public:
     /// clears the text, unless the block is a source. Any thread.
     void setErrorMessage(const QString& sMessage);
 
-    /// The chain's picture memory; null outside a chain. The block's own shelf has the block as its owner.
+    /// The chain's picture memory, in which the block is the owner of its own sub-pool; null outside a chain.
     CkMemoryPool* memoryPool() const;
 
 signals:
@@ -103,7 +103,7 @@ protected:
     /// To be called within processData for a frame that yields no output although the block does not wait for
     /// further frames: it counts as dropped (CkChain::blockStatistics). The chain itself counts exceptions
     /// and frames for which the pool had no picture; no frame is counted twice.
-    void noteDropped();
+    void reportDropped();
 
 private:
     friend class CkChain;
@@ -115,9 +115,9 @@ private:
     /// Changes of the messages between the two are signalled once, at the end, and only if the final message
     /// differs. Only the holding thread sees them earlier.
     void holdMessages();
-    void tellMessages();
+    void releaseMessages();
     QString message() const; ///< with the lock
-    void tell(std::unique_lock<std::mutex> lock);
+    void notifyMessage(std::unique_lock<std::mutex> lock);
 
     const int m_iBlockKind;
     mutable std::mutex m_mutex;
@@ -125,7 +125,7 @@ private:
     int m_iState = Ready;
     QString m_sOwnMessage;
     QString m_sChainMessage;         ///< the host's, shown while the block's own is empty
-    QString m_sToldMessage;          ///< signalled last
+    QString m_sSignalledMessage;     ///< of the last errorMessageChanged
     std::thread::id m_messageHolder; ///< none: every change is signalled at once
     bool m_bFrameDropped = false;    ///< chain thread
 };

@@ -43,7 +43,7 @@ protected:
 
     /// Counts frames that were lost before they reached the source as dropped, unless the chain is stopped.
     /// Any thread.
-    void noteLost(quint64 uiFrames);
+    void reportLost(quint64 uiFrames);
 
 private:
     friend class CkChain;

@@ -7,8 +7,8 @@
 
 class CkImageData;
 
-/// The interface of a viewer plug-in, implemented in addition to QObject. All calls come on the
-/// user-interface thread. The order of the functions is part of the binary interface.
+/// The interface of a viewer plug-in, implemented in addition to QObject. All functions are
+/// called on the user-interface thread. The order of the functions is part of the binary interface.
 class CkPlugin {
 public:
     virtual ~CkPlugin() = default;

@@ -16,10 +16,10 @@ class ZUCORE_EXPORT CkPluginLoader : public QObject {
     Q_OBJECT
 
 public:
-    /** A plug-in at work. */ struct SkLoadedPlugin {
+    /** A loaded plug-in. */ struct SkLoadedPlugin {
         QString fileName;           ///< the library, with its path
         CkPlugin* plugin = nullptr; ///< owned by the loader
-        QObject* object = nullptr;  ///< the same one as a QObject
+        QObject* object = nullptr;  ///< the same object as a QObject
         QString name;               ///< queried once, right after init()
         QString description;        ///< likewise
         QString version;            ///< likewise, "major.minor.patch"
@@ -28,7 +28,7 @@ public:
     explicit CkPluginLoader(QObject* pParent = nullptr); ///< Loads nothing yet.
     ~CkPluginLoader() override;
 
-    /// Loads one library, calls init() and asks for its texts. Null, with psError set, on refusal.
+    /// Loads one library, calls init() and queries its texts. Null, with psError set, on refusal.
     CkPlugin* load(const QString& sFileName, QString* psError);
 
     /// Loads every library of a folder, in order of file name; returns the messages of the refused ones.

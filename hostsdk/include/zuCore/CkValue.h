@@ -10,7 +10,7 @@
 /// fail: impossible ones give 0, false or an empty text, and numbers out of range saturate.
 class ZUCORE_EXPORT CkValue {
 public:
-    /** What a value holds. */ enum class EkType { None, Int, Float, Bool, String };
+    /** The type of the stored value. */ enum class EkType { None, Int, Float, Bool, String };
 
     CkValue() = default;
     CkValue(int iValue) : m_value(qint64(iValue)) {}    // NOLINT(google-explicit-constructor)

@@ -12,8 +12,8 @@ class CkImageData;
 
 /// An open camera of a driver.
 ///
-/// Opened, configured, started and stopped on the user-interface thread; delivers frames from a thread of its
-/// own.
+/// Opened, configured, started and stopped on the user-interface thread; delivers frames from its own
+/// thread.
 class ZUCORE_EXPORT IkCamera {
 public:
     /// Takes ownership of the frame. Called from the camera's own thread. Frames that the camera drops for
@@ -47,7 +47,7 @@ public:
 
     virtual QString name() const = 0; ///< To be displayed.
     /// Cameras that can be opened now, and those that are open and present. When one is added or removed,
-    /// have the user-interface thread call CkCameraManager::checkCameras.
+    /// the driver has CkCameraManager::checkCameras called on the user-interface thread.
     virtual QList<SkCameraInfo> availableCameras() const = 0;
     /// Null, with psError set, when the camera is missing or cannot be opened. A camera that was unplugged
     /// while open is opened again while its old object, stopped, still exists.

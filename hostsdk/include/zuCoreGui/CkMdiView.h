@@ -16,8 +16,8 @@ class CkLut;
 ///
 /// A view constructed on a block shows that block's frames: the base attaches itself to the block's chain,
 /// keeps only the newest frame and shows it (showFrame) from the event loop. When a block is inserted after
-/// the view's block, the view switches to the new block's output. A view without a block gets its frames in
-/// another way (updateWithConnectedImageData).
+/// the view's block, the view switches to the new block's output. A view without a block receives its
+/// frames through updateWithConnectedImageData.
 class ZUCOREGUI_EXPORT CkMdiView : public QWidget {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ public:
         NativeWindowCap = 0x40, ///< holds a native sub-surface that needs a top-level window
     };
 
-    /// Either block may be null. The second one is kept for views that compare two sources.
+    /// Either block may be null. The second one is stored for views that compare two sources.
     explicit CkMdiView(CkChainable* pProvider = nullptr, CkChainable* pSecond = nullptr);
     ~CkMdiView() override;
 
@@ -64,7 +64,7 @@ public:
     /// A frame of the view that this one follows; the caller keeps ownership.
     virtual void updateWithConnectedImageData(const CkImageData* pData, bool bForce);
 
-    /// Frames the view could not take in time since it was opened.
+    /// Frames dropped since the view was opened, because it was still busy with an earlier one.
     quint64 droppedFrames() const;
 
 signals:

@@ -46,9 +46,9 @@ public:
     virtual void addMdiView(CkMdiView* pView) = 0;
     /// Opens a standard image view on a block. Returns its identifier, or -1 on failure.
     virtual int openImageView(CkChainable* pBlock) = 0;
-    /// False for an unknown view, or when the user keeps it open.
+    /// False for an unknown view, or when the user decides to keep it open.
     virtual bool closeView(int iViewId) = 0;
-    /// Arranges the views so that each can be seen.
+    /// Arranges the views so that all are visible.
     virtual void refreshViewArea() = 0;
 
     /// The first camera that feeds a view; null for a view without one.
@@ -61,7 +61,7 @@ public:
     /// the active view, or the only open one.
     virtual bool startAcquisition(int iStart, quint64 uiCameraHandle) = 0;
 
-    /// A new table for a picture format, owned by the caller, set up as the user prefers for these cameras.
+    /// A new table for a picture format, owned by the caller, with the user's preferences for these cameras.
     virtual CkLut* createLut(const SkPicBufInfo& info, const QList<void*>& cameraHandles) = 0;
     /// Updates the look-up table controls from the active view's table.
     virtual void refreshLutControls() = 0;
@@ -70,5 +70,6 @@ public:
 
     /// Folder of the last file dialog; empty when there was none.
     virtual QString lastDirectory() = 0;
-    virtual void setLastDirectory(const QString& sDirectory) = 0; ///< Kept for the next file dialog.
+    virtual void
+    setLastDirectory(const QString& sDirectory) = 0; ///< The start folder of the next file dialog.
 };

@@ -144,7 +144,7 @@ IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
         });
     if (result.outcome == CkToFTransformer::EkOutcome::Refused) {
         publishRefusal(tr(ToFFrames::refusalText(result.refusal)));
-        noteDropped();
+        reportDropped();
     } else {
         publish(result.angleError != nullptr ? tr(result.angleError) : QString());
     }
@@ -190,7 +190,7 @@ void CkToFProcessCnbl::refuse(const QString& sReason) {
     if (shown.isEmpty() || shown == m_sShownRefusal) {
         publishRefusal(sReason);
     }
-    noteDropped();
+    reportDropped();
 }
 
 bool CkToFProcessCnbl::saveSettings(QDomDocument& doc, QDomElement& element) const {

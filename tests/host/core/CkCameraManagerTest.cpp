@@ -175,7 +175,7 @@ TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) 
     ASSERT_TRUE(cameras.first->deliver);
     cameras.first->deliver(fakeFrame(8, 1));
     EXPECT_EQ(frames, 1) << "receivers stay";
-    EXPECT_TRUE(manager->camerasHeldApart().isEmpty());
+    EXPECT_TRUE(manager->withheldCameras().isEmpty());
 }
 
 TEST_F(CkCameraManagerTest, ACameraComesBackAsItWasLeft) {
@@ -207,7 +207,7 @@ TEST_F(CkCameraManagerTest, WhatADriverNoLongerOffersIsTakenAsPulledOff) {
     manager->checkCameras();
     EXPECT_TRUE(manager->isUnplugged(handle));
     EXPECT_FALSE(manager->isUnplugged(other));
-    EXPECT_TRUE(manager->camerasHeldApart().isEmpty()) << "only the driver brings it back";
+    EXPECT_TRUE(manager->withheldCameras().isEmpty()) << "only the driver brings it back";
     cameras.first->offered = true;
     manager->checkCameras();
     EXPECT_FALSE(manager->isUnplugged(handle));

@@ -78,7 +78,7 @@ TEST_F(CkChainPoolTest, SinksBehindPassingBlocksHoldTheFirstOnesPictures) {
     ASSERT_TRUE(chain->start());
     // The block's own, four in each view, one for the block after it.
     EXPECT_EQ(chain->memoryPool()->capacity(block), 1 + 4 + 4 + 1);
-    EXPECT_EQ(chain->memoryPool()->capacity(pass), 0) << "no shelf for who makes no pictures";
+    EXPECT_EQ(chain->memoryPool()->capacity(pass), 0) << "no sub-pool for a block that makes no pictures";
     for (int i = 0; i < 50; ++i) {
         pushSurely(quint8(i));
     }

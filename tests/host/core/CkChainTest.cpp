@@ -249,7 +249,7 @@ public:
             memoryPool()->acquire(this, packedFormat(1, 1), picture, false);
         }
         if (says) {
-            noteDropped();
+            reportDropped();
         }
         return nullptr;
     }

@@ -124,7 +124,7 @@ FakeCameras& FakeCameras::instance() {
 }
 
 void FakeCameras::reset() const {
-    for (const SkCameraInfo& info : CkCameraManager::instance()->camerasHeldApart()) {
+    for (const SkCameraInfo& info : CkCameraManager::instance()->withheldCameras()) {
         CkCameraManager::instance()->plugCameraIn(info.id);
     }
     for (void* handle : CkCameraManager::instance()->openedCameras()) {

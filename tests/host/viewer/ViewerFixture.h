@@ -26,7 +26,7 @@ protected:
 
     void TearDown() override {
         m_session.reset();
-        for (const SkCameraInfo& info : CkCameraManager::instance()->camerasHeldApart()) {
+        for (const SkCameraInfo& info : CkCameraManager::instance()->withheldCameras()) {
             CkCameraManager::instance()->plugCameraIn(info.id);
         }
         EXPECT_EQ(CkCameraManager::instance()->openedCameraCount(), 0);

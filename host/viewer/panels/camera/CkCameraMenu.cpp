@@ -166,7 +166,7 @@ void CkCameraMenu::fillHandleMenus() {
             m_unplugMenu->addAction(info.name, this, [this, handle] { m_cameras->unplugCamera(handle); });
         }
     }
-    for (const SkCameraInfo& info : manager->camerasHeldApart()) {
+    for (const SkCameraInfo& info : manager->withheldCameras()) {
         m_plugInMenu->addAction(info.name, this, [this, id = info.id] { m_cameras->plugCameraIn(id); });
     }
     const auto enableIfFilled = [](QMenu* menu, const QString& sHint, const QString& sWhy) {
