@@ -20,14 +20,14 @@ QString firstSuffix(const QString& sFilter) {
     return kPattern.match(sFilter).captured(1);
 }
 
-// Both windows are on the heap: their parent deletes them when it is closed while they are open.
+// Both dialogs are on the heap: the parent may be closed, and delete them, while they are open.
 QString askForFile(QWidget* pParent, const QString& sFilter) {
     IkAppDelegate* delegate = IkAppDelegate::instance();
     const QPointer<QFileDialog> dialog(new QFileDialog(pParent, CkExportToolButton::tr("Export")));
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(sFilter.split(QStringLiteral(";;"), Qt::SkipEmptyParts));
-    // Known to the dialog, which thus asks before it overwrites the name with the suffix.
+    // Set on the dialog, so that it asks before it overwrites an existing file with the suffix.
     dialog->setDefaultSuffix(firstSuffix(sFilter));
     if (delegate != nullptr && !delegate->lastDirectory().isEmpty()) {
         dialog->setDirectory(delegate->lastDirectory());

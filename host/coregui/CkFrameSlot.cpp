@@ -33,13 +33,13 @@ int CkFrameSlot::takeFrame(CkImageData* pData) {
         return 1;
     }
     // Low priority: queued connections to receivedFrame are served before the next frame, even when the event
-    // loop never catches up. Otherwise their slots would never find the frame they were told of.
+    // loop never catches up. Otherwise the view would replace the announced frame before their slots run.
     QCoreApplication::postEvent(this, new QEvent(frameEventType()), Qt::LowEventPriority);
     return 0;
 }
 
 int CkFrameSlot::heldFrames() const {
-    // Waiting, arriving, shown, and one that a listener with a nested event loop still holds.
+    // One waiting, one arriving, one shown, and one still held by a listener that runs a nested event loop.
     return 4;
 }
 

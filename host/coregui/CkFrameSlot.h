@@ -8,8 +8,8 @@
 #include <memory>
 #include <mutex>
 
-/// Hands frames from a chain's thread to the user-interface thread, with room for one. A frame that comes
-/// before the last one was fetched replaces it, so that nothing queues up while the event loop is busy.
+/// Passes frames from a chain's thread to the user-interface thread through a buffer of one frame. A frame
+/// replaces one that has not been fetched yet, so that no backlog builds up while the event loop is busy.
 class CkFrameSlot : public QObject, public IkFrameSink {
 public:
     using Receiver = std::function<void(std::unique_ptr<CkImageData>)>;
@@ -22,7 +22,7 @@ public:
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override;
 
-    /// Drops the frame that waits. To be called after the slot was removed from its chain.
+    /// Drops the waiting frame. To be called after the slot was removed from its chain.
     void clear();
     /// Frames that were replaced before they were fetched. Any thread.
     quint64 droppedFrames() const { return m_dropped.load(std::memory_order_relaxed); }

@@ -17,12 +17,12 @@ int nextViewId() {
     return s_iNext++;
 }
 
-// Branches may join again: each block is asked once.
-void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& asked, QList<void*>& handles) {
-    if (asked.contains(pBlock)) {
+// Branches may rejoin: each block is visited once.
+void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& visited, QList<void*>& handles) {
+    if (visited.contains(pBlock)) {
         return;
     }
-    asked.insert(pBlock);
+    visited.insert(pBlock);
     if (const auto* source = qobject_cast<CkImageSource*>(pBlock)) {
         for (void* handle : source->cameraHandles()) {
             if (!handles.contains(handle)) {
@@ -32,7 +32,7 @@ void collectCameraHandles(CkChainable* pBlock, QSet<const CkChainable*>& asked, 
         return;
     }
     for (CkChainable* feeder : pBlock->precedessors()) {
-        collectCameraHandles(feeder, asked, handles);
+        collectCameraHandles(feeder, visited, handles);
     }
 }
 } // namespace
@@ -45,10 +45,10 @@ public:
         connect(CkChainManager::instance(), &CkChainManager::chainAboutToClose, this,
                 [this](CkChain* pChain) {
                     if (pChain == m_chain) {
-                        lose();
+                        detachAndNotify();
                     }
                 });
-        // A view between deleteLater and its destructor gets no more frames.
+        // Between deleteLater and its destructor, a view must get no more frames.
         pView->installEventFilter(this);
     }
 
@@ -67,14 +67,14 @@ public:
         if (pProvider == nullptr) {
             return;
         }
-        connect(pProvider, &QObject::destroyed, this, [this] { follow(); });
+        connect(pProvider, &QObject::destroyed, this, [this] { followSink(); });
         if (chain == nullptr || !chain->addSink(pProvider, &m_slot)) {
             return;
         }
         m_chain = chain;
         watchTitles();
-        connect(chain, &CkChain::sinksMoved, this, [this] { follow(); });
-        connect(chain, &QObject::destroyed, this, [this] { lose(); });
+        connect(chain, &CkChain::sinksMoved, this, [this] { followSink(); });
+        connect(chain, &QObject::destroyed, this, [this] { detachAndNotify(); });
         connect(chain, &CkChain::structureChanged, this, [this] {
             watchTitles();
             emit m_pView->viewTitleChanged();
@@ -95,16 +95,16 @@ public:
         watchTitles();
     }
 
-    void lose() {
+    void detachAndNotify() {
         detach();
         emit m_pView->dataProviderChanged();
     }
 
-    // After the chain moved or dropped the sink.
-    void follow() {
+    // Called after the chain moved or dropped the sink: continues with the block that feeds it now.
+    void followSink() {
         CkChainable* block = m_chain ? m_chain->sinkBlock(&m_slot) : nullptr;
         if (block == nullptr) {
-            lose();
+            detachAndNotify();
             return;
         }
         if (block == m_provider) {
@@ -115,12 +115,12 @@ public:
         }
         m_provider = block;
         watchTitles();
-        connect(block, &QObject::destroyed, this, [this] { follow(); });
+        connect(block, &QObject::destroyed, this, [this] { followSink(); });
         emit m_pView->dataProviderChanged();
         emit m_pView->viewTitleChanged();
     }
 
-    // The view's title is composed of the titles of all blocks upstream.
+    // The title of the view contains the titles of all blocks upstream.
     void watchTitles() {
         for (const QMetaObject::Connection& watched : std::as_const(m_titles)) {
             disconnect(watched);
@@ -222,8 +222,8 @@ CkChainable* CkMdiView::secondProvider() const {
 QList<void*> CkMdiView::cameraHandles() const {
     QList<void*> handles;
     if (m_d->m_provider) {
-        QSet<const CkChainable*> asked;
-        collectCameraHandles(m_d->m_provider, asked, handles);
+        QSet<const CkChainable*> visited;
+        collectCameraHandles(m_d->m_provider, visited, handles);
     }
     return handles;
 }

@@ -13,7 +13,7 @@ constexpr int kWheelNotch = 120; // eighths of a degree, as QWheelEvent counts
 constexpr int kPageSteps = 10;
 constexpr double kDefaultSteps = 100.0;
 
-// All sizes follow the height of the text, so that the bar fits beside labels at any font and scaling.
+// All sizes scale with the text height, so that the bar matches labels beside it at any font and scaling.
 double handleRadius(const QFontMetrics& metrics) {
     return 0.42 * metrics.height();
 }
@@ -138,7 +138,7 @@ void CkTuningBar::wheelEvent(QWheelEvent* pEvent) {
         pEvent->ignore();
         return;
     }
-    // Fine wheels and touch pads send parts of a notch.
+    // High-resolution wheels and touch pads send fractions of a notch.
     m_iWheelRest += pEvent->angleDelta().y() != 0 ? pEvent->angleDelta().y() : pEvent->angleDelta().x();
     const int iNotches = m_iWheelRest / kWheelNotch;
     m_iWheelRest -= iNotches * kWheelNotch;
