@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Pictures in flight at once: some in a chain, one in each of a few views, one being painted.
+/// Pictures in use at the same time: some in a chain, one in each of a few views, one being painted.
 constexpr int kPicturesInPool = 8;
 
 qint64 periodNs(const SkSimSettings& settings) {
@@ -118,7 +118,7 @@ bool CkSimCamera::trueDistance(qint64 timestampNs, SkPicBuf& target) const {
         const std::lock_guard lock(m_mutex);
         settings = m_settings;
     }
-    CkSimPainter painter(m_kind);
+    CkSimPainter painter(m_kind); // m_painter belongs to the camera's thread
     if (!painter.moveTo(settings, double(timestampNs) * 1e-9)) {
         return false;
     }
@@ -142,7 +142,7 @@ bool CkSimCamera::applySettings(const QList<CkCameraParam*>& committing) {
         m_settings = settings;
         m_plan = std::move(plan);
     }
-    // The period being waited for may have become shorter.
+    // The thread may be waiting for a period that has become shorter.
     m_changed.notify_all();
     return true;
 }

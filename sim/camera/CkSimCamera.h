@@ -17,10 +17,10 @@
 
 /// A simulated camera. Its own thread paints and delivers one set of images per period.
 ///
-/// Committed settings take effect with the next set. All images of a set show the scene at the same moment of
-/// the camera's clock, which runs from 0 at each start by one period per set, however long a set took: the
-/// pictures depend on settings and set number alone. A set is dropped when the receivers still hold all
-/// pictures of the pool.
+/// Committed settings take effect with the next set. All images of a set show the scene at the same time of
+/// the camera's clock. The clock starts at 0 with the acquisition and advances by one period per set,
+/// regardless of how long a set takes: pictures depend on settings and set number only. A set is dropped when
+/// the receivers still hold all pictures of the pool.
 class CkSimCamera : public IkCamera {
     Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
 
@@ -37,13 +37,13 @@ public:
     bool start(FrameFunction deliver, QString* psError) override;
     void stop() override;
     bool isRunning() const override { return m_running; }
-    /// Takes effect after the set in flight; survives stop and start.
+    /// Takes effect after the current set; persists across stop and start.
     void setPaused(bool bPaused) override;
     void step() override;
 
     /// True radial distances in metres at a frame's additionalData.timestampNs, with the current settings. An
     /// empty target is allocated on the heap; any other must be a one-channel float picture of the sensor's
-    /// size (of one phase or section). False when it is not or memory is short. Any thread.
+    /// size (of one phase or section). False when it is not, or when memory allocation fails. Any thread.
     bool trueDistance(qint64 timestampNs, SkPicBuf& target) const;
 
     /// Sets since the start that were not delivered completely because the pool was empty. Any thread.
@@ -73,11 +73,11 @@ private:
     bool m_stopping = false;
 
     std::thread m_thread;
-    std::atomic<std::thread::id> m_worker; ///< of the thread that delivers
+    std::atomic<std::thread::id> m_worker; ///< the delivering thread, which must not join itself
     std::atomic<bool> m_running{false};
     std::atomic<quint64> m_droppedSets{0};
 
-    // Used by the camera's thread alone while it runs.
+    // Used only by the camera's thread while it runs.
     FrameFunction m_deliver;
     CkSimPainter m_painter;
     CkMemoryPool m_pool;

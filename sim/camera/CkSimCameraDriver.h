@@ -3,7 +3,7 @@
 #include "zuCore/IkCameraDriver.h"
 
 /// Driver of the simulated cameras: a continuous-wave ToF camera, a hybrid ToF camera and a plain grey one.
-/// They are always available; each can be opened several times, as independent cameras.
+/// They are always available; each can be opened several times, giving independent cameras.
 class CkSimCameraDriver : public IkCameraDriver {
 public:
     static const QString kWaveId;

@@ -8,12 +8,13 @@
 
 #include <memory>
 
-/// Paints the images of a plan. Caches what the images share (raster, sensor maps). One thread at a time.
+/// Paints the images of a plan. Caches what images have in common (raster, sensor maps). One thread at a
+/// time.
 class CkSimPainter {
 public:
     explicit CkSimPainter(EkSimCameraKind kind) : m_kind(kind) {}
 
-    /// Shows the scene of the settings at a time in seconds. False when memory is short.
+    /// Moves the scene of the settings to a time in seconds. False when memory allocation fails.
     bool moveTo(const SkSimSettings& settings, double seconds);
 
     /// Paints an image of a set, after moveTo, into a picture of the image's format. False, with undefined
@@ -24,7 +25,7 @@ public:
     const CkSimRaster* raster() const { return m_raster.get(); }
 
 private:
-    /// What the raster depends on.
+    /// Everything that the raster depends on.
     struct SkView {
         SkSimLens lens;
         EkSimScene scene = EkSimScene::Room;

@@ -16,7 +16,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkSimCamera)
 };
 
-/// A parameter: its description, how it is read from the settings and written to them.
+/// A parameter: its description, and the functions that read it from the settings and write it to them.
 struct SkBinding {
     SkDescription description;
     std::function<CkValue(const SkSimSettings&)> read;
@@ -32,7 +32,7 @@ SkDescription describe(const QString& name, const QString& displayName, const QS
     return description;
 }
 
-/// Of a parameter that is a number.
+/// Unit and limits of a numeric parameter.
 struct SkRange {
     const char* unit;
     double minimum;

@@ -9,13 +9,13 @@ namespace {
 // Rows start on cache lines.
 constexpr quint32 kRowAlignment = 64;
 
-/// What the pixels of a data format hold.
+/// The channels of a pixel.
 enum class EkArrangement { Unknown, Taps, Difference, Windows };
 
 /// A data format of ToFDataFormat. Any other value is an unknown one-byte format.
 struct SkDataFormat {
     EkArrangement arrangement = EkArrangement::Unknown;
-    bool wide = false; ///< 16 bits a sample instead of 8
+    bool wide = false; ///< 16 bits per sample instead of 8
 };
 
 SkDataFormat dataFormat(int format) {

@@ -11,7 +11,7 @@
 
 enum class EkSimContent { Grey, Phases, Sections, Reference };
 
-/// One image of a set: its format and what is painted into it.
+/// One image of a set: its format and its content.
 struct SkSimImage {
     SkPicBufInfo info;
     CkImageMetadata metadata; ///< time stamp and frame number are set on delivery
@@ -24,6 +24,6 @@ using SkSimPlan = std::vector<SkSimImage>;
 
 SkSimLens simLens(EkSimCameraKind kind, const SkSimSettings& settings);
 
-/// What a camera with these settings delivers. With a readout mode that does not fit the data format these
-/// are plain grey pictures, like those of a camera that is not set up for ToF.
+/// The images that a camera with these settings delivers. With a readout mode that does not match the data
+/// format they are plain grey pictures, as from a camera that is not configured for ToF.
 SkSimPlan makeSimPlan(EkSimCameraKind kind, const SkSimSettings& settings, const SkCameraInfo& camera);

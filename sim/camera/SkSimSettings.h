@@ -8,8 +8,8 @@ enum class EkSimCameraKind { Wave, Hybrid, Grey };
 
 enum class EkSimScene { Room = 0, Wall = 1 };
 
-/// Everything that can be set on a simulated camera; each kind uses its share. Plain data; the defaults are
-/// those of the camera parameters.
+/// All settings of a simulated camera; each kind uses a subset. Plain data; the defaults are those of the
+/// camera parameters.
 struct SkSimSettings {
     double frameRate = 30.0; ///< sets per second
     SkSimExposure exposure;

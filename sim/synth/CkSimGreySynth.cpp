@@ -17,7 +17,7 @@ bool CkSimGreySynth::writePicture(const CkSimRaster& raster, quint64 set, SkPicB
     const float gain = simGain(target.bitsPerChannel);
     const float light = float(kAmbientElectrons * m_exposure.ambient * m_exposure.timeUs / 1000.0);
     constexpr float kReadVariance = float(kReadNoiseElectrons * kReadNoiseElectrons);
-    // A noise stream of its own, apart from the exposures of the ToF sensors.
+    // Selects a noise stream that no exposure of the ToF sensors uses.
     constexpr quint32 kGreyExposure = 0x10000U;
     for (int row = 0; row < height; ++row) {
         const float* ambient = raster.ambient().data() + size_t(row) * size_t(width);

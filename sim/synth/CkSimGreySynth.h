@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/// An ordinary sensor that sees the scene by ambient light. One thread at a time.
+/// A plain image sensor; ambient light only. One thread at a time.
 class CkSimGreySynth {
 public:
     static constexpr double kAmbientElectrons = 40000.0; ///< of a white surface in full daylight after 1 ms

@@ -38,7 +38,7 @@ bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, const SkSection& 
         section.index > 15 || !simFits(target, width, height, firstRow)) {
         return false;
     }
-    follow(raster);
+    updateMaps(raster);
 
     const float gain = simGain(target.bitsPerChannel);
     for (int row = 0; row < height; ++row) {
@@ -54,7 +54,7 @@ bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, const SkSection& 
     return true;
 }
 
-void CkSimHybridSynth::follow(const CkSimRaster& raster) {
+void CkSimHybridSynth::updateMaps(const CkSimRaster& raster) {
     if (m_raster == raster.identity() && m_revision == raster.revision()) {
         return;
     }
@@ -106,7 +106,7 @@ void CkSimHybridSynth::expose(const SkSection& section, int row, int width) {
     }
     if (m_exposure.noise) {
         constexpr float kReadVariance = float(kReadNoiseElectrons * kReadNoiseElectrons);
-        // Reference and measurement of the same section are two exposures.
+        // Reference and measurement of the same section are separate exposures with independent noise.
         const quint32 exposure = quint32(section.index) + (section.kind == EkSection::Reference ? 16U : 0U);
         CkSimNoise::fillRow<3>(CkSimNoise::rowKey(m_exposure.seed, section.set, exposure, quint32(row)),
                                width, {m_gauss[0].data(), m_gauss[1].data(), m_gauss[2].data()});

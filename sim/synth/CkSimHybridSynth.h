@@ -21,7 +21,7 @@ public:
     static constexpr double kAmbientElectrons = 600.0;  ///< in one window, white, full daylight, after 1 ms
     static constexpr double kReadNoiseElectrons = 15.0;
     /// Dark level of a section that comes with a reference section. A fixed pattern of 0 to
-    /// kDarkPatternElectrons is added, which differs from pixel to pixel.
+    /// kDarkPatternElectrons, different for every pixel, is added.
     static constexpr float kDarkLevelElectrons = 600.0F;
     static constexpr float kDarkPatternElectrons = 255.0F;
     /// Share of the window time for which the reference section is exposed. Its subtraction removes the
@@ -36,7 +36,7 @@ public:
 
     /// One exposure of one measurement.
     struct SkSection {
-        quint64 set = 0; ///< number of the measurement, which chooses the noise
+        quint64 set = 0; ///< number of the measurement; selects the noise
         int index = 0;   ///< 0 to 15; each one is twice as sensitive as the one before
         EkSection kind = EkSection::Plain;
     };
@@ -47,12 +47,12 @@ public:
 
     /// Exposes a section and writes it as a sub-image that starts at a row. The target has three channels
     /// UInt8 or UInt16; its largest count of bitsPerChannel bits is a full pixel. False, with nothing
-    /// written, for any other target, without room, or for an index outside 0 to 15.
+    /// written, for any other target, when the sub-image does not fit, or for an index outside 0 to 15.
     bool writeSection(const CkSimRaster& raster, const SkSection& section, SkPicBuf& target,
                       quint32 firstRow);
 
 private:
-    void follow(const CkSimRaster& raster);
+    void updateMaps(const CkSimRaster& raster);
     void expose(const SkSection& section, int row, int width);
 
     SkSimExposure m_exposure;

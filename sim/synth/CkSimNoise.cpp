@@ -29,7 +29,7 @@ std::array<float, 4096> makeQuantiles() {
         upper[size_t(slice)] = upperQuantile((slice + 0.5) / kCount);
         squares += upper[size_t(slice)] * upper[size_t(slice)];
     }
-    // The slices cut off the tails; rescaled to variance 1.
+    // Slicing truncates the tails; rescaled to variance 1.
     const double scale = 1.0 / std::sqrt(squares / kHalf);
     std::array<float, kCount> table{};
     for (int slice = 0; slice < kHalf; ++slice) {

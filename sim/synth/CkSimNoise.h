@@ -4,7 +4,7 @@
 
 #include <array>
 
-/// Counter-based random numbers: a value depends on seed, set, exposure and pixel alone, not on the order in
+/// Counter-based random numbers: a value depends only on seed, set, exposure and pixel, not on the order in
 /// which pixels or pictures are computed. Any thread.
 class CkSimNoise {
 public:
@@ -19,7 +19,7 @@ public:
         return value ^ (value >> 31);
     }
 
-    /// Normally distributed values of mean 0 and variance 1, up to three per position, each row of its own.
+    /// Normally distributed values of mean 0 and variance 1: one to three independent rows.
     template <int channels>
     static void fillRow(quint64 key, int count, float* const (&rows)[channels]) {
         static_assert(channels >= 1 && channels <= 3);

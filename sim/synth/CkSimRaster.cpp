@@ -28,19 +28,19 @@ quint64 nextIdentity() {
 CkSimRaster::CkSimRaster(const SkSimLens& lens, const CkSimScene& scene)
     : m_identity(nextIdentity()), m_lens(lens), m_scene(scene) {
     const size_t count = size_t(lens.width) * size_t(lens.height);
-    m_standing.distance.resize(count);
-    m_standing.echo.resize(count);
-    m_standing.ambient.resize(count);
+    m_static.distance.resize(count);
+    m_static.echo.resize(count);
+    m_static.ambient.resize(count);
     size_t index = 0;
     for (int row = 0; row < lens.height; ++row) {
         for (int column = 0; column < lens.width; ++column, ++index) {
-            const SkSimHit hit = m_scene.hitStanding(rayOf(column, row));
-            m_standing.distance[index] = float(hit.distance);
-            m_standing.echo[index] = float(hit.reflectivity * hit.cosine / (hit.distance * hit.distance));
-            m_standing.ambient[index] = float(hit.reflectivity * hit.daylight);
+            const SkSimHit hit = m_scene.hitStatic(rayOf(column, row));
+            m_static.distance[index] = float(hit.distance);
+            m_static.echo[index] = float(hit.reflectivity * hit.cosine / (hit.distance * hit.distance));
+            m_static.ambient[index] = float(hit.reflectivity * hit.daylight);
         }
     }
-    m_shown = m_standing;
+    m_current = m_static;
     if (m_scene.hasSphere()) {
         const SkSimVector center = m_scene.sphereCenter(0.0);
         m_sphereArea = sphereArea(center);
@@ -72,9 +72,9 @@ bool CkSimRaster::writeDistance(SkPicBuf& target) const {
         return false;
     }
     for (quint32 row = 0; row < target.height; ++row) {
-        std::memcpy(target.row(row), m_shown.distance.data() + size_t(row) * target.width, rowBytes);
+        std::memcpy(target.row(row), m_current.distance.data() + size_t(row) * target.width, rowBytes);
     }
-    const auto [low, high] = std::minmax_element(m_shown.distance.begin(), m_shown.distance.end());
+    const auto [low, high] = std::minmax_element(m_current.distance.begin(), m_current.distance.end());
     target.minValue = *low;
     target.maxValue = *high;
     return true;
@@ -88,7 +88,7 @@ SkSimVector CkSimRaster::rayOf(int column, int row) const {
 }
 
 SkSimRect CkSimRaster::sphereArea(const SkSimVector& center) const {
-    // The projection of the cube around the sphere encloses that of the sphere.
+    // The projection of the cube around the sphere contains that of the sphere.
     const double radius = m_scene.sphereRadius();
     const double pixels = m_lens.focalLengthMm / m_lens.cellSizeMm;
     const double nearZ = center.z - radius;
@@ -115,9 +115,9 @@ void CkSimRaster::restore(const SkSimRect& area) {
             std::memcpy(&target[start], &source[start], size_t(area.right - area.left) * sizeof(float));
         }
     };
-    copy(m_standing.distance, m_shown.distance);
-    copy(m_standing.echo, m_shown.echo);
-    copy(m_standing.ambient, m_shown.ambient);
+    copy(m_static.distance, m_current.distance);
+    copy(m_static.echo, m_current.echo);
+    copy(m_static.ambient, m_current.ambient);
 }
 
 void CkSimRaster::drawSphere(const SkSimVector& center, const SkSimRect& area) {
@@ -128,12 +128,12 @@ void CkSimRaster::drawSphere(const SkSimVector& center, const SkSimRect& area) {
                 continue;
             }
             const size_t index = size_t(row) * size_t(m_lens.width) + size_t(column);
-            if (float(hit.distance) >= m_standing.distance[index]) {
+            if (float(hit.distance) >= m_static.distance[index]) {
                 continue;
             }
-            m_shown.distance[index] = float(hit.distance);
-            m_shown.echo[index] = float(hit.reflectivity * hit.cosine / (hit.distance * hit.distance));
-            m_shown.ambient[index] = float(hit.reflectivity * hit.daylight);
+            m_current.distance[index] = float(hit.distance);
+            m_current.echo[index] = float(hit.reflectivity * hit.cosine / (hit.distance * hit.distance));
+            m_current.ambient[index] = float(hit.reflectivity * hit.daylight);
         }
     }
 }

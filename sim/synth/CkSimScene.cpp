@@ -15,7 +15,7 @@ double component(const SkSimVector& vector, int axis) {
     return axis == 0 ? vector.x : axis == 1 ? vector.y : vector.z;
 }
 
-/// The lamps hang from the ceiling: surfaces that face up get all their light, those that face down least.
+/// The lamps hang from the ceiling: surfaces that face up get all of their light, those that face down least.
 double daylightOn(double normalUp) {
     return 0.65 + 0.35 * normalUp;
 }
@@ -85,7 +85,7 @@ CkSimScene CkSimScene::wall(double distance, double reflectivity) {
     return scene;
 }
 
-SkSimHit CkSimScene::hitStanding(const SkSimVector& direction) const {
+SkSimHit CkSimScene::hitStatic(const SkSimVector& direction) const {
     if (m_wallDistance > 0.0) {
         return {m_wallDistance / direction.z, m_wallReflectivity, direction.z, daylightOn(0.0)};
     }

@@ -47,7 +47,7 @@ bool CkSimWaveSynth::writePhase(const CkSimRaster& raster, quint64 set, int angl
     if ((!taps && !difference) || !simFits(target, width, height, firstRow)) {
         return false;
     }
-    follow(raster);
+    updateMaps(raster);
 
     const bool bytes = sampleBytes(target.dataType) == 1;
     const bool noRoomForSign = difference && target.bitsPerChannel == 8 * sampleBytes(target.dataType);
@@ -68,7 +68,7 @@ bool CkSimWaveSynth::writePhase(const CkSimRaster& raster, quint64 set, int angl
     return true;
 }
 
-void CkSimWaveSynth::follow(const CkSimRaster& raster) {
+void CkSimWaveSynth::updateMaps(const CkSimRaster& raster) {
     if (m_raster == raster.identity() && m_revision == raster.revision()) {
         return;
     }

@@ -36,7 +36,7 @@ public:
                     quint32 firstRow);
 
 private:
-    void follow(const CkSimRaster& raster);
+    void updateMaps(const CkSimRaster& raster);
     void expose(int angleDegrees, quint64 set, int row, int width);
 
     SkSimExposure m_exposure;

@@ -4,9 +4,9 @@
 
 #include <cmath>
 
-/// Row loops shared by the sensors. Values are electrons; the loops are simple enough for auto-vectorisation.
+// Row loops shared by the sensors. Values are electrons; the loops are simple enough for auto-vectorisation.
 
-/// Electrons that a pixel holds before it saturates.
+/// Electrons at which a pixel saturates.
 inline constexpr float kSimFullWell = 60000.0F;
 
 /// Adds shot noise (Gaussian approximation of the Poisson distribution) and read noise.
@@ -17,7 +17,7 @@ inline void addSimNoise(float* electrons, const float* gauss, float readVariance
     }
 }
 
-/// Clamps to empty and full pixels.
+/// Clamps to the range from an empty to a saturated pixel.
 inline void saturateSim(float* electrons, int count) {
     for (int column = 0; column < count; ++column) {
         float value = electrons[column];

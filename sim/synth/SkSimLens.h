@@ -1,10 +1,10 @@
 #pragma once
 
-/// A pinhole camera at the origin that looks along +z; x to the right, y up. Plain data.
+/// A pinhole camera at the origin, looking along +z; x to the right, y up. Plain data.
 ///
 /// The ray of pixel (column, row) has the direction
-/// ((column - width / 2) * cellSizeMm, (height / 2 - row) * cellSizeMm, focalLengthMm), the same lens model
-/// with which a depth picture is turned into points.
+/// ((column - width / 2) * cellSizeMm, (height / 2 - row) * cellSizeMm, focalLengthMm), the lens model
+/// that is also used to convert depth pictures to points.
 struct SkSimLens {
     int width = 640;            ///< pixels
     int height = 480;           ///< pixels

@@ -89,7 +89,7 @@ TEST(CkSimRaster, spherePointsAreOnTheSphere) {
                 const double length = std::sqrt(x * x + y * y + 12.25);
                 const SkSimVector ray = {x / length, y / length, 3.5 / length};
                 const double distance = distanceAt(raster, column, row);
-                const double standing = still.hitStanding(ray).distance;
+                const double standing = still.hitStatic(ray).distance;
                 // Closest approach of the ray to the centre decides whether the sphere is met.
                 const double along = ray.x * center.x + ray.y * center.y + ray.z * center.z;
                 const double miss =
