@@ -111,7 +111,7 @@ bool record(const QString& file, const std::vector<std::unique_ptr<CkImageData>>
             std::this_thread::sleep_until(
                 begin + std::chrono::duration_cast<Clock::duration>(
                             std::chrono::duration<double>(double(offered) / kSetsPerSecond)));
-        } else if (!recorder.waitForRoom()) {
+        } else if (!recorder.waitForSpace()) {
             break;
         }
         recorder.takeFrame(numbered(*frames[size_t(offered % kDifferentFrames)], offered));

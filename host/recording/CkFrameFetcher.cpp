@@ -9,7 +9,7 @@ CkFrameFetcher::SkFetched CkFrameFetcher::fetch(const IkFrameFile& file, qint64 
     SkFetched fetched;
     QString error;
     fetched.frame = file.read(iFrame, &error);
-    fetched.message = error.isEmpty() ? m_errors.endOfRow() : m_errors.add(error, CkPageErrors::Clock::now());
+    fetched.message = error.isEmpty() ? m_errors.endOfRun() : m_errors.add(error, CkPageErrors::Clock::now());
     if (fetched.frame == nullptr) {
         return fetched;
     }

@@ -10,7 +10,7 @@ class CkImageData;
 class IkFrameFile;
 struct SkDepthScale;
 
-/// Reads consecutive frames, scales them to depths if requested, and condenses the errors. One thread.
+/// Reads consecutive frames, scales them to depths if requested, and condenses error messages. One thread.
 class CkFrameFetcher {
 public:
     struct SkFetched {
@@ -21,8 +21,8 @@ public:
     };
 
     SkFetched fetch(const IkFrameFile& file, qint64 iFrame, const SkDepthScale& scale);
-    /// After the last frame: a message that was held back, or empty.
-    QString lastMessage() { return m_errors.endOfRow(); }
+    /// After the last frame: a message that was delayed, or empty.
+    QString pendingMessage() { return m_errors.endOfRun(); }
 
 private:
     CkPageErrors m_errors;

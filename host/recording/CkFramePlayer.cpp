@@ -157,7 +157,7 @@ void CkFramePlayer::frameDone() {
 void CkFramePlayer::run() {
     Lock lock(m_mutex);
     for (;;) {
-        m_changed.wait(lock, [this] { return m_state.mode() == EkMode::Closing || wantsFrames(); });
+        m_changed.wait(lock, [this] { return m_state.mode() == EkMode::Closing || needsFrames(); });
         if (m_state.mode() == EkMode::Closing) {
             return;
         }
@@ -184,7 +184,7 @@ void CkFramePlayer::playNext(Lock& lock) {
         m_output.showError(fetched.message);
     }
     lock.lock();
-    if (m_state.generation() != generation || !wantsFrames()) {
+    if (m_state.generation() != generation || !needsFrames()) {
         return;
     }
     if (fetched.frame == nullptr) {
@@ -193,7 +193,7 @@ void CkFramePlayer::playNext(Lock& lock) {
     }
     m_info = fetched.fileInfo;
     m_metadata = fetched.fileMetadata;
-    if (handOver(lock, *fetched.frame) && m_state.generation() == generation) {
+    if (deliverFrame(lock, *fetched.frame) && m_state.generation() == generation) {
         reportDelivered(lock, frame);
     }
 }
@@ -205,7 +205,7 @@ void CkFramePlayer::endOfFile(Lock& lock) {
     }
     const bool played = m_state.end();
     lock.unlock();
-    const QString message = m_fetcher.lastMessage();
+    const QString message = m_fetcher.pendingMessage();
     if (!message.isEmpty()) {
         m_output.showError(message);
     }
@@ -229,7 +229,7 @@ bool CkFramePlayer::waitUntilDue(Lock& lock, qint64& iFrame) {
 }
 
 /// False when the frame was not delivered: the chain stopped, or another frame has been requested.
-bool CkFramePlayer::handOver(Lock& lock, const CkImageData& frame) {
+bool CkFramePlayer::deliverFrame(Lock& lock, const CkImageData& frame) {
     const quint64 generation = m_state.generation();
     const bool mayDrop = m_settings.pace == SkPlaybackSettings::RealTime && m_state.mode() == EkMode::Playing;
     while (m_state.generation() == generation && m_state.chainRuns()) {

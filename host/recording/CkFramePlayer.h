@@ -76,9 +76,9 @@ private:
     void playNext(Lock& lock);
     void endOfFile(Lock& lock);
     bool waitUntilDue(Lock& lock, qint64& iFrame);
-    bool handOver(Lock& lock, const CkImageData& frame);
+    bool deliverFrame(Lock& lock, const CkImageData& frame);
     void reportDelivered(Lock& lock, qint64 iFrame);
-    bool wantsFrames() const { return m_file != nullptr && m_state.wantsFrames(); }
+    bool needsFrames() const { return m_file != nullptr && m_state.needsFrames(); }
     /// Changes the state with the lock held, then wakes the thread.
     template <typename Change>
     auto change(Change&& apply);

@@ -2,7 +2,7 @@
 
 namespace {
 
-// Thread-local, because loadSettings has no parameter for it: the chain that loads its blocks does not know
+// Thread-local, because loadSettings has no parameter for it: a chain that loads its blocks knows nothing
 // about recordings.
 thread_local IkFrameFile::ProgressFunction s_progress;
 

@@ -15,23 +15,23 @@ struct Texts {
 } // namespace
 
 QString CkPageErrors::text() const {
-    return m_inRow == 1 ? m_last : Texts::tr("%1 (%2 pages in a row)").arg(m_last).arg(m_inRow);
+    return m_runLength == 1 ? m_last : Texts::tr("%1 (%2 pages in a row)").arg(m_last).arg(m_runLength);
 }
 
 QString CkPageErrors::add(const QString& sError, Clock::time_point now) {
     m_last = sError;
-    ++m_inRow;
-    m_heldBack = m_inRow > 1 && now - m_shown < kBetweenTexts;
-    if (m_heldBack) {
+    ++m_runLength;
+    m_pending = m_runLength > 1 && now - m_shown < kBetweenTexts;
+    if (m_pending) {
         return {};
     }
     m_shown = now;
     return text();
 }
 
-QString CkPageErrors::endOfRow() {
-    QString rest = m_heldBack ? text() : QString();
-    m_heldBack = false;
-    m_inRow = 0;
+QString CkPageErrors::endOfRun() {
+    QString rest = m_pending ? text() : QString();
+    m_pending = false;
+    m_runLength = 0;
     return rest;
 }

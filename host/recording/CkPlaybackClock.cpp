@@ -10,10 +10,10 @@ constexpr qint64 kSecondNs = 1'000'000'000;
 // A longer pause between two frames is a gap in the recording, not a frame rate.
 constexpr qint64 kLongestGapNs = 10 * kSecondNs;
 constexpr float kDefaultFrameRate = 30.0F;
-// Skipping reads the frame times from the file with the player's lock held, which blocks the controls.
-constexpr qint64 kMostSkippedAtOnce = 250;
+// Skipping reads frame times from the file under the player's lock, which blocks the controls.
+constexpr qint64 kMaximumSkippedAtOnce = 250;
 
-/// From iFrame to the next one, at the speed of playback. 0 when either cannot be read.
+/// Time from iFrame to the next frame, at the speed of playback. 0 when either cannot be read.
 CkPlaybackClock::Clock::duration gapAfter(const IkFrameFile& file, qint64 iFrame, double fSpeed) {
     SkFrameDescription here;
     SkFrameDescription next;
@@ -40,7 +40,7 @@ CkPlaybackClock::SkDue CkPlaybackClock::schedule(const IkFrameFile& file, qint64
     } else if (iFrame > 0 && m_lastFrame == iFrame - 1) {
         m_due += gapAfter(file, iFrame - 1, fSpeed);
     }
-    const qint64 last = std::min(file.frameCount() - 1, iFrame + kMostSkippedAtOnce);
+    const qint64 last = std::min(file.frameCount() - 1, iFrame + kMaximumSkippedAtOnce);
     while (iFrame < last) {
         const Clock::time_point nextDue = m_due + gapAfter(file, iFrame, fSpeed);
         if (nextDue > now || nextDue == m_due) {

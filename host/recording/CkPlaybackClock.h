@@ -17,9 +17,9 @@ public:
         Clock::time_point time;
     };
 
-    /// Forgets the last frame: the next one is due at once.
+    /// Discards the schedule: the next frame is due at once.
     void reset() { m_lastFrame = -1; }
-    /// The recording's time is halted between the two. They are also called when a chain only renegotiates.
+    /// Playback time is halted between the two. They are also called when a chain only renegotiates.
     void chainStopped(Clock::time_point now) { m_stoppedAt = now; }
     void chainStarted(Clock::time_point now) { m_due += now - m_stoppedAt; }
 

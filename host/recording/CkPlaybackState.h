@@ -19,17 +19,17 @@ public:
     /// Incremented by every change that invalidates the frame being read or waited for.
     quint64 generation() const { return m_generation; }
     bool chainRuns() const { return m_chainRuns; }
-    bool wantsFrames() const {
+    bool needsFrames() const {
         return m_chainRuns && (m_mode == EkMode::Playing || m_mode == EkMode::Stepping);
     }
 
     /// Restarts at the first frame after the last one. False: already playing.
     bool play(qint64 iFrameCount);
-    bool pause();             ///< False: not playing. Pending steps stay.
+    bool pause();             ///< False: not playing. Pending steps are unaffected.
     bool step();              ///< Pauses, with one more frame pending. True: was playing.
     void seek(qint64 iFrame); ///< While paused the frame counts as a step and replaces pending ones.
     void rewind();            ///< To be called for a new file.
-    void discardFrame() { ++m_generation; } ///< The frame being read has to be read again.
+    void discardFrame() { ++m_generation; } ///< The frame being read is discarded and read again.
     void setChainRuns(bool bRuns) { m_chainRuns = bRuns; }
     void close(); ///< For good: play, step and seek have no effect afterwards.
 

@@ -122,7 +122,7 @@ int CkRecorder::takeFrame(CkImageData* pData) {
     return 1;
 }
 
-bool CkRecorder::waitForRoom() {
+bool CkRecorder::waitForSpace() {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] {
         return !m_running || !m_state.error.isEmpty() || int(m_queue.size()) < m_options.queueFrames;

@@ -17,7 +17,7 @@ class CkRecorder : public IkFrameSink {
 public:
     struct SkOptions {
         EkRecordingCompression compression = EkRecordingCompression::None;
-        int queueFrames = 16; ///< capacity of the queue to the disk, at least 1
+        int queueFrames = 16; ///< capacity of the queue of frames to write, at least 1
     };
     struct SkState {
         qint64 written = 0; ///< frames in the file
@@ -48,9 +48,9 @@ public:
     int takeFrame(CkImageData* pData) override;
     int heldFrames() const override;
 
-    /// Blocks until the queue has room, for producers that prefer back-pressure to dropped frames. False when
-    /// the recorder is stopped or an error occurred.
-    bool waitForRoom();
+    /// Blocks until the queue has space, for producers that prefer back-pressure to dropped frames. False
+    /// when the recorder is stopped or an error occurred.
+    bool waitForSpace();
 
 private:
     void run();

@@ -111,7 +111,7 @@ std::unique_ptr<CkImageData> CkRecordingReader::read(qint64 iFrame, QString* psE
         frame->setPicBuf(read.take());
         frame->setMetadata(description.metadata);
         if (!description.object.isEmpty()) {
-            ForeignMembers::give(*frame, description.foreignMembers());
+            ForeignMembers::set(*frame, description.foreignMembers());
         }
         const CkTiffPage::EkResult result = page.readSamples(frame->picBuf(), reason);
         if (result != CkTiffPage::EkResult::Complete) {

@@ -13,8 +13,9 @@ public:
     CkRecordingReader(const CkRecordingReader&) = delete;
     CkRecordingReader& operator=(const CkRecordingReader&) = delete;
 
-    /// Finds all pages. False, with psError, when the file has no readable frame or the search was cancelled.
-    /// A damaged file opens with the frames before the damage; a page beyond the limit counts as damage.
+    /// Indexes all pages. False, with psError, when the file has no readable frame or the search was
+    /// cancelled. A damaged file opens with the frames before the damage; a page beyond the limit counts as
+    /// damage.
     bool open(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
 
     QString damage() const override { return m_damage; }

@@ -1,5 +1,6 @@
 #include "host/recording/CkRecordingWriter.h"
 
+#include "host/recording/CkTiffDirectory.h"
 #include "host/recording/SkReadLimits.h"
 #include "zuCore/CkPicBufAPI.h"
 
@@ -16,7 +17,7 @@
 
 namespace {
 
-static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "Samples are written as they lie in memory.");
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "Samples are written in their byte order in memory.");
 
 constexpr quint64 kHeaderBytes = 16;
 constexpr quint64 kLinkInHeader = 8;
@@ -24,10 +25,6 @@ constexpr quint64 kLinkInHeader = 8;
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(CkRecordingWriter)
 };
-
-quint64 alignedUp(quint64 offset, quint64 alignment) {
-    return (offset + alignment - 1) / alignment * alignment;
-}
 
 quint16 sampleFormat(EkImageDataType dataType) {
     if (isFloatType(dataType)) {
@@ -39,67 +36,6 @@ quint16 sampleFormat(EkImageDataType dataType) {
 bool isKnown(EkImageDataType dataType) {
     return dataType >= EkImageDataType::Int8 && dataType <= EkImageDataType::Other16;
 }
-
-/// Builds a page directory, with the values too large for its entries, for a known file offset.
-class CkDirectory {
-public:
-    explicit CkDirectory(quint64 uiOffset) : m_offset(uiOffset) {}
-
-    void addShort(quint16 tag, quint16 value, quint32 count = 1) {
-        quint16 values[4];
-        std::fill(values, values + 4, qToLittleEndian(value));
-        quint64 field = 0;
-        std::memcpy(&field, values, sizeof(quint16) * count);
-        addEntry(tag, TIFF_SHORT, count, field);
-    }
-    void addLong(quint16 tag, quint32 value) { addEntry(tag, TIFF_LONG, 1, qToLittleEndian(quint64(value))); }
-    void addLong8(quint16 tag, quint64 value) { addEntry(tag, TIFF_LONG8, 1, qToLittleEndian(value)); }
-    void addText(quint16 tag, const QByteArray& ascii) {
-        const quint64 count = quint64(ascii.size()) + 1;
-        quint64 field = 0;
-        if (count <= sizeof(field)) {
-            std::memcpy(&field, ascii.constData(), size_t(count));
-        } else {
-            field = qToLittleEndian(m_offset + quint64(m_outside.size()));
-            m_outside.append(ascii).append('\0');
-        }
-        addEntry(tag, TIFF_ASCII, count, field);
-    }
-
-    /// The bytes to write at the offset. uiDirectory and uiLink: where in them the directory and its link to
-    /// the next one begin.
-    QByteArray bytes(quint64& uiDirectory, quint64& uiLink) {
-        const quint64 count = quint64(m_entries.size()) / 20;
-        // Aligned to 8 bytes, the link never crosses a memory page, so that no concurrent reader sees a torn
-        // value.
-        quint64 start = alignedUp(m_offset + quint64(m_outside.size()), 8);
-        start += count % 2 == 0 ? 0 : 4;
-        uiDirectory = start - m_offset;
-        m_outside.append(qsizetype(uiDirectory) - m_outside.size(), '\0');
-        append(m_outside, qToLittleEndian(count));
-        m_outside.append(m_entries);
-        uiLink = quint64(m_outside.size());
-        append(m_outside, quint64(0));
-        return m_outside;
-    }
-
-private:
-    template <typename Value>
-    static void append(QByteArray& bytes, Value value) {
-        bytes.append(reinterpret_cast<const char*>(&value), sizeof(value));
-    }
-    // TIFF requires ascending tags.
-    void addEntry(quint16 tag, quint16 type, quint64 count, quint64 field) {
-        append(m_entries, qToLittleEndian(tag));
-        append(m_entries, qToLittleEndian(type));
-        append(m_entries, qToLittleEndian(count));
-        append(m_entries, field);
-    }
-
-    quint64 m_offset;
-    QByteArray m_entries;
-    QByteArray m_outside;
-};
 
 /// The horizontal predictor: each sample minus its left neighbour, from right to left; wraps around.
 template <typename Sample>
@@ -154,10 +90,10 @@ struct SkStrip {
 };
 
 /// The directory that follows the samples; pRecording only for the first page of a file.
-CkDirectory pageDirectory(const SkPicBufInfo& info, const SkStrip& strip, const QByteArray& text,
-                          const SkRecordingInfo* pRecording) {
+CkTiffDirectory pageDirectory(const SkPicBufInfo& info, const SkStrip& strip, const QByteArray& text,
+                              const SkRecordingInfo* pRecording) {
     const auto channels = quint16(info.channels);
-    CkDirectory page(strip.offset + strip.bytes);
+    CkTiffDirectory page(strip.offset + strip.bytes);
     page.addLong(TIFFTAG_IMAGEWIDTH, info.width);
     page.addLong(TIFFTAG_IMAGELENGTH, info.height);
     page.addShort(TIFFTAG_BITSPERSAMPLE, quint16(8 * sampleBytes(info.dataType)), channels);
@@ -303,21 +239,21 @@ bool CkRecordingWriter::write(const SkPicBuf& picBuf, const CkImageMetadata& met
 
 bool CkRecordingWriter::appendPage(const SkPicBufInfo& info, const QByteArray& text, const void* pSamples,
                                    size_t uiBytes) {
-    const quint64 start = alignedUp(m_end, 16);
+    const quint64 start = CkTiffDirectory::alignedUp(m_end, 16);
     const quint64 tailOffset = start + uiBytes;
-    CkDirectory page = pageDirectory(info, {start, uiBytes, m_compression}, text, recordingOfPage());
-    quint64 directory = 0;
-    quint64 link = 0;
-    const QByteArray tail = page.bytes(directory, link);
-    const quint64 pageOffset = qToLittleEndian(tailOffset + directory);
-    if (!writeAt(pSamples, uiBytes, start) || !writeAt(tail.constData(), size_t(tail.size()), tailOffset) ||
+    const CkTiffDirectory::SkBytes tail =
+        pageDirectory(info, {start, uiBytes, m_compression}, text, recordingOfPage()).toBytes();
+    const quint64 pageOffset = qToLittleEndian(tailOffset + tail.directory);
+    // The link is written last: until then, the file ends with the previous page.
+    if (!writeAt(pSamples, uiBytes, start) ||
+        !writeAt(tail.bytes.constData(), size_t(tail.bytes.size()), tailOffset) ||
         !writeAt(&pageOffset, sizeof(pageOffset), m_link)) {
-        // Frees the space of the failed page. Should that fail too, the file is merely longer.
+        // Frees the space of the failed page. If that fails too, the file is merely longer.
         [[maybe_unused]] const int code = ::ftruncate(m_file, off_t(m_end));
         return false;
     }
-    m_link = tailOffset + link;
-    m_end = tailOffset + quint64(tail.size());
+    m_link = tailOffset + tail.link;
+    m_end = tailOffset + quint64(tail.bytes.size());
     ++m_frames;
     return true;
 }

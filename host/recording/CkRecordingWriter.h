@@ -29,7 +29,7 @@ public:
               EkRecordingCompression compression = EkRecordingCompression::None);
     bool isOpen() const { return m_file >= 0; }
 
-    /// Appends a picture of 1 to 4 channels. object: members of an earlier recording to keep. False, with
+    /// Appends a picture of 1 to 4 channels. object: members of an earlier recording to preserve. False, with
     /// errorMessage, when the picture cannot be stored or the disk refuses it; the pages written so far
     /// remain a valid file, and the next picture may be tried.
     bool write(const SkPicBuf& picBuf, const CkImageMetadata& metadata,

@@ -16,7 +16,7 @@ public:
     CkTiffClient(const CkTiffClient&) = delete;
     CkTiffClient& operator=(const CkTiffClient&) = delete;
 
-    /// Null, with error, when the page's directory cannot be read or asks for too much.
+    /// Null, with error, when the page's directory cannot be read or exceeds the limits.
     TIFF* tif() const { return m_tif; }
     const CkTiffFile& file() const { return m_file; }
     /// The first error that libtiff reported.

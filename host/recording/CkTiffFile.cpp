@@ -204,8 +204,8 @@ bool CkTiffFile::checkDirectory(quint64 uiPageOffset, QString& sReason) const {
     return true;
 }
 
-// The index ends with a cycle of this length, possibly repeated.
-void CkTiffFile::cutCircle(quint64 uiLength) {
+/// Removes repetitions: the index ends with a cycle of this length, possibly repeated.
+void CkTiffFile::cutCycle(quint64 uiLength) {
     size_t first = 0;
     while (m_pages[first] != m_pages[first + uiLength]) {
         ++first;
@@ -219,15 +219,15 @@ CkTiffFile::EkIndex CkTiffFile::readIndex(qint64 iMaximumPages, const ProgressFu
     quint8 header[16] = {};
     readAt(header, sizeof(header), 0);
     quint64 offset = m_bigTiff ? number(header + 8, 8) : number(header + 4, 4);
-    // Cycle detection after Brent: each page is compared with the one at the last power of two. That needs no
-    // set of all pages and visits a cycle a few times at most.
+    // Brent's cycle detection: each page is compared with the one at the last power of two. That needs no set
+    // of all pages and walks through a cycle a few times at most.
     quint64 mark = 0;
     qint64 markedAt = 0;
     while (offset != 0) {
         const auto pages = qint64(m_pages.size());
         if (offset == mark) {
             m_pages.push_back(offset);
-            cutCircle(quint64(pages - markedAt));
+            cutCycle(quint64(pages - markedAt));
             sReason = Texts::tr("The file's pages point to each other in a circle.");
             return EkIndex::Damaged;
         }

@@ -25,9 +25,9 @@ public:
     /// error in the next one. A page beyond iMaximumPages counts as damage.
     EkIndex readIndex(qint64 iMaximumPages, const ProgressFunction& progress, QString& sReason);
 
-    /// False, with sReason, for a page whose directory asks for more memory than any real one
-    /// (SkReadLimits::kDirectoryBytes). To be checked before libtiff sees the directory, for it reads every
-    /// tag, known or not.
+    /// False, with sReason, for a page whose directory requires more memory than any legitimate one
+    /// (SkReadLimits::kDirectoryBytes). To be checked before libtiff reads the directory, because it loads
+    /// every tag, known or not.
     bool checkDirectory(quint64 uiPageOffset, QString& sReason) const;
 
     const std::vector<quint64>& pageOffsets() const { return m_pages; }
@@ -46,7 +46,7 @@ private:
                    QString& sReason) const;
     bool nextPage(quint64 uiOffset, quint64& uiNext, QString& sReason) const;
     quint64 entryBytes() const { return m_bigTiff ? 20 : 12; }
-    void cutCircle(quint64 uiLength);
+    void cutCycle(quint64 uiLength);
 
     int m_file = -1;
     QString m_fileName;

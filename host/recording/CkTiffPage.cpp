@@ -89,25 +89,25 @@ bool CkTiffPage::describe(SkFrameDescription& description, QString& sReason) {
 }
 
 bool CkTiffPage::readText(SkFrameDescription& description, bool& bOurs, QString& sReason) {
-    char* words = nullptr;
-    if (TIFFGetField(m_client->tif(), TIFFTAG_IMAGEDESCRIPTION, &words) != 1 || words == nullptr) {
+    char* text = nullptr;
+    if (TIFFGetField(m_client->tif(), TIFFTAG_IMAGEDESCRIPTION, &text) != 1 || text == nullptr) {
         return true;
     }
-    while (std::isspace(quint8(*words)) != 0) {
-        ++words;
+    while (std::isspace(quint8(*text)) != 0) {
+        ++text;
     }
     // Other programs may store long texts of any kind here.
-    if (*words != '{') {
+    if (*text != '{') {
         return true;
     }
-    const auto length = qint64(std::strlen(words));
+    const auto length = qint64(std::strlen(text));
     if (length > SkReadLimits::textBytes(m_page)) {
         sReason =
             Texts::tr("The page's text is longer than %1 MiB.").arg(SkReadLimits::textBytes(m_page) >> 20U);
         return false;
     }
-    bOurs = description.fromText(QByteArray::fromRawData(words, qsizetype(length)));
-    // More bits than a sample has would make scaling code shift out of range.
+    bOurs = description.fromText(QByteArray::fromRawData(text, qsizetype(length)));
+    // With more bits than the sample type has, code that scales samples would shift out of range.
     const quint32 sampleBits = 8 * sampleBytes(description.info.dataType);
     if (description.info.bitsPerChannel == 0 || description.info.bitsPerChannel > sampleBits) {
         description.info.bitsPerChannel = sampleBits;
@@ -212,7 +212,7 @@ bool CkTiffPage::readPart(quint32 uiPart, void* pBytes, qint64 iBytes, bool& bSo
         bSome = bSome || got > 0;
         return false;
     }
-    // The remaining part of a truncated uncompressed page is shown.
+    // Of a truncated uncompressed page, the part that exists is shown.
     const qint64 plain = m_client->file().readAt(pBytes, quint64(iBytes), offset);
     bSome = bSome || plain > 0;
     return false;
@@ -226,7 +226,7 @@ CkTiffPage::EkResult CkTiffPage::readSamples(SkPicBuf& picBuf, QString& sReason)
         sReason = reason(Texts::tr("The samples cannot be read."));
     }
     if (m_foreignRgb) {
-        // Colour pictures are blue, green, red in memory.
+        // Colour pictures are in the order blue, green, red in memory.
         const size_t bytes = sampleBytes(picBuf.dataType);
         for (quint32 y = 0; y < picBuf.height; ++y) {
             for (quint32 x = 0; x < picBuf.width; ++x) {

@@ -11,8 +11,8 @@
 
 namespace {
 
-// A file may have a million pages that cannot be read.
-constexpr qint64 kMostPagesTried = 1000;
+// A limit, because a file may have a million unreadable pages.
+constexpr qint64 kMaximumPagesTried = 1000;
 
 const QString kFile = QStringLiteral("file");
 
@@ -56,7 +56,7 @@ void CkVideoSource::useFile(const std::shared_ptr<const IkFrameFile>& file) {
     SkFrameDescription first;
     QString error = file->damage();
     // If the first page cannot be shown, try the following ones.
-    const qint64 tried = std::min(file->frameCount(), kMostPagesTried);
+    const qint64 tried = std::min(file->frameCount(), kMaximumPagesTried);
     for (qint64 frame = 0; frame < tried && !file->describe(frame, first, &error); ++frame) {
     }
     m_player->setFile(file, first);

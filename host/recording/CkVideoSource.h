@@ -9,8 +9,8 @@
 /// Plays a recording into a chain. Frames flow while the chain runs and playback is on; seeking and stepping
 /// deliver one frame while it is paused.
 ///
-/// Controls may be called from any thread. playingChanged comes from the thread that calls play, pause or
-/// step, all other signals of playback from the player's own thread.
+/// Controls may be called from any thread. playingChanged is emitted on the thread that calls play, pause
+/// or step, all other playback signals on the player's own thread.
 class CkVideoSource : public CkImageSource {
     Q_OBJECT
     Q_CLASSINFO("CustomName", "Recording")
@@ -22,11 +22,11 @@ public:
     Q_INVOKABLE CkVideoSource();
     ~CkVideoSource() override;
 
-    /// Replaces the open recording, which stays when this fails. Playback starts at frame 0. False, with
-    /// psError, when there is nothing to play or progress answered false. A damaged file opens with its
-    /// readable frames, and its damage becomes the block's error message.
+    /// Replaces the open recording, which remains open on failure. Playback starts at frame 0. False, with
+    /// psError, when no frame can be read or progress returned false. For a damaged file, the readable
+    /// frames are played, and the damage becomes the block's error message.
     bool openFile(const QString& sFileName, QString* psError, const ProgressFunction& progress = {});
-    /// Plays the file that another source has open, from its beginning.
+    /// Plays the file that another source has open, from the beginning.
     void shareFile(const CkVideoSource& other);
     QString fileName() const;
     /// The recording, or null. Shared with the player; stays valid after another file is opened.
@@ -72,8 +72,8 @@ public:
     void setupStart() override;
     void setupStop() override;
     bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
-    /// A recording that cannot be opened becomes the block's error message. The opening reports to
-    /// CkOpenProgressScope.
+    /// A recording that cannot be opened is no failure: the reason becomes the block's error message. Opening
+    /// reports its progress to CkOpenProgressScope.
     bool loadSettings(const QDomElement& element) override;
     CkChainable* clone() override;
 

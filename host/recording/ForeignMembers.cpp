@@ -14,6 +14,6 @@ QJsonObject ForeignMembers::of(const CkImageData& frame) {
     return frame.property(kForeignProperty).toJsonObject();
 }
 
-void ForeignMembers::give(CkImageData& frame, const QJsonObject& members) {
+void ForeignMembers::set(CkImageData& frame, const QJsonObject& members) {
     frame.setProperty(kForeignProperty, members.isEmpty() ? QVariant() : QVariant(members));
 }

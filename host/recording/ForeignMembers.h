@@ -10,7 +10,7 @@ namespace ForeignMembers {
 
 /// Empty for frames of cameras.
 QJsonObject of(const CkImageData& frame);
-/// Only on the thread that created the frame.
-void give(CkImageData& frame, const QJsonObject& members);
+/// Replaces the members. Only on the thread that created the frame.
+void set(CkImageData& frame, const QJsonObject& members);
 
 } // namespace ForeignMembers

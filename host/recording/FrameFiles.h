@@ -5,8 +5,7 @@
 #include <functional>
 #include <memory>
 
-/// Which files can be opened as frames: recordings and other TIFF files always, further formats when the
-/// program adds them.
+/// Opens files of frames: recordings and other TIFF files, and further formats that the program adds.
 namespace FrameFiles {
 
 /// Null, with psError naming the file and the reason.

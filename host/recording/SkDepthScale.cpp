@@ -14,8 +14,8 @@ template <typename Sample>
 void scaleRow(const quint8* from, float* to, quint32 width, const SkDepthScale& scale) {
     for (quint32 x = 0; x < width; ++x) {
         const auto value = loadSample<Sample>(from, x);
-        // In double precision: a float does not hold counts above 2^24.
-        to[x] = scale.zeroIsNothing && value == Sample(0) ? std::numeric_limits<float>::quiet_NaN()
+        // In double precision: a float cannot represent all counts above 2^24.
+        to[x] = scale.zeroIsInvalid && value == Sample(0) ? std::numeric_limits<float>::quiet_NaN()
                                                           : float(double(value) * scale.metresPerCount);
     }
 }
@@ -58,7 +58,7 @@ std::unique_ptr<CkImageData> SkDepthScale::scaled(const CkImageData& frame) cons
     auto result = std::make_unique<CkImageData>();
     result->setPicBuf(to.take());
     result->setMetadata(scaledMetadata(frame.metadata()));
-    ForeignMembers::give(*result, ForeignMembers::of(frame));
+    ForeignMembers::set(*result, ForeignMembers::of(frame));
     SkPicBuf& picture = result->picBuf();
     const RowFunction scaleOne = rowFunction(from.dataType);
     for (quint32 y = 0; y < from.height; ++y) {

@@ -9,8 +9,8 @@ struct CkImageMetadata;
 
 /// Converts the samples of a foreign picture to depths.
 struct SkDepthScale {
-    double metresPerCount = 0.0; ///< 0: the samples stay as they are
-    bool zeroIsNothing = true;   ///< a sample of 0 means "not measured" and becomes NaN
+    double metresPerCount = 0.0; ///< 0: samples are not scaled
+    bool zeroIsInvalid = true;   ///< a sample of 0 means "not measured" and becomes NaN
 
     bool operator==(const SkDepthScale&) const = default;
 

@@ -14,7 +14,7 @@ struct SkRecordingInfo {
     QString software;         ///< name and version of the program that wrote the file
 };
 
-/// Everything a page says about its frame except the samples, and its representation as JSON.
+/// Everything that a page stores about its frame except the samples, and its representation as JSON.
 ///
 /// Numbers are exact: integers are written as such, 64-bit ones above 2^63 and non-finite values as strings
 /// ("nan", "inf", "-inf"). The text is plain ASCII.

@@ -11,7 +11,7 @@ const QString kLoop = QStringLiteral("loop");
 const QString kPace = QStringLiteral("pace");
 const QString kSpeed = QStringLiteral("speed");
 const QString kMetresPerCount = QStringLiteral("metresPerCount");
-const QString kZeroIsNothing = QStringLiteral("zeroIsNothing");
+const QString kZeroIsInvalid = QStringLiteral("zeroIsNothing");
 
 QString exactNumber(double value) {
     return QString::number(value, 'g', 17);
@@ -32,7 +32,7 @@ void SkPlaybackSettings::save(QDomElement& element) const {
     element.setAttribute(kSpeed, exactNumber(speed));
     if (scale.isActive()) {
         element.setAttribute(kMetresPerCount, exactNumber(scale.metresPerCount));
-        element.setAttribute(kZeroIsNothing, scale.zeroIsNothing ? 1 : 0);
+        element.setAttribute(kZeroIsInvalid, scale.zeroIsInvalid ? 1 : 0);
     }
 }
 
@@ -47,6 +47,6 @@ SkPlaybackSettings SkPlaybackSettings::load(const QDomElement& element) {
     }
     const double metres = element.attribute(kMetresPerCount).toDouble();
     settings.scale.metresPerCount = std::isfinite(metres) ? std::max(metres, 0.0) : 0.0;
-    settings.scale.zeroIsNothing = element.attribute(kZeroIsNothing, QStringLiteral("1")).toInt() != 0;
+    settings.scale.zeroIsInvalid = element.attribute(kZeroIsInvalid, QStringLiteral("1")).toInt() != 0;
     return settings;
 }

@@ -10,7 +10,7 @@ class QDomElement;
 struct SkPlaybackSettings {
     enum EkPace : int {
         EveryFrame = 0, ///< as fast as the chain accepts them; each frame once, in order
-        RealTime = 1 ///< at the times at which the frames were taken, scaled by speed; late ones are skipped
+        RealTime = 1    ///< at the recorded intervals, scaled by speed; late frames are skipped
     };
     static constexpr double kSlowestSpeed = 0.1;
     static constexpr double kFastestSpeed = 10.0;

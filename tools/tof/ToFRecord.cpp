@@ -130,7 +130,7 @@ int record(void* handle, qint64 frames, const QString& file, EkRecordingCompress
     manager.addFrameReceiver(handle, &receiver, [&](CkImageData* pData) {
         std::unique_ptr<CkImageData> data(pData);
         // Blocking the simulated camera is allowed, so no frame is dropped.
-        if (taken < frames && recorder.waitForRoom()) {
+        if (taken < frames && recorder.waitForSpace()) {
             ++taken;
             recorder.takeFrame(data.release());
         }

@@ -72,7 +72,7 @@ CkDepthImportDialog::CkDepthImportDialog(const QString& sFileName, const CkImage
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_depth, &QRadioButton::toggled, m_details, &QWidget::setEnabled);
     SkDepthScale proposed = proposal(picture, m_largest);
-    proposed.zeroIsNothing = m_hasZeros || !isFloatType(picture.dataType);
+    proposed.zeroIsInvalid = m_hasZeros || !isFloatType(picture.dataType);
     setScale(proposed);
 }
 
@@ -127,7 +127,7 @@ void CkDepthImportDialog::setScale(const SkDepthScale& scale) {
     m_depth->setChecked(scale.isActive());
     m_picture->setChecked(!scale.isActive());
     m_details->setEnabled(scale.isActive());
-    m_zero->setChecked(scale.zeroIsNothing);
+    m_zero->setChecked(scale.zeroIsInvalid);
     if (scale.isActive()) {
         const double millimetres = scale.metresPerCount * kMillimetresPerMetre;
         m_unit->setCurrentIndex(m_unit->findData(kOther));
@@ -143,7 +143,7 @@ void CkDepthImportDialog::setScale(const SkDepthScale& scale) {
 
 SkDepthScale CkDepthImportDialog::scale() const {
     SkDepthScale scale;
-    scale.zeroIsNothing = m_zero->isChecked();
+    scale.zeroIsInvalid = m_zero->isChecked();
     if (m_depth->isChecked()) {
         scale.metresPerCount = metresPerCount();
     }

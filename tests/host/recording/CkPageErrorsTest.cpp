@@ -18,7 +18,7 @@ protected:
 
 TEST_F(CkPageErrorsTest, TheFirstOfARowComesAtOnceAsItIs) {
     EXPECT_EQ(add("page 1: torn"), QLatin1String("page 1: torn"));
-    EXPECT_EQ(m_errors.endOfRow(), QString());
+    EXPECT_EQ(m_errors.endOfRun(), QString());
     EXPECT_EQ(add("page 3: torn"), QLatin1String("page 3: torn"));
 }
 
@@ -38,6 +38,6 @@ TEST_F(CkPageErrorsTest, WhatWasHeldBackComesAtTheEndOfTheRow) {
     add("page 1: torn");
     add("page 2: torn");
     add("page 3: torn");
-    EXPECT_EQ(m_errors.endOfRow(), QLatin1String("page 3: torn (3 pages in a row)"));
-    EXPECT_EQ(m_errors.endOfRow(), QString());
+    EXPECT_EQ(m_errors.endOfRun(), QLatin1String("page 3: torn (3 pages in a row)"));
+    EXPECT_EQ(m_errors.endOfRun(), QString());
 }

@@ -12,15 +12,15 @@ TEST(CkPlaybackStateTest, FramesAreWantedWhileTheChainRunsAndPlaybackIsOn) {
     EXPECT_EQ(state.position(), -1);
     EXPECT_TRUE(state.play(10));
     EXPECT_FALSE(state.play(10));
-    EXPECT_FALSE(state.wantsFrames());
+    EXPECT_FALSE(state.needsFrames());
     state.setChainRuns(true);
-    EXPECT_TRUE(state.wantsFrames());
+    EXPECT_TRUE(state.needsFrames());
     EXPECT_TRUE(state.pause());
     EXPECT_FALSE(state.pause());
-    EXPECT_FALSE(state.wantsFrames());
+    EXPECT_FALSE(state.needsFrames());
     state.play(10);
     state.close();
-    EXPECT_FALSE(state.wantsFrames());
+    EXPECT_FALSE(state.needsFrames());
 }
 
 TEST(CkPlaybackStateTest, AStepPausesAgainAfterItsFrame) {
@@ -30,10 +30,10 @@ TEST(CkPlaybackStateTest, AStepPausesAgainAfterItsFrame) {
     state.step();
     EXPECT_EQ(state.mode(), EkMode::Stepping);
     state.frameDelivered(0);
-    EXPECT_TRUE(state.wantsFrames());
+    EXPECT_TRUE(state.needsFrames());
     EXPECT_EQ(state.position(), 0);
     state.frameUnreadable(1);
-    EXPECT_FALSE(state.wantsFrames());
+    EXPECT_FALSE(state.needsFrames());
     EXPECT_EQ(state.mode(), EkMode::Paused);
     EXPECT_EQ(state.position(), 0) << "nothing of the second one was shown";
     EXPECT_EQ(state.next(), 2);

@@ -44,7 +44,7 @@ protected:
         if (!recorder.start(path("killed.tif"), {}, options, nullptr)) {
             ::_exit(2);
         }
-        for (qint64 number = 0; recorder.waitForRoom(); ++number) {
+        for (qint64 number = 0; recorder.waitForSpace(); ++number) {
             made.fill<quint16>([number](quint32 x, quint32 y, quint32 c) { return sample(number, x, y, c); });
             auto frame = std::make_unique<CkImageData>();
             SkPicBuf copy;

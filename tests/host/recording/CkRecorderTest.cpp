@@ -46,7 +46,7 @@ TEST_F(CkRecorderTest, RecordsWhatItIsGiven) {
     ASSERT_TRUE(recorder.start(path("a.tif"), {}, {}, &error)) << qPrintable(error);
     EXPECT_FALSE(recorder.start(path("b.tif"), {}, {}, &error));
     for (qint64 i = 0; i < 50; ++i) {
-        ASSERT_TRUE(recorder.waitForRoom());
+        ASSERT_TRUE(recorder.waitForSpace());
         EXPECT_EQ(recorder.takeFrame(frame(i).release()), 0);
     }
     EXPECT_TRUE(recorder.stop());
@@ -107,7 +107,7 @@ TEST_F(CkRecorderTest, AFullDiskIsReportedAndNothingIsLostSilently) {
     {
         const FullDisk disk(10'000);
         ASSERT_TRUE(recorder.start(path("a.tif"), {}, {}, nullptr));
-        while (recorder.waitForRoom() && offered < 1000) {
+        while (recorder.waitForSpace() && offered < 1000) {
             recorder.takeFrame(frame(offered++).release());
         }
         recorder.takeFrame(frame(offered++).release());
@@ -129,5 +129,5 @@ TEST_F(CkRecorderTest, AFileThatCannotBeMadeIsAnErrorAtTheStart) {
     EXPECT_FALSE(recorder.start(path("none/a.tif"), {}, {}, &error));
     EXPECT_THAT(error.toStdString(), ::testing::HasSubstr("none/a.tif"));
     EXPECT_FALSE(recorder.isRunning());
-    EXPECT_FALSE(recorder.waitForRoom());
+    EXPECT_FALSE(recorder.waitForSpace());
 }

@@ -40,7 +40,7 @@ TEST(SkDepthScale, MillimetresBecomeMetresAndZeroBecomesNothing) {
     }
     EXPECT_EQ(depth->picBuf().minValue, 0.001F);
     EXPECT_EQ(depth->picBuf().maxValue, 65.535F);
-    scale.zeroIsNothing = false;
+    scale.zeroIsInvalid = false;
     EXPECT_EQ(rowOf(*scale.scaled(*frame), 1)[1], 0.0F);
 }
 
