@@ -6,8 +6,8 @@
 #include <mutex>
 #include <vector>
 
-/// The open cameras of the program and their handles. Any thread. Cameras are shared, so that one that is
-/// closed by its own receiver exists until the call returns.
+/// The open cameras of the program and their handles. Any thread. Ownership is shared with callers: a slot
+/// may close the camera for which a signal is being emitted.
 class CkOpenCameraList {
 public:
     using Camera = std::shared_ptr<CkOpenCamera>;

@@ -9,8 +9,10 @@
 namespace {
 
 template <typename Sample>
-void writeWindows(const float* first, const float* second, const float* third, float gain, int count,
-                  Sample* target) {
+void writeWindows(const std::vector<float> (&windows)[3], float gain, int count, Sample* target) {
+    const float* const first = windows[0].data();
+    const float* const second = windows[1].data();
+    const float* const third = windows[2].data();
     for (int column = 0; column < count; ++column) {
         target[3 * column] = Sample(int(first[column] * gain + 0.5F));
         target[3 * column + 1] = Sample(int(second[column] * gain + 0.5F));
@@ -45,10 +47,9 @@ bool CkSimHybridSynth::writeSection(const CkSimRaster& raster, const SkSection& 
         expose(section, row, width);
         quint8* line = target.row(firstRow + quint32(row));
         if (bytes) {
-            writeWindows(m_window[0].data(), m_window[1].data(), m_window[2].data(), gain, width, line);
+            writeWindows(m_window, gain, width, line);
         } else {
-            writeWindows(m_window[0].data(), m_window[1].data(), m_window[2].data(), gain, width,
-                         reinterpret_cast<quint16*>(line));
+            writeWindows(m_window, gain, width, reinterpret_cast<quint16*>(line));
         }
     }
     return true;

@@ -265,7 +265,7 @@ TEST(CkSimCamera, changesApplyTogetherAtTheBoundaryOfASet) {
                                         {"tof_phases", even ? 2 : 4}}));
         SkPicBufInfo info;
         ASSERT_TRUE(camera->frameInfo(info, nullptr));
-        EXPECT_EQ(info.channels, even ? 1U : 2U) << "the format to come is told at once";
+        EXPECT_EQ(info.channels, even ? 1U : 2U) << "the new format is available immediately";
     }
     ASSERT_TRUE(receiver.waitFor(receiver.count() + 4));
     camera->stop();

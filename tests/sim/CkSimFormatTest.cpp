@@ -261,7 +261,7 @@ TEST(CkSimFormat, framesTellCameraAndExposure) {
     EXPECT_FLOAT_EQ(metadata.exposureTimeUs, 250.0F);
     EXPECT_FLOAT_EQ(metadata.frameRate, 12.5F);
     EXPECT_FLOAT_EQ(metadata.modulationFrequency, 37.5F);
-    EXPECT_EQ(metadata.lensFocalLength, 0.0F) << "the lens is told only when asked for";
+    EXPECT_EQ(metadata.lensFocalLength, 0.0F) << "the focal length is reported only on request";
     ASSERT_TRUE(commitSim(*camera, {{"lens_report", true}}));
     frames = simSet(*camera, 1);
     ASSERT_EQ(frames.size(), 1U);

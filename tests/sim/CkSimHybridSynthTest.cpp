@@ -15,7 +15,7 @@ constexpr quint32 W = 832;
 constexpr quint32 H = 600;
 const SkSimLens LENS{832, 600};
 
-/// Depth of three windows by hand, and how far rounding each of them by 1/2 may move it.
+/// Depth of three windows from the formula, and how far rounding each of them by 1/2 may move it.
 struct SkDepth {
     double metres = 0.0;
     double bound = 0.0;

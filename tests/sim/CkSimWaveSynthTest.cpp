@@ -59,7 +59,7 @@ SkPointer pointerOf(const SimPicture& picture, int phases, quint32 height, quint
     return {d[0] - d[4] + (p - q) * std::sqrt(0.5), d[2] - d[6] + (p + q) * std::sqrt(0.5)};
 }
 
-/// Radial distance and returned share of the light of a wall of reflectivity 0.8, by hand.
+/// Radial distance and returned fraction of the light of a wall of reflectivity 0.8, from the formulas.
 struct SkWallPixel {
     double distance = 0.0;
     double echo = 0.0;

@@ -67,23 +67,23 @@ TEST_F(CkCameraManagerTest, RefusalsSayWhy) {
 TEST_F(CkCameraManagerTest, GoneHandlesAnswerNothing) {
     void* const handle = open("fake:1");
     manager->closeCamera(handle);
-    for (void* gone : {handle, static_cast<void*>(nullptr), static_cast<void*>(&context)}) {
+    for (void* invalid : {handle, static_cast<void*>(nullptr), static_cast<void*>(&context)}) {
         SkCameraInfo info;
         SkPicBufInfo format;
         QString error;
-        EXPECT_FALSE(manager->isOpen(gone));
-        EXPECT_EQ(manager->cameraParameters(gone), nullptr);
-        EXPECT_FALSE(manager->cameraInfo(gone, info));
-        EXPECT_FALSE(manager->frameInfo(gone, format, nullptr));
-        EXPECT_FALSE(manager->startAcquisition(gone, &error));
+        EXPECT_FALSE(manager->isOpen(invalid));
+        EXPECT_EQ(manager->cameraParameters(invalid), nullptr);
+        EXPECT_FALSE(manager->cameraInfo(invalid, info));
+        EXPECT_FALSE(manager->frameInfo(invalid, format, nullptr));
+        EXPECT_FALSE(manager->startAcquisition(invalid, &error));
         EXPECT_FALSE(error.isEmpty());
-        EXPECT_FALSE(manager->isAcquiring(gone));
-        manager->stopAcquisition(gone);
-        manager->setPaused(gone, true);
-        manager->step(gone);
-        manager->addFrameReceiver(gone, this, [](CkImageData* frame) { delete frame; });
-        manager->closeCamera(gone);
-        manager->unplugCamera(gone);
+        EXPECT_FALSE(manager->isAcquiring(invalid));
+        manager->stopAcquisition(invalid);
+        manager->setPaused(invalid, true);
+        manager->step(invalid);
+        manager->addFrameReceiver(invalid, this, [](CkImageData* frame) { delete frame; });
+        manager->closeCamera(invalid);
+        manager->unplugCamera(invalid);
     }
 }
 
@@ -98,37 +98,39 @@ TEST_F(CkCameraManagerTest, HandlesAreNeverReused) {
 
 TEST_F(CkCameraManagerTest, ClosingStopsAndTellsInOrder) {
     void* const handle = open("fake:1");
-    QStringList told;
-    QObject::connect(manager, &CkCameraManager::cameraAboutToClose, &context, [&](void* gone) {
-        EXPECT_NE(manager->cameraParameters(gone), nullptr);
-        told << QStringLiteral("about");
-        manager->closeCamera(gone); // a second time, from within
+    QStringList signalled;
+    QObject::connect(manager, &CkCameraManager::cameraAboutToClose, &context, [&](void* pHandle) {
+        EXPECT_NE(manager->cameraParameters(pHandle), nullptr);
+        signalled << QStringLiteral("about");
+        manager->closeCamera(pHandle); // a second time, from within
     });
-    QObject::connect(manager, &CkCameraManager::cameraClosed, &context, [&](void* gone) {
-        EXPECT_FALSE(manager->isOpen(gone));
-        told << QStringLiteral("closed");
+    QObject::connect(manager, &CkCameraManager::cameraClosed, &context, [&](void* pHandle) {
+        EXPECT_FALSE(manager->isOpen(pHandle));
+        signalled << QStringLiteral("closed");
     });
     QObject::connect(manager, &CkCameraManager::acquisitionChanged, &context, [&](void*, bool running) {
-        told << (running ? QStringLiteral("runs") : QStringLiteral("stands"));
+        signalled << (running ? QStringLiteral("runs") : QStringLiteral("stopped"));
     });
     EXPECT_TRUE(manager->startAcquisition(handle));
-    EXPECT_TRUE(manager->startAcquisition(handle)) << "runs already";
+    EXPECT_TRUE(manager->startAcquisition(handle)) << "already running";
     manager->closeCamera(handle);
-    EXPECT_EQ(told, QStringList({"runs", "about", "stands", "closed"}));
+    EXPECT_EQ(signalled, QStringList({"runs", "about", "stopped", "closed"}));
     EXPECT_EQ(cameras.first->log, QStringList({"start", "stop", "deleted"}));
 }
 
 TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) {
     void* const handle = open("fake:1");
-    QStringList told;
-    const auto note = [&told](const char* what) { return [&told, what] { told << QLatin1String(what); }; };
+    QStringList signalled;
+    const auto note = [&signalled](const char* what) {
+        return [&signalled, what] { signalled << QLatin1String(what); };
+    };
     QObject::connect(manager, &CkCameraManager::cameraAboutToClose, &context, note("about"));
     QObject::connect(manager, &CkCameraManager::cameraUnplugged, &context, note("unplugged"));
     QObject::connect(manager, &CkCameraManager::acquisitionChanged, &context, [&](void*, bool running) {
-        told << (running ? QStringLiteral("runs") : QStringLiteral("stands"));
+        signalled << (running ? QStringLiteral("runs") : QStringLiteral("stopped"));
     });
     QObject::connect(manager, &CkCameraManager::cameraLost, &context,
-                     [&](const QString& name) { told << QStringLiteral("lost ") + name; });
+                     [&](const QString& name) { signalled << QStringLiteral("lost ") + name; });
     const CkCameraParameters* const before = manager->cameraParameters(handle);
     QObject::connect(manager, &CkCameraManager::cameraPluggedIn, &context, [&](void* back) {
         EXPECT_EQ(back, handle);
@@ -137,7 +139,7 @@ TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) 
         EXPECT_EQ(
             manager->cameraParameters(handle)->findParam(QStringLiteral("gain"))->committedValue().toInt(),
             7);
-        told << QStringLiteral("back");
+        signalled << QStringLiteral("back");
     });
     int frames = 0;
     manager->addFrameReceiver(handle, this, [&](CkImageData* frame) {
@@ -150,7 +152,7 @@ TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) 
 
     manager->unplugCamera(handle);
     manager->unplugCamera(handle); // already unplugged
-    EXPECT_EQ(told, QStringList({"runs", "stands", "unplugged", "lost Fake 1"}));
+    EXPECT_EQ(signalled, QStringList({"runs", "stopped", "unplugged", "lost Fake 1"}));
     EXPECT_TRUE(manager->isOpen(handle));
     EXPECT_TRUE(manager->isUnplugged(handle));
     EXPECT_FALSE(manager->isAcquiring(handle));
@@ -165,11 +167,11 @@ TEST_F(CkCameraManagerTest, AnUnpluggedCameraStaysOpenAndGoesOnWithItsSettings) 
     EXPECT_FALSE(manager->startAcquisition(handle, &error));
     EXPECT_TRUE(error.contains(QStringLiteral("Fake 1"))) << qPrintable(error);
 
-    told.clear();
-    EXPECT_FALSE(manager->plugCameraIn(QStringLiteral("fake:2"), &error)) << "was never pulled";
+    signalled.clear();
+    EXPECT_FALSE(manager->plugCameraIn(QStringLiteral("fake:2"), &error)) << "never unplugged";
     EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1"), &error));
-    EXPECT_EQ(told, QStringList({"back", "runs"}));
-    EXPECT_EQ(cameras.first->alive, 1) << "the camera object from before is gone";
+    EXPECT_EQ(signalled, QStringList({"back", "runs"}));
+    EXPECT_EQ(cameras.first->alive, 1) << "the old camera object was deleted";
     EXPECT_FALSE(manager->isUnplugged(handle));
     EXPECT_TRUE(manager->isAcquiring(handle));
     ASSERT_TRUE(cameras.first->deliver);
@@ -182,7 +184,7 @@ TEST_F(CkCameraManagerTest, ACameraComesBackAsItWasLeft) {
     void* const handle = open("fake:1");
     manager->unplugCamera(handle);
     EXPECT_TRUE(manager->plugCameraIn(QStringLiteral("fake:1")));
-    EXPECT_FALSE(manager->isAcquiring(handle)) << "it stood still";
+    EXPECT_FALSE(manager->isAcquiring(handle)) << "it was not acquiring before";
     ASSERT_TRUE(manager->startAcquisition(handle));
     manager->setPaused(handle, true);
     manager->unplugCamera(handle);
@@ -207,12 +209,13 @@ TEST_F(CkCameraManagerTest, WhatADriverNoLongerOffersIsTakenAsPulledOff) {
     manager->checkCameras();
     EXPECT_TRUE(manager->isUnplugged(handle));
     EXPECT_FALSE(manager->isUnplugged(other));
-    EXPECT_TRUE(manager->withheldCameras().isEmpty()) << "only the driver brings it back";
+    EXPECT_TRUE(manager->withheldCameras().isEmpty())
+        << "it was unplugged by the driver, not by unplugCamera";
     cameras.first->offered = true;
     manager->checkCameras();
     EXPECT_FALSE(manager->isUnplugged(handle));
     EXPECT_TRUE(manager->isAcquiring(handle));
-    // checkCameras does not plug in a camera that is held apart.
+    // checkCameras does not plug in a camera that is withheld.
     manager->unplugCamera(other);
     manager->checkCameras();
     EXPECT_TRUE(manager->isUnplugged(other));

@@ -23,7 +23,7 @@ SkDescription describe(const char* name, CkCameraParam::EkKind kind, const CkVal
     return description;
 }
 
-/// A camera that logs the committed parameters and can be told to refuse.
+/// A camera that logs the committed parameters and refuses on demand.
 class CkCameraParamTest : public testing::Test {
 protected:
     CkCameraParam* add(const SkDescription& description) { return parameters.addParam(description); }
@@ -126,15 +126,15 @@ TEST_F(CkCameraParamTest, ReadOnlyStays) {
 
 TEST_F(CkCameraParamTest, CommitSendsOneValueAndTellsIt) {
     CkCameraParam* const param = add(describe("i", CkCameraParam::EkKind::Integer, 1, 0, 10));
-    std::vector<qint64> told;
+    std::vector<qint64> signalled;
     QObject::connect(param, &CkCameraParam::valueChanged, param,
-                     [&](const CkValue& value) { told.push_back(value.toInt64()); });
+                     [&](const CkValue& value) { signalled.push_back(value.toInt64()); });
     EXPECT_TRUE(param->setParamValue(5));
     EXPECT_EQ(param->committedValue(), CkValue(1));
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(signalled.empty());
     EXPECT_TRUE(param->commit());
     EXPECT_EQ(param->committedValue(), CkValue(5));
-    EXPECT_THAT(told, ElementsAre(5));
+    EXPECT_THAT(signalled, ElementsAre(5));
     EXPECT_THAT(commits, ElementsAre("i=5;"));
 }
 
@@ -158,15 +158,15 @@ TEST_F(CkCameraParamTest, ABatchReachesTheCameraAsOneInOrder) {
     EXPECT_EQ(changed, (QList<CkCameraParam*>{b, a}));
 
     EXPECT_TRUE(parameters.endCommitBatch(true)) << "an empty batch succeeds";
-    EXPECT_EQ(commits.size(), 1U) << "but leaves the camera alone";
+    EXPECT_EQ(commits.size(), 1U) << "but reaches no camera";
     EXPECT_TRUE(changed.isEmpty());
 }
 
 TEST_F(CkCameraParamTest, ARefusedBatchIsTakenBackWhole) {
     CkCameraParam* const a = add(describe("a", CkCameraParam::EkKind::Integer, 1, 0, 10));
     CkCameraParam* const b = add(describe("b", CkCameraParam::EkKind::Integer, 2, 0, 10));
-    int told = 0;
-    QObject::connect(a, &CkCameraParam::valueChanged, a, [&] { ++told; });
+    int signalled = 0;
+    QObject::connect(a, &CkCameraParam::valueChanged, a, [&] { ++signalled; });
     refuses = true;
     a->setParamValue(5);
     b->setParamValue(6);
@@ -175,7 +175,7 @@ TEST_F(CkCameraParamTest, ARefusedBatchIsTakenBackWhole) {
     EXPECT_FALSE(parameters.endCommitBatch(true));
     EXPECT_EQ(a->paramValue(), CkValue(1));
     EXPECT_EQ(b->paramValue(), CkValue(2));
-    EXPECT_EQ(told, 0);
+    EXPECT_EQ(signalled, 0);
     refuses = false;
     EXPECT_TRUE(parameters.endCommitBatch(true)) << "the refused batch is over";
     EXPECT_EQ(a->committedValue(), CkValue(1));

@@ -59,7 +59,7 @@ TEST_F(CkCameraSourceTest, DeliversTheCamerasFramesToItsChain) {
     chain->stop();
     EXPECT_FALSE(source->outputImageInfo(info, nullptr));
     const size_t count = sink.count();
-    EXPECT_TRUE(chain->start()) << "with a source that has nothing to say";
+    EXPECT_TRUE(chain->start()) << "with a source of unknown format";
     EXPECT_EQ(sink.count(), count);
 }
 
@@ -85,7 +85,7 @@ TEST_F(CkCameraSourceTest, GapsInTheFrameNumbersCountAsDropped) {
     EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
     EXPECT_EQ(chain->blockStatistics(source).framesIn, 6U);
     EXPECT_TRUE(deliver(0)) << "started again";
-    EXPECT_TRUE(deliver(0)) << "a camera that does not count";
+    EXPECT_TRUE(deliver(0)) << "a camera that does not number its frames";
     EXPECT_TRUE(deliver(1));
     EXPECT_EQ(chain->blockStatistics(source).dropped, 3U);
     chain->stop();
@@ -130,7 +130,7 @@ TEST_F(CkCameraSourceTest, IsFoundAgainByItsIdentifier) {
     EXPECT_EQ(saved.cameraHandle(), nullptr);
     CkCameraSource other;
     EXPECT_TRUE(other.loadSettings(element));
-    EXPECT_EQ(other.cameraHandle(), first) << "the first open camera stands in";
+    EXPECT_EQ(other.cameraHandle(), first) << "the first open camera is used instead";
     const std::unique_ptr<CkChainable> twin(other.clone());
     ASSERT_NE(qobject_cast<CkCameraSource*>(twin.get()), nullptr);
     EXPECT_EQ(static_cast<CkCameraSource*>(twin.get())->cameraHandle(), first);

@@ -188,7 +188,7 @@ TEST_F(CkChainFormatTest, ASingleFramePassedOnInAnotherSizeReachesViewsAndBlocks
         EXPECT_EQ(atPassing.count(), before + 1);
         ASSERT_EQ(sink.count(), before + 1);
         EXPECT_EQ(sink.lastInfo().height, height);
-        EXPECT_EQ(downstream->inputAtStart.height, height) << "set up for what really comes";
+        EXPECT_EQ(downstream->inputAtStart.height, height) << "set up for the frames that arrive";
         EXPECT_EQ(chain->blockStatistics(passing).dropped, 0U);
         chain->stop();
     }
@@ -207,9 +207,9 @@ TEST_F(CkChainFormatTest, ASingleFramePassedOnInAnotherSizeReachesViewsAndBlocks
 TEST_F(CkChainFormatTest, OfAlternatingFormatsAtLeastEverySecondFrameComesOut) {
     auto* const block = branch(new AddBlock(0), source);
     chain->addSink(block, &sink);
-    QStringList told;
+    QStringList signalled;
     QObject::connect(
-        source, &CkChainable::errorMessageChanged, source, [&](const QString& text) { told << text; },
+        source, &CkChainable::errorMessageChanged, source, [&](const QString& text) { signalled << text; },
         Qt::DirectConnection);
     for (const quint32 formats : {2U, 3U, 7U}) {
         SCOPED_TRACE(formats);
@@ -217,7 +217,7 @@ TEST_F(CkChainFormatTest, OfAlternatingFormatsAtLeastEverySecondFrameComesOut) {
         ASSERT_TRUE(chain->start());
         const size_t before = sink.count();
         block->starts = 0;
-        told.clear();
+        signalled.clear();
         bool lostBefore = false;
         for (quint32 i = 0; i < 300; ++i) {
             const size_t count = sink.count();
@@ -229,10 +229,10 @@ TEST_F(CkChainFormatTest, OfAlternatingFormatsAtLeastEverySecondFrameComesOut) {
         }
         const size_t delivered = sink.count() - before;
         EXPECT_GE(delivered, 150U);
-        EXPECT_EQ(chain->blockStatistics(source).dropped, 300 - delivered) << "what is lost is counted";
-        EXPECT_LE(block->starts, 150) << "not set up anew for every frame";
+        EXPECT_EQ(chain->blockStatistics(source).dropped, 300 - delivered) << "lost frames are counted";
+        EXPECT_LE(block->starts, 150) << "not set up again for every frame";
         EXPECT_THAT(source->errorMessage().toStdString(), testing::HasSubstr("another format"));
-        EXPECT_EQ(told.size(), 1) << "said once and for as long as it lasts";
+        EXPECT_EQ(signalled.size(), 1) << "reported once, until it is over";
         chain->stop();
     }
     source->announce(format);
@@ -243,7 +243,7 @@ TEST_F(CkChainFormatTest, OfAlternatingFormatsAtLeastEverySecondFrameComesOut) {
     for (int i = 0; i < 40; ++i) {
         run(format, {});
     }
-    EXPECT_EQ(source->errorMessage(), QString()) << "and not longer";
+    EXPECT_EQ(source->errorMessage(), QString()) << "and cleared afterwards";
 }
 
 TEST_F(CkChainFormatTest, MetadataThatAlternateDropNothingAndSetUpEverMoreRarely) {

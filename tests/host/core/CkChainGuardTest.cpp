@@ -155,12 +155,12 @@ protected:
 
     void listen(CkChainable* block) {
         QObject::connect(
-            block, &CkChainable::errorMessageChanged, block, [this](const QString& text) { told << text; },
-            Qt::DirectConnection);
+            block, &CkChainable::errorMessageChanged, block,
+            [this](const QString& text) { signalled << text; }, Qt::DirectConnection);
     }
 
     KeepingSink sink;
-    QStringList told; ///< written by one thread at a time
+    QStringList signalled; ///< written by one thread at a time
 };
 
 } // namespace
@@ -214,7 +214,7 @@ TEST_F(CkChainGuardTest, APictureThatCannotBeSharedIsLostForAllButOne) {
     EXPECT_EQ(chain->blockStatistics(first).dropped, 1U);
     EXPECT_EQ(first->frames, 0);
     pushSurely(1);
-    EXPECT_TRUE(waitUntil([&] { return first->frames == 1; })) << "things go on";
+    EXPECT_TRUE(waitUntil([&] { return first->frames == 1; })) << "the next frame is processed";
     chain->stop();
     chain->removeSink(&atSource);
 }
@@ -284,9 +284,9 @@ TEST_F(CkChainGuardTest, ABlockThatRefusesItsInputSaysSoBeforeTheFirstFrame) {
     silent->refuses = true;
     ASSERT_TRUE(chain->start());
     EXPECT_EQ(silent->errorMessage(), "The block cannot work on the format of its input.");
-    EXPECT_EQ(downstream->errorMessage(), QString()) << "nothing is wrong with this one";
+    EXPECT_EQ(downstream->errorMessage(), QString()) << "the other block is intact";
     silent->setErrorMessage("this is no wall");
-    EXPECT_EQ(silent->errorMessage(), "this is no wall") << "the block's own reason is the better one";
+    EXPECT_EQ(silent->errorMessage(), "this is no wall") << "the block's own message has priority";
     silent->setErrorMessage(QString());
     EXPECT_EQ(silent->errorMessage(), "The block cannot work on the format of its input.");
     run(2);
@@ -294,7 +294,7 @@ TEST_F(CkChainGuardTest, ABlockThatRefusesItsInputSaysSoBeforeTheFirstFrame) {
     chain->stop();
     source->announceNothing();
     ASSERT_TRUE(chain->start());
-    EXPECT_EQ(silent->errorMessage(), QString()) << "nothing is known that it could refuse";
+    EXPECT_EQ(silent->errorMessage(), QString()) << "the format of its input is unknown";
 }
 
 TEST_F(CkChainGuardTest, HostAndBlockDoNotWriteTheErrorTextInTurns) {
@@ -304,7 +304,7 @@ TEST_F(CkChainGuardTest, HostAndBlockDoNotWriteTheErrorTextInTurns) {
     ASSERT_TRUE(chain->start());
     listen(block);
     run(50);
-    EXPECT_THAT(told, ElementsAre(QString("The block failed on a frame.")));
+    EXPECT_THAT(signalled, ElementsAre(QString("The block failed on a frame.")));
 }
 
 TEST_F(CkChainGuardTest, ATextOfFramesThatFailNowAndThenStaysUntilNoneDoes) {
@@ -313,11 +313,11 @@ TEST_F(CkChainGuardTest, ATextOfFramesThatFailNowAndThenStaysUntilNoneDoes) {
     ASSERT_TRUE(chain->start());
     listen(block);
     run(50);
-    EXPECT_THAT(told, ElementsAre(QString("The block failed on a frame.")));
+    EXPECT_THAT(signalled, ElementsAre(QString("The block failed on a frame.")));
     EXPECT_EQ(chain->blockStatistics(block).dropped, 10U);
     block->every = 0;
     run(40);
-    EXPECT_THAT(told, ElementsAre(QString("The block failed on a frame."), QString()));
+    EXPECT_THAT(signalled, ElementsAre(QString("The block failed on a frame."), QString()));
 }
 
 TEST_F(CkChainGuardTest, SettingUpAnewDoesNotTellTheSameTextAgain) {
@@ -330,17 +330,17 @@ TEST_F(CkChainGuardTest, SettingUpAnewDoesNotTellTheSameTextAgain) {
         ASSERT_TRUE(waitUntil([&] { return block->starts == starts; }));
         run(1);
     }
-    EXPECT_TRUE(told.isEmpty()) << told.join(", ").toStdString();
+    EXPECT_TRUE(signalled.isEmpty()) << signalled.join(", ").toStdString();
     block->refuses = false;
     chain->requestRenegotiation();
     ASSERT_TRUE(waitUntil([&] { return block->errorMessage().isEmpty(); }));
     chain->stop();
-    EXPECT_THAT(told, ElementsAre(QString()));
+    EXPECT_THAT(signalled, ElementsAre(QString()));
 }
 
 namespace {
 
-/// Calls a function when it is first asked for its number of pictures, while the chain starts.
+/// Calls a function when its number of pictures is first queried, while the chain starts.
 class AskingBlock : public AddBlock {
 public:
     AskingBlock() : AddBlock(1) {}
@@ -389,5 +389,5 @@ TEST_F(CkChainGuardTest, WhatIsSaidDuringSetUpIsHeardAtItsEnd) {
     block->setUp.open();
     starter.join();
     EXPECT_EQ(block->errorMessage(), "last");
-    EXPECT_EQ(told, QStringList{"last"});
+    EXPECT_EQ(signalled, QStringList{"last"});
 }

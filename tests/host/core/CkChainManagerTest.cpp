@@ -104,11 +104,11 @@ TEST_F(CkChainManagerTest, ABlockThatASuccessorCannotDoWithoutStays) {
     auto* const first = branch(new AddBlock(1), source);
     auto* const second = branch(new AddBlock(1), first);
     auto* const sum = branch(new SumBlock(), second);
-    EXPECT_TRUE(manager->remove(chain, second, false)) << "the first one serves as well";
+    EXPECT_TRUE(manager->remove(chain, second, false)) << "its input can come from the first one";
     EXPECT_EQ(chain->precedessors(sum), QList<CkChainable*>{first});
     KeepingSink sink;
     chain->addSink(first, &sink);
-    EXPECT_FALSE(manager->remove(chain, first, false)) << "the source does not";
+    EXPECT_FALSE(manager->remove(chain, first, false)) << "but not from the source";
     EXPECT_EQ(chain->blocks(), (QList<CkChainable*>{source, first, sum}));
     EXPECT_EQ(chain->precedessors(sum), QList<CkChainable*>{first});
     EXPECT_EQ(chain->sinkBlock(&sink), first);
@@ -167,9 +167,9 @@ TEST_F(CkChainManagerTest, ClosingDeletesBlocksOnceAndTellsWhileAllIsWhole) {
     other->addSink(block, &sink);
     ASSERT_TRUE(other->start());
     QObject context;
-    int told = 0;
+    int signalled = 0;
     QObject::connect(manager, &CkChainManager::chainAboutToClose, &context, [&](CkChain* closing) {
-        ++told;
+        ++signalled;
         EXPECT_EQ(closing, other);
         EXPECT_TRUE(closing->stopped());
         EXPECT_EQ(closing->blocks().size(), 2);
@@ -177,7 +177,7 @@ TEST_F(CkChainManagerTest, ClosingDeletesBlocksOnceAndTellsWhileAllIsWhole) {
         manager->closeChain(closing); // recursive call
     });
     manager->closeChain(other);
-    EXPECT_EQ(told, 1);
+    EXPECT_EQ(signalled, 1);
     EXPECT_TRUE(deleted);
     EXPECT_EQ(manager->chains(), QList<CkChain*>{chain});
     manager->closeChain(other); // no longer known: ignored
@@ -217,9 +217,10 @@ TEST_F(CkChainManagerTest, TheChainTakesABlockFromItsQtParent) {
 
 TEST_F(CkChainManagerTest, NewChainsAreTold) {
     QObject context;
-    CkChain* told = nullptr;
-    QObject::connect(manager, &CkChainManager::chainCreated, &context, [&](CkChain* made) { told = made; });
+    CkChain* signalled = nullptr;
+    QObject::connect(manager, &CkChainManager::chainCreated, &context,
+                     [&](CkChain* made) { signalled = made; });
     CkChain* const made = manager->createChain();
-    EXPECT_EQ(told, made);
+    EXPECT_EQ(signalled, made);
     manager->closeChain(made);
 }

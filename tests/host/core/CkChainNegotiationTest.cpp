@@ -89,8 +89,9 @@ TEST_F(CkChainNegotiationTest, ABlockThatCannotNegotiateHasNoPoolAndRecovers) {
     EXPECT_EQ(chain->memoryPool()->capacity(bad), 0);
     pushSurely(1);
     ASSERT_TRUE(waitUntil([&] { return atGood.count() == 1; }));
-    EXPECT_TRUE(waitUntil([&] { return !bad->errorMessage().isEmpty(); })) << "the block said nothing itself";
-    EXPECT_EQ(bad->frames, 1) << "it is handed frames all the same";
+    EXPECT_TRUE(waitUntil([&] { return !bad->errorMessage().isEmpty(); }))
+        << "the block itself set no message";
+    EXPECT_EQ(bad->frames, 1) << "it receives frames nevertheless";
     bad->refuses = false;
     EXPECT_TRUE(waitUntil([&] {
         source->push(5);

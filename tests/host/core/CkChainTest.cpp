@@ -57,7 +57,7 @@ TEST_F(CkChainTest, AFrameIsDoneOnceAllBehindTheBlockAreDoneWithIt) {
     chain->stop();
     chain->removeSink(&sink);
     ASSERT_TRUE(chain->start());
-    EXPECT_EQ(chain->blockStatistics(source).framesDone, 0U) << "counted anew";
+    EXPECT_EQ(chain->blockStatistics(source).framesDone, 0U) << "reset by start";
 }
 
 TEST_F(CkChainTest, ASourceIsToldHowFarItsFramesHaveCome) {
@@ -72,7 +72,7 @@ TEST_F(CkChainTest, ASourceIsToldHowFarItsFramesHaveCome) {
     EXPECT_EQ(source->frameEvents(), "EDE");
     ASSERT_TRUE(source->push(3));
     ASSERT_TRUE(source->push(4));
-    EXPECT_FALSE(source->push(5)) << "refused, and told so at once";
+    EXPECT_FALSE(source->push(5)) << "refused immediately";
     std::thread stopper([this] { chain->stop(); });
     EXPECT_TRUE(waitUntil([&] { return chain->blockStatistics(source).dropped == 3; })) << "5, then 3 and 4";
     EXPECT_EQ(source->frameEvents(), "EDE") << "2 was delivered first and is not done";
@@ -105,9 +105,9 @@ TEST_F(CkChainTest, AChainWithoutSourceOrRunningDoesNotStart) {
     ASSERT_TRUE(chain->start());
     EXPECT_FALSE(chain->start());
     chain->stop();
-    EXPECT_FALSE(source->push(1)) << "a stopped chain takes nothing";
+    EXPECT_FALSE(source->push(1)) << "a stopped chain accepts no frame";
     TestSource alone;
-    EXPECT_FALSE(alone.push(1)) << "outside a chain nothing is taken";
+    EXPECT_FALSE(alone.push(1)) << "outside a chain no frame is accepted";
 }
 
 TEST_F(CkChainTest, BranchesAndSinksGetObjectsOfTheirOwnOnTheSamePixels) {
@@ -142,7 +142,7 @@ TEST_F(CkChainTest, WhatComesTooFastIsDroppedAndCounted) {
     for (int i = 0; i < 100; ++i) {
         taken += source->push(1) ? 1 : 0;
     }
-    EXPECT_EQ(taken, 2) << "as many as wait in front of a busy chain";
+    EXPECT_EQ(taken, 2) << "the capacity of the queue";
     EXPECT_EQ(chain->blockStatistics(source).dropped, 98U);
     EXPECT_EQ(chain->blockStatistics(source).framesIn, 101U);
     block->gate.open();
@@ -275,7 +275,7 @@ TEST_F(CkChainTest, AFrameThatABlockSaysItDroppedIsCountedOnce) {
     EXPECT_EQ(droppedOf(6), 0U) << "a block may wait for more";
     block->says = true;
     EXPECT_EQ(droppedOf(6), 3U);
-    EXPECT_EQ(droppedOf(7), 3U) << "what is said of one frame does not count for the next";
+    EXPECT_EQ(droppedOf(7), 3U) << "a report about one frame does not count for the next";
     block->asks = true;
     EXPECT_EQ(droppedOf(2), 1U) << "without a picture as well";
 }
@@ -310,12 +310,12 @@ TEST_F(CkChainTest, SinksOfABlockInNoChainAreRefused) {
 }
 
 TEST_F(CkChainTest, RunningIsTold) {
-    QList<bool> told;
-    QObject::connect(chain, &CkChain::runningChanged, chain, [&](bool running) { told << running; });
+    QList<bool> signalled;
+    QObject::connect(chain, &CkChain::runningChanged, chain, [&](bool running) { signalled << running; });
     ASSERT_TRUE(chain->start());
     chain->stop();
     chain->stop();
-    EXPECT_EQ(told, (QList<bool>{true, false}));
+    EXPECT_EQ(signalled, (QList<bool>{true, false}));
 }
 
 TEST_F(CkChainTest, ABlockKnowsItsPlace) {
@@ -350,17 +350,17 @@ TEST(CkChainable, DefaultsAreThoseOfAPassiveBlock) {
 
 TEST(CkChainable, MessagesAndStatesAreToldOnce) {
     CkChainable block;
-    QStringList told;
+    QStringList signalled;
     QObject::connect(&block, &CkChainable::errorMessageChanged, &block,
-                     [&](const QString& text) { told << text; });
+                     [&](const QString& text) { signalled << text; });
     QObject::connect(&block, &CkChainable::stateChanged, &block,
-                     [&](int state) { told << QString::number(state); });
+                     [&](int state) { signalled << QString::number(state); });
     block.setErrorMessage(QStringLiteral("bad"));
     block.setErrorMessage(QStringLiteral("bad"));
     block.setErrorMessage(QString());
     block.setState(CkChainable::Blocked);
     block.setState(CkChainable::Blocked);
-    EXPECT_EQ(told, QStringList({"bad", "", "1"}));
+    EXPECT_EQ(signalled, QStringList({"bad", "", "1"}));
 }
 
 TEST(CkChainable, TheBaseKeepsWhetherABlockIsSwitchedOff) {

@@ -233,7 +233,7 @@ TEST_F(CkChainThreadTest, AStopWithinAStartEndsTheStart) {
 TEST_F(CkChainThreadTest, FramesThatAreNotTakenAreFreed) {
     std::atomic<int> frames = 0;
     EXPECT_FALSE(source->pushFrame(std::make_unique<CountedFrame>(frames)));
-    EXPECT_EQ(frames, 0) << "the chain stands";
+    EXPECT_EQ(frames, 0) << "the chain is stopped";
     auto* const block = branch(new AddBlock(1), source);
     block->gate.close();
     ASSERT_TRUE(chain->start());

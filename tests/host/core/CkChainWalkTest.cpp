@@ -106,7 +106,7 @@ TEST_F(CkChainWalkTest, TheBlocksBehindGetTheFrameMadeLast) {
     second->setState(CkChainable::Blocked);
     pushAndWait(1);
     EXPECT_THAT(atMeeting.values(), testing::ElementsAre(12, 22, 12));
-    EXPECT_THAT(atEnd.values(), testing::ElementsAre(23, 13)) << "of what there is, the last one";
+    EXPECT_THAT(atEnd.values(), testing::ElementsAre(23, 13)) << "the last of its inputs";
     chain->stop();
     chain->removeSink(&atMeeting);
     chain->removeSink(&atEnd);
@@ -153,7 +153,7 @@ TEST_F(CkChainWalkTest, AStopWaitsForTheBlockThatWorksAndForNoOther) {
     for (const int other : {2, 3, 4}) {
         EXPECT_EQ(qobject_cast<AddBlock*>(blocks[other])->frames, 0) << other;
     }
-    EXPECT_EQ(chain->blockStatistics(blocks[2]).dropped, 1U) << "what is lost is counted where it was";
+    EXPECT_EQ(chain->blockStatistics(blocks[2]).dropped, 1U) << "a frame is counted where it was lost";
     EXPECT_EQ(chain->blockStatistics(blocks[4]).dropped, 1U);
     const SkBlockStatistics statistics = chain->blockStatistics(loaded);
     EXPECT_EQ(statistics.framesDone, statistics.framesOut);

@@ -62,7 +62,7 @@ TEST_F(CkChainXmlTest, ASourceThatIsKeptLeavesAChainThatIsSavedAndLoaded) {
     QDomDocument doc;
     QDomElement element = doc.createElement("chain");
     ASSERT_TRUE(chain->save(doc, element));
-    EXPECT_EQ(element.elementsByTagName("block").size(), 1) << "what nothing feeds could not be loaded";
+    EXPECT_EQ(element.elementsByTagName("block").size(), 1) << "a block without input could not be loaded";
     QString error;
     EXPECT_TRUE(chain->load(element, &error)) << qPrintable(error);
     EXPECT_EQ(chain->blocks().size(), 1);

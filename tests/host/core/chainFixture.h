@@ -19,7 +19,7 @@ protected:
         return block;
     }
 
-    /// Waits until the queue has room before it pushes, so that nothing is dropped.
+    /// Waits until the queue has space before it pushes, so that no frame is dropped.
     void pushSurely(quint8 value) {
         EXPECT_TRUE(waitUntil([&] { return source->push(value); }));
     }

@@ -182,13 +182,13 @@ TEST(CkLut, AbsurdContrastEntriesDoNoHarm) {
     lut.contrastEntries().append({100, 100, 0, 255, 1.0});
     ASSERT_TRUE(lut.allocRgbTable(0));
     EXPECT_EQ(entry(lut, 99), grey(0));
-    EXPECT_EQ(entry(lut, 100), grey(255)) << "a window without width is a threshold";
+    EXPECT_EQ(entry(lut, 100), grey(255)) << "a window of zero width acts as a threshold";
     lut.contrastEntries()[0] = {200, 100, 0xffffffffU, 0xffffffffU, std::numeric_limits<double>::quiet_NaN()};
     ASSERT_TRUE(lut.allocRgbTable(0));
     EXPECT_EQ(entry(lut, 0), grey(255));
     lut.contrastEntries()[0] = {0, 256, 0, 10, 1.0};
     ASSERT_TRUE(lut.allocRgbTable(0));
-    EXPECT_EQ(entry(lut, 255), grey(255)) << "beyond the value range: the whole range counts";
+    EXPECT_EQ(entry(lut, 255), grey(255)) << "beyond the value range: the whole range is used";
 }
 
 TEST(CkLut, ColoursIntegerPicturesByTheirFirstChannel) {

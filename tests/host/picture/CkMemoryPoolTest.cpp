@@ -37,7 +37,7 @@ TEST(CkMemoryPool, HandsOutAsManyAsReservedAndTakesThemBack) {
     EXPECT_EQ(pool.freeCount(firstOwner), 2);
 }
 
-TEST(CkMemoryPool, AStrangerOwnsNothingAndASubPoolMayBeEmpty) {
+TEST(CkMemoryPool, AnUnknownOwnerHasNoPicturesAndASubPoolMayBeEmpty) {
     CkMemoryPool pool;
     EXPECT_EQ(pool.capacity(firstOwner), 0);
     EXPECT_EQ(pool.freeCount(firstOwner), 0);
@@ -60,7 +60,7 @@ TEST(CkMemoryPool, StartsZeroedAndClearsOnRequest) {
     std::memset(picBuf.data, 9, 16);
     CkPicBufAPI::FreePicBuf(picBuf);
     ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, false));
-    EXPECT_EQ(picBuf.data[3], 9) << "what the last user left";
+    EXPECT_EQ(picBuf.data[3], 9) << "the pixels of the last use";
     ASSERT_FALSE(pool.acquire(secondOwner, packedFormat(8, 2), picBuf, true));
     ASSERT_TRUE(pool.acquire(firstOwner, packedFormat(8, 2), picBuf, true));
     EXPECT_TRUE(std::all_of(picBuf.data, picBuf.data + 16, [](quint8 byte) { return byte == 0; }));
@@ -155,7 +155,7 @@ TEST(CkMemoryPool, RefusesSizesThatCannotBeHad) {
     EXPECT_EQ(pool.capacity(firstOwner), 0);
 }
 
-TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptySubPoolThatCounts) {
+TEST(CkMemoryPool, AFailedAllocationLeavesAnEmptySubPoolThatCountsRefusals) {
     // 2^62 bytes cannot be allocated, but the size does not overflow.
     const SkPicBufInfo huge = packedFormat(0x80000000U, 0x80000000U);
     CkMemoryPool pool;
@@ -171,7 +171,7 @@ TEST(CkMemoryPool, MemoryThatCannotBeHadLeavesAnEmptySubPoolThatCounts) {
     CkPicBufAPI::FreePicBuf(picBuf);
 }
 
-TEST(CkMemoryPool, ManyThreadsTakeAndGiveBackWhileShelvesChange) {
+TEST(CkMemoryPool, ManyThreadsAcquireAndReleaseWhileSubPoolsChange) {
     CkMemoryPool pool;
     ASSERT_TRUE(pool.reserve(firstOwner, packedFormat(32, 2), 3));
     std::atomic<bool> stop{false};

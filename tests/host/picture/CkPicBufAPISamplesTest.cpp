@@ -54,7 +54,7 @@ TYPED_TEST(IntegerSamples, ShiftBitsMovesEverySampleByAnyAmount) {
             }
         }
         EXPECT_TRUE(picture.guardsIntact());
-        EXPECT_EQ(picture->bitsPerChannel, quint32(width)) << "left alone";
+        EXPECT_EQ(picture->bitsPerChannel, quint32(width)) << "unchanged";
     }
 }
 

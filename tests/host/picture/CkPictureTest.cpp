@@ -39,7 +39,7 @@ TEST_F(CkPictureTest, MovingHandsTheReferenceOver) {
     CkPicture second = taken();
     EXPECT_EQ(held(), 2);
     second = std::move(first);
-    EXPECT_EQ(held(), 1) << "what the target held has been given back";
+    EXPECT_EQ(held(), 1) << "the target's old reference has been released";
     EXPECT_EQ(second.picBuf().data, pixels);
     CkPicture third(std::move(second));
     EXPECT_EQ(held(), 1);

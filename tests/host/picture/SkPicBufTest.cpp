@@ -7,8 +7,8 @@
 
 namespace {
 
-// The structures are no standard layout for the compiler, since one derives from the other; it is one in
-// fact.
+// Formally these are not standard-layout types, because one derives from the other; in practice the layout is
+// fixed.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 

@@ -16,13 +16,13 @@ protected:
 
 } // namespace
 
-TEST_F(CkPageErrorsTest, TheFirstOfARowComesAtOnceAsItIs) {
+TEST_F(CkPageErrorsTest, TheFirstOfARunIsReportedAtOnceUnchanged) {
     EXPECT_EQ(add("page 1: torn"), QLatin1String("page 1: torn"));
     EXPECT_EQ(m_errors.endOfRun(), QString());
     EXPECT_EQ(add("page 3: torn"), QLatin1String("page 3: torn"));
 }
 
-TEST_F(CkPageErrorsTest, ThoseBehindItComeTwiceASecondWithTheirNumber) {
+TEST_F(CkPageErrorsTest, LaterOnesAreReportedTwiceASecondWithTheirCount) {
     add("page 1: torn");
     int shown = 0;
     for (int page = 2; page <= 1000; ++page) {
@@ -34,7 +34,7 @@ TEST_F(CkPageErrorsTest, ThoseBehindItComeTwiceASecondWithTheirNumber) {
     EXPECT_EQ(add("page 1001: torn"), QLatin1String("page 1001: torn (1001 pages in a row)"));
 }
 
-TEST_F(CkPageErrorsTest, WhatWasHeldBackComesAtTheEndOfTheRow) {
+TEST_F(CkPageErrorsTest, ADelayedMessageIsReportedAtTheEndOfTheRun) {
     add("page 1: torn");
     add("page 2: torn");
     add("page 3: torn");

@@ -96,7 +96,7 @@ TEST(CkPlaybackStateTest, PlayStartsOverAfterTheLastFrameAndCountsSkippedFramesA
     state.frameDelivered(0);
     state.pause();
     state.play(2);
-    EXPECT_EQ(state.next(), 1) << "goes on where it was paused";
+    EXPECT_EQ(state.next(), 1) << "continues where it was paused";
 }
 
 TEST(CkPlaybackStateTest, TheEndDropsPendingStepsWithoutHavingPlayed) {

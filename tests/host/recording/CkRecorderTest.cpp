@@ -53,7 +53,7 @@ TEST_F(CkRecorderTest, RecordsWhatItIsGiven) {
     EXPECT_EQ(recorder.state().written, 50);
     EXPECT_EQ(recorder.state().waiting, 0);
     EXPECT_EQ(recorder.takeFrame(frame(50).release()), 0);
-    EXPECT_EQ(recorder.state().waiting, 0) << "nobody is left to write it";
+    EXPECT_EQ(recorder.state().waiting, 0) << "the thread that would write it has ended";
     EXPECT_EQ(recorder.state().dropped, 0);
     CkRecordingReader reader;
     ASSERT_TRUE(reader.open(path("a.tif"), &error));

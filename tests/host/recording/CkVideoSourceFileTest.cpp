@@ -97,16 +97,17 @@ TEST_F(CkVideoSourceTest, ThousandsOfUnreadablePagesAreToldOfOnce) {
     ASSERT_TRUE(tiff.close());
     QString error;
     ASSERT_TRUE(m_source->openFile(path("torn.tif"), &error)) << qPrintable(error);
-    std::atomic<int> told{0};
+    std::atomic<int> signalled{0};
     QObject::connect(
-        m_source, &CkChainable::errorMessageChanged, m_source, [&told] { ++told; }, Qt::DirectConnection);
+        m_source, &CkChainable::errorMessageChanged, m_source, [&signalled] { ++signalled; },
+        Qt::DirectConnection);
     m_chain->start();
     m_source->play();
     EXPECT_EQ(m_sink.waitFor(2), (Numbers{0, 5001}));
     waitForPosition(5001);
     // The first error, then at most two per second, and the rest at the end.
-    EXPECT_GE(told, 2);
-    EXPECT_LT(told, 500);
+    EXPECT_GE(signalled, 2);
+    EXPECT_LT(signalled, 500);
     const std::string text = m_source->errorMessage().toStdString();
     EXPECT_THAT(text, ::testing::AllOf(::testing::HasSubstr("torn.tif\", page 5001: "),
                                        ::testing::HasSubstr("(5000 pages in a row)")));

@@ -50,7 +50,7 @@ private:
     std::atomic<int> m_frames = 0;
 };
 
-TEST_F(CkVideoSourceTest, TheChainIsDoneWithAFrameBeforeWhoeverWaitsForItIsAsked) {
+TEST_F(CkVideoSourceTest, TheChainHasFinishedAFrameBeforeAfterFrameIsCalled) {
     openFrames(20);
     SlowSink slow;
     ASSERT_TRUE(m_chain->addSink(m_source, &slow));
