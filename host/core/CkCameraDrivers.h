@@ -21,7 +21,7 @@ public:
     static bool contains(const QList<SkCameraInfo>& cameras, const QString& sId);
 
     void withhold(const SkCameraInfo& info) { m_withheld.append(info); }
-    bool endWithhold(const QString& sId); ///< False for a camera that was not held apart.
+    bool endWithhold(const QString& sId); ///< False for a camera that was not withheld.
     bool isWithheld(const QString& sId) const { return contains(m_withheld, sId); }
     const QList<SkCameraInfo>& withheld() const { return m_withheld; }
 

@@ -20,8 +20,8 @@ public:
     /// Shows a message about a frame. It stays until 30 consecutive frames have caused none, so that it does
     /// not flicker; until then, other messages are ignored.
     void showProblem(SkChainNode& node, const QString& sText) const;
-    void clearExpiredProblem(
-        SkChainNode& node) const; ///< To be called for every frame; clears an expired message.
+    /// To be called for every frame; clears an expired message.
+    void clearExpiredProblem(SkChainNode& node) const;
 
     /// Suppresses the message signals of blocks while they are set up. When this object is destroyed, each
     /// block signals its final message, if it changed.

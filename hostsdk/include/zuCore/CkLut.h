@@ -39,9 +39,8 @@ public:
     void setPseudoColorIndex(int iIndex);
 
     QList<CkCompContrast>& contrastEntries() { return m_contrastEntries; } ///< Only the first one is used.
-    const QList<CkCompContrast>& contrastEntries() const {
-        return m_contrastEntries;
-    } ///< Empty: the full range.
+    /// Empty: the full range.
+    const QList<CkCompContrast>& contrastEntries() const { return m_contrastEntries; }
 
     /// Builds the colour table, 4 bytes per entry in the order blue, green, red, 255. uiBytes is the
     /// requested size; it is rounded to one entry for each of min(2^bits, 65536) values (256 for float).

@@ -13,11 +13,10 @@ struct SkPicBufInfo {
     quint32 channels = 0;       ///< interleaved samples per pixel
     quint32 bitsPerChannel = 0; ///< significant bits of a sample: 8, 12, 16, 32
     quint32 linePadding = 0; ///< rows are rounded up to a multiple of this many bytes; 0 and 1: packed rows
-    EkImageDataType dataType = EkImageDataType::Unknown; ///< of a sample
-    EkDataStorageFormat storageFormat =
-        EkDataStorageFormat::Unknown;                               ///< Interleaved for pictures of the host
-    EkColorFilterArray colorFilterArray = EkColorFilterArray::None; ///< None: no colour filter
-    bool layoutFlag = false;                                        ///< false for every raw ToF picture
+    EkImageDataType dataType = EkImageDataType::Unknown;              ///< of a sample
+    EkDataStorageFormat storageFormat = EkDataStorageFormat::Unknown; ///< of the host: Interleaved
+    EkColorFilterArray colorFilterArray = EkColorFilterArray::None;   ///< None: no colour filter
+    bool layoutFlag = false;                                          ///< false for every raw ToF picture
 
     /// Interleaved samples without a colour filter, in packed rows: lineSize is width * channels * sample
     /// bytes, and 0, which allocations refuse, when that exceeds 32 bits.

@@ -70,6 +70,5 @@ public:
 
     /// Folder of the last file dialog; empty when there was none.
     virtual QString lastDirectory() = 0;
-    virtual void
-    setLastDirectory(const QString& sDirectory) = 0; ///< The start folder of the next file dialog.
+    virtual void setLastDirectory(const QString& sDirectory) = 0; ///< Start folder of the next dialog.
 };
