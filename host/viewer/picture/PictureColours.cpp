@@ -13,9 +13,9 @@
 namespace {
 
 /// Position of a value in the table of colours.
-class Scale {
+class CkColourScale {
 public:
-    explicit Scale(const SkColouring& colouring)
+    explicit CkColourScale(const SkColouring& colouring)
         : m_colours(colouring.colours.constData()), m_low(colouring.window.low),
           m_last(double(colouring.colours.size()) - 1.0) {
         const double range = colouring.window.high - colouring.window.low;
@@ -44,7 +44,7 @@ void colourSmall(const SkPicBuf& picBuf, quint32 channel, const SkColouring& col
     using Unsigned = std::make_unsigned_t<T>;
     constexpr size_t count = size_t(1) << (8 * sizeof(T));
     std::vector<QRgb> direct(count);
-    const Scale scale(colouring);
+    const CkColourScale scale(colouring);
     const SkDisplayWindow full = PictureColours::fullRange(picBuf);
     for (size_t i = 0; i < count; ++i) {
         const double value = double(T(Unsigned(i)));
@@ -62,7 +62,7 @@ void colourSmall(const SkPicBuf& picBuf, quint32 channel, const SkColouring& col
 
 template <class T>
 void colourLarge(const SkPicBuf& picBuf, quint32 channel, const SkColouring& colouring, QImage& image) {
-    const Scale scale(colouring);
+    const CkColourScale scale(colouring);
     const SkDisplayWindow full = PictureColours::fullRange(picBuf);
     const bool mark = colouring.markSaturated && std::is_integral_v<T>;
     for (quint32 y = 0; y < picBuf.height; ++y) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST_F(ChainPanel, ABrokenBlockSaysSoInItsViewAndTheOldPictureIsDark) {
+TEST_F(ChainPanel, AFailingBlockIsReportedInItsViewAndTheOldPictureIsDarkened) {
     auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
     ASSERT_NE(block, nullptr);
     CkImageView* view = firstView();

@@ -42,7 +42,7 @@ protected:
     int m_format = -1;
 };
 
-TEST_F(SaveFileName, AFileIsNotReplacedUnaskedWhenItsEndingWasNotTyped) {
+TEST_F(SaveFileName, AFileIsNotReplacedUnaskedWhenItsSuffixWasNotTyped) {
     QFile file(path("one.png"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
@@ -57,7 +57,7 @@ TEST_F(SaveFileName, AFileIsNotReplacedUnaskedWhenItsEndingWasNotTyped) {
     EXPECT_TRUE(m_driver.boxes[0].text.contains("one.png")) << qPrintable(m_driver.boxes[0].text);
 }
 
-TEST_F(SaveFileName, TheEndingIsThatOfTheChosenForm) {
+TEST_F(SaveFileName, TheSuffixIsThatOfTheChosenFormat) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "two"); });
     EXPECT_EQ(ask(), path("two.png"));
     EXPECT_EQ(m_format, 0);
@@ -72,12 +72,12 @@ TEST_F(SaveFileName, TheEndingIsThatOfTheChosenForm) {
     EXPECT_TRUE(m_driver.boxes.isEmpty());
 }
 
-TEST_F(SaveFileName, AnEndingThatWasTypedStays) {
+TEST_F(SaveFileName, ATypedSuffixStays) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "three.dat"); });
     EXPECT_EQ(ask(), path("three.dat"));
 }
 
-TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
+TEST_F(SaveFileName, ATypedSuffixDecidesTheFormat) {
     const QList<SkSaveFormat> formats = {{"PNG, as seen (*.png)", "png", 0},
                                          {"JPEG, as seen (*.jpg)", "jpg", 0},
                                          {"PNG, as measured (*.png)", "png", 1},
@@ -103,7 +103,7 @@ TEST_F(SaveFileName, ATypedEndingDecidesTheForm) {
     EXPECT_TRUE(m_driver.boxes.isEmpty());
 }
 
-TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
+TEST_F(SaveFileName, AnUnknownSuffixIsRefusedAndTheDialogOpensAgain) {
     m_driver.expectWindow([this](QWidget* dialog) { typeAndAccept(dialog, "four.bmp"); });
     // The same dialog again.
     QTimer again;
@@ -123,7 +123,7 @@ TEST_F(SaveFileName, AnEndingOfNoFormIsRefusedAndTheDialogComesBack) {
               "Possible extensions: .png, .tif.");
 }
 
-TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
+TEST_F(SaveFileName, ANumberAfterADotIsNoSuffix) {
     EXPECT_EQ(fileSuffix("room 1.5"), "");
     EXPECT_EQ(fileSuffix("2026-11-21 14.30.00 Depth"), "");
     EXPECT_EQ(fileSuffix("room"), "");
@@ -144,7 +144,7 @@ TEST_F(SaveFileName, ANumberBehindADotIsNoEnding) {
     EXPECT_TRUE(m_driver.boxes[0].text.startsWith("room 1.5.png already exists"));
 }
 
-TEST_F(SaveFileName, NothingIsSavedWhenTheParentGoesMeanwhile) {
+TEST_F(SaveFileName, NothingIsSavedWhenTheParentIsDeletedMeanwhile) {
     auto parent = std::make_unique<QWidget>();
     m_driver.expectWindow([&parent](QWidget*) { parent.reset(); });
     EXPECT_EQ(ask(EkUnknownSuffix::Accept, parent.get()), QString());

@@ -104,7 +104,7 @@ TEST(ImageView, FollowsFormatChangesFromFrameToFrame) {
     EXPECT_EQ(view.shownImage().size(), QSize(64, 48));
 }
 
-TEST(ImageView, WindowByHandStaysAndEndsAutomaticContrast) {
+TEST(ImageView, ManualWindowStaysAndEndsAutomaticContrast) {
     CkFedImageView view;
     view.feed(ramp16());
     view.shownImage();
@@ -149,7 +149,7 @@ TEST(ImageView, TakesOverANewTableAndItsFlags) {
     EXPECT_FALSE(automatic);
 }
 
-TEST(ImageView, TellsThePixelUnderTheMouse) {
+TEST(ImageView, ReportsThePixelUnderTheMouse) {
     CkFedImageView view;
     view.resize(400, 300);
     view.feed(ramp16());

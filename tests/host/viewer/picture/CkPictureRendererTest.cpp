@@ -30,7 +30,7 @@ CkPictureRenderer greyRenderer() {
     return renderer;
 }
 
-TEST(PictureRenderer, TellsAnotherFormatFromAnotherKind) {
+TEST(PictureRenderer, DistinguishesAnotherFormatFromAnotherKind) {
     CkPictureRenderer renderer;
     EXPECT_EQ(renderer.format().channels, 0U);
     EXPECT_EQ(renderer.adaptTo(*counts()), EkChange::Kind);

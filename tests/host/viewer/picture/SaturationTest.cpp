@@ -108,7 +108,7 @@ TEST(SaturationMonitor, OfSeveralExposuresTheShortestDecides) {
     EXPECT_EQ(ask(watch, 6, kSize, kAll), only(2, 1));
 }
 
-TEST(SaturationMonitor, SaysWhenTheSourceDoesNotTell) {
+TEST(SaturationMonitor, ReportsASourceThatDoesNotShowSaturation) {
     CkSaturationMonitor watch;
     CkImageMetadata metadata;
     metadata.tofFormatCode = ToFFormatCode::kAminusBBits12;
@@ -127,7 +127,7 @@ TEST(SaturationMonitor, SaysWhenTheSourceDoesNotTell) {
     ask(watch, 3, kSize, kAll, EkAnswer::Undetermined);
 }
 
-TEST(SaturationMonitor, StaysWithTheSourceWhenABlockIsPutBehindIt) {
+TEST(SaturationMonitor, StaysWithTheSourceWhenABlockIsInsertedAfterIt) {
     CkChain* chain = CkChainManager::instance()->createChain();
     auto* source = new PushSource;
     source->setFormat(4, 6, 1, EkImageDataType::UInt8, 8);
@@ -144,7 +144,7 @@ TEST(SaturationMonitor, StaysWithTheSourceWhenABlockIsPutBehindIt) {
     CkChainManager::instance()->closeChain(chain);
 }
 
-TEST(Saturation, OnlySamplesThatCameFromTheCameraTell) {
+TEST(Saturation, OnlySamplesOfTheCameraShowSaturation) {
     SkPicBufInfo info;
     info.width = 4;
     info.height = 6;

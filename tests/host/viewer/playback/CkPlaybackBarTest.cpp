@@ -118,7 +118,7 @@ TEST_F(PlaybackBar, LoopAndPaceArePassedOnAndShown) {
     EXPECT_FALSE(player()->isPlaying());
 }
 
-TEST_F(PlaybackBar, PlaysInRealTimeUnlessToldOtherwise) {
+TEST_F(PlaybackBar, PlaysInRealTimeByDefault) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
     EXPECT_EQ(player()->pace(), int(SkPlaybackSettings::RealTime));
@@ -163,7 +163,7 @@ TEST_F(PlaybackBar, FramesAreCountedOutOfAll) {
     EXPECT_TRUE(waitFor([&] { return box->text() == "Frame 9 of 10"; })) << qPrintable(box->text());
 }
 
-TEST_F(PlaybackBar, KeysWorkInTheViewsAndStandInTheHelp) {
+TEST_F(PlaybackBar, ShortcutsWorkInTheViewsAndAreListedInTheHelp) {
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
     // There may be no window manager to do it.
@@ -263,7 +263,7 @@ TEST_F(PlaybackBar, ATruncatedRecordingShowsWhatIsLeftAndSaysWhatIsNot) {
     expectSample(8);
 }
 
-TEST_F(PlaybackBar, OpeningALongFileCanBeCalledOff) {
+TEST_F(PlaybackBar, OpeningALongFileCanBeCancelled) {
     // Millions of pages of one entry each: the search takes far longer than pressing a button.
     constexpr quint32 pages = 3'000'000;
     constexpr quint32 pageBytes = 18;

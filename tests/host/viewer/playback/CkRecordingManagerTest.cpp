@@ -172,7 +172,7 @@ TEST_F(RecordingManager, AFileInUseIsNotOverwritten) {
     ASSERT_TRUE(waitUntilFinished(job));
 }
 
-TEST_F(RecordingManager, ASourceIsFollowedWhateverIsPutBehindIt) {
+TEST_F(RecordingManager, ASourceIsFollowedWhenBlocksAreInsertedAfterIt) {
     CkChainable* source = recordings()->sourceToRecord();
     CkChain* chain = source->chain();
     CkRecordingJob* job = record(source, path("raw.tif"));
@@ -234,7 +234,7 @@ private:
     QTimer m_timer;
 };
 
-TEST_F(RecordingManager, AChainBehindTheRecordedSourceIsOffered) {
+TEST_F(RecordingManager, AChainAfterTheRecordedSourceIsOffered) {
     CkChainable* source = recordings()->sourceToRecord();
     auto* block = new CkDemoBlock;
     block->m_iSetting = 77;
@@ -290,7 +290,7 @@ TEST_F(RecordingManager, TheOutputOfAChainIsNotProcessedTwice) {
     EXPECT_EQ(player()->chain()->blocks().size(), 1);
 }
 
-TEST_F(RecordingManager, ColoursAndContrastComeBack) {
+TEST_F(RecordingManager, ColoursAndContrastAreRestored) {
     CkImageView* view = firstView();
     CkLut* lut = view->viewLut(nullptr, nullptr, nullptr);
     lut->setPseudoColorIndex(2);
@@ -314,7 +314,7 @@ TEST_F(RecordingManager, ColoursAndContrastComeBack) {
     EXPECT_EQ(played->viewLut(nullptr, nullptr, nullptr)->pseudoColorIndex(), 2);
 }
 
-TEST(RecordingNotes, ChainsOfNobodyAreRefused) {
+TEST(RecordedChain, ChainsWithoutAnOwnerAreRefused) {
     QDomDocument doc;
     const QDomElement settings = doc.createElement("block");
     QString error;
@@ -332,7 +332,7 @@ TEST(RecordingNotes, ChainsOfNobodyAreRefused) {
 }
 
 // Looks shallow to a check that only counts characters.
-TEST(RecordingNotes, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
+TEST(RecordedChain, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
     QDomDocument doc;
     const QDomElement settings = doc.createElement("block");
     constexpr int levels = 150'000;
@@ -347,7 +347,7 @@ TEST(RecordingNotes, DeepChainsAreRefusedWhateverTheirElementsAreNamed) {
     }
 }
 
-TEST(RecordingNotes, OnlyWhatTheRecordedBlockFeedsIsKept) {
+TEST(RecordedChain, OnlyWhatTheRecordedBlockFeedsIsKept) {
     SkRecordingInfo info;
     info.chainXml = QStringLiteral("<chain version=\"1\"><block class=\"s\" id=\"0\" predecessors=\"\"/>"
                                    "<block class=\"other\" id=\"1\" predecessors=\"0\"/>"

@@ -55,7 +55,7 @@ void overwrite(const QString& fileName, qint64 at, char value) {
 
 } // namespace
 
-TEST_F(PluginChecker, WhateverEndsAProgramIsRefusedWithItsName) {
+TEST_F(PluginChecker, LibrariesThatEndTheProgramAreRefusedByName) {
     ASSERT_FALSE(PluginProbe::program().isEmpty());
     struct SkCase {
         const char* place;

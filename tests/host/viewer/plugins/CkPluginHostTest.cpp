@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST_F(ViewerSession, PluginIsToldOfEverythingInOrder) {
+TEST_F(ViewerSession, PluginIsNotifiedOfEverythingInOrder) {
     m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
     ASSERT_TRUE(start());
     ASSERT_FALSE(m_session->plugins()->plugins().isEmpty());

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
+TEST_F(RecordingSession, IsRestoredAtTheFrameThatWasShown) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));
@@ -64,7 +64,7 @@ TEST_F(RecordingSession, ComesBackAtTheFrameThatWasShown) {
     EXPECT_TRUE(waitForShown(7));
 }
 
-TEST_F(RecordingSession, ComesBackWithoutAnyCamera) {
+TEST_F(RecordingSession, IsRestoredWithoutAnyCamera) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(openFile(path("a.tif")));
     ASSERT_TRUE(waitForShown(0));

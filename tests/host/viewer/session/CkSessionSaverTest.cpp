@@ -39,7 +39,7 @@ protected:
     QMdiSubWindow* frame() const { return area()->subWindowList().value(0); }
 };
 
-TEST_F(SessionSaver, WhatWasNotClosedComesBackAllTheSame) {
+TEST_F(SessionSaver, WhatWasNotClosedIsRestoredAfterACrash) {
     ASSERT_TRUE(startKeeping());
     openGrey();
     auto* log = window()->findChild<QDockWidget*>("dockLog");
@@ -117,7 +117,7 @@ TEST_F(SessionSaver, ACleanStartReplacesNothingBeforeItsUserActs) {
     EXPECT_FALSE(remembered().contains("sim:grey"));
 }
 
-TEST_F(SessionSaver, TheEmptyAreaBehindAClosedWindowIsNotRemembered) {
+TEST_F(SessionSaver, TheEmptyAreaAfterClosingTheWindowIsNotSaved) {
     ASSERT_TRUE(startKeeping());
     openGrey();
     ASSERT_TRUE(waitUntilRemembered("sim:grey"));
@@ -167,7 +167,7 @@ protected:
     bool m_bLegend = false;
 };
 
-TEST_F(SessionLook, ChannelZoomAndColoursComeBackEvenOverASessionWithoutAFrame) {
+TEST_F(SessionLook, ChannelZoomAndColoursAreRestoredEvenAfterASessionWithoutAFrame) {
     ASSERT_TRUE(start());
     ASSERT_TRUE(cameras()->start(cameras()->openCamera("sim:wave", true)));
     ASSERT_TRUE(waitForFrame(firstView()));

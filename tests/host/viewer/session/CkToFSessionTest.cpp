@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(ToFSession, The3dViewOfTheLastSessionComesBack) {
+TEST_F(ToFSession, The3dViewOfTheLastSessionIsRestored) {
     ASSERT_TRUE(start());
     void* wave = cameras()->openCamera("sim:wave", true);
     ASSERT_TRUE(cameras()->start(wave));

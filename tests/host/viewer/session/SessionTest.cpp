@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(Session, CamerasAndViewsComeBackAsTheyWere) {
+TEST_F(Session, CamerasAndViewsAreRestored) {
     ASSERT_TRUE(start());
     void* grey = openGrey();
     void* wave = cameras()->openCamera("sim:wave", true);
@@ -60,7 +60,7 @@ TEST_F(Session, CamerasAndViewsComeBackAsTheyWere) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 3);
 }
 
-TEST_F(Session, BlocksOfTheChainsAndTheirSettingsComeBack) {
+TEST_F(Session, BlocksOfTheChainsAndTheirSettingsAreRestored) {
     CkRTTI::instance()->registerClass(nullptr, &CkDemoBlock::staticMetaObject, QStringLiteral("CkChainable"));
     ASSERT_TRUE(start());
     openGrey();
@@ -85,7 +85,7 @@ TEST_F(Session, BlocksOfTheChainsAndTheirSettingsComeBack) {
     m_session.reset();
 }
 
-TEST_F(Session, PanelsAndPlacesComeBack) {
+TEST_F(Session, PanelsAndPositionsAreRestored) {
     ASSERT_TRUE(start());
     openGrey();
     auto* log = window()->findChild<QDockWidget*>("dockLog");
@@ -106,7 +106,7 @@ TEST_F(Session, PanelsAndPlacesComeBack) {
     EXPECT_TRUE(area()->arrangesItself());
 }
 
-TEST_F(Session, NothingComesBackForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
+TEST_F(Session, NothingIsRestoredForACleanStartOrNamedCamerasOrWhenSwitchedOff) {
     ASSERT_TRUE(start());
     openGrey();
     endSession();
@@ -149,7 +149,7 @@ TEST_F(Session, UnattendedRunsNeitherReadNorWrite) {
     EXPECT_EQ(remembered(), before);
 }
 
-TEST_F(Session, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
+TEST_F(Session, MissingCameraIsNamedAndItsViewsAreNotGivenToAnother) {
     ASSERT_TRUE(start());
     cameras()->openCamera("sim:wave", true);
     openGrey();
@@ -167,7 +167,7 @@ TEST_F(Session, CameraThatIsGoneIsNamedAndDoesNotLendItsViewsToAnother) {
     EXPECT_EQ(CkChainManager::instance()->chains().size(), 1);
 }
 
-TEST_F(Session, NonsenseOpensNothingAndSaysSo) {
+TEST_F(Session, NonsenseOpensNothingAndIsReported) {
     ASSERT_TRUE(start());
     const QByteArray deep = "<session version='1'>" + QByteArray("<_a>").repeated(150'000) +
                             QByteArray("</_a>").repeated(150'000) + "</session>";

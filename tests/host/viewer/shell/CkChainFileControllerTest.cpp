@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST_F(ChainPanel, ChainFileBringsTheSameBlocksBackWithTheirSettings) {
+TEST_F(ChainPanel, ChainFileRestoresTheSameBlocksWithTheirSettings) {
     auto* first = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
     ASSERT_NE(first, nullptr);
     first->m_iSetting = 17;

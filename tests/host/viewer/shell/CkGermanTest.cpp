@@ -109,7 +109,7 @@ TEST(ViewerLanguage, IsReadFromTheCommandLineBeforeAnythingElse) {
     EXPECT_EQ(ViewerLanguage::requested({"zuviewer"}), "");
 }
 
-TEST(ViewerLanguage, KeepsTheRegionOfWhoSpeaksTheLanguageAnyway) {
+TEST(ViewerLanguage, KeepsTheTerritoryOfALocaleInThatLanguage) {
     const LocaleScope vienna{QLocale(QLocale::German, QLocale::Austria)};
     EXPECT_EQ(ViewerLanguage::apply("de").territory(), QLocale::Austria);
     EXPECT_EQ(ViewerLanguage::apply("en").language(), QLocale::English);

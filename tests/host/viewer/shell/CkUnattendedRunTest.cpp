@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST_F(ViewerSession, TriggeredButtonBehindAnotherTabComesToTheFront) {
+TEST_F(ViewerSession, TriggeredButtonInABackgroundTabIsRaised) {
     m_options.cameras = QStringList{"2"};
     ASSERT_TRUE(start());
     ASSERT_TRUE(waitForFrame(firstView()));

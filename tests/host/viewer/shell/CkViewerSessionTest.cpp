@@ -66,7 +66,7 @@ TEST_F(ViewerSession, OpenedCameraIsShownWithPanelRateAndPixelValue) {
     EXPECT_TRUE(status->pixelText().startsWith("x 30, y 20:")) << qPrintable(status->pixelText());
 }
 
-TEST_F(ViewerSession, UnknownCameraIsReportedAndTheViewerLives) {
+TEST_F(ViewerSession, UnknownCameraIsReportedAndTheViewerContinues) {
     m_options.cameras = QStringList{"17", "no-such-camera"};
     EXPECT_FALSE(start());
     EXPECT_TRUE(window()->isVisible());

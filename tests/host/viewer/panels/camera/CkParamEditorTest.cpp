@@ -115,7 +115,7 @@ TEST_F(ParamEditor, FollowsChangesMadeElsewhereEvenUnlistedOnes) {
     EXPECT_EQ(m_committed.size(), 1);
 }
 
-TEST_F(ParamEditor, ReadOnlyIsDisabledAndSaysSo) {
+TEST_F(ParamEditor, ReadOnlyIsDisabledWithAReason) {
     CkCameraParam::SkDescription description;
     description.name = "fixed";
     description.kind = CkCameraParam::EkKind::Integer;
@@ -141,7 +141,7 @@ protected:
     }
 };
 
-TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedWithAWord) {
+TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedAndReported) {
     const LocaleScope locale(QLocale::c());
     CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), 5.0, 80.0, 0.5);
     CkParamEditor editor(param);
@@ -162,7 +162,7 @@ TEST_F(ParamTyping, AValueBeyondTheLimitsIsClampedWithAWord) {
     EXPECT_FALSE(editor.findChild<QLabel*>("paramRemark")->isVisible());
 }
 
-TEST_F(ParamTyping, AValueBetweenTwoStepsIsToldAndOneThatFitsIsNot) {
+TEST_F(ParamTyping, AValueBetweenTwoStepsIsReportedAndOneThatFitsIsNot) {
     const LocaleScope locale(QLocale::c());
     CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), 5.0, 80.0, 0.5);
     CkParamEditor editor(param);
@@ -207,7 +207,7 @@ TEST_F(ParamTyping, PointAndCommaAreBothDecimalSignsAndWhatCouldBeTwoNumbersIsMa
     }
 }
 
-TEST_F(ParamTyping, HalfANumberLeavesTheOldValueAndSaysSo) {
+TEST_F(ParamTyping, HalfANumberLeavesTheOldValueAndIsReported) {
     const LocaleScope locale(QLocale::c());
     CkCameraParam* param = add(CkCameraParam::EkKind::Float, CkValue(20.0), -5.0, 80.0, 0.5);
     CkParamEditor editor(param);
@@ -216,7 +216,7 @@ TEST_F(ParamTyping, HalfANumberLeavesTheOldValueAndSaysSo) {
     EXPECT_EQ(editor.remark(), "\"-\" is not a clear number; 20.0 MHz stays.");
 }
 
-TEST_F(ParamTyping, ARefusalIsToldAndTheNextGoodValueClearsIt) {
+TEST_F(ParamTyping, ARefusalIsReportedAndTheNextGoodValueClearsIt) {
     CkCameraParam* param = add(CkCameraParam::EkKind::Integer, CkValue(4), 1, 8, 1);
     CkParamEditor editor(param);
     m_bAccept = false;
@@ -230,7 +230,7 @@ TEST_F(ParamTyping, ARefusalIsToldAndTheNextGoodValueClearsIt) {
     EXPECT_EQ(editor.remark(), "");
 }
 
-TEST_F(ParamTyping, AStepAfterTypingIsNoWordUnlessTheNumberDidNotFit) {
+TEST_F(ParamTyping, AStepAfterTypingIsReportedOnlyIfTheNumberDidNotFit) {
     CkCameraParam* param = add(CkCameraParam::EkKind::Integer, CkValue(4), 1, 8, 1);
     CkParamEditor editor(param);
     editor.show();

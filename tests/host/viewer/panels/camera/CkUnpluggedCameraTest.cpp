@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndGoesOnWhenItIsBack) {
+TEST_F(ViewerSession, AnUnpluggedCameraFreezesItsViewsAndContinuesWhenPluggedIn) {
     m_options.pluginPaths = QStringList{ZU_PROBE_PLUGIN};
     ASSERT_TRUE(start());
     CkCameraManager* manager = CkCameraManager::instance();

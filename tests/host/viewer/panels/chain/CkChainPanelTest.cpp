@@ -56,7 +56,7 @@ TEST_F(ChainPanel, BranchGetsAViewOfItsOwn) {
     EXPECT_TRUE(waitForFrame(area()->views().last()));
 }
 
-TEST_F(ChainPanel, BlockThatDoesNotFitIsRefusedWithABoxAndTheChainGoesOn) {
+TEST_F(ChainPanel, BlockThatDoesNotFitIsRefusedWithABoxAndTheChainContinues) {
     const qsizetype before = chain()->blocks().size();
     EXPECT_EQ(panel()->addBlock("test.CkPickyBlock", false), nullptr);
     auto* box = window()->findChild<QMessageBox*>("chainProblemBox");
@@ -121,7 +121,7 @@ TEST_F(ChainPanel, ConfigureHelpSwitchAndRemove) {
     EXPECT_FALSE(panel()->findChild<QToolButton*>("btnRemoveBlock")->isEnabled());
 }
 
-TEST_F(ChainPanel, SettingsDialogGoesWhenTheChainCloses) {
+TEST_F(ChainPanel, SettingsDialogClosesWithTheChain) {
     CkChainable* block = panel()->addBlock(kDemo, false);
     tree()->selectBlock(block);
     panel()->configureSelected();

@@ -26,7 +26,7 @@ private:
     QRegion m_first; ///< in the first paint
 };
 
-TEST_F(ChainPanel, ErrorTextStandsOnTheBlockWhileItLasts) {
+TEST_F(ChainPanel, ErrorTextIsShownOnTheBlockWhileItLasts) {
     auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
     ASSERT_NE(block, nullptr);
     settle();
@@ -40,7 +40,7 @@ TEST_F(ChainPanel, ErrorTextStandsOnTheBlockWhileItLasts) {
     EXPECT_EQ(tree()->shownState(block), "runs");
 }
 
-TEST_F(ChainPanel, AnErrorThatIsGoneLeavesNoRowBehind) {
+TEST_F(ChainPanel, AClearedErrorLeavesNoRow) {
     auto* block = qobject_cast<CkDemoBlock*>(panel()->addBlock(kDemo, false));
     ASSERT_NE(block, nullptr);
     settle();

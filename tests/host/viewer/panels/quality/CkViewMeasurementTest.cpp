@@ -54,7 +54,7 @@ TEST(ViewMeasurement, RestartDropsValuesAndKeepsTheRegion) {
     EXPECT_EQ(measurement.values().frames, 1);
 }
 
-TEST(ViewMeasurement, FloatsOfNoBlockCannotTellSaturation) {
+TEST(ViewMeasurement, FloatsOfNoBlockDoNotShowSaturation) {
     CkViewMeasurement measurement;
     CkSaturationMonitor monitor;
     measurement.setRegion(QRect(1, 1, 5, 5));
