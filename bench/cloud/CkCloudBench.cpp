@@ -41,9 +41,8 @@ const SkToFDepthPictures& phasePictures() {
         return frame.pictures();
     }
     SkPicBuf input;
-    CkPicBufAPI::AllocPicBufFromHeap(input, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
-                                     EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
-                                     0);
+    CkPicBufAPI::AllocPicBufFromHeap(input,
+                                     SkPicBufInfo::of(kWidth, kHeight, 2, EkImageDataType::Float32, 32));
     std::mt19937 random(1);
     std::uniform_real_distribution<float> noise(0.0F, 1.0F);
     for (quint32 y = 0; y < kHeight; y++) {
@@ -68,9 +67,8 @@ const SkToFDepthPictures& genericPictures() {
     if (pictures.depthPic.data) {
         return pictures;
     }
-    CkPicBufAPI::AllocPicBufFromHeap(pictures.depthPic, kWidth, kHeight, 1, EkImageDataType::UInt16, 0, 0, 12,
-                                     EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
-                                     0);
+    CkPicBufAPI::AllocPicBufFromHeap(pictures.depthPic,
+                                     SkPicBufInfo::of(kWidth, kHeight, 1, EkImageDataType::UInt16, 12));
     for (quint32 y = 0; y < kHeight; y++) {
         for (quint32 x = 0; x < kWidth; x++) {
             reinterpret_cast<quint16*>(pictures.depthPic.row(y))[x] = quint16((x * 7 + y * 13) % 4096);
@@ -209,9 +207,8 @@ void ply(benchmark::State& state) {
 
 void depthFrame(benchmark::State& state) {
     SkPicBuf input;
-    CkPicBufAPI::AllocPicBufFromHeap(input, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
-                                     EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false, false,
-                                     0);
+    CkPicBufAPI::AllocPicBufFromHeap(input,
+                                     SkPicBufInfo::of(kWidth, kHeight, 2, EkImageDataType::Float32, 32));
     CkImageMetadata metadata;
     metadata.channelNames = {"Phase shift", "Confidence"};
     CkToFDepthFrame frame;

@@ -43,9 +43,8 @@ double now(clockid_t clock) {
 
 std::unique_ptr<CkImageData> waves(int i) {
     SkPicBuf picture;
-    if (!CkPicBufAPI::AllocPicBufFromHeap(picture, kWidth, kHeight, 2, EkImageDataType::Float32, 0, 0, 32,
-                                          EkDataStorageFormat::Interleaved, EkColorFilterArray::None, false,
-                                          false, 0)) {
+    if (!CkPicBufAPI::AllocPicBufFromHeap(
+            picture, SkPicBufInfo::of(kWidth, kHeight, 2, EkImageDataType::Float32, 32))) {
         std::abort();
     }
     for (int y = 0; y < kHeight; ++y) {

@@ -1,6 +1,7 @@
 #include "sim/camera/CkSimCameraDriver.h"
 #include "tests/sim/SimFrames.h"
 
+#include "tests/support/TestPicture.h"
 #include "zuCore/CkPicBufAPI.h"
 
 #include <gtest/gtest.h>
@@ -334,12 +335,8 @@ TEST(CkSimFormat, trueDistancesBelongToTheFrame) {
     }
     EXPECT_NE(middle[0], middle[2]) << "the sphere moves";
 
-    SkPicBuf wrong;
-    ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(wrong, 640, 480, 2, EkImageDataType::Float32, 0, 0, 32,
-                                                 EkDataStorageFormat::Interleaved, EkColorFilterArray::None,
-                                                 false, false, 0));
-    EXPECT_FALSE(sim->trueDistance(0, wrong));
-    CkPicBufAPI::FreePicBuf(wrong);
+    TestPicture wrong(640, 480, 2, EkImageDataType::Float32);
+    EXPECT_FALSE(sim->trueDistance(0, *wrong));
 }
 
 TEST(CkSimFormat, parametersTellWhatTheyAre) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zuCore/SampleVisitor.h"
 #include "zuCore/SkPicBuf.h"
 
 #include <algorithm>
@@ -67,20 +68,10 @@ public:
         std::memcpy(place(x, y, c, sizeof(T)), &value, sizeof(T));
     }
 
-    /// An integer sample of any type with up to 32 bits.
+    /// An integer sample of any type but UInt64.
     qint64 integerAt(quint32 x, quint32 y, quint32 c = 0) const {
-        switch (m_picBuf.dataType) {
-        case EkImageDataType::Int8:
-            return at<qint8>(x, y, c);
-        case EkImageDataType::UInt8:
-            return at<quint8>(x, y, c);
-        case EkImageDataType::Int16:
-            return at<qint16>(x, y, c);
-        case EkImageDataType::UInt16:
-            return at<quint16>(x, y, c);
-        default:
-            return at<quint32>(x, y, c);
-        }
+        return visitIntegerSamples(m_picBuf.dataType,
+                                   [&](auto zero) { return qint64(at<decltype(zero)>(x, y, c)); });
     }
     /// The low bytes of the value, as many as the sample has.
     void setInteger(quint32 x, quint32 y, quint32 c, qint64 value) {

@@ -1,18 +1,12 @@
 #include "tests/tools/tof/ToFFixture.h"
 
 #include "plugins/zplToF/pic/CkToFPicAPI.h"
+#include "tests/support/TestPicture.h"
 
 namespace {
 
 class ToFProcessTest : public ToFFixture {
 protected:
-    static SkPicBuf allocate(quint32 width, quint32 height, quint32 channels, EkImageDataType type) {
-        SkPicBuf picBuf;
-        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picBuf, width, height, channels, type, 0, 0,
-                                                     8 * sampleBytes(type), EkDataStorageFormat::Interleaved,
-                                                     EkColorFilterArray::None, false, false, 0));
-        return picBuf;
-    }
     static bool samePixels(const SkPicBuf& a, const SkPicBuf& b) {
         const size_t row = size_t(a.width) * a.channels * sampleBytes(a.dataType);
         bool same = a.width == b.width && a.height == b.height && a.channels == b.channels &&
@@ -37,12 +31,11 @@ TEST_F(ToFProcessTest, DepthIsWhatThePictureOperationMakes) {
     for (qint64 i = 0; i < 3; ++i) {
         const auto source = raw->read(i, nullptr);
         const auto result = depth->read(i, nullptr);
-        SkPicBuf expected = allocate(640, 480, 2, EkImageDataType::Float32);
-        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source->picBuf(), expected, 4));
-        EXPECT_TRUE(samePixels(result->picBuf(), expected));
+        TestPicture expected(640, 480, 2, EkImageDataType::Float32);
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(source->picBuf(), *expected, 4));
+        EXPECT_TRUE(samePixels(result->picBuf(), *expected));
         EXPECT_EQ(result->metadata().channelNames.value(0), QStringLiteral("Phase shift"));
         EXPECT_EQ(result->picBuf().additionalData.frameNumber, source->picBuf().additionalData.frameNumber);
-        CkPicBufAPI::FreePicBuf(expected);
     }
 }
 
@@ -72,20 +65,18 @@ TEST_F(ToFProcessTest, SeparatePhasesAreGathered) {
     ASSERT_EQ(stacked->frameCount(), 2); // the third set has two phases only
     ASSERT_EQ(depth->frameCount(), 2);
     for (qint64 set = 0; set < 2; ++set) {
-        SkPicBuf expected = allocate(640, 4 * 480, 2, EkImageDataType::UInt16);
+        TestPicture expected(640, 4 * 480, 2, EkImageDataType::UInt16);
         CkToFPicAPI::AngleList angles;
         for (quint32 phase = 0; phase < 4; ++phase) {
             const auto image = raw->read(4 * set + phase, nullptr);
             ASSERT_EQ(image->metadata().phaseSequenceIndex, qint32(phase));
-            ASSERT_TRUE(CkPicBufAPI::CopyRect(expected, 0, 480 * phase, image->picBuf(), 0, 0, 640, 480));
+            ASSERT_TRUE(CkPicBufAPI::CopyRect(*expected, 0, 480 * phase, image->picBuf(), 0, 0, 640, 480));
             angles.push_back(image->metadata().phaseAngle);
         }
-        EXPECT_TRUE(samePixels(stacked->read(set, nullptr)->picBuf(), expected));
-        SkPicBuf phaseShift = allocate(640, 480, 2, EkImageDataType::Float32);
-        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(expected, phaseShift, 4, &angles));
-        EXPECT_TRUE(samePixels(depth->read(set, nullptr)->picBuf(), phaseShift));
-        CkPicBufAPI::FreePicBuf(expected);
-        CkPicBufAPI::FreePicBuf(phaseShift);
+        EXPECT_TRUE(samePixels(stacked->read(set, nullptr)->picBuf(), *expected));
+        TestPicture phaseShift(640, 480, 2, EkImageDataType::Float32);
+        ASSERT_TRUE(CkToFPicAPI::rawX2PicToPhaseShift_Confidence(*expected, *phaseShift, 4, &angles));
+        EXPECT_TRUE(samePixels(depth->read(set, nullptr)->picBuf(), *phaseShift));
     }
 }
 

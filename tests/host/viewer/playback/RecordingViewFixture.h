@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/host/viewer/ViewerFixture.h"
+#include "tests/support/TestPicture.h"
 
 #include "host/recording/CkRecordingReader.h"
 #include "host/recording/CkVideoSource.h"
@@ -36,21 +37,13 @@ protected:
         CkRecordingWriter writer;
         ASSERT_TRUE(writer.open(file, info)) << qPrintable(writer.errorMessage());
         for (qint64 frame = 0; frame < frames; ++frame) {
-            SkPicBuf picture;
-            ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, 32, 24, 1, EkImageDataType::UInt16, 0, 0,
-                                                         16, EkDataStorageFormat::Interleaved,
-                                                         EkColorFilterArray::None, false, false, 0));
-            for (quint32 y = 0; y < 24; ++y) {
-                for (quint32 x = 0; x < 32; ++x) {
-                    reinterpret_cast<quint16*>(picture.row(y))[x] = sample(frame, x, y);
-                }
-            }
-            picture.additionalData.frameNumber = quint64(frame);
-            picture.additionalData.timestampNs = 1'000'000'000 + frame * 40'000'000;
+            TestPicture picture(32, 24, 1, EkImageDataType::UInt16);
+            picture.fill<quint16>([frame](quint32 x, quint32 y, quint32) { return sample(frame, x, y); });
+            picture->additionalData.frameNumber = quint64(frame);
+            picture->additionalData.timestampNs = 1'000'000'000 + frame * 40'000'000;
             CkImageMetadata metadata;
             metadata.frameNumber = quint64(frame);
-            ASSERT_TRUE(writer.write(picture, metadata));
-            CkPicBufAPI::FreePicBuf(picture, true);
+            ASSERT_TRUE(writer.write(*picture, metadata));
         }
         ASSERT_TRUE(writer.close());
     }

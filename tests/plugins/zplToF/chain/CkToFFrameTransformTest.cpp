@@ -186,9 +186,8 @@ TEST(StackedFrame, AnUnsupportedPhasesCountGivesAZeroPicture) {
         auto frame = rig.frame([](quint32, quint32, quint32 c) { return c == 0 ? 300 : 100; });
         // Three phases of 3 rows: as many rows come out as from two phases of 3.
         SkPicBuf taller;
-        ASSERT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(taller, 4, 9, 2, EkImageDataType::UInt16, 0, 0, 12,
-                                                     EkDataStorageFormat::Interleaved,
-                                                     EkColorFilterArray::None, false, false, 0));
+        ASSERT_TRUE(
+            CkPicBufAPI::AllocPicBufFromHeap(taller, SkPicBufInfo::of(4, 9, 2, EkImageDataType::UInt16, 12)));
         std::memset(taller.data, 0x11, size_t(taller.lineSize) * taller.height);
         frame->setPicBuf(taller);
         CkImageMetadata metadata = frame->metadata();

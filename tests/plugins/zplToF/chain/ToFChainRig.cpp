@@ -134,20 +134,8 @@ int ToFChainRig::Bell::takeFrame(CkImageData* data) {
 }
 
 int valueAt(const SkPicBuf& picture, quint32 x, quint32 y, quint32 c) {
-    switch (picture.dataType) {
-    case EkImageDataType::Int8:
-        return sampleAt<qint8>(picture, x, y, c);
-    case EkImageDataType::UInt8:
-        return sampleAt<quint8>(picture, x, y, c);
-    case EkImageDataType::Int16:
-        return sampleAt<qint16>(picture, x, y, c);
-    case EkImageDataType::UInt16:
-        return sampleAt<quint16>(picture, x, y, c);
-    case EkImageDataType::Float32:
-        return int(sampleAt<float>(picture, x, y, c));
-    default:
-        return sampleAt<qint32>(picture, x, y, c);
-    }
+    return visitSamples(picture.dataType,
+                        [&](auto zero) { return int(sampleAt<decltype(zero)>(picture, x, y, c)); });
 }
 
 std::vector<int> rowValues(const SkPicBuf& picture) {

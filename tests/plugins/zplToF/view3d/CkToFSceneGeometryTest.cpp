@@ -45,9 +45,8 @@ public:
 
     const CkToFCloudBuilder& make(quint32 width, quint32 height, quint8 value) {
         SkPicBuf& picture = m_pictures.depthPic;
-        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, 1, EkImageDataType::UInt8, 0, 0,
-                                                     8, EkDataStorageFormat::Interleaved,
-                                                     EkColorFilterArray::None, false, false, 0));
+        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(
+            picture, SkPicBufInfo::of(width, height, 1, EkImageDataType::UInt8, 8)));
         for (quint32 y = 0; y < height; ++y) {
             std::memset(picture.row(y), value, width);
         }
@@ -61,9 +60,8 @@ public:
     /// Only this many pixels are drawn, the first ones.
     const CkToFCloudBuilder& makePartly(quint32 width, quint32 height, quint32 points) {
         SkPicBuf& picture = m_pictures.depthPic;
-        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(picture, width, height, 1, EkImageDataType::Float32, 0,
-                                                     0, 32, EkDataStorageFormat::Interleaved,
-                                                     EkColorFilterArray::None, false, false, 0));
+        EXPECT_TRUE(CkPicBufAPI::AllocPicBufFromHeap(
+            picture, SkPicBufInfo::of(width, height, 1, EkImageDataType::Float32, 32)));
         for (quint32 i = 0; i < width * height; ++i) {
             reinterpret_cast<float*>(picture.row(i / width))[i % width] =
                 i < points ? 1.0F : std::numeric_limits<float>::quiet_NaN();
