@@ -48,18 +48,18 @@ bool CkToFPlugin::init() {
             enable(action, false, tr("No view is active"));
             return action;
         };
-        m_pOpen3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
-        m_pOpenAllViews = add(tr("Open All ToF Processing Views"), "menuOpenAllToFProcessingViews");
-        m_pCalibrate = add(tr("Calibrate distance offset..."), "menuTofCalibrateOffset");
+        m_open3dView = add(tr("Open ToF 3D View"), "menuOpenToF3dView");
+        m_openAllViews = add(tr("Open All ToF Processing Views"), "menuOpenAllToFProcessingViews");
+        m_calibrate = add(tr("Calibrate distance offset..."), "menuTofCalibrateOffset");
         // Cameras are opened and closed without a change of the active view.
         connect(menu, &QMenu::aboutToShow, this, [this] {
             if (IkAppDelegate* now = IkAppDelegate::instance()) {
                 enableMainMenuItems(now->activeViewId());
             }
         });
-        connect(m_pOpen3dView, SIGNAL(triggered()), this, SLOT(on_actOpenToF3dView()));
-        connect(m_pOpenAllViews, SIGNAL(triggered()), this, SLOT(on_actOpenAllToFViews()));
-        connect(m_pCalibrate, SIGNAL(triggered()), this, SLOT(on_actCalibrateOffset()));
+        connect(m_open3dView, SIGNAL(triggered()), this, SLOT(on_actOpenToF3dView()));
+        connect(m_openAllViews, SIGNAL(triggered()), this, SLOT(on_actOpenAllToFViews()));
+        connect(m_calibrate, SIGNAL(triggered()), this, SLOT(on_actCalibrateOffset()));
     }
     const QList<void*> cameras = CkCameraManager::instance()->openedCameras();
     for (void* camera : cameras) {
@@ -151,7 +151,7 @@ void CkToFPlugin::enableMainMenuItems(int iActiveViewId) {
                                ToFCameraCheck::isToFCamera(cameras->openedCameras().constFirst());
     const QString noView = tr("No view is active");
     const QString noCamera = active ? tr("The active view does not show a ToF camera") : noView;
-    enable(m_pOpen3dView, active, noView);
-    enable(m_pOpenAllViews, tofView, noCamera);
-    enable(m_pCalibrate, tofView || onlyToFCamera, noCamera);
+    enable(m_open3dView, active, noView);
+    enable(m_openAllViews, tofView, noCamera);
+    enable(m_calibrate, tofView || onlyToFCamera, noCamera);
 }

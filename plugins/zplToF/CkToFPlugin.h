@@ -46,9 +46,9 @@ public slots:
     void enableMainMenuItems(int iActiveViewId);
 
 private:
-    QPointer<QAction> m_pOpen3dView;
-    QPointer<QAction> m_pOpenAllViews;
-    QPointer<QAction> m_pCalibrate;
+    QPointer<QAction> m_open3dView;
+    QPointer<QAction> m_openAllViews;
+    QPointer<QAction> m_calibrate;
     CkToFChainHost m_chainHost;
     CkToFActions m_actions;
 };

@@ -21,12 +21,12 @@ constexpr float kInchesPerMetre = 39.37008F;
 // the same result then as when the button is pressed.
 class CkToFDismissal : public QObject {
 public:
-    bool bHappened = false;
+    bool happened = false;
 
     bool eventFilter(QObject*, QEvent* pEvent) override {
-        bHappened = bHappened || pEvent->type() == QEvent::Close ||
-                    (pEvent->type() == QEvent::KeyPress &&
-                     static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Cancel));
+        happened = happened || pEvent->type() == QEvent::Close ||
+                   (pEvent->type() == QEvent::KeyPress &&
+                    static_cast<QKeyEvent*>(pEvent)->matches(QKeySequence::Cancel));
         return false;
     }
 };
@@ -74,10 +74,10 @@ void CkToFCalibrateOffsetDlg::on_buttonBox_accepted() {
         }
         return;
     }
-    m_iFramesToAverage = iFramesToAverage;
-    m_fDistance = fDistance;
+    m_framesToAverage = iFramesToAverage;
+    m_distance = fDistance;
     m_estimator.reset();
-    m_uiFramesDone = 0;
+    m_framesDone = 0;
     m_state = EkState::Measuring;
     m_ui->buttonBox->button(QDialogButtonBox::Ok)->setEnabled(false);
     if (m_view) {
@@ -95,15 +95,15 @@ void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
         return;
     }
     if (m_estimator.addPicture(frame->picBuf(), &frame->metadata())) {
-        m_fModulationFreq = frame->metadata().modulationFrequency;
-        ++m_uiFramesDone;
+        m_modulationFreq = frame->metadata().modulationFrequency;
+        ++m_framesDone;
         showProgress();
         finishIfComplete();
         return;
     }
     // One box at a time: the camera delivers the next wrong frame before the user has read it.
     const EkBoxEnd end =
-        m_iOpenBoxes > 0
+        m_openBoxes > 0
             ? EkBoxEnd::Acknowledged
             : showError(
                   tr("Unexpected image format received. Calibration expects phase shift image as input."));
@@ -111,7 +111,7 @@ void CkToFCalibrateOffsetDlg::on_viewFrameReceived(qint32 iFrameId) {
         return;
     }
     // With a camera that sends nothing else the next box opens before the user can reach Cancel.
-    if (end == EkBoxEnd::Dismissed && m_uiFramesDone == 0) {
+    if (end == EkBoxEnd::Dismissed && m_framesDone == 0) {
         reject();
         return;
     }
@@ -136,23 +136,23 @@ void CkToFCalibrateOffsetDlg::stopMeasuring() {
 }
 
 bool CkToFCalibrateOffsetDlg::isComplete() const {
-    return m_state == EkState::Measuring && qint64(m_uiFramesDone) >= m_iFramesToAverage;
+    return m_state == EkState::Measuring && qint64(m_framesDone) >= m_framesToAverage;
 }
 
 void CkToFCalibrateOffsetDlg::showProgress() {
-    m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_uiFramesDone).arg(m_iFramesToAverage));
+    m_ui->lbProgress->setText(tr("Progresss: %1 / %2").arg(m_framesDone).arg(m_framesToAverage));
 }
 
 // Frames are counted while a box is open, too; the result is shown after it is closed.
 void CkToFCalibrateOffsetDlg::finishIfComplete() {
-    if (isComplete() && m_iOpenBoxes == 0) {
+    if (isComplete() && m_openBoxes == 0) {
         stopMeasuring();
         finish();
     }
 }
 
 void CkToFCalibrateOffsetDlg::finish() {
-    if (!(m_fModulationFreq >= CkToFOffsetEstimator::kMinModulationFreq) || std::isinf(m_fModulationFreq)) {
+    if (!(m_modulationFreq >= CkToFOffsetEstimator::kMinModulationFreq) || std::isinf(m_modulationFreq)) {
         if (showError(tr("Modulation frequency not present in image metadata.")) != EkBoxEnd::Deleted) {
             accept();
         }
@@ -165,7 +165,7 @@ void CkToFCalibrateOffsetDlg::finish() {
         }
         return;
     }
-    const CkToFOffsetEstimator::SkResult result = m_estimator.result(m_fDistance, m_fModulationFreq);
+    const CkToFOffsetEstimator::SkResult result = m_estimator.result(m_distance, m_modulationFreq);
     if (showResult(result) == EkBoxEnd::Deleted) {
         return;
     }
@@ -191,7 +191,7 @@ CkToFCalibrateOffsetDlg::showResult(const CkToFOffsetEstimator::SkResult& result
 // The static functions of QMessageBox crash when their parent is deleted while the box is open.
 CkToFCalibrateOffsetDlg::EkBoxEnd
 CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, const QString& sText) {
-    ++m_iOpenBoxes;
+    ++m_openBoxes;
     const QPointer<CkToFCalibrateOffsetDlg> self(this);
     const QPointer<QMessageBox> box(new QMessageBox(icon, sTitle, sText, QMessageBox::Ok, this));
     CkToFDismissal dismissal;
@@ -201,6 +201,6 @@ CkToFCalibrateOffsetDlg::showBox(QMessageBox::Icon icon, const QString& sTitle, 
     if (!self) {
         return EkBoxEnd::Deleted;
     }
-    --m_iOpenBoxes;
-    return dismissal.bHappened ? EkBoxEnd::Dismissed : EkBoxEnd::Acknowledged;
+    --m_openBoxes;
+    return dismissal.happened ? EkBoxEnd::Dismissed : EkBoxEnd::Acknowledged;
 }

@@ -58,9 +58,9 @@ private:
     QPointer<CkMdiView> m_view;
     CkToFOffsetEstimator m_estimator;
     EkState m_state = EkState::Idle;
-    unsigned int m_uiFramesDone = 0;
-    int m_iFramesToAverage = 0;
-    float m_fDistance = 0.0F;       ///< cm
-    float m_fModulationFreq = 0.0F; ///< MHz, of the last frame counted
-    int m_iOpenBoxes = 0;
+    unsigned int m_framesDone = 0;
+    int m_framesToAverage = 0;
+    float m_distance = 0.0F;       ///< cm
+    float m_modulationFreq = 0.0F; ///< MHz, of the last frame counted
+    int m_openBoxes = 0;
 };

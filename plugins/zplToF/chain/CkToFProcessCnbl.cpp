@@ -40,7 +40,7 @@ bool CkToFProcessCnbl::queryOutputImageInfo(const SkPicBufInfo& in, SkPicBufInfo
 bool CkToFProcessCnbl::negotiate(EkTransformType transform, const SkPicBufInfo& in, SkPicBufInfo& out,
                                  const CkImageMetadata* pInMeta, CkImageMetadata* pOutMeta) {
     const char* const error = ToFNegotiation::negotiate(transform, in, out, pInMeta, pOutMeta);
-    m_sLastError = error != nullptr ? tr(error) : QString();
+    m_lastError = error != nullptr ? tr(error) : QString();
     return error == nullptr;
 }
 
@@ -86,7 +86,7 @@ bool CkToFProcessCnbl::isInChainWithVideoSource() {
 
 void CkToFProcessCnbl::setupStart() {
     CkImageProvider::setupStart();
-    m_sShownRefusal.clear();
+    m_shownRefusal.clear();
     m_transformer.reset(isInChainWithVideoSource());
     // An error that will affect every frame is published before the first one arrives.
     const EkTransformType startTransform = transform();
@@ -98,7 +98,7 @@ void CkToFProcessCnbl::setupStart() {
         const EkFrameRefusal buffers = m_transformer.prepare(in, metadata);
         SkPicBufInfo out;
         if (!negotiate(startTransform, in, out, &metadata, nullptr)) {
-            publishRefusal(m_sLastError);
+            publishRefusal(m_lastError);
             return;
         }
         if (refusal == EkFrameRefusal::None && (out.width == 0 || out.height == 0)) {
@@ -114,7 +114,7 @@ void CkToFProcessCnbl::setupStart() {
 
 void CkToFProcessCnbl::setupStop() {
     CkImageProvider::setupStop();
-    m_sShownRefusal.clear();
+    m_shownRefusal.clear();
     m_transformer.clear();
 }
 
@@ -131,7 +131,7 @@ IkChainData* CkToFProcessCnbl::processData(IkChainData* pData) {
     const EkTransformType frameTransform = transform();
     SkToFFormat out;
     if (!negotiate(frameTransform, data->picBuf(), out.info, &data->metadata(), &out.metadata)) {
-        refuse(m_sLastError);
+        refuse(m_lastError);
         return nullptr;
     }
     if (data->picBuf().data == nullptr) {
@@ -181,13 +181,13 @@ void CkToFProcessCnbl::publish(const QString& sMessage) {
 }
 
 void CkToFProcessCnbl::publishRefusal(const QString& sReason) {
-    m_sShownRefusal = sReason;
+    m_shownRefusal = sReason;
     publish(sReason);
 }
 
 void CkToFProcessCnbl::refuse(const QString& sReason) {
     const QString shown = errorMessage();
-    if (shown.isEmpty() || shown == m_sShownRefusal) {
+    if (shown.isEmpty() || shown == m_shownRefusal) {
         publishRefusal(sReason);
     }
     reportDropped();

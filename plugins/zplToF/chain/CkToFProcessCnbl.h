@@ -35,7 +35,8 @@ public:
     IkChainData* processData(IkChainData* pData) override;
 
     bool saveSettings(QDomDocument& doc, QDomElement& element) const override;
-    /// An attribute "transform" that is not a number counts as 0; numbers outside 0..6 are kept.
+    /// An attribute "transform" that is not a number counts as 0; numbers outside 0..6 are stored as they
+    /// are.
     bool loadSettings(const QDomElement& element) override;
     bool hasHelp() const override;
     void help(QString& sText) override;
@@ -66,7 +67,7 @@ private:
     void refuse(const QString& sReason);
 
     std::atomic<EkTransformType> m_transform{Amplitude};
-    QString m_sLastError;
-    QString m_sShownRefusal; ///< the refusal published last
+    QString m_lastError;
+    QString m_shownRefusal; ///< the refusal published last
     CkToFTransformer m_transformer;
 };

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-CkToFProcessWidget::CkToFProcessWidget(CkToFProcessCnbl* pBlock) : m_pBlock(pBlock) {
+CkToFProcessWidget::CkToFProcessWidget(CkToFProcessCnbl* pBlock) : m_block(pBlock) {
     setWindowTitle(tr("ToF Image Processing"));
     auto* const layout = new QVBoxLayout(this);
     addChoices(layout, false);
@@ -24,7 +24,7 @@ void CkToFProcessWidget::addChoices(QVBoxLayout* pLayout, bool bRawToRaw) {
         if (transform.isRawToRaw == bRawToRaw) {
             const QString text = bRawToRaw ? QString::fromLatin1(transform.choice) : tr(transform.choice);
             m_buttons[size_t(transform.type)] =
-                createTransformItem(pLayout, text, m_pBlock->transform() == transform.type);
+                createTransformItem(pLayout, text, m_block->transform() == transform.type);
         }
     }
 }
@@ -40,11 +40,11 @@ QRadioButton* CkToFProcessWidget::createTransformItem(QVBoxLayout* pLayout, cons
 
 void CkToFProcessWidget::on_radioClicked() {
     const auto* const button = qobject_cast<QRadioButton*>(sender());
-    if (button == nullptr || m_pBlock.isNull()) {
+    if (button == nullptr || m_block.isNull()) {
         return;
     }
     const auto clicked = std::find(m_buttons.begin(), m_buttons.end(), button);
     if (clicked != m_buttons.end()) {
-        m_pBlock->setTransform(ToFTransform::EkTransformType(clicked - m_buttons.begin()), true);
+        m_block->setTransform(ToFTransform::EkTransformType(clicked - m_buttons.begin()), true);
     }
 }

@@ -30,6 +30,6 @@ private slots:
 private:
     void addChoices(QVBoxLayout* pLayout, bool bRawToRaw);
 
-    QPointer<CkToFProcessCnbl> m_pBlock;
+    QPointer<CkToFProcessCnbl> m_block;
     std::array<QRadioButton*, ToFTransforms::kCount> m_buttons{}; ///< by EkTransformType
 };

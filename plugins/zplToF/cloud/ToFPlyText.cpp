@@ -118,10 +118,10 @@ QByteArray writePly(std::span<const SkToFPoint> points) {
                               "\nproperty float x\nproperty float y\nproperty float z\nend_header\n";
     // The last sixteenth of the lines is formatted twice, the first time only to measure it. Without these
     // lines, the blocks with their overhead stay smaller than the text.
-    const auto kept = points.first(points.size() - points.size() / 16);
-    const auto counted = points.subspan(kept.size());
+    const auto stored = points.first(points.size() - points.size() / 16);
+    const auto counted = points.subspan(stored.size());
     CkToFTextBlocks blocks;
-    for (const SkToFPoint& point : kept) {
+    for (const SkToFPoint& point : stored) {
         blocks.append(point);
     }
     std::array<char, kLongestLine> line;

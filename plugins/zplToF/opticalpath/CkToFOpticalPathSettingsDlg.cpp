@@ -38,7 +38,7 @@ CkToFOpticalPathSettingsDlg::CkToFOpticalPathSettingsDlg(
                                                                           fChipCellSize,    fRealDistOffset,
                                                                           bOrthoDistance,   bLimitInputFps,
                                                                           fMaxInputFps},
-      m_fConfidenceThreshold(fConfidenceThreshold) {
+      m_confidenceThreshold(fConfidenceThreshold) {
     m_ui->setupUi(this);
     m_ui->lbControls->setText(
         tr("3D view controls:\n - Left mouse button: move\n - Right mouse button: rotate\n - Wheel: zoom"));
@@ -109,9 +109,9 @@ void CkToFOpticalPathSettingsDlg::on_buttonBox_clicked(QAbstractButton* pButton)
 }
 
 void CkToFOpticalPathSettingsDlg::onConfThresholdSliderValueChanged(const CkValue& value) {
-    m_fConfidenceThreshold = value.toFloat();
-    m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_fConfidenceThreshold), 'f', 2));
-    emit confidenceThresholdChanged(m_fConfidenceThreshold);
+    m_confidenceThreshold = value.toFloat();
+    m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_confidenceThreshold), 'f', 2));
+    emit confidenceThresholdChanged(m_confidenceThreshold);
 }
 
 void CkToFOpticalPathSettingsDlg::on_chkBoundingBox_toggled(bool bOn) {
@@ -145,8 +145,8 @@ bool CkToFOpticalPathSettingsDlg::readEdit(QLineEdit* pEdit, float& fValue, bool
 void CkToFOpticalPathSettingsDlg::setUpThreshold(bool bConfidenceAvailable, float fThresholdMin,
                                                  float fThresholdMax) {
     m_ui->tbConfThreshold->setRange(CkValue(fThresholdMin), CkValue(fThresholdMax), CkValue(kThresholdStep));
-    m_ui->tbConfThreshold->setValue(CkValue(m_fConfidenceThreshold));
-    m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_fConfidenceThreshold), 'f', 2));
+    m_ui->tbConfThreshold->setValue(CkValue(m_confidenceThreshold));
+    m_ui->lbConfThresholdValue->setText(QLocale().toString(double(m_confidenceThreshold), 'f', 2));
     if (bConfidenceAvailable) {
         connect(m_ui->tbConfThreshold, SIGNAL(valueChanged(CkValue)), this,
                 SLOT(onConfThresholdSliderValueChanged(CkValue)));

@@ -47,7 +47,7 @@ public:
     bool limitInputFps() const { return m_values.bLimitInputFps; }
     float maxInputFps() const { return m_values.fMaxInputFps; }
     /// Follows the bar at once.
-    float confidenceThreshold() const { return m_fConfidenceThreshold; }
+    float confidenceThreshold() const { return m_confidenceThreshold; }
 
     /// Reads the values from the controls. A field that holds no number, or a focal length or cell size not
     /// above 0, keeps its value. Always true.
@@ -89,5 +89,5 @@ private:
 
     std::unique_ptr<Ui::CkToFOpticalPathSettingsDlg> m_ui;
     SkValues m_values;
-    float m_fConfidenceThreshold;
+    float m_confidenceThreshold;
 };
