@@ -4,6 +4,8 @@
 #include "plugins/zplToF/transform/EkFrameRefusal.h"
 #include "plugins/zplToF/transform/SkToFFrame.h"
 
+struct SkToFTransform;
+
 /// Applies one transform to one frame: selects the operation and its input picture. Owns the work buffer for
 /// exposure sections; one thread at a time. Nothing is allocated per frame.
 class CkToFFrameProcessor {
@@ -20,21 +22,19 @@ public:
     bool lacksHdrBuffer() const { return m_hdr.lacksMemory(); }
 
     /// Whether the frame is passed on unchanged, without an output picture.
-    static bool passesThrough(int iTransform, const SkToFFrame& frame);
-
-    /// Whether the transform works on the frame as it arrived, whether or not a set is being gathered.
-    static bool needsNoSet(int iTransform);
+    static bool passesThrough(const SkToFTransform& transform, const SkToFFrame& frame);
 
     /// Why there will be no output picture, as far as that is known before processing. The frame's input may
     /// be null only where no set is needed.
-    EkFrameRefusal refusal(int iTransform, const SkToFFrame& frame, const SkPicBufInfo& out) const;
+    EkFrameRefusal refusal(const SkToFTransform& transform, const SkToFFrame& frame,
+                           const SkPicBufInfo& out) const;
 
     /// Whether the output picture has to be zeroed because the operation leaves pixels unwritten.
-    static bool leavesPixelsUnwritten(int iTransform, const SkToFFrame& frame);
+    static bool leavesPixelsUnwritten(const SkToFTransform& transform, const SkToFFrame& frame);
 
     /// Fills the output picture, which has the negotiated format, from a frame that is not refused. False:
     /// nothing useful was written.
-    bool process(int iTransform, const SkToFFrame& frame, SkPicBuf& out);
+    bool process(const SkToFTransform& transform, const SkToFFrame& frame, SkPicBuf& out);
 
 private:
     CkToFHdrBuffer m_hdr;

@@ -76,31 +76,32 @@ CkToFTransformer::SkResult CkToFTransformer::process(int iTransform, const CkIma
             result.angleError = angleError(iTransform);
         }
     }
-    if (CkToFFrameProcessor::passesThrough(iTransform, frame)) {
+    if (CkToFFrameProcessor::passesThrough(*transform, frame)) {
         result.outcome = EkOutcome::SameFrame;
         return result;
     }
-    makeFrame(iTransform, frame, out, pictureSource, result);
+    makeFrame(*transform, frame, out, pictureSource, result);
     if (result.frame != nullptr) {
         result.frame->picBuf().copyPicAdditionalData(data.picBuf());
     }
     return result;
 }
 
-void CkToFTransformer::makeFrame(int iTransform, const SkToFFrame& frame, const SkToFFormat& out,
-                                 const PictureSource& pictureSource, SkResult& result) {
+void CkToFTransformer::makeFrame(const SkToFTransform& transform, const SkToFFrame& frame,
+                                 const SkToFFormat& out, const PictureSource& pictureSource,
+                                 SkResult& result) {
     result.outcome = EkOutcome::Refused;
     result.refusal =
-        isEmpty(out.info) ? EkFrameRefusal::NoOutputPixels : m_processor.refusal(iTransform, frame, out.info);
+        isEmpty(out.info) ? EkFrameRefusal::NoOutputPixels : m_processor.refusal(transform, frame, out.info);
     if (result.refusal != EkFrameRefusal::None) {
         return;
     }
     CkPicture picture;
-    if (!pictureSource(out.info, CkToFFrameProcessor::leavesPixelsUnwritten(iTransform, frame), picture)) {
+    if (!pictureSource(out.info, CkToFFrameProcessor::leavesPixelsUnwritten(transform, frame), picture)) {
         result.outcome = EkOutcome::NoPicture;
         return;
     }
-    if (!m_processor.process(iTransform, frame, picture.picBuf())) {
+    if (!m_processor.process(transform, frame, picture.picBuf())) {
         result.refusal = EkFrameRefusal::NotSupported;
         return;
     }

@@ -62,7 +62,7 @@ public:
     const char* angleError(int iTransform) const;
 
 private:
-    void makeFrame(int iTransform, const SkToFFrame& frame, const SkToFFormat& out,
+    void makeFrame(const SkToFTransform& transform, const SkToFFrame& frame, const SkToFFormat& out,
                    const PictureSource& pictureSource, SkResult& result);
 
     CkToFFrameInput m_input;

@@ -1,5 +1,5 @@
 #include "plugins/zplToF/transform/CkToFFrameProcessor.h"
-#include "plugins/zplToF/transform/EkTransformType.h"
+#include "plugins/zplToF/transform/ToFTransforms.h"
 #include "tests/support/TestPicture.h"
 
 #include <gtest/gtest.h>
@@ -8,16 +8,20 @@ namespace {
 
 using namespace ToFTransform;
 
+const SkToFTransform& row(int transform) {
+    return *ToFTransforms::find(transform);
+}
+
 TEST(CkToFFrameProcessor, OnlyAnUngatheredFrameThatIsNotHybridPassesThrough) {
     PaddedPicture picture(4, 2, 2, EkImageDataType::UInt16);
-    for (int transform = -1; transform < 8; ++transform) {
+    for (int transform = 0; transform < 7; ++transform) {
         SkToFFrame frame{.frame = *picture, .input = &*picture};
-        EXPECT_EQ(CkToFFrameProcessor::passesThrough(transform, frame), transform == ConcatPhases);
+        EXPECT_EQ(CkToFFrameProcessor::passesThrough(row(transform), frame), transform == ConcatPhases);
         frame.gathered = true;
-        EXPECT_FALSE(CkToFFrameProcessor::passesThrough(transform, frame));
+        EXPECT_FALSE(CkToFFrameProcessor::passesThrough(row(transform), frame));
         frame.gathered = false;
         frame.hybrid = true;
-        EXPECT_FALSE(CkToFFrameProcessor::passesThrough(transform, frame));
+        EXPECT_FALSE(CkToFFrameProcessor::passesThrough(row(transform), frame));
     }
 }
 
@@ -27,13 +31,11 @@ TEST(CkToFFrameProcessor, AnIncompleteSetStopsOnlyTheTransformsThatWorkOnSets) {
     const CkToFFrameProcessor processor;
     const bool expected[] = {true, false, false, false, false, true, true};
     for (int transform = 0; transform < 7; ++transform) {
-        EXPECT_EQ(CkToFFrameProcessor::needsNoSet(transform), expected[transform]) << transform;
+        EXPECT_EQ(row(transform).input == SkToFTransform::EkInput::Frame, expected[transform]) << transform;
         if (expected[transform]) {
-            EXPECT_EQ(processor.refusal(transform, incomplete, *picture), EkFrameRefusal::None);
+            EXPECT_EQ(processor.refusal(row(transform), incomplete, *picture), EkFrameRefusal::None);
         }
     }
-    EXPECT_FALSE(CkToFFrameProcessor::needsNoSet(-1));
-    EXPECT_FALSE(CkToFFrameProcessor::needsNoSet(7));
 }
 
 TEST(CkToFFrameProcessor, SectionsAreMergedOnlyWhereThereAreSomeAndABuffer) {
@@ -43,16 +45,15 @@ TEST(CkToFFrameProcessor, SectionsAreMergedOnlyWhereThereAreSomeAndABuffer) {
     const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
     const SkToFFrame other{.frame = *sections, .input = &*sections, .gathered = true};
     CkToFFrameProcessor processor;
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkFrameRefusal::NothingToMerge) << "no buffer";
-    EXPECT_EQ(processor.refusal(Intensity, hybrid, *out), EkFrameRefusal::None) << "of the frame as it is";
+    EXPECT_EQ(processor.refusal(row(ConcatPhases), hybrid, *out), EkFrameRefusal::NothingToMerge)
+        << "no buffer";
+    EXPECT_EQ(processor.refusal(row(Intensity), hybrid, *out), EkFrameRefusal::None)
+        << "of the frame as it is";
     ASSERT_TRUE(processor.prepareHdr(*sections, 3));
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *out), EkFrameRefusal::None);
-    EXPECT_EQ(processor.refusal(ConcatPhases, hybrid, *asTall), EkFrameRefusal::NothingToMerge)
+    EXPECT_EQ(processor.refusal(row(ConcatPhases), hybrid, *out), EkFrameRefusal::None);
+    EXPECT_EQ(processor.refusal(row(ConcatPhases), hybrid, *asTall), EkFrameRefusal::NothingToMerge)
         << "no sections";
-    EXPECT_EQ(processor.refusal(ConcatPhases, other, *asTall), EkFrameRefusal::None);
-    for (int transform : {-1, 7, 1000}) {
-        EXPECT_EQ(processor.refusal(transform, other, *out), EkFrameRefusal::UnknownTransform);
-    }
+    EXPECT_EQ(processor.refusal(row(ConcatPhases), other, *asTall), EkFrameRefusal::None);
 }
 
 TEST(CkToFFrameProcessor, AWorkBufferThatCannotBeHadIsNoMemory) {
@@ -70,9 +71,10 @@ TEST(CkToFFrameProcessor, AWorkBufferThatCannotBeHadIsNoMemory) {
     PaddedPicture out(5, 2, 3, EkImageDataType::UInt16);
     const SkToFFrame hybrid{.frame = *sections, .input = &*sections, .hybrid = true};
     for (int transform : {Intensity, Amplitude, Depth, ConcatPhases}) {
-        EXPECT_EQ(processor.refusal(transform, hybrid, *out), EkFrameRefusal::NoMemory) << transform;
+        EXPECT_EQ(processor.refusal(row(transform), hybrid, *out), EkFrameRefusal::NoMemory) << transform;
     }
-    EXPECT_EQ(processor.refusal(Intensity, hybrid, *sections), EkFrameRefusal::None) << "nothing to merge";
+    EXPECT_EQ(processor.refusal(row(Intensity), hybrid, *sections), EkFrameRefusal::None)
+        << "nothing to merge";
     EXPECT_FALSE(processor.prepareHdr(*sections, 7)) << "no row is left: no buffer is wanted";
     EXPECT_FALSE(processor.lacksHdrBuffer());
 }
@@ -84,13 +86,14 @@ TEST(CkToFFrameProcessor, OnlyUnsupportedPhasesCountsLeavePixelsOpen) {
         frame.phases = phases;
         const bool supported = phases == 1 || phases == 2 || phases == 4 || phases == 8;
         for (int transform : {Intensity, Amplitude, Depth}) {
-            EXPECT_EQ(CkToFFrameProcessor::leavesPixelsUnwritten(transform, frame), !supported) << phases;
+            EXPECT_EQ(CkToFFrameProcessor::leavesPixelsUnwritten(row(transform), frame), !supported)
+                << phases;
         }
         for (int transform : {SetABPhase, ConcatPhases, AandBtoAminB, SetHybrid}) {
-            EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(transform, frame));
+            EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(row(transform), frame));
         }
         frame.hybrid = true;
-        EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(Depth, frame));
+        EXPECT_FALSE(CkToFFrameProcessor::leavesPixelsUnwritten(row(Depth), frame));
     }
 }
 
@@ -123,13 +126,13 @@ TEST(CkToFFrameProcessor, RelabellingCopiesWholeRowsAndNothingBehindThem) {
     PaddedPicture target(3, 4, 2, EkImageDataType::UInt8, 8, 9);
     const SkToFFrame frame{.frame = *source, .input = &*source};
     CkToFFrameProcessor processor;
-    ASSERT_TRUE(processor.process(SetABPhase, frame, *target));
+    ASSERT_TRUE(processor.process(row(SetABPhase), frame, *target));
     EXPECT_EQ(target.at<quint8>(2, 3, 1), 35);
     EXPECT_TRUE(target.guardsIntact());
     PaddedPicture wide(4, 4, 2, EkImageDataType::UInt8);
     PaddedPicture high(3, 5, 2, EkImageDataType::UInt8);
-    EXPECT_FALSE(processor.process(SetABPhase, frame, *wide));
-    EXPECT_FALSE(processor.process(SetABPhase, frame, *high));
+    EXPECT_FALSE(processor.process(row(SetABPhase), frame, *wide));
+    EXPECT_FALSE(processor.process(row(SetABPhase), frame, *high));
     EXPECT_EQ(wide.at<quint8>(0, 0), 0);
 }
 
@@ -139,11 +142,11 @@ TEST(CkToFFrameProcessor, AGatheredSetIsCopiedAsFarAsTheOutputReaches) {
     PaddedPicture out(3, 4, 2, EkImageDataType::UInt16, 12, 3);
     const SkToFFrame frame{.frame = *set, .input = &*set, .gathered = true};
     CkToFFrameProcessor processor;
-    ASSERT_TRUE(processor.process(ConcatPhases, frame, *out));
+    ASSERT_TRUE(processor.process(row(ConcatPhases), frame, *out));
     EXPECT_EQ(out.at<quint16>(2, 3, 1), 3);
     EXPECT_TRUE(out.guardsIntact());
     PaddedPicture taller(3, 9, 2, EkImageDataType::UInt16);
-    EXPECT_FALSE(processor.process(ConcatPhases, frame, *taller));
+    EXPECT_FALSE(processor.process(row(ConcatPhases), frame, *taller));
 }
 
 } // namespace
