@@ -136,7 +136,7 @@ void CkToF3DMdiView::onDepthResChanged() {
     if (width <= 0) {
         return;
     }
-    m_model.setMaxGenericWidth(width);
+    m_model.setDepthTexResolutionW(width);
     CkMdiView* connected = connectedView();
     updateWithConnectedImageData(connected != nullptr ? connected->currentImage() : nullptr, true);
     ToFHostSettings::write(ToFSettingsKey::kDepthTexResolutionW, width);

@@ -23,7 +23,7 @@ bool CkToFCloudModel::setFrame(const CkImageData* pData) {
     // First, so that the frame can reuse the pixels.
     m_data.reset();
     const CkImageMetadata& metadata = pData->metadata();
-    m_frame.update(pData->picBuf(), &metadata, m_maxGenericWidth);
+    m_frame.update(pData->picBuf(), &metadata, m_depthTexResolutionW);
     m_options.opticalPath.adoptCameraValues(metadata);
     if (m_frame.isEmpty()) {
         return false;

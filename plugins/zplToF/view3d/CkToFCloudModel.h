@@ -41,15 +41,15 @@ public:
     float zZoom() const { return m_zZoom; }
     void setZZoom(float fFactor) { m_zZoom = fFactor; } ///< above 0
     /// Pixels; generic pictures wider than this are shrunk to it.
-    int maxGenericWidth() const { return m_maxGenericWidth; }
-    void setMaxGenericWidth(int iWidth) { m_maxGenericWidth = iWidth; }
+    int depthTexResolutionW() const { return m_depthTexResolutionW; }
+    void setDepthTexResolutionW(int iWidth) { m_depthTexResolutionW = iWidth; }
     bool usesPoints() const { return m_layout == EkToFVertexLayout::Points; }
 
 private:
     const EkToFVertexLayout m_layout;
     CkToFDepthFrame m_frame;
     std::unique_ptr<CkImageData> m_data;
-    int m_maxGenericWidth = 640;
+    int m_depthTexResolutionW = 640;
     SkToFViewSettings m_options;
     float m_zZoom = 1.0F;
     CkToFCloudBuilder m_cloud;

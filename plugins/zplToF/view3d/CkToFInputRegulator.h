@@ -9,10 +9,10 @@ class CkToFInputRegulator {
 public:
     /// Whether a frame that arrives now is dropped. A limit that is not a number above 0 has no effect.
     bool dropsFrame(bool bRegulate, float fMaxFps) const {
-        return drops(bRegulate, fMaxFps, m_timer.isValid() ? m_timer.elapsed() : -1);
+        return drops(bRegulate, fMaxFps, m_inputTimer.isValid() ? m_inputTimer.elapsed() : -1);
     }
     /// Starts the interval to the next frame.
-    void frameShown() { m_timer.start(); }
+    void frameShown() { m_inputTimer.start(); }
 
     /// The same for a frame that arrives iElapsedMs whole milliseconds after the last one shown; negative
     /// when there was none.
@@ -22,5 +22,5 @@ public:
     }
 
 private:
-    QElapsedTimer m_timer; ///< since the last frame shown
+    QElapsedTimer m_inputTimer; ///< since the last frame shown
 };

@@ -79,7 +79,7 @@ TEST_F(ToF3DViewActionTest, TheDepthResolutionIsTakenShownAndStored) {
     QAction narrow(QStringLiteral("16"), nullptr);
     QObject::connect(&narrow, SIGNAL(triggered()), view.get(), SLOT(onDepthResChanged()));
     narrow.trigger();
-    EXPECT_EQ(view->model().maxGenericWidth(), 16);
+    EXPECT_EQ(view->model().depthTexResolutionW(), 16);
     EXPECT_EQ(view->depthFrame().depthPic().width, 16U);
     EXPECT_EQ(view->depthFrame().depthPic().height, 8U);
     EXPECT_EQ(view->depthFrame().resolutionRatio(), 4.0F);
@@ -87,7 +87,7 @@ TEST_F(ToF3DViewActionTest, TheDepthResolutionIsTakenShownAndStored) {
     for (const char* text : {"0", "-4", "wide", "", "1.5", "99999999999"}) {
         narrow.setText(QLatin1String(text));
         narrow.trigger();
-        EXPECT_EQ(view->model().maxGenericWidth(), 16) << text;
+        EXPECT_EQ(view->model().depthTexResolutionW(), 16) << text;
     }
 }
 

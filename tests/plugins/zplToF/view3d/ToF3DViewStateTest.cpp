@@ -40,7 +40,7 @@ TEST_F(ToF3DViewStateTest, AnEmptyStoreStartsWithTheDefaults) {
     EXPECT_FALSE(view->options().regulateInputFps);
     EXPECT_EQ(view->options().maxInputFps, 5.0F);
     EXPECT_EQ(view->model().zZoom(), 1.0F);
-    EXPECT_EQ(view->model().maxGenericWidth(), 640);
+    EXPECT_EQ(view->model().depthTexResolutionW(), 640);
     EXPECT_EQ(view->depthFrame().depthDataKind(), EkDepthDataType::Generic);
     EXPECT_EQ(view->currentImage(), nullptr);
     EXPECT_TRUE(view->cloud().exportPoints().empty());
@@ -86,7 +86,7 @@ TEST_F(ToF3DViewStateTest, EveryStoredKeyReachesTheView) {
     EXPECT_FALSE(options.opticalPath.orthoRadialCorrection);
     EXPECT_EQ(view->viewLut(nullptr, nullptr, nullptr)->pseudoColorIndex(), 2);
     // Stored for other tools; every view starts with 640.
-    EXPECT_EQ(view->model().maxGenericWidth(), 640);
+    EXPECT_EQ(view->model().depthTexResolutionW(), 640);
     ASSERT_NE(view->scene(), nullptr);
     EXPECT_EQ(view->scene()->clearColor(), QColor(16, 32, 48));
 }
