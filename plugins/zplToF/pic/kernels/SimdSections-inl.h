@@ -142,7 +142,7 @@ HWY_INLINE TripleVec<T> usablePixels(const Triples<T>& samples, TripleVec<T> lar
 }
 
 template <typename T, typename R>
-HWY_INLINE void mergeBlock(const SkToFSectionRows& sections, TripleVec<T> largestUsable, uint8_t* result,
+HWY_INLINE void mergeBlock(SkToFSectionRows sections, TripleVec<T> largestUsable, uint8_t* result,
                            Used<T, R>& used) {
     const TripleTag<T> d;
     const auto last = Triples<T>::load(sections.row(sections.count - 1));
@@ -166,18 +166,16 @@ HWY_INLINE void mergeBlock(const SkToFSectionRows& sections, TripleVec<T> larges
 template <typename T, typename R, uint32_t knownSections>
 HWY_INLINE void mergeBlocks(const SkToFSectionRows& rows, uint8_t* result, size_t pixels, Used<T, R>& used) {
     constexpr size_t kPixels = kTriplePixels<T>;
-    SkToFSectionRows block = rows;
-    if constexpr (knownSections != 0) {
-        block.count = knownSections;
-    }
+    // Values, not the structure: the result might alias it, which would cost a load per use.
+    const SkToFSectionRows row = rows;
+    const uint32_t sections = knownSections != 0 ? knownSections : row.count;
     const auto largestUsable =
-        hn::Set(TripleTag<T>(), T(std::min<uint32_t>(block.threshold - 1U, hwy::LimitsMax<T>())));
-    const uint8_t* const first = rows.first;
+        hn::Set(TripleTag<T>(), T(std::min<uint32_t>(row.threshold - 1U, hwy::LimitsMax<T>())));
     const size_t last = pixels - kPixels;
     for (size_t pixel = 0; pixel < pixels;) {
         for (pixel = std::min(pixel, last); pixel <= last; pixel += kPixels) {
-            block.first = first + pixel * 3 * sizeof(T);
-            mergeBlock<T, R>(block, largestUsable, result + pixel * 3 * sizeof(R), used);
+            mergeBlock<T, R>({row.first + pixel * 3 * sizeof(T), row.stride, sections, row.threshold},
+                             largestUsable, result + pixel * 3 * sizeof(R), used);
         }
     }
 }
