@@ -15,6 +15,7 @@ bool addSimdHybridKernels(int64_t target, SkToFKernels& kernels);
 
 /// Defines bool NAME(int64_t target, TABLE& table), which calls FUNCTION of the target: it is compiled once
 /// for each instruction set, and Highway keeps a null entry for a set that was not compiled in.
+// NOLINTBEGIN(bugprone-macro-parentheses): a type must not stand in parentheses.
 #define TOF_EXPORT_KERNELS(NAME, FUNCTION, TABLE)                                                            \
     namespace tofSimd {                                                                                      \
     HWY_EXPORT(FUNCTION);                                                                                    \
@@ -30,3 +31,4 @@ bool addSimdHybridKernels(int64_t target, SkToFKernels& kernels);
         add(table);                                                                                          \
         return true;                                                                                         \
     }
+// NOLINTEND(bugprone-macro-parentheses)
